@@ -1,0 +1,75 @@
+# cmake -DCOMPILE_COMMANDS=<compile_commands.json> -DSOURCE_ROOT=<src> -P CheckCoreIncludes.cmake
+#
+# Proves that the model knows no toolkit. Every source of relievo_core is preprocessed with the very command that
+# compiles it, and none of the headers it reaches may belong to FLTK, OpenGL or X. Every project header reached
+# that way must also compile on its own.
+cmake_minimum_required(VERSION 3.25)
+
+set(toolkit_headers "/(FL|GL|GLES[0-9]*|EGL|KHR|X11)/")
+
+function(run_compiler out_variable what)
+  execute_process(COMMAND ${ARGN} WORKING_DIRECTORY "${directory}"
+    RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
+  if(NOT result EQUAL 0)
+    message(SEND_ERROR "${what}:\n${errors}")
+  endif()
+  set(${out_variable} "${output}" PARENT_SCOPE)
+endfunction()
+
+function(headers_of source command out_variable)
+  run_compiler(rule "${source} does not preprocess" ${command} -M "${source}")
+  string(REGEX REPLACE "^[^:]*:" "" rule "${rule}")
+  string(REPLACE "\\\n" " " rule "${rule}")
+  separate_arguments(files UNIX_COMMAND "${rule}")
+  list(REMOVE_ITEM files "${source}")
+  set(${out_variable} "${files}" PARENT_SCOPE)
+endfunction()
+
+# The compile command of a source without its "-o <object> -c <source>".
+function(compiler_with_flags command out_variable)
+  separate_arguments(words UNIX_COMMAND "${command}")
+  list(FIND words "-o" position)
+  list(SUBLIST words 0 ${position} words)
+  set(${out_variable} "${words}" PARENT_SCOPE)
+endfunction()
+
+file(READ "${COMPILE_COMMANDS}" database)
+string(JSON count LENGTH "${database}")
+math(EXPR last "${count} - 1")
+set(project_headers "")
+set(checked 0)
+
+foreach(i RANGE ${last})
+  string(JSON command GET "${database}" ${i} command)
+  if(NOT command MATCHES "/relievo_core\\.dir/")
+    continue()
+  endif()
+  string(JSON source GET "${database}" ${i} file)
+  string(JSON directory GET "${database}" ${i} directory)
+  compiler_with_flags("${command}" compiler)
+  headers_of("${source}" "${compiler}" headers)
+  foreach(header IN LISTS headers)
+    if(header MATCHES "${toolkit_headers}")
+      message(SEND_ERROR "${source} reaches ${header}")
+    endif()
+    string(FIND "${header}" "${SOURCE_ROOT}/" at)
+    if(at EQUAL 0)
+      list(APPEND project_headers "${header}")
+    endif()
+  endforeach()
+  math(EXPR checked "${checked} + 1")
+endforeach()
+
+if(checked EQUAL 0)
+  message(FATAL_ERROR "${COMPILE_COMMANDS} names no source of relievo_core")
+endif()
+
+# Included from an empty file, because "#pragma once" in the file being compiled is a warning of its own.
+list(REMOVE_DUPLICATES project_headers)
+foreach(header IN LISTS project_headers)
+  run_compiler(ignored "${header} does not compile on its own"
+    ${compiler} -fsyntax-only -include "${header}" -x c++ /dev/null)
+endforeach()
+
+list(LENGTH project_headers header_count)
+message(STATUS "${checked} sources and ${header_count} headers of the model name no toolkit")

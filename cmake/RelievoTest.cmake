@@ -1,0 +1,29 @@
+# relievo_add_test(<name> <source>...)      tests of the model, label "core"
+# relievo_add_gui_test(<name> <source>...)  tests that need a display, label "gui", never two at once
+#
+# One executable per room. A test finds the builders of tests/support/ as "support/...". Under ctest the properties
+# are always tried with the same random cases; the executable started by hand takes new ones.
+include(GoogleTest)
+
+function(relievo_add_test name)
+  add_executable(${name} ${ARGN})
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  target_link_libraries(${name} PRIVATE
+    relievo_core relievo_warnings rapidcheck_gtest GTest::gtest_main)
+  gtest_discover_tests(${name}
+    DISCOVERY_MODE PRE_TEST
+    PROPERTIES LABELS core TIMEOUT 60 ENVIRONMENT RC_PARAMS=seed=1)
+endfunction()
+
+function(relievo_add_gui_test name)
+  if(NOT RELIEVO_BUILD_UI)
+    return()
+  endif()
+  add_executable(${name} ${ARGN})
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  target_link_libraries(${name} PRIVATE
+    relievo_app relievo_gui_support relievo_warnings GTest::gtest_main)
+  gtest_discover_tests(${name}
+    DISCOVERY_MODE PRE_TEST
+    PROPERTIES LABELS gui RESOURCE_LOCK display TIMEOUT 120)
+endfunction()

@@ -1,0 +1,50 @@
+# shellcheck shell=bash
+# The virtual display of ./test: Xvfb with a window manager, and the end of everything that ./test has started.
+
+tests_pid=
+xvfb_pid=
+manager_pid=
+session=
+
+# start_display: sets DISPLAY once a window manager runs on a display of its own. Homes and caches are the session's,
+# so that neither the user's settings reach the tests nor the tests' settings the user.
+start_display() {
+  session=$(mktemp -d)
+  mkdir "$session/home"
+  mkfifo "$session/number"
+
+  # -displayfd lets the server choose a free display, so that two runs never meet. The kernel ends it (and so every window
+  # on it) should this shell be killed outright.
+  setpriv --pdeathsig TERM Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset \
+    3>"$session/number" >"$session/xvfb.log" 2>&1 &
+  xvfb_pid=$!
+  local number
+  if ! read -r -t 30 number <"$session/number"; then
+    cat "$session/xvfb.log" >&2
+    die "the virtual display did not start"
+  fi
+
+  export DISPLAY=:$number HOME=$session/home LIBGL_ALWAYS_SOFTWARE=1
+  unset WAYLAND_DISPLAY XAUTHORITY XDG_CACHE_HOME XDG_CONFIG_HOME XDG_DATA_HOME
+  openbox --sm-disable --config-file scripts/openbox.xml >"$session/openbox.log" 2>&1 &
+  manager_pid=$!
+  local tries
+  for ((tries = 0; tries < 300; ++tries)); do
+    if xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q '#'; then return; fi
+    sleep 0.1
+  done
+  cat "$session/openbox.log" >&2
+  die "the window manager did not start"
+}
+
+# stop_all: ends the tests (with all they started), the window manager and the server. Harmless at any moment.
+stop_all() {
+  trap '' HUP INT TERM
+  if [[ -n $tests_pid ]]; then kill -TERM -- "-$tests_pid" 2>/dev/null || true; fi
+  local pid
+  for pid in $manager_pid $xvfb_pid; do
+    kill "$pid" 2>/dev/null || true
+    wait "$pid" 2>/dev/null || true
+  done
+  if [[ -n $session ]]; then rm -rf "$session"; fi
+}

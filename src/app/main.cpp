@@ -1,0 +1,47 @@
+#include <cstdint>
+#include <cstdio>
+#include <ctime>
+
+#include <FL/Fl.H>
+
+#include "app/SolverTimer.h"
+#include "base/Console.h"
+#include "model/CGrid.h"
+#include "ui/CImageViewUI.h"
+
+namespace {
+
+// Whether the compiler computes mixed integer and floating-point constants as it should.
+void PrintSelfTest() {
+  constexpr double kDoublePlusInt = 1.5 + 2;
+  constexpr double kIntPlusDouble = 2 + 1.5;
+  constexpr double kIntTimesDouble = 3 * 1.5;
+  constexpr double kDoubleTimesInt = 1.5 * 3;
+  constexpr double kIntOverDouble = 3 / 1.4;
+  constexpr double kDoubleOverInt = 1.5 / 3;
+  constexpr int kIntOverInt = 3 / 2;
+  Console() << " 1.5 + 2 = " << kDoublePlusInt << '\n';
+  Console() << " 2 + 1.5 = " << kIntPlusDouble << '\n';
+  Console() << " 3 * 1.5 = " << kIntTimesDouble << '\n';
+  Console() << " 1.5 * 3 = " << kDoubleTimesInt << '\n';
+  Console() << " 3 / 1.4 = " << kIntOverDouble << '\n';
+  Console() << " 1.5 / 3 = " << kDoubleOverInt << '\n';
+  Console() << "3 / 2 = " << kIntOverInt << '\n';
+}
+
+}  // namespace
+
+int main() {
+  // Progress shows line by line in a pipe or a file, too.
+  std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+  PrintSelfTest();
+  Fl::visual(FL_DOUBLE | FL_DEPTH | FL_RGB8);
+
+  CGrid grid(static_cast<std::uint32_t>(std::time(nullptr)));
+  CImageViewUI window;
+  window.show();
+  window.AttachGrid(grid);
+  RegisterSolverTimer(grid);
+  // The end comes from the window's callback.
+  for (;;) Fl::wait();
+}

@@ -1,0 +1,18 @@
+#include "base/Console.h"
+
+#include <iostream>
+
+namespace {
+
+std::ostream*& Sink() {
+  static std::ostream* sink = &std::cout;
+  return sink;
+}
+
+}  // namespace
+
+std::ostream& Console() { return *Sink(); }
+
+ConsoleRedirect::ConsoleRedirect(std::ostream& target) : m_pPrevious(Sink()) { Sink() = &target; }
+
+ConsoleRedirect::~ConsoleRedirect() { Sink() = m_pPrevious; }

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <vector>
+
+/// Gives the memory of a vector back; clearing it, or assigning {} to it, would keep the capacity.
+template <typename Value>
+void Release(std::vector<Value>& values) {
+  std::vector<Value>().swap(values);
+}

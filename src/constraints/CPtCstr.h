@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+
+/// Bits of `CPtCstr::m_uKind`.
+namespace PtCstrKind {
+inline constexpr std::uint32_t kPosition = 1;  ///< fixes the height at the point
+inline constexpr std::uint32_t kNormal = 2;    ///< fixes the orientation at the point
+inline constexpr std::uint32_t kDisabled = 4;  ///< lies in a discontinuity and constrains nothing
+}  // namespace PtCstrKind
+
+/// Bits of `CPtCstr::m_uState`.
+namespace PtCstrState {
+inline constexpr std::uint32_t kHighlighted = 1;  ///< the cursor is over it
+inline constexpr std::uint32_t kSelected = 2;
+}  // namespace PtCstrState
+
+/// A constraint that the surface must obey at one point of the picture.
+struct CPtCstr {
+  double m_fX = 0.0;           ///< model units
+  double m_fY = 0.0;           ///< model units
+  std::uint32_t m_uKind = 0;   ///< PtCstrKind bits
+  double m_fZ = 0.0;           ///< height wanted, or for a normal constraint the present height under it
+  double m_fP = 0.0;           ///< normal constraint: slope dz/dx wanted
+  double m_fQ = 0.0;           ///< normal constraint: slope dz/dy wanted
+  std::uint32_t m_uState = 0;  ///< PtCstrState bits
+
+  bool HasKind(std::uint32_t mask) const { return (m_uKind & mask) != 0; }
+  bool HasState(std::uint32_t mask) const { return (m_uState & mask) != 0; }
+  void SetKind(std::uint32_t mask, bool on) { m_uKind = on ? m_uKind | mask : m_uKind & ~mask; }
+  void SetState(std::uint32_t mask, bool on) { m_uState = on ? m_uState | mask : m_uState & ~mask; }
+  /// Whether the record constrains the surface in the way of `kind` (kPosition or kNormal).
+  bool IsEnabled(std::uint32_t kind) const { return HasKind(kind) && !HasKind(PtCstrKind::kDisabled); }
+};

@@ -1,0 +1,166 @@
+#include "model/CGrid.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/Console.h"
+#include "base/Memory.h"
+#include "model/Globals.h"
+#include "model/TreeWalkTransform.h"
+#include "quadtree/TreeNormals.h"
+
+namespace {
+
+constexpr int kIterationsPerTick = 9;
+
+int SupportedMaxLevel() { return std::clamp(g_iMaxLevel, CLattice::kMinLevel, CLattice::kMaxLevel); }
+
+}  // namespace
+
+CGrid::CGrid(std::uint32_t seed) : m_Lattice(SupportedMaxLevel()), m_Random(seed) {
+  g_bHighRes = 0;
+  Initialize(g_iBaseLevel, false, 0, 0, 100, 100);
+}
+
+void CGrid::FreeAll() {
+  m_Lattice.Free();
+  m_Order.Free();
+  Release(m_afWaveCoefs);
+  Release(m_afNodalHeights);
+  Release(m_afPresentSurface);
+  m_PointConstraints.clear();
+  m_GeneratedConstraints.clear();
+}
+
+void CGrid::Initialize(int level, bool keep, double x0, double y0, double x1, double y1) {
+  if (!keep) FreeAll();
+  m_Lattice.Allocate(SupportedMaxLevel());
+  m_iBaseLevel = std::clamp(level, 0, MaxLevel());
+  m_Order.Reset(MaxLevel());
+  m_afWaveCoefs.assign(m_Lattice.PointCount(), 0.0);
+  m_afNodalHeights.assign(m_Lattice.PointCount(), 0.0);
+  m_afPresentSurface.assign(m_Lattice.PointCount(), 0.0);
+  m_bSurfaceCaptured = false;
+  m_iNextOperation = 0;
+  m_iIterationsPerTick = kIterationsPerTick;
+  Console() << x0 << ", " << x1 << ", " << y0 << ", " << y1 << '\n';
+  SetRectangle(x0, x1, y0, y1);
+  FillTree();
+  m_iIterations = -1;
+  SetSparseH();
+  // The first tick rebuilds the system whatever was set up here.
+  m_iIterations = -1;
+}
+
+void CGrid::FillTree() {
+  if (m_pTree == nullptr || m_pTree->Level() != MaxLevel()) {
+    m_pTree = std::make_unique<CQuadTree>(m_Lattice);
+    m_Subdivision.emplace(MaxLevel());
+    m_OtherSubdivision.emplace(MaxLevel());
+  }
+  m_pTree->Reset(m_iBaseLevel);
+  Console() << "CGrid::Initialize\t\t\tlevel : " << m_iBaseLevel << '\n';
+  m_Subdivision->SetStartLevel(m_iBaseLevel);
+  m_OtherSubdivision->SetStartLevel(MaxLevel());
+  if (g_bHighRes == 1) std::swap(m_Subdivision, m_OtherSubdivision);
+}
+
+void CGrid::SetRectangle(double x0, double x1, double y0, double y1) {
+  m_Lattice.SetExtent({x0, x1, y0, y1});
+  m_fCellSize = m_Lattice.CellSize();
+  RecomputeHeightRange();
+}
+
+void CGrid::RecomputeHeightRange() {
+  m_fMinHeight = m_fMaxHeight = 0.0;
+  const auto heights = std::span<const double>(m_afNodalHeights).first(m_Order.Count());
+  if (heights.empty()) return;
+  const auto [lowest, highest] = std::ranges::minmax(heights);
+  m_fMinHeight = lowest;
+  m_fMaxHeight = highest;
+}
+
+void CGrid::UpdateGrid() {
+  if (m_iIterations >= 0) return;
+  SetSparseH();
+  ReconstructSurface();
+  if (m_pHost != nullptr) m_pHost->RequestRedraw();
+}
+
+void CGrid::SetSparseH() {
+  if (m_iIterations != -1) return;
+  Console() << "*** SetSparseH ***\n";
+  BuildHNumerotation();
+  m_iIterations = 0;
+}
+
+void CGrid::BuildHNumerotation() {
+  // Splits may have overwritten the height array at points that have a height of their own.
+  ScatterNodalHeights();
+  const std::vector<double>& surface = m_bSurfaceCaptured ? m_afPresentSurface : m_Lattice.Heights();
+  m_Order.Build(*m_pTree);
+  m_Basis.Compile(m_Order, *m_pTree, m_Mode);
+  Console() << ActivePointCount() << " points\n";
+  for (std::size_t k = 0; k < m_Order.Count(); ++k) m_afNodalHeights[k] = surface[m_Order.PointOf(k)];
+  ScatterNodalHeights();
+  m_Basis.W(m_afNodalHeights, m_afWaveCoefs);
+}
+
+void CGrid::ScatterNodalHeights() {
+  for (std::size_t k = 0; k < m_Order.Count(); ++k) m_Lattice.Heights()[m_Order.PointOf(k)] = m_afNodalHeights[k];
+}
+
+void CGrid::CapturePresentSurface() {
+  ScatterNodalHeights();
+  Surface().SampleLattice(m_afPresentSurface);
+  m_bSurfaceCaptured = true;
+}
+
+void CGrid::ReplaySubdivision() {
+  CapturePresentSurface();
+  m_pTree->Replay(*m_Subdivision, m_iBaseLevel);
+  m_pTree->RefreshEdgeMarks();
+  BuildHNumerotation();
+}
+
+void CGrid::SetWaveletMode(WaveletMode mode) {
+  m_Mode = mode;
+  m_Basis.invW(m_afWaveCoefs, m_afNodalHeights);
+  m_Basis.Compile(m_Order, *m_pTree, mode);
+  m_Basis.W(m_afNodalHeights, m_afWaveCoefs);
+  m_iIterations = std::min(m_iIterations, 0);
+}
+
+void CGrid::ReconstructSurface() {
+  m_Basis.invW(m_afWaveCoefs, m_afNodalHeights);
+  ScatterNodalHeights();
+  m_bSurfaceCaptured = false;
+  ComputeNormals(*m_pTree);
+  RecomputeHeightRange();
+}
+
+double CGrid::TestWavelets() {
+  std::vector<double> byUnknown(m_Order.Count());
+  m_Basis.invW(m_afWaveCoefs, byUnknown);
+  std::vector<double> heights(m_Lattice.PointCount());
+  std::vector<double> coefs(m_Lattice.PointCount());
+  for (std::size_t k = 0; k < m_Order.Count(); ++k) heights[m_Order.PointOf(k)] = byUnknown[k];
+  WalkW(*m_pTree, m_Mode, heights, coefs);
+  double largest = 0.0;
+  for (std::size_t k = 0; k < m_Order.Count(); ++k) {
+    largest = std::max(largest, std::abs(coefs[m_Order.PointOf(k)] - m_afWaveCoefs[k]));
+  }
+  Console() << "CGrid::TestWavelets\t\tlargest difference : " << largest << '\n';
+  return largest;
+}
+
+bool CGrid::TraceInterpolation(double x, double y) {
+  CStencil stencil;
+  CInterpolationTrace trace;
+  m_Lattice.ClearAll(PointFlag::kTraced);
+  if (!Surface().GetBilinearInterpolation(x, y, stencil, &trace)) return false;
+  m_Lattice.Set(trace.m_Triangle.m_uA, PointFlag::kTraced);
+  m_Lattice.Set(trace.m_Triangle.m_uB, PointFlag::kTraced);
+  if (m_pHost != nullptr) m_pHost->ShowInterpolation(trace);
+  return true;
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+/// The few variables that the whole process shares.
+
+inline constexpr int kDefaultBaseLevel = 5;
+inline constexpr int kDefaultMaxLevel = 7;
+
+/// Base and maximum resolution level of new grids; a loaded file may change them. Maximum levels from 1 to 10 are
+/// supported.
+inline int g_iBaseLevel = kDefaultBaseLevel;
+inline int g_iMaxLevel = kDefaultMaxLevel;
+/// 1 while the high-resolution grid is the current one.
+inline int g_bHighRes = 0;
+/// Number of registered solver ticks, 0 or 1.
+inline int g_nSolverTimers = 0;

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <vector>
+
+/// One node of the wanted subdivision: a light mirror of the cell tree that says where the user wants leaves.
+///
+/// Children in the order south-west, south-east, north-east, north-west, as for the cells; a node of the finest level
+/// has none.
+class CSaveQuadT {
+ public:
+  bool IsLeaf() const { return m_bLeaf; }
+  void SetLeaf(bool leaf) { m_bLeaf = leaf; }
+  bool HasChildren() const { return m_pChildren != nullptr; }
+  CSaveQuadT& Child(int k) { return m_pChildren[k]; }
+  const CSaveQuadT& Child(int k) const { return m_pChildren[k]; }
+
+  /// Splits the node one level: it stops being a leaf and its four children become leaves. A node of the finest level
+  /// is refused with a console line.
+  void subdiv();
+
+ private:
+  friend class CSubdivisionRecord;
+
+  bool m_bLeaf = false;
+  CSaveQuadT* m_pChildren = nullptr;  ///< the first of four neighbours in the record's storage
+};
+
+/// The wanted subdivision of one resolution: a complete tree of nodes down to the finest level.
+///
+/// Movable, not copyable: the nodes point at each other.
+class CSubdivisionRecord {
+ public:
+  /// A complete tree of `depth` levels below the root, in which the nodes of the finest level alone are leaves.
+  explicit CSubdivisionRecord(int depth);
+  CSubdivisionRecord(CSubdivisionRecord&&) = default;
+  CSubdivisionRecord& operator=(CSubdivisionRecord&&) = default;
+
+  int Depth() const { return m_iDepth; }
+  CSaveQuadT& Root() { return m_aNodes.front(); }
+  const CSaveQuadT& Root() const { return m_aNodes.front(); }
+
+  /// Exactly the nodes `depth` generations below the root become leaves, all others not. `depth` must lie in
+  /// 0..Depth().
+  void SetStartLevel(int depth);
+
+ private:
+  int m_iDepth;
+  std::vector<CSaveQuadT> m_aNodes;  ///< level by level from the root, the children of a node side by side
+};

@@ -1,0 +1,13 @@
+#pragma once
+
+class CQuadTree;
+
+/// Normals of the whole surface from the lattice's heights at the points in use, in one flat pass over the active
+/// leaves: no walk of the tree, no allocation unless the subdivision has changed.
+///
+/// Writes each leaf's `CCellSurface` (triangle normals, triangle heights, cell normal), the lattice's cell normal at
+/// the leaf's lower left point, and the lattice's point normals. A cell's normal is the normalised sum over its
+/// triangles outside discontinuities (not a number when there is none). A point's normal is the normalised sum of the
+/// triangle normals around it that lie outside discontinuities, each weighted one eighth; (0, 0, 0) where there is
+/// none.
+void ComputeNormals(CQuadTree& tree);

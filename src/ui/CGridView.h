@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+
+#include <FL/Fl_Gl_Window.H>
+
+#include "model/WaveletMode.h"
+
+class CGrid;
+
+/// The right view: the surface in three dimensions.
+class CGridView : public Fl_Gl_Window {
+ public:
+  /// Bits of the display-flag word. Besides these the word holds exactly one bit of the values of `WaveletMode`.
+  static constexpr std::uint32_t kShowGrid = 2;
+
+  CGridView(int x, int y, int w, int h);
+
+  /// The grid to show; it must outlive the view. Without one the view draws nothing.
+  void AttachGrid(CGrid& grid);
+
+  std::uint32_t DisplayFlags() const { return m_uDisplayFlags; }
+  /// Converts the attached grid to the basis of `mode` and keeps the mode among the display flags.
+  void SelectWaveletMode(WaveletMode mode);
+
+ protected:
+  void draw() override;
+
+ private:
+  CGrid* m_pGrid = nullptr;
+  std::uint32_t m_uDisplayFlags = kShowGrid | static_cast<std::uint32_t>(WaveletMode::None);
+};

@@ -1,0 +1,62 @@
+#include "ui/CImageViewUI.h"
+
+#include <cstdlib>
+
+#include <FL/Fl.H>
+
+#include "model/CGrid.h"
+#include "ui/CGridView.h"
+#include "ui/CImageView.h"
+
+namespace {
+
+constexpr int kWidth = 870;
+constexpr int kHeight = 660;
+constexpr int kMinWidth = 800;
+constexpr int kMinHeight = 190;
+constexpr int kViewSize = 430;
+
+// The toolkit remembers the last key typed, so a click on the title bar may find Escape as the key: the event must be
+// one of the keyboard, too.
+bool IsEscapeTyped() {
+  const int event = Fl::event();
+  return (event == FL_KEYBOARD || event == FL_SHORTCUT) && Fl::event_key() == FL_Escape;
+}
+
+}  // namespace
+
+CImageViewUI::CImageViewUI() : Fl_Window(kWidth, kHeight, "Image View") {
+  m_pImageView = new CImageView(2, 23, kViewSize, kViewSize);
+  m_pGridView = new CGridView(438, 23, kViewSize, kViewSize);
+  end();
+  resizable(this);
+  size_range(kMinWidth, kMinHeight);
+  callback(cb_Window);
+}
+
+CImageViewUI::~CImageViewUI() {
+  if (m_pGrid != nullptr) m_pGrid->AttachHost(nullptr);
+}
+
+void CImageViewUI::AttachGrid(CGrid& grid) {
+  m_pGrid = &grid;
+  m_pImageView->AttachGrid(grid);
+  m_pGridView->AttachGrid(grid);
+  grid.AttachHost(this);
+  m_pGridView->SelectWaveletMode(WaveletMode::New);
+}
+
+void CImageViewUI::RequestRedraw() {
+  m_pImageView->redraw();
+  m_pGridView->redraw();
+}
+
+void CImageViewUI::ShowInterpolation(const CInterpolationTrace& /*trace*/) { m_pImageView->redraw(); }
+
+void CImageViewUI::cb_Window(Fl_Widget* widget, void* /*data*/) {
+  if (IsEscapeTyped()) {
+    widget->take_focus();
+    return;
+  }
+  std::exit(EXIT_SUCCESS);
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <FL/Fl_Window.H>
+
+#include "model/GridHost.h"
+
+class CGrid;
+class CGridView;
+class CImageView;
+
+/// The main window: the image view on the left and the model view on the right. It is the host of the grid attached to
+/// it.
+///
+/// Closing it ends the program with exit status 0; Escape does not close it.
+class CImageViewUI : public Fl_Window, public GridHost {
+ public:
+  CImageViewUI();
+  ~CImageViewUI() override;
+  CImageViewUI(const CImageViewUI&) = delete;
+  CImageViewUI& operator=(const CImageViewUI&) = delete;
+
+  /// Shows `grid` in both views, becomes its host and selects the default wavelet mode. The grid must outlive the
+  /// window.
+  void AttachGrid(CGrid& grid);
+
+  CImageView& ImageView() { return *m_pImageView; }
+  CGridView& GridView() { return *m_pGridView; }
+
+  void RequestRedraw() override;
+  /// The trace is shown over the picture only.
+  void ShowInterpolation(const CInterpolationTrace& trace) override;
+
+ private:
+  static void cb_Window(Fl_Widget* widget, void* data);
+
+  CImageView* m_pImageView = nullptr;  ///< owned by the window, like every widget
+  CGridView* m_pGridView = nullptr;
+  CGrid* m_pGrid = nullptr;
+};

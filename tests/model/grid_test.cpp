@@ -1,0 +1,340 @@
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "model/CGrid.h"
+#include "model/Globals.h"
+#include "support/GridBuilders.h"
+
+namespace {
+
+// Depth below the root of every leaf of a record, where all have the same; -1 otherwise.
+int UniformDepth(const CSaveQuadT& node) {
+  if (node.IsLeaf()) return 0;
+  if (!node.HasChildren()) return -1;
+  const int depth = UniformDepth(node.Child(0));
+  for (int k = 1; k < 4; ++k) {
+    if (UniformDepth(node.Child(k)) != depth) return -1;
+  }
+  return depth < 0 ? -1 : depth + 1;
+}
+
+// A constraint in each list, told apart by their heights.
+void AddConstraints(CGrid& grid) {
+  grid.PointConstraints().push_back({1, 21, PtCstrKind::kPosition, 2.5, 0, 0});
+  grid.PointConstraints().push_back({2, 22, PtCstrKind::kNormal, 3.5, 0.25, -0.5});
+  grid.GeneratedConstraints().push_back({3, 23, PtCstrKind::kPosition, 4.5, 0, 0});
+}
+
+TEST(GridTest, DefaultsOfTheProcess) {
+  EXPECT_EQ(g_iBaseLevel, 5);
+  EXPECT_EQ(g_iMaxLevel, 7);
+  EXPECT_EQ(g_bHighRes, 0);
+  EXPECT_EQ(g_nSolverTimers, 0);
+}
+
+TEST(GridTest, StartsAtTheDefaultResolution) {
+  const ConsoleCapture console;
+  const CGrid grid;
+  EXPECT_EQ(grid.BaseLevel(), 5);
+  EXPECT_EQ(grid.MaxLevel(), 7);
+  EXPECT_EQ(grid.PointsPerSide(), 129);
+  EXPECT_EQ(grid.BasePointsPerSide(), 33);
+  EXPECT_EQ(grid.ActivePointCount(), 1089);
+  EXPECT_EQ(grid.Tree().LeafCount(), 1024);
+  EXPECT_EQ(grid.Lattice().Count(PointFlag::kInUse), 1089U);
+}
+
+TEST(GridTest, StartsOnAHundredSquare) {
+  const ConsoleCapture console;
+  const CGrid grid;
+  EXPECT_EQ(grid.Lattice().Extent().x0, 0);
+  EXPECT_EQ(grid.Lattice().Extent().x1, 100);
+  EXPECT_EQ(grid.Lattice().Extent().y0, 0);
+  EXPECT_EQ(grid.Lattice().Extent().y1, 100);
+  EXPECT_DOUBLE_EQ(grid.CellSize(), 100.0 / 128);
+}
+
+TEST(GridTest, StartsRunningWithEverythingToDo) {
+  const ConsoleCapture console;
+  const CGrid grid;
+  EXPECT_TRUE(grid.IsRunning());
+  EXPECT_EQ(grid.NextOperation(), 0);
+  EXPECT_EQ(grid.IterationCounter(), -1);
+  EXPECT_EQ(grid.IterationsPerTick(), 9);
+  EXPECT_EQ(grid.Mode(), WaveletMode::New);
+}
+
+TEST(GridTest, StartsFlatWithoutConstraints) {
+  CTestGrid test;
+  EXPECT_TRUE(std::ranges::all_of(test.m_Grid.Coefficients(), [](double c) { return c == 0; }));
+  EXPECT_EQ(test.m_Grid.MinHeight(), 0);
+  EXPECT_EQ(test.m_Grid.MaxHeight(), 0);
+  EXPECT_TRUE(test.m_Grid.PointConstraints().empty());
+  EXPECT_TRUE(test.m_Grid.GeneratedConstraints().empty());
+}
+
+TEST(GridTest, ConstructionIsReportedLineByLine) {
+  EXPECT_EQ(ConsoleTextOf([] { const CGrid grid; }),
+            "0, 100, 0, 100\n"
+            "CGrid::Initialize\t\t\tlevel : 5\n"
+            "*** SetSparseH ***\n"
+            "1089 points\n");
+}
+
+TEST(GridTest, ConstructionSelectsTheNormalResolution) {
+  const CResolutionScope scope(3, 2);
+  const ConsoleCapture console;
+  g_bHighRes = 1;
+  CGrid grid;
+  EXPECT_EQ(g_bHighRes, 0);
+  EXPECT_EQ(UniformDepth(grid.Subdivision().Root()), 2);
+}
+
+// The arguments are two corners, what is stored and printed is two ranges.
+TEST(GridTest, InitializeTakesTwoCorners) {
+  CTestGrid test;
+  test.m_Grid.Initialize(3, false, 10, 20, 74, 36);
+  EXPECT_EQ(test.m_Console.Take(),
+            "10, 74, 20, 36\n"
+            "CGrid::Initialize\t\t\tlevel : 3\n"
+            "*** SetSparseH ***\n"
+            "81 points\n");
+  const CExtent& extent = test.m_Grid.Lattice().Extent();
+  EXPECT_EQ(extent.x0, 10);
+  EXPECT_EQ(extent.x1, 74);
+  EXPECT_EQ(extent.y0, 20);
+  EXPECT_EQ(extent.y1, 36);
+}
+
+TEST(GridTest, CellSizeIsTheSmallerSideOfALatticeCell) {
+  CTestGrid test;
+  test.m_Grid.Initialize(3, false, 10, 20, 74, 36);
+  EXPECT_DOUBLE_EQ(test.m_Grid.CellSize(), 1);
+  test.m_Grid.Initialize(3, false, 10, 20, 18, 100);
+  EXPECT_DOUBLE_EQ(test.m_Grid.CellSize(), 0.5);
+}
+
+TEST(GridTest, RectangleSetterTakesTwoRanges) {
+  CTestGrid test;
+  test.m_Grid.SetRectangle(-8, 24, 5, 9);
+  EXPECT_EQ(test.m_Grid.Lattice().Extent().x1, 24);
+  EXPECT_EQ(test.m_Grid.Lattice().Extent().y0, 5);
+  EXPECT_DOUBLE_EQ(test.m_Grid.CellSize(), 0.25);
+  const CCellRect root = test.m_Grid.Tree().Root().ModelRect();
+  EXPECT_EQ(root.x, -8);
+  EXPECT_EQ(root.y, 5);
+  EXPECT_EQ(root.width, 32);
+  EXPECT_EQ(root.height, 4);
+}
+
+TEST(GridTest, RectangleSetterRecomputesTheHeightRange) {
+  CTestGrid test;
+  SetSurface(test.m_Grid, CStep{4.0, -1.0, 2.0});
+  test.m_Grid.SetRectangle(0, 1, 0, 1);
+  EXPECT_DOUBLE_EQ(test.m_Grid.MinHeight(), -1);
+  EXPECT_DOUBLE_EQ(test.m_Grid.MaxHeight(), 2);
+}
+
+TEST(GridTest, InitializeSubdividesTreeAndRecordToTheLevel) {
+  CTestGrid test(4, 2);
+  for (const int level : {0, 1, 3, 4}) {
+    test.Initialize(level);
+    EXPECT_EQ(test.m_Grid.BaseLevel(), level);
+    EXPECT_EQ(test.m_Grid.BasePointsPerSide(), (1 << level) + 1);
+    EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 1 << (2 * level));
+    EXPECT_EQ(UniformDepth(test.m_Grid.Subdivision().Root()), level);
+  }
+}
+
+TEST(GridTest, StartLevelIsHeldToTheMaximum) {
+  CTestGrid test(3, 2);
+  test.Initialize(6);
+  EXPECT_EQ(test.m_Grid.BaseLevel(), 3);
+  EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 64);
+  EXPECT_EQ(UniformDepth(test.m_Grid.Subdivision().Root()), 3);
+  EXPECT_NE(test.m_Console.Take().find("level : 3\n"), std::string::npos);
+}
+
+TEST(GridTest, StartLevelBelowNoneIsNone) {
+  CTestGrid test(3, 2);
+  test.Initialize(-2);
+  EXPECT_EQ(test.m_Grid.BaseLevel(), 0);
+  EXPECT_EQ(test.m_Grid.ActivePointCount(), 4);
+}
+
+TEST(GridTest, ConstructionTakesTheDefaultBaseLevel) {
+  const CResolutionScope scope(4, 3);
+  const ConsoleCapture console;
+  const CGrid grid;
+  EXPECT_EQ(grid.BaseLevel(), 3);
+  EXPECT_EQ(grid.MaxLevel(), 4);
+}
+
+TEST(GridTest, FirstTickRebuildsAfterInitialize) {
+  CTestGrid test(4, 2);
+  test.m_Grid.UpdateGrid();
+  EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n25 points\n");
+  EXPECT_GE(test.m_Grid.IterationCounter(), 0);
+  test.Initialize(3);
+  EXPECT_EQ(test.m_Grid.IterationCounter(), -1);
+  EXPECT_EQ(test.m_Grid.IterationsPerTick(), 9);
+  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+}
+
+TEST(GridTest, SystemIsSetUpOnce) {
+  CTestGrid test(4, 2);
+  test.m_Grid.SetSparseH();
+  EXPECT_EQ(test.m_Grid.IterationCounter(), 0);
+  EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n25 points\n");
+  test.m_Grid.SetSparseH();
+  EXPECT_EQ(test.m_Console.Take(), "");
+}
+
+TEST(GridTest, InitializeLeavesTheSolverRunningOrStopped) {
+  CTestGrid test;
+  test.m_Grid.SetRunning(false);
+  test.Initialize(2);
+  EXPECT_FALSE(test.m_Grid.IsRunning());
+}
+
+TEST(GridTest, InitializeFlattensTheSurface) {
+  CTestGrid test;
+  SetRandomSurface(test.m_Grid, 4);
+  test.m_Grid.Lattice().Set(7, PointFlag::kFrozen | PointFlag::kCrease);
+  test.Initialize(2, true);
+  EXPECT_EQ(NodalHeights(test.m_Grid), std::vector<double>(25, 0.0));
+  EXPECT_TRUE(std::ranges::all_of(test.m_Grid.Coefficients(), [](double c) { return c == 0; }));
+  EXPECT_EQ(test.m_Grid.MaxHeight(), 0);
+  EXPECT_EQ(test.m_Grid.Lattice().Count(PointFlag::kFrozen | PointFlag::kCrease), 0U);
+}
+
+TEST(GridTest, InitializeForgetsMarkedCells) {
+  CTestGrid test(3, 2);
+  CQuadTree& tree = test.m_Grid.Tree();
+  tree.CellAt(1, 1, 1).SetFlags(CellFlag::kTriangles | CellFlag::kSelected);
+  tree.CellAt(1, 2, 1).SetFlags(CellFlag::kTriangles);
+  tree.RefreshEdgeMarks();
+  test.Initialize(2);
+  EXPECT_EQ(tree.CellAt(1, 1, 1).Flags(), 0U);
+  EXPECT_FALSE(tree.CellAt(1, 1, 1).Edge(kRight).HasBothMarks());
+}
+
+TEST(GridTest, KeepingPreservesBothConstraintLists) {
+  CTestGrid test;
+  AddConstraints(test.m_Grid);
+  test.Initialize(3, true);
+  ASSERT_EQ(test.m_Grid.PointConstraints().size(), 2U);
+  EXPECT_EQ(test.m_Grid.PointConstraints().front().m_fZ, 2.5);
+  EXPECT_EQ(test.m_Grid.PointConstraints().back().m_fQ, -0.5);
+  ASSERT_EQ(test.m_Grid.GeneratedConstraints().size(), 1U);
+  EXPECT_EQ(test.m_Grid.GeneratedConstraints().front().m_fZ, 4.5);
+}
+
+TEST(GridTest, NotKeepingEmptiesBothConstraintLists) {
+  CTestGrid test;
+  AddConstraints(test.m_Grid);
+  test.Initialize(3, false);
+  EXPECT_TRUE(test.m_Grid.PointConstraints().empty());
+  EXPECT_TRUE(test.m_Grid.GeneratedConstraints().empty());
+}
+
+TEST(GridTest, LightsOutliveInitialize) {
+  CTestGrid test;
+  test.m_Grid.RemovedLights().m_aLights[2].m_bActive = true;
+  test.m_Grid.AddedLights().m_aLights[CLightSet::kAmbient].m_afColour = {0.25, 0.5, 0.75};
+  test.Initialize(3, false);
+  EXPECT_TRUE(test.m_Grid.RemovedLights().m_aLights[2].m_bActive);
+  EXPECT_EQ(test.m_Grid.AddedLights().m_aLights[4].m_afColour, (std::array{0.25, 0.5, 0.75}));
+  EXPECT_FALSE(test.m_Grid.AddedLights().m_aLights[2].m_bActive);
+}
+
+TEST(GridTest, EachLightSetHoldsFiveLights) {
+  CTestGrid test;
+  EXPECT_EQ(test.m_Grid.RemovedLights().m_aLights.size(), 5U);
+  EXPECT_EQ(test.m_Grid.AddedLights().m_aLights.size(), 5U);
+}
+
+TEST(GridTest, HighResolutionMakesTheOtherRecordTheCurrentOne) {
+  CTestGrid test(4, 2);
+  g_bHighRes = 1;
+  test.Initialize(2);
+  EXPECT_EQ(UniformDepth(test.m_Grid.Subdivision().Root()), 4);
+  EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 16);
+  g_bHighRes = 0;
+  test.Initialize(2);
+  EXPECT_EQ(UniformDepth(test.m_Grid.Subdivision().Root()), 2);
+}
+
+TEST(GridTest, FreeAllDropsConstraintsAndUnknowns) {
+  CTestGrid test;
+  AddConstraints(test.m_Grid);
+  test.m_Grid.FreeAll();
+  EXPECT_TRUE(test.m_Grid.PointConstraints().empty());
+  EXPECT_TRUE(test.m_Grid.GeneratedConstraints().empty());
+  EXPECT_EQ(test.m_Grid.ActivePointCount(), 0);
+  EXPECT_TRUE(test.m_Grid.Coefficients().empty());
+  EXPECT_TRUE(test.m_Grid.Lattice().Heights().empty());
+}
+
+TEST(GridTest, InitializeAfterFreeAllStartsAfresh) {
+  CTestGrid test(4, 2);
+  SetRandomSurface(test.m_Grid, 9);
+  test.m_Grid.FreeAll();
+  test.Initialize(3, true);
+  EXPECT_EQ(test.m_Grid.ActivePointCount(), 81);
+  EXPECT_EQ(NodalHeights(test.m_Grid), std::vector<double>(81, 0.0));
+  SetSurface(test.m_Grid, CFlat{2});
+  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().HeightAt(5.5, 7.25), 2);
+}
+
+TEST(GridTest, OtherMaximumLevelRebuildsTreeRecordsAndArrays) {
+  CTestGrid test(4, 2);
+  for (const int level : {5, 3}) {
+    g_iMaxLevel = level;
+    test.Initialize(2, true);
+    EXPECT_EQ(test.m_Grid.MaxLevel(), level);
+    EXPECT_EQ(test.m_Grid.Tree().Level(), level);
+    EXPECT_EQ(test.m_Grid.Subdivision().Depth(), level);
+    EXPECT_EQ(test.m_Grid.PointsPerSide(), (1 << level) + 1);
+    EXPECT_EQ(test.m_Grid.Lattice().Heights().size(), test.m_Grid.Lattice().PointCount());
+    EXPECT_EQ(test.m_Grid.Order().Level(), level);
+  }
+}
+
+TEST(GridTest, SurfaceWorksAfterAChangeOfTheMaximumLevel) {
+  CTestGrid test(4, 2);
+  g_iMaxLevel = 6;
+  test.Initialize(6);
+  const CRamp ramp;
+  SetSurface(test.m_Grid, ramp);
+  EXPECT_NEAR(test.m_Grid.Surface().HeightAt(64, 64), ramp(kOblong.x1, kOblong.y1), 1e-12);
+  EXPECT_NEAR(test.m_Grid.Surface().HeightAt(31.5, 7.25),
+              ramp(test.m_Grid.Lattice().XOf(31.5), test.m_Grid.Lattice().YOf(7.25)), 1e-9);
+}
+
+TEST(GridTest, OtherRecordFollowsTheMaximumLevel) {
+  CTestGrid test(4, 2);
+  g_iMaxLevel = 3;
+  g_bHighRes = 1;
+  test.Initialize(2);
+  EXPECT_EQ(UniformDepth(test.m_Grid.Subdivision().Root()), 3);
+}
+
+TEST(GridTest, MaximumLevelIsHeldToTheSupportedRange) {
+  CTestGrid test(0, 2);
+  EXPECT_EQ(test.m_Grid.MaxLevel(), 1);
+  EXPECT_EQ(test.m_Grid.BaseLevel(), 1);
+  EXPECT_EQ(test.m_Grid.ActivePointCount(), 9);
+}
+
+TEST(GridTest, EveryLevelOfTheLatticeCanBeNumbered) {
+  for (int level = 1; level <= 7; ++level) {
+    const CTestGrid test(level, level);
+    EXPECT_EQ(test.m_Grid.ActivePointCount(), test.m_Grid.PointsPerSide() * test.m_Grid.PointsPerSide());
+  }
+}
+
+}  // namespace

@@ -1,0 +1,175 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <random>
+#include <span>
+#include <vector>
+
+#include "model/CGrid.h"
+#include "model/Globals.h"
+#include "support/ConsoleCapture.h"
+#include "support/TreeBuilders.h"
+
+inline constexpr std::array kAllModes{WaveletMode::None, WaveletMode::Simple, WaveletMode::New};
+
+/// Sets the process-wide resolution for one test and puts it back.
+class CResolutionScope {
+ public:
+  CResolutionScope(int maxLevel, int baseLevel)
+      : m_iMaxLevel(g_iMaxLevel), m_iBaseLevel(g_iBaseLevel), m_bHighRes(g_bHighRes) {
+    g_iMaxLevel = maxLevel;
+    g_iBaseLevel = baseLevel;
+  }
+  ~CResolutionScope() {
+    g_iMaxLevel = m_iMaxLevel;
+    g_iBaseLevel = m_iBaseLevel;
+    g_bHighRes = m_bHighRes;
+  }
+  CResolutionScope(const CResolutionScope&) = delete;
+  CResolutionScope& operator=(const CResolutionScope&) = delete;
+
+ private:
+  int m_iMaxLevel;
+  int m_iBaseLevel;
+  int m_bHighRes;
+};
+
+/// A grid over `kOblong` with its own resolution, whose console lines are collected.
+struct CTestGrid {
+  explicit CTestGrid(int maxLevel = 4, int baseLevel = 2) : m_Scope(maxLevel, baseLevel) {
+    Initialize(baseLevel);
+    m_Console.Take();
+  }
+  void Initialize(int level, bool keep = false) {
+    m_Grid.Initialize(level, keep, kOblong.x0, kOblong.y0, kOblong.x1, kOblong.y1);
+  }
+
+  CResolutionScope m_Scope;
+  ConsoleCapture m_Console;
+  CGrid m_Grid;
+};
+
+/// A host that remembers what it was asked.
+class RecordingHost : public GridHost {
+ public:
+  void RequestRedraw() override { ++m_iRedraws; }
+  void ShowInterpolation(const CInterpolationTrace& trace) override { m_aTraces.push_back(trace); }
+
+  int m_iRedraws = 0;
+  std::vector<CInterpolationTrace> m_aTraces;
+};
+
+/// `count` independent uniform values in -1..1, the same for the same seed.
+inline std::vector<double> RandomValues(std::uint32_t seed, std::size_t count) {
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<double> value(-1.0, 1.0);
+  std::vector<double> values(count);
+  for (double& v : values) v = value(random);
+  return values;
+}
+
+inline double LargestDifference(std::span<const double> a, std::span<const double> b) {
+  if (a.size() != b.size()) return HUGE_VAL;
+  double largest = 0.0;
+  for (std::size_t k = 0; k < a.size(); ++k) largest = std::fmax(largest, std::abs(a[k] - b[k]));
+  return largest;
+}
+
+/// The values at the numbered points of an array with one entry per lattice point, in the point order.
+inline std::vector<double> Gathered(const CPointOrder& order, std::span<const double> byPoint) {
+  std::vector<double> byUnknown(order.Count());
+  for (std::size_t k = 0; k < order.Count(); ++k) byUnknown[k] = byPoint[order.PointOf(k)];
+  return byUnknown;
+}
+
+/// Gives the surface the heights of a field at the points in use.
+template <typename Field>
+void SetSurface(CGrid& grid, const Field& field) {
+  std::vector<double> byPoint(grid.Lattice().PointCount());
+  FillHeights(grid.Lattice(), byPoint, field);
+  grid.Basis().W(Gathered(grid.Order(), byPoint), grid.Coefficients());
+  grid.ReconstructSurface();
+}
+/// Random heights in -1..1 at the points in use.
+inline void SetRandomSurface(CGrid& grid, std::uint32_t seed) {
+  grid.Basis().W(RandomValues(seed, grid.Order().Count()), grid.Coefficients());
+  grid.ReconstructSurface();
+}
+
+/// Heights in the point order.
+inline std::vector<double> NodalHeights(const CGrid& grid) { return Gathered(grid.Order(), grid.Lattice().Heights()); }
+/// Heights of the surface at all lattice points (row * n + column), interpolated between the points in use.
+inline std::vector<double> SurfaceOnLattice(const CGrid& grid) {
+  const CLattice& lattice = grid.Lattice();
+  std::vector<double> heights(lattice.PointCount());
+  for (int row = 0; row < lattice.PointsPerSide(); ++row) {
+    for (int column = 0; column < lattice.PointsPerSide(); ++column)
+      heights[lattice.Index(column, row)] = grid.Surface().HeightAt(column, row);
+  }
+  return heights;
+}
+
+/// Makes a node of the wanted subdivision a leaf, whatever was below it.
+inline void MakeSavedLeaf(CSaveQuadT& node) {
+  node.SetLeaf(true);
+  if (!node.HasChildren()) return;
+  for (int k = 0; k < 4; ++k) {
+    MakeSavedLeaf(node.Child(k));
+    node.Child(k).SetLeaf(false);
+  }
+}
+/// The node reached from the record's root through the given children.
+inline CSaveQuadT& SavedNode(CSubdivisionRecord& record, const std::vector<int>& path) {
+  CSaveQuadT* node = &record.Root();
+  for (const int child : path) node = &node->Child(child);
+  return *node;
+}
+/// Splits and merges leaves of the wanted subdivision at random, the same for the same seed.
+inline void RandomiseRecord(CSubdivisionRecord& record, std::uint32_t seed, int count = 12) {
+  std::mt19937 random(seed);
+  for (int change = 0; change < count; ++change) {
+    CSaveQuadT* node = &record.Root();
+    const bool merge = random() % 4 == 0;
+    while (!node->IsLeaf() && !(merge && random() % 3 == 0)) node = &node->Child(static_cast<int>(random() % 4));
+    if (merge) {
+      MakeSavedLeaf(*node);
+    } else if (node->HasChildren()) {
+      node->subdiv();
+    }
+  }
+}
+
+/// Columns and rows of the parents of unknown `k` as its level code gives them; none for the corners.
+inline std::vector<std::array<int, 2>> ParentsByCode(const CPointOrder& order, std::size_t k) {
+  if (k < 4) return {};
+  const int c = order.ColumnOf(k);
+  const int r = order.RowOf(k);
+  const int code = order.LevelCode(k);
+  if (code % 2 != 0) {
+    const int s = 1 << ((2 * order.Level() - code + 1) / 2);
+    return {{c, r - s}, {c + s, r}, {c, r + s}, {c - s, r}};
+  }
+  const int s = 1 << ((2 * order.Level() - std::abs(code)) / 2);
+  if (code >= 1) return {{c - s, r}, {c + s, r}};
+  return {{c, r - s}, {c, r + s}};
+}
+
+/// Numbers of those parents that the mode counts, found through the tree's edge look-up.
+inline std::vector<std::size_t> CountedParents(const CTestTree& tree, std::size_t k, WaveletMode mode) {
+  const CPointOrder& order = tree.m_Order;
+  const int c = order.ColumnOf(k);
+  const int r = order.RowOf(k);
+  std::vector<std::size_t> counted;
+  for (const auto& [column, row] : ParentsByCode(order, k)) {
+    const CEdge* edge =
+        tree.m_Tree.FindEdge(std::min(c, column), std::min(r, row), std::max(c, column), std::max(r, row));
+    if (mode == WaveletMode::Simple || (mode == WaveletMode::New && edge->IsContinuous(mode)))
+      counted.push_back(static_cast<std::size_t>(order.NumberOf(tree.m_Lattice.Index(column, row))));
+  }
+  return counted;
+}

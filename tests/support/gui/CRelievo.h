@@ -1,0 +1,50 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "support/gui/CChildProcess.h"
+#include "support/gui/CScreen.h"
+#include "support/gui/CTemporaryDirectory.h"
+
+/// The built program, running on the display as a user has it: a window to look at, a console to read. It ends with the
+/// object at the latest.
+class CRelievo {
+ public:
+  static constexpr const char* kTitle = "Image View";
+
+  /// Starts the program in an empty directory and waits for its main window. Throws std::runtime_error, with what the
+  /// program wrote, if none comes.
+  CRelievo();
+
+  CScreen& Screen() { return m_Screen; }
+  const CScreen& Screen() const { return m_Screen; }
+  WindowId MainWindow() const { return m_uMainWindow; }
+  CArea MainArea() const { return m_Screen.AreaOf(m_uMainWindow); }
+  /// The two views, the image view first; nothing until both are on the screen.
+  std::vector<WindowId> Views() const;
+  /// Areas of the views within the main window, in the same order.
+  std::vector<CArea> ViewAreas() const;
+  /// Waits for a window of the program with this title; nothing if none comes.
+  std::optional<WindowId> WaitForWindow(const std::string& title);
+
+  /// The directory that the program was started in.
+  const std::filesystem::path& Directory() const { return m_Directory.Path(); }
+  /// What the program has written so far, the last line only if it is complete.
+  std::vector<std::string> ConsoleLines() const;
+
+  pid_t Pid() const { return m_Process.Pid(); }
+  bool IsRunning() { return m_Process.IsRunning(); }
+  /// The program's exit status; nothing if it goes on running.
+  std::optional<int> WaitForExit() { return m_Process.WaitForExit(); }
+
+ private:
+  CScreen m_Screen;
+  CTemporaryDirectory m_Directory;
+  CTemporaryDirectory m_OutputDirectory;
+  std::filesystem::path m_Output;
+  CChildProcess m_Process;
+  WindowId m_uMainWindow = 0;
+};
