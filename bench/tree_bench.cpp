@@ -2,7 +2,6 @@
 // of the basis, stencils, normals; and a renumbering at level 7 in units of a plain copy of its heights.
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <memory>
 
@@ -10,6 +9,7 @@
 #include "quadtree/TreeNormals.h"
 #include "support/BenchModel.h"
 #include "support/Growth.h"
+#include "support/Timing.h"
 
 namespace {
 
@@ -63,19 +63,6 @@ void Stencils(CBenchModel& m) {
 
 void Normals(CBenchModel& m) { ComputeNormals(m.m_Tree); }
 
-// Best of several timings in seconds per call.
-template <typename Timed>
-double SecondsPerCall(int calls, Timed&& timed) {
-  double best = 1e9;
-  for (int repeat = 0; repeat < 5; ++repeat) {
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < calls; ++i) timed();
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    best = std::min(best, taken.count() / calls);
-  }
-  return best;
-}
-
 void ReportRenumberingInCopies() {
   CBenchModel model(7);
   const double renumbering = SecondsPerCall(20, [&] { Renumber(model); });
@@ -94,7 +81,7 @@ int main(int argc, char** argv) {
   const auto walk = [](int level) { return TreeBytes(level) + PerPoint(level, 4); };
   const auto renumbering = [](int level) { return TreeBytes(level) + PerPoint(level, 3 * 4 + 3 * 4); };
   const auto normals = [](int level) {
-    return TreeBytes(level) + PerPoint(level, sizeof(CCellSurface) + 2 * sizeof(Vector3) + sizeof(double));
+    return TreeBytes(level) + PerPoint(level, sizeof(CLeaf) + 2 * sizeof(Vector3) + sizeof(double));
   };
   const int status =
       RunAndReport(argc, argv,

@@ -8,7 +8,7 @@
 #include "model/CPointOrder.h"
 #include "quadtree/CQuadTree.h"
 
-/// A fully refined lattice of one level with its tree, order and basis (New mode), and two vectors of unknowns.
+/// A fully refined lattice of one level with its tree, order and basis (New mode), and three vectors.
 struct CBenchModel {
   explicit CBenchModel(int level) : m_Lattice(level), m_Tree(m_Lattice) {
     m_Tree.Reset(level);
@@ -16,6 +16,7 @@ struct CBenchModel {
     m_Basis.Compile(m_Order, m_Tree, WaveletMode::New);
     m_afX.resize(m_Order.Count());
     m_afY.resize(m_Order.Count());
+    m_afZ.resize(m_Order.Count());
     for (std::size_t k = 0; k < m_afX.size(); ++k) m_afX[k] = static_cast<double>(k % 17) - 8.0;
   }
 
@@ -25,6 +26,7 @@ struct CBenchModel {
   CHierarchicalBasis m_Basis;
   std::vector<double> m_afX;
   std::vector<double> m_afY;
+  std::vector<double> m_afZ;
 };
 
 /// Bytes of the cells and edges that a walk of the whole tree reads.

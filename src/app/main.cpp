@@ -38,7 +38,7 @@ int main() {
   Fl::visual(FL_DOUBLE | FL_DEPTH | FL_RGB8);
 
   CGrid grid(static_cast<std::uint32_t>(std::time(nullptr)));
-  CImageViewUI window;
+  CImageViewUI window(RegisterSolverTimer);
   window.show();
   window.AttachGrid(grid);
   RegisterSolverTimer(grid);

@@ -1,6 +1,7 @@
 #include "model/CGrid.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "base/Console.h"
@@ -17,7 +18,7 @@ int SupportedMaxLevel() { return std::clamp(g_iMaxLevel, CLattice::kMinLevel, CL
 
 }  // namespace
 
-CGrid::CGrid(std::uint32_t seed) : m_Lattice(SupportedMaxLevel()), m_Random(seed) {
+CGrid::CGrid(std::uint32_t seed) : m_Lattice(SupportedMaxLevel()), m_Random(seed), m_Solver(m_Basis, m_Random) {
   g_bHighRes = 0;
   Initialize(g_iBaseLevel, false, 0, 0, 100, 100);
 }
@@ -25,9 +26,11 @@ CGrid::CGrid(std::uint32_t seed) : m_Lattice(SupportedMaxLevel()), m_Random(seed
 void CGrid::FreeAll() {
   m_Lattice.Free();
   m_Order.Free();
+  m_Basis = {};
   Release(m_afWaveCoefs);
   Release(m_afNodalHeights);
   Release(m_afPresentSurface);
+  Release(m_afOtherSurface);
   m_PointConstraints.clear();
   m_GeneratedConstraints.clear();
 }
@@ -37,19 +40,19 @@ void CGrid::Initialize(int level, bool keep, double x0, double y0, double x1, do
   m_Lattice.Allocate(SupportedMaxLevel());
   m_iBaseLevel = std::clamp(level, 0, MaxLevel());
   m_Order.Reset(MaxLevel());
-  m_afWaveCoefs.assign(m_Lattice.PointCount(), 0.0);
-  m_afNodalHeights.assign(m_Lattice.PointCount(), 0.0);
-  m_afPresentSurface.assign(m_Lattice.PointCount(), 0.0);
+  for (auto* values : {&m_afWaveCoefs, &m_afNodalHeights, &m_afPresentSurface, &m_afOtherSurface}) {
+    values->assign(m_Lattice.PointCount(), 0.0);
+  }
   m_bSurfaceCaptured = false;
-  m_iNextOperation = 0;
+  m_Solver.RequestRebuild();
+  m_Pending.Clear();
   m_iIterationsPerTick = kIterationsPerTick;
   Console() << x0 << ", " << x1 << ", " << y0 << ", " << y1 << '\n';
   SetRectangle(x0, x1, y0, y1);
   FillTree();
-  m_iIterations = -1;
   SetSparseH();
   // The first tick rebuilds the system whatever was set up here.
-  m_iIterations = -1;
+  m_Solver.RequestRebuild();
 }
 
 void CGrid::FillTree() {
@@ -80,34 +83,31 @@ void CGrid::RecomputeHeightRange() {
   m_fMaxHeight = highest;
 }
 
-void CGrid::UpdateGrid() {
-  if (m_iIterations >= 0) return;
-  SetSparseH();
-  ReconstructSurface();
-  if (m_pHost != nullptr) m_pHost->RequestRedraw();
-}
-
 void CGrid::SetSparseH() {
-  if (m_iIterations != -1) return;
-  Console() << "*** SetSparseH ***\n";
-  BuildHNumerotation();
-  m_iIterations = 0;
+  if (m_Solver.Counter() == -1) {
+    Console() << "*** SetSparseH ***\n";
+    BuildHNumerotation();
+    m_Solver.Assemble(*m_pTree, m_Order);
+  }
+  const std::array<const CPtCstrList*, 2> lists{&m_PointConstraints, &m_GeneratedConstraints};
+  m_Solver.SetConstraints(lists, *m_pTree, Surface());
 }
 
 void CGrid::BuildHNumerotation() {
   // Splits may have overwritten the height array at points that have a height of their own.
   ScatterNodalHeights();
   const std::vector<double>& surface = m_bSurfaceCaptured ? m_afPresentSurface : m_Lattice.Heights();
+  m_Solver.RequestRebuild();
   m_Order.Build(*m_pTree);
   m_Basis.Compile(m_Order, *m_pTree, m_Mode);
   Console() << ActivePointCount() << " points\n";
-  for (std::size_t k = 0; k < m_Order.Count(); ++k) m_afNodalHeights[k] = surface[m_Order.PointOf(k)];
+  for (std::size_t i = 0; i < m_Order.Count(); ++i) m_afNodalHeights[i] = surface[m_Order.PointAtScan(i)];
   ScatterNodalHeights();
   m_Basis.W(m_afNodalHeights, m_afWaveCoefs);
 }
 
 void CGrid::ScatterNodalHeights() {
-  for (std::size_t k = 0; k < m_Order.Count(); ++k) m_Lattice.Heights()[m_Order.PointOf(k)] = m_afNodalHeights[k];
+  for (std::size_t i = 0; i < m_Order.Count(); ++i) m_Lattice.Heights()[m_Order.PointAtScan(i)] = m_afNodalHeights[i];
 }
 
 void CGrid::CapturePresentSurface() {
@@ -117,7 +117,7 @@ void CGrid::CapturePresentSurface() {
 }
 
 void CGrid::ReplaySubdivision() {
-  CapturePresentSurface();
+  if (!m_bSurfaceCaptured) CapturePresentSurface();
   m_pTree->Replay(*m_Subdivision, m_iBaseLevel);
   m_pTree->RefreshEdgeMarks();
   BuildHNumerotation();
@@ -128,7 +128,7 @@ void CGrid::SetWaveletMode(WaveletMode mode) {
   m_Basis.invW(m_afWaveCoefs, m_afNodalHeights);
   m_Basis.Compile(m_Order, *m_pTree, mode);
   m_Basis.W(m_afNodalHeights, m_afWaveCoefs);
-  m_iIterations = std::min(m_iIterations, 0);
+  m_Solver.RequestRestart();
 }
 
 void CGrid::ReconstructSurface() {
@@ -140,11 +140,11 @@ void CGrid::ReconstructSurface() {
 }
 
 double CGrid::TestWavelets() {
-  std::vector<double> byUnknown(m_Order.Count());
-  m_Basis.invW(m_afWaveCoefs, byUnknown);
+  std::vector<double> nodal(m_Order.Count());
+  m_Basis.invW(m_afWaveCoefs, nodal);
   std::vector<double> heights(m_Lattice.PointCount());
   std::vector<double> coefs(m_Lattice.PointCount());
-  for (std::size_t k = 0; k < m_Order.Count(); ++k) heights[m_Order.PointOf(k)] = byUnknown[k];
+  for (std::size_t i = 0; i < m_Order.Count(); ++i) heights[m_Order.PointAtScan(i)] = nodal[i];
   WalkW(*m_pTree, m_Mode, heights, coefs);
   double largest = 0.0;
   for (std::size_t k = 0; k < m_Order.Count(); ++k) {

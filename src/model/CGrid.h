@@ -1,17 +1,18 @@
 #pragma once
 
 #include <cstdint>
-#include <list>
 #include <memory>
 #include <optional>
-#include <random>
 #include <span>
 #include <vector>
 
-#include "constraints/CPtCstr.h"
+#include "base/CRandom.h"
+#include "constraints/CPtCstrList.h"
 #include "lighting/CLight.h"
+#include "model/CGridSolver.h"
 #include "model/CHierarchicalBasis.h"
 #include "model/CLattice.h"
+#include "model/CPendingWork.h"
 #include "model/CPointOrder.h"
 #include "model/GridHost.h"
 #include "model/WaveletMode.h"
@@ -26,9 +27,10 @@ class CGrid {
  public:
   /// The default grid: base level 5, no constraints, 0..100 by 0..100, the current resolution the normal one.
   /// `seed` fixes the chance in the start values of the iteration.
-  explicit CGrid(std::uint32_t seed = std::mt19937::default_seed);
+  explicit CGrid(std::uint32_t seed = 1);
   CGrid(const CGrid&) = delete;
   CGrid& operator=(const CGrid&) = delete;
+  ~CGrid() = default;
 
   /// Starts over on the rectangle x0..x1 by y0..y1 (model units, x0 < x1, y0 < y1) at a base level, with a flat surface
   /// at height 0. Without `keep` all constraints are dropped. The maximum level is the global default, held to
@@ -42,17 +44,25 @@ class CGrid {
   /// The program around the model, or null. Must outlive the grid or be detached.
   void AttachHost(GridHost* host) { m_pHost = host; }
 
-  // The solver's control.
+  // One tick of the solver, and what waits for it.
+
+  /// One tick's work: the pending operations, the system as far as it is out of date, ten iterations, the surface.
+  /// Allocates nothing unless the system changes.
+  void UpdateGrid();
+  /// Performs the pending operations at once, without iterating, and brings heights and normals up to date. For
+  /// commands while no tick is registered, and before the model is written to a file.
+  void PerformPendingWork();
+  /// Leaves `operation` (Operation::...) for the next tick. An edit of a model that had converged resumes the solver.
+  void Post(int operation);
+  int NextOperation() const { return m_Pending.Next(); }
   bool IsRunning() const { return m_bRunning; }
   void SetRunning(bool running) { m_bRunning = running; }
   /// -1: numbering and system must be rebuilt; 0: the iteration starts anew; above: iterations done.
-  int IterationCounter() const { return m_iIterations; }
+  int IterationCounter() const { return m_Solver.Counter(); }
   int IterationsPerTick() const { return m_iIterationsPerTick; }
-  int NextOperation() const { return m_iNextOperation; }
-  /// One tick's work.
-  void UpdateGrid();
 
   // Resolution and extent.
+
   int BaseLevel() const { return m_iBaseLevel; }
   int MaxLevel() const { return m_Lattice.Level(); }
   /// Points per side of the uniform grid of the base level and of the lattice.
@@ -63,13 +73,23 @@ class CGrid {
   double MinHeight() const { return m_fMinHeight; }
   double MaxHeight() const { return m_fMaxHeight; }
 
-  // The unknowns and the surface.
-  /// Sets up the system: with the counter at -1 renumbers the points and sets the counter to 0.
+  // The system and the surface.
+
+  /// Rebuilds the tree from the wanted subdivision, the discontinuity maps and the whole system; the surface stays as
+  /// it is at every point in use afterwards.
+  void SetDiscMap();
+  /// Sets up the system: with the counter at -1 renumbers the points, assembles the matrix and sets the counter to 0;
+  /// in any case rebuilds the constraint rows.
   void SetSparseH();
-  /// Numbers the points of the present subdivision and sets the coefficients so that the surface stays as it is.
+  /// Numbers the points of the present subdivision and sets the coefficients so that the surface stays as it is. Points
+  /// that were split off without interpolating since the last replay or reconstruction take what the height array
+  /// holds.
   void BuildHNumerotation();
   /// Rebuilds the tree from the wanted subdivision; the surface stays as it is at every point in use afterwards.
   void ReplaySubdivision();
+  /// "Reset the grid": heights below 10 / points by chance, and a rebuild posted.
+  void Reset();
+  /// Number of unknowns.
   int ActivePointCount() const { return static_cast<int>(m_Order.Count()); }
   WaveletMode Mode() const { return m_Mode; }
   /// Converts the coefficients to the basis of `mode`; a running iteration starts anew.
@@ -82,24 +102,48 @@ class CGrid {
   /// Largest difference over the points between heights through the compiled inverse transform and back through the
   /// tree walk. Logs it.
   double TestWavelets();
-  /// Highlights the points that the height at (x, y) (model units) hangs on and has the host show them. False outside
-  /// the model.
+  /// Highlights the ends of the border sub-edge that the height at (x, y) (model units) hangs on and has the host show
+  /// what the interpolation is made of. False outside the model.
   bool TraceInterpolation(double x, double y);
 
+  // Point constraints. Positions in model units, slopes dz/dx and dz/dy, kind masks of PtCstrKind bits. Adding and
+  // deleting posts Operation::kRebuild, moving and changing kRestart.
+
+  void AddPtCstr(const CPtCstr& record);
+  /// Whether any constraint of the kind lies within reach of (x, y); those that do are highlighted, no others.
+  bool HighlightPtCstrs(double x, double y, std::uint32_t mask);
+  void SelectPtCstr(double x, double y, std::uint32_t mask);
+  void SelectNextPtCstr(std::uint32_t mask) { m_PointConstraints.SelectNext(mask); }
+  void SelectPrevPtCstr(std::uint32_t mask) { m_PointConstraints.SelectPrev(mask); }
+  void UnselectAll() { m_PointConstraints.UnselectAll(); }
+  /// Moves the first selected constraint. Nothing happens without one; so it is for all operations on the selection.
+  void MoveSelectedPtCstr(double dx, double dy);
+  /// Height of the first selected position constraint; 0 without one.
+  double GetSelectedHeight();
+  void SetSelectedHeight(double z);
+  /// Adds to the slopes of the first selected normal constraint. Posts kRestart even without one.
+  void ChangeSelectedNormal(double dp, double dq);
+  void DeleteSelectedPtCstr();
+  /// z of every normal constraint that is no position constraint as well becomes the surface's height under it.
+  void RefreshNormalCstrHeights();
+  /// Height of the surface at fractional lattice indices; 0 outside.
+  double GetHeightAt(double column, double row) const { return Surface().HeightAt(column, row); }
+
   // The parts.
+
   CLattice& Lattice() { return m_Lattice; }
   const CLattice& Lattice() const { return m_Lattice; }
   CQuadTree& Tree() { return *m_pTree; }
   const CQuadTree& Tree() const { return *m_pTree; }
   const CPointOrder& Order() const { return m_Order; }
   const CHierarchicalBasis& Basis() const { return m_Basis; }
+  const CGridSolver& Solver() const { return m_Solver; }
   CInterpolation Surface() const { return {*m_pTree, m_Order}; }
   /// The wanted subdivision of the current resolution.
   CSubdivisionRecord& Subdivision() { return *m_Subdivision; }
-
-  // Constraints and lights, in creation order.
-  std::list<CPtCstr>& PointConstraints() { return m_PointConstraints; }
-  std::list<CPtCstr>& GeneratedConstraints() { return m_GeneratedConstraints; }
+  /// Point constraints of the user, and those that curves generate.
+  CPtCstrList& PointConstraints() { return m_PointConstraints; }
+  CPtCstrList& GeneratedConstraints() { return m_GeneratedConstraints; }
   CLightSet& RemovedLights() { return m_RemovedLights; }
   CLightSet& AddedLights() { return m_AddedLights; }
 
@@ -108,10 +152,19 @@ class CGrid {
   void CapturePresentSurface();
   void RecomputeHeightRange();
   void ScatterNodalHeights();
+  double HeightUnder(const CPtCstr& constraint) const;
+  bool IsInMarkedTriangle(double x, double y) const;
+  void UpdateDisabledBit(CPtCstr& constraint) const;
+  void ConstraintsChanged(int operation);
+
+  /// Whether anything was done.
+  bool PerformOperations();
+  void Dispatch(int operation);
+  void SwapResolution(bool high, bool transfer);
+  void UpdateConstraintsFormCurves();
 
   bool m_bRunning = true;
-  int m_iNextOperation = 0;
-  int m_iIterations = -1;
+  CPendingWork m_Pending;
   int m_iIterationsPerTick = 0;
   int m_iBaseLevel = 0;
   double m_fCellSize = 0.0;
@@ -125,19 +178,22 @@ class CGrid {
   std::optional<CSubdivisionRecord> m_OtherSubdivision;  ///< of the other one
   CPointOrder m_Order;
   CHierarchicalBasis m_Basis;
+  CRandom m_Random;
+  CGridSolver m_Solver;
 
-  // By unknown, one entry per lattice point so that no renumbering allocates.
-  std::vector<double> m_afWaveCoefs;
-  std::vector<double> m_afNodalHeights;
-  // By lattice point: the whole surface as it was before the tree last changed, valid while m_bSurfaceCaptured.
+  // One entry per lattice point, so that no renumbering allocates.
+  std::vector<double> m_afWaveCoefs;     ///< by unknown
+  std::vector<double> m_afNodalHeights;  ///< by scan position
+  // By lattice point. The whole surface as it was before the tree last changed, valid while m_bSurfaceCaptured, and
+  // that of the other resolution when it was left.
   std::vector<double> m_afPresentSurface;
+  std::vector<double> m_afOtherSurface;
   bool m_bSurfaceCaptured = false;
 
-  std::list<CPtCstr> m_PointConstraints;
-  std::list<CPtCstr> m_GeneratedConstraints;
+  CPtCstrList m_PointConstraints;
+  CPtCstrList m_GeneratedConstraints;
   CLightSet m_RemovedLights;
   CLightSet m_AddedLights;
 
-  std::mt19937 m_Random;
   GridHost* m_pHost = nullptr;
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <ranges>
 #include <type_traits>
 
 #include "base/Console.h"
@@ -79,6 +78,8 @@ void CHierarchicalBasis::Compile(const CPointOrder& order, const CQuadTree& tree
   m_Mode = mode;
   m_aRuns.clear();
   m_auParents.clear();
+  m_auPlace.resize(m_uSize);
+  for (std::size_t k = 0; k < m_uSize; ++k) m_auPlace[k] = order.ScanOf(k);
   if (mode == WaveletMode::None) {
     m_aRuns.push_back({0, static_cast<std::uint32_t>(m_uSize), 0, 0});
     return;
@@ -97,8 +98,8 @@ void CHierarchicalBasis::Compile(const CPointOrder& order, const CQuadTree& tree
     for (std::size_t p = 0; p < parents.m_uCount; ++p) {
       const CParent& parent = parents.m_aParents[p];
       if (!parent.m_pEdge->IsContinuous(mode)) continue;
-      counted[count++] =
-          static_cast<std::uint32_t>(order.NumberOf(tree.Lattice().Index(parent.m_iColumn, parent.m_iRow)));
+      const std::int32_t number = order.NumberOf(tree.Lattice().Index(parent.m_iColumn, parent.m_iRow));
+      counted[count++] = order.ScanOf(static_cast<std::size_t>(number));
     }
     AddUnknown(k, std::span(counted).first(count));
   }
@@ -114,13 +115,12 @@ void CHierarchicalBasis::AddUnknown(std::uint32_t k, std::span<const std::uint32
 void CHierarchicalBasis::W(std::span<const double> heights, std::span<double> coefs) const {
   const double* z = heights.data();
   double* c = coefs.data();
-  // Finest first: parents are read before they are overwritten when both vectors are the same.
-  for (const CRun& run : std::views::reverse(m_aRuns)) {
+  const std::uint32_t* place = m_auPlace.data();
+  for (const CRun& run : m_aRuns) {
     WithParentCount(run.m_uParents, [&]<std::size_t kCount>(std::integral_constant<std::size_t, kCount>) {
-      const std::uint32_t* parents = m_auParents.data() + run.m_uFirstParent + kCount * (run.m_uEnd - run.m_uFirst);
-      for (std::uint32_t k = run.m_uEnd; k-- > run.m_uFirst;) {
-        parents -= kCount;
-        c[k] = z[k] - Mean<kCount>(z, parents);
+      const std::uint32_t* parents = m_auParents.data() + run.m_uFirstParent;
+      for (std::uint32_t k = run.m_uFirst; k < run.m_uEnd; ++k, parents += kCount) {
+        c[k] = z[place[k]] - Mean<kCount>(z, parents);
       }
     });
   }
@@ -129,25 +129,33 @@ void CHierarchicalBasis::W(std::span<const double> heights, std::span<double> co
 void CHierarchicalBasis::invW(std::span<const double> coefs, std::span<double> heights) const {
   const double* c = coefs.data();
   double* z = heights.data();
+  const std::uint32_t* place = m_auPlace.data();
   for (const CRun& run : m_aRuns) {
     WithParentCount(run.m_uParents, [&]<std::size_t kCount>(std::integral_constant<std::size_t, kCount>) {
       const std::uint32_t* parents = m_auParents.data() + run.m_uFirstParent;
-      for (std::uint32_t k = run.m_uFirst; k < run.m_uEnd; ++k, parents += kCount)
-        z[k] = c[k] + Mean<kCount>(z, parents);
+      for (std::uint32_t k = run.m_uFirst; k < run.m_uEnd; ++k, parents += kCount) {
+        z[place[k]] = c[k] + Mean<kCount>(z, parents);
+      }
     });
   }
 }
 
-void CHierarchicalBasis::invWTransposeTimes(std::span<double> v) const {
-  double* x = v.data();
-  for (const CRun& run : std::views::reverse(m_aRuns)) {
+// Backward, so that a point has collected the shares of all its children when its own turn comes.
+void CHierarchicalBasis::invWTransposeTimes(std::span<double> heights, std::span<double> coefs) const {
+  double* z = heights.data();
+  double* c = coefs.data();
+  const std::uint32_t* place = m_auPlace.data();
+  for (auto it = m_aRuns.rbegin(); it != m_aRuns.rend(); ++it) {
+    const CRun& run = *it;
     WithParentCount(run.m_uParents, [&]<std::size_t kCount>(std::integral_constant<std::size_t, kCount>) {
-      if constexpr (kCount > 0) {
-        const std::uint32_t* parents = m_auParents.data() + run.m_uFirstParent + kCount * (run.m_uEnd - run.m_uFirst);
-        for (std::uint32_t k = run.m_uEnd; k-- > run.m_uFirst;) {
+      const std::uint32_t* parents = m_auParents.data() + run.m_uFirstParent + kCount * (run.m_uEnd - run.m_uFirst);
+      for (std::uint32_t k = run.m_uEnd; k-- > run.m_uFirst;) {
+        const double value = z[place[k]];
+        c[k] = value;
+        if constexpr (kCount > 0) {
           parents -= kCount;
-          const double share = x[k] * (1.0 / kCount);
-          for (std::size_t p = 0; p < kCount; ++p) x[parents[p]] += share;
+          const double share = value * (1.0 / kCount);
+          for (std::size_t p = 0; p < kCount; ++p) z[parents[p]] += share;
         }
       }
     });

@@ -15,8 +15,9 @@ class CQuadTree;
 ///
 /// The parents of an edge midpoint are the two ends of the edge, those of a cell centre the midpoints of the four
 /// sides; corners have none. `Compile` lays the transforms out as a flat schedule in the point order; applying them
-/// walks no tree and allocates nothing. All vectors are indexed by unknown number and have at least `Size()` entries.
-/// Every transform is one pass, linear in the number of unknowns.
+/// walks no tree and allocates nothing. Coefficients are indexed by unknown number, heights by scan position (see
+/// CPointOrder); all vectors have at least `Size()` entries. Every transform is one pass, linear in the number of
+/// unknowns.
 class CHierarchicalBasis {
  public:
   /// Schedule for the points of `order` in the subdivision of `tree` (marks included) under `mode`. Must be repeated
@@ -27,12 +28,12 @@ class CHierarchicalBasis {
   std::size_t Size() const { return m_uSize; }
   WaveletMode Mode() const { return m_Mode; }
 
-  /// Heights to coefficients. `coefs` may be the same memory as `heights`.
+  /// Heights to coefficients. The vectors must not overlap.
   void W(std::span<const double> heights, std::span<double> coefs) const;
-  /// Coefficients to heights; the inverse of `W`. `heights` may be the same memory as `coefs`.
+  /// Coefficients to heights; the inverse of `W`.
   void invW(std::span<const double> coefs, std::span<double> heights) const;
-  /// The transpose of `invW`, in place.
-  void invWTransposeTimes(std::span<double> v) const;
+  /// The transpose of `invW`: from a vector over the heights, which is used up, to one over the coefficients.
+  void invWTransposeTimes(std::span<double> heights, std::span<double> coefs) const;
 
  private:
   /// A maximal range of consecutive unknowns with the same number of counted parents, so that each range is one tight
@@ -48,6 +49,8 @@ class CHierarchicalBasis {
 
   std::size_t m_uSize = 0;
   WaveletMode m_Mode = WaveletMode::None;
-  std::vector<CRun> m_aRuns;               ///< in the point order, from 0 to Size()
-  std::vector<std::uint32_t> m_auParents;  ///< the counted parents of all unknowns, in the point order
+  std::vector<CRun> m_aRuns;             ///< in the point order, from 0 to Size()
+  std::vector<std::uint32_t> m_auPlace;  ///< scan position of each unknown
+  std::vector<std::uint32_t>
+      m_auParents;  ///< scan positions of the counted parents of all unknowns, in the point order
 };

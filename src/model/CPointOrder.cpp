@@ -13,6 +13,8 @@ void CPointOrder::Free() {
   Release(m_aiNumbers);
   Release(m_auPoints);
   Release(m_aiCodes);
+  Release(m_auScan);
+  Release(m_auScanPoints);
 }
 
 void CPointOrder::Reset(int level) {
@@ -21,6 +23,8 @@ void CPointOrder::Reset(int level) {
   m_aiNumbers.assign(static_cast<std::size_t>(m_iSide) * static_cast<std::size_t>(m_iSide), -1);
   m_auPoints.clear();
   m_aiCodes.clear();
+  m_auScan.clear();
+  m_auScanPoints.clear();
 }
 
 void CPointOrder::Build(const CQuadTree& tree) {
@@ -50,6 +54,17 @@ void CPointOrder::Build(const CQuadTree& tree) {
       }
     }
     split.swap(next);
+  }
+  EndNumbering();
+}
+
+void CPointOrder::EndNumbering() {
+  m_auScan.resize(Count());
+  m_auScanPoints.clear();
+  for (std::size_t point = 0; point < m_aiNumbers.size(); ++point) {
+    if (m_aiNumbers[point] < 0) continue;
+    m_auScan[static_cast<std::size_t>(m_aiNumbers[point])] = static_cast<std::uint32_t>(m_auScanPoints.size());
+    m_auScanPoints.push_back(static_cast<std::uint32_t>(point));
   }
 }
 

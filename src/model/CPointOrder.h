@@ -19,15 +19,21 @@ class CPointOrder {
   void Build(const CQuadTree& tree);
   /// Forgets all numbers and prepares for a lattice of 2^level + 1 points per side.
   void Reset(int level);
-  /// Gives a point the next number, unless it has one.
+  /// Gives a point the next number, unless it has one. After the last one, `EndNumbering` makes the scan order.
   void Append(int column, int row, int code);
-  /// Gives the memory back; no point is numbered then.
+  void EndNumbering();
+  /// Gives the memory back. `Reset` or `Build` must follow before a number is asked for.
   void Free();
 
   /// Number of unknowns.
   std::size_t Count() const { return m_auPoints.size(); }
   /// Unknown at a lattice point (index row * n + column), -1 where there is none.
   std::int32_t NumberOf(std::size_t point) const { return m_aiNumbers[point]; }
+  /// Where unknown `k` comes in scan order: the unknowns by ascending lattice index, row by row. Vectors over the
+  /// surface itself are kept in this order, because neighbours on the lattice are neighbours in it.
+  std::uint32_t ScanOf(std::size_t k) const { return m_auScan[k]; }
+  /// Lattice index of the point at a scan position.
+  std::uint32_t PointAtScan(std::size_t position) const { return m_auScanPoints[position]; }
   /// Lattice index of unknown `k`.
   std::uint32_t PointOf(std::size_t k) const { return m_auPoints[k]; }
   int ColumnOf(std::size_t k) const { return static_cast<int>(m_auPoints[k]) % m_iSide; }
@@ -40,7 +46,9 @@ class CPointOrder {
  private:
   int m_iSide = 0;
   int m_iLevel = 0;
-  std::vector<std::int32_t> m_aiNumbers;  ///< by lattice point
-  std::vector<std::uint32_t> m_auPoints;  ///< by unknown
-  std::vector<std::int32_t> m_aiCodes;    ///< by unknown
+  std::vector<std::int32_t> m_aiNumbers;      ///< by lattice point
+  std::vector<std::uint32_t> m_auPoints;      ///< by unknown
+  std::vector<std::int32_t> m_aiCodes;        ///< by unknown
+  std::vector<std::uint32_t> m_auScan;        ///< by unknown
+  std::vector<std::uint32_t> m_auScanPoints;  ///< by scan position
 };

@@ -13,3 +13,9 @@ inline int g_iMaxLevel = kDefaultMaxLevel;
 inline int g_bHighRes = 0;
 /// Number of registered solver ticks, 0 or 1.
 inline int g_nSolverTimers = 0;
+/// While 0, the solver lets the program process events between its steps.
+inline int g_bNoEventPolling = 1;
+/// Zoom of the image view: the share of the picture's extent that it shows, so that values below 1 magnify.
+inline double g_fZoom = 1.0;
+/// City-block distance, in model units at zoom 1, within which a click takes hold of a constraint.
+inline double g_fPickTolerance = 1.0;

@@ -1,14 +1,32 @@
 #pragma once
 
-#include "quadtree/Interpolation.h"
+struct CInterpolationTrace;
 
 /// What the model asks of the program around it. The window implements it; a grid without a host works on its own.
+///
+/// A host overrides what it can show or do. Where nothing is said otherwise, not doing it leaves the model whole.
 class GridHost {
  public:
   virtual ~GridHost() = default;
 
   /// The surface or what is drawn on it has changed: both views are out of date.
-  virtual void RequestRedraw() = 0;
+  virtual void RequestRedraw() {}
   /// Show what an interpolation was made of over the picture.
-  virtual void ShowInterpolation(const CInterpolationTrace& trace) = 0;
+  virtual void ShowInterpolation(const CInterpolationTrace& /*trace*/) {}
+  /// Show the number of iterations done since the last restart.
+  virtual void ShowIterations(int /*iterations*/) {}
+  /// Show the number of active leaves and of active points.
+  virtual void ShowResolution(int /*leaves*/, int /*points*/) {}
+  /// Show the number of point constraints.
+  virtual void ShowConstraints(int /*count*/) {}
+
+  /// Let the toolkit process the events that wait; they may post work to the grid.
+  virtual void ProcessEvents() {}
+  /// Perform a command that is the program's and not the model's (Operation::kLoadGrid and the like).
+  virtual void PerformCommand(int /*operation*/) {}
+  /// The solver has converged and cleared the grid's running flag.
+  virtual void PauseSolverConverged() {}
+  /// The model has changed after the solver had converged: set the grid's running flag and have it tick again. A host
+  /// that does not leaves the surface behind the constraints.
+  virtual void ResumeAfterChange() = 0;
 };

@@ -74,7 +74,8 @@ double CEdge::DistanceTo(double x, double y) const {
 
 const CEdge* CEdge::FindLeaf(double t) const {
   const bool horizontal = IsHorizontal();
-  if (t < (horizontal ? m_iXa : m_iYa) || t > (horizontal ? m_iXb : m_iYb)) return nullptr;
+  const bool inside = (horizontal ? m_iXa : m_iYa) <= t && t <= (horizontal ? m_iXb : m_iYb);
+  if (!inside) return nullptr;
   const CEdge* edge = this;
   while (!edge->m_bLeaf) {
     if (!edge->HasHalves()) return nullptr;

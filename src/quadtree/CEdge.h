@@ -7,22 +7,8 @@
 
 #include "model/WaveletMode.h"
 
-class CEdge;
+class CEdgeArena;
 class CLattice;
-
-/// Storage of all edges of one tree, sized once: addresses stay valid and the halves of an edge lie side by side.
-class CEdgeArena {
- public:
-  explicit CEdgeArena(std::size_t capacity) { m_aEdges.reserve(capacity); }
-
-  /// Appends one edge. Precondition: `Size() < capacity`.
-  CEdge* Add(const CEdge& edge);
-  std::size_t Size() const { return m_aEdges.size(); }
-  std::span<CEdge> All() { return m_aEdges; }
-
- private:
-  std::vector<CEdge> m_aEdges;
-};
 
 /// Marks that the cells on the two sides of an edge leave on it. With both, the edge lies inside a position
 /// discontinuity.
@@ -115,4 +101,17 @@ class CEdge {
   std::int16_t m_iYb;
   bool m_bLeaf = false;
   std::uint8_t m_uMarks = 0;
+};
+
+/// Storage of all edges of one tree, sized once: addresses stay valid and the halves of an edge lie side by side.
+class CEdgeArena {
+ public:
+  explicit CEdgeArena(std::size_t capacity) { m_aEdges.reserve(capacity); }
+
+  /// Appends one edge. Precondition: `Size() < capacity`.
+  CEdge* Add(const CEdge& edge);
+  std::size_t Size() const { return m_aEdges.size(); }
+
+ private:
+  std::vector<CEdge> m_aEdges;
 };

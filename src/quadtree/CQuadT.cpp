@@ -6,6 +6,7 @@
 #include "model/CLattice.h"
 #include "quadtree/CEdge.h"
 #include "quadtree/CQuadTree.h"
+#include "quadtree/TreeNormals.h"
 
 CQuadT::CQuadT(CQuadTree& tree, int x0, int y0, int level, const std::array<CEdge*, 4>& edges)
     : m_pTree(&tree),
@@ -32,19 +33,16 @@ CCellRect CQuadT::ModelRect() const {
 }
 
 void CQuadT::SetFlags(std::uint32_t mask) {
+  if ((mask & ~m_uFlags & CellFlag::kTriangles) != 0) m_pTree->ForgetLeaves();
   m_uFlags |= mask;
-  m_pTree->ForgetLeaves();
 }
 
 void CQuadT::ClearFlags(std::uint32_t mask) {
+  if ((mask & m_uFlags & CellFlag::kTriangles) != 0) m_pTree->ForgetLeaves();
   m_uFlags &= ~mask;
-  m_pTree->ForgetLeaves();
 }
 
-const CCellSurface& CQuadT::Surface() const {
-  static const CCellSurface flat;
-  return m_uLeaf == kNoLeaf ? flat : m_pTree->Surfaces()[m_uLeaf];
-}
+CCellSurface CQuadT::Surface() const { return CellSurface(*this, Lattice()); }
 
 Vector3 CQuadT::TriangleCentre(int k) const {
   const CCellRect r = ModelRect();

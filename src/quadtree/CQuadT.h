@@ -34,12 +34,13 @@ struct CCellRect {
   double height;
 };
 
-/// What the surface looks like over one active leaf; written by `ComputeNormals`.
+/// What the surface looks like over one active leaf.
 struct CCellSurface {
-  std::array<double, 4> m_afTriangleZ{};  ///< mean height of each triangle's three corners
-  std::array<Vector3, 4> m_aTriangleNormals{Vector3{0, 0, 1}, Vector3{0, 0, 1}, Vector3{0, 0, 1},
-                                            Vector3{0, 0, 1}};  ///< unit length
-  Vector3 m_CellNormal{0, 0, 1};  ///< unit length; not a number where all four triangles lie in a discontinuity
+  std::array<double, 4> m_afTriangleZ{};        ///< mean height of each triangle's three corners
+  std::array<Vector3, 4> m_aTriangleNormals{};  ///< unit length
+  /// The normalised sum of the normals of the triangles outside discontinuities: unit length, not a number where all
+  /// four lie in one.
+  Vector3 m_CellNormal;
 };
 
 /// One cell of the adaptive quad tree: the square of side 2^level lattice steps whose lower left point is (X0(), Y0()).
@@ -85,11 +86,9 @@ class CQuadT {
   void SetFlags(std::uint32_t mask);
   void ClearFlags(std::uint32_t mask);
 
-  /// The surface over an active leaf as the last `ComputeNormals` left it; flat (normals (0, 0, 1), heights 0) before
-  /// and for all other cells.
-  const CCellSurface& Surface() const;
-  /// Centroid of triangle `k`: x and y in model units, z the mean of the heights of its corners at the last
-  /// `ComputeNormals` (0 before).
+  /// The surface over an active leaf, from the lattice's heights as they are now.
+  CCellSurface Surface() const;
+  /// Centroid of triangle `k` of an active leaf: x and y in model units, z the mean of the heights of its corners.
   Vector3 TriangleCentre(int k) const;
 
   /// Splits an active cell wider than one step into its four children. With `interpolate` the midpoints of the sides
@@ -124,14 +123,11 @@ class CQuadT {
   void InterpolateMidpoints();
   void CloseSide(int side);
 
-  static constexpr std::uint32_t kNoLeaf = 0xFFFFFFFF;
-
   // One cache line: walks of the tree read all cells of the subdivision.
   CQuadTree* m_pTree;
   CQuadT* m_pChildren = nullptr;  ///< the first of four neighbours in the tree's storage
   std::array<CEdge*, 4> m_apEdges;
   std::uint32_t m_uFlags = 0;
-  std::uint32_t m_uLeaf = kNoLeaf;  ///< place in the tree's table of leaves
   std::int16_t m_iX0;
   std::int16_t m_iY0;
   std::int8_t m_iLevel;

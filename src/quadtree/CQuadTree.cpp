@@ -31,6 +31,35 @@ std::size_t SpreadBits(unsigned value) {
   return v;
 }
 
+// For a constant and a changeable tree alike.
+template <typename Cell>
+Cell* ActiveLeafAt(Cell& root, double gx, double gy) {
+  Cell* cell = &root;
+  // Written as "outside" so that not-a-number coordinates pass and are reported below.
+  if (gx < cell->X0() || gx > cell->X1() || gy < cell->Y0() || gy > cell->Y1()) return nullptr;
+  while (!cell->IsActive()) {
+    if (!cell->HasChildren()) {
+      Console() << "Error CQuadT::PointInCell_g() stop == 0 but the highest level has been reached\n";
+      return nullptr;
+    }
+    const int xm = cell->XMid();
+    const int ym = cell->YMid();
+    if (gx < xm && gy < ym) {
+      cell = &cell->Child(0);
+    } else if (gx >= xm && gy < ym) {
+      cell = &cell->Child(1);
+    } else if (gx >= xm && gy >= ym) {
+      cell = &cell->Child(2);
+    } else if (gx < xm && gy >= ym) {
+      cell = &cell->Child(3);
+    } else {
+      Console() << "Error CQuadT::PointInCell_g() This message should NEVER appear !!\n";
+      return nullptr;
+    }
+  }
+  return cell;
+}
+
 }  // namespace
 
 CQuadTree::CQuadTree(CLattice& lattice) : m_pLattice(&lattice), m_Edges(EdgeCount(lattice.Level())) {
@@ -104,9 +133,13 @@ void CQuadTree::SetStartLevel(int depth) {
     cell.m_bStop = Level() - cell.Level() == depth;
     if (cell.m_bStop) cell.MarkCornersInUse();
   }
-  // An edge is halved once per generation, so its length alone says how deep it lies.
-  const double length = 1 << (Level() - depth);
-  for (CEdge& edge : m_Edges.All()) edge.SetLeaf(edge.Length() == length);
+  // Each edge hangs below the cell that introduced it, the four outer ones below the root's side.
+  for (int side = 0; side < 4; ++side) Root().Edge(side).SetLeafByDepth(depth);
+  for (const CQuadT& cell : m_aCells) {
+    if (!cell.HasChildren()) continue;
+    const int generation = Level() - cell.Level();
+    for (CEdge* edge : cell.InnerEdges()) edge->SetLeafByDepth(depth - generation - 1);
+  }
 }
 
 void CQuadTree::Replay(const CSubdivisionRecord& wanted, int depth) {
@@ -137,10 +170,10 @@ bool CQuadTree::IsReached(int level, int i, int j) const {
 
 const CEdge* CQuadTree::FindEdge(int xa, int ya, int xb, int yb) const {
   const int side = 1 << Level();
-  const int length = (xb - xa) + (yb - ya);
+  if (xa < 0 || ya < 0 || xb > side || yb > side) return nullptr;
   const bool straight = (ya == yb && xb > xa) || (xa == xb && yb > ya);
-  if (!straight || !std::has_single_bit(static_cast<unsigned>(length)) || xa < 0 || ya < 0 || xb > side || yb > side)
-    return nullptr;
+  const int length = (xb - xa) + (yb - ya);
+  if (!straight || !std::has_single_bit(static_cast<unsigned>(length))) return nullptr;
   const bool horizontal = ya == yb;
   if ((horizontal ? xa : ya) % length != 0 || (horizontal ? ya : xa) % length != 0) return nullptr;
   const int level = std::countr_zero(static_cast<unsigned>(length));
@@ -151,36 +184,9 @@ const CEdge* CQuadTree::FindEdge(int xa, int ya, int xb, int yb) const {
   return reached ? &edge : nullptr;
 }
 
-const CQuadT* CQuadTree::PointInCell_g(double gx, double gy) const {
-  const CQuadT* cell = &Root();
-  // Written as "outside" so that not-a-number coordinates pass and are reported below.
-  if (gx < cell->X0() || gx > cell->X1() || gy < cell->Y0() || gy > cell->Y1()) return nullptr;
-  while (!cell->IsActive()) {
-    if (!cell->HasChildren()) {
-      Console() << "Error CQuadT::PointInCell_g() stop == 0 but the highest level has been reached\n";
-      return nullptr;
-    }
-    const int xm = cell->XMid();
-    const int ym = cell->YMid();
-    if (gx < xm && gy < ym) {
-      cell = &cell->Child(0);
-    } else if (gx >= xm && gy < ym) {
-      cell = &cell->Child(1);
-    } else if (gx >= xm && gy >= ym) {
-      cell = &cell->Child(2);
-    } else if (gx < xm && gy >= ym) {
-      cell = &cell->Child(3);
-    } else {
-      Console() << "Error CQuadT::PointInCell_g() This message should NEVER appear !!\n";
-      return nullptr;
-    }
-  }
-  return cell;
-}
+const CQuadT* CQuadTree::PointInCell_g(double gx, double gy) const { return ActiveLeafAt(Root(), gx, gy); }
 
-CQuadT* CQuadTree::PointInCell_g(double gx, double gy) {
-  return const_cast<CQuadT*>(static_cast<const CQuadTree*>(this)->PointInCell_g(gx, gy));
-}
+CQuadT* CQuadTree::PointInCell_g(double gx, double gy) { return ActiveLeafAt(Root(), gx, gy); }
 
 const CQuadT* CQuadTree::PointInCell(double x, double y) const {
   const CExtent& e = m_pLattice->Extent();
@@ -189,12 +195,10 @@ const CQuadT* CQuadTree::PointInCell(double x, double y) const {
 }
 
 CQuadT* CQuadTree::getManualSetCell(double x, double y, CSaveQuadT*& saved) {
-  CQuadT* found = PointInCell_g(x, y);
-  if (found == nullptr) {
+  if (PointInCell_g(x, y) == nullptr) {
     Console() << "Error CQuadT::getManualSetCell : The specified point " << x << ", " << y << "is not in the tree\n";
     return nullptr;
   }
-  if (saved->IsLeaf()) return found;
   CQuadT* cell = &Root();
   while (!saved->IsLeaf() && saved->HasChildren()) {
     const bool right = x >= cell->XMid();
@@ -226,21 +230,19 @@ std::span<const CLeaf> CQuadTree::Leaves() {
 }
 
 void CQuadTree::ListLeaves() {
-  // Cells that stop being leaves must not point into the new table.
-  for (const CLeaf& leaf : m_aLeaves) leaf.m_pCell->m_uLeaf = CQuadT::kNoLeaf;
   m_aLeaves.clear();
   m_aCentres.clear();
-  ForEachLeaf([this](CQuadT& cell) {
-    cell.m_uLeaf = static_cast<std::uint32_t>(m_aLeaves.size());
-    const auto point = static_cast<std::uint32_t>(m_pLattice->Index(cell.X0(), cell.Y0()));
-    m_aLeaves.push_back({&cell, point, CLeaf::kMeanOfCorners});
+  ForEachLeaf([this](const CQuadT& cell) {
+    m_aLeaves.push_back({&cell, static_cast<std::uint32_t>(m_pLattice->Index(cell.X0(), cell.Y0())),
+                         static_cast<std::uint32_t>(m_pLattice->CellIndex(cell.X0(), cell.Y0())), CLeaf::kMeanOfCorners,
+                         static_cast<std::uint16_t>(cell.Size()),
+                         static_cast<std::uint16_t>(cell.Flags() & CellFlag::kTriangles)});
     const auto split = [](const CEdge* edge) { return !edge->IsLeaf(); };
     if (cell.HasFlag(CellFlag::kTriangles) || std::ranges::any_of(cell.m_apEdges, split)) {
       m_aLeaves.back().m_uCentre = static_cast<std::uint32_t>(m_aCentres.size());
       m_aCentres.push_back(CentreWeightsOf(cell, *m_pLattice));
     }
   });
-  m_aSurfaces.assign(m_aLeaves.size(), CCellSurface{});
   m_bLeavesKnown = true;
 }
 

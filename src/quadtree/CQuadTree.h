@@ -16,9 +16,12 @@ class CSubdivisionRecord;
 struct CLeaf {
   static constexpr std::uint32_t kMeanOfCorners = 0xFFFFFFFF;
 
-  CQuadT* m_pCell;
+  const CQuadT* m_pCell;
   std::uint32_t m_uPoint;   ///< lattice index of the lower left corner
+  std::uint32_t m_uCell;    ///< unit-cell index of that corner
   std::uint32_t m_uCentre;  ///< kMeanOfCorners, or where the tree keeps the weights of the leaf's centre
+  std::uint16_t m_uSize;    ///< side in lattice steps
+  std::uint16_t m_uMarked;  ///< its CellFlag::kTriangles
 };
 
 /// The adaptive quad tree [Samet1984] over one lattice: storage of its cells and edges, the present subdivision, and
@@ -32,6 +35,7 @@ class CQuadTree {
   explicit CQuadTree(CLattice& lattice);
   CQuadTree(const CQuadTree&) = delete;
   CQuadTree& operator=(const CQuadTree&) = delete;
+  ~CQuadTree() = default;
 
   CLattice& Lattice() { return *m_pLattice; }
   const CLattice& Lattice() const { return *m_pLattice; }
@@ -50,10 +54,8 @@ class CQuadTree {
   const CEdge& VerticalEdge(int level, int x, int y) const;
 
   /// The active leaves, depth-first with children in their fixed order, ready for passes that must not walk the tree.
-  /// Made anew at the first call after the subdivision or a flag has changed; the surfaces of all leaves are flat then.
+  /// Made anew at the first call after the subdivision or a flag has changed.
   std::span<const CLeaf> Leaves();
-  /// What the surface looks like over each of `Leaves()`, in their order.
-  std::span<CCellSurface> Surfaces() { return m_aSurfaces; }
   /// The weights of the centre of one of `Leaves()` whose centre is not the mean of its corners.
   const CCentreWeights& CentreOf(const CLeaf& leaf) const { return m_aCentres[leaf.m_uCentre]; }
 
@@ -76,8 +78,7 @@ class CQuadTree {
   /// The same for a point in model units, which must lie strictly inside the model; null otherwise.
   const CQuadT* PointInCell(double x, double y) const;
   /// The cell that mirrors the wanted leaf at (x, y) (lattice coordinates). On entry `saved` is the record's root, on
-  /// return that leaf. Where the root is a leaf itself the answer is the active leaf at the point. Null outside the
-  /// tree, with a console line.
+  /// return that leaf. Null outside the tree, with a console line.
   CQuadT* getManualSetCell(double x, double y, CSaveQuadT*& saved);
   /// Whether the lattice rectangle lies within the deepest cell that a descent through split cells, each step to a
   /// child that holds the whole rectangle, comes to.
@@ -124,6 +125,5 @@ class CQuadTree {
   std::vector<CQuadT> m_aCells;            ///< level by level from the root, depth-first within a level
   bool m_bLeavesKnown = false;
   std::vector<CLeaf> m_aLeaves;
-  std::vector<CCellSurface> m_aSurfaces;   ///< one per leaf
   std::vector<CCentreWeights> m_aCentres;  ///< of the leaves whose centre is not the mean of the corners
 };

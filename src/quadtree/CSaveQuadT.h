@@ -34,6 +34,9 @@ class CSubdivisionRecord {
   explicit CSubdivisionRecord(int depth);
   CSubdivisionRecord(CSubdivisionRecord&&) = default;
   CSubdivisionRecord& operator=(CSubdivisionRecord&&) = default;
+  CSubdivisionRecord(const CSubdivisionRecord&) = delete;
+  CSubdivisionRecord& operator=(const CSubdivisionRecord&) = delete;
+  ~CSubdivisionRecord() = default;
 
   int Depth() const { return m_iDepth; }
   CSaveQuadT& Root() { return m_aNodes.front(); }

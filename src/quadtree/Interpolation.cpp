@@ -15,10 +15,6 @@ namespace {
 // and not a tiny negative number that would refuse it.
 constexpr double kCoefficientStep = 1e-10;
 
-// A ray that passes a corner may, by rounding, miss both sides that meet there. Up to this far (lattice steps) beyond
-// the end of a vertical side it is taken to meet the end; without it such a point would have no triangle at all.
-constexpr double kCornerSlack = 1e-9;
-
 double RoundedCoefficient(double c) { return std::floor(c * 1e10 + 0.5) * kCoefficientStep; }
 
 struct Point {
@@ -41,8 +37,7 @@ const CEdge* MeetHorizontalSide(const CQuadT& leaf, double gx, double gy) {
 const CEdge* MeetVerticalSide(const CQuadT& leaf, double gx, double gy) {
   const Point c = CentreOf(leaf);
   const double t = (leaf.X0() - c.x) / (gx - c.x);
-  double yl = c.y + t * (gy - c.y);
-  if (yl > leaf.Y0() - kCornerSlack && yl < leaf.Y1() + kCornerSlack) yl = std::clamp<double>(yl, leaf.Y0(), leaf.Y1());
+  const double yl = c.y + t * (gy - c.y);
   const CEdge* edge = t > 0 ? leaf.Edge(kLeft).FindLeaf(yl) : leaf.Edge(kRight).FindLeaf(leaf.Y0() + leaf.Y1() - yl);
   if (edge == nullptr) Console() << "CQuadT::GetBilinearInterpolation Problem...\n";
   return edge;
@@ -203,8 +198,9 @@ void CInterpolation::SampleLattice(std::span<double> heights) const {
 Vector3 CInterpolation::NormalOf(const CTriangleStencil& triangle) const {
   const std::span<const Vector3> points = Lattice().PointNormals();
   Vector3 sum = triangle.m_fCa * points[triangle.m_uA] + triangle.m_fCb * points[triangle.m_uB];
+  const std::size_t cell = Lattice().CellIndex(triangle.m_pCell->X0(), triangle.m_pCell->Y0());
   // On the cell's border its own normal has no part, so one that is not a number must not reach the sum.
-  if (triangle.m_fCCenter != 0) sum += triangle.m_fCCenter * triangle.m_pCell->Surface().m_CellNormal;
+  if (triangle.m_fCCenter != 0) sum += triangle.m_fCCenter * Lattice().CellNormals()[cell];
   return Normalised(sum);
 }
 

@@ -90,6 +90,7 @@ class CInterpolation {
   Vector3 NormalOf(const CTriangleStencil& triangle) const;
 
   const CLattice& Lattice() const;
+  const CPointOrder& Order() const { return *m_pOrder; }
 
  private:
   const CQuadTree* m_pTree;

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <span>
 
 #include "model/CLattice.h"
 #include "quadtree/CQuadTree.h"
+#include "quadtree/CentreWeights.h"
 
 namespace {
 
@@ -14,62 +16,91 @@ struct CCorners {
   std::array<double, 4> m_afZ;
 };
 
-CCorners CornersOf(const CLeaf& leaf, std::size_t side, std::span<const double> heights) {
-  const auto step = static_cast<std::size_t>(leaf.m_pCell->Size());
-  const std::size_t p = leaf.m_uPoint;
-  const std::array<std::size_t, 4> points{p, p + step, p + step + step * side, p + step * side};
+CCorners CornersAt(std::size_t lowerLeft, std::size_t size, std::size_t side, std::span<const double> heights) {
+  const std::size_t up = size * side;
+  const std::array<std::size_t, 4> points{lowerLeft, lowerLeft + size, lowerLeft + size + up, lowerLeft + up};
   return {points, {heights[points[0]], heights[points[1]], heights[points[2]], heights[points[3]]}};
 }
 
-// (hx, hy): half the cell's size in model units.
-CCellSurface CellSurface(const CQuadT& cell, const CCorners& corners, double centreZ, double hx, double hy) {
-  const std::array<double, 4>& z = corners.m_afZ;
-  const std::array<Vector3, 4> spoke{Vector3{-hx, -hy, z[0] - centreZ}, Vector3{hx, -hy, z[1] - centreZ},
-                                     Vector3{hx, hy, z[2] - centreZ}, Vector3{-hx, hy, z[3] - centreZ}};
-  CCellSurface surface;
-  Vector3 sum;
-  for (std::size_t k = 0; k < 4; ++k) {
-    const std::size_t next = (k + 1) % 4;
-    surface.m_aTriangleNormals[k] = Normalised(Cross(spoke[k], spoke[next]));
-    surface.m_afTriangleZ[k] = (centreZ + z[k] + z[next]) / 3;
-    if (!cell.HasFlag(1U << k)) sum += surface.m_aTriangleNormals[k];
-  }
-  surface.m_CellNormal = Normalised(sum);
-  return surface;
-}
+// Unit normals of the four triangles of a cell, component by component: the pass over all leaves keeps them in
+// registers.
+struct CTriangleNormals {
+  std::array<double, 4> m_afX;
+  std::array<double, 4> m_afY;
+  std::array<double, 4> m_afZ;
 
-void AddToPointNormals(const CQuadT& cell, const CCellSurface& surface, const CCorners& corners,
-                       std::span<Vector3> pointNormals) {
-  for (std::size_t k = 0; k < 4; ++k) {
-    if (cell.HasFlag(1U << k)) continue;
-    const Vector3 share = 0.125 * surface.m_aTriangleNormals[k];
-    pointNormals[corners.m_auPoints[k]] += share;
-    pointNormals[corners.m_auPoints[(k + 1) % 4]] += share;
+  Vector3 Of(std::size_t k) const { return {m_afX[k], m_afY[k], m_afZ[k]}; }
+  Vector3 Sum() const {
+    return {m_afX[0] + m_afX[1] + m_afX[2] + m_afX[3], m_afY[0] + m_afY[1] + m_afY[2] + m_afY[3],
+            m_afZ[0] + m_afZ[1] + m_afZ[2] + m_afZ[3]};
   }
+  // (0, 0, 0) in place of the normals of marked triangles, which count nowhere.
+  void Drop(std::uint32_t marked) {
+    for (std::size_t k = 0; k < 4; ++k) {
+      if ((marked >> k & 1U) != 0) m_afX[k] = m_afY[k] = m_afZ[k] = 0.0;
+    }
+  }
+};
+
+// From the heights of the corners and of the centre; (hx, hy): half the cell's size in model units. Each normal is the
+// cross product of two spokes (+-hx, +-hy, a), whose terms reduce to these; all have the same z before they are scaled.
+CTriangleNormals TriangleNormals(const std::array<double, 4>& z, double centre, double hx, double hy) {
+  const std::array<double, 4> a{z[0] - centre, z[1] - centre, z[2] - centre, z[3] - centre};
+  CTriangleNormals n{{hy * (a[0] - a[1]), -hy * (a[1] + a[2]), hy * (a[3] - a[2]), hy * (a[3] + a[0])},
+                     {hx * (a[0] + a[1]), hx * (a[1] - a[2]), -hx * (a[2] + a[3]), hx * (a[0] - a[3])},
+                     {}};
+  const double nz = 2 * hx * hy;
+  for (std::size_t k = 0; k < 4; ++k) {
+    const double scale = 1.0 / std::sqrt(n.m_afX[k] * n.m_afX[k] + n.m_afY[k] * n.m_afY[k] + nz * nz);
+    n.m_afX[k] *= scale;
+    n.m_afY[k] *= scale;
+    n.m_afZ[k] = scale * nz;
+  }
+  return n;
 }
 
 }  // namespace
+
+CCellSurface CellSurface(const CQuadT& leaf, const CLattice& lattice) {
+  const CCorners corners = CornersAt(lattice.Index(leaf.X0(), leaf.Y0()), static_cast<std::size_t>(leaf.Size()),
+                                     static_cast<std::size_t>(lattice.PointsPerSide()), lattice.Heights());
+  const std::array<double, 4>& z = corners.m_afZ;
+  const double centre = CentreWeightsOf(leaf, lattice).Of(lattice.Heights());
+  CTriangleNormals n = TriangleNormals(z, centre, lattice.StepX() / 2 * leaf.Size(), lattice.StepY() / 2 * leaf.Size());
+  CCellSurface surface;
+  for (std::size_t k = 0; k < 4; ++k) {
+    surface.m_afTriangleZ[k] = (centre + z[k] + z[(k + 1) % 4]) / 3;
+    surface.m_aTriangleNormals[k] = n.Of(k);
+  }
+  n.Drop(leaf.Flags());
+  surface.m_CellNormal = Normalised(n.Sum());
+  return surface;
+}
 
 void ComputeNormals(CQuadTree& tree) {
   CLattice& lattice = tree.Lattice();
   const std::span<const double> z = lattice.Heights();
   const std::span<Vector3> pointNormals = lattice.PointNormals();
+  const std::span<Vector3> cellNormals = lattice.CellNormals();
   std::fill(pointNormals.begin(), pointNormals.end(), Vector3{});
   const auto side = static_cast<std::size_t>(lattice.PointsPerSide());
   const double halfStepX = lattice.StepX() / 2;
   const double halfStepY = lattice.StepY() / 2;
-  const std::span<const CLeaf> leaves = tree.Leaves();
-  for (std::size_t k = 0; k < leaves.size(); ++k) {
-    const CLeaf& leaf = leaves[k];
-    const CQuadT& cell = *leaf.m_pCell;
-    const CCorners corners = CornersOf(leaf, side, z);
+  for (const CLeaf& leaf : tree.Leaves()) {
+    const CCorners corners = CornersAt(leaf.m_uPoint, leaf.m_uSize, side, z);
     const std::array<double, 4>& c = corners.m_afZ;
     const double centre =
         leaf.m_uCentre == CLeaf::kMeanOfCorners ? 0.25 * (c[0] + c[1] + c[2] + c[3]) : tree.CentreOf(leaf).Of(z);
-    CCellSurface& surface = tree.Surfaces()[k];
-    surface = CellSurface(cell, corners, centre, halfStepX * cell.Size(), halfStepY * cell.Size());
-    lattice.CellNormals()[lattice.CellIndex(cell.X0(), cell.Y0())] = surface.m_CellNormal;
-    AddToPointNormals(cell, surface, corners, pointNormals);
+    CTriangleNormals n = TriangleNormals(c, centre, halfStepX * leaf.m_uSize, halfStepY * leaf.m_uSize);
+    if (leaf.m_uMarked != 0) n.Drop(leaf.m_uMarked);
+    cellNormals[leaf.m_uCell] = Normalised(n.Sum());
+    // Corner k lies on the triangles k and k - 1.
+    for (std::size_t k = 0; k < 4; ++k) {
+      Vector3& normal = pointNormals[corners.m_auPoints[k]];
+      normal.x += 0.125 * (n.m_afX[k] + n.m_afX[(k + 3) % 4]);
+      normal.y += 0.125 * (n.m_afY[k] + n.m_afY[(k + 3) % 4]);
+      normal.z += 0.125 * (n.m_afZ[k] + n.m_afZ[(k + 3) % 4]);
+    }
   }
   // A point on the border of the model or of a discontinuity has fewer triangles around it; unit length gives all
   // points equal weight when normals are blended.

@@ -25,7 +25,8 @@ bool IsEscapeTyped() {
 
 }  // namespace
 
-CImageViewUI::CImageViewUI() : Fl_Window(kWidth, kHeight, "Image View") {
+CImageViewUI::CImageViewUI(StartSolverTimer startTimer)
+    : Fl_Window(kWidth, kHeight, "Image View"), m_pStartTimer(startTimer) {
   m_pImageView = new CImageView(2, 23, kViewSize, kViewSize);
   m_pGridView = new CGridView(438, 23, kViewSize, kViewSize);
   end();
@@ -52,6 +53,17 @@ void CImageViewUI::RequestRedraw() {
 }
 
 void CImageViewUI::ShowInterpolation(const CInterpolationTrace& /*trace*/) { m_pImageView->redraw(); }
+
+void CImageViewUI::ProcessEvents() { Fl::check(); }
+
+void CImageViewUI::PauseSolverConverged() { m_bPausedConverged = true; }
+
+void CImageViewUI::ResumeAfterChange() {
+  if (!m_bPausedConverged) return;
+  m_bPausedConverged = false;
+  m_pGrid->SetRunning(true);
+  m_pStartTimer(*m_pGrid);
+}
 
 void CImageViewUI::cb_Window(Fl_Widget* widget, void* /*data*/) {
   if (IsEscapeTyped()) {

@@ -14,7 +14,10 @@ class CImageView;
 /// Closing it ends the program with exit status 0; Escape does not close it.
 class CImageViewUI : public Fl_Window, public GridHost {
  public:
-  CImageViewUI();
+  /// Has the toolkit call the solver tick of a grid, unless it does so already.
+  using StartSolverTimer = void (*)(CGrid& grid);
+
+  explicit CImageViewUI(StartSolverTimer startTimer);
   ~CImageViewUI() override;
   CImageViewUI(const CImageViewUI&) = delete;
   CImageViewUI& operator=(const CImageViewUI&) = delete;
@@ -29,11 +32,16 @@ class CImageViewUI : public Fl_Window, public GridHost {
   void RequestRedraw() override;
   /// The trace is shown over the picture only.
   void ShowInterpolation(const CInterpolationTrace& trace) override;
+  void ProcessEvents() override;
+  void PauseSolverConverged() override;
+  void ResumeAfterChange() override;
 
  private:
   static void cb_Window(Fl_Widget* widget, void* data);
 
+  StartSolverTimer m_pStartTimer;
   CImageView* m_pImageView = nullptr;  ///< owned by the window, like every widget
   CGridView* m_pGridView = nullptr;
   CGrid* m_pGrid = nullptr;
+  bool m_bPausedConverged = false;  ///< why the solver does not run: it has converged
 };

@@ -2,27 +2,12 @@
 
 #include "support/gui/CRelievo.h"
 #include "support/gui/Input.h"
-#include "support/gui/WaitUntil.h"
 
 namespace {
 
 class ClosingTest : public ::testing::Test {
  protected:
-  void TypeEscape() {
-    ASSERT_TRUE(WaitUntil([&] { return Screen().HasFocus(m_Program.MainWindow()); }));
-    PressKey("Escape");
-  }
-  void Close() { Screen().AskToClose(m_Program.MainWindow()); }
-  // Events are handled in their order: a program that has laid out its views anew has handled the earlier ones, too.
-  bool GoesOnRunning() {
-    Screen().AskForSize(m_Program.MainWindow(), 1000, 800);
-    const auto isLaidOut = [&] {
-      const std::vector<CArea> views = m_Program.ViewAreas();
-      return !views.empty() && views.front().m_iWidth > 430;
-    };
-    return WaitUntil([&] { return isLaidOut() || !m_Program.IsRunning(); }) && m_Program.IsRunning();
-  }
-  CScreen& Screen() { return m_Program.Screen(); }
+  void Close() { m_Program.Screen().AskToClose(m_Program.MainWindow()); }
 
   CRelievo m_Program;
 };
@@ -35,13 +20,13 @@ TEST_F(ClosingTest, ClosingTheWindowEndsTheProgram) {
 }
 
 TEST_F(ClosingTest, EscapeDoesNot) {
-  TypeEscape();
-  EXPECT_TRUE(GoesOnRunning());
+  PressKey("Escape");
+  EXPECT_TRUE(m_Program.HandlesEvents());
 }
 
 TEST_F(ClosingTest, ClosingAfterAnEscapeDoes) {
-  TypeEscape();
-  ASSERT_TRUE(GoesOnRunning());
+  PressKey("Escape");
+  ASSERT_TRUE(m_Program.HandlesEvents());
   Close();
   EXPECT_EQ(m_Program.WaitForExit(), 0);
 }

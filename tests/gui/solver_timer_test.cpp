@@ -7,15 +7,15 @@
 
 namespace {
 
-/// Sees the ticks that had something to do. A tick has left the toolkit's list while it works, so one found there is a
-/// second registration.
+/// Counts the ticks and keeps the solver running, which has nothing to do on a flat surface and would stop itself. A
+/// tick has left the toolkit's list while it works, so one found there is a second registration.
 class CWatchingWindow : public CImageViewUI {
  public:
-  explicit CWatchingWindow(CGrid& grid) : m_Grid(grid) { AttachGrid(grid); }
+  explicit CWatchingWindow(CGrid& grid) : CImageViewUI(RegisterSolverTimer), m_Grid(grid) { AttachGrid(grid); }
   void RequestRedraw() override {
     ++m_iTicks;
     m_bSecondTick = m_bSecondTick || Fl::has_timeout(OnSolverTimer, &m_Grid) != 0;
-    if (m_bStopsGrid) m_Grid.SetRunning(false);
+    m_Grid.SetRunning(!m_bStopsGrid);
     CImageViewUI::RequestRedraw();
   }
 
@@ -30,7 +30,7 @@ class CWatchingWindow : public CImageViewUI {
 class SolverTimerTest : public ToolkitTest {
  protected:
   SolverTimerTest() : m_Window(Grid()) { m_Window.show(); }
-  ~SolverTimerTest() override {
+  void TearDown() override {
     Fl::remove_timeout(OnSolverTimer);
     g_nSolverTimers = 0;
     g_fTimerInterval = m_fInterval;
@@ -154,6 +154,28 @@ TEST_F(SolverTimerTest, StopAndResumeBeforeTheTickLeavesOne) {
   EXPECT_EQ(g_nSolverTimers, 1);
   EXPECT_TRUE(RunUntilTick());
   EXPECT_FALSE(m_Window.m_bSecondTick);
+}
+
+TEST_F(SolverTimerTest, ConvergedSolverResumesAfterAChange) {
+  CImageViewUI window(RegisterSolverTimer);
+  window.AttachGrid(Grid());
+  RegisterSolverTimer(Grid());
+  ASSERT_TRUE(RunUntilTimerEnds());
+  ASSERT_FALSE(Grid().IsRunning());
+  Grid().Post(Operation::kRebuild);
+  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_EQ(g_nSolverTimers, 1);
+  EXPECT_TRUE(RunUntilTimerEnds());
+}
+
+TEST_F(SolverTimerTest, StoppedSolverStaysStoppedAfterAChange) {
+  RegisterSolverTimer(Grid());
+  Grid().SetRunning(false);
+  ASSERT_TRUE(RunUntilTimerEnds());
+  Grid().Post(Operation::kRebuild);
+  m_Window.ResumeAfterChange();
+  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_EQ(g_nSolverTimers, 0);
 }
 
 TEST_F(SolverTimerTest, NullGridDoesNothing) {

@@ -51,7 +51,7 @@ TEST(GridHostTest, TickAsksForARedraw) {
   RecordingHost host;
   test.m_Grid.AttachHost(&host);
   test.m_Grid.UpdateGrid();
-  EXPECT_EQ(host.m_iRedraws, 1);
+  EXPECT_GE(host.m_iRedraws, 1);
 }
 
 TEST(GridHostTest, DetachedHostIsNotAsked) {

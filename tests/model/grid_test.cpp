@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -23,9 +25,9 @@ int UniformDepth(const CSaveQuadT& node) {
 
 // A constraint in each list, told apart by their heights.
 void AddConstraints(CGrid& grid) {
-  grid.PointConstraints().push_back({1, 21, PtCstrKind::kPosition, 2.5, 0, 0});
-  grid.PointConstraints().push_back({2, 22, PtCstrKind::kNormal, 3.5, 0.25, -0.5});
-  grid.GeneratedConstraints().push_back({3, 23, PtCstrKind::kPosition, 4.5, 0, 0});
+  grid.PointConstraints().Add({1, 21, PtCstrKind::kPosition, 2.5, 0, 0});
+  grid.PointConstraints().Add({2, 22, PtCstrKind::kNormal, 3.5, 0.25, -0.5});
+  grid.GeneratedConstraints().Add({3, 23, PtCstrKind::kPosition, 4.5, 0, 0});
 }
 
 TEST(GridTest, DefaultsOfTheProcess) {
@@ -33,6 +35,7 @@ TEST(GridTest, DefaultsOfTheProcess) {
   EXPECT_EQ(g_iMaxLevel, 7);
   EXPECT_EQ(g_bHighRes, 0);
   EXPECT_EQ(g_nSolverTimers, 0);
+  EXPECT_EQ(g_bNoEventPolling, 1);
 }
 
 TEST(GridTest, StartsAtTheDefaultResolution) {
@@ -176,7 +179,7 @@ TEST(GridTest, ConstructionTakesTheDefaultBaseLevel) {
 TEST(GridTest, FirstTickRebuildsAfterInitialize) {
   CTestGrid test(4, 2);
   test.m_Grid.UpdateGrid();
-  EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n25 points\n");
+  EXPECT_TRUE(test.m_Console.Take().starts_with("*** SetSparseH ***\n25 points\n"));
   EXPECT_GE(test.m_Grid.IterationCounter(), 0);
   test.Initialize(3);
   EXPECT_EQ(test.m_Grid.IterationCounter(), -1);
@@ -227,10 +230,10 @@ TEST(GridTest, KeepingPreservesBothConstraintLists) {
   AddConstraints(test.m_Grid);
   test.Initialize(3, true);
   ASSERT_EQ(test.m_Grid.PointConstraints().size(), 2U);
-  EXPECT_EQ(test.m_Grid.PointConstraints().front().m_fZ, 2.5);
-  EXPECT_EQ(test.m_Grid.PointConstraints().back().m_fQ, -0.5);
+  EXPECT_EQ(test.m_Grid.PointConstraints().begin()->m_fZ, 2.5);
+  EXPECT_EQ(std::next(test.m_Grid.PointConstraints().begin())->m_fQ, -0.5);
   ASSERT_EQ(test.m_Grid.GeneratedConstraints().size(), 1U);
-  EXPECT_EQ(test.m_Grid.GeneratedConstraints().front().m_fZ, 4.5);
+  EXPECT_EQ(test.m_Grid.GeneratedConstraints().begin()->m_fZ, 4.5);
 }
 
 TEST(GridTest, NotKeepingEmptiesBothConstraintLists) {
@@ -320,6 +323,7 @@ TEST(GridTest, OtherRecordFollowsTheMaximumLevel) {
   g_iMaxLevel = 3;
   g_bHighRes = 1;
   test.Initialize(2);
+  EXPECT_EQ(test.m_Grid.Subdivision().Depth(), 3);
   EXPECT_EQ(UniformDepth(test.m_Grid.Subdivision().Root()), 3);
 }
 

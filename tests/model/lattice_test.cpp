@@ -95,7 +95,8 @@ TEST(LatticeTest, ModelCoordinatesOfPoints) {
 TEST(LatticeTest, MapsAreInverses) {
   CLattice lattice(4);
   lattice.SetExtent({3, 17.5, -8, 120});
-  for (double t = -2; t <= 20; t += 0.7) {
+  for (int step = -5; step <= 40; ++step) {
+    const double t = 0.7 * step;
     EXPECT_NEAR(lattice.ColumnOf(lattice.XOf(t)), t, 1e-12);
     EXPECT_NEAR(lattice.RowOf(lattice.YOf(t)), t, 1e-12);
   }
@@ -106,6 +107,12 @@ TEST(LatticeTest, CellSizeIsTheSmallerSide) {
   EXPECT_DOUBLE_EQ(lattice.CellSize(), 1);
   lattice.SetExtent({0, 16, 0, 64});
   EXPECT_DOUBLE_EQ(lattice.CellSize(), 0.5);
+}
+
+TEST(LatticeTest, StepsAreTheSidesOfALatticeCell) {
+  const CLattice lattice = OblongLattice(5);
+  EXPECT_DOUBLE_EQ(lattice.StepX(), 4);
+  EXPECT_DOUBLE_EQ(lattice.StepY(), 1);
 }
 
 TEST(LatticeTest, AllocateClearsWhatWasStored) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -25,6 +26,16 @@ struct CHalvedEdge {
     edge.subdiv(m_Arena);
     Halve(edge.Half(0));
     Halve(edge.Half(1));
+  }
+  // This edge and all below it, parents first.
+  std::vector<const CEdge*> All() const {
+    std::vector<const CEdge*> edges{&m_Edge};
+    for (std::size_t k = 0; k < edges.size(); ++k) {
+      if (!edges[k]->HasHalves()) continue;
+      edges.push_back(&edges[k]->Half(0));
+      edges.push_back(&edges[k]->Half(1));
+    }
+    return edges;
   }
   std::size_t Midpoint() const { return m_Lattice.Index(m_Edge.XMid(), m_Edge.YMid()); }
 
@@ -176,16 +187,16 @@ TEST(Edge, LeafFlagByDepthLiesAtExactlyThatDepth) {
   CHalvedEdge halved(0, 8, 8, 8);
   for (int depth = 0; depth <= 4; ++depth) {
     halved.m_Edge.SetLeafByDepth(depth);
-    for (const CEdge& edge : halved.m_Arena.All()) EXPECT_EQ(edge.IsLeaf(), edge.Length() == 8 >> depth) << depth;
+    for (const CEdge* edge : halved.All()) EXPECT_EQ(edge->IsLeaf(), edge->Length() == 8 >> depth) << depth;
   }
 }
 
 TEST(Edge, MarkReachesTheHalvesAtEveryDepth) {
   CHalvedEdge halved(0, 8, 8, 8);
   halved.m_Edge.Mark(kBelowOrRight, true);
-  for (const CEdge& edge : halved.m_Arena.All()) {
-    EXPECT_TRUE(edge.HasMark(kBelowOrRight));
-    EXPECT_FALSE(edge.HasMark(kAboveOrLeft));
+  for (const CEdge* edge : halved.All()) {
+    EXPECT_TRUE(edge->HasMark(kBelowOrRight));
+    EXPECT_FALSE(edge->HasMark(kAboveOrLeft));
   }
 }
 
@@ -194,8 +205,9 @@ TEST(Edge, ClearingAMarkActsOnTheEdgeAloneAndSetsItBelow) {
   halved.m_Edge.Mark(kBelowOrRight, true);
   halved.m_Edge.Mark(kAboveOrLeft, false);
   halved.m_Edge.Mark(kBelowOrRight, false);
-  EXPECT_FALSE(halved.m_Edge.HasMark(kBoth));
-  for (const CEdge& edge : halved.m_Arena.All().subspan(1)) EXPECT_TRUE(edge.HasBothMarks());
+  const std::vector<const CEdge*> edges = halved.All();
+  EXPECT_FALSE(edges.front()->HasMark(kBoth));
+  EXPECT_TRUE(std::all_of(edges.begin() + 1, edges.end(), [](const CEdge* edge) { return edge->HasBothMarks(); }));
 }
 
 TEST(Edge, BothMarksAreNeededToLieInADiscontinuity) {

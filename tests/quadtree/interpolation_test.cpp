@@ -1,6 +1,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <numeric>
 #include <optional>
@@ -173,14 +174,15 @@ TEST(Stencil, AtAPointInUseIsThatPoint) {
 
 TEST(Stencil, OutsideTheModelThereIsNone) {
   CTestTree test(3, 2);
-  for (const auto& [gx, gy] : std::vector<std::array<double, 2>>{{-0.01, 4}, {8.01, 4}, {4, -0.01}, {4, 8.01}}) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  for (const std::array<double, 2>& g :
+       std::vector<std::array<double, 2>>{{-0.01, 4}, {8.01, 4}, {4, -0.01}, {4, 8.01}, {nan, 4}, {4, nan}}) {
     CStencil stencil;
     stencil.m_auNodes[3] = 7;
     stencil.m_afCoefs[3] = 0.5;
-    const std::string text = ConsoleTextOf([&] {
-      EXPECT_FALSE(test.m_Surface.GetBilinearInterpolation(test.m_Lattice.XOf(gx), test.m_Lattice.YOf(gy), stencil));
-    });
-    EXPECT_EQ(text, "");
+    const double x = test.m_Lattice.XOf(g[0]);
+    const double y = test.m_Lattice.YOf(g[1]);
+    EXPECT_EQ(ConsoleTextOf([&] { EXPECT_FALSE(test.m_Surface.GetBilinearInterpolation(x, y, stencil)); }), "");
     EXPECT_EQ(stencil.m_auNodes, CStencil{}.m_auNodes);
     EXPECT_EQ(stencil.m_afCoefs, CStencil{}.m_afCoefs);
   }

@@ -155,8 +155,8 @@ TEST(GetNormal, OfAPlaneIsThatOfThePlane) {
   const CRamp ramp;
   SetHeights(test.m_Lattice, ramp);
   ComputeNormals(test.m_Tree);
-  for (double y = 20; y <= 26; y += 0.6) {
-    for (double x = -3.5; x <= 12.5; x += 0.8) ExpectNear(test.m_Surface.GetNormal(x, y), ramp.Normal());
+  for (int j = 0; j <= 10; ++j) {
+    for (int i = 0; i <= 20; ++i) ExpectNear(test.m_Surface.GetNormal(-3.5 + 0.8 * i, 20 + 0.6 * j), ramp.Normal());
   }
 }
 

@@ -121,7 +121,7 @@ TEST(ManualSetCell, MirrorsTheWantedLeafAtThePoint) {
 }
 
 TEST(ManualSetCell, AWantedRootIsMirroredByTheRoot) {
-  CTestTree test(2, 0);
+  CTestTree test(2, 2);
   CSubdivisionRecord record(2);
   record.SetStartLevel(0);
   CSaveQuadT* saved = &record.Root();

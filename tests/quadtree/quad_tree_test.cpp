@@ -189,11 +189,16 @@ TEST(QuadTree, TriangleCentresLieTwoThirdsTowardsTheSides) {
   EXPECT_EQ(cell.TriangleCentre(kLeft).y, 21.5);
 }
 
-TEST(QuadTree, TriangleCentreHasTheStoredHeight) {
+TEST(QuadTree, TriangleCentreHasTheMeanHeightOfItsCorners) {
   CTestTree test(2, 1);
-  ASSERT_EQ(test.m_Tree.Leaves().size(), 4U);
-  test.m_Tree.Surfaces()[2].m_afTriangleZ = {1, 2, 3, 4};
-  for (int k = 0; k < 4; ++k) EXPECT_EQ(test.Root().Child(2).TriangleCentre(k).z, k + 1);
+  const CQuadT& cell = test.Root().Child(2);
+  const std::array<double, 4> corners{1, 2, 4, 9};  // with the centre at 4
+  for (int k = 0; k < 4; ++k) {
+    const auto [column, row] = cell.Corner(k);
+    test.m_Lattice.Heights()[test.m_Lattice.Index(column, row)] = corners[static_cast<std::size_t>(k)];
+  }
+  const std::array<double, 4> means{7.0 / 3, 10.0 / 3, 17.0 / 3, 14.0 / 3};
+  for (int k = 0; k < 4; ++k) EXPECT_DOUBLE_EQ(cell.TriangleCentre(k).z, means[static_cast<std::size_t>(k)]) << k;
 }
 
 TEST(QuadTree, ContainsItsBorder) {
@@ -219,6 +224,21 @@ TEST(QuadTree, ResetForgetsFlagsMarksAndSubdivision) {
   EXPECT_EQ(MismatchOfMarks(test.m_Tree, fresh), "");
 }
 
+TEST(QuadTree, AreaTermsOfAUniformGridAreOneCellPerPointAndLessAtTheBorder) {
+  CTestTree test(4, 3);
+  test.m_Tree.ForEachLeaf([&](const CQuadT& leaf) {
+    for (int side = 0; side < 4; ++side) leaf.Edge(side).AddAreaTerm(leaf.X0() + 1, leaf.Y0() + 1, test.m_Lattice);
+  });
+  const auto weight = [&](int column, int row) {
+    return test.m_Lattice.Smoothness()[test.m_Lattice.Index(column, row)];
+  };
+  EXPECT_EQ(weight(6, 10), 4.0) << "cells are two steps wide";
+  EXPECT_EQ(weight(6, 0), 2.0);
+  EXPECT_EQ(weight(16, 10), 2.0);
+  EXPECT_EQ(weight(0, 16), 1.0);
+  EXPECT_EQ(weight(5, 5), 0.0) << "a centre is no point";
+}
+
 TEST(QuadTreeLeaves, AreListedInChildOrderWithTheirLowerLeftPoints) {
   CTestTree test(3, 1);
   test.Root().Child(1).subdiv(false);
@@ -240,6 +260,8 @@ TEST(QuadTreeLeaves, KeepTheWeightsOfCentresThatAreNotTheMeanOfTheCorners) {
   const std::size_t left = 0;  // its right side is split
   const std::size_t marked = 6;
   for (std::size_t k = 1; k < 5; ++k) EXPECT_EQ(leaves[k].m_uCentre, CLeaf::kMeanOfCorners);
+  ASSERT_NE(leaves[left].m_uCentre, CLeaf::kMeanOfCorners);
+  ASSERT_NE(leaves[marked].m_uCentre, CLeaf::kMeanOfCorners);
   EXPECT_EQ(test.m_Tree.CentreOf(leaves[left]).m_uCount, 5U);
   EXPECT_EQ(test.m_Tree.CentreOf(leaves[marked]).m_afWeights[0], 0.5 / 3 * 2);
 }

@@ -68,9 +68,12 @@ TEST(HeightAt, RepeatsAPlaneOnAMixedSubdivision) {
   MakeLeaf(test.m_Tree, 1, 6, 1);
   const CRamp ramp;
   SetHeights(test.m_Lattice, ramp);
-  for (double gy = 0; gy <= 16; gy += 0.37) {
-    for (double gx = 0; gx <= 16; gx += 0.41)
+  for (int j = 0; j <= 43; ++j) {
+    for (int i = 0; i <= 39; ++i) {
+      const double gx = 0.41 * i;
+      const double gy = 0.37 * j;
       ASSERT_NEAR(test.m_Surface.HeightAt(gx, gy), ramp(test.m_Lattice.XOf(gx), test.m_Lattice.YOf(gy)), kRounding);
+    }
   }
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <numeric>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -29,14 +30,17 @@ constexpr double kHeightRounding = 1e-8;
 struct CRandomTree : CTestTree {
   explicit CRandomTree(const std::vector<CTreeOp>& ops, int startLevel = 2, int level = kLevel)
       : CTestTree(level, startLevel), m_Reference(level, startLevel) {
+    const ConsoleCapture console;
     for (const CTreeOp& op : ops) {
       ::Apply(m_Tree, op);
       m_Reference.Apply(op);
     }
     Settle();
+    m_ConsoleText = console.Text();
   }
 
   CReferenceTree m_Reference;
+  std::string m_ConsoleText;
 };
 
 // A point of the lattice, a place on one of its lines or diagonals, or one close to such a place.
@@ -75,6 +79,7 @@ RC_GTEST_PROP(TreeProperty, FlagsEqualThoseMadeFromNothing, ()) {
   RC_ASSERT(MismatchOfSubdivision(test.m_Tree, test.m_Reference) == "");
   RC_ASSERT(MismatchOfFlags(test.m_Tree, test.m_Reference) == "");
   RC_ASSERT(test.m_Tree.LeafCount() == test.m_Reference.LeafCount());
+  RC_ASSERT(test.m_ConsoleText == "");
 }
 
 RC_GTEST_PROP(TreeProperty, MarksAreThoseOfTheCellsBesideTheEdge, ()) {
@@ -253,6 +258,30 @@ RC_GTEST_PROP(TreeProperty, APointCarriesHalfTheAreaOfEachTriangleItBelongsTo, (
   });
   RC_ASSERT(std::ranges::equal(test.m_Lattice.Smoothness(), expected));
   RC_ASSERT(std::accumulate(expected.begin(), expected.end(), 0.0) == 16.0 * 16.0);
+}
+
+RC_GTEST_PROP(TreeProperty, TriangleNormalsAreThoseOfTheTrianglesInModelUnits, ()) {
+  CRandomTree test(*GenTreeOps());
+  SetRandomHeights(test.m_Lattice, *rc::gen::arbitrary<std::uint32_t>());
+  ComputeNormals(test.m_Tree);
+  const auto at = [&](double gx, double gy, double z) {
+    return Vector3{test.m_Lattice.XOf(gx), test.m_Lattice.YOf(gy), z};
+  };
+  test.m_Tree.ForEachLeaf([&](const CQuadT& leaf) {
+    const Vector3 centre = at((leaf.X0() + leaf.X1()) / 2.0, (leaf.Y0() + leaf.Y1()) / 2.0,
+                              CentreWeightsOf(leaf, test.m_Lattice).Of(test.m_Lattice.Heights()));
+    for (int k = 0; k < 4; ++k) {
+      std::array<Vector3, 2> corners;
+      for (int c = 0; c < 2; ++c) {
+        const auto [column, row] = leaf.Corner((k + c) % 4);
+        corners[static_cast<std::size_t>(c)] =
+            at(column, row, test.m_Lattice.Heights()[test.m_Lattice.Index(column, row)]);
+      }
+      const Vector3 normal = Normalised(Cross(corners[0] - centre, corners[1] - centre));
+      RC_ASSERT(Length(leaf.Surface().m_aTriangleNormals[static_cast<std::size_t>(k)] - normal) < 1e-9);
+      RC_ASSERT(std::abs(leaf.TriangleCentre(k).z - (centre.z + corners[0].z + corners[1].z) / 3) < 1e-12);
+    }
+  });
 }
 
 RC_GTEST_PROP(TreeProperty, PointNormalsAreTheDirectionOfTheSummedTriangleNormals, ()) {

@@ -54,14 +54,32 @@ struct CTestGrid {
   CGrid m_Grid;
 };
 
-/// A host that remembers what it was asked.
+/// A host that remembers what it was asked. Counts that were never shown are -1.
 class RecordingHost : public GridHost {
  public:
   void RequestRedraw() override { ++m_iRedraws; }
   void ShowInterpolation(const CInterpolationTrace& trace) override { m_aTraces.push_back(trace); }
+  void ShowIterations(int iterations) override { m_iIterations = iterations; }
+  void ShowResolution(int leaves, int points) override {
+    m_iLeaves = leaves;
+    m_iPoints = points;
+  }
+  void ShowConstraints(int count) override { m_iConstraints = count; }
+  void ProcessEvents() override { ++m_iEventRounds; }
+  void PerformCommand(int operation) override { m_aiCommands.push_back(operation); }
+  void PauseSolverConverged() override { ++m_iPauses; }
+  void ResumeAfterChange() override { ++m_iResumptions; }
 
   int m_iRedraws = 0;
   std::vector<CInterpolationTrace> m_aTraces;
+  int m_iIterations = -1;
+  int m_iLeaves = -1;
+  int m_iPoints = -1;
+  int m_iConstraints = -1;
+  int m_iEventRounds = 0;
+  std::vector<int> m_aiCommands;
+  int m_iPauses = 0;
+  int m_iResumptions = 0;
 };
 
 /// `count` independent uniform values in -1..1, the same for the same seed.
@@ -87,12 +105,24 @@ inline std::vector<double> Gathered(const CPointOrder& order, std::span<const do
   return byUnknown;
 }
 
+/// A vector over the unknowns, laid out by scan position instead of by number, and back.
+inline std::vector<double> ByScan(const CPointOrder& order, std::span<const double> byUnknown) {
+  std::vector<double> byScan(byUnknown.begin(), byUnknown.end());
+  for (std::size_t k = 0; k < order.Count(); ++k) byScan[order.ScanOf(k)] = byUnknown[k];
+  return byScan;
+}
+inline std::vector<double> ByUnknown(const CPointOrder& order, std::span<const double> byScan) {
+  std::vector<double> byUnknown(byScan.begin(), byScan.end());
+  for (std::size_t k = 0; k < order.Count(); ++k) byUnknown[k] = byScan[order.ScanOf(k)];
+  return byUnknown;
+}
+
 /// Gives the surface the heights of a field at the points in use.
 template <typename Field>
 void SetSurface(CGrid& grid, const Field& field) {
   std::vector<double> byPoint(grid.Lattice().PointCount());
   FillHeights(grid.Lattice(), byPoint, field);
-  grid.Basis().W(Gathered(grid.Order(), byPoint), grid.Coefficients());
+  grid.Basis().W(ByScan(grid.Order(), Gathered(grid.Order(), byPoint)), grid.Coefficients());
   grid.ReconstructSurface();
 }
 /// Random heights in -1..1 at the points in use.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -115,9 +116,9 @@ struct CTreeOp {
 };
 
 inline std::ostream& operator<<(std::ostream& out, const CTreeOp& op) {
-  static constexpr const char* kNames[] = {"leaf", "mark", "split"};
-  return out << kNames[static_cast<int>(op.m_Kind)] << " level " << op.m_uLevel << " cell " << op.m_uColumn << ", "
-             << op.m_uRow << " flags " << op.m_uFlags;
+  static constexpr std::array kNames{"leaf", "mark", "split"};
+  return out << kNames[static_cast<std::size_t>(op.m_Kind)] << " level " << op.m_uLevel << " cell " << op.m_uColumn
+             << ", " << op.m_uRow << " flags " << op.m_uFlags;
 }
 
 /// kMakeLeaf refines or coarsens to the cell, kMark makes it exist and adds flags to it, kSplit splits (with

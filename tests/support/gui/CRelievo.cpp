@@ -8,13 +8,19 @@
 
 CRelievo::CRelievo()
     : m_Output(m_OutputDirectory.Path() / "console"), m_Process({RELIEVO_PROGRAM}, m_Directory.Path(), m_Output) {
-  const std::optional<WindowId> window = WaitForWindow(kTitle);
-  if (!window.has_value()) {
-    std::string message = "no main window appeared; the program wrote:";
-    for (const std::string& line : ConsoleLines()) message += "\n  " + line;
-    throw std::runtime_error(message);
-  }
-  m_uMainWindow = *window;
+  m_uMainWindow = WaitForWindow(kTitle).value_or(0);
+  if (WaitUntil([this] { return IsReady() || !IsRunning(); }) && IsRunning()) return;
+  std::string message = "the main window did not come up; the program wrote:";
+  for (const std::string& line : ConsoleLines()) message += "\n  " + line;
+  throw std::runtime_error(message);
+}
+
+// Drawing comes after what the window manager does to a new window, so no event of the start is on its way any more.
+bool CRelievo::IsReady() const {
+  const std::vector<CArea> views = ViewAreas();
+  if (views.empty() || !m_Screen.HasFocus(m_uMainWindow)) return false;
+  const CPixel betweenViews = MainArea().At(views[0].At({views[0].m_iWidth + 2, views[0].m_iHeight / 2}));
+  return !m_Screen.Capture({betweenViews.m_iX, betweenViews.m_iY, 1, 1}).IsAll(kBlack);
 }
 
 std::vector<WindowId> CRelievo::Views() const {
@@ -34,6 +40,17 @@ std::vector<CArea> CRelievo::ViewAreas() const {
     areas.push_back(area);
   }
   return areas;
+}
+
+bool CRelievo::HandlesEvents() {
+  constexpr int kWider = 40;
+  const CArea area = MainArea();
+  const std::vector<CArea> views = ViewAreas();
+  const auto takesWidth = [&](int width, bool another) {
+    m_Screen.AskForSize(m_uMainWindow, width, area.m_iHeight);
+    return WaitUntil([&] { return (ViewAreas() != views) == another || !IsRunning(); });
+  };
+  return takesWidth(area.m_iWidth + kWider, true) && takesWidth(area.m_iWidth, false) && IsRunning();
 }
 
 std::optional<WindowId> CRelievo::WaitForWindow(const std::string& title) {

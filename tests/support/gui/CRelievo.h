@@ -15,8 +15,8 @@ class CRelievo {
  public:
   static constexpr const char* kTitle = "Image View";
 
-  /// Starts the program in an empty directory and waits for its main window. Throws std::runtime_error, with what the
-  /// program wrote, if none comes.
+  /// Starts the program in an empty directory and waits until its main window has been drawn and has the keyboard.
+  /// Throws std::runtime_error, with what the program wrote, if that never comes.
   CRelievo();
 
   CScreen& Screen() { return m_Screen; }
@@ -27,6 +27,9 @@ class CRelievo {
   std::vector<WindowId> Views() const;
   /// Areas of the views within the main window, in the same order.
   std::vector<CArea> ViewAreas() const;
+  /// Waits until the program has handled all events sent to it so far; false if it has ended instead. The main window
+  /// is given another size and its old one again: the program answers by laying out its views, and in order.
+  bool HandlesEvents();
   /// Waits for a window of the program with this title; nothing if none comes.
   std::optional<WindowId> WaitForWindow(const std::string& title);
 
@@ -41,6 +44,8 @@ class CRelievo {
   std::optional<int> WaitForExit() { return m_Process.WaitForExit(); }
 
  private:
+  bool IsReady() const;
+
   CScreen m_Screen;
   CTemporaryDirectory m_Directory;
   CTemporaryDirectory m_OutputDirectory;

@@ -56,7 +56,7 @@ class CScreen::CConnection {
   }
 
   // To the root window, where the window manager listens.
-  void Tell(Window window, const char* request) {
+  void Tell(Window window, const char* request) const {
     XEvent event{};
     event.xclient.type = ClientMessage;
     event.xclient.window = window;

@@ -1,0 +1,130 @@
+// The solver beside what else solves the same problem: sparse factorisations of the whole system, and, where it is
+// installed, the gridding program of GMT, timed as a whole process. Ten random heights at 129^2.
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <Eigen/Sparse>
+#include <Eigen/SparseLU>
+#ifdef RELIEVO_HAVE_UMFPACK
+#include <Eigen/UmfPackSupport>
+#endif
+
+#include "support/BenchGrid.h"
+#include "support/Timing.h"
+
+namespace {
+
+constexpr int kLevel = 7;
+constexpr int kHeights = 10;
+constexpr std::uint32_t kSeed = 11;
+constexpr double kShare = 0.01;
+
+using Matrix = Eigen::SparseMatrix<double>;
+
+// | H C^T | and | 0 |, over the heights.
+// | C 0   |     | d |
+struct CBordered {
+  Matrix m_Matrix;
+  Eigen::VectorXd m_Right;
+};
+
+CBordered BorderedSystem(const CConstraintSystem& system) {
+  const auto n = static_cast<int>(system.UnknownCount());
+  std::vector<Eigen::Triplet<double>> entries;
+  for (int i = 0; i < n; ++i) {
+    const auto columns = system.Smoothness().Columns(static_cast<std::size_t>(i));
+    const auto values = system.Smoothness().Values(static_cast<std::size_t>(i));
+    for (std::size_t e = 0; e < columns.size(); ++e) entries.emplace_back(i, static_cast<int>(columns[e]), values[e]);
+  }
+  const CConstraintRows& constraints = system.Constraints();
+  const auto m = static_cast<int>(constraints.Count());
+  CBordered bordered{Matrix(n + m, n + m), Eigen::VectorXd::Zero(n + m)};
+  for (int j = 0; j < m; ++j) {
+    const auto columns = constraints.Rows().Columns(static_cast<std::size_t>(j));
+    const auto values = constraints.Rows().Values(static_cast<std::size_t>(j));
+    for (std::size_t e = 0; e < columns.size(); ++e) {
+      entries.emplace_back(n + j, static_cast<int>(columns[e]), values[e]);
+      entries.emplace_back(static_cast<int>(columns[e]), n + j, values[e]);
+    }
+    bordered.m_Right[n + j] = constraints.Targets()[static_cast<std::size_t>(j)];
+  }
+  bordered.m_Matrix.setFromTriplets(entries.begin(), entries.end());
+  return bordered;
+}
+
+template <typename Factorisation>
+double SecondsToSolve(const CBordered& bordered, Eigen::VectorXd& solution) {
+  return SecondsPerCall(1, [&] {
+    Factorisation factorisation;
+    factorisation.compute(bordered.m_Matrix);
+    solution = factorisation.solve(bordered.m_Right);
+  });
+}
+
+double SecondsToShare(const Eigen::VectorXd& exact, int& iterations) {
+  CBenchGrid bench(kLevel);
+  CGrid& grid = bench.Grid();
+  grid.Reset();
+  bench.AddHeights(kHeights, kSeed);
+  const auto n = static_cast<std::size_t>(grid.ActivePointCount());
+  const auto heights = exact.head(static_cast<Eigen::Index>(n));
+  const double range = heights.maxCoeff() - heights.minCoeff();
+  double seconds = 0.0;
+  double error = 0.0;
+  do {
+    seconds += Seconds([&] { grid.UpdateGrid(); });
+    error = 0.0;
+    for (std::size_t k = 0; k < n; ++k) {
+      error = std::max(
+          error, std::abs(grid.Lattice().Heights()[grid.Order().PointOf(k)] - exact[static_cast<Eigen::Index>(k)]));
+    }
+  } while (error > kShare * range && grid.IsRunning());
+  iterations = grid.IterationCounter();
+  return seconds;
+}
+
+// Seconds of the whole process, 0 where the program is not installed or fails.
+double SecondsOfGmt(CGrid& grid) {
+  if (std::system("command -v gmt >/dev/null 2>&1") != 0) return 0.0;
+  const std::filesystem::path directory = std::filesystem::temp_directory_path() / "relievo-peers-bench";
+  std::filesystem::create_directories(directory);
+  std::ofstream points(directory / "points.txt");
+  for (const CPtCstr& c : grid.PointConstraints()) points << c.m_fX << ' ' << c.m_fY << ' ' << c.m_fZ << '\n';
+  points.close();
+  const std::string command = "cd " + directory.string() +
+                              " && gmt surface points.txt -R0/100/0/100 -I0.78125 -C1e-4% -Gsurface.nc >/dev/null 2>&1";
+  int status = 0;
+  const double seconds = SecondsPerCall(1, [&] { status = std::system(command.c_str()); });
+  std::filesystem::remove_all(directory);
+  return status == 0 ? seconds : 0.0;
+}
+
+}  // namespace
+
+int main() {
+  CBenchGrid bench(kLevel);
+  bench.AddHeights(kHeights, kSeed);
+  bench.Grid().PerformPendingWork();
+  const CBordered bordered = BorderedSystem(bench.Grid().Solver().System());
+  Eigen::VectorXd exact;
+  const double eigen = SecondsToSolve<Eigen::SparseLU<Matrix>>(bordered, exact);
+  int iterations = 0;
+  double own = SecondsToShare(exact, iterations);
+  for (int repeat = 0; repeat < 4; ++repeat) own = std::min(own, SecondsToShare(exact, iterations));
+  std::printf("129^2, %d heights, from the random start to an error of 1%% of the range: %.3f s, %d iterations\n",
+              kHeights, own, iterations);
+  std::printf("%-36s %8.3f s, relievo / peer %.2f\n", "Eigen SparseLU", eigen, own / eigen);
+#ifdef RELIEVO_HAVE_UMFPACK
+  Eigen::VectorXd solution;
+  const double umfpack = SecondsToSolve<Eigen::UmfPackLU<Matrix>>(bordered, solution);
+  std::printf("%-36s %8.3f s, relievo / peer %.2f\n", "UMFPACK", umfpack, own / umfpack);
+#endif
+  const double gmt = SecondsOfGmt(bench.Grid());
+  if (gmt > 0) std::printf("%-36s %8.3f s, relievo / peer %.2f\n", "gmt surface -C1e-4% (process)", gmt, own / gmt);
+}

@@ -1,0 +1,121 @@
+// The solver beside the lean loop: one iteration, a tick, a rebuild; and how long it takes to converge.
+
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+#include "support/BenchGrid.h"
+#include "support/LeanLoop.h"
+#include "support/Timing.h"
+
+namespace {
+
+double TriadBytesPerSecond(std::size_t bytes) {
+  const std::size_t count = bytes / (3 * sizeof(double));
+  std::vector<double> a(count, 0.0);
+  const std::vector<double> b(count, 1.0);
+  const std::vector<double> c(count, 2.0);
+  double factor = 0.5;
+  const double seconds = SecondsPerCall(20, [&] {
+    for (std::size_t i = 0; i < count; ++i) a[i] = b[i] + factor * c[i];
+    factor = a[count / 2] > 0 ? 0.25 : 0.5;
+  });
+  return static_cast<double>(3 * sizeof(double) * count) / seconds;
+}
+
+void ReportCosts() {
+  std::printf("%-6s %12s %10s %8s %8s %8s %8s %14s\n", "grid", "lean us", "iteration", "tick", "surface", "rebuild",
+              "maps", "GB/s (triad)");
+  for (const int level : {5, 7, 8, 9}) {
+    const int calls = level <= 7 ? 100 : level == 8 ? 20 : 5;
+    CLeanLoop lean(level);
+    const double unit = SecondsPerCall(calls, [&] { lean.Iterate(); });
+    CBenchGrid bench(level);
+    CGrid& grid = bench.Grid();
+    bench.AddHeights(10, 3);
+    grid.UpdateGrid();
+    const double tick = SecondsPerCall(calls / 5, [&] { grid.UpdateGrid(); });
+    const double surface = SecondsPerCall(calls / 5, [&] {
+      grid.ReconstructSurface();
+      grid.RefreshNormalCstrHeights();
+    });
+    const auto rebuild = [&](int operation) {
+      return SecondsPerCall(2, [&] {
+        grid.Post(operation);
+        grid.PerformPendingWork();
+      });
+    };
+    const double iteration = (tick - surface) / (grid.IterationsPerTick() + 1);
+    std::printf("%-6d %12.1f %10.2f %8.1f %8.1f %8.1f %8.1f %7.1f (%.1f)\n", (1 << level) + 1, unit * 1e6,
+                iteration / unit, tick / unit, surface / unit, rebuild(Operation::kRebuild) / unit,
+                rebuild(Operation::kRebuildMaps) / unit, lean.BytesPerIteration() / unit * 1e-9,
+                TriadBytesPerSecond(static_cast<std::size_t>(lean.BytesPerIteration())) * 1e-9);
+  }
+  std::printf("iteration, tick, surface, rebuild and maps in units of one lean iteration\n\n");
+}
+
+struct CCase {
+  const char* m_Name;
+  int m_iHeights;
+  int m_iSlopes;
+};
+
+struct CReached {
+  int m_iIterations = 0;
+  double m_fSeconds = 0.0;
+};
+
+double LargestDifference(const std::vector<double>& a, const std::vector<double>& b) {
+  double largest = 0.0;
+  for (std::size_t i = 0; i < a.size(); ++i) largest = std::max(largest, std::abs(a[i] - b[i]));
+  return largest;
+}
+
+void AddConstraints(CBenchGrid& bench, const CCase& what) {
+  bench.AddHeights(what.m_iHeights, 11);
+  bench.AddSlopes(what.m_iSlopes, 12);
+}
+
+// Iterations and seconds until the largest error falls below the share of the height range, from the random start.
+CReached TimeTo(double share, const CCase& what, WaveletMode mode, int level, const std::vector<double>& exact,
+                double range) {
+  CBenchGrid bench(level);
+  CGrid& grid = bench.Grid();
+  grid.SetWaveletMode(mode);
+  grid.Reset();
+  AddConstraints(bench, what);
+  CReached reached;
+  do {
+    reached.m_fSeconds += Seconds([&] { grid.UpdateGrid(); });
+  } while (LargestDifference(grid.Lattice().Heights(), exact) > share * range && grid.IsRunning());
+  reached.m_iIterations = grid.IterationCounter();
+  return reached;
+}
+
+void ReportConvergence(int level) {
+  std::printf("convergence at %d^2 from the random start: iterations and seconds until the largest error is below\n",
+              (1 << level) + 1);
+  std::printf("%-22s %-8s %18s %18s\n", "constraints", "mode", "1% of the range", "0.1%");
+  for (const CCase& what : {CCase{"1 height", 1, 0}, CCase{"10 heights", 10, 0}, CCase{"50 heights", 50, 0},
+                            CCase{"10 heights, 5 slopes", 10, 5}}) {
+    CBenchGrid bench(level);
+    AddConstraints(bench, what);
+    bench.Converge();
+    const std::vector<double> exact = bench.Grid().Lattice().Heights();
+    const double range = std::max(bench.Grid().MaxHeight() - bench.Grid().MinHeight(), 1.0);
+    for (const auto& [mode, name] : {std::pair{WaveletMode::New, "new"}, std::pair{WaveletMode::Simple, "simple"},
+                                     std::pair{WaveletMode::None, "none"}}) {
+      const CReached percent = TimeTo(0.01, what, mode, level, exact, range);
+      const CReached permille = TimeTo(0.001, what, mode, level, exact, range);
+      std::printf("%-22s %-8s %8d %9.3f %8d %9.3f\n", what.m_Name, name, percent.m_iIterations, percent.m_fSeconds,
+                  permille.m_iIterations, permille.m_fSeconds);
+    }
+  }
+}
+
+}  // namespace
+
+int main() {
+  ReportCosts();
+  ReportConvergence(7);
+}

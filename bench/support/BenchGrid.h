@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <random>
+#include <sstream>
+
+#include "base/Console.h"
+#include "model/CGrid.h"
+#include "model/Globals.h"
+
+/// A fully refined headless grid of one level, silent, over 0..100 by 0..100.
+class CBenchGrid {
+ public:
+  explicit CBenchGrid(int level) : m_Redirect(m_Swallowed), m_Grid(AtLevel(level)) {}
+
+  CGrid& Grid() { return m_Grid; }
+
+  /// Random heights in 0..20, and random slopes in -1..1, well inside the model. The seed fixes the places.
+  void AddHeights(int count, std::uint32_t seed) { Add(count, seed, PtCstrKind::kPosition); }
+  void AddSlopes(int count, std::uint32_t seed) { Add(count, seed, PtCstrKind::kNormal); }
+  /// Ticks until the solver pauses itself; returns the iterations done.
+  int Converge() {
+    while (m_Grid.IsRunning()) m_Grid.UpdateGrid();
+    return m_Grid.IterationCounter();
+  }
+
+ private:
+  static std::uint32_t AtLevel(int level) {
+    g_iMaxLevel = level;
+    g_iBaseLevel = level;
+    return 1;
+  }
+  void Add(int count, std::uint32_t seed, std::uint32_t kind) {
+    std::mt19937 engine(seed);
+    std::uniform_real_distribution<double> place(2.0, 98.0);
+    std::uniform_real_distribution<double> unit(-1.0, 1.0);
+    for (int i = 0; i < count; ++i) {
+      CPtCstr record;
+      record.m_uKind = kind;
+      record.m_fX = place(engine);
+      record.m_fY = place(engine);
+      record.m_fZ = 10.0 + 10.0 * unit(engine);
+      record.m_fP = unit(engine);
+      record.m_fQ = unit(engine);
+      m_Grid.AddPtCstr(record);
+    }
+  }
+
+  std::ostringstream m_Swallowed;
+  ConsoleRedirect m_Redirect;
+  CGrid m_Grid;
+};

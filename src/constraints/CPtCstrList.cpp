@@ -1,0 +1,103 @@
+#include "constraints/CPtCstrList.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace {
+
+bool IsWithinReach(const CPtCstr& c, double x, double y, double reach) {
+  return std::abs(x - c.m_fX) + std::abs(y - c.m_fY) <= reach;
+}
+
+bool IsSelected(const CPtCstr& c) { return c.HasState(PtCstrState::kSelected); }
+
+// Moves the selection one on within [first, last), in the direction of the iterators, and wraps.
+template <typename Iterator>
+void MoveSelection(Iterator first, Iterator last, std::uint32_t mask) {
+  bool pending = false;
+  bool hadSelection = false;
+  for (Iterator c = first; c != last; ++c) {
+    if (!c->HasKind(mask)) continue;
+    if (c->HasState(PtCstrState::kSelected)) {
+      c->SetState(PtCstrState::kSelected, false);
+      pending = true;
+      hadSelection = true;
+    } else if (pending) {
+      c->SetState(PtCstrState::kSelected, true);
+      pending = false;
+    }
+  }
+  if (!pending && hadSelection) return;
+  const Iterator wrapped = std::find_if(first, last, [mask](const CPtCstr& c) { return c.HasKind(mask); });
+  if (wrapped != last) wrapped->SetState(PtCstrState::kSelected, true);
+}
+
+}  // namespace
+
+CPtCstr& CPtCstrList::Add(const CPtCstr& record) {
+  CPtCstr& added = m_aRecords.emplace_back(record);
+  added.m_uState = 0;
+  return added;
+}
+
+bool CPtCstrList::Highlight(double x, double y, std::uint32_t mask, double reach) {
+  bool any = false;
+  for (CPtCstr& c : m_aRecords) {
+    const bool hit = IsWithinReach(c, x, y, reach) && c.HasKind(mask);
+    c.SetState(PtCstrState::kHighlighted, hit);
+    any = any || hit;
+  }
+  return any;
+}
+
+void CPtCstrList::Select(double x, double y, std::uint32_t mask, double reach) {
+  CPtCstr* chosen = nullptr;
+  for (CPtCstr& c : m_aRecords) {
+    if (!IsWithinReach(c, x, y, reach) || !c.HasKind(mask)) {
+      c.SetState(PtCstrState::kSelected, false);
+    } else if (c.HasState(PtCstrState::kSelected)) {
+      if (chosen == nullptr) {
+        chosen = &c;
+      } else {
+        c.SetState(PtCstrState::kSelected, false);
+      }
+    } else {
+      c.SetState(PtCstrState::kSelected, true);
+      if (chosen != nullptr) chosen->SetState(PtCstrState::kSelected, false);
+      chosen = &c;
+    }
+  }
+}
+
+void CPtCstrList::SelectNext(std::uint32_t mask) { MoveSelection(m_aRecords.begin(), m_aRecords.end(), mask); }
+
+void CPtCstrList::SelectPrev(std::uint32_t mask) { MoveSelection(m_aRecords.rbegin(), m_aRecords.rend(), mask); }
+
+void CPtCstrList::UnselectAll() {
+  for (CPtCstr& c : m_aRecords) c.SetState(PtCstrState::kSelected, false);
+}
+
+CPtCstr* CPtCstrList::FirstSelected() {
+  const auto found = std::ranges::find_if(m_aRecords, IsSelected);
+  return found == m_aRecords.end() ? nullptr : &*found;
+}
+
+CPtCstr* CPtCstrList::FirstSelected(std::uint32_t mask) {
+  const auto found =
+      std::ranges::find_if(m_aRecords, [mask](const CPtCstr& c) { return c.HasKind(mask) && IsSelected(c); });
+  return found == m_aRecords.end() ? nullptr : &*found;
+}
+
+bool CPtCstrList::DeleteSelected() {
+  const auto selected = std::ranges::find_if(m_aRecords, IsSelected);
+  if (selected == m_aRecords.end()) return false;
+  const auto sameKind = [position = selected->HasKind(PtCstrKind::kPosition)](const CPtCstr& c) {
+    return c.HasKind(PtCstrKind::kPosition) == position;
+  };
+  auto successor = std::find_if(std::next(selected), m_aRecords.end(), sameKind);
+  if (successor == m_aRecords.end()) successor = std::find_if(m_aRecords.begin(), selected, sameKind);
+  if (successor != selected) successor->SetState(PtCstrState::kSelected, true);
+  m_aRecords.erase(selected);
+  return true;
+}

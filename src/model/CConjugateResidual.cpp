@@ -1,0 +1,99 @@
+#include "model/CConjugateResidual.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "model/CConstraintSystem.h"
+
+namespace {
+
+double Dot(std::span<const double> a, std::span<const double> b) {
+  return std::transform_reduce(a.begin(), a.end(), b.begin(), 0.0);
+}
+
+}  // namespace
+
+void CConjugateResidual::Restart(CConstraintSystem& system, std::span<const double> x,
+                                 std::span<const double> multipliers) {
+  const std::size_t n = system.UnknownCount();
+  system.Prepare();
+  if (m_afR.size() != system.Size()) m_fLargestGain = 0.0;
+  m_afP.assign(system.Size(), 0.0);
+  m_afQ.resize(system.Size());
+  m_afR.resize(system.Size());
+  m_afS.resize(system.Size());
+  std::ranges::copy(x.first(n), m_afP.begin());
+  std::ranges::copy(multipliers, m_afP.begin() + static_cast<std::ptrdiff_t>(n));
+  system.ApplySystem(m_afP, m_afR);
+  for (std::size_t i = 0; i < n; ++i) m_afR[i] = -m_afR[i];
+  const std::span<const double> targets = system.Constraints().Targets();
+  for (std::size_t j = 0; j < targets.size(); ++j) m_afR[n + j] = targets[j] - m_afR[n + j];
+  system.ApplySystem(m_afR, m_afS);
+  m_afP = m_afR;
+  m_afQ = m_afS;
+  m_fRho = Dot(m_afR, m_afS);
+  m_fPi = Dot(m_afQ, m_afQ);
+  m_fStartNorm = ResidualNorm();
+  m_fBestImage = m_fPi;
+  m_fGain = std::sqrt(m_fPi) / m_fStartNorm;
+  m_fLargestGain = std::max(m_fLargestGain, m_fGain);
+  m_iSinceProgress = 0;
+}
+
+double CConjugateResidual::ResidualNorm() const { return std::sqrt(Dot(m_afR, m_afR)); }
+
+// Squared lengths of A r and r.
+void CConjugateResidual::NoteProgress(double image, double residual) {
+  m_fGain = std::sqrt(image / residual);
+  m_fLargestGain = std::max(m_fLargestGain, m_fGain);
+  ++m_iSinceProgress;
+  if (image > 0.25 * m_fBestImage) return;
+  m_fBestImage = image;
+  m_iSinceProgress = 0;
+}
+
+// p = beta p + r, q = beta q + s; returns q . q.
+double CConjugateResidual::Advance(double beta) {
+  double pi = 0.0;
+  for (std::size_t i = 0; i < m_afP.size(); ++i) {
+    m_afP[i] = beta * m_afP[i] + m_afR[i];
+    const double q = beta * m_afQ[i] + m_afS[i];
+    m_afQ[i] = q;
+    pi += q * q;
+  }
+  return pi;
+}
+
+CConjugateResidual::Outcome CConjugateResidual::Step(CConstraintSystem& system, std::span<double> x,
+                                                     std::span<double> multipliers) {
+  if (std::abs(m_fRho) < kBreakdown) return Outcome::SmallRho;
+  if (std::abs(m_fPi) < kBreakdown) return Outcome::SmallPi;
+  const std::size_t n = system.UnknownCount();
+  const double alpha = m_fRho / m_fPi;
+  const double* p = m_afP.data();
+  const double* q = m_afQ.data();
+  double* r = m_afR.data();
+  for (std::size_t i = 0; i < n; ++i) {
+    x[i] += alpha * p[i];
+    r[i] -= alpha * q[i];
+  }
+  for (std::size_t j = 0; j < multipliers.size(); ++j) {
+    multipliers[j] += alpha * p[n + j];
+    r[n + j] -= alpha * q[n + j];
+  }
+  system.ApplySystem(m_afR, m_afS);
+  double rho = 0.0;
+  double image = 0.0;
+  double residual = 0.0;
+  for (std::size_t i = 0; i < m_afR.size(); ++i) {
+    rho += m_afS[i] * m_afR[i];
+    image += m_afS[i] * m_afS[i];
+    residual += m_afR[i] * m_afR[i];
+  }
+  NoteProgress(image, residual);
+  const double beta = rho / m_fRho;
+  m_fRho = rho;
+  m_fPi = Advance(beta);
+  return Outcome::Stepped;
+}

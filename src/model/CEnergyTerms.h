@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <utility>
+#include <vector>
+
+class CCompressedRows;
+
+/// A quadratic energy as a list of terms, each a weight times the square of a linear form of the unknowns:
+/// E(z) = sum over t of w_t (a_t . z)^2, whose matrix is H = sum over t of w_t a_t a_t^T.
+class CEnergyTerms {
+ public:
+  using CEntry = std::pair<std::uint32_t, double>;  ///< unknown number, coefficient
+
+  /// Forgets all terms, keeps the memory.
+  void Clear();
+  /// Adds w (sum of coefficient x unknown)^2. An unknown may occur more than once in the form.
+  void Add(double weight, std::initializer_list<CEntry> form) { Add(weight, form.begin(), form.end()); }
+  void Add(double weight, const CEntry* first, const CEntry* last);
+
+  std::size_t Count() const { return m_afWeights.size(); }
+
+  /// The matrix H of the energy over `unknowns` unknowns: one row each, every column once, exactly symmetric.
+  /// Linear in the number of products a_i a_j of all terms.
+  void Assemble(std::size_t unknowns, CCompressedRows& matrix) const;
+
+ private:
+  std::vector<double> m_afWeights;            ///< by term
+  std::vector<std::size_t> m_auFormStart{0};  ///< by term, and the end
+  std::vector<std::uint32_t> m_auUnknowns;    ///< of all forms
+  std::vector<double> m_afCoefs;
+};

@@ -1,0 +1,138 @@
+#include "model/CGridSolver.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/Console.h"
+#include "constraints/CPtCstrList.h"
+#include "model/CPointOrder.h"
+#include "model/GridTerms.h"
+
+namespace {
+
+// A stop with more than this share of the starting residual left is an accident of the recurrence, not convergence.
+// Larger, and surfaces would be taken for converged that are still visibly wrong; smaller, and rounding would count.
+constexpr double kSmallResidual = 1e-9;
+
+// How often an edit may start the iteration again after such a stop. Constraints that contradict each other always
+// leave a residual, so this must end.
+constexpr int kRetriesPerEdit = 2;
+
+// When a residual that is left will stay: after this many iterations without progress, in units of the side of the
+// grid, with the residual's image down to this share of its largest. Without the basis an iteration may make no
+// progress for as long on the way, but then its image is still large.
+constexpr double kStallFactor = 40.0;
+constexpr double kRoundingShare = 1e-9;
+
+bool AllFinite(std::span<const double> values) {
+  return std::ranges::all_of(values, [](double value) { return std::isfinite(value); });
+}
+
+}  // namespace
+
+void CGridSolver::RequestRebuild() {
+  m_iCounter = -1;
+  m_bVectorsValid = false;
+}
+
+void CGridSolver::RequestRestart() {
+  m_iCounter = std::min(m_iCounter, 0);
+  m_bVectorsValid = false;
+}
+
+void CGridSolver::Assemble(CQuadTree& tree, const CPointOrder& order) {
+  m_Terms.Clear();
+  AddGridTerms(tree, order, m_Terms);
+  m_Terms.Assemble(order.Count(), m_System.Smoothness());
+  m_System.Smoothness().FindRuns();
+  m_iCounter = 0;
+}
+
+void CGridSolver::SetConstraints(std::span<const CPtCstrList* const> lists, const CQuadTree& tree,
+                                 const CInterpolation& surface) {
+  m_System.Constraints().Clear();
+  m_System.Constraints().Add(lists, tree, surface);
+  RequestRestart();
+}
+
+void CGridSolver::ResizeMultipliers() {
+  const std::size_t old = m_afMultipliers.size();
+  m_afMultipliers.resize(m_System.ConstraintCount());
+  const double limit = 1.0 / static_cast<double>(m_System.UnknownCount());
+  for (std::size_t j = old; j < m_afMultipliers.size(); ++j) m_afMultipliers[j] = m_pRandom->UpTo(limit);
+}
+
+void CGridSolver::RandomiseMultipliers(double limit) {
+  for (double& multiplier : m_afMultipliers) multiplier = m_pRandom->UpTo(limit);
+}
+
+// After convergence the residual of a changed target is (0, change), on which r . A r vanishes by symmetry: the
+// iteration would stop at once on a wrong surface. A little chance in the multipliers gives the residual a part in the
+// heights.
+void CGridSolver::Shake() {
+  const double limit = 1.0 / static_cast<double>(m_System.UnknownCount());
+  for (double& multiplier : m_afMultipliers) multiplier += m_pRandom->UpTo(limit);
+}
+
+bool CGridSolver::ModelChanged() {
+  m_iRetriesLeft = kRetriesPerEdit;
+  if (!m_bConverged) return false;
+  m_bConverged = false;
+  m_bShakeDue = true;
+  return true;
+}
+
+void CGridSolver::Start(std::span<const double> x) {
+  ResizeMultipliers();
+  if (m_bShakeDue) Shake();
+  m_bShakeDue = false;
+  m_Residual.Restart(m_System, x, m_afMultipliers);
+  m_bVectorsValid = true;
+  m_afLastX.resize(x.size());
+  m_afLastMultipliers.resize(m_afMultipliers.size());
+}
+
+CGridSolver::Outcome CGridSolver::Tick(std::span<double> x, int limit, const std::function<bool()>& poll) {
+  if (m_iCounter == 0) Start(x);
+  std::ranges::copy(x, m_afLastX.begin());
+  std::ranges::copy(m_afMultipliers, m_afLastMultipliers.begin());
+  const Outcome outcome = Iterate(x, limit, poll);
+  if (m_Residual.IsFinite() && AllFinite(x)) return outcome;
+  std::ranges::copy(m_afLastX, x.begin());
+  std::ranges::copy(m_afLastMultipliers, m_afMultipliers.begin());
+  return Stop("the iteration leaves the finite numbers, |r_rr| = ", m_Residual.Rho(), true);
+}
+
+CGridSolver::Outcome CGridSolver::Iterate(std::span<double> x, int limit, const std::function<bool()>& poll) {
+  for (int done = 0; done < limit && m_Residual.IsFinite(); ++done) {
+    // An event may change the basis at once, without posting work; the vectors are out of date then.
+    if (poll && (poll() || !m_bVectorsValid)) return Outcome::Interrupted;
+    ++m_iCounter;
+    const CConjugateResidual::Outcome step = m_Residual.Step(m_System, x, m_afMultipliers);
+    if (step == CConjugateResidual::Outcome::SmallRho) return Stop("|r_rr| is too small ", m_Residual.Rho(), true);
+    if (step == CConjugateResidual::Outcome::SmallPi) return Stop("|pp_pp| is too small ", m_Residual.Pi(), true);
+  }
+  if (HasStalled()) return Stop("the constraints contradict each other, |r_rr| = ", m_Residual.Rho(), false);
+  return Outcome::TickDone;
+}
+
+bool CGridSolver::HasStalled() const {
+  const double patience = kStallFactor * std::sqrt(static_cast<double>(m_System.Size()));
+  return m_Residual.StepsSinceProgress() > patience && m_Residual.ImageShare() < kRoundingShare && !IsResidualSmall();
+}
+
+bool CGridSolver::IsResidualSmall() const {
+  return m_Residual.ResidualNorm() <= kSmallResidual * m_Residual.StartNorm();
+}
+
+CGridSolver::Outcome CGridSolver::Stop(const char* message, double value, bool mayRetry) {
+  Console() << message << value << '\n';
+  if (mayRetry && !IsResidualSmall() && m_iRetriesLeft > 0) {
+    --m_iRetriesLeft;
+    m_bShakeDue = true;
+    m_iCounter = 0;
+    return Outcome::TickDone;
+  }
+  m_bConverged = true;
+  return Outcome::Converged;
+}

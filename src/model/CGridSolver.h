@@ -1,0 +1,77 @@
+#pragma once
+
+#include <functional>
+#include <span>
+#include <vector>
+
+#include "base/CRandom.h"
+#include "model/CConjugateResidual.h"
+#include "model/CConstraintSystem.h"
+#include "model/CEnergyTerms.h"
+#include "model/CHierarchicalBasis.h"
+
+class CPointOrder;
+class CPtCstrList;
+class CQuadTree;
+class CInterpolation;
+
+/// The iteration as it goes on across ticks: the system, the multipliers, the counter, and when to stop.
+///
+/// The counter is -1 while numbering and matrix must be rebuilt, 0 when the iteration starts anew, and the number of
+/// iterations done after that.
+class CGridSolver {
+ public:
+  enum class Outcome {
+    TickDone,     ///< the tick's iterations are done
+    Interrupted,  ///< `poll` asked to stop
+    Converged,    ///< nothing more is to be gained: the solver may be paused
+  };
+
+  CGridSolver(const CHierarchicalBasis& basis, CRandom& random) : m_System(basis), m_pRandom(&random) {}
+
+  int Counter() const { return m_iCounter; }
+  void RequestRebuild();
+  /// A rebuild that is already due stays due.
+  void RequestRestart();
+
+  /// The matrix of the smoothness energy for a numbering just made; the iteration then starts anew.
+  void Assemble(CQuadTree& tree, const CPointOrder& order);
+  /// The constraint rows of all records in the lists.
+  void SetConstraints(std::span<const CPtCstrList* const> lists, const CQuadTree& tree, const CInterpolation& surface);
+
+  /// Up to `limit` iterations on the coefficients `x` (in place). With the counter at 0 the iteration starts anew
+  /// first; multipliers of new rows start by chance in [0, 1 / N]. `poll`, where given, is called between the steps and
+  /// ends the tick by answering true. A step that would leave the finite numbers is undone.
+  Outcome Tick(std::span<double> x, int limit, const std::function<bool()>& poll);
+
+  /// The model has been edited. Returns whether the solver had converged, and arms the restart that follows: see Shake.
+  bool ModelChanged();
+  bool HasConverged() const { return m_bConverged; }
+  /// All multipliers by chance in [0, limit].
+  void RandomiseMultipliers(double limit);
+
+  const CConstraintSystem& System() const { return m_System; }
+  std::span<const double> Multipliers() const { return m_afMultipliers; }
+
+ private:
+  void Start(std::span<const double> x);
+  void ResizeMultipliers();
+  void Shake();
+  Outcome Iterate(std::span<double> x, int limit, const std::function<bool()>& poll);
+  bool HasStalled() const;
+  bool IsResidualSmall() const;
+  Outcome Stop(const char* message, double value, bool mayRetry);
+
+  CConstraintSystem m_System;
+  CEnergyTerms m_Terms;
+  CConjugateResidual m_Residual;
+  std::vector<double> m_afMultipliers;  ///< one per constraint row
+  std::vector<double> m_afLastX;        ///< the coefficients before the tick
+  std::vector<double> m_afLastMultipliers;
+  CRandom* m_pRandom;
+  int m_iCounter = -1;
+  bool m_bVectorsValid = false;  ///< the iteration's vectors belong to the system as it is
+  bool m_bConverged = false;
+  bool m_bShakeDue = false;
+  int m_iRetriesLeft = 0;
+};

@@ -1,0 +1,138 @@
+// One tick of the grid: what commands and edits have posted, then the iteration, then the surface.
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+#include <vector>
+
+#include "base/Console.h"
+#include "model/CGrid.h"
+#include "model/Globals.h"
+
+namespace {
+
+// Loading brings its own state of the solver; saving and a new picture leave the model as it is.
+bool ChangesModel(int operation) {
+  return operation != Operation::kLoadGrid && operation != Operation::kSaveGrid && operation != Operation::kLoadImage;
+}
+
+}  // namespace
+
+void CGrid::Post(int operation) {
+  m_Pending.Post(operation);
+  if (!ChangesModel(operation) || !m_Solver.ModelChanged()) return;
+  if (m_pHost != nullptr) {
+    m_pHost->ResumeAfterChange();
+  } else {
+    m_bRunning = true;
+  }
+}
+
+void CGrid::PerformPendingWork() {
+  if (PerformOperations()) ReconstructSurface();
+}
+
+bool CGrid::PerformOperations() {
+  std::vector<int> operations = m_Pending.Take();
+  // A file must not hold constraints that its heights do not know yet, so edits go before the saving they were posted
+  // over.
+  std::stable_partition(std::ranges::find(operations, Operation::kSaveGrid), operations.end(), Operation::IsEdit);
+  for (const int operation : operations) Dispatch(operation);
+  const bool outOfDate = m_Solver.Counter() < 1;
+  if (outOfDate) SetSparseH();
+  return outOfDate || !operations.empty();
+}
+
+void CGrid::Dispatch(int operation) {
+  switch (operation) {
+    case Operation::kRestart:
+      return m_Solver.RequestRestart();
+    case Operation::kRebuild:
+      return m_Solver.RequestRebuild();
+    case Operation::kRebuildMaps:
+      return SetDiscMap();
+    case Operation::kTransferToHigh:
+    case Operation::kTransferToNormal:
+      return SwapResolution(operation == Operation::kTransferToHigh, true);
+    case Operation::kRestoreHigh:
+    case Operation::kRestoreNormal:
+      return SwapResolution(operation == Operation::kRestoreHigh, false);
+    case Operation::kSaveGrid:
+      if (m_Solver.Counter() < 1) SetSparseH();
+      [[fallthrough]];
+    case Operation::kLoadGrid:
+    case Operation::kNewGrid:
+    case Operation::kLoadImage:
+      if (m_pHost != nullptr) m_pHost->PerformCommand(operation);
+      return;
+    default:
+      Console() << "Error : CGrid::UpdateGrid() unknown Next_Operation\n";
+  }
+}
+
+void CGrid::UpdateGrid() {
+  const bool polling = g_bNoEventPolling == 0 && m_pHost != nullptr;
+  const auto poll = [this] {
+    m_pHost->ProcessEvents();
+    return m_Pending.Next() != Operation::kNone;
+  };
+  if (polling) m_pHost->ProcessEvents();
+  PerformOperations();
+  const CGridSolver::Outcome outcome =
+      m_Solver.Tick(Coefficients(), m_iIterationsPerTick + 1, polling ? std::function<bool()>(poll) : nullptr);
+  ReconstructSurface();
+  RefreshNormalCstrHeights();
+  if (outcome == CGridSolver::Outcome::Converged && m_Pending.Next() != Operation::kNone) {
+    // What a command or an event has posted meanwhile is an edit after convergence.
+    m_Solver.ModelChanged();
+  } else if (outcome == CGridSolver::Outcome::Converged) {
+    m_bRunning = false;
+    if (m_pHost != nullptr) m_pHost->PauseSolverConverged();
+  }
+  if (m_pHost == nullptr) return;
+  if (polling) m_pHost->ProcessEvents();
+  m_pHost->RequestRedraw();
+  m_pHost->ShowIterations(IterationCounter());
+}
+
+void CGrid::SetDiscMap() {
+  Console() << "\nCGrid::SetDiscMap()\n";
+  ReplaySubdivision();
+  UpdateConstraintsFormCurves();
+  if (m_pHost != nullptr)
+    m_pHost->ShowResolution(m_pTree->LeafCount(), static_cast<int>(m_Lattice.Count(PointFlag::kInUse)));
+  for (CPtCstr& constraint : m_PointConstraints) UpdateDisabledBit(constraint);
+  for (CPtCstr& constraint : m_GeneratedConstraints) UpdateDisabledBit(constraint);
+  m_Solver.RequestRebuild();
+  SetSparseH();
+}
+
+void CGrid::UpdateConstraintsFormCurves() {
+  Console() << "CGrid::UpdateConstraintsFormCurves\n";
+  m_GeneratedConstraints.clear();
+}
+
+void CGrid::SwapResolution(bool high, bool transfer) {
+  if (transfer) Console() << "Transmit : m_iNbAPoints : " << ActivePointCount() << '\n';
+  g_bHighRes = high ? 1 : 0;
+  if (!m_bSurfaceCaptured) CapturePresentSurface();
+  std::swap(m_Subdivision, m_OtherSubdivision);
+  std::swap(m_afPresentSurface, m_afOtherSurface);
+  if (transfer) m_afPresentSurface = m_afOtherSurface;
+  // The capture of what is now the present surface stands: the rebuild sets the coefficients from it.
+  m_bSurfaceCaptured = true;
+  SetDiscMap();
+  ReconstructSurface();
+  if (m_pHost != nullptr) m_pHost->RequestRedraw();
+}
+
+void CGrid::Reset() {
+  const double limit = 10.0 / static_cast<double>(m_Lattice.PointCount());
+  for (double& coef : m_afWaveCoefs) coef = m_Random.UpTo(limit);
+  m_Solver.RandomiseMultipliers(limit);
+  ReconstructSurface();
+  Post(Operation::kRebuildMaps);
+  if (m_pHost == nullptr) return;
+  m_pHost->RequestRedraw();
+  m_pHost->ShowIterations(IterationCounter());
+}

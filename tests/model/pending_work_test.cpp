@@ -1,0 +1,127 @@
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include "model/CPendingWork.h"
+
+namespace {
+
+constexpr std::array kCodes{1, 2, 4, 8, 16, 32, 64, 128, 256, 512, 1024, 2048, 4096, 8192, 16384};
+
+bool IsEdit(int code) { return code == 1 || code == 2 || code == 4; }
+
+std::vector<int> Taken(const std::vector<int>& posted) {
+  CPendingWork work;
+  for (const int code : posted) work.Post(code);
+  return work.Take();
+}
+
+// Edits between two commands stand for one, the most thorough; a command posted twice in a row for one as well.
+std::vector<int> Wanted(const std::vector<int>& posted) {
+  std::vector<int> wanted;
+  for (const int code : posted) {
+    const int last = wanted.empty() ? 0 : wanted.back();
+    if (IsEdit(last) && IsEdit(code)) {
+      wanted.back() = std::max(last, code);
+    } else if (last != code) {
+      wanted.push_back(code);
+    }
+  }
+  return wanted;
+}
+
+TEST(PendingWorkTest, CodesArePowersOfTwo) {
+  EXPECT_EQ(Operation::kNone, 0);
+  EXPECT_EQ((std::array{Operation::kRestart, Operation::kRebuild, Operation::kRebuildMaps}), (std::array{1, 2, 4}));
+  EXPECT_EQ((std::array{Operation::kTransferToHigh, Operation::kTransferToNormal}), (std::array{8, 16}));
+  EXPECT_EQ((std::array{Operation::kRestoreHigh, Operation::kRestoreNormal}), (std::array{32, 64}));
+  EXPECT_EQ((std::array{Operation::kSubdivide, Operation::kMerge}), (std::array{128, 256}));
+  EXPECT_EQ((std::array{Operation::kContourAttributes, Operation::kNewCurve}), (std::array{512, 1024}));
+  EXPECT_EQ((std::array{Operation::kLoadGrid, Operation::kNewGrid}), (std::array{2048, 4096}));
+  EXPECT_EQ((std::array{Operation::kSaveGrid, Operation::kLoadImage}), (std::array{8192, 16384}));
+}
+
+TEST(PendingWorkTest, NothingIsPendingAtFirst) {
+  CPendingWork work;
+  EXPECT_EQ(work.Next(), 0);
+  EXPECT_TRUE(work.Take().empty());
+}
+
+TEST(PendingWorkTest, OfEachPairTheLastIsVisible) {
+  for (const int first : kCodes) {
+    for (const int second : kCodes) {
+      CPendingWork work;
+      work.Post(first);
+      EXPECT_EQ(work.Next(), first);
+      work.Post(second);
+      EXPECT_EQ(work.Next(), second) << "after " << first;
+    }
+  }
+}
+
+TEST(PendingWorkTest, OfEachPairOfCommandsBothArePerformedInOrder) {
+  for (const int first : kCodes) {
+    for (const int second : kCodes) {
+      if (first == second || (IsEdit(first) && IsEdit(second))) continue;
+      EXPECT_EQ(Taken({first, second}), (std::vector{first, second}));
+    }
+  }
+}
+
+TEST(PendingWorkTest, EachPairOfEditsMergesToTheMostThorough) {
+  for (const int first : {1, 2, 4}) {
+    for (const int second : {1, 2, 4}) EXPECT_EQ(Taken({first, second}), (std::vector{std::max(first, second)}));
+  }
+}
+
+TEST(PendingWorkTest, CodePostedTwiceIsPerformedOnce) {
+  for (const int code : kCodes) EXPECT_EQ(Taken({code, code}), (std::vector{code}));
+}
+
+TEST(PendingWorkTest, EditsDoNotMergeAcrossACommand) {
+  EXPECT_EQ(Taken({4, 8, 1}), (std::vector{4, 8, 1}));
+  EXPECT_EQ(Taken({1, 8192, 4, 2}), (std::vector{1, 8192, 4}));
+  EXPECT_EQ(Taken({8, 1, 8}), (std::vector{8, 1, 8}));
+}
+
+TEST(PendingWorkTest, TakingLeavesNothing) {
+  CPendingWork work;
+  work.Post(1);
+  work.Post(8);
+  work.Take();
+  EXPECT_EQ(work.Next(), 0);
+  EXPECT_TRUE(work.Take().empty());
+}
+
+TEST(PendingWorkTest, ClearingForgetsWhatWasOverwrittenToo) {
+  CPendingWork work;
+  work.Post(1);
+  work.Post(8);
+  work.Clear();
+  EXPECT_EQ(work.Next(), 0);
+  EXPECT_TRUE(work.Take().empty());
+}
+
+TEST(PendingWorkTest, CodesPostedAfterTakingAreKept) {
+  CPendingWork work;
+  work.Post(4096);
+  work.Take();
+  work.Post(4);
+  EXPECT_EQ(work.Next(), 4);
+  EXPECT_EQ(work.Take(), (std::vector{4}));
+}
+
+TEST(PendingWorkTest, UnknownCodesAreKeptLikeCommands) { EXPECT_EQ(Taken({1, 3, 2}), (std::vector{1, 3, 2})); }
+
+RC_GTEST_PROP(PendingWorkProperty, NothingPostedIsLost, ()) {
+  const auto posted = *rc::gen::container<std::vector<int>>(rc::gen::elementOf(kCodes));
+  CPendingWork work;
+  for (const int code : posted) work.Post(code);
+  RC_ASSERT(work.Next() == (posted.empty() ? 0 : posted.back()));
+  RC_ASSERT(work.Take() == Wanted(posted));
+}
+
+}  // namespace

@@ -1,0 +1,224 @@
+// How the solver stops itself, and what surface it stops at, also after edits.
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "model/CGrid.h"
+#include "support/UpdateBuilders.h"
+
+namespace {
+
+const std::string kSmallRho = "|r_rr| is too small ";
+const std::string kSmallPi = "|pp_pp| is too small ";
+
+// The surface that a grid which has never seen other constraints comes to, by unknown.
+std::vector<double> FreshSolution(CGrid& edited) {
+  CTestGrid fresh(edited.MaxLevel(), edited.BaseLevel());
+  fresh.m_Grid.SetWaveletMode(edited.Mode());
+  for (const CPtCstr& c : edited.PointConstraints()) fresh.m_Grid.AddPtCstr(c);
+  EXPECT_TRUE(RunUntilPaused(fresh.m_Grid));
+  return NodalHeights(fresh.m_Grid);
+}
+
+void ExpectSurfaceOfItsConstraints(CGrid& grid) {
+  const double range = grid.MaxHeight() - grid.MinHeight();
+  EXPECT_LT(LargestDifference(NodalHeights(grid), FreshSolution(grid)), 1e-7 * range);
+}
+
+TEST(SolverConvergenceTest, StartWithoutConstraintsPausesInTheFirstTick) {
+  CTestGrid test;
+  CActingHost host(test.m_Grid);
+  test.m_Grid.UpdateGrid();
+  EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n25 points\n" + kSmallRho + "0\n");
+  EXPECT_FALSE(test.m_Grid.IsRunning());
+  EXPECT_EQ(host.m_iPauses, 1);
+  EXPECT_EQ(test.m_Grid.IterationCounter(), 1);
+}
+
+TEST(SolverConvergenceTest, ConvergencePausesWithALine) {
+  CTestGrid test;
+  CActingHost host(test.m_Grid);
+  AddAll(test.m_Grid, SomeConstraints());
+  EXPECT_TRUE(RunUntilPaused(test.m_Grid));
+  EXPECT_EQ(host.m_iPauses, 1);
+  EXPECT_TRUE(test.m_Grid.Solver().HasConverged());
+  const std::string text = test.m_Console.Take();
+  EXPECT_EQ(Occurrences(text, kSmallRho) + Occurrences(text, kSmallPi), 1) << text;
+  EXPECT_LT(std::abs(std::stod(text.substr(text.rfind(' ')))), 1e-30);
+}
+
+TEST(SolverConvergenceTest, PausingShowsTheSurfaceOnceMore) {
+  CTestGrid test;
+  CActingHost host(test.m_Grid);
+  host.m_iIterations = -1;
+  test.m_Grid.UpdateGrid();
+  EXPECT_EQ(host.m_iRedraws, 1);
+  EXPECT_EQ(host.m_iIterations, 1);
+}
+
+TEST(SolverConvergenceTest, PausesWithoutAHost) {
+  CConvergedGrid test;
+  EXPECT_FALSE(test.m_Grid.IsRunning());
+  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+}
+
+TEST(SolverConvergenceTest, ConvergedSystemStopsOnTheNextTick) {
+  CConvergedGrid test;
+  CActingHost host(test.m_Grid);
+  const std::vector<double> before = SurfaceOnLattice(test.m_Grid);
+  const int iterations = test.m_Grid.IterationCounter();
+  test.m_Grid.SetRunning(true);
+  test.m_Grid.UpdateGrid();
+  EXPECT_EQ(test.m_Grid.IterationCounter(), iterations + 1);
+  EXPECT_FALSE(test.m_Grid.IsRunning());
+  EXPECT_EQ(host.m_iPauses, 1);
+  EXPECT_TRUE(test.m_Console.Take().starts_with("|"));
+  EXPECT_EQ(SurfaceOnLattice(test.m_Grid), before);
+}
+
+// Heights so high over so wide a grid that the residual is there to be seen and its image is not.
+TEST(SolverConvergenceTest, VanishingImagePausesWithItsOwnLine) {
+  CTestGrid test;
+  test.m_Grid.Initialize(2, false, 0, 0, 4e4, 4e4);
+  for (double& coef : test.m_Grid.Coefficients()) coef = 1e12;
+  test.m_Grid.ReconstructSurface();
+  test.m_Console.Take();
+  const std::vector<double> before = NodalHeights(test.m_Grid);
+  RunUntilPaused(test.m_Grid, 5);
+  const std::string text = test.m_Console.Take();
+  EXPECT_NE(text.find(kSmallPi), std::string::npos) << text;
+  EXPECT_FALSE(test.m_Grid.IsRunning());
+  EXPECT_EQ(NodalHeights(test.m_Grid), before);
+}
+
+TEST(SolverConvergenceTest, ConvergedSurfaceMeetsItsConstraints) {
+  CConvergedGrid test;
+  const double range = test.m_Grid.MaxHeight() - test.m_Grid.MinHeight();
+  for (const CPtCstr& c : test.m_Grid.PointConstraints())
+    EXPECT_NEAR(SurfaceHeight(test.m_Grid, c.m_fX, c.m_fY), c.m_fZ, 1e-7 * range);
+}
+
+TEST(SolverConvergenceTest, EditAfterConvergenceShakesEveryMultiplier) {
+  CConvergedGrid test;
+  const std::vector<double> before = Copied(test.m_Grid.Solver().Multipliers());
+  test.m_Grid.Post(Operation::kRestart);
+  StartIteration(test.m_Grid);
+  const std::vector<double> after = Copied(test.m_Grid.Solver().Multipliers());
+  ASSERT_EQ(after.size(), before.size());
+  for (std::size_t k = 0; k < after.size(); ++k) {
+    EXPECT_GT(after[k], before[k]);
+    EXPECT_LE(after[k], before[k] + 1.0 / 25);
+  }
+}
+
+TEST(SolverConvergenceTest, EditBeforeConvergenceShakesNothing) {
+  CTestGrid test;
+  AddAll(test.m_Grid, SomeConstraints());
+  test.m_Grid.UpdateGrid();
+  const std::vector<double> before = Copied(test.m_Grid.Solver().Multipliers());
+  test.m_Grid.Post(Operation::kRestart);
+  StartIteration(test.m_Grid);
+  EXPECT_EQ(Copied(test.m_Grid.Solver().Multipliers()), before);
+}
+
+class EditAfterConvergenceTest : public testing::TestWithParam<WaveletMode> {
+ protected:
+  EditAfterConvergenceTest() {
+    Grid().SetWaveletMode(GetParam());
+    SetSelection(Grid().PointConstraints(), "0100");
+  }
+  CGrid& Grid() { return m_Test.m_Grid; }
+  void ExpectTheNewSurface() {
+    ASSERT_TRUE(RunUntilPaused(Grid()));
+    ExpectSurfaceOfItsConstraints(Grid());
+  }
+
+  CConvergedGrid m_Test{4, 3};
+};
+
+INSTANTIATE_TEST_SUITE_P(Modes, EditAfterConvergenceTest, testing::ValuesIn(kAllModes));
+
+TEST_P(EditAfterConvergenceTest, ChangedHeightIsReached) {
+  for (const double z : {-2.25, 40.0, 3.0, 3.0 + 1e-6}) {
+    Grid().SetSelectedHeight(z);
+    ExpectTheNewSurface();
+    EXPECT_NEAR(SurfaceHeight(Grid(), 10, 22), z, 1e-7 * (Grid().MaxHeight() - Grid().MinHeight()));
+  }
+}
+
+TEST_P(EditAfterConvergenceTest, ChangedSlopeIsReached) {
+  SetSelection(Grid().PointConstraints(), "0001");
+  for (const double slope : {0.125, -3.0, 1.0}) {
+    Grid().ChangeSelectedNormal(slope, -slope / 2);
+    ExpectTheNewSurface();
+  }
+}
+
+TEST_P(EditAfterConvergenceTest, MovedConstraintIsReached) {
+  for (const double dx : {0.25, -4.0, 1.5}) {
+    Grid().MoveSelectedPtCstr(dx, dx / 4);
+    ExpectTheNewSurface();
+  }
+}
+
+TEST_P(EditAfterConvergenceTest, AddedAndDeletedConstraintsAreFollowed) {
+  Grid().AddPtCstr(HeightCstr(7, 21.5, 6));
+  ExpectTheNewSurface();
+  Grid().DeleteSelectedPtCstr();
+  ExpectTheNewSurface();
+}
+
+TEST_P(EditAfterConvergenceTest, SurfaceComesBackAfterAReset) {
+  const std::vector<double> before = NodalHeights(Grid());
+  Grid().Reset();
+  ExpectTheNewSurface();
+  EXPECT_LT(LargestDifference(NodalHeights(Grid()), before), 1e-7 * (Grid().MaxHeight() - Grid().MinHeight()));
+}
+
+TEST(ContradictionTest, TwoHeightsAtOnePointEndAtTheirMeanAndPause) {
+  CConvergedGrid test;
+  test.m_Grid.AddPtCstr(HeightCstr(10, 22, 4));
+  ASSERT_TRUE(RunUntilPaused(test.m_Grid));
+  EXPECT_NEAR(SurfaceHeight(test.m_Grid, 10, 22), 1, 1e-6);
+  EXPECT_NEAR(SurfaceHeight(test.m_Grid, 3, 25), 3, 1e-6);
+}
+
+TEST(ContradictionTest, StopsAreRetriedAtMostTwicePerEdit) {
+  CConvergedGrid test;
+  test.m_Grid.AddPtCstr(HeightCstr(10, 22, 4));
+  for (const double z : {5.0, 6.0}) {
+    ASSERT_TRUE(RunUntilPaused(test.m_Grid));
+    EXPECT_LE(Occurrences(test.m_Console.Take(), "|r_rr|"), 3);
+    SetSelection(test.m_Grid.PointConstraints(), "10000");
+    test.m_Grid.SetSelectedHeight(z);
+  }
+}
+
+TEST(ContradictionTest, TheSameConstraintTwiceChangesNothing) {
+  CConvergedGrid test;
+  const std::vector<double> before = NodalHeights(test.m_Grid);
+  test.m_Grid.AddPtCstr(SomeConstraints()[1]);
+  ASSERT_TRUE(RunUntilPaused(test.m_Grid));
+  EXPECT_LT(LargestDifference(NodalHeights(test.m_Grid), before), 1e-6);
+}
+
+TEST(ContradictionTest, SurfaceStaysFiniteAndRecovers) {
+  for (const double z : {1e200, std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
+    SCOPED_TRACE(z);
+    CConvergedGrid test;
+    SetSelection(test.m_Grid.PointConstraints(), "0100");
+    test.m_Grid.SetSelectedHeight(z);
+    EXPECT_TRUE(RunUntilPaused(test.m_Grid));
+    EXPECT_TRUE(std::isfinite(test.m_Grid.MinHeight()) && std::isfinite(test.m_Grid.MaxHeight()));
+    test.m_Grid.SetSelectedHeight(1);
+    ASSERT_TRUE(RunUntilPaused(test.m_Grid));
+    EXPECT_NEAR(SurfaceHeight(test.m_Grid, 10, 22), 1, 1e-6);
+  }
+}
+
+}  // namespace
