@@ -27,7 +27,7 @@ constexpr double kShare = 0.01;
 
 using Matrix = Eigen::SparseMatrix<double>;
 
-// | H C^T | and | 0 |, over the heights.
+// | H C^T | and | 0 |, over the heights by scan position.
 // | C 0   |     | d |
 struct CBordered {
   Matrix m_Matrix;
@@ -80,9 +80,9 @@ double SecondsToShare(const Eigen::VectorXd& exact, int& iterations) {
   do {
     seconds += Seconds([&] { grid.UpdateGrid(); });
     error = 0.0;
-    for (std::size_t k = 0; k < n; ++k) {
-      error = std::max(
-          error, std::abs(grid.Lattice().Heights()[grid.Order().PointOf(k)] - exact[static_cast<Eigen::Index>(k)]));
+    for (std::size_t i = 0; i < n; ++i) {
+      const double height = grid.Lattice().Heights()[grid.Order().PointAtScan(i)];
+      error = std::max(error, std::abs(height - exact[static_cast<Eigen::Index>(i)]));
     }
   } while (error > kShare * range && grid.IsRunning());
   iterations = grid.IterationCounter();

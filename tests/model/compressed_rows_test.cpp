@@ -1,8 +1,6 @@
-#include <array>
-#include <cmath>
+#include <algorithm>
 #include <cstdint>
 #include <numeric>
-#include <span>
 #include <utility>
 #include <vector>
 
@@ -83,6 +81,38 @@ TEST(CompressedRowsTest, ClearForgetsAllRows) {
   matrix.Append(0, 4.0);
   matrix.EndRow();
   EXPECT_EQ(Product(matrix, {2.0}), (Values{8}));
+}
+
+TEST(CompressedRowsTest, ClearForgetsTheRunsToo) {
+  CCompressedRows matrix = RowsOf({{{0, 2.0}}, {{1, 2.0}}, {{2, 2.0}}});
+  matrix.FindRuns();
+  matrix.Clear();
+  matrix.Append(1, 5.0);
+  matrix.EndRow();
+  EXPECT_EQ(Product(matrix, {1.0, 3.0}), (Values{15}));
+}
+
+// Runs of rows that are each the one before, shifted; a uniform grid makes rows of 13 entries.
+RC_GTEST_PROP(CompressedRowsProperty, RunsDoNotChangeTheProduct, ()) {
+  std::vector<Entries> rows;
+  std::uint32_t columns = 1;
+  for (int run = *rc::gen::inRange(1, 6); run > 0; --run) {
+    Entries row(*rc::gen::elementOf(std::vector<std::size_t>{0, 1, 5, 12, 13, 13, 13, 14}));
+    for (auto& [column, value] : row) {
+      column = *rc::gen::inRange<std::uint32_t>(0, 20);
+      value = *rc::gen::inRange(-20, 20);
+    }
+    for (int length = *rc::gen::inRange(1, 15); length > 0; --length) {
+      rows.push_back(row);
+      for (auto& entry : row) columns = std::max(columns, ++entry.first);
+    }
+  }
+  CCompressedRows matrix = RowsOf(rows);
+  const std::vector<int> integers = *rc::gen::container<std::vector<int>>(columns, rc::gen::inRange(-20, 20));
+  const Values v(integers.begin(), integers.end());
+  const Values wanted = Product(matrix, v);
+  matrix.FindRuns();
+  RC_ASSERT(Product(matrix, v) == wanted);
 }
 
 // Integers, whose products and sums are exact in any order.

@@ -121,7 +121,7 @@ TEST(ConjugateResidualTest, NoStepLengthensTheResidual) {
   iteration.Randomise();
   iteration.Restart();
   const double start = iteration.m_Residual.StartNorm();
-  for (int step = 0; step < 60; ++step) {
+  for (int step = 0; step < 150; ++step) {
     const double before = iteration.m_Residual.ResidualNorm();
     if (iteration.Step() != Outcome::Stepped) break;
     EXPECT_LE(iteration.m_Residual.ResidualNorm(), before * (1 + 1e-9)) << step;
