@@ -34,7 +34,7 @@ struct CBordered {
   Eigen::VectorXd m_Right;
 };
 
-CBordered BorderedSystem(const CConstraintSystem& system) {
+void FormBorderedSystem(const CConstraintSystem& system, CBordered& bordered) {
   const auto n = static_cast<int>(system.UnknownCount());
   std::vector<Eigen::Triplet<double>> entries;
   for (int i = 0; i < n; ++i) {
@@ -44,7 +44,7 @@ CBordered BorderedSystem(const CConstraintSystem& system) {
   }
   const CConstraintRows& constraints = system.Constraints();
   const auto m = static_cast<int>(constraints.Count());
-  CBordered bordered{Matrix(n + m, n + m), Eigen::VectorXd::Zero(n + m)};
+  bordered.m_Right = Eigen::VectorXd::Zero(n + m);
   for (int j = 0; j < m; ++j) {
     const auto columns = constraints.Rows().Columns(static_cast<std::size_t>(j));
     const auto values = constraints.Rows().Values(static_cast<std::size_t>(j));
@@ -54,8 +54,8 @@ CBordered BorderedSystem(const CConstraintSystem& system) {
     }
     bordered.m_Right[n + j] = constraints.Targets()[static_cast<std::size_t>(j)];
   }
+  bordered.m_Matrix.resize(n + m, n + m);
   bordered.m_Matrix.setFromTriplets(entries.begin(), entries.end());
-  return bordered;
 }
 
 template <typename Factorisation>
@@ -111,7 +111,8 @@ int main() {
   CBenchGrid bench(kLevel);
   bench.AddHeights(kHeights, kSeed);
   bench.Grid().PerformPendingWork();
-  const CBordered bordered = BorderedSystem(bench.Grid().Solver().System());
+  CBordered bordered;
+  FormBorderedSystem(bench.Grid().Solver().System(), bordered);
   Eigen::VectorXd exact;
   const double eigen = SecondsToSolve<Eigen::SparseLU<Matrix>>(bordered, exact);
   int iterations = 0;

@@ -15,31 +15,49 @@ double Dot(std::span<const double> a, std::span<const double> b) {
 }  // namespace
 
 void CConjugateResidual::Restart(CConstraintSystem& system, std::span<const double> x,
-                                 std::span<const double> multipliers) {
-  const std::size_t n = system.UnknownCount();
+                                 std::span<const double> multipliers, std::span<const double> targets) {
   system.Prepare();
   if (m_afR.size() != system.Size()) m_fLargestGain = 0.0;
-  m_afP.assign(system.Size(), 0.0);
-  m_afQ.resize(system.Size());
-  m_afR.resize(system.Size());
-  m_afS.resize(system.Size());
-  std::ranges::copy(x.first(n), m_afP.begin());
-  std::ranges::copy(multipliers, m_afP.begin() + static_cast<std::ptrdiff_t>(n));
-  system.ApplySystem(m_afP, m_afR);
-  for (std::size_t i = 0; i < n; ++i) m_afR[i] = -m_afR[i];
-  const std::span<const double> targets = system.Constraints().Targets();
-  for (std::size_t j = 0; j < targets.size(); ++j) m_afR[n + j] = targets[j] - m_afR[n + j];
-  system.ApplySystem(m_afR, m_afS);
-  m_afP = m_afR;
-  m_afQ = m_afS;
-  m_fRho = Dot(m_afR, m_afS);
-  m_fPi = Dot(m_afQ, m_afQ);
+  for (auto* vector : {&m_afP, &m_afQ, &m_afR, &m_afS}) vector->assign(system.Size(), 0.0);
+  TakeUpResidual(system, x, multipliers, targets);
   m_fStartNorm = ResidualNorm();
+  m_fMagnification = 1.0;
   m_fBestImage = m_fPi;
   m_fGain = std::sqrt(m_fPi) / m_fStartNorm;
   m_fLargestGain = std::max(m_fLargestGain, m_fGain);
   m_iSinceProgress = 0;
 }
+
+void CConjugateResidual::Refresh(CConstraintSystem& system, std::span<const double> x,
+                                 std::span<const double> multipliers, std::span<const double> targets) {
+  TakeUpResidual(system, x, multipliers, targets);
+  const double magnification = m_fStartNorm / ResidualNorm();
+  m_fMagnification = magnification * magnification;
+  m_fBestImage = m_fPi;
+  m_iSinceProgress = 0;
+}
+
+void CConjugateResidual::TakeUpResidual(CConstraintSystem& system, std::span<const double> x,
+                                        std::span<const double> multipliers, std::span<const double> targets) {
+  const std::size_t n = system.UnknownCount();
+  std::ranges::copy(x.first(n), m_afP.begin());
+  std::ranges::copy(multipliers, m_afP.begin() + static_cast<std::ptrdiff_t>(n));
+  system.ApplySystem(m_afP, m_afR);
+  for (std::size_t i = 0; i < n; ++i) m_afR[i] = -m_afR[i];
+  for (std::size_t j = 0; j < targets.size(); ++j) m_afR[n + j] = targets[j] - m_afR[n + j];
+  system.ApplySystem(m_afR, m_afS);
+  std::ranges::copy(m_afR, m_afP.begin());
+  std::ranges::copy(m_afS, m_afQ.begin());
+  m_fRho = Dot(m_afR, m_afS);
+  m_fPi = Dot(m_afQ, m_afQ);
+}
+
+// Written so that 0 times infinity, a residual that vanishes altogether, counts as small.
+bool CConjugateResidual::IsTooSmall(double product) const {
+  return !(std::abs(product) * m_fMagnification >= kBreakdown);
+}
+
+bool CConjugateResidual::HasBrokenDown() const { return IsTooSmall(m_fRho) || IsTooSmall(m_fPi); }
 
 double CConjugateResidual::ResidualNorm() const { return std::sqrt(Dot(m_afR, m_afR)); }
 
@@ -67,8 +85,7 @@ double CConjugateResidual::Advance(double beta) {
 
 CConjugateResidual::Outcome CConjugateResidual::Step(CConstraintSystem& system, std::span<double> x,
                                                      std::span<double> multipliers) {
-  if (std::abs(m_fRho) < kBreakdown) return Outcome::SmallRho;
-  if (std::abs(m_fPi) < kBreakdown) return Outcome::SmallPi;
+  if (HasBrokenDown()) return IsTooSmall(m_fRho) ? Outcome::SmallRho : Outcome::SmallPi;
   const std::size_t n = system.UnknownCount();
   const double alpha = m_fRho / m_fPi;
   const double* p = m_afP.data();

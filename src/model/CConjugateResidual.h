@@ -21,13 +21,25 @@ class CConjugateResidual {
     SmallPi,   ///< |A p . A p| is below kBreakdown: nothing was changed
   };
 
-  /// Starts anew from x (N coefficients) and l (M multipliers): r = (-A(x, l), d - ...), p = r, q = s = A r.
-  void Restart(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers);
+  /// Starts anew from x (N coefficients) and l (M multipliers) towards the right-hand sides d of the constraints:
+  /// r = (0, d) - A (x, l), p = r, q = s = A r.
+  void Restart(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
+               std::span<const double> targets);
+  /// Takes up the residual that x and l really have: rounding makes the recurrence believe in a smaller one. The
+  /// iteration then seeks the correction that this residual asks for, and kBreakdown is held against it as if it were
+  /// as large as the residual of the restart; the restart's figures stay.
+  void Refresh(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
+               std::span<const double> targets);
   /// One iteration: improves x and l in place.
   Outcome Step(CConstraintSystem& system, std::span<double> x, std::span<double> multipliers);
 
   /// Whether the recurrence is still among the finite numbers. After a step that left them, x and l may not be.
   bool IsFinite() const { return std::isfinite(m_fRho) && std::isfinite(m_fPi); }
+  /// |r . A r| / (|r| |A r|) at a restart: 0 for a residual that the system turns into one perpendicular to it. Not a
+  /// number for a residual that vanishes.
+  double Symmetry() const { return std::abs(m_fRho) / (m_fStartNorm * std::sqrt(m_fPi)); }
+  /// Whether the next step would find |r . A r| or |A p . A p| below kBreakdown.
+  bool HasBrokenDown() const;
   double Rho() const { return m_fRho; }
   /// q . q of the coming step.
   double Pi() const { return m_fPi; }
@@ -37,11 +49,16 @@ class CConjugateResidual {
   int StepsSinceProgress() const { return m_iSinceProgress; }
   /// |A r| / |r| now, as a share of the largest value that it has had since the system last changed its size.
   double ImageShare() const { return m_fGain / m_fLargestGain; }
+  /// The part of the residual that belongs to the M constraints: what each misses.
+  std::span<const double> ConstraintResidual(std::size_t unknowns) const { return std::span(m_afR).subspan(unknowns); }
   /// Length of the residual now and at the last restart.
   double ResidualNorm() const;
   double StartNorm() const { return m_fStartNorm; }
 
  private:
+  void TakeUpResidual(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
+                      std::span<const double> targets);
+  bool IsTooSmall(double product) const;
   double Advance(double beta);
   void NoteProgress(double image, double residual);
 
@@ -52,7 +69,8 @@ class CConjugateResidual {
   double m_fRho = 0.0;
   double m_fPi = 0.0;
   double m_fStartNorm = 0.0;
-  double m_fBestImage = 0.0;  ///< |A r|^2 when it was last found halved
+  double m_fMagnification = 1.0;  ///< squared ratio of the restart's residual to the one taken up last
+  double m_fBestImage = 0.0;      ///< |A r|^2 when it was last found halved
   int m_iSinceProgress = 0;
   double m_fGain = 0.0;  ///< |A r| / |r|
   double m_fLargestGain = 0.0;

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <numeric>
+#include <utility>
 
 #include "base/Console.h"
 #include "constraints/CPtCstrList.h"
@@ -14,6 +17,17 @@ namespace {
 // Larger, and surfaces would be taken for converged that are still visibly wrong; smaller, and rounding would count.
 constexpr double kSmallResidual = 1e-9;
 
+// A residual computed afresh at a breakdown is worth iterating on if it has shrunk to this share since the last one.
+// Each time it does, the surface gains digits; when it no longer does, what is left is rounding.
+constexpr double kRefinement = 0.1;
+// Below this share of the residual at the restart there is nothing but rounding, and a singular system would be
+// iterated on for ever.
+constexpr double kRoundingFloor = 1e-14;
+
+// A restart with |r . A r| below this share of |r| |A r| has next to nothing to iterate on. Random starts are well
+// above.
+constexpr double kBadStart = 1e-8;
+
 // How often an edit may start the iteration again after such a stop. Constraints that contradict each other always
 // leave a residual, so this must end.
 constexpr int kRetriesPerEdit = 2;
@@ -23,6 +37,11 @@ constexpr int kRetriesPerEdit = 2;
 // progress for as long on the way, but then its image is still large.
 constexpr double kStallFactor = 40.0;
 constexpr double kRoundingShare = 1e-9;
+constexpr double kRefinementStallFactor = 400.0;
+
+double Norm(std::span<const double> values) {
+  return std::sqrt(std::transform_reduce(values.begin(), values.end(), values.begin(), 0.0));
+}
 
 bool AllFinite(std::span<const double> values) {
   return std::ranges::all_of(values, [](double value) { return std::isfinite(value); });
@@ -84,10 +103,18 @@ bool CGridSolver::ModelChanged() {
 
 void CGridSolver::Start(std::span<const double> x) {
   ResizeMultipliers();
+  const std::span<const double> targets = m_System.Constraints().Targets();
+  m_afTargets.assign(targets.begin(), targets.end());
   if (m_bShakeDue) Shake();
+  m_Residual.Restart(m_System, x, m_afMultipliers, m_afTargets);
+  // An edit shortly before the pause leaves the same kind of residual as one after it.
+  if (!m_bShakeDue && !m_Residual.HasBrokenDown() && m_Residual.Symmetry() < kBadStart) {
+    Shake();
+    m_Residual.Restart(m_System, x, m_afMultipliers, m_afTargets);
+  }
   m_bShakeDue = false;
-  m_Residual.Restart(m_System, x, m_afMultipliers);
   m_bVectorsValid = true;
+  m_fTrueNorm = std::numeric_limits<double>::infinity();
   m_afLastX.resize(x.size());
   m_afLastMultipliers.resize(m_afMultipliers.size());
 }
@@ -108,18 +135,50 @@ CGridSolver::Outcome CGridSolver::Iterate(std::span<double> x, int limit, const 
     // An event may change the basis at once, without posting work; the vectors are out of date then.
     if (poll && (poll() || !m_bVectorsValid)) return Outcome::Interrupted;
     ++m_iCounter;
+    if (m_bConverged) return Stop(m_pStopMessage, m_fStopValue, false);
     const CConjugateResidual::Outcome step = m_Residual.Step(m_System, x, m_afMultipliers);
-    if (step == CConjugateResidual::Outcome::SmallRho) return Stop("|r_rr| is too small ", m_Residual.Rho(), true);
-    if (step == CConjugateResidual::Outcome::SmallPi) return Stop("|pp_pp| is too small ", m_Residual.Pi(), true);
+    if (step == CConjugateResidual::Outcome::Stepped) continue;
+    const bool smallRho = step == CConjugateResidual::Outcome::SmallRho;
+    const double value = smallRho ? m_Residual.Rho() : m_Residual.Pi();
+    if (IsContradictory()) {
+      Reconcile(x);
+    } else if (!Refine(x)) {
+      return Stop(smallRho ? "|r_rr| is too small " : "|pp_pp| is too small ", value, true);
+    }
   }
-  if (HasStalled()) return Stop("the constraints contradict each other, |r_rr| = ", m_Residual.Rho(), false);
+  // What a refinement cannot reduce any more is rounding.
+  if (HasStalled(kRefinementStallFactor) && std::isfinite(m_fTrueNorm)) {
+    return Stop("|r_rr| stays at ", m_Residual.Rho(), true);
+  }
+  if (HasStalled(kStallFactor) && IsContradictory()) Reconcile(x);
   return Outcome::TickDone;
 }
 
-bool CGridSolver::HasStalled() const {
-  const double patience = kStallFactor * std::sqrt(static_cast<double>(m_System.Size()));
-  return m_Residual.StepsSinceProgress() > patience && m_Residual.ImageShare() < kRoundingShare && !IsResidualSmall();
+// At a breakdown the residual of the recurrence has become small, the true one only as far as rounding let it. As long
+// as that can still be reduced, the iteration goes on from it.
+bool CGridSolver::Refine(std::span<const double> x) {
+  m_Residual.Refresh(m_System, x, m_afMultipliers, m_afTargets);
+  const double before = std::exchange(m_fTrueNorm, m_Residual.ResidualNorm());
+  const bool worthwhile = m_fTrueNorm < kRefinement * before &&
+                          m_fTrueNorm > kRoundingFloor * std::max(m_Residual.StartNorm(), Norm(m_afTargets));
+  return worthwhile && !m_Residual.HasBrokenDown();
 }
+
+// Constraints that contradict each other are met as well as they can be together: what each still misses will stay.
+// From now on they ask for what they have got, which is free of contradictions, so that the surface between them
+// converges.
+void CGridSolver::Reconcile(std::span<const double> x) {
+  const std::span<const double> missed = m_Residual.ConstraintResidual(m_System.UnknownCount());
+  for (std::size_t j = 0; j < missed.size(); ++j) m_afTargets[j] -= missed[j];
+  m_Residual.Refresh(m_System, x, m_afMultipliers, m_afTargets);
+}
+
+bool CGridSolver::HasStalled(double sides) const {
+  const double patience = sides * std::sqrt(static_cast<double>(m_System.Size()));
+  return m_Residual.StepsSinceProgress() > patience;
+}
+
+bool CGridSolver::IsContradictory() const { return m_Residual.ImageShare() < kRoundingShare && !IsResidualSmall(); }
 
 bool CGridSolver::IsResidualSmall() const {
   return m_Residual.ResidualNorm() <= kSmallResidual * m_Residual.StartNorm();
@@ -127,6 +186,8 @@ bool CGridSolver::IsResidualSmall() const {
 
 CGridSolver::Outcome CGridSolver::Stop(const char* message, double value, bool mayRetry) {
   Console() << message << value << '\n';
+  m_pStopMessage = message;
+  m_fStopValue = value;
   if (mayRetry && !IsResidualSmall() && m_iRetriesLeft > 0) {
     --m_iRetriesLeft;
     m_bShakeDue = true;

@@ -58,7 +58,10 @@ class CGridSolver {
   void ResizeMultipliers();
   void Shake();
   Outcome Iterate(std::span<double> x, int limit, const std::function<bool()>& poll);
-  bool HasStalled() const;
+  bool Refine(std::span<const double> x);
+  void Reconcile(std::span<const double> x);
+  bool HasStalled(double sides) const;
+  bool IsContradictory() const;
   bool IsResidualSmall() const;
   Outcome Stop(const char* message, double value, bool mayRetry);
 
@@ -66,6 +69,7 @@ class CGridSolver {
   CEnergyTerms m_Terms;
   CConjugateResidual m_Residual;
   std::vector<double> m_afMultipliers;  ///< one per constraint row
+  std::vector<double> m_afTargets;      ///< right-hand sides, free of contradictions once those are known
   std::vector<double> m_afLastX;        ///< the coefficients before the tick
   std::vector<double> m_afLastMultipliers;
   CRandom* m_pRandom;
@@ -74,4 +78,7 @@ class CGridSolver {
   bool m_bConverged = false;
   bool m_bShakeDue = false;
   int m_iRetriesLeft = 0;
+  const char* m_pStopMessage = "";  ///< of the last stop
+  double m_fStopValue = 0.0;
+  double m_fTrueNorm = 0.0;  ///< length of the residual when it was last computed afresh at a breakdown
 };

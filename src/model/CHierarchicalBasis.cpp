@@ -145,8 +145,8 @@ void CHierarchicalBasis::invWTransposeTimes(std::span<double> heights, std::span
   double* z = heights.data();
   double* c = coefs.data();
   const std::uint32_t* place = m_auPlace.data();
-  for (auto it = m_aRuns.rbegin(); it != m_aRuns.rend(); ++it) {
-    const CRun& run = *it;
+  for (std::size_t r = m_aRuns.size(); r-- > 0;) {
+    const CRun& run = m_aRuns[r];
     WithParentCount(run.m_uParents, [&]<std::size_t kCount>(std::integral_constant<std::size_t, kCount>) {
       const std::uint32_t* parents = m_auParents.data() + run.m_uFirstParent + kCount * (run.m_uEnd - run.m_uFirst);
       for (std::uint32_t k = run.m_uEnd; k-- > run.m_uFirst;) {

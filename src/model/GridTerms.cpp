@@ -107,10 +107,11 @@ void CGridTermsBuilder::AddSecondDifferences(std::uint32_t position) {
   const CPointSurroundings& p = m_aPoints[position];
   const std::uint32_t point = m_pOrder->PointAtScan(position);
   const double area = lattice.Smoothness()[point];
+  // Both points lie on one lattice line, `stride` points apart per step.
   const auto steps = [&](std::int32_t from, std::int32_t to, std::uint32_t stride) {
-    return static_cast<double>(
-        (m_pOrder->PointAtScan(static_cast<std::size_t>(to)) - m_pOrder->PointAtScan(static_cast<std::size_t>(from))) /
-        stride);
+    const std::uint32_t first = m_pOrder->PointAtScan(static_cast<std::size_t>(from));
+    const std::uint32_t distance = (m_pOrder->PointAtScan(static_cast<std::size_t>(to)) - first) / stride;
+    return static_cast<double>(distance);
   };
   const auto here = static_cast<std::int32_t>(position);
   const auto side = static_cast<std::uint32_t>(lattice.PointsPerSide());

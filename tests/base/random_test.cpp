@@ -8,9 +8,9 @@
 
 namespace {
 
-std::vector<double> Draw(CRandom& random, double limit, int count = 2000) {
-  std::vector<double> values;
-  for (int k = 0; k < count; ++k) values.push_back(random.UpTo(limit));
+std::vector<double> Draw(CRandom& random, double limit, std::size_t count = 2000) {
+  std::vector<double> values(count);
+  for (double& v : values) v = random.UpTo(limit);
   return values;
 }
 

@@ -38,7 +38,7 @@ struct CIteration : CTestTree {
     m_afX = RandomValues(1, m_afX.size());
     m_afMultipliers = RandomValues(2, m_afMultipliers.size());
   }
-  void Restart() { m_Residual.Restart(m_System, m_afX, m_afMultipliers); }
+  void Restart() { m_Residual.Restart(m_System, m_afX, m_afMultipliers, m_System.Constraints().Targets()); }
   Outcome Step() { return m_Residual.Step(m_System, m_afX, m_afMultipliers); }
 
   std::array<const CPtCstrList*, 1> Lists() const { return {&m_Points}; }

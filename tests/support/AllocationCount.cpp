@@ -22,6 +22,7 @@ std::size_t Of(std::align_val_t alignment) { return static_cast<std::size_t>(ali
 
 std::size_t AllocationCount() { return g_uAllocations; }
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc): this is what the rest of the program manages its memory with.
 // Every form, so that none is paired with one of the library's.
 void* operator new(std::size_t size) { return OrThrow(Counted(size)); }
 void* operator new[](std::size_t size) { return OrThrow(Counted(size)); }
@@ -41,3 +42,4 @@ void operator delete[](void* memory, std::size_t /*size*/, std::align_val_t /*al
 }
 void operator delete(void* memory, const std::nothrow_t& /*unused*/) noexcept { std::free(memory); }
 void operator delete[](void* memory, const std::nothrow_t& /*unused*/) noexcept { std::free(memory); }
+// NOLINTEND(cppcoreguidelines-no-malloc)
