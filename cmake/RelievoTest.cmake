@@ -12,7 +12,7 @@ function(relievo_add_test name)
     relievo_core relievo_warnings rapidcheck_gtest GTest::gtest_main)
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
-    PROPERTIES LABELS core TIMEOUT 60 ENVIRONMENT RC_PARAMS=seed=1)
+    PROPERTIES LABELS core TIMEOUT 300 ENVIRONMENT RC_PARAMS=seed=1)
 endfunction()
 
 function(relievo_add_gui_test name)

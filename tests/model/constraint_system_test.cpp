@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <numeric>
-#include <utility>
+#include <span>
 #include <vector>
 
 #include <Eigen/Core>

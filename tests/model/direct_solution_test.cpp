@@ -1,7 +1,6 @@
-#include <cmath>
-#include <cstddef>
+#include <algorithm>
+#include <array>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -37,15 +36,6 @@ std::vector<CPtCstr> Scattered(const CExtent& e) {
           SlopeAt(e, 0.234, 0.456, sx, -sy), SlopeAt(e, 0.771, 0.543, -sx / 2, sy)};
 }
 
-struct CCase {
-  const char* m_Name;
-  int m_iMaxLevel;
-  int m_iBaseLevel;
-  CExtent m_Extent;
-  std::uint32_t m_uRefinement;  ///< seed of the random subdivision; 0 for none
-  std::vector<CPtCstr> (*m_Constraints)(const CExtent&);
-};
-
 std::vector<CPtCstr> OnLatticePoints(const CExtent& e) {
   return {HeightAt(e, 0.125, 0.25, 30), HeightAt(e, 0.75, 0.125, -10), HeightAt(e, 0.5, 0.875, 20),
           HeightAt(e, 0.0, 1.0, 5),     HeightAt(e, 1.0, 0.5, 0),      SlopeAt(e, 0.5, 0.5, 0.1, -0.2)};
@@ -68,6 +58,15 @@ std::vector<CPtCstr> NextToTheBorder(const CExtent& e) {
 std::vector<CPtCstr> ThreeHeights(const CExtent& e) {
   return {HeightAt(e, 0.2, 0.3, 30), HeightAt(e, 0.9, 0.5, -10), HeightAt(e, 0.4, 0.7, 20)};
 }
+
+struct CCase {
+  const char* m_Name;
+  int m_iMaxLevel;
+  int m_iBaseLevel;
+  CExtent m_Extent;
+  std::uint32_t m_uRefinement;  ///< seed of the random subdivision; 0 for none
+  std::vector<CPtCstr> (*m_Constraints)(const CExtent&);
+};
 
 const CCase kCases[] = {
     {"OneCell", 4, 0, {0, 100, 0, 100}, 0, ThreeHeights},

@@ -19,7 +19,7 @@ using Form = std::vector<CEnergyTerms::CEntry>;
 using Matrix = Eigen::MatrixXd;
 
 struct CTerm {
-  double m_fWeight;
+  double m_fWeight = 0.0;
   Form m_Form;
 };
 

@@ -80,7 +80,7 @@ class CEditedModel : public CSolverGrid {
 };
 
 #ifdef __SANITIZE_ADDRESS__
-constexpr int kEdits = 4;
+constexpr int kEdits = 2;
 #else
 constexpr int kEdits = 20;
 #endif

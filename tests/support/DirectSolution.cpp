@@ -206,7 +206,7 @@ std::optional<CDirectSystem::CForm> CDirectSystem::HeightForm(double x, double y
         gx < leaf.m_iX0 || gy < leaf.m_iY0 || gx > leaf.m_iX0 + leaf.m_iSize || gy > leaf.m_iY0 + leaf.m_iSize;
     for (int side = 0; side < 4 && !apart; ++side) {
       for (const CSegment& segment : SegmentsOfSide(leaf, side)) {
-        const std::optional<CForm> form = FormInTriangle(leaf, segment, gx, gy);
+        std::optional<CForm> form = FormInTriangle(leaf, segment, gx, gy);
         if (form) return form;
       }
     }
