@@ -72,6 +72,7 @@ void CGrid::SetRectangle(double x0, double x1, double y0, double y1) {
   m_Lattice.SetExtent({x0, x1, y0, y1});
   m_fCellSize = m_Lattice.CellSize();
   RecomputeHeightRange();
+  ++m_uSurfaceRevision;
 }
 
 void CGrid::RecomputeHeightRange() {
@@ -137,6 +138,7 @@ void CGrid::ReconstructSurface() {
   m_bSurfaceCaptured = false;
   ComputeNormals(*m_pTree);
   RecomputeHeightRange();
+  ++m_uSurfaceRevision;
 }
 
 double CGrid::TestWavelets() {

@@ -9,6 +9,7 @@
 #include "base/CRandom.h"
 #include "constraints/CPtCstrList.h"
 #include "lighting/CLight.h"
+#include "lighting/CTextureImages.h"
 #include "model/CGridSolver.h"
 #include "model/CHierarchicalBasis.h"
 #include "model/CLattice.h"
@@ -99,6 +100,8 @@ class CGrid {
   std::span<const double> Coefficients() const { return std::span(m_afWaveCoefs).first(m_Order.Count()); }
   /// Heights, normals and height range from the coefficients.
   void ReconstructSurface();
+  /// Grows with every reconstruction, so that what is drawn of the surface need be made anew only then.
+  std::uint64_t SurfaceRevision() const { return m_uSurfaceRevision; }
   /// Largest difference over the points between heights through the compiled inverse transform and back through the
   /// tree walk. Logs it.
   double TestWavelets();
@@ -146,6 +149,11 @@ class CGrid {
   CPtCstrList& GeneratedConstraints() { return m_GeneratedConstraints; }
   CLightSet& RemovedLights() { return m_RemovedLights; }
   CLightSet& AddedLights() { return m_AddedLights; }
+  const CPtCstrList& PointConstraints() const { return m_PointConstraints; }
+  const CLightSet& RemovedLights() const { return m_RemovedLights; }
+  const CLightSet& AddedLights() const { return m_AddedLights; }
+  CTextureImages& Textures() { return m_Textures; }
+  const CTextureImages& Textures() const { return m_Textures; }
 
  private:
   void FillTree();
@@ -189,11 +197,13 @@ class CGrid {
   std::vector<double> m_afPresentSurface;
   std::vector<double> m_afOtherSurface;
   bool m_bSurfaceCaptured = false;
+  std::uint64_t m_uSurfaceRevision = 0;
 
   CPtCstrList m_PointConstraints;
   CPtCstrList m_GeneratedConstraints;
   CLightSet m_RemovedLights;
   CLightSet m_AddedLights;
+  CTextureImages m_Textures;
 
   GridHost* m_pHost = nullptr;
 };

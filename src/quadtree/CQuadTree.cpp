@@ -224,6 +224,12 @@ bool CQuadTree::IsRectInOneCell(int x0, int y0, int x1, int y1) const {
   return within(*cell) && (cell->HasChildren() || cell->IsActive());
 }
 
+void CQuadTree::ForgetLeaves() {
+  static std::uint64_t last = 0;
+  m_bLeavesKnown = false;
+  m_uRevision = ++last;
+}
+
 std::span<const CLeaf> CQuadTree::Leaves() {
   if (!m_bLeavesKnown) ListLeaves();
   return m_aLeaves;

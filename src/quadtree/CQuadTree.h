@@ -56,6 +56,8 @@ class CQuadTree {
   /// The active leaves, depth-first with children in their fixed order, ready for passes that must not walk the tree.
   /// Made anew at the first call after the subdivision or a flag has changed.
   std::span<const CLeaf> Leaves();
+  /// Changes whenever `Leaves()` may have changed; no two trees have the same.
+  std::uint64_t Revision() const { return m_uRevision; }
   /// The weights of the centre of one of `Leaves()` whose centre is not the mean of its corners.
   const CCentreWeights& CentreOf(const CLeaf& leaf) const { return m_aCentres[leaf.m_uCentre]; }
 
@@ -111,7 +113,7 @@ class CQuadTree {
   }
 
   friend class CQuadT;
-  void ForgetLeaves() { m_bLeavesKnown = false; }
+  void ForgetLeaves();
   void ListLeaves();
   std::size_t CellNumber(int level, int i, int j) const;
   /// Whether the cell exists and no cell above it is active, so that it is part of the subdivision or was split by it.
@@ -124,6 +126,7 @@ class CQuadTree {
   std::vector<std::size_t> m_aLevelStart;  ///< number of the first cell of each level
   std::vector<CQuadT> m_aCells;            ///< level by level from the root, depth-first within a level
   bool m_bLeavesKnown = false;
+  std::uint64_t m_uRevision = 0;
   std::vector<CLeaf> m_aLeaves;
   std::vector<CCentreWeights> m_aCentres;  ///< of the leaves whose centre is not the mean of the corners
 };

@@ -1,0 +1,29 @@
+#pragma once
+
+/// What the two views ask of the window around them.
+class ViewHost {
+ public:
+  virtual ~ViewHost() = default;
+
+  /// Hold the solver for the time of a drag or a command, and let it go on after it.
+  virtual void PauseSolverForCommand() = 0;
+  virtual void ResumeAfterCommand() = 0;
+
+  /// Help line: show text `index`; go back to the text that stays.
+  virtual void ShowHelp(int index) = 0;
+  virtual void RestoreHelp() = 0;
+
+  virtual void RedrawImageView() = 0;
+  virtual void RedrawModelView() = 0;
+  virtual void FocusImageView() = 0;
+
+  /// Whether the debug zone is on show, so that its read-outs are worth keeping up to date.
+  virtual bool ShowsDebugZone() const = 0;
+  /// Whether the point under the mouse lies inside the picture.
+  virtual void ShowPointerInside(bool inside) = 0;
+  /// Term of the nearest point or cell ("Influence of current point"), number and level code of the nearest point.
+  virtual void ShowInfluence(double value) = 0;
+  virtual void ShowNumber(int number, int levelCode) = 0;
+  /// A message box that the user has to acknowledge; ends every drag.
+  virtual void Notice(const char* text) = 0;
+};
