@@ -1,18 +1,30 @@
-# relievo_add_test(<name> <source>...)      tests of the model, label "core"
+# relievo_add_test(<name> <source>...)      tests of the model, label "core": all of them together take a moment
+# relievo_add_slow_test(<name> <source>...) the same for tests that solve or search at length, label "slow"
 # relievo_add_gui_test(<name> <source>...)  tests that need a display, label "gui", never two at once
 #
 # One executable per room. A test finds the builders of tests/support/ as "support/...". Under ctest the properties
 # are always tried with the same random cases; the executable started by hand takes new ones.
 include(GoogleTest)
 
-function(relievo_add_test name)
+function(add_model_executable name)
   add_executable(${name} ${ARGN})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_link_libraries(${name} PRIVATE
     relievo_core relievo_warnings rapidcheck_gtest GTest::gtest_main)
+endfunction()
+
+# One test of ctest for the whole executable: starting a process for each of its tests would take longer than they do.
+function(relievo_add_test name)
+  add_model_executable(${name} ${ARGN})
+  add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+  set_tests_properties(${name} PROPERTIES LABELS core TIMEOUT 300 ENVIRONMENT RC_PARAMS=seed=1)
+endfunction()
+
+function(relievo_add_slow_test name)
+  add_model_executable(${name} ${ARGN})
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
-    PROPERTIES LABELS core TIMEOUT 300 ENVIRONMENT RC_PARAMS=seed=1)
+    PROPERTIES LABELS slow TIMEOUT 300 ENVIRONMENT RC_PARAMS=seed=1)
 endfunction()
 
 function(relievo_add_gui_test name)

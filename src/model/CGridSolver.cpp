@@ -37,7 +37,8 @@ constexpr int kRetriesPerEdit = 2;
 // progress for as long on the way, but then its image is still large.
 constexpr double kStallFactor = 40.0;
 constexpr double kRoundingShare = 1e-9;
-constexpr double kRefinementStallFactor = 400.0;
+// After this many the iteration will make no more progress at all.
+constexpr double kHopelessStallFactor = 400.0;
 
 double Norm(std::span<const double> values) {
   return std::sqrt(std::transform_reduce(values.begin(), values.end(), values.begin(), 0.0));
@@ -146,11 +147,9 @@ CGridSolver::Outcome CGridSolver::Iterate(std::span<double> x, int limit, const 
       return Stop(smallRho ? "|r_rr| is too small " : "|pp_pp| is too small ", value, true);
     }
   }
-  // What a refinement cannot reduce any more is rounding.
-  if (HasStalled(kRefinementStallFactor) && std::isfinite(m_fTrueNorm)) {
-    return Stop("|r_rr| stays at ", m_Residual.Rho(), true);
-  }
   if (HasStalled(kStallFactor) && IsContradictory()) Reconcile(x);
+  // Either what is left is rounding, or the recurrence has lost its way and needs another start.
+  if (HasStalled(kHopelessStallFactor)) return Stop("|r_rr| stays at ", m_Residual.Rho(), true);
   return Outcome::TickDone;
 }
 

@@ -184,6 +184,48 @@ TEST_P(SolverSymmetryTest, ImageOfTheConstraintsGivesTheImageOfTheSurface) {
   EXPECT_LT(LargestDifference(Solved(mirrored, images), wanted), kTolerance * (highest - lowest));
 }
 
+// Constraints anywhere on a random subdivision, and again at some of their places with other targets.
+class CContradictoryModel : public CSolverGrid {
+ public:
+  CContradictoryModel(std::uint32_t seed, int contradictions, WaveletMode mode)
+      : CSolverGrid(4, 1 + static_cast<int>(seed % 3), CExtent{}, mode), m_Random(seed) {
+    if (seed % 2 == 0) RandomiseRecord(m_Grid.Subdivision(), seed, 15);
+    m_Grid.SetDiscMap();
+    const auto heights = 3 + static_cast<int>(m_Random() % 6);
+    const auto slopes = static_cast<int>(m_Random() % 3);
+    for (int k = 0; k < heights; ++k) m_Grid.AddPtCstr(HeightCstr(Uniform(0, 100), Uniform(0, 100), Uniform(-30, 30)));
+    for (int k = 0; k < slopes; ++k) {
+      m_Grid.AddPtCstr(SlopeCstr(Uniform(0, 100), Uniform(0, 100), Uniform(-0.3, 0.3), Uniform(-0.3, 0.3)));
+    }
+    for (int k = 0; k < contradictions; ++k) Contradict();
+  }
+
+ private:
+  void Contradict() {
+    CPtCstr c = RecordAt(m_Grid.PointConstraints(), static_cast<int>(m_Random() % m_Grid.PointConstraints().size()));
+    c.m_fZ = Uniform(-30, 30);
+    c.m_fP = Uniform(-0.3, 0.3);
+    m_Grid.AddPtCstr(c);
+  }
+  double Uniform(double low, double high) { return std::uniform_real_distribution(low, high)(m_Random); }
+
+  std::mt19937 m_Random;
+};
+
+class SolverContradictionTest : public testing::TestWithParam<std::tuple<int, WaveletMode>> {};
+
+INSTANTIATE_TEST_SUITE_P(Models, SolverContradictionTest,
+                         testing::Combine(testing::Values(1, 4), testing::ValuesIn(kAllModes)));
+
+TEST_P(SolverContradictionTest, IterationEndsOnAFiniteSurface) {
+  constexpr int kTicks = 5000;
+  for (std::uint32_t seed = 1; seed <= 24; ++seed) {
+    CContradictoryModel model(seed, std::get<int>(GetParam()), std::get<WaveletMode>(GetParam()));
+    EXPECT_TRUE(model.Converge(kTicks)) << seed;
+    EXPECT_TRUE(AllFinite(model.m_Grid.Lattice().Heights())) << seed;
+  }
+}
+
 class SolverLimitsTest : public testing::TestWithParam<WaveletMode> {
  protected:
   CGrid& Grid() { return m_Solver.m_Grid; }
