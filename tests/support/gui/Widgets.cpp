@@ -65,6 +65,17 @@ void Type(Fl_Value_Input& input, const char* text) {
   input.input.do_callback();
 }
 
+void TypeKey(Fl_Input& input, const char* character) {
+  static std::string text;  // the toolkit may look at it until the next key
+  text = character;
+  Fl::e_keysym = static_cast<unsigned char>(text.front());
+  Fl::e_state = 0;
+  Fl::e_text = text.data();
+  Fl::e_length = static_cast<int>(text.size());
+  Fl::e_number = FL_KEYBOARD;
+  input.handle(FL_KEYBOARD);
+}
+
 CModalAnswers::CModalAnswers(std::deque<Action> actions) : m_aActions(std::move(actions)) {
   Fl::add_timeout(kLookPeriod, cb_Timer, this);
 }

@@ -33,6 +33,9 @@ void DragAlong(Fl_Widget& widget, double from, double to);
 /// As if the user had replaced the text of the input by `text`.
 void Type(Fl_Value_Input& input, const char* text);
 
+/// One typed character, which replaces what is marked.
+void TypeKey(Fl_Input& input, const char* character);
+
 /// Answers the modal windows that appear while the object lives: each action is given the next one, once it is open.
 /// A test fails when an action finds no window or a window is left open.
 class CModalAnswers {
