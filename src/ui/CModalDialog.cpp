@@ -28,10 +28,11 @@ bool CModalDialog::Run() {
   return m_bAccepted;
 }
 
-void CModalDialog::Accept() {
-  if (!ReadInput()) return;
+bool CModalDialog::Accept() {
+  if (!ReadInput()) return false;
   m_bAccepted = true;
   hide();
+  return true;
 }
 
 void CModalDialog::Refuse(const char* reason) { m_Views.Notice(reason); }

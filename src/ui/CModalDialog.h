@@ -17,8 +17,8 @@ class CModalDialog : public Fl_Double_Window {
 
   /// Shows the dialog and lets the toolkit work until it has ended; whether it was accepted.
   bool Run();
-  /// Ends the dialog as accepted if `ReadInput` agrees.
-  void Accept();
+  /// Ends the dialog as accepted if `ReadInput` agrees; whether it did.
+  bool Accept();
   /// Takes what was entered. False leaves the dialog open as it is, after telling the user why with `Refuse`.
   virtual bool ReadInput() = 0;
   void Refuse(const char* reason);
