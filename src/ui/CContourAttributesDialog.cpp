@@ -12,26 +12,42 @@
 
 namespace {
 
-constexpr double kSteepestOrientation = 80;
+using Attributes = CContourAttributes;
 
 struct CNumberRow {
   const char* m_pLabel;
   const char* m_pName;
   int m_iY;
-  double CContourSide::*m_pValue;
+  bool m_bWeight;
+  double& (*m_pValue)(Attributes& attributes);
 };
 
-constexpr std::size_t kWeights = 2;
-constexpr std::array<CNumberRow, 4> kRows{{
-    {"curvature:", "curvature", 30, &CContourSide::m_fCurvature},
-    {"torsion:", "torsion", 60, &CContourSide::m_fTorsion},
-    {"Intercons-\ntraint dist.", "constraint distance", 154, &CContourSide::m_fDistance},
-    {"Normal\nOrientation", "normal orientation", 196, &CContourSide::m_fOrientation},
-}};
-
-bool SameWeights(const CContourSide& a, const CContourSide& b) {
-  return a.m_fCurvature == b.m_fCurvature && a.m_fTorsion == b.m_fTorsion;
+template <double CNodeWeights::*Weight>
+constexpr CNumberRow WeightRow(const char* label, const char* name, int y) {
+  return {label, name, y, true, [](Attributes& a) -> double& { return a.m_Weights.*Weight; }};
 }
+
+template <CurveSide Side, double CAutoBump::*Value>
+constexpr CNumberRow BumpRow(const char* label, const char* name, int y) {
+  return {label, name, y, false,
+          [](Attributes& a) -> double& { return a.m_aAutoBumps[static_cast<std::size_t>(Side)].*Value; }};
+}
+
+constexpr std::size_t kPerSide = 4;
+constexpr CurveSide kLeft = CurveSide::Left;
+constexpr CurveSide kRight = CurveSide::Right;
+
+// The numbers of the left side, then those of the right.
+constexpr std::array<CNumberRow, 2 * kPerSide> kRows{{
+    WeightRow<&CNodeWeights::m_fLeftCurvature>("curvature:", "left curvature", 30),
+    WeightRow<&CNodeWeights::m_fLeftTorsion>("torsion:", "left torsion", 60),
+    BumpRow<kLeft, &CAutoBump::m_fDistance>("Intercons-\ntraint dist.", "left constraint distance", 154),
+    BumpRow<kLeft, &CAutoBump::m_fOrientation>("Normal\nOrientation", "left normal orientation", 196),
+    WeightRow<&CNodeWeights::m_fRightCurvature>("curvature:", "right curvature", 30),
+    WeightRow<&CNodeWeights::m_fRightTorsion>("torsion:", "right torsion", 60),
+    BumpRow<kRight, &CAutoBump::m_fDistance>("Intercons-\ntraint dist.", "right constraint distance", 154),
+    BumpRow<kRight, &CAutoBump::m_fOrientation>("Normal\nOrientation", "right normal orientation", 196),
+}};
 
 Fl_Group* BeginFrame(int x, int y, int h, const char* label) {
   auto* group = new Fl_Group(x, y, 170, h, label);
@@ -42,9 +58,9 @@ Fl_Group* BeginFrame(int x, int y, int h, const char* label) {
 }  // namespace
 
 CContourAttributesDialog::CContourAttributesDialog(ViewHost& views, const Fl_Window& mainWindow)
-    : CModalDialog(359, 318, "Contour Attributes", views, mainWindow),
-      m_Left(BuildSide(6, "Left Weights:", "Left Auto Bump")),
-      m_Right(BuildSide(183, "Right Weights:", "Right Auto Bump")) {
+    : CModalDialog(359, 318, "Contour Attributes", views, mainWindow) {
+  BuildSide(kLeft, 6, "Left Weights:", "Left Auto Bump");
+  BuildSide(kRight, 183, "Right Weights:", "Right Auto Bump");
   m_pClosed = new Fl_Check_Button(115, 246, 130, 25, "closed contour");
   AddOk(6, 280, 90, 30);
   auto* exportConstraints = new Fl_Button(102, 280, 155, 30, "Export Constraints");
@@ -54,21 +70,22 @@ CContourAttributesDialog::CContourAttributesDialog(ViewHost& views, const Fl_Win
   Refresh({}, false);
 }
 
-CContourAttributesDialog::CSideWidgets CContourAttributesDialog::BuildSide(int left, const char* weights,
-                                                                           const char* autoBump) {
-  CSideWidgets widgets;
-  const auto addNumber = [&](std::size_t k) {
-    widgets.m_apNumbers[k] = new CNumberInput(left + 82, kRows[k].m_iY, 80, 25, kRows[k].m_pLabel);
-    widgets.m_apNumbers[k]->labelsize(13);
+void CContourAttributesDialog::BuildSide(CurveSide side, int left, const char* weights, const char* autoBump) {
+  const auto index = static_cast<std::size_t>(side);
+  const auto addNumbers = [&](bool weight) {
+    for (std::size_t k = index * kPerSide; k < (index + 1) * kPerSide; ++k) {
+      if (kRows[k].m_bWeight != weight) continue;
+      m_apNumbers[k] = new CNumberInput(left + 82, kRows[k].m_iY, 80, 25, kRows[k].m_pLabel);
+      m_apNumbers[k]->labelsize(13);
+    }
   };
-  widgets.m_pWeights = BeginFrame(left, 24, 68, weights);
-  for (std::size_t k = 0; k < kWeights; ++k) addNumber(k);
-  widgets.m_pWeights->end();
+  m_apWeights[index] = BeginFrame(left, 24, 68, weights);
+  addNumbers(true);
+  m_apWeights[index]->end();
   Fl_Group* bump = BeginFrame(left, 116, 116, autoBump);
-  widgets.m_pAutoBump = new Fl_Check_Button(left + 50, 122, 90, 25, "Enable");
-  for (std::size_t k = kWeights; k < kRows.size(); ++k) addNumber(k);
+  m_apAutoBumps[index] = new Fl_Check_Button(left + 50, 122, 90, 25, "Enable");
+  addNumbers(false);
   bump->end();
-  return widgets;
 }
 
 std::optional<CContourAnswer> CContourAttributesDialog::Ask(const CContourAttributes& present, bool fairness) {
@@ -77,7 +94,7 @@ std::optional<CContourAnswer> CContourAttributesDialog::Ask(const CContourAttrib
   if (!Run()) return std::nullopt;
   CContourAnswer answer;
   answer.m_Attributes = m_Entered;
-  if (!SameWeights(m_Entered.m_Left, present.m_Left) || !SameWeights(m_Entered.m_Right, present.m_Right)) {
+  if (m_Entered.m_Weights != present.m_Weights) {
     answer.m_bAllNodes = AskYesNo("weights applied to all contour nodes?");
   }
   if (m_bExport) {
@@ -88,42 +105,36 @@ std::optional<CContourAnswer> CContourAttributesDialog::Ask(const CContourAttrib
   return answer;
 }
 
-void CContourAttributesDialog::Refresh(const CContourAttributes& attributes, bool fairness) {
-  RefreshSide(m_Left, attributes.m_Left);
-  RefreshSide(m_Right, attributes.m_Right);
+void CContourAttributesDialog::Refresh(CContourAttributes attributes, bool fairness) {
+  for (std::size_t k = 0; k < kRows.size(); ++k) m_apNumbers[k]->Preset(kRows[k].m_pValue(attributes));
+  m_apAutoBumps[0]->value(attributes.m_bLeftAutoBump ? 1 : 0);
+  m_apAutoBumps[1]->value(attributes.m_bRightAutoBump ? 1 : 0);
   m_pClosed->value(attributes.m_bClosed ? 1 : 0);
-  m_Left.m_pWeights->label(fairness ? "Weights" : "Left Weights:");
+  m_apWeights[0]->label(fairness ? "Weights" : "Left Weights:");
   if (fairness) {
-    m_Right.m_pWeights->hide();
+    m_apWeights[1]->hide();
   } else {
-    m_Right.m_pWeights->show();
+    m_apWeights[1]->show();
   }
-}
-
-void CContourAttributesDialog::RefreshSide(const CSideWidgets& widgets, const CContourSide& side) {
-  for (std::size_t k = 0; k < kRows.size(); ++k) widgets.m_apNumbers[k]->Preset(side.*kRows[k].m_pValue);
-  widgets.m_pAutoBump->value(side.m_bAutoBump ? 1 : 0);
 }
 
 bool CContourAttributesDialog::ReadInput() {
   CContourAttributes entered;
-  if (!ReadSide(m_Left, "left", entered.m_Left) || !ReadSide(m_Right, "right", entered.m_Right)) return false;
-  entered.m_bClosed = m_pClosed->value() != 0;
-  m_Entered = entered;
-  return true;
-}
-
-bool CContourAttributesDialog::ReadSide(const CSideWidgets& widgets, const char* name, CContourSide& side) {
   for (std::size_t k = 0; k < kRows.size(); ++k) {
-    const std::optional<double> number = widgets.m_apNumbers[k]->Number();
+    const std::optional<double> number = m_apNumbers[k]->Number();
     if (!number.has_value()) {
-      Refuse((std::string("The ") + name + ' ' + kRows[k].m_pName + " must be a number.").c_str());
+      Refuse((std::string("The ") + kRows[k].m_pName + " must be a number.").c_str());
       return false;
     }
-    side.*kRows[k].m_pValue = *number;
+    kRows[k].m_pValue(entered) = *number;
   }
-  side.m_fOrientation = std::clamp(side.m_fOrientation, -kSteepestOrientation, kSteepestOrientation);
-  side.m_bAutoBump = widgets.m_pAutoBump->value() != 0;
+  for (CAutoBump& bump : entered.m_aAutoBumps) {
+    bump.m_fOrientation = std::clamp(bump.m_fOrientation, -CCntrCtrl::kMaxOrientation, CCntrCtrl::kMaxOrientation);
+  }
+  entered.m_bLeftAutoBump = m_apAutoBumps[0]->value() != 0;
+  entered.m_bRightAutoBump = m_apAutoBumps[1]->value() != 0;
+  entered.m_bClosed = m_pClosed->value() != 0;
+  m_Entered = entered;
   return true;
 }
 

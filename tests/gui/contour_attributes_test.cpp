@@ -17,38 +17,40 @@ constexpr const char* kExport =
     "You chose to transform auto generated constraints to manual constraints\n"
     "There is no way you can reverse that. Are you sure ?";
 
-// Ten different values, so that none can stand in for another. One is longer than what an input shows.
-constexpr CContourAttributes kPresent{{0.125, 2.25, true, 3.123456789, -14}, {5, 6, false, 7, 80}, true};
+// Eight different numbers, so that none can stand in for another. One is longer than what an input shows.
+constexpr CContourAttributes kPresent{true, true, false, {{{3.123456789, -14}, {7, 80}}}, {0.125, 5, 2.25, 6}};
+
+using Attributes = CContourAttributes;
 
 struct CInputRow {
   const char* m_pGroup;
   const char* m_pLabel;
   const char* m_pName;
-  CContourSide CContourAttributes::*m_pSide;
-  double CContourSide::*m_pValue;
   bool m_bWeight;
+  double& (*m_pValue)(Attributes& attributes);
 };
-
-using Attributes = CContourAttributes;
-using Side = CContourSide;
 
 constexpr std::array kInputs{
-    CInputRow{"Left Weights:", "curvature:", "left curvature", &Attributes::m_Left, &Side::m_fCurvature, true},
-    CInputRow{"Left Weights:", "torsion:", "left torsion", &Attributes::m_Left, &Side::m_fTorsion, true},
-    CInputRow{"Left Auto Bump", "Intercons-\ntraint dist.", "left constraint distance", &Attributes::m_Left,
-              &Side::m_fDistance, false},
-    CInputRow{"Left Auto Bump", "Normal\nOrientation", "left normal orientation", &Attributes::m_Left,
-              &Side::m_fOrientation, false},
-    CInputRow{"Right Weights:", "curvature:", "right curvature", &Attributes::m_Right, &Side::m_fCurvature, true},
-    CInputRow{"Right Weights:", "torsion:", "right torsion", &Attributes::m_Right, &Side::m_fTorsion, true},
-    CInputRow{"Right Auto Bump", "Intercons-\ntraint dist.", "right constraint distance", &Attributes::m_Right,
-              &Side::m_fDistance, false},
-    CInputRow{"Right Auto Bump", "Normal\nOrientation", "right normal orientation", &Attributes::m_Right,
-              &Side::m_fOrientation, false},
+    CInputRow{"Left Weights:", "curvature:", "left curvature", true,
+              [](Attributes& a) -> double& { return a.m_Weights.m_fLeftCurvature; }},
+    CInputRow{"Left Weights:", "torsion:", "left torsion", true,
+              [](Attributes& a) -> double& { return a.m_Weights.m_fLeftTorsion; }},
+    CInputRow{"Left Auto Bump", "Intercons-\ntraint dist.", "left constraint distance", false,
+              [](Attributes& a) -> double& { return a.m_aAutoBumps[0].m_fDistance; }},
+    CInputRow{"Left Auto Bump", "Normal\nOrientation", "left normal orientation", false,
+              [](Attributes& a) -> double& { return a.m_aAutoBumps[0].m_fOrientation; }},
+    CInputRow{"Right Weights:", "curvature:", "right curvature", true,
+              [](Attributes& a) -> double& { return a.m_Weights.m_fRightCurvature; }},
+    CInputRow{"Right Weights:", "torsion:", "right torsion", true,
+              [](Attributes& a) -> double& { return a.m_Weights.m_fRightTorsion; }},
+    CInputRow{"Right Auto Bump", "Intercons-\ntraint dist.", "right constraint distance", false,
+              [](Attributes& a) -> double& { return a.m_aAutoBumps[1].m_fDistance; }},
+    CInputRow{"Right Auto Bump", "Normal\nOrientation", "right normal orientation", false,
+              [](Attributes& a) -> double& { return a.m_aAutoBumps[1].m_fOrientation; }},
 };
 
-const std::array kBumps{std::pair{"Left Auto Bump", &Attributes::m_Left},
-                        std::pair{"Right Auto Bump", &Attributes::m_Right}};
+constexpr std::array kBumps{std::pair{"Left Auto Bump", &Attributes::m_bLeftAutoBump},
+                            std::pair{"Right Auto Bump", &Attributes::m_bRightAutoBump}};
 
 class ContourAttributesTest : public PanelTest {
  protected:
@@ -77,13 +79,9 @@ class ContourAttributesTest : public PanelTest {
   static Fl_Button& Enable(Fl_Window& window, const char* group) {
     return Find<Fl_Check_Button>(Find<Fl_Group>(window, group), "Enable");
   }
-  static double& ValueOf(CContourAttributes& attributes, const CInputRow& row) {
-    return attributes.*row.m_pSide.*row.m_pValue;
-  }
   static void ExpectAttributes(CContourAttributes actual, CContourAttributes expected) {
-    for (const CInputRow& row : kInputs) EXPECT_EQ(ValueOf(actual, row), ValueOf(expected, row)) << row.m_pName;
-    EXPECT_EQ(actual.m_Left.m_bAutoBump, expected.m_Left.m_bAutoBump);
-    EXPECT_EQ(actual.m_Right.m_bAutoBump, expected.m_Right.m_bAutoBump);
+    for (const CInputRow& row : kInputs) EXPECT_EQ(row.m_pValue(actual), row.m_pValue(expected)) << row.m_pName;
+    for (const auto& [group, enabled] : kBumps) EXPECT_EQ(actual.*enabled, expected.*enabled) << group;
     EXPECT_EQ(actual.m_bClosed, expected.m_bClosed);
   }
 
@@ -104,9 +102,9 @@ TEST_F(ContourAttributesTest, ShowsTheNodeAndTheCurve) {
   Ask(
       [](Fl_Window& window) {
         CContourAttributes present = kPresent;
-        for (const CInputRow& row : kInputs) EXPECT_EQ(Input(window, row).value(), ValueOf(present, row));
-        for (const auto& [group, side] : kBumps) {
-          EXPECT_EQ(Enable(window, group).value() != 0, (present.*side).m_bAutoBump) << group;
+        for (const CInputRow& row : kInputs) EXPECT_EQ(Input(window, row).value(), row.m_pValue(present));
+        for (const auto& [group, enabled] : kBumps) {
+          EXPECT_EQ(Enable(window, group).value() != 0, present.*enabled) << group;
         }
         EXPECT_EQ(Find<Fl_Check_Button>(window, "closed contour").value(), 1);
       },
@@ -135,7 +133,7 @@ TEST_F(ContourAttributesTest, FairnessCurveShowsOnePairOfWeights) {
         EXPECT_FALSE(FindWidget(window, "Right Weights:").visible());
         auto& weights = Find<Fl_Group>(window, "Weights");
         EXPECT_TRUE(weights.visible());
-        EXPECT_EQ(Find<Fl_Value_Input>(weights, "curvature:").value(), kPresent.m_Left.m_fCurvature);
+        EXPECT_EQ(Find<Fl_Value_Input>(weights, "curvature:").value(), kPresent.m_Weights.m_fLeftCurvature);
         EXPECT_TRUE(FindWidget(window, "Right Auto Bump").visible());
       },
       "OK", {}, true);
@@ -157,7 +155,7 @@ TEST_F(ContourAttributesTest, EveryEnteredNumberComesBackInItsPlace) {
     if (row.m_bWeight) questions.push_back(Answer(kAllNodes, "No"));
     const auto answer = Ask([&](Fl_Window& window) { Type(Input(window, row), "-33.5"); }, "OK", questions);
     CContourAttributes expected = kPresent;
-    ValueOf(expected, row) = -33.5;
+    row.m_pValue(expected) = -33.5;
     ASSERT_TRUE(answer.has_value());
     ExpectAttributes(answer->m_Attributes, expected);
   }
@@ -166,13 +164,13 @@ TEST_F(ContourAttributesTest, EveryEnteredNumberComesBackInItsPlace) {
 TEST_F(ContourAttributesTest, CheckButtonsComeBack) {
   const auto answer = Ask(
       [](Fl_Window& window) {
-        for (const auto& [group, side] : kBumps) Press(Enable(window, group));
+        for (const auto& [group, enabled] : kBumps) Press(Enable(window, group));
         Press(Find<Fl_Check_Button>(window, "closed contour"));
       },
       "OK");
   ASSERT_TRUE(answer.has_value());
-  EXPECT_FALSE(answer->m_Attributes.m_Left.m_bAutoBump);
-  EXPECT_TRUE(answer->m_Attributes.m_Right.m_bAutoBump);
+  EXPECT_FALSE(answer->m_Attributes.m_bLeftAutoBump);
+  EXPECT_TRUE(answer->m_Attributes.m_bRightAutoBump);
   EXPECT_FALSE(answer->m_Attributes.m_bClosed);
 }
 
@@ -183,7 +181,7 @@ TEST_F(ContourAttributesTest, OrientationsAreHeldToEightyDegrees) {
     for (const CInputRow& row : {kInputs[3], kInputs[7]}) {
       auto answer = Ask([&](Fl_Window& window) { Type(Input(window, row), text); }, "OK");
       ASSERT_TRUE(answer.has_value());
-      EXPECT_EQ(ValueOf(answer->m_Attributes, row), expected) << row.m_pName << text;
+      EXPECT_EQ(row.m_pValue(answer->m_Attributes), expected) << row.m_pName << text;
     }
   }
 }
@@ -206,7 +204,7 @@ TEST_F(ContourAttributesTest, ExportIsConfirmed) {
                             {Answer(kExport, button)});
     ASSERT_TRUE(answer.has_value());
     EXPECT_EQ(answer->m_bExport, exports);
-    EXPECT_EQ(answer->m_Attributes.m_Left.m_fDistance, 4);
+    EXPECT_EQ(answer->m_Attributes.m_aAutoBumps[0].m_fDistance, 4);
   }
 }
 
