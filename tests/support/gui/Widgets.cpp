@@ -87,7 +87,7 @@ CModalAnswers::~CModalAnswers() {
 
 void CModalAnswers::Look() {
   Fl_Window* window = Fl::modal();
-  if (window == nullptr || window->shown() == 0) return;
+  if (window == nullptr || window->shown() == 0 || window == m_pAnswered) return;
   if (m_aActions.empty()) {
     ADD_FAILURE() << "left open: " << (window->label() == nullptr ? "a window" : window->label());
     window->hide();
@@ -95,7 +95,9 @@ void CModalAnswers::Look() {
   }
   const Action action = std::move(m_aActions.front());
   m_aActions.pop_front();
+  Fl_Window* outer = std::exchange(m_pAnswered, window);
   action(*window);
+  m_pAnswered = outer;
 }
 
 // Armed again first, because an answer may open the next window and wait for it.

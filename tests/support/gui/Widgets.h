@@ -52,4 +52,5 @@ class CModalAnswers {
   static void cb_Timer(void* answers);
 
   std::deque<Action> m_aActions;
+  Fl_Window* m_pAnswered = nullptr;  ///< while its action runs, which may let the toolkit work
 };
