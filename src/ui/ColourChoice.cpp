@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr double kLargestByte = 255;
+constexpr int kLargestByte = 255;
 
 int NearestStep(double channel, int largest) {
   return static_cast<int>(std::lround(std::clamp(channel, 0.0, 1.0) * largest));
@@ -20,11 +20,19 @@ Fl_Color NearestCubeColour(const CColour& colour) {
                        NearestStep(colour[2], FL_NUM_BLUE - 1));
 }
 
+bool ChooseColour(const char* title, std::array<int, 3>& bytes) {
+  auto red = static_cast<uchar>(bytes[0]);
+  auto green = static_cast<uchar>(bytes[1]);
+  auto blue = static_cast<uchar>(bytes[2]);
+  if (fl_color_chooser(title, red, green, blue) == 0) return false;
+  bytes = {red, green, blue};
+  return true;
+}
+
 bool ChooseColour(const char* title, CColour& colour) {
-  std::array<uchar, 3> bytes{};
-  std::ranges::transform(colour, bytes.begin(),
-                         [](double channel) { return static_cast<uchar>(NearestStep(channel, 255)); });
-  if (fl_color_chooser(title, bytes[0], bytes[1], bytes[2]) == 0) return false;
-  std::ranges::transform(bytes, colour.begin(), [](uchar byte) { return byte / kLargestByte; });
+  std::array<int, 3> bytes{};
+  std::ranges::transform(colour, bytes.begin(), [](double channel) { return NearestStep(channel, kLargestByte); });
+  if (!ChooseColour(title, bytes)) return false;
+  std::ranges::transform(bytes, colour.begin(), [](int byte) { return byte / double{kLargestByte}; });
   return true;
 }
