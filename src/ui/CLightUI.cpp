@@ -101,6 +101,7 @@ void CLightUI::BuildChoices() {
 void CLightUI::BuildRecord() {
   m_pTubeColour = new Fl_Button(172, 98, 30, 26, "Color (of the tube)");
   m_pTubeColour->align(FL_ALIGN_RIGHT);
+  m_pTubeColour->labelsize(12);
   m_pTubeColour->callback(cb_TubeColour, this);
   m_pActive = new Fl_Check_Button(164, 130, 164, 26, "Set the light active");
   m_pDrawn = new Fl_Check_Button(164, 158, 240, 26, "Draw the light in the 3D scene");
