@@ -1,0 +1,42 @@
+#include "ui/CModalDialog.h"
+
+#include <FL/Fl.H>
+#include <FL/Fl_Return_Button.H>
+
+#include "ui/DialogPlacement.h"
+#include "ui/ViewHost.h"
+
+CModalDialog::CModalDialog(int width, int height, const char* title, ViewHost& views, const Fl_Window& mainWindow)
+    : Fl_Double_Window(width, height, title), m_Views(views), m_MainWindow(mainWindow) {
+  set_modal();
+}
+
+void CModalDialog::AddOk(int x, int y, int w, int h) {
+  auto* button = new Fl_Return_Button(x, y, w, h, "OK");
+  button->callback(cb_Ok, this);
+}
+
+void CModalDialog::AddCancel(int x, int y, int w, int h) {
+  auto* button = new Fl_Button(x, y, w, h, "Cancel");
+  button->callback(cb_Cancel, this);
+}
+
+bool CModalDialog::Run() {
+  m_bAccepted = false;
+  OpenBeside(*this, m_MainWindow);
+  while (shown() != 0) Fl::wait();
+  return m_bAccepted;
+}
+
+bool CModalDialog::Accept() {
+  if (!ReadInput()) return false;
+  m_bAccepted = true;
+  hide();
+  return true;
+}
+
+void CModalDialog::Refuse(const char* reason) { m_Views.Notice(reason); }
+
+void CModalDialog::cb_Ok(Fl_Widget* /*widget*/, void* dialog) { static_cast<CModalDialog*>(dialog)->Accept(); }
+
+void CModalDialog::cb_Cancel(Fl_Widget* /*widget*/, void* dialog) { static_cast<CModalDialog*>(dialog)->hide(); }

@@ -1,0 +1,27 @@
+#pragma once
+
+struct CLight;
+
+/// Which texture the model view shows.
+enum class TextureMode { Original = 1, Kd = 2, NewIllumination = 3 };
+
+/// What the light panel asks of the model and of the model view.
+class LightingCommands {
+ public:
+  virtual ~LightingCommands() = default;
+
+  /// Record `index` (0 to 3 and, ambient, 4) of a set (kRemovedLights, kAddedLights). It stays where it is.
+  virtual CLight* GetLightSource(int index, int type) = 0;
+
+  /// The tree's normals, and from them the normals of the texels.
+  virtual void UpdateTexelNormals() = 0;
+  /// The tree's normals, and with them places and normals of the texels.
+  virtual void UpdateTexelInterpolation() = 0;
+  /// The albedo and the new illumination.
+  virtual void UpdateKd() = 0;
+  /// Whether `UpdateKd` has produced the images for the present picture.
+  virtual bool HasKd() const = 0;
+
+  virtual TextureMode ShownTexture() const = 0;
+  virtual void ShowTexture(TextureMode mode) = 0;
+};

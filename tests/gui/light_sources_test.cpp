@@ -1,0 +1,505 @@
+#include <array>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include <FL/Fl_Check_Button.H>
+#include <FL/Fl_Color_Chooser.H>
+#include <FL/Fl_Light_Button.H>
+#include <FL/Fl_Round_Button.H>
+#include <FL/Fl_Value_Slider.H>
+
+#include "lighting/CLight.h"
+#include "support/ConsoleCapture.h"
+#include "support/gui/PanelTest.h"
+#include "ui/CLightUI.h"
+
+namespace {
+
+constexpr std::array kLights{"Light 1", "Light 2", "Light 3", "Light 4", "Ambient light"};
+constexpr const char* kRemoved = "Removed Lights";
+constexpr const char* kAdded = "Added lights";
+constexpr const char* kActive = "Set the light active";
+constexpr const char* kDrawn = "Draw the light in the 3D scene";
+constexpr const char* kTheta = "Theta angle";
+constexpr const char* kPhi = "Phi angle";
+constexpr const char* kPosition = "Light position";
+constexpr const char* kFixRatios = "Fix color ratios";
+constexpr const char* kTube = "Color (of the tube)";
+constexpr const char* kTextures = "Texture Option";
+constexpr const char* kNoLightChosen = "Error CLightUI::current_light()\t\t\tinvalid type (no activated buttons)\n";
+
+/// The model and the view behind the panel: the records, and what was asked of them.
+class RecordingLighting : public LightingCommands {
+ public:
+  CLight* GetLightSource(int index, int type) override {
+    CLightSet& set = type == kRemovedLights ? m_Removed : m_Added;
+    return &set.m_aLights.at(static_cast<std::size_t>(index));
+  }
+  void UpdateTexelNormals() override { m_asCommands.emplace_back("normals"); }
+  void UpdateTexelInterpolation() override { m_asCommands.emplace_back("interpolation"); }
+  void UpdateKd() override {
+    m_asCommands.emplace_back("Kd");
+    m_bHasKd = m_bKdSucceeds;
+  }
+  bool HasKd() const override { return m_bHasKd; }
+  TextureMode ShownTexture() const override { return m_Shown; }
+  void ShowTexture(TextureMode mode) override { m_Shown = mode; }
+
+  CLightSet m_Removed = CLightSet::Removed();
+  CLightSet m_Added = CLightSet::Added();
+  std::vector<std::string> m_asCommands;
+  bool m_bKdSucceeds = true;
+  bool m_bHasKd = false;
+  TextureMode m_Shown = TextureMode::Original;
+};
+
+class LightSourcesTest : public PanelTest {
+ protected:
+  LightSourcesTest() { m_Panel.AttachGrid(m_Lighting); }
+
+  template <class Kind = Fl_Button>
+  Kind& Widget(const char* label) {
+    return Find<Kind>(m_Panel, label);
+  }
+  void Push(const char* label) { Press(Widget(label)); }
+  bool IsOn(const char* label) { return Widget(label).value() != 0; }
+  double Value(const char* label) { return Widget<Fl_Value_Slider>(label).value(); }
+  void Move(const char* label, double value) {
+    Widget<Fl_Value_Slider>(label).value(value);
+    Widget<Fl_Value_Slider>(label).do_callback();
+  }
+  void ExpectColour(double red, double green, double blue) {
+    EXPECT_DOUBLE_EQ(Value("Red"), red);
+    EXPECT_DOUBLE_EQ(Value("Green"), green);
+    EXPECT_DOUBLE_EQ(Value("Blue"), blue);
+  }
+  CLight& Removed(std::size_t k) { return m_Lighting.m_Removed.m_aLights[k]; }
+  CLight& Added(std::size_t k) { return m_Lighting.m_Added.m_aLights[k]; }
+  // Opens the panel on this colour of "Light 1" with the proportions fixed.
+  void OpenFixed(const std::array<double, 3>& colour) {
+    Removed(0).m_afColour = colour;
+    m_Panel.Open();
+    Push(kFixRatios);
+  }
+  void ChooseTubeColour(const std::array<double, 3>& colour, const char* button) {
+    const CModalAnswers answers({[&](Fl_Window& window) {
+      EXPECT_STREQ(window.label(), "Indicator : Color");
+      for (Fl_Widget* widget : WidgetsIn(window)) {
+        auto* chooser = dynamic_cast<Fl_Color_Chooser*>(widget);
+        if (chooser != nullptr) chooser->rgb(colour[0], colour[1], colour[2]);
+      }
+      Press(Find<Fl_Button>(window, button));
+    }});
+    Push(kTube);
+  }
+
+  RecordingLighting m_Lighting;
+  std::vector<bool> m_abVisible;
+  CLightUI m_Panel{m_Views, m_MainWindow, [this](bool visible) { m_abVisible.push_back(visible); }};
+};
+
+}  // namespace
+
+TEST_F(LightSourcesTest, HasItsSizeAndStartsHidden) {
+  EXPECT_EQ(m_Panel.w(), 512);
+  EXPECT_EQ(m_Panel.h(), 439);
+  EXPECT_FALSE(m_Panel.shown());
+  ExpectInsideGroups(m_Panel);
+}
+
+TEST_F(LightSourcesTest, WidgetsHaveTheirKindsAndGroups) {
+  const auto in = [this](const char* group) -> Fl_Group& { return Widget<Fl_Group>(group); };
+  for (const char* label : {kActive, kDrawn}) EXPECT_NO_THROW(Widget<Fl_Check_Button>(label)) << label;
+  for (const char* label : kLights) EXPECT_EQ(Find<Fl_Light_Button>(in("Light #"), label).type(), FL_RADIO_BUTTON);
+  for (const char* label : {kRemoved, kAdded}) {
+    EXPECT_EQ(Find<Fl_Round_Button>(in("Light category"), label).type(), FL_RADIO_BUTTON);
+  }
+  EXPECT_NO_THROW(Find<Fl_Check_Button>(in("Light intensity"), kFixRatios));
+  for (const char* label :
+       {"Show Original texture", "Show Kd texture\nwithout added lights", "Show New Illumination"}) {
+    EXPECT_NO_THROW(Find<Fl_Round_Button>(in(kTextures), label)) << label;
+  }
+  for (const char* label : {"Update\ntexels\nnormals", "Update\ntexels\nInterpolation", "Update\nKd"}) {
+    EXPECT_NO_THROW(Find<Fl_Button>(in("Updates"), label)) << label;
+  }
+}
+
+TEST_F(LightSourcesTest, SlidersHaveTheirRanges) {
+  struct CRow {
+    const char* m_pGroup;
+    const char* m_pLabel;
+    double m_fMaximum;
+  };
+  constexpr std::array kRows{CRow{kPosition, kTheta, 180}, CRow{kPosition, kPhi, 360},
+                             CRow{"Light intensity", "Red", 1}, CRow{"Light intensity", "Green", 1},
+                             CRow{"Light intensity", "Blue", 1}};
+  for (const CRow& row : kRows) {
+    const auto& slider = Find<Fl_Value_Slider>(Widget<Fl_Group>(row.m_pGroup), row.m_pLabel);
+    EXPECT_TRUE((slider.type() & FL_HORIZONTAL) != 0) << row.m_pLabel;
+    EXPECT_EQ(slider.minimum(), 0) << row.m_pLabel;
+    EXPECT_EQ(slider.maximum(), row.m_fMaximum) << row.m_pLabel;
+  }
+}
+
+TEST_F(LightSourcesTest, IsBuiltWithoutALight) {
+  for (const char* label : kLights) EXPECT_FALSE(IsOn(label)) << label;
+  EXPECT_EQ(m_Panel.current_category(), 0);
+  const ConsoleCapture console;
+  EXPECT_EQ(m_Panel.current_light(), 0);
+  EXPECT_EQ(console.Text(), kNoLightChosen);
+}
+
+TEST_F(LightSourcesTest, NothingIsAppliedWithoutALight) {
+  const CLightSet removed = m_Lighting.m_Removed;
+  const CLightSet added = m_Lighting.m_Added;
+  for (const char* label : {kActive, kDrawn}) Push(label);
+  for (const char* label : {kTheta, kPhi, "Red", "Green", "Blue"}) Move(label, 0.5);
+  EXPECT_EQ(m_Lighting.m_Removed, removed);
+  EXPECT_EQ(m_Lighting.m_Added, added);
+  EXPECT_EQ(m_Views.m_iModelRedraws, 0);
+}
+
+TEST_F(LightSourcesTest, FirstOpeningChoosesTheFirstRemovedLight) {
+  const ConsoleCapture console;
+  m_Panel.Open();
+  EXPECT_TRUE(Appears("Light sources"));
+  EXPECT_TRUE(IsOn("Light 1"));
+  EXPECT_TRUE(IsOn(kRemoved));
+  EXPECT_EQ(m_Panel.current_light(), 0);
+  EXPECT_EQ(m_Panel.current_category(), 1);
+  EXPECT_EQ(console.Text(), "");
+}
+
+TEST_F(LightSourcesTest, LaterOpeningsKeepTheChoiceAndShowTheRecordAsItIs) {
+  m_Panel.Open();
+  Push("Light 3");
+  Push(kAdded);
+  m_Panel.hide();
+  Added(2).m_afColour = {0.25, 0.5, 0.75};
+  m_Panel.Open();
+  EXPECT_TRUE(IsOn("Light 3"));
+  EXPECT_TRUE(IsOn(kAdded));
+  ExpectColour(0.25, 0.5, 0.75);
+}
+
+TEST_F(LightSourcesTest, EveryLightAndCategoryIsChosenAlone) {
+  m_Panel.Open();
+  for (int category = 1; category <= 2; ++category) {
+    Push(category == 1 ? kRemoved : kAdded);
+    for (std::size_t k = 0; k < kLights.size(); ++k) {
+      Push(kLights[k]);
+      EXPECT_EQ(m_Panel.current_light(), static_cast<int>(k));
+      EXPECT_EQ(m_Panel.current_category(), category);
+      for (const char* other : kLights) EXPECT_EQ(IsOn(other), other == kLights[k]) << other;
+      EXPECT_NE(IsOn(kRemoved), IsOn(kAdded));
+    }
+  }
+}
+
+TEST_F(LightSourcesTest, ChangesGoIntoTheChosenRecordOnly) {
+  for (int category = 1; category <= 2; ++category) {
+    for (std::size_t k = 0; k < kLights.size(); ++k) {
+      m_Panel.Open();
+      Push(category == 1 ? kRemoved : kAdded);
+      Push(kLights[k]);
+      CLightSet removed = m_Lighting.m_Removed;
+      CLightSet added = m_Lighting.m_Added;
+      Push(kActive);
+      Move("Green", 0.375);
+      CLight& expected = (category == 1 ? removed : added).m_aLights[k];
+      expected.m_bActive = true;
+      expected.m_afColour[1] = 0.375;
+      EXPECT_EQ(m_Lighting.m_Removed, removed) << kLights[k];
+      EXPECT_EQ(m_Lighting.m_Added, added) << kLights[k];
+    }
+  }
+}
+
+TEST_F(LightSourcesTest, EveryWidgetIsAppliedAtOnceAndRedrawsTheModel) {
+  m_Panel.Open();
+  m_Views.m_iModelRedraws = 0;
+  Push(kActive);
+  EXPECT_TRUE(Removed(0).m_bActive);
+  Push(kDrawn);
+  EXPECT_TRUE(Removed(0).m_bDrawn);
+  Move(kTheta, 90);
+  EXPECT_NEAR(Removed(0).m_afDirection[0], 1, 1e-6);
+  Move(kPhi, 90);
+  EXPECT_NEAR(Removed(0).m_afDirection[1], 1, 1e-6);
+  EXPECT_EQ(Removed(0).m_afDirection[3], 0);
+  Move("Red", 0.25);
+  Move("Green", 0.5);
+  Move("Blue", 0.75);
+  EXPECT_EQ(Removed(0).m_afColour, (std::array{0.25, 0.5, 0.75}));
+  EXPECT_EQ(m_Views.m_iModelRedraws, 7);
+  EXPECT_EQ(m_Views.m_iImageRedraws, 0);
+}
+
+TEST_F(LightSourcesTest, SwitchesGoOffAgain) {
+  m_Panel.Open();
+  for (const char* label : {kActive, kDrawn, kActive, kDrawn}) Push(label);
+  EXPECT_FALSE(Removed(0).m_bActive);
+  EXPECT_FALSE(Removed(0).m_bDrawn);
+}
+
+TEST_F(LightSourcesTest, ChoosingShowsTheRecord) {
+  Added(1) = {true, true, {0, -2, 0, 0}, {0.1, 0.2, 0.3}, {0, 1, 0, 0.5}};
+  m_Panel.Open();
+  Push(kAdded);
+  Push("Light 2");
+  EXPECT_TRUE(IsOn(kActive));
+  EXPECT_TRUE(IsOn(kDrawn));
+  EXPECT_NEAR(Value(kTheta), 90, 1e-5);
+  EXPECT_NEAR(Value(kPhi), 270, 1e-5);
+  ExpectColour(0.1, 0.2, 0.3);
+  EXPECT_EQ(Widget(kTube).color(), 56U + 7);
+}
+
+TEST_F(LightSourcesTest, ChoosingAnotherLightFirstAppliesTheOneBefore) {
+  Removed(0).m_afDirection = {0, 0, 5, 0};
+  m_Panel.Open();
+  Push("Light 2");
+  EXPECT_EQ(Removed(0).m_afDirection, (std::array{0.0, 0.0, 1.0, 0.0}));
+}
+
+TEST_F(LightSourcesTest, ThetaZeroIsStraightUpWhateverPhi) {
+  m_Panel.Open();
+  Move(kTheta, 30);
+  Move(kPhi, 200);
+  Move(kTheta, 0);
+  EXPECT_EQ(Removed(0).m_afDirection[2], 1);
+  EXPECT_NEAR(std::hypot(Removed(0).m_afDirection[0], Removed(0).m_afDirection[1]), 0, 1e-15);
+  EXPECT_FALSE(Widget<Fl_Value_Slider>(kPhi).active());
+  m_Panel.Refresh();
+  EXPECT_EQ(Value(kPhi), 0);
+  EXPECT_FALSE(Widget<Fl_Value_Slider>(kPhi).active());
+}
+
+TEST_F(LightSourcesTest, PhiIsFreeUnlessTheLightIsVertical) {
+  m_Panel.Open();
+  struct CRow {
+    double m_fTheta;
+    bool m_bPhiActive;
+  };
+  for (const CRow row : {CRow{0, false}, CRow{0.1, true}, CRow{90, true}, CRow{179.9, true}, CRow{180, false}}) {
+    Move(kTheta, row.m_fTheta);
+    EXPECT_EQ(Widget<Fl_Value_Slider>(kPhi).active() != 0, row.m_bPhiActive) << row.m_fTheta;
+    m_Panel.Refresh();
+    EXPECT_EQ(Widget<Fl_Value_Slider>(kPhi).active() != 0, row.m_bPhiActive) << row.m_fTheta << " read back";
+    EXPECT_NEAR(Value(kTheta), row.m_fTheta, 1e-5);
+  }
+}
+
+TEST_F(LightSourcesTest, DraggingThetaOverTheTopKeepsPhi) {
+  m_Panel.Open();
+  Move(kTheta, 30);
+  Move(kPhi, 200);
+  Move(kTheta, 0);
+  Move(kTheta, 30);
+  EXPECT_EQ(Value(kPhi), 200);
+}
+
+TEST_F(LightSourcesTest, NegativeYReadsBackAsPhiAboveAHalfTurn) {
+  m_Panel.Open();
+  Removed(0).m_afDirection = {1, -1, 1, 0};
+  m_Panel.Refresh();
+  EXPECT_NEAR(Value(kPhi), 315, 1e-4);
+}
+
+TEST_F(LightSourcesTest, AmbientLightHasNoPosition) {
+  m_Panel.Open();
+  Push("Ambient light");
+  EXPECT_FALSE(Widget<Fl_Group>(kPosition).active());
+  EXPECT_FALSE(Widget(kDrawn).active());
+  Push("Light 4");
+  EXPECT_TRUE(Widget<Fl_Group>(kPosition).active());
+  EXPECT_TRUE(Widget(kDrawn).active());
+}
+
+TEST_F(LightSourcesTest, ButtonsOfTheLightsTakeTheColourOfTheCategory) {
+  m_Panel.Open();
+  for (const auto& [category, colour] : {std::pair{kRemoved, 1U}, {kAdded, 3U}, {kRemoved, 1U}}) {
+    Push(category);
+    for (std::size_t k = 0; k < 4; ++k) EXPECT_EQ(Widget(kLights[k]).selection_color(), colour) << kLights[k];
+    EXPECT_EQ(Widget("Ambient light").selection_color(), 2U);
+  }
+}
+
+TEST_F(LightSourcesTest, FixedRatiosTakeTheOtherChannelsAlong) {
+  OpenFixed({0.5, 0.25, 0});
+  Move("Red", 1);
+  ExpectColour(1, 0.5, 0);
+  EXPECT_EQ(Removed(0).m_afColour, (std::array{1.0, 0.5, 0.0}));
+  Move("Green", 0.125);
+  ExpectColour(0.25, 0.125, 0);
+}
+
+TEST_F(LightSourcesTest, EveryChannelLeadsTheOthers) {
+  OpenFixed({0.4, 0.2, 0.1});
+  Move("Red", 0.8);
+  ExpectColour(0.8, 0.4, 0.2);
+  Move("Green", 0.1);
+  ExpectColour(0.2, 0.1, 0.05);
+  Move("Blue", 0.2);
+  ExpectColour(0.8, 0.4, 0.2);
+}
+
+TEST_F(LightSourcesTest, RatioThatCannotBeFormedSwitchesTheLockOff) {
+  OpenFixed({0.5, 0.25, 0});
+  Move("Blue", 0.75);
+  EXPECT_FALSE(IsOn(kFixRatios));
+  ExpectColour(0.5, 0.25, 0.75);
+  EXPECT_EQ(Removed(0).m_afColour, (std::array{0.5, 0.25, 0.75}));
+}
+
+TEST_F(LightSourcesTest, LimitBendsTheRatiosOnlyForAsLongAsItIsMet) {
+  OpenFixed({0.25, 0.5, 0.1});
+  Move("Red", 1);
+  ExpectColour(1, 1, 0.4);
+  Move("Red", 0.25);
+  ExpectColour(0.25, 0.5, 0.1);
+}
+
+TEST_F(LightSourcesTest, FreeRatiosMoveOneChannelOnly) {
+  OpenFixed({0.5, 0.25, 0.125});
+  Push(kFixRatios);
+  Move("Red", 1);
+  ExpectColour(1, 0.25, 0.125);
+  Push(kFixRatios);
+  Move("Red", 0.5);
+  ExpectColour(0.5, 0.125, 0.0625);
+}
+
+TEST_F(LightSourcesTest, FixedRatiosAreThoseOfTheLightOnShow) {
+  Removed(1).m_afColour = {0.5, 0.5, 0.25};
+  OpenFixed({0.5, 0.25, 0.125});
+  Push("Light 2");
+  Move("Red", 1);
+  ExpectColour(1, 1, 0.5);
+}
+
+TEST_F(LightSourcesTest, ChosenTubeColourIsKeptExactlyAndShownByTheCube) {
+  m_Panel.Open();
+  Removed(0).m_afTubeColour[3] = 0.5;
+  ChooseTubeColour({100 / 255.0, 200 / 255.0, 50 / 255.0}, "OK");
+  EXPECT_EQ(Removed(0).m_afTubeColour, (std::array{100 / 255.0, 200 / 255.0, 50 / 255.0, 0.5}));
+  EXPECT_EQ(Widget(kTube).color(), 56U + ((50U * 5 / 256) * 5 + 100U * 5 / 256) * 8 + 200U / 32);
+  Push("Light 2");
+  EXPECT_EQ(Removed(0).m_afTubeColour[0], 100 / 255.0);
+}
+
+TEST_F(LightSourcesTest, RefusedTubeColourChangesNothing) {
+  m_Panel.Open();
+  const CLight before = Removed(0);
+  ChooseTubeColour({0, 0, 1}, "Cancel");
+  EXPECT_EQ(Removed(0), before);
+  EXPECT_EQ(Widget(kTube).color(), 56U + 4 * 8);
+}
+
+TEST_F(LightSourcesTest, TextureOptionsWaitForTheirImages) {
+  m_Panel.Open();
+  EXPECT_FALSE(Widget<Fl_Group>(kTextures).active());
+  m_Lighting.m_bKdSucceeds = false;
+  Push("Update\nKd");
+  EXPECT_FALSE(Widget<Fl_Group>(kTextures).active());
+  m_Lighting.m_bKdSucceeds = true;
+  Push("Update\nKd");
+  EXPECT_TRUE(Widget<Fl_Group>(kTextures).active());
+}
+
+TEST_F(LightSourcesTest, NewPictureTakesTheTextureOptionsAway) {
+  m_Panel.Open();
+  Push("Update\nKd");
+  Push("Show New Illumination");
+  m_Lighting.m_bHasKd = false;
+  m_Lighting.m_Shown = TextureMode::Original;
+  m_Panel.Refresh();
+  EXPECT_FALSE(Widget<Fl_Group>(kTextures).active());
+  EXPECT_TRUE(IsOn("Show Original texture"));
+}
+
+TEST_F(LightSourcesTest, TextureButtonsShowTheirTextureAndAreOnAlone) {
+  m_Lighting.m_bHasKd = true;
+  m_Panel.Open();
+  EXPECT_TRUE(IsOn("Show Original texture"));
+  const std::array buttons{std::pair{"Show Kd texture\nwithout added lights", TextureMode::Kd},
+                           std::pair{"Show New Illumination", TextureMode::NewIllumination},
+                           std::pair{"Show Original texture", TextureMode::Original}};
+  for (const auto& [label, mode] : buttons) {
+    for (int press = 0; press < 2; ++press) {
+      Push(label);
+      EXPECT_EQ(m_Lighting.m_Shown, mode) << label;
+      for (const auto& [other, otherMode] : buttons) EXPECT_EQ(IsOn(other), mode == otherMode) << other;
+    }
+  }
+}
+
+TEST_F(LightSourcesTest, TextureButtonsRedrawBothViews) {
+  m_Lighting.m_bHasKd = true;
+  m_Panel.Open();
+  m_Views.m_iImageRedraws = m_Views.m_iModelRedraws = 0;
+  Push("Show New Illumination");
+  EXPECT_EQ(m_Views.m_iImageRedraws, 1);
+  EXPECT_EQ(m_Views.m_iModelRedraws, 1);
+}
+
+TEST_F(LightSourcesTest, UpdateButtonsRunTheirCommandsAndRedraw) {
+  m_Panel.Open();
+  for (const auto& [label, command] : {std::pair{"Update\ntexels\nnormals", "normals"},
+                                       {"Update\ntexels\nInterpolation", "interpolation"},
+                                       {"Update\nKd", "Kd"}}) {
+    m_Lighting.m_asCommands.clear();
+    m_Views.m_iModelRedraws = 0;
+    Push(label);
+    EXPECT_EQ(m_Lighting.m_asCommands, std::vector<std::string>{command});
+    EXPECT_GE(m_Views.m_iModelRedraws, 1) << label;
+  }
+}
+
+TEST_F(LightSourcesTest, WithoutAGridEveryButtonDoesNothing) {
+  CLightUI panel(m_Views, m_MainWindow, [](bool /*visible*/) {});
+  panel.Open();
+  for (Fl_Widget* widget : WidgetsIn(panel)) {
+    auto* button = dynamic_cast<Fl_Button*>(widget);
+    if (button != nullptr && button->active_r() != 0 && widget->label() != std::string(kTube)) Press(*button);
+  }
+  EXPECT_TRUE(m_Lighting.m_asCommands.empty());
+  EXPECT_EQ(m_Views.m_iModelRedraws, 0);
+}
+
+TEST_F(LightSourcesTest, RecordChangedFromOutsideIsShownWhileOpen) {
+  m_Panel.Open();
+  Removed(0).m_bActive = true;
+  Removed(0).SetDirection({0, 1, 0});
+  m_Panel.Refresh();
+  EXPECT_TRUE(IsOn(kActive));
+  EXPECT_NEAR(Value(kTheta), 90, 1e-5);
+  EXPECT_NEAR(Value(kPhi), 90, 1e-5);
+}
+
+TEST_F(LightSourcesTest, OpeningAndClosingAreReported) {
+  m_Panel.Open();
+  m_Panel.Open();
+  EXPECT_EQ(m_abVisible, std::vector{true});
+  m_Panel.hide();
+  EXPECT_EQ(m_abVisible, (std::vector{true, false}));
+  m_Panel.hide();
+  EXPECT_EQ(m_abVisible, (std::vector{true, false}));
+}
+
+TEST_F(LightSourcesTest, WindowButtonClosesAndIsReported) {
+  m_Panel.Open();
+  ASSERT_TRUE(Appears("Light sources"));
+  m_Screen.AskToClose(*m_Screen.FindWindow(getpid(), "Light sources"));
+  EXPECT_TRUE(WorkUntil([&] { return m_abVisible == std::vector{true, false}; }));
+  EXPECT_FALSE(m_Panel.shown());
+}
+
+TEST_F(LightSourcesTest, OpensBesideTheMainWindowOnTheScreen) {
+  m_MainWindow.show();
+  m_Panel.Open();
+  ASSERT_TRUE(Appears("Light sources"));
+  EXPECT_GE(m_Panel.x(), m_MainWindow.x() + m_MainWindow.w());
+  EXPECT_LE(m_Panel.x() + m_Panel.w(), Fl::w());
+}
