@@ -10,9 +10,9 @@ namespace {
 // Cut off on purpose: saved cameras and lights were made with it.
 constexpr double kPi = 3.1415926;
 
-// A ratio that decides between an angle and 360 minus it and is negative only by rounding. Without this 0 degrees might
-// come back as 360.
-constexpr double kOnTheSeam = -1e-9;
+// A ratio that decides between an angle and 360 minus it and is negative only by rounding, which here includes what the
+// short constant leaves of a whole turn. Without this 0 degrees might come back as 360.
+constexpr double kOnTheSeam = -1e-6;
 
 double Radians(double degrees) { return kPi * degrees / 180; }
 double Degrees(double radians) { return radians * 180 / kPi; }

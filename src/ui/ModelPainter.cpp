@@ -20,8 +20,8 @@ constexpr int kDrawKd = 1;
 constexpr int kDrawIllumination = 2;
 constexpr int kDrawPhotograph = 3;
 
-// How far the surface is held behind the lines on it: a hundredth of R, where the depth of the view is 200 R. Without it
-// surface and lines are drawn through each other.
+// How far the surface is held behind the lines on it: a hundredth of R, where the depth of the view is 200 R. Without
+// it surface and lines are drawn through each other.
 constexpr double kBehind = 5e-5;
 
 // Drawing sizes are meant for a model 100 units wide.
@@ -40,7 +40,8 @@ std::array<GLfloat, 4> Rgba(const std::array<double, 3>& colour) {
   return {static_cast<GLfloat>(colour[0]), static_cast<GLfloat>(colour[1]), static_cast<GLfloat>(colour[2]), 1.0F};
 }
 
-// A light of the model, at infinity or ambient, as light `id` of OpenGL.
+// A light of the model, at infinity or ambient, as light `id` of OpenGL. Without highlights, as the relighting has
+// none.
 void SetLight(GLenum id, const CLight& light, bool ambient) {
   if (!light.m_bActive) {
     glDisable(id);
@@ -54,7 +55,7 @@ void SetLight(GLenum id, const CLight& light, bool ambient) {
   std::ranges::transform(light.m_afDirection, direction.begin(), [](double c) { return static_cast<GLfloat>(c); });
   glLightfv(id, GL_DIFFUSE, ambient ? kNone.data() : colour.data());
   glLightfv(id, GL_AMBIENT, ambient ? colour.data() : kNone.data());
-  glLightfv(id, GL_SPECULAR, ambient ? kNone.data() : colour.data());
+  glLightfv(id, GL_SPECULAR, kNone.data());
   glLightfv(id, GL_POSITION, direction.data());
   glLightfv(id, GL_SPOT_DIRECTION, kSpotDirection.data());
   glLightf(id, GL_SPOT_EXPONENT, 0);
