@@ -195,6 +195,8 @@ CColour SubdivisionColour(int level) {
 }
 
 void CModelPainter::Draw(CGrid& grid, const CView& view) {
+  // Loading a picture leaves texturing on.
+  glDisable(GL_TEXTURE_2D);
   if ((view.m_uFlags & ModelFlag::kTexturedModel) != 0) DrawTexturedModel(grid, view);
   if ((view.m_uFlags & ModelFlag::kGrid) != 0) DrawGridLines(grid);
   if ((view.m_uFlags & ModelFlag::kPointConstraints) != 0) DrawPointConstraints(grid);

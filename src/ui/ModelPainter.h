@@ -9,9 +9,6 @@
 
 class CGrid;
 class CTextures;
-struct CLight;
-struct CLightSet;
-struct CPtCstr;
 
 /// Colour of the grid lines 2^level lattice steps long while levels have colours of their own.
 CColour SubdivisionColour(int level);
