@@ -1,32 +1,78 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include <FL/Fl_Gl_Window.H>
 
+#include "io/CPicture.h"
 #include "model/WaveletMode.h"
+#include "ui/CCamera.h"
+#include "ui/CRedrawPacer.h"
+#include "ui/DisplayFlags.h"
+#include "ui/ModelPainter.h"
 
 class CGrid;
+class CTextures;
+class ViewHost;
 
-/// The right view: the surface in three dimensions.
+/// The right view: the surface in three dimensions, which the mouse turns, rolls and zooms.
 class CGridView : public Fl_Gl_Window {
  public:
-  /// Bits of the display-flag word. Besides these the word holds exactly one bit of the values of `WaveletMode`.
-  static constexpr std::uint32_t kShowGrid = 2;
-
   CGridView(int x, int y, int w, int h);
 
-  /// The grid to show; it must outlive the view. Without one the view draws nothing.
+  /// The grid to show; it must outlive the view. Without one the view draws nothing. Resets the camera.
   void AttachGrid(CGrid& grid);
+  /// The window around the view; it must outlive it.
+  void AttachHost(ViewHost& host) { m_pHost = &host; }
+  /// Where the picture lies on the graphics card; it must outlive the view. Without it the model has no texture.
+  void AttachTextures(CTextures& textures) { m_View.m_pTextures = &textures; }
+  /// Has the view answer the mouse. Until then, and without a host, every event goes to the toolkit.
+  void EnableEvents() { m_bEventsEnabled = true; }
 
-  std::uint32_t DisplayFlags() const { return m_uDisplayFlags; }
+  /// ModelFlag bits and the one bit of the wavelet mode.
+  std::uint32_t DisplayFlags() const { return m_View.m_uFlags; }
+  void SetFlag(std::uint32_t flag, bool on);
   /// Converts the attached grid to the basis of `mode` and keeps the mode among the display flags.
   void SelectWaveletMode(WaveletMode mode);
+  /// 1: Kd, 2: new illumination, 3: photograph. Any other value is reported at every drawing, which then takes the
+  /// texture used last.
+  void SetDrawTexture(int which);
+  /// Who draws the normals of the texels once a picture is loaded; called with the view's context current.
+  void DrawTexelNormalsWith(std::function<void()> draw) { m_Painter.DrawTexelNormalsWith(std::move(draw)); }
+
+  const CCamera& Camera() const { return m_Camera; }
+  /// Looks at the whole model from the front.
+  void ResetCamera();
+  /// Ends the drag under way, if any, and lets the solver go on. For dialogs: they swallow the release of the button.
+  void EndDrag();
+
+  /// The model has changed: has the view drawn, at most sixty times a second while the solver runs.
+  void RedrawForModel() { m_Pacer.Request(); }
+  /// The view as it would be drawn now. An empty picture while the view is not shown.
+  CPicture CaptureFrame();
+
+  int handle(int event) override;
 
  protected:
   void draw() override;
 
  private:
+  void DrawScene();
+  void BeginDrag();
+  void Drag();
+  void DragLeft(int dx, int dy);
+  void TurnLights(int dx, int dy, bool removed, bool added);
+  void RaiseSelected(int dy);
+
   CGrid* m_pGrid = nullptr;
-  std::uint32_t m_uDisplayFlags = kShowGrid | static_cast<std::uint32_t>(WaveletMode::None);
+  ViewHost* m_pHost = nullptr;
+  bool m_bEventsEnabled = false;
+  CModelPainter::CView m_View;
+  CModelPainter m_Painter;
+  CCamera m_Camera;
+  CRedrawPacer m_Pacer;
+  int m_iDragButton = 0;  ///< as it was pressed; 0 while nothing is dragged
+  int m_iMouseX = 0;
+  int m_iMouseY = 0;  ///< from the bottom
 };

@@ -11,6 +11,7 @@
 #include "ui/CGridView.h"
 #include "ui/CImageView.h"
 #include "ui/CImageViewUI.h"
+#include "ui/DisplayFlags.h"
 
 namespace {
 
@@ -125,6 +126,7 @@ TEST_F(ViewsTest, ViewportFollowsTheSize) {
 
 TEST_F(ViewsTest, DrawingClearsWhatWasThere) {
   Show();
+  m_Window.GridView().SetFlag(ModelFlag::kGrid, false);
   for (Fl_Gl_Window* view : Views()) {
     DrawAndEnter(*view);
     FillRed();

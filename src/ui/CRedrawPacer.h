@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+
+/// Holds the redraws that a running solver asks for to sixty a second: drawing costs more than solving, and nobody sees
+/// more. What was asked for last is always drawn.
+///
+/// No timeout of its own: a redraw that is owed is looked at again each time the toolkit goes round, which it does all
+/// the time while the solver ticks.
+class CRedrawPacer {
+ public:
+  /// `redraw` has the view drawn; `isBusy` tells whether more requests are to come, so that an owed redraw may wait;
+  /// `now` is the time in seconds, from any start.
+  CRedrawPacer(std::function<void()> redraw, std::function<bool()> isBusy, std::function<double()> now);
+  ~CRedrawPacer();
+  CRedrawPacer(const CRedrawPacer&) = delete;
+  CRedrawPacer& operator=(const CRedrawPacer&) = delete;
+
+  void Request();
+
+  /// Seconds of the monotonic clock.
+  static double SteadySeconds();
+
+ private:
+  static void cb_Check(void* pacer);
+  void RedrawWhenDue();
+
+  std::function<void()> m_Redraw;
+  std::function<bool()> m_IsBusy;
+  std::function<double()> m_Now;
+  double m_fNext;  ///< no redraw before this time
+  bool m_bOwed = false;
+};
