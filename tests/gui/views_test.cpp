@@ -125,6 +125,8 @@ TEST_F(ViewsTest, ViewportFollowsTheSize) {
 
 TEST_F(ViewsTest, DrawingClearsWhatWasThere) {
   Show();
+  m_Window.ImageView().SetMode(EditingMode::Position);
+  m_Window.ImageView().SetDisplayFlags(0);
   for (Fl_Gl_Window* view : Views()) {
     DrawAndEnter(*view);
     FillRed();
