@@ -129,6 +129,11 @@ class CGrid {
   void DeleteSelectedPtCstr();
   /// z of every normal constraint that is no position constraint as well becomes the surface's height under it.
   void RefreshNormalCstrHeights();
+  /// Freezes, or with `freeze` false sets free, the points in use within reach of the freeze brush at (x, y), model
+  /// units.
+  void PaintFreezeMap(double x, double y, bool freeze);
+  /// Grows whenever the brush has painted, so that what is drawn of the freeze map need be made anew only then.
+  std::uint64_t FreezeRevision() const { return m_uFreezeRevision; }
   /// Height of the surface at fractional lattice indices; 0 outside.
   double GetHeightAt(double column, double row) const { return Surface().HeightAt(column, row); }
 
@@ -198,6 +203,7 @@ class CGrid {
   std::vector<double> m_afOtherSurface;
   bool m_bSurfaceCaptured = false;
   std::uint64_t m_uSurfaceRevision = 0;
+  std::uint64_t m_uFreezeRevision = 0;
 
   CPtCstrList m_PointConstraints;
   CPtCstrList m_GeneratedConstraints;

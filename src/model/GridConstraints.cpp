@@ -1,6 +1,8 @@
 // The grid's operations on its point constraints: the list's rules, the surface under them, and what each edit posts.
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 
 #include "model/CGrid.h"
 #include "model/Globals.h"
@@ -8,6 +10,18 @@
 namespace {
 
 double Reach() { return g_fZoom * g_fPickTolerance; }
+
+// Of the freeze brush at zoom 1, in model units.
+constexpr double kBrushRadius = 4.0;
+
+// The lattice indices from the first at or above `low` to the last at or below `high`.
+struct CIndexRange {
+  CIndexRange(double low, double high, int count)
+      : m_iFirst(static_cast<int>(std::ceil(std::clamp(low, 0.0, static_cast<double>(count))))),
+        m_iEnd(static_cast<int>(std::floor(std::clamp(high, -1.0, count - 1.0))) + 1) {}
+  int m_iFirst;
+  int m_iEnd;
+};
 
 // Bit of the triangle of `cell` that holds the point, given relative to the cell's centre in units of its size: the
 // triangles are divided by the diagonals.
@@ -108,4 +122,25 @@ void CGrid::UpdateDisabledBit(CPtCstr& constraint) const {
                IsInMarkedTriangle(x - w / 2, y) || IsInMarkedTriangle(x + w / 2, y);
   }
   constraint.SetKind(PtCstrKind::kDisabled, disabled);
+}
+
+void CGrid::PaintFreezeMap(double x, double y, bool freeze) {
+  const double radius = g_fZoom * kBrushRadius;
+  const int n = PointsPerSide();
+  // One more on either side, so that rounding takes no point away from the test below.
+  const CIndexRange columns(m_Lattice.ColumnOf(x - radius) - 1, m_Lattice.ColumnOf(x + radius) + 1, n);
+  const CIndexRange rows(m_Lattice.RowOf(y - radius) - 1, m_Lattice.RowOf(y + radius) + 1, n);
+  for (int row = rows.m_iFirst; row < rows.m_iEnd; ++row) {
+    for (int column = columns.m_iFirst; column < columns.m_iEnd; ++column) {
+      const std::size_t point = m_Lattice.Index(column, row);
+      if (!m_Lattice.Has(point, PointFlag::kInUse)) continue;
+      if (std::hypot(m_Lattice.XOf(column) - x, m_Lattice.YOf(row) - y) > radius) continue;
+      if (freeze) {
+        m_Lattice.Set(point, PointFlag::kFrozen);
+      } else {
+        m_Lattice.Clear(point, PointFlag::kFrozen);
+      }
+    }
+  }
+  ++m_uFreezeRevision;
 }

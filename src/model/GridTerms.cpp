@@ -91,15 +91,11 @@ void CGridTermsBuilder::AddTerms() {
 }
 
 void CGridTermsBuilder::AddTwist(const CQuadT& cell) {
-  const CLattice& lattice = m_pTree->Lattice();
-  const double area = static_cast<double>(cell.Size()) * cell.Size();
-  const double modelArea = (cell.Size() * lattice.StepX()) * (cell.Size() * lattice.StepY());
-  const double weight = area / (modelArea * modelArea) / kAreaDivisor;
   const auto corner = [this](int column, int row) { return static_cast<std::uint32_t>(ScanAt(column, row)); };
-  m_pTerms->Add(weight, {{corner(cell.X0(), cell.Y0()), 1.0},
-                         {corner(cell.X1(), cell.Y1()), 1.0},
-                         {corner(cell.X1(), cell.Y0()), -1.0},
-                         {corner(cell.X0(), cell.Y1()), -1.0}});
+  m_pTerms->Add(MixedDifferenceWeight(cell, m_pTree->Lattice()), {{corner(cell.X0(), cell.Y0()), 1.0},
+                                                                  {corner(cell.X1(), cell.Y1()), 1.0},
+                                                                  {corner(cell.X1(), cell.Y0()), -1.0},
+                                                                  {corner(cell.X0(), cell.Y1()), -1.0}});
 }
 
 void CGridTermsBuilder::AddSecondDifferences(std::uint32_t position) {
@@ -128,13 +124,23 @@ void CGridTermsBuilder::AddSecondDifferences(std::uint32_t position) {
 // The squared second difference on the points before, here and after, h1 and h2 model units apart.
 void CGridTermsBuilder::AddSecondDifference(std::int32_t before, std::uint32_t here, std::int32_t after, double h1,
                                             double h2, double area) {
-  const double mean = (h1 + h2) * 0.5;
-  const double weight = 1.0 / (mean * mean * (h1 * h2) * (h1 * h2)) * (area / kAreaDivisor);
   m_pTerms->Add(
-      weight, {{static_cast<std::uint32_t>(after), h1}, {here, -(h1 + h2)}, {static_cast<std::uint32_t>(before), h2}});
+      SecondDifferenceWeight(h1, h2, area),
+      {{static_cast<std::uint32_t>(after), h1}, {here, -(h1 + h2)}, {static_cast<std::uint32_t>(before), h2}});
 }
 
 }  // namespace
+
+double SecondDifferenceWeight(double h1, double h2, double area) {
+  const double mean = (h1 + h2) * 0.5;
+  return 1.0 / (mean * mean * (h1 * h2) * (h1 * h2)) * (area / kAreaDivisor);
+}
+
+double MixedDifferenceWeight(const CQuadT& leaf, const CLattice& lattice) {
+  const double area = static_cast<double>(leaf.Size()) * leaf.Size();
+  const double modelArea = (leaf.Size() * lattice.StepX()) * (leaf.Size() * lattice.StepY());
+  return area / (modelArea * modelArea) / kAreaDivisor;
+}
 
 void AddGridTerms(CQuadTree& tree, const CPointOrder& order, CEnergyTerms& terms) {
   CGridTermsBuilder builder(tree, order, terms);

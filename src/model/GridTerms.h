@@ -1,8 +1,16 @@
 #pragma once
 
 class CEnergyTerms;
+class CLattice;
 class CPointOrder;
+class CQuadT;
 class CQuadTree;
+
+/// Weight of the squared second difference h1 z_after - (h1 + h2) z_here + h2 z_before of a point that lies h1 behind
+/// the one before and h2 before the one after, in model units; `area` is the smoothness weight of the point.
+double SecondDifferenceWeight(double h1, double h2, double area);
+/// Weight of the squared mixed difference of a leaf: the sum of two opposite corners minus that of the other two.
+double MixedDifferenceWeight(const CQuadT& leaf, const CLattice& lattice);
 
 /// The smoothness energy of the surface over the present subdivision, in the heights by scan position of `order`:
 /// a z_xx^2 and a z_yy^2 term at every point that has both neighbours, and a z_xy^2 term in every cell.

@@ -7,8 +7,30 @@
 #include "model/CGrid.h"
 #include "ui/CGridView.h"
 #include "ui/CImageView.h"
+#include "ui/ViewHost.h"
 
 namespace {
+
+// A window without controls: nothing to show and no solver to hold.
+class CBareHost : public ViewHost {
+ public:
+  explicit CBareHost(CImageViewUI& window) : m_Window(window) {}
+  void PauseSolverForCommand() override {}
+  void ResumeAfterCommand() override {}
+  void ShowHelp(int /*index*/) override {}
+  void RestoreHelp() override {}
+  void RedrawImageView() override { m_Window.ImageView().redraw(); }
+  void RedrawModelView() override { m_Window.GridView().redraw(); }
+  void FocusImageView() override { m_Window.ImageView().take_focus(); }
+  bool ShowsDebugZone() const override { return false; }
+  void ShowPointerInside(bool /*inside*/) override {}
+  void ShowInfluence(double /*value*/) override {}
+  void ShowNumber(int /*number*/, int /*levelCode*/) override {}
+  void Notice(const char* /*text*/) override {}
+
+ private:
+  CImageViewUI& m_Window;
+};
 
 constexpr int kWidth = 870;
 constexpr int kHeight = 660;
@@ -26,7 +48,9 @@ bool IsEscapeTyped() {
 }  // namespace
 
 CImageViewUI::CImageViewUI(StartSolverTimer startTimer)
-    : Fl_Window(kWidth, kHeight, "Image View"), m_pStartTimer(startTimer) {
+    : Fl_Window(kWidth, kHeight, "Image View"),
+      m_pStartTimer(startTimer),
+      m_pViewHost(std::make_unique<CBareHost>(*this)) {
   m_pImageView = new CImageView(2, 23, kViewSize, kViewSize);
   m_pGridView = new CGridView(438, 23, kViewSize, kViewSize);
   end();
@@ -36,12 +60,14 @@ CImageViewUI::CImageViewUI(StartSolverTimer startTimer)
 }
 
 CImageViewUI::~CImageViewUI() {
+  // Hiding sends events to the views, which still need their host then.
+  hide();
   if (m_pGrid != nullptr) m_pGrid->AttachHost(nullptr);
 }
 
 void CImageViewUI::AttachGrid(CGrid& grid) {
   m_pGrid = &grid;
-  m_pImageView->AttachGrid(grid);
+  m_pImageView->AttachGrid(grid, *m_pViewHost);
   m_pGridView->AttachGrid(grid);
   grid.AttachHost(this);
   m_pGridView->SelectWaveletMode(WaveletMode::New);
@@ -52,7 +78,7 @@ void CImageViewUI::RequestRedraw() {
   m_pGridView->redraw();
 }
 
-void CImageViewUI::ShowInterpolation(const CInterpolationTrace& /*trace*/) { m_pImageView->redraw(); }
+void CImageViewUI::ShowInterpolation(const CInterpolationTrace& trace) { m_pImageView->ShowInterpolation(trace); }
 
 void CImageViewUI::ProcessEvents() { Fl::check(); }
 

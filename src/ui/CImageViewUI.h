@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include <FL/Fl_Window.H>
 
 #include "model/GridHost.h"
@@ -7,6 +9,7 @@
 class CGrid;
 class CGridView;
 class CImageView;
+class ViewHost;
 
 /// The main window: the image view on the left and the model view on the right. It is the host of the grid attached to
 /// it.
@@ -40,6 +43,7 @@ class CImageViewUI : public Fl_Window, public GridHost {
   static void cb_Window(Fl_Widget* widget, void* data);
 
   StartSolverTimer m_pStartTimer;
+  std::unique_ptr<ViewHost> m_pViewHost;
   CImageView* m_pImageView = nullptr;  ///< owned by the window, like every widget
   CGridView* m_pGridView = nullptr;
   CGrid* m_pGrid = nullptr;

@@ -127,6 +127,8 @@ TEST_F(ViewsTest, ViewportFollowsTheSize) {
 TEST_F(ViewsTest, DrawingClearsWhatWasThere) {
   Show();
   m_Window.GridView().SetFlag(ModelFlag::kGrid, false);
+  m_Window.ImageView().SetMode(EditingMode::Position);
+  m_Window.ImageView().SetDisplayFlags(0);
   for (Fl_Gl_Window* view : Views()) {
     DrawAndEnter(*view);
     FillRed();

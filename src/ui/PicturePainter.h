@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+
+#include "ui/CPlaneArrays.h"
+
+class CGrid;
+class CQuadT;
+class CTextures;
+
+/// Colour of frozen points: none that a constraint or a grid line has at the start.
+inline constexpr float kFrozenColour[3]{0, 1, 1};
+
+/// Draws the picture, and what lies on it, into the current context under the projection and the view that are set: the
+/// plane of the model at height 0.
+class CPicturePainter {
+ public:
+  /// What to draw.
+  struct CView {
+    std::uint32_t m_uFlags = 0;        ///< ImageFlag bits
+    bool m_bSelectedCells = false;     ///< the cells selected for subdivision
+    CTextures* m_pTextures = nullptr;  ///< none: no picture
+  };
+
+  /// Leaves the context without texturing, the current colour white.
+  void Draw(CGrid& grid, const CView& view);
+
+ private:
+  void DrawSubdivision(CGrid& grid, const CView& view);
+  void DrawFrozen(const CGrid& grid);
+
+  CPlaneArrays m_Arrays;
+};

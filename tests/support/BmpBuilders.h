@@ -1,0 +1,98 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "io/CPicture.h"
+
+using CBytes = std::vector<std::uint8_t>;
+
+/// A directory of its own for a test's files, removed at the end.
+class CScratch {
+ public:
+  CScratch() {
+    std::random_device device;
+    do {
+      m_Path = std::filesystem::temp_directory_path() / ("relievo_test_" + std::to_string(device()));
+    } while (!std::filesystem::create_directory(m_Path));
+  }
+  ~CScratch() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_Path, ignored);
+  }
+  CScratch(const CScratch&) = delete;
+  CScratch& operator=(const CScratch&) = delete;
+
+  std::string File(const std::string& name) const { return m_Path / name; }
+  /// Names of what lies in it, in no order.
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(m_Path)) names.push_back(entry.path().filename());
+    return names;
+  }
+
+ private:
+  std::filesystem::path m_Path;
+};
+
+inline void WriteBytes(const std::string& filename, const CBytes& bytes) {
+  std::ofstream file(filename, std::ios::binary);
+  file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+inline CBytes ReadBytes(const std::string& filename) {
+  std::ifstream file(filename, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// The low bytes of `value`, least significant first, at an offset of a header.
+inline void PutBytes(CBytes& bytes, std::size_t offset, std::size_t width, std::int64_t value) {
+  for (std::size_t k = 0; k < width; ++k) bytes[offset + k] = static_cast<std::uint8_t>(value >> (8 * k));
+}
+
+/// The bytes of a bitmap file without its rows, put together field by field.
+inline CBytes BmpHeader(std::int64_t width, std::int64_t height) {
+  CBytes header(54);
+  header[0] = 'B';
+  header[1] = 'M';
+  PutBytes(header, 10, 4, 54);
+  PutBytes(header, 14, 4, 40);
+  PutBytes(header, 18, 4, width);
+  PutBytes(header, 22, 4, height);
+  PutBytes(header, 26, 2, 1);
+  PutBytes(header, 28, 2, 24);
+  return header;
+}
+
+/// A picture whose bytes are all different from their neighbours, the same for the same size.
+inline CPicture SomePicture(int width, int height) {
+  CPicture picture{width, height, {}};
+  std::mt19937 random(static_cast<std::uint32_t>(width * 1000 + height));
+  const auto count = static_cast<std::size_t>(3 * width * height);
+  for (std::size_t k = 0; k < count; ++k) picture.m_aPixels.push_back(static_cast<std::uint8_t>(random()));
+  return picture;
+}
+/// The same colour everywhere.
+inline CPicture PlainPicture(int width, int height, std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
+  CPicture picture{width, height, {}};
+  for (int k = 0; k < width * height; ++k) picture.m_aPixels.insert(picture.m_aPixels.end(), {red, green, blue});
+  return picture;
+}
+
+/// Its bytes in a file, written pixel by pixel.
+inline CBytes BmpFile(const CPicture& picture) {
+  CBytes bytes = BmpHeader(picture.m_iWidth, picture.m_iHeight);
+  std::size_t at = 0;
+  for (int row = 0; row < picture.m_iHeight; ++row) {
+    for (int column = 0; column < picture.m_iWidth; ++column, at += 3) {
+      for (const std::size_t channel : {2, 1, 0}) bytes.push_back(picture.m_aPixels[at + channel]);
+    }
+    while (bytes.size() % 4 != 2) bytes.push_back(0xEE);
+  }
+  return bytes;
+}
