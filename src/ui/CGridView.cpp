@@ -25,6 +25,8 @@ void CGridView::SelectWaveletMode(WaveletMode mode) {
   if (m_pGrid != nullptr) m_pGrid->SetWaveletMode(mode);
 }
 
+bool CGridView::SaveFrame(const std::string& /*file*/) { return visible_r() != 0; }
+
 void CGridView::draw() {
   PrepareContext(*this);
   if (m_pGrid == nullptr) return;

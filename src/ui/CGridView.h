@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include <FL/Fl_Gl_Window.H>
 
@@ -20,8 +21,13 @@ class CGridView : public Fl_Gl_Window {
   void AttachGrid(CGrid& grid);
 
   std::uint32_t DisplayFlags() const { return m_uDisplayFlags; }
+  void SetFlag(std::uint32_t flag, bool on) { m_uDisplayFlags = on ? m_uDisplayFlags | flag : m_uDisplayFlags & ~flag; }
   /// Converts the attached grid to the basis of `mode` and keeps the mode among the display flags.
   void SelectWaveletMode(WaveletMode mode);
+
+  void ResetCamera() { redraw(); }
+  /// Writes the view as it is drawn now to a picture file; false if that fails.
+  bool SaveFrame(const std::string& file);
 
  protected:
   void draw() override;
