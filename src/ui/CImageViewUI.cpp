@@ -94,11 +94,10 @@ void CImageViewUI::Relayout() {
   const CWindowLayout layout = ComputeLayout({w(), h(), m_fScale, m_bDebugZone, m_bHelpLine, m_bPictureLoaded});
   Widget(Control::ResetImageView).label(layout.m_bRoomyReset ? "Reset\nthe 2D view" : "Reset\nthe\n2D view");
   for (const CControlRow& row : kControls) {
-    Fl_Widget& widget = Widget(row.m_Control);
     const CRect& rect = layout.Of(row.m_Control);
-    widget.resize(rect.x, rect.y, rect.w, rect.h);
-    SetTextSizes(widget, row, m_fScale);
+    Widget(row.m_Control).resize(rect.x, rect.y, rect.w, rect.h);
   }
+  SetTextSizes(m_apWidgets, m_fScale);
   redraw();
 }
 

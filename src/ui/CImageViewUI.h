@@ -10,7 +10,7 @@
 #include "ui/CMainMenu.h"
 #include "ui/CSolverControl.h"
 #include "ui/CWindowServices.h"
-#include "ui/Controls.h"
+#include "ui/ControlWidgets.h"
 #include "ui/DisplayFlags.h"
 #include "ui/ToolWindow.h"
 #include "ui/ViewHost.h"
@@ -97,7 +97,7 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void Relayout();
   void SetVisible(Control control, bool visible);
   void Enable(Control control, bool enable);
-  /// The one place that decides what is active.
+  /// Activates what there is something to work with for, in the present mode.
   void RefreshEnabled();
   void RefreshReadOuts();
   Fl_Button& Button(Control control);
@@ -148,8 +148,8 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   CWindowServices m_Services;
   CGrid* m_pGrid = nullptr;
 
-  std::array<Fl_Widget*, kControlCount> m_apWidgets{};  ///< owned by the window
-  std::array<bool, kControlCount> m_abVisible{};        ///< as they are while the debug zone is shown
+  CControlWidgets m_apWidgets{};                  ///< owned by the window
+  std::array<bool, kControlCount> m_abVisible{};  ///< as they are while the debug zone is shown
   CMainMenu* m_pMenu = nullptr;
   CImageView* m_pImageView = nullptr;
   CGridView* m_pGridView = nullptr;

@@ -1,5 +1,6 @@
 #include "ui/ControlWidgets.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include <FL/Fl_Box.H>
@@ -121,6 +122,21 @@ bool LabelFits(const Fl_Widget& widget, const CControlRow& row, int size) {
   return width <= room.m_iWidth && height <= room.m_iHeight;
 }
 
+int Scaled(int size, double scale) { return static_cast<int>(std::lround(size * scale)); }
+
+int FittingLabelSize(const Fl_Widget& widget, const CControlRow& row, double scale) {
+  int size = Scaled(row.m_iLabelSize, scale);
+  if (widget.label() == nullptr || *widget.label() == '\0') return size;
+  while (size > kLeastLabelSize && !LabelFits(widget, row, size)) --size;
+  return size;
+}
+
+void SetOutputTextSize(Fl_Widget& widget, int size) {
+  if (auto* output = dynamic_cast<Fl_Value_Output*>(&widget)) output->textsize(size);
+  if (auto* line = dynamic_cast<Fl_Output*>(&widget)) line->textsize(size);
+  if (auto* bar = dynamic_cast<Fl_Menu_Bar*>(&widget)) bar->textsize(size);
+}
+
 }  // namespace
 
 Fl_Widget* MakeControl(const CControlRow& row, CHelpLine& helpLine) {
@@ -132,13 +148,18 @@ Fl_Widget* MakeControl(const CControlRow& row, CHelpLine& helpLine) {
   return widget;
 }
 
-void SetTextSizes(Fl_Widget& widget, const CControlRow& row, double scale) {
-  const auto scaled = [scale](int size) { return static_cast<int>(std::lround(size * scale)); };
-  if (auto* output = dynamic_cast<Fl_Value_Output*>(&widget)) output->textsize(scaled(row.m_iTextSize));
-  if (auto* line = dynamic_cast<Fl_Output*>(&widget)) line->textsize(scaled(row.m_iTextSize));
-  if (auto* bar = dynamic_cast<Fl_Menu_Bar*>(&widget)) bar->textsize(scaled(row.m_iTextSize));
-  if (widget.label() == nullptr || *widget.label() == '\0') return;
-  int size = scaled(row.m_iLabelSize);
-  while (size > kLeastLabelSize && !LabelFits(widget, row, size)) --size;
-  widget.labelsize(size);
+void SetTextSizes(const CControlWidgets& widgets, double scale) {
+  std::array<int, kControlCount> sizes{};
+  for (const CControlRow& row : kControls) {
+    Fl_Widget& widget = *widgets[Index(row.m_Control)];
+    SetOutputTextSize(widget, Scaled(row.m_iTextSize, scale));
+    int& size = sizes[Index(row.m_Control)];
+    size = FittingLabelSize(widget, row, scale);
+    if (row.m_Parent == Control::Window || RowOf(row.m_Parent).m_Kind != ControlKind::Group) continue;
+    for (const CControlRow& other : kControls) {
+      if (other.m_Parent == row.m_Parent)
+        size = std::min(size, FittingLabelSize(*widgets[Index(other.m_Control)], other, scale));
+    }
+  }
+  for (const CControlRow& row : kControls) widgets[Index(row.m_Control)]->labelsize(sizes[Index(row.m_Control)]);
 }

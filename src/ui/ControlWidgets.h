@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include "ui/Controls.h"
 
 class CHelpLine;
@@ -11,6 +13,9 @@ class Fl_Widget;
 /// sizes of its texts come with the first layout.
 Fl_Widget* MakeControl(const CControlRow& row, CHelpLine& helpLine);
 
-/// Sets the sizes of a control's label and text for its present rectangle: those of the table times `scale`, the label
-/// smaller where its text would not fit.
-void SetTextSizes(Fl_Widget& widget, const CControlRow& row, double scale);
+/// The widgets of all controls, by control.
+using CControlWidgets = std::array<Fl_Widget*, kControlCount>;
+
+/// Sets the sizes of labels and texts for the present rectangles: those of the table times `scale`, labels smaller
+/// where they would not fit. Inside a framed group they all take the smallest.
+void SetTextSizes(const CControlWidgets& widgets, double scale);
