@@ -49,9 +49,10 @@ Fl_Widget* MakeLamp(const char* label) {
   return lamp;
 }
 
-Fl_Widget* MakeNumberOutput(const CControlRow& row) {
+Fl_Widget* MakeNumberOutput(const CControlRow& row, Fl_Align align) {
   auto* output = new Fl_Value_Output(0, 0, 0, 0, row.m_pLabel);
   output->value(row.m_fValue);
+  output->align(align);
   return output;
 }
 
@@ -78,7 +79,9 @@ Fl_Widget* Make(const CControlRow& row, CHelpLine& helpLine) {
     case ControlKind::Text:
       return new Fl_Box(0, 0, 0, 0, row.m_pLabel);
     case ControlKind::NumberOutput:
-      return MakeNumberOutput(row);
+      return MakeNumberOutput(row, FL_ALIGN_LEFT);
+    case ControlKind::CaptionedNumber:
+      return MakeNumberOutput(row, FL_ALIGN_BOTTOM);
     case ControlKind::TextOutput:
       return new CPassiveOutput(0, 0, 0, 0, row.m_pLabel);
     default:
@@ -103,6 +106,8 @@ CRoom LabelRoom(const Fl_Widget& widget, const CControlRow& row, int size) {
     case ControlKind::NumberOutput:
     case ControlKind::TextOutput:
       return {row.m_iLabelRoom * widget.w() / row.m_Design.w, 1000};
+    case ControlKind::CaptionedNumber:
+      return {row.m_iLabelRoom * widget.w() / row.m_Design.w, widget.h() + kFrame};
     case ControlKind::Group:
       return {widget.w(), 1000};
     case ControlKind::Text:

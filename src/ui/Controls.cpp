@@ -42,7 +42,7 @@ const std::array<CControlRow, kControlCount> kControls{{
   {VerticalCoefs, Kind::Toggle, LeftPanel, Column::CurveType, {325, 558, 50, 32}, "VERT\n COEFS", -1, 10, 14, 0, 0, 0},
   {TorsionCells, Kind::Toggle, LeftPanel, Column::CurveType, {377, 558, 50, 32}, "TORSION\nCELLS", -1, 10, 14, 0, 0, 0},
   {ShowLevel, Kind::Toggle, LeftPanel, Column::CurveType, {377, 592, 50, 42}, "SHOW\nH LEVEL", -1, 10, 14, 0, 0, 0},
-  {Influence, Kind::NumberOutput, LeftPanel, Column::CurveType, {315, 600, 50, 18}, "Influence of\ncurrent point", -1, 9, 11, 54, kHidden, 0},
+  {Influence, Kind::CaptionedNumber, LeftPanel, Column::CurveType, {315, 600, 50, 18}, "Influence of\ncurrent point", -1, 9, 11, 60, kHidden, 0},
   {Level, Kind::NumberOutput, LeftPanel, Column::CurveType, {315, 600, 50, 18}, "H level", -1, 9, 12, 54, kHidden, 0},
   {PointNumber, Kind::NumberOutput, LeftPanel, Column::Left, {203, 600, 50, 18}, "H-Numerotation of\nselected point", -1, 9, 12, 130, kHidden, -1},
   {TestInterpolation, Kind::Toggle, LeftPanel, Column::Left, {15, 600, 50, 30}, "TEST\nINTERP", -1, 10, 14, 0, 0, 0},

@@ -81,18 +81,19 @@ enum class ControlKind {
   ImageView,
   ModelView,
   HelpLine,
-  Panel,         ///< a group without a frame
-  Group,         ///< a group with a frame and its label above
-  HelpButton,    ///< help-aware push button
-  HelpToggle,    ///< help-aware button that stays down
-  HelpLight,     ///< help-aware button with a lamp
-  HelpRadio,     ///< help-aware button with a lamp, one of its group
-  RoundRadio,    ///< help-aware round button, one of its group
-  Button,        ///< push button
-  Toggle,        ///< button that stays down
-  Lamp,          ///< small button that only shows a state
-  Text,          ///< box with a label
-  NumberOutput,  ///< read-out with its label on the left
+  Panel,            ///< a group without a frame
+  Group,            ///< a group with a frame and its label above
+  HelpButton,       ///< help-aware push button
+  HelpToggle,       ///< help-aware button that stays down
+  HelpLight,        ///< help-aware button with a lamp
+  HelpRadio,        ///< help-aware button with a lamp, one of its group
+  RoundRadio,       ///< help-aware round button, one of its group
+  Button,           ///< push button
+  Toggle,           ///< button that stays down
+  Lamp,             ///< small button that only shows a state
+  Text,             ///< box with a label
+  NumberOutput,     ///< read-out with its label on the left
+  CaptionedNumber,  ///< read-out with its label below
   TextOutput,
 };
 
@@ -117,7 +118,7 @@ struct CControlRow {
   int m_iHelp;       ///< index of its help text, -1 for none
   int m_iLabelSize;  ///< largest size of the label, pixels; it is set smaller where the text does not fit
   int m_iTextSize;   ///< size of what an output shows
-  int m_iLabelRoom;  ///< width that a label on the left may take, pixels
+  int m_iLabelRoom;  ///< width that a label beside or below an output may take, pixels
   std::uint32_t m_uStart;
   double m_fValue;  ///< what a read-out shows at the start
 };

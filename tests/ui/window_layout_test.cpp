@@ -98,8 +98,9 @@ RC_GTEST_PROP(WindowLayoutProperty, NothingLiesOnAnythingElse, ()) {
   for (const CControlRow& a : kControls) {
     for (const CControlRow& b : kControls) {
       if (a.m_Control >= b.m_Control || AreNested(a, b) || ShareAPlace(a, b)) continue;
-      if (IsShown(a, options) && IsShown(b, options))
+      if (IsShown(a, options) && IsShown(b, options)) {
         RC_ASSERT(!Overlap(layout.Of(a.m_Control), layout.Of(b.m_Control)));
+      }
     }
   }
 }
