@@ -4,6 +4,7 @@
 
 #include <FL/Fl.H>
 
+#include "app/CToolSet.h"
 #include "app/SolverTimer.h"
 #include "base/Console.h"
 #include "model/CGrid.h"
@@ -41,6 +42,7 @@ int main() {
   CImageViewUI window(RegisterSolverTimer);
   window.show();
   window.AttachGrid(grid);
+  const CToolSet tools(window);
   RegisterSolverTimer(grid);
   // The end comes from the window's callback.
   for (;;) Fl::wait();

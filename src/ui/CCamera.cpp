@@ -26,8 +26,6 @@ double FullAngle(double cosine, double sine) {
   return sine >= kOnTheSeam ? angle : 360 - angle;
 }
 
-double Dot(const Vector3& a, const Vector3& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-
 }  // namespace
 
 void CCamera::Reset(const Vector3& low, const Vector3& high) {

@@ -3,19 +3,12 @@
 #include <array>
 #include <optional>
 
-#include "model/CLattice.h"
+#include "ui/CGridParameters.h"
 #include "ui/CModalDialog.h"
 
 class CNumberInput;
 class Fl_Check_Button;
 class Fl_Counter;
-
-/// What a new grid starts from.
-struct CGridParameters {
-  int m_iStartLevel = 5;
-  CExtent m_Extent;  ///< finite, x0 < x1, y0 < y1, nothing above 2000
-  bool m_bKeepConstraints = false;
-};
 
 /// "Grid Initial Parameters": level and rectangle of a new grid.
 class CGridParametersDialog : public CModalDialog {

@@ -9,6 +9,7 @@
 #include "base/Console.h"
 #include "model/CGrid.h"
 #include "ui/CTextures.h"
+#include "ui/FrameBuffer.h"
 #include "ui/OpenGLDefaults.h"
 #include "ui/ViewHost.h"
 
@@ -89,16 +90,11 @@ void CGridView::DrawScene() {
   m_Painter.Draw(*m_pGrid, m_View);
 }
 
-CPicture CGridView::CaptureFrame() {
-  if (shown() == 0) return {};
+bool CGridView::SaveFrame(const std::string& filename) {
+  if (shown() == 0) return false;
   make_current();
   draw();
-  CPicture picture{pixel_w(), pixel_h(), {}};
-  picture.m_aPixels.resize(3 * static_cast<std::size_t>(pixel_w()) * static_cast<std::size_t>(pixel_h()));
-  glPixelStorei(GL_PACK_ALIGNMENT, 1);
-  glReadBuffer(GL_BACK);
-  glReadPixels(0, 0, pixel_w(), pixel_h(), GL_RGB, GL_UNSIGNED_BYTE, picture.m_aPixels.data());
-  return picture;
+  return Global::SaveFrameBuffer(filename);
 }
 
 int CGridView::handle(int event) {

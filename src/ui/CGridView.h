@@ -2,10 +2,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 
 #include <FL/Fl_Gl_Window.H>
 
-#include "io/CPicture.h"
 #include "model/WaveletMode.h"
 #include "ui/CCamera.h"
 #include "ui/CRedrawPacer.h"
@@ -49,8 +49,8 @@ class CGridView : public Fl_Gl_Window {
 
   /// The model has changed: has the view drawn, at most sixty times a second while the solver runs.
   void RedrawForModel() { m_Pacer.Request(); }
-  /// The view as it would be drawn now. An empty picture while the view is not shown.
-  CPicture CaptureFrame();
+  /// Saves the view as it would be drawn now; false while it is not shown or if that fails.
+  bool SaveFrame(const std::string& filename);
 
   int handle(int event) override;
 

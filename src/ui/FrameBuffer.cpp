@@ -1,19 +1,23 @@
 #include "ui/FrameBuffer.h"
 
 #include <array>
-#include <cstdint>
-#include <vector>
 
 #include <GL/gl.h>
 
 #include "io/Bmp.h"
 
-void Global::SaveFrameBuffer(const std::string& filename) {
+CPicture Global::ReadFrameBuffer() {
   glPixelStorei(GL_PACK_ALIGNMENT, 1);
   std::array<GLint, 4> viewport{};
   glGetIntegerv(GL_VIEWPORT, viewport.data());
   const auto [x, y, width, height] = viewport;
-  std::vector<std::uint8_t> pixels(3 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-  glReadPixels(x, y, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
-  SaveBMP(filename, pixels, width, height, 1);
+  CPicture frame{width, height, {}};
+  frame.m_aPixels.resize(3 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+  glReadPixels(x, y, width, height, GL_RGB, GL_UNSIGNED_BYTE, frame.m_aPixels.data());
+  return frame;
+}
+
+bool Global::SaveFrameBuffer(const std::string& filename) {
+  const CPicture frame = ReadFrameBuffer();
+  return SaveBMP(filename, frame.m_aPixels, frame.m_iWidth, frame.m_iHeight, 1);
 }

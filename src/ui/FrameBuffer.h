@@ -2,10 +2,13 @@
 
 #include <string>
 
+#include "io/CPicture.h"
+
 namespace Global {
 
-/// Saves what the viewport of the current OpenGL context shows, as the read buffer has it, as a bitmap file. A failure
-/// is a console line.
-void SaveFrameBuffer(const std::string& filename);
+/// What the viewport of the current OpenGL context shows, as the read buffer has it.
+CPicture ReadFrameBuffer();
+/// Saves that as a bitmap file. A failure is a console line and the answer false.
+bool SaveFrameBuffer(const std::string& filename);
 
 }  // namespace Global

@@ -18,7 +18,7 @@ class ModelDrawingTest : public ModelViewTest {
  protected:
   CPicture FrameWith(std::uint32_t flags) {
     ShowOnly(flags);
-    return View().CaptureFrame();
+    return FrameOf(View());
   }
   CLight& AddLight(std::size_t which, const std::array<double, 4>& direction) {
     CLight& light = Grid().AddedLights().m_aLights[which];
@@ -192,7 +192,7 @@ TEST_F(ModelDrawingTest, GridLinesAreGrey) {
   EXPECT_EQ(line.m_uRed, line.m_uGreen);
   EXPECT_EQ(ColourAt(frame, 2.5, 22.2), kBlack) << "inside a cell";
   g_DrawingSettings.m_GreyGrid = {1, 0, 0};
-  EXPECT_EQ(ColourAt(View().CaptureFrame(), 2.5, 21.5), kRed);
+  EXPECT_EQ(ColourAt(FrameOf(View()), 2.5, 21.5), kRed);
 }
 
 TEST_F(ModelDrawingTest, GridLinesHaveTheThicknessOfTheSettings) {

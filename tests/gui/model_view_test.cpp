@@ -178,7 +178,7 @@ TEST_F(ModelViewEventsTest, ZoomedToNothingOnlyTheBackgroundShows) {
   CameraAtStart();
   Drag(FL_MIDDLE_MOUSE, -1000, 0);
   EXPECT_EQ(View().Camera().m_fR, 0);
-  EXPECT_EQ(CountPixels(View().CaptureFrame(), kBlack), kSize * kSize);
+  EXPECT_EQ(CountPixels(FrameOf(View()), kBlack), kSize * kSize);
   Drag(FL_LEFT_MOUSE, 10, 10);
   View().ResetCamera();
   EXPECT_GT(View().Camera().m_fR, 1);
@@ -261,7 +261,7 @@ using ModelViewFrameTest = ModelViewTest;
 TEST_F(ModelViewFrameTest, FrameIsTheViewBottomRowFirst) {
   LoadPicture(PictureOf(64, 64, [](int /*x*/, int y) { return y < 32 ? kRed : kBlue; }));
   ShowOnly(ModelFlag::kTexturedModel);
-  const CPicture frame = View().CaptureFrame();
+  const CPicture frame = FrameOf(View());
   EXPECT_EQ(frame.m_iWidth, kSize);
   EXPECT_EQ(frame.m_iHeight, kSize);
   EXPECT_EQ(frame.m_aPixels.size(), 3U * kSize * kSize);
@@ -273,7 +273,7 @@ TEST_F(ModelViewFrameTest, FrameOfAnOddSizeIsPackedTightly) {
   m_Window.size(301, 203);
   View().size(301, 203);
   ASSERT_TRUE(WaitUntilDrawn());
-  const CPicture frame = View().CaptureFrame();
+  const CPicture frame = FrameOf(View());
   EXPECT_EQ(frame.m_iWidth, 301);
   EXPECT_EQ(frame.m_iHeight, 203);
   EXPECT_EQ(frame.m_aPixels.size(), 3U * 301 * 203);
@@ -281,7 +281,7 @@ TEST_F(ModelViewFrameTest, FrameOfAnOddSizeIsPackedTightly) {
 
 TEST_F(ModelViewFrameTest, FrameOfAHiddenViewIsEmpty) {
   View().hide();
-  EXPECT_EQ(View().CaptureFrame().m_iWidth, 0);
+  EXPECT_EQ(FrameOf(View()).m_iWidth, 0);
 }
 
 TEST_F(ModelViewFrameTest, FrameFollowsAHeightEdit) {
@@ -293,10 +293,10 @@ TEST_F(ModelViewFrameTest, FrameFollowsAHeightEdit) {
     Fl::e_y = y;
     View().handle(event);
   }
-  const CPicture before = View().CaptureFrame();
+  const CPicture before = FrameOf(View());
   Grid().AddPtCstr(HeightCstr(4.5, 23, 3));
   RunUntilPaused(Grid());
-  EXPECT_NE(View().CaptureFrame().m_aPixels, before.m_aPixels);
+  EXPECT_NE(FrameOf(View()).m_aPixels, before.m_aPixels);
 }
 
 TEST_F(ModelViewFrameTest, RunningSolverHasTheViewDrawnButNotForEveryTick) {

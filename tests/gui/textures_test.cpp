@@ -131,11 +131,11 @@ TEST_F(TexturesTest, PictureSurvivesTheEndOfTheContext) {
   LoadPicture(PlainPicture(kRed));
   Paint(CTextureImages::kKd, 77);
   ShowOnly(ModelFlag::kTexturedModel);
-  ASSERT_EQ(ColourAt(View().CaptureFrame(), 4, 23), kRed);
+  ASSERT_EQ(ColourAt(FrameOf(View()), 4, 23), kRed);
   View().hide();
   View().show();
   ASSERT_TRUE(WaitUntilDrawn());
-  EXPECT_EQ(ColourAt(View().CaptureFrame(), 4, 23), kRed);
+  EXPECT_EQ(ColourAt(FrameOf(View()), 4, 23), kRed);
   EXPECT_EQ(FirstPixel(CTextureImages::kKd), (CRgb{77, 77, 77}));
   EXPECT_EQ(FirstPixel(CTextureImages::kIllumination), kRed);
 }
@@ -151,5 +151,5 @@ TEST_F(TexturesTest, OtherWindowsShareThem) {
   other->SetFlag(ModelFlag::kTexturedModel, true);
   window.show();
   ASSERT_TRUE(RunToolkitUntil([&] { return other->visible_r() != 0 && other->damage() == 0; }));
-  EXPECT_EQ(PixelOf(other->CaptureFrame(), 50, 50), kRed);
+  EXPECT_EQ(PixelOf(FrameOf(*other), 50, 50), kRed);
 }

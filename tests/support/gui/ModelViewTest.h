@@ -3,10 +3,14 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include <FL/Fl_Window.H>
 
+#include "io/Bmp.h"
+#include "support/gui/CTemporaryDirectory.h"
 #include "support/gui/ToolkitTest.h"
 #include "ui/CGridView.h"
 #include "ui/CTextures.h"
@@ -43,6 +47,15 @@ inline CRgb PixelOf(const CPicture& picture, int x, int y) {
   const std::size_t at =
       3 * (static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.m_iWidth) + static_cast<std::size_t>(x));
   return {picture.m_aPixels.at(at), picture.m_aPixels.at(at + 1), picture.m_aPixels.at(at + 2)};
+}
+
+/// What a view saves of itself; empty if it does not.
+inline CPicture FrameOf(CGridView& view) {
+  const CTemporaryDirectory directory;
+  const std::string file = (directory.Path() / "frame.bmp").string();
+  if (!view.SaveFrame(file)) return {};
+  auto frame = Global::LoadBMP(file, 1);
+  return frame ? std::move(frame->m_Picture) : CPicture{};
 }
 
 /// A picture of a given size whose pixels are `colour(x, y)`.

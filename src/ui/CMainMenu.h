@@ -1,0 +1,71 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include <FL/Fl_Menu_Bar.H>
+
+/// The entries of the main window's menu, in order.
+enum class MenuEntry {
+  NewGrid,
+  LoadGrid,
+  LoadImage,
+  SaveGrid,
+  SaveVrml,
+  ExportHeightField,
+  ImageGrid,
+  ImagePicture,
+  ImagePoints,
+  ImageCurves,
+  FreezeMap,
+  DiscontinuityTexels,
+  ModelGrid,
+  ModelTexture,
+  ModelPoints,
+  ModelCurves,
+  CellNormals,
+  PointNormals,
+  TexelNormals,
+  ShootImage,
+  ShootModel,
+  DebugInterface,
+  StatusBar,
+  SubdivisionColours,
+  DiscontinuityGap,
+  DiscontinuityEdges,
+  DrawingParameters,
+  NewWavelets,
+  SimpleWavelets,
+  NoWavelets,
+};
+
+/// The menu bar of the main window. What an entry does is the window's; check marks of toggle and radio entries are
+/// changed before it is asked.
+///
+/// A shortcut belongs to one entry, with exactly its modifiers, before it may stand for the title of a menu; that of an
+/// inactive entry does nothing.
+class CMainMenu : public Fl_Menu_Bar {
+ public:
+  using Action = std::function<void(MenuEntry entry)>;
+
+  CMainMenu(int x, int y, int w, int h, Action chosen);
+
+  bool IsChecked(MenuEntry entry) const { return Item(entry).value() != 0; }
+  void SetChecked(MenuEntry entry, bool checked);
+  bool IsActive(MenuEntry entry) const { return Item(entry).active() != 0; }
+  void Enable(MenuEntry entry, bool enable);
+  /// As if the user had chosen the entry, even if it is inactive.
+  void Choose(MenuEntry entry) { picked(&Item(entry)); }
+
+  int handle(int event) override;
+
+ private:
+  Fl_Menu_Item& Item(MenuEntry entry) { return m_aItems[m_auIndices[static_cast<std::size_t>(entry)]]; }
+  const Fl_Menu_Item& Item(MenuEntry entry) const { return m_aItems[m_auIndices[static_cast<std::size_t>(entry)]]; }
+  void BuildItems();
+  static void cb_Item(Fl_Widget* bar, void* entry);
+
+  Action m_Chosen;
+  std::vector<Fl_Menu_Item> m_aItems;    ///< as the toolkit wants them, with titles and ends of menus
+  std::vector<std::size_t> m_auIndices;  ///< of the entries among the items
+};

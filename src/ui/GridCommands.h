@@ -1,0 +1,70 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "ui/CGridParameters.h"
+#include "ui/UserDialogs.h"
+
+class CGrid;
+class CSolverControl;
+
+/// The commands' way to the user and to the picture.
+class CommandHost : public UserDialogs {
+ public:
+  /// Shows the picture in the file over the grid. False, with the user told, if there is none; then all stays as it
+  /// was.
+  virtual bool LoadPicture(const std::string& file) = 0;
+  /// File of the picture on show; empty if there is none.
+  virtual std::string TextureFile() const = 0;
+  /// The grid has been initialised anew or read from a file.
+  virtual void GridReplaced() = 0;
+};
+
+/// The work on files and the questions that the commands leave to others. An empty function makes its command
+/// unavailable.
+struct CModelServices {
+  std::function<std::optional<CGridParameters>(const CGrid& grid)> m_AskNewGrid;
+  std::function<void(CGrid& grid, const std::string& file)> m_LoadGrid;
+  std::function<void(CGrid& grid, const std::string& file)> m_SaveGrid;
+  std::function<void(CGrid& grid, const std::string& file, const std::string& texture)> m_SaveVrml;
+  std::function<void(CGrid& grid)> m_ExportHeightField;
+};
+
+/// The commands of the menu that replace the grid, read it or write it.
+///
+/// Four of them wait for the end of the solver's step while the solver tick is registered: `Request` leaves their code
+/// with the grid, whose next tick has them performed. Without a grid nothing happens.
+class CGridCommands {
+ public:
+  /// Both must outlive the object.
+  CGridCommands(CommandHost& host, CSolverControl& solver) : m_Host(host), m_Solver(solver) {}
+
+  void AttachGrid(CGrid& grid) { m_pGrid = &grid; }
+  void SetServices(CModelServices services) { m_Services = std::move(services); }
+  const CModelServices& Services() const { return m_Services; }
+
+  /// Performs Operation::kNewGrid, kLoadGrid, kLoadImage or kSaveGrid as soon as no step of the solver is under way.
+  void Request(int operation);
+  /// Performs it now.
+  void Perform(int operation);
+
+  void SaveVrml();
+  void ExportHeightField();
+  /// Leaves the grid the switch to the other resolution, asking how to go up, and resumes the solver.
+  void SwitchResolution();
+
+ private:
+  void NewGrid();
+  void LoadGrid();
+  void LoadImage();
+  void SaveGrid();
+  void SetPickTolerance();
+
+  CommandHost& m_Host;
+  CSolverControl& m_Solver;
+  CModelServices m_Services;
+  CGrid* m_pGrid = nullptr;
+};

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+/// The texts of the help line, by index.
+inline constexpr std::array kHelpTexts{
+    "",
+    "Reset the left view",
+    "Left-click on the left window to create new position constraints. Left-click and drag to move them, Right click "
+    "and "
+    "drag to change the height",
+    "Left-click on the left window to create new normal constraints. Left-click and drag to move them, Right click and "
+    "drag to change the orientation",
+    "Left-click on the left window to start creating a curve. Right click on an existing curve do modify its "
+    "parameters.",
+    "Create Position Discontinuities to deal with depth gaps",
+    "Create Normal Discontinuities to render sharp edges",
+    "Create Fairing curves to smoothen the model along a line",
+    "Left-Click on the left window to go on creating a piece-wise linear curve. Press Enter to validate it, or Escape "
+    "to "
+    "cancel it",
+    "This feature hasn't been fully implemented yet",
+    "Use this tool to modify the grid resolution manually",
+    "Use this feature to extract and modify the illumination of the model",
+    "Use this feature to record and save an animation",
+    "Use this feature to draw discontinuities easier using intelligent scissors",
+    "Reset the right view",
+    "Reset the solver by setting the height field to 0",
+    "Switch between normal grid resolution and highest grid resolution",
+    "Manualy stop the solver",
+    "Manualy resume the solver",
+    "Click and drag to change the 3D view : left-click and right-click to rotate, middle-click to zoom",
+    "Frame nb %4d recorded.",
+};
+
+/// Indices of the texts that are not tied to a control.
+namespace HelpText {
+inline constexpr int kNone = 0;
+inline constexpr int kPositions = 2;
+inline constexpr int kNormals = 3;
+inline constexpr int kCurves = 4;
+inline constexpr int kFrameRecorded = 20;  ///< a format that takes the number of the frame
+}  // namespace HelpText
+
+/// The text of an index; the empty one for an index that has none.
+inline constexpr const char* HelpTextOf(int index) {
+  const bool known = index >= 0 && static_cast<std::size_t>(index) < kHelpTexts.size();
+  return known ? kHelpTexts[static_cast<std::size_t>(index)] : kHelpTexts.front();
+}

@@ -1,0 +1,500 @@
+// What the buttons and read-outs of the main window do.
+
+#include "support/gui/WindowTest.h"
+#include "ui/DrawingSettings.h"
+
+namespace {
+
+using Tool = CImageViewUI::Tool;
+using Texts = std::vector<std::string>;
+
+class WindowCommandsTest : public WindowTest {
+ protected:
+  WindowCommandsTest() { m_Window.SetServices(Services()); }
+
+  std::string Console() { return m_Grid.m_Console.Take(); }
+  std::uint32_t DebugFlags() { return m_Window.ImageView().DebugFlags(); }
+  std::uint32_t ImageFlags() { return m_Window.ImageView().DisplayFlags(); }
+  // As the user has it: running, with its tick registered.
+  void StartSolver() {
+    Grid().SetRunning(true);
+    RegisterSolverTimer(Grid());
+  }
+  void ExpectRunControl(bool active) {
+    EXPECT_EQ(IsActive(Control::StopSolver), active);
+    EXPECT_EQ(IsActive(Control::ResumeSolver), active);
+    EXPECT_EQ(IsActive(Control::SwitchResolution), active);
+  }
+};
+
+}  // namespace
+
+TEST_F(WindowCommandsTest, AttachingShowsTheResolution) {
+  EXPECT_EQ(ReadOut(Control::CellCount), Grid().Tree().LeafCount());
+  EXPECT_EQ(ReadOut(Control::PointCount), Grid().ActivePointCount());
+}
+
+TEST_F(WindowCommandsTest, EditingModesAreSelected) {
+  struct {
+    Control control;
+    EditingMode mode;
+    int number;
+    int help;
+    bool curveTypes;
+  } const rows[] = {{Control::PositionConstraint, EditingMode::Position, 101, 2, false},
+                    {Control::CurveConstraint, EditingMode::Curve, 103, 4, true},
+                    {Control::NormalConstraint, EditingMode::Normal, 102, 3, false}};
+  EXPECT_EQ(m_Window.ImageView().Mode(), EditingMode::Unset);
+  for (const auto& row : rows) {
+    ClickOn(row.control);
+    EXPECT_EQ(m_Window.ImageView().Mode(), row.mode);
+    EXPECT_EQ(static_cast<int>(row.mode), row.number);
+    EXPECT_TRUE(IsOn(row.control));
+    EXPECT_EQ(HelpLine().CurrentHelp(), row.help);
+    EXPECT_EQ(IsActive(Control::CurveType), row.curveTypes);
+  }
+  EXPECT_EQ(m_asDone, Texts(3, "drop curve"));
+}
+
+TEST_F(WindowCommandsTest, CurveTypesAreSelected) {
+  for (const auto& [control, type] : {std::pair{Control::PositionDiscontinuity, 1},
+                                      {Control::FairnessConstraint, 4},
+                                      {Control::NormalDiscontinuity, 2}}) {
+    ClickOn(control);
+    EXPECT_EQ(m_Window.ImageView().CurveType(), type);
+  }
+  EXPECT_EQ(m_asDone, Texts(3, "curve type"));
+}
+
+TEST_F(WindowCommandsTest, WithoutCurvesTheirButtonsAreInactive) {
+  m_Window.SetServices({});
+  EXPECT_FALSE(IsActive(Control::CurveConstraint));
+  EXPECT_FALSE(IsActive(Control::FairnessConstraint));
+  EXPECT_FALSE(IsActive(Control::Select));
+  EXPECT_TRUE(IsActive(Control::PositionConstraint));
+}
+
+TEST_F(WindowCommandsTest, TwiceSlowerAndTwiceFasterIsTheOldInterval) {
+  EXPECT_EQ(g_fTimerInterval, 0.02);
+  ClickOn(Control::Slower);
+  EXPECT_DOUBLE_EQ(g_fTimerInterval, 0.03);
+  ClickOn(Control::Slower);
+  EXPECT_DOUBLE_EQ(g_fTimerInterval, 0.045);
+  ClickOn(Control::Faster);
+  EXPECT_DOUBLE_EQ(g_fTimerInterval, 0.03);
+  ClickOn(Control::Faster);
+  EXPECT_DOUBLE_EQ(g_fTimerInterval, 0.02);
+}
+
+TEST_F(WindowCommandsTest, IterationsAreShownAndLogged) {
+  Console();
+  m_Window.ShowIterations(120);
+  EXPECT_EQ(ReadOut(Control::Iterations), 120);
+  EXPECT_EQ(Console(), "CImageViewUI::SetNumberIter(120)\n");
+}
+
+TEST_F(WindowCommandsTest, GridShowsItsCounts) {
+  Grid().AddPtCstr({});
+  EXPECT_EQ(ReadOut(Control::ConstraintCount), 1);
+  m_Window.ShowResolution(40, 60);
+  EXPECT_EQ(ReadOut(Control::CellCount), 40);
+  EXPECT_EQ(ReadOut(Control::PointCount), 60);
+}
+
+TEST_F(WindowCommandsTest, ViewsShowWhatIsUnderTheMouse) {
+  m_Window.ShowNumber(17, -4);
+  m_Window.ShowInfluence(0.25);
+  EXPECT_EQ(ReadOut(Control::PointNumber), 17);
+  EXPECT_EQ(ReadOut(Control::Level), -4);
+  EXPECT_EQ(ReadOut(Control::Influence), 0.25);
+  for (const bool inside : {true, false}) {
+    m_Window.ShowPointerInside(inside);
+    EXPECT_EQ(IsOn(Control::PointerInside), inside);
+  }
+}
+
+TEST_F(WindowCommandsTest, TracedInterpolationIsShown) {
+  const double x = kOblong.x0 + 0.3 * (kOblong.x1 - kOblong.x0);
+  const double y = kOblong.y0 + 0.4 * (kOblong.y1 - kOblong.y0);
+  ASSERT_TRUE(Grid().TraceInterpolation(x, y));
+  const auto triangle = Grid().Surface().ShortStencil(Grid().Lattice().ColumnOf(x), Grid().Lattice().RowOf(y));
+  EXPECT_EQ(ReadOut(Control::FirstNumber), Grid().Order().NumberOf(triangle->m_uA));
+  EXPECT_EQ(ReadOut(Control::SecondNumber), Grid().Order().NumberOf(triangle->m_uB));
+  EXPECT_DOUBLE_EQ(ReadOut(Control::CentreCoef), triangle->m_fCCenter);
+  EXPECT_DOUBLE_EQ(ReadOut(Control::FirstCoef), triangle->m_fCa);
+  EXPECT_DOUBLE_EQ(ReadOut(Control::SecondCoef), triangle->m_fCb);
+}
+
+TEST_F(WindowCommandsTest, DebugButtonsSetTheirFlag) {
+  for (const auto& [control, flag] : {std::pair{Control::Select, 1U},
+                                      {Control::HorizontalCoefs, 2U},
+                                      {Control::VerticalCoefs, 4U},
+                                      {Control::TorsionCells, 8U},
+                                      {Control::TestInterpolation, 16U},
+                                      {Control::NormalTest, 0x100U}}) {
+    ClickOn(control);
+    EXPECT_EQ(DebugFlags(), flag);
+    ClickOn(control);
+    EXPECT_EQ(DebugFlags(), 0U);
+  }
+}
+
+TEST_F(WindowCommandsTest, InfluenceIsShownWhileATermIs) {
+  for (const Control control : {Control::HorizontalCoefs, Control::VerticalCoefs, Control::TorsionCells}) {
+    ClickOn(control);
+    EXPECT_TRUE(IsVisible(Control::Influence));
+    m_Window.ShowInfluence(3);
+    ClickOn(control);
+    EXPECT_FALSE(IsVisible(Control::Influence));
+    EXPECT_EQ(ReadOut(Control::Influence), -1);
+  }
+}
+
+TEST_F(WindowCommandsTest, InterpolationTestShowsItsReadOuts) {
+  ClickOn(Control::TestInterpolation);
+  EXPECT_TRUE(IsVisible(Control::Interpolation));
+  EXPECT_FALSE(IsVisible(Control::PointCount));
+  ClickOn(Control::TestInterpolation);
+  EXPECT_FALSE(IsVisible(Control::Interpolation));
+  EXPECT_TRUE(IsVisible(Control::PointCount));
+}
+
+TEST_F(WindowCommandsTest, LevelButtonGoesThroughItsStates) {
+  struct {
+    std::uint32_t flags;
+    const char* label;
+    bool down;
+    bool level;
+    bool influence;
+  } const rows[] = {{64, "SHOW\nH LEVEL", false, true, false},
+                    {32, "SHOW\nPOINT\nAREA", true, false, true},
+                    {0, "", false, false, false},
+                    {64, "SHOW\nH LEVEL", false, true, false}};
+  for (const auto& row : rows) {
+    ClickOn(Control::ShowLevel);
+    EXPECT_EQ(DebugFlags(), row.flags);
+    EXPECT_STREQ(Button(Control::ShowLevel).label(), row.label);
+    EXPECT_EQ(IsOn(Control::ShowLevel), row.down);
+    EXPECT_EQ(IsVisible(Control::Level), row.level);
+    EXPECT_EQ(IsVisible(Control::PointNumber), row.level);
+    EXPECT_EQ(IsVisible(Control::Influence), row.influence);
+  }
+}
+
+TEST_F(WindowCommandsTest, SelectAppliesWhenItEnds) {
+  ClickOn(Control::Select);
+  EXPECT_TRUE(m_asDone.empty());
+  ClickOn(Control::Select);
+  EXPECT_EQ(m_asDone, Texts{"apply"});
+}
+
+TEST_F(WindowCommandsTest, PopupGreets) {
+  ClickOn(Control::Popup);
+  EXPECT_EQ(m_Dialogs.m_asNotices, Texts{"Bonjour a tous !!!"});
+}
+
+TEST_F(WindowCommandsTest, DialogsEndTheDragInAView) {
+  Fl::pushed(&m_Window.ImageView());
+  m_Window.Notice("Look here");
+  EXPECT_EQ(Fl::pushed(), nullptr);
+  EXPECT_EQ(m_Dialogs.m_asNotices, Texts{"Look here"});
+}
+
+TEST_F(WindowCommandsTest, WaveletTestLogs) {
+  Console();
+  ClickOn(Control::TestWavelets);
+  EXPECT_EQ(Console().rfind("CGrid::TestWavelets", 0), 0U);
+}
+
+TEST_F(WindowCommandsTest, GreyGridColourComesInBytes) {
+  const CColour before = g_DrawingSettings.m_GreyGrid;
+  EXPECT_EQ(before, (CColour{0.5, 0.5, 0.5}));
+  m_Window.SetGreyGridColour(255, 0, 51);
+  EXPECT_EQ(g_DrawingSettings.m_GreyGrid, (CColour{1, 0, 0.2}));
+  g_DrawingSettings.m_GreyGrid = before;
+}
+
+// The run of the solver.
+
+TEST_F(WindowCommandsTest, StopAndResumeRunTheSolver) {
+  StartSolver();
+  ClickOn(Control::StopSolver);
+  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_TRUE(IsOn(Control::StopSolver));
+  EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::User);
+  ClickOn(Control::ResumeSolver);
+  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_TRUE(IsOn(Control::ResumeSolver));
+  EXPECT_EQ(g_nSolverTimers, 1);
+}
+
+TEST_F(WindowCommandsTest, ConvergenceTurnsTheLamp) {
+  StartSolver();
+  EXPECT_TRUE(RunToolkitUntil([&] { return IsOn(Control::StopSolver); }));
+  EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::Converged);
+  Grid().AddPtCstr({});
+  EXPECT_TRUE(IsOn(Control::ResumeSolver));
+  EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::Command);
+}
+
+TEST_F(WindowCommandsTest, ResetOfTheSolverPostsARebuild) {
+  StartSolver();
+  ClickOn(Control::ResetSolver);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+}
+
+TEST_F(WindowCommandsTest, WorkPostedWithNoTickIsDoneAtOnce) {
+  Grid().SetRunning(false);
+  ClickOn(Control::ResetSolver);
+  Grid().AddPtCstr({});
+  EXPECT_TRUE(RunToolkitUntil([&] { return Grid().NextOperation() == Operation::kNone; }));
+  EXPECT_EQ(Grid().IterationCounter(), 0) << "rebuilt, not iterated";
+}
+
+TEST_F(WindowCommandsTest, WorkPostedBetweenAStopAndTheLastTickIsDone) {
+  StartSolver();
+  ClickOn(Control::StopSolver);
+  Menu().Choose(MenuEntry::LoadGrid);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kLoadGrid);
+  EXPECT_TRUE(RunToolkitUntil([&] { return !m_Dialogs.m_aChoosers.empty(); }));
+}
+
+TEST_F(WindowCommandsTest, WhileTheSolverRunsLoadingWaitsForItsNextTick) {
+  StartSolver();
+  m_Dialogs.m_File = "model.grid";
+  GiveWork();
+  Menu().Choose(MenuEntry::LoadGrid);
+  EXPECT_TRUE(m_asDone.empty());
+  EXPECT_EQ(Grid().NextOperation(), 2048);
+  EXPECT_TRUE(RunToolkitUntil([&] { return m_asDone == Texts{"load"}; }));
+}
+
+TEST_F(WindowCommandsTest, WithTheSolverNeverStartedLoadingHappensAtOnce) {
+  m_Dialogs.m_File = "model.grid";
+  Menu().Choose(MenuEntry::LoadGrid);
+  EXPECT_EQ(m_asDone, Texts{"load"});
+}
+
+TEST_F(WindowCommandsTest, LoadedGridIsShownAsItIs) {
+  CWindowServices services = Services();
+  services.m_Model.m_LoadGrid = [](CGrid& grid, const std::string&) {
+    grid.SetWaveletMode(WaveletMode::Simple);
+    grid.AddPtCstr({});
+    g_bHighRes = 1;
+  };
+  m_Window.SetServices(services);
+  m_Dialogs.m_File = "model.grid";
+  Menu().Choose(MenuEntry::LoadGrid);
+  EXPECT_TRUE(Menu().IsChecked(MenuEntry::SimpleWavelets));
+  EXPECT_FALSE(Menu().IsChecked(MenuEntry::NewWavelets));
+  EXPECT_EQ(ReadOut(Control::ConstraintCount), 1);
+  EXPECT_STREQ(Widget(Control::SwitchResolution).label(), "Switch to LR");
+}
+
+TEST_F(WindowCommandsTest, SwitchUpIsPostedAndRelabelledAtOnce) {
+  for (const auto& [yes, code] : {std::pair{false, 32}, {true, 8}}) {
+    m_Dialogs.m_bYes = yes;
+    Console();
+    ClickOn(Control::SwitchResolution);
+    EXPECT_EQ(Grid().NextOperation(), code);
+    EXPECT_STREQ(Widget(Control::SwitchResolution).label(), "Switch to LR");
+    EXPECT_EQ(Console(), "CImageViewUI::cb_m_pbtnSwitchHR_LR\n");
+    EXPECT_TRUE(Grid().IsRunning());
+  }
+}
+
+TEST_F(WindowCommandsTest, SwitchDownIsPostedAndRelabelledAtOnce) {
+  g_bHighRes = 1;
+  ClickOn(Control::SwitchResolution);
+  EXPECT_EQ(Grid().NextOperation(), 64);
+  EXPECT_STREQ(Widget(Control::SwitchResolution).label(), "Switch to HR");
+  EXPECT_TRUE(m_Dialogs.m_asQuestions.empty());
+}
+
+// The freeze tool.
+
+TEST_F(WindowCommandsTest, FreezeIsThereWhileItsMapIsShown) {
+  EXPECT_FALSE(IsVisible(Control::Freeze));
+  Menu().Choose(MenuEntry::FreezeMap);
+  EXPECT_TRUE(IsVisible(Control::Freeze));
+  Menu().Choose(MenuEntry::FreezeMap);
+  EXPECT_FALSE(IsVisible(Control::Freeze));
+}
+
+TEST_F(WindowCommandsTest, FreezeHoldsTheSolverAndTheRecorder) {
+  AddTool(Tool::Recorder);
+  Menu().Choose(MenuEntry::FreezeMap);
+  StartSolver();
+  ClickOn(Control::Freeze);
+  EXPECT_EQ(DebugFlags(), 128U);
+  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::Freeze);
+  ExpectRunControl(false);
+  EXPECT_FALSE(IsActive(Control::Recorder));
+  EXPECT_FALSE(Menu().IsActive(MenuEntry::FreezeMap));
+  ClickOn(Control::ResumeSolver);
+  EXPECT_FALSE(Grid().IsRunning());
+}
+
+TEST_F(WindowCommandsTest, SolverStaysStoppedAfterTheFreeze) {
+  AddTool(Tool::Recorder);
+  Menu().Choose(MenuEntry::FreezeMap);
+  StartSolver();
+  ClickOn(Control::Freeze);
+  ClickOn(Control::Freeze);
+  EXPECT_EQ(DebugFlags(), 0U);
+  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::User);
+  ExpectRunControl(true);
+  EXPECT_TRUE(IsActive(Control::Recorder));
+  EXPECT_TRUE(Menu().IsActive(MenuEntry::FreezeMap));
+  EXPECT_TRUE(Menu().IsChecked(MenuEntry::FreezeMap));
+}
+
+TEST_F(WindowCommandsTest, FreezeSwitchesItsMapOn) {
+  Button(Control::Freeze).value(1);
+  Widget(Control::Freeze).do_callback();
+  EXPECT_TRUE(Menu().IsChecked(MenuEntry::FreezeMap));
+  EXPECT_EQ(ImageFlags(), 14U + 32768U);
+}
+
+// The other windows.
+
+TEST_F(WindowCommandsTest, WithoutToolsTheirButtonsAreInactive) {
+  EXPECT_FALSE(IsActive(Control::Recorder));
+  EXPECT_FALSE(IsActive(Control::Scissors));
+  EXPECT_FALSE(IsVisible(Control::LightSources));
+}
+
+TEST_F(WindowCommandsTest, UntilAPictureIsLoadedAClickOnTheScissorsGoesToTheRecorder) {
+  TestTool& recorder = AddTool(Tool::Recorder);
+  TestTool& scissors = AddTool(Tool::Scissors);
+  ClickOn(Control::Scissors);
+  EXPECT_TRUE(recorder.m_bOpen);
+  EXPECT_FALSE(scissors.m_bOpen);
+}
+
+TEST_F(WindowCommandsTest, RecorderHoldsTheSolverAndTheEditing) {
+  TestTool& recorder = AddTool(Tool::Recorder);
+  StartSolver();
+  ClickOn(Control::Recorder);
+  EXPECT_TRUE(recorder.m_bOpen);
+  EXPECT_TRUE(IsOn(Control::Recorder));
+  EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::Recorder);
+  ExpectRunControl(false);
+  EXPECT_FALSE(IsActive(Control::PositionConstraint));
+}
+
+TEST_F(WindowCommandsTest, EveryWayOfClosingTheRecorderGivesThemBack) {
+  TestTool& recorder = AddTool(Tool::Recorder);
+  for (const bool byButton : {true, false}) {
+    ClickOn(Control::Recorder);
+    if (byButton) {
+      ClickOn(Control::Recorder);
+    } else {
+      recorder.Close();
+    }
+    EXPECT_FALSE(recorder.m_bOpen);
+    EXPECT_FALSE(IsOn(Control::Recorder));
+    EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::User);
+    ExpectRunControl(true);
+    EXPECT_TRUE(IsActive(Control::PositionConstraint));
+  }
+}
+
+TEST_F(WindowCommandsTest, PictureBringsTheTools) {
+  ShowWindow();
+  for (const Tool tool : {Tool::LightSources, Tool::Recorder, Tool::Scissors}) AddTool(tool);
+  LoadPicture();
+  for (const Control control : {Control::LightSources, Control::Recorder, Control::Scissors}) {
+    EXPECT_TRUE(IsVisible(control));
+    EXPECT_TRUE(IsActive(control));
+  }
+  EXPECT_LE(Widget(Control::Recorder).y() + Widget(Control::Recorder).h(), Widget(Control::Scissors).y());
+}
+
+TEST_F(WindowCommandsTest, PictureIsShownInBothViews) {
+  ShowWindow();
+  LoadPicture();
+  for (const MenuEntry entry : {MenuEntry::ImagePicture, MenuEntry::ModelTexture}) {
+    EXPECT_TRUE(Menu().IsActive(entry));
+    EXPECT_TRUE(Menu().IsChecked(entry));
+  }
+  EXPECT_EQ(ImageFlags(), 14U + 64U);
+  EXPECT_EQ(m_Window.GridView().DisplayFlags(), 2U + 64U + 2048U);
+  LoadPicture();
+  EXPECT_EQ(ImageFlags(), 14U + 64U) << "a second picture leaves what is on";
+}
+
+TEST_F(WindowCommandsTest, PictureThatCannotBeReadChangesNothing) {
+  ShowWindow();
+  m_Dialogs.m_File = (m_Directory.Path() / "missing.bmp").string();
+  Menu().Choose(MenuEntry::LoadImage);
+  EXPECT_FALSE(Menu().IsActive(MenuEntry::ImagePicture));
+  EXPECT_FALSE(IsVisible(Control::LightSources));
+  EXPECT_EQ(ImageFlags(), 14U);
+}
+
+TEST_F(WindowCommandsTest, ToolsAreToldOfAPictureAndTheScissorsClose) {
+  ShowWindow();
+  TestTool& lights = AddTool(Tool::LightSources);
+  TestTool& scissors = AddTool(Tool::Scissors);
+  LoadPicture();
+  ClickOn(Control::LightSources);
+  ClickOn(Control::Scissors);
+  EXPECT_TRUE(lights.m_bOpen && scissors.m_bOpen);
+  LoadPicture();
+  EXPECT_EQ(lights.m_iPictures, 2);
+  EXPECT_TRUE(lights.m_bOpen);
+  EXPECT_FALSE(scissors.m_bOpen);
+  EXPECT_FALSE(IsOn(Control::Scissors));
+}
+
+TEST_F(WindowCommandsTest, ScissorsStopTheSolver) {
+  ShowWindow();
+  TestTool& scissors = AddTool(Tool::Scissors);
+  LoadPicture();
+  Grid().SetRunning(true);
+  ClickOn(Control::Scissors);
+  EXPECT_TRUE(scissors.m_bOpen);
+  EXPECT_TRUE(IsOn(Control::Scissors));
+  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::User);
+  ClickOn(Control::Scissors);
+  EXPECT_FALSE(IsOn(Control::Scissors));
+  EXPECT_FALSE(Grid().IsRunning());
+}
+
+TEST_F(WindowCommandsTest, LightSourcesGoOnAndOffWithTheirButton) {
+  ShowWindow();
+  TestTool& lights = AddTool(Tool::LightSources);
+  LoadPicture();
+  for (const bool open : {true, false}) {
+    ClickOn(Control::LightSources);
+    EXPECT_EQ(lights.m_bOpen, open);
+    EXPECT_EQ(IsOn(Control::LightSources), open);
+  }
+}
+
+// Frames.
+
+TEST_F(WindowCommandsTest, ShotsAskForAFileAndKeepTheSolver) {
+  ShowWindow();
+  StartSolver();
+  for (const MenuEntry entry : {MenuEntry::ShootImage, MenuEntry::ShootModel}) {
+    Menu().Choose(entry);
+    EXPECT_EQ(m_Dialogs.m_aChoosers.back(),
+              (std::pair<std::string, std::string>("give a name for current frame buffer:", "*.bmp")));
+    EXPECT_TRUE(Grid().IsRunning());
+  }
+}
+
+TEST_F(WindowCommandsTest, ShotsBringTheOtherViewBack) {
+  ShowWindow();
+  m_Dialogs.m_File = (m_Directory.Path() / "frame.bmp").string();
+  for (const MenuEntry entry : {MenuEntry::ShootImage, MenuEntry::ShootModel}) {
+    Menu().Choose(entry);
+    EXPECT_TRUE(m_Window.ImageView().visible());
+    EXPECT_TRUE(m_Window.GridView().visible());
+  }
+}

@@ -1,0 +1,108 @@
+// The main window of the running program, under a user's mouse and keyboard.
+
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "support/gui/CRelievo.h"
+#include "support/gui/Input.h"
+#include "support/gui/WaitUntil.h"
+#include "ui/Controls.h"
+
+namespace {
+
+class WindowProgramTest : public ::testing::Test {
+ protected:
+  CPixel PlaceOf(Control control) {
+    const CRect& rect = RowOf(control).m_Design;
+    return m_Program.MainArea().At({rect.x + rect.w / 2, rect.y + rect.h / 2});
+  }
+  CScreenshot Shot(Control control) {
+    const CRect& rect = RowOf(control).m_Design;
+    const CPixel corner = m_Program.MainArea().At({rect.x, rect.y});
+    return m_Program.Screen().Capture({corner.m_iX, corner.m_iY, rect.w, rect.h});
+  }
+  static bool Differ(const CScreenshot& a, const CScreenshot& b) {
+    for (int y = 0; y < a.Height(); ++y) {
+      for (int x = 0; x < a.Width(); ++x)
+        if (!(a.At({x, y}) == b.At({x, y}))) return true;
+    }
+    return false;
+  }
+  bool Prints(const std::string& line) {
+    return WaitUntil([&] {
+      const std::vector<std::string> lines = m_Program.ConsoleLines();
+      return std::find(lines.begin(), lines.end(), line) != lines.end();
+    });
+  }
+
+  CRelievo m_Program;
+};
+
+}  // namespace
+
+TEST_F(WindowProgramTest, HelpFollowsTheMouse) {
+  MovePointer(PlaceOf(Control::ImageView));
+  ASSERT_TRUE(m_Program.HandlesEvents());
+  const CScreenshot empty = Shot(Control::HelpLine);
+  MovePointer(PlaceOf(Control::ResetSolver));
+  EXPECT_TRUE(WaitUntil([&] { return Differ(Shot(Control::HelpLine), empty); }));
+  MovePointer(PlaceOf(Control::Iterations));
+  EXPECT_TRUE(WaitUntil([&] { return !Differ(Shot(Control::HelpLine), empty); }));
+}
+
+TEST_F(WindowProgramTest, WaveletTestIsLogged) {
+  Click(PlaceOf(Control::TestWavelets));
+  EXPECT_TRUE(WaitUntil([&] {
+    for (const std::string& line : m_Program.ConsoleLines())
+      if (line.rfind("CGrid::TestWavelets\t\tlargest difference : ", 0) == 0) return true;
+    return false;
+  }));
+}
+
+TEST_F(WindowProgramTest, SwitchOfResolutionAsksFirst) {
+  Click(PlaceOf(Control::SwitchResolution));
+  ASSERT_TRUE(Prints("CImageViewUI::cb_m_pbtnSwitchHR_LR"));
+  ASSERT_TRUE(WaitUntil([&] { return m_Program.Screen().WindowsOf(m_Program.Pid()).size() == 2; }));
+  const CScreenshot before = Shot(Control::SwitchResolution);
+  PressKey("Escape");
+  EXPECT_TRUE(Prints("16641 points")) << "the grid of 129 by 129 points";
+  EXPECT_TRUE(WaitUntil([&] { return Differ(Shot(Control::SwitchResolution), before); }));
+}
+
+TEST_F(WindowProgramTest, PictureIsAskedForWithItsShortcut) {
+  PressKey("alt+shift+o");
+  EXPECT_TRUE(m_Program.WaitForWindow("please input image file name").has_value());
+  PressKey("Escape");
+  EXPECT_TRUE(WaitUntil([&] { return m_Program.Screen().WindowsOf(m_Program.Pid()).size() == 1; }));
+  EXPECT_TRUE(m_Program.HandlesEvents());
+}
+
+TEST_F(WindowProgramTest, PopupIsAcknowledged) {
+  Click(PlaceOf(Control::Popup));
+  ASSERT_TRUE(WaitUntil([&] { return m_Program.Screen().WindowsOf(m_Program.Pid()).size() == 2; }));
+  PressKey("Return");
+  EXPECT_TRUE(WaitUntil([&] { return m_Program.Screen().WindowsOf(m_Program.Pid()).size() == 1; }));
+}
+
+TEST_F(WindowProgramTest, ShortcutShowsInTheMenu) {
+  Click(m_Program.MainArea().At({80, 10}));
+  const CArea menu = m_Program.MainArea();
+  const auto entries = [&] { return m_Program.Screen().Capture({menu.m_iX + 50, menu.m_iY + 25, 100, 100}); };
+  ASSERT_TRUE(WaitUntil([&] { return !entries().IsAll(kBlack); }));
+  const CScreenshot checked = entries();
+  PressKey("Escape");
+  ASSERT_TRUE(WaitUntil([&] { return entries().IsAll(kBlack); }));
+  PressKey("ctrl+g");
+  Click(m_Program.MainArea().At({80, 10}));
+  EXPECT_TRUE(WaitUntil([&] { return !entries().IsAll(kBlack) && Differ(entries(), checked); }));
+}
+
+TEST_F(WindowProgramTest, EveryControlIsInTheSmallWindowToo) {
+  m_Program.Screen().AskForSize(m_Program.MainWindow(), 800, 300);
+  ASSERT_TRUE(WaitUntil([&] { return m_Program.MainArea().m_iHeight == 300; }));
+  EXPECT_TRUE(WaitUntil([&] {
+    const std::vector<CArea> views = m_Program.ViewAreas();
+    return views.size() == 2 && views[0] == CArea{2, 23, 395, 70} && views[1] == CArea{403, 23, 395, 70};
+  }));
+}

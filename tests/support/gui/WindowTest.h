@@ -1,0 +1,156 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <FL/Fl_Button.H>
+#include <FL/Fl_Value_Output.H>
+
+#include "app/SolverTimer.h"
+#include "support/gui/CTemporaryDirectory.h"
+#include "support/gui/ToolkitTest.h"
+#include "ui/CGridView.h"
+#include "ui/CHelpLine.h"
+#include "ui/CImageView.h"
+#include "ui/CImageViewUI.h"
+#include "ui/TimerInterval.h"
+
+/// Answers all questions in the same way and remembers them.
+class ScriptedDialogs : public UserDialogs {
+ public:
+  std::optional<std::string> ChooseFile(const char* title, const char* pattern) override {
+    m_aChoosers.emplace_back(title, pattern == nullptr ? "none" : pattern);
+    return m_File;
+  }
+  bool Ask(const char* question) override {
+    m_asQuestions.emplace_back(question);
+    return m_bYes;
+  }
+  void Notice(const char* text) override { m_asNotices.emplace_back(text); }
+
+  std::optional<std::string> m_File;
+  bool m_bYes = false;
+  std::vector<std::pair<std::string, std::string>> m_aChoosers;  ///< title and pattern
+  std::vector<std::string> m_asQuestions;
+  std::vector<std::string> m_asNotices;
+};
+
+/// A tool without a window.
+class TestTool : public ToolWindow {
+ public:
+  bool IsOpen() const override { return m_bOpen; }
+  void Open() override { m_bOpen = true; }
+  void Close() override {
+    m_bOpen = false;
+    ReportClosed();
+  }
+  void PictureLoaded() override { ++m_iPictures; }
+
+  bool m_bOpen = false;
+  int m_iPictures = 0;
+};
+
+/// The main window with a small grid, in the test's own process. What other rooms would bring to it is noted in
+/// `m_asDone`.
+class WindowTest : public ToolkitTest {
+ protected:
+  WindowTest() { m_Window.AttachGrid(Grid()); }
+  ~WindowTest() override {
+    Fl::remove_timeout(OnSolverTimer);
+    g_nSolverTimers = 0;
+    g_fTimerInterval = 0.02;
+  }
+  void ShowWindow() {
+    m_Window.show();
+    ASSERT_TRUE(RunToolkitUntil([this] { return m_Window.ImageView().damage() == 0; }));
+  }
+
+  CMainMenu& Menu() { return m_Window.Menu(); }
+  CHelpLine& HelpLine() { return m_Window.HelpLine(); }
+  Fl_Widget& Widget(Control control) { return m_Window.Widget(control); }
+  Fl_Button& Button(Control control) { return static_cast<Fl_Button&>(Widget(control)); }
+  double ReadOut(Control control) { return static_cast<Fl_Value_Output&>(Widget(control)).value(); }
+  bool IsVisible(Control control) { return Widget(control).visible_r() != 0 || ShownButNotMapped(control); }
+  bool IsActive(Control control) { return Widget(control).active_r() != 0; }
+  bool IsOn(Control control) { return Button(control).value() != 0; }
+
+  /// One event of the mouse at the middle of a control, through the toolkit's own path.
+  void SendMouse(int event, Control control) {
+    const Fl_Widget& widget = Widget(control);
+    Fl::e_x = widget.x() + widget.w() / 2;
+    Fl::e_y = widget.y() + widget.h() / 2;
+    Fl::e_keysym = FL_Button + FL_LEFT_MOUSE;
+    Fl::e_state = event == FL_RELEASE ? 0 : FL_BUTTON1;
+    Fl::handle(event, &m_Window);
+  }
+  void ClickOn(Control control) {
+    SendMouse(FL_PUSH, control);
+    SendMouse(FL_RELEASE, control);
+  }
+  /// A key typed with modifiers; `text` is what the keyboard makes of them.
+  void Type(int key, int modifiers, const char* text = "") {
+    std::string copy = text;
+    Fl::e_keysym = key;
+    Fl::e_state = modifiers;
+    Fl::e_text = copy.data();
+    Fl::e_length = static_cast<int>(copy.size());
+    Fl::handle(FL_KEYBOARD, &m_Window);
+    Fl::e_text = nullptr;
+    Fl::e_length = 0;
+  }
+
+  CWindowServices Services() {
+    CWindowServices services;
+    const auto note = [this](const char* what) { m_asDone.emplace_back(what); };
+    services.m_Model.m_AskNewGrid = [note](const CGrid&) {
+      note("ask");
+      return std::optional<CGridParameters>();
+    };
+    services.m_Model.m_LoadGrid = [note](CGrid&, const std::string&) { note("load"); };
+    services.m_Model.m_SaveGrid = [note](CGrid&, const std::string&) { note("save"); };
+    services.m_Model.m_SaveVrml = [note](CGrid&, const std::string&, const std::string&) { note("vrml"); };
+    services.m_Model.m_ExportHeightField = [note](CGrid&) { note("height field"); };
+    services.m_ShowDrawingOptions = [note] { note("options"); };
+    services.m_DropCurve = [note](CGrid&) { note("drop curve"); };
+    services.m_CurveTypeChanged = [note](CGrid&) { note("curve type"); };
+    services.m_ApplySelection = [note](CGrid&) { note("apply"); };
+    services.m_bTexels = true;
+    return services;
+  }
+  TestTool& AddTool(CImageViewUI::Tool tool) {
+    auto window = std::make_unique<TestTool>();
+    TestTool& added = *window;
+    m_Window.SetTool(tool, std::move(window));
+    return added;
+  }
+  /// Chooses the menu's entry and answers with a picture of two by two pixels.
+  void LoadPicture() {
+    m_Dialogs.m_File = (m_Directory.Path() / "picture.bmp").string();
+    constexpr char kHeader[] = "BM\x46\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\2\0\0\0\1\0\x18";
+    std::string bytes(kHeader, sizeof kHeader - 1);
+    bytes.resize(70, '\0');
+    std::ofstream(*m_Dialogs.m_File, std::ios::binary) << bytes;
+    Menu().Choose(MenuEntry::LoadImage);
+    // If the solver's tick is registered, the next one does it.
+    ASSERT_TRUE(RunToolkitUntil([this] { return Grid().NextOperation() == Operation::kNone; }));
+  }
+
+  ScriptedDialogs m_Dialogs;
+  std::vector<std::string> m_asDone;
+  CTemporaryDirectory m_Directory;
+  CImageViewUI m_Window{RegisterSolverTimer, &m_Dialogs};
+
+ private:
+  // Before the window is on the screen nothing in it counts as visible; what matters then is that nothing is hidden.
+  bool ShownButNotMapped(Control control) {
+    if (m_Window.visible() != 0) return false;
+    for (const Fl_Widget* widget = &Widget(control); widget != &m_Window; widget = widget->parent())
+      if (widget->visible() == 0) return false;
+    return true;
+  }
+};

@@ -1,0 +1,247 @@
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "model/Globals.h"
+#include "support/WindowBuilders.h"
+
+namespace {
+
+using Chooser = std::pair<std::string, std::string>;
+
+constexpr int kDeferrable[] = {Operation::kNewGrid, Operation::kLoadGrid, Operation::kLoadImage, Operation::kSaveGrid};
+
+class GridCommandsTest : public ::testing::Test {
+ protected:
+  GridCommandsTest() {
+    m_Commands.AttachGrid(Grid());
+    m_Commands.SetServices(Services());
+  }
+  ~GridCommandsTest() override { g_nSolverTimers = 0; }
+  void SetUp() override { g_fPickTolerance = 1.0; }
+  void TearDown() override { g_fPickTolerance = 1.0; }
+
+  CGrid& Grid() { return m_Test.Grid(); }
+  CSolverControl& Solver() { return m_Test.m_Solver; }
+  std::string Console() { return m_Test.m_Grid.m_Console.Take(); }
+
+  // Services that note what they were asked, and whether the solver ran meanwhile.
+  CModelServices Services() {
+    return {[this](const CGrid&) { return Note("ask"), m_NewGrid; },
+            [this](CGrid&, const std::string& file) { Note("load " + file); },
+            [this](CGrid&, const std::string& file) { Note("save " + file); },
+            [this](CGrid&, const std::string& file, const std::string& texture) {
+              Note("vrml " + file + " with " + texture);
+            },
+            [this](CGrid&) { Note("height field"); }};
+  }
+  void Note(const std::string& what) {
+    m_asDone.push_back(what);
+    m_bRanMeanwhile = m_bRanMeanwhile || Grid().IsRunning();
+  }
+
+  CTestSolver m_Test;
+  ScriptedHost m_Host;
+  CGridCommands m_Commands{m_Host, m_Test.m_Solver};
+  std::optional<CGridParameters> m_NewGrid;
+  std::vector<std::string> m_asDone;
+  bool m_bRanMeanwhile = false;
+};
+
+using Done = std::vector<std::string>;
+
+}  // namespace
+
+TEST_F(GridCommandsTest, WhileTheTickIsRegisteredTheCodeWaits) {
+  g_nSolverTimers = 1;
+  for (const int operation : kDeferrable) {
+    m_Commands.Request(operation);
+    EXPECT_EQ(Grid().NextOperation(), operation);
+  }
+  EXPECT_TRUE(m_asDone.empty());
+  EXPECT_TRUE(m_Host.m_aChoosers.empty());
+}
+
+TEST_F(GridCommandsTest, CodesAreThoseOfTheTable) {
+  EXPECT_EQ(std::vector(std::begin(kDeferrable), std::end(kDeferrable)), (std::vector{4096, 2048, 16384, 8192}));
+}
+
+TEST_F(GridCommandsTest, WithNoTickTheCommandActsAtOnce) {
+  m_Host.m_File = "name";
+  for (const int operation : kDeferrable) m_Commands.Request(operation);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(m_asDone, (Done{"ask", "load name", "save name"}));
+  EXPECT_EQ(m_Host.m_asPictures, Done{"name"});
+}
+
+TEST_F(GridCommandsTest, ChoosersHaveTheirTitlesAndPatterns) {
+  for (const int operation : {Operation::kSaveGrid, Operation::kLoadGrid, Operation::kLoadImage}) {
+    m_Commands.Perform(operation);
+  }
+  m_Commands.SaveVrml();
+  EXPECT_EQ(m_Host.m_aChoosers, (std::vector<Chooser>{{"please input grid file name", "none"},
+                                                      {"please input grid file name", "*.grid"},
+                                                      {"please input image file name", "*.bmp"},
+                                                      {"please input VRML file name", "*.wrl"}}));
+}
+
+TEST_F(GridCommandsTest, CancelledChooserDoesNothing) {
+  for (const int operation : {Operation::kSaveGrid, Operation::kLoadGrid, Operation::kLoadImage}) {
+    m_Commands.Perform(operation);
+    EXPECT_TRUE(Grid().IsRunning());
+  }
+  m_Commands.SaveVrml();
+  EXPECT_TRUE(m_asDone.empty());
+  EXPECT_TRUE(m_Host.m_asPictures.empty());
+  EXPECT_TRUE(m_Host.m_asNotices.empty());
+}
+
+TEST_F(GridCommandsTest, CancelledLoadIsLogged) {
+  m_Commands.Perform(Operation::kLoadGrid);
+  EXPECT_EQ(Console(), "CImageView::LoadGrid() : filename == NULL\n");
+}
+
+TEST_F(GridCommandsTest, CommandsHoldTheSolverAndLetItGoOn) {
+  m_Host.m_File = "name";
+  for (const int operation : kDeferrable) {
+    m_Commands.Perform(operation);
+    EXPECT_TRUE(Grid().IsRunning()) << operation;
+  }
+  m_Commands.SaveVrml();
+  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_FALSE(m_bRanMeanwhile);
+}
+
+TEST_F(GridCommandsTest, OnlyLoadGridStartsAStoppedSolver) {
+  for (const int operation : kDeferrable) {
+    Solver().StopSolver();
+    m_Commands.Perform(operation);
+    EXPECT_EQ(Grid().IsRunning(), operation == Operation::kLoadGrid) << operation;
+  }
+}
+
+TEST_F(GridCommandsTest, LoadGridDoesNotEndAFreeze) {
+  Solver().PauseForFreeze();
+  m_Commands.Perform(Operation::kLoadGrid);
+  EXPECT_FALSE(Grid().IsRunning());
+}
+
+TEST_F(GridCommandsTest, NewGridTakesWhatWasGiven) {
+  m_NewGrid = CGridParameters{3, {-5, 45, 10, 30}, false};
+  m_Commands.Perform(Operation::kNewGrid);
+  EXPECT_EQ(Grid().BaseLevel(), 3);
+  const CExtent& extent = Grid().Lattice().Extent();
+  EXPECT_EQ(std::vector({extent.x0, extent.x1, extent.y0, extent.y1}), std::vector({-5.0, 45.0, 10.0, 30.0}));
+  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps) << "the reset";
+  EXPECT_EQ(m_Host.m_iReplaced, 1);
+}
+
+TEST_F(GridCommandsTest, NewGridKeepsTheConstraintsIfAsked) {
+  for (const bool keep : {true, false}) {
+    Grid().AddPtCstr({});
+    m_NewGrid = CGridParameters{2, {0, 100, 0, 100}, keep};
+    m_Commands.Perform(Operation::kNewGrid);
+    EXPECT_EQ(Grid().PointConstraints().size(), keep ? 1U : 0U);
+  }
+}
+
+TEST_F(GridCommandsTest, CancelledNewGridChangesNothing) {
+  const int level = Grid().BaseLevel();
+  m_Commands.Perform(Operation::kNewGrid);
+  EXPECT_EQ(Grid().BaseLevel(), level);
+  EXPECT_EQ(m_Host.m_iReplaced, 0);
+  EXPECT_EQ(g_fPickTolerance, 1.0);
+}
+
+TEST_F(GridCommandsTest, PickToleranceIsAHundredthOfTheLargerExtent) {
+  m_NewGrid = CGridParameters{2, {0, 20, -10, 40}, false};
+  m_Commands.Perform(Operation::kNewGrid);
+  EXPECT_DOUBLE_EQ(g_fPickTolerance, 0.5);
+  m_Host.m_File = "name";
+  Grid().SetRectangle(0, 300, 0, 100);
+  m_Commands.Perform(Operation::kLoadGrid);
+  EXPECT_DOUBLE_EQ(g_fPickTolerance, 3.0);
+  EXPECT_EQ(m_Host.m_iReplaced, 2);
+}
+
+TEST_F(GridCommandsTest, FilesAreWrittenWithNothingPending) {
+  m_Host.m_File = "name";
+  Grid().AddPtCstr({});
+  m_Commands.Perform(Operation::kSaveGrid);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  Grid().AddPtCstr({});
+  m_Commands.SaveVrml();
+  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  Grid().AddPtCstr({});
+  m_Commands.ExportHeightField();
+  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+}
+
+TEST_F(GridCommandsTest, VrmlWithoutAPictureWarnsAndGoesOn) {
+  m_Host.m_File = "scene.wrl";
+  m_Commands.SaveVrml();
+  EXPECT_EQ(Console().find("can't save as VRML without texture file\n"), 0U);
+  EXPECT_EQ(m_asDone, Done{"vrml scene.wrl with "});
+}
+
+TEST_F(GridCommandsTest, VrmlWithAPictureNamesItAndSaysWhatIsLeftToDo) {
+  m_Host.m_File = "scene.wrl";
+  m_Host.m_Texture = "cup.bmp";
+  m_Commands.SaveVrml();
+  EXPECT_EQ(Console().find("can't save"), std::string::npos);
+  EXPECT_EQ(m_asDone, Done{"vrml scene.wrl with cup.bmp"});
+  EXPECT_EQ(m_Host.m_asNotices, Done{"VRML complete. You need to get a jpeg version of the texture file, named "
+                                     "picture.jpg, and put it in the same directory as the wrl file."});
+}
+
+TEST_F(GridCommandsTest, VrmlAndHeightFieldAreNeverDeferred) {
+  g_nSolverTimers = 1;
+  m_Host.m_File = "name";
+  m_Commands.SaveVrml();
+  m_Commands.ExportHeightField();
+  EXPECT_EQ(m_asDone.size(), 2U);
+}
+
+TEST_F(GridCommandsTest, HeightFieldStopsTheSolverAndKeepsTheReason) {
+  Solver().PauseSolverConverged();
+  Solver().Run();
+  m_Commands.ExportHeightField();
+  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_FALSE(m_Test.m_Panel.m_bRunning);
+  EXPECT_EQ(Solver().Reason(), PauseReason::Converged);
+}
+
+TEST_F(GridCommandsTest, WhatNobodyBringsIsNotDone) {
+  m_Commands.SetServices({});
+  m_Host.m_File = "name";
+  for (const int operation : {Operation::kNewGrid, Operation::kLoadGrid, Operation::kSaveGrid}) {
+    m_Commands.Perform(operation);
+  }
+  m_Commands.SaveVrml();
+  m_Commands.ExportHeightField();
+  EXPECT_TRUE(m_Host.m_aChoosers.empty());
+  EXPECT_TRUE(Grid().IsRunning());
+}
+
+TEST_F(GridCommandsTest, SwitchUpAsksWhetherToInterpolate) {
+  for (const auto& [yes, code] : {std::pair{true, 8}, {false, 32}}) {
+    m_Host.m_bYes = yes;
+    m_Commands.SwitchResolution();
+    EXPECT_EQ(Grid().NextOperation(), code);
+    EXPECT_EQ(m_Host.m_asQuestions.back(), "Do you want  to compute an interpolation to get the high res grid ?");
+  }
+}
+
+TEST_F(GridCommandsTest, SwitchDownAsksNothing) {
+  g_bHighRes = 1;
+  m_Commands.SwitchResolution();
+  EXPECT_EQ(Grid().NextOperation(), 64);
+  EXPECT_TRUE(m_Host.m_asQuestions.empty());
+}
+
+TEST_F(GridCommandsTest, SwitchResumesTheSolver) {
+  Solver().StopSolver();
+  m_Commands.SwitchResolution();
+  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_EQ(CTimerStarts::Count(), 1);
+}
