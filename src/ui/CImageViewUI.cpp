@@ -50,6 +50,8 @@ CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* d
 }
 
 CImageViewUI::~CImageViewUI() {
+  // Hiding sends events to the views, which still need their host then.
+  hide();
   Fl::remove_check(cb_PendingWork, this);
   if (m_pGrid != nullptr) m_pGrid->AttachHost(nullptr);
 }
@@ -110,11 +112,13 @@ void CImageViewUI::AttachGrid(CGrid& grid) {
   m_pGrid = &grid;
   m_pImageView->AttachGrid(grid, *this);
   m_pGridView->AttachGrid(grid);
+  m_pGridView->AttachHost(*this);
   grid.AttachHost(this);
   m_Solver.AttachGrid(grid);
   m_Commands.AttachGrid(grid);
   m_pGridView->SelectWaveletMode(WaveletMode::New);
   RefreshReadOuts();
+  m_pGridView->EnableEvents();
 }
 
 void CImageViewUI::SetServices(CWindowServices services) {
@@ -198,11 +202,11 @@ void CImageViewUI::SetGreyGridColour(std::uint8_t red, std::uint8_t green, std::
 
 void CImageViewUI::RequestRedraw() {
   m_pImageView->redraw();
-  m_pGridView->redraw();
+  m_pGridView->RedrawForModel();
 }
 
 void CImageViewUI::ShowInterpolation(const CInterpolationTrace& trace) {
-  m_pImageView->redraw();
+  m_pImageView->ShowInterpolation(trace);
   const CTriangleStencil& triangle = trace.m_Triangle;
   ReadOut(Control::FirstNumber).value(m_pGrid->Order().NumberOf(triangle.m_uA));
   ReadOut(Control::SecondNumber).value(m_pGrid->Order().NumberOf(triangle.m_uB));

@@ -98,7 +98,8 @@ bool CImageViewUI::FlagChosen(MenuEntry entry) {
     if (row.m_bModelView) {
       m_pGridView->SetFlag(row.m_uFlag, on);
     } else {
-      m_pImageView->SetFlag(row.m_uFlag, on);
+      const std::uint32_t flags = m_pImageView->DisplayFlags();
+      m_pImageView->SetDisplayFlags(on ? flags | row.m_uFlag : flags & ~row.m_uFlag);
     }
     if (row.m_bModelView || row.m_bRedrawsBoth) RedrawModelView();
     if (!row.m_bModelView || row.m_bRedrawsBoth) RedrawImageView();
@@ -275,10 +276,9 @@ void CImageViewUI::Notice(const char* text) {
 
 // A dialog takes the release of the button from the view in which it was pressed.
 void CImageViewUI::EndDrags() {
-  Fl_Widget* pushed = Fl::pushed();
-  if (pushed != m_pImageView && pushed != m_pGridView) return;
-  Fl::pushed(nullptr);
-  pushed->handle(FL_RELEASE);
+  m_pImageView->EndDrag();
+  m_pGridView->EndDrag();
+  if (Fl::pushed() == m_pImageView || Fl::pushed() == m_pGridView) Fl::pushed(nullptr);
 }
 
 bool CImageViewUI::LoadPicture(const std::string& file) {

@@ -193,6 +193,13 @@ TEST_F(WindowCommandsTest, PopupGreets) {
   EXPECT_EQ(m_Dialogs.m_asNotices, Texts{"Bonjour a tous !!!"});
 }
 
+TEST_F(WindowCommandsTest, DialogsEndTheDragInAView) {
+  Fl::pushed(&m_Window.ImageView());
+  m_Window.Notice("Look here");
+  EXPECT_EQ(Fl::pushed(), nullptr);
+  EXPECT_EQ(m_Dialogs.m_asNotices, Texts{"Look here"});
+}
+
 TEST_F(WindowCommandsTest, WaveletTestLogs) {
   Console();
   ClickOn(Control::TestWavelets);
