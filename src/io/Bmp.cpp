@@ -104,7 +104,7 @@ void SwapRedAndBlue(const std::uint8_t* in, std::uint8_t* out, std::size_t pixel
   // A block reads two bytes beyond either end, so the first and the last pixel stay out of them.
   if (pixels > 0) swapPixel(at), at += 3;
   for (; at + kBlock + 2 <= bytes; at += kBlock) {
-    std::array<std::uint8_t, kBlock> swapped;
+    std::array<std::uint8_t, kBlock> swapped{};
     for (std::size_t k = 0; k < kBlock; ++k) {
       swapped[k] = static_cast<std::uint8_t>((in[at + k + 2] & kFirst[k]) | (in[at + k] & kSecond[k]) |
                                              (in[at + k - 2] & kThird[k]));

@@ -129,6 +129,8 @@ class CGrid {
   void DeleteSelectedPtCstr();
   /// z of every normal constraint that is no position constraint as well becomes the surface's height under it.
   void RefreshNormalCstrHeights();
+  /// Reach of the freeze brush at zoom 1, model units; it grows with the zoom.
+  static constexpr double kFreezeRadius = 4.0;
   /// Freezes, or with `freeze` false sets free, the points in use within reach of the freeze brush at (x, y), model
   /// units.
   void PaintFreezeMap(double x, double y, bool freeze);

@@ -11,9 +11,6 @@ namespace {
 
 double Reach() { return g_fZoom * g_fPickTolerance; }
 
-// Of the freeze brush at zoom 1, in model units.
-constexpr double kBrushRadius = 4.0;
-
 // The lattice indices from the first at or above `low` to the last at or below `high`.
 struct CIndexRange {
   CIndexRange(double low, double high, int count)
@@ -125,7 +122,7 @@ void CGrid::UpdateDisabledBit(CPtCstr& constraint) const {
 }
 
 void CGrid::PaintFreezeMap(double x, double y, bool freeze) {
-  const double radius = g_fZoom * kBrushRadius;
+  const double radius = g_fZoom * kFreezeRadius;
   const int n = PointsPerSide();
   // One more on either side, so that rounding takes no point away from the test below.
   const CIndexRange columns(m_Lattice.ColumnOf(x - radius) - 1, m_Lattice.ColumnOf(x + radius) + 1, n);

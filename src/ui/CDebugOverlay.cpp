@@ -19,7 +19,9 @@ constexpr int kFontSize = 11;
 
 CPlanePoint PlaceOf(const CLattice& lattice, std::size_t point) {
   const auto side = static_cast<std::size_t>(lattice.PointsPerSide());
-  return {lattice.XOf(static_cast<double>(point % side)), lattice.YOf(static_cast<double>(point / side))};
+  const std::size_t column = point % side;
+  const std::size_t row = point / side;
+  return {lattice.XOf(static_cast<double>(column)), lattice.YOf(static_cast<double>(row))};
 }
 
 void LogNormal(const CGrid& grid, const CPlanePoint& place) {

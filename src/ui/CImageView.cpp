@@ -172,11 +172,10 @@ void CImageView::DrawScene() {
 }
 
 void CImageView::DrawBrush() const {
-  constexpr double kRadius = 4.0;
   constexpr double kThickness = 0.4;
   const CPlanePoint place = m_Brush.Place(m_Mapping);
   glColor3d(1, 1, 1);
-  draw_disc(place.x, place.y, 0, 0, 0, 1, kRadius * g_fZoom, kThickness * g_fZoom);
+  draw_disc(place.x, place.y, 0, 0, 0, 1, CGrid::kFreezeRadius * g_fZoom, kThickness * g_fZoom);
 }
 
 int CImageView::handle(int event) {

@@ -16,6 +16,9 @@
 
 namespace {
 
+// None that a constraint or a grid line has at the start.
+constexpr CColour kFrozenColour{0, 1, 1};
+
 void SetColour(const CColour& colour) { glColor3dv(colour.data()); }
 
 // By the level of a side, the finest first.
@@ -170,6 +173,6 @@ void CPicturePainter::DrawFrozen(const CGrid& grid) {
   const CLatticeScope scope(grid.Lattice());
   m_Arrays.RefreshFrozen(grid);
   glPointSize(kSize);
-  glColor3fv(kFrozenColour);
+  SetColour(kFrozenColour);
   DrawVertices(GL_POINTS, m_Arrays.Frozen());
 }

@@ -8,9 +8,6 @@ class CGrid;
 class CQuadT;
 class CTextures;
 
-/// Colour of frozen points: none that a constraint or a grid line has at the start.
-inline constexpr float kFrozenColour[3]{0, 1, 1};
-
 /// Draws the picture, and what lies on it, into the current context under the projection and the view that are set: the
 /// plane of the model at height 0.
 class CPicturePainter {

@@ -11,7 +11,7 @@
 #include "support/ConstraintBuilders.h"
 #include "support/gui/ImageViewTest.h"
 #include "ui/DrawingSettings.h"
-#include "ui/PicturePainter.h"
+#include "ui/FrameBuffer.h"
 
 namespace {
 
@@ -186,8 +186,8 @@ TEST_F(ImageViewDrawingTest, EdgesInsideADiscontinuityHaveAFlagOfTheirOwn) {
 
 TEST_F(ImageViewDrawingTest, PointConstraintsHaveTheColoursOfTheirStates) {
   struct CCase {
-    std::uint32_t m_uKind;
-    std::uint32_t m_uState;
+    std::uint32_t m_uKind = 0;
+    std::uint32_t m_uState = 0;
     CRgb m_Colour;
   };
   const auto highlighted = PtCstrState::kHighlighted;
@@ -314,6 +314,24 @@ TEST_F(ImageViewDrawingTest, HiddenViewSavesNoFrame) {
   m_Window.hide();
   EXPECT_FALSE(View().SaveFrame(m_Scratch.File("frame.bmp")));
   EXPECT_TRUE(m_Scratch.Names().empty());
+}
+
+TEST_F(ImageViewDrawingTest, FrameBufferIsSavedAsFarAsTheViewportReaches) {
+  View().make_current();
+  glViewport(3, 5, 33, 17);
+  glEnable(GL_SCISSOR_TEST);
+  for (const auto& [red, blue, height] : {std::tuple{1.0F, 0.0F, 100}, {0.0F, 1.0F, 6}}) {
+    glScissor(0, 0, 100, height);
+    glClearColor(red, 0, blue, 0);
+    glClear(GL_COLOR_BUFFER_BIT);
+  }
+  Global::SaveFrameBuffer(m_Scratch.File("part.bmp"));
+  const CPicture part = Global::LoadBMP(m_Scratch.File("part.bmp"), 1)->m_Picture;
+  CPicture expected = PlainPicture(33, 17, 255, 0, 0);
+  const CPicture lowest = PlainPicture(33, 1, 0, 0, 255);
+  std::copy(lowest.m_aPixels.begin(), lowest.m_aPixels.end(), expected.m_aPixels.begin());
+  EXPECT_EQ(part.m_iWidth, 33);
+  EXPECT_EQ(part.m_aPixels, expected.m_aPixels);
 }
 
 TEST_F(ImageViewDrawingTest, DrawingIsTheSameOnTheScreen) {

@@ -73,7 +73,7 @@ inline CBytes BmpHeader(std::int64_t width, std::int64_t height) {
 inline CPicture SomePicture(int width, int height) {
   CPicture picture{width, height, {}};
   std::mt19937 random(static_cast<std::uint32_t>(width * 1000 + height));
-  const auto count = static_cast<std::size_t>(3 * width * height);
+  const std::size_t count = std::size_t{3} * static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
   for (std::size_t k = 0; k < count; ++k) picture.m_aPixels.push_back(static_cast<std::uint8_t>(random()));
   return picture;
 }
