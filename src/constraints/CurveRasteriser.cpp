@@ -73,7 +73,8 @@ void CCurveRasteriser::TearToBorder(const CPtCstr& end) {
                                   {end.m_fY - e.y0, end.m_fX, e.y0},
                                   {e.y1 - end.m_fY, end.m_fX, e.y1}}};
   const CWay& way = *std::ranges::min_element(ways, {}, &CWay::m_fLength);
-  if (way.m_fLength <= 0.0 || way.m_fLength > kBorderReach) return;
+  const bool isNear = 0.0 < way.m_fLength && way.m_fLength <= kBorderReach;
+  if (!isNear) return;
   CPtCstr border;
   border.m_fX = way.m_fX;
   border.m_fY = way.m_fY;

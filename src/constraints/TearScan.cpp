@@ -83,7 +83,8 @@ class CTearWalk {
   double LineAt(double x) const { return m_S.y0 + (x - m_S.x0) * m_fSlope; }
   int RowAfter(int column, int row, int lastRow) const;
   std::uint32_t InnerMask(int row, int rowIn, int rowOut) const;
-  CPoint WithinCell(double x, double y, int column, int row) const;
+  std::uint32_t BorderTriangles(double x, double y) const;
+  static CPoint WithinCell(double x, double y, int column, int row);
   void WalkColumn(int column, int rowIn, int rowOut, bool isFirst, bool isLast);
   void Mark(int column, int row, std::uint32_t mask);
 
@@ -122,8 +123,14 @@ std::uint32_t CTearWalk::InnerMask(int row, int rowIn, int rowOut) const {
   return (row == rowIn) == (m_iStep > 0) ? m_Triangles.m_uUpperHalf : m_Triangles.m_uLowerHalf;
 }
 
+// An end on the border of the model reaches it also where it only touches the triangle there: at a corner of its cell.
+std::uint32_t CTearWalk::BorderTriangles(double x, double y) const {
+  return (x == 0.0 ? m_Triangles.m_uBefore : 0U) | (x == m_iCells ? m_Triangles.m_uAfter : 0U) |
+         (y == 0.0 ? m_Triangles.m_uBelow : 0U) | (y == m_iCells ? m_Triangles.m_uAbove : 0U);
+}
+
 // Relative to the cell's corner; rounding must not put a crossing outside of the cell.
-CPoint CTearWalk::WithinCell(double x, double y, int column, int row) const {
+CPoint CTearWalk::WithinCell(double x, double y, int column, int row) {
   return {std::clamp(x - column, 0.0, 1.0), std::clamp(y - row, 0.0, 1.0)};
 }
 
@@ -134,7 +141,8 @@ void CTearWalk::WalkColumn(int column, int rowIn, int rowOut, bool isFirst, bool
   for (int row = rowIn;; row += m_iStep) {
     const bool starts = isFirst && row == rowIn;
     const bool ends = isLast && row == rowOut;
-    std::uint32_t mask = 0;
+    std::uint32_t mask =
+        (starts ? BorderTriangles(m_S.x0, m_S.y0) : 0U) | (ends ? BorderTriangles(m_S.x1, m_S.y1) : 0U);
     CPoint from = WithinCell(m_S.x0, m_S.y0, column, row);
     CPoint to = WithinCell(m_S.x1, m_S.y1, column, row);
     if (!starts && row == rowIn) {
