@@ -8,10 +8,11 @@
 #include "model/CGrid.h"
 #include "model/Globals.h"
 
-/// A fully refined headless grid of one level, silent, over 0..100 by 0..100.
+/// A headless grid, fully refined unless its base level says otherwise, silent, over 0..100 by 0..100.
 class CBenchGrid {
  public:
-  explicit CBenchGrid(int level) : m_Redirect(m_Swallowed), m_Grid(AtLevel(level)) {}
+  explicit CBenchGrid(int level) : CBenchGrid(level, level) {}
+  CBenchGrid(int maxLevel, int baseLevel) : m_Redirect(m_Swallowed), m_Grid(AtLevels(maxLevel, baseLevel)) {}
 
   CGrid& Grid() { return m_Grid; }
 
@@ -25,9 +26,9 @@ class CBenchGrid {
   }
 
  private:
-  static std::uint32_t AtLevel(int level) {
-    g_iMaxLevel = level;
-    g_iBaseLevel = level;
+  static std::uint32_t AtLevels(int maxLevel, int baseLevel) {
+    g_iMaxLevel = maxLevel;
+    g_iBaseLevel = baseLevel;
     return 1;
   }
   void Add(int count, std::uint32_t seed, std::uint32_t kind) {

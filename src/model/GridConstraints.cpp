@@ -9,8 +9,6 @@
 
 namespace {
 
-double Reach() { return g_fZoom * g_fPickTolerance; }
-
 // The lattice indices from the first at or above `low` to the last at or below `high`.
 struct CIndexRange {
   CIndexRange(double low, double high, int count)
@@ -42,10 +40,15 @@ void CGrid::AddPtCstr(const CPtCstr& record) {
 }
 
 bool CGrid::HighlightPtCstrs(double x, double y, std::uint32_t mask) {
-  return m_PointConstraints.Highlight(x, y, mask, Reach());
+  return m_PointConstraints.Highlight(x, y, mask, PickReach());
 }
 
-void CGrid::SelectPtCstr(double x, double y, std::uint32_t mask) { m_PointConstraints.Select(x, y, mask, Reach()); }
+void CGrid::UnselectAll() {
+  m_PointConstraints.UnselectAll();
+  UnselectCurves(CurveType::kAll);
+}
+
+void CGrid::SelectPtCstr(double x, double y, std::uint32_t mask) { m_PointConstraints.Select(x, y, mask, PickReach()); }
 
 void CGrid::MoveSelectedPtCstr(double dx, double dy) {
   CPtCstr* selected = m_PointConstraints.FirstSelected();

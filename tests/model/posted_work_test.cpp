@@ -1,5 +1,6 @@
 // What the grid does with the codes that are posted to it, one after the other, before the next tick.
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <vector>
@@ -13,11 +14,13 @@ namespace {
 
 constexpr std::array kEdits{1, 2, 4};
 constexpr std::array kSwaps{8, 16, 32, 64};
-constexpr std::array kHostCommands{4096, 2048, 8192, 16384};
-constexpr std::array kCodes{1, 2, 4, 8, 16, 32, 64, 4096, 2048, 8192, 16384};
+constexpr std::array kMapCommands{128, 256, 1024};
+constexpr std::array kHostCommands{4096, 2048, 8192, 16384, 512};
+constexpr std::array kCodes{1, 2, 4, 8, 16, 32, 64, 128, 256, 1024, 4096, 2048, 8192, 16384, 512};
 const std::string kUnknown = "Error : CGrid::UpdateGrid() unknown Next_Operation\n";
 
 bool IsSwap(int code) { return code >= 8 && code <= 64; }
+bool RebuildsMaps(int code) { return code == 4 || IsSwap(code) || std::ranges::count(kMapCommands, code) > 0; }
 
 // A grid that has ticked, with a constraint in its list of which the system does not know yet.
 struct CPostedGrid : CTestGrid {
@@ -49,6 +52,9 @@ void ExpectPerformed(int code, const CPostedGrid& test, const std::string& text)
       EXPECT_NE(text.find("*** SetSparseH ***\n"), std::string::npos);
       break;
     case 4:
+    case 128:
+    case 256:
+    case 1024:
       EXPECT_NE(text.find("\nCGrid::SetDiscMap()\n"), std::string::npos);
       break;
     case 8:
@@ -66,8 +72,8 @@ void ExpectPerformed(int code, const CPostedGrid& test, const std::string& text)
 
 // How often two codes, one posted over the other, have the maps rebuilt.
 int MapRebuilds(int first, int second) {
-  if (first == second) return IsSwap(first) || first == 4 ? 1 : 0;
-  return (IsSwap(first) || first == 4 ? 1 : 0) + (IsSwap(second) || second == 4 ? 1 : 0);
+  if (first == second) return RebuildsMaps(first) ? 1 : 0;
+  return (RebuildsMaps(first) ? 1 : 0) + (RebuildsMaps(second) ? 1 : 0);
 }
 
 TEST(PostedWorkTest, CommonStateHasFiveRowsAndOneToCome) {

@@ -1,0 +1,115 @@
+// The manual selection in the wanted subdivision.
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "quadtree/CQuadTree.h"
+#include "quadtree/CSaveQuadT.h"
+#include "support/ConsoleCapture.h"
+#include "support/TreeBuilders.h"
+
+namespace {
+
+const std::string kHighest = "Error CSaveQuadT::subdivSelected()  Attempt to subdivise a highest level cell\n";
+
+int Times(const std::string& text, const std::string& line) { return static_cast<int>(text.size() / line.size()); }
+
+TEST(SavedSelectionTest, SplitMovesTheSelectionToTheChildren) {
+  CSubdivisionRecord record(4);
+  record.SetStartLevel(2);
+  CSaveQuadT& node = record.Root().Child(0).Child(2);
+  node.SetSelected(true);
+  record.subdivSelected();
+  EXPECT_FALSE(node.IsSelected());
+  EXPECT_FALSE(node.IsLeaf());
+  for (int k = 0; k < 4; ++k) {
+    EXPECT_TRUE(node.Child(k).IsSelected());
+    EXPECT_TRUE(node.Child(k).IsLeaf());
+    EXPECT_FALSE(node.Child(k).Child(0).IsSelected()) << "one level only";
+  }
+}
+
+TEST(SavedSelectionTest, ThirdSplitOfALevelTwoCellMeetsTheFinestLevel) {
+  CSubdivisionRecord record(4);
+  record.SetStartLevel(2);
+  record.Root().Child(0).Child(2).SetSelected(true);
+  EXPECT_EQ(ConsoleTextOf([&] {
+              record.subdivSelected();
+              record.subdivSelected();
+            }),
+            "");
+  const std::string text = ConsoleTextOf([&] { record.subdivSelected(); });
+  EXPECT_EQ(Times(text, kHighest), 16);
+  EXPECT_EQ(text.substr(0, kHighest.size()), kHighest);
+  EXPECT_TRUE(record.Root().Child(0).Child(2).Child(3).Child(1).IsSelected()) << "left as it is";
+}
+
+TEST(SavedSelectionTest, MergeNeedsAllFourChildren) {
+  CSubdivisionRecord record(3);
+  record.SetStartLevel(2);
+  CSaveQuadT& node = record.Root().Child(3);
+  for (int k = 0; k < 3; ++k) node.Child(k).SetSelected(true);
+  record.MergeSelected();
+  EXPECT_FALSE(node.IsLeaf());
+  EXPECT_TRUE(node.Child(0).IsSelected());
+  node.Child(3).SetSelected(true);
+  record.MergeSelected();
+  EXPECT_TRUE(node.IsLeaf());
+  EXPECT_TRUE(node.IsSelected());
+  for (int k = 0; k < 4; ++k) {
+    EXPECT_FALSE(node.Child(k).IsLeaf());
+    EXPECT_FALSE(node.Child(k).IsSelected());
+  }
+}
+
+TEST(SavedSelectionTest, MergeGoesOneLevelAtATime) {
+  CSubdivisionRecord record(2);
+  record.SetStartLevel(2);
+  for (int k = 0; k < 4; ++k) {
+    for (int child = 0; child < 4; ++child) record.Root().Child(k).Child(child).SetSelected(true);
+  }
+  record.MergeSelected();
+  EXPECT_FALSE(record.Root().IsLeaf());
+  EXPECT_TRUE(record.Root().Child(2).IsSelected());
+  record.MergeSelected();
+  EXPECT_TRUE(record.Root().IsLeaf());
+}
+
+TEST(SavedSelectionTest, ShownOnTheCellOfTheNodeAlone) {
+  CTestTree test(3, 2);
+  CSubdivisionRecord record(3);
+  record.SetStartLevel(2);
+  record.Root().Child(2).SetSelected(true);
+  record.Root().Child(2).Child(2).SetSelected(true);
+  for (int level = 0; level <= 3; ++level) test.m_Tree.CellAt(level, 0, 0).SetFlags(CellFlag::kSelected | 15);
+  test.m_Tree.CellAt(1, 3, 3).SetFlags(CellFlag::kSelected);
+  record.ShowSelection(test.m_Tree);
+  EXPECT_TRUE(test.m_Tree.CellAt(2, 1, 1).HasFlag(CellFlag::kSelected));
+  EXPECT_FALSE(test.m_Tree.CellAt(1, 3, 3).HasFlag(CellFlag::kSelected)) << "below it";
+  for (int level = 0; level <= 3; ++level) EXPECT_EQ(test.m_Tree.CellAt(level, 0, 0).Flags(), 15U) << level;
+}
+
+TEST(SavedSelectionTest, RefinementAtAPointGoesDownToTheFinestLevel) {
+  CTestTree test(4, 1);
+  CSubdivisionRecord record(4);
+  record.SetStartLevel(1);
+  record.RefineAt(test.m_Tree, 9.5, 3.2);
+  const CSaveQuadT& quarter = record.Root().Child(1);
+  EXPECT_FALSE(quarter.IsLeaf());
+  EXPECT_TRUE(quarter.Child(1).IsLeaf());
+  // (9.5, 3.2) lies in the column of 8..12, 8..10, 9..10 and the row of 0..4, 2..4, 3..4.
+  EXPECT_TRUE(quarter.Child(0).Child(3).Child(2).IsLeaf());
+  EXPECT_FALSE(quarter.Child(0).Child(3).IsLeaf());
+  EXPECT_TRUE(record.Root().Child(0).IsLeaf());
+}
+
+TEST(SavedSelectionTest, RefinementOutsideTheTreeIsRefused) {
+  CTestTree test(3, 1);
+  CSubdivisionRecord record(3);
+  record.SetStartLevel(1);
+  EXPECT_NE(ConsoleTextOf([&] { record.RefineAt(test.m_Tree, -1, 2); }).find("is not in the tree"), std::string::npos);
+  for (int k = 0; k < 4; ++k) EXPECT_TRUE(record.Root().Child(k).IsLeaf());
+}
+
+}  // namespace
