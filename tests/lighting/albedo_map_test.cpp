@@ -197,7 +197,7 @@ RC_GTEST_PROP(AlbedoMapProperty, EqualsThePlainReference, ()) {
   const CLightSet removed = ArbitrarySet();
   const CLightSet added = ArbitrarySet();
   const CRelit relit(picture, normals, removed, added);
-  const auto pitch = static_cast<std::size_t>(3 * relit.m_Images.TextureWidth());
+  const auto pitch = 3 * static_cast<std::size_t>(relit.m_Images.TextureWidth());
   for (std::size_t i = 0; i < normals.size(); ++i) {
     const auto before = PlainShading(removed, normals[i]);
     const auto after = PlainShading(added, normals[i]);

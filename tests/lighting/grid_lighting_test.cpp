@@ -142,7 +142,7 @@ TEST(GridPicture, OneThatMemoryDoesNotHoldIsRefusedAndNothingIsLost) {
 
 TEST(GridPicture, ItsNeedCountsTexelsAndPaddedTextures) {
   CTestGrid test;
-  const double texels = 300 * 200 * (CTexelMap::kBytesPerTexel + CAlbedoMap::kBytesPerTexel);
+  const double texels = 300.0 * 200 * static_cast<double>(CTexelMap::kBytesPerTexel + CAlbedoMap::kBytesPerTexel);
   const double textures = 3 * 3 * 512 * 256;
   EXPECT_FALSE(test.m_Grid.SetPicture(PlainPicture(300, 200), texels + textures - 1));
   EXPECT_TRUE(test.m_Grid.SetPicture(PlainPicture(300, 200), texels + textures));

@@ -26,9 +26,10 @@ struct CTexels : CTestTree {
     SetRandomHeights(m_Lattice, seed);
     ComputeNormals(m_Tree);
   }
-  const Vector3& Normal(int column, int row) const {
-    return m_Map.Normals()[static_cast<std::size_t>(row * m_Map.Width() + column)];
+  std::size_t Index(int column, int row) const {
+    return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_Map.Width()) + static_cast<std::size_t>(column);
   }
+  const Vector3& Normal(int column, int row) const { return m_Map.Normals()[Index(column, row)]; }
   double Gx(int column) const { return (column + 0.5) / m_Map.Width() * (m_Lattice.PointsPerSide() - 1); }
   double Gy(int row) const { return (row + 0.5) / m_Map.Height() * (m_Lattice.PointsPerSide() - 1); }
   /// The normal at a texel, by a look-up of its own.
@@ -41,9 +42,7 @@ struct CTexels : CTestTree {
       for (int column = 0; column < m_Map.Width(); ++column) visit(column, row);
     }
   }
-  bool IsMasked(int column, int row) const {
-    return m_Map.Mask()[static_cast<std::size_t>(row * m_Map.Width() + column)] != 0;
-  }
+  bool IsMasked(int column, int row) const { return m_Map.Mask()[Index(column, row)] != 0; }
 
   CTexelMap m_Map;
 };
@@ -57,7 +56,7 @@ TEST(TexelMap, CoordinatesRunInRowOrder) {
   test.m_Map.InitializeCoords(test.m_Surface);
   ASSERT_EQ(test.m_Map.Records().size(), 6U);
   test.ForEachTexel([&](int column, int row) {
-    const CInterpCoefs& record = test.m_Map.Records()[static_cast<std::size_t>(row * 3 + column)];
+    const CInterpCoefs& record = test.m_Map.Records()[test.Index(column, row)];
     EXPECT_EQ(record.Column(), column);
     EXPECT_EQ(record.Row(), row);
     EXPECT_FALSE(record.IsLocated());
@@ -235,7 +234,7 @@ TEST(TexelMap, ATexelThatTheNewTreeDoesNotHoldIsNotReadFromTheOldOne) {
   BreakCell(test);
   test.Roughen(3);
   ConsoleTextOf([&] { test.m_Map.ComputeNormals(test.m_Surface); });
-  EXPECT_FALSE(test.m_Map.Records()[30 * 64 + 29].IsLocated());
+  EXPECT_FALSE(test.m_Map.Records()[test.Index(29, 30)].IsLocated());
   EXPECT_EQ(test.Normal(29, 30), before);
 }
 
