@@ -14,6 +14,7 @@ namespace {
 
 constexpr Vector3 kAlbedo{0.9, 0.8, 0.95};
 constexpr int kSide = 96;
+constexpr std::size_t kTexels = std::size_t{kSide} * kSide;
 
 // Two lights and an ambient term whose shading never exceeds 1.
 CLightSet KnownLights() {
@@ -70,7 +71,7 @@ TEST(Relighting, TheBumpIsShadedAllOver) {
   const CPhotographedBump test;
   double darkest = 1;
   double brightest = 0;
-  for (std::size_t i = 0; i < kSide * kSide; ++i) {
+  for (std::size_t i = 0; i < kTexels; ++i) {
     darkest = std::min(darkest, test.ShadingAt(i).x);
     brightest = std::max(brightest, test.ShadingAt(i).x);
   }
