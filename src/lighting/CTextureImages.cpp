@@ -1,6 +1,7 @@
 #include "lighting/CTextureImages.h"
 
 #include <algorithm>
+#include <utility>
 
 int CTextureImages::PaddedSide(int side) {
   int padded = 1;
@@ -10,19 +11,22 @@ int CTextureImages::PaddedSide(int side) {
 
 void CTextureImages::SetPicture(const CPicture& picture) {
   constexpr std::uint8_t kWhite = 255;
-  m_iPictureWidth = picture.m_iWidth;
-  m_iPictureHeight = picture.m_iHeight;
-  m_iTextureWidth = PaddedSide(picture.m_iWidth);
-  m_iTextureHeight = PaddedSide(picture.m_iHeight);
-  const std::size_t row = 3 * static_cast<std::size_t>(m_iPictureWidth);
-  const std::size_t paddedRow = 3 * static_cast<std::size_t>(m_iTextureWidth);
-  std::vector<std::uint8_t>& photograph = m_aaImages[kPhotograph];
-  photograph.assign(paddedRow * static_cast<std::size_t>(m_iTextureHeight), kWhite);
-  for (std::size_t y = 0; y < static_cast<std::size_t>(m_iPictureHeight); ++y) {
+  const int textureWidth = PaddedSide(picture.m_iWidth);
+  const int textureHeight = PaddedSide(picture.m_iHeight);
+  const std::size_t row = 3 * static_cast<std::size_t>(picture.m_iWidth);
+  const std::size_t paddedRow = 3 * static_cast<std::size_t>(textureWidth);
+  std::vector<std::uint8_t> photograph(paddedRow * static_cast<std::size_t>(textureHeight), kWhite);
+  for (std::size_t y = 0; y < static_cast<std::size_t>(picture.m_iHeight); ++y) {
     std::copy_n(picture.m_aPixels.begin() + static_cast<std::ptrdiff_t>(y * row), row,
                 photograph.begin() + static_cast<std::ptrdiff_t>(y * paddedRow));
   }
-  m_aaImages[kKd] = photograph;
-  m_aaImages[kIllumination] = photograph;
+  std::vector<std::uint8_t> kd = photograph;
+  std::vector<std::uint8_t> illumination = photograph;
+  // Nothing may throw from here on: the images and their size change together or not at all.
+  m_iPictureWidth = picture.m_iWidth;
+  m_iPictureHeight = picture.m_iHeight;
+  m_iTextureWidth = textureWidth;
+  m_iTextureHeight = textureHeight;
+  m_aaImages = {std::move(photograph), std::move(kd), std::move(illumination)};
   for (unsigned& revision : m_auRevisions) ++revision;
 }

@@ -24,7 +24,8 @@ class CTextureImages {
   /// The smallest power of two not below `side` (1 for sides below 2).
   static int PaddedSide(int side);
 
-  /// Takes up a new picture: all three images show it.
+  /// Takes up a new picture: all three images show it. Where there is no memory for them it throws std::bad_alloc and
+  /// the images stay as they were.
   void SetPicture(const CPicture& picture);
 
   bool HasPicture() const { return m_iTextureWidth > 0; }

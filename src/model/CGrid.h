@@ -7,11 +7,14 @@
 #include <vector>
 
 #include "base/CRandom.h"
+#include "base/Memory.h"
 #include "constraints/CCntrCtrlList.h"
 #include "constraints/CContourAttributes.h"
 #include "constraints/CPendingCurve.h"
 #include "constraints/CPtCstrList.h"
+#include "lighting/CAlbedoMap.h"
 #include "lighting/CLight.h"
+#include "lighting/CTexelMap.h"
 #include "lighting/CTextureImages.h"
 #include "model/CGridSolver.h"
 #include "model/CHierarchicalBasis.h"
@@ -185,6 +188,30 @@ class CGrid {
   /// turns the curve's generation off. Posts kRebuildMaps.
   void ExportCurveConstraints(double x, double y);
 
+  // The picture and its light. Without a picture the passes log a line and do nothing. All are linear in the number of
+  // texels and allocate nothing but `SetPicture`.
+
+  /// Takes up a picture: its textures, and memory for what is kept per texel. Every texel has the normal (0, 0, 1) and
+  /// no albedo yet. False, with nothing changed, for one that is empty or has not 3 * width * height bytes, and, with a
+  /// console line, for one that `memory` bytes do not hold.
+  bool SetPicture(const CPicture& picture, double memory = AvailableMemory());
+  /// Light `index` (0 to 3 and, ambient, 4) of a set (kRemovedLights, kAddedLights). Null, with a console line, for
+  /// another type; null for another index.
+  CLight* GetLightSource(int index, int type);
+  /// Gives every texel its column and row and the normal (0, 0, 1), and forgets its place on the surface. A new picture
+  /// needs no such call.
+  void InitializeCoordsTexels();
+  /// Brings the places of the texels up to the present subdivision, for what draws them; nothing without a picture.
+  void LocateTexels();
+  /// Recomputes which texels lie in a discontinuity; nothing without a picture.
+  void TestTexelsInDiscontinuity();
+  /// Place on the surface and normal of every texel in no discontinuity, from the normals of points and cells.
+  void ComputeCoefsTexels();
+  /// Normal of every texel from its place, which is found first if the subdivision has changed.
+  void ComputeNormalsOnly();
+  /// Albedo, Kd image and new illumination (see CAlbedoMap), from normals of the present subdivision.
+  void GetKd();
+
   // The parts.
 
   CLattice& Lattice() { return m_Lattice; }
@@ -210,8 +237,13 @@ class CGrid {
   const CLightSet& AddedLights() const { return m_AddedLights; }
   CTextureImages& Textures() { return m_Textures; }
   const CTextureImages& Textures() const { return m_Textures; }
+  const CTexelMap& Texels() const { return m_Texels; }
+  const CAlbedoMap& Albedo() const { return m_Albedo; }
 
  private:
+  /// Whether there is a picture and the texels are its.
+  bool HasTexels() const;
+
   void FillTree();
   void CapturePresentSurface();
   void RecomputeHeightRange();
@@ -265,9 +297,11 @@ class CGrid {
   CPtCstrList m_GeneratedConstraints;
   CCntrCtrlList m_Curves;
   CPendingCurve m_PendingCurve;
-  CLightSet m_RemovedLights;
-  CLightSet m_AddedLights;
+  CLightSet m_RemovedLights = CLightSet::Removed();
+  CLightSet m_AddedLights = CLightSet::Added();
   CTextureImages m_Textures;
+  CTexelMap m_Texels;
+  CAlbedoMap m_Albedo;
 
   GridHost* m_pHost = nullptr;
 };

@@ -120,6 +120,8 @@ void CGrid::SetDiscMap() {
   for (CPtCstr& constraint : m_GeneratedConstraints) UpdateDisabledBit(constraint);
   m_Solver.RequestRebuild();
   SetSparseH();
+  // What else hangs on the tree per texel is made anew at its first use.
+  TestTexelsInDiscontinuity();
 }
 
 void CGrid::RasteriseCurves() {

@@ -145,7 +145,7 @@ std::optional<CTriangleStencil> CInterpolation::GetBilinearInterpolation2b(const
   return CheckedShortForm(InTriangle(leaf, *edge, Lattice(), {gx, gy}), "GetBilinearInterpolation2b");
 }
 
-std::optional<CTriangleStencil> CInterpolation::ShortStencil(double gx, double gy) const {
+std::optional<CTriangleStencil> CInterpolation::ShortStencil(double gx, double gy, const CQuadT* near) const {
   std::optional<CTriangleStencil> found;
   auto attempt = [&](const CQuadT& leaf) {
     if (IsCentre(leaf, gx, gy)) {
@@ -157,7 +157,12 @@ std::optional<CTriangleStencil> CInterpolation::ShortStencil(double gx, double g
     }
     return found.has_value();
   };
-  TryLeaves(m_pTree->Root(), gx, gy, attempt);
+  // On its border the leaf shares the point with others, and which of them comes first is the tree's to say.
+  if (near != nullptr && near->X0() < gx && gx < near->X1() && near->Y0() < gy && gy < near->Y1()) {
+    attempt(*near);
+  } else {
+    TryLeaves(m_pTree->Root(), gx, gy, attempt);
+  }
   return found;
 }
 
@@ -197,11 +202,9 @@ void CInterpolation::SampleLattice(std::span<double> heights) const {
 
 Vector3 CInterpolation::NormalOf(const CTriangleStencil& triangle) const {
   const std::span<const Vector3> points = Lattice().PointNormals();
-  Vector3 sum = triangle.m_fCa * points[triangle.m_uA] + triangle.m_fCb * points[triangle.m_uB];
   const std::size_t cell = Lattice().CellIndex(triangle.m_pCell->X0(), triangle.m_pCell->Y0());
-  // On the cell's border its own normal has no part, so one that is not a number must not reach the sum.
-  if (triangle.m_fCCenter != 0) sum += triangle.m_fCCenter * Lattice().CellNormals()[cell];
-  return Normalised(sum);
+  return BlendedNormal(triangle.m_fCa, points[triangle.m_uA], triangle.m_fCb, points[triangle.m_uB],
+                       triangle.m_fCCenter, Lattice().CellNormals()[cell]);
 }
 
 Vector3 CInterpolation::GetNormal(double x, double y) const {

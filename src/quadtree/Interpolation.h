@@ -37,6 +37,16 @@ struct CTriangleStencil {
   bool HasNegative() const { return m_fCa < 0 || m_fCb < 0 || m_fCCenter < 0; }
 };
 
+/// The unit normal at barycentric coordinates (ca, cb, cCenter) of a triangle between two points and a cell's centre.
+/// Not a number where a normal blended is, or where they cancel.
+inline Vector3 BlendedNormal(double ca, const Vector3& a, double cb, const Vector3& b, double cCenter,
+                             const Vector3& centre) {
+  Vector3 sum = ca * a + cb * b;
+  // On the cell's border its own normal has no part, so one that is not a number must not reach the sum.
+  if (cCenter != 0) sum += cCenter * centre;
+  return Normalised(sum);
+}
+
 /// What one traced interpolation was made of, for showing it: the short form and the centre's weights as they enter it.
 struct CInterpolationTrace {
   CTriangleStencil m_Triangle;
@@ -67,8 +77,9 @@ class CInterpolation {
   std::optional<CTriangleStencil> GetBilinearInterpolation2a(const CQuadT& leaf, double gx, double gy) const;
   std::optional<CTriangleStencil> GetBilinearInterpolation2b(const CQuadT& leaf, double gx, double gy) const;
   /// Short form at (gx, gy), lattice coordinates, in the leaf that `GetBilinearInterpolation` takes; nothing outside
-  /// the tree.
-  std::optional<CTriangleStencil> ShortStencil(double gx, double gy) const;
+  /// the tree. `near`, an active leaf of the present subdivision or null, saves the descent where it holds the point
+  /// and never changes the answer.
+  std::optional<CTriangleStencil> ShortStencil(double gx, double gy, const CQuadT* near = nullptr) const;
 
   /// Short form inside a given active leaf without the check of signs, which a point outside the leaf fails; nothing,
   /// with a console line, where no leaf sub-edge is met.
@@ -89,6 +100,7 @@ class CInterpolation {
   /// Unit normal in the triangle of a short form. Not a number where the normals blended are, or where they cancel.
   Vector3 NormalOf(const CTriangleStencil& triangle) const;
 
+  const CQuadTree& Tree() const { return *m_pTree; }
   const CLattice& Lattice() const;
   const CPointOrder& Order() const { return *m_pOrder; }
 

@@ -179,12 +179,24 @@ TEST(GetNormal, ReportsAPointOutsideAndPointsUp) {
             "CQuadT::GetNormal\t\tcell == NULL)\n");
 }
 
+// A texel of a picture of `width` x `height`, located from the root.
+struct CLocatedTexel : CInterpCoefs {
+  CLocatedTexel(const CTestTree& test, int column, int row, int width, int height) : CInterpCoefs(column, row) {
+    m_pFound = GetNormalTexPoint(&test.m_Surface, width, height, m_pLeaf, m_Normal);
+  }
+
+  const CQuadT* m_pLeaf = nullptr;
+  Vector3 m_Normal{7, 7, 7};
+  const Vector3* m_pFound = nullptr;
+};
+
 TEST(TexelNormal, LiesAtTheTexelCentre) {
   CTestTree test(7, 7);  // 129 points per side: column 0 of 256 lies at 0.25, row 0 of 128 at 0.5
   SetHeights(test.m_Lattice, CBump{});
   ComputeNormals(test.m_Tree);
-  CInterpCoefs texel(0, 0);
-  ASSERT_NE(texel.GetNormalTexPoint(&test.m_Surface, 256, 128), nullptr);
+  EXPECT_EQ(CInterpCoefs::Coordinate(0, 256, 129), 0.25);
+  const CLocatedTexel texel(test, 0, 0, 256, 128);
+  ASSERT_NE(texel.m_pFound, nullptr);
   EXPECT_EQ(texel.A(), 0U);
   EXPECT_EQ(texel.B(), 129U);
   EXPECT_NEAR(texel.CCenter(), 0.5, 1e-10);
@@ -195,8 +207,10 @@ TEST(TexelNormal, LiesAtTheTexelCentre) {
 
 TEST(TexelNormal, KeepsTheCellOfItsLeafAndThePointsOfItsTriangle) {
   CTestTree test(3, 2);
-  CInterpCoefs texel(5, 6);  // of 8 x 16 texels: the place (5.5, 3.25), right of the middle of 4..6 by 2..4
-  ASSERT_NE(texel.GetNormalTexPoint(&test.m_Surface, 8, 16), nullptr);
+  // Of 8 x 16 texels: the place (5.5, 3.25), right of the middle of 4..6 by 2..4.
+  const CLocatedTexel texel(test, 5, 6, 8, 16);
+  ASSERT_NE(texel.m_pFound, nullptr);
+  EXPECT_EQ(texel.m_pLeaf, &test.m_Tree.CellAt(1, 2, 1));
   EXPECT_EQ(texel.Cell(), 2U * 8 + 4);
   EXPECT_EQ(texel.A(), test.m_Lattice.Index(6, 2));
   EXPECT_EQ(texel.B(), test.m_Lattice.Index(6, 4));
@@ -210,29 +224,54 @@ TEST(TexelNormal, IsTheNormalAtItsPlace) {
   ComputeNormals(test.m_Tree);
   for (int row = 0; row < 6; ++row) {
     for (int column = 0; column < 10; ++column) {
-      CInterpCoefs texel(column, row);
-      const Vector3* normal = texel.GetNormalTexPoint(&test.m_Surface, 10, 6);
-      ASSERT_EQ(normal, &texel.Normal());
-      ExpectNear(*normal, test.m_Surface.GetNormal(-3.5 + 1.6 * (column + 0.5), 20 + row + 0.5));
-      EXPECT_NEAR(Length(*normal), 1.0, kTolerance);
+      const CLocatedTexel texel(test, column, row, 10, 6);
+      ASSERT_EQ(texel.m_pFound, &texel.m_Normal);
+      ExpectNear(texel.m_Normal, test.m_Surface.GetNormal(-3.5 + 1.6 * (column + 0.5), 20 + row + 0.5));
+      EXPECT_NEAR(Length(texel.m_Normal), 1.0, kTolerance);
+    }
+  }
+}
+
+TEST(TexelNormal, DoesNotHangOnTheLeafAtWhichTheSearchBegins) {
+  CTestTree test(4, 2);
+  MakeLeaf(test.m_Tree, 0, 5, 9);
+  // 8 columns put every other texel onto a line between leaves.
+  for (const int width : {8, 10}) {
+    for (int texel = 0; texel < width * 8; ++texel) {
+      const CLocatedTexel fromRoot(test, texel % width, texel / width, width, 8);
+      test.m_Tree.ForEachLeaf([&](const CQuadT& leaf) {
+        CInterpCoefs other(texel % width, texel / width);
+        const CQuadT* start = &leaf;
+        ASSERT_TRUE(other.Locate(test.m_Surface, width, 8, start));
+        EXPECT_EQ(start, fromRoot.m_pLeaf);
+        EXPECT_EQ((std::array{other.A(), other.B(), other.Cell()}),
+                  (std::array{fromRoot.A(), fromRoot.B(), fromRoot.Cell()}));
+        EXPECT_EQ((std::array{other.Ca(), other.Cb(), other.CCenter()}),
+                  (std::array{fromRoot.Ca(), fromRoot.Cb(), fromRoot.CCenter()}));
+      });
     }
   }
 }
 
 TEST(TexelNormal, WithoutASurfaceThereIsNone) {
   CInterpCoefs texel(0, 0);
-  EXPECT_EQ(ConsoleTextOf([&] { EXPECT_EQ(texel.GetNormalTexPoint(nullptr, 8, 8), nullptr); }), "");
+  const CQuadT* leaf = nullptr;
+  Vector3 normal;
+  EXPECT_EQ(ConsoleTextOf([&] { EXPECT_EQ(texel.GetNormalTexPoint(nullptr, 8, 8, leaf, normal), nullptr); }), "");
+  EXPECT_FALSE(texel.IsLocated());
 }
 
 TEST(TexelNormal, ReportsATexelOutsideAndClearsItsNormal) {
   CTestTree test(3, 2);
   ComputeNormals(test.m_Tree);
-  CInterpCoefs texel(7, 0);
-  ASSERT_NE(texel.GetNormalTexPoint(&test.m_Surface, 8, 8), nullptr);
-  EXPECT_EQ(texel.Normal(), (Vector3{0, 0, 1}));
-  EXPECT_EQ(ConsoleTextOf([&] { EXPECT_EQ(texel.GetNormalTexPoint(&test.m_Surface, 6, 8), nullptr); }),
+  EXPECT_EQ(CLocatedTexel(test, 7, 0, 8, 8).m_Normal, (Vector3{0, 0, 1}));
+  EXPECT_EQ(ConsoleTextOf([&] {
+              const CLocatedTexel texel(test, 7, 0, 6, 8);
+              EXPECT_EQ(texel.m_pFound, nullptr);
+              EXPECT_EQ(texel.m_Normal, Vector3{});
+              EXPECT_FALSE(texel.IsLocated());
+            }),
             "CInterpCoefs::GetNormalTexPoint()\t\tcell == NULL\n\t\t\txg = 10, yg = 0.5\n");
-  EXPECT_EQ(texel.Normal(), Vector3{});
 }
 
 }  // namespace

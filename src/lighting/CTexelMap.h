@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "base/Vector3.h"
+#include "quadtree/CInterpCoefs.h"
+
+/// Where the texels of the picture lie on the surface: per texel its interpolation record, its normal, and whether it
+/// lies in a discontinuity. All in row order, index = row * width + column, row 0 at the bottom.
+///
+/// Records and mask are of one subdivision. Every pass first brings them up to the present one, so that none reads
+/// coefficients of an earlier tree; as long as the tree does not change no pass touches it. All memory is reserved at
+/// construction, but records and normals are written only when a pass first needs them: most pictures are never
+/// relit, and filling the records of a large one takes longer than loading it.
+class CTexelMap {
+ public:
+  /// What one texel takes up here.
+  static constexpr std::size_t kBytesPerTexel = sizeof(CInterpCoefs) + sizeof(Vector3) + sizeof(std::uint8_t);
+
+  CTexelMap() = default;
+  /// For a picture of `width` x `height` texels, all with the normal (0, 0, 1), which stands for the present
+  /// subdivision until a pass has run.
+  CTexelMap(int width, int height, const CInterpolation& surface);
+
+  int Width() const { return m_iWidth; }
+  int Height() const { return m_iHeight; }
+
+  /// Puts records and normals back to what they were at construction.
+  void InitializeCoords(const CInterpolation& surface);
+  /// Recomputes the mask: one step per leaf and one per texel in a discontinuity.
+  void TestDiscontinuities(const CInterpolation& surface);
+  /// Coefficients and normal of every texel outside the mask. One that cannot be found keeps its normal, with two
+  /// console lines. Linear in the number of texels, with one descent of the tree per leaf that a row crosses.
+  void ComputeCoefs(const CInterpolation& surface);
+  /// The normal of every texel, in the mask or not, from the stored coefficients.
+  void ComputeNormals(const CInterpolation& surface);
+  /// `ComputeCoefs` if the normals are of an earlier subdivision.
+  void UpdateNormals(const CInterpolation& surface);
+  /// Finds every texel anew if the records are of an earlier subdivision. The normals stay.
+  void UpdateRecords(const CInterpolation& surface);
+
+  // Records and normals are empty until the first call of one of the passes above.
+
+  std::span<const CInterpCoefs> Records() const { return m_aRecords; }
+  /// Unit normals; not a number where the surface has none.
+  std::span<const Vector3> Normals() const { return m_aNormals; }
+  /// 1 for texels in a cell with a triangle in a discontinuity, else 0.
+  std::span<const std::uint8_t> Mask() const { return m_auMask; }
+  /// Grows with every change of the normals.
+  unsigned Revision() const { return m_uRevision; }
+
+ private:
+  void WriteCoords();
+  void UpdateMask(const CInterpolation& surface);
+  bool HasRecordsOf(const CInterpolation& surface) const;
+
+  int m_iWidth = 0;
+  int m_iHeight = 0;
+  std::vector<CInterpCoefs> m_aRecords;
+  std::vector<Vector3> m_aNormals;
+  std::vector<std::uint8_t> m_auMask;
+  unsigned m_uRevision = 0;
+  // Revisions of the tree that each array is of.
+  std::optional<std::uint64_t> m_uTreeOfRecords;
+  std::optional<std::uint64_t> m_uTreeOfNormals;
+  std::optional<std::uint64_t> m_uTreeOfMask;
+};

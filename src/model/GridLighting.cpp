@@ -1,0 +1,131 @@
+// The picture on the surface: where its texels lie, and the light taken out of it and put into it.
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include "base/Console.h"
+#include "lighting/CShading.h"
+#include "model/CGrid.h"
+
+namespace {
+
+// No padded side may leave the integers.
+constexpr int kLargestSide = 1 << 30;
+
+// Three textures, padded, and what is kept per texel. In floating point, where nothing overflows.
+double BytesFor(double width, double height) {
+  const auto padded = [](double side) {
+    double power = 1;
+    while (power < side) power *= 2;
+    return power;
+  };
+  constexpr auto kPerTexel = static_cast<double>(CTexelMap::kBytesPerTexel + CAlbedoMap::kBytesPerTexel);
+  return kPerTexel * width * height + 3 * 3 * padded(width) * padded(height);
+}
+
+bool IsWhole(const CPicture& picture) {
+  if (picture.m_iWidth < 1 || picture.m_iHeight < 1) return false;
+  return picture.m_aPixels.size() ==
+         3 * static_cast<std::size_t>(picture.m_iWidth) * static_cast<std::size_t>(picture.m_iHeight);
+}
+
+}  // namespace
+
+bool CGrid::SetPicture(const CPicture& picture, double memory) {
+  if (!IsWhole(picture)) return false;
+  const auto refuse = [&picture] {
+    Console() << "Error CGrid::SetPicture\t\tNot enough memory for a picture of " << picture.m_iWidth << " by "
+              << picture.m_iHeight << " texels\n";
+    return false;
+  };
+  if (std::max(picture.m_iWidth, picture.m_iHeight) > kLargestSide) return refuse();
+  if (BytesFor(picture.m_iWidth, picture.m_iHeight) > memory) return refuse();
+  try {
+    CTexelMap texels(picture.m_iWidth, picture.m_iHeight, Surface());
+    CAlbedoMap albedo(picture.m_iWidth, picture.m_iHeight);
+    m_Textures.SetPicture(picture);
+    m_Texels = std::move(texels);
+    m_Albedo = std::move(albedo);
+  } catch (const std::bad_alloc&) {
+    return refuse();
+  }
+  TestTexelsInDiscontinuity();
+  return true;
+}
+
+bool CGrid::HasTexels() const {
+  return m_Textures.HasPicture() && m_Texels.Width() == m_Textures.PictureWidth() &&
+         m_Texels.Height() == m_Textures.PictureHeight();
+}
+
+CLight* CGrid::GetLightSource(int index, int type) {
+  if (type != kRemovedLights && type != kAddedLights) {
+    Console() << "Error CGrid::GetLightSource\t\t\t\tUnknown type\n";
+    return nullptr;
+  }
+  auto& lights = (type == kRemovedLights ? m_RemovedLights : m_AddedLights).m_aLights;
+  return index >= 0 && static_cast<std::size_t>(index) < lights.size() ? &lights[static_cast<std::size_t>(index)]
+                                                                       : nullptr;
+}
+
+void CGrid::InitializeCoordsTexels() {
+  if (!HasTexels()) {
+    Console() << "Error CGrid::InitializeCoordsTexels()\tNo texture loaded\n";
+    return;
+  }
+  m_Texels.InitializeCoords(Surface());
+}
+
+void CGrid::LocateTexels() {
+  if (HasTexels()) m_Texels.UpdateRecords(Surface());
+}
+
+void CGrid::TestTexelsInDiscontinuity() {
+  if (!HasTexels()) return;
+  m_Texels.TestDiscontinuities(Surface());
+  Console() << "CGrid::TestTexelsInDiscontinuity()\t\t\t...done\n";
+}
+
+void CGrid::ComputeCoefsTexels() {
+  if (!HasTexels()) {
+    Console() << "Error CGrid::ComputeCoefsTexels()\tNo texture loaded\n";
+    return;
+  }
+  Console() << "CGrid::ComputeCoefsTexels()\t\t\tComputeCoefsTexels...\n";
+  m_Texels.ComputeCoefs(Surface());
+  Console() << "CGrid::ComputeCoefsTexels()\t\t\t...ComputeCoefsTexels\t\tdone\n";
+}
+
+void CGrid::ComputeNormalsOnly() {
+  if (!HasTexels()) {
+    Console() << "Error CGrid::ComputeNormalsOnly()\tNo texture loaded\n";
+    return;
+  }
+  Console() << "CGrid::ComputeCoefsTexels()\t\t\tComputeNormalsOnly...\n";
+  m_Texels.ComputeNormals(Surface());
+  Console() << "CGrid::ComputeCoefsTexels()\t\t\t...ComputeNormalsOnly\t\tdone\n";
+}
+
+void CGrid::GetKd() {
+  Console() << "CGrid::GetKd\t\t\t\tGetKd...\n";
+  if (!HasTexels()) {
+    Console() << "Error CGrid::GetKd\t\tNo texture loaded\n";
+    return;
+  }
+  const CShading removed(m_RemovedLights);
+  const CShading added(m_AddedLights);
+  if (!removed.IsAnyActive()) {
+    Console() << "CGrid::GetKd\t\tNo lights to be removed\n";
+    return;
+  }
+  if (!added.IsAnyActive()) {
+    Console() << "CGrid::GetKd\t\tNo light to be added ; the system will only show the Kd map\n";
+  }
+  Console() << "CGrid::GetKd\t\twidth : " << m_Textures.PictureWidth() << "; height : " << m_Textures.PictureHeight()
+            << "\nCGrid::GetKd\t\tnew_width : " << m_Textures.TextureWidth()
+            << "; new_height : " << m_Textures.TextureHeight() << '\n';
+  m_Texels.UpdateNormals(Surface());
+  m_Albedo.Compute(m_Texels.Normals(), removed, added, m_Textures);
+  Console() << "CGrid::GetKd\t\t\t\t...GetKd\tdone\n";
+}
