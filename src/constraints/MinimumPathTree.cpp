@@ -28,7 +28,7 @@ void CMinimumPathTree::MarkMargin() {
 
 void CMinimumPathTree::Start(CPixelPosition seed, std::size_t limit) {
   constexpr float kInfinity = std::numeric_limits<float>::infinity();
-  std::fill(m_afTotal.begin(), m_afTotal.end(), 0.0F);
+  std::fill(m_afTotal.begin(), m_afTotal.end(), -kInfinity);
   for (int row = 0; row < m_Costs.m_iHeight; ++row) {
     std::fill_n(m_afTotal.begin() + static_cast<std::ptrdiff_t>(m_Costs.NodeAt({0, row})), m_Costs.m_iWidth, kInfinity);
   }

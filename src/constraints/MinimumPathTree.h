@@ -60,7 +60,7 @@ class CMinimumPathTree {
   const CLinkCosts& m_Costs;
   std::array<std::ptrdiff_t, kLinkCount> m_aiSteps{};  ///< from a node to its neighbours
   std::array<float, kLinkCount> m_afPlain{};           ///< links of the pixels in the margin
-  // A node of the border around the picture costs nothing already, so that no path ever enters it.
+  // A node of the border around the picture is cheaper than any path, so that none ever enters it.
   std::vector<float> m_afTotal;
   std::vector<Place> m_aiPlaces;  ///< place in the heap, or one of the two marks
   // The link of the previous node that led here, and whether the node lies in the margin.
