@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <utility>
+
+/// A window of its own that a button of the main window opens and closes.
+class ToolWindow {
+ public:
+  ToolWindow() = default;
+  virtual ~ToolWindow() = default;
+  ToolWindow(const ToolWindow&) = delete;
+  ToolWindow& operator=(const ToolWindow&) = delete;
+
+  virtual bool IsOpen() const = 0;
+  virtual void Open() = 0;
+  virtual void Close() = 0;
+  /// Another picture has been loaded.
+  virtual void PictureLoaded() {}
+
+  /// What is to be done when the window has closed.
+  void OnClosed(std::function<void()> action) { m_Closed = std::move(action); }
+
+ protected:
+  /// To be called once the window has closed, whoever closed it.
+  void ReportClosed() {
+    if (m_Closed) m_Closed();
+  }
+
+ private:
+  std::function<void()> m_Closed;
+};
