@@ -23,7 +23,7 @@ bool CPixelViewport::Shows(CPixelPosition pixel) const {
 }
 
 std::optional<CPixelPosition> CPixelViewport::PixelAt(int x, int y) const {
-  if (x < 0 || x >= m_Area.m_iColumn || y < 0 || y >= m_Area.m_iRow) return std::nullopt;
+  if (!Covers(x, y)) return std::nullopt;
   const CPixelPosition pixel{x / m_iZoom + m_First.m_iColumn, y / m_iZoom + m_First.m_iRow};
   if (!Shows(pixel)) return std::nullopt;
   return pixel;

@@ -26,6 +26,8 @@ class CPixelViewport {
   /// Number of visible columns and rows, those cut by the edge of the area included.
   CPixelPosition VisibleSize() const;
   bool Shows(CPixelPosition pixel) const;
+  /// Whether a place lies in the area.
+  bool Covers(int x, int y) const { return x >= 0 && x < m_Area.m_iColumn && y >= 0 && y < m_Area.m_iRow; }
   /// The visible pixel at a place; nothing beside the picture and outside the area.
   std::optional<CPixelPosition> PixelAt(int x, int y) const;
 

@@ -54,8 +54,8 @@ AnimationRecorder::AnimationRecorder(RecorderView& view, RecorderHost& host, Rec
     m_apButtons[button]->callback(row.m_pCallback, this);
     x += 46;
   }
-  m_pFrameNumber = new Fl_Value_Output(115, 60, 60, 25, "Frame number : ");
-  m_pTick = new Fl_Value_Output(220, 60, 60, 25, "Tick");
+  m_pFrameNumber = new Fl_Value_Output(125, 60, 55, 25, "Frame number : ");
+  m_pTick = new Fl_Value_Output(225, 60, 55, 25, "Tick");
   end();
   callback(cb_Window);
   Refresh();

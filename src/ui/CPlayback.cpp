@@ -20,22 +20,22 @@ void CPlayback::Play() {
   }
   g_nPlaybackTimers = 1;
   Console() << "CGridView::recMode_Play : add_timeout\n";
-  Fl::add_timeout(g_fTimerInterval, cb_Tick, this);
+  Fl::add_timeout(g_fTimerInterval, OnTick, this);
 }
 
 void CPlayback::EndTimer() {
-  if (Fl::has_timeout(cb_Tick, this) == 0) return;
-  Fl::remove_timeout(cb_Tick, this);
+  if (Fl::has_timeout(OnTick, this) == 0) return;
+  Fl::remove_timeout(OnTick, this);
   --g_nPlaybackTimers;
 }
 
-void CPlayback::cb_Tick(void* playback) {
+void CPlayback::OnTick(void* playback) {
   if (playback != nullptr) static_cast<CPlayback*>(playback)->Tick();
 }
 
 void CPlayback::Tick() {
   // Armed before anything else, so that whoever ends the playback from here on finds a timer to end.
-  Fl::add_timeout(g_fTimerInterval, cb_Tick, this);
+  Fl::add_timeout(g_fTimerInterval, OnTick, this);
   if (m_Recorder.IsIn(RecordMode::kPaused)) return;
   if (const CFrame* frame = m_Recorder.Next(); frame != nullptr) {
     m_View.SetCamera(frame->m_Camera);

@@ -22,9 +22,10 @@ class CPlayback {
   /// Disarms the timer; the recorder keeps its mode.
   void EndTimer();
 
+  /// The tick, a timeout of the toolkit; `playback` is a CPlayback*, with null nothing happens and the timer ends.
+  static void OnTick(void* playback);
+
  private:
-  // A timeout of the toolkit; `playback` is a CPlayback*, with null nothing happens and the timer ends.
-  static void cb_Tick(void* playback);
   void Tick();
   void Finish();
 

@@ -38,7 +38,13 @@ CScissorsView::CScissorsView(CGrid& grid, ScissorsHost& host)
   callback(cb_Window);
 }
 
-CScissorsView::~CScissorsView() { Fl::remove_idle(cb_Idle, this); }
+// The canvas goes first, because it sends its last events here.
+CScissorsView::~CScissorsView() {
+  m_pTool.reset();
+  ScheduleSlices();
+  hide();
+  clear();
+}
 
 void CScissorsView::Open() {
   if (IsOpen() || !m_Grid.Textures().HasPicture()) return;
@@ -130,7 +136,17 @@ void CScissorsView::OnMove() {
   ShowStatus();
 }
 
+// The toolkit delivers motion late, so the key may be the first to know where the mouse is.
+void CScissorsView::FindMouse() {
+  int x = 0;
+  int y = 0;
+  Fl::get_mouse(x, y);
+  m_Mouse = {x - m_pCanvas->x_root(), y - m_pCanvas->y_root()};
+  m_bMouseInside = m_Viewport->Covers(m_Mouse.m_iColumn, m_Mouse.m_iRow);
+}
+
 bool CScissorsView::OnKey() {
+  FindMouse();
   const int key = Fl::event_key();
   const bool control = Fl::event_ctrl() != 0;
   if (control && (key == '=' || key == '-')) {

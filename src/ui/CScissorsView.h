@@ -46,6 +46,7 @@ class CScissorsView : public Fl_Window, public ToolWindow {
 
   bool OnEvent(int event);
   bool OnKey();
+  void FindMouse();
   void OnPush();
   void OnMove();
   void ExportContour();

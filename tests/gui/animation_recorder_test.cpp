@@ -30,6 +30,31 @@ constexpr const char* kQuestion =
 constexpr const char* kTemplateQuestion = "please input template file name, without extension";
 constexpr const char* kArmed = "CGridView::recMode_Play : add_timeout\n";
 
+// The user who answers the dialog that comes up next by keys.
+class CKeyAnswer {
+ public:
+  explicit CKeyAnswer(std::vector<std::string> keys) : m_aKeys(std::move(keys)) {
+    Fl::add_timeout(0.0, OnTimeout, this);
+  }
+  ~CKeyAnswer() { Fl::remove_timeout(OnTimeout, this); }
+  CKeyAnswer(const CKeyAnswer&) = delete;
+  CKeyAnswer& operator=(const CKeyAnswer&) = delete;
+
+ private:
+  static void OnTimeout(void* answer) {
+    auto& self = *static_cast<CKeyAnswer*>(answer);
+    const auto dialog = self.m_Screen.WindowsOf(getpid());
+    if (Fl::modal() == nullptr || dialog.empty() || !self.m_Screen.HasFocus(dialog.back())) {
+      Fl::add_timeout(0.01, OnTimeout, answer);
+      return;
+    }
+    for (const std::string& keys : self.m_aKeys) PressKey(keys);
+  }
+
+  CScreen m_Screen;
+  std::vector<std::string> m_aKeys;
+};
+
 class AnimationRecorderTest : public ToolkitTest {
  protected:
   AnimationRecorderTest() { g_fTimerInterval = 0.001; }
@@ -257,6 +282,15 @@ TEST_F(AnimationRecorderTest, StopRecordResetAndClosingEndTheTimer) {
   }
 }
 
+TEST_F(AnimationRecorderTest, TickOfNothingDoesNothing) {
+  RecordFrames(3);
+  g_fTimerInterval = 1e6;
+  Press(kPlay);
+  CPlayback::OnTick(nullptr);
+  EXPECT_EQ(g_nPlaybackTimers, 1);
+  EXPECT_EQ(m_View.m_iRedraws, 0);
+}
+
 TEST_F(AnimationRecorderTest, ExportAsksAndWritesEveryFrame) {
   RecordFrames(3);
   ExportTo((m_Directory.Path() / "f").string());
@@ -364,4 +398,19 @@ TEST_F(AnimationRecorderTest, FramesOutliveTheClosedWindow) {
   EXPECT_EQ(m_Window.Recorder().Frames().size(), 3U);
   EXPECT_EQ(Buttons(), "+-++++");
   EXPECT_EQ(Output(0).value(), 3);
+}
+
+TEST_F(AnimationRecorderTest, ToolkitAsksAndTells) {
+  m_Window.Close();
+  RecorderDialogs dialogs;
+  const auto answered = [](std::vector<std::string> keys, const auto& ask) {
+    const CKeyAnswer answer(std::move(keys));
+    return ask();
+  };
+  EXPECT_TRUE(answered({"Return"}, [&] { return dialogs.AskYesNo("Sure ?"); }));
+  EXPECT_FALSE(answered({"Escape"}, [&] { return dialogs.AskYesNo("Sure ?"); }));
+  EXPECT_EQ(answered({"a", "b", "Return"}, [&] { return dialogs.AskText("Name"); }), "ab");
+  EXPECT_EQ(answered({"Return"}, [&] { return dialogs.AskText("Name"); }), "");
+  EXPECT_EQ(answered({"a", "Escape"}, [&] { return dialogs.AskText("Name"); }), "");
+  answered({"Return"}, [&] { dialogs.Notice("Export finished"); });
 }
