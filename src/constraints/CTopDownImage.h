@@ -1,0 +1,30 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "constraints/PixelPosition.h"
+
+class CTextureImages;
+
+/// RGB pixels with the top row first, as the scissors see the photograph; rows follow each other without gaps.
+struct CTopDownImage {
+  int m_iWidth = 0;
+  int m_iHeight = 0;
+  std::vector<std::uint8_t> m_aPixels;  ///< red, green, blue; 3 * width * height bytes
+
+  bool Contains(CPixelPosition p) const {
+    return p.m_iColumn >= 0 && p.m_iColumn < m_iWidth && p.m_iRow >= 0 && p.m_iRow < m_iHeight;
+  }
+  /// Of a pixel of the image.
+  std::array<std::uint8_t, 3> ColourAt(CPixelPosition p) const {
+    const std::size_t first = 3 * (static_cast<std::size_t>(p.m_iRow) * static_cast<std::size_t>(m_iWidth) +
+                                   static_cast<std::size_t>(p.m_iColumn));
+    return {m_aPixels[first], m_aPixels[first + 1], m_aPixels[first + 2]};
+  }
+};
+
+/// A copy of the photograph alone, without its padding, rows reversed. Empty where there is no picture.
+CTopDownImage CopyPhotograph(const CTextureImages& images);

@@ -1,0 +1,126 @@
+#include <gtest/gtest.h>
+
+#include "constraints/CPixelViewport.h"
+
+namespace {
+
+// A picture of 600 x 400 in an area of 300 x 200.
+CPixelViewport View() {
+  CPixelViewport view(600, 400);
+  view.Resize(300, 200);
+  return view;
+}
+
+CPixelViewport PannedTo(CPixelPosition first) {
+  CPixelViewport view = View();
+  view.BeginPan(0, 0);
+  view.PanTo(-first.m_iColumn, -first.m_iRow);
+  return view;
+}
+
+}  // namespace
+
+TEST(PixelViewportTest, StartsAtTheUpperLeftCornerAtZoomOne) {
+  const CPixelViewport view = View();
+  EXPECT_EQ(view.Zoom(), 1);
+  EXPECT_EQ(view.First(), (CPixelPosition{0, 0}));
+  EXPECT_EQ(view.VisibleSize(), (CPixelPosition{300, 200}));
+  EXPECT_EQ(view.PixelAt(17, 23), (CPixelPosition{17, 23}));
+}
+
+TEST(PixelViewportTest, PlacesOutsideTheAreaShowNoPixel) {
+  const CPixelViewport view = PannedTo({100, 100});
+  for (const CPixelPosition place : {CPixelPosition{-1, 5}, {5, -1}, {300, 5}, {5, 200}}) {
+    EXPECT_FALSE(view.PixelAt(place.m_iColumn, place.m_iRow).has_value());
+  }
+  EXPECT_TRUE(view.PixelAt(299, 199).has_value());
+}
+
+TEST(PixelViewportTest, PlacesBesideTheSmallPictureShowNoPixel) {
+  CPixelViewport view(20, 10);
+  view.Resize(300, 200);
+  EXPECT_EQ(view.PixelAt(19, 9), (CPixelPosition{19, 9}));
+  EXPECT_FALSE(view.PixelAt(20, 5).has_value());
+  EXPECT_FALSE(view.PixelAt(5, 10).has_value());
+  view.ZoomBy(3, 0, 0);
+  EXPECT_EQ(view.PixelAt(79, 39), (CPixelPosition{19, 9}));
+  EXPECT_FALSE(view.PixelAt(80, 39).has_value());
+}
+
+TEST(PixelViewportTest, ZoomStaysWithinOneAndSixteen) {
+  CPixelViewport view = View();
+  view.ZoomBy(-1, 10, 10);
+  EXPECT_EQ(view.Zoom(), 1);
+  for (int zoom = 2; zoom <= 16; ++zoom) {
+    view.ZoomBy(1, 10, 10);
+    EXPECT_EQ(view.Zoom(), zoom);
+  }
+  view.ZoomBy(1, 10, 10);
+  EXPECT_EQ(view.Zoom(), 16);
+}
+
+TEST(PixelViewportTest, ZoomKeepsThePixelUnderTheCursor) {
+  CPixelViewport view = PannedTo({150, 100});
+  const auto pixel = view.PixelAt(140, 90);
+  for (int step = 0; step < 15; ++step) {
+    view.ZoomBy(1, 140, 90);
+    EXPECT_EQ(view.PixelAt(140, 90), pixel);
+  }
+  for (int step = 0; step < 15; ++step) {
+    view.ZoomBy(-1, 140, 90);
+    EXPECT_EQ(view.PixelAt(140, 90), pixel);
+  }
+}
+
+TEST(PixelViewportTest, EachPixelIsASquareOfTheZoom) {
+  CPixelViewport view = View();
+  view.ZoomBy(4, 0, 0);
+  EXPECT_EQ(view.PixelAt(4, 4), (CPixelPosition{0, 0}));
+  EXPECT_EQ(view.PixelAt(5, 9), (CPixelPosition{1, 1}));
+  EXPECT_EQ(view.VisibleSize(), (CPixelPosition{60, 40}));
+}
+
+TEST(PixelViewportTest, PixelsCutByTheEdgeAreVisible) {
+  CPixelViewport view = View();
+  view.ZoomBy(6, 0, 0);
+  EXPECT_EQ(view.VisibleSize(), (CPixelPosition{43, 29}));
+  EXPECT_EQ(view.PixelAt(299, 199), (CPixelPosition{42, 28}));
+  EXPECT_TRUE(view.Shows({42, 28}));
+  EXPECT_FALSE(view.Shows({43, 28}));
+}
+
+TEST(PixelViewportTest, PanMovesByTheMouseOverTheZoom) {
+  CPixelViewport view = View();
+  view.ZoomBy(3, 0, 0);
+  view.BeginPan(200, 150);
+  view.PanTo(160, 146);
+  EXPECT_EQ(view.First(), (CPixelPosition{10, 1}));
+  view.PanTo(198, 150);
+  EXPECT_EQ(view.First(), (CPixelPosition{0, 0}));
+}
+
+TEST(PixelViewportTest, PanInSmallStepsLosesNothing) {
+  CPixelViewport view = View();
+  view.ZoomBy(3, 0, 0);
+  view.BeginPan(200, 150);
+  for (int x = 199; x >= 160; --x) view.PanTo(x, 150);
+  EXPECT_EQ(view.First(), (CPixelPosition{10, 0}));
+}
+
+TEST(PixelViewportTest, PanStaysWithinThePicture) {
+  CPixelViewport view = View();
+  view.BeginPan(0, 0);
+  view.PanTo(500, 500);
+  EXPECT_EQ(view.First(), (CPixelPosition{0, 0}));
+  view.PanTo(-5000, -5000);
+  EXPECT_EQ(view.First(), (CPixelPosition{300, 200}));
+  EXPECT_EQ(view.PixelAt(299, 199), (CPixelPosition{599, 399}));
+}
+
+TEST(PixelViewportTest, LargerAreaMovesThePictureBackIntoIt) {
+  CPixelViewport view = PannedTo({300, 200});
+  view.Resize(500, 250);
+  EXPECT_EQ(view.First(), (CPixelPosition{100, 150}));
+  view.Resize(700, 500);
+  EXPECT_EQ(view.First(), (CPixelPosition{0, 0}));
+}

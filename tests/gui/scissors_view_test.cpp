@@ -1,0 +1,339 @@
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "constraints/CScissorsTool.h"
+#include "support/ConsoleCapture.h"
+#include "support/ScissorsBuilders.h"
+#include "support/gui/Input.h"
+#include "support/gui/ToolkitTest.h"
+#include "ui/CScissorsView.h"
+#include "ui/ScissorsHost.h"
+
+namespace {
+
+constexpr CRgb kBackground{212, 208, 200};
+constexpr CRgb kTraced{0, 128, 255};
+constexpr CRgb kSelected{255, 128, 0};
+constexpr CRgb kInProgress{0, 255, 0};
+constexpr CRgb kLiveWire{255, 255, 0};
+constexpr CRgb kKeyPoint{255, 0, 255};
+constexpr CRgb kSeed{255, 0, 0};
+
+class RecordingScissorsHost : public ScissorsHost {
+ public:
+  bool AddTracedCurve(const std::vector<CPlanePoint>& points) override {
+    if (m_bTakes) m_aaCurves.push_back(points);
+    return m_bTakes;
+  }
+  void RefreshDisplays() override { ++m_iRefreshes; }
+
+  bool m_bTakes = true;
+  std::vector<std::vector<CPlanePoint>> m_aaCurves;
+  int m_iRefreshes = 0;
+};
+
+// The window on the screen with a picture, and the user's hands on mouse and keyboard.
+class ScissorsViewTest : public ToolkitTest {
+ protected:
+  void SetUp() override { OpenWith(GreyPicture(200, 150)); }
+  void TearDown() override { m_View.Close(); }
+
+  void OpenWith(const CTopDownImage& picture) {
+    m_View.Close();
+    CPicture stored{picture.m_iWidth, picture.m_iHeight, {}};
+    const std::size_t row = 3 * static_cast<std::size_t>(picture.m_iWidth);
+    for (std::size_t y = static_cast<std::size_t>(picture.m_iHeight); y-- > 0;) {
+      const auto first = picture.m_aPixels.begin() + static_cast<std::ptrdiff_t>(y * row);
+      stored.m_aPixels.insert(stored.m_aPixels.end(), first, first + static_cast<std::ptrdiff_t>(row));
+    }
+    Grid().Textures().SetPicture(stored);
+    m_View.Open();
+    ASSERT_TRUE(RunToolkitUntil([&] { return Window().has_value() && m_Screen.HasFocus(*Window()); }));
+    ASSERT_TRUE(RunToolkitUntil([&] { return m_View.damage() == 0; }));
+    m_Console.Take();
+  }
+
+  CScissorsTool& Tool() { return *m_View.Tool(); }
+  const CScissorsContours& Contours() { return Tool().Contours(); }
+  std::optional<WindowId> Window() { return m_Screen.FindWindow(getpid(), m_View.label()); }
+  CPixel OnScreen(CPixelPosition place) { return m_Screen.AreaOf(*Window()).At({place.m_iColumn, place.m_iRow}); }
+  bool SeesAt(CPixelPosition place, CRgb colour) {
+    const CPixel p = OnScreen(place);
+    return RunToolkitUntil([&] { return m_Screen.Capture({p.m_iX, p.m_iY, 1, 1}).IsAll(colour); });
+  }
+
+  void Point(CPixelPosition place) {
+    MovePointer(OnScreen(place));
+    const std::string wanted = "x = " + std::to_string(place.m_iColumn) + " y = " + std::to_string(place.m_iRow) + " ";
+    ASSERT_TRUE(RunToolkitUntil([&] { return std::string(m_View.StatusText()).find(wanted) == 0; }))
+        << m_View.StatusText();
+  }
+  // A click that makes `place` the seed.
+  void ClickAt(CPixelPosition place) {
+    Point(place);
+    Click(OnScreen(place));
+    ASSERT_TRUE(RunToolkitUntil([&] {
+      return Contours().IsInProgress() &&
+             Contours().Seed() == *m_View.Viewport().PixelAt(place.m_iColumn, place.m_iRow);
+    }));
+  }
+  void Build() {
+    ASSERT_TRUE(RunToolkitUntil([&] { return !Tool().IsBuilding(); }));
+  }
+  bool TypeUntil(const std::string& keys, const std::function<bool()>& condition) {
+    PressKey(keys);
+    return RunToolkitUntil(condition);
+  }
+  // A contour of a row of pixels, on which the model does not want to be torn.
+  void TraceAndKeep(int row) {
+    m_Host.m_bTakes = false;
+    ClickAt({20, row});
+    Point({60, row});
+    ASSERT_TRUE(TypeUntil("Return", [&] { return !Contours().IsInProgress(); }));
+  }
+
+  ConsoleCapture m_Console;
+  RecordingScissorsHost m_Host;
+  CScissorsView m_View{Grid(), m_Host};
+};
+
+}  // namespace
+
+TEST_F(ScissorsViewTest, HasItsTitleAndSize) {
+  EXPECT_EQ(m_Screen.TitleOf(*Window()), "Click to set key points - Press Enter set the last point and finish");
+  EXPECT_EQ(m_Screen.AreaOf(*Window()).m_iWidth, 445);
+  EXPECT_EQ(m_Screen.AreaOf(*Window()).m_iHeight, 439);
+}
+
+TEST_F(ScissorsViewTest, OpeningLogsTheSizeOfThePicture) {
+  m_View.Close();
+  m_View.Open();
+  EXPECT_EQ(m_Console.Take(), "Width 200\nHeight 150\n");
+  m_View.Open();
+  EXPECT_EQ(m_Console.Take(), "");
+}
+
+TEST_F(ScissorsViewTest, DoesNotOpenWithoutAPicture) {
+  CTestGrid empty;
+  CScissorsView view(empty.m_Grid, m_Host);
+  view.Open();
+  EXPECT_FALSE(view.IsOpen());
+  EXPECT_FALSE(view.shown());
+}
+
+TEST_F(ScissorsViewTest, ShowsThePictureUprightAndTheBackgroundBesideIt) {
+  OpenWith(PictureOf(200, 150, [](int x, int y) { return y < 75 ? std::array{x, 0, 99} : std::array{0, x, 99}; }));
+  EXPECT_TRUE(SeesAt({30, 10}, {30, 0, 99}));
+  EXPECT_TRUE(SeesAt({180, 140}, {0, 180, 99}));
+  EXPECT_TRUE(SeesAt({201, 20}, kBackground));
+  EXPECT_TRUE(SeesAt({20, 151}, kBackground));
+}
+
+TEST_F(ScissorsViewTest, StatusFollowsTheMouse) {
+  Point({30, 40});
+  EXPECT_STREQ(m_View.StatusText(), "x = 30 y = 40 r = 90 g = 90 b = 90");
+  Point({300, 200});
+  EXPECT_STREQ(m_View.StatusText(), "x = 300 y = 200 r = 212 g = 208 b = 200");
+}
+
+TEST_F(ScissorsViewTest, ClicksBuildTheTreeAndTraceTheContour) {
+  ClickAt({20, 30});
+  Build();
+  EXPECT_EQ(m_Console.Take(),
+            "SeedSnap in iScissor: to be implemented for extra credits!\n"
+            "current seed position: (   20 ,   30 ).\n30000 nodes expanded.minimun path tree is finished\n");
+  ClickAt({60, 30});
+  Build();
+  EXPECT_EQ(m_Console.Take(),
+            "current seed position: (   60 ,   30 ).\n30000 nodes expanded.minimun path tree is finished\n");
+  EXPECT_EQ(Contours().InProgress().m_aPixels.size(), 41U);
+}
+
+TEST_F(ScissorsViewTest, ClickWithControlStartsANewContour) {
+  ClickAt({20, 30});
+  ClickAt({60, 30});
+  Drag(OnScreen({90, 80}), OnScreen({90, 80}), 1, "ctrl");
+  EXPECT_TRUE(RunToolkitUntil([&] { return Contours().Seed() == CPixelPosition{90, 80}; }));
+  EXPECT_EQ(Contours().InProgress().m_aPixels.size(), 1U);
+}
+
+TEST_F(ScissorsViewTest, ClickBesideThePictureDoesNothing) {
+  Point({300, 200});
+  Click(OnScreen({300, 200}));
+  Point({301, 200});
+  EXPECT_FALSE(Contours().IsInProgress());
+}
+
+TEST_F(ScissorsViewTest, EachKindOfPixelHasItsColour) {
+  ClickAt({20, 30});
+  ClickAt({60, 30});
+  Point({60, 90});
+  EXPECT_TRUE(SeesAt({40, 30}, kInProgress));
+  EXPECT_TRUE(SeesAt({20, 30}, kKeyPoint));
+  EXPECT_TRUE(SeesAt({60, 30}, kSeed));
+  EXPECT_TRUE(SeesAt({60, 60}, kLiveWire));
+  Point({100, 30});
+  EXPECT_TRUE(SeesAt({80, 30}, kLiveWire));
+  EXPECT_TRUE(SeesAt({60, 60}, {90, 90, 90})) << "the old live wire";
+}
+
+TEST_F(ScissorsViewTest, EnterExportsTheContour) {
+  ClickAt({20, 30});
+  Point({60, 30});
+  m_Console.Take();
+  ASSERT_TRUE(TypeUntil("Return", [&] { return m_Host.m_iRefreshes == 1; }));
+  EXPECT_NE(m_Console.Take().find("CScissorsView::ExportContour()\n"), std::string::npos);
+  ASSERT_EQ(m_Host.m_aaCurves.size(), 1U);
+  EXPECT_EQ(m_Host.m_aaCurves[0].size(), 41U);
+  const CExtent& extent = Grid().Lattice().Extent();
+  EXPECT_DOUBLE_EQ(m_Host.m_aaCurves[0][0].m_fX, extent.x0 + (extent.x1 - extent.x0) * 20.5 / 200);
+  EXPECT_DOUBLE_EQ(m_Host.m_aaCurves[0][0].m_fY, extent.y0 + (extent.y1 - extent.y0) * 119.5 / 150);
+  EXPECT_TRUE(Contours().Traced().empty());
+  EXPECT_FALSE(Contours().IsInProgress());
+}
+
+TEST_F(ScissorsViewTest, EnterWithControlClosesTheContour) {
+  ClickAt({20, 30});
+  ClickAt({60, 30});
+  Point({80, 90});
+  ASSERT_TRUE(TypeUntil("ctrl+KP_Enter", [&] { return m_Host.m_iRefreshes == 1; }));
+  EXPECT_EQ(m_Host.m_aaCurves[0].size(), 81U);
+  EXPECT_EQ(m_Host.m_aaCurves[0].front(), m_Host.m_aaCurves[0].back());
+}
+
+TEST_F(ScissorsViewTest, EnterOnTheSeedExportsASinglePixel) {
+  ClickAt({20, 30});
+  ASSERT_TRUE(TypeUntil("Return", [&] { return m_Host.m_iRefreshes == 1; }));
+  EXPECT_EQ(m_Host.m_aaCurves[0].size(), 1U);
+}
+
+TEST_F(ScissorsViewTest, EnterWithTheMouseBesideThePictureExportsNothing) {
+  ClickAt({20, 30});
+  Point({300, 200});
+  m_Console.Take();
+  ASSERT_TRUE(TypeUntil("Return", [&] { return m_Host.m_iRefreshes == 1; }));
+  EXPECT_EQ(m_Console.Take(), "CScissorsView::ExportContour()\n");
+  EXPECT_TRUE(m_Host.m_aaCurves.empty());
+  EXPECT_TRUE(Contours().IsInProgress());
+}
+
+TEST_F(ScissorsViewTest, EnterWithoutAContourDoesNothing) {
+  Point({20, 30});
+  ASSERT_TRUE(TypeUntil("Return", [&] { return true; }));
+  ClickAt({20, 30});
+  EXPECT_EQ(m_Host.m_iRefreshes, 0);
+}
+
+TEST_F(ScissorsViewTest, ContourThatIsNotTakenIsSelectedAndRemoved) {
+  TraceAndKeep(30);
+  TraceAndKeep(60);
+  Point({50, 100});
+  EXPECT_EQ(Contours().Traced().size(), 2U);
+  EXPECT_EQ(Contours().Selected(), CScissorsContours::kNone);
+  EXPECT_TRUE(SeesAt({40, 30}, kTraced));
+  Point({30, 60});
+  EXPECT_EQ(Contours().Selected(), 1);
+  EXPECT_TRUE(SeesAt({40, 60}, kSelected));
+  EXPECT_TRUE(SeesAt({40, 30}, kTraced));
+  EXPECT_TRUE(TypeUntil("BackSpace", [&] { return Contours().Traced().size() == 1; }));
+  EXPECT_EQ(Contours().Selected(), CScissorsContours::kNone);
+}
+
+TEST_F(ScissorsViewTest, BackSpaceKeepsTheContoursWhileOneIsInProgress) {
+  TraceAndKeep(30);
+  Point({30, 30});
+  ASSERT_EQ(Contours().Selected(), 0);
+  ClickAt({90, 90});
+  PressKey("BackSpace");
+  Point({91, 91});
+  EXPECT_EQ(Contours().Traced().size(), 1U);
+}
+
+TEST_F(ScissorsViewTest, KeysZoomAroundTheMouse) {
+  OpenWith(RandomPicture(900, 800, 3));
+  Point({200, 160});
+  for (int zoom = 2; zoom <= 17; ++zoom) {
+    ASSERT_TRUE(TypeUntil("ctrl+equal", [&] { return m_View.Viewport().Zoom() == std::min(zoom, 16); }));
+  }
+  EXPECT_EQ(m_View.Viewport().PixelAt(200, 160), (CPixelPosition{200, 160}));
+  for (int zoom = 15; zoom >= 0; --zoom) {
+    ASSERT_TRUE(TypeUntil("ctrl+minus", [&] { return m_View.Viewport().Zoom() == std::max(zoom, 1); }));
+  }
+  EXPECT_EQ(m_View.Viewport().PixelAt(200, 160), (CPixelPosition{200, 160}));
+}
+
+TEST_F(ScissorsViewTest, RightDragMovesThePicture) {
+  const CTopDownImage picture = RandomPicture(900, 800, 3);
+  OpenWith(picture);
+  Drag(OnScreen({200, 160}), OnScreen({150, 140}), 3);
+  EXPECT_TRUE(RunToolkitUntil([&] { return m_View.Viewport().First() == CPixelPosition{50, 20}; }));
+  const auto colour = picture.ColourAt({60, 40});
+  EXPECT_TRUE(SeesAt({10, 20}, {colour[0], colour[1], colour[2]}));
+  EXPECT_FALSE(Contours().IsInProgress());
+}
+
+TEST_F(ScissorsViewTest, LargeTreeGrowsInSlicesAndShowsItsProgress) {
+  OpenWith(RandomPicture(1600, 1200, 3));
+  ClickAt({20, 30});
+  EXPECT_TRUE(Tool().IsBuilding());
+  bool showedProgress = false;
+  EXPECT_TRUE(RunToolkitUntil([&] {
+    showedProgress = showedProgress || std::string(m_View.StatusText()).find("paths: ") != std::string::npos;
+    return !Tool().IsBuilding();
+  }));
+  EXPECT_TRUE(showedProgress);
+  EXPECT_EQ(std::string(m_View.StatusText()).find("paths: "), std::string::npos);
+}
+
+TEST_F(ScissorsViewTest, NextClickNeedNotWaitForTheTree) {
+  OpenWith(RandomPicture(1600, 1200, 3));
+  ClickAt({20, 30});
+  ClickAt({400, 380});
+  EXPECT_TRUE(Tool().IsBuilding());
+  EXPECT_GT(Contours().InProgress().m_aPixels.size(), 300U);
+}
+
+TEST_F(ScissorsViewTest, EveryWayOfClosingIsReported) {
+  int closed = 0;
+  m_View.OnClosed([&] { ++closed; });
+  m_View.Close();
+  EXPECT_EQ(closed, 1);
+  OpenWith(GreyPicture(100, 100));
+  m_View.PictureLoaded();
+  EXPECT_EQ(closed, 2);
+}
+
+TEST_F(ScissorsViewTest, WindowButtonAndEscapeCloseIt) {
+  int closed = 0;
+  m_View.OnClosed([&] { ++closed; });
+  ClickAt({20, 30});
+  m_Screen.AskToClose(*Window());
+  EXPECT_TRUE(RunToolkitUntil([&] { return !m_View.IsOpen(); }));
+  EXPECT_FALSE(m_View.shown());
+  EXPECT_EQ(closed, 1);
+  m_View.Open();
+  ASSERT_TRUE(RunToolkitUntil([&] { return Window().has_value() && m_Screen.HasFocus(*Window()); }));
+  EXPECT_TRUE(TypeUntil("Escape", [&] { return closed == 2; }));
+  EXPECT_FALSE(m_View.IsOpen());
+}
+
+TEST_F(ScissorsViewTest, ReopenedWindowStartsAfresh) {
+  TraceAndKeep(30);
+  m_View.Close();
+  m_View.Open();
+  EXPECT_TRUE(Contours().Traced().empty());
+  EXPECT_EQ(m_View.Viewport().Zoom(), 1);
+}
+
+TEST_F(ScissorsViewTest, LargerWindowShowsMore) {
+  OpenWith(GreyPicture(900, 800, 50));
+  m_Screen.AskForSize(*Window(), 700, 600);
+  EXPECT_TRUE(RunToolkitUntil([&] { return m_View.w() == 700; }));
+  EXPECT_EQ(m_View.Viewport().VisibleSize(), (CPixelPosition{700, 578}));
+  EXPECT_TRUE(SeesAt({690, 570}, {50, 50, 50}));
+}
