@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 /// Bits of `CPtCstr::m_uKind`.
@@ -25,6 +26,10 @@ struct CPtCstr {
   double m_fQ = 0.0;           ///< normal constraint: slope dz/dy wanted
   std::uint32_t m_uState = 0;  ///< PtCstrState bits
 
+  /// Whether a click at (x, y) takes hold of the record; `reach` is a city-block distance in model units.
+  bool IsWithinReach(double x, double y, double reach) const {
+    return std::abs(x - m_fX) + std::abs(y - m_fY) <= reach;
+  }
   bool HasKind(std::uint32_t mask) const { return (m_uKind & mask) != 0; }
   bool HasState(std::uint32_t mask) const { return (m_uState & mask) != 0; }
   void SetKind(std::uint32_t mask, bool on) { m_uKind = on ? m_uKind | mask : m_uKind & ~mask; }

@@ -1,14 +1,11 @@
 #include "constraints/CPtCstrList.h"
 
 #include <algorithm>
-#include <cmath>
 #include <iterator>
 
-namespace {
+#include "constraints/CSelectionStepper.h"
 
-bool IsWithinReach(const CPtCstr& c, double x, double y, double reach) {
-  return std::abs(x - c.m_fX) + std::abs(y - c.m_fY) <= reach;
-}
+namespace {
 
 bool IsSelected(const CPtCstr& c) { return c.HasState(PtCstrState::kSelected); }
 
@@ -44,7 +41,7 @@ CPtCstr& CPtCstrList::Add(const CPtCstr& record) {
 bool CPtCstrList::Highlight(double x, double y, std::uint32_t mask, double reach) {
   bool any = false;
   for (CPtCstr& c : m_aRecords) {
-    const bool hit = IsWithinReach(c, x, y, reach) && c.HasKind(mask);
+    const bool hit = c.IsWithinReach(x, y, reach) && c.HasKind(mask);
     c.SetState(PtCstrState::kHighlighted, hit);
     any = any || hit;
   }
@@ -52,22 +49,8 @@ bool CPtCstrList::Highlight(double x, double y, std::uint32_t mask, double reach
 }
 
 void CPtCstrList::Select(double x, double y, std::uint32_t mask, double reach) {
-  CPtCstr* chosen = nullptr;
-  for (CPtCstr& c : m_aRecords) {
-    if (!IsWithinReach(c, x, y, reach) || !c.HasKind(mask)) {
-      c.SetState(PtCstrState::kSelected, false);
-    } else if (c.HasState(PtCstrState::kSelected)) {
-      if (chosen == nullptr) {
-        chosen = &c;
-      } else {
-        c.SetState(PtCstrState::kSelected, false);
-      }
-    } else {
-      c.SetState(PtCstrState::kSelected, true);
-      if (chosen != nullptr) chosen->SetState(PtCstrState::kSelected, false);
-      chosen = &c;
-    }
-  }
+  CSelectionStepper<CPtCstr> stepper;
+  for (CPtCstr& c : m_aRecords) stepper.Offer(c, c.IsWithinReach(x, y, reach) && c.HasKind(mask));
 }
 
 void CPtCstrList::SelectNext(std::uint32_t mask) { MoveSelection(m_aRecords.begin(), m_aRecords.end(), mask); }

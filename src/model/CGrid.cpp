@@ -33,6 +33,8 @@ void CGrid::FreeAll() {
   Release(m_afOtherSurface);
   m_PointConstraints.clear();
   m_GeneratedConstraints.clear();
+  m_Curves.clear();
+  m_PendingCurve.Drop();
 }
 
 void CGrid::Initialize(int level, bool keep, double x0, double y0, double x1, double y1) {
@@ -88,7 +90,7 @@ void CGrid::SetSparseH() {
   if (m_Solver.Counter() == -1) {
     Console() << "*** SetSparseH ***\n";
     BuildHNumerotation();
-    m_Solver.Assemble(*m_pTree, m_Order);
+    m_Solver.Assemble(*m_pTree, Surface(), m_Curves);
   }
   const std::array<const CPtCstrList*, 2> lists{&m_PointConstraints, &m_GeneratedConstraints};
   m_Solver.SetConstraints(lists, *m_pTree, Surface());

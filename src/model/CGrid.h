@@ -7,6 +7,9 @@
 #include <vector>
 
 #include "base/CRandom.h"
+#include "constraints/CCntrCtrlList.h"
+#include "constraints/CContourAttributes.h"
+#include "constraints/CPendingCurve.h"
 #include "constraints/CPtCstrList.h"
 #include "lighting/CLight.h"
 #include "lighting/CTextureImages.h"
@@ -118,7 +121,8 @@ class CGrid {
   void SelectPtCstr(double x, double y, std::uint32_t mask);
   void SelectNextPtCstr(std::uint32_t mask) { m_PointConstraints.SelectNext(mask); }
   void SelectPrevPtCstr(std::uint32_t mask) { m_PointConstraints.SelectPrev(mask); }
-  void UnselectAll() { m_PointConstraints.UnselectAll(); }
+  /// Curves and their nodes as well.
+  void UnselectAll();
   /// Moves the first selected constraint. Nothing happens without one; so it is for all operations on the selection.
   void MoveSelectedPtCstr(double dx, double dy);
   /// Height of the first selected position constraint; 0 without one.
@@ -131,6 +135,48 @@ class CGrid {
   void RefreshNormalCstrHeights();
   /// Height of the surface at fractional lattice indices; 0 outside.
   double GetHeightAt(double column, double row) const { return Surface().HeightAt(column, row); }
+
+  // Curves. Positions in model units, masks of CurveType bits. Where nothing is said, nothing is posted.
+
+  /// How the half-made curve ended.
+  enum class Validation {
+    NeedsType,  ///< it is still in progress: no type has been chosen
+    Dropped,    ///< fewer than two points make no curve
+    Added,
+  };
+
+  /// Appends a curve through the points; without points nothing happens. Fewer than three make an open curve. Posts
+  /// kNewCurve.
+  void AddCurve(std::span<const CPtCstr> points, std::uint32_t type, bool closed);
+  /// The same for a path from texel to texel, of which only the nodes that matter are kept.
+  void AddTracedCurve(std::span<const CPtCstr> points, std::uint32_t type, bool closed);
+  /// Ends the half-made curve at the cursor (x, y) or, if it is to close, at its first point; `close` closes it in any
+  /// case. Unless a type is missing, nothing is in progress and nothing selected afterwards.
+  Validation ValidatePendingCurve(double x, double y, bool close, std::uint32_t type);
+  /// Forgets the half-made curve and every selection.
+  void CancelPendingCurve();
+  CPendingCurve& PendingCurve() { return m_PendingCurve; }
+  const CPendingCurve& PendingCurve() const { return m_PendingCurve; }
+  /// Click selection of a node and its curve (see CCntrCtrlList::Pick); the type of the curve selected, 0 without one.
+  std::uint32_t PickCurve(double x, double y, std::uint32_t mask);
+  /// Whether a node lies within reach; such nodes and their curves are highlighted, no others.
+  bool HighlightCurves(double x, double y, std::uint32_t mask);
+  /// Gives the first selected curve another type; nothing for type 0.
+  void SetSelectedCurveType(std::uint32_t type);
+  void MoveSelectedCurve(double dx, double dy, std::uint32_t mask) { m_Curves.MoveSelected(dx, dy, mask); }
+  /// Deletes the first selected node of every curve, or the first selected curve. Posts kRebuildMaps in any case.
+  void DeleteSelectedCurveNode();
+  void DeleteSelectedCurve();
+  void UnselectCurves(std::uint32_t mask) { m_Curves.Unselect(mask); }
+  /// The curve and the node whose attributes a click at (x, y) asks for; both null if there is none.
+  CCntrCtrlList::CHit FindCurve(double x, double y);
+  /// Gives the curve at (x, y) the attributes and, unless it is 0, the type; the weights go to the node or to all
+  /// nodes. Posts kRebuildMaps. Nothing where there is no curve.
+  void SetCurveAttributes(double x, double y, const CContourAttributes& attributes, std::uint32_t type,
+                          bool weightsToAllNodes);
+  /// Makes the generated constraints of the curve at (x, y) the user's own, wants full resolution at each of them, and
+  /// turns the curve's generation off. Posts kRebuildMaps.
+  void ExportCurveConstraints(double x, double y);
 
   // The parts.
 
@@ -147,9 +193,12 @@ class CGrid {
   /// Point constraints of the user, and those that curves generate.
   CPtCstrList& PointConstraints() { return m_PointConstraints; }
   CPtCstrList& GeneratedConstraints() { return m_GeneratedConstraints; }
+  CCntrCtrlList& Curves() { return m_Curves; }
   CLightSet& RemovedLights() { return m_RemovedLights; }
   CLightSet& AddedLights() { return m_AddedLights; }
   const CPtCstrList& PointConstraints() const { return m_PointConstraints; }
+  const CPtCstrList& GeneratedConstraints() const { return m_GeneratedConstraints; }
+  const CCntrCtrlList& Curves() const { return m_Curves; }
   const CLightSet& RemovedLights() const { return m_RemovedLights; }
   const CLightSet& AddedLights() const { return m_AddedLights; }
   CTextureImages& Textures() { return m_Textures; }
@@ -169,7 +218,12 @@ class CGrid {
   bool PerformOperations();
   void Dispatch(int operation);
   void SwapResolution(bool high, bool transfer);
+  void SubdivisionChanged();
+  void RasteriseCurves();
+  void RefreshCurves();
   void UpdateConstraintsFormCurves();
+  double CurveOffset() const;
+  void CurvesChanged(int operation);
 
   bool m_bRunning = true;
   CPendingWork m_Pending;
@@ -201,6 +255,8 @@ class CGrid {
 
   CPtCstrList m_PointConstraints;
   CPtCstrList m_GeneratedConstraints;
+  CCntrCtrlList m_Curves;
+  CPendingCurve m_PendingCurve;
   CLightSet m_RemovedLights;
   CLightSet m_AddedLights;
   CTextureImages m_Textures;

@@ -9,7 +9,9 @@
 #include "base/Console.h"
 #include "constraints/CPtCstrList.h"
 #include "model/CPointOrder.h"
+#include "model/CurveTerms.h"
 #include "model/GridTerms.h"
+#include "quadtree/Interpolation.h"
 
 namespace {
 
@@ -60,10 +62,11 @@ void CGridSolver::RequestRestart() {
   m_bVectorsValid = false;
 }
 
-void CGridSolver::Assemble(CQuadTree& tree, const CPointOrder& order) {
+void CGridSolver::Assemble(CQuadTree& tree, const CInterpolation& surface, const CCntrCtrlList& curves) {
   m_Terms.Clear();
-  AddGridTerms(tree, order, m_Terms);
-  m_Terms.Assemble(order.Count(), m_System.Smoothness());
+  AddGridTerms(tree, surface.Order(), m_Terms);
+  AddCurveTerms(curves, tree, surface, m_Terms);
+  m_Terms.Assemble(surface.Order().Count(), m_System.Smoothness());
   m_System.Smoothness().FindRuns();
   m_iCounter = 0;
 }

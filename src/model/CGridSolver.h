@@ -10,6 +10,7 @@
 #include "model/CEnergyTerms.h"
 #include "model/CHierarchicalBasis.h"
 
+class CCntrCtrlList;
 class CPointOrder;
 class CPtCstrList;
 class CQuadTree;
@@ -34,8 +35,9 @@ class CGridSolver {
   /// A rebuild that is already due stays due.
   void RequestRestart();
 
-  /// The matrix of the smoothness energy for a numbering just made; the iteration then starts anew.
-  void Assemble(CQuadTree& tree, const CPointOrder& order);
+  /// The matrix of the smoothness energy, that along fairness curves included, for a numbering just made; the iteration
+  /// then starts anew.
+  void Assemble(CQuadTree& tree, const CInterpolation& surface, const CCntrCtrlList& curves);
   /// The constraint rows of all records in the lists.
   void SetConstraints(std::span<const CPtCstrList* const> lists, const CQuadTree& tree, const CInterpolation& surface);
 

@@ -19,3 +19,5 @@ inline int g_bNoEventPolling = 1;
 inline double g_fZoom = 1.0;
 /// City-block distance, in model units at zoom 1, within which a click takes hold of a constraint.
 inline double g_fPickTolerance = 1.0;
+/// The same at the present zoom.
+inline double PickReach() { return g_fZoom * g_fPickTolerance; }

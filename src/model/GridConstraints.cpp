@@ -7,8 +7,6 @@
 
 namespace {
 
-double Reach() { return g_fZoom * g_fPickTolerance; }
-
 // Bit of the triangle of `cell` that holds the point, given relative to the cell's centre in units of its size: the
 // triangles are divided by the diagonals.
 std::uint32_t TriangleBit(double u, double v) {
@@ -31,10 +29,15 @@ void CGrid::AddPtCstr(const CPtCstr& record) {
 }
 
 bool CGrid::HighlightPtCstrs(double x, double y, std::uint32_t mask) {
-  return m_PointConstraints.Highlight(x, y, mask, Reach());
+  return m_PointConstraints.Highlight(x, y, mask, PickReach());
 }
 
-void CGrid::SelectPtCstr(double x, double y, std::uint32_t mask) { m_PointConstraints.Select(x, y, mask, Reach()); }
+void CGrid::UnselectAll() {
+  m_PointConstraints.UnselectAll();
+  UnselectCurves(CurveType::kAll);
+}
+
+void CGrid::SelectPtCstr(double x, double y, std::uint32_t mask) { m_PointConstraints.Select(x, y, mask, PickReach()); }
 
 void CGrid::MoveSelectedPtCstr(double dx, double dy) {
   CPtCstr* selected = m_PointConstraints.FirstSelected();

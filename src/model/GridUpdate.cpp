@@ -16,6 +16,9 @@ bool ChangesModel(int operation) {
   return operation != Operation::kLoadGrid && operation != Operation::kSaveGrid && operation != Operation::kLoadImage;
 }
 
+// A new curve is in the model as soon as it is posted, like an edit.
+bool IsInModel(int operation) { return Operation::IsEdit(operation) || operation == Operation::kNewCurve; }
+
 }  // namespace
 
 void CGrid::Post(int operation) {
@@ -36,7 +39,7 @@ bool CGrid::PerformOperations() {
   std::vector<int> operations = m_Pending.Take();
   // A file must not hold constraints that its heights do not know yet, so edits go before the saving they were posted
   // over.
-  std::stable_partition(std::ranges::find(operations, Operation::kSaveGrid), operations.end(), Operation::IsEdit);
+  std::stable_partition(std::ranges::find(operations, Operation::kSaveGrid), operations.end(), IsInModel);
   for (const int operation : operations) Dispatch(operation);
   const bool outOfDate = m_Solver.Counter() < 1;
   if (outOfDate) SetSparseH();
@@ -57,12 +60,22 @@ void CGrid::Dispatch(int operation) {
     case Operation::kRestoreHigh:
     case Operation::kRestoreNormal:
       return SwapResolution(operation == Operation::kRestoreHigh, false);
+    case Operation::kSubdivide:
+      m_Subdivision->subdivSelected();
+      return SubdivisionChanged();
+    case Operation::kMerge:
+      m_Subdivision->MergeSelected();
+      return SubdivisionChanged();
+    case Operation::kNewCurve:
+      UnselectCurves(CurveType::kAll);
+      return SetDiscMap();
     case Operation::kSaveGrid:
       if (m_Solver.Counter() < 1) SetSparseH();
       [[fallthrough]];
     case Operation::kLoadGrid:
     case Operation::kNewGrid:
     case Operation::kLoadImage:
+    case Operation::kContourAttributes:
       if (m_pHost != nullptr) m_pHost->PerformCommand(operation);
       return;
     default:
@@ -95,21 +108,10 @@ void CGrid::UpdateGrid() {
   m_pHost->ShowIterations(IterationCounter());
 }
 
-void CGrid::SetDiscMap() {
-  Console() << "\nCGrid::SetDiscMap()\n";
-  ReplaySubdivision();
-  UpdateConstraintsFormCurves();
-  if (m_pHost != nullptr)
-    m_pHost->ShowResolution(m_pTree->LeafCount(), static_cast<int>(m_Lattice.Count(PointFlag::kInUse)));
-  for (CPtCstr& constraint : m_PointConstraints) UpdateDisabledBit(constraint);
-  for (CPtCstr& constraint : m_GeneratedConstraints) UpdateDisabledBit(constraint);
-  m_Solver.RequestRebuild();
-  SetSparseH();
-}
-
-void CGrid::UpdateConstraintsFormCurves() {
-  Console() << "CGrid::UpdateConstraintsFormCurves\n";
-  m_GeneratedConstraints.clear();
+void CGrid::SubdivisionChanged() {
+  SetDiscMap();
+  m_Subdivision->ShowSelection(*m_pTree);
+  if (m_pHost != nullptr) m_pHost->RequestRedraw();
 }
 
 void CGrid::SwapResolution(bool high, bool transfer) {

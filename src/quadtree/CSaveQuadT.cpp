@@ -1,8 +1,10 @@
 #include "quadtree/CSaveQuadT.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "base/Console.h"
+#include "quadtree/CQuadTree.h"
 
 void CSaveQuadT::subdiv() {
   if (!HasChildren()) {
@@ -11,6 +13,44 @@ void CSaveQuadT::subdiv() {
   }
   m_bLeaf = false;
   for (int k = 0; k < 4; ++k) Child(k).m_bLeaf = true;
+}
+
+void CSaveQuadT::SplitSelected() {
+  if (m_bSelected && !HasChildren()) {
+    Console() << "Error CSaveQuadT::subdivSelected()  Attempt to subdivise a highest level cell\n";
+  } else if (m_bSelected) {
+    subdiv();
+    m_bSelected = false;
+    for (int k = 0; k < 4; ++k) Child(k).m_bSelected = true;
+  } else if (HasChildren()) {
+    for (int k = 0; k < 4; ++k) Child(k).SplitSelected();
+  }
+}
+
+bool CSaveQuadT::AreAllChildrenSelected() const {
+  return HasChildren() && std::all_of(m_pChildren, m_pChildren + 4, [](const CSaveQuadT& c) { return c.m_bSelected; });
+}
+
+void CSaveQuadT::MergeSelected() {
+  if (AreAllChildrenSelected()) {
+    for (int k = 0; k < 4; ++k) {
+      Child(k).m_bSelected = false;
+      Child(k).m_bLeaf = false;
+    }
+    m_bSelected = true;
+    m_bLeaf = true;
+  } else if (HasChildren()) {
+    for (int k = 0; k < 4; ++k) Child(k).MergeSelected();
+  }
+}
+
+void CSaveQuadT::ShowSelection(CQuadT& cell, bool below) const {
+  if (m_bSelected && !below) {
+    cell.SetFlags(CellFlag::kSelected);
+  } else {
+    cell.ClearFlags(CellFlag::kSelected);
+  }
+  for (int k = 0; HasChildren() && k < 4; ++k) Child(k).ShowSelection(cell.Child(k), below || m_bSelected);
 }
 
 CSubdivisionRecord::CSubdivisionRecord(int depth) : m_iDepth(depth) {
@@ -28,3 +68,19 @@ void CSubdivisionRecord::SetStartLevel(int depth) {
     for (const std::size_t end = k + count; k < end; ++k) m_aNodes[k].m_bLeaf = level == depth;
   }
 }
+
+void CSubdivisionRecord::RefineAt(CQuadTree& tree, double gx, double gy) {
+  CSaveQuadT* saved = &Root();
+  const CQuadT* cell = tree.getManualSetCell(gx, gy, saved);
+  if (cell == nullptr) return;
+  while (saved->HasChildren()) {
+    saved->subdiv();
+    const bool right = gx >= cell->XMid();
+    const bool upper = gy >= cell->YMid();
+    const int k = right ? (upper ? 2 : 1) : (upper ? 3 : 0);
+    saved = &saved->Child(k);
+    cell = &cell->Child(k);
+  }
+}
+
+void CSubdivisionRecord::ShowSelection(CQuadTree& tree) const { Root().ShowSelection(tree.Root(), false); }

@@ -2,6 +2,9 @@
 
 #include <vector>
 
+class CQuadT;
+class CQuadTree;
+
 /// One node of the wanted subdivision: a light mirror of the cell tree that says where the user wants leaves.
 ///
 /// Children in the order south-west, south-east, north-east, north-west, as for the cells; a node of the finest level
@@ -10,6 +13,9 @@ class CSaveQuadT {
  public:
   bool IsLeaf() const { return m_bLeaf; }
   void SetLeaf(bool leaf) { m_bLeaf = leaf; }
+  /// Chosen with the manual resolution tool.
+  bool IsSelected() const { return m_bSelected; }
+  void SetSelected(bool selected) { m_bSelected = selected; }
   bool HasChildren() const { return m_pChildren != nullptr; }
   CSaveQuadT& Child(int k) { return m_pChildren[k]; }
   const CSaveQuadT& Child(int k) const { return m_pChildren[k]; }
@@ -21,7 +27,13 @@ class CSaveQuadT {
  private:
   friend class CSubdivisionRecord;
 
+  bool AreAllChildrenSelected() const;
+  void SplitSelected();
+  void MergeSelected();
+  void ShowSelection(CQuadT& cell, bool below) const;
+
   bool m_bLeaf = false;
+  bool m_bSelected = false;
   CSaveQuadT* m_pChildren = nullptr;  ///< the first of four neighbours in the record's storage
 };
 
@@ -45,6 +57,17 @@ class CSubdivisionRecord {
   /// Exactly the nodes `depth` generations below the root become leaves, all others not. `depth` must lie in
   /// 0..Depth().
   void SetStartLevel(int depth);
+  /// Splits down to the finest level wherever the wanted leaf at (gx, gy) (lattice coordinates) is coarser. Nothing
+  /// outside `tree`, whose cells the record mirrors, but a console line.
+  void RefineAt(CQuadTree& tree, double gx, double gy);
+  /// Splits every selected node one level; its children are selected in its place. One of the finest level is refused
+  /// with a console line and stays selected.
+  void subdivSelected() { Root().SplitSelected(); }
+  /// Wherever all four children of a node are selected, they make way for the node, a selected leaf. One level only.
+  void MergeSelected() { Root().MergeSelected(); }
+  /// Writes the selection into the cells: those of selected nodes get CellFlag::kSelected, unless a cell above has it;
+  /// all others lose it.
+  void ShowSelection(CQuadTree& tree) const;
 
  private:
   int m_iDepth;

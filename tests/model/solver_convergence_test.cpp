@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "constraints/CCntrCtrlList.h"
 #include "model/CGrid.h"
 #include "support/UpdateBuilders.h"
 
@@ -108,7 +109,7 @@ TEST(SolverConvergenceTest, StopOnAWrongSurfaceIsTriedAgain) {
   CGridSolver solver(basis, random);
   CPtCstrList list;
   for (const CPtCstr& c : SomeConstraints()) list.Add(c);
-  solver.Assemble(tree.m_Tree, tree.m_Order);
+  solver.Assemble(tree.m_Tree, tree.m_Surface, CCntrCtrlList());
   solver.SetConstraints(std::array<const CPtCstrList*, 1>{&list}, tree.m_Tree, tree.m_Surface);
   std::vector<double> x(basis.Size());
   solver.Tick(x, 0, nullptr);

@@ -1,0 +1,146 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <iterator>
+#include <list>
+
+#include "constraints/CPtCstr.h"
+
+class CLattice;
+class CPtCstrList;
+
+/// What a curve does to the surface: the bits of its type word, one of which is set.
+namespace CurveType {
+inline constexpr std::uint32_t kPosition = 1;  ///< position discontinuity: the surface tears along it
+inline constexpr std::uint32_t kNormal = 2;    ///< normal discontinuity: the surface creases along it
+inline constexpr std::uint32_t kFairness = 4;  ///< the surface is smoothed along it
+inline constexpr std::uint32_t kAll = 7;
+}  // namespace CurveType
+
+/// Option bits of a curve.
+namespace CurveOption {
+inline constexpr std::uint32_t kLeftAutoBump = 1;
+inline constexpr std::uint32_t kRightAutoBump = 2;
+}  // namespace CurveOption
+
+/// The sides of a curve as one travels along it in drawing order.
+enum class CurveSide { Left = 0, Right = 1 };
+
+/// A vector in the plane of the picture, model units.
+struct COffset {
+  double m_fX = 0.0;
+  double m_fY = 0.0;
+  bool IsZero() const { return m_fX == 0.0 && m_fY == 0.0; }
+};
+
+/// Where the parallel of a curve on one side of it passes by a node: at A; on the outer side of a bend by way of B (the
+/// end of the incoming segment's parallel), A and C (the start of the outgoing one's).
+struct CNodeOffsets {
+  COffset m_A;
+  COffset m_B;  ///< zero where the node has none
+  COffset m_C;  ///< zero where the node has none
+};
+
+/// The four weights of a node.
+struct CNodeWeights {
+  double m_fLeftCurvature = 0.0;
+  double m_fRightCurvature = 0.0;
+  double m_fLeftTorsion = 0.0;
+  double m_fRightTorsion = 0.0;
+  bool operator==(const CNodeWeights&) const = default;
+};
+
+/// One node of a curve.
+struct CCntrNode : CPtCstr {
+  CNodeWeights m_Weights;
+  std::array<CNodeOffsets, 2> m_aOffsets{};  ///< by side
+
+  const CNodeOffsets& Offsets(CurveSide side) const { return m_aOffsets[static_cast<std::size_t>(side)]; }
+};
+
+/// The row of normal constraints that a curve may generate along one side of it.
+struct CAutoBump {
+  double m_fDistance = 5.0;     ///< between two of them along the path, model units
+  double m_fOrientation = 0.0;  ///< tilt in degrees, positive uphill to the right, kept in -80..80
+};
+
+/// A curve constraint (contour): a polyline over the picture, open or closed.
+///
+/// Addresses of nodes stay valid until the node is deleted. Creating one writes a console line.
+class CCntrCtrl {
+ public:
+  using CNodes = std::list<CCntrNode>;
+  static constexpr double kMaxOrientation = 80.0;  ///< degrees
+
+  CCntrCtrl();
+  CCntrCtrl(const CCntrCtrl&) = delete;
+  CCntrCtrl& operator=(const CCntrCtrl&) = delete;
+  ~CCntrCtrl() = default;
+
+  /// Nodes in drawing order.
+  CNodes& Nodes() { return m_aNodes; }
+  const CNodes& Nodes() const { return m_aNodes; }
+  /// Whether the last node connects back to the first.
+  bool IsClosed() const { return m_bClosed; }
+  void SetClosed(bool closed) { m_bClosed = closed; }
+  std::uint32_t Type() const { return m_uType; }
+  void SetType(std::uint32_t type) { m_uType = type; }
+  bool HasType(std::uint32_t mask) const { return (m_uType & mask) != 0; }
+  /// PtCstrState bits: a node of the curve is under the cursor, the curve is selected.
+  bool HasState(std::uint32_t mask) const { return (m_uState & mask) != 0; }
+  void SetState(std::uint32_t mask, bool on) { m_uState = on ? m_uState | mask : m_uState & ~mask; }
+  std::uint32_t Options() const { return m_uOptions; }
+  bool HasOption(std::uint32_t mask) const { return (m_uOptions & mask) != 0; }
+  void SetOption(std::uint32_t mask, bool on) { m_uOptions = on ? m_uOptions | mask : m_uOptions & ~mask; }
+  const CAutoBump& AutoBump(CurveSide side) const { return m_aAutoBumps[static_cast<std::size_t>(side)]; }
+  void SetDistance(CurveSide side, double distance);
+  /// Held to -kMaxOrientation..kMaxOrientation.
+  void SetOrientation(CurveSide side, double degrees);
+  /// Writes the four weights into every node.
+  void SetAllWeights(double leftCurvature, double leftTorsion, double rightCurvature, double rightTorsion);
+
+  /// The first node within `reach` of (x, y) (see CPtCstr::IsWithinReach); null if there is none.
+  CCntrNode* FindNode(double x, double y, double reach);
+  /// Calls `visit(a, b)` for each segment, in drawing order, that from the last node to the first of a closed curve
+  /// included. Nothing for fewer than two nodes.
+  template <typename Visit>
+  void ForEachSegment(Visit&& visit) const {
+    if (m_aNodes.size() < 2) return;
+    for (auto a = m_aNodes.begin(), b = std::next(a); b != m_aNodes.end(); ++a, ++b) visit(*a, *b);
+    if (m_bClosed) visit(m_aNodes.back(), m_aNodes.front());
+  }
+
+  /// Recomputes the offsets of all nodes for parallels `length` (model units) away. A curve of two nodes becomes open;
+  /// one of a single node is refused with a console line and loses its slopes.
+  void UpdateNormals(double length);
+  /// Appends the generated normal constraints of the sides that have them to `target`, left side first. `refine`, if
+  /// given, is called with the place (model units) of each. The offsets must be up to date.
+  void AddAutoBumpConstraints(CPtCstrList& target, const std::function<void(double x, double y)>& refine = {}) const;
+
+  /// Deletes the nodes strictly between `a` and `b`, going forward and, on a closed curve, past the end. Stops with a
+  /// console line at the end of an open curve and when it comes back to `a`; what is deleted by then stays deleted.
+  void RemoveBetween(CNodes::iterator a, CNodes::iterator b);
+  /// Removes nodes that lie within half a lattice step of the line which then replaces them. For traced curves; at
+  /// worst quadratic in the nodes of one straight stretch.
+  void Simplify(const CLattice& lattice);
+
+  /// The text form, the last line without its end. Offsets and state are not part of it.
+  void Write(std::ostream& out) const;
+  /// Replaces everything but the state by what the stream holds, as far as it can be read. The offsets are those of no
+  /// curve until they are updated.
+  void Read(std::istream& in);
+
+ private:
+  void AddAutoBumpSide(CurveSide side, CPtCstrList& target, const std::function<void(double, double)>& refine) const;
+
+  bool m_bClosed = false;
+  CNodes m_aNodes;
+  std::uint32_t m_uType = 0;
+  std::uint32_t m_uState = 0;
+  std::uint32_t m_uOptions = 0;
+  std::array<CAutoBump, 2> m_aAutoBumps;  ///< by side
+};

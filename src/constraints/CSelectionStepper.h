@@ -1,0 +1,31 @@
+#pragma once
+
+#include "constraints/CPtCstr.h"
+
+/// The stepping rule of click selection, over records that are offered in list order.
+///
+/// At most one record ends selected, and repeated clicks step through a pile: the last candidate that is not selected
+/// yet wins. Whatever is not a candidate is unselected.
+template <typename Record>
+class CSelectionStepper {
+ public:
+  void Offer(Record& record, bool candidate) {
+    if (!candidate) {
+      record.SetState(PtCstrState::kSelected, false);
+    } else if (!record.HasState(PtCstrState::kSelected)) {
+      record.SetState(PtCstrState::kSelected, true);
+      if (m_pChosen != nullptr) m_pChosen->SetState(PtCstrState::kSelected, false);
+      m_pChosen = &record;
+    } else if (m_pChosen == nullptr) {
+      m_pChosen = &record;
+    } else {
+      record.SetState(PtCstrState::kSelected, false);
+    }
+  }
+
+  /// The record that is selected so far; null if there is none.
+  Record* Chosen() const { return m_pChosen; }
+
+ private:
+  Record* m_pChosen = nullptr;
+};

@@ -1,0 +1,15 @@
+#pragma once
+
+/// A straight line in lattice coordinates.
+struct CGridSegment {
+  double x0;
+  double y0;
+  double x1;
+  double y1;
+
+  bool IsFinite() const;
+  /// Keeps the part inside the square from 0 to `side`. False, and nothing kept, where that has no length.
+  bool Clip(double side);
+  CGridSegment Transposed() const { return {y0, x0, y1, x1}; }
+  CGridSegment Reversed() const { return {x1, y1, x0, y0}; }
+};

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <iosfwd>
+
+struct CPtCstr;
+
+/// The text form of a point constraint: x, y, z, p, q and kind, separated by tabs, without an end of line. State is not
+/// part of it.
+void WritePtCstr(std::ostream& out, const CPtCstr& record);
+/// Reads it back, as far as the stream goes, and clears the state.
+void ReadPtCstr(std::istream& in, CPtCstr& record);

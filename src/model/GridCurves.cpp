@@ -1,0 +1,140 @@
+// The grid's operations on its curves, and the rebuild of tree, maps and system that they need.
+
+#include <cmath>
+
+#include "base/Console.h"
+#include "constraints/CurveRasteriser.h"
+#include "constraints/FinestCells.h"
+#include "model/CGrid.h"
+#include "model/Globals.h"
+
+namespace {
+
+// The parallels of a new curve run this share of a cell's diagonal beside it.
+constexpr double kOffsetInDiagonals = 5.0 / 7.0;
+// In the rebuilt map they run this much further out.
+constexpr double kRefreshFactor = 1.1;
+
+}  // namespace
+
+double CGrid::CurveOffset() const { return std::hypot(m_Lattice.StepX(), m_Lattice.StepY()) * kOffsetInDiagonals; }
+
+void CGrid::CurvesChanged(int operation) {
+  Post(operation);
+  if (m_pHost != nullptr) m_pHost->RequestRedraw();
+}
+
+void CGrid::AddCurve(std::span<const CPtCstr> points, std::uint32_t type, bool closed) {
+  if (points.empty()) return;
+  CCntrCtrl& curve = m_Curves.Add(points, type, closed);
+  curve.UpdateNormals(CurveOffset());
+  Console() << "contour with " << curve.Nodes().size() << " nodes added \n";
+  CurvesChanged(Operation::kNewCurve);
+}
+
+void CGrid::AddTracedCurve(std::span<const CPtCstr> points, std::uint32_t type, bool closed) {
+  if (points.empty()) return;
+  AddCurve(points, type, closed);
+  CCntrCtrl& curve = m_Curves.back();
+  curve.Simplify(m_Lattice);
+  if (curve.Nodes().size() > 1) curve.UpdateNormals(CurveOffset());
+}
+
+CGrid::Validation CGrid::ValidatePendingCurve(double x, double y, bool close, std::uint32_t type) {
+  if (!m_PendingCurve.IsIdle() && type == 0) return Validation::NeedsType;
+  if (!m_PendingCurve.IsIdle() && !m_PendingCurve.ClosesOnValidate()) m_PendingCurve.Append(x, y);
+  const bool enough = m_PendingCurve.Points().size() > 1;
+  if (enough) AddCurve(m_PendingCurve.Points(), type, close || m_PendingCurve.ClosesOnValidate());
+  CancelPendingCurve();
+  return enough ? Validation::Added : Validation::Dropped;
+}
+
+void CGrid::CancelPendingCurve() {
+  m_PendingCurve.Drop();
+  UnselectAll();
+}
+
+std::uint32_t CGrid::PickCurve(double x, double y, std::uint32_t mask) {
+  const CCntrCtrl* picked = m_Curves.Pick(x, y, mask, PickReach());
+  return picked == nullptr ? 0 : picked->Type();
+}
+
+bool CGrid::HighlightCurves(double x, double y, std::uint32_t mask) {
+  return m_Curves.Highlight(x, y, mask, PickReach());
+}
+
+void CGrid::SetSelectedCurveType(std::uint32_t type) {
+  CCntrCtrl* selected = m_Curves.FirstSelected();
+  if (selected != nullptr && type != 0) selected->SetType(type);
+}
+
+void CGrid::DeleteSelectedCurveNode() {
+  m_Curves.DeleteSelectedNodes();
+  CurvesChanged(Operation::kRebuildMaps);
+}
+
+void CGrid::DeleteSelectedCurve() {
+  m_Curves.DeleteSelected();
+  CurvesChanged(Operation::kRebuildMaps);
+}
+
+CCntrCtrlList::CHit CGrid::FindCurve(double x, double y) { return m_Curves.Find(x, y, PickReach()); }
+
+void CGrid::SetCurveAttributes(double x, double y, const CContourAttributes& attributes, std::uint32_t type,
+                               bool weightsToAllNodes) {
+  const auto [curve, node] = FindCurve(x, y);
+  if (curve == nullptr) return;
+  attributes.ApplyTo(*curve, *node);
+  if (type != 0) curve->SetType(type);
+  const CNodeWeights& w = attributes.m_Weights;
+  if (weightsToAllNodes)
+    curve->SetAllWeights(w.m_fLeftCurvature, w.m_fLeftTorsion, w.m_fRightCurvature, w.m_fRightTorsion);
+  CurvesChanged(Operation::kRebuildMaps);
+}
+
+void CGrid::ExportCurveConstraints(double x, double y) {
+  CCntrCtrl* curve = FindCurve(x, y).m_pCurve;
+  if (curve == nullptr) return;
+  curve->UpdateNormals(CurveOffset() * kRefreshFactor);
+  curve->AddAutoBumpConstraints(m_PointConstraints, [this](double px, double py) {
+    m_Subdivision->RefineAt(*m_pTree, m_Lattice.ColumnOf(px), m_Lattice.RowOf(py));
+  });
+  curve->SetOption(CurveOption::kLeftAutoBump | CurveOption::kRightAutoBump, false);
+  ConstraintsChanged(Operation::kRebuildMaps);
+}
+
+void CGrid::SetDiscMap() {
+  Console() << "\nCGrid::SetDiscMap()\n";
+  ReplaySubdivision();
+  m_Curves.RemoveDegenerate();
+  RasteriseCurves();
+  RefreshCurves();
+  UpdateConstraintsFormCurves();
+  for (const CPtCstr& c : m_GeneratedConstraints) {
+    RefineToPoint(*m_pTree, m_Lattice.ColumnOf(c.m_fX), m_Lattice.RowOf(c.m_fY));
+  }
+  if (m_pHost != nullptr)
+    m_pHost->ShowResolution(m_pTree->LeafCount(), static_cast<int>(m_Lattice.Count(PointFlag::kInUse)));
+  m_pTree->RefreshEdgeMarks();
+  for (CPtCstr& constraint : m_PointConstraints) UpdateDisabledBit(constraint);
+  for (CPtCstr& constraint : m_GeneratedConstraints) UpdateDisabledBit(constraint);
+  m_Solver.RequestRebuild();
+  SetSparseH();
+}
+
+void CGrid::RasteriseCurves() {
+  CCurveRasteriser rasteriser(*m_pTree);
+  for (const CCntrCtrl& curve : m_Curves) rasteriser.Rasterise(curve);
+  rasteriser.MarkCreaseDiagonals();
+  if (m_pHost != nullptr && !m_Curves.empty()) m_pHost->RequestRedraw();
+}
+
+void CGrid::RefreshCurves() {
+  for (CCntrCtrl& curve : m_Curves) curve.UpdateNormals(CurveOffset() * kRefreshFactor);
+}
+
+void CGrid::UpdateConstraintsFormCurves() {
+  Console() << "CGrid::UpdateConstraintsFormCurves\n";
+  m_GeneratedConstraints.clear();
+  for (const CCntrCtrl& curve : m_Curves) curve.AddAutoBumpConstraints(m_GeneratedConstraints);
+}
