@@ -1,7 +1,11 @@
-# Tests and benchmarks are on where their libraries are installed, so that the program alone builds without them.
+# What the program itself does not need is on where the libraries for it are installed, so that the program alone builds
+# without them.
 find_package(GTest QUIET)
 find_package(rapidcheck QUIET)
 find_package(benchmark QUIET)
+find_package(CLI11 QUIET)
+find_package(nlohmann_json QUIET)
+find_package(JPEG QUIET)
 
 set(tests_possible OFF)
 if(GTest_FOUND AND rapidcheck_FOUND)
@@ -11,7 +15,12 @@ set(bench_possible OFF)
 if(benchmark_FOUND)
   set(bench_possible ON)
 endif()
+set(batch_possible OFF)
+if(CLI11_FOUND AND nlohmann_json_FOUND AND JPEG_FOUND)
+  set(batch_possible ON)
+endif()
 
 option(RELIEVO_BUILD_UI "Build the window program (needs FLTK, OpenGL and GLU)" ON)
+option(RELIEVO_BUILD_BATCH "Build relievo-batch (needs CLI11, nlohmann-json and libjpeg)" ${batch_possible})
 option(RELIEVO_BUILD_TESTS "Build the tests (needs GoogleTest and RapidCheck)" ${tests_possible})
 option(RELIEVO_BUILD_BENCH "Build the benchmarks (needs Google Benchmark)" ${bench_possible})

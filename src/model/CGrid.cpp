@@ -35,6 +35,7 @@ void CGrid::FreeAll() {
   m_GeneratedConstraints.clear();
   m_Curves.clear();
   m_PendingCurve.Drop();
+  m_ListHeaders = {};
 }
 
 void CGrid::Initialize(int level, bool keep, double x0, double y0, double x1, double y1) {
@@ -137,11 +138,24 @@ void CGrid::SetWaveletMode(WaveletMode mode) {
 
 void CGrid::ReconstructSurface() {
   m_Basis.invW(m_afWaveCoefs, m_afNodalHeights);
+  SurfaceChanged();
+}
+
+void CGrid::SurfaceChanged() {
   ScatterNodalHeights();
   m_bSurfaceCaptured = false;
   ComputeNormals(*m_pTree);
   RecomputeHeightRange();
   ++m_uSurfaceRevision;
+}
+
+void CGrid::SetHeights(std::span<const double> heights) {
+  std::ranges::fill(m_Lattice.Heights(), 0.0);
+  std::ranges::fill(m_afOtherSurface, 0.0);
+  for (std::size_t k = 0; k < m_Order.Count(); ++k) m_afNodalHeights[m_Order.ScanOf(k)] = heights[k];
+  m_Basis.W(m_afNodalHeights, m_afWaveCoefs);
+  SurfaceChanged();
+  m_Solver.RequestRestart();
 }
 
 double CGrid::TestWavelets() {

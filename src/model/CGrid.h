@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <iosfwd>
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "base/CRandom.h"
@@ -12,6 +15,7 @@
 #include "constraints/CContourAttributes.h"
 #include "constraints/CPendingCurve.h"
 #include "constraints/CPtCstrList.h"
+#include "io/GridFile.h"
 #include "lighting/CAlbedoMap.h"
 #include "lighting/CLight.h"
 #include "lighting/CTexelMap.h"
@@ -26,6 +30,13 @@
 #include "quadtree/CQuadTree.h"
 #include "quadtree/CSaveQuadT.h"
 #include "quadtree/Interpolation.h"
+
+/// A number before each list of a grid file, without meaning, that is kept from loading to saving.
+struct CListHeaders {
+  int m_iPoints = 0;
+  int m_iCurves = 0;
+  int m_iRegions = 0;
+};
 
 /// The model: one height field over one picture, its constraints and its solution. There is one for the whole run; New
 /// Grid and Load Grid initialise it again in place. It owns a part for each of its jobs and hands its operations on to
@@ -106,6 +117,8 @@ class CGrid {
   std::span<const double> Coefficients() const { return std::span(m_afWaveCoefs).first(m_Order.Count()); }
   /// Heights, normals and height range from the coefficients.
   void ReconstructSurface();
+  /// Gives the unknowns, in their order, new heights in place of those of both resolutions; the iteration starts anew.
+  void SetHeights(std::span<const double> heights);
   /// Grows with every reconstruction, so that what is drawn of the surface need be made anew only then.
   std::uint64_t SurfaceRevision() const { return m_uSurfaceRevision; }
   /// Largest difference over the points between heights through the compiled inverse transform and back through the
@@ -212,6 +225,21 @@ class CGrid {
   /// Albedo, Kd image and new illumination (see CAlbedoMap), from normals of the present subdivision.
   void GetKd();
 
+  // Files. What has failed is told on the console and, as a notice, through the host. A file that is written keeps its
+  // old contents until the new ones are complete; false where they could not be, with the old ones still there. Pending
+  // work must have been performed.
+
+  /// Reads a grid file (see ReadGrid) in place of the model. A file that cannot be opened leaves the grid as it is.
+  GridFileState Load(const std::string& filename);
+  /// Writes a grid file; the host is asked whether it shall hold the lights. Without a host it holds none.
+  bool Save(const std::string& filename) const;
+  /// Writes the surface as a VRML scene (see WriteVrml).
+  bool SaveVrml(const std::string& filename) const;
+  /// Writes the surface as a height field (see WriteHeightField).
+  bool SaveHeightField(const std::string& filename, int width, int height) const;
+  CListHeaders& ListHeaders() { return m_ListHeaders; }
+  const CListHeaders& ListHeaders() const { return m_ListHeaders; }
+
   // The parts.
 
   CLattice& Lattice() { return m_Lattice; }
@@ -224,6 +252,7 @@ class CGrid {
   CInterpolation Surface() const { return {*m_pTree, m_Order}; }
   /// The wanted subdivision of the current resolution.
   CSubdivisionRecord& Subdivision() { return *m_Subdivision; }
+  const CSubdivisionRecord& Subdivision() const { return *m_Subdivision; }
   /// Point constraints of the user, and those that curves generate.
   CPtCstrList& PointConstraints() { return m_PointConstraints; }
   CPtCstrList& GeneratedConstraints() { return m_GeneratedConstraints; }
@@ -248,6 +277,7 @@ class CGrid {
   void CapturePresentSurface();
   void RecomputeHeightRange();
   void ScatterNodalHeights();
+  void SurfaceChanged();
   double HeightUnder(const CPtCstr& constraint) const;
   bool IsInMarkedTriangle(double x, double y) const;
   void UpdateDisabledBit(CPtCstr& constraint) const;
@@ -262,6 +292,9 @@ class CGrid {
   void RefreshCurves();
   void UpdateConstraintsFormCurves();
   double CurveOffset() const;
+  bool WriteFile(const std::string& filename, const char* method,
+                 const std::function<void(std::ostream&)>& write) const;
+  void Notify(const std::string& text) const;
   void CurvesChanged(int operation);
 
   bool m_bRunning = true;
@@ -297,6 +330,7 @@ class CGrid {
   CPtCstrList m_GeneratedConstraints;
   CCntrCtrlList m_Curves;
   CPendingCurve m_PendingCurve;
+  CListHeaders m_ListHeaders;
   CLightSet m_RemovedLights = CLightSet::Removed();
   CLightSet m_AddedLights = CLightSet::Added();
   CTextureImages m_Textures;

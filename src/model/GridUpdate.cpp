@@ -41,9 +41,10 @@ bool CGrid::PerformOperations() {
   // over.
   std::stable_partition(std::ranges::find(operations, Operation::kSaveGrid), operations.end(), IsInModel);
   for (const int operation : operations) Dispatch(operation);
-  const bool outOfDate = m_Solver.Counter() < 1;
-  if (outOfDate) SetSparseH();
-  return outOfDate || !operations.empty();
+  // A mere restart leaves the surface as it is, to the last bit: what has been loaded is saved unchanged.
+  const bool renumbers = m_Solver.Counter() == -1;
+  if (m_Solver.Counter() < 1) SetSparseH();
+  return renumbers || !operations.empty();
 }
 
 void CGrid::Dispatch(int operation) {

@@ -1,0 +1,85 @@
+#include "batch/BatchReport.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "model/CGrid.h"
+
+namespace {
+
+// Heights by scan position, in which the system is written.
+std::vector<double> ScannedHeights(const CGrid& grid) {
+  std::vector<double> heights(grid.Order().Count());
+  for (std::size_t i = 0; i < heights.size(); ++i) heights[i] = grid.Lattice().Heights()[grid.Order().PointAtScan(i)];
+  return heights;
+}
+
+// Half of z^T H z, which the surface minimises.
+double Energy(const CGrid& grid) {
+  const std::vector<double> heights = ScannedHeights(grid);
+  std::vector<double> forces(heights.size());
+  grid.Solver().System().Smoothness().Times(heights, forces);
+  return std::inner_product(heights.begin(), heights.end(), forces.begin(), 0.0) / 2;
+}
+
+// In the constraints' own units: heights and slopes.
+double LargestResidual(const CGrid& grid) {
+  const CConstraintRows& constraints = grid.Solver().System().Constraints();
+  std::vector<double> reached(constraints.Count());
+  constraints.Rows().Times(ScannedHeights(grid), reached);
+  double largest = 0.0;
+  for (std::size_t k = 0; k < reached.size(); ++k)
+    largest = std::max(largest, std::abs(reached[k] - constraints.Targets()[k]) / CConstraintRows::kWeight);
+  return largest;
+}
+
+nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
+  nlohmann::ordered_json report;
+  report["points"] = grid.ActivePointCount();
+  report["cells"] = grid.Tree().LeafCount();
+  report["constraints"] = grid.PointConstraints().size();
+  report["curves"] = grid.Curves().size();
+  report["iterations"] = result.m_iIterations;
+  report["seconds"] = {
+      {"load", result.m_Seconds.m_fLoad}, {"solve", result.m_Seconds.m_fSolve}, {"write", result.m_Seconds.m_fWrite}};
+  report["energy"] = Energy(grid);
+  report["largest_constraint_residual"] = LargestResidual(grid);
+  report["z_range"] = {grid.MinHeight(), grid.MaxHeight()};
+  report["converged"] = result.m_bConverged;
+  return report;
+}
+
+// "name: value" lines; the names of parts follow that of the whole, and the words of a name stand apart.
+void PrintText(std::ostream& out, const std::string& name, const nlohmann::ordered_json& value) {
+  if (value.is_object()) {
+    for (const auto& [part, partValue] : value.items())
+      PrintText(out, name + (name.empty() ? "" : " ") + part, partValue);
+    return;
+  }
+  std::string words = name;
+  std::ranges::replace(words, '_', ' ');
+  out << words << ": ";
+  if (value.is_array()) {
+    out << value.front().dump() << " to " << value.back().dump() << '\n';
+  } else {
+    out << value.dump() << '\n';
+  }
+}
+
+}  // namespace
+
+void PrintReport(std::ostream& out, CBatchOptions::Report form, const CGrid& grid, const CBatchResult& result) {
+  if (form == CBatchOptions::Report::None) return;
+  const nlohmann::ordered_json report = ReportOf(grid, result);
+  if (form == CBatchOptions::Report::Json) {
+    out << report.dump(2) << '\n';
+  } else {
+    PrintText(out, "", report);
+  }
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <iosfwd>
+
+#include "batch/CBatchOptions.h"
+
+class CGrid;
+
+/// Seconds that the phases of a run took.
+struct CPhases {
+  double m_fLoad = 0.0;
+  double m_fSolve = 0.0;
+  double m_fWrite = 0.0;
+};
+
+/// What a run has come to.
+struct CBatchResult {
+  long m_iIterations = 0;
+  bool m_bConverged = false;
+  CPhases m_Seconds;
+};
+
+/// Prints the report on the model as it is; nothing for Report::None.
+void PrintReport(std::ostream& out, CBatchOptions::Report form, const CGrid& grid, const CBatchResult& result);

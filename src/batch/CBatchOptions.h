@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "model/WaveletMode.h"
+
+/// What a run of the program without a window shall do.
+struct CBatchOptions {
+  enum class Report { None, Json, Text };
+
+  std::string m_Model;                    ///< grid file to read
+  std::string m_Image;                    ///< photograph; empty for none
+  std::optional<long> m_Iterations;       ///< to do; until converged where there is no number
+  long m_iMaxIterations = 200000;         ///< bound of going on until converged
+  WaveletMode m_Mode = WaveletMode::New;  ///< to solve in
+  bool m_bHighRes = false;                ///< solve at the highest resolution, starting from the surface read
+  std::string m_GridOut;                  ///< the three outputs; empty for none
+  std::string m_VrmlOut;
+  std::string m_HeightFieldOut;
+  bool m_bWithLights = false;  ///< the lights go into the grid file
+  int m_iWidth = 200;          ///< samples of the height field, at least 2
+  int m_iHeight = 200;
+  std::uint32_t m_uSeed = 1;  ///< of the random start
+  Report m_Report = Report::None;
+  bool m_bQuiet = false;
+};
+
+/// Options from the command line, or the status to end with: help and version are printed and end with 0, misuse is
+/// explained on standard error and ends with 1.
+struct CParsedOptions {
+  CBatchOptions m_Options;
+  std::optional<int> m_ExitStatus;
+};
+CParsedOptions ParseOptions(int argc, const char* const* argv);

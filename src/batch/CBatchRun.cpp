@@ -1,0 +1,116 @@
+#include "batch/CBatchRun.h"
+
+#include <chrono>
+#include <filesystem>
+#include <iostream>
+#include <optional>
+#include <sstream>
+#include <utility>
+
+#include "base/Console.h"
+#include "batch/CProgress.h"
+#include "batch/ExitStatus.h"
+#include "batch/JpegFile.h"
+#include "io/Bmp.h"
+
+namespace {
+
+/// Adds the seconds of its life to a sum.
+class CStopwatch {
+ public:
+  explicit CStopwatch(double& seconds) : m_fSeconds(seconds) {}
+  ~CStopwatch() { m_fSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - m_Start).count(); }
+  CStopwatch(const CStopwatch&) = delete;
+  CStopwatch& operator=(const CStopwatch&) = delete;
+
+ private:
+  double& m_fSeconds;
+  std::chrono::steady_clock::time_point m_Start = std::chrono::steady_clock::now();
+};
+
+void Complain(const std::string& text) { std::cerr << "relievo-batch: " << text << '\n'; }
+
+}  // namespace
+
+CBatchRun::CBatchRun(const CBatchOptions& options) : m_Options(options), m_Grid(options.m_uSeed) {
+  m_Grid.AttachHost(this);
+}
+
+// The one question of the model is whether a grid file shall hold the lights.
+bool CBatchRun::Ask(const char* /*question*/) { return m_Options.m_bWithLights; }
+
+void CBatchRun::Notice(const char* text) { Complain(text); }
+
+int CBatchRun::Run() {
+  if (!ReadInputs()) return ExitStatus::kInput;
+  Solve();
+  const bool written = WriteOutputs();
+  PrintReport(std::cout, m_Options.m_Report, m_Grid, m_Result);
+  if (!written || !std::cout.flush()) return ExitStatus::kOutput;
+  const bool wanted = !m_Options.m_Iterations.has_value();
+  return wanted && !m_Result.m_bConverged ? ExitStatus::kNotConverged : ExitStatus::kDone;
+}
+
+bool CBatchRun::ReadInputs() {
+  const CStopwatch watch(m_Result.m_Seconds.m_fLoad);
+  const GridFileState state = m_Grid.Load(m_Options.m_Model);
+  if (state == GridFileState::NotOpened || state == GridFileState::Invalid) return false;
+  if (m_Options.m_Image.empty()) return true;
+  std::optional<Global::CLoadedPicture> loaded = Global::LoadBMP(m_Options.m_Image, 1);
+  if (!loaded.has_value() || loaded->m_Picture.m_aPixels.empty()) {
+    Complain("The file " + m_Options.m_Image + " is not a picture that can be read.");
+    return false;
+  }
+  if (loaded->m_bEndsEarly) Complain("The file " + m_Options.m_Image + " is shorter than its header says.");
+  m_Picture = std::move(loaded->m_Picture);
+  return true;
+}
+
+void CBatchRun::Solve() {
+  const CStopwatch watch(m_Result.m_Seconds.m_fSolve);
+  if (m_Options.m_bHighRes) m_Grid.Post(Operation::kTransferToHigh);
+  m_Grid.PerformPendingWork();
+  if (m_Grid.Mode() != m_Options.m_Mode) m_Grid.SetWaveletMode(m_Options.m_Mode);
+  const long bound = m_Options.m_Iterations.value_or(m_Options.m_iMaxIterations);
+  CProgress progress(!m_Options.m_bQuiet);
+  while (m_Result.m_iIterations < bound && m_Grid.IsRunning()) {
+    // Lines of the model must not end up behind the number.
+    std::ostringstream lines;
+    std::optional<ConsoleRedirect> redirect;
+    if (progress.IsShown()) redirect.emplace(lines);
+    Tick();
+    redirect.reset();
+    if (!lines.view().empty()) {
+      progress.Erase();
+      Console() << lines.view();
+    }
+    progress.Update(m_Result.m_iIterations);
+  }
+  m_Result.m_bConverged = !m_Grid.IsRunning();
+}
+
+void CBatchRun::Tick() {
+  const int before = m_Grid.IterationCounter();
+  m_Grid.UpdateGrid();
+  const int after = m_Grid.IterationCounter();
+  // The counter begins anew with every restart.
+  m_Result.m_iIterations += after > before && before > 0 ? after - before : after;
+}
+
+bool CBatchRun::WriteOutputs() {
+  const CStopwatch watch(m_Result.m_Seconds.m_fWrite);
+  m_Grid.PerformPendingWork();
+  bool written = true;
+  if (!m_Options.m_GridOut.empty()) written = m_Grid.Save(m_Options.m_GridOut) && written;
+  if (!m_Options.m_VrmlOut.empty()) {
+    written = m_Grid.SaveVrml(m_Options.m_VrmlOut) && written;
+    const std::string jpeg = std::filesystem::path(m_Options.m_VrmlOut).replace_filename("picture.jpg");
+    if (!m_Picture.m_aPixels.empty() && !SaveJpeg(jpeg, m_Picture)) {
+      Complain("The file " + jpeg + " could not be written.");
+      written = false;
+    }
+  }
+  if (!m_Options.m_HeightFieldOut.empty())
+    written = m_Grid.SaveHeightField(m_Options.m_HeightFieldOut, m_Options.m_iWidth, m_Options.m_iHeight) && written;
+  return written;
+}

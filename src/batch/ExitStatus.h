@@ -1,0 +1,10 @@
+#pragma once
+
+/// What relievo-batch ends with.
+namespace ExitStatus {
+inline constexpr int kDone = 0;
+inline constexpr int kUsage = 1;
+inline constexpr int kInput = 2;         ///< an input is missing or invalid
+inline constexpr int kNotConverged = 3;  ///< within the bound; the outputs are written all the same
+inline constexpr int kOutput = 4;        ///< an output could not be written
+}  // namespace ExitStatus

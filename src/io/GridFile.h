@@ -1,0 +1,30 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+class CGrid;
+
+/// What has become of a grid file that was to be read.
+enum class GridFileState {
+  Whole,      ///< the grid holds all of it
+  Damaged,    ///< the grid holds it but for records, heights or lights that could not be read
+  Invalid,    ///< its format is not that of a grid file; the grid is a new one with the constraints read by then
+  NotOpened,  ///< nothing was read and the grid is as it was
+};
+
+/// The model as text: rectangle, constraints, levels, wanted subdivision, heights and point order. What `out` is in
+/// locale and number format is the caller's; lights or `WriteNoLights` must follow.
+void WriteGrid(std::ostream& out, const CGrid& grid);
+/// The last section of the file: both sets of lights, or that there are none.
+void WriteLights(std::ostream& out, const CGrid& grid);
+void WriteNoLights(std::ostream& out);
+
+/// Reads the model back into the grid, whatever the stream's locale, and logs each step. Lights stay as they are unless
+/// the text holds them.
+///
+/// A record with a number that is not finite is left out. Counts are taken as limits: nothing is allocated that the
+/// text does not hold. Heights belong to the points that the text names beside them; where it names none, or not one
+/// for each, to the unknowns in their order. Missing heights are 0. Old files without levels and heights are whole.
+/// Never answers NotOpened.
+GridFileState ReadGrid(std::istream& in, CGrid& grid);

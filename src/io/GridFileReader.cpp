@@ -1,0 +1,297 @@
+// Reading a grid file, section by section.
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <istream>
+#include <optional>
+#include <vector>
+
+#include "base/Console.h"
+#include "constraints/PtCstrText.h"
+#include "io/GridFile.h"
+#include "io/PlacedHeights.h"
+#include "io/TextNumbers.h"
+#include "model/CGrid.h"
+#include "model/Globals.h"
+#include "quadtree/SubdivisionText.h"
+
+namespace {
+
+// What the tree is initialised with, whatever base level the file names: that one is for new grids.
+constexpr int kStartLevel = 5;
+
+std::ostream& Log() { return Console() << "CGrid::Load\t\t"; }
+
+// Whether a lattice over the rectangle has cells of a size that can be calculated with.
+bool IsUsable(const CExtent& e) {
+  constexpr double kMostSteps = 1 << CLattice::kMaxLevel;
+  const auto usable = [](double low, double high) {
+    return low < high && std::isfinite(high - low) && std::isnormal((high - low) / kMostSteps);
+  };
+  return usable(e.x0, e.x1) && usable(e.y0, e.y1);
+}
+
+class CGridReader {
+ public:
+  CGridReader(std::istream& in, CGrid& grid) : m_In(in), m_Grid(grid) { PrepareToReadNumbers(in); }
+  GridFileState Read();
+
+ private:
+  // What was expected where something else stands; null where all is well. So it is for the sections below.
+  using Expected = const char*;
+
+  Expected ReadModel();
+  Expected ReadRectangle();
+  Expected ReadConstraints();
+  Expected ReadLevels();
+  Expected ReadSubdivisionRecord();
+  template <typename ReadRecord>
+  Expected ReadList(int& header, Expected expected, ReadRecord readRecord);
+  bool ReadPoint();
+  bool ReadCurve();
+  bool IsRefused(const char* what);
+
+  void ReadSurface();
+  void ReadHeights();
+  void ReadOrder();
+  std::optional<std::size_t> ReadPlace();
+  void ReadLights();
+  void StartFresh();
+
+  // The next character that is no blank; 0 at the end of the text.
+  char ReadChar() {
+    char c = 0;
+    m_In >> c;
+    return c;
+  }
+
+  std::istream& m_In;
+  CGrid& m_Grid;
+  std::optional<CExtent> m_Extent;
+  std::vector<double> m_afHeights;  ///< as the text holds them
+  bool m_bOldFormat = false;
+  bool m_bDamaged = false;
+};
+
+GridFileState CGridReader::Read() {
+  Log() << "FreeAll()...\n";
+  m_Grid.FreeAll();
+  Log() << "...FreeAll() complete\n";
+  if (const Expected expected = ReadModel(); expected != nullptr) {
+    Log() << "Invalid format: attempting " << expected << '\n';
+    StartFresh();
+    return GridFileState::Invalid;
+  }
+  if (m_bOldFormat) {
+    Log() << "Old format detected.\n";
+    Console() << "\t\t\tThe default base resolution level is set to 5\n"
+              << "\t\t\tThe default max resolution level is set to 7\n"
+              << "\t\t\tNo height field is loaded\n";
+    m_Grid.ReconstructSurface();
+  } else {
+    ReadSurface();
+  }
+  return m_bDamaged ? GridFileState::Damaged : GridFileState::Whole;
+}
+
+CGridReader::Expected CGridReader::ReadModel() {
+  if (const Expected expected = ReadRectangle(); expected != nullptr) return expected;
+  if (const Expected expected = ReadConstraints(); expected != nullptr) return expected;
+  if (const Expected expected = ReadLevels(); expected != nullptr) return expected;
+  return ReadSubdivisionRecord();
+}
+
+CGridReader::Expected CGridReader::ReadRectangle() {
+  CExtent e;
+  Log() << "Loading the grid dimentions...\n";
+  m_In >> e.x0 >> e.y0 >> e.x1 >> e.y1;
+  const bool finite = !TakeNonFinite(m_In);
+  if (!m_In || !finite || !IsUsable(e)) return "a rectangle of finite numbers, x0 < x1 and y0 < y1";
+  Log() << "...grid dimentions loaded\n";
+  Console() << "x0 : " << e.x0 << ", y0 : " << e.y0 << ", x1 : " << e.x1 << ", y1 : " << e.y1 << '\n';
+  m_Extent = e;
+  return nullptr;
+}
+
+CGridReader::Expected CGridReader::ReadConstraints() {
+  CListHeaders& headers = m_Grid.ListHeaders();
+  Log() << "Loading constraints...\n";
+  Console() << "toto2\n";
+  Expected expected =
+      ReadList(headers.m_iPoints, "as many point constraints as announced", [this] { return ReadPoint(); });
+  if (expected == nullptr)
+    expected = ReadList(headers.m_iCurves, "as many curve constraints as announced", [this] { return ReadCurve(); });
+  if (expected == nullptr) expected = ReadList(headers.m_iRegions, "no region constraints", [] { return false; });
+  if (expected != nullptr) return expected;
+  // The parallels of the curves are recomputed with the discontinuity map, which knows the new lattice.
+  Console() << "toto3\n";
+  Log() << "...Loading constraints complete\n";
+  return nullptr;
+}
+
+template <typename ReadRecord>
+CGridReader::Expected CGridReader::ReadList(int& header, Expected expected, ReadRecord readRecord) {
+  long long count = 0;
+  m_In >> header >> count;
+  if (!m_In || count < 0) return expected;
+  for (; count > 0; --count) {
+    if (!readRecord()) return expected;
+  }
+  return nullptr;
+}
+
+bool CGridReader::IsRefused(const char* what) {
+  if (!TakeNonFinite(m_In)) return false;
+  Log() << "A " << what << " with a number that is not finite is left out\n";
+  m_bDamaged = true;
+  return true;
+}
+
+bool CGridReader::ReadPoint() {
+  CPtCstr record;
+  ReadPtCstr(m_In, record);
+  if (!m_In) return false;
+  if (!IsRefused("point constraint")) m_Grid.PointConstraints().Add(record);
+  return true;
+}
+
+bool CGridReader::ReadCurve() {
+  CCntrCtrl& curve = m_Grid.Curves().Add();
+  curve.Read(m_In);
+  const bool complete = !m_In.fail();
+  if (complete && !IsRefused("curve constraint")) return true;
+  curve.Nodes().clear();
+  m_Grid.Curves().RemoveDegenerate();
+  return complete;
+}
+
+CGridReader::Expected CGridReader::ReadLevels() {
+  const char c = ReadChar();
+  m_bOldFormat = c == 'Q';
+  if (m_bOldFormat) {
+    g_iBaseLevel = kDefaultBaseLevel;
+    g_iMaxLevel = kDefaultMaxLevel;
+    return nullptr;
+  }
+  if (c != 'L') return "'Q' or 'L' after region constraints";
+  Log() << "Read the max and current resolution\n";
+  int base = 0;
+  int max = 0;
+  m_In >> base >> max;
+  if (!m_In || base < CLattice::kMinLevel || max > CLattice::kMaxLevel || base > max)
+    return "levels from 1 to 10, the base level not above the max level";
+  g_iBaseLevel = base;
+  g_iMaxLevel = max;
+  return ReadChar() == 'T' ? nullptr : "'T' after levels";
+}
+
+CGridReader::Expected CGridReader::ReadSubdivisionRecord() {
+  g_bHighRes = 0;
+  Log() << "Initialize()...\n";
+  m_Grid.Initialize(kStartLevel, true, m_Extent->x0, m_Extent->y0, m_Extent->x1, m_Extent->y1);
+  Log() << "...Initialize() complete\n";
+  Log() << "Read the quad tree structure...\n";
+  if (!ReadSubdivision(m_In, m_Grid.Subdivision())) {
+    Console() << '\n';
+    return "a quad tree no deeper than the max level";
+  }
+  Log() << "... quad tree structure successfully read\n";
+  Log() << "Construction of matrixes + new order...\n";
+  m_Grid.SetDiscMap();
+  Log() << "Matrixes succesfully created\n";
+  return nullptr;
+}
+
+void CGridReader::ReadSurface() {
+  if (ReadChar() == 'Z') {
+    ReadHeights();
+  } else {
+    m_Grid.ReconstructSurface();
+  }
+  if (ReadChar() == 'N') ReadOrder();
+  const char c = ReadChar();
+  Console() << "c = ";
+  if (m_In) Console() << c;
+  Console() << '\n';
+  if (c == 'E') {
+    Log() << "No lighting is activated.\n";
+    Log() << "No high res version was saved\n";
+  } else if (c == 'I') {
+    ReadLights();
+  } else {
+    m_bDamaged = true;
+  }
+}
+
+void CGridReader::ReadHeights() {
+  const auto count = static_cast<std::size_t>(m_Grid.ActivePointCount());
+  Log() << "Reading the height field...\n";
+  Log() << "m_iNbActivePoints = " << count << '\n';
+  for (double height = 0.0; (m_In >> std::ws).peek() != 'N' && m_In >> height;) m_afHeights.push_back(height);
+  if (TakeNonFinite(m_In) || m_afHeights.size() != count) m_bDamaged = true;
+  Log() << "... Height field read\n";
+  std::vector<double> heights = m_afHeights;
+  heights.resize(count);
+  m_Grid.SetWaveletMode(WaveletMode::New);
+  Log() << "Wavelet transformation to get the coefficients...\n";
+  m_Grid.SetHeights(heights);
+  Log() << "... Wavelet transformation done\n";
+  Log() << "Copy the wavelet coefficients to the coefficient matrix (m_pfWaveCoefGrid)...\n";
+}
+
+// The order is that of the numbering just made, unless a curve has met other cells than before: its nodes were rounded
+// when they were written.
+void CGridReader::ReadOrder() {
+  Log() << "Skipping the current point order \n";
+  Console() << "\t\t(reconstructed from the quad tree by BuildHNumerotation)\n";
+  std::vector<std::size_t> places;
+  while ((m_In >> std::ws).peek() == '(') {
+    const std::optional<std::size_t> place = ReadPlace();
+    if (!place.has_value()) return;
+    places.push_back(*place);
+  }
+  const CPointOrder& order = m_Grid.Order();
+  bool same = places.size() == order.Count();
+  for (std::size_t k = 0; same && k < places.size(); ++k) same = places[k] == order.PointOf(k);
+  if (same || places.size() != m_afHeights.size()) return;
+  const std::optional<std::vector<double>> heights = HeightsByPlace(m_Grid, places, m_afHeights);
+  if (!heights.has_value()) return;
+  Log() << "The point order has changed: the heights go by it\n";
+  m_Grid.SetHeights(*heights);
+  m_bDamaged = false;
+}
+
+std::optional<std::size_t> CGridReader::ReadPlace() {
+  int column = 0;
+  int row = 0;
+  if (ReadChar() != '(' || !(m_In >> column) || ReadChar() != ',' || !(m_In >> row) || ReadChar() != ')') return {};
+  const int side = m_Grid.PointsPerSide();
+  if (column < 0 || column >= side || row < 0 || row >= side) return {};
+  return m_Grid.Lattice().Index(column, row);
+}
+
+void CGridReader::ReadLights() {
+  Log() << "Loading the light sources...\n";
+  CLightSet removed;
+  CLightSet added;
+  m_In >> removed >> added;
+  m_bDamaged = m_bDamaged || !m_In;
+  if (!m_In || IsRefused("light source")) return;
+  m_Grid.RemovedLights() = removed;
+  m_Grid.AddedLights() = added;
+  Log() << "...Lightsources loaded.\n";
+}
+
+void CGridReader::StartFresh() {
+  const CExtent e = m_Extent.value_or(CExtent{});
+  g_bHighRes = 0;
+  m_Grid.Initialize(kStartLevel, true, e.x0, e.y0, e.x1, e.y1);
+  m_Grid.SetDiscMap();
+  m_Grid.ReconstructSurface();
+}
+
+}  // namespace
+
+GridFileState ReadGrid(std::istream& in, CGrid& grid) { return CGridReader(in, grid).Read(); }

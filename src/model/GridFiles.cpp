@@ -1,0 +1,82 @@
+// The grid's operations on files.
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <system_error>
+
+#include "base/Console.h"
+#include "io/CSafeFile.h"
+#include "io/HeightFieldExport.h"
+#include "io/VrmlExport.h"
+#include "model/CGrid.h"
+
+namespace {
+
+// A directory can be opened, but not read.
+bool IsDirectory(const std::string& filename) {
+  std::error_code ignored;
+  return std::filesystem::is_directory(filename, ignored);
+}
+
+}  // namespace
+
+void CGrid::Notify(const std::string& text) const {
+  if (m_pHost != nullptr) m_pHost->Notice(text.c_str());
+}
+
+GridFileState CGrid::Load(const std::string& filename) {
+  std::ifstream in(filename, std::ios::binary);
+  Console() << "toto1\n";
+  if (!in.is_open() || IsDirectory(filename)) {
+    Console() << "Error opening the file " << filename << '\n';
+    Notify("The file " + filename + " cannot be opened.");
+    return GridFileState::NotOpened;
+  }
+  const GridFileState state = ReadGrid(in, *this);
+  if (m_pHost != nullptr) {
+    m_pHost->ShowConstraints(static_cast<int>(m_PointConstraints.size()));
+    m_pHost->ShowIterations(IterationCounter());
+    m_pHost->RequestRedraw();
+  }
+  if (state == GridFileState::Invalid)
+    Notify("The file " + filename + " is not a valid grid file. A new grid holds the constraints read from it.");
+  if (state == GridFileState::Damaged)
+    Notify("The file " + filename + " is damaged. What could not be read is missing or zero.");
+  return state;
+}
+
+bool CGrid::WriteFile(const std::string& filename, const char* method,
+                      const std::function<void(std::ostream&)>& write) const {
+  CSafeFile file(filename);
+  if (file.IsOpen()) {
+    write(file.Text());
+    if (file.Commit()) return true;
+  }
+  Console() << "Error CGrid::" << method << "()\t\tfail to write file " << filename << '\n';
+  Notify("The file " + filename + " could not be written. If it existed before, it is unchanged.");
+  return false;
+}
+
+bool CGrid::Save(const std::string& filename) const {
+  return WriteFile(filename, "Save", [this](std::ostream& out) {
+    WriteGrid(out, *this);
+    if (m_pHost != nullptr && m_pHost->Ask("Do you want to save lighting information ?")) {
+      WriteLights(out, *this);
+    } else {
+      WriteNoLights(out);
+    }
+  });
+}
+
+bool CGrid::SaveVrml(const std::string& filename) const {
+  if (!WriteFile(filename, "SaveVrml", [this](std::ostream& out) { WriteVrml(out, *this); })) return false;
+  Console() << "Saved succesfully\n";
+  if (m_pHost != nullptr) m_pHost->RequestRedraw();
+  return true;
+}
+
+bool CGrid::SaveHeightField(const std::string& filename, int width, int height) const {
+  return WriteFile(filename, "SaveHeightField",
+                   [&](std::ostream& out) { WriteHeightField(out, *this, width, height); });
+}

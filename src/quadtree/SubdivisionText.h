@@ -1,0 +1,15 @@
+#pragma once
+
+#include <iosfwd>
+
+class CSubdivisionRecord;
+
+/// The text form of a wanted subdivision: its nodes in depth-first order, one character a token and nothing between
+/// them. A leaf is "N"; a split node is "b", its four children with "v" between them, and "e". The selection is not
+/// part of it.
+void WriteSubdivision(std::ostream& out, const CSubdivisionRecord& record);
+
+/// Reads it back, white space between the tokens allowed, and leaves nothing selected below what it reads. False, with
+/// an unfinished console line, where another character stands than one that is due or a split node is of the finest
+/// level: what was read by then stays, what follows is left in the stream.
+bool ReadSubdivision(std::istream& in, CSubdivisionRecord& record);

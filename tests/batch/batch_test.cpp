@@ -1,0 +1,301 @@
+// The program itself, started as a user would.
+
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <sys/wait.h>
+
+#include "support/FileBuilders.h"
+#include "support/gui/CTemporaryDirectory.h"
+
+namespace {
+
+class Batch : public testing::Test {
+ protected:
+  Batch() { WriteText(Path("model.grid"), GridText(m_Model.m_Grid)); }
+
+  std::filesystem::path Path(const std::string& name) const { return m_Directory.Path() / name; }
+  std::string Bytes(const std::string& name) const { return BytesOf(Path(name)); }
+
+  /// Starts the program in the directory; its exit status.
+  int Run(const std::string& arguments, const std::string& before = "") const {
+    const std::string command = "cd '" + m_Directory.Path().string() + "' && " + before + " '" RELIEVO_BATCH "' " +
+                                arguments + " >out 2>err </dev/null";
+    const int status = std::system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+  nlohmann::json Report() const { return nlohmann::json::parse(Bytes("out")); }
+
+  CTemporaryDirectory m_Directory;
+  CFullModel m_Model;
+};
+
+/// A picture of 3 by 2 pixels, all of them of one colour.
+std::string SmallBitmap() {
+  std::string bytes("BM\x4E\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\x03\0\0\0\x02\0\0\0\x01\0\x18\0", 30);
+  bytes.resize(54);
+  for (int pixel = 0; pixel < 2; ++pixel) bytes += std::string("\x10\x80\xF0\x10\x80\xF0\x10\x80\xF0\0\0\0", 12);
+  return bytes;
+}
+
+TEST_F(Batch, SavesWithoutIteratingWhatTheModelItselfWouldSave) {
+  CTestGrid window;
+  window.m_Grid.Load(Path("model.grid"));
+  window.m_Grid.PerformPendingWork();
+  window.m_Grid.Save(Path("window.grid"));
+  ASSERT_EQ(Run("model.grid --iterations 0 --save batch.grid"), 0);
+  EXPECT_EQ(Bytes("batch.grid"), Bytes("window.grid"));
+  EXPECT_EQ(Bytes("batch.grid"), Bytes("model.grid"));
+}
+
+TEST_F(Batch, ConvergesToWhatTheModelItselfConvergesTo) {
+  CTestGrid window;
+  window.m_Grid.Load(Path("model.grid"));
+  ASSERT_TRUE(RunUntilPaused(window.m_Grid, 20000));
+  ASSERT_EQ(Run("model.grid --seed 99 --save batch.grid --report json"), 0) << Bytes("err");
+  CTestGrid batch;
+  ASSERT_EQ(batch.m_Grid.Load(Path("batch.grid")), GridFileState::Whole);
+  const double range = window.m_Grid.MaxHeight() - window.m_Grid.MinHeight();
+  EXPECT_LT(LargestDifference(NodalHeights(batch.m_Grid), NodalHeights(window.m_Grid)), 1e-5 * range);
+  EXPECT_TRUE(Report()["converged"]);
+}
+
+TEST_F(Batch, SavesAllButTheHeightsAsTheyWere) {
+  ASSERT_EQ(Run("model.grid --save batch.grid"), 0);
+  const std::string before = Bytes("model.grid");
+  const std::string after = Bytes("batch.grid");
+  EXPECT_EQ(after.substr(after.find("\n\nN\n")), before.substr(before.find("\n\nN\n")));
+  const std::size_t tree = before.find("\n\nL\n");
+  EXPECT_EQ(after.substr(after.find("\n\nL\n"), before.find("\n\nZ\n") - tree),
+            before.substr(tree, before.find("\n\nZ\n") - tree));
+}
+
+TEST_F(Batch, ReportsInJson) {
+  ASSERT_EQ(Run("model.grid --report json --quiet"), 0);
+  const nlohmann::json report = Report();
+  EXPECT_EQ(report["points"], m_Model.m_Grid.ActivePointCount());
+  EXPECT_EQ(report["cells"], m_Model.m_Grid.Tree().LeafCount());
+  EXPECT_EQ(report["constraints"], SomeConstraints().size());
+  EXPECT_EQ(report["curves"], 1);
+  EXPECT_GT(report["iterations"], 0);
+  EXPECT_GE(report["seconds"]["load"], 0.0);
+  EXPECT_GE(report["seconds"]["solve"], 0.0);
+  EXPECT_GE(report["seconds"]["write"], 0.0);
+  EXPECT_GE(report["energy"], 0.0);
+  EXPECT_LT(report["largest_constraint_residual"], 1e-6);
+  EXPECT_LT(report["z_range"][0], report["z_range"][1]);
+  EXPECT_EQ(report["converged"], true);
+}
+
+TEST_F(Batch, ReportsTheResidualAndTheEnergyOfTheSurfaceAsItIs) {
+  CTestGrid flat(4, 2);
+  AddAll(flat.m_Grid, {HeightCstr(1, 22, 5), HeightCstr(2, 24, -8)});
+  flat.m_Grid.PerformPendingWork();
+  WriteText(Path("flat.grid"), GridText(flat.m_Grid));
+  ASSERT_EQ(Run("flat.grid --iterations 0 --report json"), 0);
+  EXPECT_EQ(Report()["largest_constraint_residual"], 8.0);
+  EXPECT_EQ(Report()["energy"], 0.0);
+  EXPECT_EQ(Report()["z_range"], nlohmann::json({0.0, 0.0}));
+}
+
+TEST_F(Batch, ReportsInText) {
+  ASSERT_EQ(Run("model.grid --iterations 0 --report text"), 0);
+  std::istringstream out(Bytes("out"));
+  std::vector<std::string> names;
+  for (std::string line; std::getline(out, line);) names.push_back(line.substr(0, line.find(':')));
+  EXPECT_EQ(names, (std::vector<std::string>{"points", "cells", "constraints", "curves", "iterations", "seconds load",
+                                             "seconds solve", "seconds write", "energy", "largest constraint residual",
+                                             "z range", "converged"}));
+}
+
+TEST_F(Batch, LinesOfTheModelGoToStandardErrorAndNoneWhenQuiet) {
+  ASSERT_EQ(Run("model.grid --iterations 0"), 0);
+  EXPECT_EQ(Bytes("out"), "");
+  EXPECT_NE(Bytes("err").find("toto1\nCGrid::Load\t\tFreeAll()...\n"), std::string::npos);
+  EXPECT_EQ(Bytes("err").find('\r'), std::string::npos) << "no progress where nobody looks";
+  ASSERT_EQ(Run("model.grid --quiet"), 0);
+  EXPECT_EQ(Bytes("err"), "");
+}
+
+TEST_F(Batch, ShowsProgressOnATerminal) {
+  const std::string line = "script -qec \"'" RELIEVO_BATCH "' model.grid --iterations 500\" /dev/null";
+  ASSERT_EQ(std::system(("cd '" + m_Directory.Path().string() + "' && " + line + " >tty </dev/null").c_str()), 0);
+  EXPECT_NE(Bytes("tty").find("\r\x1b[K10 iterations"), std::string::npos);
+}
+
+TEST_F(Batch, StopsAfterWholeTicks) {
+  ASSERT_EQ(Run("model.grid --iterations 11 --report json"), 0);
+  EXPECT_EQ(Report()["iterations"], 20);
+  EXPECT_EQ(Report()["converged"], false);
+  ASSERT_EQ(Run("model.grid --iterations 0 --report json"), 0);
+  EXPECT_EQ(Report()["iterations"], 0);
+}
+
+TEST_F(Batch, TellsThatItHasNotConvergedAndWritesAllTheSame) {
+  EXPECT_EQ(Run("model.grid --until-converged --max-iterations 10 --save o.grid --vrml o.wrl --report json"), 3);
+  EXPECT_EQ(Report()["iterations"], 10);
+  EXPECT_EQ(Report()["converged"], false);
+  EXPECT_NE(Bytes("o.grid"), "");
+  EXPECT_NE(Bytes("o.wrl"), "");
+}
+
+TEST_F(Batch, TheSeedDecidesTheWayAndNotTheEnd) {
+  Run("model.grid --iterations 20 --seed 1 --save a.grid");
+  Run("model.grid --iterations 20 --seed 1 --save b.grid");
+  Run("model.grid --iterations 20 --seed 2 --save c.grid");
+  EXPECT_EQ(Bytes("a.grid"), Bytes("b.grid"));
+  EXPECT_NE(Bytes("a.grid"), Bytes("c.grid"));
+}
+
+TEST_F(Batch, ConvergesInEveryMode) {
+  long before = 0;
+  for (const char* mode : {"new", "no"}) {
+    ASSERT_EQ(Run(std::string("model.grid --report json --wavelets ") + mode), 0) << mode;
+    EXPECT_GT(Report()["iterations"], before) << mode;
+    before = Report()["iterations"];
+  }
+  EXPECT_EQ(Run("model.grid --wavelets simple"), 0);
+}
+
+TEST_F(Batch, SolvesAtTheHighestResolution) {
+  ASSERT_EQ(Run("model.grid --high-res --iterations 0 --report json --save h.grid"), 0);
+  EXPECT_EQ(Report()["points"], 17 * 17);
+  CTestGrid test;
+  ASSERT_EQ(test.m_Grid.Load(Path("h.grid")), GridFileState::Whole);
+  EXPECT_LT(
+      LargestDifference(NodalHeights(test.m_Grid), Gathered(test.m_Grid.Order(), SurfaceOnLattice(m_Model.m_Grid))),
+      1e-4);
+}
+
+TEST_F(Batch, WritesTheLightsWhenToldTo) {
+  ASSERT_EQ(Run("model.grid --iterations 0 --save o.grid --with-lights"), 0);
+  EXPECT_NE(Bytes("o.grid").find("\n\nI\n"), std::string::npos);
+  ASSERT_EQ(Run("model.grid --iterations 0 --save o.grid"), 0);
+  EXPECT_NE(Bytes("o.grid").find("\n\nE\n"), std::string::npos);
+}
+
+TEST_F(Batch, ExportsWhatTheModelItselfExports) {
+  ASSERT_EQ(Run("model.grid --iterations 0 --vrml o.wrl --height-field o.txt --size 7x5"), 0);
+  CTestGrid window;
+  window.m_Grid.Load(Path("model.grid"));
+  window.m_Grid.SaveVrml(Path("window.wrl"));
+  window.m_Grid.SaveHeightField(Path("window.txt"), 7, 5);
+  EXPECT_EQ(Bytes("o.wrl"), Bytes("window.wrl"));
+  EXPECT_EQ(Bytes("o.txt"), Bytes("window.txt"));
+}
+
+TEST_F(Batch, TheHeightFieldIs200By200UnlessToldOtherwise) {
+  ASSERT_EQ(Run("model.grid --iterations 0 --height-field o.txt"), 0);
+  const std::string text = Bytes("o.txt");
+  EXPECT_EQ(std::ranges::count(text, '\n'), 200);
+  EXPECT_EQ(std::ranges::count(text, ' '), 200 * 200);
+}
+
+TEST_F(Batch, PutsThePictureBesideTheScene) {
+  WriteText(Path("photo.bmp"), SmallBitmap());
+  std::filesystem::create_directory(Path("sub"));
+  ASSERT_EQ(Run("model.grid --iterations 0 --image photo.bmp --vrml sub/o.wrl"), 0) << Bytes("err");
+  const std::string jpeg = Bytes("sub/picture.jpg");
+  EXPECT_EQ(jpeg.substr(0, 3), "\xFF\xD8\xFF");
+  // The frame header: two bytes each for height and width.
+  const std::size_t frame = jpeg.find("\xFF\xC0");
+  ASSERT_NE(frame, std::string::npos);
+  EXPECT_EQ(jpeg.substr(frame + 5, 4), std::string("\0\x02\0\x03", 4));
+}
+
+TEST_F(Batch, EndsWithOneOnMisuse) {
+  for (const char* arguments :
+       {"", "--nonsense model.grid", "model.grid more.grid", "model.grid --iterations -1", "model.grid --iterations x",
+        "model.grid --iterations 5 --until-converged", "model.grid --iterations 5 --max-iterations 9",
+        "model.grid --wavelets old", "model.grid --report xml", "model.grid --with-lights", "model.grid --size 5x5",
+        "model.grid --height-field o.txt --size 1x5", "model.grid --height-field o.txt --size 5x1",
+        "model.grid --height-field o.txt --size 5", "model.grid --height-field o.txt --size 5x5x5",
+        "model.grid --seed -3", "model.grid --save"}) {
+    EXPECT_EQ(Run(arguments), 1) << arguments;
+    EXPECT_EQ(Bytes("out"), "") << arguments;
+    EXPECT_NE(Bytes("err"), "") << arguments;
+  }
+  EXPECT_FALSE(std::filesystem::exists(Path("o.txt")));
+}
+
+TEST_F(Batch, EndsWithTwoOnBadInput) {
+  WriteText(Path("bad.grid"), "no grid file");
+  WriteText(Path("bad.bmp"), "no picture");
+  for (const char* arguments :
+       {"none.grid", "bad.grid", ".", "model.grid --image none.bmp", "model.grid --image bad.bmp"}) {
+    EXPECT_EQ(Run(std::string(arguments) + " --quiet --save o.grid"), 2) << arguments;
+    EXPECT_EQ(Bytes("err").find("relievo-batch: The file "), 0U) << arguments;
+  }
+  EXPECT_FALSE(std::filesystem::exists(Path("o.grid")));
+}
+
+TEST_F(Batch, GoesOnWithADamagedModel) {
+  const std::string text = Bytes("model.grid");
+  WriteText(Path("cut.grid"), text.substr(0, text.find("\n\nZ\n") + 20));
+  EXPECT_EQ(Run("cut.grid --iterations 0 --quiet --save o.grid"), 0);
+  EXPECT_NE(Bytes("err").find("is damaged"), std::string::npos);
+}
+
+TEST_F(Batch, EndsWithFourWhereAnOutputCannotBeWrittenAndWritesTheOthers) {
+  WriteText(Path("photo.bmp"), SmallBitmap());
+  std::filesystem::create_directory(Path("picture.jpg"));
+  const std::string image = "model.grid --image photo.bmp --iterations 0 --save o.grid";
+  EXPECT_EQ(Run(image + " --vrml o.wrl"), 4);
+  EXPECT_EQ(Run(image + " --vrml none/o.wrl"), 4);
+  EXPECT_EQ(Run(image + " --height-field none/o.txt"), 4);
+  EXPECT_EQ(Run("model.grid --iterations 0 --save none/o.grid"), 4);
+  EXPECT_EQ(Run("model.grid --max-iterations 10 --save none/o.grid"), 4) << "goes before not converged";
+  EXPECT_NE(Bytes("o.grid"), "");
+  EXPECT_NE(Bytes("o.wrl"), "");
+}
+
+TEST_F(Batch, EndsWithFourOnAFullDiskAndLeavesTheOldFilesWhole) {
+  for (const char* option : {"--save", "--vrml", "--height-field"}) {
+    WriteText(Path("old"), "old contents");
+    EXPECT_EQ(Run(std::string("model.grid --iterations 0 --quiet ") + option + " old", "trap '' XFSZ; ulimit -f 1;"),
+              4);
+    EXPECT_EQ(Bytes("old"), "old contents") << option;
+  }
+}
+
+TEST_F(Batch, EndsWithFourWhereTheReportFindsNoRoom) {
+  const std::string command =
+      "'" RELIEVO_BATCH "' --quiet --iterations 0 --report json '" + Path("model.grid").string() + "' >/dev/full";
+  EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 4);
+}
+
+TEST_F(Batch, PrintsHelpAndVersion) {
+  EXPECT_EQ(Run("--help"), 0);
+  EXPECT_NE(Bytes("out").find("--height-field"), std::string::npos);
+  EXPECT_EQ(Run("--version"), 0);
+  EXPECT_EQ(Bytes("out"), "relievo-batch " RELIEVO_VERSION "\n");
+}
+
+// Every option of the help has its place in the manual, and every exit status.
+TEST_F(Batch, IsDescribedByItsManualPage) {
+  std::string manual = BytesOf(RELIEVO_MANUAL);
+  manual.erase(std::remove(manual.begin(), manual.end(), '\\'), manual.end());
+  ASSERT_EQ(Run("--help"), 0);
+  std::istringstream help(Bytes("out"));
+  int options = 0;
+  for (std::string word; help >> word;) {
+    const std::size_t dashes = word.find("--");
+    if (dashes == std::string::npos) continue;
+    ++options;
+    EXPECT_NE(manual.find(word.substr(dashes, word.find_first_of(",:=", dashes) - dashes)), std::string::npos) << word;
+  }
+  EXPECT_GE(options, 16);
+  for (const char* status : {"0", "1", "2", "3", "4"})
+    EXPECT_NE(manual.find(std::string(".TP\n.B ") + status + "\n"), std::string::npos) << status;
+}
+
+TEST_F(Batch, NeedsNeitherToolkitNorOpenGL) {
+  ASSERT_EQ(std::system(("ldd '" RELIEVO_BATCH "' >'" + Path("libraries").string() + "'").c_str()), 0);
+  const std::string libraries = Bytes("libraries");
+  EXPECT_NE(libraries.find("libjpeg"), std::string::npos);
+  for (const char* library : {"fltk", "libGL", "libEGL", "libOpenGL", "libX11"})
+    EXPECT_EQ(libraries.find(library), std::string::npos) << library;
+}
+
+}  // namespace

@@ -1,0 +1,245 @@
+#include <clocale>
+#include <memory>
+#include <optional>
+
+#include <gtest/gtest.h>
+
+#include "support/FileBuilders.h"
+#include "support/gui/CTemporaryDirectory.h"
+
+namespace {
+
+const std::filesystem::path kGolden = RELIEVO_GOLDEN_FILES;
+
+/// The model of golden/small.grid: nine points.
+struct CSmallModel : CTestGrid {
+  CSmallModel() : CTestGrid(1, 1) {
+    AddAll(m_Grid, {HeightCstr(0.5, 21.25, 1.5), SlopeCstr(4, 22, 0.25, -0.5)});
+    CCntrCtrl& curve = AddCurveThrough(m_Grid, CurveType::kFairness, {{1, 25.5}, {2, 25.5}});
+    curve.SetAllWeights(11, 12, 13, 14);
+    curve.SetOption(CurveOption::kRightAutoBump, true);
+    curve.SetOrientation(CurveSide::Left, -7.5);
+    curve.SetOrientation(CurveSide::Right, 7.5);
+    curve.SetDistance(CurveSide::Left, 2.5);
+    curve.SetDistance(CurveSide::Right, 3.5);
+    m_Grid.PerformPendingWork();
+    m_Grid.SetHeights(std::vector<double>{1, -2.5, 1.0 / 3, 1e6, 1e-5, -0.125, 123456.789, 6, 7});
+    m_Console.Take();
+  }
+};
+
+TEST(GridFile, IsWrittenToTheLetter) {
+  const CSmallModel model;
+  EXPECT_EQ(GridText(model.m_Grid), BytesOf(kGolden / "small.grid"));
+}
+
+TEST(GridFile, GivesTheModelBack) {
+  CTestGrid test(3, 1);
+  ASSERT_EQ(ReadText(test.m_Grid, BytesOf(kGolden / "small.grid")), GridFileState::Whole);
+  EXPECT_EQ(test.m_Grid.MaxLevel(), 1);
+  EXPECT_EQ(NodalHeights(test.m_Grid), (std::vector<double>{1, -2.5, 0.333333, 1e6, 1e-5, -0.125, 123457, 6, 7}));
+  EXPECT_EQ(test.m_Grid.MaxHeight(), 1e6);
+  EXPECT_EQ(test.m_Grid.MinHeight(), -2.5);
+  const CPtCstr& slope = RecordAt(test.m_Grid.PointConstraints(), 1);
+  EXPECT_EQ(slope.m_fQ, -0.5);
+  const CCntrCtrl& curve = *test.m_Grid.Curves().begin();
+  EXPECT_EQ(curve.Nodes().back().m_Weights.m_fLeftTorsion, 12);
+  EXPECT_EQ(curve.AutoBump(CurveSide::Right).m_fDistance, 3.5);
+  EXPECT_EQ(curve.Options(), CurveOption::kRightAutoBump);
+}
+
+TEST(GridFile, LoadsIntoTheSameBytes) {
+  const CFullModel model;
+  const std::string text = GridText(model.m_Grid);
+  CTestGrid other(5, 5);
+  ASSERT_EQ(ReadText(other.m_Grid, text), GridFileState::Whole);
+  EXPECT_EQ(GridText(other.m_Grid), text);
+  other.m_Grid.PerformPendingWork();
+  EXPECT_EQ(GridText(other.m_Grid), text) << "after the work that a save performs first";
+}
+
+TEST(GridFile, KeepsTheHeightOfNormalConstraintsUntilTheNextTick) {
+  CSmallModel model;
+  ReadText(model.m_Grid, Replaced(GridText(model.m_Grid), "4\t22\t0\t0.25", "4\t22\t77\t0.25"));
+  EXPECT_EQ(RecordAt(model.m_Grid.PointConstraints(), 1).m_fZ, 77);
+  model.m_Grid.UpdateGrid();
+  EXPECT_NE(RecordAt(model.m_Grid.PointConstraints(), 1).m_fZ, 77);
+}
+
+TEST(GridFile, LeavesTheSolverToRestartFromTheLoadedHeights) {
+  CFullModel model;
+  const std::string text = GridText(model.m_Grid);
+  model.m_Grid.SetWaveletMode(WaveletMode::None);
+  model.m_Grid.Post(Operation::kRebuild);
+  g_bHighRes = 1;
+  ASSERT_EQ(ReadText(model.m_Grid, text), GridFileState::Whole);
+  EXPECT_EQ(model.m_Grid.IterationCounter(), 0);
+  EXPECT_EQ(model.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(model.m_Grid.Mode(), WaveletMode::New);
+  EXPECT_EQ(g_bHighRes, 0);
+  std::vector<double> heights(model.m_Grid.Order().Count());
+  model.m_Grid.Basis().invW(model.m_Grid.Coefficients(), heights);
+  EXPECT_LT(LargestDifference(heights, ByScan(model.m_Grid.Order(), NodalHeights(model.m_Grid))), 1e-12);
+}
+
+TEST(GridFile, TheLevelsOfTheFileAreThoseOfNewGridsOnly) {
+  CTestGrid test(7, 3);
+  const std::string text = GridText(test.m_Grid);
+  CTestGrid other(6, 2);
+  ASSERT_EQ(ReadText(other.m_Grid, text), GridFileState::Whole);
+  EXPECT_EQ(g_iBaseLevel, 3);
+  EXPECT_EQ(g_iMaxLevel, 7);
+  EXPECT_EQ(other.m_Grid.BaseLevel(), 5) << "always";
+  EXPECT_EQ(other.m_Grid.ActivePointCount(), 81) << "as the saved subdivision says";
+}
+
+TEST(GridFile, KeepsTheFirstNumberOfEachList) {
+  const CFullModel model;
+  CTestGrid other;
+  ReadText(other.m_Grid, GridText(model.m_Grid));
+  EXPECT_EQ(other.m_Grid.ListHeaders().m_iPoints, 3);
+  EXPECT_EQ(other.m_Grid.ListHeaders().m_iCurves, 4);
+  EXPECT_EQ(other.m_Grid.ListHeaders().m_iRegions, 5);
+}
+
+TEST(GridFile, GeneratedConstraintsAreMadeAnew) {
+  CFullModel model;
+  const std::size_t generated = model.m_Grid.GeneratedConstraints().size();
+  ASSERT_GT(generated, 0U);
+  CTestGrid other;
+  ReadText(other.m_Grid, GridText(model.m_Grid));
+  EXPECT_EQ(other.m_Grid.GeneratedConstraints().size(), generated);
+  EXPECT_EQ(other.m_Grid.PointConstraints().size(), SomeConstraints().size());
+}
+
+// A grid of the other resolution must not reappear after a load.
+TEST(GridFile, ForgetsTheOtherResolution) {
+  CFullModel model;
+  const std::string text = GridText(model.m_Grid);
+  model.m_Grid.Post(Operation::kTransferToHigh);
+  model.m_Grid.PerformPendingWork();
+  ReadText(model.m_Grid, text);
+  model.m_Grid.Post(Operation::kRestoreHigh);
+  model.m_Grid.PerformPendingWork();
+  EXPECT_EQ(model.m_Grid.MaxHeight(), 0.0);
+  EXPECT_EQ(model.m_Grid.MinHeight(), 0.0);
+}
+
+TEST(GridFile, AHighResolutionModelComesBackAsTheNormalOne) {
+  CFullModel model;
+  model.m_Grid.Post(Operation::kTransferToHigh);
+  model.m_Grid.PerformPendingWork();
+  const std::string text = GridText(model.m_Grid);
+  CTestGrid other;
+  ASSERT_EQ(ReadText(other.m_Grid, text), GridFileState::Whole);
+  EXPECT_EQ(g_bHighRes, 0);
+  EXPECT_EQ(other.m_Grid.ActivePointCount(), 17 * 17);
+  EXPECT_EQ(GridText(other.m_Grid), text);
+}
+
+TEST(OldGridFile, HasConstraintsAndSubdivisionButNoHeights) {
+  CFullModel model;
+  std::string text = GridText(model.m_Grid);
+  text = text.substr(0, text.find("\n\nZ\n"));
+  const std::size_t levels = text.find('L');
+  text = text.substr(0, levels) + "Q" + text.substr(text.find('T') + 1) + "\n";
+  ASSERT_EQ(ReadText(model.m_Grid, text), GridFileState::Whole);
+  EXPECT_EQ(model.m_Grid.PointConstraints().size(), SomeConstraints().size());
+  EXPECT_EQ(model.m_Grid.Curves().size(), 1U);
+  EXPECT_EQ(model.m_Grid.MaxHeight(), 0.0);
+  EXPECT_EQ(g_iBaseLevel, 5);
+  EXPECT_EQ(g_iMaxLevel, 7);
+  EXPECT_TRUE(model.m_Grid.Subdivision().Root().Child(1).Child(0).Child(2).IsLeaf());
+}
+
+/// Decimal commas and grouped thousands.
+class CCommas : public std::numpunct<char> {
+ protected:
+  char do_decimal_point() const override { return ','; }
+  char do_thousands_sep() const override { return '.'; }
+  std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(GridFile, IsTheSameUnderEveryLocale) {
+  const CTemporaryDirectory directory;
+  CSmallModel model;
+  const std::locale before = std::locale::global(std::locale(std::locale::classic(), new CCommas));
+  const bool saved = model.m_Grid.Save(directory.Path() / "m.grid");
+  const GridFileState state = model.m_Grid.Load(directory.Path() / "m.grid");
+  const std::string again = (model.m_Grid.Save(directory.Path() / "n.grid"), BytesOf(directory.Path() / "n.grid"));
+  std::locale::global(before);
+  EXPECT_TRUE(saved);
+  EXPECT_EQ(state, GridFileState::Whole);
+  EXPECT_EQ(BytesOf(directory.Path() / "m.grid"), BytesOf(kGolden / "small.grid"));
+  EXPECT_EQ(again, BytesOf(kGolden / "small.grid"));
+}
+
+TEST(GridFileLights, AreAskedForAfterTheRestAndGoIntoTheFileOnYes) {
+  const CTemporaryDirectory directory;
+  CSmallModel model;
+  CFileHost host(model.m_Grid);
+  host.m_bAnswer = true;
+  ASSERT_TRUE(model.m_Grid.Save(directory.Path() / "m.grid"));
+  EXPECT_EQ(host.m_aQuestions, std::vector<std::string>{"Do you want to save lighting information ?"});
+  const std::string text = BytesOf(directory.Path() / "m.grid");
+  const std::string common = Replaced(BytesOf(kGolden / "small.grid"), "\n\nE\n", "\n\nI\n");
+  EXPECT_EQ(text.substr(0, common.size()), common);
+  EXPECT_EQ(std::count(text.begin() + static_cast<std::ptrdiff_t>(common.size()), text.end(), '\n'), 10 * 5);
+}
+
+TEST(GridFileLights, StayAsTheyAreWhenTheFileHasNone) {
+  CSmallModel model;
+  model.m_Grid.RemovedLights().m_aLights[2].m_afColour = {0.25, 0.5, 0.75};
+  const CLightSet before = model.m_Grid.RemovedLights();
+  ASSERT_EQ(ReadText(model.m_Grid, BytesOf(kGolden / "small.grid")), GridFileState::Whole);
+  EXPECT_EQ(model.m_Grid.RemovedLights(), before);
+}
+
+TEST(GridFileLights, ComeBack) {
+  CSmallModel model;
+  model.m_Grid.RemovedLights().m_aLights[2].m_afColour = {0.25, 0.5, 0.75};
+  model.m_Grid.AddedLights().m_aLights[4].m_bActive = true;
+  const CLightSet removed = model.m_Grid.RemovedLights();
+  const CLightSet added = model.m_Grid.AddedLights();
+  std::ostringstream out;
+  WriteGrid(out, model.m_Grid);
+  WriteLights(out, model.m_Grid);
+  model.m_Grid.RemovedLights() = model.m_Grid.AddedLights() = CLightSet{};
+  ASSERT_EQ(ReadText(model.m_Grid, out.str()), GridFileState::Whole);
+  EXPECT_EQ(model.m_Grid.RemovedLights(), removed);
+  EXPECT_EQ(model.m_Grid.AddedLights(), added);
+}
+
+// Rounding the nodes of a curve to six digits may make it meet other cells, and so change the numbering.
+TEST(GridFileOrder, HeightsGoByTheirPlacesWhereTheNumberingHasChanged) {
+  CFullModel model;
+  const std::vector<double> before = SurfaceOnLattice(model.m_Grid);
+  const CPointOrder order = model.m_Grid.Order();
+  std::string text = Replaced(GridText(model.m_Grid), "9\t23.5\t", "9\t24.5\t");
+  ASSERT_EQ(ReadText(model.m_Grid, text), GridFileState::Whole);
+  ASSERT_NE(model.m_Grid.Order().Count(), order.Count());
+  EXPECT_NE(model.m_Console.Text().find("The point order has changed: the heights go by it\n"), std::string::npos);
+  const std::vector<double>& heights = model.m_Grid.Lattice().Heights();
+  for (std::size_t k = 0; k < model.m_Grid.Order().Count(); ++k) {
+    const std::uint32_t point = model.m_Grid.Order().PointOf(k);
+    if (order.NumberOf(point) < 0) continue;
+    EXPECT_NEAR(heights[point], before[point], 1e-5) << point;
+  }
+}
+
+TEST(GridFileOrder, APointWithoutAHeightLiesWhereItsParentsPutIt) {
+  CTestGrid model(2, 1);
+  SetSurface(model.m_Grid, CRamp{});
+  std::string text = GridText(model.m_Grid);
+  text = Replaced(text, "bNvNvNvNe", "bbNvNvNvNevNvNvNe");
+  ASSERT_EQ(ReadText(model.m_Grid, text), GridFileState::Whole);
+  const std::vector<double> heights = NodalHeights(model.m_Grid);
+  ASSERT_EQ(heights.size(), 14U);
+  for (std::size_t k = 0; k < heights.size(); ++k) {
+    const CLattice& lattice = model.m_Grid.Lattice();
+    const CPointOrder& order = model.m_Grid.Order();
+    EXPECT_NEAR(heights[k], CRamp{}(lattice.XOf(order.ColumnOf(k)), lattice.YOf(order.RowOf(k))), 1e-4) << k;
+  }
+}
+
+}  // namespace

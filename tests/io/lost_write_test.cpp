@@ -1,0 +1,110 @@
+#include <csignal>
+#include <functional>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include "io/CSafeFile.h"
+#include "support/FileBuilders.h"
+#include "support/gui/CTemporaryDirectory.h"
+
+namespace {
+
+/// For as long as it lives no file of this process grows beyond `bytes`, as on a disk that is full.
+class CFullDisk {
+ public:
+  explicit CFullDisk(rlim_t bytes) : m_Handler(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &m_Old);
+    const rlimit limit{bytes, m_Old.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~CFullDisk() {
+    setrlimit(RLIMIT_FSIZE, &m_Old);
+    std::signal(SIGXFSZ, m_Handler);
+  }
+  CFullDisk(const CFullDisk&) = delete;
+  CFullDisk& operator=(const CFullDisk&) = delete;
+
+ private:
+  rlimit m_Old{};
+  void (*m_Handler)(int);
+};
+
+struct CWriter {
+  const char* m_pName;
+  const char* m_pMethod;
+  std::function<bool(const CGrid& grid, const std::string& file)> m_Write;
+};
+
+const std::vector<CWriter> kWriters{
+    {"Grid", "Save", [](const CGrid& grid, const std::string& file) { return grid.Save(file); }},
+    {"Vrml", "SaveVrml", [](const CGrid& grid, const std::string& file) { return grid.SaveVrml(file); }},
+    {"HeightField", "SaveHeightField",
+     [](const CGrid& grid, const std::string& file) { return grid.SaveHeightField(file, 90, 90); }},
+};
+
+class LostWrite : public testing::TestWithParam<CWriter> {
+ protected:
+  /// Tries to write and expects the report of a failure.
+  void ExpectFailure(const std::string& file) {
+    EXPECT_FALSE(GetParam().m_Write(m_Model.m_Grid, file));
+    EXPECT_EQ(m_Model.m_Console.Take(),
+              std::string("Error CGrid::") + GetParam().m_pMethod + "()\t\tfail to write file " + file + "\n");
+    ASSERT_EQ(m_Host.m_aNotices.size(), 1U);
+    EXPECT_EQ(m_Host.m_aNotices[0],
+              "The file " + file + " could not be written. If it existed before, it is unchanged.");
+    EXPECT_EQ(GridText(m_Model.m_Grid), m_Before) << "the model stays as it was";
+  }
+  std::ptrdiff_t FileCount() const {
+    return std::distance(std::filesystem::directory_iterator(m_Directory.Path()), {});
+  }
+
+  CTemporaryDirectory m_Directory;
+  CFullModel m_Model;
+  CFileHost m_Host{m_Model.m_Grid};
+  std::string m_Before = GridText(m_Model.m_Grid);
+};
+
+TEST_P(LostWrite, OnAFullDiskLeavesTheOldFileWhole) {
+  const std::string file = m_Directory.Path() / "out";
+  WriteText(file, "old contents");
+  {
+    const CFullDisk full(1000);
+    ExpectFailure(file);
+  }
+  EXPECT_EQ(BytesOf(file), "old contents");
+  EXPECT_EQ(FileCount(), 1) << "nothing is left beside it";
+}
+
+TEST_P(LostWrite, OnAFullDiskLeavesNoNewFile) {
+  {
+    const CFullDisk full(1000);
+    ExpectFailure(m_Directory.Path() / "out");
+  }
+  EXPECT_EQ(FileCount(), 0);
+}
+
+TEST_P(LostWrite, IntoAMissingFolderIsReported) { ExpectFailure(m_Directory.Path() / "none" / "out"); }
+
+TEST_P(LostWrite, OntoADirectoryIsReported) {
+  ExpectFailure(m_Directory.Path());
+  EXPECT_EQ(FileCount(), 0);
+}
+
+TEST_P(LostWrite, ToAFullDeviceIsReported) { ExpectFailure("/dev/full"); }
+
+INSTANTIATE_TEST_SUITE_P(Each, LostWrite, testing::ValuesIn(kWriters),
+                         [](const auto& writer) { return std::string(writer.param.m_pName); });
+
+TEST(SafeFile, ReplacesTheOldContentsOnlyWhenItIsComplete) {
+  const CTemporaryDirectory directory;
+  const std::string file = directory.Path() / "out";
+  WriteText(file, "old contents");
+  CSafeFile safe(file);
+  safe.Text() << "new " << 1.5 << std::string(100000, 'x');
+  EXPECT_EQ(BytesOf(file), "old contents");
+  EXPECT_TRUE(safe.Commit());
+  EXPECT_EQ(BytesOf(file), "new 1.5" + std::string(100000, 'x'));
+}
+
+}  // namespace
