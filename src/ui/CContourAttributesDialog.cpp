@@ -65,6 +65,7 @@ CContourAttributesDialog::CContourAttributesDialog(ViewHost& views, const Fl_Win
   AddOk(6, 280, 90, 30);
   auto* exportConstraints = new Fl_Button(102, 280, 155, 30, "Export Constraints");
   exportConstraints->callback(cb_Export, this);
+  add(exportConstraints);
   AddCancel(263, 280, 90, 30);
   end();
   Refresh({}, false);

@@ -182,10 +182,12 @@ void CDrawingOptionsDialog::BuildColourGroup(const char* label, int left, std::s
 }
 
 void CDrawingOptionsDialog::BuildButtons() {
-  auto* ok = new Fl_Return_Button(170, 686, 105, 30, "OK");
+  Fl_Button* ok = new Fl_Return_Button(170, 686, 105, 30, "OK");
   auto* cancel = new Fl_Button(295, 686, 105, 30, "Cancel");
-  ok->callback(cb_Close, this);
-  cancel->callback(cb_Close, this);
+  for (Fl_Button* button : {ok, cancel}) {
+    button->callback(cb_Close, this);
+    add(button);
+  }
 }
 
 CDrawingOptionsDialog::CSliderSlot& CDrawingOptionsDialog::SlotOf(const CViewDrawing& view, std::size_t row) {

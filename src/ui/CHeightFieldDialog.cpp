@@ -16,6 +16,7 @@ CHeightFieldDialog::CHeightFieldDialog(ViewHost& views, const Fl_Window& mainWin
   auto* frame = new Fl_Box(35, 45, 195, 150, "Choose the sampling \n(Number of grid points)");
   frame->box(FL_ENGRAVED_FRAME);
   frame->align(FL_ALIGN_TOP);
+  add(frame);
   m_pWidth = new CNumberInput(105, 81, 110, 25, "Width");
   m_pHeight = new CNumberInput(105, 133, 110, 25, "Height");
   AddOk(25, 210, 105, 30);

@@ -143,14 +143,15 @@ void CLightUI::BuildTextures() {
 
 void CLightUI::BuildUpdates() {
   Fl_Group* group = BeginFrame(6, 334, 245, 94, "Updates");
-  const auto add = [this](int x, int w, const char* label, Fl_Callback* command) {
+  const auto addButton = [this, group](int x, int w, const char* label, Fl_Callback* command) {
     auto* button = new Fl_Button(x, 342, w, 78, label);
     button->labelsize(12);
     button->callback(command, this);
+    group->add(button);
   };
-  add(12, 70, "Update\ntexels\nnormals", cb_UpdateNormals);
-  add(85, 92, "Update\ntexels\nInterpolation", cb_UpdateInterpolation);
-  add(180, 65, "Update\nKd", cb_UpdateKd);
+  addButton(12, 70, "Update\ntexels\nnormals", cb_UpdateNormals);
+  addButton(85, 92, "Update\ntexels\nInterpolation", cb_UpdateInterpolation);
+  addButton(180, 65, "Update\nKd", cb_UpdateKd);
   group->end();
 }
 

@@ -14,11 +14,13 @@ CModalDialog::CModalDialog(int width, int height, const char* title, ViewHost& v
 void CModalDialog::AddOk(int x, int y, int w, int h) {
   auto* button = new Fl_Return_Button(x, y, w, h, "OK");
   button->callback(cb_Ok, this);
+  add(button);
 }
 
 void CModalDialog::AddCancel(int x, int y, int w, int h) {
   auto* button = new Fl_Button(x, y, w, h, "Cancel");
   button->callback(cb_Cancel, this);
+  add(button);
 }
 
 bool CModalDialog::Run() {

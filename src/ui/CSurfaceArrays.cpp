@@ -92,15 +92,15 @@ void CSurfaceArrays::PlaceVertices(CGrid& grid) {
   m_Extent = lattice.Extent();
   m_afPositions.resize(3 * (CornerCount() + leaves.size()));
   const auto side = static_cast<std::uint32_t>(lattice.PointsPerSide());
-  const auto place = [&](std::size_t vertex, double column, double row) {
-    Put(m_afPositions, vertex, {lattice.XOf(column), lattice.YOf(row), 0});
+  // `half` the size of the leaf whose lower left corner the point is, or 0 for the point itself.
+  const auto place = [&](std::size_t vertex, std::uint32_t point, double half) {
+    const std::uint32_t column = point % side;
+    const std::uint32_t row = point / side;
+    Put(m_afPositions, vertex, {lattice.XOf(column + half), lattice.YOf(row + half), 0});
   };
-  for (std::size_t v = 0; v < CornerCount(); ++v) place(v, m_auPoints[v] % side, m_auPoints[v] / side);
+  for (std::size_t v = 0; v < CornerCount(); ++v) place(v, m_auPoints[v], 0);
   std::size_t v = CornerCount();
-  for (const CLeaf& leaf : leaves) {
-    const double half = 0.5 * leaf.m_uSize;
-    place(v++, leaf.m_uPoint % side + half, leaf.m_uPoint / side + half);
-  }
+  for (const CLeaf& leaf : leaves) place(v++, leaf.m_uPoint, 0.5 * leaf.m_uSize);
 }
 
 void CSurfaceArrays::RaiseVertices(CGrid& grid) {

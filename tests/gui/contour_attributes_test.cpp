@@ -175,13 +175,15 @@ TEST_F(ContourAttributesTest, CheckButtonsComeBack) {
 }
 
 TEST_F(ContourAttributesTest, OrientationsAreHeldToEightyDegrees) {
-  constexpr std::array<std::pair<const char*, double>, 5> kCases{
-      {{"120", 80.0}, {"80.5", 80.0}, {"-81", -80.0}, {"79.5", 79.5}, {"-80", -80.0}}};
-  for (const auto& [text, expected] : kCases) {
+  struct CCase {
+    const char* m_pText;
+    double m_fStored;
+  };
+  for (const CCase& orientation : {CCase{"120", 80}, CCase{"80.5", 80}, CCase{"-81", -80}, CCase{"79.5", 79.5}}) {
     for (const CInputRow& row : {kInputs[3], kInputs[7]}) {
-      auto answer = Ask([&](Fl_Window& window) { Type(Input(window, row), text); }, "OK");
+      auto answer = Ask([&](Fl_Window& window) { Type(Input(window, row), orientation.m_pText); }, "OK");
       ASSERT_TRUE(answer.has_value());
-      EXPECT_EQ(row.m_pValue(answer->m_Attributes), expected) << row.m_pName << text;
+      EXPECT_EQ(row.m_pValue(answer->m_Attributes), orientation.m_fStored) << row.m_pName << orientation.m_pText;
     }
   }
 }

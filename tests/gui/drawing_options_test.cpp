@@ -353,7 +353,7 @@ TEST(ColourChoiceTest, NoOtherCubeColourIsNearer) {
       for (std::size_t k = 0; k < 3; ++k) sum += std::abs(bytes[k] / 255.0 - colour[k]);
       return sum;
     };
-    for (Fl_Color entry = FL_COLOR_CUBE; entry < FL_COLOR_CUBE + 200; ++entry) {
+    for (auto entry = static_cast<Fl_Color>(FL_COLOR_CUBE); entry < FL_COLOR_CUBE + 200; ++entry) {
       EXPECT_LE(distance(NearestCubeColour(colour)), distance(entry) + 0.02);
     }
   }
