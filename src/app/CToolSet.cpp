@@ -1,17 +1,44 @@
 #include "app/CToolSet.h"
 
+#include <memory>
+#include <string>
 #include <utility>
 
+#include "app/CLightTool.h"
+#include "app/RecorderTool.h"
+#include "app/ScissorsTool.h"
 #include "model/CGrid.h"
 #include "ui/CImageViewUI.h"
 #include "ui/DrawingSettings.h"
 
-CToolSet::CToolSet(CImageViewUI& window)
-    : m_DrawingOptions(g_DrawingSettings, window, window), m_GridParameters(window, window) {
+namespace {
+
+void ExportHeightField(CImageViewUI& window, const CGrid& grid, int width, int height) {
+  const auto file = window.ChooseFile("please input Height-Field file name", nullptr);
+  if (file.has_value()) grid.SaveHeightField(*file, width, height);
+}
+
+}  // namespace
+
+CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
+    : m_DrawingOptions(g_DrawingSettings, window, window),
+      m_GridParameters(window, window),
+      m_HeightField(window, window,
+                    [&](int width, int height) { ExportHeightField(window, grid, width, height); }) {
+  auto lights = std::make_unique<CLightTool>(window, grid);
   CWindowServices services;
   services.m_ShowDrawingOptions = [this] { m_DrawingOptions.Open(); };
+  services.m_CurrentLight = [&panel = *lights] { return panel.CurrentLight(); };
+  services.m_LightsMoved = [&panel = *lights] { panel.LightsMoved(); };
   services.m_Model.m_AskNewGrid = [this](const CGrid& present) {
     return m_GridParameters.Ask(present.Lattice().Extent(), present.MaxLevel());
   };
+  services.m_Model.m_LoadGrid = [](CGrid& target, const std::string& file) { target.Load(file); };
+  services.m_Model.m_SaveGrid = [](CGrid& source, const std::string& file) { source.Save(file); };
+  services.m_Model.m_SaveVrml = [](CGrid& source, const std::string& file) { return source.SaveVrml(file); };
+  services.m_Model.m_ExportHeightField = [this](CGrid&) { m_HeightField.Open(); };
   window.SetServices(std::move(services));
+  window.SetTool(CImageViewUI::Tool::LightSources, std::move(lights));
+  window.SetTool(CImageViewUI::Tool::Recorder, MakeRecorderTool(window));
+  window.SetTool(CImageViewUI::Tool::Scissors, MakeScissorsTool(window, grid));
 }

@@ -2,16 +2,19 @@
 
 #include "ui/CDrawingOptionsDialog.h"
 #include "ui/CGridParametersDialog.h"
+#include "ui/CHeightFieldDialog.h"
 
+class CGrid;
 class CImageViewUI;
 
-/// The dialogs and tools of the program, connected to its window.
+/// The dialogs and tools of the program, connected to its window and its grid.
 class CToolSet {
  public:
-  /// The window must outlive the object.
-  explicit CToolSet(CImageViewUI& window);
+  /// Both must outlive the object.
+  CToolSet(CImageViewUI& window, CGrid& grid);
 
  private:
   CDrawingOptionsDialog m_DrawingOptions;
   CGridParametersDialog m_GridParameters;
+  CHeightFieldDialog m_HeightField;
 };

@@ -42,7 +42,7 @@ int main() {
   CImageViewUI window(RegisterSolverTimer);
   window.show();
   window.AttachGrid(grid);
-  const CToolSet tools(window);
+  const CToolSet tools(window, grid);
   RegisterSolverTimer(grid);
   // The end comes from the window's callback.
   for (;;) Fl::wait();

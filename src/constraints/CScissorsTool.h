@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/CPlanePoint.h"
 #include "constraints/CLinkCosts.h"
 #include "constraints/CPixelViewport.h"
 #include "constraints/CScissorsContours.h"
@@ -12,14 +13,6 @@
 #include "constraints/MinimumPathTree.h"
 
 struct CExtent;
-
-/// A point of the model rectangle, in model units.
-struct CPlanePoint {
-  double m_fX = 0.0;
-  double m_fY = 0.0;
-
-  friend bool operator==(const CPlanePoint&, const CPlanePoint&) = default;
-};
 
 /// Intelligent scissors without a window: the user sets key points, and from one to the next the contour follows the
 /// cheapest path along the edges of the picture.

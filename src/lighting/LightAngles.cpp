@@ -36,17 +36,3 @@ CLightAngles AnglesOf(const Vector3& direction) {
   angles.m_fPhi = direction.y < 0 ? 360 - phi : phi;
   return angles;
 }
-
-void TurnLight(CLight& light, const CViewTurn& turn) {
-  const Vector3 side = (1.0 / Length(turn.m_Up)) * Cross(turn.m_EyeOffset, turn.m_Up);
-  const Vector3 step = (1.0 / turn.m_fStepDivisor) * (turn.m_fDx * side + turn.m_fDy * turn.m_Up);
-  const Vector3 from = Normalised(turn.m_EyeOffset);
-  const Vector3 to = Normalised(turn.m_EyeOffset - step);
-  if (!IsFinite(from) || !IsFinite(to)) return;
-  // Rodrigues' formula with the axis scaled by the sine. The two are less than a right angle apart, since the step is
-  // perpendicular to the offset.
-  const Vector3 axis = Cross(from, to);
-  const double cosine = Dot(from, to);
-  const Vector3 d = light.Direction();
-  light.SetDirection(cosine * d + Cross(axis, d) + (Dot(axis, d) / (1 + cosine)) * axis);
-}

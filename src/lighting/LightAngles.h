@@ -16,16 +16,3 @@ Vector3 DirectionOf(const CLightAngles& angles);
 CLightAngles AnglesOf(const Vector3& direction);
 /// Whether phi makes any difference: not where theta is exactly 0 or 180.
 inline bool IsPhiFree(double theta) { return theta != 0 && theta != 180; }
-
-/// A step of a mouse drag that turns the eye of the model view about its centre.
-struct CViewTurn {
-  Vector3 m_EyeOffset;            ///< from the centre to the eye
-  Vector3 m_Up;                   ///< the view's up vector, as long as the offset and perpendicular to it
-  double m_fDx = 0.0;             ///< motion of the mouse in pixels, to the right
-  double m_fDy = 0.0;             ///< and upwards
-  double m_fStepDivisor = 200.0;  ///< pixels per radian
-};
-
-/// Turns a light's direction by the rotation that takes the eye's offset onto offset - (dx side + dy up) / divisor with
-/// side = offset x up / |up|. The length stays. A turn without an offset or an up vector does nothing.
-void TurnLight(CLight& light, const CViewTurn& turn);

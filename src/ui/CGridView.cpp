@@ -65,7 +65,9 @@ void CGridView::ResetCamera() {
 
 void CGridView::draw() {
   PrepareContext(*this);
-  if (m_pGrid != nullptr) DrawScene();
+  if (m_pGrid == nullptr) return;
+  if (m_BeforeDrawing) m_BeforeDrawing();
+  DrawScene();
 }
 
 void CGridView::DrawScene() {
@@ -88,6 +90,11 @@ void CGridView::DrawScene() {
   const Vector3& up = m_Camera.m_Up;
   gluLookAt(eye.x, eye.y, eye.z, centre.x, centre.y, centre.z, up.x, up.y, up.z);
   m_Painter.Draw(*m_pGrid, m_View);
+}
+
+void CGridView::SetCamera(const CCamera& camera) {
+  m_Camera = camera;
+  redraw();
 }
 
 bool CGridView::SaveFrame(const std::string& filename) {
@@ -183,9 +190,11 @@ void CGridView::TurnLights(int dx, int dy, bool removed, bool added) {
     const Vector3 turned = m_Camera.RotateDirection({x, y, z}, dx, dy);
     light.m_afDirection = {turned.x, turned.y, turned.z, w};
   };
+  bool digit = false;
+  for (int k = 0; k < kDigitLights; ++k) digit = digit || IsDigitHeld(k + 1);
   bool any = false;
   for (int k = 0; k < kDigitLights; ++k) {
-    if (!IsDigitHeld(k + 1)) continue;
+    if (digit ? !IsDigitHeld(k + 1) : k != m_pHost->CurrentLight()) continue;
     if (removed) turn(m_pGrid->RemovedLights().m_aLights[static_cast<std::size_t>(k)]);
     if (added) turn(m_pGrid->AddedLights().m_aLights[static_cast<std::size_t>(k)]);
     any = true;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 
 #include <FL/Fl_Gl_Window.H>
 
@@ -38,10 +39,14 @@ class CGridView : public Fl_Gl_Window {
   /// 1: Kd, 2: new illumination, 3: photograph. Any other value is reported at every drawing, which then takes the
   /// texture used last.
   void SetDrawTexture(int which);
+  int DrawTexture() const { return m_View.m_iDrawTexture; }
+  /// Called at every drawing, before anything is drawn.
+  void BeforeDrawing(std::function<void()> action) { m_BeforeDrawing = std::move(action); }
   /// Who draws the normals of the texels once a picture is loaded; called with the view's context current.
   void DrawTexelNormalsWith(std::function<void()> draw) { m_Painter.DrawTexelNormalsWith(std::move(draw)); }
 
   const CCamera& Camera() const { return m_Camera; }
+  void SetCamera(const CCamera& camera);
   /// Looks at the whole model from the front.
   void ResetCamera();
   /// Ends the drag under way, if any, and lets the solver go on. For dialogs: they swallow the release of the button.
@@ -71,6 +76,7 @@ class CGridView : public Fl_Gl_Window {
   CModelPainter::CView m_View;
   CModelPainter m_Painter;
   CCamera m_Camera;
+  std::function<void()> m_BeforeDrawing;
   CRedrawPacer m_Pacer;
   int m_iDragButton = 0;  ///< as it was pressed; 0 while nothing is dragged
   int m_iMouseX = 0;

@@ -234,6 +234,10 @@ void CImageViewUI::RedrawModelView() { m_pGridView->redraw(); }
 
 void CImageViewUI::FocusImageView() { m_pImageView->take_focus(); }
 
+void CImageViewUI::LightsMoved() {
+  if (m_Services.m_LightsMoved) m_Services.m_LightsMoved();
+}
+
 void CImageViewUI::ShowPointerInside(bool inside) { Button(Control::PointerInside).value(inside ? 1 : 0); }
 
 void CImageViewUI::ShowInfluence(double value) { ReadOut(Control::Influence).value(value); }

@@ -27,7 +27,7 @@ class Fl_Value_Output;
 /// them, the help line. It is the host of the grid attached to it and of both views.
 ///
 /// Closing it ends the program with exit status 0; Escape does not close it. RELIEVO_SCALE scales it.
-class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private SolverPanel, private CommandHost {
+class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private SolverPanel, public CommandHost {
  public:
   enum class Tool { LightSources, Recorder, Scissors };
 
@@ -90,6 +90,13 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void ShowPointerInside(bool inside) override;
   void ShowInfluence(double value) override;
   void ShowNumber(int number, int levelCode) override;
+  int CurrentLight() const override { return m_Services.m_CurrentLight ? m_Services.m_CurrentLight() : -1; }
+  void LightsMoved() override;
+
+  // Questions to the user, for all of them. Every dialog ends the drag under way.
+
+  std::optional<std::string> ChooseFile(const char* title, const char* pattern) override;
+  bool Ask(const char* question) override;
   void Notice(const char* text) override;
 
  private:
@@ -134,8 +141,6 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void ShowSolverRunning(bool running) override;
   void EnableSolverControls(bool enable) override;
   void EnableEditing(bool enable) override;
-  std::optional<std::string> ChooseFile(const char* title, const char* pattern) override;
-  bool Ask(const char* question) override;
   bool LoadPicture(const std::string& file) override;
   std::string TextureFile() const override;
   void GridReplaced() override;

@@ -1,14 +1,7 @@
 #pragma once
 
+#include "base/CPlanePoint.h"
 #include "model/CLattice.h"
-
-/// A place in the plane of the picture, in model units; or one in a view, in pixels from its top left corner.
-struct CPlanePoint {
-  double x = 0.0;
-  double y = 0.0;
-
-  bool operator==(const CPlanePoint&) const = default;
-};
 
 /// Which part of the model rectangle the image view shows, and the way from its pixels to the plane and back.
 ///

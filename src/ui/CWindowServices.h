@@ -17,6 +17,9 @@ struct CWindowServices {
   std::function<void(CGrid& grid)> m_CurveTypeChanged;
   /// Ends the manual subdivision: applies what is selected.
   std::function<void(CGrid& grid)> m_ApplySelection;
+  /// The light that the light panel edits, 0 to 4, or -1; what follows when lights were turned in the model view.
+  std::function<int()> m_CurrentLight;
+  std::function<void()> m_LightsMoved;
   /// Whether the views can show the texels of a picture.
   bool m_bTexels = false;
 };

@@ -87,12 +87,11 @@ void CGridCommands::SaveGrid() {
 void CGridCommands::SaveVrml() {
   if (m_pGrid == nullptr || !m_Services.m_SaveVrml) return;
   const CCommandPause pause(m_Solver);
-  const std::string texture = m_Host.TextureFile();
-  if (texture.empty()) Console() << "can't save as VRML without texture file\n";
+  if (m_Host.TextureFile().empty()) Console() << "can't save as VRML without texture file\n";
   const std::optional<std::string> file = m_Host.ChooseFile("please input VRML file name", "*.wrl");
   if (!file.has_value()) return;
   m_pGrid->PerformPendingWork();
-  m_Services.m_SaveVrml(*m_pGrid, *file, texture);
+  if (!m_Services.m_SaveVrml(*m_pGrid, *file)) return;
   m_Host.Notice(
       "VRML complete. You need to get a jpeg version of the texture file, named picture.jpg, and put it in the same "
       "directory as the wrl file.");

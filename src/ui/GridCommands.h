@@ -29,7 +29,7 @@ struct CModelServices {
   std::function<std::optional<CGridParameters>(const CGrid& grid)> m_AskNewGrid;
   std::function<void(CGrid& grid, const std::string& file)> m_LoadGrid;
   std::function<void(CGrid& grid, const std::string& file)> m_SaveGrid;
-  std::function<void(CGrid& grid, const std::string& file, const std::string& texture)> m_SaveVrml;
+  std::function<bool(CGrid& grid, const std::string& file)> m_SaveVrml;  ///< whether the file was written
   std::function<void(CGrid& grid)> m_ExportHeightField;
 };
 

@@ -231,7 +231,6 @@ void CImageViewUI::ToggleTool(Tool tool) {
     window.Close();
   } else {
     EndDrags();
-    if (tool == Tool::Recorder) m_Solver.PauseForRecorder();
     window.Open();
     if (tool == Tool::Scissors) m_Solver.StopSolver();
   }
@@ -239,7 +238,6 @@ void CImageViewUI::ToggleTool(Tool tool) {
 }
 
 void CImageViewUI::ToolClosed(Tool tool) {
-  if (tool == Tool::Recorder) m_Solver.EndRecorder();
   ShowLamp(tool, false);
 }
 
@@ -310,7 +308,11 @@ void CImageViewUI::GridReplaced() {
                       true);
   RefreshReadOuts();
   Relayout();
+  m_pGridView->ResetCamera();
   RequestRedraw();
+  for (const auto& tool : m_apTools) {
+    if (tool != nullptr) tool->GridReplaced();
+  }
 }
 
 template <class View>

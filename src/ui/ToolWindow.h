@@ -16,6 +16,8 @@ class ToolWindow {
   virtual void Close() = 0;
   /// Another picture has been loaded.
   virtual void PictureLoaded() {}
+  /// The grid has been initialised anew or read from a file.
+  virtual void GridReplaced() {}
 
   /// What is to be done when the window has closed.
   void OnClosed(std::function<void()> action) { m_Closed = std::move(action); }

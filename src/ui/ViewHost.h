@@ -24,6 +24,8 @@ class ViewHost {
   /// Term of the nearest point or cell ("Influence of current point"), number and level code of the nearest point.
   virtual void ShowInfluence(double value) = 0;
   virtual void ShowNumber(int number, int levelCode) = 0;
+  /// The light that drags turn while no digit is held, 0 to 3; any other number for none.
+  virtual int CurrentLight() const { return -1; }
   /// A drag has turned lights of the grid: what was computed from them is out of date.
   virtual void LightsMoved() {}
   /// A message box that the user has to acknowledge; ends every drag.

@@ -191,8 +191,8 @@ TEST_F(ScissorsViewTest, EnterExportsTheContour) {
   ASSERT_EQ(m_Host.m_aaCurves.size(), 1U);
   EXPECT_EQ(m_Host.m_aaCurves[0].size(), 41U);
   const CExtent& extent = Grid().Lattice().Extent();
-  EXPECT_DOUBLE_EQ(m_Host.m_aaCurves[0][0].m_fX, extent.x0 + (extent.x1 - extent.x0) * 20.5 / 200);
-  EXPECT_DOUBLE_EQ(m_Host.m_aaCurves[0][0].m_fY, extent.y0 + (extent.y1 - extent.y0) * 119.5 / 150);
+  EXPECT_DOUBLE_EQ(m_Host.m_aaCurves[0][0].x, extent.x0 + (extent.x1 - extent.x0) * 20.5 / 200);
+  EXPECT_DOUBLE_EQ(m_Host.m_aaCurves[0][0].y, extent.y0 + (extent.y1 - extent.y0) * 119.5 / 150);
   EXPECT_TRUE(Contours().Traced().empty());
   EXPECT_FALSE(Contours().IsInProgress());
 }

@@ -80,47 +80,4 @@ RC_GTEST_PROP(LightAnglesProperty, SlidersComeBackWhereTheyWere, ()) {
   RC_ASSERT(std::abs(angles.m_fPhi - phi) < 1e-5);
 }
 
-// The view from +z with y up, 10 away.
-CViewTurn Turn(double dx, double dy) { return {{0, 0, 10}, {0, 10, 0}, dx, dy}; }
-
-Vector3 Turned(const Vector3& direction, const CViewTurn& turn) {
-  CLight light;
-  light.SetDirection(direction);
-  TurnLight(light, turn);
-  EXPECT_EQ(light.m_afDirection[3], 0.0);
-  return light.Direction();
-}
-
-TEST(TurnLight, ALightFromTheEyeGoesWhereTheEyeGoes) {
-  // side = (0, 0, 10) x (0, 10, 0) / 10 = (-10, 0, 0): one radian of it is 200 pixels.
-  ExpectNear(Turned({0, 0, 1}, Turn(20, 0)), Normalised({1, 0, 10}), 1e-12);
-  ExpectNear(Turned({0, 0, 1}, Turn(0, 20)), Normalised({0, -1, 10}), 1e-12);
-  ExpectNear(Turned({0, 0, 1}, Turn(-20, 40)), Normalised({-1, -2, 10}), 1e-12);
-}
-
-TEST(TurnLight, TheAxisOfTheTurnStays) {
-  ExpectNear(Turned({0, 1, 0}, Turn(57, 0)), {0, 1, 0}, 1e-12);
-  ExpectNear(Turned({1, 0, 0}, Turn(0, -31)), {1, 0, 0}, 1e-12);
-}
-
-TEST(TurnLight, AllLightsTurnByTheSameAngle) {
-  // 20 pixels aside: tan = 0.1 about the y axis.
-  const double a = std::atan(0.1);
-  ExpectNear(Turned({1, 0, 0}, Turn(20, 0)), {std::cos(a), 0, -std::sin(a)}, 1e-12);
-  ExpectNear(Turned({0.6, 0.8, 0}, Turn(20, 0)), {0.6 * std::cos(a), 0.8, -0.6 * std::sin(a)}, 1e-12);
-}
-
-TEST(TurnLight, ItsStepIsTheCameras) {
-  CViewTurn turn = Turn(5, 0);
-  turn.m_fStepDivisor = 50;
-  ExpectNear(Turned({0, 0, 1}, turn), Turned({0, 0, 1}, Turn(20, 0)), 1e-12);
-}
-
-TEST(TurnLight, TheLengthStays) { EXPECT_NEAR(Length(Turned({1, 2, 2}, Turn(33, -71))), 3.0, 1e-12); }
-
-TEST(TurnLight, WithoutAViewNothingHappens) {
-  EXPECT_EQ(Turned({1, 2, 2}, {{}, {0, 1, 0}, 5, 5}), (Vector3{1, 2, 2}));
-  EXPECT_EQ(Turned({1, 2, 2}, {{0, 0, 1}, {}, 5, 5}), (Vector3{1, 2, 2}));
-}
-
 }  // namespace

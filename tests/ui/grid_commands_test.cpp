@@ -30,8 +30,9 @@ class GridCommandsTest : public ::testing::Test {
     return {[this](const CGrid&) { return Note("ask"), m_NewGrid; },
             [this](CGrid&, const std::string& file) { Note("load " + file); },
             [this](CGrid&, const std::string& file) { Note("save " + file); },
-            [this](CGrid&, const std::string& file, const std::string& texture) {
-              Note("vrml " + file + " with " + texture);
+            [this](CGrid&, const std::string& file) {
+              Note("vrml " + file);
+              return true;
             },
             [this](CGrid&) { Note("height field"); }};
   }

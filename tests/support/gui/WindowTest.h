@@ -113,7 +113,10 @@ class WindowTest : public ToolkitTest {
     };
     services.m_Model.m_LoadGrid = [note](CGrid&, const std::string&) { note("load"); };
     services.m_Model.m_SaveGrid = [note](CGrid&, const std::string&) { note("save"); };
-    services.m_Model.m_SaveVrml = [note](CGrid&, const std::string&, const std::string&) { note("vrml"); };
+    services.m_Model.m_SaveVrml = [note](CGrid&, const std::string&) {
+      note("vrml");
+      return true;
+    };
     services.m_Model.m_ExportHeightField = [note](CGrid&) { note("height field"); };
     services.m_ShowDrawingOptions = [note] { note("options"); };
     services.m_DropCurve = [note](CGrid&) { note("drop curve"); };

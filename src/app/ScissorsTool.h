@@ -1,0 +1,11 @@
+#pragma once
+
+#include <memory>
+
+#include "ui/ToolWindow.h"
+
+class CGrid;
+class CImageViewUI;
+
+/// The intelligent scissors, whose contours become tears of the grid. Window and grid must outlive them.
+std::unique_ptr<ToolWindow> MakeScissorsTool(CImageViewUI& window, CGrid& grid);
