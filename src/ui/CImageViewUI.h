@@ -111,13 +111,9 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   Fl_Button& Button(Control control);
   Fl_Value_Output& ReadOut(Control control);
   static void cb_Window(Fl_Widget* widget, void* data);
-  static void cb_PendingWork(void* window);
+  static void cb_PendingWork(void* data);
 
   // ImageViewUICommands.cpp: what its controls do.
-  struct CCallbackRow;
-  static const CCallbackRow kCallbacks[];
-  struct CFlagRow;
-  static const CFlagRow kFlags[];
   void ConnectCallbacks();
   void Chosen(MenuEntry entry);
   bool FlagChosen(MenuEntry entry);
@@ -135,7 +131,7 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void ShowHelpLine(bool show);
   template <class View>
   void Shoot(View& view, Fl_Gl_Window& other);
-  static void cb_m_pbtnSwitchHR_LR(Fl_Widget* widget, void* window);
+  static void cb_m_pbtnSwitchHR_LR(Fl_Widget* widget, void* data);
 
   // For the solver control and the commands.
   void ShowSolverRunning(bool running) override;

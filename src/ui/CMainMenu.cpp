@@ -1,6 +1,6 @@
 #include "ui/CMainMenu.h"
 
-#include <cstdint>
+#include <array>
 #include <utility>
 
 #include <FL/Fl.H>
@@ -22,7 +22,7 @@ using enum RowKind;
 constexpr int kModifiers = FL_SHIFT | FL_CTRL | FL_ALT | FL_META;
 
 // clang-format off
-constexpr CMenuRow kRows[] = {
+constexpr auto kRows = std::to_array<CMenuRow>({
   {Menu, "&File", 0, {}},
   {Command, "&New Grid", FL_ALT + 'n', MenuEntry::NewGrid},
   {Command, "Load &Grid", FL_ALT + 'o', MenuEntry::LoadGrid},
@@ -66,7 +66,7 @@ constexpr CMenuRow kRows[] = {
   {End, nullptr, 0, {}},
   {End, nullptr, 0, {}},
   {End, nullptr, 0, {}},
-};
+});
 // clang-format on
 
 int FlagsOf(RowKind kind) {
@@ -103,15 +103,15 @@ void CMainMenu::BuildItems() {
       item.flags = FlagsOf(row.m_Kind);
     }
     if (row.m_Kind != End && row.m_Kind != Menu) {
-      item.callback(cb_Item, reinterpret_cast<void*>(static_cast<std::intptr_t>(row.m_Entry)));
+      item.callback(cb_Item, static_cast<long>(row.m_Entry));
       m_auIndices.push_back(m_aItems.size());
     }
     m_aItems.push_back(item);
   }
 }
 
-void CMainMenu::cb_Item(Fl_Widget* bar, void* entry) {
-  static_cast<CMainMenu*>(bar)->m_Chosen(static_cast<MenuEntry>(reinterpret_cast<std::intptr_t>(entry)));
+void CMainMenu::cb_Item(Fl_Widget* bar, long entry) {
+  static_cast<CMainMenu*>(bar)->m_Chosen(static_cast<MenuEntry>(entry));
 }
 
 void CMainMenu::SetChecked(MenuEntry entry, bool checked) {

@@ -63,7 +63,7 @@ class CMainMenu : public Fl_Menu_Bar {
   Fl_Menu_Item& Item(MenuEntry entry) { return m_aItems[m_auIndices[static_cast<std::size_t>(entry)]]; }
   const Fl_Menu_Item& Item(MenuEntry entry) const { return m_aItems[m_auIndices[static_cast<std::size_t>(entry)]]; }
   void BuildItems();
-  static void cb_Item(Fl_Widget* bar, void* entry);
+  static void cb_Item(Fl_Widget* bar, long entry);
 
   Action m_Chosen;
   std::vector<Fl_Menu_Item> m_aItems;    ///< as the toolkit wants them, with titles and ends of menus

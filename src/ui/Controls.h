@@ -109,18 +109,18 @@ inline constexpr std::uint32_t kOn = 4;
 
 /// One control as it is in the window of kDesignWidth by kDesignHeight pixels.
 struct CControlRow {
-  Control m_Control;
-  ControlKind m_Kind;
-  Control m_Parent;
-  Column m_Column;
+  Control m_Control = Control::Window;
+  ControlKind m_Kind = ControlKind::Panel;
+  Control m_Parent = Control::Window;
+  Column m_Column = Column::Window;
   CRect m_Design;
-  const char* m_pLabel;
-  int m_iHelp;       ///< index of its help text, -1 for none
-  int m_iLabelSize;  ///< largest size of the label, pixels; it is set smaller where the text does not fit
-  int m_iTextSize;   ///< size of what an output shows
-  int m_iLabelRoom;  ///< width that a label beside or below an output may take, pixels
-  std::uint32_t m_uStart;
-  double m_fValue;  ///< what a read-out shows at the start
+  const char* m_pLabel = "";
+  int m_iHelp = -1;      ///< index of its help text, -1 for none
+  int m_iLabelSize = 0;  ///< largest size of the label, pixels; it is set smaller where the text does not fit
+  int m_iTextSize = 0;   ///< size of what an output shows
+  int m_iLabelRoom = 0;  ///< width that a label beside or below an output may take, pixels
+  std::uint32_t m_uStart = 0;
+  double m_fValue = 0;  ///< what a read-out shows at the start
 };
 
 inline constexpr int kDesignWidth = 870;

@@ -1,7 +1,7 @@
 // What the controls and the menu of the main window do.
 
+#include <array>
 #include <cstddef>
-#include <iterator>
 #include <string>
 
 #include <FL/Fl.H>
@@ -19,77 +19,79 @@
 #include "ui/DrawingSettings.h"
 #include "ui/TimerInterval.h"
 
-struct CImageViewUI::CCallbackRow {
-  Control m_Control;
-  void (*m_Action)(CImageViewUI& window, bool on);  ///< `on`: the value of the button after the click
-};
-
-// clang-format off
-const CImageViewUI::CCallbackRow CImageViewUI::kCallbacks[] = {
-  {Control::PositionConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Position); }},
-  {Control::NormalConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Normal); }},
-  {Control::CurveConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Curve); }},
-  {Control::PositionDiscontinuity, [](CImageViewUI& ui, bool) { ui.SetCurveType(1); }},
-  {Control::NormalDiscontinuity, [](CImageViewUI& ui, bool) { ui.SetCurveType(2); }},
-  {Control::FairnessConstraint, [](CImageViewUI& ui, bool) { ui.SetCurveType(4); }},
-  {Control::Popup, [](CImageViewUI& ui, bool) { ui.Notice("Bonjour a tous !!!"); }},
-  {Control::NormalTest, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kNormalTest, on); }},
-  {Control::Select, [](CImageViewUI& ui, bool) { ui.ToggleSelect(); }},
-  {Control::Freeze, [](CImageViewUI& ui, bool) { ui.ToggleFreeze(); }},
-  {Control::ResetImageView, [](CImageViewUI& ui, bool) { ui.m_pImageView->ResetView(); }},
-  {Control::HorizontalCoefs, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kHorizontalCoefs, on); }},
-  {Control::VerticalCoefs, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kVerticalCoefs, on); }},
-  {Control::TorsionCells, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kTorsionCells, on); }},
-  {Control::ShowLevel, [](CImageViewUI& ui, bool) { ui.CycleLevelTool(); }},
-  {Control::TestInterpolation, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kInterpolation, on); }},
-  {Control::ResetModelView, [](CImageViewUI& ui, bool) { ui.m_pGridView->ResetCamera(); }},
-  {Control::ResetSolver, [](CImageViewUI& ui, bool) { ui.m_pGrid->Reset(); ui.RedrawModelView(); }},
-  {Control::TestWavelets, [](CImageViewUI& ui, bool) { ui.m_pGrid->TestWavelets(); ui.RedrawModelView(); }},
-  {Control::LightSources, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::LightSources); }},
-  {Control::Recorder, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::Recorder); }},
-  {Control::Scissors, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::Scissors); }},
-  {Control::StopSolver, [](CImageViewUI& ui, bool) { ui.m_Solver.StopSolver(); }},
-  {Control::ResumeSolver, [](CImageViewUI& ui, bool) { ui.m_Solver.Run(); }},
-  {Control::Slower, [](CImageViewUI&, bool) { g_fTimerInterval *= 1.5; }},
-  {Control::Faster, [](CImageViewUI&, bool) { g_fTimerInterval *= 2.0 / 3.0; }},
-};
-// clang-format on
-
-void CImageViewUI::ConnectCallbacks() {
-  const auto perform = [](Fl_Widget* widget, long row) {
-    auto& window = static_cast<CImageViewUI&>(*widget->window());
-    if (window.m_pGrid == nullptr) return;
-    kCallbacks[row].m_Action(window, static_cast<Fl_Button*>(widget)->value() != 0);
-  };
-  for (const CCallbackRow& row : kCallbacks) Widget(row.m_Control).callback(perform, &row - std::begin(kCallbacks));
-  m_pbtnSwitchHR_LR->callback(cb_m_pbtnSwitchHR_LR, this);
-}
+namespace {
 
 /// A menu entry that shows or hides something in one of the views.
-struct CImageViewUI::CFlagRow {
+struct CFlagRow {
   MenuEntry m_Entry;
-  bool m_bModelView;
   std::uint32_t m_uFlag;
+  bool m_bModelView;
   bool m_bRedrawsBoth;
 };
 
-const CImageViewUI::CFlagRow CImageViewUI::kFlags[] = {
-    {MenuEntry::ImageGrid, false, ImageFlag::kGrid, false},
-    {MenuEntry::ImagePicture, false, ImageFlag::kImage, false},
-    {MenuEntry::ImagePoints, false, ImageFlag::kPointConstraints, false},
-    {MenuEntry::ImageCurves, false, ImageFlag::kCurves, false},
-    {MenuEntry::FreezeMap, false, ImageFlag::kFreezeMap, true},
-    {MenuEntry::DiscontinuityTexels, false, ImageFlag::kDiscontinuityTexels, true},
-    {MenuEntry::ModelGrid, true, ModelFlag::kGrid, false},
-    {MenuEntry::ModelTexture, true, ModelFlag::kTexturedModel, false},
-    {MenuEntry::ModelPoints, true, ModelFlag::kPointConstraints, false},
-    {MenuEntry::ModelCurves, true, ModelFlag::kCurves, false},
-    {MenuEntry::CellNormals, true, ModelFlag::kCellNormals, true},
-    {MenuEntry::PointNormals, true, ModelFlag::kPointNormals, true},
-    {MenuEntry::TexelNormals, true, ModelFlag::kTexelNormals, true},
-    {MenuEntry::DiscontinuityGap, false, ImageFlag::kDiscontinuityGap, false},
-    {MenuEntry::DiscontinuityEdges, false, ImageFlag::kDiscontinuityEdges, false},
-};
+constexpr auto kFlags = std::to_array<CFlagRow>({
+    {MenuEntry::ImageGrid, ImageFlag::kGrid, false, false},
+    {MenuEntry::ImagePicture, ImageFlag::kImage, false, false},
+    {MenuEntry::ImagePoints, ImageFlag::kPointConstraints, false, false},
+    {MenuEntry::ImageCurves, ImageFlag::kCurves, false, false},
+    {MenuEntry::FreezeMap, ImageFlag::kFreezeMap, false, true},
+    {MenuEntry::DiscontinuityTexels, ImageFlag::kDiscontinuityTexels, false, true},
+    {MenuEntry::ModelGrid, ModelFlag::kGrid, true, false},
+    {MenuEntry::ModelTexture, ModelFlag::kTexturedModel, true, false},
+    {MenuEntry::ModelPoints, ModelFlag::kPointConstraints, true, false},
+    {MenuEntry::ModelCurves, ModelFlag::kCurves, true, false},
+    {MenuEntry::CellNormals, ModelFlag::kCellNormals, true, true},
+    {MenuEntry::PointNormals, ModelFlag::kPointNormals, true, true},
+    {MenuEntry::TexelNormals, ModelFlag::kTexelNormals, true, true},
+    {MenuEntry::DiscontinuityGap, ImageFlag::kDiscontinuityGap, false, false},
+    {MenuEntry::DiscontinuityEdges, ImageFlag::kDiscontinuityEdges, false, false},
+});
+
+}  // namespace
+
+void CImageViewUI::ConnectCallbacks() {
+  struct CRow {
+    Control m_Control;
+    void (*m_Action)(CImageViewUI& window, bool on);  // `on`: the value of the button after the click
+  };
+  // clang-format off
+  static constexpr auto kRows = std::to_array<CRow>({
+    {Control::PositionConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Position); }},
+    {Control::NormalConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Normal); }},
+    {Control::CurveConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Curve); }},
+    {Control::PositionDiscontinuity, [](CImageViewUI& ui, bool) { ui.SetCurveType(1); }},
+    {Control::NormalDiscontinuity, [](CImageViewUI& ui, bool) { ui.SetCurveType(2); }},
+    {Control::FairnessConstraint, [](CImageViewUI& ui, bool) { ui.SetCurveType(4); }},
+    {Control::Popup, [](CImageViewUI& ui, bool) { ui.Notice("Bonjour a tous !!!"); }},
+    {Control::NormalTest, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kNormalTest, on); }},
+    {Control::Select, [](CImageViewUI& ui, bool) { ui.ToggleSelect(); }},
+    {Control::Freeze, [](CImageViewUI& ui, bool) { ui.ToggleFreeze(); }},
+    {Control::ResetImageView, [](CImageViewUI& ui, bool) { ui.m_pImageView->ResetView(); }},
+    {Control::HorizontalCoefs, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kHorizontalCoefs, on); }},
+    {Control::VerticalCoefs, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kVerticalCoefs, on); }},
+    {Control::TorsionCells, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kTorsionCells, on); }},
+    {Control::ShowLevel, [](CImageViewUI& ui, bool) { ui.CycleLevelTool(); }},
+    {Control::TestInterpolation, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kInterpolation, on); }},
+    {Control::ResetModelView, [](CImageViewUI& ui, bool) { ui.m_pGridView->ResetCamera(); }},
+    {Control::ResetSolver, [](CImageViewUI& ui, bool) { ui.m_pGrid->Reset(); ui.RedrawModelView(); }},
+    {Control::TestWavelets, [](CImageViewUI& ui, bool) { ui.m_pGrid->TestWavelets(); ui.RedrawModelView(); }},
+    {Control::LightSources, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::LightSources); }},
+    {Control::Recorder, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::Recorder); }},
+    {Control::Scissors, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::Scissors); }},
+    {Control::StopSolver, [](CImageViewUI& ui, bool) { ui.m_Solver.StopSolver(); }},
+    {Control::ResumeSolver, [](CImageViewUI& ui, bool) { ui.m_Solver.Run(); }},
+    {Control::Slower, [](CImageViewUI&, bool) { g_fTimerInterval *= 1.5; }},
+    {Control::Faster, [](CImageViewUI&, bool) { g_fTimerInterval *= 2.0 / 3.0; }},
+  });
+  // clang-format on
+  const auto perform = [](Fl_Widget* widget, long row) {
+    auto& window = static_cast<CImageViewUI&>(*widget->window());
+    if (window.m_pGrid == nullptr) return;
+    kRows[static_cast<std::size_t>(row)].m_Action(window, static_cast<Fl_Button*>(widget)->value() != 0);
+  };
+  for (std::size_t k = 0; k < kRows.size(); ++k) Widget(kRows[k].m_Control).callback(perform, static_cast<long>(k));
+  m_pbtnSwitchHR_LR->callback(cb_m_pbtnSwitchHR_LR, this);
+}
 
 bool CImageViewUI::FlagChosen(MenuEntry entry) {
   for (const CFlagRow& row : kFlags) {
@@ -242,7 +244,7 @@ void CImageViewUI::ToolClosed(Tool tool) {
 }
 
 void CImageViewUI::ShowLamp(Tool tool, bool on) {
-  constexpr Control kButtons[] = {Control::LightSources, Control::Recorder, Control::Scissors};
+  constexpr std::array kButtons{Control::LightSources, Control::Recorder, Control::Scissors};
   Button(kButtons[static_cast<std::size_t>(tool)]).value(on ? 1 : 0);
   // Until a picture is loaded one button lies over another and has to be drawn after it.
   Widget(Control::Interfaces).redraw();

@@ -163,14 +163,14 @@ CThreeParts SplitInThree(int length, float f1, float f2) {
 void CorrectSplit(CThreeParts& parts, const std::array<double, 3>& errors, int length) {
   const int sum = parts[0] + parts[1] + parts[2];
   if (sum > length) {
-    const auto most = std::max_element(errors.begin(), errors.end());
+    const auto* const most = std::max_element(errors.begin(), errors.end());
     if (*most >= 0) {
       --parts[static_cast<std::size_t>(most - errors.begin())];
     } else {
       Console() << "Erreur de repartition sum > t\n";
     }
   } else if (sum < length) {
-    const auto least = std::min_element(errors.begin(), errors.end());
+    const auto* const least = std::min_element(errors.begin(), errors.end());
     if (*least <= 0) {
       ++parts[static_cast<std::size_t>(least - errors.begin())];
     } else {

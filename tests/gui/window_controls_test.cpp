@@ -1,5 +1,6 @@
 // The controls of the main window as they are at the start: one table, and what a user sees of it.
 
+#include <array>
 #include <cmath>
 #include <typeinfo>
 
@@ -32,7 +33,7 @@ constexpr uchar kRadio = FL_RADIO_BUTTON;
 constexpr bool kHidden = false;
 
 // clang-format off
-const CExpected kTable[] = {
+const auto kTable = std::to_array<CExpected>({
   {Constraints, "Constraints:", typeid(Fl_Group), kPlain, {5, 476, 140, 66}},
   {PositionConstraint, "Position constraint", typeid(CHelpRoundButton), kRadio, {5, 478, 140, 20}, 2},
   {NormalConstraint, "Normal constraint", typeid(CHelpRoundButton), kRadio, {5, 498, 140, 20}, 3},
@@ -86,9 +87,9 @@ const CExpected kTable[] = {
   {Control::HelpLine, "", typeid(CHelpLine), FL_NORMAL_OUTPUT, {0, 639, 870, 20}},
   {LeftPanel, "", typeid(Fl_Group), kPlain, {0, 456, 435, 180}},
   {RightPanel, "", typeid(Fl_Group), kPlain, {435, 456, 435, 180}},
-};
+});
 
-const char* const kHelp[] = {
+const auto kHelp = std::to_array<const char*>({
   "",
   "Reset the left view",
   "Left-click on the left window to create new position constraints. Left-click and drag to move them, Right click and drag to change the height",
@@ -110,7 +111,7 @@ const char* const kHelp[] = {
   "Manualy resume the solver",
   "Click and drag to change the 3D view : left-click and right-click to rotate, middle-click to zoom",
   "Frame nb %4d recorded.",
-};
+});
 // clang-format on
 
 class WindowControlsTest : public WindowTest {

@@ -1,5 +1,6 @@
 // The menu of the main window: one table, its shortcuts, and the flags that it toggles.
 
+#include <array>
 #include <optional>
 
 #include "support/gui/WindowTest.h"
@@ -22,7 +23,7 @@ struct CExpected {
 };
 
 // clang-format off
-const CExpected kTable[] = {
+const auto kTable = std::to_array<CExpected>({
   {"&File/&New Grid", MenuEntry::NewGrid, kAlt | 'n', Command},
   {"&File/Load &Grid", MenuEntry::LoadGrid, kAlt | 'o', Command},
   {"&File/Load &Image", MenuEntry::LoadImage, kAlt | kShift | 'o', Command},
@@ -53,7 +54,7 @@ const CExpected kTable[] = {
   {"A&dvanced/&Way of convergence/New &Wavelet Transformation - default mode", MenuEntry::NewWavelets, 0, Radio, true},
   {"A&dvanced/&Way of convergence/Simple Wavelet &Transformation", MenuEntry::SimpleWavelets, 0, Radio},
   {"A&dvanced/&Way of convergence/&No Wavelet Transformation", MenuEntry::NoWavelets, 0, Radio},
-};
+});
 
 struct CFlag {
   MenuEntry m_Entry;
@@ -61,7 +62,7 @@ struct CFlag {
   std::uint32_t m_uFlag;
   bool m_bRedrawsBoth;
 };
-constexpr CFlag kFlags[] = {
+constexpr auto kFlags = std::to_array<CFlag>({
   {MenuEntry::ImageGrid, false, 2, false},
   {MenuEntry::ImagePicture, false, 64, false},
   {MenuEntry::ImagePoints, false, 4, false},
@@ -77,7 +78,7 @@ constexpr CFlag kFlags[] = {
   {MenuEntry::TexelNormals, true, 0x40000, true},
   {MenuEntry::DiscontinuityGap, false, 128, false},
   {MenuEntry::DiscontinuityEdges, false, 256, false},
-};
+});
 // clang-format on
 
 /// An entry as it lies in the menu, with the titles that lead to it.

@@ -1,3 +1,4 @@
+#include <array>
 #include <fstream>
 
 #include <gtest/gtest.h>
@@ -9,7 +10,8 @@ namespace {
 
 using Chooser = std::pair<std::string, std::string>;
 
-constexpr int kDeferrable[] = {Operation::kNewGrid, Operation::kLoadGrid, Operation::kLoadImage, Operation::kSaveGrid};
+constexpr auto kDeferrable =
+    std::to_array<int>({Operation::kNewGrid, Operation::kLoadGrid, Operation::kLoadImage, Operation::kSaveGrid});
 
 class GridCommandsTest : public ::testing::Test {
  protected:

@@ -1,3 +1,5 @@
+#include <array>
+
 #include <gtest/gtest.h>
 
 #include "support/WindowBuilders.h"
@@ -41,10 +43,13 @@ struct CResumeRow {
   bool m_bAfterChange;
   bool m_bAlways;
 };
-constexpr CResumeRow kResumes[] = {
-    {User, false, false, true},    {Command, true, false, true},    {Converged, false, true, true},
-    {Freeze, false, false, false}, {Recorder, false, false, false},
-};
+constexpr auto kResumes = std::to_array<CResumeRow>({
+    {User, false, false, true},
+    {Command, true, false, true},
+    {Converged, false, true, true},
+    {Freeze, false, false, false},
+    {Recorder, false, false, false},
+});
 
 class ResumeTest : public SolverControlTest, public ::testing::WithParamInterface<CResumeRow> {
  protected:
