@@ -136,8 +136,7 @@ bool CImageView::SaveFrame(const std::string& filename) {
   if (shown() == 0) return false;
   make_current();
   draw();
-  Global::SaveFrameBuffer(filename);
-  return true;
+  return Global::SaveFrameBuffer(filename);
 }
 
 void CImageView::UpdateMapping() {

@@ -12,6 +12,7 @@ class CTextures {
  public:
   /// The names end with the contexts that share them, not with the object, which may go after the last context.
   CTextures() = default;
+  ~CTextures() = default;
   CTextures(const CTextures&) = delete;
   CTextures& operator=(const CTextures&) = delete;
 
