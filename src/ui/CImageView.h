@@ -55,7 +55,7 @@ class CImageView : public Fl_Gl_Window {
   void EndDrag();
   /// Shows what the interpolation traced last was made of.
   void ShowInterpolation(const CInterpolationTrace& trace);
-  /// Saves the view as it would be drawn now; false while it is not shown.
+  /// Saves the view as it would be drawn now; false while it is not shown or if that fails.
   bool SaveFrame(const std::string& filename);
 
   int handle(int event) override;

@@ -325,7 +325,8 @@ TEST_F(ImageViewDrawingTest, FrameBufferIsSavedAsFarAsTheViewportReaches) {
     glClearColor(red, 0, blue, 0);
     glClear(GL_COLOR_BUFFER_BIT);
   }
-  Global::SaveFrameBuffer(m_Scratch.File("part.bmp"));
+  EXPECT_TRUE(Global::SaveFrameBuffer(m_Scratch.File("part.bmp")));
+  EXPECT_FALSE(Global::SaveFrameBuffer(m_Scratch.File("none/part.bmp")));
   const CPicture part = Global::LoadBMP(m_Scratch.File("part.bmp"), 1)->m_Picture;
   CPicture expected = PlainPicture(33, 17, 255, 0, 0);
   const CPicture lowest = PlainPicture(33, 1, 0, 0, 255);

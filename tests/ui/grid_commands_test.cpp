@@ -184,7 +184,7 @@ TEST_F(GridCommandsTest, VrmlWithoutAPictureWarnsAndGoesOn) {
   m_Host.m_File = "scene.wrl";
   m_Commands.SaveVrml();
   EXPECT_EQ(Console().find("can't save as VRML without texture file\n"), 0U);
-  EXPECT_EQ(m_asDone, Done{"vrml scene.wrl with "});
+  EXPECT_EQ(m_asDone, Done{"vrml scene.wrl"});
 }
 
 TEST_F(GridCommandsTest, VrmlWithAPictureNamesItAndSaysWhatIsLeftToDo) {
@@ -192,7 +192,7 @@ TEST_F(GridCommandsTest, VrmlWithAPictureNamesItAndSaysWhatIsLeftToDo) {
   m_Host.m_Texture = "cup.bmp";
   m_Commands.SaveVrml();
   EXPECT_EQ(Console().find("can't save"), std::string::npos);
-  EXPECT_EQ(m_asDone, Done{"vrml scene.wrl with cup.bmp"});
+  EXPECT_EQ(m_asDone, Done{"vrml scene.wrl"});
   EXPECT_EQ(m_Host.m_asNotices, Done{"VRML complete. You need to get a jpeg version of the texture file, named "
                                      "picture.jpg, and put it in the same directory as the wrl file."});
 }
