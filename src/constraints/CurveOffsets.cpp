@@ -127,7 +127,8 @@ void CCntrCtrl::AddAutoBumpSide(CurveSide side, CPtCstrList& target,
     Console() << kSinglePoint;
     return;
   }
-  const auto [distance, orientation] = AutoBump(side);
+  const double distance = AutoBump(side).m_fDistance;
+  const double orientation = AutoBump(side).m_fOrientation;
   Console() << "DistanceLeft() : " << distance << '\n';
   double toNext = 0.0;  // from the start of the piece to the next constraint, so that spacing runs on past its end
   const auto along = [&](const CCntrNode& a, const CCntrNode& b) {

@@ -19,6 +19,9 @@
 
 namespace {
 
+// Beyond this, heights could not be added and squared any more.
+constexpr double kLargestHeight = 1e100;
+
 // What the tree is initialised with, whatever base level the file names: that one is for new grids.
 constexpr int kStartLevel = 5;
 
@@ -229,7 +232,11 @@ void CGridReader::ReadHeights() {
   const auto count = static_cast<std::size_t>(m_Grid.ActivePointCount());
   Log() << "Reading the height field...\n";
   Log() << "m_iNbActivePoints = " << count << '\n';
-  for (double height = 0.0; (m_In >> std::ws).peek() != 'N' && m_In >> height;) m_afHeights.push_back(height);
+  for (double height = 0.0; (m_In >> std::ws).peek() != 'N' && m_In >> height;) {
+    const bool usable = std::abs(height) <= kLargestHeight;
+    m_afHeights.push_back(usable ? height : 0.0);
+    m_bDamaged = m_bDamaged || !usable;
+  }
   if (TakeNonFinite(m_In) || m_afHeights.size() != count) m_bDamaged = true;
   Log() << "... Height field read\n";
   std::vector<double> heights = m_afHeights;

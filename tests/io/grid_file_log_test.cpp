@@ -197,6 +197,13 @@ TEST(DamagedGridFile, HasZerosForHeightsThatAreNotFinite) {
   EXPECT_EQ(NodalHeights(test.m_Grid), (std::vector<double>{1, 0, 3, 0}));
 }
 
+TEST(DamagedGridFile, HasZerosForHeightsThatCannotBeCalculatedWith) {
+  CTestGrid test;
+  EXPECT_EQ(ReadText(test.m_Grid, Replaced(kShort, "1\n2\n3\n4\n", "1e308\n-1e101\n3\n1e100\n")),
+            GridFileState::Damaged);
+  EXPECT_EQ(NodalHeights(test.m_Grid), (std::vector<double>{0, 0, 3, 1e100}));
+}
+
 TEST(DamagedGridFile, MayEndAnywhereAfterTheTree) {
   const CFullModel model;
   const std::string text = GridText(model.m_Grid);

@@ -1,0 +1,32 @@
+// Whatever a bitmap file holds, it is refused or gives a picture with all its bytes.
+
+#include <cstdlib>
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "base/Console.h"
+#include "fuzz/FuzzTarget.h"
+#include "io/Bmp.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::ostream nowhere(nullptr);
+  const ConsoleRedirect redirect(nowhere);
+  const int file = memfd_create("input", 0);
+  if (file < 0 || write(file, data, size) != static_cast<ssize_t>(size)) std::abort();
+  const std::string name = "/proc/self/fd/" + std::to_string(file);
+  for (const int align : {1, 4}) {
+    const std::optional<Global::CLoadedPicture> loaded = Global::LoadBMP(name, align);
+    if (!loaded.has_value()) continue;
+    const CPicture& picture = loaded->m_Picture;
+    const std::size_t row = (3 * static_cast<std::size_t>(picture.m_iWidth) + static_cast<std::size_t>(align) - 1) /
+                            static_cast<std::size_t>(align) * static_cast<std::size_t>(align);
+    if (picture.m_aPixels.size() != (picture.m_iWidth == 0 ? 0 : row * static_cast<std::size_t>(picture.m_iHeight)))
+      std::abort();
+  }
+  close(file);
+  return 0;
+}
