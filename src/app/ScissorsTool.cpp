@@ -31,14 +31,14 @@ class CTracedCurves : public ScissorsHost {
   CGrid& m_Grid;
 };
 
-class CScissorsTool : private CTracedCurves, public CScissorsView {
+class CScissorsWindow : private CTracedCurves, public CScissorsView {
  public:
-  CScissorsTool(CImageViewUI& window, CGrid& grid)
+  CScissorsWindow(CImageViewUI& window, CGrid& grid)
       : CTracedCurves(window, grid), CScissorsView(grid, static_cast<CTracedCurves&>(*this)) {}
 };
 
 }  // namespace
 
 std::unique_ptr<ToolWindow> MakeScissorsTool(CImageViewUI& window, CGrid& grid) {
-  return std::make_unique<CScissorsTool>(window, grid);
+  return std::make_unique<CScissorsWindow>(window, grid);
 }
