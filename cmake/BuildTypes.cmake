@@ -7,5 +7,5 @@ endif()
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -fno-math-errno -DNDEBUG" CACHE STRING "Flags of the Release build")
 set(CMAKE_CXX_FLAGS_DEBUG "-g -O0 -D_GLIBCXX_ASSERTIONS" CACHE STRING "Flags of the Debug build")
 set(CMAKE_CXX_FLAGS_SANITIZE
-  "-g -O1 -D_GLIBCXX_ASSERTIONS -fno-omit-frame-pointer -fsanitize=address,undefined -fno-sanitize-recover=all"
+  "-g1 -O1 -D_GLIBCXX_ASSERTIONS -fno-omit-frame-pointer -fsanitize=address,undefined -fno-sanitize-recover=all"
   CACHE STRING "Flags of the Sanitize build")

@@ -10,13 +10,12 @@ template <typename Record>
 class CSelectionStepper {
  public:
   void Offer(Record& record, bool candidate) {
-    if (!candidate) {
-      record.SetState(PtCstrState::kSelected, false);
-    } else if (!record.HasState(PtCstrState::kSelected)) {
+    const bool selected = record.HasState(PtCstrState::kSelected);
+    if (candidate && !selected) {
       record.SetState(PtCstrState::kSelected, true);
       if (m_pChosen != nullptr) m_pChosen->SetState(PtCstrState::kSelected, false);
       m_pChosen = &record;
-    } else if (m_pChosen == nullptr) {
+    } else if (candidate && m_pChosen == nullptr) {
       m_pChosen = &record;
     } else {
       record.SetState(PtCstrState::kSelected, false);

@@ -89,6 +89,51 @@ bool CanBeDivided(const CSidePath& path, double distance) {
          path.m_fLength / distance <= kMostPerSegment;
 }
 
+// A row of generated constraints as it grows from segment to segment.
+class CBumpRow {
+ public:
+  CBumpRow(const CAutoBump& bump, CPtCstrList& target, const std::function<void(double, double)>& refine)
+      : m_Bump(bump), m_pTarget(&target), m_pRefine(&refine) {}
+
+  /// Along one side of the segment from `a` to `b`.
+  void Extend(const CCntrNode& a, const CCntrNode& b, CurveSide side);
+
+ private:
+  void Add(const COffset& place, const COffset& direction);
+
+  CAutoBump m_Bump;
+  CPtCstrList* m_pTarget;
+  const std::function<void(double, double)>* m_pRefine;
+  double m_fToNext = 0.0;  ///< from the start of the next piece to its first constraint: spacing runs on past its end
+};
+
+void CBumpRow::Extend(const CCntrNode& a, const CCntrNode& b, CurveSide side) {
+  const CSidePath path = PathAlong(a, b, side);
+  if (!CanBeDivided(path, m_Bump.m_fDistance)) {
+    Console() << "CCntrCtrl::AddAutoBumpConstraints : no constraints along a path of length " << path.m_fLength
+              << " at distance " << m_Bump.m_fDistance << '\n';
+    return;
+  }
+  const COffset& first = a.Offsets(CurveSide::Right).m_A;
+  const COffset& second = b.Offsets(CurveSide::Right).m_A;
+  double covered = m_fToNext;
+  for (std::size_t k = 0; k + 1 < path.m_uCount; ++k) {
+    const double length = path.PieceLength(k);
+    for (; m_fToNext < length; m_fToNext += m_Bump.m_fDistance, covered += m_Bump.m_fDistance) {
+      const double share = covered / path.m_fLength;
+      Add(path.At(k, m_fToNext / length), (1.0 - share) * first + share * second);
+    }
+    m_fToNext -= length;
+  }
+}
+
+void CBumpRow::Add(const COffset& place, const COffset& direction) {
+  const COffset slope = Scaled(direction, std::abs(m_Bump.m_fOrientation) / kDegreesPerSlope);
+  const double sign = m_Bump.m_fOrientation < 0 ? -1.0 : 1.0;
+  m_pTarget->Add({place.m_fX, place.m_fY, PtCstrKind::kNormal, 0.0, sign * slope.m_fX, sign * slope.m_fY, 0});
+  if (*m_pRefine) (*m_pRefine)(place.m_fX, place.m_fY);
+}
+
 }  // namespace
 
 void CCntrCtrl::UpdateNormals(double length) {
@@ -127,31 +172,7 @@ void CCntrCtrl::AddAutoBumpSide(CurveSide side, CPtCstrList& target,
     Console() << kSinglePoint;
     return;
   }
-  const double distance = AutoBump(side).m_fDistance;
-  const double orientation = AutoBump(side).m_fOrientation;
-  Console() << "DistanceLeft() : " << distance << '\n';
-  double toNext = 0.0;  // from the start of the piece to the next constraint, so that spacing runs on past its end
-  const auto along = [&](const CCntrNode& a, const CCntrNode& b) {
-    const CSidePath path = PathAlong(a, b, side);
-    if (!CanBeDivided(path, distance)) {
-      Console() << "CCntrCtrl::AddAutoBumpConstraints : no constraints along a path of length " << path.m_fLength
-                << " at distance " << distance << '\n';
-      return;
-    }
-    double covered = toNext;
-    for (std::size_t k = 0; k + 1 < path.m_uCount; ++k) {
-      const double length = path.PieceLength(k);
-      for (; toNext < length; toNext += distance, covered += distance) {
-        const COffset place = path.At(k, toNext / length);
-        const COffset slope = Scaled((path.m_fLength - covered) / path.m_fLength * a.Offsets(CurveSide::Right).m_A +
-                                         covered / path.m_fLength * b.Offsets(CurveSide::Right).m_A,
-                                     std::abs(orientation) / kDegreesPerSlope);
-        const double sign = orientation < 0 ? -1.0 : 1.0;
-        target.Add({place.m_fX, place.m_fY, PtCstrKind::kNormal, 0.0, sign * slope.m_fX, sign * slope.m_fY, 0});
-        if (refine) refine(place.m_fX, place.m_fY);
-      }
-      toNext -= length;
-    }
-  };
-  ForEachSegment(along);
+  Console() << "DistanceLeft() : " << AutoBump(side).m_fDistance << '\n';
+  CBumpRow row(AutoBump(side), target, refine);
+  ForEachSegment([&row, side](const CCntrNode& a, const CCntrNode& b) { row.Extend(a, b, side); });
 }

@@ -122,7 +122,7 @@ void CCurveRasteriser::ScanCrease(CGridSegment s) {
   if (!s.Clip(m_pTree->Lattice().PointsPerSide() - 1)) return;
   RefineToPoint(*m_pTree, s.x0, s.y0);
   RefineToPoint(*m_pTree, s.x1, s.y1);
-  const auto rounded = [](double g) { return static_cast<int>(g + 0.5); };
+  const auto rounded = [](double g) { return static_cast<int>(std::lround(g)); };
   const int dx = rounded(s.x1) - rounded(s.x0);
   const int dy = rounded(s.y1) - rounded(s.y0);
   const int steps = std::max(std::abs(dx), std::abs(dy));
