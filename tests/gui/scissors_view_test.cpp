@@ -214,6 +214,7 @@ TEST_F(ScissorsViewTest, EnterOnTheSeedExportsASinglePixel) {
 
 TEST_F(ScissorsViewTest, EnterWithTheMouseBesideThePictureExportsNothing) {
   ClickAt({20, 30});
+  Build();
   Point({300, 200});
   m_Console.Take();
   ASSERT_TRUE(TypeUntil("Return", [&] { return m_Host.m_iRefreshes == 1; }));
