@@ -75,7 +75,8 @@ CTopDownImage Enlarge(const CTopDownImage& image, double pixels) {
       for (std::size_t c = 0; c < 3; ++c) {
         const double top = (1 - u) * image.m_aPixels[at + c] + u * image.m_aPixels[at + 3 + c];
         const double bottom = (1 - u) * image.m_aPixels[below + c] + u * image.m_aPixels[below + 3 + c];
-        large.m_aPixels[First(large, column, row) + c] = static_cast<std::uint8_t>((1 - v) * top + v * bottom + 0.5);
+        large.m_aPixels[First(large, column, row) + c] =
+            static_cast<std::uint8_t>(std::lround((1 - v) * top + v * bottom));
       }
     }
   }

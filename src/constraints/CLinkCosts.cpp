@@ -28,6 +28,8 @@ struct CChannels {
     }
   }
 
+  int At(std::size_t channel, int x) const { return m_aaValues[channel][static_cast<std::size_t>(x)]; }
+
   std::array<std::vector<std::int16_t>, 3> m_aaValues;
 };
 
@@ -60,14 +62,14 @@ class CRowDerivatives {
         return up[0] + up[1] - down[0] - down[1];
       });
     Fill(1, insideAbove ? first - 1 : first, inside ? end : end - 1, 1.0F / 12,
-         [&](std::size_t c, int x) { return row.m_aaValues[c].data()[x + 1] - above.m_aaValues[c].data()[x]; });
+         [&](std::size_t c, int x) { return row.At(c, x + 1) - above.At(c, x); });
     Fill(2, first, end, 1.0F / 48, [&](std::size_t c, int x) {
       const std::int16_t* const here = row.m_aaValues[c].data() + x;
       const std::int16_t* const up = above.m_aaValues[c].data() + x;
       return here[-1] + up[-1] - here[1] - up[1];
     });
     Fill(3, inside ? first : first + 1, insideAbove ? end + 1 : end, 1.0F / 12,
-         [&](std::size_t c, int x) { return row.m_aaValues[c].data()[x - 1] - above.m_aaValues[c].data()[x]; });
+         [&](std::size_t c, int x) { return row.At(c, x - 1) - above.At(c, x); });
   }
 
  private:

@@ -23,6 +23,7 @@ class CScissorsTool {
  public:
   /// Takes the picture and computes its link costs; logs its size.
   explicit CScissorsTool(CTopDownImage image);
+  ~CScissorsTool() = default;
   CScissorsTool(const CScissorsTool&) = delete;
   CScissorsTool& operator=(const CScissorsTool&) = delete;
 

@@ -15,9 +15,6 @@ struct CTopDownImage {
   int m_iHeight = 0;
   std::vector<std::uint8_t> m_aPixels;  ///< red, green, blue; 3 * width * height bytes
 
-  bool Contains(CPixelPosition p) const {
-    return p.m_iColumn >= 0 && p.m_iColumn < m_iWidth && p.m_iRow >= 0 && p.m_iRow < m_iHeight;
-  }
   /// Of a pixel of the image.
   std::array<std::uint8_t, 3> ColourAt(CPixelPosition p) const {
     const std::size_t first = 3 * (static_cast<std::size_t>(p.m_iRow) * static_cast<std::size_t>(m_iWidth) +

@@ -18,6 +18,7 @@ class CMinimumPathTree {
  public:
   /// A tree with no seed. The costs must outlive it.
   explicit CMinimumPathTree(const CLinkCosts& costs);
+  explicit CMinimumPathTree(CLinkCosts&& costs) = delete;
 
   /// Begins a new tree that will grow to `limit` pixels at most; the seed must be a pixel of the picture. Nothing is
   /// expanded yet.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 /// A pixel of a picture whose rows run from the top: column counted from the left, row from the top.
 struct CPixelPosition {
   int m_iColumn = 0;
@@ -11,5 +13,5 @@ struct CPixelPosition {
 /// The eight neighbours of a pixel, counter-clockwise from the right one. Even links are straight, odd ones diagonal;
 /// link k + 4 leads back where link k came from.
 inline constexpr int kLinkCount = 8;
-inline constexpr CPixelPosition kLinkSteps[kLinkCount] = {{1, 0},  {1, -1}, {0, -1}, {-1, -1},
-                                                          {-1, 0}, {-1, 1}, {0, 1},  {1, 1}};
+inline constexpr std::array<CPixelPosition, kLinkCount> kLinkSteps{
+    {{1, 0}, {1, -1}, {0, -1}, {-1, -1}, {-1, 0}, {-1, 1}, {0, 1}, {1, 1}}};

@@ -40,8 +40,8 @@ CScissorsView::CScissorsView(CGrid& grid, ScissorsHost& host)
 
 // The canvas goes first, because it sends its last events here.
 CScissorsView::~CScissorsView() {
+  Fl::remove_idle(cb_Idle, this);
   m_pTool.reset();
-  ScheduleSlices();
   hide();
   clear();
 }

@@ -25,6 +25,8 @@ class CScissorsView : public Fl_Window, public ToolWindow {
   /// Both must outlive the window. It is built closed.
   CScissorsView(CGrid& grid, ScissorsHost& host);
   ~CScissorsView() override;
+  CScissorsView(const CScissorsView&) = delete;
+  CScissorsView& operator=(const CScissorsView&) = delete;
 
   bool IsOpen() const override { return m_pTool != nullptr; }
   /// Takes the grid's photograph. Without one, and while it is open, nothing happens.

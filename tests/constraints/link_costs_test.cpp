@@ -158,5 +158,6 @@ TEST(TopDownImageTest, CopyReversesTheRowsAndDropsThePadding) {
 TEST(TopDownImageTest, CopyOfNoPictureIsEmpty) {
   const CTopDownImage copy = CopyPhotograph({});
   EXPECT_TRUE(copy.m_aPixels.empty());
-  EXPECT_FALSE(copy.Contains({0, 0}));
+  EXPECT_EQ(copy.m_iWidth, 0);
+  EXPECT_EQ(copy.m_iHeight, 0);
 }

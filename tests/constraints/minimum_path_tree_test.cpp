@@ -16,7 +16,8 @@ std::size_t PixelCount(const CLinkCosts& costs) {
 }
 
 std::size_t PixelIndex(const CLinkCosts& costs, CPixelPosition p) {
-  return static_cast<std::size_t>(p.m_iRow * costs.m_iWidth + p.m_iColumn);
+  return static_cast<std::size_t>(p.m_iRow) * static_cast<std::size_t>(costs.m_iWidth) +
+         static_cast<std::size_t>(p.m_iColumn);
 }
 
 CPixelPosition Neighbour(CPixelPosition p, int link) {

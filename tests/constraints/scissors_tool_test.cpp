@@ -72,7 +72,8 @@ TEST_F(ScissorsToolTest, PathThatTakesTheWholeTreeFinishesIt) {
   Press({7, 11});
   CPixelPosition last{};
   float farthest = 0.0F;
-  const CMinimumPathTree tree = CompleteTree(ComputeLinkCosts(m_Tool.Image()), {7, 11});
+  const CLinkCosts costs = ComputeLinkCosts(m_Tool.Image());
+  const CMinimumPathTree tree = CompleteTree(costs, {7, 11});
   for (int i = 0; i < 600; ++i) {
     const CPixelPosition p{i % 30, i / 30};
     if (tree.TotalCost(p) > farthest) {

@@ -47,7 +47,7 @@ class ScissorsViewTest : public ToolkitTest {
     m_View.Close();
     CPicture stored{picture.m_iWidth, picture.m_iHeight, {}};
     const std::size_t row = 3 * static_cast<std::size_t>(picture.m_iWidth);
-    for (std::size_t y = static_cast<std::size_t>(picture.m_iHeight); y-- > 0;) {
+    for (auto y = static_cast<std::size_t>(picture.m_iHeight); y-- > 0;) {
       const auto first = picture.m_aPixels.begin() + static_cast<std::ptrdiff_t>(y * row);
       stored.m_aPixels.insert(stored.m_aPixels.end(), first, first + static_cast<std::ptrdiff_t>(row));
     }
@@ -214,6 +214,7 @@ TEST_F(ScissorsViewTest, EnterOnTheSeedExportsASinglePixel) {
 
 TEST_F(ScissorsViewTest, EnterWithTheMouseBesideThePictureExportsNothing) {
   ClickAt({20, 30});
+  Build();
   Point({300, 200});
   m_Console.Take();
   ASSERT_TRUE(TypeUntil("Return", [&] { return m_Host.m_iRefreshes == 1; }));
