@@ -58,8 +58,8 @@ nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
 // "name: value" lines; the names of parts follow that of the whole, and the words of a name stand apart.
 void PrintText(std::ostream& out, const std::string& name, const nlohmann::ordered_json& value) {
   if (value.is_object()) {
-    for (const auto& [part, partValue] : value.items())
-      PrintText(out, name + (name.empty() ? "" : " ") + part, partValue);
+    const std::string whole = name.empty() ? name : name + ' ';
+    for (const auto& [part, partValue] : value.items()) PrintText(out, std::string(whole).append(part), partValue);
     return;
   }
   std::string words = name;

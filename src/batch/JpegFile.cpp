@@ -1,10 +1,12 @@
 #include "batch/JpegFile.h"
 
+#include <algorithm>
 #include <csetjmp>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <span>
+#include <memory>
+#include <vector>
 
 #include <jpeglib.h>
 
@@ -29,13 +31,14 @@ struct CEncoded {
 };
 
 // Holds nothing with a destructor, because an error jumps out of it.
-bool Encode(const CPicture& picture, CEncoded& encoded) {
-  CErrorHandler handler;
-  jpeg_compress_struct info;
+bool Encode(const CPicture& picture, std::vector<unsigned char>& row, CEncoded& encoded) {
+  CErrorHandler handler{};
+  jpeg_compress_struct info{};
   info.err = jpeg_std_error(&handler.m_Manager);
   handler.m_Manager.error_exit = GiveUp;
   if (setjmp(handler.m_Start) != 0) {
     jpeg_destroy_compress(&info);
+    encoded = {};  // where the memory is by then, only the library knows
     return false;
   }
   jpeg_create_compress(&info);
@@ -47,11 +50,11 @@ bool Encode(const CPicture& picture, CEncoded& encoded) {
   jpeg_set_defaults(&info);
   jpeg_set_quality(&info, kQuality, TRUE);
   jpeg_start_compress(&info, TRUE);
-  const std::size_t rowSize = 3 * static_cast<std::size_t>(picture.m_iWidth);
+  JSAMPROW pixels = row.data();
   while (info.next_scanline < info.image_height) {
     // The format begins with the top row.
-    const std::size_t row = info.image_height - 1 - info.next_scanline;
-    JSAMPROW pixels = const_cast<JSAMPROW>(picture.m_aPixels.data() + row * rowSize);
+    const std::size_t y = info.image_height - 1 - info.next_scanline;
+    std::copy_n(&picture.m_aPixels[y * row.size()], row.size(), row.data());
     jpeg_write_scanlines(&info, &pixels, 1);
   }
   jpeg_finish_compress(&info);
@@ -62,13 +65,14 @@ bool Encode(const CPicture& picture, CEncoded& encoded) {
 }  // namespace
 
 bool SaveJpeg(const std::string& filename, const CPicture& picture) {
+  constexpr int kMostPixels = JPEG_MAX_DIMENSION;
+  if (picture.m_aPixels.empty() || picture.m_iWidth > kMostPixels || picture.m_iHeight > kMostPixels) return false;
   CFileReplacement file(filename);
   CEncoded encoded;
-  bool written = file.IsOpen() && Encode(picture, encoded);
-  if (written) {
-    file.Write({encoded.m_pBytes, encoded.m_uSize});
-    written = file.Commit();
-  }
-  std::free(encoded.m_pBytes);
-  return written;
+  std::vector<unsigned char> row(3 * static_cast<std::size_t>(picture.m_iWidth));
+  const bool ready = file.IsOpen() && Encode(picture, row, encoded);
+  const std::unique_ptr<unsigned char, decltype(&std::free)> owner(encoded.m_pBytes, &std::free);
+  if (!ready) return false;
+  file.Write({encoded.m_pBytes, encoded.m_uSize});
+  return file.Commit();
 }

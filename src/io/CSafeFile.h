@@ -37,7 +37,7 @@ class CSafeFile {
     void Empty() { setp(m_acBlock.data(), m_acBlock.data() + m_acBlock.size()); }
 
     CFileReplacement& m_File;
-    std::array<char, std::size_t{1} << 16> m_acBlock;
+    std::array<char, std::size_t{1} << 16> m_acBlock{};
   };
 
   CFileReplacement m_File;

@@ -204,6 +204,14 @@ TEST_F(Batch, PutsThePictureBesideTheScene) {
   EXPECT_EQ(jpeg.substr(frame + 5, 4), std::string("\0\x02\0\x03", 4));
 }
 
+TEST_F(Batch, RefusesAPictureThatIsTooWideForItsFormat) {
+  std::string bitmap = SmallBitmap();
+  bitmap.replace(18, 8, std::string("\xDD\xFF\0\0\x01\0\0\0", 8));
+  WriteText(Path("wide.bmp"), bitmap + std::string(3 * 0xFFDD, 0));
+  EXPECT_EQ(Run("model.grid --iterations 0 --image wide.bmp --vrml o.wrl"), 4);
+  EXPECT_FALSE(std::filesystem::exists(Path("picture.jpg")));
+}
+
 TEST_F(Batch, EndsWithOneOnMisuse) {
   for (const char* arguments :
        {"", "--nonsense model.grid", "model.grid more.grid", "model.grid --iterations -1", "model.grid --iterations x",

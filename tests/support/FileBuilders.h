@@ -60,6 +60,7 @@ class CFileHost : public CActingHost {
 inline CCntrCtrl& AddCurveThrough(CGrid& grid, std::uint32_t type,
                                   const std::vector<std::pair<double, double>>& places) {
   std::vector<CPtCstr> points;
+  points.reserve(places.size());
   for (const auto& [x, y] : places) points.push_back({x, y});
   CCntrCtrl& curve = grid.Curves().Add(points, type, false);
   grid.Post(Operation::kNewCurve);
