@@ -32,7 +32,6 @@ void ExpectNear(const Vector3& a, const Vector3& b, double tolerance = kToleranc
   EXPECT_NEAR(a.y, b.y, tolerance);
   EXPECT_NEAR(a.z, b.z, tolerance);
 }
-double Dot(const Vector3& a, const Vector3& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 Vector3 Offset(const CCamera& camera) { return camera.m_Eye - camera.m_Centre; }
 
 // Degrees from one angle to another, whole turns left out.
