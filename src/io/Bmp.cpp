@@ -147,7 +147,7 @@ bool Reserve(std::vector<std::uint8_t>& pixels, std::size_t bytes) {
 
 // All rows, in the order of the file. Whether the file holds them all.
 bool ReadRows(CInput& file, const CSize& size, std::size_t stride, std::vector<std::uint8_t>& pixels) {
-  if (size.m_iWidth == 0) return true;
+  if (size.m_iWidth == 0 || size.m_iHeight == 0) return true;
   std::vector<std::uint8_t> fileRow(size.Stride(kFileAlign));
   std::vector<std::uint8_t> row(stride);
   bool complete = true;

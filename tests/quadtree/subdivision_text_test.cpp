@@ -21,7 +21,7 @@ struct CReading {
   explicit CReading(const std::string& text, int depth = 2) : m_Record(depth), m_In(text) {
     m_Record.SetStartLevel(depth);
     SavedNode(m_Record, {0}).SetSelected(true);
-    SavedNode(m_Record, {3, 1}).SetSelected(true);
+    if (depth > 1) SavedNode(m_Record, {3, 1}).SetSelected(true);
     m_Log = ConsoleTextOf([this] { m_bRead = ReadSubdivision(m_In, m_Record); });
   }
   std::string Rest() { return {std::istreambuf_iterator<char>(m_In), {}}; }
