@@ -23,8 +23,7 @@ void ExportHeightField(CImageViewUI& window, const CGrid& grid, int width, int h
 CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
     : m_DrawingOptions(g_DrawingSettings, window, window),
       m_GridParameters(window, window),
-      m_HeightField(window, window,
-                    [&](int width, int height) { ExportHeightField(window, grid, width, height); }) {
+      m_HeightField(window, window, [&](int width, int height) { ExportHeightField(window, grid, width, height); }) {
   auto lights = std::make_unique<CLightTool>(window, grid);
   CWindowServices services;
   services.m_ShowDrawingOptions = [this] { m_DrawingOptions.Open(); };

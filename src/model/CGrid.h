@@ -205,8 +205,9 @@ class CGrid {
   // texels and allocate nothing but `SetPicture`.
 
   /// Takes up a picture: its textures, and memory for what is kept per texel. Every texel has the normal (0, 0, 1) and
-  /// no albedo yet. False, with nothing changed, for one that is empty or has not 3 * width * height bytes, and, with a
-  /// console line, for one that `memory` bytes do not hold.
+  /// no albedo yet, and none lies in a discontinuity until `TestTexelsInDiscontinuity` has looked. False, with nothing
+  /// changed, for one that is empty or has not 3 * width * height bytes, and, with a console line, for one that
+  /// `memory` bytes do not hold.
   bool SetPicture(const CPicture& picture, double memory = AvailableMemory());
   /// Light `index` (0 to 3 and, ambient, 4) of a set (kRemovedLights, kAddedLights). Null, with a console line, for
   /// another type; null for another index.

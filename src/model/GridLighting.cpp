@@ -50,7 +50,6 @@ bool CGrid::SetPicture(const CPicture& picture, double memory) {
   } catch (const std::bad_alloc&) {
     return refuse();
   }
-  TestTexelsInDiscontinuity();
   return true;
 }
 

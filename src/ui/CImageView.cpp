@@ -111,6 +111,7 @@ bool CImageView::LoadImage(const std::string& filename) {
     make_current();
     m_pTextures->Load(m_pGrid->Textures());
   }
+  m_pGrid->TestTexelsInDiscontinuity();
   m_TextureFileName = filename;
   redraw();
   if (loaded->m_bEndsEarly) m_pHost->Notice(("The picture " + filename + " ends early.").c_str());

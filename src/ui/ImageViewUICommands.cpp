@@ -239,9 +239,7 @@ void CImageViewUI::ToggleTool(Tool tool) {
   ShowLamp(tool, window.IsOpen());
 }
 
-void CImageViewUI::ToolClosed(Tool tool) {
-  ShowLamp(tool, false);
-}
+void CImageViewUI::ToolClosed(Tool tool) { ShowLamp(tool, false); }
 
 void CImageViewUI::ShowLamp(Tool tool, bool on) {
   constexpr std::array kButtons{Control::LightSources, Control::Recorder, Control::Scissors};

@@ -279,7 +279,8 @@ TEST_F(LoadImageTest, TextureSizesAreTheNextPowersOfTwo) {
     EXPECT_EQ(TakeConsole(), "Global::LoadBMP\t\twidth = " + w + "; padded_w = " + std::to_string(3 * width) +
                                  "; height = " + std::to_string(height) +
                                  "\nCImageView::LoadImage\tNew texture generated. " + padded +
-                                 "\nCImageView::LoadImage\tglTexImage2D\t\t=> GL_ERROR : no error\n");
+                                 "\nCImageView::LoadImage\tglTexImage2D\t\t=> GL_ERROR : no error\n"
+                                 "CGrid::TestTexelsInDiscontinuity()\t\t\t...done\n");
     EXPECT_EQ(Grid().Textures().PictureWidth(), width);
     EXPECT_EQ(Grid().Textures().PictureHeight(), height);
   }
@@ -324,8 +325,11 @@ TEST_F(LoadImageTest, FileThatEndsEarlyIsTakenUpWithANotice) {
   EXPECT_EQ(Grid().Textures().PictureWidth(), 4);
 }
 
-TEST_F(LoadImageTest, EmptyPictureIsTakenUp) {
-  EXPECT_TRUE(Load(BmpHeader(7, 0)));
-  EXPECT_EQ(Grid().Textures().PictureHeight(), 0);
-  EXPECT_TRUE(View().SaveFrame(m_Scratch.File("frame.bmp")));
+TEST_F(LoadImageTest, EmptyPictureLeavesThePreviousOne) {
+  ASSERT_TRUE(Load(BmpHeader(4, 4)));
+  m_Host.m_aNotices.clear();
+  EXPECT_FALSE(Load(BmpHeader(7, 0)));
+  ASSERT_EQ(m_Host.m_aNotices.size(), 1U);
+  EXPECT_NE(m_Host.m_aNotices[0].find("picture.bmp is empty"), std::string::npos);
+  EXPECT_EQ(Grid().Textures().PictureHeight(), 4);
 }

@@ -375,20 +375,23 @@ TEST_F(WindowCommandsTest, UntilAPictureIsLoadedAClickOnTheScissorsGoesToTheReco
 }
 
 TEST_F(WindowCommandsTest, RecorderHoldsTheSolverAndTheEditing) {
-  TestTool& recorder = AddTool(Tool::Recorder);
   StartSolver();
-  ClickOn(Control::Recorder);
-  EXPECT_TRUE(recorder.m_bOpen);
-  EXPECT_TRUE(IsOn(Control::Recorder));
+  m_Window.Solver().PauseForRecorder();
   EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::Recorder);
   ExpectRunControl(false);
   EXPECT_FALSE(IsActive(Control::PositionConstraint));
+  m_Window.Solver().EndRecorder();
+  EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::User);
+  ExpectRunControl(true);
+  EXPECT_TRUE(IsActive(Control::PositionConstraint));
 }
 
-TEST_F(WindowCommandsTest, EveryWayOfClosingTheRecorderGivesThemBack) {
+TEST_F(WindowCommandsTest, EveryWayOfClosingTheRecorderTurnsItsLampOff) {
   TestTool& recorder = AddTool(Tool::Recorder);
   for (const bool byButton : {true, false}) {
     ClickOn(Control::Recorder);
+    EXPECT_TRUE(recorder.m_bOpen);
+    EXPECT_TRUE(IsOn(Control::Recorder));
     if (byButton) {
       ClickOn(Control::Recorder);
     } else {
@@ -396,9 +399,6 @@ TEST_F(WindowCommandsTest, EveryWayOfClosingTheRecorderGivesThemBack) {
     }
     EXPECT_FALSE(recorder.m_bOpen);
     EXPECT_FALSE(IsOn(Control::Recorder));
-    EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::User);
-    ExpectRunControl(true);
-    EXPECT_TRUE(IsActive(Control::PositionConstraint));
   }
 }
 

@@ -44,6 +44,7 @@ struct CPictureGrid : CTestGrid {
   CPictureGrid(int width, int height, int maxLevel = 4, int baseLevel = 2) : CTestGrid(maxLevel, baseLevel) {
     SetRandomSurface(m_Grid, 5);
     m_Grid.SetPicture(RandomPicture(width, height));
+    m_Grid.TestTexelsInDiscontinuity();
     m_Console.Take();
   }
 };

@@ -3,12 +3,14 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <FL/Fl_Window.H>
 
+#include "base/Console.h"
 #include "io/Bmp.h"
 #include "support/gui/CTemporaryDirectory.h"
 #include "support/gui/ToolkitTest.h"
@@ -54,6 +56,8 @@ inline CPicture FrameOf(CGridView& view) {
   const CTemporaryDirectory directory;
   const std::string file = (directory.Path() / "frame.bmp").string();
   if (!view.SaveFrame(file)) return {};
+  std::ostringstream unheard;
+  const ConsoleRedirect quiet(unheard);
   auto frame = Global::LoadBMP(file, 1);
   return frame ? std::move(frame->m_Picture) : CPicture{};
 }
