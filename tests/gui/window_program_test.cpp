@@ -86,15 +86,17 @@ TEST_F(WindowProgramTest, PopupIsAcknowledged) {
 }
 
 TEST_F(WindowProgramTest, ShortcutShowsInTheMenu) {
-  Click(m_Program.MainArea().At({80, 10}));
   const CArea menu = m_Program.MainArea();
   const auto entries = [&] { return m_Program.Screen().Capture({menu.m_iX + 50, menu.m_iY + 25, 100, 100}); };
   ASSERT_TRUE(WaitUntil([&] { return !entries().IsAll(kBlack); }));
+  const CScreenshot withGrid = entries();
+  Click(menu.At({80, 10}));
+  ASSERT_TRUE(WaitUntil([&] { return Differ(entries(), withGrid); }));
   const CScreenshot checked = entries();
   PressKey("Escape");
-  ASSERT_TRUE(WaitUntil([&] { return entries().IsAll(kBlack); }));
   PressKey("ctrl+g");
-  Click(m_Program.MainArea().At({80, 10}));
+  ASSERT_TRUE(WaitUntil([&] { return entries().IsAll(kBlack); }));
+  Click(menu.At({80, 10}));
   EXPECT_TRUE(WaitUntil([&] { return !entries().IsAll(kBlack) && Differ(entries(), checked); }));
 }
 
