@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/CContourAttributesDialog.h"
 #include "ui/CDrawingOptionsDialog.h"
 #include "ui/CGridParametersDialog.h"
 
@@ -14,4 +15,5 @@ class CToolSet {
  private:
   CDrawingOptionsDialog m_DrawingOptions;
   CGridParametersDialog m_GridParameters;
+  CContourAttributesDialog m_ContourAttributes;
 };

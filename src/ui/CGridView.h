@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 
 #include <FL/Fl_Gl_Window.H>
@@ -38,8 +37,6 @@ class CGridView : public Fl_Gl_Window {
   /// 1: Kd, 2: new illumination, 3: photograph. Any other value is reported at every drawing, which then takes the
   /// texture used last.
   void SetDrawTexture(int which);
-  /// Who draws the normals of the texels once a picture is loaded; called with the view's context current.
-  void DrawTexelNormalsWith(std::function<void()> draw) { m_Painter.DrawTexelNormalsWith(std::move(draw)); }
 
   const CCamera& Camera() const { return m_Camera; }
   /// Looks at the whole model from the front.

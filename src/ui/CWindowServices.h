@@ -4,19 +4,10 @@
 
 #include "ui/GridCommands.h"
 
-class CGrid;
-
-/// What other rooms bring to the main window. Where something is empty or false, the entries and buttons that need it
-/// are inactive.
+/// What other rooms bring to the main window. Where something is empty, the entries and buttons that need it are
+/// inactive.
 struct CWindowServices {
   CModelServices m_Model;
   /// Shows the drawing options.
   std::function<void()> m_ShowDrawingOptions;
-  /// Drops the curve that is being drawn; takes up the type chosen for it. Both or none.
-  std::function<void(CGrid& grid)> m_DropCurve;
-  std::function<void(CGrid& grid)> m_CurveTypeChanged;
-  /// Ends the manual subdivision: applies what is selected.
-  std::function<void(CGrid& grid)> m_ApplySelection;
-  /// Whether the views can show the texels of a picture.
-  bool m_bTexels = false;
 };
