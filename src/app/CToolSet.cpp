@@ -23,6 +23,7 @@ void ExportHeightField(CImageViewUI& window, const CGrid& grid, int width, int h
 CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
     : m_DrawingOptions(g_DrawingSettings, window, window),
       m_GridParameters(window, window),
+      m_ContourAttributes(window, window),
       m_HeightField(window, window, [&](int width, int height) { ExportHeightField(window, grid, width, height); }) {
   auto lights = std::make_unique<CLightTool>(window, grid);
   CWindowServices services;
@@ -36,6 +37,9 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
   services.m_Model.m_SaveGrid = [](CGrid& source, const std::string& file) { source.Save(file); };
   services.m_Model.m_SaveVrml = [](CGrid& source, const std::string& file) { return source.SaveVrml(file); };
   services.m_Model.m_ExportHeightField = [this](CGrid&) { m_HeightField.Open(); };
+  services.m_Model.m_AskContourAttributes = [this](const CContourAttributes& present, bool fairness) {
+    return m_ContourAttributes.Ask(present, fairness);
+  };
   window.SetServices(std::move(services));
   window.SetTool(CImageViewUI::Tool::LightSources, std::move(lights));
   window.SetTool(CImageViewUI::Tool::Recorder, MakeRecorderTool(window));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/CContourAttributesDialog.h"
 #include "ui/CDrawingOptionsDialog.h"
 #include "ui/CGridParametersDialog.h"
 #include "ui/CHeightFieldDialog.h"
@@ -16,5 +17,6 @@ class CToolSet {
  private:
   CDrawingOptionsDialog m_DrawingOptions;
   CGridParametersDialog m_GridParameters;
+  CContourAttributesDialog m_ContourAttributes;
   CHeightFieldDialog m_HeightField;
 };

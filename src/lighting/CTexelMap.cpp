@@ -62,6 +62,7 @@ void CTexelMap::TestDiscontinuities(const CInterpolation& surface) {
     }
   });
   m_uTreeOfMask = surface.Tree().Revision();
+  ++m_uMaskRevision;
 }
 
 void CTexelMap::UpdateMask(const CInterpolation& surface) {

@@ -52,6 +52,8 @@ class CTexelMap {
   std::span<const std::uint8_t> Mask() const { return m_auMask; }
   /// Grows with every change of the normals.
   unsigned Revision() const { return m_uRevision; }
+  /// Grows whenever the mask is made anew.
+  unsigned MaskRevision() const { return m_uMaskRevision; }
 
  private:
   void WriteCoords();
@@ -64,6 +66,7 @@ class CTexelMap {
   std::vector<Vector3> m_aNormals;
   std::vector<std::uint8_t> m_auMask;
   unsigned m_uRevision = 0;
+  unsigned m_uMaskRevision = 0;
   // Revisions of the tree that each array is of.
   std::optional<std::uint64_t> m_uTreeOfRecords;
   std::optional<std::uint64_t> m_uTreeOfNormals;

@@ -13,6 +13,7 @@ struct CExtent {
   double x1 = 100.0;
   double y0 = 0.0;
   double y1 = 100.0;
+  bool operator==(const CExtent&) const = default;
 };
 
 /// Bits of the flag word that every lattice point carries.

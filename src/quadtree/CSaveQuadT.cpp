@@ -44,6 +44,21 @@ void CSaveQuadT::MergeSelected() {
   }
 }
 
+void CSaveQuadT::ClearSelection() {
+  if (m_bSelected) {
+    m_bSelected = false;
+  } else if (HasChildren()) {
+    for (int k = 0; k < 4; ++k) Child(k).ClearSelection();
+  }
+}
+
+void CSaveQuadT::SelectWithin(const CQuadT& cell, const CLatticeRect& rect) {
+  if (cell.X0() > rect.x1 || cell.X1() < rect.x0 || cell.Y0() > rect.y1 || cell.Y1() < rect.y0) return;
+  m_bSelected = m_bLeaf;
+  if (m_bLeaf || !HasChildren() || !cell.HasChildren() || cell.IsActive()) return;
+  for (const int k : {0, 1, 3, 2}) Child(k).SelectWithin(cell.Child(k), rect);
+}
+
 void CSaveQuadT::ShowSelection(CQuadT& cell, bool below) const {
   if (m_bSelected && !below) {
     cell.SetFlags(CellFlag::kSelected);
@@ -74,6 +89,7 @@ void CSubdivisionRecord::RefineAt(CQuadTree& tree, double gx, double gy) {
   const CQuadT* cell = tree.getManualSetCell(gx, gy, saved);
   if (cell == nullptr) return;
   while (saved->HasChildren()) {
+    saved->SetSelected(false);
     saved->subdiv();
     const bool right = gx >= cell->XMid();
     const bool upper = gy >= cell->YMid();
@@ -81,6 +97,10 @@ void CSubdivisionRecord::RefineAt(CQuadTree& tree, double gx, double gy) {
     saved = &saved->Child(k);
     cell = &cell->Child(k);
   }
+}
+
+void CSubdivisionRecord::SelectRectangle(const CQuadTree& tree, double gx0, double gy0, double gx1, double gy1) {
+  Root().SelectWithin(tree.Root(), {std::min(gx0, gx1), std::min(gy0, gy1), std::max(gx0, gx1), std::max(gy0, gy1)});
 }
 
 void CSubdivisionRecord::ShowSelection(CQuadTree& tree) const { Root().ShowSelection(tree.Root(), false); }

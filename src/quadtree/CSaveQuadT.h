@@ -5,6 +5,14 @@
 class CQuadT;
 class CQuadTree;
 
+/// A rectangle in lattice coordinates; x0 <= x1 and y0 <= y1.
+struct CLatticeRect {
+  double x0;
+  double y0;
+  double x1;
+  double y1;
+};
+
 /// One node of the wanted subdivision: a light mirror of the cell tree that says where the user wants leaves.
 ///
 /// Children in the order south-west, south-east, north-east, north-west, as for the cells; a node of the finest level
@@ -30,6 +38,8 @@ class CSaveQuadT {
   bool AreAllChildrenSelected() const;
   void SplitSelected();
   void MergeSelected();
+  void ClearSelection();
+  void SelectWithin(const CQuadT& cell, const CLatticeRect& rect);
   void ShowSelection(CQuadT& cell, bool below) const;
 
   bool m_bLeaf = false;
@@ -57,14 +67,19 @@ class CSubdivisionRecord {
   /// Exactly the nodes `depth` generations below the root become leaves, all others not. `depth` must lie in
   /// 0..Depth().
   void SetStartLevel(int depth);
-  /// Splits down to the finest level wherever the wanted leaf at (gx, gy) (lattice coordinates) is coarser. Nothing
-  /// outside `tree`, whose cells the record mirrors, but a console line.
+  /// Splits down to the finest level wherever the wanted leaf at (gx, gy) (lattice coordinates) is coarser; what is
+  /// split is selected no more. Nothing outside `tree`, whose cells the record mirrors, but a console line.
   void RefineAt(CQuadTree& tree, double gx, double gy);
   /// Splits every selected node one level; its children are selected in its place. One of the finest level is refused
   /// with a console line and stays selected.
   void subdivSelected() { Root().SplitSelected(); }
   /// Wherever all four children of a node are selected, they make way for the node, a selected leaf. One level only.
   void MergeSelected() { Root().MergeSelected(); }
+  /// Selects the wanted leaves whose cells meet the rectangle between two opposite corners (lattice coordinates, bounds
+  /// included), as far as `tree` is subdivided. Leaves elsewhere keep their state.
+  void SelectRectangle(const CQuadTree& tree, double gx0, double gy0, double gx1, double gy1);
+  /// On each way down from the root the first selected node is selected no more.
+  void ClearSelection() { Root().ClearSelection(); }
   /// Writes the selection into the cells: those of selected nodes get CellFlag::kSelected, unless a cell above has it;
   /// all others lose it.
   void ShowSelection(CQuadTree& tree) const;

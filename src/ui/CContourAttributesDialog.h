@@ -3,18 +3,12 @@
 #include <array>
 #include <optional>
 
-#include "constraints/CContourAttributes.h"
+#include "ui/CContourAnswer.h"
 #include "ui/CModalDialog.h"
 
 class CNumberInput;
 class Fl_Check_Button;
 class Fl_Group;
-
-struct CContourAnswer {
-  CContourAttributes m_Attributes;  ///< orientations in their range
-  bool m_bAllNodes = false;         ///< the weights are meant for every node of the curve
-  bool m_bExport = false;           ///< the generated constraints are to become the user's own
-};
 
 /// "Contour Attributes": weights, auto bump and ends of a curve.
 class CContourAttributesDialog : public CModalDialog {

@@ -1,6 +1,8 @@
 #include "ui/CDebugOverlay.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 
 #include <FL/gl.h>
@@ -29,10 +31,34 @@ void LogNormal(const CGrid& grid, const CPlanePoint& place) {
   Console() << "CImageView::handle\t\tnormal : " << n.x << ", " << n.y << ", " << n.z << '\n';
 }
 
+// The texel of `count` along a side from `low` to `high` that `place` lies in, or the nearest.
+int TexelAt(double place, double low, double high, int count) {
+  const double texel = std::floor((place - low) / (high - low) * count);
+  return static_cast<int>(std::clamp(texel, 0.0, count - 1.0));
+}
+
+// All is 0 until the map has been computed.
+void LogAlbedo(const CGrid& grid, const CPlanePoint& place) {
+  const CTextureImages& images = grid.Textures();
+  if (!images.HasPicture()) return;
+  const CExtent& e = grid.Lattice().Extent();
+  const int xt = TexelAt(place.x, e.x0, e.x1, images.PictureWidth());
+  const int yt = TexelAt(place.y, e.y0, e.y1, images.PictureHeight());
+  std::array<double, 3> kd{};
+  const std::size_t at = 3 * (static_cast<std::size_t>(yt) * static_cast<std::size_t>(images.PictureWidth()) +
+                              static_cast<std::size_t>(xt));
+  if (at + 3 <= grid.Albedo().Kd().size()) std::ranges::copy(grid.Albedo().Kd().subspan(at, 3), kd.begin());
+  std::array<char, 1100> line{};
+  std::snprintf(line.data(), line.size(), "xt : %d , yt : %d , kdr : %f , kdg : %f , kdb : %f", xt, yt, kd[0], kd[1],
+                kd[2]);
+  Console() << line.data() << '\n';
+}
+
 }  // namespace
 
 void CDebugOverlay::Look(CGrid& grid, std::uint32_t flags, const CPlanePoint& place, ViewHost& host) {
   if ((flags & DebugFlag::kNormalTest) != 0) LogNormal(grid, place);
+  if ((flags & (DebugFlag::kNormalTest | DebugFlag::kReadOuts)) != 0) LogAlbedo(grid, place);
   if ((flags & DebugFlag::kInterpolation) != 0 && !grid.TraceInterpolation(place.x, place.y)) m_uTraced = 0;
   m_uLabels = 0;
   m_uLabelTree = grid.Tree().Revision();

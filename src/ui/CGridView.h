@@ -42,8 +42,6 @@ class CGridView : public Fl_Gl_Window {
   int DrawTexture() const { return m_View.m_iDrawTexture; }
   /// Called at every drawing, before anything is drawn.
   void BeforeDrawing(std::function<void()> action) { m_BeforeDrawing = std::move(action); }
-  /// Who draws the normals of the texels once a picture is loaded; called with the view's context current.
-  void DrawTexelNormalsWith(std::function<void()> draw) { m_Painter.DrawTexelNormalsWith(std::move(draw)); }
 
   const CCamera& Camera() const { return m_Camera; }
   void SetCamera(const CCamera& camera);

@@ -15,6 +15,11 @@ void CHelpLine::ShowHelp(int index) {
   value(HelpTextOf(index));
 }
 
+void CHelpLine::AskForCurveType() {
+  m_iShown = kOther;
+  value(kCurveTypeWanted);
+}
+
 void CHelpLine::ShowFrameRecorded(int frame) {
   std::array<char, 64> text{};
   std::snprintf(text.data(), text.size(), HelpTextOf(HelpText::kFrameRecorded), frame);

@@ -27,6 +27,8 @@ class CHelpLine : public CPassiveOutput {
   /// Shows a text until the current one is restored.
   void ShowHelp(int index);
   void RestoreHelp() { ShowHelp(m_iCurrent); }
+  /// Asks for the type of the curve in progress, until the current text is restored.
+  void AskForCurveType();
   /// "Frame nb ... recorded.", until the current text is restored.
   void ShowFrameRecorded(int frame);
 
@@ -34,6 +36,8 @@ class CHelpLine : public CPassiveOutput {
   int ShownHelp() const { return m_iShown; }
 
  private:
+  static constexpr int kOther = -1;  ///< shown: none of the numbered texts
+
   int m_iCurrent = HelpText::kNone;
   int m_iShown = HelpText::kNone;
 };

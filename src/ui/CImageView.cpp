@@ -11,6 +11,7 @@
 #include "model/CGrid.h"
 #include "model/Globals.h"
 #include "ui/CTextures.h"
+#include "ui/CurvePainter.h"
 #include "ui/DrawingSettings.h"
 #include "ui/FrameBuffer.h"
 #include "ui/OpenGLDefaults.h"
@@ -59,6 +60,8 @@ void CImageView::AttachGrid(CGrid& grid, ViewHost& host) {
   m_pHost = &host;
   m_PositionHandler.emplace(grid, m_Mapping, host);
   m_NormalHandler.emplace(grid, m_Mapping, host, m_uDisplayFlags);
+  m_CurveHandler.emplace(grid, m_Mapping, host, m_iCurveType);
+  m_Selector.emplace(grid, m_Mapping, host);
   UpdateMapping();
   redraw();
 }
@@ -69,7 +72,16 @@ void CImageView::SetDisplayFlags(std::uint32_t flags) {
 }
 
 void CImageView::SetDebugFlags(std::uint32_t flags) {
+  const bool toggled = ((m_uDebugFlags ^ flags) & DebugFlag::kSelectCells) != 0;
   m_uDebugFlags = flags;
+  if (toggled && m_Selector) {
+    if ((flags & DebugFlag::kSelectCells) != 0) {
+      EndDrag();
+      m_Selector->Begin();
+    } else {
+      m_Selector->End();
+    }
+  }
   redraw();
 }
 
@@ -172,6 +184,20 @@ void CImageView::DrawScene() {
   const bool selecting = (m_uDebugFlags & DebugFlag::kSelectCells) != 0;
   m_Painter.Draw(*m_pGrid, {m_uDisplayFlags, selecting, m_pTextures});
   m_Debug.Draw(*m_pGrid, m_uDebugFlags);
+  DrawTools();
+}
+
+// What follows the mouse.
+void CImageView::DrawTools() const {
+  if (m_Mode == EditingMode::Curve) DrawPendingCurve(*m_pGrid, m_CurveHandler->LooseEnd());
+  if (const std::optional<CExtent> rect = m_Selector->Rectangle()) {
+    glColor3d(1, 1, 1);
+    glLineWidth(1);
+    glBegin(GL_LINE_LOOP);
+    glVertex2d(rect->x0, rect->y0), glVertex2d(rect->x1, rect->y0);
+    glVertex2d(rect->x1, rect->y1), glVertex2d(rect->x0, rect->y1);
+    glEnd();
+  }
   if ((m_uDebugFlags & DebugFlag::kFreeze) != 0 && m_Brush.IsPlaced()) DrawBrush();
 }
 
@@ -209,14 +235,14 @@ void CImageView::ShowPointer() {
 }
 
 bool CImageView::HandleUsed(int event) {
-  if ((m_uDebugFlags & DebugFlag::kSelectCells) != 0) return false;
+  if ((m_uDebugFlags & DebugFlag::kSelectCells) != 0) return m_Selector->Handle(event) != 0;
   const bool freezing = (m_uDebugFlags & DebugFlag::kFreeze) != 0;
   const bool painted = freezing && m_Brush.Handle(event, *m_pGrid, m_Mapping);
   if (freezing) redraw();
   if (HandleViewDrag(event) || painted) return true;
   switch (m_Mode) {
     case EditingMode::Curve:
-      return false;
+      return HandleCurveCstr(event) != 0;
     case EditingMode::Position:
       return HandlePtPosCstr(event) != 0;
     default:
@@ -227,6 +253,8 @@ bool CImageView::HandleUsed(int event) {
 int CImageView::HandlePtPosCstr(int event) { return m_PositionHandler->Handle(event); }
 
 int CImageView::HandlePtNormCstr(int event) { return m_NormalHandler->Handle(event); }
+
+int CImageView::HandleCurveCstr(int event) { return m_CurveHandler->Handle(event); }
 
 bool CImageView::HandleViewDrag(int event) {
   switch (event) {
@@ -281,4 +309,6 @@ void CImageView::EndDrag() {
   m_Brush.EndDrag();
   m_PositionHandler->EndDrag();
   m_NormalHandler->EndDrag();
+  m_CurveHandler->EndDrag();
+  m_Selector->EndDrag();
 }

@@ -6,9 +6,11 @@
 
 #include <FL/Fl_Gl_Window.H>
 
+#include "ui/CCellSelector.h"
 #include "ui/CDebugOverlay.h"
 #include "ui/CFreezeBrush.h"
 #include "ui/CViewMapping.h"
+#include "ui/CurveHandler.h"
 #include "ui/DisplayFlags.h"
 #include "ui/PicturePainter.h"
 #include "ui/PtCstrHandlers.h"
@@ -66,6 +68,7 @@ class CImageView : public Fl_Gl_Window {
  private:
   void DrawScene();
   void DrawBrush() const;
+  void DrawTools() const;
   void UpdateMapping();
   void Unselect();
   bool FitsGraphicsCard(int width, int height);
@@ -77,6 +80,7 @@ class CImageView : public Fl_Gl_Window {
   void EndViewDrag();
   int HandlePtPosCstr(int event);
   int HandlePtNormCstr(int event);
+  int HandleCurveCstr(int event);
 
   CGrid* m_pGrid = nullptr;
   ViewHost* m_pHost = nullptr;
@@ -90,6 +94,8 @@ class CImageView : public Fl_Gl_Window {
   CViewMapping m_Mapping;
   std::optional<CPtPosCstrHandler> m_PositionHandler;
   std::optional<CPtNormCstrHandler> m_NormalHandler;
+  std::optional<CCurveHandler> m_CurveHandler;
+  std::optional<CCellSelector> m_Selector;
   CFreezeBrush m_Brush;
   CDebugOverlay m_Debug;
   CPicturePainter m_Painter;

@@ -167,14 +167,9 @@ void CImageViewUI::RefreshEnabled() {
   m_pMenu->Enable(MenuEntry::ImagePicture, m_bPictureLoaded);
   m_pMenu->Enable(MenuEntry::ModelTexture, m_bPictureLoaded);
   m_pMenu->Enable(MenuEntry::FreezeMap, !m_bFreezing);
-  m_pMenu->Enable(MenuEntry::DiscontinuityTexels, m_Services.m_bTexels);
-  m_pMenu->Enable(MenuEntry::TexelNormals, m_Services.m_bTexels);
 
-  const bool curves = m_Services.m_DropCurve && m_Services.m_CurveTypeChanged;
   const EditingMode mode = m_pImageView->Mode();
-  Enable(Control::CurveConstraint, curves);
-  Enable(Control::CurveType, curves && mode != EditingMode::Position && mode != EditingMode::Normal);
-  Enable(Control::Select, static_cast<bool>(m_Services.m_ApplySelection));
+  Enable(Control::CurveType, mode != EditingMode::Position && mode != EditingMode::Normal);
   const auto hasTool = [this](Tool tool) { return m_apTools[static_cast<std::size_t>(tool)] != nullptr; };
   Enable(Control::LightSources, hasTool(Tool::LightSources));
   Enable(Control::Recorder, hasTool(Tool::Recorder) && !m_bFreezing);
@@ -227,6 +222,20 @@ void CImageViewUI::ProcessEvents() { Fl::check(); }
 void CImageViewUI::ShowHelp(int index) { m_pHelpLine->ShowHelp(index); }
 
 void CImageViewUI::RestoreHelp() { m_pHelpLine->RestoreHelp(); }
+
+void CImageViewUI::SetCurrentHelp(int index) { m_pHelpLine->SetCurrentHelp(index); }
+
+void CImageViewUI::AskForCurveType() { m_pHelpLine->AskForCurveType(); }
+
+void CImageViewUI::ShowCurveType(int type) {
+  Button(Control::PositionDiscontinuity).value(type == CurveType::kPosition ? 1 : 0);
+  Button(Control::NormalDiscontinuity).value(type == CurveType::kNormal ? 1 : 0);
+  Button(Control::FairnessConstraint).value(type == CurveType::kFairness ? 1 : 0);
+}
+
+void CImageViewUI::EditCurveAttributes(const CPlanePoint& place) {
+  m_Commands.EditCurveAttributes(place.x, place.y, static_cast<std::uint32_t>(m_pImageView->CurveType()));
+}
 
 void CImageViewUI::RedrawImageView() { m_pImageView->redraw(); }
 

@@ -83,6 +83,10 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void ResumeAfterCommand() override { m_Solver.ResumeAfterCommand(); }
   void ShowHelp(int index) override;
   void RestoreHelp() override;
+  void SetCurrentHelp(int index) override;
+  void AskForCurveType() override;
+  void ShowCurveType(int type) override;
+  void EditCurveAttributes(const CPlanePoint& place) override;
   void RedrawImageView() override;
   void RedrawModelView() override;
   void FocusImageView() override;
@@ -119,6 +123,8 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   bool FlagChosen(MenuEntry entry);
   void SetEditingMode(EditingMode mode);
   void SetCurveType(int type);
+  /// The help text that stays with what the mouse does in the image view.
+  int CurrentHelp() const;
   void SetDebugFlag(std::uint32_t flag, bool on);
   void UpdateDebugReadOuts();
   void CycleLevelTool();
@@ -140,7 +146,7 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   bool LoadPicture(const std::string& file) override;
   std::string TextureFile() const override;
   void GridReplaced() override;
-  void EndDrags();
+  void EndDrags() override;
 
   double m_fScale;
   CToolkitDialogs m_ToolkitDialogs;

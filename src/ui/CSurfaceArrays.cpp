@@ -23,10 +23,6 @@ void Put(std::vector<float>& array, std::size_t vertex, const Vector3& v) {
   array[3 * vertex + 2] = static_cast<float>(v.z);
 }
 
-bool SameExtent(const CExtent& a, const CExtent& b) {
-  return a.x0 == b.x0 && a.x1 == b.x1 && a.y0 == b.y0 && a.y1 == b.y1;
-}
-
 }  // namespace
 
 bool CSurfaceArrays::HasChanged(CStamp& seen, const CGrid& grid, double length) {
@@ -44,7 +40,7 @@ void CSurfaceArrays::RefreshSurface(CGrid& grid) {
     NumberCorners(grid);
     ListTriangles(grid);
   }
-  if (otherTree || !SameExtent(m_Extent, grid.Lattice().Extent())) PlaceVertices(grid);
+  if (otherTree || m_Extent != grid.Lattice().Extent()) PlaceVertices(grid);
   RaiseVertices(grid);
 }
 

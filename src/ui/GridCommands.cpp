@@ -40,6 +40,7 @@ void CGridCommands::Perform(int operation) {
   if (operation == Operation::kLoadGrid) LoadGrid();
   if (operation == Operation::kLoadImage) LoadImage();
   if (operation == Operation::kSaveGrid) SaveGrid();
+  if (operation == Operation::kContourAttributes) EditCurveAttributes();
 }
 
 void CGridCommands::NewGrid() {
@@ -102,6 +103,26 @@ void CGridCommands::ExportHeightField() {
   m_Solver.HaltSolver();
   m_pGrid->PerformPendingWork();
   m_Services.m_ExportHeightField(*m_pGrid);
+}
+
+void CGridCommands::EditCurveAttributes(double x, double y, std::uint32_t type) {
+  m_fCurveX = x;
+  m_fCurveY = y;
+  m_uCurveType = type;
+  Request(Operation::kContourAttributes);
+}
+
+void CGridCommands::EditCurveAttributes() {
+  if (!m_Services.m_AskContourAttributes) return;
+  const auto [curve, node] = m_pGrid->FindCurve(m_fCurveX, m_fCurveY);
+  if (curve == nullptr) return;
+  m_Host.EndDrags();
+  const CCommandPause pause(m_Solver);
+  const std::optional<CContourAnswer> answer =
+      m_Services.m_AskContourAttributes(CContourAttributes::Of(*curve, *node), curve->HasType(CurveType::kFairness));
+  if (!answer.has_value()) return;
+  m_pGrid->SetCurveAttributes(m_fCurveX, m_fCurveY, answer->m_Attributes, m_uCurveType, answer->m_bAllNodes);
+  if (answer->m_bExport) m_pGrid->ExportCurveConstraints(m_fCurveX, m_fCurveY);
 }
 
 void CGridCommands::SwitchResolution() {

@@ -40,8 +40,14 @@ inline constexpr int kNone = 0;
 inline constexpr int kPositions = 2;
 inline constexpr int kNormals = 3;
 inline constexpr int kCurves = 4;
+inline constexpr int kCurveInProgress = 8;
+inline constexpr int kSelectCells = 10;
 inline constexpr int kFrameRecorded = 20;  ///< a format that takes the number of the frame
 }  // namespace HelpText
+
+/// What the help line says when a curve is to end whose type has not been chosen.
+inline constexpr const char* kCurveTypeWanted =
+    "Choose the type of the curve first: type p, n or f, or click on one of the three types. Then press Enter again.";
 
 /// The text of an index; the empty one for an index that has none.
 inline constexpr const char* HelpTextOf(int index) {

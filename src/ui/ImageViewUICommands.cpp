@@ -167,17 +167,29 @@ void CImageViewUI::ShowHelpLine(bool show) {
 
 void CImageViewUI::SetEditingMode(EditingMode mode) {
   m_pImageView->SetMode(mode);
-  m_pHelpLine->SetCurrentHelp(mode == EditingMode::Position ? HelpText::kPositions
-                              : mode == EditingMode::Normal ? HelpText::kNormals
-                                                            : HelpText::kCurves);
+  m_pGrid->CancelPendingCurve();
+  m_pHelpLine->SetCurrentHelp(CurrentHelp());
   redraw();
-  if (m_Services.m_DropCurve) m_Services.m_DropCurve(*m_pGrid);
   RefreshEnabled();
+}
+
+int CImageViewUI::CurrentHelp() const {
+  if ((m_pImageView->DebugFlags() & DebugFlag::kSelectCells) != 0) return HelpText::kSelectCells;
+  switch (m_pImageView->Mode()) {
+    case EditingMode::Position:
+      return HelpText::kPositions;
+    case EditingMode::Normal:
+      return HelpText::kNormals;
+    case EditingMode::Curve:
+      return m_pGrid->PendingCurve().IsIdle() ? HelpText::kCurves : HelpText::kCurveInProgress;
+    default:
+      return HelpText::kNone;
+  }
 }
 
 void CImageViewUI::SetCurveType(int type) {
   m_pImageView->SetCurveType(type);
-  if (m_Services.m_CurveTypeChanged) m_Services.m_CurveTypeChanged(*m_pGrid);
+  RequestRedraw();
 }
 
 void CImageViewUI::SetDebugFlag(std::uint32_t flag, bool on) {
@@ -210,8 +222,7 @@ void CImageViewUI::CycleLevelTool() {
 void CImageViewUI::ToggleSelect() {
   const bool on = Button(Control::Select).value() != 0;
   SetDebugFlag(DebugFlag::kSelectCells, on);
-  if (on) return;
-  m_Services.m_ApplySelection(*m_pGrid);
+  m_pHelpLine->SetCurrentHelp(CurrentHelp());
   RequestRedraw();
 }
 
@@ -307,6 +318,7 @@ void CImageViewUI::GridReplaced() {
                                                     : MenuEntry::NoWavelets,
                       true);
   RefreshReadOuts();
+  m_pHelpLine->SetCurrentHelp(CurrentHelp());
   Relayout();
   m_pGridView->ResetCamera();
   RequestRedraw();

@@ -11,6 +11,7 @@
 #include "base/Console.h"
 #include "model/CGrid.h"
 #include "ui/CTextures.h"
+#include "ui/CurveColours.h"
 #include "ui/DisplayFlags.h"
 #include "ui/Quadrics.h"
 
@@ -29,6 +30,9 @@ double SizeUnit(const CGrid& grid) {
   const CExtent& extent = grid.Lattice().Extent();
   return 0.01 * std::max(extent.x1 - extent.x0, extent.y1 - extent.y0);
 }
+
+// None that another normal has at the start.
+constexpr CColour kTexelNormalColour{0.5, 0.75, 1};
 
 void SetColour(const CColour& colour) { glColor3dv(colour.data()); }
 
@@ -172,6 +176,48 @@ void DrawPointConstraints(const CGrid& grid) {
   }
 }
 
+bool IsDrawable(const CCntrCtrl& curve) {
+  const std::size_t nodes = curve.Nodes().size();
+  if (nodes == 0) {
+    Console() << "Error CGrid::Draw3DCntr : attempt to draw an empty curve\n";
+  } else if (nodes == 1) {
+    Console() << "Error CGrid::Draw3DCntr : attempt to draw a one-point-curve :\n"
+                 "\t\t\t\t\t\t   There should'n be a one-point curve\n";
+  } else if (!curve.HasType(CurveType::kAll)) {
+    Console() << "one unknown type contour founed!\n";
+  }
+  return nodes > 1;
+}
+
+// A state shows as a wider line behind that of the type. The vertex array is that of the curves.
+void DrawCurve(const CCntrCtrl& curve, const CCurveArrays::CLine& line) {
+  constexpr float kWidth = 3.0F;
+  constexpr float kStateWidth = 7.0F;
+  const auto draw = [&](const CColour& colour, float width) {
+    SetColour(colour);
+    glLineWidth(width);
+    glDrawArrays(GL_LINE_STRIP, static_cast<GLint>(line.m_uFirst), static_cast<GLsizei>(line.m_uCount));
+  };
+  const CColour& colour = CurveColour(curve.Type());
+  if (curve.HasState(PtCstrState::kSelected | PtCstrState::kHighlighted))
+    draw(CurveStateColour(curve, colour), kStateWidth);
+  draw(colour, kWidth);
+}
+
+// One of `vertices` per node.
+void DrawNodes(const CCntrCtrl& curve, std::span<const std::uint32_t> vertices) {
+  constexpr float kSize = 6.0F;
+  const CColour& colour = CurveColour(curve.Type());
+  auto vertex = vertices.begin();
+  glPointSize(kSize);
+  glBegin(GL_POINTS);
+  for (const CCntrNode& node : curve.Nodes()) {
+    SetColour(CurveStateColour(node, colour));
+    glArrayElement(static_cast<GLint>(*vertex++));
+  }
+  glEnd();
+}
+
 // A tube from the middle of the model's box towards each directional light.
 void DrawLightMarkers(const CGrid& grid, const CLightSet& lights) {
   constexpr int kSlices = 20;
@@ -199,6 +245,7 @@ void CModelPainter::Draw(CGrid& grid, const CView& view) {
   glDisable(GL_TEXTURE_2D);
   if ((view.m_uFlags & ModelFlag::kTexturedModel) != 0) DrawTexturedModel(grid, view);
   if ((view.m_uFlags & ModelFlag::kGrid) != 0) DrawGridLines(grid);
+  if ((view.m_uFlags & ModelFlag::kCurves) != 0) Draw3DCntr(grid);
   if ((view.m_uFlags & ModelFlag::kPointConstraints) != 0) DrawPointConstraints(grid);
   DrawNormals(grid, view.m_uFlags);
   DrawLightMarkers(grid, grid.RemovedLights());
@@ -264,13 +311,31 @@ void CModelPainter::DrawNormals(CGrid& grid, std::uint32_t flags) {
     m_Arrays.RefreshPointNormals(grid, length);
     DrawSegments(m_Arrays.PointNormals(), g_DrawingSettings.m_NormalColours.m_Unselected);
   }
-  if ((flags & ModelFlag::kTexelNormals) != 0) DrawNormalsTexels(grid);
+  if ((flags & ModelFlag::kTexelNormals) != 0) DrawNormalsTexels(grid, length);
 }
 
-void CModelPainter::DrawNormalsTexels(const CGrid& grid) const {
+void CModelPainter::DrawNormalsTexels(CGrid& grid, double length) {
   if (!grid.Textures().HasPicture()) {
     Console() << "Error Cgrid::DrawNormalsTexels()\t\tNo texture loaded\n";
     return;
   }
-  if (m_DrawTexelNormals) m_DrawTexelNormals();
+  m_Texels.RefreshNormals(grid, length);
+  DrawSegments(m_Texels.Normals(), kTexelNormalColour);
+}
+
+void CModelPainter::Draw3DCntr(const CGrid& grid) {
+  m_Curves.Refresh(grid);
+  glEnableClientState(GL_VERTEX_ARRAY);
+  glVertexPointer(3, GL_FLOAT, 0, m_Curves.Vertices().data());
+  auto line = m_Curves.Lines().begin();
+  std::span<const std::uint32_t> nodes = m_Curves.NodeVertices();
+  for (const CCntrCtrl& curve : grid.Curves()) {
+    const CCurveArrays::CLine& vertices = *line++;
+    if (IsDrawable(curve)) {
+      DrawCurve(curve, vertices);
+      DrawNodes(curve, nodes);
+    }
+    nodes = nodes.subspan(curve.Nodes().size());
+  }
+  glDisableClientState(GL_VERTEX_ARRAY);
 }

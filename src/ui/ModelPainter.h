@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <utility>
 
+#include "ui/CCurveArrays.h"
 #include "ui/CSurfaceArrays.h"
+#include "ui/CTexelArrays.h"
 #include "ui/DrawingSettings.h"
 
 class CGrid;
@@ -25,15 +25,15 @@ class CModelPainter {
 
   /// Leaves the context without lighting and texturing, the current colour white.
   void Draw(CGrid& grid, const CView& view);
-  /// Who draws the normals of the texels, once a picture is loaded.
-  void DrawTexelNormalsWith(std::function<void()> draw) { m_DrawTexelNormals = std::move(draw); }
 
  private:
   void DrawTexturedModel(CGrid& grid, const CView& view);
   void DrawGridLines(CGrid& grid);
   void DrawNormals(CGrid& grid, std::uint32_t flags);
-  void DrawNormalsTexels(const CGrid& grid) const;
+  void DrawNormalsTexels(CGrid& grid, double length);
+  void Draw3DCntr(const CGrid& grid);
 
   CSurfaceArrays m_Arrays;
-  std::function<void()> m_DrawTexelNormals;
+  CCurveArrays m_Curves;
+  CTexelArrays m_Texels;
 };

@@ -11,6 +11,7 @@
 #include "model/CGrid.h"
 #include "model/Globals.h"
 #include "ui/CTextures.h"
+#include "ui/CurvePainter.h"
 #include "ui/DisplayFlags.h"
 #include "ui/DrawingSettings.h"
 
@@ -18,6 +19,9 @@ namespace {
 
 // None that a constraint or a grid line has at the start.
 constexpr CColour kFrozenColour{0, 1, 1};
+
+// Lets the picture shine through.
+constexpr std::array<double, 4> kMaskedColour{1, 0, 1, 0.6};
 
 void SetColour(const CColour& colour) { glColor3dv(colour.data()); }
 
@@ -138,8 +142,10 @@ void DrawPointConstraints(const CGrid& grid) {
 
 void CPicturePainter::Draw(CGrid& grid, const CView& view) {
   if ((view.m_uFlags & ImageFlag::kImage) != 0 && view.m_pTextures != nullptr) DrawPicture(grid, *view.m_pTextures);
+  if ((view.m_uFlags & ImageFlag::kDiscontinuityTexels) != 0) DrawMaskedTexels(grid);
   DrawSubdivision(grid, view);
   if ((view.m_uFlags & ImageFlag::kFreezeMap) != 0) DrawFrozen(grid);
+  if ((view.m_uFlags & ImageFlag::kCurves) != 0) DrawCurves(grid);
   if ((view.m_uFlags & ImageFlag::kPointConstraints) != 0) DrawPointConstraints(grid);
   glColor3d(1, 1, 1);
 }
@@ -175,4 +181,17 @@ void CPicturePainter::DrawFrozen(const CGrid& grid) {
   glPointSize(kSize);
   SetColour(kFrozenColour);
   DrawVertices(GL_POINTS, m_Arrays.Frozen());
+}
+
+void CPicturePainter::DrawMaskedTexels(const CGrid& grid) {
+  const CTexelMap& texels = grid.Texels();
+  if (texels.Mask().empty()) return;
+  m_Texels.RefreshMasked(grid);
+  const CExtent& e = grid.Lattice().Extent();
+  glPushMatrix();
+  glTranslated(e.x0, e.y0, 0);
+  glScaled((e.x1 - e.x0) / texels.Width(), (e.y1 - e.y0) / texels.Height(), 1);
+  glColor4dv(kMaskedColour.data());
+  DrawVertices(GL_QUADS, m_Texels.Masked());
+  glPopMatrix();
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "ui/CPlaneArrays.h"
+#include "ui/CTexelArrays.h"
 
 class CGrid;
 class CQuadT;
@@ -25,6 +26,8 @@ class CPicturePainter {
  private:
   void DrawSubdivision(CGrid& grid, const CView& view);
   void DrawFrozen(const CGrid& grid);
+  void DrawMaskedTexels(const CGrid& grid);
 
   CPlaneArrays m_Arrays;
+  CTexelArrays m_Texels;
 };

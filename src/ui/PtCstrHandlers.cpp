@@ -14,16 +14,9 @@ constexpr double kModelUnitsPerSlope = 2.5;
 
 }  // namespace
 
-CPlanePoint CPtCstrHandler::Cursor() const { return m_Mapping.ToModel(Fl::event_x(), Fl::event_y()); }
-
 double CPtCstrHandler::SurfaceHeightAt(const CPlanePoint& place) const {
   const CLattice& lattice = m_Grid.Lattice();
   return m_Grid.GetHeightAt(lattice.ColumnOf(place.x), lattice.RowOf(place.y));
-}
-
-void CPtCstrHandler::RedrawBoth() {
-  m_Host.RedrawImageView();
-  m_Host.RedrawModelView();
 }
 
 void CPtCstrHandler::EndDrag() {
@@ -58,7 +51,7 @@ int CPtCstrHandler::Handle(int event) {
 }
 
 void CPtCstrHandler::Hover() {
-  m_Last = m_Mapping.Clamped(Cursor());
+  m_Last = ClampedCursor();
   m_Grid.HighlightPtCstrs(m_Last.x, m_Last.y, m_uKind);
   m_Host.RedrawImageView();
   Hovered();
@@ -67,7 +60,7 @@ void CPtCstrHandler::Hover() {
 void CPtCstrHandler::Press() {
   EndDrag();
   const int button = Fl::event_button();
-  const CPlanePoint press = m_Mapping.Clamped(Cursor());
+  const CPlanePoint press = ClampedCursor();
   if (m_Grid.HighlightPtCstrs(m_Last.x, m_Last.y, m_uKind)) {
     m_Grid.SelectPtCstr(m_Last.x, m_Last.y, m_uKind);
     m_iButton = button;
@@ -85,7 +78,7 @@ void CPtCstrHandler::Drag() {
   if (m_iButton == FL_RIGHT_MOUSE || m_bJustCreated) {
     Edit(Cursor());
   } else if (m_iButton == FL_LEFT_MOUSE) {
-    Move(m_Mapping.Clamped(Cursor()));
+    Move(ClampedCursor());
   } else {
     return;
   }
@@ -96,12 +89,9 @@ void CPtCstrHandler::Drag() {
 void CPtCstrHandler::Move(const CPlanePoint& cursor) {
   const CPtCstr* selected = m_Grid.PointConstraints().FirstSelected();
   if (selected == nullptr) return;
-  const CPlanePoint wanted{selected->m_fX + (cursor.x - m_Last.x), selected->m_fY + (cursor.y - m_Last.y)};
-  const CPlanePoint allowed = m_Mapping.Clamped(wanted);
-  const double dx = allowed.x - selected->m_fX;
-  const double dy = allowed.y - selected->m_fY;
-  m_Grid.MoveSelectedPtCstr(dx, dy);
-  m_Last = {m_Last.x + dx, m_Last.y + dy};
+  const CPlanePoint step = AllowedStep({selected->m_fX, selected->m_fY}, m_Last, cursor);
+  m_Grid.MoveSelectedPtCstr(step.x, step.y);
+  m_Last = {m_Last.x + step.x, m_Last.y + step.y};
 }
 
 // A drag does not go on with another constraint than the one it began with.

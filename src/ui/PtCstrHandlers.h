@@ -2,16 +2,10 @@
 
 #include <cstdint>
 
-#include "ui/CViewMapping.h"
-
-class CGrid;
-class ViewHost;
+#include "ui/CPlaneHandler.h"
 
 /// Creates, selects and edits the point constraints of one kind with the mouse and the keyboard.
-///
-/// Events are read through the toolkit. The mapping must be up to date at every event; all references must outlive the
-/// handler.
-class CPtCstrHandler {
+class CPtCstrHandler : public CPlaneHandler {
  public:
   virtual ~CPtCstrHandler() = default;
   CPtCstrHandler(const CPtCstrHandler&) = delete;
@@ -25,14 +19,10 @@ class CPtCstrHandler {
  protected:
   /// `kind`: PtCstrKind::kPosition or kNormal.
   CPtCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, std::uint32_t kind)
-      : m_Grid(grid), m_Mapping(mapping), m_Host(host), m_uKind(kind) {}
+      : CPlaneHandler(grid, mapping, host), m_uKind(kind) {}
 
-  CPlanePoint Cursor() const;
   double SurfaceHeightAt(const CPlanePoint& place) const;
 
-  CGrid& m_Grid;
-  const CViewMapping& m_Mapping;
-  ViewHost& m_Host;
   CPlanePoint m_Last;  ///< where the mouse hovered last, or where the press or the move came to
 
  private:
@@ -51,7 +41,6 @@ class CPtCstrHandler {
   void Move(const CPlanePoint& cursor);
   int Key();
   void SelectNeighbour(bool next);
-  void RedrawBoth();
 
   std::uint32_t m_uKind;
   int m_iButton = 0;            ///< whose drag it is; 0: none

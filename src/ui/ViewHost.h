@@ -1,5 +1,7 @@
 #pragma once
 
+struct CPlanePoint;
+
 /// What the two views ask of the window around them.
 class ViewHost {
  public:
@@ -12,6 +14,14 @@ class ViewHost {
   /// Help line: show text `index`; go back to the text that stays.
   virtual void ShowHelp(int index) = 0;
   virtual void RestoreHelp() = 0;
+  /// Show text `index` and make it the one that stays; ask for the type of the curve in progress.
+  virtual void SetCurrentHelp(int index) { ShowHelp(index); }
+  virtual void AskForCurveType() {}
+
+  /// The type of new curves (CurveType bit) is another now.
+  virtual void ShowCurveType(int /*type*/) {}
+  /// Let the user edit the attributes of the curve at a place, as soon as no step of the solver is under way.
+  virtual void EditCurveAttributes(const CPlanePoint& /*place*/) {}
 
   virtual void RedrawImageView() = 0;
   virtual void RedrawModelView() = 0;

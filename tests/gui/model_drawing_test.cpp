@@ -316,24 +316,18 @@ TEST_F(ModelDrawingTest, CellAndPointNormalsHaveFlagsOfTheirOwn) {
 }
 
 TEST_F(ModelDrawingTest, TexelNormalsWithoutAPictureAreRefused) {
-  int drawings = 0;
-  View().DrawTexelNormalsWith([&] { ++drawings; });
   m_Grid.m_Console.Take();
-  FrameWith(ModelFlag::kTexelNormals);
+  EXPECT_EQ(NonBlack(FrameWith(ModelFlag::kTexelNormals)), 0);
   EXPECT_EQ(m_Grid.m_Console.Take(), "Error Cgrid::DrawNormalsTexels()\t\tNo texture loaded\n");
-  EXPECT_EQ(drawings, 0);
 }
 
-TEST_F(ModelDrawingTest, TexelNormalsOfAPictureAreLeftToTheirDrawer) {
-  LoadPicture(PlainPicture(kWhite));
+TEST_F(ModelDrawingTest, TexelNormalsAreSegmentsOnTheSurface) {
+  SetSurface(Grid(), CRamp{-1, 0, 0});
+  Grid().SetPicture(PlainPicture(kWhite));
+  View().ResetCamera();
+  Grid().ComputeNormalsOnly();
   m_Grid.m_Console.Take();
-  EXPECT_EQ(NonBlack(FrameWith(ModelFlag::kTexelNormals)), 0) << "nobody draws them";
-  int drawings = 0;
-  View().DrawTexelNormalsWith([&] { ++drawings; });
-  FrameWith(ModelFlag::kTexelNormals);
-  EXPECT_EQ(drawings, 1);
-  FrameWith(ModelFlag::kTexturedModel);
-  EXPECT_EQ(drawings, 1);
+  EXPECT_GT(CountPixels(FrameWith(ModelFlag::kTexelNormals), kTexelNormal), 100);
   EXPECT_EQ(m_Grid.m_Console.Take(), "");
 }
 

@@ -53,7 +53,6 @@ TEST_F(WindowCommandsTest, EditingModesAreSelected) {
     EXPECT_EQ(HelpLine().CurrentHelp(), row.help);
     EXPECT_EQ(IsActive(Control::CurveType), row.curveTypes);
   }
-  EXPECT_EQ(m_asDone, Texts(3, "drop curve"));
 }
 
 TEST_F(WindowCommandsTest, CurveTypesAreSelected) {
@@ -63,15 +62,6 @@ TEST_F(WindowCommandsTest, CurveTypesAreSelected) {
     ClickOn(control);
     EXPECT_EQ(m_Window.ImageView().CurveType(), type);
   }
-  EXPECT_EQ(m_asDone, Texts(3, "curve type"));
-}
-
-TEST_F(WindowCommandsTest, WithoutCurvesTheirButtonsAreInactive) {
-  m_Window.SetServices({});
-  EXPECT_FALSE(IsActive(Control::CurveConstraint));
-  EXPECT_FALSE(IsActive(Control::FairnessConstraint));
-  EXPECT_FALSE(IsActive(Control::Select));
-  EXPECT_TRUE(IsActive(Control::PositionConstraint));
 }
 
 TEST_F(WindowCommandsTest, TwiceSlowerAndTwiceFasterIsTheOldInterval) {
@@ -179,13 +169,6 @@ TEST_F(WindowCommandsTest, LevelButtonGoesThroughItsStates) {
     EXPECT_EQ(IsVisible(Control::PointNumber), row.level);
     EXPECT_EQ(IsVisible(Control::Influence), row.influence);
   }
-}
-
-TEST_F(WindowCommandsTest, SelectAppliesWhenItEnds) {
-  ClickOn(Control::Select);
-  EXPECT_TRUE(m_asDone.empty());
-  ClickOn(Control::Select);
-  EXPECT_EQ(m_asDone, Texts{"apply"});
 }
 
 TEST_F(WindowCommandsTest, PopupGreets) {

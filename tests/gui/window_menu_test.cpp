@@ -153,7 +153,7 @@ TEST_F(WindowMenuTest, WhatNobodyBringsIsInactive) {
   m_Window.SetServices({});
   for (const MenuEntry entry :
        {MenuEntry::NewGrid, MenuEntry::LoadGrid, MenuEntry::SaveGrid, MenuEntry::SaveVrml, MenuEntry::ExportHeightField,
-        MenuEntry::DrawingParameters, MenuEntry::DiscontinuityTexels, MenuEntry::TexelNormals}) {
+        MenuEntry::DrawingParameters}) {
     EXPECT_FALSE(Menu().IsActive(entry));
   }
   EXPECT_TRUE(Menu().IsActive(MenuEntry::LoadImage));

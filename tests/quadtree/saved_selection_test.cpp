@@ -112,4 +112,89 @@ TEST(SavedSelectionTest, RefinementOutsideTheTreeIsRefused) {
   for (int k = 0; k < 4; ++k) EXPECT_TRUE(record.Root().Child(k).IsLeaf());
 }
 
+// Four by four leaves, two lattice steps wide.
+struct CSplitGrid {
+  CSplitGrid() { m_Record.SetStartLevel(2); }
+  void Select(double gx0, double gy0, double gx1, double gy1) {
+    m_Record.SelectRectangle(m_Test.m_Tree, gx0, gy0, gx1, gy1);
+  }
+  // One row of digits per row of leaves, the upper one first.
+  std::string Selection() {
+    std::string rows;
+    for (int j = 3; j >= 0; --j) {
+      for (int i = 0; i < 4; ++i) {
+        CSaveQuadT* node = &m_Record.Root();
+        for (int half = 2; half > 0; half /= 2) {
+          const bool right = (i & half) != 0;
+          const bool upper = (j & half) != 0;
+          node = &node->Child(right ? (upper ? 2 : 1) : (upper ? 3 : 0));
+        }
+        rows += node->IsSelected() ? '1' : '0';
+      }
+      rows += j > 0 ? "/" : "";
+    }
+    return rows;
+  }
+
+  CTestTree m_Test{3, 2};
+  CSubdivisionRecord m_Record{3};
+};
+
+TEST(SavedSelectionTest, RectangleSelectsTheLeavesItMeets) {
+  CSplitGrid test;
+  test.Select(2.5, 0.5, 5.5, 3);
+  EXPECT_EQ(test.Selection(), "0000/0000/0110/0110");
+  EXPECT_FALSE(test.m_Record.Root().IsSelected());
+  EXPECT_FALSE(test.m_Record.Root().Child(0).IsSelected()) << "only leaves";
+}
+
+TEST(SavedSelectionTest, RectangleHasClosedBoundsAndCornersInAnyOrder) {
+  CSplitGrid test;
+  test.Select(4, 4, 2, 4);
+  EXPECT_EQ(test.Selection(), "0000/1110/1110/0000") << "a line on a border meets both sides";
+}
+
+TEST(SavedSelectionTest, RectangleLeavesTheSelectionElsewhere) {
+  CSplitGrid test;
+  test.Select(0.5, 0.5, 0.6, 0.6);
+  test.Select(7.5, 7.5, 7.6, 7.6);
+  EXPECT_EQ(test.Selection(), "0001/0000/0000/1000");
+  test.Select(-5, -5, -1, -1);
+  EXPECT_EQ(test.Selection(), "0001/0000/0000/1000");
+}
+
+TEST(SavedSelectionTest, RectangleUnselectsWhatIsNoLeaf) {
+  CSplitGrid test;
+  test.m_Record.Root().Child(0).SetSelected(true);
+  test.Select(0.5, 0.5, 0.6, 0.6);
+  EXPECT_FALSE(test.m_Record.Root().Child(0).IsSelected());
+  EXPECT_EQ(test.Selection(), "0000/0000/0000/1000");
+}
+
+TEST(SavedSelectionTest, RectangleGoesNoDeeperThanTheCells) {
+  CSplitGrid test;
+  CTestTree coarse(3, 1);
+  test.m_Record.SelectRectangle(coarse.m_Tree, 0, 0, 8, 8);
+  EXPECT_EQ(test.Selection(), "0000/0000/0000/0000") << "the cells are not split yet";
+}
+
+TEST(SavedSelectionTest, ClearingStopsAtTheFirstSelectedNodeOfABranch) {
+  CSplitGrid test;
+  test.Select(0.5, 0.5, 0.6, 0.6);
+  test.Select(7.5, 7.5, 7.6, 7.6);
+  test.m_Record.Root().Child(2).SetSelected(true);
+  test.m_Record.ClearSelection();
+  EXPECT_EQ(test.Selection(), "0001/0000/0000/0000");
+  EXPECT_FALSE(test.m_Record.Root().Child(2).IsSelected());
+  test.m_Record.ClearSelection();
+  EXPECT_EQ(test.Selection(), "0000/0000/0000/0000");
+}
+
+TEST(SavedSelectionTest, RefinementUnselectsWhatItSplits) {
+  CSplitGrid test;
+  test.Select(0.5, 0.5, 0.6, 0.6);
+  test.m_Record.RefineAt(test.m_Test.m_Tree, 0.5, 0.5);
+  EXPECT_EQ(test.Selection(), "0000/0000/0000/0000");
+}
+
 }  // namespace

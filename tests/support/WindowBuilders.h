@@ -62,6 +62,7 @@ class ScriptedHost : public CommandHost {
   }
   std::string TextureFile() const override { return m_Texture; }
   void GridReplaced() override { ++m_iReplaced; }
+  void EndDrags() override { ++m_iDragEnds; }
 
   std::optional<std::string> m_File;
   bool m_bYes = false;
@@ -71,4 +72,5 @@ class ScriptedHost : public CommandHost {
   std::vector<std::string> m_asNotices;
   std::vector<std::string> m_asPictures;
   int m_iReplaced = 0;
+  int m_iDragEnds = 0;
 };

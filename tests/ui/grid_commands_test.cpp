@@ -36,7 +36,12 @@ class GridCommandsTest : public ::testing::Test {
               Note("vrml " + file);
               return true;
             },
-            [this](CGrid&) { Note("height field"); }};
+            [this](CGrid&) { Note("height field"); },
+            [this](const CContourAttributes& present, bool fairness) {
+              Note(fairness ? "fairness" : "curve");
+              m_Attributes = present;
+              return m_CurveAnswer;
+            }};
   }
   void Note(const std::string& what) {
     m_asDone.push_back(what);
@@ -47,6 +52,8 @@ class GridCommandsTest : public ::testing::Test {
   ScriptedHost m_Host;
   CGridCommands m_Commands{m_Host, m_Test.m_Solver};
   std::optional<CGridParameters> m_NewGrid;
+  std::optional<CContourAnswer> m_CurveAnswer;
+  CContourAttributes m_Attributes;  // that were shown last
   std::vector<std::string> m_asDone;
   bool m_bRanMeanwhile = false;
 };

@@ -119,10 +119,11 @@ class WindowTest : public ToolkitTest {
     };
     services.m_Model.m_ExportHeightField = [note](CGrid&) { note("height field"); };
     services.m_ShowDrawingOptions = [note] { note("options"); };
-    services.m_DropCurve = [note](CGrid&) { note("drop curve"); };
-    services.m_CurveTypeChanged = [note](CGrid&) { note("curve type"); };
-    services.m_ApplySelection = [note](CGrid&) { note("apply"); };
-    services.m_bTexels = true;
+    services.m_Model.m_AskContourAttributes = [note, this](const CContourAttributes& present, bool fairness) {
+      note(fairness ? "fairness attributes" : "attributes");
+      m_Attributes = present;
+      return m_ContourAnswer;
+    };
     return services;
   }
   TestTool& AddTool(CImageViewUI::Tool tool) {
@@ -145,6 +146,8 @@ class WindowTest : public ToolkitTest {
 
   ScriptedDialogs m_Dialogs;
   std::vector<std::string> m_asDone;
+  CContourAttributes m_Attributes;  ///< that were shown last
+  std::optional<CContourAnswer> m_ContourAnswer;
   CTemporaryDirectory m_Directory;
   CImageViewUI m_Window{RegisterSolverTimer, &m_Dialogs};
 
