@@ -8,9 +8,9 @@
 
 namespace {
 
-// The rim of a tear is looked for this share of a cell's diagonal beside the curve, just outside the cells that it
+// The rim of a tear is looked for this many diagonals of a cell beside the curve: just outside the cells that it
 // opens.
-constexpr double kRimInDiagonals = 0.8;
+constexpr double kRimInDiagonals = 1.05;
 
 // A segment may leave the model, but not make the arrays grow without end.
 int StepsOf(const CPlanePoint& way, int pointsPerSide) {

@@ -325,6 +325,8 @@ void CModelPainter::DrawNormalsTexels(CGrid& grid, double length) {
 
 void CModelPainter::Draw3DCntr(const CGrid& grid) {
   m_Curves.Refresh(grid);
+  // Of pieces as short as these nothing but soft ends would be left.
+  glDisable(GL_LINE_SMOOTH);
   glEnableClientState(GL_VERTEX_ARRAY);
   glVertexPointer(3, GL_FLOAT, 0, m_Curves.Vertices().data());
   auto line = m_Curves.Lines().begin();
@@ -338,4 +340,5 @@ void CModelPainter::Draw3DCntr(const CGrid& grid) {
     nodes = nodes.subspan(curve.Nodes().size());
   }
   glDisableClientState(GL_VERTEX_ARRAY);
+  glEnable(GL_LINE_SMOOTH);
 }

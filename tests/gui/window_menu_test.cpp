@@ -151,9 +151,8 @@ TEST_F(WindowMenuTest, OnlyWhatNeedsAPictureStartsInactive) {
 
 TEST_F(WindowMenuTest, WhatNobodyBringsIsInactive) {
   m_Window.SetServices({});
-  for (const MenuEntry entry :
-       {MenuEntry::NewGrid, MenuEntry::LoadGrid, MenuEntry::SaveGrid, MenuEntry::SaveVrml, MenuEntry::ExportHeightField,
-        MenuEntry::DrawingParameters}) {
+  for (const MenuEntry entry : {MenuEntry::NewGrid, MenuEntry::LoadGrid, MenuEntry::SaveGrid, MenuEntry::SaveVrml,
+                                MenuEntry::ExportHeightField, MenuEntry::DrawingParameters}) {
     EXPECT_FALSE(Menu().IsActive(entry));
   }
   EXPECT_TRUE(Menu().IsActive(MenuEntry::LoadImage));

@@ -19,7 +19,11 @@ class CRecordingViewHost : public ViewHost {
   void PauseSolverForCommand() override { ++m_iPauses; }
   void ResumeAfterCommand() override { ++m_iResumptions; }
   void ShowHelp(int /*index*/) override {}
-  void RestoreHelp() override {}
+  void RestoreHelp() override { ++m_iHelpsRestored; }
+  void SetCurrentHelp(int index) override { m_aiHelps.push_back(index); }
+  void AskForCurveType() override { ++m_iTypeQuestions; }
+  void ShowCurveType(int type) override { m_aiCurveTypes.push_back(type); }
+  void EditCurveAttributes(const CPlanePoint& place) override { m_aAttributePlaces.push_back(place); }
   void RedrawImageView() override { ++m_iImageRedraws; }
   void RedrawModelView() override { ++m_iModelRedraws; }
   void FocusImageView() override {}
@@ -36,6 +40,11 @@ class CRecordingViewHost : public ViewHost {
   int m_iResumptions = 0;
   int m_iImageRedraws = 0;
   int m_iModelRedraws = 0;
+  int m_iHelpsRestored = 0;
+  int m_iTypeQuestions = 0;
+  std::vector<int> m_aiHelps;  ///< texts that stay
+  std::vector<int> m_aiCurveTypes;
+  std::vector<CPlanePoint> m_aAttributePlaces;
   bool m_bDebugZone = false;
   std::vector<bool> m_abInside;
   std::vector<double> m_afInfluences;
