@@ -34,6 +34,8 @@ GridFileState CGrid::Load(const std::string& filename) {
     return GridFileState::NotOpened;
   }
   const GridFileState state = ReadGrid(in, *this);
+  // Whatever had converged was another model.
+  m_Solver.ModelChanged();
   if (m_pHost != nullptr) {
     m_pHost->ShowConstraints(static_cast<int>(m_PointConstraints.size()));
     m_pHost->ShowIterations(IterationCounter());

@@ -82,6 +82,22 @@ TEST(GridFile, LeavesTheSolverToRestartFromTheLoadedHeights) {
   EXPECT_LT(LargestDifference(heights, ByScan(model.m_Grid.Order(), NodalHeights(model.m_Grid))), 1e-12);
 }
 
+TEST(GridFile, IsSolvedOnAlsoWhereTheModelBeforeHadConverged) {
+  const CTemporaryDirectory directory;
+  const std::string file = (directory.Path() / "unsolved.grid").string();
+  CTestGrid unsolved(4, 2);
+  AddAll(unsolved.m_Grid, SomeConstraints());
+  unsolved.m_Grid.PerformPendingWork();
+  ASSERT_TRUE(unsolved.m_Grid.Save(file));
+  CTestGrid test(4, 2);
+  test.m_Grid.UpdateGrid();
+  ASSERT_FALSE(test.m_Grid.IsRunning());
+  test.m_Grid.Load(file);
+  test.m_Grid.SetRunning(true);
+  ASSERT_TRUE(RunUntilPaused(test.m_Grid));
+  EXPECT_NEAR(SurfaceHeight(test.m_Grid, 3, 25), 3, 1e-6);
+}
+
 TEST(GridFile, TheLevelsOfTheFileAreThoseOfNewGridsOnly) {
   CTestGrid test(7, 3);
   const std::string text = GridText(test.m_Grid);
