@@ -113,7 +113,10 @@ bool CImageView::LoadImage(const std::string& filename) {
     m_pHost->Notice(("The picture " + filename + " is too large for the graphics card.").c_str());
     return false;
   }
-  m_pGrid->Textures().SetPicture(loaded->m_Picture);
+  if (!m_pGrid->SetPicture(loaded->m_Picture)) {
+    m_pHost->Notice(("The picture " + filename + " is empty, or too large for the memory.").c_str());
+    return false;
+  }
   Console() << "CImageView::LoadImage\tNew texture generated. new_width : " << width << ", new_height : " << height
             << '\n';
   if (m_pTextures != nullptr && shown() != 0) {

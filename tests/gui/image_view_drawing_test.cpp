@@ -301,10 +301,10 @@ TEST_F(ImageViewDrawingTest, TermShowsItsPointsAndCoefficients) {
 }
 
 TEST_F(ImageViewDrawingTest, SelectedCellsAreTinted) {
-  MakeLeaf(Grid().Tree(), 2, 1, 1)->SetFlags(CellFlag::kSelected);
+  View().SetDebugFlags(DebugFlag::kSelectCells);
   Shoot();
   EXPECT_EQ(At(37, 37), kBlack);
-  View().SetDebugFlags(DebugFlag::kSelectCells);
+  MakeLeaf(Grid().Tree(), 2, 1, 1)->SetFlags(CellFlag::kSelected);
   Shoot();
   EXPECT_NE(At(37, 37), kBlack);
   EXPECT_EQ(At(60, 37), kBlack);

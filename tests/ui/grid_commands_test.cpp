@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "model/Globals.h"
+#include "support/CurveBuilders.h"
 #include "support/WindowBuilders.h"
 
 namespace {
@@ -254,4 +255,65 @@ TEST_F(GridCommandsTest, SwitchResumesTheSolver) {
   m_Commands.SwitchResolution();
   EXPECT_TRUE(Grid().IsRunning());
   EXPECT_EQ(CTimerStarts::Count(), 1);
+}
+
+// The attributes of a curve.
+
+TEST_F(GridCommandsTest, CurveIsEditedAtOnceWithNoTick) {
+  Grid().AddCurve(PointsAt({{0, 21}, {4, 22}, {8, 24}}), CurveType::kFairness, false);
+  Grid().PerformPendingWork();
+  m_CurveAnswer = CContourAnswer{};
+  m_CurveAnswer->m_Attributes.m_bClosed = true;
+  m_Commands.EditCurveAttributes(4, 22, CurveType::kNormal);
+  EXPECT_EQ(m_asDone, Done{"fairness"});
+  EXPECT_EQ(m_Host.m_iDragEnds, 1);
+  EXPECT_TRUE(Grid().Curves().back().IsClosed());
+  EXPECT_EQ(Grid().Curves().back().Type(), CurveType::kNormal);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+}
+
+TEST_F(GridCommandsTest, CurveWaitsForTheTick) {
+  Grid().AddCurve(PointsAt({{0, 21}, {4, 22}}), CurveType::kNormal, false);
+  Grid().PerformPendingWork();
+  g_nSolverTimers = 1;
+  m_Commands.EditCurveAttributes(4, 22, 0);
+  EXPECT_EQ(Grid().NextOperation(), 512);
+  EXPECT_TRUE(m_asDone.empty());
+  m_Commands.Perform(Operation::kContourAttributes);
+  EXPECT_EQ(m_asDone, Done{"curve"});
+}
+
+TEST_F(GridCommandsTest, NoDialogWhereThereIsNoCurve) {
+  m_Commands.EditCurveAttributes(4, 22, 0);
+  EXPECT_TRUE(m_asDone.empty());
+  Grid().AddCurve(PointsAt({{0, 21}, {4, 22}}), CurveType::kNormal, false);
+  m_Commands.SetServices({});
+  m_Commands.EditCurveAttributes(4, 22, 0);
+  EXPECT_TRUE(m_asDone.empty());
+  EXPECT_EQ(m_Host.m_iDragEnds, 0);
+}
+
+TEST_F(GridCommandsTest, CancelledAttributesChangeNothing) {
+  Grid().AddCurve(PointsAt({{0, 21}, {4, 22}}), CurveType::kNormal, false);
+  Grid().PerformPendingWork();
+  m_Commands.EditCurveAttributes(4, 22, CurveType::kPosition);
+  EXPECT_EQ(Grid().Curves().back().Type(), CurveType::kNormal);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_FALSE(m_bRanMeanwhile);
+}
+
+TEST_F(GridCommandsTest, ExportOfConstraintsPostsOneRebuildForAll) {
+  Grid().AddCurve(PointsAt({{0, 21}, {8, 21}}), CurveType::kPosition, false);
+  Grid().PerformPendingWork();
+  m_CurveAnswer = CContourAnswer{};
+  m_CurveAnswer->m_Attributes.m_bRightAutoBump = true;
+  m_CurveAnswer->m_bExport = true;
+  m_Commands.EditCurveAttributes(0, 21, 0);
+  EXPECT_EQ(Grid().PointConstraints().size(), 2U) << "at 0 and 5";
+  EXPECT_EQ(Grid().Curves().back().Options(), 0U);
+  Console();
+  Grid().PerformPendingWork();
+  const std::string lines = Console();
+  EXPECT_EQ(lines.find("CGrid::SetDiscMap()"), lines.rfind("CGrid::SetDiscMap()"));
 }
