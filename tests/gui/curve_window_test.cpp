@@ -2,6 +2,7 @@
 
 #include "support/CurveBuilders.h"
 #include "support/UpdateBuilders.h"
+#include "support/gui/Input.h"
 #include "support/gui/WindowTest.h"
 
 namespace {
@@ -20,6 +21,8 @@ class CurveWindowTest : public WindowTest {
   CurveWindowTest() {
     m_Window.SetServices(Services());
     Grid().SetRunning(false);
+    // The mouse of the display must not enter a view of its own accord.
+    MovePointer({0, 0});
     ShowWindow();
     ClickOn(Control::CurveConstraint);
     Send(FL_MOVE, 10, 21);
