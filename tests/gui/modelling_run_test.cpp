@@ -27,6 +27,8 @@ constexpr CPixel kCorner{60, 340};
 constexpr int kRimDrag = 86;  // pixels; 20 model units
 constexpr int kSaucerDrag = 43;
 
+constexpr double kUnit = 100.0 / 430;  // model units per pixel of the view
+
 class ModellingRunTest : public RunTest {
  protected:
   void PlaceFiveHeights() const {
@@ -66,9 +68,46 @@ class ModellingRunTest : public RunTest {
     EXPECT_NEAR(found[1], place.y, 1e-3);
     EXPECT_NEAR(found[2], z, 1e-3);
   }
-};
 
-constexpr double kUnit = 100.0 / 430;  // model units per pixel of the view
+  void ExportScene() const {
+    m_User.ChooseEntry(MenuTitle::File, 4);
+    ASSERT_TRUE(m_User.ChooseFile("please input VRML file name", File("scene.wrl")));
+    ASSERT_TRUE(m_User.Answer(true));
+    EXPECT_EQ(m_User.Times("Saved succesfully"), 1U);
+    const std::string scene = BytesOf(File("scene.wrl"));
+    EXPECT_EQ(scene.rfind("#VRML V2.0 utf8\n", 0), 0U);
+    // 33 by 33 points and the centres of 32 by 32 cells.
+    const std::string points = scene.substr(scene.find("point ["), scene.find("]") - scene.find("point ["));
+    EXPECT_EQ(std::count(points.begin(), points.end(), ','), 33 * 33 + 32 * 32);
+  }
+  void ExportHeightField() const {
+    m_User.ChooseEntry(MenuTitle::File, 5);
+    const auto dialog = m_Program.WaitForWindow("Choose the dimention of the Height field");
+    ASSERT_TRUE(dialog.has_value() && m_Program.Rests());
+    const CArea area = m_Program.Screen().AreaOf(*dialog);
+    for (const auto& [y, number] : {std::pair(93, "41"), std::pair(145, "31")}) {
+      m_User.ClickAt(area.At({160, y}));
+      PressKey("ctrl+a");
+      TypeText(number);
+    }
+    PressKey("Return");
+    ASSERT_TRUE(m_User.ChooseFile("please input Height-Field file name", File("heights.txt")));
+    ASSERT_TRUE(m_Program.Rests());
+
+    std::ifstream file(File("heights.txt"));
+    std::vector<std::vector<double>> rows;
+    for (std::string line; std::getline(file, line);) {
+      std::istringstream words(line);
+      rows.emplace_back(std::istream_iterator<double>(words), std::istream_iterator<double>());
+    }
+    ASSERT_EQ(rows.size(), 31U);
+    for (const auto& row : rows) ASSERT_EQ(row.size(), 41U);
+    const CPlanePoint rim = InModel(kLeftRim);
+    EXPECT_NEAR(
+        rows[static_cast<std::size_t>(std::lround(rim.y * 0.3))][static_cast<std::size_t>(std::lround(rim.x * 0.4))],
+        kRimDrag * kUnit, 1.5);
+  }
+};
 
 }  // namespace
 
@@ -177,46 +216,9 @@ TEST_F(ModellingRunTest, ModelIsTheSameInAFileSavedAfterLoading) {
   EXPECT_TRUE(first == BytesOf(File("second.grid")));
 }
 
-TEST_F(ModellingRunTest, SceneIsExported) {
+TEST_F(ModellingRunTest, SurfaceIsExported) {
   PlaceFiveHeights();
   Solve();
-  m_User.ChooseEntry(MenuTitle::File, 4);
-  ASSERT_TRUE(m_User.ChooseFile("please input VRML file name", File("scene.wrl")));
-  ASSERT_TRUE(m_User.Answer(true));
-  EXPECT_EQ(m_User.Times("Saved succesfully"), 1U);
-  const std::string scene = BytesOf(File("scene.wrl"));
-  EXPECT_EQ(scene.rfind("#VRML V2.0 utf8\n", 0), 0U);
-  // 33 by 33 points and the centres of 32 by 32 cells.
-  const std::string points = scene.substr(scene.find("point ["), scene.find("]") - scene.find("point ["));
-  EXPECT_EQ(std::count(points.begin(), points.end(), ','), 33 * 33 + 32 * 32);
-}
-
-TEST_F(ModellingRunTest, HeightFieldIsExportedWithTheDialogsSize) {
-  PlaceFiveHeights();
-  Solve();
-  m_User.ChooseEntry(MenuTitle::File, 5);
-  const auto dialog = m_Program.WaitForWindow("Choose the dimention of the Height field");
-  ASSERT_TRUE(dialog.has_value() && m_Program.Rests());
-  const CArea area = m_Program.Screen().AreaOf(*dialog);
-  for (const auto& [y, number] : {std::pair(93, "41"), std::pair(145, "31")}) {
-    m_User.ClickAt(area.At({160, y}));
-    PressKey("ctrl+a");
-    TypeText(number);
-  }
-  PressKey("Return");
-  ASSERT_TRUE(m_User.ChooseFile("please input Height-Field file name", File("heights.txt")));
-  ASSERT_TRUE(m_Program.Rests());
-
-  std::ifstream file(File("heights.txt"));
-  std::vector<std::vector<double>> rows;
-  for (std::string line; std::getline(file, line);) {
-    std::istringstream words(line);
-    rows.emplace_back(std::istream_iterator<double>(words), std::istream_iterator<double>());
-  }
-  ASSERT_EQ(rows.size(), 31U);
-  for (const auto& row : rows) ASSERT_EQ(row.size(), 41U);
-  const CPlanePoint rim = InModel(kLeftRim);
-  EXPECT_NEAR(
-      rows[static_cast<std::size_t>(std::lround(rim.y * 0.3))][static_cast<std::size_t>(std::lround(rim.x * 0.4))],
-      kRimDrag * kUnit, 1.5);
+  ExportScene();
+  ExportHeightField();
 }

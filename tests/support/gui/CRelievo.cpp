@@ -78,7 +78,7 @@ bool CRelievo::Rests() const {
   using namespace std::chrono_literals;
   return WaitUntil([this] {
     const std::optional<long> before = TimesRun();
-    std::this_thread::sleep_for(30ms);
+    std::this_thread::sleep_for(20ms);
     return before.has_value() && TimesRun() == before;
   });
 }

@@ -22,7 +22,7 @@ class CUser {
   void ClickAt(CPixel place, int button = 1) const;
   void Type(const std::string& keys) const;
   /// Moves with the button and the keys (may be empty) held down, in as many steps as are asked for.
-  void DragSlowly(CPixel from, CPixel to, int button, const std::string& held = "", int steps = 4) const;
+  void DragSlowly(CPixel from, CPixel to, int button, const std::string& held = "", int steps = 3) const;
   /// The part of the screen that a view takes up.
   CArea AreaOf(Control view) const;
   CScreenshot See(const CArea& area) const { return m_Program.Screen().Capture(area); }

@@ -41,10 +41,14 @@ class RunTest : public ::testing::Test {
     mapping.SetSize(view.m_iWidth, view.m_iHeight);
     return mapping.ToModel(place.m_iX - view.m_iX, place.m_iY - view.m_iY);
   }
-  /// Adds a height constraint: an upward drag of so many pixels, 4.3 for each model unit.
+  /// Adds a height constraint, raised by an upward drag of so many pixels, 4.3 for each model unit.
   void PlaceHeight(CPixel pixel, int up) const {
     const CPixel place = m_User.OnPhotograph(pixel);
-    m_User.DragSlowly(place, {place.m_iX, place.m_iY - up}, 1);
+    if (up == 0) {
+      m_User.ClickAt(place);
+    } else {
+      m_User.DragSlowly(place, {place.m_iX, place.m_iY - up}, 1);
+    }
   }
 
   /// Saves the model, without its lights.
