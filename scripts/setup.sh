@@ -8,7 +8,7 @@ packages_for() {
   printf '%s\n' libgl1-mesa-dri fonts-dejavu-core x11-utils
   if [[ $1 == test ]]; then
     printf '%s\n' clang-format-14 libbenchmark-dev libcoin-dev libeigen3-dev libgtest-dev librapidcheck-dev libx11-dev
-    printf '%s\n' imagemagick openbox xdotool xvfb
+    printf '%s\n' imagemagick openbox xclip xdotool xvfb
   fi
 }
 

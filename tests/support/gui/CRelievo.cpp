@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 #include "support/gui/WaitUntil.h"
@@ -51,6 +52,35 @@ bool CRelievo::HandlesEvents() {
     return WaitUntil([&] { return (ViewAreas() != views) == another || !IsRunning(); });
   };
   return takesWidth(area.m_iWidth + kWider, true) && takesWidth(area.m_iWidth, false) && IsRunning();
+}
+
+// How often the system has let the program's threads run so far; nothing while one of them runs.
+std::optional<long> CRelievo::TimesRun() const {
+  long times = 0;
+  std::error_code ignored;
+  const std::filesystem::path threads = "/proc/" + std::to_string(Pid()) + "/task";
+  for (const auto& thread : std::filesystem::directory_iterator(threads, ignored)) {
+    std::string state;
+    std::ifstream status(thread.path() / "status");
+    for (std::string word; status >> word && word != "State:";) continue;
+    status >> state;
+    if (state != "S") return std::nullopt;
+    long timeRun = 0;
+    long timeWaited = 0;
+    long count = 0;
+    std::ifstream(thread.path() / "schedstat") >> timeRun >> timeWaited >> count;
+    times += count;
+  }
+  return times;
+}
+
+bool CRelievo::Rests() const {
+  using namespace std::chrono_literals;
+  return WaitUntil([this] {
+    const std::optional<long> before = TimesRun();
+    std::this_thread::sleep_for(20ms);
+    return before.has_value() && TimesRun() == before;
+  });
 }
 
 std::optional<WindowId> CRelievo::WaitForWindow(const std::string& title) {

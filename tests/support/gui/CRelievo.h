@@ -30,6 +30,9 @@ class CRelievo {
   /// Waits until the program has handled all events sent to it so far; false if it has ended instead. The main window
   /// is given another size and its old one again: the program answers by laying out its views, and in order.
   bool HandlesEvents();
+  /// Waits until the program has nothing left to do but wait for the user; false if it never rests. While the solver
+  /// runs, that is when it has converged.
+  bool Rests() const;
   /// Waits for a window of the program with this title; nothing if none comes.
   std::optional<WindowId> WaitForWindow(const std::string& title);
 
@@ -45,6 +48,7 @@ class CRelievo {
 
  private:
   bool IsReady() const;
+  std::optional<long> TimesRun() const;
 
   CScreen m_Screen;
   CTemporaryDirectory m_Directory;

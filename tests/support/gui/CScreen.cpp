@@ -157,6 +157,10 @@ bool CScreen::HasFocus(WindowId window) const {
   return focused == window;
 }
 
+WindowId CScreen::ClipboardOwner() const {
+  return XGetSelectionOwner(m_pConnection->Get(), m_pConnection->Name("CLIPBOARD"));
+}
+
 void CScreen::AskForSize(WindowId window, int width, int height) {
   XResizeWindow(m_pConnection->Get(), window, static_cast<unsigned int>(width), static_cast<unsigned int>(height));
   XFlush(m_pConnection->Get());

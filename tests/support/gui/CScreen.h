@@ -43,6 +43,8 @@ class CScreen {
   std::vector<WindowId> WindowsIn(WindowId window) const;
   CSizeLimits SizeLimitsOf(WindowId window) const;
   bool HasFocus(WindowId window) const;
+  /// The window that answers for what is on the clipboard; 0 while there is nothing on it.
+  WindowId ClipboardOwner() const;
 
   /// What a user does with a window's frame: the window manager gets the request and may refuse or change it.
   void AskForSize(WindowId window, int width, int height);

@@ -52,6 +52,7 @@ class CScreenshot {
   /// Number of pixels of exactly this colour.
   std::size_t Count(CRgb colour) const;
   bool IsAll(CRgb colour) const { return Count(colour) == m_aPixels.size(); }
+  friend bool operator==(const CScreenshot&, const CScreenshot&) = default;
 
  private:
   std::size_t Index(CPixel pixel) const;

@@ -24,6 +24,8 @@ Words Move(CPixel place) { return {"mousemove", std::to_string(place.m_iX), std:
 
 void PressKey(const std::string& keys) { Send({"key", keys}); }
 
+void TypeText(const std::string& text) { Send({"type", text}); }
+
 void MovePointer(CPixel place) { Send(Move(place)); }
 
 void Click(CPixel place, int button) {
@@ -31,6 +33,14 @@ void Click(CPixel place, int button) {
   Add(events, {"click", std::to_string(button)});
   Send(events);
 }
+
+void PressButton(int button) { Send({"mousedown", std::to_string(button)}); }
+
+void ReleaseButton(int button) { Send({"mouseup", std::to_string(button)}); }
+
+void HoldKeys(const std::string& keys) { Send({"keydown", keys}); }
+
+void LetGoOfKeys(const std::string& keys) { Send({"keyup", keys}); }
 
 void Drag(CPixel from, CPixel to, int button, const std::string& held) {
   constexpr int kSteps = 10;

@@ -10,8 +10,13 @@
 // Everything throws std::runtime_error where the event cannot be sent.
 
 void PressKey(const std::string& keys);
+void TypeText(const std::string& text);
 void MovePointer(CPixel place);
 void Click(CPixel place, int button = 1);
+void PressButton(int button);
+void ReleaseButton(int button);
+void HoldKeys(const std::string& keys);
+void LetGoOfKeys(const std::string& keys);
 
 /// Press at one place, motion in ten steps, release at the other, with `held` (keys, may be empty) down all the while.
 void Drag(CPixel from, CPixel to, int button = 1, const std::string& held = "");

@@ -13,6 +13,7 @@
 #include "base/Console.h"
 #include "io/Bmp.h"
 #include "support/gui/CTemporaryDirectory.h"
+#include "support/gui/Pictures.h"
 #include "support/gui/ToolkitTest.h"
 #include "ui/CGridView.h"
 #include "ui/CTextures.h"
@@ -43,13 +44,6 @@ class CRecordingViewHost : public ViewHost {
   int m_iFocuses = 0;
   int m_iLightMoves = 0;
 };
-
-/// The colour of a pixel, (0, 0) at the bottom left.
-inline CRgb PixelOf(const CPicture& picture, int x, int y) {
-  const std::size_t at =
-      3 * (static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.m_iWidth) + static_cast<std::size_t>(x));
-  return {picture.m_aPixels.at(at), picture.m_aPixels.at(at + 1), picture.m_aPixels.at(at + 2)};
-}
 
 /// What a view saves of itself; empty if it does not.
 inline CPicture FrameOf(CGridView& view) {

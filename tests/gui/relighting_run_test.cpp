@@ -1,0 +1,133 @@
+// Another light on the photograph, by mouse and keyboard: one is taken out on the left and one put in on the right.
+
+#include <array>
+#include <cmath>
+
+#include "lighting/LightAngles.h"
+#include "support/SamplePhotograph.h"
+#include "support/gui/Pictures.h"
+#include "support/gui/RunTest.h"
+
+namespace {
+
+// Within the panel.
+constexpr CPixel kLight1{81, 43};
+constexpr CPixel kAmbient{81, 163};
+constexpr CPixel kRemoved{185, 43};
+constexpr CPixel kAdded{185, 71};
+constexpr CPixel kActive{174, 143};
+constexpr CPixel kFixRatios{320, 403};
+constexpr CPixel kNewIllumination{350, 129};
+constexpr CPixel kUpdateInterpolation{131, 381};
+constexpr CPixel kUpdateKd{212, 381};
+constexpr CPixel kTheta{14, 224};
+constexpr CPixel kPhi{14, 269};
+constexpr CPixel kRed{269, 227};
+
+// On the photograph: the slopes of a hill over the cup.
+constexpr CPixel kTop{290, 110};
+constexpr CPixel kLeftSlope{170, 110};
+constexpr CPixel kRightSlope{410, 110};
+
+void ExpectNear(const CLightAngles& angles, double theta, double phi) {
+  constexpr double kSliderSteps = 2;  // degrees
+  EXPECT_NEAR(angles.m_fTheta, theta, kSliderSteps);
+  EXPECT_NEAR(angles.m_fPhi, phi, kSliderSteps);
+}
+
+class RelightingRunTest : public RunTest {
+ protected:
+  void SetUp() override {
+    RunTest::SetUp();
+    m_User.ClickOn(Control::PositionConstraint);
+    PlaceHeight(kTop, 86);
+    for (const CPixel corner : {CPixel{20, 20}, CPixel{580, 20}, CPixel{20, 380}, CPixel{580, 380}})
+      PlaceHeight(corner, 0);
+    for (const CPixel side : {CPixel{60, 110}, CPixel{520, 110}}) PlaceHeight(side, 0);
+    m_User.ClickOn(Control::ResumeSolver);
+    ASSERT_TRUE(m_Program.Rests());
+    m_User.Type("ctrl+alt+g");
+    m_User.ClickOn(Control::LightSources);
+    const auto panel = m_Program.WaitForWindow("Light sources");
+    ASSERT_TRUE(panel.has_value() && m_Program.Rests());
+    m_Panel = m_Program.Screen().AreaOf(*panel);
+  }
+
+  void ClickInPanel(CPixel place) const { m_User.ClickAt(m_Panel.At(place)); }
+  // A click to the right of the knob brings its right edge under the mouse, so the value can only grow.
+  void SetSlider(CPixel slider, double fraction) const {
+    constexpr int kBeforeTrack = 35;
+    constexpr int kKnob = 16;
+    constexpr int kTrack = 229 - kBeforeTrack;
+    const double along = kBeforeTrack + kKnob + fraction * (kTrack - kKnob);
+    ClickInPanel({slider.m_iX + static_cast<int>(std::lround(along)), slider.m_iY});
+  }
+  void SetLights(CPixel category, double phi) const {
+    ClickInPanel(category);
+    ClickInPanel(kLight1);
+    ClickInPanel(kActive);
+    SetSlider(kTheta, 55 / 180.0);
+    SetSlider(kPhi, phi / 360);
+    ClickInPanel(kAmbient);
+    ClickInPanel(kActive);
+    ClickInPanel(kFixRatios);
+    SetSlider(kRed, 0.6);
+    ClickInPanel(kFixRatios);
+  }
+
+  // Mean red around a place of the photograph in a frame of the model seen from the front.
+  static double Brightness(const CPicture& frame, CPixel place) {
+    constexpr int kReach = 8;
+    const int left = FirstCovered(frame);
+    const int side = frame.m_iWidth - 2 * left;
+    const int x = left + place.m_iX * side / kPhotographWidth;
+    const int y = left + (kPhotographHeight - place.m_iY) * side / kPhotographHeight;
+    double sum = 0;
+    for (int dx = -kReach; dx <= kReach; ++dx) {
+      for (int dy = -kReach; dy <= kReach; ++dy) sum += PixelOf(frame, x + dx, y + dy).m_uRed;
+    }
+    return sum / ((2 * kReach + 1) * (2 * kReach + 1));
+  }
+  static int FirstCovered(const CPicture& frame) {
+    int x = 0;
+    while (PixelOf(frame, x, frame.m_iHeight / 2) == kBlack) ++x;
+    return x;
+  }
+
+  void ExpectLightsSaved() const {
+    m_User.ChooseEntry(MenuTitle::File, 3);
+    ASSERT_TRUE(m_User.ChooseFile("please input grid file name", File("lit.grid")) && m_User.Answer(true));
+    ASSERT_TRUE(m_Program.Rests());
+    CTestGrid saved;
+    ASSERT_EQ(saved.m_Grid.Load(File("lit.grid").string()), GridFileState::Whole);
+    const auto& removed = saved.m_Grid.RemovedLights().m_aLights;
+    const auto& added = saved.m_Grid.AddedLights().m_aLights;
+    ExpectNear(AnglesOf(removed[0].Direction()), 55, 135);
+    ExpectNear(AnglesOf(added[0].Direction()), 55, 0);
+    for (const auto& lights : {removed, added}) {
+      EXPECT_TRUE(lights[0].m_bActive && lights[CLightSet::kAmbient].m_bActive);
+      for (const double channel : lights[CLightSet::kAmbient].m_afColour) EXPECT_NEAR(channel, 0.6, 0.01);
+    }
+  }
+
+  CArea m_Panel;
+};
+
+}  // namespace
+
+TEST_F(RelightingRunTest, ShadingMovesToTheOtherSideAndTheLightsAreSaved) {
+  const CPicture before = Shoot(1, "before.bmp");
+  SetLights(kRemoved, 135);
+  SetLights(kAdded, 0);
+  ClickInPanel(kUpdateInterpolation);
+  ClickInPanel(kUpdateKd);
+  ASSERT_TRUE(m_User.Reads("CGrid::GetKd\t\t\t\t...GetKd\tdone"));
+  ClickInPanel(kNewIllumination);
+  const CPicture after = Shoot(1, "after.bmp");
+
+  const double left = Brightness(after, kLeftSlope) / Brightness(before, kLeftSlope);
+  const double right = Brightness(after, kRightSlope) / Brightness(before, kRightSlope);
+  EXPECT_LT(left, 0.8) << "in the shade now";
+  EXPECT_GT(right, 1.1) << "lit now";
+  ExpectLightsSaved();
+}

@@ -1,0 +1,137 @@
+#include "support/gui/CUser.h"
+
+#include <algorithm>
+#include <array>
+
+#include "support/SamplePhotograph.h"
+#include "support/gui/CClipboard.h"
+#include "support/gui/Input.h"
+#include "support/gui/WaitUntil.h"
+#include "ui/WindowLayout.h"
+
+namespace {
+
+// Middle of each title from the left edge, and of all from the upper one.
+constexpr std::array kTitles{20, 79, 152, 247, 350};
+constexpr int kTitleHeight = 10;
+
+// How the toolkit shows text that a paste will replace.
+constexpr CRgb kMarkedText{0, 0, 128};
+
+}  // namespace
+
+CArea CUser::AreaOf(Control view) const {
+  const CRect& rect = RowOf(view).m_Design;
+  const CPixel corner = m_Program.MainArea().At({rect.x, rect.y});
+  return {corner.m_iX, corner.m_iY, rect.w, rect.h};
+}
+
+CPixel CUser::PlaceOf(Control control) const {
+  const CWindowLayout layout = ComputeLayout({kDesignWidth, kDesignHeight, 1.0, true, true, m_bPicture});
+  const CRect& rect = layout.Of(control);
+  return m_Program.MainArea().At({rect.x + rect.w / 2, rect.y + rect.h / 2});
+}
+
+CPixel CUser::OnPhotograph(CPixel pixel) const {
+  const CArea view = AreaOf(Control::ImageView);
+  return view.At({(2 * pixel.m_iX + 1) * view.m_iWidth / (2 * kPhotographWidth),
+                  (2 * pixel.m_iY + 1) * view.m_iHeight / (2 * kPhotographHeight)});
+}
+
+void CUser::ClickAt(CPixel place, int button) const {
+  // A view looks at what lies under the mouse before the button goes down.
+  MovePointer(place);
+  m_Program.Rests();
+  Click(place, button);
+  m_Program.Rests();
+}
+
+void CUser::Type(const std::string& keys) const {
+  PressKey(keys);
+  m_Program.Rests();
+}
+
+// The toolkit hands on the last of several motions only, and none that the release of the button has caught up with.
+void CUser::DragSlowly(CPixel from, CPixel to, int button, const std::string& held, int steps) const {
+  MovePointer(from);
+  m_Program.Rests();
+  if (!held.empty()) HoldKeys(held);
+  PressButton(button);
+  for (int step = 1; step <= steps; ++step) {
+    MovePointer({from.m_iX + (to.m_iX - from.m_iX) * step / steps, from.m_iY + (to.m_iY - from.m_iY) * step / steps});
+    m_Program.Rests();
+  }
+  ReleaseButton(button);
+  if (!held.empty()) LetGoOfKeys(held);
+  m_Program.Rests();
+}
+
+void CUser::ChooseEntry(MenuTitle title, int entry) const {
+  Click(m_Program.MainArea().At({kTitles[static_cast<std::size_t>(title)], kTitleHeight}));
+  for (int k = 0; k <= entry; ++k) PressKey("Down");
+  PressKey("Return");
+}
+
+bool CUser::IsGone(WindowId window) const {
+  return WaitUntil([&] {
+    const std::vector<WindowId> windows = m_Program.Screen().WindowsOf(m_Program.Pid());
+    return std::find(windows.begin(), windows.end(), window) == windows.end();
+  });
+}
+
+// Keys typed one by one would be completed by the chooser.
+bool CUser::ChooseFile(const std::string& title, const std::filesystem::path& file) const {
+  constexpr int kNameFromLeft = 120;
+  constexpr int kNameFromBottom = 70;
+  constexpr int kNameWidth = 350;
+  constexpr int kNameHeight = 20;
+  CScreen& screen = m_Program.Screen();
+  const std::optional<WindowId> chooser = m_Program.WaitForWindow(title);
+  if (!chooser.has_value() || !WaitUntil([&] { return screen.HasFocus(*chooser); })) return false;
+  const CArea area = screen.AreaOf(*chooser);
+  const CPixel name = area.At({kNameFromLeft, area.m_iHeight - kNameFromBottom});
+  const auto isMarked = [&] { return See({name.m_iX, name.m_iY, kNameWidth, kNameHeight}).Count(kMarkedText) > 0; };
+  if (!WaitUntil(isMarked)) return false;
+  const CClipboard clipboard(screen, file.string());
+  PressKey("ctrl+v");
+  if (!WaitUntil([&] { return !isMarked(); })) return false;
+  PressKey("Return");
+  return IsGone(*chooser);
+}
+
+std::optional<WindowId> CUser::FocusedQuestion() const {
+  const std::optional<WindowId> question = m_Program.WaitForWindow("");
+  if (!question.has_value() || !WaitUntil([&] { return m_Program.Screen().HasFocus(*question); })) return std::nullopt;
+  return question;
+}
+
+bool CUser::Answer(bool yes) const {
+  const std::optional<WindowId> question = FocusedQuestion();
+  if (!question.has_value()) return false;
+  PressKey(yes ? "Return" : "Escape");
+  return IsGone(*question);
+}
+
+bool CUser::AnswerText(const std::string& text) const {
+  const std::optional<WindowId> question = FocusedQuestion();
+  if (!question.has_value()) return false;
+  TypeText(text);
+  PressKey("Return");
+  return IsGone(*question);
+}
+
+bool CUser::LoadPhotograph() {
+  PressKey("alt+shift+o");
+  m_bPicture = ChooseFile("please input image file name", kPhotograph) &&
+               Reads("CImageView::LoadImage\tNew texture generated. new_width : 1024, new_height : 512");
+  return m_bPicture;
+}
+
+std::size_t CUser::Times(std::string_view line) const {
+  const std::vector<std::string> lines = m_Program.ConsoleLines();
+  return static_cast<std::size_t>(std::count(lines.begin(), lines.end(), line));
+}
+
+bool CUser::Reads(std::string_view line, std::size_t before) const {
+  return WaitUntil([&] { return Times(line) > before; });
+}
