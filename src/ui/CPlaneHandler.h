@@ -10,12 +10,14 @@ class ViewHost;
 /// Events are read through the toolkit. The mapping must be up to date at every event; all references must outlive the
 /// handler.
 class CPlaneHandler {
+ public:
+  CPlaneHandler(const CPlaneHandler&) = delete;
+  CPlaneHandler& operator=(const CPlaneHandler&) = delete;
+
  protected:
   CPlaneHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host)
       : m_Grid(grid), m_Mapping(mapping), m_Host(host) {}
   ~CPlaneHandler() = default;
-  CPlaneHandler(const CPlaneHandler&) = delete;
-  CPlaneHandler& operator=(const CPlaneHandler&) = delete;
 
   /// The place under the mouse.
   CPlanePoint Cursor() const;

@@ -67,8 +67,8 @@ void CTexelArrays::RefreshNormals(CGrid& grid, double length) {
   for (std::size_t k = 0; k < texels.Records().size(); ++k) {
     const CInterpCoefs& record = texels.Records()[k];
     const Vector3& normal = texels.Normals()[k];
-    // In a discontinuity a normal may be not a number, which equals nothing.
-    if (!record.IsLocated() || !(normal == normal)) continue;
+    // In a discontinuity there may be no normal.
+    if (!record.IsLocated() || !IsFinite(normal)) continue;
     const int side = lattice.PointsPerSide();
     const Vector3 place{
         lattice.XOf(CInterpCoefs::Coordinate(record.Column(), texels.Width(), side)),

@@ -133,17 +133,19 @@ class CoffeeCurvesTest : public WindowTest {
   }
   // Of the places between cup and saucer on the side that the turned model shows, those that show the background.
   double ShareOfGap(const CPicture& frame) {
+    constexpr int kAngles = 13;
+    constexpr int kHeights = 5;
     int gaps = 0;
-    int places = 0;
-    for (double angle = 0; angle <= 60; angle += 5) {
-      for (double height = 12; height <= 20; height += 2, ++places) {
-        const double x = kRim.m_Centre.x + kRim.m_fWidth * std::cos(angle * std::numbers::pi / 180);
-        const double y = kRim.m_Centre.y + kRim.m_fHeight * std::sin(angle * std::numbers::pi / 180);
-        const Vector3 place{x / kPictureWidth * 100, 100 - y / kPictureHeight * 100, height};
-        gaps += ColourAt(frame, place) == kGreen ? 1 : 0;
-      }
+    for (int k = 0; k < kAngles * kHeights; ++k) {
+      const int step = k / kHeights;
+      const double angle = std::numbers::pi / 3 * step / (kAngles - 1);
+      const double height = 12 + 2 * (k % kHeights);
+      const double x = kRim.m_Centre.x + kRim.m_fWidth * std::cos(angle);
+      const double y = kRim.m_Centre.y + kRim.m_fHeight * std::sin(angle);
+      const Vector3 place{x / kPictureWidth * 100, 100 - y / kPictureHeight * 100, height};
+      gaps += ColourAt(frame, place) == kGreen ? 1 : 0;
     }
-    return static_cast<double>(gaps) / places;
+    return static_cast<double>(gaps) / (kAngles * kHeights);
   }
 
   static constexpr CRgb kGreen{0, 255, 0};

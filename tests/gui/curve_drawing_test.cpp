@@ -241,10 +241,9 @@ TEST_F(CurveDrawingTest, WithoutAPictureThereAreNoTexels) {
 // The albedo under the mouse.
 
 TEST_F(CurveDrawingTest, AlbedoUnderTheMouseIsLogged) {
-  constexpr std::uint32_t kFlags[] = {2, 4, 8, 32, 64, 0x100};
   Grid().SetSparseH();
   Grid().SetPicture(PlainPicture(50, 20, 0, 0, 0));
-  for (const std::uint32_t flag : kFlags) {
+  for (const std::uint32_t flag : {2U, 4U, 8U, 32U, 64U, 0x100U}) {
     View().SetDebugFlags(flag);
     TakeConsole();
     Move(99.5, 0.5);
@@ -259,7 +258,7 @@ TEST_F(CurveDrawingTest, AlbedoUnderTheMouseIsLogged) {
 
 TEST_F(CurveDrawingTest, AlbedoIsThatOfTheTexel) {
   CPicture picture = PlainPicture(2, 2, 0, 0, 0);
-  picture.m_aPixels[3 * 3] = 51;  // upper right, red
+  picture.m_aPixels[9] = 51;  // upper right, red
   Grid().SetPicture(picture);
   CLight& ambient = Grid().RemovedLights().m_aLights[CLightSet::kAmbient];
   ambient.m_bActive = true;

@@ -411,7 +411,7 @@ TEST_F(CurveEditingTest, ReleaseKeepsTheRequestForAttributes) {
 
 TEST_F(CurveEditingTest, LettersChooseTheType) {
   Add(kBent);
-  for (const auto& [key, type] : {std::pair{'f', 4}, {'n', 2}, {'p', 1}}) {
+  for (const auto& [key, type] : {std::pair{+'f', 4}, {+'n', 2}, {+'p', 1}}) {
     Click(60.5, 20.5);
     m_Host = {};
     EXPECT_EQ(Key(key), 1);
@@ -422,7 +422,7 @@ TEST_F(CurveEditingTest, LettersChooseTheType) {
 }
 
 TEST_F(CurveEditingTest, LettersWithModifiersAreTheMenus) {
-  for (const int key : {'f', 'n', 'p'}) {
+  for (const int key : {+'f', +'n', +'p'}) {
     for (const int modifier : {FL_CTRL, FL_ALT, FL_META}) EXPECT_EQ(Key(key, modifier), 0);
     EXPECT_EQ(View().CurveType(), 0);
   }

@@ -131,13 +131,18 @@ TEST_F(ManualSubdivisionTest, PlusSplitsTheSelectionAndMinusMergesIt) {
 }
 
 TEST_F(ManualSubdivisionTest, KeysMayLieAnywhereOnTheKeyboard) {
-  const struct {
-    int m_iKey;
+  struct CRow {
     const char* m_pText;
+    int m_iKey;
     int m_iCode;
-  } rows[] = {{'=', "=", 128}, {'+', "+", 128}, {'=', "", 128},         {FL_KP + '+', "+", 128},
-              {'-', "-", 256}, {'-', "", 256},  {FL_KP + '-', "-", 256}};
-  for (const auto& row : rows) {
+  };
+  for (const CRow& row : {CRow{"=", '=', 128},
+                          {"+", '+', 128},
+                          {"", '=', 128},
+                          {"+", FL_KP + '+', 128},
+                          {"-", '-', 256},
+                          {"", '-', 256},
+                          {"-", FL_KP + '-', 256}}) {
     EXPECT_EQ(TypeText(row.m_iKey, row.m_pText), 1);
     EXPECT_EQ(Grid().NextOperation(), row.m_iCode) << row.m_iKey;
     Settle();

@@ -108,3 +108,14 @@ TEST_F(WindowProgramTest, EveryControlIsInTheSmallWindowToo) {
     return views.size() == 2 && views[0] == CArea{2, 23, 395, 70} && views[1] == CArea{403, 23, 395, 70};
   }));
 }
+
+TEST_F(WindowProgramTest, CurveIsDrawnWithTheMouseAndTheKeyboard) {
+  Click(PlaceOf(Control::CurveConstraint));
+  Click(PlaceOf(Control::PositionDiscontinuity));
+  const auto at = [&](int x, int y) { return m_Program.MainArea().At({x, y}); };
+  for (const CPixel place : {at(100, 150), at(200, 150), at(200, 350)}) Click(place);
+  // On the first point, so that no fourth one is added; the key may overtake the motion.
+  MovePointer(at(100, 150));
+  PressKey("Return");
+  EXPECT_TRUE(Prints("contour with 3 nodes added "));
+}
