@@ -88,6 +88,7 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void ShowCurveType(int type) override;
   void EditCurveAttributes(const CPlanePoint& place) override;
   void RedrawImageView() override;
+  void ImageGridShown() override { m_pMenu->SetChecked(MenuEntry::ImageGrid, true); }
   void RedrawModelView() override;
   void FocusImageView() override;
   bool ShowsDebugZone() const override { return m_bDebugZone; }

@@ -157,7 +157,10 @@ CPtNormCstrHandler::CPtNormCstrHandler(CGrid& grid, const CViewMapping& mapping,
     : CPtCstrHandler(grid, mapping, host, PtCstrKind::kNormal), m_uDisplayFlags(displayFlags) {}
 
 void CPtNormCstrHandler::Hovered() {
-  m_uDisplayFlags |= ImageFlag::kGrid;
+  if ((m_uDisplayFlags & ImageFlag::kGrid) == 0) {
+    m_uDisplayFlags |= ImageFlag::kGrid;
+    m_Host.ImageGridShown();
+  }
   m_Host.RedrawModelView();
 }
 

@@ -24,6 +24,8 @@ class ViewHost {
   virtual void EditCurveAttributes(const CPlanePoint& /*place*/) {}
 
   virtual void RedrawImageView() = 0;
+  /// The image view has switched its grid on by itself.
+  virtual void ImageGridShown() {}
   virtual void RedrawModelView() = 0;
   virtual void FocusImageView() = 0;
 

@@ -224,6 +224,16 @@ TEST_F(WindowMenuTest, TogglesFlipTheirFlag) {
   }
 }
 
+TEST_F(WindowMenuTest, CheckMarkFollowsTheGridThatNormalConstraintsSwitchOn) {
+  ShowWindow();
+  m_Window.ImageView().SetMode(EditingMode::Normal);
+  Menu().Choose(MenuEntry::ImageGrid);
+  ASSERT_FALSE(Menu().IsChecked(MenuEntry::ImageGrid));
+  SendMouse(FL_MOVE, Control::ImageView);
+  EXPECT_EQ(m_Window.ImageView().DisplayFlags() & ImageFlag::kGrid, ImageFlag::kGrid);
+  EXPECT_TRUE(Menu().IsChecked(MenuEntry::ImageGrid));
+}
+
 TEST_F(WindowMenuTest, TogglesRedrawTheirViewOrBoth) {
   ShowWindow();
   for (const CFlag& row : kFlags) {
