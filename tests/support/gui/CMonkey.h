@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "support/gui/CHeldKey.h"
+
+class Fl_Group;
+class Fl_Widget;
+class Fl_Window;
+
+/// Sends mouse and keyboard events by chance to the windows of this process, through the toolkit's own path, and goes
+/// on inside every loop in which a dialog or a menu waits for its answer. The same seed draws the same numbers, though
+/// what the program makes of them depends on its timers, too.
+class CMonkey {
+ public:
+  explicit CMonkey(std::uint32_t seed);
+  ~CMonkey();
+  CMonkey(const CMonkey&) = delete;
+  CMonkey& operator=(const CMonkey&) = delete;
+
+  /// One deed of a user, which takes one or several events, at one of the open windows.
+  void Act();
+  /// Answers dialogs until none is open.
+  void EndDialogs();
+  int Events() const { return m_iEvents; }
+
+  /// Number from 0 to `count` - 1.
+  int Below(int count);
+  bool OneIn(int count) { return Below(count) == 0; }
+  template <class Choices>
+  const auto& OneOf(const Choices& choices) {
+    return choices[static_cast<std::size_t>(Below(static_cast<int>(std::size(choices))))];
+  }
+
+ private:
+  static void cb_Answer(void* monkey);
+
+  void Answer();
+  void ChooseFromMenu(Fl_Window& menu, bool last);
+  void ActOn(Fl_Window& window);
+  void Send(int event, Fl_Window& window);
+  void MoveTo(Fl_Window& window, int x, int y);
+  void Click(Fl_Window& window, int x, int y);
+  void ClickOnWidget(Fl_Window& window);
+  void DragAround(Fl_Window& window);
+  void TypeKey(Fl_Window& window, int key, int modifiers, const std::string& text);
+  void TypeSomething(Fl_Window& window);
+  void TypeNumber(Fl_Window& window);
+
+  std::mt19937 m_Random;
+  int m_iEvents = 0;
+  int m_iAnswers = 0;  ///< to what is open now
+  int m_iX = 0;
+  int m_iY = 0;
+  std::optional<CHeldKey> m_HeldKey;
+};
