@@ -34,6 +34,8 @@ int FromEnvironment(const char* name, int otherwise) {
 class RandomDialogs : public UserDialogs {
  public:
   RandomDialogs(CMonkey& monkey, const std::filesystem::path& directory) : m_Monkey(monkey), m_Directory(directory) {
+    // A copy, since frames are saved under the names of pictures, too.
+    std::filesystem::copy_file(kPhotograph, m_Directory / "cup.bmp");
     WriteText(m_Directory / "rubbish.bmp", "BM rubbish");
     WriteText(m_Directory / "rubbish.grid", "0 0 1 nan\n0 3\n");
   }
@@ -43,7 +45,7 @@ class RandomDialogs : public UserDialogs {
     if (m_Monkey.OneIn(4)) return std::nullopt;
     if (m_Monkey.OneIn(8)) return (m_Directory / "missing" / "file").string();
     if (wanted == "*.bmp")
-      return m_Monkey.OneOf(std::array{std::string(kPhotograph), InDirectory("shot.bmp"), InDirectory("rubbish.bmp")});
+      return m_Monkey.OneOf(std::array{InDirectory("cup.bmp"), InDirectory("shot.bmp"), InDirectory("rubbish.bmp")});
     if (wanted == "*.wrl") return InDirectory("scene.wrl");
     return m_Monkey.OneOf(std::array{InDirectory("a.grid"), InDirectory("b.grid"), InDirectory("rubbish.grid")});
   }
