@@ -23,6 +23,15 @@ void CModalDialog::AddCancel(int x, int y, int w, int h) {
   add(button);
 }
 
+// Return reaches the "OK" button as a shortcut, which a group under the pointer would take for a step to its next
+// input.
+int CModalDialog::handle(int event) {
+  if (Fl_Double_Window::handle(event) != 0) return 1;
+  if (event != FL_KEYBOARD || (Fl::event_key() != FL_Enter && Fl::event_key() != FL_KP_Enter)) return 0;
+  Accept();
+  return 1;
+}
+
 bool CModalDialog::Run() {
   m_bAccepted = false;
   OpenBeside(*this, m_MainWindow);

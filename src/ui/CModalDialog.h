@@ -4,9 +4,12 @@
 
 class ViewHost;
 
-/// A dialog that the rest of the program waits for. It ends as accepted by "OK", if what was entered will do, and as
-/// cancelled by "Cancel", Escape or its window button.
+/// A dialog that the rest of the program waits for. It ends as accepted by "OK" or Return, if what was entered will do,
+/// and as cancelled by "Cancel", Escape or its window button.
 class CModalDialog : public Fl_Double_Window {
+ public:
+  int handle(int event) override;
+
  protected:
   /// `views` and `mainWindow` must outlive the dialog.
   CModalDialog(int width, int height, const char* title, ViewHost& views, const Fl_Window& mainWindow);

@@ -260,6 +260,23 @@ TEST_F(ContourAttributesTest, RefusedExportDoesNotMakeTheNextOkAnExport) {
   EXPECT_EQ(m_Views.m_asNotices.size(), 1U);
 }
 
+// A group under the pointer would take Return for a step to its next input.
+TEST_F(ContourAttributesTest, ReturnIsOkAlsoWithThePointerOnAnInput) {
+  bool wasOpen = false;
+  const CModalAnswers answers({[&](Fl_Window& window) {
+    Fl_Value_Input& input = Input(window, kInputs[2]);
+    input.take_focus();
+    Fl::belowmouse(&input);
+    Fl::e_keysym = FL_Enter;
+    Fl::e_state = 0;
+    Fl::handle(FL_KEYBOARD, &window);
+    wasOpen = window.shown() != 0;
+    window.hide();
+  }});
+  EXPECT_TRUE(m_Dialog.Ask(kPresent, false).has_value());
+  EXPECT_FALSE(wasOpen);
+}
+
 TEST_F(ContourAttributesTest, OpensBesideTheMainWindow) {
   m_MainWindow.show();
   Ask(
