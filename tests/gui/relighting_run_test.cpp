@@ -2,27 +2,15 @@
 
 #include <array>
 #include <cmath>
+#include <optional>
 
 #include "lighting/LightAngles.h"
 #include "support/SamplePhotograph.h"
+#include "support/gui/CLightPanelUser.h"
 #include "support/gui/Pictures.h"
 #include "support/gui/RunTest.h"
 
 namespace {
-
-// Within the panel.
-constexpr CPixel kLight1{81, 43};
-constexpr CPixel kAmbient{81, 163};
-constexpr CPixel kRemoved{185, 43};
-constexpr CPixel kAdded{185, 71};
-constexpr CPixel kActive{174, 143};
-constexpr CPixel kFixRatios{320, 403};
-constexpr CPixel kNewIllumination{350, 129};
-constexpr CPixel kUpdateInterpolation{131, 381};
-constexpr CPixel kUpdateKd{212, 381};
-constexpr CPixel kTheta{14, 224};
-constexpr CPixel kPhi{14, 269};
-constexpr CPixel kRed{269, 227};
 
 // On the photograph: the slopes of a hill over the cup.
 constexpr CPixel kTop{290, 110};
@@ -50,29 +38,7 @@ class RelightingRunTest : public RunTest {
     m_User.ClickOn(Control::LightSources);
     const auto panel = m_Program.WaitForWindow("Light sources");
     ASSERT_TRUE(panel.has_value() && m_Program.Rests());
-    m_Panel = m_Program.Screen().AreaOf(*panel);
-  }
-
-  void ClickInPanel(CPixel place) const { m_User.ClickAt(m_Panel.At(place)); }
-  // A click to the right of the knob brings its right edge under the mouse, so the value can only grow.
-  void SetSlider(CPixel slider, double fraction) const {
-    constexpr int kBeforeTrack = 35;
-    constexpr int kKnob = 16;
-    constexpr int kTrack = 229 - kBeforeTrack;
-    const double along = kBeforeTrack + kKnob + fraction * (kTrack - kKnob);
-    ClickInPanel({slider.m_iX + static_cast<int>(std::lround(along)), slider.m_iY});
-  }
-  void SetLights(CPixel category, double phi) const {
-    ClickInPanel(category);
-    ClickInPanel(kLight1);
-    ClickInPanel(kActive);
-    SetSlider(kTheta, 55 / 180.0);
-    SetSlider(kPhi, phi / 360);
-    ClickInPanel(kAmbient);
-    ClickInPanel(kActive);
-    ClickInPanel(kFixRatios);
-    SetSlider(kRed, 0.6);
-    ClickInPanel(kFixRatios);
+    m_Panel.emplace(m_User, m_Program.Screen().AreaOf(*panel));
   }
 
   // Mean red around a place of the photograph in a frame of the model seen from the front.
@@ -110,19 +76,19 @@ class RelightingRunTest : public RunTest {
     }
   }
 
-  CArea m_Panel;
+  std::optional<CLightPanelUser> m_Panel;
 };
 
 }  // namespace
 
 TEST_F(RelightingRunTest, ShadingMovesToTheOtherSideAndTheLightsAreSaved) {
   const CPicture before = Shoot(1, "before.bmp");
-  SetLights(kRemoved, 135);
-  SetLights(kAdded, 0);
-  ClickInPanel(kUpdateInterpolation);
-  ClickInPanel(kUpdateKd);
+  m_Panel->SetLights(CLightPanelUser::kRemoved, 55, 135, 0.6);
+  m_Panel->SetLights(CLightPanelUser::kAdded, 55, 0, 0.6);
+  m_Panel->ClickOn(CLightPanelUser::kUpdateInterpolation);
+  m_Panel->ClickOn(CLightPanelUser::kUpdateKd);
   ASSERT_TRUE(m_User.Reads("CGrid::GetKd\t\t\t\t...GetKd\tdone"));
-  ClickInPanel(kNewIllumination);
+  m_Panel->ClickOn(CLightPanelUser::kNewIllumination);
   const CPicture after = Shoot(1, "after.bmp");
 
   const double left = Brightness(after, kLeftSlope) / Brightness(before, kLeftSlope);

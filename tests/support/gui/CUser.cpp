@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 
 #include "support/SamplePhotograph.h"
 #include "support/gui/CClipboard.h"
@@ -34,8 +35,8 @@ CPixel CUser::PlaceOf(Control control) const {
 
 CPixel CUser::OnPhotograph(CPixel pixel) const {
   const CArea view = AreaOf(Control::ImageView);
-  return view.At({(2 * pixel.m_iX + 1) * view.m_iWidth / (2 * kPhotographWidth),
-                  (2 * pixel.m_iY + 1) * view.m_iHeight / (2 * kPhotographHeight)});
+  return view.At({(2 * pixel.m_iX + 1) * view.m_iWidth / (2 * m_iPictureWidth),
+                  (2 * pixel.m_iY + 1) * view.m_iHeight / (2 * m_iPictureHeight)});
 }
 
 void CUser::ClickAt(CPixel place, int button) const {
@@ -120,12 +121,19 @@ bool CUser::AnswerText(const std::string& text) const {
   return IsGone(*question);
 }
 
-bool CUser::LoadPhotograph() {
+bool CUser::LoadPicture(const std::filesystem::path& file, int width, int height) {
+  const auto side = [](int length) { return std::to_string(std::bit_ceil(static_cast<unsigned>(length))); };
+  const std::string line =
+      "CImageView::LoadImage\tNew texture generated. new_width : " + side(width) + ", new_height : " + side(height);
+  const std::size_t before = Times(line);
   PressKey("alt+shift+o");
-  m_bPicture = ChooseFile("please input image file name", kPhotograph) &&
-               Reads("CImageView::LoadImage\tNew texture generated. new_width : 1024, new_height : 512");
+  m_bPicture = ChooseFile("please input image file name", file) && Reads(line, before);
+  m_iPictureWidth = width;
+  m_iPictureHeight = height;
   return m_bPicture;
 }
+
+bool CUser::LoadPhotograph() { return LoadPicture(kPhotograph, kPhotographWidth, kPhotographHeight); }
 
 std::size_t CUser::Times(std::string_view line) const {
   const std::vector<std::string> lines = m_Program.ConsoleLines();

@@ -26,7 +26,7 @@ class CUser {
   /// The part of the screen that a view takes up.
   CArea AreaOf(Control view) const;
   CScreenshot See(const CArea& area) const { return m_Program.Screen().Capture(area); }
-  /// Where a pixel of the photograph, counted from its upper left corner, lies in the image view at the first zoom.
+  /// Where a pixel of the picture, counted from its upper left corner, lies in the image view at the first zoom.
   CPixel OnPhotograph(CPixel pixel) const;
 
   /// Chooses an entry of a menu, counted from 0 among the active ones.
@@ -37,7 +37,9 @@ class CUser {
   bool Answer(bool yes) const;
   /// The same for the question after one line of text.
   bool AnswerText(const std::string& text) const;
-  /// Loads the photograph of the coffee cup with the shortcut of the menu.
+  /// Loads a picture of the given size in pixels with the shortcut of the menu.
+  bool LoadPicture(const std::filesystem::path& file, int width, int height);
+  /// Loads the photograph of the coffee cup.
   bool LoadPhotograph();
 
   /// Waits until the program has written the line once more than it had `before` times.
@@ -51,4 +53,6 @@ class CUser {
 
   CRelievo& m_Program;
   bool m_bPicture = false;
+  int m_iPictureWidth = 1;
+  int m_iPictureHeight = 1;
 };

@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# scripts/make_tutorial.sh
+# Makes the models in samples/ and the pictures in docs/tutorial/ anew: the built program is used with mouse and keyboard
+# on a virtual display, as docs/tutorial.md tells it. Takes some minutes.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+source scripts/setup.sh
+source scripts/display.sh
+
+need_packages test
+build release make_tutorial -DRELIEVO_BUILD_TESTS:BOOL=ON
+
+results=$(mktemp -d)
+trap 'stop_all; rm -rf "$results"' EXIT
+trap 'exit 129' HUP
+trap 'exit 130' INT
+trap 'exit 143' TERM
+start_display
+
+for model in coffee cat; do
+  say "making the $model"
+  build/release/tests/make_tutorial "$model" "$results"
+  cp "$results/$model.grid" "samples/$model.grid"
+done
+
+mkdir -p docs/tutorial
+for picture in "$results"/*.bmp; do
+  # 256 colours keep the repository small and can hardly be told from all.
+  convert "$picture" -colors 256 -strip "docs/tutorial/$(basename "${picture%.bmp}").png"
+done

@@ -1,0 +1,83 @@
+// make_tutorial coffee|cat directory: makes the models of the samples with the real program on the display, step by
+// step as the tutorial tells it, and leaves the models and the pictures of the steps in the directory.
+
+#include <exception>
+#include <iostream>
+#include <string>
+
+#include "support/SamplePhotograph.h"
+#include "tutorial/CModeller.h"
+
+namespace {
+
+constexpr int kGridWidth = 150;  // both photographs are about half as wide again as high
+
+void MakeCoffee(const std::string& results) {
+  const CScene scene = CoffeeScene();
+  CModeller modeller(results);
+  modeller.LoadPicture(scene);
+  modeller.Shoot("1-photograph");
+  modeller.NewGrid(kGridWidth, "2-new-grid");
+  modeller.PressKey("ctrl+g");
+  modeller.PressKey("ctrl+alt+g");
+  modeller.Draw(scene.m_aCreases);
+  modeller.Shoot("3-creases");
+  modeller.Trace(scene.m_aTears, "4-scissors");
+  modeller.Raise(scene.m_aHeights);
+  modeller.PutUpright(scene.m_aUpright);
+  modeller.PressKey("ctrl+g");
+  modeller.PressKey("Escape");
+  modeller.ClickOn(Control::PositionConstraint);
+  modeller.Shoot("5-heights");
+  modeller.Solve();
+  modeller.Drag(0, -120, 1);
+  modeller.Drag(0, 45, 2);
+  modeller.Drag(-50, 0, 1);
+  modeller.Shoot("6-model");
+  modeller.ShootModel("7-before");
+  modeller.Relight(135, 0, "7-lights");
+  modeller.ShootModel("7-after");
+  modeller.Save("coffee.grid", true);
+  modeller.ExportVrml("coffee.wrl");
+  modeller.Open(Control::Recorder, "Animation Record Interface");
+  modeller.Shoot("8-recorder");
+}
+
+void MakeCat(const std::string& results) {
+  const CScene scene = CatScene();
+  CModeller modeller(results);
+  modeller.LoadPicture(scene);
+  modeller.NewGrid(kGridWidth);
+  modeller.PressKey("ctrl+g");
+  modeller.PressKey("ctrl+alt+g");
+  modeller.Draw(scene.m_aCreases);
+  modeller.SetCurvatureWeight({236, 165}, "5", "9-fair-line");
+  modeller.Trace(scene.m_aTears);
+  modeller.Raise(scene.m_aHeights);
+  modeller.PressKey("Escape");
+  modeller.Solve();
+  modeller.Drag(60, -60, 1);
+  modeller.Drag(0, 45, 2);
+  modeller.Shoot("cat");
+  modeller.Save("cat.grid", true);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::string model = argc == 3 ? argv[1] : "";
+  try {
+    if (model == "coffee") {
+      MakeCoffee(argv[2]);
+    } else if (model == "cat") {
+      MakeCat(argv[2]);
+    } else {
+      std::cerr << "usage: make_tutorial coffee|cat directory\n";
+      return 2;
+    }
+  } catch (const std::exception& error) {
+    std::cerr << "make_tutorial: " << error.what() << '\n';
+    return 1;
+  }
+  return 0;
+}
