@@ -49,16 +49,23 @@ struct CCost {
   double m_fCells;
 };
 
-CCost CostAt(int level, int baseLevel, int calls) {
+enum class WithPicture { No, Yes };
+
+CCost CostAt(int level, int baseLevel, WithPicture withPicture, int calls) {
   CBenchGrid bench(level, baseLevel);
   CGrid& grid = bench.Grid();
+  if (withPicture == WithPicture::Yes) {
+    constexpr int kWidth = 600;
+    constexpr int kHeight = 400;
+    grid.SetPicture({kWidth, kHeight, std::vector<std::uint8_t>(3UL * kWidth * kHeight, 128)});
+  }
   const double plain = RebuildSeconds(grid, calls);
   AddCurves(grid);
   const double seconds = RebuildSeconds(grid, calls);
   return {seconds, plain, static_cast<double>(grid.Tree().LeafCount())};
 }
 
-void Report(const char* name, int baseBelow) {
+void Report(const char* name, int baseBelow, WithPicture withPicture = WithPicture::No) {
   std::printf("%s\n%-6s %10s %10s %10s %10s %12s %14s\n", name, "level", "leaves", "ms", "lean", "no curves", "ns/leaf",
               "ns/leaf growth");
   double first = 0.0;
@@ -66,7 +73,7 @@ void Report(const char* name, int baseBelow) {
     const int calls = level <= 8 ? 5 : 1;
     CLeanLoop lean(level);
     const double unit = SecondsPerCall(calls, [&] { lean.Iterate(); });
-    const CCost cost = CostAt(level, level - baseBelow, calls);
+    const CCost cost = CostAt(level, level - baseBelow, withPicture, calls);
     const double perLeaf = cost.m_fSeconds / cost.m_fCells;
     if (first == 0.0) first = perLeaf;
     std::printf("%-6d %10.0f %10.2f %10.1f %10.1f %12.1f %14.2f\n", level, cost.m_fCells, cost.m_fSeconds * 1e3,
@@ -81,4 +88,6 @@ int main() {
   std::printf("rebuild of the map with %d curves of %d nodes\n\n", kCurves, kNodes);
   Report("base level two below the maximum", 2);
   Report("full resolution everywhere", 0);
+  Report("base level two below the maximum, with a picture of 600 x 400", 2, WithPicture::Yes);
+  Report("full resolution everywhere, with a picture of 600 x 400", 0, WithPicture::Yes);
 }
