@@ -102,6 +102,7 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
 
   std::optional<std::string> ChooseFile(const char* title, const char* pattern) override;
   bool Ask(const char* question) override;
+  std::string AskText(const char* question) override;
   void Notice(const char* text) override;
 
  private:

@@ -402,13 +402,13 @@ TEST_F(AnimationRecorderTest, FramesOutliveTheClosedWindow) {
 
 TEST_F(AnimationRecorderTest, ToolkitAsksAndTells) {
   m_Window.Close();
-  RecorderDialogs dialogs;
+  CToolkitDialogs dialogs;
   const auto answered = [](std::vector<std::string> keys, const auto& ask) {
     const CKeyAnswer answer(std::move(keys));
     return ask();
   };
-  EXPECT_TRUE(answered({"Return"}, [&] { return dialogs.AskYesNo("Sure ?"); }));
-  EXPECT_FALSE(answered({"Escape"}, [&] { return dialogs.AskYesNo("Sure ?"); }));
+  EXPECT_TRUE(answered({"Return"}, [&] { return dialogs.Ask("Sure ?"); }));
+  EXPECT_FALSE(answered({"Escape"}, [&] { return dialogs.Ask("Sure ?"); }));
   EXPECT_EQ(answered({"a", "b", "Return"}, [&] { return dialogs.AskText("Name"); }), "ab");
   EXPECT_EQ(answered({"Return"}, [&] { return dialogs.AskText("Name"); }), "");
   EXPECT_EQ(answered({"a", "Escape"}, [&] { return dialogs.AskText("Name"); }), "");
