@@ -116,7 +116,10 @@ class WindowTest : public ToolkitTest {
       note("ask");
       return std::optional<CGridParameters>();
     };
-    services.m_Model.m_LoadGrid = [note](CGrid&, const std::string&) { note("load"); };
+    services.m_Model.m_LoadGrid = [note](CGrid&, const std::string&) {
+      note("load");
+      return true;
+    };
     services.m_Model.m_SaveGrid = [note](CGrid&, const std::string&) { note("save"); };
     services.m_Model.m_SaveVrml = [note](CGrid&, const std::string&) {
       note("vrml");
