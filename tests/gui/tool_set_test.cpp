@@ -1,7 +1,12 @@
 // What the secondary windows have in common with the main window: the grid, the views and the files.
 
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <FL/Fl_Value_Slider.H>
@@ -56,6 +61,22 @@ class ToolSetTest : public WindowTest {
     Grid().AddedLights() = Grid().RemovedLights() = meanwhile;
     Choose(MenuEntry::LoadGrid);
   }
+  std::string Path(const char* name) const { return (m_Directory.Path() / name).string(); }
+  // From model.grid to batch.grid.
+  bool RunBatch(const std::string& options) const {
+    const std::string files = Path("model.grid") + "' --save '" + Path("batch.grid") + "' ";
+    return std::system(("'" RELIEVO_BATCH "' --quiet '" + files + options).c_str()) == 0;
+  }
+  // The heights in a grid file, and all that is written after its constraints but them.
+  static std::pair<std::vector<double>, std::string> HeightsAndRest(const std::string& file) {
+    const std::string text = BytesOf(file);
+    const std::size_t level = text.find("\n\nL\n");
+    const std::size_t from = text.find("\n\nZ\n") + 5;
+    const std::size_t to = text.find("\n\nN\n");
+    std::istringstream in(text.substr(from, to - from));
+    const std::vector<double> heights{std::istream_iterator<double>(in), {}};
+    return {heights, text.substr(level, from - level) + text.substr(to)};
+  }
   bool IsDrawn() {
     return RunToolkitUntil([this] { return m_Window.GridView().damage() == 0; });
   }
@@ -69,6 +90,34 @@ class ToolSetTest : public WindowTest {
 };
 
 }  // namespace
+
+// Files.
+
+TEST_F(ToolSetTest, SavesBeforeAnyIterationTheBytesOfTheProgramWithoutAWindow) {
+  WriteText(Path("model.grid"), GridText(CFullModel().m_Grid));
+  m_Dialogs.m_File = Path("model.grid");
+  Menu().Choose(MenuEntry::LoadGrid);
+  m_Dialogs.m_File = Path("window.grid");
+  // The solver's next tick saves before it iterates.
+  Choose(MenuEntry::SaveGrid);
+  ASSERT_TRUE(RunBatch("--iterations 0"));
+  EXPECT_EQ(BytesOf(Path("window.grid")), BytesOf(Path("batch.grid")));
+}
+
+TEST_F(ToolSetTest, ConvergesToTheSurfaceOfTheProgramWithoutAWindow) {
+  WriteText(Path("model.grid"), GridText(CFullModel().m_Grid));
+  m_Dialogs.m_File = Path("model.grid");
+  Choose(MenuEntry::LoadGrid);
+  ASSERT_TRUE(RunToolkitUntil([this] { return !Grid().IsRunning(); }));
+  m_Dialogs.m_File = Path("window.grid");
+  Choose(MenuEntry::SaveGrid);
+  ASSERT_TRUE(RunBatch("--until-converged"));
+  const auto [window, windowRest] = HeightsAndRest(Path("window.grid"));
+  const auto [batch, batchRest] = HeightsAndRest(Path("batch.grid"));
+  EXPECT_EQ(windowRest, batchRest);
+  const auto [low, high] = std::ranges::minmax(window);
+  EXPECT_LT(LargestDifference(window, batch), 1e-5 * (high - low));
+}
 
 // Lights.
 
