@@ -199,6 +199,21 @@ TEST_F(ToolSetTest, LightTurnedInTheModelIsThatOfThePanelAndItFollows) {
   EXPECT_NEAR(Value("Phi angle"), 270, 1e-5);
 }
 
+TEST_F(ToolSetTest, ToolThatIsClosedByItsOwnWindowTurnsItsLampOff) {
+  LoadPicture();
+  for (const auto& [control, title] :
+       {std::pair{Control::LightSources, "Light sources"}, {Control::Recorder, "Animation Record Interface"}}) {
+    ClickOn(control);
+    ASSERT_TRUE(IsOn(control)) << title;
+    Panel(title).do_callback();
+    EXPECT_FALSE(IsOn(control)) << title;
+    ClickOn(control);
+    ClickOn(control);
+    EXPECT_FALSE(IsOn(control)) << title;
+    EXPECT_THROW(Panel(title), std::runtime_error);
+  }
+}
+
 // The recorder.
 
 TEST_F(ToolSetTest, RecorderKeepsTheCameraOfEveryRedrawAndShowsIt) {
