@@ -322,6 +322,7 @@ void CImageViewUI::GridReplaced() {
                       : mode == WaveletMode::Simple ? MenuEntry::SimpleWavelets
                                                     : MenuEntry::NoWavelets,
                       true);
+  m_pGridView->ShowWaveletMode(mode);
   RefreshReadOuts();
   m_pHelpLine->SetCurrentHelp(CurrentHelp());
   Relayout();

@@ -146,6 +146,16 @@ TEST_F(ToolSetTest, FileWithoutLightsLeavesThem) {
   EXPECT_EQ(Value("Green"), 0.5);
 }
 
+TEST_F(ToolSetTest, LoadedGridHasItsWaveletModeInTheViewToo) {
+  for (const MenuEntry before : {MenuEntry::SimpleWavelets, MenuEntry::NoWavelets}) {
+    Choose(before);
+    SaveAndLoad("mode.grid", false, CLightSet());
+    EXPECT_EQ(m_Window.GridView().DisplayFlags() & 0xE00U, 0x800U);
+    EXPECT_EQ(Grid().Mode(), WaveletMode::New);
+    EXPECT_TRUE(Menu().IsChecked(MenuEntry::NewWavelets));
+  }
+}
+
 TEST_F(ToolSetTest, FileThatCannotBeOpenedLeavesTheCamera) {
   CCamera camera = m_Window.GridView().Camera();
   camera.Rotate(10, 5);
