@@ -7,7 +7,6 @@
 #include "ui/CGridView.h"
 #include "ui/CHelpLine.h"
 #include "ui/CImageViewUI.h"
-#include "ui/RecorderDialogs.h"
 #include "ui/RecorderHost.h"
 #include "ui/RecorderView.h"
 
@@ -60,15 +59,13 @@ struct CRecorderParts {
   explicit CRecorderParts(CImageViewUI& window) : m_View(window.GridView()), m_Host(window) {}
   CRecordedView m_View;
   CRecorderWindow m_Host;
-  RecorderDialogs m_Dialogs;
 };
 
 class CRecorderTool : private CRecorderParts, public AnimationRecorder {
  public:
   explicit CRecorderTool(CImageViewUI& window)
       : CRecorderParts(window),
-        AnimationRecorder(CRecorderParts::m_View, CRecorderParts::m_Host, CRecorderParts::m_Dialogs,
-                          SteadyMilliseconds) {
+        AnimationRecorder(CRecorderParts::m_View, CRecorderParts::m_Host, window, SteadyMilliseconds) {
     window.GridView().BeforeDrawing([this] { StoreFrame(); });
   }
 };

@@ -8,9 +8,9 @@
 
 #include "ui/CExportProgress.h"
 #include "ui/FrameExport.h"
-#include "ui/RecorderDialogs.h"
 #include "ui/RecorderHost.h"
 #include "ui/RecorderView.h"
+#include "ui/UserDialogs.h"
 
 namespace {
 
@@ -29,7 +29,7 @@ struct AnimationRecorder::CButtonRow {
   uchar m_uType;
 };
 
-AnimationRecorder::AnimationRecorder(RecorderView& view, RecorderHost& host, RecorderDialogs& dialogs,
+AnimationRecorder::AnimationRecorder(RecorderView& view, RecorderHost& host, UserDialogs& dialogs,
                                      CFrameRecorder::Clock clock)
     : Fl_Window(kWidth, kHeight, "Animation Record Interface"),
       m_View(view),
@@ -130,8 +130,8 @@ void AnimationRecorder::Export() {
   m_Recorder.Pause();
   m_bExporting = true;
   Refresh();
-  if (m_Dialogs.AskYesNo("The system will save the frames you recorded in bmp files. This might take a lot of space. "
-                         "Are you sure you want to continue ?")) {
+  if (m_Dialogs.Ask("The system will save the frames you recorded in bmp files. This might take a lot of space. "
+                    "Are you sure you want to continue ?")) {
     const std::string templateName = m_Dialogs.AskText("please input template file name, without extension");
     if (templateName.empty()) {
       m_Dialogs.Notice("You didn't chose any name ! Action canceled");

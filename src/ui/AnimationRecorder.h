@@ -11,16 +11,16 @@
 
 class Fl_Button;
 class Fl_Value_Output;
-class RecorderDialogs;
 class RecorderHost;
 class RecorderView;
+class UserDialogs;
 
 /// "Animation Record Interface": records the camera of the model view, plays it back and exports it as a series of
 /// pictures. The frames outlive the closed window.
 class AnimationRecorder : public Fl_Window, public ToolWindow {
  public:
   /// All must outlive the window. It is built closed.
-  AnimationRecorder(RecorderView& view, RecorderHost& host, RecorderDialogs& dialogs, CFrameRecorder::Clock clock);
+  AnimationRecorder(RecorderView& view, RecorderHost& host, UserDialogs& dialogs, CFrameRecorder::Clock clock);
 
   bool IsOpen() const override { return m_bOpen; }
   void Open() override;
@@ -52,7 +52,7 @@ class AnimationRecorder : public Fl_Window, public ToolWindow {
 
   RecorderView& m_View;
   RecorderHost& m_Host;
-  RecorderDialogs& m_Dialogs;
+  UserDialogs& m_Dialogs;
   CFrameRecorder m_Recorder;
   CPlayback m_Playback;
   std::array<Fl_Button*, kButtonCount> m_apButtons{};

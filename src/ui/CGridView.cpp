@@ -46,8 +46,12 @@ void CGridView::SetFlag(std::uint32_t flag, bool on) {
   redraw();
 }
 
-void CGridView::SelectWaveletMode(WaveletMode mode) {
+void CGridView::ShowWaveletMode(WaveletMode mode) {
   m_View.m_uFlags = (m_View.m_uFlags & ~kModeBits) | Bit(mode);
+}
+
+void CGridView::SelectWaveletMode(WaveletMode mode) {
+  ShowWaveletMode(mode);
   if (m_pGrid != nullptr) m_pGrid->SetWaveletMode(mode);
 }
 

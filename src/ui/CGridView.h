@@ -36,6 +36,8 @@ class CGridView : public Fl_Gl_Window {
   void SetFlag(std::uint32_t flag, bool on);
   /// Converts the attached grid to the basis of `mode` and keeps the mode among the display flags.
   void SelectWaveletMode(WaveletMode mode);
+  /// Only keeps the mode among the display flags, where the grid has changed it by itself.
+  void ShowWaveletMode(WaveletMode mode);
   /// 1: Kd, 2: new illumination, 3: photograph. Any other value is reported at every drawing, which then takes the
   /// texture used last.
   void SetDrawTexture(int which);

@@ -15,7 +15,6 @@
 #include "ui/CImageView.h"
 #include "ui/ControlWidgets.h"
 #include "ui/DebugTools.h"
-#include "ui/DrawingSettings.h"
 #include "ui/UiScale.h"
 #include "ui/WindowLayout.h"
 
@@ -191,11 +190,6 @@ void CImageViewUI::SetNumberOfConstraints(int n) { ReadOut(Control::ConstraintCo
 void CImageViewUI::SetNumberOfCells(int n) { ReadOut(Control::CellCount).value(n); }
 
 void CImageViewUI::SetNumberOfPoints(int n) { ReadOut(Control::PointCount).value(n); }
-
-void CImageViewUI::SetGreyGridColour(std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
-  g_DrawingSettings.m_GreyGrid = {red / 255.0, green / 255.0, blue / 255.0};
-  RedrawModelView();
-}
 
 void CImageViewUI::RequestRedraw() {
   m_pImageView->redraw();

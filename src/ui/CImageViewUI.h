@@ -61,9 +61,6 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void SetNumberOfCells(int n);
   void SetNumberOfPoints(int n);
 
-  /// Colour of grid lines without a colour of their own, components 0 to 255.
-  void SetGreyGridColour(std::uint8_t red, std::uint8_t green, std::uint8_t blue);
-
   // For the grid.
 
   void RequestRedraw() override;
@@ -102,6 +99,7 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
 
   std::optional<std::string> ChooseFile(const char* title, const char* pattern) override;
   bool Ask(const char* question) override;
+  std::string AskText(const char* question) override;
   void Notice(const char* text) override;
 
  private:

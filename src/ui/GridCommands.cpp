@@ -60,9 +60,10 @@ void CGridCommands::LoadGrid() {
   m_Solver.PauseSolverForCommand();
   const std::optional<std::string> file = m_Host.ChooseFile(kGridFileTitle, "*.grid");
   if (file.has_value()) {
-    m_Services.m_LoadGrid(*m_pGrid, *file);
-    SetPickTolerance();
-    m_Host.GridReplaced();
+    if (m_Services.m_LoadGrid(*m_pGrid, *file)) {
+      SetPickTolerance();
+      m_Host.GridReplaced();
+    }
   } else {
     Console() << "CImageView::LoadGrid() : filename == NULL\n";
   }

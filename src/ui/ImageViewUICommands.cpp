@@ -278,6 +278,11 @@ bool CImageViewUI::Ask(const char* question) {
   return m_Dialogs.Ask(question);
 }
 
+std::string CImageViewUI::AskText(const char* question) {
+  EndDrags();
+  return m_Dialogs.AskText(question);
+}
+
 void CImageViewUI::Notice(const char* text) {
   EndDrags();
   m_Dialogs.Notice(text);
@@ -317,6 +322,7 @@ void CImageViewUI::GridReplaced() {
                       : mode == WaveletMode::Simple ? MenuEntry::SimpleWavelets
                                                     : MenuEntry::NoWavelets,
                       true);
+  m_pGridView->ShowWaveletMode(mode);
   RefreshReadOuts();
   m_pHelpLine->SetCurrentHelp(CurrentHelp());
   Relayout();

@@ -13,4 +13,9 @@ std::optional<std::string> CToolkitDialogs::ChooseFile(const char* title, const 
 
 bool CToolkitDialogs::Ask(const char* question) { return AskYesNo(question); }
 
+std::string CToolkitDialogs::AskText(const char* question) {
+  const char* const text = fl_input("%s", "", question);
+  return text == nullptr ? "" : text;
+}
+
 void CToolkitDialogs::Notice(const char* text) { fl_message("%s", text); }

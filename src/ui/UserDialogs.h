@@ -10,7 +10,10 @@ class UserDialogs {
 
   /// The file named by the user, new or existing; nothing if none is. `pattern` may be null.
   virtual std::optional<std::string> ChooseFile(const char* title, const char* pattern) = 0;
+  /// True only for yes.
   virtual bool Ask(const char* question) = 0;
+  /// One line of text; empty where none is given.
+  virtual std::string AskText(const char* question) = 0;
   virtual void Notice(const char* text) = 0;
 };
 
@@ -19,5 +22,6 @@ class CToolkitDialogs : public UserDialogs {
  public:
   std::optional<std::string> ChooseFile(const char* title, const char* pattern) override;
   bool Ask(const char* question) override;
+  std::string AskText(const char* question) override;
   void Notice(const char* text) override;
 };

@@ -218,6 +218,22 @@ TEST_F(AnimationRecorderTest, LastTickShowsTheLastFrameAndEnds) {
   EXPECT_EQ(g_nPlaybackTimers, 0);
 }
 
+TEST_F(AnimationRecorderTest, PlaybackOfSoManyFramesTakesSoManyTicks) {
+  for (const int frames : {1, 2, 5}) {
+    CFrameRecorder recorder(m_Clock.Clock());
+    recorder.Record();
+    recorder.TogglePause();
+    for (int number = 0; number < frames; ++number) recorder.Capture(CameraNumber(number));
+    CPlayback playback(recorder, m_View, [] {});
+    g_fTimerInterval = 1e6;
+    playback.Play();
+    int ticks = 0;
+    for (; g_nPlaybackTimers != 0 && ticks <= frames; ++ticks) CPlayback::OnTick(&playback);
+    EXPECT_EQ(ticks, frames);
+    EXPECT_EQ(recorder.Mode(), RecordMode::kIdle);
+  }
+}
+
 TEST_F(AnimationRecorderTest, ButtonsWhilePlayingAndPaused) {
   RecordFrames(3);
   g_fTimerInterval = 1e6;
@@ -402,13 +418,13 @@ TEST_F(AnimationRecorderTest, FramesOutliveTheClosedWindow) {
 
 TEST_F(AnimationRecorderTest, ToolkitAsksAndTells) {
   m_Window.Close();
-  RecorderDialogs dialogs;
+  CToolkitDialogs dialogs;
   const auto answered = [](std::vector<std::string> keys, const auto& ask) {
     const CKeyAnswer answer(std::move(keys));
     return ask();
   };
-  EXPECT_TRUE(answered({"Return"}, [&] { return dialogs.AskYesNo("Sure ?"); }));
-  EXPECT_FALSE(answered({"Escape"}, [&] { return dialogs.AskYesNo("Sure ?"); }));
+  EXPECT_TRUE(answered({"Return"}, [&] { return dialogs.Ask("Sure ?"); }));
+  EXPECT_FALSE(answered({"Escape"}, [&] { return dialogs.Ask("Sure ?"); }));
   EXPECT_EQ(answered({"a", "b", "Return"}, [&] { return dialogs.AskText("Name"); }), "ab");
   EXPECT_EQ(answered({"Return"}, [&] { return dialogs.AskText("Name"); }), "");
   EXPECT_EQ(answered({"a", "Escape"}, [&] { return dialogs.AskText("Name"); }), "");

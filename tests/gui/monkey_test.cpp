@@ -50,6 +50,10 @@ class RandomDialogs : public UserDialogs {
     return m_Monkey.OneOf(std::array{InDirectory("a.grid"), InDirectory("b.grid"), InDirectory("rubbish.grid")});
   }
   bool Ask(const char* /*question*/) override { return m_Monkey.OneIn(2); }
+  std::string AskText(const char* /*question*/) override {
+    if (m_Monkey.OneIn(2)) return {};
+    return m_Monkey.OneIn(2) ? (m_Directory / "missing" / "frame").string() : InDirectory("frame");
+  }
   void Notice(const char* /*text*/) override {}
 
  private:

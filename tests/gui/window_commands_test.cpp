@@ -1,7 +1,6 @@
 // What the buttons and read-outs of the main window do.
 
 #include "support/gui/WindowTest.h"
-#include "ui/DrawingSettings.h"
 
 namespace {
 
@@ -189,14 +188,6 @@ TEST_F(WindowCommandsTest, WaveletTestLogs) {
   EXPECT_EQ(Console().rfind("CGrid::TestWavelets", 0), 0U);
 }
 
-TEST_F(WindowCommandsTest, GreyGridColourComesInBytes) {
-  const CColour before = g_DrawingSettings.m_GreyGrid;
-  EXPECT_EQ(before, (CColour{0.5, 0.5, 0.5}));
-  m_Window.SetGreyGridColour(255, 0, 51);
-  EXPECT_EQ(g_DrawingSettings.m_GreyGrid, (CColour{1, 0, 0.2}));
-  g_DrawingSettings.m_GreyGrid = before;
-}
-
 // The run of the solver.
 
 TEST_F(WindowCommandsTest, StopAndResumeRunTheSolver) {
@@ -264,6 +255,7 @@ TEST_F(WindowCommandsTest, LoadedGridIsShownAsItIs) {
     grid.SetWaveletMode(WaveletMode::Simple);
     grid.AddPtCstr({});
     g_bHighRes = 1;
+    return true;
   };
   m_Window.SetServices(services);
   m_Dialogs.m_File = "model.grid";

@@ -163,6 +163,7 @@ TEST(OldGridFile, HasConstraintsAndSubdivisionButNoHeights) {
   EXPECT_EQ(model.m_Grid.PointConstraints().size(), SomeConstraints().size());
   EXPECT_EQ(model.m_Grid.Curves().size(), 1U);
   EXPECT_EQ(model.m_Grid.MaxHeight(), 0.0);
+  EXPECT_EQ(model.m_Grid.IterationCounter(), 0);
   EXPECT_EQ(g_iBaseLevel, 5);
   EXPECT_EQ(g_iMaxLevel, 7);
   EXPECT_TRUE(model.m_Grid.Subdivision().Root().Child(1).Child(0).Child(2).IsLeaf());

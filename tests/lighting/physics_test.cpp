@@ -6,9 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include "io/Bmp.h"
 #include "lighting/CShading.h"
 #include "quadtree/TreeNormals.h"
 #include "support/LightingBuilders.h"
+#include "support/gui/CTemporaryDirectory.h"
 
 namespace {
 
@@ -31,7 +33,11 @@ struct CPhotographedBump : CTestGrid {
     ComputeNormals(m_Grid.Tree());
     m_Grid.SetPicture(PlainPicture(kSide, kSide));
     m_Grid.ComputeCoefsTexels();
-    m_Grid.SetPicture(Photograph());
+    const CTemporaryDirectory directory;
+    const std::string file = directory.Path() / "bump.bmp";
+    const CPicture photograph = Photograph();
+    EXPECT_TRUE(Global::SaveBMP(file, photograph.m_aPixels, kSide, kSide, 1));
+    m_Grid.SetPicture(Global::LoadBMP(file, 1).value().m_Picture);
     m_Grid.ComputeCoefsTexels();
     m_Grid.RemovedLights() = KnownLights();
   }

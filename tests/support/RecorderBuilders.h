@@ -3,13 +3,14 @@
 #include <cstdint>
 #include <fstream>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "ui/CFrameRecorder.h"
-#include "ui/RecorderDialogs.h"
 #include "ui/RecorderHost.h"
 #include "ui/RecorderView.h"
+#include "ui/UserDialogs.h"
 
 /// A camera that can be told from those of other numbers in every value.
 inline CFrameCamera CameraNumber(int number) {
@@ -51,9 +52,10 @@ class RecordingRecorderHost : public RecorderHost {
 };
 
 /// Dialogs that answer by themselves.
-class AnsweringDialogs : public RecorderDialogs {
+class AnsweringDialogs : public UserDialogs {
  public:
-  bool AskYesNo(const char* question) override {
+  std::optional<std::string> ChooseFile(const char* /*title*/, const char* /*pattern*/) override { return {}; }
+  bool Ask(const char* question) override {
     m_aTexts.emplace_back(question);
     return m_bYes;
   }

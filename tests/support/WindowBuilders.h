@@ -55,6 +55,10 @@ class ScriptedHost : public CommandHost {
     m_asQuestions.emplace_back(question);
     return m_bYes;
   }
+  std::string AskText(const char* question) override {
+    m_asQuestions.emplace_back(question);
+    return {};
+  }
   void Notice(const char* text) override { m_asNotices.emplace_back(text); }
   bool LoadPicture(const std::string& file) override {
     m_asPictures.push_back(file);

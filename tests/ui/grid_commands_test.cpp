@@ -31,7 +31,10 @@ class GridCommandsTest : public ::testing::Test {
   // Services that note what they were asked, and whether the solver ran meanwhile.
   CModelServices Services() {
     return {[this](const CGrid&) { return Note("ask"), m_NewGrid; },
-            [this](CGrid&, const std::string& file) { Note("load " + file); },
+            [this](CGrid&, const std::string& file) {
+              Note("load " + file);
+              return m_bLoads;
+            },
             [this](CGrid&, const std::string& file) { Note("save " + file); },
             [this](CGrid&, const std::string& file) {
               Note("vrml " + file);
@@ -57,6 +60,7 @@ class GridCommandsTest : public ::testing::Test {
   CContourAttributes m_Attributes;  // that were shown last
   std::vector<std::string> m_asDone;
   bool m_bRanMeanwhile = false;
+  bool m_bLoads = true;
 };
 
 using Done = std::vector<std::string>;
@@ -110,6 +114,16 @@ TEST_F(GridCommandsTest, CancelledChooserDoesNothing) {
 TEST_F(GridCommandsTest, CancelledLoadIsLogged) {
   m_Commands.Perform(Operation::kLoadGrid);
   EXPECT_EQ(Console(), "CImageView::LoadGrid() : filename == NULL\n");
+}
+
+TEST_F(GridCommandsTest, FileThatCannotBeOpenedLeavesTheViewsAsTheyAre) {
+  m_Host.m_File = "name";
+  m_bLoads = false;
+  g_fPickTolerance = 7.0;
+  m_Commands.Perform(Operation::kLoadGrid);
+  EXPECT_EQ(m_Host.m_iReplaced, 0);
+  EXPECT_EQ(g_fPickTolerance, 7.0);
+  EXPECT_TRUE(Grid().IsRunning());
 }
 
 TEST_F(GridCommandsTest, CommandsHoldTheSolverAndLetItGoOn) {

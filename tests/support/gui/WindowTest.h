@@ -31,10 +31,15 @@ class ScriptedDialogs : public UserDialogs {
     m_asQuestions.emplace_back(question);
     return m_bYes;
   }
+  std::string AskText(const char* question) override {
+    m_asQuestions.emplace_back(question);
+    return m_Text;
+  }
   void Notice(const char* text) override { m_asNotices.emplace_back(text); }
 
   std::optional<std::string> m_File;
   bool m_bYes = false;
+  std::string m_Text;
   std::vector<std::pair<std::string, std::string>> m_aChoosers;  ///< title and pattern
   std::vector<std::string> m_asQuestions;
   std::vector<std::string> m_asNotices;
@@ -111,7 +116,10 @@ class WindowTest : public ToolkitTest {
       note("ask");
       return std::optional<CGridParameters>();
     };
-    services.m_Model.m_LoadGrid = [note](CGrid&, const std::string&) { note("load"); };
+    services.m_Model.m_LoadGrid = [note](CGrid&, const std::string&) {
+      note("load");
+      return true;
+    };
     services.m_Model.m_SaveGrid = [note](CGrid&, const std::string&) { note("save"); };
     services.m_Model.m_SaveVrml = [note](CGrid&, const std::string&) {
       note("vrml");

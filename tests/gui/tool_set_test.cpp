@@ -1,0 +1,307 @@
+// What the secondary windows have in common with the main window: the grid, the views and the files.
+
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <FL/Fl_Value_Slider.H>
+
+#include "app/CToolSet.h"
+#include "io/Bmp.h"
+#include "support/FileBuilders.h"
+#include "support/LightingBuilders.h"
+#include "support/gui/Pictures.h"
+#include "support/gui/Widgets.h"
+#include "support/gui/WindowTest.h"
+#include "ui/DrawingSettings.h"
+
+namespace {
+
+constexpr const char* kOriginal = "Show Original texture";
+constexpr const char* kKd = "Show Kd texture\nwithout added lights";
+constexpr const char* kNewIllumination = "Show New Illumination";
+
+class ToolSetTest : public WindowTest {
+ protected:
+  void SetUp() override { ASSERT_NO_FATAL_FAILURE(ShowWindow()); }
+  void TearDown() override {
+    // The tools report to the window, which goes after them.
+    for (const Control control : {Control::LightSources, Control::Recorder}) {
+      if (IsOn(control)) ClickOn(control);
+    }
+  }
+
+  // The window with this title that is on the screen.
+  Fl_Window& Panel(const char* title) {
+    for (Fl_Window* window = Fl::first_window(); window != nullptr; window = Fl::next_window(window)) {
+      if (window->label() != nullptr && std::string(window->label()) == title) return *window;
+    }
+    throw std::runtime_error(title);
+  }
+  Fl_Window& OpenLights() {
+    if (!IsOn(Control::LightSources)) ClickOn(Control::LightSources);
+    return Panel("Light sources");
+  }
+  void Push(const char* label) { Press(Find<Fl_Button>(Panel("Light sources"), label)); }
+  double Value(const char* slider) { return Find<Fl_Value_Slider>(Panel("Light sources"), slider).value(); }
+  // The command may wait for the solver's tick.
+  void Choose(MenuEntry entry) {
+    Menu().Choose(entry);
+    ASSERT_TRUE(RunToolkitUntil([this] { return Grid().NextOperation() == Operation::kNone; }));
+  }
+  void SaveAndLoad(const char* name, bool withLights, const CLightSet& meanwhile) {
+    m_Dialogs.m_File = (m_Directory.Path() / name).string();
+    m_Dialogs.m_bYes = withLights;
+    Choose(MenuEntry::SaveGrid);
+    Grid().AddedLights() = Grid().RemovedLights() = meanwhile;
+    Choose(MenuEntry::LoadGrid);
+  }
+  std::string Path(const char* name) const { return (m_Directory.Path() / name).string(); }
+  // From model.grid to batch.grid.
+  bool RunBatch(const std::string& options) const {
+    const std::string files = Path("model.grid") + "' --save '" + Path("batch.grid") + "' ";
+    return std::system(("'" RELIEVO_BATCH "' --quiet '" + files + options).c_str()) == 0;
+  }
+  // The heights in a grid file, and all that is written after its constraints but them.
+  static std::pair<std::vector<double>, std::string> HeightsAndRest(const std::string& file) {
+    const std::string text = BytesOf(file);
+    const std::size_t level = text.find("\n\nL\n");
+    const std::size_t from = text.find("\n\nZ\n") + 5;
+    const std::size_t to = text.find("\n\nN\n");
+    std::istringstream in(text.substr(from, to - from));
+    const std::vector<double> heights{std::istream_iterator<double>(in), {}};
+    return {heights, text.substr(level, from - level) + text.substr(to)};
+  }
+  bool IsDrawn() {
+    return RunToolkitUntil([this] { return m_Window.GridView().damage() == 0; });
+  }
+  void Redraw() {
+    m_Window.GridView().redraw();
+    ASSERT_TRUE(IsDrawn());
+  }
+
+  CGlobalScope<CDrawingSettings> m_Settings{g_DrawingSettings, CDrawingSettings{}};
+  CToolSet m_Tools{m_Window, Grid()};
+};
+
+}  // namespace
+
+// Files.
+
+TEST_F(ToolSetTest, SavesBeforeAnyIterationTheBytesOfTheProgramWithoutAWindow) {
+  WriteText(Path("model.grid"), GridText(CFullModel().m_Grid));
+  m_Dialogs.m_File = Path("model.grid");
+  Menu().Choose(MenuEntry::LoadGrid);
+  m_Dialogs.m_File = Path("window.grid");
+  // The solver's next tick saves before it iterates.
+  Choose(MenuEntry::SaveGrid);
+  ASSERT_TRUE(RunBatch("--iterations 0"));
+  EXPECT_EQ(BytesOf(Path("window.grid")), BytesOf(Path("batch.grid")));
+}
+
+TEST_F(ToolSetTest, ConvergesToTheSurfaceOfTheProgramWithoutAWindow) {
+  WriteText(Path("model.grid"), GridText(CFullModel().m_Grid));
+  m_Dialogs.m_File = Path("model.grid");
+  Choose(MenuEntry::LoadGrid);
+  ASSERT_TRUE(RunToolkitUntil([this] { return !Grid().IsRunning(); }));
+  m_Dialogs.m_File = Path("window.grid");
+  Choose(MenuEntry::SaveGrid);
+  ASSERT_TRUE(RunBatch("--until-converged"));
+  const auto [window, windowRest] = HeightsAndRest(Path("window.grid"));
+  const auto [batch, batchRest] = HeightsAndRest(Path("batch.grid"));
+  EXPECT_EQ(windowRest, batchRest);
+  const auto [low, high] = std::ranges::minmax(window);
+  EXPECT_LT(LargestDifference(window, batch), 1e-5 * (high - low));
+}
+
+// Lights.
+
+TEST_F(ToolSetTest, LightsThatAreLoadedAreShownInTheOpenPanel) {
+  LoadPicture();
+  OpenLights();
+  CLightSet saved = CLightSet::Removed();
+  SwitchOn(saved, 0, {0.25, 0.5, 0.75}, {0, 1, 0});
+  Grid().RemovedLights() = saved;
+  SaveAndLoad("lit.grid", true, CLightSet::Removed());
+  EXPECT_EQ(m_Dialogs.m_asQuestions, std::vector<std::string>{"Do you want to save lighting information ?"});
+  EXPECT_EQ(Grid().RemovedLights(), saved);
+  EXPECT_NE(Find<Fl_Button>(Panel("Light sources"), "Set the light active").value(), 0);
+  EXPECT_NEAR(Value("Theta angle"), 90, 1e-5);
+  EXPECT_EQ(Value("Blue"), 0.75);
+}
+
+TEST_F(ToolSetTest, FileWithoutLightsLeavesThem) {
+  LoadPicture();
+  OpenLights();
+  CLightSet meanwhile = CLightSet::Removed();
+  SwitchOn(meanwhile, 0, {0.25, 0.5, 0.75});
+  SaveAndLoad("unlit.grid", false, meanwhile);
+  EXPECT_EQ(Grid().RemovedLights(), meanwhile);
+  EXPECT_EQ(Grid().AddedLights(), meanwhile);
+  EXPECT_EQ(Value("Green"), 0.5);
+}
+
+TEST_F(ToolSetTest, LoadedGridHasItsWaveletModeInTheViewToo) {
+  for (const MenuEntry before : {MenuEntry::SimpleWavelets, MenuEntry::NoWavelets}) {
+    Choose(before);
+    SaveAndLoad("mode.grid", false, CLightSet());
+    EXPECT_EQ(m_Window.GridView().DisplayFlags() & 0xE00U, 0x800U);
+    EXPECT_EQ(Grid().Mode(), WaveletMode::New);
+    EXPECT_TRUE(Menu().IsChecked(MenuEntry::NewWavelets));
+  }
+}
+
+TEST_F(ToolSetTest, FileThatCannotBeOpenedLeavesTheCamera) {
+  CCamera camera = m_Window.GridView().Camera();
+  camera.Rotate(10, 5);
+  m_Window.GridView().SetCamera(camera);
+  m_Dialogs.m_File = (m_Directory.Path() / "missing.grid").string();
+  Choose(MenuEntry::LoadGrid);
+  EXPECT_EQ(m_Window.GridView().Camera().m_Eye, camera.m_Eye);
+  EXPECT_EQ(m_Dialogs.m_asNotices, std::vector<std::string>{"The file " + *m_Dialogs.m_File + " cannot be opened."});
+}
+
+TEST_F(ToolSetTest, TextureButtonsShowWhatTheirLabelsSayUntilTheNextPicture) {
+  LoadPicture();
+  OpenLights();
+  Fl_Group& options = Find<Fl_Group>(Panel("Light sources"), "Texture Option");
+  EXPECT_FALSE(options.active());
+  SwitchOn(Grid().RemovedLights(), 0, {1, 1, 1});
+  Push("Update\nKd");
+  EXPECT_TRUE(options.active());
+  for (const auto& [label, texture] : {std::pair{kOriginal, 3}, {kKd, 1}, {kNewIllumination, 2}}) {
+    Push(label);
+    EXPECT_EQ(m_Window.GridView().DrawTexture(), texture) << label;
+  }
+  LoadPicture();
+  EXPECT_EQ(m_Window.GridView().DrawTexture(), 3);
+  EXPECT_NE(Find<Fl_Button>(options, kOriginal).value(), 0);
+  EXPECT_FALSE(options.active());
+}
+
+TEST_F(ToolSetTest, UpdatesFirstTakeTheNormalsOfTheTree) {
+  LoadPicture();
+  OpenLights();
+  for (const char* label : {"Update\ntexels\nnormals", "Update\ntexels\nInterpolation"}) {
+    SetHeights(Grid().Lattice(), CFlat{});
+    Push(label);
+    for (const Vector3& normal : Grid().Texels().Normals()) EXPECT_NEAR(normal.z, 1, 1e-12) << label;
+    SetHeights(Grid().Lattice(), CRamp{});
+    Push(label);
+    for (const Vector3& normal : Grid().Texels().Normals()) EXPECT_LT(normal.z, 0.99) << label;
+  }
+}
+
+TEST_F(ToolSetTest, LightTurnedInTheModelIsThatOfThePanelAndItFollows) {
+  LoadPicture();
+  EXPECT_EQ(m_Window.CurrentLight(), -1) << "the panel is closed";
+  OpenLights();
+  Push("Light 3");
+  EXPECT_EQ(m_Window.CurrentLight(), 2);
+  Grid().RemovedLights().m_aLights[2].SetDirection({0, -1, 0});
+  m_Window.LightsMoved();
+  EXPECT_NEAR(Value("Theta angle"), 90, 1e-5);
+  EXPECT_NEAR(Value("Phi angle"), 270, 1e-5);
+}
+
+TEST_F(ToolSetTest, ToolThatIsClosedByItsOwnWindowTurnsItsLampOff) {
+  LoadPicture();
+  for (const auto& [control, title] :
+       {std::pair{Control::LightSources, "Light sources"}, {Control::Recorder, "Animation Record Interface"}}) {
+    ClickOn(control);
+    ASSERT_TRUE(IsOn(control)) << title;
+    Panel(title).do_callback();
+    EXPECT_FALSE(IsOn(control)) << title;
+    ClickOn(control);
+    ClickOn(control);
+    EXPECT_FALSE(IsOn(control)) << title;
+    EXPECT_THROW(Panel(title), std::runtime_error);
+  }
+}
+
+// The recorder.
+
+TEST_F(ToolSetTest, RecorderKeepsTheCameraOfEveryRedrawAndShowsIt) {
+  ClickOn(Control::Recorder);
+  const auto press = [this](int button) {
+    Press(dynamic_cast<Fl_Button&>(*Panel("Animation Record Interface").child(button)));
+  };
+  ASSERT_TRUE(IsDrawn());
+  press(0);
+  ASSERT_NO_FATAL_FAILURE(Redraw());
+  EXPECT_STRNE(HelpLine().value(), "Frame nb    1 recorded.") << "it starts with a pause";
+  press(1);
+  CCamera camera = m_Window.GridView().Camera();
+  camera.Rotate(10, 5);
+  camera.Zoom(3, 0);
+  m_Window.GridView().SetCamera(camera);
+  ASSERT_TRUE(IsDrawn());
+  EXPECT_STREQ(HelpLine().value(), "Frame nb    1 recorded.");
+  press(3);
+  m_Window.GridView().ResetCamera();
+  press(2);
+  const CCamera& shown = m_Window.GridView().Camera();
+  ASSERT_TRUE(RunToolkitUntil([&] { return shown.m_Eye == camera.m_Eye; }));
+  EXPECT_EQ(shown.m_Centre, camera.m_Centre);
+  EXPECT_EQ(shown.m_Up, camera.m_Up);
+  EXPECT_EQ(shown.m_fR, camera.m_fR);
+}
+
+TEST_F(ToolSetTest, RecorderAsksThroughTheWindowAndExportsWhatTheViewDraws) {
+  ClickOn(Control::Recorder);
+  const auto press = [this](int button) {
+    Press(dynamic_cast<Fl_Button&>(*Panel("Animation Record Interface").child(button)));
+  };
+  press(0);
+  press(1);
+  ASSERT_NO_FATAL_FAILURE(Redraw());
+  press(3);
+  m_Dialogs.m_bYes = true;
+  m_Dialogs.m_Text = (m_Directory.Path() / "f").string();
+  press(5);
+  EXPECT_EQ(m_Dialogs.m_asNotices, std::vector<std::string>{"Export finished"});
+  const auto frame = Global::LoadBMP(m_Dialogs.m_Text + "   0.bmp", 1);
+  ASSERT_TRUE(frame.has_value());
+  EXPECT_EQ(frame->m_Picture.m_iWidth, m_Window.GridView().w());
+  EXPECT_GT(Covered(frame->m_Picture), 100U);
+}
+
+// Dialogs.
+
+TEST_F(ToolSetTest, DrawingOptionsAreThoseOfBothViews) {
+  Menu().Choose(MenuEntry::DrawingParameters);
+  Fl_Window& dialog = Panel("Advanced drawing options");
+  auto& thickness = Find<Fl_Value_Slider>(dialog, "Adjust the thickness of grid lines           (3d view)");
+  EXPECT_EQ(thickness.value(), 1.5);
+  thickness.value(2.5);
+  thickness.do_callback();
+  EXPECT_EQ(g_DrawingSettings.m_ModelView.m_fGridThickness, 2.5F);
+  dialog.hide();
+}
+
+TEST_F(ToolSetTest, HeightFieldAsksForItsSizeAndThenForAFile) {
+  m_Dialogs.m_File = (m_Directory.Path() / "heights.txt").string();
+  const CModalAnswers answers({[](Fl_Window& window) {
+    EXPECT_STREQ(window.label(), "Choose the dimention of the Height field");
+    ::Type(Find<Fl_Value_Input>(window, "Width"), "3");
+    ::Type(Find<Fl_Value_Input>(window, "Height"), "2");
+    Press(Find<Fl_Button>(window, "OK"));
+  }});
+  Menu().Choose(MenuEntry::ExportHeightField);
+  EXPECT_EQ(m_Dialogs.m_aChoosers,
+            (std::vector<std::pair<std::string, std::string>>{{"please input Height-Field file name", "none"}}));
+  EXPECT_EQ(BytesOf(*m_Dialogs.m_File), "0 0 0 \n0 0 0 \n");
+}
+
+TEST_F(ToolSetTest, HeightFieldWithoutAFileIsNotWritten) {
+  const CModalAnswers answers({[](Fl_Window& window) { Press(Find<Fl_Button>(window, "OK")); }});
+  Menu().Choose(MenuEntry::ExportHeightField);
+  EXPECT_EQ(m_Dialogs.m_aChoosers.size(), 1U);
+  EXPECT_TRUE(std::filesystem::is_empty(m_Directory.Path()));
+  EXPECT_TRUE(m_Dialogs.m_asNotices.empty());
+}
