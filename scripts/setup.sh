@@ -9,6 +9,8 @@ packages_for() {
   if [[ $1 == test ]]; then
     printf '%s\n' clang-format-14 libbenchmark-dev libboost-dev libcoin-dev libeigen3-dev libgtest-dev librapidcheck-dev libx11-dev
     printf '%s\n' imagemagick openbox xclip xdotool xvfb
+    # To judge what desktops and package managers read.
+    printf '%s\n' appstream desktop-file-utils dpkg-dev libglib2.0-bin librsvg2-bin libxml2-utils lintian man-db shared-mime-info
   fi
 }
 
