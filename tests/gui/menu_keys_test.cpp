@@ -1,5 +1,6 @@
 // Every key that the menu takes, tried out and compared with the list that the user reads.
 
+#include <array>
 #include <cctype>
 #include <string>
 #include <vector>
@@ -44,12 +45,12 @@ class MenuKeysTest : public ToolkitTest {
     return key.m_iModifiers != FL_ALT;
   }
   std::string PathOf(const Fl_Menu_Item* item) {
-    char path[200];
-    if (m_Menu.item_pathname(path, sizeof path, item) != 0) return "no path";
+    std::array<char, 200> path{};
+    if (m_Menu.item_pathname(path.data(), path.size(), item) != 0) return "no path";
     std::string text;
-    for (const char* c = path + 1; *c != '\0'; ++c) {
-      if (*c == '/') text += ", ";
-      if (*c != '/' && *c != '&') text += *c;
+    for (const char c : std::string(path.data()).substr(1)) {
+      if (c == '/') text += ", ";
+      if (c != '/' && c != '&') text += c;
     }
     return text;
   }

@@ -84,7 +84,12 @@ std::string ModifierText(int modifiers) {
   return text;
 }
 
-using Outcomes = std::vector<std::pair<CKeyInput, std::string>>;
+struct COutcome {
+  CKeyInput m_Done;
+  std::string m_Text;
+
+  bool operator==(const COutcome&) const = default;
+};
 
 // The input without those of its modifiers that `listed` does not have.
 CKeyInput WithModifiersOf(const CKeyInput& listed, CKeyInput input) {
@@ -92,22 +97,20 @@ CKeyInput WithModifiersOf(const CKeyInput& listed, CKeyInput input) {
   return input;
 }
 
-bool IsOutcome(const Outcomes& outcomes, const CKeyInput& input, const std::string& outcome) {
-  return std::ranges::find(outcomes, std::pair(input, outcome)) != outcomes.end();
-}
-
-void ExpectOutcomesAreListed(const std::vector<CKeyInput>& listed, const Outcomes& outcomes) {
-  for (const auto& [done, outcome] : outcomes) {
+void ExpectOutcomesAreListed(const std::vector<CKeyInput>& listed, const std::vector<COutcome>& outcomes) {
+  for (const COutcome& outcome : outcomes) {
+    const CKeyInput& done = outcome.m_Done;
     const auto isDone = [&](const CKeyInput& input) {
       return input.Covers(done) && input.m_Kind == done.m_Kind && input.m_iModifiers == done.m_iModifiers &&
              input.m_bOnSomething == done.m_bOnSomething;
     };
     const auto doesTheSame = [&](const CKeyInput& input) {
-      return input.Covers(done) && IsOutcome(outcomes, WithModifiersOf(input, done), outcome);
+      const COutcome plain{WithModifiersOf(input, done), outcome.m_Text};
+      return input.Covers(done) && std::ranges::find(outcomes, plain) != outcomes.end();
     };
     if (std::ranges::any_of(listed, isDone)) {
-      EXPECT_NE(outcome, "") << done.Text() << " is listed, but does nothing";
-    } else if (!outcome.empty()) {
+      EXPECT_NE(outcome.m_Text, "") << done.Text() << " is listed, but does nothing";
+    } else if (!outcome.m_Text.empty()) {
       EXPECT_TRUE(std::ranges::any_of(listed, doesTheSame)) << done.Text() << " does something that is not listed";
     }
   }
@@ -250,13 +253,13 @@ bool WithTypedKey(const CTypedKey& key, const std::function<bool()>& handle) {
 }
 
 void ExpectKeysAreThoseListed(const std::vector<CKeyInput>& listed, const OutcomeOf<CTypedKey>& type) {
-  Outcomes outcomes;
-  for (const CTypedKey& key : AllTypedKeys()) outcomes.emplace_back(key.Input(), type(key));
+  std::vector<COutcome> outcomes;
+  for (const CTypedKey& key : AllTypedKeys()) outcomes.push_back({key.Input(), type(key)});
   ExpectOutcomesAreListed(listed, outcomes);
 }
 
 void ExpectGesturesAreThoseListed(const std::vector<CKeyInput>& listed, const OutcomeOf<CKeyInput>& perform) {
-  Outcomes outcomes;
-  for (const CKeyInput& gesture : AllGestures()) outcomes.emplace_back(gesture, perform(gesture));
+  std::vector<COutcome> outcomes;
+  for (const CKeyInput& gesture : AllGestures()) outcomes.push_back({gesture, perform(gesture)});
   ExpectOutcomesAreListed(listed, outcomes);
 }
