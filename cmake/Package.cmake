@@ -4,14 +4,14 @@ set(CPACK_PACKAGE_NAME relievo)
 set(CPACK_PACKAGE_VENDOR "relievo")
 set(CPACK_PACKAGE_CONTACT "relievo developers <relievo@users.noreply.github.com>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "make a textured 3D surface out of one photograph")
+# CPack puts the summary before it, indents its lines and marks the empty one.
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"${CPACK_PACKAGE_DESCRIPTION_SUMMARY}
- relievo turns one photograph into a surface in three dimensions that is
- shaped by hand: heights and orientations at points, curves that smooth,
- crease or tear. The smoothest surface that obeys them converges beside the
- photograph while it is edited. It can be relit, filmed and exported.
- .
- relievo-batch does the same without a display.")
+"relievo turns one photograph into a surface in three dimensions that is
+shaped by hand: heights and orientations at points, curves that smooth,
+crease or tear. The smoothest surface that obeys them converges beside the
+photograph while it is edited. It can be relit, filmed and exported.
+
+relievo-batch does the same without a display.")
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

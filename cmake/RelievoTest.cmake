@@ -1,5 +1,5 @@
 # relievo_add_test(<name> <source>...)      tests of the model, label "core": all of them together take a moment
-# relievo_add_slow_test(<name> <source>...) the same for tests that solve or search at length, label "slow"
+# relievo_add_slow_test(<name> <source>...) the same for tests that solve, search or start programs, label "slow"
 # relievo_add_gui_test(<name> <source>...)  tests that need a display, label "gui", never two at once
 #
 # One executable per room. A test finds the builders of tests/support/ as "support/...". Under ctest the properties

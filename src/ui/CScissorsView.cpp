@@ -149,8 +149,11 @@ bool CScissorsView::OnKey() {
   FindMouse();
   const int key = Fl::event_key();
   const bool control = Fl::event_ctrl() != 0;
-  if (control && (key == '=' || key == '-')) {
-    m_Viewport->ZoomBy(key == '=' ? 1 : -1, m_Mouse.m_iColumn, m_Mouse.m_iRow);
+  // The sign may be typed on either part of the keyboard.
+  const bool closer = key == '=' || key == FL_KP + '=';
+  const bool farther = key == '-' || key == FL_KP + '-';
+  if (control && (closer || farther)) {
+    m_Viewport->ZoomBy(closer ? 1 : -1, m_Mouse.m_iColumn, m_Mouse.m_iRow);
   } else if (key == FL_Enter || key == FL_KP_Enter) {
     if (m_pTool->Enter(PixelUnderMouse(), control)) ExportContour();
     ScheduleSlices();

@@ -1,7 +1,5 @@
-#include <functional>
-#include <queue>
-#include <string>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -22,30 +20,6 @@ std::size_t PixelIndex(const CLinkCosts& costs, CPixelPosition p) {
 
 CPixelPosition Neighbour(CPixelPosition p, int link) {
   return {p.m_iColumn + kLinkSteps[link].m_iColumn, p.m_iRow + kLinkSteps[link].m_iRow};
-}
-
-// Textbook shortest paths with a queue of outdated entries, which knows nothing of the order of equal ones.
-std::vector<float> ShortestPaths(const CLinkCosts& costs, CPixelPosition seed) {
-  using Entry = std::pair<float, std::size_t>;
-  std::vector<float> distances(PixelCount(costs), std::numeric_limits<float>::infinity());
-  std::priority_queue<Entry, std::vector<Entry>, std::greater<>> queue;
-  distances[PixelIndex(costs, seed)] = 0;
-  queue.emplace(0.0F, PixelIndex(costs, seed));
-  while (!queue.empty()) {
-    const auto [distance, index] = queue.top();
-    queue.pop();
-    if (distance > distances[index]) continue;
-    const CPixelPosition p{static_cast<int>(index) % costs.m_iWidth, static_cast<int>(index) / costs.m_iWidth};
-    for (int link = 0; link < kLinkCount; ++link) {
-      const CPixelPosition q = Neighbour(p, link);
-      if (!costs.Contains(q)) continue;
-      const float candidate = distance + costs.Cost(p, link);
-      if (candidate >= distances[PixelIndex(costs, q)]) continue;
-      distances[PixelIndex(costs, q)] = candidate;
-      queue.emplace(candidate, PixelIndex(costs, q));
-    }
-  }
-  return distances;
 }
 
 // The heap as it is described: entries exchanged with their parents and children, places kept in the nodes.
@@ -139,16 +113,6 @@ class MinimumPathTreeTest : public ::testing::Test {
 };
 
 }  // namespace
-
-TEST_F(MinimumPathTreeTest, CostsAreThoseOfTheShortestPaths) {
-  for (unsigned seed = 0; seed < 12; ++seed) {
-    const CLinkCosts costs = ComputeLinkCosts(RandomPicture(20 + static_cast<int>(seed), 17, seed, 2 + seed * 20));
-    const CPixelPosition start{static_cast<int>(seed), static_cast<int>(seed)};
-    const CMinimumPathTree tree = CompleteTree(costs, start);
-    const std::vector<float> expected = ShortestPaths(costs, start);
-    ForEachPixel(costs, [&](CPixelPosition p) { EXPECT_EQ(tree.TotalCost(p), expected[PixelIndex(costs, p)]); });
-  }
-}
 
 TEST_F(MinimumPathTreeTest, PathsAddUpToTheirCosts) {
   const CLinkCosts costs = ComputeLinkCosts(RandomPicture(25, 22, 8));

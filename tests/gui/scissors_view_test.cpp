@@ -1,5 +1,6 @@
 #include <functional>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@
 
 #include "constraints/CScissorsTool.h"
 #include "support/ConsoleCapture.h"
+#include "support/KeyTable.h"
 #include "support/ScissorsBuilders.h"
 #include "support/gui/Input.h"
 #include "support/gui/ToolkitTest.h"
@@ -337,4 +339,84 @@ TEST_F(ScissorsViewTest, LargerWindowShowsMore) {
   EXPECT_TRUE(RunToolkitUntil([&] { return m_View.w() == 700; }));
   EXPECT_EQ(m_View.Viewport().VisibleSize(), (CPixelPosition{700, 578}));
   EXPECT_TRUE(SeesAt({690, 570}, {50, 50, 50}));
+}
+
+namespace {
+
+// What the user can bring about in the window, as a text.
+class ScissorsKeysTest : public ScissorsViewTest {
+ protected:
+  static constexpr CPixelPosition kFirst{20, 30};
+  static constexpr CPixelPosition kNext{60, 30};
+
+  std::string State() {
+    std::ostringstream out;
+    const auto put = [&out](const CTracedContour& contour) {
+      for (const CPathPixel& p : contour.m_aPixels)
+        out << p.m_iColumn << ' ' << p.m_iRow << ' ' << p.m_bKeyPoint << ' ';
+      out << contour.m_bClosed << '\n';
+    };
+    const CPixelViewport& viewport = m_View.Viewport();
+    out << viewport.Zoom() << ' ' << viewport.First().m_iColumn << ' ' << viewport.First().m_iRow << '\n';
+    put(Contours().InProgress());
+    for (const CTracedContour& contour : Contours().Traced()) put(contour);
+    for (const auto& curve : m_Host.m_aaCurves) out << curve.size() << ' ' << curve.back().x << '\n';
+    return out.str();
+  }
+  template <typename Act>
+  std::string Outcome(Act&& act) {
+    const std::string before = State();
+    act();
+    return State() == before ? "" : State();
+  }
+  bool Type(const CTypedKey& key) {
+    return WithTypedKey(key, [this] { return m_View.child(0)->handle(FL_KEYBOARD) != 0; });
+  }
+  // The window shows the picture twice as large, and a contour is in progress or one is selected.
+  void Prepare(bool inProgress) {
+    while (m_View.Viewport().Zoom() < 2) Type({'=', FL_CTRL, "="});
+    while (m_View.Viewport().Zoom() > 2) Type({'-', FL_CTRL, "-"});
+    while (!Contours().Traced().empty()) Tool().Contours().SelectAt(kFirst), Tool().Contours().RemoveSelected();
+    m_Host.m_aaCurves.clear();
+    Tool().Press(kFirst, true, m_View.Viewport());
+    Tool().Press(kNext, false, m_View.Viewport());
+    if (inProgress) return;
+    Tool().Enter(kNext, false);
+    Tool().Contours().SelectAt(kFirst);
+  }
+};
+
+}  // namespace
+
+// Escape goes on to the toolkit, which closes the window.
+TEST_F(ScissorsKeysTest, KeysAreThoseListed) {
+  Point({100, 100});
+  ExpectKeysAreThoseListed(InputsAt({"scissors"}), [this](const CTypedKey& key) {
+    std::string outcome;
+    for (const bool inProgress : {true, false}) {
+      Prepare(inProgress);
+      outcome += Outcome([&] { Type(key); });
+    }
+    return outcome;
+  });
+}
+
+TEST_F(ScissorsKeysTest, ClicksAndDragsAreThoseListed) {
+  ExpectGesturesAreThoseListed(InputsAt({"scissors"}), [this](const CKeyInput& input) {
+    OpenWith(GreyPicture(800, 700));
+    Prepare(true);
+    const auto send = [this](int event, int place) {
+      Fl::e_x = Fl::e_y = place;
+      m_View.child(0)->handle(event);
+    };
+    return Outcome([&] {
+      Fl::e_state = input.m_iModifiers;
+      Fl::e_keysym = FL_Button + input.m_aiButtons[0];
+      send(FL_PUSH, 120);
+      const int end = input.m_Kind == CKeyInput::Kind::Drag ? 60 : 120;
+      send(FL_DRAG, end);
+      send(FL_RELEASE, end);
+      Fl::e_state = 0;
+    });
+  });
 }

@@ -1,7 +1,9 @@
-// What the passes are for: a picture of a lit surface gives back the surface's own colour.
+// What the passes are for: a picture of a lit surface gives back the surface's own colour. The picture goes through a
+// file, as every photograph does.
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -9,13 +11,14 @@
 #include "io/Bmp.h"
 #include "lighting/CShading.h"
 #include "quadtree/TreeNormals.h"
+#include "support/BmpBuilders.h"
 #include "support/LightingBuilders.h"
-#include "support/gui/CTemporaryDirectory.h"
 
 namespace {
 
 constexpr Vector3 kAlbedo{0.9, 0.8, 0.95};
-constexpr int kSide = 96;
+// The rows of the file are padded.
+constexpr int kSide = 97;
 constexpr std::size_t kTexels = std::size_t{kSide} * kSide;
 
 // Two lights and an ambient term whose shading never exceeds 1.
@@ -26,6 +29,15 @@ CLightSet KnownLights() {
   return set;
 }
 
+// What is read back from the file written of a picture; an empty one where either fails.
+CPicture ThroughFile(const CPicture& picture) {
+  const CScratch scratch;
+  const std::string file = scratch.File("bump.bmp");
+  if (!Global::SaveBMP(file, picture.m_aPixels, picture.m_iWidth, picture.m_iHeight, 1)) return {};
+  const auto loaded = Global::LoadBMP(file, 1);
+  return loaded.has_value() && !loaded->m_bEndsEarly ? loaded->m_Picture : CPicture{};
+}
+
 // A bump over the whole model, photographed under the known lights.
 struct CPhotographedBump : CTestGrid {
   CPhotographedBump() : CTestGrid(6, 6) {
@@ -33,11 +45,7 @@ struct CPhotographedBump : CTestGrid {
     ComputeNormals(m_Grid.Tree());
     m_Grid.SetPicture(PlainPicture(kSide, kSide));
     m_Grid.ComputeCoefsTexels();
-    const CTemporaryDirectory directory;
-    const std::string file = directory.Path() / "bump.bmp";
-    const CPicture photograph = Photograph();
-    EXPECT_TRUE(Global::SaveBMP(file, photograph.m_aPixels, kSide, kSide, 1));
-    m_Grid.SetPicture(Global::LoadBMP(file, 1).value().m_Picture);
+    m_Grid.SetPicture(ThroughFile(Photograph()));
     m_Grid.ComputeCoefsTexels();
     m_Grid.RemovedLights() = KnownLights();
   }
@@ -56,6 +64,15 @@ struct CPhotographedBump : CTestGrid {
     return picture;
   }
 };
+
+TEST(Relighting, ThePhotographOutlivesItsFile) {
+  const CPhotographedBump test;
+  const CPicture picture = test.Photograph();
+  const CPicture read = ThroughFile(picture);
+  EXPECT_EQ(read.m_iWidth, kSide);
+  EXPECT_EQ(read.m_iHeight, kSide);
+  EXPECT_EQ(read.m_aPixels, picture.m_aPixels);
+}
 
 TEST(Relighting, ALitBumpGivesBackAConstantAlbedo) {
   CPhotographedBump test;
@@ -90,6 +107,7 @@ TEST(Relighting, TheSameLightsRemovedAndAddedGiveBackThePhotograph) {
   test.m_Grid.AddedLights() = KnownLights();
   test.m_Grid.GetKd();
   const CTextureImages& images = test.m_Grid.Textures();
+  ASSERT_EQ(images.PictureWidth(), kSide);
   const auto photograph = images.Image(CTextureImages::kPhotograph);
   const auto relit = images.Image(CTextureImages::kIllumination);
   for (std::size_t k = 0; k < relit.size(); ++k) EXPECT_LE(std::abs(photograph[k] - relit[k]), 1);

@@ -149,16 +149,6 @@ TEST_P(QuadTreeOfLevel, StartLevelActivatesExactlyOneGeneration) {
   }
 }
 
-TEST(QuadTree, IsBuiltForTheLargestLevel) {
-  CLattice lattice(CLattice::kMaxLevel);
-  CQuadTree tree(lattice);
-  EXPECT_EQ(CLattice::kMaxLevel, 10);
-  EXPECT_EQ(RectOf(tree.Root()), (std::array{0, 0, 1024, 1024}));
-  EXPECT_EQ(RectOf(tree.CellAt(0, 1023, 700)), (std::array{1023, 700, 1024, 701}));
-  EXPECT_EQ(EndsOf(tree.VerticalEdge(0, 1024, 1023)), (std::array{1024, 1023, 1024, 1024}));
-  EXPECT_EQ(tree.PointInCell_g(1023.5, 700.5), &tree.CellAt(0, 1023, 700));
-}
-
 TEST(QuadTree, ModelRectanglesDivideTheExtent) {
   CTestTree test(2);
   const CCellRect root = test.Root().ModelRect();

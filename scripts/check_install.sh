@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# scripts/check_install.sh <build tree>
+# Installs into an empty prefix and fails unless the list of files is complete, the batch program runs from there, and a
+# desktop that knows the prefix knows a model by its name and by its contents.
+set -euo pipefail
+
+prefix=$(mktemp -d)
+trap 'rm -rf "$prefix"' EXIT
+cmake --install "$1" --prefix "$prefix" >/dev/null
+
+expected="bin/relievo
+bin/relievo-batch
+share/applications/relievo.desktop
+share/doc/relievo/README.md
+share/doc/relievo/changelog.gz
+share/doc/relievo/copyright
+share/icons/hicolor/scalable/apps/relievo.svg
+share/man/man1/relievo-batch.1.gz
+share/man/man1/relievo.1.gz
+share/metainfo/io.github.relievo.relievo.metainfo.xml
+share/mime/packages/relievo.xml
+share/relievo/samples/README.md
+$(cd samples && find . -name '*.bmp' -printf 'share/relievo/samples/%P\n' -o -name '*.grid' -printf 'share/relievo/samples/%P\n')"
+diff <(sort <<<"$expected") <(cd "$prefix" && find . -type f -printf '%P\n' | sort)
+
+"$prefix/bin/relievo-batch" --version
+"$prefix/bin/relievo-batch" "$prefix/share/relievo/samples/coffee.grid" --iterations 0 --quiet
+
+export XDG_DATA_HOME=$prefix/home XDG_DATA_DIRS=$prefix/share:/usr/share
+update-mime-database "$prefix/share/mime"
+# With many constraints their end lies beyond the bytes that a desktop looks at.
+many=$prefix/many_constraints
+awk 'NR == 2 { print "0\t300"; next } NR == 3 { for (i = 13; i < 300; ++i) print } { print }' samples/coffee.grid >"$many"
+for model in samples/*.grid "$many"; do
+  for name in model.grid nameless; do
+    cp "$model" "$prefix/$name"
+    type=$(gio info --attributes standard::content-type "$prefix/$name" | sed -n 's/.*content-type: //p')
+    if [[ $type != application/x-relievo-grid ]]; then
+      echo "$model, called $name, is taken for $type"
+      exit 1
+    fi
+  done
+done
