@@ -37,7 +37,13 @@ CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* d
       m_fScale(UiScale()),
       m_Dialogs(dialogs != nullptr ? *dialogs : m_ToolkitDialogs),
       m_Solver(*this, startTimer),
-      m_Commands(*this, m_Solver) {
+      m_Commands(*this, m_Solver),
+      m_RedrawPacer(
+          [this] {
+            RedrawImageView();
+            RedrawModelView();
+          },
+          [this] { return m_Solver.IsRunning(); }, CRedrawPacer::SteadySeconds) {
   BuildWidgets();
   end();
   resizable(nullptr);
@@ -195,11 +201,6 @@ void CImageViewUI::SetNumberOfPoints(int n) { ReadOut(Control::PointCount).value
 void CImageViewUI::SetGreyGridColour(std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
   g_DrawingSettings.m_GreyGrid = {red / 255.0, green / 255.0, blue / 255.0};
   RedrawModelView();
-}
-
-void CImageViewUI::RequestRedraw() {
-  m_pImageView->redraw();
-  m_pGridView->RedrawForModel();
 }
 
 void CImageViewUI::ShowInterpolation(const CInterpolationTrace& trace) {
