@@ -304,10 +304,11 @@ TEST_F(ImageViewDrawingTest, SelectedCellsAreTinted) {
   View().SetDebugFlags(DebugFlag::kSelectCells);
   Shoot();
   EXPECT_EQ(At(37, 37), kBlack);
-  MakeLeaf(Grid().Tree(), 2, 1, 1)->SetFlags(CellFlag::kSelected);
+  Grid().Subdivision().SelectRectangle(Grid().Tree(), 5, 5, 7, 7);
+  Grid().Subdivision().ShowSelection(Grid().Tree());
   Shoot();
-  EXPECT_NE(At(37, 37), kBlack);
-  EXPECT_EQ(At(60, 37), kBlack);
+  for (const auto& [x, y, tinted] : {std::tuple{27, 27, true}, {48, 48, true}, {23, 37, false}, {37, 53, false}})
+    EXPECT_EQ(At(x, y) != kBlack, tinted) << x << ", " << y;
 }
 
 TEST_F(ImageViewDrawingTest, HiddenViewSavesNoFrame) {
