@@ -200,6 +200,7 @@ void CImageViewUI::SetNumberOfPoints(int n) { ReadOut(Control::PointCount).value
 
 void CImageViewUI::SetGreyGridColour(std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
   g_DrawingSettings.m_GreyGrid = {red / 255.0, green / 255.0, blue / 255.0};
+  RedrawImageView();
   RedrawModelView();
 }
 

@@ -264,6 +264,23 @@ TEST_F(WindowMenuTest, SubdivisionColoursAreASetting) {
   EXPECT_FALSE(g_DrawingSettings.m_bSpecificSubdivisionColours);
 }
 
+TEST_F(WindowMenuTest, ColoursOfGridLinesRedrawBothViews) {
+  ShowWindow();
+  const auto expectBothRedrawn = [this] {
+    EXPECT_NE(m_Window.ImageView().damage(), 0);
+    EXPECT_NE(m_Window.GridView().damage(), 0);
+  };
+  for (int k = 0; k < 2; ++k) {
+    DrawBoth();
+    Menu().Choose(MenuEntry::SubdivisionColours);
+    expectBothRedrawn();
+  }
+  DrawBoth();
+  m_Window.SetGreyGridColour(128, 128, 128);
+  expectBothRedrawn();
+  g_DrawingSettings = CDrawingSettings{};
+}
+
 TEST_F(WindowMenuTest, DrawingParametersOpenTheirDialog) {
   Menu().Choose(MenuEntry::DrawingParameters);
   EXPECT_EQ(m_asDone, std::vector<std::string>{"options"});
