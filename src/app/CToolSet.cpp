@@ -33,7 +33,9 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
   services.m_Model.m_AskNewGrid = [this](const CGrid& present) {
     return m_GridParameters.Ask(present.Lattice().Extent(), present.MaxLevel());
   };
-  services.m_Model.m_LoadGrid = [](CGrid& target, const std::string& file) { target.Load(file); };
+  services.m_Model.m_LoadGrid = [](CGrid& target, const std::string& file) {
+    return target.Load(file) != GridFileState::NotOpened;
+  };
   services.m_Model.m_SaveGrid = [](CGrid& source, const std::string& file) { source.Save(file); };
   services.m_Model.m_SaveVrml = [](CGrid& source, const std::string& file) { return source.SaveVrml(file); };
   services.m_Model.m_ExportHeightField = [this](CGrid&) { m_HeightField.Open(); };

@@ -67,7 +67,7 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
 
   // For the grid.
 
-  /// Both views, at most sixty times a second while the solver runs.
+  /// Both views, no oftener than a running solver can bear.
   void RequestRedraw() override { m_RedrawPacer.Request(); }
   /// The trace is shown over the picture only, and in its read-outs.
   void ShowInterpolation(const CInterpolationTrace& trace) override;

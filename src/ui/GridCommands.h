@@ -31,7 +31,7 @@ class CommandHost : public UserDialogs {
 /// unavailable.
 struct CModelServices {
   std::function<std::optional<CGridParameters>(const CGrid& grid)> m_AskNewGrid;
-  std::function<void(CGrid& grid, const std::string& file)> m_LoadGrid;
+  std::function<bool(CGrid& grid, const std::string& file)> m_LoadGrid;  ///< whether there is another grid now
   std::function<void(CGrid& grid, const std::string& file)> m_SaveGrid;
   std::function<bool(CGrid& grid, const std::string& file)> m_SaveVrml;  ///< whether the file was written
   std::function<void(CGrid& grid)> m_ExportHeightField;

@@ -118,11 +118,6 @@ class WindowMenuTest : public WindowTest {
   std::uint32_t Flags(bool modelView) {
     return modelView ? m_Window.GridView().DisplayFlags() : m_Window.ImageView().DisplayFlags();
   }
-  // Whether both views are up to date.
-  void DrawBoth() {
-    ASSERT_TRUE(
-        RunToolkitUntil([this] { return m_Window.ImageView().damage() == 0 && m_Window.GridView().damage() == 0; }));
-  }
 };
 
 }  // namespace

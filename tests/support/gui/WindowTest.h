@@ -70,6 +70,12 @@ class WindowTest : public ToolkitTest {
     ASSERT_TRUE(RunToolkitUntil([this] { return m_Window.ImageView().damage() == 0; }));
   }
 
+  /// Until both views are up to date.
+  void DrawBoth() {
+    ASSERT_TRUE(
+        RunToolkitUntil([this] { return m_Window.ImageView().damage() == 0 && m_Window.GridView().damage() == 0; }));
+  }
+
   CMainMenu& Menu() { return m_Window.Menu(); }
   CHelpLine& HelpLine() { return m_Window.HelpLine(); }
   Fl_Widget& Widget(Control control) { return m_Window.Widget(control); }
@@ -111,7 +117,10 @@ class WindowTest : public ToolkitTest {
       note("ask");
       return std::optional<CGridParameters>();
     };
-    services.m_Model.m_LoadGrid = [note](CGrid&, const std::string&) { note("load"); };
+    services.m_Model.m_LoadGrid = [note](CGrid&, const std::string&) {
+      note("load");
+      return true;
+    };
     services.m_Model.m_SaveGrid = [note](CGrid&, const std::string&) { note("save"); };
     services.m_Model.m_SaveVrml = [note](CGrid&, const std::string&) {
       note("vrml");
