@@ -67,6 +67,7 @@ void CGrid::FillTree() {
   }
   m_pTree->Reset(m_iBaseLevel);
   Console() << "CGrid::Initialize\t\t\tlevel : " << m_iBaseLevel << '\n';
+  for (auto* record : {&m_Subdivision, &m_OtherSubdivision}) (*record)->ClearSelection();
   m_Subdivision->SetStartLevel(m_iBaseLevel);
   m_OtherSubdivision->SetStartLevel(MaxLevel());
   if (g_bHighRes == 1) std::swap(m_Subdivision, m_OtherSubdivision);

@@ -125,6 +125,7 @@ void CGrid::SwapResolution(bool high, bool transfer) {
   // The capture of what is now the present surface stands: the rebuild sets the coefficients from it.
   m_bSurfaceCaptured = true;
   SetDiscMap();
+  m_Subdivision->ShowSelection(*m_pTree);
   ReconstructSurface();
   if (m_pHost != nullptr) m_pHost->RequestRedraw();
 }

@@ -122,6 +122,7 @@ const CEdge& CQuadTree::VerticalEdge(int level, int x, int y) const {
 
 void CQuadTree::Reset(int depth) {
   for (CQuadT& cell : m_aCells) cell.ClearFlags(~0U);
+  m_aiSelectedCorners.clear();
   RefreshEdgeMarks();
   SetStartLevel(depth);
 }

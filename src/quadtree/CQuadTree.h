@@ -86,6 +86,10 @@ class CQuadTree {
   /// child that holds the whole rectangle, comes to.
   bool IsRectInOneCell(int x0, int y0, int x1, int y1) const;
 
+  /// The corners of the cells with CellFlag::kSelected, for drawing: x and y (lattice coordinates) of the lower left,
+  /// lower right, upper right and upper left one. Made when the selection is shown, so that no redraw looks for them.
+  std::span<const int> SelectedCorners() const { return m_aiSelectedCorners; }
+
   /// Number of active leaves. Linear in the number of cells of the subdivision.
   int LeafCount() const;
   /// Rewrites the discontinuity marks of all edges from the triangle flags of the cells; the model's border counts as
@@ -113,6 +117,7 @@ class CQuadTree {
   }
 
   friend class CQuadT;
+  friend class CSubdivisionRecord;
   void ForgetLeaves();
   void ListLeaves();
   std::size_t CellNumber(int level, int i, int j) const;
@@ -129,4 +134,5 @@ class CQuadTree {
   std::uint64_t m_uRevision = 0;
   std::vector<CLeaf> m_aLeaves;
   std::vector<CCentreWeights> m_aCentres;  ///< of the leaves whose centre is not the mean of the corners
+  std::vector<int> m_aiSelectedCorners;
 };

@@ -59,13 +59,15 @@ void CSaveQuadT::SelectWithin(const CQuadT& cell, const CLatticeRect& rect) {
   for (const int k : {0, 1, 3, 2}) Child(k).SelectWithin(cell.Child(k), rect);
 }
 
-void CSaveQuadT::ShowSelection(CQuadT& cell, bool below) const {
+void CSaveQuadT::ShowSelection(CQuadT& cell, bool below, std::vector<int>& corners) const {
   if (m_bSelected && !below) {
     cell.SetFlags(CellFlag::kSelected);
+    corners.insert(corners.end(),
+                   {cell.X0(), cell.Y0(), cell.X1(), cell.Y0(), cell.X1(), cell.Y1(), cell.X0(), cell.Y1()});
   } else {
     cell.ClearFlags(CellFlag::kSelected);
   }
-  for (int k = 0; HasChildren() && k < 4; ++k) Child(k).ShowSelection(cell.Child(k), below || m_bSelected);
+  for (int k = 0; HasChildren() && k < 4; ++k) Child(k).ShowSelection(cell.Child(k), below || m_bSelected, corners);
 }
 
 CSubdivisionRecord::CSubdivisionRecord(int depth) : m_iDepth(depth) {
@@ -103,4 +105,7 @@ void CSubdivisionRecord::SelectRectangle(const CQuadTree& tree, double gx0, doub
   Root().SelectWithin(tree.Root(), {std::min(gx0, gx1), std::min(gy0, gy1), std::max(gx0, gx1), std::max(gy0, gy1)});
 }
 
-void CSubdivisionRecord::ShowSelection(CQuadTree& tree) const { Root().ShowSelection(tree.Root(), false); }
+void CSubdivisionRecord::ShowSelection(CQuadTree& tree) const {
+  tree.m_aiSelectedCorners.clear();
+  Root().ShowSelection(tree.Root(), false, tree.m_aiSelectedCorners);
+}

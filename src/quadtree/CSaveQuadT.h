@@ -40,7 +40,7 @@ class CSaveQuadT {
   void MergeSelected();
   void ClearSelection();
   void SelectWithin(const CQuadT& cell, const CLatticeRect& rect);
-  void ShowSelection(CQuadT& cell, bool below) const;
+  void ShowSelection(CQuadT& cell, bool below, std::vector<int>& corners) const;
 
   bool m_bLeaf = false;
   bool m_bSelected = false;
@@ -81,7 +81,7 @@ class CSubdivisionRecord {
   /// On each way down from the root the first selected node is selected no more.
   void ClearSelection() { Root().ClearSelection(); }
   /// Writes the selection into the cells: those of selected nodes get CellFlag::kSelected, unless a cell above has it;
-  /// all others lose it.
+  /// all others lose it. Linear in the number of nodes.
   void ShowSelection(CQuadTree& tree) const;
 
  private:

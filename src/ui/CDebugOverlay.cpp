@@ -60,11 +60,22 @@ void CDebugOverlay::Look(CGrid& grid, std::uint32_t flags, const CPlanePoint& pl
   if ((flags & DebugFlag::kNormalTest) != 0) LogNormal(grid, place);
   if ((flags & (DebugFlag::kNormalTest | DebugFlag::kReadOuts)) != 0) LogAlbedo(grid, place);
   if ((flags & DebugFlag::kInterpolation) != 0 && !grid.TraceInterpolation(place.x, place.y)) m_uTraced = 0;
+  m_Place = place;
+  LookUpTerms(grid, flags, host);
+}
+
+void CDebugOverlay::SwitchOff(const CGrid& grid, std::uint32_t flags, ViewHost& host) {
+  if ((flags & DebugFlag::kInterpolation) == 0) m_uTraced = 0;
+  LookUpTerms(grid, flags, host);
+}
+
+void CDebugOverlay::LookUpTerms(const CGrid& grid, std::uint32_t flags, ViewHost& host) {
   m_uLabels = 0;
   m_uLabelTree = grid.Tree().Revision();
-  if ((flags & DebugFlag::kReadOuts) == 0) return;
+  if ((flags & DebugFlag::kReadOuts) == 0) m_Place.reset();
+  if (!m_Place) return;
   const CPointProbe probe(grid);
-  const std::size_t point = probe.NearestPoint(place.x, place.y);
+  const std::size_t point = probe.NearestPoint(m_Place->x, m_Place->y);
   const auto show = [&](std::uint32_t flag, const CProbedTerm& term) {
     if ((flags & flag) == 0) return;
     LabelTerm(grid, term);
@@ -72,7 +83,7 @@ void CDebugOverlay::Look(CGrid& grid, std::uint32_t flags, const CPlanePoint& pl
   };
   show(DebugFlag::kHorizontalCoefs, probe.SecondDifference(point, true));
   show(DebugFlag::kVerticalCoefs, probe.SecondDifference(point, false));
-  show(DebugFlag::kTorsionCells, probe.MixedDifference(probe.LeafAt(place.x, place.y)));
+  show(DebugFlag::kTorsionCells, probe.MixedDifference(probe.LeafAt(m_Place->x, m_Place->y)));
   if ((flags & DebugFlag::kPointArea) != 0) host.ShowInfluence(probe.Area(point));
   host.ShowNumber(probe.NumberOf(point), probe.LevelCodeOf(point));
 }

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "ui/CViewMapping.h"
 
@@ -16,6 +17,9 @@ class CDebugOverlay {
  public:
   /// Looks up what `flags` (DebugFlag bits) ask for at `place`, model units, and shows the numbers.
   void Look(CGrid& grid, std::uint32_t flags, const CPlanePoint& place, ViewHost& host);
+  /// Some tool has been switched off, `flags` are the others: forgets what it showed, and shows again what they look up
+  /// at the place looked at last.
+  void SwitchOff(const CGrid& grid, std::uint32_t flags, ViewHost& host);
   /// Keeps what an interpolation on `grid` was made of until the subdivision changes.
   void ShowInterpolation(const CGrid& grid, const CInterpolationTrace& trace);
 
@@ -28,11 +32,13 @@ class CDebugOverlay {
     CPlanePoint m_Place;
     double m_fValue = 0.0;
   };
+  void LookUpTerms(const CGrid& grid, std::uint32_t flags, ViewHost& host);
   void LabelTerm(const CGrid& grid, const CProbedTerm& term);
   void DrawLabels() const;
   void DrawTrace() const;
 
-  std::array<CLabel, 12> m_aLabels;  ///< of up to three terms
+  std::optional<CPlanePoint> m_Place;  ///< looked up last by the tools that show numbers
+  std::array<CLabel, 12> m_aLabels;    ///< of up to three terms
   std::size_t m_uLabels = 0;
   std::uint64_t m_uLabelTree = 0;  ///< the subdivision that the labels belong to
   CExtent m_TracedCell;

@@ -29,10 +29,7 @@ bool IsDigitHeld(int digit) { return Fl::event_key('0' + digit) != 0 || Fl::even
 }  // namespace
 
 CGridView::CGridView(int x, int y, int w, int h)
-    : Fl_Gl_Window(x, y, w, h),
-      m_View{ModelFlag::kGrid | Bit(WaveletMode::None), kPhotograph, nullptr},
-      m_Pacer([this] { redraw(); }, [this] { return m_pGrid != nullptr && m_pGrid->IsRunning(); },
-              CRedrawPacer::SteadySeconds) {
+    : Fl_Gl_Window(x, y, w, h), m_View{ModelFlag::kGrid | Bit(WaveletMode::None), kPhotograph, nullptr} {
   mode(FL_RGB8 | FL_DOUBLE | FL_DEPTH);
 }
 

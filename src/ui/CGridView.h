@@ -9,7 +9,6 @@
 
 #include "model/WaveletMode.h"
 #include "ui/CCamera.h"
-#include "ui/CRedrawPacer.h"
 #include "ui/DisplayFlags.h"
 #include "ui/ModelPainter.h"
 
@@ -52,8 +51,6 @@ class CGridView : public Fl_Gl_Window {
   /// Ends the drag under way, if any, and lets the solver go on. For dialogs: they swallow the release of the button.
   void EndDrag();
 
-  /// The model has changed: has the view drawn, at most sixty times a second while the solver runs.
-  void RedrawForModel() { m_Pacer.Request(); }
   /// Saves the view as it would be drawn now; false while it is not shown or if that fails.
   bool SaveFrame(const std::string& filename);
 
@@ -77,7 +74,6 @@ class CGridView : public Fl_Gl_Window {
   CModelPainter m_Painter;
   CCamera m_Camera;
   std::function<void()> m_BeforeDrawing;
-  CRedrawPacer m_Pacer;
   int m_iDragButton = 0;  ///< as it was pressed; 0 while nothing is dragged
   int m_iMouseX = 0;
   int m_iMouseY = 0;  ///< from the bottom

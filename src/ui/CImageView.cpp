@@ -73,7 +73,10 @@ void CImageView::SetDisplayFlags(std::uint32_t flags) {
 
 void CImageView::SetDebugFlags(std::uint32_t flags) {
   const bool toggled = ((m_uDebugFlags ^ flags) & DebugFlag::kSelectCells) != 0;
+  const std::uint32_t cleared = m_uDebugFlags & ~flags;
   m_uDebugFlags = flags;
+  if ((cleared & (DebugFlag::kReadOuts | DebugFlag::kInterpolation)) != 0 && m_pGrid != nullptr)
+    m_Debug.SwitchOff(*m_pGrid, flags, *m_pHost);
   if (toggled && m_Selector) {
     if ((flags & DebugFlag::kSelectCells) != 0) {
       EndDrag();

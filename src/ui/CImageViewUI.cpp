@@ -36,7 +36,13 @@ CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* d
       m_fScale(UiScale()),
       m_Dialogs(dialogs != nullptr ? *dialogs : m_ToolkitDialogs),
       m_Solver(*this, startTimer),
-      m_Commands(*this, m_Solver) {
+      m_Commands(*this, m_Solver),
+      m_RedrawPacer(
+          [this] {
+            RedrawImageView();
+            RedrawModelView();
+          },
+          [this] { return m_Solver.IsRunning(); }, CRedrawPacer::SteadySeconds) {
   BuildWidgets();
   end();
   resizable(nullptr);
@@ -190,11 +196,6 @@ void CImageViewUI::SetNumberOfConstraints(int n) { ReadOut(Control::ConstraintCo
 void CImageViewUI::SetNumberOfCells(int n) { ReadOut(Control::CellCount).value(n); }
 
 void CImageViewUI::SetNumberOfPoints(int n) { ReadOut(Control::PointCount).value(n); }
-
-void CImageViewUI::RequestRedraw() {
-  m_pImageView->redraw();
-  m_pGridView->RedrawForModel();
-}
 
 void CImageViewUI::ShowInterpolation(const CInterpolationTrace& trace) {
   m_pImageView->ShowInterpolation(trace);

@@ -8,6 +8,7 @@
 
 #include "model/GridHost.h"
 #include "ui/CMainMenu.h"
+#include "ui/CRedrawPacer.h"
 #include "ui/CSolverControl.h"
 #include "ui/CTextures.h"
 #include "ui/CWindowServices.h"
@@ -63,7 +64,8 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
 
   // For the grid.
 
-  void RequestRedraw() override;
+  /// Both views, no oftener than a running solver can bear.
+  void RequestRedraw() override { m_RedrawPacer.Request(); }
   /// The trace is shown over the picture only, and in its read-outs.
   void ShowInterpolation(const CInterpolationTrace& trace) override;
   void ShowIterations(int iterations) override { SetNumberIter(iterations); }
@@ -158,6 +160,7 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   CControlWidgets m_apWidgets{};                  ///< owned by the window
   std::array<bool, kControlCount> m_abVisible{};  ///< as they are while the debug zone is shown
   CTextures m_Textures;
+  CRedrawPacer m_RedrawPacer;
   CMainMenu* m_pMenu = nullptr;
   CImageView* m_pImageView = nullptr;
   CGridView* m_pGridView = nullptr;

@@ -1,5 +1,6 @@
 #include "ui/CRedrawPacer.h"
 
+#include <algorithm>
 #include <chrono>
 #include <limits>
 #include <utility>
@@ -9,6 +10,7 @@
 namespace {
 
 constexpr double kInterval = 1.0 / 60;
+constexpr double kLongestPause = 0.1;  // after a drawing; a tick may have waited for a dialog
 
 }  // namespace
 
@@ -25,6 +27,9 @@ void CRedrawPacer::Request() {
     m_bOwed = true;
     Fl::add_check(cb_Check, this);
   }
+  // The toolkit draws before the solver's next tick.
+  if (m_bDrawing) m_fNext = std::max(m_fNext, m_Now() + std::min(m_Now() - m_fLast, kLongestPause));
+  m_bDrawing = false;
   RedrawWhenDue();
 }
 
@@ -32,8 +37,11 @@ void CRedrawPacer::cb_Check(void* pacer) { static_cast<CRedrawPacer*>(pacer)->Re
 
 void CRedrawPacer::RedrawWhenDue() {
   const double now = m_Now();
-  if (now < m_fNext && m_IsBusy()) return;
+  const bool busy = m_IsBusy();
+  if (now < m_fNext && busy) return;
+  m_fLast = now;
   m_fNext = now + kInterval;
+  m_bDrawing = busy;
   m_bOwed = false;
   Fl::remove_check(cb_Check, this);
   m_Redraw();

@@ -2,8 +2,8 @@
 
 #include <functional>
 
-/// Holds the redraws that a running solver asks for to sixty a second: drawing costs more than solving, and nobody sees
-/// more. What was asked for last is always drawn.
+/// Holds the redraws that a running solver asks for to sixty a second, and to half of the time where drawing takes
+/// longer than that: drawing costs more than solving, and nobody sees more. What was asked for last is always drawn.
 ///
 /// No timeout of its own: a redraw that is owed is looked at again each time the toolkit goes round, which it does all
 /// the time while the solver ticks.
@@ -28,6 +28,8 @@ class CRedrawPacer {
   std::function<void()> m_Redraw;
   std::function<bool()> m_IsBusy;
   std::function<double()> m_Now;
-  double m_fNext;  ///< no redraw before this time
+  double m_fLast = 0.0;     ///< when a redraw was begun last
+  double m_fNext;           ///< no redraw before this time
+  bool m_bDrawing = false;  ///< one was begun for a running solver, which has asked for none since
   bool m_bOwed = false;
 };

@@ -59,13 +59,11 @@ void CGridCommands::LoadGrid() {
   if (!m_Services.m_LoadGrid) return;
   m_Solver.PauseSolverForCommand();
   const std::optional<std::string> file = m_Host.ChooseFile(kGridFileTitle, "*.grid");
-  if (file.has_value()) {
-    if (m_Services.m_LoadGrid(*m_pGrid, *file)) {
-      SetPickTolerance();
-      m_Host.GridReplaced();
-    }
-  } else {
+  if (!file.has_value()) {
     Console() << "CImageView::LoadGrid() : filename == NULL\n";
+  } else if (m_Services.m_LoadGrid(*m_pGrid, *file)) {
+    SetPickTolerance();
+    m_Host.GridReplaced();
   }
   m_Solver.ResumeSolver();
 }

@@ -138,7 +138,8 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       return ShowHelpLine(m_pMenu->IsChecked(entry));
     case MenuEntry::SubdivisionColours:
       g_DrawingSettings.m_bSpecificSubdivisionColours = m_pMenu->IsChecked(entry);
-      return RedrawImageView();
+      RedrawImageView();
+      return RedrawModelView();
     case MenuEntry::DrawingParameters:
       EndDrags();
       return m_Services.m_ShowDrawingOptions();

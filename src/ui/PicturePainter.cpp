@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 #include <span>
+#include <type_traits>
 
 #include <GL/gl.h>
 
@@ -31,10 +32,11 @@ const CColour& LevelColour(int level) {
   return kColours[std::min(static_cast<std::size_t>(level), kColours.size() - 1)];
 }
 
-void DrawVertices(GLenum mode, std::span<const float> vertices) {
+template <typename Number>
+void DrawVertices(GLenum mode, std::span<const Number> vertices) {
   if (vertices.empty()) return;
   glEnableClientState(GL_VERTEX_ARRAY);
-  glVertexPointer(2, GL_FLOAT, 0, vertices.data());
+  glVertexPointer(2, std::is_same_v<Number, int> ? GL_INT : GL_FLOAT, 0, vertices.data());
   glDrawArrays(mode, 0, static_cast<GLsizei>(vertices.size() / 2));
   glDisableClientState(GL_VERTEX_ARRAY);
 }
@@ -69,15 +71,6 @@ void DrawPicture(const CGrid& grid, CTextures& textures) {
   glTexCoord2d(0, t), glVertex2d(e.x0, e.y1);
   glEnd();
   glDisable(GL_TEXTURE_2D);
-}
-
-// Selected cells lie above, at or below the active ones.
-void DrawSelected(const CQuadT& cell) {
-  if (cell.HasFlag(CellFlag::kSelected)) {
-    glRecti(cell.X0(), cell.Y0(), cell.X1(), cell.Y1());
-  } else if (!cell.IsActive() && cell.HasChildren()) {
-    for (int k = 0; k < 4; ++k) DrawSelected(cell.Child(k));
-  }
 }
 
 // A hundredth of what the view shows, so that a constraint keeps its size on the screen.
@@ -159,7 +152,7 @@ void CPicturePainter::DrawSubdivision(CGrid& grid, const CView& view) {
   }
   if (view.m_bSelectedCells) {
     glColor4d(0.2, 0.6, 1, 0.4);
-    DrawSelected(grid.Tree().Root());
+    DrawVertices(GL_QUADS, grid.Tree().SelectedCorners());
   }
   glLineWidth(g_DrawingSettings.m_ImageView.m_fGridThickness);
   if ((view.m_uFlags & ImageFlag::kGrid) != 0) {

@@ -6,7 +6,6 @@
 #include "ui/CTexelArrays.h"
 
 class CGrid;
-class CQuadT;
 class CTextures;
 
 /// Draws the picture, and what lies on it, into the current context under the projection and the view that are set: the

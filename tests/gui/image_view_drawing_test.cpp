@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "io/Bmp.h"
+#include "model/PointProbe.h"
 #include "support/ConstraintBuilders.h"
 #include "support/gui/ImageViewTest.h"
 #include "ui/DrawingSettings.h"
@@ -300,14 +301,44 @@ TEST_F(ImageViewDrawingTest, TermShowsItsPointsAndCoefficients) {
   EXPECT_GT(Count(kOrange), 3 * 25 + 10);  // the points, and figures beside them
 }
 
+TEST_F(ImageViewDrawingTest, ToolThatIsSwitchedOffTakesWhatItShowedWithIt) {
+  Grid().SetSparseH();
+  const CPointProbe probe(Grid());
+  const std::size_t point = Grid().Lattice().Index(8, 8);
+  View().SetDebugFlags(DebugFlag::kHorizontalCoefs | DebugFlag::kVerticalCoefs);
+  Move(50.5, 51.5);
+  View().SetDebugFlags(DebugFlag::kHorizontalCoefs);
+  Shoot(0);
+  EXPECT_EQ(At(75, 50), kOrange);
+  EXPECT_EQ(At(50, 75), kBlack);
+  EXPECT_EQ(m_Host.m_afInfluences.back(), probe.SecondDifference(point, true).m_fWeight);
+  View().SetDebugFlags(DebugFlag::kPointArea);
+  EXPECT_EQ(m_Host.m_afInfluences.back(), probe.Area(point));
+  for (const std::uint32_t flags : {0U, DebugFlag::kHorizontalCoefs}) View().SetDebugFlags(flags);
+  Shoot();
+  EXPECT_EQ(Count(kOrange), 0) << "until the mouse moves again";
+}
+
+TEST_F(ImageViewDrawingTest, InterpolationTestStartsAnew) {
+  CStencil stencil;
+  CInterpolationTrace trace;
+  ASSERT_TRUE(Grid().Surface().GetBilinearInterpolation(37.5, 27.5, stencil, &trace));
+  View().SetDebugFlags(DebugFlag::kInterpolation);
+  View().ShowInterpolation(trace);
+  for (const std::uint32_t flags : {0U, DebugFlag::kInterpolation}) View().SetDebugFlags(flags);
+  Shoot(0);
+  EXPECT_EQ(Count(kOrange), 0);
+}
+
 TEST_F(ImageViewDrawingTest, SelectedCellsAreTinted) {
   View().SetDebugFlags(DebugFlag::kSelectCells);
   Shoot();
   EXPECT_EQ(At(37, 37), kBlack);
-  MakeLeaf(Grid().Tree(), 2, 1, 1)->SetFlags(CellFlag::kSelected);
+  Grid().Subdivision().SelectRectangle(Grid().Tree(), 5, 5, 7, 7);
+  Grid().Subdivision().ShowSelection(Grid().Tree());
   Shoot();
-  EXPECT_NE(At(37, 37), kBlack);
-  EXPECT_EQ(At(60, 37), kBlack);
+  for (const auto& [x, y, tinted] : {std::tuple{27, 27, true}, {48, 48, true}, {23, 37, false}, {37, 53, false}})
+    EXPECT_EQ(At(x, y) != kBlack, tinted) << x << ", " << y;
 }
 
 TEST_F(ImageViewDrawingTest, HiddenViewSavesNoFrame) {

@@ -138,8 +138,8 @@ TEST_F(ImageViewEventTest, ToolsShowTheTermUnderTheMouse) {
                          {DebugFlag::kTorsionCells, {torsion}},
                          {DebugFlag::kPointArea, {probe.Area(point)}},
                          {DebugFlag::kHLevel, {}}}) {
-    m_Host = {};
     View().SetDebugFlags(c.m_uFlags);
+    m_Host = {};
     Move(49.5, 26.5);
     EXPECT_EQ(m_Host.m_afInfluences, c.m_afInfluences) << c.m_uFlags;
     EXPECT_EQ(m_Host.m_iNumber, Grid().Order().NumberOf(point));

@@ -233,6 +233,32 @@ TEST_F(ManualSubdivisionTest, SwitchingOffEndsTheDrag) {
   EXPECT_EQ(SelectedLeaves(), 0);
 }
 
+TEST_F(ManualSubdivisionTest, EachResolutionShowsItsOwnSelection) {
+  DragOver(30.5, 10.5, 40.5, 20.5);
+  for (const auto& [code, selected] : {std::pair{Operation::kTransferToHigh, 0}, {Operation::kRestoreNormal, 1}}) {
+    Grid().Post(code);
+    Settle();
+    EXPECT_EQ(SelectedLeaves(), selected) << code;
+    EXPECT_EQ(IsMarked(2, 1, 0), selected == 1) << code;
+    EXPECT_EQ(Grid().Tree().SelectedCorners().size(), 8U * static_cast<unsigned>(selected)) << code;
+  }
+}
+
+TEST_F(ManualSubdivisionTest, NewGridStartsWithNothingSelected) {
+  DragOver(30.5, 10.5, 40.5, 20.5);
+  Grid().Post(Operation::kRestoreHigh);
+  Settle();
+  DragOver(30.5, 10.5, 40.5, 20.5);
+  EXPECT_GT(SelectedLeaves(), 0);
+  Grid().Initialize(2, true, 0, 0, 100, 100);
+  for (const int code : {Operation::kRestoreNormal, Operation::kRestoreHigh}) {
+    EXPECT_EQ(SelectedLeaves(), 0);
+    EXPECT_TRUE(Grid().Tree().SelectedCorners().empty());
+    Grid().Post(code);
+    Settle();
+  }
+}
+
 TEST_F(ManualSubdivisionTest, OtherToolsLeaveTheSelectionAlone) {
   DragOver(30.5, 10.5, 40.5, 20.5);
   View().SetDebugFlags(DebugFlag::kSelectCells | DebugFlag::kHLevel);

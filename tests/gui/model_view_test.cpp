@@ -298,15 +298,3 @@ TEST_F(ModelViewFrameTest, FrameFollowsAHeightEdit) {
   RunUntilPaused(Grid());
   EXPECT_NE(FrameOf(View()).m_aPixels, before.m_aPixels);
 }
-
-TEST_F(ModelViewFrameTest, RunningSolverHasTheViewDrawnButNotForEveryTick) {
-  GiveWork();
-  Grid().SetRunning(true);
-  View().RedrawForModel();
-  EXPECT_NE(View().damage(), 0);
-  ASSERT_TRUE(WaitUntilDrawn());
-  View().RedrawForModel();
-  View().RedrawForModel();
-  Grid().SetRunning(false);
-  EXPECT_TRUE(RunToolkitUntil([&] { return View().damage() == 0; })) << "the last state has been drawn";
-}

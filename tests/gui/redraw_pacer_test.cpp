@@ -58,6 +58,41 @@ TEST_F(RedrawPacerTest, NothingIsHeldBackWhileTheSolverRests) {
   EXPECT_EQ(m_iRedraws, 3);
 }
 
+TEST_F(RedrawPacerTest, TicksGoOnForAsLongAsADrawingTakes) {
+  constexpr double kDrawing = 0.04;
+  constexpr double kTick = 0.005;
+  m_Pacer.Request();
+  for (int frame = 1; frame <= 5; ++frame) {
+    m_fNow += kDrawing;
+    for (int tick = 0; tick < 8; ++tick) {
+      m_Pacer.Request();
+      EXPECT_EQ(m_iRedraws, frame) << tick;
+      m_fNow += kTick + 1e-6;
+    }
+    GoRound();
+    EXPECT_EQ(m_iRedraws, frame + 1);
+  }
+}
+
+TEST_F(RedrawPacerTest, LongWaitIsNotTakenForADrawing) {
+  m_Pacer.Request();
+  m_fNow += 60;
+  m_Pacer.Request();
+  EXPECT_EQ(m_iRedraws, 1);
+  m_fNow += 0.101;
+  m_Pacer.Request();
+  EXPECT_EQ(m_iRedraws, 2);
+}
+
+TEST_F(RedrawPacerTest, SolverThatStartsIsSeenAtOnce) {
+  m_bBusy = false;
+  m_Pacer.Request();
+  m_bBusy = true;
+  m_fNow += 10;
+  m_Pacer.Request();
+  EXPECT_EQ(m_iRedraws, 2);
+}
+
 TEST_F(RedrawPacerTest, NothingOwedNothingDrawn) {
   m_Pacer.Request();
   m_fNow += 1;

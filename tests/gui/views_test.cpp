@@ -170,8 +170,24 @@ TEST_F(ViewsTest, GridHasBothViewsDrawnAgain) {
   Show();
   for (Fl_Gl_Window* view : Views()) DrawAndEnter(*view);
   GiveWork();
+  Grid().SetRunning(false);
   Grid().UpdateGrid();
   for (Fl_Gl_Window* view : Views()) EXPECT_NE(view->damage(), 0);
+}
+
+TEST_F(ViewsTest, RunningSolverHasTheViewsDrawnButNotForEveryTick) {
+  constexpr int kTicks = 1000;
+  Show();
+  Grid().SetRunning(true);
+  for (Fl_Gl_Window* view : Views()) {
+    int drawings = 0;
+    for (int tick = 0; tick < kTicks; ++tick) {
+      m_Window.RequestRedraw();
+      drawings += view->damage() != 0 ? 1 : 0;
+      view->clear_damage();
+    }
+    EXPECT_LT(drawings, kTicks / 2);
+  }
 }
 
 TEST_F(ViewsTest, InterpolationIsShownInTheImageViewOnly) {

@@ -63,6 +63,32 @@ TEST_F(WindowCommandsTest, CurveTypesAreSelected) {
   }
 }
 
+TEST_F(WindowCommandsTest, ResetsBringTheViewsBackAndRedrawThem) {
+  ShowWindow();
+  DrawBoth();
+  g_fZoom = 3;
+  ClickOn(Control::ResetImageView);
+  EXPECT_EQ(g_fZoom, 1.0);
+  EXPECT_NE(m_Window.ImageView().damage(), 0);
+  const CCamera before = m_Window.GridView().Camera();
+  CCamera turned = before;
+  turned.Rotate(40, 30);
+  m_Window.GridView().SetCamera(turned);
+  DrawBoth();
+  ClickOn(Control::ResetModelView);
+  EXPECT_EQ(Length(m_Window.GridView().Camera().m_Eye - before.m_Eye), 0);
+  EXPECT_NE(m_Window.GridView().damage(), 0);
+}
+
+TEST_F(WindowCommandsTest, ButtonsOfTheSolverRedrawTheModel) {
+  ShowWindow();
+  for (const Control control : {Control::ResetSolver, Control::TestWavelets}) {
+    DrawBoth();
+    ClickOn(control);
+    EXPECT_NE(m_Window.GridView().damage(), 0);
+  }
+}
+
 TEST_F(WindowCommandsTest, TwiceSlowerAndTwiceFasterIsTheOldInterval) {
   EXPECT_EQ(g_fTimerInterval, 0.02);
   ClickOn(Control::Slower);

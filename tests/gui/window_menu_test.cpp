@@ -118,11 +118,6 @@ class WindowMenuTest : public WindowTest {
   std::uint32_t Flags(bool modelView) {
     return modelView ? m_Window.GridView().DisplayFlags() : m_Window.ImageView().DisplayFlags();
   }
-  // Whether both views are up to date.
-  void DrawBoth() {
-    ASSERT_TRUE(
-        RunToolkitUntil([this] { return m_Window.ImageView().damage() == 0 && m_Window.GridView().damage() == 0; }));
-  }
 };
 
 }  // namespace
@@ -262,6 +257,17 @@ TEST_F(WindowMenuTest, SubdivisionColoursAreASetting) {
   EXPECT_TRUE(g_DrawingSettings.m_bSpecificSubdivisionColours);
   Menu().Choose(MenuEntry::SubdivisionColours);
   EXPECT_FALSE(g_DrawingSettings.m_bSpecificSubdivisionColours);
+}
+
+TEST_F(WindowMenuTest, SubdivisionColoursRedrawBothViews) {
+  ShowWindow();
+  for (int k = 0; k < 2; ++k) {
+    DrawBoth();
+    Menu().Choose(MenuEntry::SubdivisionColours);
+    EXPECT_NE(m_Window.ImageView().damage(), 0);
+    EXPECT_NE(m_Window.GridView().damage(), 0);
+  }
+  g_DrawingSettings = CDrawingSettings{};
 }
 
 TEST_F(WindowMenuTest, DrawingParametersOpenTheirDialog) {

@@ -1,6 +1,8 @@
 // The manual selection in the wanted subdivision.
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -88,6 +90,25 @@ TEST(SavedSelectionTest, ShownOnTheCellOfTheNodeAlone) {
   EXPECT_TRUE(test.m_Tree.CellAt(2, 1, 1).HasFlag(CellFlag::kSelected));
   EXPECT_FALSE(test.m_Tree.CellAt(1, 3, 3).HasFlag(CellFlag::kSelected)) << "below it";
   for (int level = 0; level <= 3; ++level) EXPECT_EQ(test.m_Tree.CellAt(level, 0, 0).Flags(), 15U) << level;
+}
+
+TEST(SavedSelectionTest, ShownCellsAreListedByTheirCorners) {
+  CTestTree test(3, 2);
+  CSubdivisionRecord record(3);
+  record.SetStartLevel(2);
+  record.Root().Child(1).Child(3).SetSelected(true);
+  record.Root().Child(2).SetSelected(true);
+  record.Root().Child(2).Child(2).SetSelected(true);
+  EXPECT_TRUE(test.m_Tree.SelectedCorners().empty());
+  const std::vector<int> expected{4, 2, 6, 2, 6, 4, 4, 4, 4, 4, 8, 4, 8, 8, 4, 8};
+  for (int k = 0; k < 2; ++k) {
+    record.ShowSelection(test.m_Tree);
+    EXPECT_TRUE(std::ranges::equal(test.m_Tree.SelectedCorners(), expected)) << "time " << k;
+  }
+  test.m_Tree.Replay(record, 2);
+  EXPECT_EQ(test.m_Tree.SelectedCorners().size(), expected.size()) << "selected cells stay selected";
+  test.m_Tree.Reset(2);
+  EXPECT_TRUE(test.m_Tree.SelectedCorners().empty());
 }
 
 TEST(SavedSelectionTest, RefinementAtAPointGoesDownToTheFinestLevel) {

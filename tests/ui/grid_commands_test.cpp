@@ -55,6 +55,7 @@ class GridCommandsTest : public ::testing::Test {
   CTestSolver m_Test;
   ScriptedHost m_Host;
   CGridCommands m_Commands{m_Host, m_Test.m_Solver};
+  bool m_bLoads = true;
   std::optional<CGridParameters> m_NewGrid;
   std::optional<CContourAnswer> m_CurveAnswer;
   CContourAttributes m_Attributes;  // that were shown last
@@ -187,6 +188,16 @@ TEST_F(GridCommandsTest, PickToleranceIsAHundredthOfTheLargerExtent) {
   m_Commands.Perform(Operation::kLoadGrid);
   EXPECT_DOUBLE_EQ(g_fPickTolerance, 3.0);
   EXPECT_EQ(m_Host.m_iReplaced, 2);
+}
+
+TEST_F(GridCommandsTest, GridThatCannotBeLoadedLeavesTheOldOneOnShow) {
+  m_bLoads = false;
+  m_Host.m_File = "missing";
+  Solver().StopSolver();
+  m_Commands.Perform(Operation::kLoadGrid);
+  EXPECT_EQ(m_asDone, Done{"load missing"});
+  EXPECT_EQ(m_Host.m_iReplaced, 0);
+  EXPECT_TRUE(Grid().IsRunning());
 }
 
 TEST_F(GridCommandsTest, FilesAreWrittenWithNothingPending) {

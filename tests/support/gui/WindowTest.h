@@ -75,6 +75,12 @@ class WindowTest : public ToolkitTest {
     ASSERT_TRUE(RunToolkitUntil([this] { return m_Window.ImageView().damage() == 0; }));
   }
 
+  /// Until both views are up to date.
+  void DrawBoth() {
+    ASSERT_TRUE(
+        RunToolkitUntil([this] { return m_Window.ImageView().damage() == 0 && m_Window.GridView().damage() == 0; }));
+  }
+
   CMainMenu& Menu() { return m_Window.Menu(); }
   CHelpLine& HelpLine() { return m_Window.HelpLine(); }
   Fl_Widget& Widget(Control control) { return m_Window.Widget(control); }
