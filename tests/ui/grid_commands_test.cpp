@@ -61,7 +61,6 @@ class GridCommandsTest : public ::testing::Test {
   CContourAttributes m_Attributes;  // that were shown last
   std::vector<std::string> m_asDone;
   bool m_bRanMeanwhile = false;
-  bool m_bLoads = true;
 };
 
 using Done = std::vector<std::string>;
@@ -188,16 +187,6 @@ TEST_F(GridCommandsTest, PickToleranceIsAHundredthOfTheLargerExtent) {
   m_Commands.Perform(Operation::kLoadGrid);
   EXPECT_DOUBLE_EQ(g_fPickTolerance, 3.0);
   EXPECT_EQ(m_Host.m_iReplaced, 2);
-}
-
-TEST_F(GridCommandsTest, GridThatCannotBeLoadedLeavesTheOldOneOnShow) {
-  m_bLoads = false;
-  m_Host.m_File = "missing";
-  Solver().StopSolver();
-  m_Commands.Perform(Operation::kLoadGrid);
-  EXPECT_EQ(m_asDone, Done{"load missing"});
-  EXPECT_EQ(m_Host.m_iReplaced, 0);
-  EXPECT_TRUE(Grid().IsRunning());
 }
 
 TEST_F(GridCommandsTest, FilesAreWrittenWithNothingPending) {
