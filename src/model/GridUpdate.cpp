@@ -32,7 +32,9 @@ void CGrid::Post(int operation) {
 }
 
 void CGrid::PerformPendingWork() {
-  if (PerformOperations()) ReconstructSurface();
+  if (!PerformOperations()) return;
+  ReconstructSurface();
+  RefreshNormalCstrHeights();
 }
 
 bool CGrid::PerformOperations() {
@@ -125,7 +127,9 @@ void CGrid::SwapResolution(bool high, bool transfer) {
   // The capture of what is now the present surface stands: the rebuild sets the coefficients from it.
   m_bSurfaceCaptured = true;
   SetDiscMap();
+  m_Subdivision->ShowSelection(*m_pTree);
   ReconstructSurface();
+  RefreshNormalCstrHeights();
   if (m_pHost != nullptr) m_pHost->RequestRedraw();
 }
 

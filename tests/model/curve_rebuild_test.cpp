@@ -82,6 +82,18 @@ TEST(CurveCodesTest, MergeCodeUndoesIt) {
   EXPECT_FALSE(test.m_Grid.Tree().CellAt(1, 4, 0).HasFlag(CellFlag::kSelected));
 }
 
+TEST(CurveCodesTest, OtherResolutionShowsItsOwnSelection) {
+  CCurveGrid test;
+  test.m_Grid.Subdivision().Root().Child(1).Child(0).SetSelected(true);
+  test.m_Grid.Subdivision().ShowSelection(test.m_Grid.Tree());
+  test.m_Grid.Post(Operation::kRestoreHigh);
+  test.m_Grid.UpdateGrid();
+  EXPECT_FALSE(test.m_Grid.Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
+  test.m_Grid.Post(Operation::kRestoreNormal);
+  test.m_Grid.UpdateGrid();
+  EXPECT_TRUE(test.m_Grid.Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
+}
+
 // Rebuild.
 
 TEST(CurveRebuildTest, StepsAreReportedInOrder) {
@@ -226,6 +238,19 @@ TEST(CurveAttributesTest, ExportMakesGeneratedConstraintsTheUsersOwn) {
   EXPECT_EQ(Occurrences(test.m_Console.Take(), "SetDiscMap"), 1) << "one rebuild for all points";
   EXPECT_TRUE(test.m_Grid.GeneratedConstraints().empty());
   EXPECT_EQ(test.m_Grid.PointConstraints().size(), generated.size());
+}
+
+TEST(CurveAttributesTest, ExportedConstraintsTakeTheHeightUnderThemWithNoTick) {
+  CAttributesGrid test;
+  test.Curve().SetOption(CurveOption::kLeftAutoBump, true);
+  SetRandomSurface(test.m_Grid, 5);
+  test.m_Grid.ExportCurveConstraints(4, 22);
+  test.m_Grid.PerformPendingWork();
+  ASSERT_FALSE(test.m_Grid.PointConstraints().empty());
+  for (const CPtCstr& c : test.m_Grid.PointConstraints()) {
+    EXPECT_NE(c.m_fZ, 0);
+    EXPECT_EQ(c.m_fZ, SurfaceHeight(test.m_Grid, c.m_fX, c.m_fY));
+  }
 }
 
 TEST(CurveAttributesTest, ExportedConstraintsKeepTheirFineCellsWithoutTheCurve) {
