@@ -157,6 +157,19 @@ TEST(CurveRebuildTest, DeletedCurveLeavesTheTreeAsItWas) {
   test.m_Grid.Tree().ForEachLeaf([](const CQuadT& cell) { EXPECT_EQ(cell.Flags(), 0U); });
 }
 
+// From (0.1, 0.05) within its cell a segment to the right does not touch the triangle at the border by itself.
+TEST(CurveRebuildTest, ClosedCurveOfTwoNodesIsTornLikeTheOpenOneItBecomes) {
+  CCurveGrid open;
+  CCurveGrid closed;
+  for (CCurveGrid* test : {&open, &closed}) test->Add({{-3.4, 23.01875}, {8, 23.01875}});
+  closed.Curve().SetClosed(true);
+  for (CCurveGrid* test : {&open, &closed}) {
+    test->m_Grid.SetDiscMap();
+    EXPECT_FALSE(test->Curve().IsClosed());
+    EXPECT_EQ(test->m_Grid.Tree().CellAt(0, 0, 8).Flags(), CellFlag::kTriangles);
+  }
+}
+
 TEST(CurveRebuildTest, BothResolutionsHaveTheCurves) {
   CCurveGrid test;
   test.Add(kPath);
