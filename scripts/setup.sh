@@ -7,7 +7,7 @@ packages_for() {
   printf '%s\n' cmake g++ ninja-build libcli11-dev libfltk1.3-dev libgl-dev libglu1-mesa-dev libjpeg62-turbo-dev nlohmann-json3-dev
   printf '%s\n' libgl1-mesa-dri fonts-dejavu-core x11-utils
   if [[ $1 == test ]]; then
-    printf '%s\n' clang-format-14 libbenchmark-dev libcoin-dev libeigen3-dev libgtest-dev librapidcheck-dev libx11-dev
+    printf '%s\n' clang-format-14 libbenchmark-dev libboost-dev libcoin-dev libeigen3-dev libgtest-dev librapidcheck-dev libx11-dev
     printf '%s\n' imagemagick openbox xclip xdotool xvfb
   fi
 }
