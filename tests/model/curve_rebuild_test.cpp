@@ -109,6 +109,15 @@ TEST(CurveRebuildTest, StepsAreReportedInOrder) {
                 points);
 }
 
+TEST(CurveRebuildTest, RasterisedTearsAreDrawn) {
+  CCurveGrid test;
+  test.Add(kPath);
+  test.m_Grid.PerformPendingWork();
+  test.m_Host.m_iRedraws = 0;
+  test.m_Grid.SetDiscMap();
+  EXPECT_GT(test.m_Host.m_iRedraws, 0);
+}
+
 TEST(CurveRebuildTest, ConstraintsInTheTearAreDisabledAndFreedWithIt) {
   CCurveGrid test;
   test.m_Grid.AddPtCstr(HeightCstr(4, 23, 1));
