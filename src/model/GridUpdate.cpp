@@ -129,7 +129,6 @@ void CGrid::SwapResolution(bool high, bool transfer) {
   SetDiscMap();
   m_Subdivision->ShowSelection(*m_pTree);
   ReconstructSurface();
-  RefreshNormalCstrHeights();
   if (m_pHost != nullptr) m_pHost->RequestRedraw();
 }
 

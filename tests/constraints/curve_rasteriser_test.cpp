@@ -138,6 +138,12 @@ TEST(TearTest, OpenEndAsFarOutAsTheCursorGoesReachesTheBorder) {
   EXPECT_EQ(Torn({{5.05, 15.9}, {5.05, 14.5}}).at({5, 15}) & 4U, 4U);
 }
 
+TEST(TearTest, ClosedCurveBesideTheBorderStaysOffIt) {
+  const CPlaces ring{{0.1, 5.05}, {3.5, 3.2}, {3.5, 7.4}};
+  EXPECT_EQ(Torn(ring).at({0, 5}) & 8U, 8U);
+  EXPECT_EQ(Torn(ring, true).at({0, 5}) & 8U, 0U);
+}
+
 // Over a model half a unit wide the cursor goes as far out as a tenth of that.
 TEST(TearTest, OpenEndInASmallModelIsContinuedOnlyFromWhereTheCursorStops) {
   for (const auto& [end, reaches] : {std::pair{0.05, true}, {0.08, false}}) {

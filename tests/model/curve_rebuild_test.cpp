@@ -131,6 +131,18 @@ TEST(CurveRebuildTest, ConstraintsInTheTearAreDisabledAndFreedWithIt) {
   EXPECT_FALSE(RecordAt(test.m_Grid.PointConstraints(), 0).HasKind(PtCstrKind::kDisabled));
 }
 
+TEST(CurveRebuildTest, GeneratedConstraintsInATearAreDisabled) {
+  CCurveGrid test;
+  test.Add({{0, 23}, {8, 23}}, CurveType::kFairness);
+  test.Curve().SetOption(CurveOption::kLeftAutoBump, true);
+  test.Add({{4, 20.5}, {6, 25.5}});
+  test.m_Grid.SetDiscMap();
+  int disabled = 0;
+  for (const CPtCstr& c : test.m_Grid.GeneratedConstraints()) disabled += c.HasKind(PtCstrKind::kDisabled) ? 1 : 0;
+  EXPECT_EQ(test.m_Grid.GeneratedConstraints().size(), 2U);
+  EXPECT_EQ(disabled, 1);
+}
+
 TEST(CurveRebuildTest, GeneratedConstraintsStandInFineCellsAndMakeRows) {
   CCurveGrid test;
   test.Add({{0, 23}, {8, 23}}, CurveType::kFairness);
