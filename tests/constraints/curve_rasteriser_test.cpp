@@ -266,6 +266,18 @@ TEST(CreaseTest, CellsOnBothSidesAreFine) {
   for (const auto& [column, row] : tree.CreasePoints())
     EXPECT_TRUE(tree.m_Lattice.Has(tree.m_Lattice.Index(column, row), PointFlag::kInUse));
 }
+TEST(CreaseTest, CellsOnBothSidesAreFineAlsoWhereTheyHaveNoParentInCommon) {
+  CRasterTree across;
+  across.Draw({{2, 8}, {5, 8}}, CurveType::kNormal);
+  CRasterTree upwards;
+  upwards.Draw({{8, 2}, {8, 5}}, CurveType::kNormal);
+  for (const int beside : {7, 8}) {
+    for (int along = 1; along <= 5; ++along) {
+      EXPECT_TRUE(across.m_Tree.CellAt(0, along, beside).IsActive()) << along << ", " << beside;
+      EXPECT_TRUE(upwards.m_Tree.CellAt(0, beside, along).IsActive()) << beside << ", " << along;
+    }
+  }
+}
 TEST(CreaseTest, DiagonalOfACellIsMarked) {
   constexpr std::uint32_t kBothCreases = CellFlag::kRisingCrease | CellFlag::kFallingCrease;
   CRasterTree rising;

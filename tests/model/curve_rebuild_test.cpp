@@ -274,6 +274,18 @@ TEST(CurveAttributesTest, ExportMakesGeneratedConstraintsTheUsersOwn) {
   EXPECT_EQ(test.m_Grid.PointConstraints().size(), generated.size());
 }
 
+TEST(CurveAttributesTest, ExportFollowsANodeThatHasJustBeenMoved) {
+  CAttributesGrid test;
+  CCurveGrid rebuilt;
+  rebuilt.Add({{0, 21}, {4, 25}, {8, 24}});
+  for (CCurveGrid* grid : {static_cast<CCurveGrid*>(&test), &rebuilt})
+    grid->Curve().SetOption(CurveOption::kRightAutoBump, true);
+  rebuilt.m_Grid.SetDiscMap();
+  test.Node(1).m_fY = 25;
+  test.m_Grid.ExportCurveConstraints(4, 25);
+  EXPECT_EQ(PlacesOf(test.m_Grid.PointConstraints()), PlacesOf(rebuilt.m_Grid.GeneratedConstraints()));
+}
+
 TEST(CurveAttributesTest, ExportedConstraintsTakeTheHeightUnderThemWithNoTick) {
   CAttributesGrid test;
   test.Curve().SetOption(CurveOption::kLeftAutoBump, true);
