@@ -5,7 +5,7 @@
 #include <vector>
 
 #include <boost/graph/compressed_sparse_row_graph.hpp>
-#include <boost/graph/dijkstra_shortest_paths.hpp>
+#include <boost/graph/dijkstra_shortest_paths_no_color_map.hpp>
 #include <gtest/gtest.h>
 
 #include "io/Bmp.h"
@@ -54,7 +54,7 @@ void ExpectCostsOfTheGraph(const CTopDownImage& image, CPixelPosition seed) {
   const CLinkCosts costs = ComputeLinkCosts(image);
   const CGraph graph = GraphOf(costs);
   std::vector<float> totals(boost::num_vertices(graph));
-  boost::dijkstra_shortest_paths(
+  boost::dijkstra_shortest_paths_no_color_map(
       graph, IndexOf(costs, seed),
       boost::weight_map(boost::get(&CLink::m_fCost, graph))
           .distance_map(boost::make_iterator_property_map(totals.begin(), boost::get(boost::vertex_index, graph))));
