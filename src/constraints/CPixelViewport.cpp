@@ -33,6 +33,8 @@ void CPixelViewport::ZoomBy(int steps, int x, int y) {
   const CPixelPosition kept{x / m_iZoom + m_First.m_iColumn, y / m_iZoom + m_First.m_iRow};
   m_iZoom = std::clamp(m_iZoom + steps, kMinZoom, kMaxZoom);
   MoveTo({kept.m_iColumn - x / m_iZoom, kept.m_iRow - y / m_iZoom});
+  // A drag under way goes on from here.
+  BeginPan(x, y);
 }
 
 void CPixelViewport::BeginPan(int x, int y) {

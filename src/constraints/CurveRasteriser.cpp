@@ -15,9 +15,9 @@
 
 namespace {
 
-// A tear that ends no further than this from the border, in model units, reaches it: the cursor is held a tenth of a
-// unit inside the model, so that nobody can draw up to the border itself. The rest is for rounding.
-constexpr double kBorderReach = 0.1 + 1e-9;
+// A tear that ends where the border holds the cursor reaches the border: nobody can draw up to it. This share of the
+// margin more is for rounding.
+constexpr double kMarginRounding = 1e-6;
 
 bool IsLongerInX(const CGridSegment& s) { return std::abs(s.x1 - s.x0) > std::abs(s.y1 - s.y0); }
 
@@ -63,17 +63,19 @@ void CCurveRasteriser::Crease(const CPtCstr& a, const CPtCstr& b) {
 // The shortest way from an open end next to the border.
 void CCurveRasteriser::TearToBorder(const CPtCstr& end) {
   struct CWay {
-    double m_fLength;
+    double m_fMargins;  ///< its length, in margins
     double m_fX;
     double m_fY;
   };
   const CExtent& e = m_pTree->Lattice().Extent();
-  const std::array<CWay, 4> ways{{{end.m_fX - e.x0, e.x0, end.m_fY},
-                                  {e.x1 - end.m_fX, e.x1, end.m_fY},
-                                  {end.m_fY - e.y0, end.m_fX, e.y0},
-                                  {e.y1 - end.m_fY, end.m_fX, e.y1}}};
-  const CWay& way = *std::ranges::min_element(ways, {}, &CWay::m_fLength);
-  const bool isNear = 0.0 < way.m_fLength && way.m_fLength <= kBorderReach;
+  const double mx = BorderMargin(e.x0, e.x1);
+  const double my = BorderMargin(e.y0, e.y1);
+  const std::array<CWay, 4> ways{{{(end.m_fX - e.x0) / mx, e.x0, end.m_fY},
+                                  {(e.x1 - end.m_fX) / mx, e.x1, end.m_fY},
+                                  {(end.m_fY - e.y0) / my, end.m_fX, e.y0},
+                                  {(e.y1 - end.m_fY) / my, end.m_fX, e.y1}}};
+  const CWay& way = *std::ranges::min_element(ways, {}, &CWay::m_fMargins);
+  const bool isNear = 0.0 < way.m_fMargins && way.m_fMargins <= 1 + kMarginRounding;
   if (!isNear) return;
   CPtCstr border;
   border.m_fX = way.m_fX;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -15,6 +16,10 @@ struct CExtent {
   double y1 = 100.0;
   bool operator==(const CExtent&) const = default;
 };
+
+/// How far inside the model its border holds the cursor of whoever edits constraints: 0.1, at most a tenth of the
+/// extent from `low` to `high` (model units).
+inline double BorderMargin(double low, double high) { return std::min(0.1, 0.1 * (high - low)); }
 
 /// Bits of the flag word that every lattice point carries.
 namespace PointFlag {

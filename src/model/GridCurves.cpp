@@ -107,8 +107,9 @@ void CGrid::SetDiscMap() {
   Console() << "\nCGrid::SetDiscMap()\n";
   ReplaySubdivision();
   m_Curves.RemoveDegenerate();
-  RasteriseCurves();
+  // First of all, because it opens closed curves of two nodes.
   RefreshCurves();
+  RasteriseCurves();
   UpdateConstraintsFormCurves();
   for (const CPtCstr& c : m_GeneratedConstraints) {
     RefineToPoint(*m_pTree, m_Lattice.ColumnOf(c.m_fX), m_Lattice.RowOf(c.m_fY));

@@ -32,7 +32,9 @@ void CGrid::Post(int operation) {
 }
 
 void CGrid::PerformPendingWork() {
-  if (PerformOperations()) ReconstructSurface();
+  if (!PerformOperations()) return;
+  ReconstructSurface();
+  RefreshNormalCstrHeights();
 }
 
 bool CGrid::PerformOperations() {

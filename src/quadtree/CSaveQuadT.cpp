@@ -82,7 +82,10 @@ void CSubdivisionRecord::SetStartLevel(int depth) {
   std::size_t k = 0;
   std::size_t count = 1;
   for (int level = 0; level <= m_iDepth; ++level, count *= 4) {
-    for (const std::size_t end = k + count; k < end; ++k) m_aNodes[k].m_bLeaf = level == depth;
+    for (const std::size_t end = k + count; k < end; ++k) {
+      m_aNodes[k].m_bLeaf = level == depth;
+      m_aNodes[k].m_bSelected = false;
+    }
   }
 }
 

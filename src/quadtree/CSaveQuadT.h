@@ -64,8 +64,8 @@ class CSubdivisionRecord {
   CSaveQuadT& Root() { return m_aNodes.front(); }
   const CSaveQuadT& Root() const { return m_aNodes.front(); }
 
-  /// Exactly the nodes `depth` generations below the root become leaves, all others not. `depth` must lie in
-  /// 0..Depth().
+  /// Exactly the nodes `depth` generations below the root become leaves, all others not; nothing stays selected.
+  /// `depth` must lie in 0..Depth().
   void SetStartLevel(int depth);
   /// Splits down to the finest level wherever the wanted leaf at (gx, gy) (lattice coordinates) is coarser; what is
   /// split is selected no more. Nothing outside `tree`, whose cells the record mirrors, but a console line.

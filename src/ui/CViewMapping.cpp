@@ -11,11 +11,9 @@ constexpr double kMinZoom = 1e-6;
 constexpr double kMaxZoom = 1e6;
 constexpr double kZoomPerPixel = 0.005;
 constexpr int kMaxZoomStep = 20;
-constexpr double kMargin = 0.1;
-constexpr double kMarginOfSmallExtents = 0.1;
 
 double ClampedTo(double value, double low, double high) {
-  const double margin = std::min(kMargin, kMarginOfSmallExtents * (high - low));
+  const double margin = BorderMargin(low, high);
   return std::clamp(value, low + margin, high - margin);
 }
 

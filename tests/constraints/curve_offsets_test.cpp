@@ -70,6 +70,16 @@ TEST(CurveOffsetsTest, StraightCurveHasNeitherBNorC) {
   }
 }
 
+TEST(CurveOffsetsTest, RoundingMakesNoBend) {
+  for (int k = 1; k < 200; ++k) {
+    const double x = std::cos(0.1 * k);
+    const double y = std::sin(0.1 * k);
+    COffsetCurve test({{7, 3}, {7 + x / 3, 3 + y / 3}, {7 + 11 * x, 3 + 11 * y}});
+    EXPECT_TRUE(HasOnlyA(test.Left(1))) << k;
+    EXPECT_TRUE(HasOnlyA(test.Right(1))) << k;
+  }
+}
+
 TEST(CurveOffsetsTest, RightAngleToTheLeft) {
   COffsetCurve test({{0, 0}, {4, 0}, {4, 4}});
   const double half = kLength / std::numbers::sqrt2;
@@ -246,6 +256,19 @@ TEST(AutoBumpTest, DirectionTurnsFromNodeToNode) {
   const double y = -(1 - share) * 2 - share * std::numbers::sqrt2;
   EXPECT_NEAR(second.m_fP, x / std::hypot(x, y), 1e-12);
   EXPECT_NEAR(second.m_fQ, y / std::hypot(x, y), 1e-12);
+}
+
+TEST(AutoBumpTest, DirectionOfTheNextSegmentCountsFromItsStart) {
+  CBumpCurve test({{0, 0}, {6, 0}, {6, 6}}, CurveOption::kLeftAutoBump, 3, 45);
+  test.Generate();
+  // The side runs from (0, 2) by way of (4, 2) to (4, 6): the third of the row lies half way along its second part,
+  // between the right offsets (1.41, -1.41) and (2, 0).
+  const CPtCstr& third = *std::next(test.m_Generated.begin(), 2);
+  EXPECT_NEAR(third.m_fY, 4, 1e-12);
+  const double x = std::numbers::sqrt2 / 2 + 1;
+  const double y = -std::numbers::sqrt2 / 2;
+  EXPECT_NEAR(third.m_fP, x / std::hypot(x, y), 1e-12);
+  EXPECT_NEAR(third.m_fQ, y / std::hypot(x, y), 1e-12);
 }
 
 TEST(AutoBumpTest, ClosedCurveHasTheLastSegmentToo) {

@@ -138,6 +138,27 @@ TEST(TearTest, OpenEndAsFarOutAsTheCursorGoesReachesTheBorder) {
   EXPECT_EQ(Torn({{5.05, 15.9}, {5.05, 14.5}}).at({5, 15}) & 4U, 4U);
 }
 
+TEST(TearTest, ClosedCurveBesideTheBorderStaysOffIt) {
+  const CPlaces ring{{0.1, 5.05}, {3.5, 3.2}, {3.5, 7.4}};
+  EXPECT_EQ(Torn(ring).at({0, 5}) & 8U, 8U);
+  EXPECT_EQ(Torn(ring, true).at({0, 5}) & 8U, 0U);
+}
+
+// Over a model half a unit wide the cursor goes as far out as a tenth of that.
+TEST(TearTest, OpenEndInASmallModelIsContinuedOnlyFromWhereTheCursorStops) {
+  for (const auto& [end, reaches] : {std::pair{0.05, true}, {0.08, false}}) {
+    for (const bool across : {true, false}) {
+      const ConsoleCapture console;
+      CTestTree tree(4, 0, CExtent{0, 0.5, 0, 0.5});
+      const CPlaces places = across ? CPlaces{{end, 0.2}, {0.3, 0.2}} : CPlaces{{0.2, 0.5 - end}, {0.2, 0.3}};
+      const CTestCurve curve(places);
+      CCurveRasteriser(tree.m_Tree).Rasterise(curve.m_Curve);
+      const CQuadT& cell = across ? tree.m_Tree.CellAt(0, 0, 6) : tree.m_Tree.CellAt(0, 6, 15);
+      EXPECT_EQ(cell.HasFlag(CellFlag::kTriangles), reaches) << end;
+    }
+  }
+}
+
 TEST(TearTest, PartOutsideTheModelIsLeftOut) {
   EXPECT_EQ(Torn({{-5, 5.5}, {1.5, 5.5}}), Torn({{0, 5.5}, {1.5, 5.5}}));
   EXPECT_EQ(Torn({{-5, 5.5}, {-1, 9.5}}), CCells{});
@@ -244,6 +265,18 @@ TEST(CreaseTest, CellsOnBothSidesAreFine) {
   }
   for (const auto& [column, row] : tree.CreasePoints())
     EXPECT_TRUE(tree.m_Lattice.Has(tree.m_Lattice.Index(column, row), PointFlag::kInUse));
+}
+TEST(CreaseTest, CellsOnBothSidesAreFineAlsoWhereTheyHaveNoParentInCommon) {
+  CRasterTree across;
+  across.Draw({{2, 8}, {5, 8}}, CurveType::kNormal);
+  CRasterTree upwards;
+  upwards.Draw({{8, 2}, {8, 5}}, CurveType::kNormal);
+  for (const int beside : {7, 8}) {
+    for (int along = 1; along <= 5; ++along) {
+      EXPECT_TRUE(across.m_Tree.CellAt(0, along, beside).IsActive()) << along << ", " << beside;
+      EXPECT_TRUE(upwards.m_Tree.CellAt(0, beside, along).IsActive()) << beside << ", " << along;
+    }
+  }
 }
 TEST(CreaseTest, DiagonalOfACellIsMarked) {
   constexpr std::uint32_t kBothCreases = CellFlag::kRisingCrease | CellFlag::kFallingCrease;

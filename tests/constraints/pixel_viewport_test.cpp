@@ -107,6 +107,17 @@ TEST(PixelViewportTest, PanInSmallStepsLosesNothing) {
   EXPECT_EQ(view.First(), (CPixelPosition{10, 0}));
 }
 
+TEST(PixelViewportTest, PanGoesOnFromAZoomOnItsWay) {
+  CPixelViewport view = View();
+  view.ZoomBy(3, 0, 0);
+  view.BeginPan(200, 150);
+  view.PanTo(120, 70);
+  const auto pixel = view.PixelAt(120, 70);
+  view.ZoomBy(2, 120, 70);
+  view.PanTo(120, 70);
+  EXPECT_EQ(view.PixelAt(120, 70), pixel);
+}
+
 TEST(PixelViewportTest, PanStaysWithinThePicture) {
   CPixelViewport view = View();
   view.BeginPan(0, 0);

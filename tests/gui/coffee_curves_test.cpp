@@ -7,6 +7,7 @@
 #include "support/BmpBuilders.h"
 #include "support/CurveBuilders.h"
 #include "support/UpdateBuilders.h"
+#include "support/gui/Input.h"
 #include "support/gui/WindowTest.h"
 #include "ui/DrawingSettings.h"
 
@@ -36,11 +37,15 @@ class CoffeeCurvesTest : public WindowTest {
     Grid().Initialize(5, false, 0, 0, 100, 100);
     Grid().SetRunning(false);
     m_Window.GridView().ResetCamera();
+    // The mouse of the display must not enter a view of its own accord.
+    MovePointer({0, 0});
     ShowWindow();
     m_Dialogs.m_File = RELIEVO_SAMPLES "/coffee.bmp";
     Menu().Choose(MenuEntry::LoadImage);
     Menu().Choose(MenuEntry::ModelCurves);
     ClickOn(Control::CurveConstraint);
+    // The first key comes before the mouse.
+    View().take_focus();
   }
   CImageView& View() { return m_Window.ImageView(); }
   void PlaceMouse(const CSpot& spot) {
@@ -173,6 +178,7 @@ TEST_F(CoffeeCurvesTest, CupStandsInFrontOfItsSaucer) {
 
 TEST_F(CoffeeCurvesTest, CurvesAreDrawnOverBothViews) {
   DrawScene();
+  ASSERT_EQ(Grid().Curves().size(), 3U);
   Solve();
   m_Window.GridView().SetFlag(ModelFlag::kGrid, false);
   TurnModel();

@@ -66,6 +66,19 @@ TEST(GridCurvesTest, TracedCurveKeepsTheNodesThatMatter) {
   EXPECT_EQ(test.m_Grid.NextOperation(), 1024);
 }
 
+TEST(GridCurvesTest, TracedCurveHasTheOffsetsOfTheNodesThatAreKept) {
+  CCurveGrid traced;
+  traced.m_Grid.AddTracedCurve(PointsAt({{0, 21}, {0.2, 21.05}, {4, 21}, {7.8, 21.05}, {8, 21.3}, {8, 25}}), kTear,
+                               false);
+  CCurveGrid drawn;
+  drawn.Add(PlacesOf(traced.Curve()));
+  ASSERT_LT(traced.Curve().Nodes().size(), 6U);
+  for (int k = 0; k < static_cast<int>(traced.Curve().Nodes().size()); ++k) {
+    EXPECT_EQ(traced.Node(k).Offsets(CurveSide::Right).m_A.m_fX, drawn.Node(k).Offsets(CurveSide::Right).m_A.m_fX) << k;
+    EXPECT_EQ(traced.Node(k).Offsets(CurveSide::Left).m_A.m_fY, drawn.Node(k).Offsets(CurveSide::Left).m_A.m_fY) << k;
+  }
+}
+
 TEST(GridCurvesTest, TracedPointIsRefusedOnceAndGoesWithTheRebuild) {
   CCurveGrid test;
   test.m_Grid.AddTracedCurve(PointsAt({{0, 21}}), kTear, false);

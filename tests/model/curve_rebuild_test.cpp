@@ -82,6 +82,18 @@ TEST(CurveCodesTest, MergeCodeUndoesIt) {
   EXPECT_FALSE(test.m_Grid.Tree().CellAt(1, 4, 0).HasFlag(CellFlag::kSelected));
 }
 
+TEST(CurveCodesTest, OtherResolutionShowsItsOwnSelection) {
+  CCurveGrid test;
+  test.m_Grid.Subdivision().Root().Child(1).Child(0).SetSelected(true);
+  test.m_Grid.Subdivision().ShowSelection(test.m_Grid.Tree());
+  test.m_Grid.Post(Operation::kRestoreHigh);
+  test.m_Grid.UpdateGrid();
+  EXPECT_FALSE(test.m_Grid.Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
+  test.m_Grid.Post(Operation::kRestoreNormal);
+  test.m_Grid.UpdateGrid();
+  EXPECT_TRUE(test.m_Grid.Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
+}
+
 // Rebuild.
 
 TEST(CurveRebuildTest, StepsAreReportedInOrder) {
@@ -97,6 +109,15 @@ TEST(CurveRebuildTest, StepsAreReportedInOrder) {
                 points);
 }
 
+TEST(CurveRebuildTest, RasterisedTearsAreDrawn) {
+  CCurveGrid test;
+  test.Add(kPath);
+  test.m_Grid.PerformPendingWork();
+  test.m_Host.m_iRedraws = 0;
+  test.m_Grid.SetDiscMap();
+  EXPECT_GT(test.m_Host.m_iRedraws, 0);
+}
+
 TEST(CurveRebuildTest, ConstraintsInTheTearAreDisabledAndFreedWithIt) {
   CCurveGrid test;
   test.m_Grid.AddPtCstr(HeightCstr(4, 23, 1));
@@ -108,6 +129,18 @@ TEST(CurveRebuildTest, ConstraintsInTheTearAreDisabledAndFreedWithIt) {
   test.m_Grid.Curves().clear();
   test.m_Grid.SetDiscMap();
   EXPECT_FALSE(RecordAt(test.m_Grid.PointConstraints(), 0).HasKind(PtCstrKind::kDisabled));
+}
+
+TEST(CurveRebuildTest, GeneratedConstraintsInATearAreDisabled) {
+  CCurveGrid test;
+  test.Add({{0, 23}, {8, 23}}, CurveType::kFairness);
+  test.Curve().SetOption(CurveOption::kLeftAutoBump, true);
+  test.Add({{4, 20.5}, {6, 25.5}});
+  test.m_Grid.SetDiscMap();
+  int disabled = 0;
+  for (const CPtCstr& c : test.m_Grid.GeneratedConstraints()) disabled += c.HasKind(PtCstrKind::kDisabled) ? 1 : 0;
+  EXPECT_EQ(test.m_Grid.GeneratedConstraints().size(), 2U);
+  EXPECT_EQ(disabled, 1);
 }
 
 TEST(CurveRebuildTest, GeneratedConstraintsStandInFineCellsAndMakeRows) {
@@ -143,6 +176,19 @@ TEST(CurveRebuildTest, DeletedCurveLeavesTheTreeAsItWas) {
   EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 16);
   EXPECT_EQ(test.m_Grid.Lattice().Count(PointFlag::kCrease), 0U);
   test.m_Grid.Tree().ForEachLeaf([](const CQuadT& cell) { EXPECT_EQ(cell.Flags(), 0U); });
+}
+
+// From (0.1, 0.05) within its cell a segment to the right does not touch the triangle at the border by itself.
+TEST(CurveRebuildTest, ClosedCurveOfTwoNodesIsTornLikeTheOpenOneItBecomes) {
+  CCurveGrid open;
+  CCurveGrid closed;
+  for (CCurveGrid* test : {&open, &closed}) test->Add({{-3.4, 23.01875}, {8, 23.01875}});
+  closed.Curve().SetClosed(true);
+  for (CCurveGrid* test : {&open, &closed}) {
+    test->m_Grid.SetDiscMap();
+    EXPECT_FALSE(test->Curve().IsClosed());
+    EXPECT_EQ(test->m_Grid.Tree().CellAt(0, 0, 8).Flags(), CellFlag::kTriangles);
+  }
 }
 
 TEST(CurveRebuildTest, BothResolutionsHaveTheCurves) {
@@ -226,6 +272,31 @@ TEST(CurveAttributesTest, ExportMakesGeneratedConstraintsTheUsersOwn) {
   EXPECT_EQ(Occurrences(test.m_Console.Take(), "SetDiscMap"), 1) << "one rebuild for all points";
   EXPECT_TRUE(test.m_Grid.GeneratedConstraints().empty());
   EXPECT_EQ(test.m_Grid.PointConstraints().size(), generated.size());
+}
+
+TEST(CurveAttributesTest, ExportFollowsANodeThatHasJustBeenMoved) {
+  CAttributesGrid test;
+  CCurveGrid rebuilt;
+  rebuilt.Add({{0, 21}, {4, 25}, {8, 24}});
+  for (CCurveGrid* grid : {static_cast<CCurveGrid*>(&test), &rebuilt})
+    grid->Curve().SetOption(CurveOption::kRightAutoBump, true);
+  rebuilt.m_Grid.SetDiscMap();
+  test.Node(1).m_fY = 25;
+  test.m_Grid.ExportCurveConstraints(4, 25);
+  EXPECT_EQ(PlacesOf(test.m_Grid.PointConstraints()), PlacesOf(rebuilt.m_Grid.GeneratedConstraints()));
+}
+
+TEST(CurveAttributesTest, ExportedConstraintsTakeTheHeightUnderThemWithNoTick) {
+  CAttributesGrid test;
+  test.Curve().SetOption(CurveOption::kLeftAutoBump, true);
+  SetRandomSurface(test.m_Grid, 5);
+  test.m_Grid.ExportCurveConstraints(4, 22);
+  test.m_Grid.PerformPendingWork();
+  ASSERT_FALSE(test.m_Grid.PointConstraints().empty());
+  for (const CPtCstr& c : test.m_Grid.PointConstraints()) {
+    EXPECT_NE(c.m_fZ, 0);
+    EXPECT_EQ(c.m_fZ, SurfaceHeight(test.m_Grid, c.m_fX, c.m_fY));
+  }
 }
 
 TEST(CurveAttributesTest, ExportedConstraintsKeepTheirFineCellsWithoutTheCurve) {

@@ -252,6 +252,14 @@ TEST_F(GridConstraintsTest, TickKeepsTheHeightOfNormalsUpToDate) {
   EXPECT_EQ(RecordAt(List(), 2).m_fZ, 3);
 }
 
+TEST_F(GridConstraintsTest, PendingWorkBringsTheHeightOfNormalsUpToDate) {
+  Fill({SlopeCstr(2, 22), HeightCstr(3, 23, 6)}, "00");
+  Grid().Post(Operation::kRebuildMaps);
+  Grid().PerformPendingWork();
+  EXPECT_NEAR(RecordAt(List(), 0).m_fZ, m_Ramp(2, 22), 1e-9);
+  EXPECT_EQ(RecordAt(List(), 1).m_fZ, 6);
+}
+
 // Indices run over the lattice, whatever its extent.
 TEST_F(GridConstraintsTest, HeightAtTakesLatticeIndices) {
   EXPECT_NEAR(Grid().GetHeightAt(0, 0), m_Ramp(kOblong.x0, kOblong.y0), 1e-9);

@@ -125,6 +125,22 @@ TEST(SavedSelectionTest, RefinementAtAPointGoesDownToTheFinestLevel) {
   EXPECT_TRUE(record.Root().Child(0).IsLeaf());
 }
 
+struct CMiddlePoint {
+  double m_fX;
+  double m_fY;
+  int m_iChild;
+};
+
+TEST(SavedSelectionTest, RefinementTakesTheRightAndUpperChildOnTheMiddleLines) {
+  for (const CMiddlePoint& point : {CMiddlePoint{8, 3, 1}, {8, 8, 2}, {3, 8, 3}, {7.9, 7.9, 0}}) {
+    CTestTree test(4, 0);
+    CSubdivisionRecord record(4);
+    record.SetStartLevel(0);
+    record.RefineAt(test.m_Tree, point.m_fX, point.m_fY);
+    for (int k = 0; k < 4; ++k) EXPECT_EQ(record.Root().Child(k).IsLeaf(), k != point.m_iChild) << point.m_iChild;
+  }
+}
+
 TEST(SavedSelectionTest, RefinementOutsideTheTreeIsRefused) {
   CTestTree test(3, 1);
   CSubdivisionRecord record(3);

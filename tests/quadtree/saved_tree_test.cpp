@@ -41,6 +41,16 @@ TEST(SubdivisionRecord, StartLevelMakesExactlyThatGenerationLeaves) {
   }
 }
 
+TEST(SubdivisionRecord, StartLevelLeavesNothingSelected) {
+  CSubdivisionRecord record(3);
+  record.SetStartLevel(2);
+  record.Root().SetSelected(true);
+  record.Root().Child(1).Child(2).SetSelected(true);
+  record.Root().Child(1).Child(2).Child(0).SetSelected(true);
+  record.SetStartLevel(1);
+  NodesOf(record.Root(), 0, [](const CSaveQuadT& node, int) { EXPECT_FALSE(node.IsSelected()); });
+}
+
 TEST(SubdivisionRecord, StaysWholeWhenMoved) {
   CSubdivisionRecord record(2);
   record.Root().Child(3).subdiv();
