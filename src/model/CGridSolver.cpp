@@ -22,8 +22,9 @@ constexpr double kSmallResidual = 1e-9;
 // A residual computed afresh at a breakdown is worth iterating on if it has shrunk to this share since the last one.
 // Each time it does, the surface gains digits; when it no longer does, what is left is rounding.
 constexpr double kRefinement = 0.1;
-// Below this share of the residual at the restart there is nothing but rounding, and a singular system would be
-// iterated on for ever.
+// Below this share of what the constraints ask for there is nothing but rounding. The residual at the restart is no
+// measure of that, as the iteration may have come from far away; only where nothing is asked for it must do, or a
+// singular system would be iterated on for ever.
 constexpr double kRoundingFloor = 1e-14;
 
 // A restart with |r . A r| below this share of |r| |A r| has next to nothing to iterate on. Random starts are well
@@ -161,8 +162,9 @@ CGridSolver::Outcome CGridSolver::Iterate(std::span<double> x, int limit, const 
 bool CGridSolver::Refine(std::span<const double> x) {
   m_Residual.Refresh(m_System, x, m_afMultipliers, m_afTargets);
   const double before = std::exchange(m_fTrueNorm, m_Residual.ResidualNorm());
-  const bool worthwhile = m_fTrueNorm < kRefinement * before &&
-                          m_fTrueNorm > kRoundingFloor * std::max(m_Residual.StartNorm(), Norm(m_afTargets));
+  const double asked = Norm(m_afTargets);
+  const bool worthwhile =
+      m_fTrueNorm < kRefinement * before && m_fTrueNorm > kRoundingFloor * (asked > 0 ? asked : m_Residual.StartNorm());
   return worthwhile && !m_Residual.HasBrokenDown();
 }
 

@@ -168,6 +168,17 @@ TEST(FairTermsRuleTest, WithoutWeightThereIsNoTerm) {
   EXPECT_NE(test.Assembled(), plain);
 }
 
+TEST(FairTermsRuleTest, OneWeightedNodeIsEnough) {
+  for (const bool first : {true, false}) {
+    CFairGrid test(4, 2, 1);
+    CCntrCtrl& curve = test.Add({{-3.1, 20.3}, {11.9, 22.4}});
+    const Matrix plain = test.Assembled();
+    (first ? curve.Nodes().front() : curve.Nodes().back()).m_Weights.m_fLeftCurvature = 4;
+    test.ExpectAssembledAsExpected();
+    EXPECT_NE(test.Assembled(), plain) << first;
+  }
+}
+
 TEST(FairTermsRuleTest, OtherCurvesMakeNone) {
   CFairGrid test(3, 2, 0);
   CCntrCtrl& curve = test.Add({{-3.1, 20.3}, {4.2, 25.1}}, false, CurveType::kNormal);

@@ -184,7 +184,7 @@ TEST(GridTermsTest, EachMarkTakesTheMixedDifferenceOfItsCell) {
     CEnergyTree tree(2, 2);
     EXPECT_LT(tree.Entry({1, 1}, {1, 2}), 0.0);
     MakeLeaf(tree.m_Tree, 0, 1, 1, bit);
-    MakeLeaf(tree.m_Tree, 0, 0, 0, CellFlag::kSelected);
+    tree.m_Tree.CellAt(0, 0, 0).SetFlags(CellFlag::kSelected);
     EXPECT_EQ(tree.Entry({1, 2}, {2, 1}), 0.0) << bit;
     EXPECT_GT(tree.Entry({0, 1}, {1, 0}), 0.0) << bit;
   }

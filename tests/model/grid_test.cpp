@@ -187,6 +187,26 @@ TEST(GridTest, FirstTickRebuildsAfterInitialize) {
   EXPECT_EQ(test.m_Grid.NextOperation(), 0);
 }
 
+TEST(GridTest, InitializeForgetsWhatWasPosted) {
+  CTestGrid test(4, 2);
+  test.m_Grid.Post(Operation::kTransferToHigh);
+  test.m_Grid.Post(Operation::kRebuildMaps);
+  test.Initialize(2, true);
+  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+  test.m_Console.Take();
+  test.m_Grid.PerformPendingWork();
+  EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n25 points\n");
+  EXPECT_EQ(g_bHighRes, 0);
+}
+
+// No tick may come before the surface is written to a file.
+TEST(GridTest, PendingWorkOfANewGridLeavesItsNormals) {
+  CTestGrid test(4, 2);
+  test.m_Grid.PerformPendingWork();
+  EXPECT_EQ(test.m_Grid.Lattice().PointNormals()[0], (Vector3{0, 0, 1}));
+  EXPECT_EQ(test.m_Grid.Lattice().CellNormals()[0], (Vector3{0, 0, 1}));
+}
+
 TEST(GridTest, SystemIsSetUpOnce) {
   CTestGrid test(4, 2);
   test.m_Grid.SetSparseH();
@@ -274,7 +294,10 @@ TEST(GridTest, HighResolutionMakesTheOtherRecordTheCurrentOne) {
 TEST(GridTest, FreeAllDropsConstraintsAndUnknowns) {
   CTestGrid test;
   AddConstraints(test.m_Grid);
+  test.m_Grid.ListHeaders() = {3, 4, 5};
   test.m_Grid.FreeAll();
+  const CListHeaders& headers = test.m_Grid.ListHeaders();
+  EXPECT_EQ((std::array{headers.m_iPoints, headers.m_iCurves, headers.m_iRegions}), (std::array{0, 0, 0}));
   EXPECT_TRUE(test.m_Grid.PointConstraints().empty());
   EXPECT_TRUE(test.m_Grid.GeneratedConstraints().empty());
   EXPECT_EQ(test.m_Grid.ActivePointCount(), 0);

@@ -102,6 +102,18 @@ TEST_F(GridUpdateTest, RebuildMakesTheMatrixAnew) {
   EXPECT_LT(Solver().System().Smoothness().EntryCount(), entries);
 }
 
+TEST_F(GridUpdateTest, InitializeInTheMiddleOfTheIterationSetsTheSystemUp) {
+  AddSome();
+  Grid().UpdateGrid();
+  Console();
+  m_Test.Initialize(3, true);
+  EXPECT_TRUE(Console().ends_with("*** SetSparseH ***\n81 points\n"));
+  EXPECT_EQ(Grid().IterationCounter(), -1);
+  EXPECT_EQ(Solver().System().ConstraintCount(), 5U);
+  EXPECT_EQ(Tick(), "*** SetSparseH ***\n81 points\n");
+  EXPECT_EQ(Grid().IterationCounter(), 10);
+}
+
 TEST_F(GridUpdateTest, ChangedTargetCountsFromTheRestartOn) {
   AddSome();
   Grid().UpdateGrid();

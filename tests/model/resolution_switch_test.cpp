@@ -281,6 +281,16 @@ TEST_P(ResolutionSwitchTest, ConstraintsHoldAtBothResolutions) {
   }
 }
 
+TEST_P(ResolutionSwitchTest, GivenHeightsForgetTheOtherSurface) {
+  Switch(32);
+  NewSurface(41);
+  Switch(64);
+  Grid().SetHeights(std::vector<double>(25, 1.5));
+  EXPECT_EQ(Grid().MaxHeight(), 1.5);
+  Switch(32);
+  EXPECT_EQ(NodalHeights(Grid()), std::vector<double>(289, 0.0));
+}
+
 TEST_P(ResolutionSwitchTest, NewGridForgetsTheOtherSurface) {
   Switch(32);
   NewSurface(39);

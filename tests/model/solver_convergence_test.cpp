@@ -180,6 +180,17 @@ TEST_P(EditAfterConvergenceTest, ChangedHeightIsReached) {
   }
 }
 
+// What rounding leaves of such heights is large beside the surface that follows them.
+TEST_P(EditAfterConvergenceTest, HeightsFarAwayAreForgotten) {
+  for (const double z : {1e9, 1e12, 1e16}) {
+    Grid().SetSelectedHeight(z);
+    ASSERT_TRUE(RunUntilPaused(Grid(), 10000));
+    Grid().SetSelectedHeight(3);
+    ASSERT_TRUE(RunUntilPaused(Grid(), 10000));
+    ExpectSurfaceOfItsConstraints(Grid());
+  }
+}
+
 TEST_P(EditAfterConvergenceTest, ChangedSlopeIsReached) {
   SetSelection(Grid().PointConstraints(), "0001");
   for (const double slope : {0.125, -3.0, 1.0}) {
@@ -266,7 +277,8 @@ TEST(ContradictionTest, TheSameConstraintTwiceChangesNothing) {
 }
 
 TEST(ContradictionTest, SurfaceStaysFiniteAndRecovers) {
-  for (const double z : {1e200, std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
+  for (const double z : {1e152, 1e153, 1e154, 1e200, std::numeric_limits<double>::infinity(),
+                         std::numeric_limits<double>::quiet_NaN()}) {
     SCOPED_TRACE(z);
     CConvergedGrid test;
     SetSelection(test.m_Grid.PointConstraints(), "0100");

@@ -150,6 +150,7 @@ TEST(SolverResumeTest, TickThatConvergesWithWorkPendingGoesOn) {
   test.m_Grid.UpdateGrid();
   ASSERT_EQ(test.m_Grid.NextOperation(), 4);
   EXPECT_TRUE(test.m_Grid.IsRunning());
+  EXPECT_FALSE(test.m_Grid.Solver().HasConverged()) << "the next tick iterates";
   EXPECT_TRUE(RunUntilPaused(test.m_Grid, 3));
   EXPECT_EQ(test.m_Grid.NextOperation(), 0);
 }

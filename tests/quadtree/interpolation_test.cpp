@@ -94,8 +94,11 @@ TEST(CentreWeights, LeaveOutAMarkedSplitSide) {
 
 TEST(CentreWeights, TakeAllSidesWhereAllTrianglesAreMarked) {
   CSplitSides test({});
+  const Weights all{{{4, 4}, 0.25}, {{8, 4}, 0.25}, {{8, 8}, 0.25}, {{4, 8}, 0.25}};
   test.Cell().SetFlags(15);
-  EXPECT_EQ(WeightsOf(test, test.Cell()), (Weights{{{4, 4}, 0.25}, {{8, 4}, 0.25}, {{8, 8}, 0.25}, {{4, 8}, 0.25}}));
+  EXPECT_EQ(WeightsOf(test, test.Cell()), all);
+  test.Cell().SetFlags(CellFlag::kRisingCrease | CellFlag::kFallingCrease | CellFlag::kSelected);
+  EXPECT_EQ(WeightsOf(test, test.Cell()), all) << "whatever else is marked";
 }
 
 TEST(CentreWeights, DoNotLookAtOtherFlags) {

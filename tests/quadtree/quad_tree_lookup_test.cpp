@@ -52,6 +52,13 @@ TEST(PointLocation, ReportsACoordinateThatIsNotANumber) {
   EXPECT_EQ(ConsoleTextOf([&] { EXPECT_EQ(test.m_Tree.PointInCell_g(1.0, kNaN), nullptr); }), line);
 }
 
+TEST(PointLocation, ReportsATreeWithoutActiveCells) {
+  CTestTree test(2, 1);
+  test.m_Tree.SetStartLevel(3);  // below the finest cells
+  EXPECT_EQ(ConsoleTextOf([&] { EXPECT_EQ(test.m_Tree.PointInCell_g(2.5, 1.5), nullptr); }),
+            "Error CQuadT::PointInCell_g() stop == 0 but the highest level has been reached\n");
+}
+
 TEST(PointLocation, InModelUnitsIsStrictlyInside) {
   CTestTree test(2, 2);
   EXPECT_EQ(test.m_Tree.PointInCell(1.0, 20.5), &test.m_Tree.CellAt(0, 1, 0));
