@@ -30,7 +30,7 @@ export XDG_DATA_HOME=$prefix/home XDG_DATA_DIRS=$prefix/share:/usr/share
 update-mime-database "$prefix/share/mime"
 # With many constraints their end lies beyond the bytes that a desktop looks at.
 many=$prefix/many_constraints
-awk 'NR == 2 { print "0\t300"; next } NR == 3 { for (i = 13; i < 300; ++i) print } { print }' samples/coffee.grid >"$many"
+awk 'NR == 2 { n = $2; print "0\t300"; next } NR == 3 { for (i = n; i < 300; ++i) print } { print }' samples/coffee.grid >"$many"
 for model in samples/*.grid "$many"; do
   for name in model.grid nameless; do
     cp "$model" "$prefix/$name"

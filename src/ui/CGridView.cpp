@@ -43,9 +43,7 @@ void CGridView::SetFlag(std::uint32_t flag, bool on) {
   redraw();
 }
 
-void CGridView::ShowWaveletMode(WaveletMode mode) {
-  m_View.m_uFlags = (m_View.m_uFlags & ~kModeBits) | Bit(mode);
-}
+void CGridView::ShowWaveletMode(WaveletMode mode) { m_View.m_uFlags = (m_View.m_uFlags & ~kModeBits) | Bit(mode); }
 
 void CGridView::SelectWaveletMode(WaveletMode mode) {
   ShowWaveletMode(mode);
