@@ -14,9 +14,9 @@
 #include "model/CGrid.h"
 #include "support/BenchGrid.h"
 #include "support/Timing.h"
-#include "ui/CGridView.h"
-#include "ui/CTextures.h"
-#include "ui/DisplayFlags.h"
+#include "ui/drawing/CTextures.h"
+#include "ui/drawing/DisplayFlags.h"
+#include "ui/modelview/CGridView.h"
 
 namespace {
 

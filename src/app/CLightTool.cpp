@@ -2,8 +2,8 @@
 
 #include "model/CGrid.h"
 #include "quadtree/TreeNormals.h"
-#include "ui/CGridView.h"
-#include "ui/CImageViewUI.h"
+#include "ui/modelview/CGridView.h"
+#include "ui/window/CImageViewUI.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ui/CLightUI.h"
-#include "ui/LightingCommands.h"
-#include "ui/ToolWindow.h"
+#include "ui/lights/CLightUI.h"
+#include "ui/lights/LightingCommands.h"
+#include "ui/window/ToolWindow.h"
 
 class CGrid;
 class CImageViewUI;

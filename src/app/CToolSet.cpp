@@ -8,8 +8,8 @@
 #include "app/RecorderTool.h"
 #include "app/ScissorsTool.h"
 #include "model/CGrid.h"
-#include "ui/CImageViewUI.h"
-#include "ui/DrawingSettings.h"
+#include "ui/drawing/DrawingSettings.h"
+#include "ui/window/CImageViewUI.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "ui/CContourAttributesDialog.h"
-#include "ui/CDrawingOptionsDialog.h"
-#include "ui/CGridParametersDialog.h"
-#include "ui/CHeightFieldDialog.h"
+#include "ui/dialogs/CContourAttributesDialog.h"
+#include "ui/dialogs/CDrawingOptionsDialog.h"
+#include "ui/dialogs/CGridParametersDialog.h"
+#include "ui/dialogs/CHeightFieldDialog.h"
 
 class CGrid;
 class CImageViewUI;

@@ -3,12 +3,12 @@
 #include <chrono>
 #include <cstdint>
 
-#include "ui/AnimationRecorder.h"
-#include "ui/CGridView.h"
-#include "ui/CHelpLine.h"
-#include "ui/CImageViewUI.h"
-#include "ui/RecorderHost.h"
-#include "ui/RecorderView.h"
+#include "ui/modelview/CGridView.h"
+#include "ui/recorder/AnimationRecorder.h"
+#include "ui/recorder/RecorderHost.h"
+#include "ui/recorder/RecorderView.h"
+#include "ui/window/CHelpLine.h"
+#include "ui/window/CImageViewUI.h"
 
 namespace {
 

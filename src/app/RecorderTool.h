@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "ui/ToolWindow.h"
+#include "ui/window/ToolWindow.h"
 
 class CImageViewUI;
 

@@ -4,9 +4,9 @@
 
 #include "base/CPlanePoint.h"
 #include "model/CGrid.h"
-#include "ui/CImageViewUI.h"
-#include "ui/CScissorsView.h"
-#include "ui/ScissorsHost.h"
+#include "ui/scissors/CScissorsView.h"
+#include "ui/scissors/ScissorsHost.h"
+#include "ui/window/CImageViewUI.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "app/SolverTimer.h"
 #include "base/Console.h"
 #include "model/CGrid.h"
-#include "ui/CImageViewUI.h"
+#include "ui/window/CImageViewUI.h"
 
 namespace {
 

@@ -17,8 +17,8 @@
 #include "support/gui/CTemporaryDirectory.h"
 #include "support/gui/Input.h"
 #include "support/gui/ToolkitTest.h"
-#include "ui/AnimationRecorder.h"
-#include "ui/TimerInterval.h"
+#include "ui/recorder/AnimationRecorder.h"
+#include "ui/window/TimerInterval.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "support/UpdateBuilders.h"
 #include "support/gui/Input.h"
 #include "support/gui/WindowTest.h"
-#include "ui/DrawingSettings.h"
+#include "ui/drawing/DrawingSettings.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <FL/Fl_Check_Button.H>
 
 #include "support/gui/PanelTest.h"
-#include "ui/CContourAttributesDialog.h"
-#include "ui/CNumberInput.h"
+#include "ui/dialogs/CContourAttributesDialog.h"
+#include "ui/dialogs/CNumberInput.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "support/BmpBuilders.h"
 #include "support/CurveBuilders.h"
 #include "support/gui/ImageViewTest.h"
-#include "ui/DrawingSettings.h"
+#include "ui/drawing/DrawingSettings.h"
 
 namespace {
 

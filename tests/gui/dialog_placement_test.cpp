@@ -1,5 +1,5 @@
 #include "support/gui/PanelTest.h"
-#include "ui/DialogPlacement.h"
+#include "ui/dialogs/DialogPlacement.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <FL/Fl_Value_Slider.H>
 
 #include "support/gui/PanelTest.h"
-#include "ui/CDrawingOptionsDialog.h"
-#include "ui/ColourChoice.h"
+#include "ui/dialogs/CDrawingOptionsDialog.h"
+#include "ui/dialogs/ColourChoice.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <FL/Fl_Counter.H>
 
 #include "support/gui/PanelTest.h"
-#include "ui/CGridParametersDialog.h"
-#include "ui/CNumberInput.h"
+#include "ui/dialogs/CGridParametersDialog.h"
+#include "ui/dialogs/CNumberInput.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <FL/Fl_Box.H>
 
 #include "support/gui/PanelTest.h"
-#include "ui/CHeightFieldDialog.h"
+#include "ui/dialogs/CHeightFieldDialog.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 #include "model/PointProbe.h"
 #include "support/ConstraintBuilders.h"
 #include "support/gui/ImageViewTest.h"
-#include "ui/DrawingSettings.h"
-#include "ui/FrameBuffer.h"
+#include "ui/drawing/DrawingSettings.h"
+#include "ui/drawing/FrameBuffer.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "lighting/CLight.h"
 #include "support/ConsoleCapture.h"
 #include "support/gui/PanelTest.h"
-#include "ui/CLightUI.h"
+#include "ui/lights/CLightUI.h"
 
 namespace {
 

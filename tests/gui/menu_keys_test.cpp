@@ -9,7 +9,7 @@
 
 #include "support/KeyTable.h"
 #include "support/gui/WindowTest.h"
-#include "ui/CMainMenu.h"
+#include "ui/window/CMainMenu.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "support/CurveBuilders.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/ModelViewTest.h"
-#include "ui/DrawingSettings.h"
+#include "ui/drawing/DrawingSettings.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include "support/ConstraintBuilders.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/ModelViewTest.h"
-#include "ui/DisplayFlags.h"
-#include "ui/DrawingSettings.h"
+#include "ui/drawing/DisplayFlags.h"
+#include "ui/drawing/DrawingSettings.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include "support/UpdateBuilders.h"
 #include "support/gui/CHeldKey.h"
 #include "support/gui/ModelViewTest.h"
-#include "ui/CGridView.h"
-#include "ui/DisplayFlags.h"
+#include "ui/drawing/DisplayFlags.h"
+#include "ui/modelview/CGridView.h"
 
 namespace {
 

@@ -18,7 +18,7 @@
 #include "support/SamplePhotograph.h"
 #include "support/gui/CMonkey.h"
 #include "support/gui/CTemporaryDirectory.h"
-#include "ui/CImageViewUI.h"
+#include "ui/window/CImageViewUI.h"
 
 namespace {
 

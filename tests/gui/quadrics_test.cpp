@@ -1,4 +1,4 @@
-#include "ui/Quadrics.h"
+#include "ui/drawing/Quadrics.h"
 
 #include <array>
 #include <cstdlib>

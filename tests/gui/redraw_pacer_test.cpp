@@ -1,7 +1,7 @@
 #include <FL/Fl.H>
 #include <gtest/gtest.h>
 
-#include "ui/CRedrawPacer.h"
+#include "ui/window/CRedrawPacer.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 
 #include "support/gui/WindowTest.h"
-#include "ui/WindowLayout.h"
+#include "ui/window/WindowLayout.h"
 
 namespace {
 

@@ -13,8 +13,8 @@
 #include "support/ScissorsBuilders.h"
 #include "support/gui/Input.h"
 #include "support/gui/ToolkitTest.h"
-#include "ui/CScissorsView.h"
-#include "ui/ScissorsHost.h"
+#include "ui/scissors/CScissorsView.h"
+#include "ui/scissors/ScissorsHost.h"
 
 namespace {
 

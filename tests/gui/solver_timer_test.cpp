@@ -2,8 +2,8 @@
 
 #include "app/SolverTimer.h"
 #include "support/gui/ToolkitTest.h"
-#include "ui/CImageViewUI.h"
-#include "ui/TimerInterval.h"
+#include "ui/window/CImageViewUI.h"
+#include "ui/window/TimerInterval.h"
 
 namespace {
 

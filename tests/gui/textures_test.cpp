@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "support/gui/ModelViewTest.h"
-#include "ui/CTextures.h"
-#include "ui/DisplayFlags.h"
+#include "ui/drawing/CTextures.h"
+#include "ui/drawing/DisplayFlags.h"
 
 namespace {
 

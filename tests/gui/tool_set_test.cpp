@@ -18,7 +18,7 @@
 #include "support/gui/Pictures.h"
 #include "support/gui/Widgets.h"
 #include "support/gui/WindowTest.h"
-#include "ui/DrawingSettings.h"
+#include "ui/drawing/DrawingSettings.h"
 
 namespace {
 

@@ -8,10 +8,10 @@
 
 #include "app/SolverTimer.h"
 #include "support/gui/ToolkitTest.h"
-#include "ui/CGridView.h"
-#include "ui/CImageView.h"
-#include "ui/CImageViewUI.h"
-#include "ui/DisplayFlags.h"
+#include "ui/drawing/DisplayFlags.h"
+#include "ui/imageview/CImageView.h"
+#include "ui/modelview/CGridView.h"
+#include "ui/window/CImageViewUI.h"
 
 namespace {
 

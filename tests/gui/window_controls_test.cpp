@@ -9,7 +9,7 @@
 
 #include "support/gui/LabelSize.h"
 #include "support/gui/WindowTest.h"
-#include "ui/HelpButtons.h"
+#include "ui/window/HelpButtons.h"
 
 namespace {
 

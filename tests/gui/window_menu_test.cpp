@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "support/gui/WindowTest.h"
-#include "ui/DrawingSettings.h"
+#include "ui/drawing/DrawingSettings.h"
 
 namespace {
 

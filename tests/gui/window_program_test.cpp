@@ -7,7 +7,7 @@
 #include "support/gui/CRelievo.h"
 #include "support/gui/Input.h"
 #include "support/gui/WaitUntil.h"
-#include "ui/Controls.h"
+#include "ui/window/Controls.h"
 
 namespace {
 

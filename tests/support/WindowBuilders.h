@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "support/GridBuilders.h"
-#include "ui/CSolverControl.h"
-#include "ui/GridCommands.h"
+#include "ui/window/CSolverControl.h"
+#include "ui/window/GridCommands.h"
 
 /// A panel of the solver that remembers what it shows.
 class RecordingPanel : public SolverPanel {

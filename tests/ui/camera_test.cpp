@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "support/ConsoleCapture.h"
-#include "ui/CCamera.h"
+#include "ui/modelview/CCamera.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "support/AllocationCount.h"
 #include "support/CurveBuilders.h"
 #include "support/GridBuilders.h"
-#include "ui/CCurveArrays.h"
+#include "ui/drawing/CCurveArrays.h"
 
 namespace {
 

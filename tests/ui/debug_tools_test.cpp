@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ui/DebugTools.h"
+#include "ui/window/DebugTools.h"
 
 namespace {
 

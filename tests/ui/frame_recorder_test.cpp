@@ -4,7 +4,7 @@
 
 #include "support/RecorderBuilders.h"
 #include "support/gui/CTemporaryDirectory.h"
-#include "ui/FrameExport.h"
+#include "ui/recorder/FrameExport.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "support/GridBuilders.h"
-#include "ui/CPlaneArrays.h"
+#include "ui/imageview/CPlaneArrays.h"
 
 namespace {
 

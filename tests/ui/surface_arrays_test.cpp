@@ -10,7 +10,7 @@
 
 #include "support/AllocationCount.h"
 #include "support/GridBuilders.h"
-#include "ui/CSurfaceArrays.h"
+#include "ui/modelview/CSurfaceArrays.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "support/AllocationCount.h"
 #include "support/GridBuilders.h"
-#include "ui/CTexelArrays.h"
+#include "ui/modelview/CTexelArrays.h"
 
 namespace {
 

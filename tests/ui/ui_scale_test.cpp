@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ui/UiScale.h"
+#include "ui/window/UiScale.h"
 
 namespace {
 

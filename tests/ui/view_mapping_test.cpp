@@ -5,7 +5,7 @@
 #include "model/Globals.h"
 #include "support/TreeBuilders.h"
 #include "support/UpdateBuilders.h"
-#include "ui/CViewMapping.h"
+#include "ui/imageview/CViewMapping.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <rapidcheck/gtest.h>
 
 #include "support/ConsoleCapture.h"
-#include "ui/WindowLayout.h"
+#include "ui/window/WindowLayout.h"
 
 namespace {
 

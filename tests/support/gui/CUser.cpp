@@ -8,7 +8,7 @@
 #include "support/gui/CClipboard.h"
 #include "support/gui/Input.h"
 #include "support/gui/WaitUntil.h"
-#include "ui/WindowLayout.h"
+#include "ui/window/WindowLayout.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "support/gui/CRelievo.h"
-#include "ui/Controls.h"
+#include "ui/window/Controls.h"
 
 /// Titles of the menu bar, from left to right.
 enum class MenuTitle : std::size_t { File, ImageView, ModelView, Shoot, Advanced };

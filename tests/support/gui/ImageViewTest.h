@@ -9,9 +9,9 @@
 #include "support/BmpBuilders.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/ToolkitTest.h"
-#include "ui/CImageView.h"
-#include "ui/CTextures.h"
-#include "ui/ViewHost.h"
+#include "ui/drawing/CTextures.h"
+#include "ui/imageview/CImageView.h"
+#include "ui/window/ViewHost.h"
 
 /// Remembers what a view asked of the window around it.
 class CRecordingViewHost : public ViewHost {

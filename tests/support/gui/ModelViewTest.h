@@ -15,9 +15,9 @@
 #include "support/gui/CTemporaryDirectory.h"
 #include "support/gui/Pictures.h"
 #include "support/gui/ToolkitTest.h"
-#include "ui/CGridView.h"
-#include "ui/CTextures.h"
-#include "ui/ViewHost.h"
+#include "ui/drawing/CTextures.h"
+#include "ui/modelview/CGridView.h"
+#include "ui/window/ViewHost.h"
 
 /// A window around a view that counts what it is asked for.
 class CRecordingViewHost : public ViewHost {

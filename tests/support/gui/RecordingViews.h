@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "ui/ViewHost.h"
+#include "ui/window/ViewHost.h"
 
 /// The window around the views, reduced to a memory of what a panel asked of it.
 class RecordingViews : public ViewHost {

@@ -14,11 +14,11 @@
 #include "app/SolverTimer.h"
 #include "support/gui/CTemporaryDirectory.h"
 #include "support/gui/ToolkitTest.h"
-#include "ui/CGridView.h"
-#include "ui/CHelpLine.h"
-#include "ui/CImageView.h"
-#include "ui/CImageViewUI.h"
-#include "ui/TimerInterval.h"
+#include "ui/imageview/CImageView.h"
+#include "ui/modelview/CGridView.h"
+#include "ui/window/CHelpLine.h"
+#include "ui/window/CImageViewUI.h"
+#include "ui/window/TimerInterval.h"
 
 /// Answers all questions in the same way and remembers them.
 class ScriptedDialogs : public UserDialogs {

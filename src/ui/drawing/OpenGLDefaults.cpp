@@ -1,0 +1,29 @@
+#include "ui/drawing/OpenGLDefaults.h"
+
+#include <array>
+
+#include <FL/Fl_Gl_Window.H>
+#include <GL/gl.h>
+
+void SetOpenGLDefaults() {
+  glEnable(GL_LINE_SMOOTH);
+  glEnable(GL_BLEND);
+  glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+  glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
+  glShadeModel(GL_SMOOTH);
+
+  constexpr std::array<GLfloat, 4> kSpecular{1.0F, 1.0F, 1.0F, 1.0F};
+  constexpr GLfloat kShininess = 50.0F;
+  constexpr std::array<GLfloat, 4> kDiffuse{0.0F, 0.0F, 1.0F, 0.0F};
+  glMaterialfv(GL_FRONT, GL_SPECULAR, kSpecular.data());
+  glMaterialf(GL_FRONT, GL_SHININESS, kShininess);
+  glLightfv(GL_LIGHT0, GL_DIFFUSE, kDiffuse.data());
+
+  glEnable(GL_DEPTH_TEST);
+  glEnable(GL_COLOR_MATERIAL);
+}
+
+void PrepareContext(Fl_Gl_Window& view) {
+  if (view.context_valid() == 0) SetOpenGLDefaults();
+  if (view.valid() == 0) glViewport(0, 0, view.pixel_w(), view.pixel_h());
+}

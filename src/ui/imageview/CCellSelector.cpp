@@ -1,0 +1,122 @@
+#include "ui/imageview/CCellSelector.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include <FL/Fl.H>
+
+#include "model/CGrid.h"
+#include "ui/window/ViewHost.h"
+
+namespace {
+
+// A hand that clicks moves the mouse a little.
+constexpr int kClickPixels = 3;
+
+}  // namespace
+
+int CCellSelector::Handle(int event) {
+  switch (event) {
+    case FL_PUSH:
+      Press();
+      return 1;
+    case FL_DRAG:
+      Drag();
+      return 1;
+    case FL_RELEASE:
+      Release();
+      return 1;
+    case FL_KEYBOARD:
+      return Key();
+    default:
+      return 0;
+  }
+}
+
+bool CCellSelector::IsFarFrom(const CPress& press) {
+  return std::max(std::abs(Fl::event_x() - press.m_iX), std::abs(Fl::event_y() - press.m_iY)) > kClickPixels;
+}
+
+void CCellSelector::Press() {
+  EndDrag();
+  if (Fl::event_button() == FL_LEFT_MOUSE) m_Press = {Cursor(), Fl::event_x(), Fl::event_y()};
+}
+
+void CCellSelector::Drag() {
+  if (!m_Press) return;
+  m_Opposite = IsFarFrom(*m_Press) ? std::optional(Cursor()) : std::nullopt;
+  m_Host.RedrawImageView();
+}
+
+void CCellSelector::Release() {
+  if (!m_Press) return;
+  const CPress press = *m_Press;
+  const bool click = !IsFarFrom(press);
+  EndDrag();
+  if (click) {
+    RefineAt(press.m_Place);
+  } else {
+    Select(press.m_Place, Cursor());
+  }
+  RedrawBoth();
+}
+
+void CCellSelector::EndDrag() {
+  m_Press.reset();
+  m_Opposite.reset();
+}
+
+std::optional<CExtent> CCellSelector::Rectangle() const {
+  if (!m_Press || !m_Opposite) return std::nullopt;
+  const CPlanePoint& a = m_Press->m_Place;
+  const CPlanePoint& b = *m_Opposite;
+  return CExtent{std::min(a.x, b.x), std::max(a.x, b.x), std::min(a.y, b.y), std::max(a.y, b.y)};
+}
+
+void CCellSelector::RefineAt(const CPlanePoint& place) {
+  if (!m_Mapping.IsInside(place)) return;
+  const CLattice& lattice = m_Grid.Lattice();
+  m_Grid.Subdivision().RefineAt(m_Grid.Tree(), lattice.ColumnOf(place.x), lattice.RowOf(place.y));
+  m_Grid.Subdivision().ShowSelection(m_Grid.Tree());
+  m_Grid.Post(Operation::kRebuildMaps);
+}
+
+void CCellSelector::Select(const CPlanePoint& a, const CPlanePoint& b) {
+  const CLattice& lattice = m_Grid.Lattice();
+  CSubdivisionRecord& record = m_Grid.Subdivision();
+  record.SelectRectangle(m_Grid.Tree(), lattice.ColumnOf(a.x), lattice.RowOf(a.y), lattice.ColumnOf(b.x),
+                         lattice.RowOf(b.y));
+  record.ShowSelection(m_Grid.Tree());
+}
+
+// Menu shortcuts have these characters' keys, too. On a keyboard "+" may be anywhere.
+int CCellSelector::Key() {
+  if (Fl::event_state(FL_CTRL | FL_ALT | FL_META) != 0) return 0;
+  const char* text = Fl::event_text();
+  const int typed = text != nullptr && *text != '\0' ? *text : Fl::event_key();
+  if (typed == '+' || typed == '=') {
+    m_Grid.Post(Operation::kSubdivide);
+  } else if (typed == '-') {
+    m_Grid.Post(Operation::kMerge);
+  } else if (Fl::event_key() == FL_Escape) {
+    EndDrag();
+    ClearSelection();
+  } else {
+    return 0;
+  }
+  RedrawBoth();
+  return 1;
+}
+
+void CCellSelector::Begin() { m_Grid.Subdivision().ShowSelection(m_Grid.Tree()); }
+
+void CCellSelector::End() {
+  EndDrag();
+  m_Grid.Subdivision().ShowSelection(m_Grid.Tree());
+  m_Grid.Subdivision().ClearSelection();
+}
+
+void CCellSelector::ClearSelection() {
+  m_Grid.Subdivision().ClearSelection();
+  m_Grid.Subdivision().ShowSelection(m_Grid.Tree());
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <optional>
+
+#include "ui/imageview/CPlaneHandler.h"
+
+/// The manual subdivision: a click refines the grid at a point, a drag selects the cells in a rectangle, keys split and
+/// merge what is selected.
+class CCellSelector : public CPlaneHandler {
+ public:
+  CCellSelector(CGrid& grid, const CViewMapping& mapping, ViewHost& host) : CPlaneHandler(grid, mapping, host) {}
+
+  /// 1 if the event was used, 0 if it is somebody else's.
+  int Handle(int event);
+  /// Forgets the press: its release does nothing.
+  void EndDrag();
+  /// Brings the cells' marks up to the selection.
+  void Begin();
+  /// The same, and ends the selection without splitting anything.
+  void End();
+  /// What the drag under way spans; nothing while the mouse is near where it was pressed.
+  std::optional<CExtent> Rectangle() const;
+
+ private:
+  struct CPress {
+    CPlanePoint m_Place;
+    int m_iX;
+    int m_iY;
+  };
+  static bool IsFarFrom(const CPress& press);
+  void Press();
+  void Drag();
+  void Release();
+  void RefineAt(const CPlanePoint& place);
+  void Select(const CPlanePoint& a, const CPlanePoint& b);
+  int Key();
+  void ClearSelection();
+
+  std::optional<CPress> m_Press;
+  std::optional<CPlanePoint> m_Opposite;  ///< the corner of the rectangle under the mouse
+};

@@ -1,0 +1,317 @@
+#include "ui/imageview/CImageView.h"
+
+#include <algorithm>
+
+#include <FL/Fl.H>
+#include <GL/gl.h>
+#include <GL/glu.h>
+
+#include "base/Console.h"
+#include "io/Bmp.h"
+#include "model/CGrid.h"
+#include "model/Globals.h"
+#include "ui/drawing/CTextures.h"
+#include "ui/drawing/DrawingSettings.h"
+#include "ui/drawing/FrameBuffer.h"
+#include "ui/drawing/OpenGLDefaults.h"
+#include "ui/drawing/Quadrics.h"
+#include "ui/imageview/CurvePainter.h"
+#include "ui/window/ViewHost.h"
+
+namespace {
+
+// The events that say where the mouse is or what it and the keys do; the others come and go with the window.
+bool IsInput(int event) {
+  switch (event) {
+    case FL_ENTER:
+    case FL_LEAVE:
+    case FL_MOVE:
+    case FL_PUSH:
+    case FL_DRAG:
+    case FL_RELEASE:
+    case FL_MOUSEWHEEL:
+    case FL_KEYBOARD:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// With these keys the toolkit would move the focus to another widget.
+bool IsNavigationKey() {
+  switch (Fl::event_key()) {
+    case FL_Tab:
+    case FL_Left:
+    case FL_Right:
+    case FL_Up:
+    case FL_Down:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+CImageView::CImageView(int x, int y, int w, int h) : Fl_Gl_Window(x, y, w, h) {}
+
+void CImageView::AttachGrid(CGrid& grid, ViewHost& host) {
+  m_pGrid = &grid;
+  m_pHost = &host;
+  m_PositionHandler.emplace(grid, m_Mapping, host);
+  m_NormalHandler.emplace(grid, m_Mapping, host, m_uDisplayFlags);
+  m_CurveHandler.emplace(grid, m_Mapping, host, m_iCurveType);
+  m_Selector.emplace(grid, m_Mapping, host);
+  UpdateMapping();
+  redraw();
+}
+
+void CImageView::SetDisplayFlags(std::uint32_t flags) {
+  m_uDisplayFlags = flags;
+  redraw();
+}
+
+void CImageView::SetDebugFlags(std::uint32_t flags) {
+  const bool toggled = ((m_uDebugFlags ^ flags) & DebugFlag::kSelectCells) != 0;
+  const std::uint32_t cleared = m_uDebugFlags & ~flags;
+  m_uDebugFlags = flags;
+  if ((cleared & (DebugFlag::kReadOuts | DebugFlag::kInterpolation)) != 0 && m_pGrid != nullptr)
+    m_Debug.SwitchOff(*m_pGrid, flags, *m_pHost);
+  if (toggled && m_Selector) {
+    if ((flags & DebugFlag::kSelectCells) != 0) {
+      EndDrag();
+      m_Selector->Begin();
+    } else {
+      m_Selector->End();
+    }
+  }
+  redraw();
+}
+
+void CImageView::SetMode(EditingMode mode) {
+  EndDrag();
+  m_Mode = mode;
+  Unselect();
+}
+
+void CImageView::SetCurveType(int type) {
+  m_iCurveType = type;
+  Unselect();
+}
+
+void CImageView::Unselect() {
+  if (m_pGrid != nullptr) m_pGrid->UnselectAll();
+  redraw();
+}
+
+bool CImageView::LoadImage(const std::string& filename) {
+  const std::optional<Global::CLoadedPicture> loaded = Global::LoadBMP(filename, 1);
+  if (!loaded.has_value()) {
+    m_pHost->Notice(("The picture " + filename + " cannot be read.").c_str());
+    return false;
+  }
+  const int width = CTextureImages::PaddedSide(loaded->m_Picture.m_iWidth);
+  const int height = CTextureImages::PaddedSide(loaded->m_Picture.m_iHeight);
+  if (!FitsGraphicsCard(width, height)) {
+    m_pHost->Notice(("The picture " + filename + " is too large for the graphics card.").c_str());
+    return false;
+  }
+  if (!m_pGrid->SetPicture(loaded->m_Picture)) {
+    m_pHost->Notice(("The picture " + filename + " is empty, or too large for the memory.").c_str());
+    return false;
+  }
+  Console() << "CImageView::LoadImage\tNew texture generated. new_width : " << width << ", new_height : " << height
+            << '\n';
+  if (m_pTextures != nullptr && shown() != 0) {
+    make_current();
+    m_pTextures->Load(m_pGrid->Textures());
+  }
+  m_pGrid->TestTexelsInDiscontinuity();
+  m_TextureFileName = filename;
+  redraw();
+  if (loaded->m_bEndsEarly) m_pHost->Notice(("The picture " + filename + " ends early.").c_str());
+  return true;
+}
+
+bool CImageView::FitsGraphicsCard(int width, int height) {
+  if (shown() == 0) return true;
+  make_current();
+  GLint limit = 0;
+  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+  return std::max(width, height) <= limit;
+}
+
+void CImageView::ResetView() {
+  m_Mapping.Reset();
+  redraw();
+}
+
+void CImageView::ShowInterpolation(const CInterpolationTrace& trace) {
+  m_Debug.ShowInterpolation(*m_pGrid, trace);
+  redraw();
+}
+
+bool CImageView::SaveFrame(const std::string& filename) {
+  if (shown() == 0) return false;
+  make_current();
+  draw();
+  return Global::SaveFrameBuffer(filename);
+}
+
+void CImageView::UpdateMapping() {
+  m_Mapping.SetExtent(m_pGrid->Lattice().Extent());
+  m_Mapping.SetSize(w(), h());
+}
+
+void CImageView::draw() {
+  PrepareContext(*this);
+  if (m_pGrid != nullptr) DrawScene();
+}
+
+void CImageView::DrawScene() {
+  const auto& [red, green, blue, alpha] = g_DrawingSettings.m_afBackground;
+  glEnable(GL_DEPTH_TEST);
+  glDepthFunc(GL_LEQUAL);
+  glClearColor(red, green, blue, alpha);
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+
+  UpdateMapping();
+  const CExtent shownNow = m_Mapping.Visible();
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  glOrtho(shownNow.x0, shownNow.x1, shownNow.y0, shownNow.y1, -100, 100);
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+  gluLookAt(0, 0, 1, 0, 0, 0, 0, 1, 0);
+
+  const bool selecting = (m_uDebugFlags & DebugFlag::kSelectCells) != 0;
+  m_Painter.Draw(*m_pGrid, {m_uDisplayFlags, selecting, m_pTextures});
+  m_Debug.Draw(*m_pGrid, m_uDebugFlags);
+  DrawTools();
+}
+
+// What follows the mouse.
+void CImageView::DrawTools() const {
+  if (m_Mode == EditingMode::Curve) DrawPendingCurve(*m_pGrid, m_CurveHandler->LooseEnd());
+  if (const std::optional<CExtent> rect = m_Selector->Rectangle()) {
+    glColor3d(1, 1, 1);
+    glLineWidth(1);
+    glBegin(GL_LINE_LOOP);
+    glVertex2d(rect->x0, rect->y0), glVertex2d(rect->x1, rect->y0);
+    glVertex2d(rect->x1, rect->y1), glVertex2d(rect->x0, rect->y1);
+    glEnd();
+  }
+  if ((m_uDebugFlags & DebugFlag::kFreeze) != 0 && m_Brush.IsPlaced()) DrawBrush();
+}
+
+void CImageView::DrawBrush() const {
+  constexpr double kThickness = 0.4;
+  const CPlanePoint place = m_Brush.Place(m_Mapping);
+  glColor3d(1, 1, 1);
+  draw_disc(place.x, place.y, 0, 0, 0, 1, CGrid::kFreezeRadius * g_fZoom, kThickness * g_fZoom);
+}
+
+int CImageView::handle(int event) {
+  if (m_pGrid == nullptr) return Fl_Gl_Window::handle(event);
+  if (event == FL_FOCUS || event == FL_UNFOCUS) return 1;
+  if (!IsInput(event)) return Fl_Gl_Window::handle(event);
+  UpdateMapping();
+  if (event == FL_ENTER || event == FL_PUSH) take_focus();
+  ShowPointer();
+  if (HandleUsed(event)) return 1;
+  const bool kept =
+      event == FL_ENTER || event == FL_LEAVE || event == FL_MOVE || (event == FL_KEYBOARD && IsNavigationKey());
+  return kept ? 1 : Fl_Gl_Window::handle(event);
+}
+
+// What the debug zone says of the place under the mouse.
+void CImageView::ShowPointer() {
+  if (m_pHost->ShowsDebugZone())
+    m_pHost->ShowPointerInside(m_Mapping.IsInside(m_Mapping.ToModel(Fl::event_x(), Fl::event_y())));
+  constexpr std::uint32_t kTools = DebugFlag::kReadOuts | DebugFlag::kNormalTest | DebugFlag::kInterpolation;
+  if ((m_uDebugFlags & kTools) == 0) return;
+  const int x = std::clamp(Fl::event_x(), 0, std::max(w() - 1, 0));
+  const int y = std::clamp(Fl::event_y(), 0, std::max(h() - 1, 0));
+  m_Debug.Look(*m_pGrid, m_uDebugFlags, m_Mapping.ToModel(x, y), *m_pHost);
+  redraw();
+  m_pHost->RedrawModelView();
+}
+
+bool CImageView::HandleUsed(int event) {
+  if ((m_uDebugFlags & DebugFlag::kSelectCells) != 0) return m_Selector->Handle(event) != 0;
+  const bool freezing = (m_uDebugFlags & DebugFlag::kFreeze) != 0;
+  const bool painted = freezing && m_Brush.Handle(event, *m_pGrid, m_Mapping);
+  if (freezing) redraw();
+  if (HandleViewDrag(event) || painted) return true;
+  switch (m_Mode) {
+    case EditingMode::Curve:
+      return HandleCurveCstr(event) != 0;
+    case EditingMode::Position:
+      return HandlePtPosCstr(event) != 0;
+    default:
+      return HandlePtNormCstr(event) != 0;
+  }
+}
+
+int CImageView::HandlePtPosCstr(int event) { return m_PositionHandler->Handle(event); }
+
+int CImageView::HandlePtNormCstr(int event) { return m_NormalHandler->Handle(event); }
+
+int CImageView::HandleCurveCstr(int event) { return m_CurveHandler->Handle(event); }
+
+bool CImageView::HandleViewDrag(int event) {
+  switch (event) {
+    case FL_PUSH:
+      EndViewDrag();
+      if (Fl::event_state(FL_SHIFT) == 0) return false;
+      BeginViewDrag();
+      return true;
+    case FL_DRAG:
+      if (m_iDragButton == 0) return false;
+      ContinueViewDrag();
+      return true;
+    case FL_RELEASE:
+      if (m_iDragButton == 0) return false;
+      EndViewDrag();
+      return true;
+    default:
+      return false;
+  }
+}
+
+void CImageView::BeginViewDrag() {
+  m_pHost->PauseSolverForCommand();
+  m_iDragButton = Fl::event_button();
+  m_iMouseX = Fl::event_x();
+  m_iMouseY = Fl::event_y();
+  m_DragPlace = m_Mapping.ToModelUnpanned(m_iMouseX, m_iMouseY);
+}
+
+void CImageView::ContinueViewDrag() {
+  if (m_iDragButton == FL_MIDDLE_MOUSE) {
+    CViewMapping::Zoom(Fl::event_x() - m_iMouseX, Fl::event_y() - m_iMouseY);
+  } else if (m_iDragButton == FL_LEFT_MOUSE) {
+    const CPlanePoint place = m_Mapping.ToModelUnpanned(Fl::event_x(), Fl::event_y());
+    m_Mapping.Pan(m_DragPlace.x - place.x, m_DragPlace.y - place.y);
+    m_DragPlace = place;
+  }
+  m_iMouseX = Fl::event_x();
+  m_iMouseY = Fl::event_y();
+  redraw();
+}
+
+void CImageView::EndViewDrag() {
+  if (m_iDragButton == 0) return;
+  m_iDragButton = 0;
+  m_pHost->ResumeAfterCommand();
+}
+
+void CImageView::EndDrag() {
+  if (m_pGrid == nullptr) return;
+  EndViewDrag();
+  m_Brush.EndDrag();
+  m_PositionHandler->EndDrag();
+  m_NormalHandler->EndDrag();
+  m_CurveHandler->EndDrag();
+  m_Selector->EndDrag();
+}

@@ -1,0 +1,107 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include <FL/Fl_Gl_Window.H>
+
+#include "ui/drawing/DisplayFlags.h"
+#include "ui/imageview/CCellSelector.h"
+#include "ui/imageview/CDebugOverlay.h"
+#include "ui/imageview/CFreezeBrush.h"
+#include "ui/imageview/CViewMapping.h"
+#include "ui/imageview/CurveHandler.h"
+#include "ui/imageview/PicturePainter.h"
+#include "ui/imageview/PtCstrHandlers.h"
+
+class CGrid;
+class CTextures;
+class ViewHost;
+struct CInterpolationTrace;
+
+/// The left view: the picture, what is drawn over it, and the mouse and keys that edit constraints on it.
+class CImageView : public Fl_Gl_Window {
+ public:
+  CImageView(int x, int y, int w, int h);
+
+  /// The grid to show and the window around the view; both must outlive it. Until then the view draws nothing and
+  /// leaves all events to the toolkit.
+  void AttachGrid(CGrid& grid, ViewHost& host);
+  /// Where the picture lies on the graphics card; it must outlive the view. Without it no picture is drawn.
+  void AttachTextures(CTextures& textures) { m_pTextures = &textures; }
+
+  /// ImageFlag and DebugFlag bits.
+  std::uint32_t DisplayFlags() const { return m_uDisplayFlags; }
+  void SetDisplayFlags(std::uint32_t flags);
+  std::uint32_t DebugFlags() const { return m_uDebugFlags; }
+  void SetDebugFlags(std::uint32_t flags);
+  EditingMode Mode() const { return m_Mode; }
+  /// Clears every selection.
+  void SetMode(EditingMode mode);
+  /// Of new curves: 1 position discontinuity, 2 normal discontinuity, 4 fairness; 0 until one is chosen. Clears every
+  /// selection.
+  int CurveType() const { return m_iCurveType; }
+  void SetCurveType(int type);
+
+  /// Takes up the picture in a bitmap file. A file that is refused, or a picture too large for the graphics card,
+  /// leaves picture and file name as they are, and the user is told; so is one that ends early, which is taken up all
+  /// the same. Whether there is a new picture. Needs an attached grid.
+  bool LoadImage(const std::string& filename);
+  /// File of the picture; empty while there is none.
+  const std::string& TextureFileName() const { return m_TextureFileName; }
+
+  /// Zoom and pan as at the start.
+  void ResetView();
+  /// Ends the drag under way, if any, and lets the solver go on. For dialogs: they swallow the release of the button.
+  void EndDrag();
+  /// Shows what the interpolation traced last was made of.
+  void ShowInterpolation(const CInterpolationTrace& trace);
+  /// Saves the view as it would be drawn now; false while it is not shown or if that fails.
+  bool SaveFrame(const std::string& filename);
+
+  int handle(int event) override;
+
+ protected:
+  void draw() override;
+
+ private:
+  void DrawScene();
+  void DrawBrush() const;
+  void DrawTools() const;
+  void UpdateMapping();
+  void Unselect();
+  bool FitsGraphicsCard(int width, int height);
+  void ShowPointer();
+  bool HandleUsed(int event);
+  bool HandleViewDrag(int event);
+  void BeginViewDrag();
+  void ContinueViewDrag();
+  void EndViewDrag();
+  int HandlePtPosCstr(int event);
+  int HandlePtNormCstr(int event);
+  int HandleCurveCstr(int event);
+
+  CGrid* m_pGrid = nullptr;
+  ViewHost* m_pHost = nullptr;
+  CTextures* m_pTextures = nullptr;
+  std::string m_TextureFileName;
+  std::uint32_t m_uDisplayFlags = ImageFlag::kAtStart;
+  std::uint32_t m_uDebugFlags = 0;
+  EditingMode m_Mode = EditingMode::Unset;
+  int m_iCurveType = 0;
+
+  CViewMapping m_Mapping;
+  std::optional<CPtPosCstrHandler> m_PositionHandler;
+  std::optional<CPtNormCstrHandler> m_NormalHandler;
+  std::optional<CCurveHandler> m_CurveHandler;
+  std::optional<CCellSelector> m_Selector;
+  CFreezeBrush m_Brush;
+  CDebugOverlay m_Debug;
+  CPicturePainter m_Painter;
+
+  int m_iDragButton = 0;  ///< that drags the view, as it was pressed; 0 while none does
+  int m_iMouseX = 0;
+  int m_iMouseY = 0;
+  CPlanePoint m_DragPlace;  ///< under the mouse at the last event of the drag, without the pan
+};

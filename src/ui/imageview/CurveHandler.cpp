@@ -1,0 +1,183 @@
+#include "ui/imageview/CurveHandler.h"
+
+#include <algorithm>
+
+#include <FL/Fl.H>
+
+#include "base/Console.h"
+#include "model/CGrid.h"
+#include "model/Globals.h"
+#include "ui/window/HelpTexts.h"
+#include "ui/window/ViewHost.h"
+
+int CCurveHandler::Handle(int event) {
+  switch (event) {
+    case FL_ENTER:
+    case FL_MOVE:
+      Hover();
+      return 1;
+    case FL_LEAVE:
+      Leave();
+      return 1;
+    case FL_PUSH:
+      Press();
+      return 1;
+    case FL_DRAG:
+      Drag();
+      return 1;
+    case FL_RELEASE:
+      Release();
+      return 1;
+    case FL_KEYBOARD:
+      return Key();
+    default:
+      return 0;
+  }
+}
+
+void CCurveHandler::Hover() {
+  m_Cursor = ClampedCursor();
+  m_LooseEnd = m_Cursor;
+  if (!m_Grid.HighlightCurves(m_Cursor.x, m_Cursor.y, CurveType::kAll))
+    m_Grid.PendingCurve().Hover(m_Cursor.x, m_Cursor.y, PickReach());
+  m_Host.RedrawImageView();
+}
+
+void CCurveHandler::Leave() {
+  m_LooseEnd.reset();
+  m_Host.RedrawImageView();
+}
+
+// Points of a curve in progress may lie on other curves, so its presses take hold of none.
+void CCurveHandler::Press() {
+  Console() << "CImageView::HandleCurveCstr\t\t\tFL_PUSH\n";
+  EndDrag();
+  const int button = Fl::event_button();
+  m_Cursor = ClampedCursor();
+  if (button == FL_MIDDLE_MOUSE && m_iCurveType == 0) return;
+  const bool drawing = button == FL_LEFT_MOUSE && !m_Grid.PendingCurve().IsIdle();
+  const std::uint32_t type = drawing ? 0 : m_Grid.PickCurve(m_Cursor.x, m_Cursor.y, CurveType::kAll);
+  if (type != 0) {
+    Grab(button, type);
+  } else if (button == FL_LEFT_MOUSE) {
+    Append();
+  }
+  RedrawBoth();
+}
+
+void CCurveHandler::Grab(int button, std::uint32_t type) {
+  m_iButton = button;
+  m_DragPlace = m_Cursor;
+  if (button == FL_LEFT_MOUSE) {
+    m_iCurveType = static_cast<int>(type);
+    m_Host.ShowCurveType(m_iCurveType);
+  } else if (button == FL_MIDDLE_MOUSE) {
+    m_Grid.SetSelectedCurveType(static_cast<std::uint32_t>(m_iCurveType));
+    m_bChanged = true;
+  } else if (button == FL_RIGHT_MOUSE) {
+    Console() << "Fl::event_button() == FL_RIGHT_MOUSE\n";
+    m_Host.EditCurveAttributes(m_Cursor);
+  }
+}
+
+void CCurveHandler::Append() {
+  CPendingCurve& pending = m_Grid.PendingCurve();
+  if (pending.IsIdle()) m_Host.SetCurrentHelp(HelpText::kCurveInProgress);
+  pending.Append(m_Cursor.x, m_Cursor.y);
+  m_LooseEnd = m_Cursor;
+}
+
+const CCntrNode* CCurveHandler::SelectedNode() const {
+  for (const CCntrCtrl& curve : m_Grid.Curves()) {
+    const auto node = std::ranges::find_if(
+        curve.Nodes(), [](const CCntrNode& candidate) { return candidate.HasState(PtCstrState::kSelected); });
+    if (node != curve.Nodes().end()) return &*node;
+  }
+  return nullptr;
+}
+
+// The node keeps its distance from the mouse, also after the border has held it back.
+void CCurveHandler::Drag() {
+  m_Cursor = ClampedCursor();
+  if (m_iButton != FL_LEFT_MOUSE) return;
+  const CCntrNode* node = SelectedNode();
+  if (node == nullptr) return;
+  const CPlanePoint step = AllowedStep({node->m_fX, node->m_fY}, m_DragPlace, m_Cursor);
+  m_Grid.MoveSelectedCurve(step.x, step.y, CurveType::kAll);
+  m_DragPlace = {m_DragPlace.x + step.x, m_DragPlace.y + step.y};
+  m_bChanged = true;
+  RedrawBoth();
+}
+
+void CCurveHandler::Release() {
+  if (m_iButton == 0) return;
+  m_bChanged = true;
+  EndDrag();
+  RedrawBoth();
+}
+
+void CCurveHandler::EndDrag() {
+  m_iButton = 0;
+  // The attributes that were asked for bring a rebuild of their own.
+  if (m_bChanged && m_Grid.NextOperation() != Operation::kContourAttributes) m_Grid.Post(Operation::kRebuildMaps);
+  m_bChanged = false;
+}
+
+// Menu shortcuts have letters, too.
+int CCurveHandler::Key() {
+  const int key = Fl::event_key();
+  switch (key) {
+    case 'f':
+    case 'n':
+    case 'p':
+      if (Fl::event_state(FL_CTRL | FL_ALT | FL_META) != 0) return 0;
+      ChooseType(key == 'f' ? CurveType::kFairness : key == 'n' ? CurveType::kNormal : CurveType::kPosition);
+      break;
+    case FL_BackSpace:
+      EndDrag();
+      m_Grid.DeleteSelectedCurveNode();
+      break;
+    case FL_Delete:
+      EndDrag();
+      m_Grid.DeleteSelectedCurve();
+      break;
+    case FL_Enter:
+    case FL_KP_Enter:
+      Validate();
+      break;
+    case FL_Escape:
+      Cancel();
+      break;
+    default:
+      return 0;
+  }
+  RedrawBoth();
+  return 1;
+}
+
+void CCurveHandler::ChooseType(int type) {
+  EndDrag();
+  m_iCurveType = type;
+  m_Grid.UnselectAll();
+  m_Host.ShowCurveType(type);
+  m_Host.RestoreHelp();
+}
+
+void CCurveHandler::Validate() {
+  EndDrag();
+  // The toolkit delivers motion late: the key may come before the mouse is known to be where it is.
+  if (ClampedCursor() != m_Cursor) Hover();
+  const bool close = Fl::event_state(FL_SHIFT) != 0;
+  const auto type = static_cast<std::uint32_t>(m_iCurveType);
+  if (m_Grid.ValidatePendingCurve(m_Cursor.x, m_Cursor.y, close, type) == CGrid::Validation::NeedsType) {
+    m_Host.AskForCurveType();
+  } else {
+    m_Host.SetCurrentHelp(HelpText::kCurves);
+  }
+}
+
+void CCurveHandler::Cancel() {
+  EndDrag();
+  m_Grid.CancelPendingCurve();
+  m_Host.SetCurrentHelp(HelpText::kCurves);
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "ui/imageview/CPlaneHandler.h"
+
+struct CCntrNode;
+
+/// Draws, selects and edits curves with the mouse and the keyboard.
+class CCurveHandler : public CPlaneHandler {
+ public:
+  /// `curveType`: the image view's type of new curves, which keys and clicks on curves change.
+  CCurveHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, int& curveType)
+      : CPlaneHandler(grid, mapping, host), m_iCurveType(curveType) {}
+
+  /// 1 if the event was used, 0 if it is somebody else's.
+  int Handle(int event);
+  /// Ends the drag under way, if any; what it has changed takes effect. The release that follows does nothing.
+  void EndDrag();
+  /// Where the line from the last point of the curve in progress leads: to the mouse, as far as it is over the view.
+  const std::optional<CPlanePoint>& LooseEnd() const { return m_LooseEnd; }
+
+ private:
+  void Hover();
+  void Leave();
+  void Press();
+  void Grab(int button, std::uint32_t type);
+  void Append();
+  void Drag();
+  void Release();
+  int Key();
+  void ChooseType(int type);
+  void Validate();
+  void Cancel();
+  const CCntrNode* SelectedNode() const;
+
+  int& m_iCurveType;
+  CPlanePoint m_Cursor;  ///< where the mouse was at the last of its events, held to the extent
+  std::optional<CPlanePoint> m_LooseEnd;
+  CPlanePoint m_DragPlace;  ///< where the mouse has dragged the node to
+  int m_iButton = 0;        ///< that holds a curve; 0: none
+  bool m_bChanged = false;  ///< the button held has changed the curve
+};

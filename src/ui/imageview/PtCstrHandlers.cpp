@@ -1,0 +1,184 @@
+#include "ui/imageview/PtCstrHandlers.h"
+
+#include <FL/Fl.H>
+
+#include "base/Console.h"
+#include "model/CGrid.h"
+#include "ui/drawing/DisplayFlags.h"
+#include "ui/window/ViewHost.h"
+
+namespace {
+
+constexpr double kModelUnitsPerHeight = 1.0;
+constexpr double kModelUnitsPerSlope = 2.5;
+
+}  // namespace
+
+double CPtCstrHandler::SurfaceHeightAt(const CPlanePoint& place) const {
+  const CLattice& lattice = m_Grid.Lattice();
+  return m_Grid.GetHeightAt(lattice.ColumnOf(place.x), lattice.RowOf(place.y));
+}
+
+void CPtCstrHandler::EndDrag() {
+  m_iButton = 0;
+  m_bJustCreated = false;
+}
+
+int CPtCstrHandler::Handle(int event) {
+  switch (event) {
+    case FL_ENTER:
+    case FL_MOVE:
+      Hover();
+      return 1;
+    case FL_PUSH:
+      Press();
+      return 1;
+    case FL_DRAG:
+      Drag();
+      return 1;
+    case FL_RELEASE:
+      EndDrag();
+      return 1;
+    case FL_KEYBOARD:
+      KeyTyped();
+      return Key();
+    case FL_MOUSEWHEEL:
+      SelectNeighbour(Fl::event_dy() > 0);
+      return 1;
+    default:
+      return 0;
+  }
+}
+
+void CPtCstrHandler::Hover() {
+  m_Last = ClampedCursor();
+  m_Grid.HighlightPtCstrs(m_Last.x, m_Last.y, m_uKind);
+  m_Host.RedrawImageView();
+  Hovered();
+}
+
+void CPtCstrHandler::Press() {
+  EndDrag();
+  const int button = Fl::event_button();
+  const CPlanePoint press = ClampedCursor();
+  if (m_Grid.HighlightPtCstrs(m_Last.x, m_Last.y, m_uKind)) {
+    m_Grid.SelectPtCstr(m_Last.x, m_Last.y, m_uKind);
+    m_iButton = button;
+    Grab(button, press);
+  } else if (button == FL_LEFT_MOUSE) {
+    Create(press);
+    m_iButton = button;
+    m_bJustCreated = true;
+  }
+  RedrawBoth();
+}
+
+// The button is the one of the press: in a drag the toolkit forgets it as soon as a key goes down.
+void CPtCstrHandler::Drag() {
+  if (m_iButton == FL_RIGHT_MOUSE || m_bJustCreated) {
+    Edit(Cursor());
+  } else if (m_iButton == FL_LEFT_MOUSE) {
+    Move(ClampedCursor());
+  } else {
+    return;
+  }
+  RedrawBoth();
+}
+
+// The constraint keeps its distance from the last position, also after the border has held it back.
+void CPtCstrHandler::Move(const CPlanePoint& cursor) {
+  const CPtCstr* selected = m_Grid.PointConstraints().FirstSelected();
+  if (selected == nullptr) return;
+  const CPlanePoint step = AllowedStep({selected->m_fX, selected->m_fY}, m_Last, cursor);
+  m_Grid.MoveSelectedPtCstr(step.x, step.y);
+  m_Last = {m_Last.x + step.x, m_Last.y + step.y};
+}
+
+// A drag does not go on with another constraint than the one it began with.
+int CPtCstrHandler::Key() {
+  switch (Fl::event_key()) {
+    case FL_BackSpace:
+    case FL_Delete:
+      EndDrag();
+      m_Grid.DeleteSelectedPtCstr();
+      break;
+    case FL_Tab:
+      SelectNeighbour(!Fl::event_state(FL_SHIFT));
+      return 1;
+    case FL_Escape:
+      EndDrag();
+      m_Grid.UnselectAll();
+      break;
+    default:
+      return 0;
+  }
+  RedrawBoth();
+  return 1;
+}
+
+void CPtCstrHandler::SelectNeighbour(bool next) {
+  EndDrag();
+  if (next) {
+    m_Grid.SelectNextPtCstr(m_uKind);
+  } else {
+    m_Grid.SelectPrevPtCstr(m_uKind);
+  }
+  RedrawBoth();
+}
+
+CPtPosCstrHandler::CPtPosCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host)
+    : CPtCstrHandler(grid, mapping, host, PtCstrKind::kPosition) {}
+
+void CPtPosCstrHandler::Hovered() {}
+
+void CPtPosCstrHandler::Grab(int button, const CPlanePoint& press) {
+  if (button != FL_LEFT_MOUSE && button != FL_RIGHT_MOUSE) return;
+  m_Last = press;
+  m_fHeightAtPress = m_Grid.GetSelectedHeight();
+}
+
+void CPtPosCstrHandler::Create(const CPlanePoint& press) {
+  CPtCstr constraint{press.x, press.y, PtCstrKind::kPosition, SurfaceHeightAt(press)};
+  m_Grid.AddPtCstr(constraint);
+  m_Last = press;
+  m_Grid.SelectPtCstr(press.x, press.y, PtCstrKind::kPosition);
+  m_fHeightAtPress = constraint.m_fZ;
+}
+
+void CPtPosCstrHandler::Edit(const CPlanePoint& cursor) {
+  const double raise = (cursor.x - m_Last.x) + (cursor.y - m_Last.y);
+  m_Grid.SetSelectedHeight(m_fHeightAtPress + raise / kModelUnitsPerHeight);
+}
+
+void CPtPosCstrHandler::KeyTyped() const { Console() << "CImageView::HandlePtPosCstr : FL_KEYBOARD\n"; }
+
+CPtNormCstrHandler::CPtNormCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host,
+                                       std::uint32_t& displayFlags)
+    : CPtCstrHandler(grid, mapping, host, PtCstrKind::kNormal), m_uDisplayFlags(displayFlags) {}
+
+void CPtNormCstrHandler::Hovered() {
+  if ((m_uDisplayFlags & ImageFlag::kGrid) == 0) {
+    m_uDisplayFlags |= ImageFlag::kGrid;
+    m_Host.ImageGridShown();
+  }
+  m_Host.RedrawModelView();
+}
+
+void CPtNormCstrHandler::Grab(int button, const CPlanePoint& press) {
+  if (button != FL_LEFT_MOUSE && button != FL_RIGHT_MOUSE) return;
+  m_Last = press;
+  if (button == FL_RIGHT_MOUSE) m_Anchor = press;
+}
+
+void CPtNormCstrHandler::Create(const CPlanePoint& press) {
+  Console() << "Creation d'une nouvelle contrainte : " << press.x << ", " << press.y << '\n';
+  m_Grid.AddPtCstr({press.x, press.y, PtCstrKind::kNormal, SurfaceHeightAt(press)});
+  m_Grid.SelectPtCstr(m_Last.x, m_Last.y, PtCstrKind::kNormal);
+  m_Anchor = m_Last;
+}
+
+void CPtNormCstrHandler::Edit(const CPlanePoint& cursor) {
+  m_Grid.ChangeSelectedNormal((m_Anchor.x - cursor.x) / kModelUnitsPerSlope,
+                              (m_Anchor.y - cursor.y) / kModelUnitsPerSlope);
+  m_Anchor = cursor;
+}

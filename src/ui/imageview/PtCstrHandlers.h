@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+
+#include "ui/imageview/CPlaneHandler.h"
+
+/// Creates, selects and edits the point constraints of one kind with the mouse and the keyboard.
+class CPtCstrHandler : public CPlaneHandler {
+ public:
+  virtual ~CPtCstrHandler() = default;
+  CPtCstrHandler(const CPtCstrHandler&) = delete;
+  CPtCstrHandler& operator=(const CPtCstrHandler&) = delete;
+
+  /// 1 if the event was used, 0 if it is somebody else's.
+  int Handle(int event);
+  /// Forgets the press: the drag that goes on has no further effect.
+  void EndDrag();
+
+ protected:
+  /// `kind`: PtCstrKind::kPosition or kNormal.
+  CPtCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, std::uint32_t kind)
+      : CPlaneHandler(grid, mapping, host), m_uKind(kind) {}
+
+  double SurfaceHeightAt(const CPlanePoint& place) const;
+
+  CPlanePoint m_Last;  ///< where the mouse hovered last, or where the press or the move came to
+
+ private:
+  virtual void Hovered() = 0;
+  /// A press with `button` has taken hold of a constraint at `press`.
+  virtual void Grab(int button, const CPlanePoint& press) = 0;
+  /// A left press on nothing: creates a constraint there and selects it.
+  virtual void Create(const CPlanePoint& press) = 0;
+  /// Changes what the selected constraint asks for. The cursor is not held to the extent.
+  virtual void Edit(const CPlanePoint& cursor) = 0;
+  virtual void KeyTyped() const {}
+
+  void Hover();
+  void Press();
+  void Drag();
+  void Move(const CPlanePoint& cursor);
+  int Key();
+  void SelectNeighbour(bool next);
+
+  std::uint32_t m_uKind;
+  int m_iButton = 0;            ///< whose drag it is; 0: none
+  bool m_bJustCreated = false;  ///< the press has created the constraint that is dragged
+};
+
+/// Position constraints: dragging right or up raises the height.
+class CPtPosCstrHandler : public CPtCstrHandler {
+ public:
+  CPtPosCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host);
+
+ private:
+  void Hovered() override;
+  void Grab(int button, const CPlanePoint& press) override;
+  void Create(const CPlanePoint& press) override;
+  void Edit(const CPlanePoint& cursor) override;
+  void KeyTyped() const override;
+
+  double m_fHeightAtPress = 0.0;
+};
+
+/// Normal constraints: dragging right (up) lowers the slope in x (y), bit by bit.
+class CPtNormCstrHandler : public CPtCstrHandler {
+ public:
+  /// `displayFlags`: the image view's, in which hovering switches the grid on.
+  CPtNormCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, std::uint32_t& displayFlags);
+
+ private:
+  void Hovered() override;
+  void Grab(int button, const CPlanePoint& press) override;
+  void Create(const CPlanePoint& press) override;
+  void Edit(const CPlanePoint& cursor) override;
+
+  std::uint32_t& m_uDisplayFlags;
+  CPlanePoint m_Anchor;  ///< where the last change of the slopes was made from
+};

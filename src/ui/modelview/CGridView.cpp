@@ -1,0 +1,210 @@
+#include "ui/modelview/CGridView.h"
+
+#include <algorithm>
+
+#include <FL/Fl.H>
+#include <GL/gl.h>
+#include <GL/glu.h>
+
+#include "base/Console.h"
+#include "model/CGrid.h"
+#include "ui/drawing/CTextures.h"
+#include "ui/drawing/FrameBuffer.h"
+#include "ui/drawing/OpenGLDefaults.h"
+#include "ui/window/ViewHost.h"
+
+namespace {
+
+constexpr int kHelp = 19;
+constexpr int kPhotograph = 3;
+constexpr int kDigitLights = 4;
+
+constexpr std::uint32_t Bit(WaveletMode mode) { return static_cast<std::uint32_t>(mode); }
+
+constexpr std::uint32_t kModeBits = Bit(WaveletMode::None) | Bit(WaveletMode::Simple) | Bit(WaveletMode::New);
+
+// The digit may be typed on either part of the keyboard.
+bool IsDigitHeld(int digit) { return Fl::event_key('0' + digit) != 0 || Fl::event_key(FL_KP + '0' + digit) != 0; }
+
+}  // namespace
+
+CGridView::CGridView(int x, int y, int w, int h)
+    : Fl_Gl_Window(x, y, w, h), m_View{ModelFlag::kGrid | Bit(WaveletMode::None), kPhotograph, nullptr} {
+  mode(FL_RGB8 | FL_DOUBLE | FL_DEPTH);
+}
+
+void CGridView::AttachGrid(CGrid& grid) {
+  m_pGrid = &grid;
+  ResetCamera();
+}
+
+void CGridView::SetFlag(std::uint32_t flag, bool on) {
+  m_View.m_uFlags = on ? m_View.m_uFlags | flag : m_View.m_uFlags & ~flag;
+  redraw();
+}
+
+void CGridView::ShowWaveletMode(WaveletMode mode) { m_View.m_uFlags = (m_View.m_uFlags & ~kModeBits) | Bit(mode); }
+
+void CGridView::SelectWaveletMode(WaveletMode mode) {
+  ShowWaveletMode(mode);
+  if (m_pGrid != nullptr) m_pGrid->SetWaveletMode(mode);
+}
+
+void CGridView::SetDrawTexture(int which) {
+  m_View.m_iDrawTexture = which;
+  redraw();
+}
+
+void CGridView::ResetCamera() {
+  if (m_pGrid == nullptr) return;
+  const CExtent& extent = m_pGrid->Lattice().Extent();
+  m_Camera.Reset({extent.x0, extent.y0, m_pGrid->MinHeight()}, {extent.x1, extent.y1, m_pGrid->MaxHeight()});
+  redraw();
+}
+
+void CGridView::draw() {
+  PrepareContext(*this);
+  if (m_pGrid == nullptr) return;
+  if (m_BeforeDrawing) m_BeforeDrawing();
+  DrawScene();
+}
+
+void CGridView::DrawScene() {
+  const auto [red, green, blue, alpha] = g_DrawingSettings.m_afBackground;
+  glEnable(GL_DEPTH_TEST);
+  glDepthFunc(GL_LEQUAL);
+  glClearColor(red, green, blue, alpha);
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  // Zoomed in to nothing, there is no projection.
+  const double r = m_Camera.m_fR;
+  if (r == 0) return;
+  constexpr double kDepth = 100;
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  glOrtho(-r, r, -r, r, -kDepth * r, kDepth * r);
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+  const Vector3& centre = m_Camera.m_Centre;
+  const Vector3& eye = m_Camera.m_Eye;
+  const Vector3& up = m_Camera.m_Up;
+  gluLookAt(eye.x, eye.y, eye.z, centre.x, centre.y, centre.z, up.x, up.y, up.z);
+  m_Painter.Draw(*m_pGrid, m_View);
+}
+
+void CGridView::SetCamera(const CCamera& camera) {
+  m_Camera = camera;
+  redraw();
+}
+
+bool CGridView::SaveFrame(const std::string& filename) {
+  if (shown() == 0) return false;
+  make_current();
+  draw();
+  return Global::SaveFrameBuffer(filename);
+}
+
+int CGridView::handle(int event) {
+  if (!m_bEventsEnabled || m_pHost == nullptr) {
+    Console() << "Default:\n";
+    return Fl_Gl_Window::handle(event);
+  }
+  switch (event) {
+    case FL_ENTER:
+      m_pHost->ShowHelp(kHelp);
+      return 1;
+    case FL_MOVE:
+      m_pHost->ShowHelp(kHelp);
+      m_pHost->FocusImageView();
+      return 1;
+    case FL_LEAVE:
+      m_pHost->RestoreHelp();
+      return 1;
+    case FL_PUSH:
+      BeginDrag();
+      return 1;
+    case FL_DRAG:
+      Drag();
+      return 1;
+    case FL_RELEASE:
+      EndDrag();
+      return 1;
+    default:
+      return Fl_Gl_Window::handle(event);
+  }
+}
+
+void CGridView::BeginDrag() {
+  m_iDragButton = Fl::event_button();
+  m_iMouseX = Fl::event_x();
+  m_iMouseY = h() - Fl::event_y();
+  m_pHost->PauseSolverForCommand();
+}
+
+void CGridView::EndDrag() {
+  if (m_iDragButton == 0) return;
+  m_iDragButton = 0;
+  m_pHost->ResumeAfterCommand();
+}
+
+void CGridView::Drag() {
+  const int x = Fl::event_x();
+  const int y = h() - Fl::event_y();
+  const int dx = x - m_iMouseX;
+  const int dy = y - m_iMouseY;
+  m_iMouseX = x;
+  m_iMouseY = y;
+  switch (m_iDragButton) {
+    case FL_LEFT_MOUSE:
+      DragLeft(dx, dy);
+      break;
+    case FL_MIDDLE_MOUSE:
+      m_Camera.Zoom(dx, dy);
+      break;
+    case FL_RIGHT_MOUSE:
+      m_Camera.Roll(dx, dy);
+      break;
+    default:
+      return;
+  }
+  redraw();
+}
+
+void CGridView::DragLeft(int dx, int dy) {
+  // Window managers keep Alt with a drag to themselves; Meta serves as well.
+  const bool removed = Fl::event_state(FL_ALT | FL_META) != 0;
+  const bool added = Fl::event_state(FL_CTRL) != 0;
+  if (removed || added) {
+    TurnLights(dx, dy, removed, added);
+  } else if (Fl::event_state(FL_SHIFT) != 0) {
+    RaiseSelected(dy);
+  } else {
+    m_Camera.Rotate(dx, dy);
+  }
+}
+
+void CGridView::TurnLights(int dx, int dy, bool removed, bool added) {
+  if (m_pGrid == nullptr) return;
+  const auto turn = [&](CLight& light) {
+    auto& [x, y, z, w] = light.m_afDirection;
+    const Vector3 turned = m_Camera.RotateDirection({x, y, z}, dx, dy);
+    light.m_afDirection = {turned.x, turned.y, turned.z, w};
+  };
+  bool digit = false;
+  for (int k = 0; k < kDigitLights; ++k) digit = digit || IsDigitHeld(k + 1);
+  bool any = false;
+  for (int k = 0; k < kDigitLights; ++k) {
+    if (digit ? !IsDigitHeld(k + 1) : k != m_pHost->CurrentLight()) continue;
+    if (removed) turn(m_pGrid->RemovedLights().m_aLights[static_cast<std::size_t>(k)]);
+    if (added) turn(m_pGrid->AddedLights().m_aLights[static_cast<std::size_t>(k)]);
+    any = true;
+  }
+  if (any) m_pHost->LightsMoved();
+}
+
+void CGridView::RaiseSelected(int dy) {
+  if (m_pGrid == nullptr || m_pGrid->PointConstraints().FirstSelected(PtCstrKind::kPosition) == nullptr) return;
+  const CExtent& extent = m_pGrid->Lattice().Extent();
+  const double side = std::max(extent.x1 - extent.x0, extent.y1 - extent.y0);
+  m_pGrid->SetSelectedHeight(m_pGrid->GetSelectedHeight() + m_Camera.HeightOfDrag(dy, h(), side));
+  m_pHost->RedrawImageView();
+}

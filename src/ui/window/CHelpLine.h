@@ -1,0 +1,43 @@
+#pragma once
+
+#include <FL/Fl_Output.H>
+
+#include "ui/window/HelpTexts.h"
+
+/// An output that no event reaches, so that it never takes the keyboard from the views.
+class CPassiveOutput : public Fl_Output {
+ public:
+  explicit CPassiveOutput(int x, int y, int w, int h, const char* label = nullptr) : Fl_Output(x, y, w, h, label) {
+    // A "&" in the label is one, not the mark of a shortcut.
+    clear_flag(SHORTCUT_LABEL);
+  }
+
+  int handle(int /*event*/) override { return 0; }
+};
+
+/// The line at the bottom of the main window that says what the thing under the mouse is for.
+///
+/// It remembers the text that stays and the one on show. Indices are those of `kHelpTexts`.
+class CHelpLine : public CPassiveOutput {
+ public:
+  using CPassiveOutput::CPassiveOutput;
+
+  /// Shows a text and makes it the one that stays.
+  void SetCurrentHelp(int index);
+  /// Shows a text until the current one is restored.
+  void ShowHelp(int index);
+  void RestoreHelp() { ShowHelp(m_iCurrent); }
+  /// Asks for the type of the curve in progress, until the current text is restored.
+  void AskForCurveType();
+  /// "Frame nb ... recorded.", until the current text is restored.
+  void ShowFrameRecorded(int frame);
+
+  int CurrentHelp() const { return m_iCurrent; }
+  int ShownHelp() const { return m_iShown; }
+
+ private:
+  static constexpr int kOther = -1;  ///< shown: none of the numbered texts
+
+  int m_iCurrent = HelpText::kNone;
+  int m_iShown = HelpText::kNone;
+};

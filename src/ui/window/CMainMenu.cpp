@@ -1,0 +1,147 @@
+#include "ui/window/CMainMenu.h"
+
+#include <array>
+#include <utility>
+
+#include <FL/Fl.H>
+
+namespace {
+
+/// A menu with its title, the end of the innermost open menu, or an entry.
+enum class RowKind { Menu, End, Command, Toggle, Checked, Radio, CheckedRadio };
+
+struct CMenuRow {
+  RowKind m_Kind;
+  const char* m_pText;
+  int m_iShortcut;
+  MenuEntry m_Entry;
+};
+
+using enum RowKind;
+
+constexpr int kModifiers = FL_SHIFT | FL_CTRL | FL_ALT | FL_META;
+
+// clang-format off
+constexpr auto kRows = std::to_array<CMenuRow>({
+  {Menu, "&File", 0, {}},
+  {Command, "&New Grid", FL_ALT + 'n', MenuEntry::NewGrid},
+  {Command, "Load &Grid", FL_ALT + 'o', MenuEntry::LoadGrid},
+  {Command, "Load &Image", FL_ALT + FL_SHIFT + 'o', MenuEntry::LoadImage},
+  {Command, "&Save Grid", FL_ALT + 's', MenuEntry::SaveGrid},
+  {Command, "Save &VRML", 0, MenuEntry::SaveVrml},
+  {Command, "Export &Height field", FL_ALT + 'e', MenuEntry::ExportHeightField},
+  {End, nullptr, 0, {}},
+  {Menu, "&2D View", 0, {}},
+  {Checked, "Show &Grid", FL_CTRL + 'g', MenuEntry::ImageGrid},
+  {Toggle, "Show &Image", FL_CTRL + 'i', MenuEntry::ImagePicture},
+  {Checked, "Show &Point Constraints", FL_CTRL + 'p', MenuEntry::ImagePoints},
+  {Checked, "Show &Curve Constraints", FL_CTRL + 'c', MenuEntry::ImageCurves},
+  {Toggle, "Show &Freeze-map", 0, MenuEntry::FreezeMap},
+  {Toggle, "Show Texels in disc.", 0, MenuEntry::DiscontinuityTexels},
+  {End, nullptr, 0, {}},
+  {Menu, "&3D View", 0, {}},
+  {Checked, "Show &Grid", FL_CTRL + FL_ALT + 'g', MenuEntry::ModelGrid},
+  {Toggle, "Show &Textured Model", FL_CTRL + FL_ALT + 'i', MenuEntry::ModelTexture},
+  {Toggle, "Show &Point Constraints", FL_CTRL + FL_ALT + 'p', MenuEntry::ModelPoints},
+  {Toggle, "Show &Curve Constraints", FL_CTRL + FL_ALT + 'c', MenuEntry::ModelCurves},
+  {Toggle, "Show Cell &Normals", FL_CTRL + FL_ALT + 'n', MenuEntry::CellNormals},
+  {Toggle, "Show Point Normals", FL_CTRL + FL_ALT + FL_SHIFT + 'n', MenuEntry::PointNormals},
+  {Toggle, "Show Texels Normals", FL_ALT + FL_SHIFT + 'n', MenuEntry::TexelNormals},
+  {End, nullptr, 0, {}},
+  {Menu, "&Shoot a frame", 0, {}},
+  {Command, "&2D view", 0, MenuEntry::ShootImage},
+  {Command, "&3D view", 0, MenuEntry::ShootModel},
+  {End, nullptr, 0, {}},
+  {Menu, "A&dvanced", 0, {}},
+  {Checked, "Show debugging &interface", 0, MenuEntry::DebugInterface},
+  {Checked, "Show &status bar", 0, MenuEntry::StatusBar},
+  {Toggle, "Specific &colors for subdivision", 0, MenuEntry::SubdivisionColours},
+  {Toggle, "Show the position &discontinuity gap", 0, MenuEntry::DiscontinuityGap},
+  {Toggle, "Show the &edges inside a position discontinuity", 0, MenuEntry::DiscontinuityEdges},
+  {Command, "Adjust advanced drawing &parameters", 0, MenuEntry::DrawingParameters},
+  {Menu, "&Way of convergence", 0, {}},
+  {CheckedRadio, "New &Wavelet Transformation - default mode", 0, MenuEntry::NewWavelets},
+  {Radio, "Simple Wavelet &Transformation", 0, MenuEntry::SimpleWavelets},
+  {Radio, "&No Wavelet Transformation", 0, MenuEntry::NoWavelets},
+  {End, nullptr, 0, {}},
+  {End, nullptr, 0, {}},
+  {End, nullptr, 0, {}},
+});
+// clang-format on
+
+int FlagsOf(RowKind kind) {
+  switch (kind) {
+    case Menu:
+      return FL_SUBMENU;
+    case Toggle:
+      return FL_MENU_TOGGLE;
+    case Checked:
+      return FL_MENU_TOGGLE | FL_MENU_VALUE;
+    case Radio:
+      return FL_MENU_RADIO;
+    case CheckedRadio:
+      return FL_MENU_RADIO | FL_MENU_VALUE;
+    default:
+      return 0;
+  }
+}
+
+}  // namespace
+
+CMainMenu::CMainMenu(int x, int y, int w, int h, Action chosen) : Fl_Menu_Bar(x, y, w, h), m_Chosen(std::move(chosen)) {
+  BuildItems();
+  menu(m_aItems.data());
+  clear_visible_focus();
+}
+
+void CMainMenu::BuildItems() {
+  for (const CMenuRow& row : kRows) {
+    Fl_Menu_Item item{};
+    if (row.m_Kind != End) {
+      item.text = row.m_pText;
+      item.shortcut_ = row.m_iShortcut;
+      item.flags = FlagsOf(row.m_Kind);
+    }
+    if (row.m_Kind != End && row.m_Kind != Menu) {
+      item.callback(cb_Item, static_cast<long>(row.m_Entry));
+      m_auIndices.push_back(m_aItems.size());
+    }
+    m_aItems.push_back(item);
+  }
+}
+
+void CMainMenu::cb_Item(Fl_Widget* bar, long entry) {
+  static_cast<CMainMenu*>(bar)->m_Chosen(static_cast<MenuEntry>(entry));
+}
+
+void CMainMenu::SetChecked(MenuEntry entry, bool checked) {
+  Fl_Menu_Item& item = Item(entry);
+  if (checked && item.radio() != 0) {
+    item.setonly();
+  } else if (checked) {
+    item.set();
+  } else {
+    item.clear();
+  }
+}
+
+void CMainMenu::Enable(MenuEntry entry, bool enable) {
+  if (enable) {
+    Item(entry).activate();
+  } else {
+    Item(entry).deactivate();
+  }
+}
+
+int CMainMenu::handle(int event) {
+  if (event != FL_SHORTCUT) return Fl_Menu_Bar::handle(event);
+  const int modifiers = Fl::event_state() & kModifiers;
+  const int pressed = modifiers | Fl::event_key();
+  for (Fl_Menu_Item& item : m_aItems) {
+    if (item.text == nullptr || item.shortcut_ != pressed) continue;
+    if (item.active() != 0) picked(&item);
+    return 1;
+  }
+  // Titles of menus. The toolkit would also try the entries, and take some with modifiers that they do not have.
+  return modifiers == FL_ALT ? Fl_Menu_Bar::handle(event) : 0;
+}

@@ -1,0 +1,351 @@
+// What the controls and the menu of the main window do.
+
+#include <array>
+#include <cstddef>
+#include <string>
+
+#include <FL/Fl.H>
+#include <FL/Fl_Button.H>
+#include <FL/Fl_Value_Output.H>
+
+#include "base/Console.h"
+#include "model/CGrid.h"
+#include "model/Globals.h"
+#include "ui/drawing/DrawingSettings.h"
+#include "ui/imageview/CImageView.h"
+#include "ui/modelview/CGridView.h"
+#include "ui/window/CHelpLine.h"
+#include "ui/window/CImageViewUI.h"
+#include "ui/window/DebugTools.h"
+#include "ui/window/TimerInterval.h"
+
+namespace {
+
+/// A menu entry that shows or hides something in one of the views.
+struct CFlagRow {
+  MenuEntry m_Entry;
+  std::uint32_t m_uFlag;
+  bool m_bModelView;
+  bool m_bRedrawsBoth;
+};
+
+constexpr auto kFlags = std::to_array<CFlagRow>({
+    {MenuEntry::ImageGrid, ImageFlag::kGrid, false, false},
+    {MenuEntry::ImagePicture, ImageFlag::kImage, false, false},
+    {MenuEntry::ImagePoints, ImageFlag::kPointConstraints, false, false},
+    {MenuEntry::ImageCurves, ImageFlag::kCurves, false, false},
+    {MenuEntry::FreezeMap, ImageFlag::kFreezeMap, false, true},
+    {MenuEntry::DiscontinuityTexels, ImageFlag::kDiscontinuityTexels, false, true},
+    {MenuEntry::ModelGrid, ModelFlag::kGrid, true, false},
+    {MenuEntry::ModelTexture, ModelFlag::kTexturedModel, true, false},
+    {MenuEntry::ModelPoints, ModelFlag::kPointConstraints, true, false},
+    {MenuEntry::ModelCurves, ModelFlag::kCurves, true, false},
+    {MenuEntry::CellNormals, ModelFlag::kCellNormals, true, true},
+    {MenuEntry::PointNormals, ModelFlag::kPointNormals, true, true},
+    {MenuEntry::TexelNormals, ModelFlag::kTexelNormals, true, true},
+    {MenuEntry::DiscontinuityGap, ImageFlag::kDiscontinuityGap, false, false},
+    {MenuEntry::DiscontinuityEdges, ImageFlag::kDiscontinuityEdges, false, false},
+});
+
+}  // namespace
+
+void CImageViewUI::ConnectCallbacks() {
+  struct CRow {
+    Control m_Control;
+    void (*m_Action)(CImageViewUI& window, bool on);  // `on`: the value of the button after the click
+  };
+  // clang-format off
+  static constexpr auto kRows = std::to_array<CRow>({
+    {Control::PositionConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Position); }},
+    {Control::NormalConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Normal); }},
+    {Control::CurveConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Curve); }},
+    {Control::PositionDiscontinuity, [](CImageViewUI& ui, bool) { ui.SetCurveType(1); }},
+    {Control::NormalDiscontinuity, [](CImageViewUI& ui, bool) { ui.SetCurveType(2); }},
+    {Control::FairnessConstraint, [](CImageViewUI& ui, bool) { ui.SetCurveType(4); }},
+    {Control::Popup, [](CImageViewUI& ui, bool) { ui.Notice("Bonjour a tous !!!"); }},
+    {Control::NormalTest, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kNormalTest, on); }},
+    {Control::Select, [](CImageViewUI& ui, bool) { ui.ToggleSelect(); }},
+    {Control::Freeze, [](CImageViewUI& ui, bool) { ui.ToggleFreeze(); }},
+    {Control::ResetImageView, [](CImageViewUI& ui, bool) { ui.m_pImageView->ResetView(); }},
+    {Control::HorizontalCoefs, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kHorizontalCoefs, on); }},
+    {Control::VerticalCoefs, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kVerticalCoefs, on); }},
+    {Control::TorsionCells, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kTorsionCells, on); }},
+    {Control::ShowLevel, [](CImageViewUI& ui, bool) { ui.CycleLevelTool(); }},
+    {Control::TestInterpolation, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kInterpolation, on); }},
+    {Control::ResetModelView, [](CImageViewUI& ui, bool) { ui.m_pGridView->ResetCamera(); }},
+    {Control::ResetSolver, [](CImageViewUI& ui, bool) { ui.m_pGrid->Reset(); ui.RedrawModelView(); }},
+    {Control::TestWavelets, [](CImageViewUI& ui, bool) { ui.m_pGrid->TestWavelets(); ui.RedrawModelView(); }},
+    {Control::LightSources, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::LightSources); }},
+    {Control::Recorder, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::Recorder); }},
+    {Control::Scissors, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::Scissors); }},
+    {Control::StopSolver, [](CImageViewUI& ui, bool) { ui.m_Solver.StopSolver(); }},
+    {Control::ResumeSolver, [](CImageViewUI& ui, bool) { ui.m_Solver.Run(); }},
+    {Control::Slower, [](CImageViewUI&, bool) { g_fTimerInterval *= 1.5; }},
+    {Control::Faster, [](CImageViewUI&, bool) { g_fTimerInterval *= 2.0 / 3.0; }},
+  });
+  // clang-format on
+  const auto perform = [](Fl_Widget* widget, long row) {
+    auto& window = static_cast<CImageViewUI&>(*widget->window());
+    if (window.m_pGrid == nullptr) return;
+    kRows[static_cast<std::size_t>(row)].m_Action(window, static_cast<Fl_Button*>(widget)->value() != 0);
+  };
+  for (std::size_t k = 0; k < kRows.size(); ++k) Widget(kRows[k].m_Control).callback(perform, static_cast<long>(k));
+  m_pbtnSwitchHR_LR->callback(cb_m_pbtnSwitchHR_LR, this);
+}
+
+bool CImageViewUI::FlagChosen(MenuEntry entry) {
+  for (const CFlagRow& row : kFlags) {
+    if (row.m_Entry != entry) continue;
+    const bool on = m_pMenu->IsChecked(entry);
+    if (row.m_bModelView) {
+      m_pGridView->SetFlag(row.m_uFlag, on);
+    } else {
+      const std::uint32_t flags = m_pImageView->DisplayFlags();
+      m_pImageView->SetDisplayFlags(on ? flags | row.m_uFlag : flags & ~row.m_uFlag);
+    }
+    if (row.m_bModelView || row.m_bRedrawsBoth) RedrawModelView();
+    if (!row.m_bModelView || row.m_bRedrawsBoth) RedrawImageView();
+    return true;
+  }
+  return false;
+}
+
+void CImageViewUI::Chosen(MenuEntry entry) {
+  if (FlagChosen(entry)) {
+    if (entry == MenuEntry::FreezeMap) SetVisible(Control::Freeze, m_pMenu->IsChecked(entry));
+    return;
+  }
+  switch (entry) {
+    case MenuEntry::NewGrid:
+      return m_Commands.Request(Operation::kNewGrid);
+    case MenuEntry::LoadGrid:
+      return m_Commands.Request(Operation::kLoadGrid);
+    case MenuEntry::LoadImage:
+      return m_Commands.Request(Operation::kLoadImage);
+    case MenuEntry::SaveGrid:
+      return m_Commands.Request(Operation::kSaveGrid);
+    case MenuEntry::SaveVrml:
+      return m_Commands.SaveVrml();
+    case MenuEntry::ExportHeightField:
+      return m_Commands.ExportHeightField();
+    case MenuEntry::ShootImage:
+      return Shoot(*m_pImageView, *m_pGridView);
+    case MenuEntry::ShootModel:
+      return Shoot(*m_pGridView, *m_pImageView);
+    case MenuEntry::DebugInterface:
+      return ShowDebugZone(m_pMenu->IsChecked(entry));
+    case MenuEntry::StatusBar:
+      return ShowHelpLine(m_pMenu->IsChecked(entry));
+    case MenuEntry::SubdivisionColours:
+      g_DrawingSettings.m_bSpecificSubdivisionColours = m_pMenu->IsChecked(entry);
+      RedrawImageView();
+      return RedrawModelView();
+    case MenuEntry::DrawingParameters:
+      EndDrags();
+      return m_Services.m_ShowDrawingOptions();
+    case MenuEntry::NewWavelets:
+      return m_pGridView->SelectWaveletMode(WaveletMode::New);
+    case MenuEntry::SimpleWavelets:
+      return m_pGridView->SelectWaveletMode(WaveletMode::Simple);
+    default:
+      return m_pGridView->SelectWaveletMode(WaveletMode::None);
+  }
+}
+
+void CImageViewUI::ShowDebugZone(bool show) {
+  m_bDebugZone = show;
+  for (const CControlRow& row : kControls) {
+    if (IsInDebugZone(row.m_Control)) SetVisible(row.m_Control, m_abVisible[Index(row.m_Control)]);
+  }
+  Relayout();
+}
+
+void CImageViewUI::ShowHelpLine(bool show) {
+  m_bHelpLine = show;
+  SetVisible(Control::HelpLine, show);
+  Relayout();
+}
+
+void CImageViewUI::SetEditingMode(EditingMode mode) {
+  m_pImageView->SetMode(mode);
+  m_pGrid->CancelPendingCurve();
+  m_pHelpLine->SetCurrentHelp(CurrentHelp());
+  redraw();
+  RefreshEnabled();
+}
+
+int CImageViewUI::CurrentHelp() const {
+  if ((m_pImageView->DebugFlags() & DebugFlag::kSelectCells) != 0) return HelpText::kSelectCells;
+  switch (m_pImageView->Mode()) {
+    case EditingMode::Position:
+      return HelpText::kPositions;
+    case EditingMode::Normal:
+      return HelpText::kNormals;
+    case EditingMode::Curve:
+      return m_pGrid->PendingCurve().IsIdle() ? HelpText::kCurves : HelpText::kCurveInProgress;
+    default:
+      return HelpText::kNone;
+  }
+}
+
+void CImageViewUI::SetCurveType(int type) {
+  m_pImageView->SetCurveType(type);
+  RequestRedraw();
+}
+
+void CImageViewUI::SetDebugFlag(std::uint32_t flag, bool on) {
+  const std::uint32_t flags = m_pImageView->DebugFlags();
+  m_pImageView->SetDebugFlags(on ? flags | flag : flags & ~flag);
+  UpdateDebugReadOuts();
+}
+
+void CImageViewUI::UpdateDebugReadOuts() {
+  const CDebugReadOuts shown = ReadOutsOf(m_pImageView->DebugFlags());
+  if (!shown.m_bInfluence) ShowInfluence(-1);
+  SetVisible(Control::Influence, shown.m_bInfluence);
+  SetVisible(Control::Level, shown.m_bLevel);
+  SetVisible(Control::PointNumber, shown.m_bPointNumber);
+  SetVisible(Control::PointCount, shown.m_bPointCount);
+  SetVisible(Control::Interpolation, shown.m_bInterpolation);
+  redraw();
+  RedrawImageView();
+}
+
+void CImageViewUI::CycleLevelTool() {
+  Fl_Button& button = Button(Control::ShowLevel);
+  const CLevelTool tool = NextLevelTool(m_pImageView->DebugFlags(), button.value() != 0);
+  m_pImageView->SetDebugFlags(tool.m_uDebugFlags);
+  button.label(tool.m_pLabel);
+  button.value(tool.m_bButtonDown ? 1 : 0);
+  UpdateDebugReadOuts();
+}
+
+void CImageViewUI::ToggleSelect() {
+  const bool on = Button(Control::Select).value() != 0;
+  SetDebugFlag(DebugFlag::kSelectCells, on);
+  m_pHelpLine->SetCurrentHelp(CurrentHelp());
+  RequestRedraw();
+}
+
+void CImageViewUI::ToggleFreeze() {
+  m_bFreezing = Button(Control::Freeze).value() != 0;
+  if (m_bFreezing && !m_pMenu->IsChecked(MenuEntry::FreezeMap)) m_pMenu->Choose(MenuEntry::FreezeMap);
+  SetDebugFlag(DebugFlag::kFreeze, m_bFreezing);
+  if (m_bFreezing) {
+    m_Solver.PauseForFreeze();
+  } else {
+    m_Solver.EndFreeze();
+  }
+  RefreshEnabled();
+}
+
+void CImageViewUI::ToggleTool(Tool tool) {
+  ToolWindow& window = *m_apTools[static_cast<std::size_t>(tool)];
+  if (window.IsOpen()) {
+    window.Close();
+  } else {
+    EndDrags();
+    window.Open();
+    if (tool == Tool::Scissors) m_Solver.StopSolver();
+  }
+  ShowLamp(tool, window.IsOpen());
+}
+
+void CImageViewUI::ToolClosed(Tool tool) { ShowLamp(tool, false); }
+
+void CImageViewUI::ShowLamp(Tool tool, bool on) {
+  constexpr std::array kButtons{Control::LightSources, Control::Recorder, Control::Scissors};
+  Button(kButtons[static_cast<std::size_t>(tool)]).value(on ? 1 : 0);
+  // Until a picture is loaded one button lies over another and has to be drawn after it.
+  Widget(Control::Interfaces).redraw();
+}
+
+void CImageViewUI::cb_m_pbtnSwitchHR_LR(Fl_Widget* /*widget*/, void* data) {
+  Console() << "CImageViewUI::cb_m_pbtnSwitchHR_LR\n";
+  auto& window = *static_cast<CImageViewUI*>(data);
+  const bool high = g_bHighRes == 0;
+  window.m_Commands.SwitchResolution();
+  window.m_pbtnSwitchHR_LR->label(high ? "Switch to LR" : "Switch to HR");
+  window.m_pbtnSwitchHR_LR->redraw();
+}
+
+std::optional<std::string> CImageViewUI::ChooseFile(const char* title, const char* pattern) {
+  EndDrags();
+  return m_Dialogs.ChooseFile(title, pattern);
+}
+
+bool CImageViewUI::Ask(const char* question) {
+  EndDrags();
+  return m_Dialogs.Ask(question);
+}
+
+std::string CImageViewUI::AskText(const char* question) {
+  EndDrags();
+  return m_Dialogs.AskText(question);
+}
+
+void CImageViewUI::Notice(const char* text) {
+  EndDrags();
+  m_Dialogs.Notice(text);
+}
+
+// A dialog takes the release of the button from the view in which it was pressed.
+void CImageViewUI::EndDrags() {
+  m_pImageView->EndDrag();
+  m_pGridView->EndDrag();
+  if (Fl::pushed() == m_pImageView || Fl::pushed() == m_pGridView) Fl::pushed(nullptr);
+}
+
+bool CImageViewUI::LoadPicture(const std::string& file) {
+  if (!m_pImageView->LoadImage(file)) return false;
+  m_bPictureLoaded = true;
+  ToolWindow* scissors = m_apTools[static_cast<std::size_t>(Tool::Scissors)].get();
+  if (scissors != nullptr && scissors->IsOpen()) scissors->Close();
+  SetVisible(Control::LightSources, true);
+  RefreshEnabled();
+  for (const MenuEntry entry : {MenuEntry::ImagePicture, MenuEntry::ModelTexture}) {
+    if (!m_pMenu->IsChecked(entry)) m_pMenu->Choose(entry);
+  }
+  Relayout();
+  RequestRedraw();
+  for (const auto& tool : m_apTools) {
+    if (tool != nullptr) tool->PictureLoaded();
+  }
+  return true;
+}
+
+std::string CImageViewUI::TextureFile() const { return m_pImageView->TextureFileName(); }
+
+void CImageViewUI::GridReplaced() {
+  m_pbtnSwitchHR_LR->label(g_bHighRes == 1 ? "Switch to LR" : "Switch to HR");
+  const WaveletMode mode = m_pGrid->Mode();
+  m_pMenu->SetChecked(mode == WaveletMode::New      ? MenuEntry::NewWavelets
+                      : mode == WaveletMode::Simple ? MenuEntry::SimpleWavelets
+                                                    : MenuEntry::NoWavelets,
+                      true);
+  m_pGridView->ShowWaveletMode(mode);
+  RefreshReadOuts();
+  m_pHelpLine->SetCurrentHelp(CurrentHelp());
+  Relayout();
+  m_pGridView->ResetCamera();
+  RequestRedraw();
+  for (const auto& tool : m_apTools) {
+    if (tool != nullptr) tool->GridReplaced();
+  }
+}
+
+template <class View>
+void CImageViewUI::Shoot(View& view, Fl_Gl_Window& other) {
+  m_Solver.PauseSolverForCommand();
+  if (const auto file = ChooseFile("give a name for current frame buffer:", "*.bmp")) {
+    // The other view keeps out of what is read back.
+    other.hide();
+    view.redraw();
+    constexpr double kSeconds = 0.1;
+    Fl::wait(kSeconds);
+    const bool saved = view.SaveFrame(*file);
+    other.show();
+    if (!saved) Notice(("Unable to save the frame in " + *file).c_str());
+  }
+  m_Solver.ResumeAfterCommand();
+}
