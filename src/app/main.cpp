@@ -5,6 +5,7 @@
 #include <FL/Fl.H>
 
 #include "app/CToolSet.h"
+#include "app/PressPosition.h"
 #include "app/SolverTimer.h"
 #include "base/Console.h"
 #include "model/CGrid.h"
@@ -37,6 +38,7 @@ int main() {
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   PrintSelfTest();
   Fl::visual(FL_DOUBLE | FL_DEPTH | FL_RGB8);
+  SendMovesBeforePresses();
 
   CGrid grid(static_cast<std::uint32_t>(std::time(nullptr)));
   CImageViewUI window(RegisterSolverTimer);

@@ -7,6 +7,8 @@
 #include <fstream>
 #include <sstream>
 
+#include <signal.h>
+
 #include "support/FileBuilders.h"
 #include "support/SamplePhotograph.h"
 #include "support/gui/Input.h"
@@ -123,6 +125,23 @@ TEST_F(ModellingRunTest, PhotographShowsInTheImageView) {
     const CRgb expected = PixelOf(photograph, pixel.m_iX, kPhotographHeight - 1 - pixel.m_iY);
     EXPECT_LT(Distance(PixelOf(shot, x, y), expected), 60) << pixel.m_iX << ' ' << pixel.m_iY;
   }
+}
+
+// The toolkit keeps back a movement of the mouse until it has read all that has come, and so after the press.
+TEST_F(ModellingRunTest, ClickOnAProgramThatWasBusyCountsWhereItWasMade) {
+  m_User.ClickOn(Control::PositionConstraint);
+  PlaceHeight(kLeftRim, kRimDrag);
+  PlaceHeight(kTable, 0);
+  MovePointer(m_User.OnPhotograph(kLeftRim));
+  ASSERT_TRUE(m_Program.Rests());
+  kill(m_Program.Pid(), SIGSTOP);
+  Click(m_User.OnPhotograph(kTable));
+  kill(m_Program.Pid(), SIGCONT);
+  ASSERT_TRUE(m_Program.Rests());
+  m_User.Type("Delete");
+  const auto left = SavedHeights();
+  ASSERT_EQ(left.size(), 1U);
+  EXPECT_NEAR(left[0][0], InModel(kLeftRim).x, kUnit);
 }
 
 TEST_F(ModellingRunTest, SurfaceTakesUpHeightsAndSlopes) {
