@@ -34,6 +34,7 @@ endif()
 install(FILES "${packaging}/relievo-mime.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/mime/packages" RENAME relievo.xml)
 install(FILES "${packaging}/copyright" README.md DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 install_compressed("${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${CMAKE_INSTALL_DOCDIR}" changelog)
+install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 install(DIRECTORY samples/ DESTINATION "${CMAKE_INSTALL_DATADIR}/relievo/samples")
 
 get_property(compressed GLOBAL PROPERTY relievo_compressed)

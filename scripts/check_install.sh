@@ -20,6 +20,7 @@ share/man/man1/relievo.1.gz
 share/metainfo/io.github.relievo.relievo.metainfo.xml
 share/mime/packages/relievo.xml
 share/relievo/samples/README.md
+$(find docs -type f -printf 'share/doc/relievo/%p\n')
 $(cd samples && find . -name '*.bmp' -printf 'share/relievo/samples/%P\n' -o -name '*.grid' -printf 'share/relievo/samples/%P\n')"
 diff <(sort <<<"$expected") <(cd "$prefix" && find . -type f -printf '%P\n' | sort)
 

@@ -135,6 +135,8 @@ class CCntrCtrl {
   void Read(std::istream& in);
 
  private:
+  void AddAutoBumpConstraintsLeft(CPtCstrList& target, const std::function<void(double, double)>& refine) const;
+  void AddAutoBumpConstraintsRight(CPtCstrList& target, const std::function<void(double, double)>& refine) const;
   void AddAutoBumpSide(CurveSide side, CPtCstrList& target, const std::function<void(double, double)>& refine) const;
 
   bool m_bClosed = false;

@@ -160,8 +160,18 @@ void CCntrCtrl::UpdateNormals(double length) {
 }
 
 void CCntrCtrl::AddAutoBumpConstraints(CPtCstrList& target, const std::function<void(double, double)>& refine) const {
-  if (HasOption(CurveOption::kLeftAutoBump)) AddAutoBumpSide(CurveSide::Left, target, refine);
-  if (HasOption(CurveOption::kRightAutoBump)) AddAutoBumpSide(CurveSide::Right, target, refine);
+  if (HasOption(CurveOption::kLeftAutoBump)) AddAutoBumpConstraintsLeft(target, refine);
+  if (HasOption(CurveOption::kRightAutoBump)) AddAutoBumpConstraintsRight(target, refine);
+}
+
+void CCntrCtrl::AddAutoBumpConstraintsLeft(CPtCstrList& target,
+                                           const std::function<void(double, double)>& refine) const {
+  AddAutoBumpSide(CurveSide::Left, target, refine);
+}
+
+void CCntrCtrl::AddAutoBumpConstraintsRight(CPtCstrList& target,
+                                            const std::function<void(double, double)>& refine) const {
+  AddAutoBumpSide(CurveSide::Right, target, refine);
 }
 
 void CCntrCtrl::AddAutoBumpSide(CurveSide side, CPtCstrList& target,

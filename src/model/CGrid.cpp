@@ -27,7 +27,7 @@ void CGrid::FreeAll() {
   m_Lattice.Free();
   m_Order.Free();
   m_Basis = {};
-  Release(m_afWaveCoefs);
+  Release(m_pfWaveCoefGrid);
   Release(m_afNodalHeights);
   Release(m_afPresentSurface);
   Release(m_afOtherSurface);
@@ -43,7 +43,7 @@ void CGrid::Initialize(int level, bool keep, double x0, double y0, double x1, do
   m_Lattice.Allocate(SupportedMaxLevel());
   m_iBaseLevel = std::clamp(level, 0, MaxLevel());
   m_Order.Reset(MaxLevel());
-  for (auto* values : {&m_afWaveCoefs, &m_afNodalHeights, &m_afPresentSurface, &m_afOtherSurface}) {
+  for (auto* values : {&m_pfWaveCoefGrid, &m_afNodalHeights, &m_afPresentSurface, &m_afOtherSurface}) {
     values->assign(m_Lattice.PointCount(), 0.0);
   }
   m_bSurfaceCaptured = false;
@@ -109,7 +109,7 @@ void CGrid::BuildHNumerotation() {
   Console() << ActivePointCount() << " points\n";
   for (std::size_t i = 0; i < m_Order.Count(); ++i) m_afNodalHeights[i] = surface[m_Order.PointAtScan(i)];
   ScatterNodalHeights();
-  m_Basis.W(m_afNodalHeights, m_afWaveCoefs);
+  m_Basis.W(m_afNodalHeights, m_pfWaveCoefGrid);
 }
 
 void CGrid::ScatterNodalHeights() {
@@ -131,14 +131,14 @@ void CGrid::ReplaySubdivision() {
 
 void CGrid::SetWaveletMode(WaveletMode mode) {
   m_Mode = mode;
-  m_Basis.invW(m_afWaveCoefs, m_afNodalHeights);
+  m_Basis.invW(m_pfWaveCoefGrid, m_afNodalHeights);
   m_Basis.Compile(m_Order, *m_pTree, mode);
-  m_Basis.W(m_afNodalHeights, m_afWaveCoefs);
+  m_Basis.W(m_afNodalHeights, m_pfWaveCoefGrid);
   m_Solver.RequestRestart();
 }
 
 void CGrid::ReconstructSurface() {
-  m_Basis.invW(m_afWaveCoefs, m_afNodalHeights);
+  m_Basis.invW(m_pfWaveCoefGrid, m_afNodalHeights);
   SurfaceChanged();
 }
 
@@ -154,21 +154,21 @@ void CGrid::SetHeights(std::span<const double> heights) {
   std::ranges::fill(m_Lattice.Heights(), 0.0);
   std::ranges::fill(m_afOtherSurface, 0.0);
   for (std::size_t k = 0; k < m_Order.Count(); ++k) m_afNodalHeights[m_Order.ScanOf(k)] = heights[k];
-  m_Basis.W(m_afNodalHeights, m_afWaveCoefs);
+  m_Basis.W(m_afNodalHeights, m_pfWaveCoefGrid);
   SurfaceChanged();
   m_Solver.RequestRestart();
 }
 
 double CGrid::TestWavelets() {
   std::vector<double> nodal(m_Order.Count());
-  m_Basis.invW(m_afWaveCoefs, nodal);
+  m_Basis.invW(m_pfWaveCoefGrid, nodal);
   std::vector<double> heights(m_Lattice.PointCount());
   std::vector<double> coefs(m_Lattice.PointCount());
   for (std::size_t i = 0; i < m_Order.Count(); ++i) heights[m_Order.PointAtScan(i)] = nodal[i];
   WalkW(*m_pTree, m_Mode, heights, coefs);
   double largest = 0.0;
   for (std::size_t k = 0; k < m_Order.Count(); ++k) {
-    largest = std::max(largest, std::abs(coefs[m_Order.PointOf(k)] - m_afWaveCoefs[k]));
+    largest = std::max(largest, std::abs(coefs[m_Order.PointOf(k)] - m_pfWaveCoefGrid[k]));
   }
   Console() << "CGrid::TestWavelets\t\tlargest difference : " << largest << '\n';
   return largest;

@@ -113,8 +113,8 @@ class CGrid {
   /// Converts the coefficients to the basis of `mode`; a running iteration starts anew.
   void SetWaveletMode(WaveletMode mode);
   /// Coefficients of the unknowns, in the point order.
-  std::span<double> Coefficients() { return std::span(m_afWaveCoefs).first(m_Order.Count()); }
-  std::span<const double> Coefficients() const { return std::span(m_afWaveCoefs).first(m_Order.Count()); }
+  std::span<double> Coefficients() { return std::span(m_pfWaveCoefGrid).first(m_Order.Count()); }
+  std::span<const double> Coefficients() const { return std::span(m_pfWaveCoefGrid).first(m_Order.Count()); }
   /// Heights, normals and height range from the coefficients.
   void ReconstructSurface();
   /// Gives the unknowns, in their order, new heights in place of those of both resolutions; the iteration starts anew.
@@ -287,6 +287,9 @@ class CGrid {
   /// Whether anything was done.
   bool PerformOperations();
   void Dispatch(int operation);
+  /// To the other resolution, which starts from the surface of this one.
+  void Transmit(bool high);
+  /// To the other resolution, with its own surface or, to transfer, with that of this one.
   void SwapResolution(bool high, bool transfer);
   void SubdivisionChanged();
   void RasteriseCurves();
@@ -317,7 +320,7 @@ class CGrid {
   CGridSolver m_Solver;
 
   // One entry per lattice point, so that no renumbering allocates.
-  std::vector<double> m_afWaveCoefs;     ///< by unknown
+  std::vector<double> m_pfWaveCoefGrid;  ///< by unknown
   std::vector<double> m_afNodalHeights;  ///< by scan position
   // By lattice point. The whole surface as it was before the tree last changed, valid while m_bSurfaceCaptured, and
   // that of the other resolution when it was left.

@@ -4,8 +4,8 @@
 #include <utility>
 
 void CPendingWork::Post(int code) {
-  if (m_iNext != Operation::kNone && m_iNext != code) Remember(m_iNext);
-  m_iNext = code;
+  if (Next_Operation != Operation::kNone && Next_Operation != code) Remember(Next_Operation);
+  Next_Operation = code;
 }
 
 void CPendingWork::Remember(int code) {
@@ -17,12 +17,12 @@ void CPendingWork::Remember(int code) {
 }
 
 void CPendingWork::Clear() {
-  m_iNext = Operation::kNone;
+  Next_Operation = Operation::kNone;
   m_aiOverwritten.clear();
 }
 
 std::vector<int> CPendingWork::Take() {
-  if (m_iNext != Operation::kNone) Remember(m_iNext);
-  m_iNext = Operation::kNone;
+  if (Next_Operation != Operation::kNone) Remember(Next_Operation);
+  Next_Operation = Operation::kNone;
   return std::exchange(m_aiOverwritten, {});
 }

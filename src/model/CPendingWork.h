@@ -34,7 +34,7 @@ inline constexpr bool IsEdit(int operation) {
 class CPendingWork {
  public:
   /// The code posted last, Operation::kNone if there is none.
-  int Next() const { return m_iNext; }
+  int Next() const { return Next_Operation; }
 
   void Post(int code);
   void Clear();
@@ -44,6 +44,6 @@ class CPendingWork {
  private:
   void Remember(int code);
 
-  int m_iNext = Operation::kNone;
+  int Next_Operation = Operation::kNone;
   std::vector<int> m_aiOverwritten;
 };

@@ -59,7 +59,7 @@ void CGrid::Dispatch(int operation) {
       return SetDiscMap();
     case Operation::kTransferToHigh:
     case Operation::kTransferToNormal:
-      return SwapResolution(operation == Operation::kTransferToHigh, true);
+      return Transmit(operation == Operation::kTransferToHigh);
     case Operation::kRestoreHigh:
     case Operation::kRestoreNormal:
       return SwapResolution(operation == Operation::kRestoreHigh, false);
@@ -117,8 +117,12 @@ void CGrid::SubdivisionChanged() {
   if (m_pHost != nullptr) m_pHost->RequestRedraw();
 }
 
+void CGrid::Transmit(bool high) {
+  Console() << "Transmit : m_iNbAPoints : " << ActivePointCount() << '\n';
+  SwapResolution(high, true);
+}
+
 void CGrid::SwapResolution(bool high, bool transfer) {
-  if (transfer) Console() << "Transmit : m_iNbAPoints : " << ActivePointCount() << '\n';
   g_bHighRes = high ? 1 : 0;
   if (!m_bSurfaceCaptured) CapturePresentSurface();
   std::swap(m_Subdivision, m_OtherSubdivision);
@@ -134,7 +138,7 @@ void CGrid::SwapResolution(bool high, bool transfer) {
 
 void CGrid::Reset() {
   const double limit = 10.0 / static_cast<double>(m_Lattice.PointCount());
-  for (double& coef : m_afWaveCoefs) coef = m_Random.UpTo(limit);
+  for (double& coef : m_pfWaveCoefGrid) coef = m_Random.UpTo(limit);
   m_Solver.RandomiseMultipliers(limit);
   ReconstructSurface();
   Post(Operation::kRebuildMaps);
