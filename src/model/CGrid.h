@@ -40,7 +40,10 @@ struct CListHeaders {
 
 /// The model: one height field over one picture, its constraints and its solution. There is one for the whole run; New
 /// Grid and Load Grid initialise it again in place. It owns a part for each of its jobs and hands its operations on to
-/// them.
+/// them; each section below names the source file that does so.
+///
+/// Places (x, y), heights z and distances are in model units, slopes dz/dx and dz/dy; masks are PtCstrKind or CurveType
+/// bits. Operations on "the selected" one take the first and do nothing without one.
 class CGrid {
  public:
   /// The default grid: base level 5, no constraints, 0..100 by 0..100, the current resolution the normal one.
@@ -50,10 +53,11 @@ class CGrid {
   CGrid& operator=(const CGrid&) = delete;
   ~CGrid() = default;
 
-  /// Starts over on the rectangle x0..x1 by y0..y1 (model units, x0 < x1, y0 < y1) at a base level, with a flat surface
-  /// at height 0. Without `keep` all constraints are dropped. The maximum level is the global default, held to
-  /// CLattice::kMinLevel..kMaxLevel; `level` is held to 0..maximum. Allocates everything for the maximum level when
-  /// that has changed or was freed. The next tick rebuilds the system.
+  // Beginning and end (CGrid.cpp).
+
+  /// Starts over on the rectangle x0..x1 by y0..y1 (x0 < x1, y0 < y1) at a base level, with a flat surface at height 0.
+  /// Without `keep` all constraints are dropped. The maximum level is the global default, held to
+  /// CLattice::kMinLevel..kMaxLevel; `level` is held to 0..maximum. Allocates only when the maximum has changed.
   void Initialize(int level, bool keep, double x0, double y0, double x1, double y1);
   /// Frees the arrays and drops every constraint; `Initialize` must follow.
   void FreeAll();
@@ -62,16 +66,17 @@ class CGrid {
   /// The program around the model, or null. Must outlive the grid or be detached.
   void AttachHost(GridHost* host) { m_pHost = host; }
 
-  // One tick of the solver, and what waits for it.
+  // One tick of the solver, and what waits for it (GridUpdate.cpp).
 
   /// One tick's work: the pending operations, the system as far as it is out of date, ten iterations, the surface.
   /// Allocates nothing unless the system changes.
   void UpdateGrid();
-  /// Performs the pending operations at once, without iterating, and brings heights and normals up to date. For
-  /// commands while no tick is registered, and before the model is written to a file.
+  /// Performs the pending operations at once, without iterating, and brings heights and normals up to date.
   void PerformPendingWork();
   /// Leaves `operation` (Operation::...) for the next tick. An edit of a model that had converged resumes the solver.
   void Post(int operation);
+  /// "Reset the grid": heights below 10 / points by chance, and a rebuild posted.
+  void Reset();
   int NextOperation() const { return m_Pending.Next(); }
   bool IsRunning() const { return m_bRunning; }
   void SetRunning(bool running) { m_bRunning = running; }
@@ -91,22 +96,18 @@ class CGrid {
   double MinHeight() const { return m_fMinHeight; }
   double MaxHeight() const { return m_fMaxHeight; }
 
-  // The system and the surface.
+  // The system and the surface (CGrid.cpp). Whatever is rebuilt, the surface stays as it is at every point in use
+  // afterwards.
 
-  /// Rebuilds the tree from the wanted subdivision, the discontinuity maps and the whole system; the surface stays as
-  /// it is at every point in use afterwards.
+  /// Rebuilds the tree from the wanted subdivision, the discontinuity maps and the whole system.
   void SetDiscMap();
   /// Sets up the system: with the counter at -1 renumbers the points, assembles the matrix and sets the counter to 0;
   /// in any case rebuilds the constraint rows.
   void SetSparseH();
-  /// Numbers the points of the present subdivision and sets the coefficients so that the surface stays as it is. Points
-  /// that were split off without interpolating since the last replay or reconstruction take what the height array
-  /// holds.
+  /// Numbers the points of the present subdivision and sets the coefficients from the height array.
   void BuildHNumerotation();
-  /// Rebuilds the tree from the wanted subdivision; the surface stays as it is at every point in use afterwards.
+  /// Rebuilds the tree from the wanted subdivision.
   void ReplaySubdivision();
-  /// "Reset the grid": heights below 10 / points by chance, and a rebuild posted.
-  void Reset();
   /// Number of unknowns.
   int ActivePointCount() const { return static_cast<int>(m_Order.Count()); }
   WaveletMode Mode() const { return m_Mode; }
@@ -119,17 +120,15 @@ class CGrid {
   void ReconstructSurface();
   /// Gives the unknowns, in their order, new heights in place of those of both resolutions; the iteration starts anew.
   void SetHeights(std::span<const double> heights);
-  /// Grows with every reconstruction, so that what is drawn of the surface need be made anew only then.
+  /// Grows with every reconstruction; what is drawn of the surface is made anew only then.
   std::uint64_t SurfaceRevision() const { return m_uSurfaceRevision; }
-  /// Largest difference over the points between heights through the compiled inverse transform and back through the
-  /// tree walk. Logs it.
+  /// Largest difference between heights through the compiled inverse transform and back through the tree walk; logged.
   double TestWavelets();
-  /// Highlights the ends of the border sub-edge that the height at (x, y) (model units) hangs on and has the host show
-  /// what the interpolation is made of. False outside the model.
+  /// Highlights the ends of the border sub-edge that the height at (x, y) hangs on and has the host show what the
+  /// interpolation is made of. False outside the model.
   bool TraceInterpolation(double x, double y);
 
-  // Point constraints. Positions in model units, slopes dz/dx and dz/dy, kind masks of PtCstrKind bits. Adding and
-  // deleting posts Operation::kRebuild, moving and changing kRestart.
+  // Point constraints (GridConstraints.cpp). Adding and deleting posts Operation::kRebuild, changing kRestart.
 
   void AddPtCstr(const CPtCstr& record);
   /// Whether any constraint of the kind lies within reach of (x, y); those that do are highlighted, no others.
@@ -139,27 +138,25 @@ class CGrid {
   void SelectPrevPtCstr(std::uint32_t mask) { m_PointConstraints.SelectPrev(mask); }
   /// Curves and their nodes as well.
   void UnselectAll();
-  /// Moves the first selected constraint. Nothing happens without one; so it is for all operations on the selection.
   void MoveSelectedPtCstr(double dx, double dy);
-  /// Height of the first selected position constraint; 0 without one.
+  /// 0 without a selected position constraint.
   double GetSelectedHeight();
   void SetSelectedHeight(double z);
-  /// Adds to the slopes of the first selected normal constraint. Posts kRestart even without one.
+  /// Adds to the slopes of the selected normal constraint. Posts kRestart even without one.
   void ChangeSelectedNormal(double dp, double dq);
   void DeleteSelectedPtCstr();
   /// z of every normal constraint that is no position constraint as well becomes the surface's height under it.
   void RefreshNormalCstrHeights();
-  /// Reach of the freeze brush at zoom 1, model units; it grows with the zoom.
+  /// Reach of the freeze brush at zoom 1; it grows with the zoom.
   static constexpr double kFreezeRadius = 4.0;
-  /// Freezes, or with `freeze` false sets free, the points in use within reach of the freeze brush at (x, y), model
-  /// units.
+  /// Freezes, or with `freeze` false sets free, the points in use within reach of the freeze brush at (x, y).
   void PaintFreezeMap(double x, double y, bool freeze);
-  /// Grows whenever the brush has painted, so that what is drawn of the freeze map need be made anew only then.
+  /// Grows whenever the brush has painted; what is drawn of the freeze map is made anew only then.
   std::uint64_t FreezeRevision() const { return m_uFreezeRevision; }
   /// Height of the surface at fractional lattice indices; 0 outside.
   double GetHeightAt(double column, double row) const { return Surface().HeightAt(column, row); }
 
-  // Curves. Positions in model units, masks of CurveType bits. Where nothing is said, nothing is posted.
+  // Curves (GridCurves.cpp). Where nothing is said, nothing is posted.
 
   /// How the half-made curve ended.
   enum class Validation {
@@ -184,10 +181,10 @@ class CGrid {
   std::uint32_t PickCurve(double x, double y, std::uint32_t mask);
   /// Whether a node lies within reach; such nodes and their curves are highlighted, no others.
   bool HighlightCurves(double x, double y, std::uint32_t mask);
-  /// Gives the first selected curve another type; nothing for type 0.
+  /// Gives the selected curve another type; nothing for type 0.
   void SetSelectedCurveType(std::uint32_t type);
   void MoveSelectedCurve(double dx, double dy, std::uint32_t mask) { m_Curves.MoveSelected(dx, dy, mask); }
-  /// Deletes the first selected node of every curve, or the first selected curve. Posts kRebuildMaps in any case.
+  /// Deletes the selected node of every curve, or the selected curve. Posts kRebuildMaps in any case.
   void DeleteSelectedCurveNode();
   void DeleteSelectedCurve();
   void UnselectCurves(std::uint32_t mask) { m_Curves.Unselect(mask); }
@@ -201,19 +198,17 @@ class CGrid {
   /// turns the curve's generation off. Posts kRebuildMaps.
   void ExportCurveConstraints(double x, double y);
 
-  // The picture and its light. Without a picture the passes log a line and do nothing. All are linear in the number of
-  // texels and allocate nothing but `SetPicture`.
+  // The picture and its light (GridLighting.cpp). Without a picture the passes log a line and do nothing. All are
+  // linear in the number of texels and allocate nothing but `SetPicture`.
 
-  /// Takes up a picture: its textures, and memory for what is kept per texel. Every texel has the normal (0, 0, 1) and
-  /// no albedo yet, and none lies in a discontinuity until `TestTexelsInDiscontinuity` has looked. False, with nothing
-  /// changed, for one that is empty or has not 3 * width * height bytes, and, with a console line, for one that
-  /// `memory` bytes do not hold.
+  /// Takes up a picture: its textures, and memory for what is kept per texel, each with the normal (0, 0, 1), no albedo
+  /// and in no discontinuity. False, with nothing changed, for one that is empty or has not 3 * width * height bytes,
+  /// and, with a console line, for one that `memory` bytes do not hold.
   bool SetPicture(const CPicture& picture, double memory = AvailableMemory());
   /// Light `index` (0 to 3 and, ambient, 4) of a set (kRemovedLights, kAddedLights). Null, with a console line, for
   /// another type; null for another index.
   CLight* GetLightSource(int index, int type);
-  /// Gives every texel its column and row and the normal (0, 0, 1), and forgets its place on the surface. A new picture
-  /// needs no such call.
+  /// Gives every texel of a picture taken up before its column and row and the normal (0, 0, 1) again.
   void InitializeCoordsTexels();
   /// Brings the places of the texels up to the present subdivision, for what draws them; nothing without a picture.
   void LocateTexels();
@@ -226,9 +221,8 @@ class CGrid {
   /// Albedo, Kd image and new illumination (see CAlbedoMap), from normals of the present subdivision.
   void GetKd();
 
-  // Files. What has failed is told on the console and, as a notice, through the host. A file that is written keeps its
-  // old contents until the new ones are complete; false where they could not be, with the old ones still there. Pending
-  // work must have been performed.
+  // Files (GridFiles.cpp). What has failed is told on the console and, as a notice, through the host. A file that is
+  // written keeps its old contents until the new ones are complete. Pending work must have been performed.
 
   /// Reads a grid file (see ReadGrid) in place of the model. A file that cannot be opened leaves the grid as it is.
   GridFileState Load(const std::string& filename);
