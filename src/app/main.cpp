@@ -1,8 +1,10 @@
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
 
 #include <FL/Fl.H>
+#include <FL/fl_ask.H>
 
 #include "app/CToolSet.h"
 #include "app/PressPosition.h"
@@ -10,6 +12,7 @@
 #include "base/Console.h"
 #include "model/CGrid.h"
 #include "ui/window/CImageViewUI.h"
+#include "ui/window/UiScale.h"
 
 namespace {
 
@@ -39,6 +42,7 @@ int main() {
   PrintSelfTest();
   Fl::visual(FL_DOUBLE | FL_DEPTH | FL_RGB8);
   SendMovesBeforePresses();
+  fl_message_font(FL_HELVETICA, static_cast<int>(std::lround(FL_NORMAL_SIZE * UiScale())));
 
   CGrid grid(static_cast<std::uint32_t>(std::time(nullptr)));
   CImageViewUI window(RegisterSolverTimer);

@@ -8,6 +8,7 @@
 #include <FL/Fl_Group.H>
 
 #include "ui/dialogs/CNumberInput.h"
+#include "ui/dialogs/ScaleWidgets.h"
 #include "ui/window/Questions.h"
 
 namespace {
@@ -68,6 +69,7 @@ CContourAttributesDialog::CContourAttributesDialog(ViewHost& views, const Fl_Win
   add(exportConstraints);
   AddCancel(263, 280, 90, 30);
   end();
+  ScaleWidgets(*this);
   Refresh({}, false);
 }
 

@@ -9,6 +9,7 @@
 
 #include "ui/dialogs/ColourChoice.h"
 #include "ui/dialogs/DialogPlacement.h"
+#include "ui/dialogs/ScaleWidgets.h"
 #include "ui/window/ViewHost.h"
 
 namespace {
@@ -126,6 +127,7 @@ CDrawingOptionsDialog::CDrawingOptionsDialog(CDrawingSettings& settings, ViewHos
   BuildColours();
   BuildButtons();
   end();
+  ScaleWidgets(*this);
   set_non_modal();
 }
 

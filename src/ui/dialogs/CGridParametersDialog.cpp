@@ -7,6 +7,7 @@
 #include <FL/Fl_Counter.H>
 
 #include "ui/dialogs/CNumberInput.h"
+#include "ui/dialogs/ScaleWidgets.h"
 
 namespace {
 
@@ -44,6 +45,7 @@ CGridParametersDialog::CGridParametersDialog(ViewHost& views, const Fl_Window& m
   AddOk(60, 115, 105, 28);
   AddCancel(185, 115, 105, 28);
   end();
+  ScaleWidgets(*this);
   Refresh({});
 }
 

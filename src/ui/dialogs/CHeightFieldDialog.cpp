@@ -9,6 +9,7 @@
 #include <FL/Fl_Box.H>
 
 #include "ui/dialogs/CNumberInput.h"
+#include "ui/dialogs/ScaleWidgets.h"
 
 CHeightFieldDialog::CHeightFieldDialog(ViewHost& views, const Fl_Window& mainWindow, ExportCommand command)
     : CModalDialog(265, 255, "Choose the dimention of the Height field", views, mainWindow),
@@ -22,6 +23,7 @@ CHeightFieldDialog::CHeightFieldDialog(ViewHost& views, const Fl_Window& mainWin
   AddOk(25, 210, 105, 30);
   AddCancel(140, 210, 105, 30);
   end();
+  ScaleWidgets(*this);
   Refresh();
 }
 

@@ -13,6 +13,7 @@
 #include "lighting/CLight.h"
 #include "ui/dialogs/ColourChoice.h"
 #include "ui/dialogs/DialogPlacement.h"
+#include "ui/dialogs/ScaleWidgets.h"
 #include "ui/window/ViewHost.h"
 
 namespace {
@@ -77,6 +78,7 @@ CLightUI::CLightUI(ViewHost& views, const Fl_Window& mainWindow, VisibilityListe
   BuildTextures();
   BuildUpdates();
   end();
+  ScaleWidgets(*this);
   set_non_modal();
 }
 

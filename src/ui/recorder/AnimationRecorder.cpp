@@ -6,6 +6,7 @@
 #include <FL/Fl_Button.H>
 #include <FL/Fl_Value_Output.H>
 
+#include "ui/dialogs/ScaleWidgets.h"
 #include "ui/recorder/CExportProgress.h"
 #include "ui/recorder/FrameExport.h"
 #include "ui/recorder/RecorderHost.h"
@@ -57,6 +58,7 @@ AnimationRecorder::AnimationRecorder(RecorderView& view, RecorderHost& host, Use
   m_pFrameNumber = new Fl_Value_Output(125, 60, 55, 25, "Frame number : ");
   m_pTick = new Fl_Value_Output(225, 60, 55, 25, "Tick");
   end();
+  ScaleWidgets(*this);
   callback(cb_Window);
   Refresh();
 }

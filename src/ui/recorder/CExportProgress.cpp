@@ -3,9 +3,12 @@
 #include <FL/Fl.H>
 #include <FL/Fl_Box.H>
 
+#include "ui/dialogs/ScaleWidgets.h"
+
 CExportProgress::CExportProgress() : Fl_Window(260, 60, "Export the animation") {
   m_pText = new Fl_Box(0, 0, w(), h());
   end();
+  ScaleWidgets(*this);
   callback(cb_Window);
   set_modal();
 }

@@ -7,6 +7,7 @@
 
 #include "base/Console.h"
 #include "model/CGrid.h"
+#include "ui/dialogs/ScaleWidgets.h"
 #include "ui/scissors/CScissorsCanvas.h"
 #include "ui/scissors/ScissorsHost.h"
 
@@ -33,6 +34,7 @@ CScissorsView::CScissorsView(CGrid& grid, ScissorsHost& host)
   m_pStatusBox->align(FL_ALIGN_LEFT | FL_ALIGN_INSIDE | FL_ALIGN_CLIP);
   m_pStatusBox->labelsize(12);
   end();
+  ScaleWidgets(*this);
   resizable(m_pCanvas);
   size_range(kMinSize, kMinSize);
   callback(cb_Window);
