@@ -6,8 +6,8 @@
 #include <nlohmann/json.hpp>
 #include <sys/wait.h>
 
+#include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
-#include "support/gui/CTemporaryDirectory.h"
 
 namespace {
 

@@ -12,9 +12,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "support/CTemporaryDirectory.h"
 #include "support/ConsoleCapture.h"
 #include "support/RecorderBuilders.h"
-#include "support/gui/CTemporaryDirectory.h"
 #include "support/gui/Input.h"
 #include "support/gui/ToolkitTest.h"
 #include "ui/recorder/AnimationRecorder.h"

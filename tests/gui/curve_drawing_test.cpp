@@ -5,6 +5,7 @@
 
 #include "io/Bmp.h"
 #include "support/BmpBuilders.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/CurveBuilders.h"
 #include "support/gui/ImageViewTest.h"
 #include "ui/drawing/DrawingSettings.h"
@@ -57,7 +58,7 @@ class CurveDrawingTest : public ImageViewTest {
     Release();
   }
 
-  CScratch m_Scratch;
+  CTemporaryDirectory m_Scratch;
   CPicture m_Frame;
   CGlobalScope<CDrawingSettings> m_Settings{g_DrawingSettings, CDrawingSettings{}};
 };

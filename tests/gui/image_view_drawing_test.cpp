@@ -9,6 +9,7 @@
 
 #include "io/Bmp.h"
 #include "model/PointProbe.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/ConstraintBuilders.h"
 #include "support/gui/ImageViewTest.h"
 #include "ui/drawing/DrawingSettings.h"
@@ -73,7 +74,7 @@ class ImageViewDrawingTest : public ImageViewTest {
     return picture;
   }
 
-  CScratch m_Scratch;
+  CTemporaryDirectory m_Scratch;
   CPicture m_Frame;
   CGlobalScope<CDrawingSettings> m_Settings{g_DrawingSettings, CDrawingSettings{}};
 };

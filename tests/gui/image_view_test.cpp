@@ -6,6 +6,7 @@
 #include <GL/gl.h>
 
 #include "model/PointProbe.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/gui/ImageViewTest.h"
 
 namespace {
@@ -265,7 +266,7 @@ class LoadImageTest : public ImageViewTest {
     return View().LoadImage(m_Scratch.File(name));
   }
 
-  CScratch m_Scratch;
+  CTemporaryDirectory m_Scratch;
 };
 
 }  // namespace

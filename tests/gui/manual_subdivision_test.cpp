@@ -4,6 +4,7 @@
 
 #include "io/Bmp.h"
 #include "support/BmpBuilders.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/gui/ImageViewTest.h"
 
 namespace {
@@ -266,7 +267,7 @@ TEST_F(ManualSubdivisionTest, OtherToolsLeaveTheSelectionAlone) {
 }
 
 TEST_F(ManualSubdivisionTest, RectangleIsDrawnAsItGrows) {
-  const CScratch scratch;
+  const CTemporaryDirectory scratch;
   m_Window.show();
   ASSERT_TRUE(RunToolkitUntil([this] { return View().shown() != 0; }));
   View().SetDisplayFlags(0);

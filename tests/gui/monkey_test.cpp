@@ -13,11 +13,11 @@
 
 #include "app/CToolSet.h"
 #include "app/SolverTimer.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/ConsoleCapture.h"
 #include "support/FileBuilders.h"
 #include "support/SamplePhotograph.h"
 #include "support/gui/CMonkey.h"
-#include "support/gui/CTemporaryDirectory.h"
 #include "ui/window/CImageViewUI.h"
 
 namespace {

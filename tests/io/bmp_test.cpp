@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "support/BmpBuilders.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/ConsoleCapture.h"
 
 namespace {
@@ -24,7 +25,7 @@ class BmpTest : public ::testing::Test {
     return Global::SaveBMP(m_File, picture.m_aPixels, picture.m_iWidth, picture.m_iHeight, 1);
   }
 
-  CScratch m_Scratch;
+  CTemporaryDirectory m_Scratch;
   std::string m_File = m_Scratch.File("picture.bmp");
   ConsoleCapture m_Console;
 };

@@ -5,8 +5,8 @@
 
 #include "io/HeightFieldExport.h"
 #include "io/VrmlExport.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
-#include "support/gui/CTemporaryDirectory.h"
 
 namespace {
 

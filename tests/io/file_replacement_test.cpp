@@ -4,12 +4,13 @@
 
 #include "io/CFileReplacement.h"
 #include "support/BmpBuilders.h"
+#include "support/CTemporaryDirectory.h"
 
 namespace {
 
 class FileReplacementTest : public ::testing::Test {
  protected:
-  CScratch m_Scratch;
+  CTemporaryDirectory m_Scratch;
   std::string m_File = m_Scratch.File("target");
   CBytes m_aOld{1, 2, 3};
   CBytes m_aNew{4, 5};

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
-#include "support/gui/CTemporaryDirectory.h"
 
 namespace {
 

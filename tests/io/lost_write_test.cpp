@@ -5,8 +5,8 @@
 #include <sys/resource.h>
 
 #include "io/CSafeFile.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
-#include "support/gui/CTemporaryDirectory.h"
 
 namespace {
 

@@ -12,6 +12,7 @@
 #include "lighting/CShading.h"
 #include "quadtree/TreeNormals.h"
 #include "support/BmpBuilders.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/LightingBuilders.h"
 
 namespace {
@@ -31,7 +32,7 @@ CLightSet KnownLights() {
 
 // What is read back from the file written of a picture; an empty one where either fails.
 CPicture ThroughFile(const CPicture& picture) {
-  const CScratch scratch;
+  const CTemporaryDirectory scratch;
   const std::string file = scratch.File("bump.bmp");
   if (!Global::SaveBMP(file, picture.m_aPixels, picture.m_iWidth, picture.m_iHeight, 1)) return {};
   const auto loaded = Global::LoadBMP(file, 1);

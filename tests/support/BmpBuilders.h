@@ -13,34 +13,6 @@
 
 using CBytes = std::vector<std::uint8_t>;
 
-/// A directory of its own for a test's files, removed at the end.
-class CScratch {
- public:
-  CScratch() {
-    std::random_device device;
-    do {
-      m_Path = std::filesystem::temp_directory_path() / ("relievo_test_" + std::to_string(device()));
-    } while (!std::filesystem::create_directory(m_Path));
-  }
-  ~CScratch() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_Path, ignored);
-  }
-  CScratch(const CScratch&) = delete;
-  CScratch& operator=(const CScratch&) = delete;
-
-  std::string File(const std::string& name) const { return m_Path / name; }
-  /// Names of what lies in it, in no order.
-  std::vector<std::string> Names() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(m_Path)) names.push_back(entry.path().filename());
-    return names;
-  }
-
- private:
-  std::filesystem::path m_Path;
-};
-
 inline void WriteBytes(const std::string& filename, const CBytes& bytes) {
   std::ofstream file(filename, std::ios::binary);
   file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/CTemporaryDirectory.h"
 #include "support/RecorderBuilders.h"
-#include "support/gui/CTemporaryDirectory.h"
 #include "ui/recorder/FrameExport.h"
 
 namespace {

@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include "support/CTemporaryDirectory.h"
 #include "support/gui/CChildProcess.h"
 #include "support/gui/CScreen.h"
-#include "support/gui/CTemporaryDirectory.h"
 
 /// A text on the display's clipboard, ready to be pasted for as long as the object lives.
 class CClipboard {

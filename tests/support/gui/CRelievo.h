@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "support/CTemporaryDirectory.h"
 #include "support/gui/CChildProcess.h"
 #include "support/gui/CScreen.h"
-#include "support/gui/CTemporaryDirectory.h"
 
 /// The built program, running on the display as a user has it: a window to look at, a console to read. It ends with the
 /// object at the latest.

@@ -12,7 +12,7 @@
 
 #include "base/Console.h"
 #include "io/Bmp.h"
-#include "support/gui/CTemporaryDirectory.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/gui/Pictures.h"
 #include "support/gui/ToolkitTest.h"
 #include "ui/drawing/CTextures.h"

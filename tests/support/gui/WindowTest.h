@@ -12,7 +12,7 @@
 #include <FL/Fl_Value_Output.H>
 
 #include "app/SolverTimer.h"
-#include "support/gui/CTemporaryDirectory.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/gui/ToolkitTest.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/modelview/CGridView.h"
