@@ -115,7 +115,8 @@ void CCurveRasteriser::scan_conv_line_y(const CGridSegment& s) {
   }
 }
 
-// The lattice points nearest to the line between the rounded ends, one per step of the longer direction.
+// The lattice points nearest to the line between the rounded ends, one per step of the longer direction
+// [Bresenham1965].
 void CCurveRasteriser::ScanCrease(CGridSegment s) {
   if (!s.IsFinite()) {
     Console() << "Error ScanCrease : a node is not at a finite place\n";

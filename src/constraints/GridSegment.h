@@ -8,7 +8,8 @@ struct CGridSegment {
   double y1;
 
   bool IsFinite() const;
-  /// Keeps the part inside the square from 0 to `side`. False, and nothing kept, where that has no length.
+  /// Keeps the part inside the square from 0 to `side` [LiangBarsky1984]. False, and nothing kept, where that has no
+  /// length.
   bool Clip(double side);
   CGridSegment Transposed() const { return {y0, x0, y1, x1}; }
   CGridSegment Reversed() const { return {x1, y1, x0, y0}; }

@@ -124,8 +124,9 @@ void CMinimumPathTree::SiftUp(std::size_t hole, CEntry entry) {
   Put(hole, entry);
 }
 
-// The hole at the root goes down to a leaf along the smaller children, then the last entry comes up from there. It ends
-// where sifting it down from the root would have put it, but a last entry mostly belongs near the leaves.
+// The hole at the root goes down to a leaf along the smaller children, then the last entry comes up from there
+// [Wegener1993]. It ends where sifting it down from the root would have put it, but a last entry mostly belongs near
+// the leaves.
 CMinimumPathTree::CEntry CMinimumPathTree::PopMinimum() {
   const CEntry minimum = m_aHeap.front();
   const CEntry last = m_aHeap.back();

@@ -8,12 +8,12 @@
 
 #include "constraints/CLinkCosts.h"
 
-/// The cheapest paths from all pixels of a picture to one of them, the seed.
+/// The cheapest paths from all pixels of a picture to one of them, the seed [Dijkstra1959].
 ///
-/// Pixels are expanded in the order of their cost, from a binary min-heap in which of two equal children the first one
-/// wins and nothing moves past its equal; links are tried in their order, and a path gives way to a cheaper one only.
-/// So the tree is the same however its growth was cut into slices. It takes 9 bytes a pixel and 8 for each pixel in the
-/// heap.
+/// Pixels are expanded in the order of their cost, from a binary min-heap [Williams1964] in which of two equal children
+/// the first one wins and nothing moves past its equal; links are tried in their order, and a path gives way to a
+/// cheaper one only. So the tree is the same however its growth was cut into slices. It takes 9 bytes a pixel and 8 for
+/// each pixel in the heap.
 class CMinimumPathTree {
  public:
   /// A tree with no seed. The costs must outlive it.

@@ -7,8 +7,8 @@
 
 struct CLightSet;
 
-/// What a set of lights makes of a surface: Lambertian lights at infinity and an ambient term, no fall-off with the
-/// distance, nothing specular. Holds the active lights of the set as they were at construction.
+/// What a set of lights makes of a surface: a matt one [Lambert1760] under lights at infinity and an ambient term, no
+/// fall-off with the distance, nothing specular. Holds the active lights of the set as they were at construction.
 ///
 /// Colours are vectors of red, green and blue.
 class CShading {

@@ -6,7 +6,8 @@
 
 class CConstraintSystem;
 
-/// The conjugate-residual iteration [Stiefel1955] on a symmetric, possibly indefinite or singular system.
+/// The conjugate-residual iteration [Stiefel1955] on a symmetric, possibly indefinite or singular system
+/// [Luenberger1970].
 ///
 /// The four vectors (direction p, its image q, residual r, its image s; N + M entries each) persist between ticks, so
 /// that the iteration goes on where it stopped until the next `Restart`.
@@ -25,9 +26,9 @@ class CConjugateResidual {
   /// r = (0, d) - A (x, l), p = r, q = s = A r.
   void Restart(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
                std::span<const double> targets);
-  /// Takes up the residual that x and l really have: rounding makes the recurrence believe in a smaller one. The
-  /// iteration then seeks the correction that this residual asks for, and kBreakdown is held against it as if it were
-  /// as large as the residual of the restart; the restart's figures stay.
+  /// Takes up the residual that x and l really have [VanDerVorstYe2000]: rounding makes the recurrence believe in a
+  /// smaller one. The iteration then seeks the correction that this residual asks for, and kBreakdown is held against
+  /// it as if it were as large as the residual of the restart; the restart's figures stay.
   void Refresh(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
                std::span<const double> targets);
   /// One iteration: improves x and l in place.

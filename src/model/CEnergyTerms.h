@@ -23,7 +23,7 @@ class CEnergyTerms {
   std::size_t Count() const { return m_afWeights.size(); }
 
   /// The matrix H of the energy over `unknowns` unknowns: one row each, every column once, exactly symmetric.
-  /// Linear in the number of products a_i a_j of all terms.
+  /// Row by row with an accumulator for one row [Gustavson1978]. Linear in the number of products a_i a_j of all terms.
   void Assemble(std::size_t unknowns, CCompressedRows& matrix) const;
 
  private:

@@ -20,5 +20,6 @@ double MixedDifferenceWeight(const CQuadT& leaf, const CLattice& lattice);
 /// cell has its mixed difference unless one of its triangles lies in a discontinuity or a diagonal is a crease.
 /// Lengths h are in model units; each second difference is weighted by the area around its point (lattice steps
 /// squared, which is rewritten in the lattice's smoothness weights), each mixed difference by the area of its cell;
-/// both areas are divided by 16. Linear in the number of active leaves.
+/// both areas are divided by 16. It is the energy of a thin plate [Duchon1977] but for the mixed term, which counts
+/// once here and twice there. Linear in the number of active leaves.
 void AddGridTerms(CQuadTree& tree, const CPointOrder& order, CEnergyTerms& terms);

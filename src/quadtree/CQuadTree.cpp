@@ -100,8 +100,8 @@ void CQuadTree::CreateChildren(CQuadT& cell) {
   m_aCells.emplace_back(*this, x0, ym, level, Edges{left, upper, half(kTop, 0), half(kLeft, 1)});
 }
 
-// Within a level the cells lie depth-first. Per bit of (i, j) the child order SW, SE, NE, NW makes the digit 2 j + (i
-// xor j).
+// Within a level the cells lie depth-first, so that their numbers have a digit per generation [Gargantini1982]. Per bit
+// of (i, j) the child order SW, SE, NE, NW makes the digit 2 j + (i xor j).
 std::size_t CQuadTree::CellNumber(int level, int i, int j) const {
   const auto column = static_cast<unsigned>(i);
   const auto row = static_cast<unsigned>(j);

@@ -37,8 +37,8 @@ struct CTriangleStencil {
   bool HasNegative() const { return m_fCa < 0 || m_fCb < 0 || m_fCCenter < 0; }
 };
 
-/// The unit normal at barycentric coordinates (ca, cb, cCenter) of a triangle between two points and a cell's centre.
-/// Not a number where a normal blended is, or where they cancel.
+/// The unit normal at barycentric coordinates (ca, cb, cCenter) of a triangle between two points and a cell's centre
+/// [Phong1975]. Not a number where a normal blended is, or where they cancel.
 inline Vector3 BlendedNormal(double ca, const Vector3& a, double cb, const Vector3& b, double cCenter,
                              const Vector3& centre) {
   Vector3 sum = ca * a + cb * b;

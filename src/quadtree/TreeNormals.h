@@ -13,6 +13,6 @@ CCellSurface CellSurface(const CQuadT& leaf, const CLattice& lattice);
 ///
 /// Writes the lattice's cell normal at each leaf's lower left point, and the lattice's point normals. A cell's normal
 /// is the normalised sum over its triangles outside discontinuities (not a number when there is none). A point's normal
-/// is the normalised sum of the triangle normals around it that lie outside discontinuities, each weighted one eighth;
-/// (0, 0, 0) where there is none.
+/// [Gouraud1971] is the normalised sum of the triangle normals around it that lie outside discontinuities, each
+/// weighted one eighth; (0, 0, 0) where there is none.
 void ComputeNormals(CQuadTree& tree);
