@@ -271,6 +271,13 @@ TEST_F(GridCommandsTest, SwitchResumesTheSolver) {
   EXPECT_EQ(CTimerStarts::Count(), 1);
 }
 
+TEST_F(GridCommandsTest, DragsEndBeforeADialogOpens) {
+  m_Commands.Perform(Operation::kNewGrid);
+  EXPECT_EQ(m_Host.m_iDragEnds, 1);
+  m_Commands.ExportHeightField();
+  EXPECT_EQ(m_Host.m_iDragEnds, 2);
+}
+
 // The attributes of a curve.
 
 TEST_F(GridCommandsTest, CurveIsEditedAtOnceWithNoTick) {

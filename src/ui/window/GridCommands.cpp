@@ -46,6 +46,7 @@ void CGridCommands::Perform(int operation) {
 void CGridCommands::NewGrid() {
   if (!m_Services.m_AskNewGrid) return;
   const CCommandPause pause(m_Solver);
+  m_Host.EndDrags();
   const std::optional<CGridParameters> chosen = m_Services.m_AskNewGrid(*m_pGrid);
   if (!chosen.has_value()) return;
   const CExtent& extent = chosen->m_Extent;
@@ -101,6 +102,7 @@ void CGridCommands::ExportHeightField() {
   if (m_pGrid == nullptr || !m_Services.m_ExportHeightField) return;
   m_Solver.HaltSolver();
   m_pGrid->PerformPendingWork();
+  m_Host.EndDrags();
   m_Services.m_ExportHeightField(*m_pGrid);
 }
 
