@@ -18,8 +18,8 @@
 #endif
 
 #include "base/Console.h"
-#include "constraints/CLinkCosts.h"
-#include "constraints/MinimumPathTree.h"
+#include "scissors/CLinkCosts.h"
+#include "scissors/MinimumPathTree.h"
 #include "support/BenchPicture.h"
 #include "support/Timing.h"
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "constraints/CTopDownImage.h"
+#include "scissors/CTopDownImage.h"
 
 /// The picture of a 24-bit bitmap file whose pixels start at byte 54. Throws std::runtime_error where there is none.
 CTopDownImage ReadPicture(const std::string& path);

@@ -1,7 +1,6 @@
 #include "model/CGrid.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 #include "base/Console.h"
@@ -87,46 +86,6 @@ void CGrid::RecomputeHeightRange() {
   const auto [lowest, highest] = std::ranges::minmax(heights);
   m_fMinHeight = lowest;
   m_fMaxHeight = highest;
-}
-
-void CGrid::SetSparseH() {
-  if (m_Solver.Counter() == -1) {
-    Console() << "*** SetSparseH ***\n";
-    BuildHNumerotation();
-    m_Solver.Assemble(*m_pTree, Surface(), m_Curves);
-  }
-  const std::array<const CPtCstrList*, 2> lists{&m_PointConstraints, &m_GeneratedConstraints};
-  m_Solver.SetConstraints(lists, *m_pTree, Surface());
-}
-
-void CGrid::BuildHNumerotation() {
-  // Splits may have overwritten the height array at points that have a height of their own.
-  ScatterNodalHeights();
-  const std::vector<double>& surface = m_bSurfaceCaptured ? m_afPresentSurface : m_Lattice.Heights();
-  m_Solver.RequestRebuild();
-  m_Order.Build(*m_pTree);
-  m_Basis.Compile(m_Order, *m_pTree, m_Mode);
-  Console() << ActivePointCount() << " points\n";
-  for (std::size_t i = 0; i < m_Order.Count(); ++i) m_afNodalHeights[i] = surface[m_Order.PointAtScan(i)];
-  ScatterNodalHeights();
-  m_Basis.W(m_afNodalHeights, m_pfWaveCoefGrid);
-}
-
-void CGrid::ScatterNodalHeights() {
-  for (std::size_t i = 0; i < m_Order.Count(); ++i) m_Lattice.Heights()[m_Order.PointAtScan(i)] = m_afNodalHeights[i];
-}
-
-void CGrid::CapturePresentSurface() {
-  ScatterNodalHeights();
-  Surface().SampleLattice(m_afPresentSurface);
-  m_bSurfaceCaptured = true;
-}
-
-void CGrid::ReplaySubdivision() {
-  if (!m_bSurfaceCaptured) CapturePresentSurface();
-  m_pTree->Replay(*m_Subdivision, m_iBaseLevel);
-  m_pTree->RefreshEdgeMarks();
-  BuildHNumerotation();
 }
 
 void CGrid::SetWaveletMode(WaveletMode mode) {

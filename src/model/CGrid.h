@@ -15,7 +15,7 @@
 #include "constraints/CContourAttributes.h"
 #include "constraints/CPendingCurve.h"
 #include "constraints/CPtCstrList.h"
-#include "io/GridFile.h"
+#include "io/GridFileState.h"
 #include "lighting/CAlbedoMap.h"
 #include "lighting/CLight.h"
 #include "lighting/CTexelMap.h"
@@ -96,8 +96,8 @@ class CGrid {
   double MinHeight() const { return m_fMinHeight; }
   double MaxHeight() const { return m_fMaxHeight; }
 
-  // The system and the surface (CGrid.cpp). Whatever is rebuilt, the surface stays as it is at every point in use
-  // afterwards.
+  // The system and the surface (GridRebuild.cpp, CGrid.cpp). Whatever is rebuilt, the surface stays as it is at every
+  // point in use afterwards.
 
   /// Rebuilds the tree from the wanted subdivision, the discontinuity maps and the whole system.
   void SetDiscMap();
@@ -287,7 +287,7 @@ class CGrid {
   void SwapResolution(bool high, bool transfer);
   void SubdivisionChanged();
   void RasteriseCurves();
-  void RefreshCurves();
+  void RefreshCurve(CCntrCtrl& curve) const;
   void UpdateConstraintsFormCurves();
   double CurveOffset() const;
   bool WriteFile(const std::string& filename, const char* method,

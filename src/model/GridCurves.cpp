@@ -1,10 +1,8 @@
-// The grid's operations on its curves, and the rebuild of tree, maps and system that they need.
+// The grid's operations on its curves.
 
 #include <cmath>
 
 #include "base/Console.h"
-#include "constraints/CurveRasteriser.h"
-#include "constraints/FinestCells.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
 
@@ -18,6 +16,8 @@ constexpr double kRefreshFactor = 1.1;
 }  // namespace
 
 double CGrid::CurveOffset() const { return std::hypot(m_Lattice.StepX(), m_Lattice.StepY()) * kOffsetInDiagonals; }
+
+void CGrid::RefreshCurve(CCntrCtrl& curve) const { curve.UpdateNormals(CurveOffset() * kRefreshFactor); }
 
 void CGrid::CurvesChanged(int operation) {
   Post(operation);
@@ -95,49 +95,10 @@ void CGrid::SetCurveAttributes(double x, double y, const CContourAttributes& att
 void CGrid::ExportCurveConstraints(double x, double y) {
   CCntrCtrl* curve = FindCurve(x, y).m_pCurve;
   if (curve == nullptr) return;
-  curve->UpdateNormals(CurveOffset() * kRefreshFactor);
+  RefreshCurve(*curve);
   curve->AddAutoBumpConstraints(m_PointConstraints, [this](double px, double py) {
     m_Subdivision->RefineAt(*m_pTree, m_Lattice.ColumnOf(px), m_Lattice.RowOf(py));
   });
   curve->SetOption(CurveOption::kLeftAutoBump | CurveOption::kRightAutoBump, false);
   ConstraintsChanged(Operation::kRebuildMaps);
-}
-
-void CGrid::SetDiscMap() {
-  Console() << "\nCGrid::SetDiscMap()\n";
-  ReplaySubdivision();
-  m_Curves.RemoveDegenerate();
-  // First of all, because it opens closed curves of two nodes.
-  RefreshCurves();
-  RasteriseCurves();
-  UpdateConstraintsFormCurves();
-  for (const CPtCstr& c : m_GeneratedConstraints) {
-    RefineToPoint(*m_pTree, m_Lattice.ColumnOf(c.m_fX), m_Lattice.RowOf(c.m_fY));
-  }
-  if (m_pHost != nullptr)
-    m_pHost->ShowResolution(m_pTree->LeafCount(), static_cast<int>(m_Lattice.Count(PointFlag::kInUse)));
-  m_pTree->RefreshEdgeMarks();
-  for (CPtCstr& constraint : m_PointConstraints) UpdateDisabledBit(constraint);
-  for (CPtCstr& constraint : m_GeneratedConstraints) UpdateDisabledBit(constraint);
-  m_Solver.RequestRebuild();
-  SetSparseH();
-  // What else hangs on the tree per texel is made anew at its first use.
-  TestTexelsInDiscontinuity();
-}
-
-void CGrid::RasteriseCurves() {
-  CCurveRasteriser rasteriser(*m_pTree);
-  for (const CCntrCtrl& curve : m_Curves) rasteriser.Rasterise(curve);
-  rasteriser.MarkCreaseDiagonals();
-  if (m_pHost != nullptr && !m_Curves.empty()) m_pHost->RequestRedraw();
-}
-
-void CGrid::RefreshCurves() {
-  for (CCntrCtrl& curve : m_Curves) curve.UpdateNormals(CurveOffset() * kRefreshFactor);
-}
-
-void CGrid::UpdateConstraintsFormCurves() {
-  Console() << "CGrid::UpdateConstraintsFormCurves\n";
-  m_GeneratedConstraints.clear();
-  for (const CCntrCtrl& curve : m_Curves) curve.AddAutoBumpConstraints(m_GeneratedConstraints);
 }

@@ -7,6 +7,7 @@
 
 #include "base/Console.h"
 #include "io/CSafeFile.h"
+#include "io/GridFile.h"
 #include "io/HeightFieldExport.h"
 #include "io/VrmlExport.h"
 #include "model/CGrid.h"

@@ -111,31 +111,6 @@ void CGrid::UpdateGrid() {
   m_pHost->ShowIterations(IterationCounter());
 }
 
-void CGrid::SubdivisionChanged() {
-  SetDiscMap();
-  m_Subdivision->ShowSelection(*m_pTree);
-  if (m_pHost != nullptr) m_pHost->RequestRedraw();
-}
-
-void CGrid::Transmit(bool high) {
-  Console() << "Transmit : m_iNbAPoints : " << ActivePointCount() << '\n';
-  SwapResolution(high, true);
-}
-
-void CGrid::SwapResolution(bool high, bool transfer) {
-  g_bHighRes = high ? 1 : 0;
-  if (!m_bSurfaceCaptured) CapturePresentSurface();
-  std::swap(m_Subdivision, m_OtherSubdivision);
-  std::swap(m_afPresentSurface, m_afOtherSurface);
-  if (transfer) m_afPresentSurface = m_afOtherSurface;
-  // The capture of what is now the present surface stands: the rebuild sets the coefficients from it.
-  m_bSurfaceCaptured = true;
-  SetDiscMap();
-  m_Subdivision->ShowSelection(*m_pTree);
-  ReconstructSurface();
-  if (m_pHost != nullptr) m_pHost->RequestRedraw();
-}
-
 void CGrid::Reset() {
   const double limit = 10.0 / static_cast<double>(m_Lattice.PointCount());
   for (double& coef : m_pfWaveCoefGrid) coef = m_Random.UpTo(limit);

@@ -9,6 +9,7 @@
 
 #include "base/Console.h"
 #include "fuzz/FuzzTarget.h"
+#include "io/GridFile.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
 

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "constraints/CScissorsTool.h"
+#include "scissors/CScissorsTool.h"
 #include "support/ConsoleCapture.h"
 #include "support/KeyTable.h"
 #include "support/ScissorsBuilders.h"

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "constraints/CTopDownImage.h"
-#include "constraints/MinimumPathTree.h"
+#include "scissors/CTopDownImage.h"
+#include "scissors/MinimumPathTree.h"
 
 /// A picture whose colours are `colour(column, row)`.
 template <typename Colour>

@@ -7,7 +7,7 @@
 
 #include "support/AllocationCount.h"
 #include "support/GridBuilders.h"
-#include "ui/modelview/CTexelArrays.h"
+#include "ui/drawing/CTexelArrays.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <FL/Fl_Group.H>
 
 #include "ui/dialogs/CNumberInput.h"
+#include "ui/dialogs/Questions.h"
 #include "ui/dialogs/ScaleWidgets.h"
-#include "ui/window/Questions.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <span>
 #include <vector>
 
+#include "base/CPlanePoint.h"
 #include "model/CLattice.h"
 #include "quadtree/Interpolation.h"
-#include "ui/imageview/CViewMapping.h"
 
 class CCntrCtrl;
 class CGrid;

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
+#include "ui/drawing/CTexelArrays.h"
 #include "ui/imageview/CPlaneArrays.h"
-#include "ui/modelview/CTexelArrays.h"
 
 class CGrid;
 class CTextures;

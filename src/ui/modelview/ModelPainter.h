@@ -3,9 +3,9 @@
 #include <cstdint>
 
 #include "ui/drawing/CCurveArrays.h"
+#include "ui/drawing/CTexelArrays.h"
 #include "ui/drawing/DrawingSettings.h"
 #include "ui/modelview/CSurfaceArrays.h"
-#include "ui/modelview/CTexelArrays.h"
 
 class CGrid;
 class CTextures;

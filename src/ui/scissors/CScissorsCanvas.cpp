@@ -5,7 +5,7 @@
 
 #include <GL/gl.h>
 
-#include "constraints/CScissorsTool.h"
+#include "scissors/CScissorsTool.h"
 #include "ui/drawing/OpenGLDefaults.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include <FL/Fl_Gl_Window.H>
 
-#include "constraints/CPixelViewport.h"
+#include "scissors/CPixelViewport.h"
 
 class CScissorsTool;
 struct CTracedContour;

@@ -6,7 +6,7 @@
 
 #include <FL/Fl_Window.H>
 
-#include "constraints/CScissorsTool.h"
+#include "scissors/CScissorsTool.h"
 #include "ui/window/ToolWindow.h"
 
 class CGrid;

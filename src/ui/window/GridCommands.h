@@ -6,8 +6,8 @@
 #include <string>
 #include <utility>
 
-#include "ui/dialogs/CContourAnswer.h"
-#include "ui/dialogs/CGridParameters.h"
+#include "ui/window/CContourAnswer.h"
+#include "ui/window/CGridParameters.h"
 #include "ui/window/UserDialogs.h"
 
 class CGrid;

@@ -3,7 +3,7 @@
 #include <FL/Fl_File_Chooser.H>
 #include <FL/fl_ask.H>
 
-#include "ui/window/Questions.h"
+#include "ui/dialogs/Questions.h"
 
 std::optional<std::string> CToolkitDialogs::ChooseFile(const char* title, const char* pattern) {
   const char* file = fl_file_chooser(title, pattern, nullptr);

@@ -1,4 +1,4 @@
-#include "constraints/CPixelViewport.h"
+#include "scissors/CPixelViewport.h"
 
 #include <algorithm>
 

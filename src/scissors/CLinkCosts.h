@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "constraints/PixelPosition.h"
+#include "scissors/PixelPosition.h"
 
 struct CTopDownImage;
 

@@ -1,4 +1,4 @@
-#include "constraints/CTopDownImage.h"
+#include "scissors/CTopDownImage.h"
 
 #include <algorithm>
 

@@ -8,10 +8,10 @@
 #include <boost/graph/dijkstra_shortest_paths.hpp>
 #include <gtest/gtest.h>
 
-#include "constraints/CTopDownImage.h"
-#include "constraints/MinimumPathTree.h"
 #include "io/Bmp.h"
 #include "lighting/CTextureImages.h"
+#include "scissors/CTopDownImage.h"
+#include "scissors/MinimumPathTree.h"
 #include "support/ConsoleCapture.h"
 #include "support/ScissorsBuilders.h"
 

@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "base/CPlanePoint.h"
-#include "constraints/CLinkCosts.h"
-#include "constraints/CPixelViewport.h"
-#include "constraints/CScissorsContours.h"
-#include "constraints/CTopDownImage.h"
-#include "constraints/MinimumPathTree.h"
+#include "scissors/CLinkCosts.h"
+#include "scissors/CPixelViewport.h"
+#include "scissors/CScissorsContours.h"
+#include "scissors/CTopDownImage.h"
+#include "scissors/MinimumPathTree.h"
 
 struct CExtent;
 

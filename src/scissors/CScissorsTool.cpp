@@ -1,4 +1,4 @@
-#include "constraints/CScissorsTool.h"
+#include "scissors/CScissorsTool.h"
 
 #include <array>
 #include <cstdint>

@@ -1,10 +1,10 @@
-#include "constraints/CScissorsContours.h"
+#include "scissors/CScissorsContours.h"
 
 #include <algorithm>
 #include <optional>
 #include <utility>
 
-#include "constraints/MinimumPathTree.h"
+#include "scissors/MinimumPathTree.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "ui/modelview/CTexelArrays.h"
+#include "ui/drawing/CTexelArrays.h"
 
 #include <cstddef>
 

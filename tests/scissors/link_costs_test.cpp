@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "constraints/CLinkCosts.h"
 #include "lighting/CTextureImages.h"
+#include "scissors/CLinkCosts.h"
 #include "support/ScissorsBuilders.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "constraints/CPixelViewport.h"
+#include "scissors/CPixelViewport.h"
 
 namespace {
 

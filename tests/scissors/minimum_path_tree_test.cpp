@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "constraints/MinimumPathTree.h"
+#include "scissors/MinimumPathTree.h"
 #include "support/ConsoleCapture.h"
 #include "support/ScissorsBuilders.h"
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "constraints/PixelPosition.h"
+#include "scissors/PixelPosition.h"
 
 class CTextureImages;
 

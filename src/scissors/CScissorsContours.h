@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "constraints/PixelPosition.h"
+#include "scissors/PixelPosition.h"
 
 class CMinimumPathTree;
 

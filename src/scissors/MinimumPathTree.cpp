@@ -1,4 +1,4 @@
-#include "constraints/MinimumPathTree.h"
+#include "scissors/MinimumPathTree.h"
 
 #include <algorithm>
 #include <limits>

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "constraints/PixelPosition.h"
+#include "scissors/PixelPosition.h"
 
 /// The part of a picture that an area of the screen shows, each pixel of the picture as a square of `Zoom()` screen
 /// pixels.

@@ -1,4 +1,4 @@
-#include "ui/window/Questions.h"
+#include "ui/dialogs/Questions.h"
 
 #include <FL/fl_ask.H>
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "constraints/CLinkCosts.h"
+#include "scissors/CLinkCosts.h"
 
 /// The cheapest paths from all pixels of a picture to one of them, the seed [Dijkstra1959].
 ///

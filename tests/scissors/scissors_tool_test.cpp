@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "constraints/CScissorsTool.h"
 #include "model/CLattice.h"
+#include "scissors/CScissorsTool.h"
 #include "support/ConsoleCapture.h"
 #include "support/ScissorsBuilders.h"
 

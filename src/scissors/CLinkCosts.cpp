@@ -1,11 +1,11 @@
-#include "constraints/CLinkCosts.h"
+#include "scissors/CLinkCosts.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <numbers>
 
-#include "constraints/CTopDownImage.h"
+#include "scissors/CTopDownImage.h"
 
 namespace {
 

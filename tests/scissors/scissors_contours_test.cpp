@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "constraints/CScissorsContours.h"
+#include "scissors/CScissorsContours.h"
 #include "support/ConsoleCapture.h"
 #include "support/ScissorsBuilders.h"
 

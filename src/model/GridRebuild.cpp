@@ -1,0 +1,112 @@
+// The rebuild of the grid: from the wanted subdivision and the constraints to the tree, the maps and the system; and
+// the way from one resolution to the other, which is a rebuild, too. The surface stays as it was.
+
+#include <array>
+#include <utility>
+#include <vector>
+
+#include "base/Console.h"
+#include "constraints/CurveRasteriser.h"
+#include "constraints/FinestCells.h"
+#include "model/CGrid.h"
+#include "model/Globals.h"
+
+void CGrid::SetDiscMap() {
+  Console() << "\nCGrid::SetDiscMap()\n";
+  ReplaySubdivision();
+  m_Curves.RemoveDegenerate();
+  // First of all, because it opens closed curves of two nodes.
+  for (CCntrCtrl& curve : m_Curves) RefreshCurve(curve);
+  RasteriseCurves();
+  UpdateConstraintsFormCurves();
+  for (const CPtCstr& c : m_GeneratedConstraints) {
+    RefineToPoint(*m_pTree, m_Lattice.ColumnOf(c.m_fX), m_Lattice.RowOf(c.m_fY));
+  }
+  if (m_pHost != nullptr)
+    m_pHost->ShowResolution(m_pTree->LeafCount(), static_cast<int>(m_Lattice.Count(PointFlag::kInUse)));
+  m_pTree->RefreshEdgeMarks();
+  for (CPtCstr& constraint : m_PointConstraints) UpdateDisabledBit(constraint);
+  for (CPtCstr& constraint : m_GeneratedConstraints) UpdateDisabledBit(constraint);
+  m_Solver.RequestRebuild();
+  SetSparseH();
+  // What else hangs on the tree per texel is made anew at its first use.
+  TestTexelsInDiscontinuity();
+}
+
+void CGrid::ReplaySubdivision() {
+  if (!m_bSurfaceCaptured) CapturePresentSurface();
+  m_pTree->Replay(*m_Subdivision, m_iBaseLevel);
+  m_pTree->RefreshEdgeMarks();
+  BuildHNumerotation();
+}
+
+void CGrid::RasteriseCurves() {
+  CCurveRasteriser rasteriser(*m_pTree);
+  for (const CCntrCtrl& curve : m_Curves) rasteriser.Rasterise(curve);
+  rasteriser.MarkCreaseDiagonals();
+  if (m_pHost != nullptr && !m_Curves.empty()) m_pHost->RequestRedraw();
+}
+
+void CGrid::UpdateConstraintsFormCurves() {
+  Console() << "CGrid::UpdateConstraintsFormCurves\n";
+  m_GeneratedConstraints.clear();
+  for (const CCntrCtrl& curve : m_Curves) curve.AddAutoBumpConstraints(m_GeneratedConstraints);
+}
+
+void CGrid::SetSparseH() {
+  if (m_Solver.Counter() == -1) {
+    Console() << "*** SetSparseH ***\n";
+    BuildHNumerotation();
+    m_Solver.Assemble(*m_pTree, Surface(), m_Curves);
+  }
+  const std::array<const CPtCstrList*, 2> lists{&m_PointConstraints, &m_GeneratedConstraints};
+  m_Solver.SetConstraints(lists, *m_pTree, Surface());
+}
+
+void CGrid::BuildHNumerotation() {
+  // Splits may have overwritten the height array at points that have a height of their own.
+  ScatterNodalHeights();
+  const std::vector<double>& surface = m_bSurfaceCaptured ? m_afPresentSurface : m_Lattice.Heights();
+  m_Solver.RequestRebuild();
+  m_Order.Build(*m_pTree);
+  m_Basis.Compile(m_Order, *m_pTree, m_Mode);
+  Console() << ActivePointCount() << " points\n";
+  for (std::size_t i = 0; i < m_Order.Count(); ++i) m_afNodalHeights[i] = surface[m_Order.PointAtScan(i)];
+  ScatterNodalHeights();
+  m_Basis.W(m_afNodalHeights, m_pfWaveCoefGrid);
+}
+
+void CGrid::ScatterNodalHeights() {
+  for (std::size_t i = 0; i < m_Order.Count(); ++i) m_Lattice.Heights()[m_Order.PointAtScan(i)] = m_afNodalHeights[i];
+}
+
+void CGrid::CapturePresentSurface() {
+  ScatterNodalHeights();
+  Surface().SampleLattice(m_afPresentSurface);
+  m_bSurfaceCaptured = true;
+}
+
+void CGrid::SubdivisionChanged() {
+  SetDiscMap();
+  m_Subdivision->ShowSelection(*m_pTree);
+  if (m_pHost != nullptr) m_pHost->RequestRedraw();
+}
+
+void CGrid::Transmit(bool high) {
+  Console() << "Transmit : m_iNbAPoints : " << ActivePointCount() << '\n';
+  SwapResolution(high, true);
+}
+
+void CGrid::SwapResolution(bool high, bool transfer) {
+  g_bHighRes = high ? 1 : 0;
+  if (!m_bSurfaceCaptured) CapturePresentSurface();
+  std::swap(m_Subdivision, m_OtherSubdivision);
+  std::swap(m_afPresentSurface, m_afOtherSurface);
+  if (transfer) m_afPresentSurface = m_afOtherSurface;
+  // The capture of what is now the present surface stands: the rebuild sets the coefficients from it.
+  m_bSurfaceCaptured = true;
+  SetDiscMap();
+  m_Subdivision->ShowSelection(*m_pTree);
+  ReconstructSurface();
+  if (m_pHost != nullptr) m_pHost->RequestRedraw();
+}
