@@ -32,8 +32,8 @@ CPicture MakePicture() {
 
 void ReadRaw(const std::string& filename) {
   const std::size_t size = std::filesystem::file_size(filename);
-  // Left uninitialised: a buffer of zeros would be written twice.
-  const std::unique_ptr<std::uint8_t[]> bytes(new std::uint8_t[size]);
+  // Left uninitialised, as no container would: a buffer of zeros would be written twice.
+  const std::unique_ptr<std::uint8_t[]> bytes(new std::uint8_t[size]);  // NOLINT(*-avoid-c-arrays)
   std::FILE* file = std::fopen(filename.c_str(), "rb");
   benchmark::DoNotOptimize(std::fread(bytes.get(), 1, size, file));
   std::fclose(file);

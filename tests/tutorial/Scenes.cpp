@@ -1,10 +1,8 @@
 #include "tutorial/Scenes.h"
 
-CScene CoffeeScene() {
-  CScene scene;
-  scene.m_Picture = "coffee.bmp";
-  scene.m_iWidth = 600;
-  scene.m_iHeight = 400;
+namespace {
+
+std::vector<CStroke> CoffeeCreases() {
   const CStroke tableEdge{'n', false, {{0, 107}, {50, 73}, {100, 38}, {155, 0}}};
   const CStroke frontOfLip{'n',
                            false,
@@ -58,8 +56,10 @@ CScene CoffeeScene() {
                         {203, 140},
                         {212, 120},
                         {240, 103}}};
-  scene.m_aCreases = {frontOfLip, insideOfLip, coffee, tableEdge};
+  return {frontOfLip, insideOfLip, coffee, tableEdge};
+}
 
+std::vector<CTrace> CoffeeTears() {
   const CTrace cup{false,
                    {{213, 268},
                     {196, 240},
@@ -93,71 +93,85 @@ CScene CoffeeScene() {
                       {388, 222}}};
   const CTrace handle{false,
                       {{222, 232}, {205, 252}, {197, 280}, {199, 297}, {215, 307}, {232, 300}, {245, 285}, {258, 262}}};
-  scene.m_aTears = {cup, saucer, spoon, handle};
+  return {cup, saucer, spoon, handle};
+}
 
+std::vector<CHeight> CoffeeHeights() {
   const int rim = 38;
   const int drink = 22;
-  scene.m_aHeights = {// The table and the floor behind it.
-                      {{30, 200}, 0},
-                      {{30, 380}, 0},
-                      {{560, 380}, 0},
-                      {{560, 200}, 0},
-                      {{560, 30}, 0},
-                      {{300, 6}, 0},
-                      {{100, 60}, 0},
-                      {{180, 20}, 0},
-                      {{15, 140}, 0},
-                      {{8, 8}, -30},
-                      {{100, 8}, -12},
-                      {{8, 75}, -12},
-                      // The saucer: its edge, then its hollow.
-                      {{95, 220}, 5},
-                      {{140, 120}, 5},
-                      {{170, 340}, 5},
-                      {{280, 365}, 5},
-                      {{400, 330}, 5},
-                      {{460, 230}, 5},
-                      {{430, 145}, 5},
-                      {{140, 230}, 2},
-                      {{190, 310}, 1},
-                      {{290, 320}, 1},
-                      {{430, 230}, 2},
-                      // The lip of the cup, once around.
-                      {{398, 113}, rim},
-                      {{384, 156}, rim},
-                      {{344, 188}, rim},
-                      {{290, 200}, rim},
-                      {{236, 188}, rim},
-                      {{196, 156}, rim},
-                      {{182, 113}, rim},
-                      {{196, 70}, rim},
-                      {{236, 38}, rim},
-                      {{290, 26}, rim},
-                      {{344, 38}, rim},
-                      {{384, 70}, rim},
-                      // The coffee.
-                      {{287, 145}, drink},
-                      {{240, 140}, drink},
-                      {{335, 150}, drink},
-                      {{287, 178}, drink},
-                      {{255, 168}, drink},
-                      {{320, 173}, drink},
-                      {{255, 115}, drink},
-                      {{320, 115}, drink},
-                      // The cup from its belly down to its foot.
-                      {{290, 240}, 25},
-                      {{230, 228}, 20},
-                      {{345, 235}, 20},
-                      {{280, 278}, 4},
-                      {{320, 278}, 4},
-                      // The spoon and the handle.
-                      {{366, 290}, 6},
-                      {{366, 312}, 5},
-                      {{366, 265}, 6},
-                      {{340, 290}, 5},
-                      {{392, 290}, 5},
-                      {{215, 262}, 22},
-                      {{208, 288}, 20}};
+  return {// The table and the floor behind it.
+          {{30, 200}, 0},
+          {{30, 380}, 0},
+          {{560, 380}, 0},
+          {{560, 200}, 0},
+          {{560, 30}, 0},
+          {{300, 6}, 0},
+          {{100, 60}, 0},
+          {{180, 20}, 0},
+          {{15, 140}, 0},
+          {{8, 8}, -30},
+          {{100, 8}, -12},
+          {{8, 75}, -12},
+          // The saucer: its edge, then its hollow.
+          {{95, 220}, 5},
+          {{140, 120}, 5},
+          {{170, 340}, 5},
+          {{280, 365}, 5},
+          {{400, 330}, 5},
+          {{460, 230}, 5},
+          {{430, 145}, 5},
+          {{140, 230}, 2},
+          {{190, 310}, 1},
+          {{290, 320}, 1},
+          {{430, 230}, 2},
+          // The lip of the cup, once around.
+          {{398, 113}, rim},
+          {{384, 156}, rim},
+          {{344, 188}, rim},
+          {{290, 200}, rim},
+          {{236, 188}, rim},
+          {{196, 156}, rim},
+          {{182, 113}, rim},
+          {{196, 70}, rim},
+          {{236, 38}, rim},
+          {{290, 26}, rim},
+          {{344, 38}, rim},
+          {{384, 70}, rim},
+          // The coffee.
+          {{287, 145}, drink},
+          {{240, 140}, drink},
+          {{335, 150}, drink},
+          {{287, 178}, drink},
+          {{255, 168}, drink},
+          {{320, 173}, drink},
+          {{255, 115}, drink},
+          {{320, 115}, drink},
+          // The cup from its belly down to its foot.
+          {{290, 240}, 25},
+          {{230, 228}, 20},
+          {{345, 235}, 20},
+          {{280, 278}, 4},
+          {{320, 278}, 4},
+          // The spoon and the handle.
+          {{366, 290}, 6},
+          {{366, 312}, 5},
+          {{366, 265}, 6},
+          {{340, 290}, 5},
+          {{392, 290}, 5},
+          {{215, 262}, 22},
+          {{208, 288}, 20}};
+}
+
+}  // namespace
+
+CScene CoffeeScene() {
+  CScene scene;
+  scene.m_Picture = "coffee.bmp";
+  scene.m_iWidth = 600;
+  scene.m_iHeight = 400;
+  scene.m_aCreases = CoffeeCreases();
+  scene.m_aTears = CoffeeTears();
+  scene.m_aHeights = CoffeeHeights();
   scene.m_aUpright = {{520, 330}, {80, 350}};
   return scene;
 }
