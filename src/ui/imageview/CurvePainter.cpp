@@ -6,6 +6,7 @@
 #include <GL/gl.h>
 
 #include "model/CGrid.h"
+#include "ui/drawing/ConstraintDrawing.h"
 #include "ui/drawing/CurveColours.h"
 
 namespace {
@@ -18,8 +19,6 @@ constexpr float kMarkedNodeSize = 9.0F;
 constexpr float kGeneratedSize = 4.0F;
 constexpr float kPendingWidth = 2.0F;
 constexpr float kClosingWidth = 5.0F;
-
-void SetColour(const CColour& colour) { glColor3dv(colour.data()); }
 
 void DrawLine(const CCntrCtrl& curve, const CColour& colour, float width) {
   SetColour(colour);

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <numbers>
 #include <span>
 #include <type_traits>
 
@@ -12,6 +10,7 @@
 #include "model/CGrid.h"
 #include "model/Globals.h"
 #include "ui/drawing/CTextures.h"
+#include "ui/drawing/ConstraintDrawing.h"
 #include "ui/drawing/DisplayFlags.h"
 #include "ui/drawing/DrawingSettings.h"
 #include "ui/imageview/CurvePainter.h"
@@ -23,8 +22,6 @@ constexpr CColour kFrozenColour{0, 1, 1};
 
 // Lets the picture shine through.
 constexpr std::array<double, 4> kMaskedColour{1, 0, 1, 0.6};
-
-void SetColour(const CColour& colour) { glColor3dv(colour.data()); }
 
 // By the level of a side, the finest first.
 const CColour& LevelColour(int level) {
@@ -73,61 +70,15 @@ void DrawPicture(const CGrid& grid, CTextures& textures) {
   glDisable(GL_TEXTURE_2D);
 }
 
-// A hundredth of what the view shows, so that a constraint keeps its size on the screen.
-struct CUnit {
-  double x;
-  double y;
-};
-
-const CColour& ColourOf(const CPtCstr& constraint, const CConstraintColours& colours) {
-  if (constraint.HasState(PtCstrState::kSelected)) return colours.m_Selected;
-  return constraint.HasState(PtCstrState::kHighlighted) ? colours.m_Highlighted : colours.m_Unselected;
-}
-
-void DrawPosition(const CPtCstr& c, const CUnit& unit) {
-  const CViewDrawing& drawing = g_DrawingSettings.m_ImageView;
-  const bool marked = c.HasState(PtCstrState::kSelected | PtCstrState::kHighlighted);
-  const double dx = unit.x * drawing.m_fPositionSize / 2;
-  const double dy = unit.y * drawing.m_fPositionSize / 2;
-  SetColour(ColourOf(c, g_DrawingSettings.m_PositionColours));
-  glLineWidth(marked ? drawing.m_fHighlightedPositionThickness : drawing.m_fUnselectedPositionThickness);
-  glBegin(GL_LINES);
-  glVertex2d(c.m_fX - dx, c.m_fY), glVertex2d(c.m_fX + dx, c.m_fY);
-  glVertex2d(c.m_fX, c.m_fY - dy), glVertex2d(c.m_fX, c.m_fY + dy);
-  glEnd();
-}
-
-// The outline of a disc square to the normal wanted as it is seen from above, and the normal itself, twice the radius
-// long.
-void DrawNormal(const CPtCstr& c, const CUnit& unit) {
-  constexpr int kCorners = 32;
-  const CViewDrawing& drawing = g_DrawingSettings.m_ImageView;
-  const double radius = drawing.m_fNormalRadius;
-  const Vector3 normal = Normalised({-c.m_fP, -c.m_fQ, 1});
-  const Vector3 u = Normalised({1, 0, c.m_fP});
-  const Vector3 v = Cross(normal, u);
-  SetColour(ColourOf(c, g_DrawingSettings.m_NormalColours));
-  glLineWidth(c.HasState(PtCstrState::kSelected) ? drawing.m_fSelectedNormalThickness
-                                                 : drawing.m_fUnselectedNormalThickness);
-  glBegin(GL_LINE_LOOP);
-  for (int k = 0; k < kCorners; ++k) {
-    const double angle = 2 * std::numbers::pi * k / kCorners;
-    const Vector3 p = radius * (std::cos(angle) * u + std::sin(angle) * v);
-    glVertex2d(c.m_fX + unit.x * p.x, c.m_fY + unit.y * p.y);
-  }
-  glEnd();
-  glBegin(GL_LINES);
-  glVertex2d(c.m_fX, c.m_fY);
-  glVertex2d(c.m_fX + 2 * radius * unit.x * normal.x, c.m_fY + 2 * radius * unit.y * normal.y);
-  glEnd();
-}
-
+// In hundredths of what the view shows, so that a constraint keeps its size on the screen.
 void DrawPointConstraints(const CGrid& grid) {
   const CExtent& e = grid.Lattice().Extent();
-  const CUnit unit{(e.x1 - e.x0) / 100 * g_fZoom, (e.y1 - e.y0) / 100 * g_fZoom};
+  const CViewDrawing& drawing = g_DrawingSettings.m_ImageView;
+  const Vector3 unit{(e.x1 - e.x0) / 100 * g_fZoom, (e.y1 - e.y0) / 100 * g_fZoom, 0};
   for (const CPtCstr& c : grid.PointConstraints()) {
-    if (c.HasKind(PtCstrKind::kPosition)) DrawPosition(c, unit);
-    if (c.HasKind(PtCstrKind::kNormal)) DrawNormal(c, unit);
+    const Vector3 place{c.m_fX, c.m_fY, 0};
+    if (c.HasKind(PtCstrKind::kPosition)) DrawPosition(c, drawing, place, unit);
+    if (c.HasKind(PtCstrKind::kNormal)) DrawNormal(c, drawing, place, unit);
   }
 }
 

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <numbers>
 #include <span>
 
 #include <GL/gl.h>
@@ -11,6 +9,7 @@
 #include "base/Console.h"
 #include "model/CGrid.h"
 #include "ui/drawing/CTextures.h"
+#include "ui/drawing/ConstraintDrawing.h"
 #include "ui/drawing/CurveColours.h"
 #include "ui/drawing/DisplayFlags.h"
 #include "ui/drawing/Quadrics.h"
@@ -33,8 +32,6 @@ double SizeUnit(const CGrid& grid) {
 
 // None that another normal has at the start.
 constexpr CColour kTexelNormalColour{0.5, 0.75, 1};
-
-void SetColour(const CColour& colour) { glColor3dv(colour.data()); }
 
 bool HasActiveLight(const CLightSet& lights) {
   return std::ranges::any_of(lights.m_aLights, [](const CLight& light) { return light.m_bActive; });
@@ -123,56 +120,14 @@ void DrawSegments(std::span<const float> ends, const CColour& colour) {
   glDisableClientState(GL_VERTEX_ARRAY);
 }
 
-const CColour& ColourOf(const CPtCstr& constraint, const CConstraintColours& colours) {
-  if (constraint.HasState(PtCstrState::kSelected)) return colours.m_Selected;
-  return constraint.HasState(PtCstrState::kHighlighted) ? colours.m_Highlighted : colours.m_Unselected;
-}
-
-// A cross along the three axes about the place that the surface shall pass through.
-void DrawPosition(const CPtCstr& c, double size) {
-  const CViewDrawing& drawing = g_DrawingSettings.m_ModelView;
-  const bool marked = c.HasState(PtCstrState::kSelected | PtCstrState::kHighlighted);
-  const double arm = size / 2;
-  SetColour(ColourOf(c, g_DrawingSettings.m_PositionColours));
-  glLineWidth(marked ? drawing.m_fHighlightedPositionThickness : drawing.m_fUnselectedPositionThickness);
-  glBegin(GL_LINES);
-  for (const Vector3& d : {Vector3{arm, 0, 0}, Vector3{0, arm, 0}, Vector3{0, 0, arm}}) {
-    glVertex3d(c.m_fX - d.x, c.m_fY - d.y, c.m_fZ - d.z);
-    glVertex3d(c.m_fX + d.x, c.m_fY + d.y, c.m_fZ + d.z);
-  }
-  glEnd();
-}
-
-// The outline of a disc square to the normal wanted, and the normal itself, twice the radius long.
-void DrawNormal(const CPtCstr& c, double radius) {
-  constexpr int kCorners = 32;
-  const CViewDrawing& drawing = g_DrawingSettings.m_ModelView;
-  const Vector3 place{c.m_fX, c.m_fY, c.m_fZ};
-  const Vector3 normal = Normalised({-c.m_fP, -c.m_fQ, 1});
-  const Vector3 u = Normalised({1, 0, c.m_fP});
-  const Vector3 v = Cross(normal, u);
-  SetColour(ColourOf(c, g_DrawingSettings.m_NormalColours));
-  glLineWidth(c.HasState(PtCstrState::kSelected) ? drawing.m_fSelectedNormalThickness
-                                                 : drawing.m_fUnselectedNormalThickness);
-  glBegin(GL_LINE_LOOP);
-  for (int k = 0; k < kCorners; ++k) {
-    const double angle = 2 * std::numbers::pi * k / kCorners;
-    const Vector3 p = place + radius * (std::cos(angle) * u + std::sin(angle) * v);
-    glVertex3d(p.x, p.y, p.z);
-  }
-  glEnd();
-  const Vector3 tip = place + 2 * radius * normal;
-  glBegin(GL_LINES);
-  glVertex3d(place.x, place.y, place.z);
-  glVertex3d(tip.x, tip.y, tip.z);
-  glEnd();
-}
-
 void DrawPointConstraints(const CGrid& grid) {
-  const double unit = SizeUnit(grid);
+  const double size = SizeUnit(grid);
+  const CViewDrawing& drawing = g_DrawingSettings.m_ModelView;
+  const Vector3 unit{size, size, size};
   for (const CPtCstr& c : grid.PointConstraints()) {
-    if (c.HasKind(PtCstrKind::kPosition)) DrawPosition(c, unit * g_DrawingSettings.m_ModelView.m_fPositionSize);
-    if (c.HasKind(PtCstrKind::kNormal)) DrawNormal(c, unit * g_DrawingSettings.m_ModelView.m_fNormalRadius);
+    const Vector3 place{c.m_fX, c.m_fY, c.m_fZ};
+    if (c.HasKind(PtCstrKind::kPosition)) DrawPosition(c, drawing, place, unit);
+    if (c.HasKind(PtCstrKind::kNormal)) DrawNormal(c, drawing, place, unit);
   }
 }
 
