@@ -2,17 +2,9 @@
 
 #include "model/CGrid.h"
 #include "quadtree/TreeNormals.h"
+#include "ui/drawing/DisplayFlags.h"
 #include "ui/modelview/CGridView.h"
 #include "ui/window/CImageViewUI.h"
-
-namespace {
-
-// The model view numbers the textures in another order than the panel.
-constexpr int kDrawKd = 1;
-constexpr int kDrawNewIllumination = 2;
-constexpr int kDrawPhotograph = 3;
-
-}  // namespace
 
 CLightTool::CLightTool(CImageViewUI& window, CGrid& grid)
     : m_Window(window), m_Grid(grid), m_Panel(window, window, [this](bool visible) {
@@ -53,11 +45,12 @@ void CLightTool::UpdateKd() {
 
 bool CLightTool::HasKd() const { return m_Grid.Albedo().IsComputed(); }
 
+// The model view numbers the textures in another order than the panel.
 TextureMode CLightTool::ShownTexture() const {
   switch (m_Window.GridView().DrawTexture()) {
-    case kDrawKd:
+    case DrawnTexture::kKd:
       return TextureMode::Kd;
-    case kDrawNewIllumination:
+    case DrawnTexture::kIllumination:
       return TextureMode::NewIllumination;
     default:
       return TextureMode::Original;
@@ -65,8 +58,8 @@ TextureMode CLightTool::ShownTexture() const {
 }
 
 void CLightTool::ShowTexture(TextureMode mode) {
-  m_Window.GridView().SetDrawTexture(mode == TextureMode::Kd                ? kDrawKd
-                                     : mode == TextureMode::NewIllumination ? kDrawNewIllumination
-                                                                            : kDrawPhotograph);
+  m_Window.GridView().SetDrawTexture(mode == TextureMode::Kd                ? DrawnTexture::kKd
+                                     : mode == TextureMode::NewIllumination ? DrawnTexture::kIllumination
+                                                                            : DrawnTexture::kPhotograph);
   m_Window.RequestRedraw();
 }

@@ -41,5 +41,12 @@ inline constexpr std::uint32_t kPointNormals = 0x20000;
 inline constexpr std::uint32_t kTexelNormals = 0x40000;
 }  // namespace ModelFlag
 
+/// The image that the model view lays over the surface.
+namespace DrawnTexture {
+inline constexpr int kKd = 1;
+inline constexpr int kIllumination = 2;
+inline constexpr int kPhotograph = 3;
+}  // namespace DrawnTexture
+
 /// What the mouse edits in the image view. Before a mode is chosen it is `Unset`.
 enum class EditingMode { Unset = 0, Position = 101, Normal = 102, Curve = 103 };

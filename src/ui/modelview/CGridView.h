@@ -37,7 +37,7 @@ class CGridView : public Fl_Gl_Window {
   void SelectWaveletMode(WaveletMode mode);
   /// Only keeps the mode among the display flags, where the grid has changed it by itself.
   void ShowWaveletMode(WaveletMode mode);
-  /// 1: Kd, 2: new illumination, 3: photograph. Any other value is reported at every drawing, which then takes the
+  /// One of DrawnTexture. Any other value is reported at every drawing, which then takes the
   /// texture used last.
   void SetDrawTexture(int which);
   int DrawTexture() const { return m_View.m_iDrawTexture; }

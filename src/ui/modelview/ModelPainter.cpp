@@ -11,14 +11,9 @@
 #include "ui/drawing/CTextures.h"
 #include "ui/drawing/ConstraintDrawing.h"
 #include "ui/drawing/CurveColours.h"
-#include "ui/drawing/DisplayFlags.h"
 #include "ui/drawing/Quadrics.h"
 
 namespace {
-
-constexpr int kDrawKd = 1;
-constexpr int kDrawIllumination = 2;
-constexpr int kDrawPhotograph = 3;
 
 // How far the surface is held behind the lines on it: a hundredth of R, where the depth of the view is 200 R. Without
 // it surface and lines are drawn through each other.
@@ -90,13 +85,13 @@ void EnableTexture(const CGrid& grid, CTextures& textures, int drawTexture) {
   const CTextureImages& images = grid.Textures();
   if (!images.HasPicture()) return;
   switch (drawTexture) {
-    case kDrawKd:
+    case DrawnTexture::kKd:
       textures.Bind(images, CTextureImages::kKd);
       break;
-    case kDrawIllumination:
+    case DrawnTexture::kIllumination:
       textures.Bind(images, CTextureImages::kIllumination);
       break;
-    case kDrawPhotograph:
+    case DrawnTexture::kPhotograph:
       textures.Bind(images, CTextureImages::kPhotograph);
       break;
     default:
@@ -211,7 +206,7 @@ void CModelPainter::Draw(CGrid& grid, const CView& view) {
 void CModelPainter::DrawTexturedModel(CGrid& grid, const CView& view) {
   // The new illumination carries the shading already. Without a light of its own the model shows the photograph as it
   // is.
-  const bool lit = HasActiveLight(grid.AddedLights()) && view.m_iDrawTexture != kDrawIllumination;
+  const bool lit = HasActiveLight(grid.AddedLights()) && view.m_iDrawTexture != DrawnTexture::kIllumination;
   glColor4f(1, 1, 1, 1);
   if (lit) {
     EnableLighting(grid.AddedLights());

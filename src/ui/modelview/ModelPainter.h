@@ -4,6 +4,7 @@
 
 #include "ui/drawing/CCurveArrays.h"
 #include "ui/drawing/CTexelArrays.h"
+#include "ui/drawing/DisplayFlags.h"
 #include "ui/drawing/DrawingSettings.h"
 #include "ui/modelview/CSurfaceArrays.h"
 
@@ -18,8 +19,8 @@ class CModelPainter {
  public:
   /// What of the model to draw and how.
   struct CView {
-    std::uint32_t m_uFlags = 0;        ///< ModelFlag bits
-    int m_iDrawTexture = 3;            ///< 1: Kd, 2: new illumination, 3: photograph
+    std::uint32_t m_uFlags = 0;  ///< ModelFlag bits
+    int m_iDrawTexture = DrawnTexture::kPhotograph;
     CTextures* m_pTextures = nullptr;  ///< none: the model is drawn without
   };
 
