@@ -13,6 +13,7 @@
 #include <vector>
 
 #include <FL/Fl.H>
+#include <FL/Fl_Button.H>
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <unistd.h>
@@ -21,11 +22,14 @@
 #include "app/SolverTimer.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
+#include "support/SamplePhotograph.h"
 #include "support/gui/CDeedLog.h"
 #include "support/gui/CHabits.h"
 #include "support/gui/CMonkey.h"
 #include "support/gui/CRandomDialogs.h"
 #include "support/gui/CTemporaryDirectory.h"
+#include "ui/imageview/CImageView.h"
+#include "ui/modelview/CGridView.h"
 #include "ui/window/CImageViewUI.h"
 
 namespace {
@@ -99,20 +103,41 @@ class MonkeyTest : public ::testing::Test {
     m_Dialogs.SetObedient(true);
     m_Habits.CloseTools();
     m_Window.size(m_iWidth, m_iHeight);
+    Check(MenuEntry::DebugInterface, true);
+    EndFreezing();
     ChooseAndWait(MenuEntry::LoadImage);
+    EXPECT_EQ(m_Grid.Textures().PictureWidth(), kPhotographWidth);
     ChooseAndWait(MenuEntry::LoadGrid);
-    Draw(true);
+    for (const MenuEntry entry : kDrawn) Check(entry, true);
     m_Monkey.Press(m_Window.Widget(Control::SwitchResolution));
     WorkOff();
+    EXPECT_EQ(g_bHighRes, 1);
+    m_Monkey.Press(m_Window.Widget(Control::SwitchResolution));
+    WorkOff();
+    EXPECT_EQ(g_bHighRes, 0);
     ChooseAndWait(MenuEntry::NewGrid);
+    for (const MenuEntry entry : kDrawn) Check(entry, false);
+    RenewContexts();
+    WorkOff();
     m_Dialogs.SetObedient(false);
     m_Monkey.SetObedient(false);
     m_Log.Look();
   }
-  void Draw(bool wanted) {
-    for (const MenuEntry entry : kDrawn) {
-      if (m_Window.Menu().IsChecked(entry) != wanted) Choose(entry);
+  // A graphics card in software keeps the geometry of former frames, tens of megabytes, for as long as a context lives.
+  void RenewContexts() {
+    for (Fl_Window* view :
+         {static_cast<Fl_Window*>(&m_Window.ImageView()), static_cast<Fl_Window*>(&m_Window.GridView())}) {
+      view->hide();
+      view->show();
     }
+  }
+  void Check(MenuEntry entry, bool wanted) {
+    if (m_Window.Menu().IsChecked(entry) != wanted) Choose(entry);
+  }
+  // The tool holds the solver and the switch of resolution.
+  void EndFreezing() {
+    auto& button = dynamic_cast<Fl_Button&>(m_Window.Widget(Control::Freeze));
+    if (button.value() != 0) m_Monkey.Press(button);
   }
   void ChooseAndWait(MenuEntry entry) {
     Choose(entry);
@@ -130,7 +155,6 @@ class MonkeyTest : public ::testing::Test {
     m_afMegabytes.push_back(ResidentMegabytes());
     std::cout << m_Monkey.Actions() << " actions: " << m_afMegabytes.back() << " MB resident, "
               << static_cast<double>(mallinfo2().uordblks + mallinfo2().hblkhd) / 1e6 << " MB allocated" << std::endl;
-    Draw(false);
   }
 
   CMonkey m_Monkey{static_cast<std::uint32_t>(FromEnvironment("RELIEVO_MONKEY_SEED", 1))};
