@@ -205,3 +205,15 @@ TEST_F(GridParametersTest, OpensBesideTheMainWindow) {
       },
       "Cancel");
 }
+
+TEST_F(GridParametersTest, TakesTheEventsFromAnOpenMenuWhileItIsOpen) {
+  m_MainWindow.show();
+  Fl::grab(&m_MainWindow);
+  const CModalAnswers answers({[](Fl_Window& window) {
+    EXPECT_EQ(Fl::grab(), nullptr);
+    window.hide();
+  }});
+  m_Dialog.Ask(kPresent, kMaxLevel);
+  EXPECT_EQ(Fl::grab(), &m_MainWindow);
+  Fl::grab(nullptr);
+}

@@ -32,10 +32,14 @@ int CModalDialog::handle(int event) {
   return 1;
 }
 
+// An open menu takes all events, and waits below for this loop to end.
 bool CModalDialog::Run() {
   m_bAccepted = false;
   OpenBeside(*this, m_MainWindow);
+  Fl_Window* const menu = Fl::grab();
+  Fl::grab(nullptr);
   while (shown() != 0) Fl::wait();
+  if (menu != nullptr) Fl::grab(menu);
   return m_bAccepted;
 }
 

@@ -41,7 +41,7 @@ CMonkey::CMonkey(std::uint32_t seed) : m_Random(seed) { Fl::add_timeout(kSeconds
 CMonkey::~CMonkey() { Fl::remove_timeout(cb_Answer, this); }
 
 // Straight from the generator, whose numbers are the same everywhere.
-int CMonkey::Below(int count) { return static_cast<int>(m_Random() % static_cast<unsigned>(count)); }
+int CMonkey::Below(int count) { return static_cast<int>(m_Random() % static_cast<unsigned>(std::max(1, count))); }
 
 void CMonkey::Act() {
   std::vector<Fl_Window*> windows;
@@ -67,6 +67,7 @@ void CMonkey::Answer() {
   constexpr int kMostAnswers = 10;
   const bool last = ++m_iAnswers % kMostAnswers == 0;
   if (Fl::grab() != nullptr) return ChooseFromMenu(*Fl::grab(), last);
+  if (!last && (m_bObedient || OneIn(6))) return TypeKey(*Fl::modal(), FL_Enter, 0, "\r");
   if (last) return TypeKey(*Fl::modal(), FL_Escape, 0, "\033");
   ActOn(*Fl::modal());
 }
@@ -80,6 +81,7 @@ void CMonkey::ChooseFromMenu(Fl_Window& menu, bool last) {
 }
 
 void CMonkey::ActOn(Fl_Window& window) {
+  ++m_iActions;
   switch (Below(8)) {
     case 0:
     case 1:
@@ -101,7 +103,6 @@ void CMonkey::ActOn(Fl_Window& window) {
 
 // Any of the events may close the window.
 void CMonkey::Send(int event, Fl_Window& window) {
-  ++m_iEvents;
   // The window that a menu takes all events with is never on the screen itself.
   if (window.shown() == 0 && &window != Fl::grab()) return;
   Fl::e_x = m_iX;
@@ -122,14 +123,43 @@ void CMonkey::Click(Fl_Window& window, int x, int y) {
   MoveTo(window, x, y);
   const int button = 1 + Below(3);
   const int held = OneOf(kModifiers);
+  PushButton(window, button, held, OneIn(4));
+  ReleaseButton(window, button, held);
+}
+
+void CMonkey::PushButton(Fl_Window& window, int button, int held, bool again) {
   Fl::e_keysym = FL_Button + button;
   Fl::e_is_click = 1;
-  Fl::e_clicks = OneIn(4) ? 1 : 0;
+  Fl::e_clicks = again ? 1 : 0;
   Fl::e_state = held | (FL_BUTTON1 << (button - 1));
   Send(FL_PUSH, window);
+}
+
+void CMonkey::ReleaseButton(Fl_Window& window, int button, int held) {
+  Fl::e_keysym = FL_Button + button;
   Fl::e_state = held;
   Send(FL_RELEASE, window);
   Fl::e_state = 0;
+}
+
+void CMonkey::Press(Fl_Widget& widget) {
+  Fl_Window* window = widget.window();
+  if (window == nullptr || widget.visible_r() == 0 || widget.active_r() == 0) return;
+  ++m_iActions;
+  MoveTo(*window, widget.x() + widget.w() / 2, widget.y() + widget.h() / 2);
+  PushButton(*window, FL_LEFT_MOUSE, 0, false);
+  ReleaseButton(*window, FL_LEFT_MOUSE, 0);
+}
+
+void CMonkey::Stroke(Fl_Window& window, int x, int y, int button) {
+  ++m_iActions;
+  MoveTo(window, x, y);
+  PushButton(window, button, 0, false);
+  for (int step = Below(4); step > 0; --step) {
+    Fl::e_state = FL_BUTTON1 << (button - 1);
+    MoveTo(window, m_iX + Below(61) - 30, m_iY + Below(61) - 30);
+  }
+  ReleaseButton(window, button, 0);
 }
 
 void CMonkey::ClickOnWidget(Fl_Window& window) {
@@ -137,9 +167,7 @@ void CMonkey::ClickOnWidget(Fl_Window& window) {
   Collect(window, widgets);
   if (widgets.empty()) return Click(window, Below(window.w()), Below(window.h()));
   const Fl_Widget& widget = *OneOf(widgets);
-  const int width = std::max(1, widget.w());
-  const int height = std::max(1, widget.h());
-  Click(window, widget.x() + Below(width), widget.y() + Below(height));
+  Click(window, widget.x() + Below(widget.w()), widget.y() + Below(widget.h()));
 }
 
 // Sometimes a key is typed in between, and the mouse leaves the window.
@@ -147,23 +175,16 @@ void CMonkey::DragAround(Fl_Window& window) {
   constexpr int kOutside = 60;
   MoveTo(window, Below(window.w()), Below(window.h()));
   const int button = OneIn(2) ? FL_LEFT_MOUSE : 1 + Below(3);
-  const int state = OneOf(kModifiers) | (FL_BUTTON1 << (button - 1));
+  const int held = OneOf(kModifiers);
   if (OneIn(4)) m_HeldKey.emplace('1' + Below(5));
-  Fl::e_keysym = FL_Button + button;
-  Fl::e_is_click = 1;
-  Fl::e_clicks = 0;
-  Fl::e_state = state;
-  Send(FL_PUSH, window);
+  PushButton(window, button, held, false);
   for (int step = 1 + Below(5); step > 0; --step) {
-    Fl::e_state = state;
+    Fl::e_state = held | (FL_BUTTON1 << (button - 1));
     const bool leaves = OneIn(6);
     MoveTo(window, leaves ? -kOutside : m_iX + Below(81) - 40, leaves ? -kOutside : m_iY + Below(81) - 40);
     if (OneIn(8)) TypeSomething(window);
   }
-  Fl::e_keysym = FL_Button + button;
-  Fl::e_state = state & ~(FL_BUTTON1 << (button - 1));
-  Send(FL_RELEASE, window);
-  Fl::e_state = 0;
+  ReleaseButton(window, button, held);
   m_HeldKey.reset();
 }
 

@@ -22,13 +22,23 @@ class CMonkey {
   CMonkey(const CMonkey&) = delete;
   CMonkey& operator=(const CMonkey&) = delete;
 
-  /// One deed of a user, which takes one or several events, at one of the open windows.
+  /// One action by chance, which takes one or several events, at one of the open windows.
   void Act();
+  /// A click of the left button, with no key held, in the middle of a widget; nothing where it is hidden or inactive.
+  void Press(Fl_Widget& widget);
+  /// A click or a short drag of a button, with no key held, from a place in the window.
+  void Stroke(Fl_Window& window, int x, int y, int button);
+  void TypeKey(Fl_Window& window, int key, int modifiers, const std::string& text);
+  /// Whether dialogs are answered with Return, and no longer by chance.
+  void SetObedient(bool obedient) { m_bObedient = obedient; }
   /// Answers dialogs until none is open.
   void EndDialogs();
-  int Events() const { return m_iEvents; }
+  /// Actions so far, at dialogs too.
+  int Actions() const { return m_iActions; }
+  /// Counts an action that went another way.
+  void Count() { ++m_iActions; }
 
-  /// Number from 0 to `count` - 1.
+  /// Number from 0 to `count` - 1; 0 for a count below 1, as a small window leaves its views no room.
   int Below(int count);
   bool OneIn(int count) { return Below(count) == 0; }
   template <class Choices>
@@ -47,12 +57,14 @@ class CMonkey {
   void Click(Fl_Window& window, int x, int y);
   void ClickOnWidget(Fl_Window& window);
   void DragAround(Fl_Window& window);
-  void TypeKey(Fl_Window& window, int key, int modifiers, const std::string& text);
+  void PushButton(Fl_Window& window, int button, int held, bool again);
+  void ReleaseButton(Fl_Window& window, int button, int held);
   void TypeSomething(Fl_Window& window);
   void TypeNumber(Fl_Window& window);
 
   std::mt19937 m_Random;
-  int m_iEvents = 0;
+  int m_iActions = 0;
+  bool m_bObedient = false;
   int m_iAnswers = 0;  ///< to what is open now
   int m_iX = 0;
   int m_iY = 0;
