@@ -15,24 +15,6 @@ constexpr int kClickPixels = 3;
 
 }  // namespace
 
-int CCellSelector::Handle(int event) {
-  switch (event) {
-    case FL_PUSH:
-      Press();
-      return 1;
-    case FL_DRAG:
-      Drag();
-      return 1;
-    case FL_RELEASE:
-      Release();
-      return 1;
-    case FL_KEYBOARD:
-      return Key();
-    default:
-      return 0;
-  }
-}
-
 bool CCellSelector::IsFarFrom(const CPress& press) {
   return std::max(std::abs(Fl::event_x() - press.m_iX), std::abs(Fl::event_y() - press.m_iY)) > kClickPixels;
 }

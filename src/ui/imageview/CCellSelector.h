@@ -6,12 +6,10 @@
 
 /// The manual subdivision: a click refines the grid at a point, a drag selects the cells in a rectangle, keys split and
 /// merge what is selected.
-class CCellSelector : public CPlaneHandler {
+class CCellSelector final : public CPlaneHandler {
  public:
   CCellSelector(CGrid& grid, const CViewMapping& mapping, ViewHost& host) : CPlaneHandler(grid, mapping, host) {}
 
-  /// 1 if the event was used, 0 if it is somebody else's.
-  int Handle(int event);
   /// Forgets the press: its release does nothing.
   void EndDrag();
   /// Brings the cells' marks up to the selection.
@@ -28,12 +26,12 @@ class CCellSelector : public CPlaneHandler {
     int m_iY;
   };
   static bool IsFarFrom(const CPress& press);
-  void Press();
-  void Drag();
-  void Release();
+  void Press() override;
+  void Drag() override;
+  void Release() override;
+  int Key() override;
   void RefineAt(const CPlanePoint& place);
   void Select(const CPlanePoint& a, const CPlanePoint& b);
-  int Key();
   void ClearSelection();
 
   std::optional<CPress> m_Press;

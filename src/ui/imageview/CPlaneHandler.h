@@ -14,6 +14,9 @@ class CPlaneHandler {
   CPlaneHandler(const CPlaneHandler&) = delete;
   CPlaneHandler& operator=(const CPlaneHandler&) = delete;
 
+  /// 1 if the event was used, 0 if it is somebody else's.
+  int Handle(int event);
+
  protected:
   CPlaneHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host)
       : m_Grid(grid), m_Mapping(mapping), m_Host(host) {}
@@ -31,4 +34,14 @@ class CPlaneHandler {
   CGrid& m_Grid;
   const CViewMapping& m_Mapping;
   ViewHost& m_Host;
+
+ private:
+  // The events, each answered as `Handle` answers. Presses, drags and releases are always used.
+  virtual int Hover() { return 0; }  ///< the mouse has come or moved, with no button down
+  virtual int Leave() { return 0; }
+  virtual void Press() = 0;
+  virtual void Drag() = 0;
+  virtual void Release() = 0;
+  virtual int Key() = 0;
+  virtual int Wheel() { return 0; }
 };

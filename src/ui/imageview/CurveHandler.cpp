@@ -10,42 +10,19 @@
 #include "ui/window/HelpTexts.h"
 #include "ui/window/ViewHost.h"
 
-int CCurveHandler::Handle(int event) {
-  switch (event) {
-    case FL_ENTER:
-    case FL_MOVE:
-      Hover();
-      return 1;
-    case FL_LEAVE:
-      Leave();
-      return 1;
-    case FL_PUSH:
-      Press();
-      return 1;
-    case FL_DRAG:
-      Drag();
-      return 1;
-    case FL_RELEASE:
-      Release();
-      return 1;
-    case FL_KEYBOARD:
-      return Key();
-    default:
-      return 0;
-  }
-}
-
-void CCurveHandler::Hover() {
+int CCurveHandler::Hover() {
   m_Cursor = ClampedCursor();
   m_LooseEnd = m_Cursor;
   if (!m_Grid.HighlightCurves(m_Cursor.x, m_Cursor.y, CurveType::kAll))
     m_Grid.PendingCurve().Hover(m_Cursor.x, m_Cursor.y, PickReach());
   m_Host.RedrawImageView();
+  return 1;
 }
 
-void CCurveHandler::Leave() {
+int CCurveHandler::Leave() {
   m_LooseEnd.reset();
   m_Host.RedrawImageView();
+  return 1;
 }
 
 // Points of a curve in progress may lie on other curves, so its presses take hold of none.

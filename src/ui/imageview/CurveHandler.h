@@ -8,28 +8,26 @@
 struct CCntrNode;
 
 /// Draws, selects and edits curves with the mouse and the keyboard.
-class CCurveHandler : public CPlaneHandler {
+class CCurveHandler final : public CPlaneHandler {
  public:
   /// `curveType`: the image view's type of new curves, which keys and clicks on curves change.
   CCurveHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, int& curveType)
       : CPlaneHandler(grid, mapping, host), m_iCurveType(curveType) {}
 
-  /// 1 if the event was used, 0 if it is somebody else's.
-  int Handle(int event);
   /// Ends the drag under way, if any; what it has changed takes effect. The release that follows does nothing.
   void EndDrag();
   /// Where the line from the last point of the curve in progress leads: to the mouse, as far as it is over the view.
   const std::optional<CPlanePoint>& LooseEnd() const { return m_LooseEnd; }
 
  private:
-  void Hover();
-  void Leave();
-  void Press();
+  int Hover() override;
+  int Leave() override;
+  void Press() override;
+  void Drag() override;
+  void Release() override;
+  int Key() override;
   void Grab(int button, std::uint32_t type);
   void Append();
-  void Drag();
-  void Release();
-  int Key();
   void ChooseType(int type);
   void Validate();
   void Cancel();

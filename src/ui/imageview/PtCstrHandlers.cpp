@@ -24,37 +24,12 @@ void CPtCstrHandler::EndDrag() {
   m_bJustCreated = false;
 }
 
-int CPtCstrHandler::Handle(int event) {
-  switch (event) {
-    case FL_ENTER:
-    case FL_MOVE:
-      Hover();
-      return 1;
-    case FL_PUSH:
-      Press();
-      return 1;
-    case FL_DRAG:
-      Drag();
-      return 1;
-    case FL_RELEASE:
-      EndDrag();
-      return 1;
-    case FL_KEYBOARD:
-      KeyTyped();
-      return Key();
-    case FL_MOUSEWHEEL:
-      SelectNeighbour(Fl::event_dy() > 0);
-      return 1;
-    default:
-      return 0;
-  }
-}
-
-void CPtCstrHandler::Hover() {
+int CPtCstrHandler::Hover() {
   m_Last = ClampedCursor();
   m_Grid.HighlightPtCstrs(m_Last.x, m_Last.y, m_uKind);
   m_Host.RedrawImageView();
   Hovered();
+  return 1;
 }
 
 void CPtCstrHandler::Press() {
@@ -96,6 +71,7 @@ void CPtCstrHandler::Move(const CPlanePoint& cursor) {
 
 // A drag does not go on with another constraint than the one it began with.
 int CPtCstrHandler::Key() {
+  KeyTyped();
   switch (Fl::event_key()) {
     case FL_BackSpace:
     case FL_Delete:
@@ -113,6 +89,11 @@ int CPtCstrHandler::Key() {
       return 0;
   }
   RedrawBoth();
+  return 1;
+}
+
+int CPtCstrHandler::Wheel() {
+  SelectNeighbour(Fl::event_dy() > 0);
   return 1;
 }
 

@@ -11,8 +11,6 @@ class CPtCstrHandler : public CPlaneHandler {
   CPtCstrHandler(const CPtCstrHandler&) = delete;
   CPtCstrHandler& operator=(const CPtCstrHandler&) = delete;
 
-  /// 1 if the event was used, 0 if it is somebody else's.
-  int Handle(int event);
   /// Forgets the press: the drag that goes on has no further effect.
   void EndDrag();
 
@@ -35,11 +33,13 @@ class CPtCstrHandler : public CPlaneHandler {
   virtual void Edit(const CPlanePoint& cursor) = 0;
   virtual void KeyTyped() const {}
 
-  void Hover();
-  void Press();
-  void Drag();
+  int Hover() override;
+  void Press() override;
+  void Drag() override;
+  void Release() override { EndDrag(); }
+  int Key() override;
+  int Wheel() override;
   void Move(const CPlanePoint& cursor);
-  int Key();
   void SelectNeighbour(bool next);
 
   std::uint32_t m_uKind;
