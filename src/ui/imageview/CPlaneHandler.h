@@ -11,6 +11,7 @@ class ViewHost;
 /// handler.
 class CPlaneHandler {
  public:
+  virtual ~CPlaneHandler() = default;
   CPlaneHandler(const CPlaneHandler&) = delete;
   CPlaneHandler& operator=(const CPlaneHandler&) = delete;
 
@@ -20,7 +21,6 @@ class CPlaneHandler {
  protected:
   CPlaneHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host)
       : m_Grid(grid), m_Mapping(mapping), m_Host(host) {}
-  ~CPlaneHandler() = default;
 
   /// The place under the mouse.
   CPlanePoint Cursor() const;

@@ -7,10 +7,6 @@
 /// Creates, selects and edits the point constraints of one kind with the mouse and the keyboard.
 class CPtCstrHandler : public CPlaneHandler {
  public:
-  virtual ~CPtCstrHandler() = default;
-  CPtCstrHandler(const CPtCstrHandler&) = delete;
-  CPtCstrHandler& operator=(const CPtCstrHandler&) = delete;
-
   /// Forgets the press: the drag that goes on has no further effect.
   void EndDrag();
 
