@@ -33,7 +33,7 @@ CPicture MakePicture() {
 void ReadRaw(const std::string& filename) {
   const std::size_t size = std::filesystem::file_size(filename);
   // Left uninitialised, as no container would: a buffer of zeros would be written twice.
-  const std::unique_ptr<std::uint8_t[]> bytes(new std::uint8_t[size]);  // NOLINT(*-avoid-c-arrays)
+  const std::unique_ptr<void, decltype(&std::free)> bytes(std::malloc(size), &std::free);
   std::FILE* file = std::fopen(filename.c_str(), "rb");
   benchmark::DoNotOptimize(std::fread(bytes.get(), 1, size, file));
   std::fclose(file);
