@@ -3,10 +3,9 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <memory>
+#include <memory_resource>
 #include <sstream>
 #include <string>
 
@@ -33,11 +32,12 @@ CPicture MakePicture() {
 void ReadRaw(const std::string& filename) {
   const std::size_t size = std::filesystem::file_size(filename);
   // Left uninitialised, as no container would: a buffer of zeros would be written twice.
-  const std::unique_ptr<void, decltype(&std::free)> bytes(std::malloc(size), &std::free);
+  std::pmr::monotonic_buffer_resource memory(size);
+  void* const bytes = memory.allocate(size);
   std::FILE* file = std::fopen(filename.c_str(), "rb");
-  benchmark::DoNotOptimize(std::fread(bytes.get(), 1, size, file));
+  benchmark::DoNotOptimize(std::fread(bytes, 1, size, file));
   std::fclose(file);
-  benchmark::DoNotOptimize(bytes.get());
+  benchmark::DoNotOptimize(bytes);
 }
 
 void WriteRaw(const std::string& filename, const CPicture& picture) {
