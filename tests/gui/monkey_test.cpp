@@ -95,8 +95,8 @@ class MonkeyTest : public ::testing::Test {
   }
 
   // Brings the program to where every measurement finds the same, by its own commands: no tool open, the window in its
-  // first size, the photograph, everything drawn, both resolutions visited, and a new grid without constraints. What is
-  // kept for the next redraw or the next system has then grown to its full size, whatever came before.
+  // first size, the photograph, relit, everything drawn, both resolutions visited, and a new grid without constraints.
+  // What is kept for the next redraw or the next system has then grown to its full size, whatever came before.
   void StartOver() {
     m_Monkey.EndDialogs();
     m_Monkey.SetObedient(true);
@@ -108,6 +108,8 @@ class MonkeyTest : public ::testing::Test {
     ChooseAndWait(MenuEntry::LoadImage);
     EXPECT_EQ(m_Grid.Textures().PictureWidth(), kPhotographWidth);
     ChooseAndWait(MenuEntry::LoadGrid);
+    m_Grid.GetLightSource(0, kRemovedLights)->m_bActive = true;
+    m_Grid.GetKd();
     for (const MenuEntry entry : kDrawn) Check(entry, true);
     m_Monkey.Press(m_Window.Widget(Control::SwitchResolution));
     WorkOff();
