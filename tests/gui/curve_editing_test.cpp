@@ -163,7 +163,7 @@ TEST_F(CurveEditingTest, EnterWithoutACurveOnlyUnselects) {
 TEST_F(CurveEditingTest, EnterWithoutATypeAsksForOne) {
   Begin(0);
   EXPECT_EQ(Key(FL_Enter), 1);
-  EXPECT_EQ(m_Host.m_iTypeQuestions, 1);
+  EXPECT_EQ(m_Host.m_aTold, std::vector{FormatHelp(HelpText::kCurveTypeWanted)});
   EXPECT_TRUE(Curves().empty());
   EXPECT_EQ(Pending(), 2U);
   EXPECT_FALSE(IsIdle());

@@ -131,7 +131,7 @@ TEST_F(CurveWindowTest, PointsClickedSinceTheCurveWasPostedStay) {
 TEST_F(CurveWindowTest, EnterWithoutATypeAsksInTheHelpLine) {
   Click(0, 22);
   TypeAt(FL_Enter, 8, 24);
-  EXPECT_STREQ(HelpLine().value(), kCurveTypeWanted);
+  EXPECT_STREQ(HelpLine().value(), HelpTextOf(HelpText::kCurveTypeWanted));
   EXPECT_TRUE(Curves().empty());
   TypeAt('f', 8, 24);
   EXPECT_STREQ(HelpLine().value(), kDrawingHelp);

@@ -147,7 +147,7 @@ void CCurveHandler::Validate() {
   const bool close = Fl::event_state(FL_SHIFT) != 0;
   const auto type = static_cast<std::uint32_t>(m_iCurveType);
   if (m_Grid.ValidatePendingCurve(m_Cursor.x, m_Cursor.y, close, type) == CGrid::Validation::NeedsType) {
-    m_Host.AskForCurveType();
+    m_Host.Tell(FormatHelp(HelpText::kCurveTypeWanted));
   } else {
     m_Host.SetCurrentHelp(HelpText::kCurves);
   }

@@ -15,9 +15,9 @@ void CHelpLine::ShowHelp(int index) {
   value(HelpTextOf(index));
 }
 
-void CHelpLine::AskForCurveType() {
+void CHelpLine::ShowMessage(const std::string& text) {
   m_iShown = kOther;
-  value(kCurveTypeWanted);
+  value(text.c_str());
 }
 
 void CHelpLine::ShowFrameRecorded(int frame) {

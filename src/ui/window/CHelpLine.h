@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include <FL/Fl_Output.H>
 
 #include "ui/window/HelpTexts.h"
@@ -27,8 +29,8 @@ class CHelpLine : public CPassiveOutput {
   /// Shows a text until the current one is restored.
   void ShowHelp(int index);
   void RestoreHelp() { ShowHelp(m_iCurrent); }
-  /// Asks for the type of the curve in progress, until the current text is restored.
-  void AskForCurveType();
+  /// Shows a message until the current text is restored or another one is shown.
+  void ShowMessage(const std::string& text);
   /// "Frame nb ... recorded.", until the current text is restored.
   void ShowFrameRecorded(int frame);
 

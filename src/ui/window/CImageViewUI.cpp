@@ -220,7 +220,12 @@ void CImageViewUI::RestoreHelp() { m_pHelpLine->RestoreHelp(); }
 
 void CImageViewUI::SetCurrentHelp(int index) { m_pHelpLine->SetCurrentHelp(index); }
 
-void CImageViewUI::AskForCurveType() { m_pHelpLine->AskForCurveType(); }
+void CImageViewUI::ShowMessage(const std::string& text) { m_pHelpLine->ShowMessage(text); }
+
+void CImageViewUI::Tell(const std::string& text) {
+  ShowMessage(text);
+  Console() << text << '\n';
+}
 
 void CImageViewUI::ShowCurveType(int type) {
   Button(Control::PositionDiscontinuity).value(type == CurveType::kPosition ? 1 : 0);

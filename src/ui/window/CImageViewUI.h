@@ -83,7 +83,8 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void ShowHelp(int index) override;
   void RestoreHelp() override;
   void SetCurrentHelp(int index) override;
-  void AskForCurveType() override;
+  void ShowMessage(const std::string& text) override;
+  void Tell(const std::string& text) override;
   void ShowCurveType(int type) override;
   void EditCurveAttributes(const CPlanePoint& place) override;
   void RedrawImageView() override;

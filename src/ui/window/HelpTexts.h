@@ -2,8 +2,11 @@
 
 #include <array>
 #include <cstddef>
+#include <initializer_list>
+#include <string>
 
-/// The texts of the help line, by index.
+/// The texts of the help line, by index. Those from HelpText::kFirstMessage on are messages: they come up by
+/// themselves, leave open what %1, %2 and so on stand for, and never become the text that stays.
 inline constexpr std::array kHelpTexts{
     "",
     "Reset the left view",
@@ -32,6 +35,7 @@ inline constexpr std::array kHelpTexts{
     "Manualy resume the solver",
     "Click and drag to change the 3D view : left-click and right-click to rotate, middle-click to zoom",
     "Frame nb %4d recorded.",
+    "Choose the type of the curve first: type p, n or f, or click on one of the three types. Then press Enter again.",
 };
 
 /// Indices of the texts that are not tied to a control.
@@ -43,14 +47,15 @@ inline constexpr int kCurves = 4;
 inline constexpr int kCurveInProgress = 8;
 inline constexpr int kSelectCells = 10;
 inline constexpr int kFrameRecorded = 20;  ///< a format that takes the number of the frame
+inline constexpr int kFirstMessage = 21;
+inline constexpr int kCurveTypeWanted = 21;  ///< a curve is to end whose type has not been chosen
 }  // namespace HelpText
-
-/// What the help line says when a curve is to end whose type has not been chosen.
-inline constexpr const char* kCurveTypeWanted =
-    "Choose the type of the curve first: type p, n or f, or click on one of the three types. Then press Enter again.";
 
 /// The text of an index; the empty one for an index that has none.
 inline constexpr const char* HelpTextOf(int index) {
   const bool known = index >= 0 && static_cast<std::size_t>(index) < kHelpTexts.size();
   return known ? kHelpTexts[static_cast<std::size_t>(index)] : kHelpTexts.front();
 }
+
+/// The text of an index with each %1, %2 ... replaced by the value of that place.
+std::string FormatHelp(int index, std::initializer_list<std::string> values = {});

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 struct CPlanePoint;
 
 /// What the two views ask of the window around them.
@@ -14,9 +16,12 @@ class ViewHost {
   /// Help line: show text `index`; go back to the text that stays.
   virtual void ShowHelp(int index) = 0;
   virtual void RestoreHelp() = 0;
-  /// Show text `index` and make it the one that stays; ask for the type of the curve in progress.
+  /// Show text `index` and make it the one that stays.
   virtual void SetCurrentHelp(int index) { ShowHelp(index); }
-  virtual void AskForCurveType() {}
+  /// Show a message (FormatHelp) in the help line until the text that stays is restored.
+  virtual void ShowMessage(const std::string& /*text*/) {}
+  /// The same, and as a line on the console, because the help line may be hidden.
+  virtual void Tell(const std::string& /*text*/) {}
 
   /// The type of new curves (CurveType bit) is another now.
   virtual void ShowCurveType(int /*type*/) {}

@@ -21,7 +21,8 @@ class CRecordingViewHost : public ViewHost {
   void ShowHelp(int /*index*/) override {}
   void RestoreHelp() override { ++m_iHelpsRestored; }
   void SetCurrentHelp(int index) override { m_aiHelps.push_back(index); }
-  void AskForCurveType() override { ++m_iTypeQuestions; }
+  void ShowMessage(const std::string& text) override { m_aMessages.push_back(text); }
+  void Tell(const std::string& text) override { m_aTold.push_back(text); }
   void ShowCurveType(int type) override { m_aiCurveTypes.push_back(type); }
   void EditCurveAttributes(const CPlanePoint& place) override { m_aAttributePlaces.push_back(place); }
   void RedrawImageView() override { ++m_iImageRedraws; }
@@ -41,7 +42,8 @@ class CRecordingViewHost : public ViewHost {
   int m_iImageRedraws = 0;
   int m_iModelRedraws = 0;
   int m_iHelpsRestored = 0;
-  int m_iTypeQuestions = 0;
+  std::vector<std::string> m_aMessages;
+  std::vector<std::string> m_aTold;
   std::vector<int> m_aiHelps;  ///< texts that stay
   std::vector<int> m_aiCurveTypes;
   std::vector<CPlanePoint> m_aAttributePlaces;
