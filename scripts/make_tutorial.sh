@@ -17,6 +17,8 @@ trap 'exit 130' INT
 trap 'exit 143' TERM
 start_display
 
+say "making the first cup"
+build/release/tests/make_tutorial first "$results"
 for model in coffee cat; do
   say "making the $model"
   build/release/tests/make_tutorial "$model" "$results"

@@ -164,6 +164,40 @@ std::vector<CHeight> CoffeeHeights() {
 
 }  // namespace
 
+CScene FirstScene() {
+  constexpr int kRim = 38;
+  constexpr int kDrink = 22;
+  CScene scene;
+  scene.m_Picture = "coffee.bmp";
+  scene.m_iWidth = 600;
+  scene.m_iHeight = 400;
+  // From one side of the foot over the far rim to the other side: the front of the cup stays joined to the saucer.
+  scene.m_aCreases = {{'p',
+                       false,
+                       {{213, 268},
+                        {196, 240},
+                        {182, 205},
+                        {172, 165},
+                        {172, 113},
+                        {186, 64},
+                        {230, 28},
+                        {290, 17},
+                        {347, 31},
+                        {389, 66},
+                        {407, 113},
+                        {398, 165},
+                        {384, 205},
+                        {362, 250},
+                        {335, 272}}}};
+  scene.m_aHeights = {{{30, 200}, 0},      {{30, 380}, 0},       {{560, 380}, 0},      {{560, 60}, 0},
+                      {{100, 60}, 0},      {{290, 5}, 0},        {{140, 200}, 3},      {{440, 200}, 3},
+                      {{275, 300}, 3},     {{290, 200}, kRim},   {{236, 188}, kRim},   {{344, 188}, kRim},
+                      {{186, 130}, kRim},  {{394, 130}, kRim},   {{206, 60}, kRim},    {{374, 60}, kRim},
+                      {{290, 27}, kRim},   {{287, 145}, kDrink}, {{240, 150}, kDrink}, {{335, 150}, kDrink},
+                      {{287, 110}, kDrink}};
+  return scene;
+}
+
 CScene CoffeeScene() {
   CScene scene;
   scene.m_Picture = "coffee.bmp";

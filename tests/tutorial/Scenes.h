@@ -35,5 +35,7 @@ struct CScene {
   std::vector<CPixel> m_aUpright;  ///< normal constraints that are left as they come, straight up
 };
 
+/// The cup in the few strokes and clicks of the README.
+CScene FirstScene();
 CScene CoffeeScene();
 CScene CatScene();

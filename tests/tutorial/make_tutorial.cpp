@@ -1,5 +1,6 @@
-// make_tutorial coffee|cat directory: makes the models of the samples with the real program on the display, step by
-// step as the tutorial tells it, and leaves the models and the pictures of the steps in the directory.
+// make_tutorial first|coffee|cat directory: makes the cup of the README or the models of the samples with the real
+// program on the display, step by step as the tutorial tells it, and leaves the models and the pictures of the steps in
+// the directory.
 
 #include <exception>
 #include <iostream>
@@ -11,6 +12,19 @@
 namespace {
 
 constexpr int kGridWidth = 150;  // both photographs are about half as wide again as high
+
+void MakeFirst(const std::string& results) {
+  const CScene scene = FirstScene();
+  CModeller modeller(results);
+  modeller.LoadPicture(scene);
+  modeller.NewGrid(kGridWidth);
+  modeller.Drag(0, -120, 1);
+  modeller.Draw(scene.m_aCreases);
+  modeller.Raise(scene.m_aHeights);
+  modeller.PressKey("Escape");
+  modeller.Solve();
+  modeller.Shoot("0-first");
+}
 
 void MakeCoffee(const std::string& results) {
   const CScene scene = CoffeeScene();
@@ -67,12 +81,14 @@ void MakeCat(const std::string& results) {
 int main(int argc, char** argv) {
   const std::string model = argc == 3 ? argv[1] : "";
   try {
-    if (model == "coffee") {
+    if (model == "first") {
+      MakeFirst(argv[2]);
+    } else if (model == "coffee") {
       MakeCoffee(argv[2]);
     } else if (model == "cat") {
       MakeCat(argv[2]);
     } else {
-      std::cerr << "usage: make_tutorial coffee|cat directory\n";
+      std::cerr << "usage: make_tutorial first|coffee|cat directory\n";
       return 2;
     }
   } catch (const std::exception& error) {
