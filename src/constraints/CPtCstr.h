@@ -25,6 +25,7 @@ struct CPtCstr {
   double m_fP = 0.0;           ///< normal constraint: slope dz/dx wanted
   double m_fQ = 0.0;           ///< normal constraint: slope dz/dy wanted
   std::uint32_t m_uState = 0;  ///< PtCstrState bits
+  std::uint32_t m_uIdle = 0;   ///< those of its kinds that the system has no row for
 
   /// Whether a click at (x, y) takes hold of the record; `reach` is a city-block distance in model units.
   bool IsWithinReach(double x, double y, double reach) const {
@@ -34,6 +35,8 @@ struct CPtCstr {
   bool HasState(std::uint32_t mask) const { return (m_uState & mask) != 0; }
   void SetKind(std::uint32_t mask, bool on) { m_uKind = on ? m_uKind | mask : m_uKind & ~mask; }
   void SetState(std::uint32_t mask, bool on) { m_uState = on ? m_uState | mask : m_uState & ~mask; }
+  /// Whether the system has a row for the record.
+  bool IsActive() const { return ((PtCstrKind::kPosition | PtCstrKind::kNormal) & m_uKind & ~m_uIdle) != 0; }
   /// Whether the record constrains the surface in the way of `kind` (kPosition or kNormal).
   bool IsEnabled(std::uint32_t kind) const { return HasKind(kind) && !HasKind(PtCstrKind::kDisabled); }
 };

@@ -1,6 +1,7 @@
 #include "model/CConstraintRows.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "model/CLattice.h"
 #include "model/CPointOrder.h"
@@ -18,60 +19,85 @@ double OntoBorder(double value, double low, double high) {
   return value > low - slack && value < high + slack ? std::clamp(value, low, high) : value;
 }
 
+// The probes that the slopes at a point are the differences of, and the size of the cell between them.
+struct CProbes {
+  CStencil m_Above;
+  CStencil m_Below;
+  CStencil m_Left;
+  CStencil m_Right;
+  double m_fWidth = 0.0;
+  double m_fHeight = 0.0;
+};
+
+bool FindPlace(const CPtCstr& constraint, const CInterpolation& surface, CStencil& stencil) {
+  return constraint.IsEnabled(PtCstrKind::kPosition) &&
+         surface.GetBilinearInterpolation(constraint.m_fX, constraint.m_fY, stencil);
+}
+
+bool FindProbes(const CPtCstr& constraint, const CQuadTree& tree, const CInterpolation& surface, CProbes& probes) {
+  if (!constraint.IsEnabled(PtCstrKind::kNormal)) return false;
+  const CLattice& lattice = surface.Lattice();
+  const double x = constraint.m_fX;
+  const double y = constraint.m_fY;
+  const CQuadT* cell = tree.PointInCell_g(lattice.ColumnOf(x), lattice.RowOf(y));
+  if (cell == nullptr) return false;
+  probes.m_fWidth = cell->Size() * lattice.StepX();
+  probes.m_fHeight = cell->Size() * lattice.StepY();
+  const CExtent& e = lattice.Extent();
+  const auto probe = [&](double dx, double dy, CStencil& stencil) {
+    return surface.GetBilinearInterpolation(OntoBorder(x + dx, e.x0, e.x1), OntoBorder(y + dy, e.y0, e.y1), stencil);
+  };
+  return probe(0, probes.m_fHeight / 2, probes.m_Above) && probe(0, -probes.m_fHeight / 2, probes.m_Below) &&
+         probe(-probes.m_fWidth / 2, 0, probes.m_Left) && probe(probes.m_fWidth / 2, 0, probes.m_Right);
+}
+
 }  // namespace
 
 void CConstraintRows::Clear() {
   m_Rows.Clear();
   m_afTargets.clear();
+  m_auBuiltKinds.clear();
 }
 
 void CConstraintRows::Add(std::span<const CPtCstrList* const> lists, const CQuadTree& tree,
                           const CInterpolation& surface) {
+  const std::size_t first = m_auBuiltKinds.size();
   for (const CPtCstrList* list : lists) {
-    for (const CPtCstr& constraint : *list) {
-      if (constraint.IsEnabled(PtCstrKind::kPosition)) AddPosition(constraint, surface);
-    }
+    for (const CPtCstr& constraint : *list)
+      m_auBuiltKinds.push_back(AddPosition(constraint, surface) ? PtCstrKind::kPosition : 0);
   }
+  auto built = m_auBuiltKinds.begin() + static_cast<std::ptrdiff_t>(first);
   for (const CPtCstrList* list : lists) {
-    for (const CPtCstr& constraint : *list) {
-      if (constraint.IsEnabled(PtCstrKind::kNormal)) AddNormal(constraint, tree, surface);
-    }
+    for (const CPtCstr& constraint : *list) *built++ |= AddNormal(constraint, tree, surface) ? PtCstrKind::kNormal : 0;
   }
 }
 
-void CConstraintRows::AddPosition(const CPtCstr& constraint, const CInterpolation& surface) {
+std::uint32_t CConstraintRows::KindsWithRows(const CPtCstr& constraint, const CQuadTree& tree,
+                                             const CInterpolation& surface) {
+  CStencil place;
+  CProbes probes;
+  return (FindPlace(constraint, surface, place) ? PtCstrKind::kPosition : 0) |
+         (FindProbes(constraint, tree, surface, probes) ? PtCstrKind::kNormal : 0);
+}
+
+bool CConstraintRows::AddPosition(const CPtCstr& constraint, const CInterpolation& surface) {
   CStencil stencil;
-  if (!surface.GetBilinearInterpolation(constraint.m_fX, constraint.m_fY, stencil)) return;
+  if (!FindPlace(constraint, surface, stencil)) return false;
   AppendStencil(stencil, kWeight, surface.Order());
   EndRow(kWeight * constraint.m_fZ);
+  return true;
 }
 
-void CConstraintRows::AddNormal(const CPtCstr& constraint, const CQuadTree& tree, const CInterpolation& surface) {
-  const CLattice& lattice = surface.Lattice();
-  const double x = constraint.m_fX;
-  const double y = constraint.m_fY;
-  const CQuadT* cell = tree.PointInCell_g(lattice.ColumnOf(x), lattice.RowOf(y));
-  if (cell == nullptr) return;
-  const double width = cell->Size() * lattice.StepX();
-  const double height = cell->Size() * lattice.StepY();
-  const CExtent& e = lattice.Extent();
-  const auto probe = [&](double dx, double dy, CStencil& stencil) {
-    return surface.GetBilinearInterpolation(OntoBorder(x + dx, e.x0, e.x1), OntoBorder(y + dy, e.y0, e.y1), stencil);
-  };
-  CStencil above;
-  CStencil below;
-  CStencil left;
-  CStencil right;
-  if (!probe(0, height / 2, above) || !probe(0, -height / 2, below) || !probe(-width / 2, 0, left) ||
-      !probe(width / 2, 0, right)) {
-    return;
-  }
-  AppendStencil(above, kWeight / height, surface.Order());
-  AppendStencil(below, -kWeight / height, surface.Order());
+bool CConstraintRows::AddNormal(const CPtCstr& constraint, const CQuadTree& tree, const CInterpolation& surface) {
+  CProbes probes;
+  if (!FindProbes(constraint, tree, surface, probes)) return false;
+  AppendStencil(probes.m_Above, kWeight / probes.m_fHeight, surface.Order());
+  AppendStencil(probes.m_Below, -kWeight / probes.m_fHeight, surface.Order());
   EndRow(kWeight * constraint.m_fQ);
-  AppendStencil(right, kWeight / width, surface.Order());
-  AppendStencil(left, -kWeight / width, surface.Order());
+  AppendStencil(probes.m_Right, kWeight / probes.m_fWidth, surface.Order());
+  AppendStencil(probes.m_Left, -kWeight / probes.m_fWidth, surface.Order());
   EndRow(kWeight * constraint.m_fP);
+  return true;
 }
 
 void CConstraintRows::AppendStencil(const CStencil& stencil, double factor, const CPointOrder& order) {

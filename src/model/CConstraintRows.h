@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -24,6 +25,11 @@ class CConstraintRows {
   /// each the difference of two probes half a cell away on either side, the cell being the leaf that holds the point.
   void Add(std::span<const CPtCstrList* const> lists, const CQuadTree& tree, const CInterpolation& surface);
 
+  /// The kinds (PtCstrKind) of one constraint that `Add` makes rows for.
+  static std::uint32_t KindsWithRows(const CPtCstr& constraint, const CQuadTree& tree, const CInterpolation& surface);
+
+  /// The same for every constraint added so far, in the order of the lists.
+  std::span<const std::uint32_t> BuiltKinds() const { return m_auBuiltKinds; }
   std::size_t Count() const { return m_afTargets.size(); }
   /// One row per constraint, one column per scan position (see CPointOrder).
   const CCompressedRows& Rows() const { return m_Rows; }
@@ -31,11 +37,13 @@ class CConstraintRows {
   std::span<const double> Targets() const { return m_afTargets; }
 
  private:
-  void AddPosition(const CPtCstr& constraint, const CInterpolation& surface);
-  void AddNormal(const CPtCstr& constraint, const CQuadTree& tree, const CInterpolation& surface);
+  /// Whether rows were made.
+  bool AddPosition(const CPtCstr& constraint, const CInterpolation& surface);
+  bool AddNormal(const CPtCstr& constraint, const CQuadTree& tree, const CInterpolation& surface);
   void AppendStencil(const CStencil& stencil, double factor, const CPointOrder& order);
   void EndRow(double target);
 
   CCompressedRows m_Rows;
   std::vector<double> m_afTargets;
+  std::vector<std::uint32_t> m_auBuiltKinds;
 };

@@ -15,6 +15,7 @@
 #include "constraints/CContourAttributes.h"
 #include "constraints/CPendingCurve.h"
 #include "constraints/CPtCstrList.h"
+#include "constraints/Inactivity.h"
 #include "io/GridFileState.h"
 #include "lighting/CAlbedoMap.h"
 #include "lighting/CLight.h"
@@ -145,6 +146,11 @@ class CGrid {
   /// Adds to the slopes of the selected normal constraint. Posts kRestart even without one.
   void ChangeSelectedNormal(double dp, double dq);
   void DeleteSelectedPtCstr();
+  /// Why the system has no row for a constraint, or for one of its two kinds (see CPtCstr::m_uIdle); None where nothing
+  /// is missing. The rows are those last built, or, for one added or moved since, those that it would get.
+  Inactivity WhyInactive(const CPtCstr& constraint) const;
+  /// Number of the user's constraints that the system has a row for.
+  int ActiveConstraintCount() const;
   /// z of every normal constraint that is no position constraint as well becomes the surface's height under it.
   void RefreshNormalCstrHeights();
   /// Reach of the freeze brush at zoom 1; it grows with the zoom.
@@ -276,6 +282,11 @@ class CGrid {
   double HeightUnder(const CPtCstr& constraint) const;
   bool IsInMarkedTriangle(double x, double y) const;
   void UpdateDisabledBit(CPtCstr& constraint) const;
+  /// The disabled bit and the idle kinds of one that has been added or moved.
+  void UpdateActivity(CPtCstr& constraint) const;
+  /// Takes over what the rows just built hold of each constraint.
+  void MarkIdleConstraints();
+  void ShowConstraintCount() const;
   void ConstraintsChanged(int operation);
 
   /// Whether anything was done.

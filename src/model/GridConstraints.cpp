@@ -25,17 +25,25 @@ std::uint32_t TriangleBit(double u, double v) {
   return 1U << (v < -u ? kLeft : kTop);
 }
 
+std::uint32_t KindsOf(const CPtCstr& constraint) {
+  return constraint.m_uKind & (PtCstrKind::kPosition | PtCstrKind::kNormal);
+}
+
 }  // namespace
 
 void CGrid::ConstraintsChanged(int operation) {
   Post(operation);
   if (m_pHost == nullptr) return;
-  m_pHost->ShowConstraints(static_cast<int>(m_PointConstraints.size()));
+  ShowConstraintCount();
   m_pHost->RequestRedraw();
 }
 
+void CGrid::ShowConstraintCount() const {
+  if (m_pHost != nullptr) m_pHost->ShowConstraints(ActiveConstraintCount());
+}
+
 void CGrid::AddPtCstr(const CPtCstr& record) {
-  UpdateDisabledBit(m_PointConstraints.Add(record));
+  UpdateActivity(m_PointConstraints.Add(record));
   ConstraintsChanged(Operation::kRebuild);
 }
 
@@ -57,7 +65,7 @@ void CGrid::MoveSelectedPtCstr(double dx, double dy) {
   selected->m_fY += dy;
   if (selected->HasKind(PtCstrKind::kNormal) && !selected->HasKind(PtCstrKind::kPosition))
     selected->m_fZ = HeightUnder(*selected);
-  UpdateDisabledBit(*selected);
+  UpdateActivity(*selected);
   ConstraintsChanged(Operation::kRestart);
 }
 
@@ -122,6 +130,33 @@ void CGrid::UpdateDisabledBit(CPtCstr& constraint) const {
                IsInMarkedTriangle(x - w / 2, y) || IsInMarkedTriangle(x + w / 2, y);
   }
   constraint.SetKind(PtCstrKind::kDisabled, disabled);
+}
+
+void CGrid::UpdateActivity(CPtCstr& constraint) const {
+  UpdateDisabledBit(constraint);
+  constraint.m_uIdle = KindsOf(constraint) & ~CConstraintRows::KindsWithRows(constraint, *m_pTree, Surface());
+}
+
+void CGrid::MarkIdleConstraints() {
+  auto built = m_Solver.System().Constraints().BuiltKinds().begin();
+  for (CPtCstrList* list : {&m_PointConstraints, &m_GeneratedConstraints}) {
+    for (CPtCstr& constraint : *list) constraint.m_uIdle = KindsOf(constraint) & ~*built++;
+  }
+}
+
+Inactivity CGrid::WhyInactive(const CPtCstr& constraint) const {
+  if (constraint.m_uIdle == 0) return Inactivity::None;
+  const CExtent& e = m_Lattice.Extent();
+  const double x = constraint.m_fX;
+  const double y = constraint.m_fY;
+  if (!(e.x0 <= x && x <= e.x1 && e.y0 <= y && y <= e.y1)) return Inactivity::Outside;
+  // A slope on the very border is disabled, too.
+  const bool torn = constraint.HasKind(PtCstrKind::kDisabled) && m_pTree->PointInCell(x, y) != nullptr;
+  return torn ? Inactivity::InTear : Inactivity::OnBorder;
+}
+
+int CGrid::ActiveConstraintCount() const {
+  return static_cast<int>(std::ranges::count_if(m_PointConstraints, &CPtCstr::IsActive));
 }
 
 void CGrid::PaintFreezeMap(double x, double y, bool freeze) {

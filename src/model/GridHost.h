@@ -17,7 +17,7 @@ class GridHost {
   virtual void ShowIterations(int /*iterations*/) {}
   /// Show the number of active leaves and of active points.
   virtual void ShowResolution(int /*leaves*/, int /*points*/) {}
-  /// Show the number of point constraints.
+  /// Show how many of the user's point constraints are active.
   virtual void ShowConstraints(int /*count*/) {}
 
   /// Let the toolkit process the events that wait; they may post work to the grid.

@@ -61,6 +61,8 @@ void CGrid::SetSparseH() {
   }
   const std::array<const CPtCstrList*, 2> lists{&m_PointConstraints, &m_GeneratedConstraints};
   m_Solver.SetConstraints(lists, *m_pTree, Surface());
+  MarkIdleConstraints();
+  ShowConstraintCount();
 }
 
 void CGrid::BuildHNumerotation() {

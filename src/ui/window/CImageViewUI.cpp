@@ -183,7 +183,7 @@ void CImageViewUI::RefreshEnabled() {
 
 void CImageViewUI::RefreshReadOuts() {
   ShowResolution(m_pGrid->Tree().LeafCount(), m_pGrid->ActivePointCount());
-  SetNumberOfConstraints(static_cast<int>(m_pGrid->PointConstraints().size()));
+  SetNumberOfConstraints(m_pGrid->ActiveConstraintCount());
 }
 
 void CImageViewUI::SetNumberIter(int n) {
