@@ -1,10 +1,13 @@
 #include "batch/BatchReport.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <numeric>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -12,6 +15,8 @@
 #include "model/CGrid.h"
 
 namespace {
+
+constexpr const char* kInactive = "inactive_constraints";
 
 // Heights by scan position, in which the system is written.
 std::vector<double> ScannedHeights(const CGrid& grid) {
@@ -39,6 +44,19 @@ double LargestResidual(const CGrid& grid) {
   return largest;
 }
 
+nlohmann::ordered_json InactiveConstraints(const CGrid& grid) {
+  nlohmann::ordered_json inactive = nlohmann::ordered_json::array();
+  int index = 0;
+  for (const CPtCstr& constraint : grid.PointConstraints()) {
+    for (const auto& [kind, name] : {std::pair(PtCstrKind::kPosition, "position"), {PtCstrKind::kNormal, "normal"}}) {
+      if ((constraint.m_uIdle & kind) == 0) continue;
+      inactive.push_back({{"index", index}, {"kind", name}, {"reason", InactivityText(grid.WhyInactive(constraint))}});
+    }
+    ++index;
+  }
+  return inactive;
+}
+
 nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
   nlohmann::ordered_json report;
   report["points"] = grid.ActivePointCount();
@@ -52,7 +70,15 @@ nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
   report["largest_constraint_residual"] = LargestResidual(grid);
   report["z_range"] = {grid.MinHeight(), grid.MaxHeight()};
   report["converged"] = result.m_bConverged;
+  report[kInactive] = InactiveConstraints(grid);
   return report;
+}
+
+void PrintInactive(std::ostream& out, const nlohmann::ordered_json& inactive) {
+  out << "inactive constraints: " << inactive.size() << '\n';
+  for (const auto& entry : inactive)
+    out << "inactive constraint " << entry["index"] << ": " << entry["kind"].get<std::string>() << ' '
+        << entry["reason"].get<std::string>() << '\n';
 }
 
 // "name: value" lines; the names of parts follow that of the whole, and the words of a name stand apart.
@@ -62,6 +88,7 @@ void PrintText(std::ostream& out, const std::string& name, const nlohmann::order
     for (const auto& [part, partValue] : value.items()) PrintText(out, std::string(whole).append(part), partValue);
     return;
   }
+  if (name == kInactive) return PrintInactive(out, value);
   std::string words = name;
   std::ranges::replace(words, '_', ' ');
   out << words << ": ";
@@ -73,6 +100,23 @@ void PrintText(std::ostream& out, const std::string& name, const nlohmann::order
 }
 
 }  // namespace
+
+std::string InactiveSummary(const CGrid& grid) {
+  std::array<int, 4> counts{};
+  for (const CPtCstr& constraint : grid.PointConstraints())
+    ++counts[static_cast<std::size_t>(grid.WhyInactive(constraint))];
+  std::string reasons;
+  int all = 0;
+  for (const Inactivity reason : {Inactivity::InTear, Inactivity::OnBorder, Inactivity::Outside}) {
+    const int count = counts[static_cast<std::size_t>(reason)];
+    if (count == 0) continue;
+    all += count;
+    reasons += (reasons.empty() ? "" : ", ") + std::to_string(count) + ' ' + InactivityText(reason);
+  }
+  if (all == 0) return {};
+  return "Inactive constraints: " + std::to_string(all) + " of " + std::to_string(grid.PointConstraints().size()) +
+         " (" + reasons + ").";
+}
 
 void PrintReport(std::ostream& out, CBatchOptions::Report form, const CGrid& grid, const CBatchResult& result) {
   if (form == CBatchOptions::Report::None) return;

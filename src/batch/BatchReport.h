@@ -1,6 +1,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <string>
 
 #include "batch/CBatchOptions.h"
 
@@ -19,6 +20,9 @@ struct CBatchResult {
   bool m_bConverged = false;
   CPhases m_Seconds;
 };
+
+/// A sentence on the constraints of the user that act on nothing; empty where all of them act.
+std::string InactiveSummary(const CGrid& grid);
 
 /// Prints the report on the model as it is; nothing for Report::None.
 void PrintReport(std::ostream& out, CBatchOptions::Report form, const CGrid& grid, const CBatchResult& result);

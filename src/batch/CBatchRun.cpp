@@ -45,6 +45,8 @@ int CBatchRun::Run() {
   if (!ReadInputs()) return ExitStatus::kInput;
   Solve();
   const bool written = WriteOutputs();
+  if (const std::string inactive = InactiveSummary(m_Grid); !inactive.empty() && !m_Options.m_bQuiet)
+    Complain(inactive);
   PrintReport(std::cout, m_Options.m_Report, m_Grid, m_Result);
   if (!written || !std::cout.flush()) return ExitStatus::kOutput;
   const bool wanted = !m_Options.m_Iterations.has_value();

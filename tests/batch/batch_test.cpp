@@ -1,43 +1,8 @@
 // The program itself, started as a user would.
 
-#include <cstdlib>
-
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-#include <sys/wait.h>
-
-#include "support/CTemporaryDirectory.h"
-#include "support/FileBuilders.h"
+#include "batch/BatchTest.h"
 
 namespace {
-
-class Batch : public testing::Test {
- protected:
-  Batch() { WriteText(Path("model.grid"), GridText(m_Model.m_Grid)); }
-
-  std::filesystem::path Path(const std::string& name) const { return m_Directory.Path() / name; }
-  std::string Bytes(const std::string& name) const { return BytesOf(Path(name)); }
-
-  /// Starts the program in the directory; its exit status.
-  int Run(const std::string& arguments, const std::string& before = "") const {
-    const std::string command = "cd '" + m_Directory.Path().string() + "' && " + before + " '" RELIEVO_BATCH "' " +
-                                arguments + " >out 2>err </dev/null";
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-  nlohmann::json Report() const { return nlohmann::json::parse(Bytes("out")); }
-
-  CTemporaryDirectory m_Directory;
-  CFullModel m_Model;
-};
-
-/// A picture of 3 by 2 pixels, all of them of one colour.
-std::string SmallBitmap() {
-  std::string bytes("BM\x4E\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\x03\0\0\0\x02\0\0\0\x01\0\x18\0", 30);
-  bytes.resize(54);
-  for (int pixel = 0; pixel < 2; ++pixel) bytes += std::string("\x10\x80\xF0\x10\x80\xF0\x10\x80\xF0\0\0\0", 12);
-  return bytes;
-}
 
 TEST_F(Batch, SavesWithoutIteratingWhatTheModelItselfWouldSave) {
   CTestGrid window;
@@ -106,7 +71,7 @@ TEST_F(Batch, ReportsInText) {
   for (std::string line; std::getline(out, line);) names.push_back(line.substr(0, line.find(':')));
   EXPECT_EQ(names, (std::vector<std::string>{"points", "cells", "constraints", "curves", "iterations", "seconds load",
                                              "seconds solve", "seconds write", "energy", "largest constraint residual",
-                                             "z range", "converged"}));
+                                             "z range", "converged", "inactive constraints", "inactive constraint 3"}));
 }
 
 TEST_F(Batch, LinesOfTheModelGoToStandardErrorAndNoneWhenQuiet) {

@@ -1,5 +1,6 @@
-// make_tutorial first|coffee|cat directory: makes the cup of the README or one of the samples with the real program on the
-// display, step by step as README and tutorial tell it, and leaves the model and the pictures of the steps in the directory.
+// make_tutorial first|coffee|cat directory: makes the cup of the README or one of the samples with the real program on
+// the display, step by step as README and tutorial tell it, and leaves the model and the pictures of the steps in the
+// directory.
 
 #include <exception>
 #include <iostream>

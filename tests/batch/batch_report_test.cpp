@@ -1,0 +1,67 @@
+// What the report and standard error say of a model that is not as its user takes it to be.
+
+#include <string>
+
+#include "batch/BatchTest.h"
+
+namespace {
+
+using nlohmann::json;
+
+// Of the eight, three heights act.
+void WriteIdleModel(const std::filesystem::path& path) {
+  CTestGrid test(4, 2);
+  AddCurveThrough(test.m_Grid, CurveType::kPosition, {{1, 23.9}, {8, 23.9}});
+  AddAll(test.m_Grid, {HeightCstr(3, 21, 1), HeightCstr(4, 23.9, 2), SlopeCstr(4, 23.9), HeightCstr(20, 22, 3),
+                       SlopeCstr(3, 19), SlopeCstr(3, 20.05), HeightAndSlopeCstr(6, 20.05, 2), HeightCstr(3, 25, 1)});
+  test.m_Grid.PerformPendingWork();
+  WriteText(path, GridText(test.m_Grid));
+}
+
+TEST_F(Batch, ReportsInactiveConstraints) {
+  WriteIdleModel(Path("idle.grid"));
+  ASSERT_EQ(Run("idle.grid --report json --iterations 10"), 0);
+  EXPECT_EQ(Report()["constraints"], 8);
+  EXPECT_EQ(Report()["inactive_constraints"], json::parse(R"([{"index": 1, "kind": "position", "reason": "in a tear"},
+                            {"index": 2, "kind": "normal", "reason": "in a tear"},
+                            {"index": 3, "kind": "position", "reason": "outside"},
+                            {"index": 4, "kind": "normal", "reason": "outside"},
+                            {"index": 5, "kind": "normal", "reason": "on the border"},
+                            {"index": 6, "kind": "normal", "reason": "on the border"}])"));
+}
+
+TEST_F(Batch, ReportsThatNoConstraintIsInactive) {
+  CTestGrid test(4, 2);
+  AddAll(test.m_Grid, {HeightCstr(3, 21, 1), SlopeCstr(3, 22)});
+  test.m_Grid.PerformPendingWork();
+  WriteText(Path("active.grid"), GridText(test.m_Grid));
+  ASSERT_EQ(Run("active.grid --report json --iterations 0"), 0);
+  EXPECT_EQ(Report()["inactive_constraints"], json::array());
+  EXPECT_EQ(Bytes("err").find("nactive constraints"), std::string::npos);
+  ASSERT_EQ(Run("active.grid --report text --iterations 0"), 0);
+  EXPECT_NE(Bytes("out").find("\ninactive constraints: 0\n"), std::string::npos);
+}
+
+TEST_F(Batch, ListsInactiveConstraintsInText) {
+  WriteIdleModel(Path("idle.grid"));
+  ASSERT_EQ(Run("idle.grid --report text --iterations 0"), 0);
+  EXPECT_NE(Bytes("out").find("\ninactive constraints: 6\n"
+                              "inactive constraint 1: position in a tear\n"
+                              "inactive constraint 2: normal in a tear\n"
+                              "inactive constraint 3: position outside\n"
+                              "inactive constraint 4: normal outside\n"
+                              "inactive constraint 5: normal on the border\n"
+                              "inactive constraint 6: normal on the border\n"),
+            std::string::npos);
+}
+
+TEST_F(Batch, TellsOfInactiveConstraintsOnStandardError) {
+  WriteIdleModel(Path("idle.grid"));
+  ASSERT_EQ(Run("idle.grid --iterations 10"), 0);
+  const std::string line = "relievo-batch: Inactive constraints: 6 of 8 (2 in a tear, 2 on the border, 2 outside).\n";
+  EXPECT_TRUE(Bytes("err").ends_with(line)) << Bytes("err");
+  ASSERT_EQ(Run("idle.grid --iterations 10 --quiet"), 0);
+  EXPECT_EQ(Bytes("err"), "");
+}
+
+}  // namespace
