@@ -70,6 +70,7 @@ nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
   report["largest_constraint_residual"] = LargestResidual(grid);
   report["z_range"] = {grid.MinHeight(), grid.MaxHeight()};
   report["converged"] = result.m_bConverged;
+  report["damaged"] = result.m_bDamaged;
   report[kInactive] = InactiveConstraints(grid);
   return report;
 }

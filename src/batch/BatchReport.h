@@ -18,6 +18,7 @@ struct CPhases {
 struct CBatchResult {
   long m_iIterations = 0;
   bool m_bConverged = false;
+  bool m_bDamaged = false;  ///< the model could be read in part only
   CPhases m_Seconds;
 };
 

@@ -80,6 +80,7 @@ CParsedOptions ParseOptions(int argc, const char* const* argv) {
   app.add_option("MODEL", parsed.m_Options.m_Model, "Grid file to read")->required()->type_name("MODEL.grid");
   app.add_option("--image", parsed.m_Options.m_Image, "Photograph; becomes picture.jpg beside the VRML scene")
       ->type_name("PHOTO.bmp");
+  app.add_flag("--strict", parsed.m_Options.m_bStrict, "Refuse a damaged model instead of going on with what is whole");
   AddSolving(app, parsed.m_Options);
   AddOutputs(app, parsed.m_Options);
   try {

@@ -12,6 +12,7 @@ struct CBatchOptions {
 
   std::string m_Model;                    ///< grid file to read
   std::string m_Image;                    ///< photograph; empty for none
+  bool m_bStrict = false;                 ///< a damaged model is refused
   std::optional<long> m_Iterations;       ///< to do; until converged where there is no number
   long m_iMaxIterations = 200000;         ///< bound of going on until converged
   WaveletMode m_Mode = WaveletMode::New;  ///< to solve in

@@ -49,6 +49,7 @@ int CBatchRun::Run() {
     Complain(inactive);
   PrintReport(std::cout, m_Options.m_Report, m_Grid, m_Result);
   if (!written || !std::cout.flush()) return ExitStatus::kOutput;
+  if (m_Result.m_bDamaged) return ExitStatus::kDamaged;
   const bool wanted = !m_Options.m_Iterations.has_value();
   return wanted && !m_Result.m_bConverged ? ExitStatus::kNotConverged : ExitStatus::kDone;
 }
@@ -57,6 +58,11 @@ bool CBatchRun::ReadInputs() {
   const CStopwatch watch(m_Result.m_Seconds.m_fLoad);
   const GridFileState state = m_Grid.Load(m_Options.m_Model);
   if (state == GridFileState::NotOpened || state == GridFileState::Invalid) return false;
+  m_Result.m_bDamaged = state == GridFileState::Damaged;
+  if (m_Result.m_bDamaged && m_Options.m_bStrict) {
+    Complain("A damaged model is refused, as --strict wants it; nothing is written.");
+    return false;
+  }
   if (m_Options.m_Image.empty()) return true;
   std::optional<Global::CLoadedPicture> loaded = Global::LoadBMP(m_Options.m_Image, 1);
   if (!loaded.has_value() || loaded->m_Picture.m_aPixels.empty()) {

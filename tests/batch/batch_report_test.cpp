@@ -64,4 +64,36 @@ TEST_F(Batch, TellsOfInactiveConstraintsOnStandardError) {
   EXPECT_EQ(Bytes("err"), "");
 }
 
+// A model that breaks off among its heights.
+class DamagedBatch : public Batch {
+ protected:
+  DamagedBatch() {
+    const std::string text = Bytes("model.grid");
+    WriteText(Path("cut.grid"), text.substr(0, text.find("\n\nZ\n") + 20));
+  }
+};
+
+TEST_F(DamagedBatch, IsReportedAndWrittenAsFarAsItCouldBeRead) {
+  EXPECT_EQ(Run("cut.grid --iterations 0 --quiet --save o.grid --report json"), 5);
+  EXPECT_NE(Bytes("err").find("is damaged"), std::string::npos);
+  EXPECT_EQ(Report()["damaged"], true);
+  EXPECT_NE(Bytes("o.grid"), "");
+  EXPECT_EQ(Run("model.grid --iterations 0 --report json"), 0);
+  EXPECT_EQ(Report()["damaged"], false);
+}
+
+TEST_F(DamagedBatch, GoesBeforeNotConvergedAndBehindAnOutputThatFailed) {
+  EXPECT_EQ(Run("cut.grid --max-iterations 10 --report json"), 5);
+  EXPECT_EQ(Report()["converged"], false);
+  EXPECT_EQ(Run("cut.grid --max-iterations 10 --save none/o.grid"), 4);
+}
+
+TEST_F(DamagedBatch, IsRefusedWhenStrict) {
+  EXPECT_EQ(Run("cut.grid --strict --iterations 0 --save o.grid --vrml o.wrl --height-field o.txt --report json"), 2);
+  EXPECT_NE(Bytes("err").find("is damaged"), std::string::npos);
+  EXPECT_EQ(Bytes("out"), "");
+  for (const char* name : {"o.grid", "o.wrl", "o.txt"}) EXPECT_FALSE(std::filesystem::exists(Path(name))) << name;
+  EXPECT_EQ(Run("model.grid --strict --iterations 0 --save o.grid"), 0);
+}
+
 }  // namespace
