@@ -59,6 +59,7 @@ class CGridReader {
   void ReadSurface();
   void ReadHeights();
   void ReadOrder();
+  bool ReadPlaces(std::vector<std::size_t>& places);
   std::optional<std::size_t> ReadPlace();
   void ReadLights();
   void StartFresh();
@@ -75,6 +76,7 @@ class CGridReader {
   std::optional<CExtent> m_Extent;
   std::vector<double> m_afHeights;  ///< as the text holds them
   bool m_bOldFormat = false;
+  bool m_bCountDiffers = false;  ///< there are not as many heights as unknowns
   bool m_bDamaged = false;
 };
 
@@ -96,7 +98,7 @@ GridFileState CGridReader::Read() {
   } else {
     ReadSurface();
   }
-  return m_bDamaged ? GridFileState::Damaged : GridFileState::Whole;
+  return m_bDamaged || m_bCountDiffers ? GridFileState::Damaged : GridFileState::Whole;
 }
 
 CGridReader::Expected CGridReader::ReadModel() {
@@ -237,7 +239,8 @@ void CGridReader::ReadHeights() {
     m_afHeights.push_back(usable ? height : 0.0);
     m_bDamaged = m_bDamaged || !usable;
   }
-  if (TakeNonFinite(m_In) || m_afHeights.size() != count) m_bDamaged = true;
+  if (TakeNonFinite(m_In)) m_bDamaged = true;
+  m_bCountDiffers = m_afHeights.size() != count;
   Log() << "... Height field read\n";
   std::vector<double> heights = m_afHeights;
   heights.resize(count);
@@ -254,20 +257,26 @@ void CGridReader::ReadOrder() {
   Log() << "Skipping the current point order \n";
   Console() << "\t\t(reconstructed from the quad tree by BuildHNumerotation)\n";
   std::vector<std::size_t> places;
-  while ((m_In >> std::ws).peek() == '(') {
-    const std::optional<std::size_t> place = ReadPlace();
-    if (!place.has_value()) return;
-    places.push_back(*place);
-  }
+  if (!ReadPlaces(places) || places.size() != m_afHeights.size() || !HoldSubdivision(m_Grid, places)) m_bDamaged = true;
   const CPointOrder& order = m_Grid.Order();
   bool same = places.size() == order.Count();
   for (std::size_t k = 0; same && k < places.size(); ++k) same = places[k] == order.PointOf(k);
   if (same || places.size() != m_afHeights.size()) return;
   const std::optional<std::vector<double>> heights = HeightsByPlace(m_Grid, places, m_afHeights);
+  m_bDamaged = m_bDamaged || !heights.has_value();
   if (!heights.has_value()) return;
   Log() << "The point order has changed: the heights go by it\n";
   m_Grid.SetHeights(*heights);
-  m_bDamaged = false;
+  m_bCountDiffers = false;
+}
+
+bool CGridReader::ReadPlaces(std::vector<std::size_t>& places) {
+  while ((m_In >> std::ws).peek() == '(') {
+    const std::optional<std::size_t> place = ReadPlace();
+    if (!place.has_value()) return false;
+    places.push_back(*place);
+  }
+  return true;
 }
 
 std::optional<std::size_t> CGridReader::ReadPlace() {

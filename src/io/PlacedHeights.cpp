@@ -25,6 +25,22 @@ void PutWhereParentsSay(const CGrid& grid, const std::vector<std::size_t>& missi
   }
 }
 
+// Whether all nine points of every split cell are held; the cell's lower left point is (x, y).
+bool HoldsSplits(const CLattice& lattice, const std::vector<bool>& held, const CSaveQuadT& node, int x, int y,
+                 int size) {
+  if (node.IsLeaf() || !node.HasChildren()) return true;
+  const int half = size / 2;
+  for (int row = 0; row <= 2; ++row) {
+    for (int column = 0; column <= 2; ++column) {
+      if (!held[lattice.Index(x + column * half, y + row * half)]) return false;
+    }
+  }
+  const auto childHolds = [&](int k, int column, int row) {
+    return HoldsSplits(lattice, held, node.Child(k), x + column * half, y + row * half, half);
+  };
+  return childHolds(0, 0, 0) && childHolds(1, 1, 0) && childHolds(2, 1, 1) && childHolds(3, 0, 1);
+}
+
 }  // namespace
 
 std::optional<std::vector<double>> HeightsByPlace(const CGrid& grid, std::span<const std::size_t> places,
@@ -46,4 +62,14 @@ std::optional<std::vector<double>> HeightsByPlace(const CGrid& grid, std::span<c
   std::vector<double> byUnknown(order.Count());
   for (std::size_t k = 0; k < order.Count(); ++k) byUnknown[k] = byScan[order.ScanOf(k)];
   return byUnknown;
+}
+
+bool HoldSubdivision(const CGrid& grid, std::span<const std::size_t> places) {
+  const CLattice& lattice = grid.Lattice();
+  std::vector<bool> held(lattice.PointCount());
+  for (const std::size_t place : places) held[place] = true;
+  const int last = lattice.PointsPerSide() - 1;
+  const bool corners = held[lattice.Index(0, 0)] && held[lattice.Index(last, 0)] && held[lattice.Index(0, last)] &&
+                       held[lattice.Index(last, last)];
+  return corners && HoldsSplits(lattice, held, grid.Subdivision().Root(), 0, 0, last);
 }

@@ -14,3 +14,7 @@ class CGrid;
 /// number of unknowns times the level where any has no height.
 std::optional<std::vector<double>> HeightsByPlace(const CGrid& grid, std::span<const std::size_t> places,
                                                   std::span<const double> heights);
+
+/// Whether the places hold every point that the grid's wanted subdivision alone puts in use: the corners of the model,
+/// and the midpoints and the centre of each cell that is split. Linear in both.
+bool HoldSubdivision(const CGrid& grid, std::span<const std::size_t> places);

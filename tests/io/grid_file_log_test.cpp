@@ -146,8 +146,10 @@ TEST_P(BadGridFile, LeavesAFreshGridThatWorks) {
   EXPECT_EQ(model.m_Grid.MaxHeight(), 0.0);
   EXPECT_GE(model.m_Grid.ActivePointCount(), 4);
   model.m_Grid.UpdateGrid();
+  // Before the other grid sets the levels of new grids, which are part of the text.
+  const std::string text = GridText(model.m_Grid);
   CTestGrid other;
-  EXPECT_EQ(ReadText(other.m_Grid, GridText(model.m_Grid)), GridFileState::Whole);
+  EXPECT_EQ(ReadText(other.m_Grid, text), GridFileState::Whole);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, BadGridFile, testing::ValuesIn(kBadFiles));

@@ -249,13 +249,72 @@ TEST(GridFileOrder, APointWithoutAHeightLiesWhereItsParentsPutIt) {
   SetSurface(model.m_Grid, CRamp{});
   std::string text = GridText(model.m_Grid);
   text = Replaced(text, "bNvNvNvNe", "bbNvNvNvNevNvNvNe");
-  ASSERT_EQ(ReadText(model.m_Grid, text), GridFileState::Whole);
+  ASSERT_EQ(ReadText(model.m_Grid, text), GridFileState::Damaged);
   const std::vector<double> heights = NodalHeights(model.m_Grid);
   ASSERT_EQ(heights.size(), 14U);
   for (std::size_t k = 0; k < heights.size(); ++k) {
     const CLattice& lattice = model.m_Grid.Lattice();
     const CPointOrder& order = model.m_Grid.Order();
     EXPECT_NEAR(heights[k], CRamp{}(lattice.XOf(order.ColumnOf(k)), lattice.YOf(order.RowOf(k))), 1e-4) << k;
+  }
+}
+
+// The notice must not depend on whether the numbering of what could be read is the same.
+TEST(GridFileOrder, AnotherOrderDoesNotMendWhatWasDamagedBefore) {
+  CFullModel model;
+  const std::string text = Replaced(GridText(model.m_Grid), "9\t23.5\t", "9\t24.5\t");
+  const std::size_t heights = text.find("\n\nZ\n") + 4;
+  const std::size_t first = text.find('\n', heights) - heights;
+  const std::vector<std::string> damaged{
+      Replaced(text, "0\t1\n", "nan\t1\n"),
+      Replaced(text, text.substr(heights, first + 1), "nan\n"),
+      Replaced(text, text.substr(heights, first + 1), "1e101\n"),
+  };
+  for (const std::string& each : damaged) {
+    CTestGrid other;
+    EXPECT_EQ(ReadText(other.m_Grid, each), GridFileState::Damaged);
+    EXPECT_NE(other.m_Console.Text().find("The point order has changed: the heights go by it\n"), std::string::npos);
+  }
+}
+
+struct CMissingPlace {
+  const char* m_pPlace;
+  GridFileState m_State;
+};
+
+class GridFilePlaces : public testing::TestWithParam<CMissingPlace> {};
+
+// Whatever curves add to the points in use may differ from one reading to another, the rest may not.
+TEST_P(GridFilePlaces, MustHoldCornersAndTheSubdivisionOfTheFile) {
+  const CFullModel model;
+  std::string text = GridText(model.m_Grid);
+  const std::size_t places = text.find("\n\nN\n") + 4;
+  const std::size_t at = text.find(GetParam().m_pPlace, places);
+  ASSERT_NE(at, std::string::npos);
+  const auto line = std::count(text.begin() + static_cast<std::ptrdiff_t>(places),
+                               text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
+  text.erase(at, text.find('\n', at) + 1 - at);
+  std::size_t height = text.find("\n\nZ\n") + 4;
+  for (std::ptrdiff_t k = 0; k < line; ++k) height = text.find('\n', height) + 1;
+  text.erase(height, text.find('\n', height) + 1 - height);
+  CTestGrid other;
+  EXPECT_EQ(ReadText(other.m_Grid, text), GetParam().m_State);
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, GridFilePlaces,
+                         testing::Values(CMissingPlace{"(0, 0)\n", GridFileState::Damaged},
+                                         CMissingPlace{"(16, 16)\n", GridFileState::Damaged},
+                                         CMissingPlace{"(8, 8)\n", GridFileState::Damaged},
+                                         CMissingPlace{"(4, 12)\n", GridFileState::Damaged},
+                                         CMissingPlace{"(10, 2)\n", GridFileState::Damaged},
+                                         CMissingPlace{"(5, 8)\n", GridFileState::Whole}));
+
+TEST(GridFileOrder, OneThatDoesNotFitTheHeightsIsDamaged) {
+  const CFullModel model;
+  const std::string text = GridText(model.m_Grid);
+  for (const char* by : {"(0, 0)\n(0, 0)\n", "(0, 0)\n(99, 0)\n", "(0, 0)\n(1 0)\n"}) {
+    CTestGrid other;
+    EXPECT_EQ(ReadText(other.m_Grid, Replaced(text, "(0, 0)\n", by)), GridFileState::Damaged) << by;
   }
 }
 
