@@ -9,7 +9,9 @@
 #include "app/CToolSet.h"
 #include "app/PressPosition.h"
 #include "app/SolverTimer.h"
+#include "base/CTerminationSignals.h"
 #include "base/Console.h"
+#include "io/CFileReplacement.h"
 #include "model/CGrid.h"
 #include "ui/window/CImageViewUI.h"
 #include "ui/window/UiScale.h"
@@ -34,11 +36,21 @@ void PrintSelfTest() {
   Console() << "3 / 2 = " << kIntOverInt << '\n';
 }
 
+// Between two events, so that no work is left half-done but a save whose question is open.
+void cb_Termination(int /*descriptor*/, void* signals) {
+  const int signal = static_cast<CTerminationSignals*>(signals)->Take();
+  if (signal == 0) return;
+  CFileReplacement::RemoveUnfinished();
+  CTerminationSignals::EndBy(signal);
+}
+
 }  // namespace
 
 int main() {
   // Progress shows line by line in a pipe or a file, too.
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+  CTerminationSignals signals;
+  if (signals.Descriptor() >= 0) Fl::add_fd(signals.Descriptor(), FL_READ, cb_Termination, &signals);
   PrintSelfTest();
   Fl::visual(FL_DOUBLE | FL_DEPTH | FL_RGB8);
   SendMovesBeforePresses();

@@ -7,11 +7,13 @@
 #include <sstream>
 #include <utility>
 
+#include "base/CTerminationSignals.h"
 #include "base/Console.h"
 #include "batch/CProgress.h"
 #include "batch/ExitStatus.h"
 #include "batch/JpegFile.h"
 #include "io/Bmp.h"
+#include "io/CFileReplacement.h"
 
 namespace {
 
@@ -32,7 +34,8 @@ void Complain(const std::string& text) { std::cerr << "relievo-batch: " << text 
 
 }  // namespace
 
-CBatchRun::CBatchRun(const CBatchOptions& options) : m_Options(options), m_Grid(options.m_uSeed) {
+CBatchRun::CBatchRun(const CBatchOptions& options, CTerminationSignals& signals)
+    : m_Options(options), m_Signals(signals), m_Grid(options.m_uSeed) {
   m_Grid.AttachHost(this);
 }
 
@@ -76,6 +79,7 @@ bool CBatchRun::ReadInputs() {
 
 void CBatchRun::Solve() {
   const CStopwatch watch(m_Result.m_Seconds.m_fSolve);
+  EndIfAsked();
   if (m_Options.m_bHighRes) m_Grid.Post(Operation::kTransferToHigh);
   m_Grid.PerformPendingWork();
   if (m_Grid.Mode() != m_Options.m_Mode) m_Grid.SetWaveletMode(m_Options.m_Mode);
@@ -93,6 +97,7 @@ void CBatchRun::Solve() {
       Console() << lines.view();
     }
     progress.Update(m_Result.m_iIterations);
+    EndIfAsked();
   }
   m_Result.m_bConverged = !m_Grid.IsRunning();
 }
@@ -110,6 +115,7 @@ bool CBatchRun::WriteOutputs() {
   m_Grid.PerformPendingWork();
   bool written = true;
   if (!m_Options.m_GridOut.empty()) written = m_Grid.Save(m_Options.m_GridOut) && written;
+  EndIfAsked();
   if (!m_Options.m_VrmlOut.empty()) {
     written = m_Grid.SaveVrml(m_Options.m_VrmlOut) && written;
     const std::string jpeg = std::filesystem::path(m_Options.m_VrmlOut).replace_filename("picture.jpg");
@@ -118,7 +124,16 @@ bool CBatchRun::WriteOutputs() {
       written = false;
     }
   }
+  EndIfAsked();
   if (!m_Options.m_HeightFieldOut.empty())
     written = m_Grid.SaveHeightField(m_Options.m_HeightFieldOut, m_Options.m_iWidth, m_Options.m_iHeight) && written;
+  EndIfAsked();
   return written;
+}
+
+void CBatchRun::EndIfAsked() {
+  const int signal = m_Signals.Take();
+  if (signal == 0) return;
+  CFileReplacement::RemoveUnfinished();
+  CTerminationSignals::EndBy(signal);
 }

@@ -6,10 +6,13 @@
 #include "model/CGrid.h"
 #include "model/GridHost.h"
 
+class CTerminationSignals;
+
 /// One run: reads the model, solves it, writes what was asked for.
 class CBatchRun : private GridHost {
  public:
-  explicit CBatchRun(const CBatchOptions& options);
+  /// `signals` is looked at after every tick and every file; one that has come ends the process.
+  CBatchRun(const CBatchOptions& options, CTerminationSignals& signals);
   CBatchRun(const CBatchRun&) = delete;
   CBatchRun& operator=(const CBatchRun&) = delete;
   ~CBatchRun() override { m_Grid.AttachHost(nullptr); }
@@ -26,8 +29,10 @@ class CBatchRun : private GridHost {
   void Solve();
   void Tick();
   bool WriteOutputs();
+  void EndIfAsked();
 
   const CBatchOptions m_Options;
+  CTerminationSignals& m_Signals;
   CGrid m_Grid;
   CPicture m_Picture;
   CBatchResult m_Result;

@@ -1,6 +1,7 @@
 #include <iostream>
 #include <ostream>
 
+#include "base/CTerminationSignals.h"
 #include "base/Console.h"
 #include "batch/CBatchOptions.h"
 #include "batch/CBatchRun.h"
@@ -11,5 +12,6 @@ int main(int argc, char** argv) {
   // Standard output is the report's.
   std::ostream nowhere(nullptr);
   const ConsoleRedirect redirect(parsed.m_Options.m_bQuiet ? nowhere : std::cerr);
-  return CBatchRun(parsed.m_Options).Run();
+  CTerminationSignals signals;
+  return CBatchRun(parsed.m_Options, signals).Run();
 }

@@ -9,6 +9,7 @@
 
 #include "base/Console.h"
 #include "io/CFileReplacement.h"
+#include "io/RegularFile.h"
 
 namespace {
 
@@ -118,7 +119,7 @@ void SwapRedAndBlue(const std::uint8_t* in, std::uint8_t* out, std::size_t pixel
 class CInput {
  public:
   explicit CInput(const std::string& filename)
-      : m_acBuffer(kStreamBuffer), m_pFile(std::fopen(filename.c_str(), "rb")) {
+      : m_acBuffer(kStreamBuffer), m_pFile(IsRegularFile(filename) ? std::fopen(filename.c_str(), "rb") : nullptr) {
     if (IsOpen()) std::setvbuf(m_pFile.get(), m_acBuffer.data(), _IOFBF, m_acBuffer.size());
   }
   bool IsOpen() const { return m_pFile != nullptr; }

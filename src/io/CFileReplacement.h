@@ -6,11 +6,14 @@
 #include <span>
 #include <string>
 
+struct stat;
+
 /// Writes a file anew so that its old contents stay whole until the new ones are complete.
 ///
-/// What is written goes to a file beside the target, which takes the target's place in `Commit`. Without a successful
-/// `Commit` the target is as it was and nothing is left beside it. A link is followed. A target that is no regular file
-/// (a device, a pipe) cannot be replaced and is written directly.
+/// What is written goes to a file with a short random name beside the target, which takes the target's place in
+/// `Commit`, with the target's owner, group and permissions as far as the system allows. Without a successful `Commit`
+/// the target is as it was and nothing is left beside it. Links are followed, also those to files that do not exist. A
+/// target that is no regular file (a folder, a device, a pipe) is refused.
 class CFileReplacement {
  public:
   explicit CFileReplacement(const std::string& filename);
@@ -22,15 +25,20 @@ class CFileReplacement {
   bool IsOpen() const { return m_pFile != nullptr; }
   /// Appends bytes. A failure shows in `Commit`.
   void Write(std::span<const unsigned char> bytes);
-  /// Completes the file and puts it in place; false, with the target as it was, where anything went wrong.
+  /// Completes the file and puts it in place, and all of that on the disk; false, with the target as it was, where
+  /// anything went wrong.
   bool Commit();
+
+  /// Removes the files beside their targets that are not in place yet, for a process that is about to end without
+  /// destroying its objects. An ordinary end of the process does it by itself.
+  static void RemoveUnfinished();
 
  private:
   struct CClose {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
 
-  void OpenBeside();
+  void OpenBeside(const struct stat* existing);
 
   std::filesystem::path m_Target;
   std::filesystem::path m_Beside;  ///< empty while there is no such file

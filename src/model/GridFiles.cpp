@@ -1,35 +1,25 @@
 // The grid's operations on files.
 
-#include <filesystem>
 #include <fstream>
 #include <functional>
-#include <system_error>
 
 #include "base/Console.h"
 #include "io/CSafeFile.h"
 #include "io/GridFile.h"
 #include "io/HeightFieldExport.h"
+#include "io/RegularFile.h"
 #include "io/VrmlExport.h"
 #include "model/CGrid.h"
-
-namespace {
-
-// A directory can be opened, but not read.
-bool IsDirectory(const std::string& filename) {
-  std::error_code ignored;
-  return std::filesystem::is_directory(filename, ignored);
-}
-
-}  // namespace
 
 void CGrid::Notify(const std::string& text) const {
   if (m_pHost != nullptr) m_pHost->Notice(text.c_str());
 }
 
 GridFileState CGrid::Load(const std::string& filename) {
-  std::ifstream in(filename, std::ios::binary);
+  std::ifstream in;
+  if (IsRegularFile(filename)) in.open(filename, std::ios::binary);
   Console() << "toto1\n";
-  if (!in.is_open() || IsDirectory(filename)) {
+  if (!in.is_open()) {
     Console() << "Error opening the file " << filename << '\n';
     Notify("The file " + filename + " cannot be opened.");
     return GridFileState::NotOpened;

@@ -1,5 +1,9 @@
 // The program itself, started as a user would.
 
+#include <csignal>
+
+#include <sys/stat.h>
+
 #include "batch/BatchTest.h"
 
 namespace {
@@ -223,6 +227,39 @@ TEST_F(Batch, EndsWithFourOnAFullDiskAndLeavesTheOldFilesWhole) {
     EXPECT_EQ(Run(std::string("model.grid --iterations 0 --quiet ") + option + " old", "trap '' XFSZ; ulimit -f 1;"),
               4);
     EXPECT_EQ(Bytes("old"), "old contents") << option;
+  }
+}
+
+TEST_F(Batch, TellsOfAFullDiskEvenWhereThatWouldEndAProcess) {
+  EXPECT_EQ(Run("model.grid --iterations 0 --quiet --save new", "ulimit -f 1;"), 4);
+  EXPECT_FALSE(std::filesystem::exists(Path("new")));
+}
+
+TEST_F(Batch, TakesNoPipesAndDevicesAndDoesNotWaitForThem) {
+  ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+  EXPECT_EQ(Run("pipe --quiet"), 2);
+  EXPECT_EQ(Run("model.grid --image pipe --quiet"), 2);
+  for (const char* output : {"pipe", "/dev/null", "/dev/stdout"}) {
+    EXPECT_EQ(Run(std::string("model.grid --iterations 0 --quiet --save ") + output), 4) << output;
+    EXPECT_EQ(Bytes("out"), "") << output;
+  }
+}
+
+TEST_F(Batch, EndsByTheSignalThatCameAndWritesNothingMore) {
+  CTestGrid large(8, 5);
+  AddAll(large.m_Grid, SomeConstraints());
+  large.m_Grid.PerformPendingWork();
+  WriteText(Path("large.grid"), GridText(large.m_Grid));
+  WriteText(Path("old.grid"), "old contents");
+  for (const auto& [signal, number] : {std::pair{"TERM", SIGTERM}, {"HUP", SIGHUP}}) {
+    // Once the surface is transferred, many seconds of iterations follow.
+    const std::string command = std::string("cd '") + m_Directory.Path().string() +
+                                "' && rm -f err; env --default-signal=HUP '" RELIEVO_BATCH
+                                "' large.grid --high-res --wavelets no --save old.grid 2>err & program=$!;"
+                                " until grep -q Transmit err 2>/dev/null; do :; done; kill -" +
+                                signal + " $program; wait $program";
+    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 128 + number) << signal;
+    EXPECT_EQ(Bytes("old.grid"), "old contents");
   }
 }
 

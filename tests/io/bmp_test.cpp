@@ -4,8 +4,10 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "support/BmpBuilders.h"
+#include "support/CFullDisk.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/ConsoleCapture.h"
 
@@ -208,8 +210,23 @@ TEST_F(BmpTest, SavingWhereNoFileCanBeSaysSo) {
 }
 
 TEST_F(BmpTest, FullDiskIsReported) {
-  EXPECT_FALSE(Global::SaveBMP("/dev/full", SomePicture(50, 50).m_aPixels, 50, 50, 1));
-  EXPECT_EQ(m_Console.Text(), "Error Global::SaveBMP\t\tfail to write file /dev/full\n");
+  const CFullDisk full(1000);
+  EXPECT_FALSE(Save(SomePicture(50, 50)));
+  EXPECT_EQ(m_Console.Text(), "Error Global::SaveBMP\t\tfail to write file " + m_File + "\n");
+  EXPECT_TRUE(m_Scratch.Names().empty());
+}
+
+TEST_F(BmpTest, DeviceIsNoPlaceForAPicture) {
+  EXPECT_FALSE(Global::SaveBMP("/dev/full", {}, 0, 0, 1));
+  EXPECT_EQ(m_Console.Text(), "fail to open file /dev/full\n");
+}
+
+TEST_F(BmpTest, PipeIsNoPictureAndNotWaitedFor) {
+  ASSERT_EQ(mkfifo(m_File.c_str(), 0600), 0);
+  EXPECT_FALSE(Global::LoadBMP(m_File, 1).has_value());
+  EXPECT_EQ(m_Console.Take(), "fail to open file " + m_File + "\n");
+  EXPECT_FALSE(Global::LoadBMP("/dev/zero", 1).has_value());
+  EXPECT_FALSE(Save(SomePicture(1, 1)));
 }
 
 TEST_F(BmpTest, SavingThroughALinkKeepsTheLink) {

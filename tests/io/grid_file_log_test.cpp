@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
@@ -249,6 +250,13 @@ TEST_F(LoadFile, ThatIsMissingLeavesTheGridUnchanged) {
 TEST_F(LoadFile, ThatIsADirectoryIsNotOpenedEither) {
   EXPECT_EQ(m_Model.m_Grid.Load(m_Directory.Path()), GridFileState::NotOpened);
   EXPECT_EQ(m_Model.m_Grid.PointConstraints().size(), SomeConstraints().size());
+}
+
+TEST_F(LoadFile, ThatIsAPipeIsNotWaitedFor) {
+  const std::string pipe = m_Directory.Path() / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(m_Model.m_Grid.Load(pipe), GridFileState::NotOpened);
+  EXPECT_EQ(m_Host.m_aNotices, std::vector<std::string>{"The file " + pipe + " cannot be opened."});
 }
 
 TEST_F(LoadFile, BeginsItsLogAndShowsWhatItHasRead) {

@@ -1,34 +1,14 @@
-#include <csignal>
 #include <functional>
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include "io/CSafeFile.h"
+#include "support/CFullDisk.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
+#include "support/OtherUser.h"
 
 namespace {
-
-/// For as long as it lives no file of this process grows beyond `bytes`, as on a disk that is full.
-class CFullDisk {
- public:
-  explicit CFullDisk(rlim_t bytes) : m_Handler(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &m_Old);
-    const rlimit limit{bytes, m_Old.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~CFullDisk() {
-    setrlimit(RLIMIT_FSIZE, &m_Old);
-    std::signal(SIGXFSZ, m_Handler);
-  }
-  CFullDisk(const CFullDisk&) = delete;
-  CFullDisk& operator=(const CFullDisk&) = delete;
-
- private:
-  rlimit m_Old{};
-  void (*m_Handler)(int);
-};
 
 struct CWriter {
   const char* m_pName;
@@ -91,7 +71,20 @@ TEST_P(LostWrite, OntoADirectoryIsReported) {
   EXPECT_EQ(FileCount(), 0);
 }
 
-TEST_P(LostWrite, ToAFullDeviceIsReported) { ExpectFailure("/dev/full"); }
+TEST_P(LostWrite, ToADeviceIsReported) { ExpectFailure("/dev/null"); }
+
+TEST_P(LostWrite, WithoutPermissionIsReported) {
+  const std::string file = m_Directory.Path() / "out";
+  WriteText(file, "old contents");
+  chmod(m_Directory.Path().c_str(), 0777);
+  chmod(file.c_str(), 0444);
+  EXPECT_TRUE(SucceedsAsOtherUser([&] {
+    ExpectFailure(file);
+    return !HasFailure();
+  }));
+  EXPECT_EQ(BytesOf(file), "old contents");
+  EXPECT_EQ(FileCount(), 1);
+}
 
 INSTANTIATE_TEST_SUITE_P(Each, LostWrite, testing::ValuesIn(kWriters),
                          [](const auto& writer) { return std::string(writer.param.m_pName); });

@@ -19,6 +19,8 @@ constexpr int kKilledBy = 128;
 // In the child, where nothing may be allocated any more.
 [[noreturn]] void Become(char* const* arguments, const char* directory, const char* output) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
+  // A test that was started aside may ignore what should end the program.
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, SIG_DFL);
   const int file = open(output, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR);
   if (file >= 0 && dup2(file, STDOUT_FILENO) >= 0 && dup2(file, STDERR_FILENO) >= 0 && chdir(directory) == 0) {
     execvp(arguments[0], arguments);
