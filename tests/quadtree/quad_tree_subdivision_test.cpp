@@ -68,12 +68,24 @@ TEST(QuadTreeSplit, InterpolatesTheSidesAndTheCentre) {
   EXPECT_EQ(Z(test, 6, 2), 3.75);
 }
 
-TEST(QuadTreeSplit, InterpolationOverwritesTheMidpointThatANeighbourHadSplit) {
-  CTestTree test(3, 1);
-  test.m_Tree.CellAt(2, 0, 0).subdiv(true);
-  Z(test, 4, 2) = 9;
-  test.m_Tree.CellAt(2, 1, 0).subdiv(true);
-  EXPECT_EQ(Z(test, 4, 2), 0.0);
+TEST(QuadTreeSplit, InterpolationOverwritesTheMidpointsThatNeighboursHadSplit) {
+  // The cell amid 3 by 3, and its neighbours by side.
+  struct CNeighbour {
+    int m_iColumn;
+    int m_iRow;
+    std::array<int, 2> m_aMidpoint;
+  };
+  constexpr std::array kNeighbours{CNeighbour{1, 0, {6, 4}}, CNeighbour{2, 1, {8, 6}}, CNeighbour{1, 2, {6, 8}},
+                                   CNeighbour{0, 1, {4, 6}}};
+  for (const CNeighbour& neighbour : kNeighbours) {
+    CTestTree test(4, 2);
+    const auto& [column, row] = neighbour.m_aMidpoint;
+    test.m_Tree.CellAt(2, neighbour.m_iColumn, neighbour.m_iRow).subdiv(true);
+    ASSERT_TRUE(InUse(test, column, row));
+    Z(test, column, row) = 9;
+    test.m_Tree.CellAt(2, 1, 1).subdiv(true);
+    EXPECT_EQ(Z(test, column, row), 0.0) << column << ", " << row;
+  }
 }
 
 TEST(QuadTreeSplit, RefusesACellThatIsNotActive) {

@@ -1,5 +1,6 @@
 #include <array>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -115,6 +116,33 @@ TEST(Replay, InterpolatesTheMidpointsOfItsSplits) {
   for (int row = 0; row <= 8; row += 2) {
     for (int column = 0; column <= 8; column += 2)
       EXPECT_EQ(test.m_Lattice.Heights()[test.m_Lattice.Index(column, row)], column + 2.0 * row);
+  }
+}
+
+// The heights of a finer subdivision do not shine through.
+TEST(Replay, OverwritesTheMidpointsOnEverySideWhateverTheyWere) {
+  CTestTree test(4, 4);
+  SetRandomHeights(test.m_Lattice, 7);
+  const std::vector<double> before = test.m_Lattice.Heights();
+  const auto was = [&](int column, int row) { return before[test.m_Lattice.Index(column, row)]; };
+  const auto is = [&](int column, int row) { return test.m_Lattice.Heights()[test.m_Lattice.Index(column, row)]; };
+  CSubdivisionRecord record(4);
+  record.SetStartLevel(1);
+  // All around the middle of the model: each is the lower, right, upper and left neighbour of another one.
+  for (int k = 0; k < 4; ++k) record.Root().Child(k).subdiv();
+  test.m_Tree.Replay(record, 1);
+  for (const int row : {0, 8}) {
+    for (const int column : {0, 8}) {
+      const double bottom = (was(column, row) + was(column + 8, row)) / 2;
+      const double right = (was(column + 8, row) + was(column + 8, row + 8)) / 2;
+      const double top = (was(column, row + 8) + was(column + 8, row + 8)) / 2;
+      const double left = (was(column, row) + was(column, row + 8)) / 2;
+      EXPECT_EQ(is(column + 4, row), bottom);
+      EXPECT_EQ(is(column + 8, row + 4), right);
+      EXPECT_EQ(is(column + 4, row + 8), top);
+      EXPECT_EQ(is(column, row + 4), left);
+      EXPECT_EQ(is(column + 4, row + 4), (right + left + bottom + top) / 4);
+    }
   }
 }
 

@@ -1,3 +1,5 @@
+#include <array>
+
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
@@ -189,6 +191,32 @@ TEST(SplitInThreeTest, RaisesTheFirstOfEqualParts) {
 }
 
 TEST(SplitInThreeTest, LowersTheFirstOfEqualParts) { EXPECT_EQ(SplitInThree(5, 0.5F, 0.3F), (CThreeParts{2, 2, 1})); }
+
+TEST(SplitInThreeTest, OfEqualErrorsTheFirstIsCorrected) {
+  struct CSplit {
+    CThreeParts m_Parts;
+    std::array<double, 3> m_afErrors;
+    int m_iLength;
+    CThreeParts m_Corrected;
+  };
+  for (const CSplit& split :
+       {CSplit{{3, 2, 1}, {0.5, 0.5, 0}, 5, {2, 2, 1}}, CSplit{{3, 2, 1}, {0, 0.5, 0.5}, 5, {3, 1, 1}},
+        CSplit{{3, 2, 1}, {0.5, 0, 0.5}, 5, {2, 2, 1}}, CSplit{{3, 2, 1}, {0, 0, 0}, 5, {2, 2, 1}},
+        CSplit{{3, 2, 1}, {-0.5, -0.5, 0}, 7, {4, 2, 1}}, CSplit{{3, 2, 1}, {0, -0.5, -0.5}, 7, {3, 3, 1}},
+        CSplit{{3, 2, 1}, {-0.5, 0, -0.5}, 7, {4, 2, 1}}, CSplit{{3, 2, 1}, {0, 0, 0}, 7, {4, 2, 1}}}) {
+    CThreeParts parts = split.m_Parts;
+    CorrectSplit(parts, split.m_afErrors, split.m_iLength);
+    EXPECT_EQ(parts, split.m_Corrected) << testing::PrintToString(split.m_afErrors);
+  }
+}
+
+// Shares that are whole sixty-fourths of the length, so that no rounding decides between equal ones.
+TEST(SplitInThreeTest, EqualSharesAreCorrectedFirstComeFirstServed) {
+  EXPECT_EQ(SplitInThree(4, 0.375F, 0.375F), (CThreeParts{1, 2, 1})) << "both were rounded up";
+  EXPECT_EQ(SplitInThree(4, 0.25F, 0.375F), (CThreeParts{1, 1, 2}));
+  EXPECT_EQ(SplitInThree(8, 0.171875F, 0.171875F), (CThreeParts{2, 1, 5})) << "both were rounded down";
+  EXPECT_EQ(SplitInThree(8, 0.65625F, 0.171875F), (CThreeParts{5, 2, 1}));
+}
 
 TEST(SplitInThreeTest, DesignWidthsComeOut) {
   EXPECT_EQ(SplitInThree(421, 163.0F / 421.0F, 168.0F / 421.0F), (CThreeParts{163, 168, 90}));
