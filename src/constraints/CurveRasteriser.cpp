@@ -15,9 +15,23 @@
 
 namespace {
 
-// A tear that ends where the border holds the cursor reaches the border: nobody can draw up to it. This share of the
-// margin more is for rounding.
-constexpr double kMarginRounding = 1e-6;
+// Nobody can draw up to the border: the outermost pixel of a picture or a view lies half a pixel inside, this share of
+// a side where there are 128 of them. The model alone decides which end is meant to reach the border, not what it was
+// drawn on, or one file would tear in one window and hold together in another.
+constexpr double kReach = 1.0 / 256;
+// Share of a side more: a file keeps places no better.
+constexpr double kReachRounding = 1e-5;
+// Of the margin at which the border holds the cursor.
+constexpr double kMarginRounding = 1e-5;
+
+// Whether an open end so far from a border is meant to reach it: nearer than a pixel, nearer than the lattice can show,
+// or just where the cursor is held, which in a small model is farther in than either.
+bool IsMeantForBorder(double distance, double low, double high, double step) {
+  const double side = high - low;
+  const double margin = BorderMargin(low, high);
+  return distance <= std::max(kReach * side, step / 2) + kReachRounding * side ||
+         std::abs(distance - margin) <= kMarginRounding * margin;
+}
 
 bool IsLongerInX(const CGridSegment& s) { return std::abs(s.x1 - s.x0) > std::abs(s.y1 - s.y0); }
 
@@ -60,23 +74,28 @@ void CCurveRasteriser::Crease(const CPtCstr& a, const CPtCstr& b) {
   IsLongerInX(s) ? scan_conv_line_x(s) : scan_conv_line_y(s);
 }
 
-// The shortest way from an open end next to the border.
+// The shortest way from an open end next to the border, unless it lies there already.
 void CCurveRasteriser::TearToBorder(const CPtCstr& end) {
   struct CWay {
-    double m_fMargins;  ///< its length, in margins
+    double m_fLength;
     double m_fX;
     double m_fY;
+    bool m_bOpen;
   };
-  const CExtent& e = m_pTree->Lattice().Extent();
-  const double mx = BorderMargin(e.x0, e.x1);
-  const double my = BorderMargin(e.y0, e.y1);
-  const std::array<CWay, 4> ways{{{(end.m_fX - e.x0) / mx, e.x0, end.m_fY},
-                                  {(e.x1 - end.m_fX) / mx, e.x1, end.m_fY},
-                                  {(end.m_fY - e.y0) / my, end.m_fX, e.y0},
-                                  {(e.y1 - end.m_fY) / my, end.m_fX, e.y1}}};
-  const CWay& way = *std::ranges::min_element(ways, {}, &CWay::m_fMargins);
-  const bool isNear = 0.0 < way.m_fMargins && way.m_fMargins <= 1 + kMarginRounding;
-  if (!isNear) return;
+  const CLattice& lattice = m_pTree->Lattice();
+  const CExtent& e = lattice.Extent();
+  const auto alongX = [&](double length, double x) {
+    return CWay{length, x, end.m_fY, IsMeantForBorder(length, e.x0, e.x1, lattice.StepX())};
+  };
+  const auto alongY = [&](double length, double y) {
+    return CWay{length, end.m_fX, y, IsMeantForBorder(length, e.y0, e.y1, lattice.StepY())};
+  };
+  const std::array<CWay, 4> ways{alongX(end.m_fX - e.x0, e.x0), alongX(e.x1 - end.m_fX, e.x1),
+                                 alongY(end.m_fY - e.y0, e.y0), alongY(e.y1 - end.m_fY, e.y1)};
+  if (!std::ranges::all_of(ways, [](const CWay& way) { return way.m_fLength > 0.0; })) return;
+  const CWay& way =
+      *std::ranges::min_element(ways, {}, [](const CWay& w) { return w.m_bOpen ? w.m_fLength : HUGE_VAL; });
+  if (!way.m_bOpen) return;
   CPtCstr border;
   border.m_fX = way.m_fX;
   border.m_fY = way.m_fY;

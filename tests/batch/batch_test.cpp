@@ -18,6 +18,21 @@ TEST_F(Batch, SavesWithoutIteratingWhatTheModelItselfWouldSave) {
   EXPECT_EQ(Bytes("batch.grid"), Bytes("model.grid"));
 }
 
+TEST_F(Batch, TearsUpToTheBorderWithAPictureAsWithout) {
+  CTestGrid torn(5, 2);
+  // Half a pixel inside, at 128 of them, in a model 16 by 6.
+  AddCurveThrough(torn.m_Grid, CurveType::kPosition, {{4, 20.0234}, {6, 25.9766}});
+  torn.m_Grid.PerformPendingWork();
+  WriteText(Path("torn.grid"), GridText(torn.m_Grid));
+  WriteText(Path("small.bmp"), SmallBitmap());
+  ASSERT_EQ(Run("torn.grid --iterations 0 --save plain.grid --vrml plain.wrl"), 0) << Bytes("err");
+  ASSERT_EQ(Run("torn.grid --image small.bmp --iterations 0 --save pictured.grid --vrml pictured.wrl"), 0);
+  EXPECT_EQ(Bytes("plain.grid"), Bytes("torn.grid"));
+  EXPECT_EQ(Bytes("pictured.grid"), Bytes("torn.grid"));
+  EXPECT_EQ(Bytes("pictured.wrl"), Bytes("plain.wrl"));
+  EXPECT_GT(Bytes("plain.wrl").size(), 10000U);
+}
+
 TEST_F(Batch, ConvergesToWhatTheModelItselfConvergesTo) {
   CTestGrid window;
   window.m_Grid.Load(Path("model.grid"));

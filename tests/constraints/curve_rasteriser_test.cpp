@@ -4,6 +4,7 @@
 #include <cmath>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -132,7 +133,8 @@ TEST(TearTest, EndOnTheBorderReachesIt) {
 
 TEST(TearTest, OpenEndAsFarOutAsTheCursorGoesReachesTheBorder) {
   EXPECT_EQ(Torn({{0.1, 5.05}, {1.5, 5.05}}).at({0, 5}) & 8U, 8U);
-  EXPECT_EQ(Torn({{0.3, 5.05}, {1.5, 5.05}}).at({0, 5}) & 8U, 0U);
+  EXPECT_EQ(Torn({{0.3, 5.05}, {1.5, 5.05}}).at({0, 5}) & 8U, 8U) << "nearer than half a step";
+  EXPECT_EQ(Torn({{0.6, 5.05}, {1.5, 5.05}}).at({0, 5}) & 8U, 0U);
   EXPECT_EQ(Torn({{15.9, 5.05}, {14.5, 5.05}}).at({15, 5}) & 2U, 2U);
   EXPECT_EQ(Torn({{5.05, 0.1}, {5.05, 1.5}}).at({5, 0}) & 1U, 1U);
   EXPECT_EQ(Torn({{5.05, 15.9}, {5.05, 14.5}}).at({5, 15}) & 4U, 4U);
@@ -144,19 +146,79 @@ TEST(TearTest, ClosedCurveBesideTheBorderStaysOffIt) {
   EXPECT_EQ(Torn(ring, true).at({0, 5}) & 8U, 0U);
 }
 
-// Over a model half a unit wide the cursor goes as far out as a tenth of that.
-TEST(TearTest, OpenEndInASmallModelIsContinuedOnlyFromWhereTheCursorStops) {
-  for (const auto& [end, reaches] : {std::pair{0.05, true}, {0.08, false}}) {
-    for (const bool across : {true, false}) {
-      const ConsoleCapture console;
-      CTestTree tree(4, 0, CExtent{0, 0.5, 0, 0.5});
-      const CPlaces places = across ? CPlaces{{end, 0.2}, {0.3, 0.2}} : CPlaces{{0.2, 0.5 - end}, {0.2, 0.3}};
-      const CTestCurve curve(places);
-      CCurveRasteriser(tree.m_Tree).Rasterise(curve.m_Curve);
-      const CQuadT& cell = across ? tree.m_Tree.CellAt(0, 0, 6) : tree.m_Tree.CellAt(0, 6, 15);
-      EXPECT_EQ(cell.HasFlag(CellFlag::kTriangles), reaches) << end;
+// How near to the border an open end is continued to it. The other side of the model is ten times as long.
+struct CReach {
+  double m_fSide;
+  int m_iLevel;
+  double m_fDistance;
+  bool m_bReaches;
+  friend void PrintTo(const CReach& reach, std::ostream* out) {
+    *out << reach.m_fDistance << " of " << reach.m_fSide << " at level " << reach.m_iLevel;
+  }
+};
+class TearReachTest : public testing::TestWithParam<CReach> {
+ protected:
+  // Whether a tear across the short side that ends so far from one of its borders is marked up to there.
+  bool Reaches(bool across, bool far) {
+    const CReach& reach = GetParam();
+    const double end = far ? reach.m_fSide - reach.m_fDistance : reach.m_fDistance;
+    CPlaces places{{end, 4.3 * reach.m_fSide}, {reach.m_fSide / 2, 4.3 * reach.m_fSide}};
+    CExtent extent{0, reach.m_fSide, 0, 10 * reach.m_fSide};
+    if (!across) {
+      for (auto& [x, y] : places) std::swap(x, y);
+      std::swap(extent.x1, extent.y1);
+    }
+    m_Torn.m_Lattice.SetExtent(extent);
+    m_Torn.m_Tree.Reset(0);
+    const ConsoleCapture console;
+    const CTestCurve curve(places);
+    CCurveRasteriser(m_Torn.m_Tree).Rasterise(curve.m_Curve);
+    const int last = m_Torn.m_Lattice.PointsPerSide() - 2;
+    const int along = static_cast<int>(0.43 * (last + 1));
+    const int border = far ? last : 0;
+    const CQuadT& cell = across ? m_Torn.m_Tree.CellAt(0, border, along) : m_Torn.m_Tree.CellAt(0, along, border);
+    return cell.HasFlag(across ? (far ? 2U : 8U) : (far ? 4U : 1U));
+  }
+
+  CTestTree m_Torn{GetParam().m_iLevel, 0};
+};
+TEST_P(TearReachTest, IsTheSameAtEveryBorder) {
+  for (const bool across : {true, false}) {
+    for (const bool far : {true, false}) {
+      EXPECT_EQ(Reaches(across, far), GetParam().m_bReaches)
+          << (across ? "across" : "upwards") << (far ? ", at the far border" : "");
     }
   }
+}
+// A pixel of a picture with 128 of them.
+INSTANTIATE_TEST_SUITE_P(Pixel, TearReachTest,
+                         testing::Values(CReach{100, 7, 0.05, true}, CReach{100, 7, 0.116, true},
+                                         CReach{150, 7, 0.174, true}, CReach{100, 7, 0.39, true},
+                                         CReach{100, 7, 100.0 / 256, true}, CReach{100, 8, 100.0 / 256, true},
+                                         CReach{100, 8, 0.394, false}, CReach{100, 7, 0.394, false},
+                                         CReach{1000, 7, 3.9, true}, CReach{1000, 7, 3.94, false},
+                                         CReach{10, 7, 0.039, true}, CReach{1, 7, 0.0039, true},
+                                         CReach{1, 7, 0.00394, false}));
+// As a file with six digits keeps a pixel of a picture that wide.
+INSTANTIATE_TEST_SUITE_P(SavedPixel, TearReachTest,
+                         testing::Values(CReach{150, 7, 0.586, true}, CReach{1000, 7, 3.907, true}));
+INSTANTIATE_TEST_SUITE_P(HalfAStep, TearReachTest,
+                         testing::Values(CReach{100, 5, 1.56, true}, CReach{100, 5, 1.6, false},
+                                         CReach{100, 6, 0.78, true}, CReach{100, 6, 0.8, false},
+                                         CReach{0.5, 4, 0.0156, true}, CReach{0.5, 4, 0.016, false}));
+// As far out as the cursor goes, but no other place between there and the border.
+INSTANTIATE_TEST_SUITE_P(HeldCursor, TearReachTest,
+                         testing::Values(CReach{20, 7, 0.1, true}, CReach{20, 7, 0.099, false},
+                                         CReach{20, 7, 0.101, false}, CReach{25, 7, 0.1, true},
+                                         CReach{10, 7, 0.1, true}, CReach{10, 7, 0.05, false}, CReach{1, 7, 0.1, true},
+                                         CReach{1, 7, 0.05, false}, CReach{0.5, 4, 0.05, true},
+                                         CReach{0.5, 4, 0.08, false}, CReach{0.5, 4, 0.03, false}));
+
+TEST(TearTest, OpenEndInACornerIsContinuedTheShortestWay) {
+  const CCells lower = Torn({{0.3, 0.2}, {3.5, 3.1}});
+  EXPECT_EQ(lower.at({0, 0}) & 1U, 1U);
+  const CCells left = Torn({{0.2, 0.3}, {3.1, 3.5}});
+  EXPECT_EQ(left.at({0, 0}) & 8U, 8U);
 }
 
 TEST(TearTest, PartOutsideTheModelIsLeftOut) {

@@ -6,7 +6,6 @@
 #include <functional>
 #include <numbers>
 #include <random>
-#include <set>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -14,6 +13,7 @@
 #include "constraints/CurveRasteriser.h"
 #include "support/ConsoleCapture.h"
 #include "support/CurveBuilders.h"
+#include "support/TearFlood.h"
 #include "support/TreeBuilders.h"
 
 namespace {
@@ -105,32 +105,10 @@ struct CTornTree : CTestTree {
       EXPECT_FALSE(Joins(e)) << e.x << ", " << e.y << (e.m_bHorizontal ? " to the right" : " upwards");
     });
   }
-  // The lattice points that leaf edges, of whatever length, join to the one given.
-  std::set<std::array<int, 2>> ReachableFrom(int x, int y) const;
+  CLatticePoints ReachableFrom(int x, int y) const { return ::ReachableFrom(m_Tree, x, y); }
 
   std::vector<CLine> m_aSegments;
 };
-
-std::set<std::array<int, 2>> CTornTree::ReachableFrom(int x, int y) const {
-  std::set<std::array<int, 2>> reached{{x, y}};
-  std::vector<std::array<int, 2>> open{{x, y}};
-  const auto tryEdge = [&](int xa, int ya, int xb, int yb, int toX, int toY) {
-    const CEdge* edge = m_Tree.FindEdge(xa, ya, xb, yb);
-    if (edge == nullptr || !edge->IsLeaf() || edge->HasBothMarks()) return;
-    if (reached.insert({toX, toY}).second) open.push_back({toX, toY});
-  };
-  while (!open.empty()) {
-    const auto [px, py] = open.back();
-    open.pop_back();
-    for (int length = 1; length <= kSide; length *= 2) {
-      tryEdge(px, py, px + length, py, px + length, py);
-      tryEdge(px - length, py, px, py, px - length, py);
-      tryEdge(px, py, px, py + length, px, py + length);
-      tryEdge(px, py - length, px, py, px, py - length);
-    }
-  }
-  return reached;
-}
 
 // Places of four kinds: anywhere, on lattice lines, on lattice points, on the border.
 class CRandomPlaces {

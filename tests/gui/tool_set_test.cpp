@@ -104,6 +104,29 @@ TEST_F(ToolSetTest, SavesBeforeAnyIterationTheBytesOfTheProgramWithoutAWindow) {
   EXPECT_EQ(BytesOf(Path("window.grid")), BytesOf(Path("batch.grid")));
 }
 
+TEST_F(ToolSetTest, TornBorderIsThatOfTheProgramWithoutAWindowWhateverPictureAndWindow) {
+  CTestGrid torn(5, 2);
+  AddCurveThrough(torn.m_Grid, CurveType::kPosition, {{4, 20.0234}, {6, 25.9766}});
+  torn.m_Grid.PerformPendingWork();
+  WriteText(Path("model.grid"), GridText(torn.m_Grid));
+  ASSERT_TRUE(RunBatch("--iterations 0"));
+  const std::string batch = BytesOf(Path("batch.grid"));
+  const auto saved = [this] {
+    m_Dialogs.m_File = Path("model.grid");
+    Menu().Choose(MenuEntry::LoadGrid);
+    m_Dialogs.m_File = Path("window.grid");
+    Choose(MenuEntry::SaveGrid);
+    return BytesOf(Path("window.grid"));
+  };
+  EXPECT_EQ(saved(), batch);
+  m_Window.size(1200, 900);
+  EXPECT_EQ(saved(), batch) << "in a larger window";
+  LoadPicture();
+  EXPECT_EQ(saved(), batch) << "with a picture";
+  m_Window.size(800, 420);
+  EXPECT_EQ(saved(), batch) << "with a picture in a smaller window";
+}
+
 TEST_F(ToolSetTest, ConvergesToTheSurfaceOfTheProgramWithoutAWindow) {
   WriteText(Path("model.grid"), GridText(CFullModel().m_Grid));
   m_Dialogs.m_File = Path("model.grid");
