@@ -57,6 +57,20 @@ nlohmann::ordered_json InactiveConstraints(const CGrid& grid) {
   return inactive;
 }
 
+const char* NameOf(StopReason reason) {
+  switch (reason) {
+    case StopReason::Converged:
+      return "converged";
+    case StopReason::GaveUp:
+      return "gave up";
+    case StopReason::Bound:
+      return "bound";
+    case StopReason::Time:
+      return "time";
+  }
+  return "";
+}
+
 nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
   nlohmann::ordered_json report;
   report["points"] = grid.ActivePointCount();
@@ -69,7 +83,8 @@ nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
   report["energy"] = Energy(grid);
   report["largest_constraint_residual"] = LargestResidual(grid);
   report["z_range"] = {grid.MinHeight(), grid.MaxHeight()};
-  report["converged"] = result.m_bConverged;
+  report["converged"] = result.m_Stopped == StopReason::Converged;
+  report["stopped"] = NameOf(result.m_Stopped);
   report["damaged"] = result.m_bDamaged;
   report[kInactive] = InactiveConstraints(grid);
   return report;
@@ -96,7 +111,7 @@ void PrintText(std::ostream& out, const std::string& name, const nlohmann::order
   if (value.is_array()) {
     out << value.front().dump() << " to " << value.back().dump() << '\n';
   } else {
-    out << value.dump() << '\n';
+    out << (value.is_string() ? value.get<std::string>() : value.dump()) << '\n';
   }
 }
 

@@ -14,10 +14,13 @@ struct CPhases {
   double m_fWrite = 0.0;
 };
 
+/// Why a run's solver has stopped: the first two by itself, then at the bound of iterations and at that of time.
+enum class StopReason { Converged, GaveUp, Bound, Time };
+
 /// What a run has come to.
 struct CBatchResult {
   long m_iIterations = 0;
-  bool m_bConverged = false;
+  StopReason m_Stopped = StopReason::Bound;
   bool m_bDamaged = false;  ///< the model could be read in part only
   CPhases m_Seconds;
 };

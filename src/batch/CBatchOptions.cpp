@@ -1,6 +1,7 @@
 #include "batch/CBatchOptions.h"
 
 #include <charconv>
+#include <cmath>
 #include <map>
 #include <string_view>
 
@@ -20,6 +21,12 @@ const std::map<std::string, CBatchOptions::Report> kReports{{"json", CBatchOptio
 bool ReadNumber(std::string_view text, int& number) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   return error == std::errc() && end == text.data() + text.size();
+}
+
+// Plain digits; above 0 and finite.
+bool ReadSeconds(std::string_view text, double& seconds) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+  return error == std::errc() && end == text.data() + text.size() && std::isfinite(seconds) && seconds > 0;
 }
 
 // "200x100"
@@ -49,6 +56,12 @@ void AddSolving(CLI::App& app, CBatchOptions& options) {
       ->capture_default_str()
       ->check(CLI::NonNegativeNumber)
       ->excludes(iterations);
+  const auto readSeconds = [&options](const std::string& text) {
+    if (!ReadSeconds(text, options.m_fMaxSeconds))
+      throw CLI::ValidationError("--max-seconds", "a number above 0 is expected, not " + text);
+  };
+  app.add_option_function<std::string>("--max-seconds", readSeconds, "Bound of the time that solving may take")
+      ->type_name("SECONDS");
   AddChoice(app, "--wavelets", options.m_Mode, kModes, "Basis to solve in: new (default), simple or no");
   app.add_flag("--high-res", options.m_bHighRes, "Transfer to the highest resolution before solving");
   app.add_option("--seed", options.m_uSeed, "Seed of the random start")->type_name("N")->capture_default_str();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 
@@ -10,14 +11,15 @@
 struct CBatchOptions {
   enum class Report { None, Json, Text };
 
-  std::string m_Model;                    ///< grid file to read
-  std::string m_Image;                    ///< photograph; empty for none
-  bool m_bStrict = false;                 ///< a damaged model is refused
-  std::optional<long> m_Iterations;       ///< to do; until converged where there is no number
-  long m_iMaxIterations = 200000;         ///< bound of going on until converged
-  WaveletMode m_Mode = WaveletMode::New;  ///< to solve in
-  bool m_bHighRes = false;                ///< solve at the highest resolution, starting from the surface read
-  std::string m_GridOut;                  ///< the three outputs; empty for none
+  std::string m_Model;                                             ///< grid file to read
+  std::string m_Image;                                             ///< photograph; empty for none
+  bool m_bStrict = false;                                          ///< a damaged model is refused
+  std::optional<long> m_Iterations;                                ///< to do; until converged where there is no number
+  long m_iMaxIterations = 200000;                                  ///< bound of going on until converged
+  double m_fMaxSeconds = std::numeric_limits<double>::infinity();  ///< bound of solving, whatever else ends it
+  WaveletMode m_Mode = WaveletMode::New;                           ///< to solve in
+  bool m_bHighRes = false;  ///< solve at the highest resolution, starting from the surface read
+  std::string m_GridOut;    ///< the three outputs; empty for none
   std::string m_VrmlOut;
   std::string m_HeightFieldOut;
   bool m_bWithLights = false;  ///< the lights go into the grid file

@@ -21,9 +21,11 @@ namespace {
 class CStopwatch {
  public:
   explicit CStopwatch(double& seconds) : m_fSeconds(seconds) {}
-  ~CStopwatch() { m_fSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - m_Start).count(); }
+  ~CStopwatch() { m_fSeconds += Seconds(); }
   CStopwatch(const CStopwatch&) = delete;
   CStopwatch& operator=(const CStopwatch&) = delete;
+
+  double Seconds() const { return std::chrono::duration<double>(std::chrono::steady_clock::now() - m_Start).count(); }
 
  private:
   double& m_fSeconds;
@@ -53,8 +55,13 @@ int CBatchRun::Run() {
   PrintReport(std::cout, m_Options.m_Report, m_Grid, m_Result);
   if (!written || !std::cout.flush()) return ExitStatus::kOutput;
   if (m_Result.m_bDamaged) return ExitStatus::kDamaged;
-  const bool wanted = !m_Options.m_Iterations.has_value();
-  return wanted && !m_Result.m_bConverged ? ExitStatus::kNotConverged : ExitStatus::kDone;
+  return StatusOfStop();
+}
+
+int CBatchRun::StatusOfStop() const {
+  const bool wanted = m_Result.m_Stopped == StopReason::Converged ||
+                      (m_Result.m_Stopped == StopReason::Bound && m_Options.m_Iterations.has_value());
+  return wanted ? ExitStatus::kDone : ExitStatus::kNotConverged;
 }
 
 bool CBatchRun::ReadInputs() {
@@ -83,9 +90,8 @@ void CBatchRun::Solve() {
   if (m_Options.m_bHighRes) m_Grid.Post(Operation::kTransferToHigh);
   m_Grid.PerformPendingWork();
   if (m_Grid.Mode() != m_Options.m_Mode) m_Grid.SetWaveletMode(m_Options.m_Mode);
-  const long bound = m_Options.m_Iterations.value_or(m_Options.m_iMaxIterations);
   CProgress progress(!m_Options.m_bQuiet);
-  while (m_Result.m_iIterations < bound && m_Grid.IsRunning()) {
+  while (m_Grid.IsRunning() && !IsAtBound(watch.Seconds())) {
     // Lines of the model must not end up behind the number.
     std::ostringstream lines;
     std::optional<ConsoleRedirect> redirect;
@@ -99,7 +105,17 @@ void CBatchRun::Solve() {
     progress.Update(m_Result.m_iIterations);
     EndIfAsked();
   }
-  m_Result.m_bConverged = !m_Grid.IsRunning();
+  progress.Erase();
+  if (m_Result.m_Stopped == StopReason::GaveUp)
+    Complain("The solver has given up: the surface is not what the constraints ask for.");
+}
+
+// Whether the run ends here although the solver would go on.
+bool CBatchRun::IsAtBound(double seconds) {
+  if (m_Result.m_iIterations >= m_Options.m_Iterations.value_or(m_Options.m_iMaxIterations)) return true;
+  if (seconds < m_Options.m_fMaxSeconds) return false;
+  m_Result.m_Stopped = StopReason::Time;
+  return true;
 }
 
 void CBatchRun::Tick() {

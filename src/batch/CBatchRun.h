@@ -23,13 +23,17 @@ class CBatchRun : private GridHost {
  private:
   bool Ask(const char* question) override;
   void Notice(const char* text) override;
+  void PauseSolverConverged() override { m_Result.m_Stopped = StopReason::Converged; }
+  void PauseSolverGaveUp() override { m_Result.m_Stopped = StopReason::GaveUp; }
   void ResumeAfterChange() override { m_Grid.SetRunning(true); }
 
   bool ReadInputs();
   void Solve();
+  bool IsAtBound(double seconds);
   void Tick();
   bool WriteOutputs();
   void EndIfAsked();
+  int StatusOfStop() const;
 
   const CBatchOptions m_Options;
   CTerminationSignals& m_Signals;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace {
 
@@ -90,6 +91,15 @@ void CCompressedRows::Times(std::span<const double> v, std::span<double> out) co
       for (; row + kBlock <= run.m_uEnd; row += kBlock, shifted += kBlock) stencil.TimesBlock(shifted, &out[row]);
     }
     for (; row < run.m_uEnd; ++row) out[row] = RowTimes(row, v.data());
+  }
+}
+
+void CCompressedRows::TimesMagnitudes(std::span<const double> v, std::span<double> out) const {
+  for (std::size_t row = 0; row < RowCount(); ++row) {
+    double sum = 0.0;
+    for (std::size_t e = m_auRowStart[row]; e < m_auRowStart[row + 1]; ++e)
+      sum += std::abs(m_afValues[e] * v[m_auColumns[e]]);
+    out[row] = sum;
   }
 }
 

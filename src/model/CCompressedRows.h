@@ -25,6 +25,8 @@ class CCompressedRows {
   void FindRuns();
   /// out[i] = (row i) . v for every row. `out` has RowCount() entries, `v` one per column; they must not overlap.
   void Times(std::span<const double> v, std::span<double> out) const;
+  /// The same with the magnitudes of all entries and of all components of `v`: what rounding in `Times` is measured by.
+  void TimesMagnitudes(std::span<const double> v, std::span<double> out) const;
   /// out += (transpose of the matrix) times `v`: `v` has RowCount() entries, `out` one per column.
   void AddTransposeTimes(std::span<const double> v, std::span<double> out) const;
 

@@ -12,6 +12,19 @@ double Dot(std::span<const double> a, std::span<const double> b) {
   return std::transform_reduce(a.begin(), a.end(), b.begin(), 0.0);
 }
 
+// Of values whose squares may lie beyond the finite numbers, or below the smallest.
+double SafeNorm(std::span<const double> values) {
+  double largest = 0.0;
+  for (const double value : values) {
+    if (!std::isfinite(value)) return HUGE_VAL;
+    largest = std::max(largest, std::abs(value));
+  }
+  if (largest == 0.0) return 0.0;
+  double sum = 0.0;
+  for (const double value : values) sum += (value / largest) * (value / largest);
+  return largest * std::sqrt(sum);
+}
+
 }  // namespace
 
 void CConjugateResidual::Restart(CConstraintSystem& system, std::span<const double> x,
@@ -50,6 +63,27 @@ void CConjugateResidual::TakeUpResidual(CConstraintSystem& system, std::span<con
   std::ranges::copy(m_afS, m_afQ.begin());
   m_fRho = Dot(m_afR, m_afS);
   m_fPi = Dot(m_afQ, m_afQ);
+}
+
+CImbalance CConjugateResidual::Measure(CConstraintSystem& system, std::span<const double> x,
+                                       std::span<const double> multipliers, std::span<const double> targets) {
+  Refresh(system, x, multipliers, targets);
+  const std::size_t n = system.UnknownCount();
+  const std::span<double> image = std::span(m_afQ).first(n);
+  CImbalance found;
+  found.m_fForces = SafeNorm(std::span(m_afR).first(n));
+  found.m_fMisses = SafeNorm(std::span(m_afR).subspan(n));
+  found.m_fTargets = SafeNorm(targets);
+  system.ApplyMagnitudes(x.first(n), image);
+  found.m_fMagnitude = SafeNorm(image);
+  // Direction and image lend their room and get back what they held.
+  std::fill_n(m_afP.begin(), n, 0.0);
+  std::ranges::copy(multipliers, m_afP.begin() + static_cast<std::ptrdiff_t>(n));
+  system.ApplySystem(m_afP, m_afQ);
+  found.m_fPulls = SafeNorm(image);
+  std::ranges::copy(m_afR, m_afP.begin());
+  std::ranges::copy(m_afS, m_afQ.begin());
+  return found;
 }
 
 // Written so that 0 times infinity, a residual that vanishes altogether, counts as small.

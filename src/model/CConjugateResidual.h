@@ -6,6 +6,15 @@
 
 class CConstraintSystem;
 
+/// How far a state is from solving the system, as lengths; H, B and C as in CConstraintSystem, z the heights.
+struct CImbalance {
+  double m_fForces = 0.0;     ///< B^T (H z + C^T l): what is left of the forces, 0 in a solution
+  double m_fPulls = 0.0;      ///< B^T C^T l: those of the constraints alone
+  double m_fMagnitude = 0.0;  ///< B^T |H| |z|: those of the smoothness, had nothing in them cancelled
+  double m_fMisses = 0.0;     ///< d - C z: what the constraints miss, 0 in a solution
+  double m_fTargets = 0.0;    ///< d
+};
+
 /// The conjugate-residual iteration [Stiefel1955] on a symmetric, possibly indefinite or singular system
 /// [Luenberger1970].
 ///
@@ -31,6 +40,9 @@ class CConjugateResidual {
   /// it as if it were as large as the residual of the restart; the restart's figures stay.
   void Refresh(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
                std::span<const double> targets);
+  /// Measures a state afresh, and takes up its residual as `Refresh` does.
+  CImbalance Measure(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
+                     std::span<const double> targets);
   /// One iteration: improves x and l in place.
   Outcome Step(CConstraintSystem& system, std::span<double> x, std::span<double> multipliers);
 

@@ -8,3 +8,9 @@ void CConstraintSystem::ApplySystem(std::span<const double> v, std::span<double>
   m_pBasis->invWTransposeTimes(m_afForces, out.first(n));
   m_Constraints.Rows().Times(m_afHeights, out.subspan(n));
 }
+
+void CConstraintSystem::ApplyMagnitudes(std::span<const double> x, std::span<double> out) {
+  m_pBasis->invW(x, m_afHeights);
+  m_Smoothness.TimesMagnitudes(m_afHeights, m_afForces);
+  m_pBasis->invWTransposeTimes(m_afForces, out);
+}

@@ -36,6 +36,8 @@ class CConstraintSystem {
   }
   /// out = (system) v. Both have `Size()` entries, the coefficients first, and must not overlap. Allocates nothing.
   void ApplySystem(std::span<const double> v, std::span<double> out);
+  /// out = B^T |H| |B x|, both of N entries: the forces of the smoothness without what cancels in them.
+  void ApplyMagnitudes(std::span<const double> x, std::span<double> out);
 
  private:
   const CHierarchicalBasis* m_pBasis;

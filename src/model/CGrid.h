@@ -153,6 +153,8 @@ class CGrid {
   int ActiveConstraintCount() const;
   /// z of every normal constraint that is no position constraint as well becomes the surface's height under it.
   void RefreshNormalCstrHeights();
+  /// The solver has stopped itself.
+  void PauseAfter(CGridSolver::Outcome outcome);
   /// Reach of the freeze brush at zoom 1; it grows with the zoom.
   static constexpr double kFreezeRadius = 4.0;
   /// Freezes, or with `freeze` false sets free, the points in use within reach of the freeze brush at (x, y).

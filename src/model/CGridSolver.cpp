@@ -15,8 +15,9 @@
 
 namespace {
 
-// A stop with more than this share of the starting residual left is an accident of the recurrence, not convergence.
-// Larger, and surfaces would be taken for converged that are still visibly wrong; smaller, and rounding would count.
+// A stop with more than this share of the starting residual left may be an accident of the recurrence, and is tried
+// again. Larger, and contradictory constraints would be met less well than they can be; smaller, and rounding would
+// count.
 constexpr double kSmallResidual = 1e-9;
 
 // A residual computed afresh at a breakdown is worth iterating on if it has shrunk to this share since the last one.
@@ -30,6 +31,12 @@ constexpr double kRoundingFloor = 1e-14;
 // A restart with |r . A r| below this share of |r| |A r| has next to nothing to iterate on. Random starts are well
 // above.
 constexpr double kBadStart = 1e-8;
+
+// A surface is the solution when the forces left on it are this share of those that the constraints exert, or this
+// share of what cancels in those of the smoothness, which is rounding; and when its constraints miss this share of
+// their targets. Of rightly converged surfaces the shares are smaller by four orders and more, of wrong ones near 1.
+constexpr double kSolvedShare = 1e-6;
+constexpr double kRoundedShare = 1e-12;
 
 // How often an edit may start the iteration again after such a stop. Constraints that contradict each other always
 // leave a residual, so this must end.
@@ -100,8 +107,8 @@ void CGridSolver::Shake() {
 
 bool CGridSolver::ModelChanged() {
   m_iRetriesLeft = kRetriesPerEdit;
-  if (!m_bConverged) return false;
-  m_bConverged = false;
+  if (!HasStopped()) return false;
+  m_End = Outcome::TickDone;
   m_bShakeDue = true;
   return true;
 }
@@ -132,7 +139,7 @@ CGridSolver::Outcome CGridSolver::Tick(std::span<double> x, int limit, const std
   if (m_Residual.IsFinite() && AllFinite(x)) return outcome;
   std::ranges::copy(m_afLastX, x.begin());
   std::ranges::copy(m_afLastMultipliers, m_afMultipliers.begin());
-  return Stop("the iteration leaves the finite numbers, |r_rr| = ", m_Residual.Rho(), true);
+  return Stop("the iteration leaves the finite numbers, |r_rr| = ", m_Residual.Rho(), x);
 }
 
 CGridSolver::Outcome CGridSolver::Iterate(std::span<double> x, int limit, const std::function<bool()>& poll) {
@@ -140,7 +147,10 @@ CGridSolver::Outcome CGridSolver::Iterate(std::span<double> x, int limit, const 
     // An event may change the basis at once, without posting work; the vectors are out of date then.
     if (poll && (poll() || !m_bVectorsValid)) return Outcome::Interrupted;
     ++m_iCounter;
-    if (m_bConverged) return Stop(m_pStopMessage, m_fStopValue, false);
+    if (HasStopped()) {
+      Console() << m_pStopMessage << m_fStopValue << '\n';
+      return m_End;
+    }
     const CConjugateResidual::Outcome step = m_Residual.Step(m_System, x, m_afMultipliers);
     if (step == CConjugateResidual::Outcome::Stepped) continue;
     const bool smallRho = step == CConjugateResidual::Outcome::SmallRho;
@@ -148,12 +158,12 @@ CGridSolver::Outcome CGridSolver::Iterate(std::span<double> x, int limit, const 
     if (IsContradictory()) {
       Reconcile(x);
     } else if (!Refine(x)) {
-      return Stop(smallRho ? "|r_rr| is too small " : "|pp_pp| is too small ", value, true);
+      return Stop(smallRho ? "|r_rr| is too small " : "|pp_pp| is too small ", value, x);
     }
   }
   if (HasStalled(kStallFactor) && IsContradictory()) Reconcile(x);
   // Either what is left is rounding, or the recurrence has lost its way and needs another start.
-  if (HasStalled(kHopelessStallFactor)) return Stop("|r_rr| stays at ", m_Residual.Rho(), true);
+  if (HasStalled(kHopelessStallFactor)) return Stop("|r_rr| stays at ", m_Residual.Rho(), x);
   return Outcome::TickDone;
 }
 
@@ -188,16 +198,26 @@ bool CGridSolver::IsResidualSmall() const {
   return m_Residual.ResidualNorm() <= kSmallResidual * m_Residual.StartNorm();
 }
 
-CGridSolver::Outcome CGridSolver::Stop(const char* message, double value, bool mayRetry) {
-  Console() << message << value << '\n';
+// Measured afresh, as the recurrence may believe in anything by now. The forces of the constraints say how large forces
+// are in this model; those that cancel in the smoothness, how small they can be told to be.
+bool CGridSolver::IsSolved(std::span<const double> x) {
+  const CImbalance left = m_Residual.Measure(m_System, x, m_afMultipliers, m_afTargets);
+  const bool balanced = left.m_fForces <= kSolvedShare * left.m_fPulls + kRoundedShare * left.m_fMagnitude;
+  const bool met = left.m_fMisses <= kSolvedShare * left.m_fTargets;
+  return balanced && met && std::isfinite(left.m_fPulls + left.m_fMagnitude + left.m_fTargets);
+}
+
+CGridSolver::Outcome CGridSolver::Stop(const char* message, double value, std::span<const double> x) {
   m_pStopMessage = message;
   m_fStopValue = value;
-  if (mayRetry && !IsResidualSmall() && m_iRetriesLeft > 0) {
+  Console() << message << value << '\n';
+  const bool solved = IsSolved(x);
+  if (!(solved && IsResidualSmall()) && m_iRetriesLeft > 0) {
     --m_iRetriesLeft;
     m_bShakeDue = true;
     m_iCounter = 0;
     return Outcome::TickDone;
   }
-  m_bConverged = true;
-  return Outcome::Converged;
+  m_End = solved ? Outcome::Converged : Outcome::GaveUp;
+  return m_End;
 }

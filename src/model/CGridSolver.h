@@ -25,7 +25,8 @@ class CGridSolver {
   enum class Outcome {
     TickDone,     ///< the tick's iterations are done
     Interrupted,  ///< `poll` asked to stop
-    Converged,    ///< nothing more is to be gained: the solver may be paused
+    Converged,    ///< the surface is the one that the constraints ask for: the solver may be paused
+    GaveUp,       ///< it is not, and the iteration gets no nearer: the solver may be paused all the same
   };
 
   CGridSolver(const CHierarchicalBasis& basis, CRandom& random) : m_System(basis), m_pRandom(&random) {}
@@ -46,9 +47,10 @@ class CGridSolver {
   /// ends the tick by answering true. A step that would leave the finite numbers is undone.
   Outcome Tick(std::span<double> x, int limit, const std::function<bool()>& poll);
 
-  /// The model has been edited. Returns whether the solver had converged, and arms the restart that follows: see Shake.
+  /// The model has been edited. Returns whether the solver had stopped itself, and arms the restart that follows: see
+  /// Shake.
   bool ModelChanged();
-  bool HasConverged() const { return m_bConverged; }
+  bool HasConverged() const { return m_End == Outcome::Converged; }
   /// All multipliers by chance in [0, limit].
   void RandomiseMultipliers(double limit);
 
@@ -65,7 +67,9 @@ class CGridSolver {
   bool HasStalled(double sides) const;
   bool IsContradictory() const;
   bool IsResidualSmall() const;
-  Outcome Stop(const char* message, double value, bool mayRetry);
+  bool HasStopped() const { return m_End != Outcome::TickDone; }
+  Outcome Stop(const char* message, double value, std::span<const double> x);
+  bool IsSolved(std::span<const double> x);
 
   CConstraintSystem m_System;
   CEnergyTerms m_Terms;
@@ -76,8 +80,8 @@ class CGridSolver {
   std::vector<double> m_afLastMultipliers;
   CRandom* m_pRandom;
   int m_iCounter = -1;
-  bool m_bVectorsValid = false;  ///< the iteration's vectors belong to the system as it is
-  bool m_bConverged = false;
+  bool m_bVectorsValid = false;       ///< the iteration's vectors belong to the system as it is
+  Outcome m_End = Outcome::TickDone;  ///< of the last stop; TickDone while the iteration is to go on
   bool m_bShakeDue = false;
   int m_iRetriesLeft = 0;
   const char* m_pStopMessage = "";  ///< of the last stop

@@ -86,6 +86,13 @@ void CGrid::Dispatch(int operation) {
   }
 }
 
+void CGrid::PauseAfter(CGridSolver::Outcome outcome) {
+  m_bRunning = false;
+  if (m_pHost == nullptr) return;
+  if (outcome == CGridSolver::Outcome::Converged) return m_pHost->PauseSolverConverged();
+  m_pHost->PauseSolverGaveUp();
+}
+
 void CGrid::UpdateGrid() {
   const bool polling = g_bNoEventPolling == 0 && m_pHost != nullptr;
   const auto poll = [this] {
@@ -98,12 +105,12 @@ void CGrid::UpdateGrid() {
       m_Solver.Tick(Coefficients(), m_iIterationsPerTick + 1, polling ? std::function<bool()>(poll) : nullptr);
   ReconstructSurface();
   RefreshNormalCstrHeights();
-  if (outcome == CGridSolver::Outcome::Converged && m_Pending.Next() != Operation::kNone) {
-    // What a command or an event has posted meanwhile is an edit after convergence.
+  const bool stopped = outcome == CGridSolver::Outcome::Converged || outcome == CGridSolver::Outcome::GaveUp;
+  if (stopped && m_Pending.Next() != Operation::kNone) {
+    // What a command or an event has posted meanwhile is an edit after the stop.
     m_Solver.ModelChanged();
-  } else if (outcome == CGridSolver::Outcome::Converged) {
-    m_bRunning = false;
-    if (m_pHost != nullptr) m_pHost->PauseSolverConverged();
+  } else if (stopped) {
+    PauseAfter(outcome);
   }
   if (m_pHost == nullptr) return;
   if (polling) m_pHost->ProcessEvents();

@@ -70,6 +70,7 @@ TEST_F(Batch, ReportsInJson) {
   EXPECT_LT(report["largest_constraint_residual"], 1e-6);
   EXPECT_LT(report["z_range"][0], report["z_range"][1]);
   EXPECT_EQ(report["converged"], true);
+  EXPECT_EQ(report["stopped"], "converged");
 }
 
 TEST_F(Batch, ReportsTheResidualAndTheEnergyOfTheSurfaceAsItIs) {
@@ -90,8 +91,9 @@ TEST_F(Batch, ReportsInText) {
   for (std::string line; std::getline(out, line);) names.push_back(line.substr(0, line.find(':')));
   EXPECT_EQ(names, (std::vector<std::string>{"points", "cells", "constraints", "curves", "iterations", "seconds load",
                                              "seconds solve", "seconds write", "energy", "largest constraint residual",
-                                             "z range", "converged", "damaged", "inactive constraints",
+                                             "z range", "converged", "stopped", "damaged", "inactive constraints",
                                              "inactive constraint 3"}));
+  EXPECT_NE(Bytes("out").find("\nstopped: bound\n"), std::string::npos);
 }
 
 TEST_F(Batch, LinesOfTheModelGoToStandardErrorAndNoneWhenQuiet) {
@@ -121,8 +123,37 @@ TEST_F(Batch, TellsThatItHasNotConvergedAndWritesAllTheSame) {
   EXPECT_EQ(Run("model.grid --until-converged --max-iterations 10 --save o.grid --vrml o.wrl --report json"), 3);
   EXPECT_EQ(Report()["iterations"], 10);
   EXPECT_EQ(Report()["converged"], false);
+  EXPECT_EQ(Report()["stopped"], "bound");
   EXPECT_NE(Bytes("o.grid"), "");
   EXPECT_NE(Bytes("o.wrl"), "");
+}
+
+// A height at which the squares of the residual leave the finite numbers.
+TEST_F(Batch, TellsThatTheSolverHasGivenUpAlsoWhenQuiet) {
+  CTestGrid steep;
+  AddAll(steep.m_Grid, {HeightCstr(1, 22, 5), HeightCstr(2, 24, 1e154)});
+  WriteText(Path("steep.grid"), GridText(steep.m_Grid));
+  for (const char* until : {"", "--iterations 100000"}) {
+    EXPECT_EQ(Run(std::string("steep.grid --quiet --report json --save o.grid ") + until), 3) << until;
+    EXPECT_EQ(Report()["converged"], false);
+    EXPECT_EQ(Report()["stopped"], "gave up");
+    EXPECT_EQ(Bytes("err"),
+              "relievo-batch: The solver has given up: the surface is not what the constraints ask for.\n");
+    EXPECT_NE(Bytes("o.grid"), "");
+  }
+}
+
+TEST_F(Batch, StopsWhenItsTimeIsUp) {
+  for (const char* until : {"", " --max-iterations 100000", " --iterations 100000"}) {
+    EXPECT_EQ(Run(std::string("model.grid --max-seconds 1e-9 --save o.grid --report json") + until), 3) << until;
+    EXPECT_EQ(Report()["stopped"], "time");
+    EXPECT_EQ(Report()["converged"], false);
+    EXPECT_LE(Report()["iterations"], 10);
+    EXPECT_NE(Bytes("o.grid"), "");
+  }
+  ASSERT_EQ(Run("model.grid --max-seconds 600.5 --report json"), 0);
+  EXPECT_EQ(Report()["stopped"], "converged");
+  EXPECT_EQ(Run("model.grid --max-seconds 600 --iterations 10"), 0) << "the bound that was asked for";
 }
 
 TEST_F(Batch, TheSeedDecidesTheWayAndNotTheEnd) {
@@ -198,13 +229,33 @@ TEST_F(Batch, RefusesAPictureThatIsTooWideForItsFormat) {
 }
 
 TEST_F(Batch, EndsWithOneOnMisuse) {
-  for (const char* arguments :
-       {"", "--nonsense model.grid", "model.grid more.grid", "model.grid --iterations -1", "model.grid --iterations x",
-        "model.grid --iterations 5 --until-converged", "model.grid --iterations 5 --max-iterations 9",
-        "model.grid --wavelets old", "model.grid --report xml", "model.grid --with-lights", "model.grid --size 5x5",
-        "model.grid --height-field o.txt --size 1x5", "model.grid --height-field o.txt --size 5x1",
-        "model.grid --height-field o.txt --size 5", "model.grid --height-field o.txt --size 5x5x5",
-        "model.grid --seed -3", "model.grid --save"}) {
+  for (const char* arguments : {"",
+                                "--nonsense model.grid",
+                                "model.grid more.grid",
+                                "model.grid --iterations -1",
+                                "model.grid --iterations x",
+                                "model.grid --iterations 5 --until-converged",
+                                "model.grid --iterations 5 --max-iterations 9",
+                                "model.grid --wavelets old",
+                                "model.grid --report xml",
+                                "model.grid --with-lights",
+                                "model.grid --size 5x5",
+                                "model.grid --height-field o.txt --size 1x5",
+                                "model.grid --height-field o.txt --size 5x1",
+                                "model.grid --height-field o.txt --size 5",
+                                "model.grid --height-field o.txt --size 5x5x5",
+                                "model.grid --seed -3",
+                                "model.grid --save",
+                                "model.grid --max-seconds 0",
+                                "model.grid --max-seconds -1",
+                                "model.grid --max-seconds +5",
+                                "model.grid --max-seconds 0x10",
+                                "model.grid --max-seconds ' 5'",
+                                "model.grid --max-seconds inf",
+                                "model.grid --max-seconds nan",
+                                "model.grid --max-seconds 1e999",
+                                "model.grid --max-seconds 5s",
+                                "model.grid --max-seconds ''"}) {
     EXPECT_EQ(Run(arguments), 1) << arguments;
     EXPECT_EQ(Bytes("out"), "") << arguments;
     EXPECT_NE(Bytes("err"), "") << arguments;

@@ -227,6 +227,11 @@ void CImageViewUI::Tell(const std::string& text) {
   Console() << text << '\n';
 }
 
+void CImageViewUI::PauseSolverGaveUp() {
+  m_Solver.PauseSolverConverged();
+  Tell(FormatHelp(HelpText::kSolverGaveUp));
+}
+
 void CImageViewUI::ShowCurveType(int type) {
   Button(Control::PositionDiscontinuity).value(type == CurveType::kPosition ? 1 : 0);
   Button(Control::NormalDiscontinuity).value(type == CurveType::kNormal ? 1 : 0);

@@ -74,6 +74,7 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void ProcessEvents() override;
   void PerformCommand(int operation) override { m_Commands.Perform(operation); }
   void PauseSolverConverged() override { m_Solver.PauseSolverConverged(); }
+  void PauseSolverGaveUp() override;
   void ResumeAfterChange() override { m_Solver.ResumeAfterChange(); }
 
   // For the views.

@@ -36,6 +36,7 @@ inline constexpr std::array kHelpTexts{
     "Click and drag to change the 3D view : left-click and right-click to rotate, middle-click to zoom",
     "Frame nb %4d recorded.",
     "Choose the type of the curve first: type p, n or f, or click on one of the three types. Then press Enter again.",
+    "The solver has given up: the surface is not what the constraints ask for. It goes on when you change one of them.",
 };
 
 /// Indices of the texts that are not tied to a control.
@@ -49,6 +50,7 @@ inline constexpr int kSelectCells = 10;
 inline constexpr int kFrameRecorded = 20;  ///< a format that takes the number of the frame
 inline constexpr int kFirstMessage = 21;
 inline constexpr int kCurveTypeWanted = 21;  ///< a curve is to end whose type has not been chosen
+inline constexpr int kSolverGaveUp = 22;     ///< the solver has stopped itself without having converged
 }  // namespace HelpText
 
 /// The text of an index; the empty one for an index that has none.
