@@ -10,6 +10,7 @@
 #include "support/gui/ModelViewTest.h"
 #include "ui/drawing/DisplayFlags.h"
 #include "ui/modelview/CGridView.h"
+#include "ui/window/HelpTexts.h"
 
 namespace {
 
@@ -245,6 +246,34 @@ TEST_F(ModelViewEventsTest, ShiftDragWithoutASelectedPositionDoesNothing) {
   EXPECT_EQ(RecordAt(Grid().PointConstraints(), 0).m_fZ, 2);
   EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
   EXPECT_EQ(m_Host.m_iImageRedraws, 0);
+}
+
+TEST_F(ModelViewEventsTest, ShiftDragTellsTheHeightAndWhatTheSurfaceHad) {
+  SetSurface(Grid(), CRamp{0.25, -0.5, 4});
+  Grid().AddPtCstr(HeightCstr(5, 22, 2));
+  Grid().PerformPendingWork();
+  RecordAt(Grid().PointConstraints(), 0).SetState(PtCstrState::kSelected, true);
+  CameraAtStart();
+  Fl::e_state = FL_SHIFT;
+  Press(FL_LEFT_MOUSE);
+  for (const int y : {90, 80}) {
+    Send(FL_DRAG, 100, y);
+    ASSERT_FALSE(m_Host.m_aMessages.empty());
+    EXPECT_EQ(m_Host.m_aMessages.back(),
+              "height " + HelpNumber(Grid().GetSelectedHeight(), 1) + ", was " + HelpNumber(4 + 5 * 0.25 - 11, 1));
+  }
+  EXPECT_TRUE(m_Host.m_aTold.empty()) << "the drag goes on";
+  Send(FL_RELEASE, 100, 80);
+  EXPECT_EQ(m_Host.m_aTold, std::vector{m_Host.m_aMessages.back()});
+}
+
+TEST_F(ModelViewEventsTest, OtherDragsTellNothing) {
+  Grid().AddPtCstr(HeightCstr(5, 22, 2));
+  RecordAt(Grid().PointConstraints(), 0).SetState(PtCstrState::kSelected, true);
+  Drag(FL_LEFT_MOUSE, 20, 20);
+  Drag(FL_RIGHT_MOUSE, 20, 20, FL_SHIFT);
+  EXPECT_TRUE(m_Host.m_aMessages.empty());
+  EXPECT_TRUE(m_Host.m_aTold.empty());
 }
 
 TEST_F(ModelViewEventsTest, TurnsByRightAngleOverManyPixels) {

@@ -305,6 +305,35 @@ TEST(HelpLineTest, RemembersWhatStays) {
   EXPECT_STREQ(line.value(), kHelp[2]);
 }
 
+TEST(HelpLineTest, AMessageStaysWhileTheMouseIsWhereItWas) {
+  CHelpLine line(0, 0, 100, 20);
+  line.SetCurrentHelp(2);
+  line.ShowHelp(14);
+  line.ShowMessage("height 44.8");
+  EXPECT_STREQ(line.value(), "height 44.8");
+  EXPECT_EQ(line.CurrentHelp(), 2);
+  line.ShowHelp(14);
+  EXPECT_STREQ(line.value(), "height 44.8");
+  line.ShowHelp(15);
+  EXPECT_STREQ(line.value(), kHelp[15]);
+  line.ShowHelp(14);
+  EXPECT_STREQ(line.value(), kHelp[14]);
+}
+
+TEST(HelpLineTest, AMessageGivesWayToTheTextThatStays) {
+  CHelpLine line(0, 0, 100, 20);
+  line.SetCurrentHelp(2);
+  line.ShowMessage("height 44.8");
+  line.RestoreHelp();
+  EXPECT_STREQ(line.value(), kHelp[2]);
+  line.ShowMessage("height 44.8");
+  line.ShowHelp(2);
+  EXPECT_STREQ(line.value(), kHelp[2]);
+  line.ShowMessage("height 44.8");
+  line.SetCurrentHelp(2);
+  EXPECT_STREQ(line.value(), kHelp[2]);
+}
+
 TEST(HelpLineTest, FillsInTheFrame) {
   CHelpLine line(0, 0, 100, 20);
   line.SetCurrentHelp(3);

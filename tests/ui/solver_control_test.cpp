@@ -137,6 +137,36 @@ TEST_F(SolverControlTest, RecorderTakesTheEditingToo) {
   ExpectStopped(User);
 }
 
+TEST_F(SolverControlTest, StoppedByTheUserOrByAToolThatLeftItSo) {
+  EXPECT_FALSE(Solver().IsStoppedByUser()) << "runs from the start";
+  for (const PauseReason reason : {Command, Converged, Freeze, Recorder}) {
+    Pause(reason);
+    EXPECT_FALSE(Solver().IsStoppedByUser());
+  }
+  Solver().EndRecorder();
+  EXPECT_TRUE(Solver().IsStoppedByUser());
+  Solver().ResumeSolver();
+  EXPECT_FALSE(Solver().IsStoppedByUser());
+  Pause(User);
+  EXPECT_TRUE(Solver().IsStoppedByUser());
+}
+
+TEST_F(SolverControlTest, OneEditOfEachStopIsTheFirstToWait) {
+  EXPECT_FALSE(Solver().TakeFirstWait()) << "runs";
+  for (const PauseReason before : {User, Converged, Freeze}) {
+    Pause(before);
+    Pause(User);
+    EXPECT_TRUE(Solver().TakeFirstWait());
+    EXPECT_FALSE(Solver().TakeFirstWait());
+    Pause(User);
+    EXPECT_FALSE(Solver().TakeFirstWait()) << "it was stopped already";
+  }
+  Solver().Run();
+  EXPECT_FALSE(Solver().TakeFirstWait());
+  Solver().StopSolver();
+  EXPECT_TRUE(Solver().TakeFirstWait());
+}
+
 TEST_F(SolverControlTest, WithoutAGridOnlyThePanelMoves) {
   CSolverControl alone(Panel(), CTimerStarts::Start);
   alone.StopSolver();

@@ -22,6 +22,7 @@ double CPtCstrHandler::SurfaceHeightAt(const CPlanePoint& place) const {
 void CPtCstrHandler::EndDrag() {
   m_iButton = 0;
   m_bJustCreated = false;
+  m_Values.EndDrag();
 }
 
 int CPtCstrHandler::Hover() {
@@ -40,18 +41,24 @@ void CPtCstrHandler::Press() {
     m_Grid.SelectPtCstr(m_Last.x, m_Last.y, m_uKind);
     m_iButton = button;
     Grab(button, press);
+    m_Values.SelectionChanged();
   } else if (button == FL_LEFT_MOUSE) {
     Create(press);
     m_iButton = button;
     m_bJustCreated = true;
+    m_Values.SelectionChanged();
   }
+  if (IsEditing()) m_Values.BeginDrag();
   RedrawBoth();
 }
 
 // The button is the one of the press: in a drag the toolkit forgets it as soon as a key goes down.
+bool CPtCstrHandler::IsEditing() const { return m_iButton == FL_RIGHT_MOUSE || m_bJustCreated; }
+
 void CPtCstrHandler::Drag() {
-  if (m_iButton == FL_RIGHT_MOUSE || m_bJustCreated) {
+  if (IsEditing()) {
     Edit(Cursor());
+    m_Values.Dragged();
   } else if (m_iButton == FL_LEFT_MOUSE) {
     Move(ClampedCursor());
   } else {
@@ -77,6 +84,7 @@ int CPtCstrHandler::Key() {
     case FL_Delete:
       EndDrag();
       m_Grid.DeleteSelectedPtCstr();
+      m_Values.SelectionChanged();
       break;
     case FL_Tab:
       SelectNeighbour(!Fl::event_state(FL_SHIFT));
@@ -84,6 +92,7 @@ int CPtCstrHandler::Key() {
     case FL_Escape:
       EndDrag();
       m_Grid.UnselectAll();
+      m_Values.SelectionChanged();
       break;
     default:
       return 0;
@@ -104,6 +113,7 @@ void CPtCstrHandler::SelectNeighbour(bool next) {
   } else {
     m_Grid.SelectPrevPtCstr(m_uKind);
   }
+  m_Values.SelectionChanged();
   RedrawBoth();
 }
 

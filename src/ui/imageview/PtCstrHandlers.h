@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "ui/imageview/CPlaneHandler.h"
+#include "ui/window/CValueMessages.h"
 
 /// Creates, selects and edits the point constraints of one kind with the mouse and the keyboard.
 class CPtCstrHandler : public CPlaneHandler {
@@ -13,7 +14,7 @@ class CPtCstrHandler : public CPlaneHandler {
  protected:
   /// `kind`: PtCstrKind::kPosition or kNormal.
   CPtCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, std::uint32_t kind)
-      : CPlaneHandler(grid, mapping, host), m_uKind(kind) {}
+      : CPlaneHandler(grid, mapping, host), m_uKind(kind), m_Values(grid, host, kind) {}
 
   double SurfaceHeightAt(const CPlanePoint& place) const;
 
@@ -35,10 +36,13 @@ class CPtCstrHandler : public CPlaneHandler {
   void Release() override { EndDrag(); }
   int Key() override;
   int Wheel() override;
+  /// Whether the drag changes what the constraint asks for and not where it is.
+  bool IsEditing() const;
   void Move(const CPlanePoint& cursor);
   void SelectNeighbour(bool next);
 
   std::uint32_t m_uKind;
+  CValueMessages m_Values;
   int m_iButton = 0;            ///< whose drag it is; 0: none
   bool m_bJustCreated = false;  ///< the press has created the constraint that is dragged
 };

@@ -35,7 +35,17 @@ CGridView::CGridView(int x, int y, int w, int h)
 
 void CGridView::AttachGrid(CGrid& grid) {
   m_pGrid = &grid;
+  ConnectMessages();
   ResetCamera();
+}
+
+void CGridView::AttachHost(ViewHost& host) {
+  m_pHost = &host;
+  ConnectMessages();
+}
+
+void CGridView::ConnectMessages() {
+  if (m_pGrid != nullptr && m_pHost != nullptr) m_Values.emplace(*m_pGrid, *m_pHost, PtCstrKind::kPosition);
 }
 
 void CGridView::SetFlag(std::uint32_t flag, bool on) {
@@ -143,6 +153,7 @@ void CGridView::BeginDrag() {
 void CGridView::EndDrag() {
   if (m_iDragButton == 0) return;
   m_iDragButton = 0;
+  if (m_Values) m_Values->EndDrag();
   m_pHost->ResumeAfterCommand();
 }
 
@@ -206,5 +217,6 @@ void CGridView::RaiseSelected(int dy) {
   const CExtent& extent = m_pGrid->Lattice().Extent();
   const double side = std::max(extent.x1 - extent.x0, extent.y1 - extent.y0);
   m_pGrid->SetSelectedHeight(m_pGrid->GetSelectedHeight() + m_Camera.HeightOfDrag(dy, h(), side));
+  m_Values->Dragged();
   m_pHost->RedrawImageView();
 }

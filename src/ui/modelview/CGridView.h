@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -11,6 +12,7 @@
 #include "ui/drawing/DisplayFlags.h"
 #include "ui/modelview/CCamera.h"
 #include "ui/modelview/ModelPainter.h"
+#include "ui/window/CValueMessages.h"
 
 class CGrid;
 class CTextures;
@@ -24,7 +26,7 @@ class CGridView : public Fl_Gl_Window {
   /// The grid to show; it must outlive the view. Without one the view draws nothing. Resets the camera.
   void AttachGrid(CGrid& grid);
   /// The window around the view; it must outlive it.
-  void AttachHost(ViewHost& host) { m_pHost = &host; }
+  void AttachHost(ViewHost& host);
   /// Where the picture lies on the graphics card; it must outlive the view. Without it the model has no texture.
   void AttachTextures(CTextures& textures) { m_View.m_pTextures = &textures; }
   /// Has the view answer the mouse. Until then, and without a host, every event goes to the toolkit.
@@ -60,6 +62,7 @@ class CGridView : public Fl_Gl_Window {
   void draw() override;
 
  private:
+  void ConnectMessages();
   void DrawScene();
   void BeginDrag();
   void Drag();
@@ -69,6 +72,7 @@ class CGridView : public Fl_Gl_Window {
 
   CGrid* m_pGrid = nullptr;
   ViewHost* m_pHost = nullptr;
+  std::optional<CValueMessages> m_Values;  ///< as soon as there are both
   bool m_bEventsEnabled = false;
   CModelPainter::CView m_View;
   CModelPainter m_Painter;

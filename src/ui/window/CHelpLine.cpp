@@ -5,12 +5,21 @@
 
 void CHelpLine::SetCurrentHelp(int index) {
   m_iCurrent = index;
-  ShowHelp(index);
+  RestoreHelp();
 }
 
 void CHelpLine::ShowHelp(int index) {
-  // The mouse over a control asks again at every motion.
-  if (index == m_iShown && index != HelpText::kFrameRecorded) return;
+  if (index == m_iAsked) return;
+  m_iAsked = index;
+  Show(index);
+}
+
+void CHelpLine::RestoreHelp() {
+  m_iAsked = kOther;
+  Show(m_iCurrent);
+}
+
+void CHelpLine::Show(int index) {
   m_iShown = index;
   value(HelpTextOf(index));
 }
@@ -24,5 +33,6 @@ void CHelpLine::ShowFrameRecorded(int frame) {
   std::array<char, 64> text{};
   std::snprintf(text.data(), text.size(), HelpTextOf(HelpText::kFrameRecorded), frame);
   m_iShown = HelpText::kFrameRecorded;
+  m_iAsked = kOther;
   value(text.data());
 }

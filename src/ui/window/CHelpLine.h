@@ -26,10 +26,11 @@ class CHelpLine : public CPassiveOutput {
 
   /// Shows a text and makes it the one that stays.
   void SetCurrentHelp(int index);
-  /// Shows a text until the current one is restored.
+  /// Shows a text until the current one is restored. A message that has come up since the same text was asked for
+  /// stays: the mouse over a control asks again at every motion.
   void ShowHelp(int index);
-  void RestoreHelp() { ShowHelp(m_iCurrent); }
-  /// Shows a message until the current text is restored or another one is shown.
+  void RestoreHelp();
+  /// Shows a message until the current text is restored or another one is asked for.
   void ShowMessage(const std::string& text);
   /// "Frame nb ... recorded.", until the current text is restored.
   void ShowFrameRecorded(int frame);
@@ -38,8 +39,11 @@ class CHelpLine : public CPassiveOutput {
   int ShownHelp() const { return m_iShown; }
 
  private:
-  static constexpr int kOther = -1;  ///< shown: none of the numbered texts
+  static constexpr int kOther = -1;  ///< none of the numbered texts
+
+  void Show(int index);
 
   int m_iCurrent = HelpText::kNone;
   int m_iShown = HelpText::kNone;
+  int m_iAsked = kOther;  ///< by what lies under the mouse
 };

@@ -20,6 +20,9 @@
 
 namespace {
 
+// Whether the surface would follow once the solver runs.
+bool ChangesSurface(int operation) { return operation != Operation::kSaveGrid && operation != Operation::kLoadImage; }
+
 int Scaled(int length, double scale) { return static_cast<int>(std::lround(length * scale)); }
 
 // The toolkit remembers the last key typed, so a click on the title bar may find Escape as the key: the event must be
@@ -285,9 +288,21 @@ void CImageViewUI::cb_Window(Fl_Widget* widget, void* /*data*/) {
 void CImageViewUI::cb_PendingWork(void* data) {
   auto& window = *static_cast<CImageViewUI*>(data);
   if (window.m_pGrid == nullptr || window.m_bPerforming || g_nSolverTimers != 0) return;
-  if (window.m_pGrid->NextOperation() == Operation::kNone) return;
-  window.m_bPerforming = true;
-  window.m_pGrid->PerformPendingWork();
-  window.m_bPerforming = false;
-  window.RequestRedraw();
+  if (window.m_pGrid->NextOperation() != Operation::kNone) window.PerformPendingWork();
+  window.TellOfWaitingEdit();
+}
+
+void CImageViewUI::PerformPendingWork() {
+  if (ChangesSurface(m_pGrid->NextOperation()) && m_Solver.TakeFirstWait()) m_bEditWaits = true;
+  m_bPerforming = true;
+  m_pGrid->PerformPendingWork();
+  m_bPerforming = false;
+  RequestRedraw();
+}
+
+// Not while a button is held: the drag shows its own value.
+void CImageViewUI::TellOfWaitingEdit() {
+  if (!m_bEditWaits || Fl::pushed() != nullptr) return;
+  m_bEditWaits = false;
+  if (m_Solver.IsStoppedByUser()) Tell(FormatHelp(HelpText::kSolverStopped));
 }

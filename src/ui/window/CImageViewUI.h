@@ -128,6 +128,8 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void SetCurveType(int type);
   /// The help text that stays with what the mouse does in the image view.
   int CurrentHelp() const;
+  void PerformPendingWork();
+  void TellOfWaitingEdit();
   void SetDebugFlag(std::uint32_t flag, bool on);
   void UpdateDebugReadOuts();
   void CycleLevelTool();
@@ -174,5 +176,6 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   bool m_bHelpLine = true;
   bool m_bPictureLoaded = false;
   bool m_bFreezing = false;
+  bool m_bEditWaits = false;   ///< for the solver, and the user is not told yet
   bool m_bPerforming = false;  ///< pending work is being done, perhaps with a dialog that lets events in
 };

@@ -1,5 +1,7 @@
 #include "ui/window/CSolverControl.h"
 
+#include <utility>
+
 #include "model/CGrid.h"
 
 bool CSolverControl::IsRunning() const { return m_pGrid != nullptr && m_pGrid->IsRunning(); }
@@ -9,7 +11,10 @@ void CSolverControl::HaltSolver() {
   m_Panel.ShowSolverRunning(false);
 }
 
+bool CSolverControl::TakeFirstWait() { return IsStoppedByUser() && std::exchange(m_bNothingWaits, false); }
+
 void CSolverControl::Stop(PauseReason reason) {
+  if (!IsStoppedByUser()) m_bNothingWaits = true;
   m_Reason = reason;
   HaltSolver();
 }
@@ -42,6 +47,7 @@ void CSolverControl::Resume() {
 
 void CSolverControl::Run() {
   if (m_pGrid == nullptr) return;
+  m_bNothingWaits = true;
   m_pGrid->SetRunning(true);
   m_pStartTimer(*m_pGrid);
 }

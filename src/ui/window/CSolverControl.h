@@ -34,6 +34,10 @@ class CSolverControl {
 
   PauseReason Reason() const { return m_Reason; }
   bool IsRunning() const;
+  /// By the user, or by a tool that has left it so: until the user resumes it, edits wait.
+  bool IsStoppedByUser() const { return m_Reason == PauseReason::User && m_pGrid != nullptr && !IsRunning(); }
+  /// Whether an edit that is made now is the first one to wait for the user; true once for each stop.
+  bool TakeFirstWait();
 
   void StopSolver();
   /// Stops the solver but keeps the reason for which it may go on again.
@@ -64,4 +68,5 @@ class CSolverControl {
   StartTimer m_pStartTimer;
   CGrid* m_pGrid = nullptr;
   PauseReason m_Reason = PauseReason::User;
+  bool m_bNothingWaits = true;  ///< no edit has been made since the user stopped the solver
 };

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <initializer_list>
 #include <string>
+#include <string_view>
 
 /// The texts of the help line, by index. Those from HelpText::kFirstMessage on are messages: they come up by
 /// themselves, leave open what %1, %2 and so on stand for, and never become the text that stays.
@@ -37,6 +38,11 @@ inline constexpr std::array kHelpTexts{
     "Frame nb %4d recorded.",
     "Choose the type of the curve first: type p, n or f, or click on one of the three types. Then press Enter again.",
     "The solver has given up: the surface is not what the constraints ask for. It goes on when you change one of them.",
+    "height %1",
+    "height %1, was %2",
+    "slope (%1, %2)",
+    "slope (%1, %2), was (%3, %4)",
+    "The solver is stopped: Resume the solver lets it go on",
 };
 
 /// Indices of the texts that are not tied to a control.
@@ -51,6 +57,11 @@ inline constexpr int kFrameRecorded = 20;  ///< a format that takes the number o
 inline constexpr int kFirstMessage = 21;
 inline constexpr int kCurveTypeWanted = 21;  ///< a curve is to end whose type has not been chosen
 inline constexpr int kSolverGaveUp = 22;     ///< the solver has stopped itself without having converged
+inline constexpr int kHeight = 23;           ///< what a position constraint asks for
+inline constexpr int kHeightDragged = 24;    ///< the same, and what the surface had there when the drag began
+inline constexpr int kSlope = 25;            ///< dz/dx and dz/dy
+inline constexpr int kSlopeDragged = 26;
+inline constexpr int kSolverStopped = 27;
 }  // namespace HelpText
 
 /// The text of an index; the empty one for an index that has none.
@@ -60,4 +71,10 @@ inline constexpr const char* HelpTextOf(int index) {
 }
 
 /// The text of an index with each %1, %2 ... replaced by the value of that place.
-std::string FormatHelp(int index, std::initializer_list<std::string> values = {});
+std::string FormatHelp(int index, std::initializer_list<std::string_view> values = {});
+/// The same in place of `text`, whose memory is used again.
+void FormatHelp(std::string& text, int index, std::initializer_list<std::string_view> values);
+
+/// A number as the help line shows it: at most six digits, the same under every locale, and 0 for what is less than a
+/// billionth of `unit`, the size that matters.
+std::string HelpNumber(double value, double unit);

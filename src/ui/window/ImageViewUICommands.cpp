@@ -251,7 +251,11 @@ void CImageViewUI::ToggleTool(Tool tool) {
   ShowLamp(tool, window.IsOpen());
 }
 
-void CImageViewUI::ToolClosed(Tool tool) { ShowLamp(tool, false); }
+// The recorder and the scissors leave the solver stopped.
+void CImageViewUI::ToolClosed(Tool tool) {
+  ShowLamp(tool, false);
+  if (tool != Tool::LightSources && m_Solver.IsStoppedByUser()) Tell(FormatHelp(HelpText::kSolverStopped));
+}
 
 void CImageViewUI::ShowLamp(Tool tool, bool on) {
   constexpr std::array kButtons{Control::LightSources, Control::Recorder, Control::Scissors};

@@ -26,6 +26,8 @@ class CRecordingViewHost : public ViewHost {
   void ResumeAfterCommand() override { ++m_iResumptions; }
   void ShowHelp(int index) override { m_aiHelps.push_back(index); }
   void RestoreHelp() override { ++m_iHelpsRestored; }
+  void ShowMessage(const std::string& text) override { m_aMessages.push_back(text); }
+  void Tell(const std::string& text) override { m_aTold.push_back(text); }
   void RedrawImageView() override { ++m_iImageRedraws; }
   void RedrawModelView() override {}
   void FocusImageView() override { ++m_iFocuses; }
@@ -40,6 +42,8 @@ class CRecordingViewHost : public ViewHost {
   int m_iResumptions = 0;
   std::vector<int> m_aiHelps;
   int m_iHelpsRestored = 0;
+  std::vector<std::string> m_aMessages;
+  std::vector<std::string> m_aTold;
   int m_iImageRedraws = 0;
   int m_iFocuses = 0;
   int m_iLightMoves = 0;
