@@ -1,13 +1,19 @@
 #include "batch/CBatchOptions.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
+#include <filesystem>
+#include <limits>
 #include <map>
 #include <string_view>
 
 #include <CLI/CLI.hpp>
 
 #include "batch/ExitStatus.h"
+#include "batch/OutputConflict.h"
+#include "io/HeightFieldExport.h"
 
 namespace {
 
@@ -18,9 +24,12 @@ const std::map<std::string, WaveletMode> kModes{
 const std::map<std::string, CBatchOptions::Report> kReports{{"json", CBatchOptions::Report::Json},
                                                             {"text", CBatchOptions::Report::Text}};
 
-bool ReadNumber(std::string_view text, int& number) {
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  return error == std::errc() && end == text.data() + text.size();
+// Digits and nothing else, of a number that the type holds.
+template <typename Whole>
+bool ReadNumber(std::string_view text, Whole& number) {
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  return !text.empty() && std::ranges::all_of(text, isDigit) &&
+         std::from_chars(text.data(), text.data() + text.size(), number).ec == std::errc();
 }
 
 // Plain digits; above 0 and finite.
@@ -36,6 +45,28 @@ bool ReadSize(std::string_view text, int& width, int& height) {
          ReadNumber(text.substr(cross + 1), height) && width >= kFewestSamples && height >= kFewestSamples;
 }
 
+// `Value` is the number's type or an optional of it.
+template <typename Whole, typename Value>
+CLI::Option* AddNumber(CLI::App& app, const std::string& name, Value& value, const std::string& description) {
+  const auto read = [name, &value](const std::string& text) {
+    Whole number = 0;
+    if (!ReadNumber(text, number)) {
+      const std::string most = std::to_string(std::numeric_limits<Whole>::max());
+      throw CLI::ValidationError(name, "a whole number from 0 to " + most + " is expected, not '" + text + "'");
+    }
+    value = number;
+  };
+  return app.add_option_function<std::string>(name, read, description)->type_name("N");
+}
+
+CLI::Option* AddFile(CLI::App& app, const std::string& name, std::string& path, const std::string& description,
+                     const std::string& placeholder) {
+  const auto complaint = [](const std::string& text) {
+    return std::string(text.empty() ? "the name of a file is expected" : "");
+  };
+  return app.add_option(name, path, description)->type_name(placeholder)->check(complaint);
+}
+
 template <typename Value>
 CLI::Option* AddChoice(CLI::App& app, const std::string& name, Value& value, const std::map<std::string, Value>& names,
                        const std::string& description) {
@@ -45,16 +76,12 @@ CLI::Option* AddChoice(CLI::App& app, const std::string& name, Value& value, con
 }
 
 void AddSolving(CLI::App& app, CBatchOptions& options) {
-  CLI::Option* iterations =
-      app.add_option("--iterations", options.m_Iterations, "Stop after N iterations, rounded up to whole ticks of ten")
-          ->type_name("N")
-          ->check(CLI::NonNegativeNumber);
+  CLI::Option* iterations = AddNumber<long>(app, "--iterations", options.m_Iterations,
+                                            "Stop after N iterations, rounded up to whole ticks of ten");
   const std::string untilConverged = "Go on until the solver pauses itself (default)";
   app.add_flag("--until-converged", untilConverged)->excludes(iterations);
-  app.add_option("--max-iterations", options.m_iMaxIterations, "Bound of going on until converged")
-      ->type_name("N")
-      ->capture_default_str()
-      ->check(CLI::NonNegativeNumber)
+  AddNumber<long>(app, "--max-iterations", options.m_iMaxIterations, "Bound of going on until converged")
+      ->default_str(std::to_string(options.m_iMaxIterations))
       ->excludes(iterations);
   const auto readSeconds = [&options](const std::string& text) {
     if (!ReadSeconds(text, options.m_fMaxSeconds))
@@ -64,40 +91,55 @@ void AddSolving(CLI::App& app, CBatchOptions& options) {
       ->type_name("SECONDS");
   AddChoice(app, "--wavelets", options.m_Mode, kModes, "Basis to solve in: new (default), simple or no");
   app.add_flag("--high-res", options.m_bHighRes, "Transfer to the highest resolution before solving");
-  app.add_option("--seed", options.m_uSeed, "Seed of the random start")->type_name("N")->capture_default_str();
+  AddNumber<std::uint32_t>(app, "--seed", options.m_uSeed, "Seed of the random start")
+      ->default_str(std::to_string(options.m_uSeed));
 }
 
-void AddOutputs(CLI::App& app, CBatchOptions& options) {
-  CLI::Option* save = app.add_option("--save", options.m_GridOut, "Write the model")->type_name("OUT.grid");
-  app.add_flag("--with-lights", options.m_bWithLights, "Write the lights into the model, too")->needs(save);
-  app.add_option("--vrml", options.m_VrmlOut, "Write the surface as a VRML 2.0 scene")->type_name("OUT.wrl");
-  CLI::Option* heights =
-      app.add_option("--height-field", options.m_HeightFieldOut, "Write sampled heights")->type_name("OUT.txt");
+void AddSize(CLI::App& app, CBatchOptions& options, CLI::Option& heights) {
   const auto readSize = [&options](const std::string& text) {
     if (!ReadSize(text, options.m_iWidth, options.m_iHeight))
-      throw CLI::ValidationError("--size", "WxH with whole numbers from 2 on is expected, not " + text);
+      throw CLI::ValidationError("--size", "WxH with whole numbers from 2 on is expected, not '" + text + "'");
+    if (!IsHeightFieldSize(options.m_iWidth, options.m_iHeight)) {
+      const std::string most = std::to_string(kMostHeightSamples);
+      throw CLI::ValidationError("--size", "a height field has at most " + most + " samples, not " + text);
+    }
   };
   app.add_option_function<std::string>("--size", readSize, "Samples of the height field (default 200x200)")
       ->type_name("WxH")
-      ->needs(heights);
+      ->needs(&heights);
+}
+
+void AddOutputs(CLI::App& app, CBatchOptions& options) {
+  CLI::Option* save = AddFile(app, "--save", options.m_GridOut, "Write the model", "OUT.grid");
+  app.add_flag("--with-lights", options.m_bWithLights, "Write the lights into the model, too")->needs(save);
+  AddFile(app, "--vrml", options.m_VrmlOut, "Write the surface as a VRML 2.0 scene", "OUT.wrl");
+  CLI::Option* heights = AddFile(app, "--height-field", options.m_HeightFieldOut, "Write sampled heights", "OUT.txt");
+  AddSize(app, options, *heights);
   AddChoice(app, "--report", options.m_Report, kReports, "Report on standard output: json or text");
   app.add_flag("--quiet", options.m_bQuiet, "No progress and no lines of the model on standard error");
 }
 
 }  // namespace
 
+std::string CBatchOptions::PictureOut() const {
+  if (m_Image.empty() || m_VrmlOut.empty()) return {};
+  return std::filesystem::path(m_VrmlOut).replace_filename("picture.jpg");
+}
+
 CParsedOptions ParseOptions(int argc, const char* const* argv) {
   CParsedOptions parsed;
   CLI::App app{"Solves a relievo model without a window and exports its surface.", "relievo-batch"};
   app.set_version_flag("--version", "relievo-batch " RELIEVO_VERSION);
-  app.add_option("MODEL", parsed.m_Options.m_Model, "Grid file to read")->required()->type_name("MODEL.grid");
-  app.add_option("--image", parsed.m_Options.m_Image, "Photograph; becomes picture.jpg beside the VRML scene")
-      ->type_name("PHOTO.bmp");
+  AddFile(app, "MODEL", parsed.m_Options.m_Model, "Grid file to read", "MODEL.grid")->required();
+  AddFile(app, "--image", parsed.m_Options.m_Image, "Photograph; becomes picture.jpg beside the VRML scene",
+          "PHOTO.bmp");
   app.add_flag("--strict", parsed.m_Options.m_bStrict, "Refuse a damaged model instead of going on with what is whole");
   AddSolving(app, parsed.m_Options);
   AddOutputs(app, parsed.m_Options);
   try {
     app.parse(argc, argv);
+    if (const std::string conflict = OutputConflict(parsed.m_Options); !conflict.empty())
+      throw CLI::ValidationError(conflict);
   } catch (const CLI::ParseError& end) {
     parsed.m_ExitStatus = app.exit(end) == 0 ? ExitStatus::kDone : ExitStatus::kUsage;
   }

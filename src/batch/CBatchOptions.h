@@ -28,6 +28,9 @@ struct CBatchOptions {
   std::uint32_t m_uSeed = 1;  ///< of the random start
   Report m_Report = Report::None;
   bool m_bQuiet = false;
+
+  /// Where the photograph goes as the texture of the scene; empty where none is written.
+  std::string PictureOut() const;
 };
 
 /// Options from the command line, or the status to end with: help and version are printed and end with 0, misuse is

@@ -1,7 +1,6 @@
 #include "batch/CBatchRun.h"
 
 #include <chrono>
-#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <sstream>
@@ -132,13 +131,10 @@ bool CBatchRun::WriteOutputs() {
   bool written = true;
   if (!m_Options.m_GridOut.empty()) written = m_Grid.Save(m_Options.m_GridOut) && written;
   EndIfAsked();
-  if (!m_Options.m_VrmlOut.empty()) {
-    written = m_Grid.SaveVrml(m_Options.m_VrmlOut) && written;
-    const std::string jpeg = std::filesystem::path(m_Options.m_VrmlOut).replace_filename("picture.jpg");
-    if (!m_Picture.m_aPixels.empty() && !SaveJpeg(jpeg, m_Picture)) {
-      Complain("The file " + jpeg + " could not be written.");
-      written = false;
-    }
+  if (!m_Options.m_VrmlOut.empty()) written = m_Grid.SaveVrml(m_Options.m_VrmlOut) && written;
+  if (const std::string jpeg = m_Options.PictureOut(); !jpeg.empty() && !SaveJpeg(jpeg, m_Picture)) {
+    Complain("The file " + jpeg + " could not be written.");
+    written = false;
   }
   EndIfAsked();
   if (!m_Options.m_HeightFieldOut.empty())

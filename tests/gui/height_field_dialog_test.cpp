@@ -98,7 +98,9 @@ TEST_F(HeightFieldDialogTest, BadInputIsNamedAndKept) {
   };
   for (const CRow& row :
        {CRow{"", "40", "Width must be a number."}, CRow{"30", "4e", "Height must be a number."},
-        CRow{"3e9", "40", "Width must be at most 2147483647."}, CRow{"30", "1e999", "Height must be a number."}}) {
+        CRow{"3e9", "40", "Width must be at most 2147483647."}, CRow{"30", "1e999", "Height must be a number."},
+        CRow{"10001", "10000", "A height field has at most 100000000 samples."},
+        CRow{"2147483647", "2147483647", "A height field has at most 100000000 samples."}}) {
     m_Views.m_asNotices.clear();
     Open(
         [&](Fl_Window& window) {

@@ -8,6 +8,7 @@
 
 #include <FL/Fl_Box.H>
 
+#include "io/HeightFieldExport.h"
 #include "ui/dialogs/CNumberInput.h"
 #include "ui/dialogs/ScaleWidgets.h"
 
@@ -41,6 +42,10 @@ bool CHeightFieldDialog::ReadInput() {
   int width = 0;
   int height = 0;
   if (!ReadSize(*m_pWidth, width) || !ReadSize(*m_pHeight, height)) return false;
+  if (!IsHeightFieldSize(width, height)) {
+    Refuse(("A height field has at most " + std::to_string(kMostHeightSamples) + " samples.").c_str());
+    return false;
+  }
   m_iWidth = width;
   m_iHeight = height;
   m_Export(width, height);

@@ -1,0 +1,63 @@
+#include "batch/OutputConflict.h"
+
+#include <filesystem>
+#include <system_error>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kMostLinks = 40;
+
+struct CNamedFile {
+  std::string m_Option;
+  std::string m_Path;
+};
+
+// Where writing to a path would end, a link that leads to nothing yet included.
+fs::path Target(const std::string& path) {
+  std::error_code failed;
+  fs::path target = fs::absolute(path, failed);
+  for (int links = 0; links < kMostLinks && fs::is_symlink(target, failed); ++links)
+    target = target.parent_path() / fs::read_symlink(target, failed);
+  const fs::path canonical = fs::weakly_canonical(target, failed);
+  return failed ? target.lexically_normal() : canonical;
+}
+
+bool IsOneFile(const std::string& a, const std::string& b) {
+  std::error_code missing;
+  return Target(a) == Target(b) || fs::equivalent(a, b, missing);
+}
+
+std::vector<CNamedFile> OutputsOf(const CBatchOptions& options) {
+  std::vector<CNamedFile> outputs;
+  const auto add = [&outputs](const std::string& option, const std::string& path) {
+    if (!path.empty()) outputs.push_back({option, path});
+  };
+  add("--save", options.m_GridOut);
+  add("--vrml", options.m_VrmlOut);
+  add("the picture of --vrml", options.PictureOut());
+  add("--height-field", options.m_HeightFieldOut);
+  return outputs;
+}
+
+std::string Conflict(const CNamedFile& a, const CNamedFile& b) {
+  return a.m_Option + " and " + b.m_Option + " are one file: " + a.m_Path;
+}
+
+}  // namespace
+
+std::string OutputConflict(const CBatchOptions& options) {
+  const std::vector<CNamedFile> outputs = OutputsOf(options);
+  for (auto a = outputs.begin(); a != outputs.end(); ++a) {
+    for (auto b = outputs.begin(); b != a; ++b) {
+      if (IsOneFile(a->m_Path, b->m_Path)) return Conflict(*b, *a);
+    }
+    if (!options.m_Image.empty() && IsOneFile(a->m_Path, options.m_Image))
+      return Conflict(*a, {"--image", options.m_Image});
+    if (a->m_Option != "--save" && IsOneFile(a->m_Path, options.m_Model))
+      return Conflict(*a, {"MODEL", options.m_Model});
+  }
+  return {};
+}

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <string>
+
+#include "batch/CBatchOptions.h"
+
+/// Which outputs of a run would overwrite each other or an input; empty where none would. However a file is named or
+/// linked, it is one file. Only the model may be written over, and only by the model.
+std::string OutputConflict(const CBatchOptions& options);
