@@ -97,6 +97,37 @@ void PrintInactive(std::ostream& out, const nlohmann::ordered_json& inactive) {
         << entry["reason"].get<std::string>() << '\n';
 }
 
+bool IsNonFinite(const nlohmann::ordered_json& value) {
+  if (value.is_number_float()) return !std::isfinite(value.get<double>());
+  return value.is_array() && std::ranges::any_of(value, IsNonFinite);
+}
+
+// JSON has no word for numbers beyond the finite ones: such a field is named instead.
+nlohmann::ordered_json WithoutNonFinite(const nlohmann::ordered_json& report) {
+  nlohmann::ordered_json finite;
+  nlohmann::ordered_json named = nlohmann::ordered_json::array();
+  for (const auto& [name, value] : report.items()) {
+    if (IsNonFinite(value)) {
+      named.push_back(name);
+    } else {
+      finite[name] = value;
+    }
+  }
+  if (!named.empty()) finite["non_finite"] = named;
+  return finite;
+}
+
+// "z range: 1.5 to 3", or for words "non finite: energy, z range".
+void PrintArray(std::ostream& out, const nlohmann::ordered_json& values) {
+  if (values.front().is_number()) {
+    out << values.front().dump() << " to " << values.back().dump() << '\n';
+    return;
+  }
+  const char* separator = "";
+  for (const auto& value : values) out << std::exchange(separator, ", ") << value.get<std::string>();
+  out << '\n';
+}
+
 // "name: value" lines; the names of parts follow that of the whole, and the words of a name stand apart.
 void PrintText(std::ostream& out, const std::string& name, const nlohmann::ordered_json& value) {
   if (value.is_object()) {
@@ -109,7 +140,7 @@ void PrintText(std::ostream& out, const std::string& name, const nlohmann::order
   std::ranges::replace(words, '_', ' ');
   out << words << ": ";
   if (value.is_array()) {
-    out << value.front().dump() << " to " << value.back().dump() << '\n';
+    PrintArray(out, value);
   } else {
     out << (value.is_string() ? value.get<std::string>() : value.dump()) << '\n';
   }
@@ -136,7 +167,7 @@ std::string InactiveSummary(const CGrid& grid) {
 
 void PrintReport(std::ostream& out, CBatchOptions::Report form, const CGrid& grid, const CBatchResult& result) {
   if (form == CBatchOptions::Report::None) return;
-  const nlohmann::ordered_json report = ReportOf(grid, result);
+  const nlohmann::ordered_json report = WithoutNonFinite(ReportOf(grid, result));
   if (form == CBatchOptions::Report::Json) {
     out << report.dump(2) << '\n';
   } else {

@@ -64,6 +64,22 @@ TEST_F(Batch, TellsOfInactiveConstraintsOnStandardError) {
   EXPECT_EQ(Bytes("err"), "");
 }
 
+// A height whose row is beyond the finite numbers.
+TEST_F(Batch, NamesNumbersThatAreNotFinite) {
+  CTestGrid test(4, 2);
+  AddAll(test.m_Grid, {HeightCstr(3, 21, 1e308)});
+  test.m_Grid.PerformPendingWork();
+  WriteText(Path("huge.grid"), GridText(test.m_Grid));
+  ASSERT_EQ(Run("huge.grid --iterations 0 --report json"), 0);
+  EXPECT_EQ(Bytes("out").find("null"), std::string::npos) << Bytes("out");
+  EXPECT_EQ(Report()["non_finite"], json({"largest_constraint_residual"}));
+  EXPECT_FALSE(Report().contains("largest_constraint_residual"));
+  ASSERT_EQ(Run("huge.grid --iterations 0 --report text"), 0);
+  EXPECT_NE(Bytes("out").find("\nnon finite: largest_constraint_residual\n"), std::string::npos) << Bytes("out");
+  ASSERT_EQ(Run("model.grid --iterations 0 --report json"), 0);
+  EXPECT_FALSE(Report().contains("non_finite"));
+}
+
 // A model that breaks off among its heights.
 class DamagedBatch : public Batch {
  protected:
