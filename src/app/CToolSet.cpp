@@ -33,9 +33,7 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
   services.m_Model.m_AskNewGrid = [this](const CGrid& present) {
     return m_GridParameters.Ask(present.Lattice().Extent(), present.MaxLevel());
   };
-  services.m_Model.m_LoadGrid = [](CGrid& target, const std::string& file) {
-    return target.Load(file) != GridFileState::NotOpened;
-  };
+  services.m_Model.m_LoadGrid = [](CGrid& target, const std::string& file) { return IsReplaced(target.Load(file)); };
   services.m_Model.m_SaveGrid = [](CGrid& source, const std::string& file) { source.Save(file); };
   services.m_Model.m_SaveVrml = [](CGrid& source, const std::string& file) { return source.SaveVrml(file); };
   services.m_Model.m_ExportHeightField = [this](CGrid&) { m_HeightField.Open(); };

@@ -66,7 +66,7 @@ int CBatchRun::StatusOfStop() const {
 bool CBatchRun::ReadInputs() {
   const CStopwatch watch(m_Result.m_Seconds.m_fLoad);
   const GridFileState state = m_Grid.Load(m_Options.m_Model);
-  if (state == GridFileState::NotOpened || state == GridFileState::Invalid) return false;
+  if (!IsRead(state)) return false;
   m_Result.m_bDamaged = state == GridFileState::Damaged;
   if (m_Result.m_bDamaged && m_Options.m_bStrict) {
     Complain("A damaged model is refused, as --strict wants it; nothing is written.");

@@ -84,10 +84,10 @@ void CCntrCtrl::Simplify(const CLattice& lattice) {
   RemoveBetween(anchor, std::prev(m_aNodes.end()));
 }
 
-void CCntrCtrl::Write(std::ostream& out) const {
+void CCntrCtrl::Write(std::ostream& out, double tolerance) const {
   out << (m_bClosed ? 1 : 0) << '\t' << m_aNodes.size() << '\n';
   for (const CCntrNode& node : m_aNodes) {
-    WritePtCstr(out, node);
+    WritePtCstr(out, node, tolerance);
     const CNodeWeights& w = node.m_Weights;
     out << '\t' << w.m_fLeftCurvature << '\t' << w.m_fLeftTorsion << '\t' << w.m_fRightCurvature << '\t'
         << w.m_fRightTorsion << '\n';

@@ -128,8 +128,9 @@ class CCntrCtrl {
   /// worst quadratic in the nodes of one straight stretch.
   void Simplify(const CLattice& lattice);
 
-  /// The text form, the last line without its end. Offsets and state are not part of it.
-  void Write(std::ostream& out) const;
+  /// The text form, the last line without its end. Offsets and state are not part of it. Places and heights are kept to
+  /// within `tolerance`.
+  void Write(std::ostream& out, double tolerance) const;
   /// Replaces everything but the state by what the stream holds, as far as it can be read. The offsets are those of no
   /// curve until they are updated.
   void Read(std::istream& in);

@@ -3,11 +3,15 @@
 #include <istream>
 #include <ostream>
 
+#include "base/SavedNumber.h"
 #include "constraints/CPtCstr.h"
 
-void WritePtCstr(std::ostream& out, const CPtCstr& record) {
-  out << record.m_fX << '\t' << record.m_fY << '\t' << record.m_fZ << '\t' << record.m_fP << '\t' << record.m_fQ << '\t'
-      << record.m_uKind;
+void WritePtCstr(std::ostream& out, const CPtCstr& record, double tolerance) {
+  for (const double number : {record.m_fX, record.m_fY, record.m_fZ}) {
+    WriteSavedNumber(out, number, tolerance);
+    out << '\t';
+  }
+  out << record.m_fP << '\t' << record.m_fQ << '\t' << record.m_uKind;
 }
 
 void ReadPtCstr(std::istream& in, CPtCstr& record) {

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <new>
+#include <system_error>
 #include <vector>
 
 #include "base/Console.h"
@@ -17,6 +19,10 @@ constexpr std::size_t kHeaderSize = 54;
 constexpr std::size_t kFileAlign = 4;
 // Far beyond what a graphics card takes as a texture, and small enough that a forged header cannot exhaust the memory.
 constexpr std::uint64_t kMaxPictureBytes = std::uint64_t{1} << 30;
+// A header may ask for this much, or for so many bytes for each that the file has, and no more. Short files are read as
+// far as they go, but a few bytes must not fill the memory.
+constexpr std::uint64_t kHarmlessBytes = std::uint64_t{64} << 20;
+constexpr std::uint64_t kMostPerFileByte = 16;
 // Many rows per system call, and still within the cache.
 constexpr std::size_t kStreamBuffer = std::size_t{1} << 17;
 
@@ -56,8 +62,10 @@ struct CSize {
 
   std::uint64_t Stride(std::uint64_t align) const { return RoundedUp(3 * static_cast<std::uint64_t>(m_iWidth), align); }
   // Both factors are below 2^33 and 2^31, so that their product does not overflow.
-  bool IsBearable(std::uint64_t align) const {
-    return m_iWidth >= 0 && Stride(align) * static_cast<std::uint64_t>(m_iHeight) <= kMaxPictureBytes;
+  bool IsBearable(std::uint64_t align, std::uint64_t fileSize) const {
+    if (m_iWidth < 0) return false;
+    const std::uint64_t bytes = Stride(align) * static_cast<std::uint64_t>(m_iHeight);
+    return bytes <= kMaxPictureBytes && (bytes <= kHarmlessBytes || bytes / kMostPerFileByte <= fileSize);
   }
 };
 
@@ -67,6 +75,8 @@ void Refuse(const std::string& filename) {
 
 // The header's verdict; nothing, with the line that says why, for a file that is refused.
 std::optional<CSize> SizeFrom(const Header& header, const std::string& filename, std::uint64_t align) {
+  std::error_code ignored;
+  const std::uint64_t fileSize = std::filesystem::file_size(filename, ignored);
   if (Get(header, Field::kPixelOffset, 4) != kHeaderSize) {
     Console() << filename << " file header not accepted!";
     return {};
@@ -76,7 +86,7 @@ std::optional<CSize> SizeFrom(const Header& header, const std::string& filename,
   const bool accepted = Get(header, Field::kInfoSize, 4) == kInfoHeaderSize && size.m_iHeight >= 0 &&
                         Get(header, Field::kPlanes, 2) == 1 && Get(header, Field::kBitsPerPixel, 2) == 24 &&
                         Get(header, Field::kCompression, 4) == 0;
-  if (!accepted || !size.IsBearable(align)) {
+  if (!accepted || !size.IsBearable(align, fileSize)) {
     Refuse(filename);
     return {};
   }
@@ -136,16 +146,6 @@ class CInput {
   std::unique_ptr<std::FILE, CClose> m_pFile;
 };
 
-// Memory for the pixels, untouched so far; false where there is none.
-bool Reserve(std::vector<std::uint8_t>& pixels, std::size_t bytes) {
-  try {
-    pixels.reserve(bytes);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
-  return true;
-}
-
 // All rows, in the order of the file. Whether the file holds them all.
 bool ReadRows(CInput& file, const CSize& size, std::size_t stride, std::vector<std::uint8_t>& pixels) {
   if (size.m_iWidth == 0 || size.m_iHeight == 0) return true;
@@ -159,6 +159,26 @@ bool ReadRows(CInput& file, const CSize& size, std::size_t stride, std::vector<s
     pixels.insert(pixels.end(), row.begin(), row.end());
   }
   return complete;
+}
+
+std::optional<Global::CLoadedPicture> Load(const std::string& filename, std::uint64_t align) {
+  CInput file(filename);
+  if (!file.IsOpen()) {
+    Console() << "fail to open file " << filename << '\n';
+    return {};
+  }
+  Header header{};
+  // A header cut short fails the checks by its zeros or has lost no field that is looked at.
+  const bool headerComplete = file.Read(header);
+  const std::optional<CSize> size = SizeFrom(header, filename, align);
+  if (!size.has_value()) return {};
+  Global::CLoadedPicture loaded{{size->m_iWidth, size->m_iHeight, {}}, false};
+  const std::size_t stride = size->Stride(align);
+  loaded.m_Picture.m_aPixels.reserve(stride * static_cast<std::size_t>(size->m_iHeight));
+  Console() << "Global::LoadBMP\t\twidth = " << size->m_iWidth << "; padded_w = " << stride
+            << "; height = " << size->m_iHeight << '\n';
+  loaded.m_bEndsEarly = !ReadRows(file, *size, stride, loaded.m_Picture.m_aPixels) || !headerComplete;
+  return loaded;
 }
 
 Header HeaderOf(int width, int height) {
@@ -178,27 +198,12 @@ Header HeaderOf(int width, int height) {
 }  // namespace
 
 std::optional<Global::CLoadedPicture> Global::LoadBMP(const std::string& filename, int align) {
-  CInput file(filename);
-  if (!file.IsOpen()) {
-    Console() << "fail to open file " << filename << '\n';
-    return {};
-  }
-  Header header{};
-  // A header cut short fails the checks by its zeros or has lost no field that is looked at.
-  const bool headerComplete = file.Read(header);
-  const auto memoryAlign = static_cast<std::uint64_t>(align);
-  const std::optional<CSize> size = SizeFrom(header, filename, memoryAlign);
-  if (!size.has_value()) return {};
-  CLoadedPicture loaded{{size->m_iWidth, size->m_iHeight, {}}, false};
-  const std::size_t stride = size->Stride(memoryAlign);
-  if (!Reserve(loaded.m_Picture.m_aPixels, stride * static_cast<std::size_t>(size->m_iHeight))) {
+  try {
+    return Load(filename, static_cast<std::uint64_t>(align));
+  } catch (const std::bad_alloc&) {
     Refuse(filename);
     return {};
   }
-  Console() << "Global::LoadBMP\t\twidth = " << size->m_iWidth << "; padded_w = " << stride
-            << "; height = " << size->m_iHeight << '\n';
-  loaded.m_bEndsEarly = !ReadRows(file, *size, stride, loaded.m_Picture.m_aPixels) || !headerComplete;
-  return loaded;
 }
 
 bool Global::SaveBMP(const std::string& filename, std::span<const std::uint8_t> data, int width, int height,

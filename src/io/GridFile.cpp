@@ -1,25 +1,47 @@
 #include "io/GridFile.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <ostream>
 
+#include "base/SavedNumber.h"
 #include "constraints/PtCstrText.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
 #include "quadtree/SubdivisionText.h"
 
+namespace {
+
+// How far a saved place or height may be from the present one, in proportion to a side of the model.
+constexpr double kTolerance = 1e-5;
+
+// Each side in its own measure: x0 < x1 and y0 < y1 must hold of what is read back, however narrow the model is.
+void WriteRectangle(std::ostream& out, const CExtent& e) {
+  WriteSavedNumber(out, e.x0, kTolerance * (e.x1 - e.x0));
+  out << '\t';
+  WriteSavedNumber(out, e.y0, kTolerance * (e.y1 - e.y0));
+  out << '\t';
+  WriteSavedNumber(out, e.x1, kTolerance * (e.x1 - e.x0));
+  out << '\t';
+  WriteSavedNumber(out, e.y1, kTolerance * (e.y1 - e.y0));
+  out << '\n';
+}
+
+}  // namespace
+
 void WriteGrid(std::ostream& out, const CGrid& grid) {
   const CExtent& e = grid.Lattice().Extent();
+  const double tolerance = kTolerance * std::max(e.x1 - e.x0, e.y1 - e.y0);
   const CListHeaders& headers = grid.ListHeaders();
-  out << e.x0 << '\t' << e.y0 << '\t' << e.x1 << '\t' << e.y1 << '\n';
+  WriteRectangle(out, e);
   out << headers.m_iPoints << '\t' << grid.PointConstraints().size() << '\n';
   for (const CPtCstr& record : grid.PointConstraints()) {
-    WritePtCstr(out, record);
+    WritePtCstr(out, record, tolerance);
     out << '\n';
   }
   out << headers.m_iCurves << '\t' << grid.Curves().size() << '\n';
   for (const CCntrCtrl& curve : grid.Curves()) {
-    curve.Write(out);
+    curve.Write(out, tolerance);
     out << '\n';
   }
   out << headers.m_iRegions << "\t0\n\n";
@@ -28,7 +50,10 @@ void WriteGrid(std::ostream& out, const CGrid& grid) {
   WriteSubdivision(out, grid.Subdivision());
   const CPointOrder& order = grid.Order();
   out << "\n\nZ\n";
-  for (std::size_t k = 0; k < order.Count(); ++k) out << grid.Lattice().Heights()[order.PointOf(k)] << '\n';
+  for (std::size_t k = 0; k < order.Count(); ++k) {
+    WriteSavedNumber(out, grid.Lattice().Heights()[order.PointOf(k)], tolerance);
+    out << '\n';
+  }
   out << "\n\nN\n";
   for (std::size_t k = 0; k < order.Count(); ++k) out << '(' << order.ColumnOf(k) << ", " << order.RowOf(k) << ")\n";
 }

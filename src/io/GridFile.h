@@ -18,7 +18,9 @@ void WriteNoLights(std::ostream& out);
 /// the text holds them.
 ///
 /// A record with a number that is not finite is left out. Counts are taken as limits: nothing is allocated that the
-/// text does not hold. Heights belong to the points that the text names beside them; where it names none, or not one
-/// for each, to the unknowns in their order. Missing heights are 0. Old files without levels and heights are whole.
-/// Never answers NotOpened.
+/// text does not hold, but for the lattice, whose memory is set aside before the present model is given up. Without a
+/// usable rectangle at its beginning, without that memory, or where it ends early and its lattice takes more than
+/// 64 MiB and more than 16 bytes for each of its own, the grid stays as it is. Heights belong to the points that the
+/// text names beside them; where it names none, or not one for each, to the unknowns in their order. Missing heights
+/// are 0. Old files without levels and heights are whole. Never answers NotOpened.
 GridFileState ReadGrid(std::istream& in, CGrid& grid);

@@ -5,10 +5,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <istream>
+#include <new>
 #include <optional>
+#include <sstream>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/Console.h"
+#include "constraints/CCntrCtrlList.h"
+#include "constraints/CPtCstrList.h"
 #include "constraints/PtCstrText.h"
 #include "io/GridFile.h"
 #include "io/PlacedHeights.h"
@@ -27,25 +33,16 @@ constexpr int kStartLevel = 5;
 
 std::ostream& Log() { return Console() << "CGrid::Load\t\t"; }
 
-// Whether a lattice over the rectangle has cells of a size that can be calculated with.
-bool IsUsable(const CExtent& e) {
-  constexpr double kMostSteps = 1 << CLattice::kMaxLevel;
-  const auto usable = [](double low, double high) {
-    return low < high && std::isfinite(high - low) && std::isnormal((high - low) / kMostSteps);
-  };
-  return usable(e.x0, e.x1) && usable(e.y0, e.y1);
-}
-
 class CGridReader {
  public:
-  CGridReader(std::istream& in, CGrid& grid) : m_In(in), m_Grid(grid) { PrepareToReadNumbers(in); }
+  CGridReader(std::istream& in, CGrid& grid) : m_In(in), m_Grid(grid) {}
   GridFileState Read();
 
  private:
   // What was expected where something else stands; null where all is well. So it is for the sections below.
   using Expected = const char*;
 
-  Expected ReadModel();
+  Expected ReadHead();
   Expected ReadRectangle();
   Expected ReadConstraints();
   Expected ReadLevels();
@@ -56,6 +53,10 @@ class CGridReader {
   bool ReadCurve();
   bool IsRefused(const char* what);
 
+  bool IsTooShort();
+  bool ReadAhead();
+  GridFileState Abandon(GridFileState state);
+  GridFileState Replace();
   void ReadSurface();
   void ReadHeights();
   void ReadOrder();
@@ -74,18 +75,99 @@ class CGridReader {
   std::istream& m_In;
   CGrid& m_Grid;
   std::optional<CExtent> m_Extent;
+  Expected m_pExpected = nullptr;  ///< by what has been read ahead
+  std::ostringstream m_Lines;      ///< of what has been read ahead
+  CPtCstrList m_Points;
+  CCntrCtrlList m_Curves;
+  CListHeaders m_Headers;
+  int m_iBaseLevel = kDefaultBaseLevel;
+  int m_iMaxLevel = kDefaultMaxLevel;
   std::vector<double> m_afHeights;  ///< as the text holds them
   bool m_bOldFormat = false;
   bool m_bCountDiffers = false;  ///< there are not as many heights as unknowns
   bool m_bDamaged = false;
 };
 
+// The present model is given up only when there is something to take its place: rectangle, constraints and levels are
+// read ahead, what the console says of them waits until it is due.
 GridFileState CGridReader::Read() {
+  m_Lines.copyfmt(Console());
+  if (!ReadAhead()) return Abandon(GridFileState::TooLarge);
+  if (!m_Extent.has_value()) {
+    Console() << m_Lines.view();
+    Log() << "Invalid format: attempting " << m_pExpected << '\n';
+    return Abandon(GridFileState::NoGridFile);
+  }
+  const int baseLevel = g_iBaseLevel;
+  const int maxLevel = g_iMaxLevel;
   Log() << "FreeAll()...\n";
   m_Grid.FreeAll();
   Log() << "...FreeAll() complete\n";
-  if (const Expected expected = ReadModel(); expected != nullptr) {
-    Log() << "Invalid format: attempting " << expected << '\n';
+  Console() << m_Lines.view();
+  try {
+    return Replace();
+  } catch (const std::bad_alloc&) {
+    Log() << "The memory does not suffice\n";
+    // These have had room before.
+    g_iBaseLevel = baseLevel;
+    g_iMaxLevel = maxLevel;
+    StartFresh();
+    return GridFileState::OutOfMemory;
+  }
+}
+
+// Whether there is the memory for what has been read and for the lattice that it asks for.
+bool CGridReader::ReadAhead() {
+  const ConsoleRedirect redirect(m_Lines);
+  try {
+    PrepareToReadNumbers(m_In);
+    m_pExpected = ReadRectangle();
+    if (m_pExpected != nullptr) return true;
+    m_pExpected = ReadHead();
+    if (m_pExpected == nullptr && IsTooShort()) return false;
+    m_Grid.Reserve(m_pExpected == nullptr ? m_iMaxLevel : g_iMaxLevel);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  return true;
+}
+
+GridFileState CGridReader::Abandon(GridFileState state) {
+  m_Grid.DropReserve();
+  return state;
+}
+
+// Whether the lattice would take far more memory than the file has bytes, and the file does not even hold all sections:
+// a whole one is what this program itself may have saved of a coarse surface.
+bool CGridReader::IsTooShort() {
+  constexpr double kHarmless = 64.0 * (1 << 20);
+  constexpr double kMostPerByte = 16.0;
+  const std::istream::pos_type here = m_In.tellg();
+  m_In.seekg(0, std::ios::end);
+  const auto size = static_cast<double>(static_cast<std::streamoff>(m_In.tellg()));
+  m_In.seekg(here);
+  const double needed = CGrid::BytesOf(m_iMaxLevel);
+  if (needed <= kHarmless || needed <= kMostPerByte * size) return false;
+  std::string_view sections = "ZNE";
+  for (char c = ReadChar(); m_In && !sections.empty(); c = ReadChar()) {
+    if (c == sections.front() || (c == 'I' && sections == "E")) sections.remove_prefix(1);
+  }
+  m_In.clear();
+  m_In.seekg(here);
+  return !sections.empty();
+}
+
+GridFileState CGridReader::Replace() {
+  m_Grid.PointConstraints() = std::move(m_Points);
+  m_Grid.Curves() = std::move(m_Curves);
+  m_Grid.ListHeaders() = m_Headers;
+  if (m_pExpected == nullptr) {
+    g_iBaseLevel = m_iBaseLevel;
+    g_iMaxLevel = m_iMaxLevel;
+    m_pExpected = ReadSubdivisionRecord();
+  }
+  if (m_pExpected != nullptr) {
+    Log() << "Invalid format: attempting " << m_pExpected << '\n';
     StartFresh();
     return GridFileState::Invalid;
   }
@@ -101,11 +183,9 @@ GridFileState CGridReader::Read() {
   return m_bDamaged || m_bCountDiffers ? GridFileState::Damaged : GridFileState::Whole;
 }
 
-CGridReader::Expected CGridReader::ReadModel() {
-  if (const Expected expected = ReadRectangle(); expected != nullptr) return expected;
+CGridReader::Expected CGridReader::ReadHead() {
   if (const Expected expected = ReadConstraints(); expected != nullptr) return expected;
-  if (const Expected expected = ReadLevels(); expected != nullptr) return expected;
-  return ReadSubdivisionRecord();
+  return ReadLevels();
 }
 
 CGridReader::Expected CGridReader::ReadRectangle() {
@@ -121,7 +201,7 @@ CGridReader::Expected CGridReader::ReadRectangle() {
 }
 
 CGridReader::Expected CGridReader::ReadConstraints() {
-  CListHeaders& headers = m_Grid.ListHeaders();
+  CListHeaders& headers = m_Headers;
   Log() << "Loading constraints...\n";
   Console() << "toto2\n";
   Expected expected =
@@ -158,28 +238,24 @@ bool CGridReader::ReadPoint() {
   CPtCstr record;
   ReadPtCstr(m_In, record);
   if (!m_In) return false;
-  if (!IsRefused("point constraint")) m_Grid.PointConstraints().Add(record);
+  if (!IsRefused("point constraint")) m_Points.Add(record);
   return true;
 }
 
 bool CGridReader::ReadCurve() {
-  CCntrCtrl& curve = m_Grid.Curves().Add();
+  CCntrCtrl& curve = m_Curves.Add();
   curve.Read(m_In);
   const bool complete = !m_In.fail();
   if (complete && !IsRefused("curve constraint")) return true;
   curve.Nodes().clear();
-  m_Grid.Curves().RemoveDegenerate();
+  m_Curves.RemoveDegenerate();
   return complete;
 }
 
 CGridReader::Expected CGridReader::ReadLevels() {
   const char c = ReadChar();
   m_bOldFormat = c == 'Q';
-  if (m_bOldFormat) {
-    g_iBaseLevel = kDefaultBaseLevel;
-    g_iMaxLevel = kDefaultMaxLevel;
-    return nullptr;
-  }
+  if (m_bOldFormat) return nullptr;
   if (c != 'L') return "'Q' or 'L' after region constraints";
   Log() << "Read the max and current resolution\n";
   int base = 0;
@@ -187,8 +263,8 @@ CGridReader::Expected CGridReader::ReadLevels() {
   m_In >> base >> max;
   if (!m_In || base < CLattice::kMinLevel || max > CLattice::kMaxLevel || base > max)
     return "levels from 1 to 10, the base level not above the max level";
-  g_iBaseLevel = base;
-  g_iMaxLevel = max;
+  m_iBaseLevel = base;
+  m_iMaxLevel = max;
   return ReadChar() == 'T' ? nullptr : "'T' after levels";
 }
 

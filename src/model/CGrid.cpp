@@ -37,14 +37,46 @@ void CGrid::FreeAll() {
   m_ListHeaders = {};
 }
 
+void CGrid::Reserve(int maxLevel) {
+  auto reserve = std::make_unique<CReserve>(maxLevel);
+  reserve->m_Order.Reset(maxLevel);
+  for (std::vector<double>& values : reserve->m_aSurfaces) values.assign(reserve->m_Lattice.PointCount(), 0.0);
+  if (m_pTree->Level() != maxLevel) {
+    reserve->m_pTree = std::make_unique<CQuadTree>(m_Lattice, maxLevel);
+    reserve->m_Subdivision.emplace(maxLevel);
+    reserve->m_OtherSubdivision.emplace(maxLevel);
+  }
+  m_pReserve = std::move(reserve);
+}
+
+double CGrid::BytesOf(int maxLevel) {
+  const double points = std::pow((1 << maxLevel) + 1, 2);
+  constexpr double kCellsPerPoint = 4.0 / 3;
+  constexpr double kEdgesPerCell = 2.0;
+  constexpr double kPerPoint = 6 * sizeof(double) + 2 * sizeof(Vector3) + 2 * sizeof(std::uint32_t);
+  constexpr double kPerCell = sizeof(CQuadT) + kEdgesPerCell * sizeof(CEdge) + 2 * sizeof(CSaveQuadT);
+  return points * (kPerPoint + kCellsPerPoint * kPerCell);
+}
+
+void CGrid::TakeReserve() {
+  const std::unique_ptr<CReserve> reserve = std::move(m_pReserve);
+  if (reserve == nullptr || reserve->m_Lattice.Level() != SupportedMaxLevel()) return;
+  m_Lattice = std::move(reserve->m_Lattice);
+  m_Order = std::move(reserve->m_Order);
+  for (std::size_t k = 0; k < reserve->m_aSurfaces.size(); ++k) Surfaces()[k]->swap(reserve->m_aSurfaces[k]);
+  if (reserve->m_pTree == nullptr) return;
+  m_pTree = std::move(reserve->m_pTree);
+  m_Subdivision = std::move(reserve->m_Subdivision);
+  m_OtherSubdivision = std::move(reserve->m_OtherSubdivision);
+}
+
 void CGrid::Initialize(int level, bool keep, double x0, double y0, double x1, double y1) {
   if (!keep) FreeAll();
+  TakeReserve();
   m_Lattice.Allocate(SupportedMaxLevel());
   m_iBaseLevel = std::clamp(level, 0, MaxLevel());
   m_Order.Reset(MaxLevel());
-  for (auto* values : {&m_pfWaveCoefGrid, &m_afNodalHeights, &m_afPresentSurface, &m_afOtherSurface}) {
-    values->assign(m_Lattice.PointCount(), 0.0);
-  }
+  for (std::vector<double>* values : Surfaces()) values->assign(m_Lattice.PointCount(), 0.0);
   m_bSurfaceCaptured = false;
   m_Solver.RequestRebuild();
   m_Pending.Clear();

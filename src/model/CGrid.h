@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
@@ -62,6 +63,13 @@ class CGrid {
   void Initialize(int level, bool keep, double x0, double y0, double x1, double y1);
   /// Frees the arrays and drops every constraint; `Initialize` must follow.
   void FreeAll();
+  /// Sets the memory of lattice, tree, numbering and surfaces aside that the next `Initialize` needs for this maximum
+  /// level, while the present model stays as it is. Throws std::bad_alloc, with nothing changed.
+  void Reserve(int maxLevel);
+  /// Gives back what has been set aside.
+  void DropReserve() { m_pReserve.reset(); }
+  /// Bytes that `Reserve` sets aside for a level at most.
+  static double BytesOf(int maxLevel);
   void SetRectangle(double x0, double x1, double y0, double y1);
 
   /// The program around the model, or null. Must outlive the grid or be detached.
@@ -276,6 +284,22 @@ class CGrid {
   /// Whether there is a picture and the texels are its.
   bool HasTexels() const;
 
+  /// What the next `Initialize` begins with instead of allocating it.
+  struct CReserve {
+    explicit CReserve(int maxLevel) : m_Lattice(maxLevel) {}
+    CLattice m_Lattice;
+    CPointOrder m_Order;
+    std::array<std::vector<double>, 4> m_aSurfaces;
+    // Only for another level than that of the present tree, which stays.
+    std::unique_ptr<CQuadTree> m_pTree;
+    std::optional<CSubdivisionRecord> m_Subdivision;
+    std::optional<CSubdivisionRecord> m_OtherSubdivision;
+  };
+
+  std::array<std::vector<double>*, 4> Surfaces() {
+    return {&m_pfWaveCoefGrid, &m_afNodalHeights, &m_afPresentSurface, &m_afOtherSurface};
+  }
+  void TakeReserve();
   void FillTree();
   void CapturePresentSurface();
   void RecomputeHeightRange();
@@ -321,6 +345,7 @@ class CGrid {
   std::unique_ptr<CQuadTree> m_pTree;
   std::optional<CSubdivisionRecord> m_Subdivision;       ///< of the current resolution
   std::optional<CSubdivisionRecord> m_OtherSubdivision;  ///< of the other one
+  std::unique_ptr<CReserve> m_pReserve;
   CPointOrder m_Order;
   CHierarchicalBasis m_Basis;
   CRandom m_Random;

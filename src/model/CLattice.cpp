@@ -1,8 +1,17 @@
 #include "model/CLattice.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "base/Memory.h"
+
+bool IsUsable(const CExtent& extent) {
+  constexpr double kMostSteps = 1 << CLattice::kMaxLevel;
+  const auto usable = [](double low, double high) {
+    return low < high && std::isfinite(high - low) && std::isnormal((high - low) / kMostSteps);
+  };
+  return usable(extent.x0, extent.x1) && usable(extent.y0, extent.y1);
+}
 
 void CLattice::Allocate(int level) {
   m_iLevel = level;

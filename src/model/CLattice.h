@@ -17,6 +17,9 @@ struct CExtent {
   bool operator==(const CExtent&) const = default;
 };
 
+/// Whether a lattice of any level over the rectangle has cells of a size that can be calculated with.
+bool IsUsable(const CExtent& extent);
+
 /// How far inside the model its border holds the cursor of whoever edits constraints: 0.1, at most a tenth of the
 /// extent from `low` to `high` (model units).
 inline double BorderMargin(double low, double high) { return std::min(0.1, 0.1 * (high - low)); }

@@ -11,6 +11,31 @@
 #include "io/VrmlExport.h"
 #include "model/CGrid.h"
 
+namespace {
+
+// What the user is told behind the name of the file; null where all is well.
+const char* TroubleWith(GridFileState state) {
+  switch (state) {
+    case GridFileState::Damaged:
+      return " is damaged. What could not be read is missing or zero.";
+    case GridFileState::Invalid:
+      return " is not a valid grid file. A new grid holds the constraints read from it.";
+    case GridFileState::OutOfMemory:
+      return " needs more memory than there is. A new grid holds the constraints read from it.";
+    case GridFileState::NoGridFile:
+      return " is not a grid file. The model stays as it was.";
+    case GridFileState::TooLarge:
+      return " needs more memory than there is, or than its size explains. The model stays as it was.";
+    case GridFileState::NotOpened:
+      return " cannot be opened.";
+    case GridFileState::Whole:
+      break;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
 void CGrid::Notify(const std::string& text) const {
   if (m_pHost != nullptr) m_pHost->Notice(text.c_str());
 }
@@ -21,21 +46,20 @@ GridFileState CGrid::Load(const std::string& filename) {
   Console() << "toto1\n";
   if (!in.is_open()) {
     Console() << "Error opening the file " << filename << '\n';
-    Notify("The file " + filename + " cannot be opened.");
+    Notify("The file " + filename + TroubleWith(GridFileState::NotOpened));
     return GridFileState::NotOpened;
   }
   const GridFileState state = ReadGrid(in, *this);
-  // Whatever had converged was another model.
-  m_Solver.ModelChanged();
-  if (m_pHost != nullptr) {
-    ShowConstraintCount();
-    m_pHost->ShowIterations(IterationCounter());
-    m_pHost->RequestRedraw();
+  if (IsReplaced(state)) {
+    // Whatever had converged was another model.
+    m_Solver.ModelChanged();
+    if (m_pHost != nullptr) {
+      m_pHost->ShowConstraints(static_cast<int>(m_PointConstraints.size()));
+      m_pHost->ShowIterations(IterationCounter());
+      m_pHost->RequestRedraw();
+    }
   }
-  if (state == GridFileState::Invalid)
-    Notify("The file " + filename + " is not a valid grid file. A new grid holds the constraints read from it.");
-  if (state == GridFileState::Damaged)
-    Notify("The file " + filename + " is damaged. What could not be read is missing or zero.");
+  if (const char* trouble = TroubleWith(state); trouble != nullptr) Notify("The file " + filename + trouble);
   return state;
 }
 

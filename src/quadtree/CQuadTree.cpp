@@ -62,8 +62,9 @@ Cell* ActiveLeafAt(Cell& root, double gx, double gy) {
 
 }  // namespace
 
-CQuadTree::CQuadTree(CLattice& lattice) : m_pLattice(&lattice), m_Edges(EdgeCount(lattice.Level())) {
-  const int level = lattice.Level();
+CQuadTree::CQuadTree(CLattice& lattice) : CQuadTree(lattice, lattice.Level()) {}
+
+CQuadTree::CQuadTree(CLattice& lattice, int level) : m_pLattice(&lattice), m_Edges(EdgeCount(level)) {
   const int n = 1 << level;
   m_aCells.reserve(CellCount(level));
   m_aLevelStart.resize(static_cast<std::size_t>(level) + 1);

@@ -33,6 +33,8 @@ struct CLeaf {
 class CQuadTree {
  public:
   explicit CQuadTree(CLattice& lattice);
+  /// For a lattice that is going to be allocated for `level` before the tree is used.
+  CQuadTree(CLattice& lattice, int level);
   CQuadTree(const CQuadTree&) = delete;
   CQuadTree& operator=(const CQuadTree&) = delete;
   ~CQuadTree() = default;

@@ -211,7 +211,7 @@ constexpr const char* kWritten =
 
 std::string TextOf(const CCntrCtrl& curve) {
   std::ostringstream out;
-  curve.Write(out);
+  curve.Write(out, 1e-3);
   return out.str();
 }
 

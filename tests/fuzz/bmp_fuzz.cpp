@@ -17,7 +17,7 @@ namespace {
 
 // A short file may announce a large picture, whose missing rows repeat the last one. That only costs time.
 constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 22;
-constexpr std::uint64_t kRefusedBytes = std::uint64_t{1} << 31;
+constexpr std::uint64_t kRefusedBytes = std::uint64_t{1} << 26;
 
 bool IsTooLarge(const std::uint8_t* data, std::size_t size) {
   constexpr std::size_t kWidth = 18;
@@ -29,7 +29,7 @@ bool IsTooLarge(const std::uint8_t* data, std::size_t size) {
   std::memcpy(&height, data + kHeight, sizeof(height));
   if (width < 0 || height < 0) return false;
   const std::uint64_t bytes = 3 * static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
-  return bytes > kMostBytes && bytes < kRefusedBytes;
+  return bytes > kMostBytes && bytes <= kRefusedBytes;
 }
 
 }  // namespace

@@ -166,6 +166,22 @@ TEST_F(BmpTest, SizesBeyondReasonAreRefusedBeforeAnythingIsAllocated) {
   }
 }
 
+TEST_F(BmpTest, HeaderThatAsksForFarMoreThanTheFileHoldsIsRefused) {
+  // A little more than 64 MiB: refused below a sixteenth of that, read as far as it goes from there on.
+  constexpr int kSide = 4730;
+  EXPECT_FALSE(LoadFile(BmpHeader(kSide, kSide)).has_value());
+  EXPECT_EQ(m_Console.Text(), m_File + kFormatRefused);
+  CBytes bytes = BmpHeader(kSide, kSide);
+  bytes.resize((std::size_t{3} * kSide * kSide) / 16);
+  EXPECT_TRUE(LoadFile(bytes).has_value());
+  bytes.resize(bytes.size() - 1);
+  EXPECT_FALSE(LoadFile(bytes).has_value());
+}
+
+TEST_F(BmpTest, HeaderThatAsksForLessIsReadHoweverShortTheFile) {
+  EXPECT_TRUE(LoadFile(BmpHeader(4729, 4729)).has_value());
+}
+
 TEST_F(BmpTest, ShortFileRepeatsTheLastRowBuffer) {
   const CPicture whole = SomePicture(4, 4);
   CBytes bytes = BmpFile(whole);

@@ -98,15 +98,6 @@ struct CBadFile {
 };
 
 const std::vector<CBadFile> kBadFiles{
-    {"0\t0\t100\t50", "", "a rectangle of finite numbers, x0 < x1 and y0 < y1"},
-    {"0\t0\t100\t50", "0\t0\tx\t50", "a rectangle of finite numbers, x0 < x1 and y0 < y1"},
-    {"0\t0\t100\t50", "0\t0\tnan\t50", "a rectangle of finite numbers, x0 < x1 and y0 < y1"},
-    {"0\t0\t100\t50", "0\t0\t1e999\t50", "a rectangle of finite numbers, x0 < x1 and y0 < y1"},
-    {"0\t0\t100\t50", "-inf\t0\t100\t50", "a rectangle of finite numbers, x0 < x1 and y0 < y1"},
-    {"0\t0\t100\t50", "-1e308\t0\t1e308\t50", "a rectangle of finite numbers, x0 < x1 and y0 < y1"},
-    {"0\t0\t100\t50", "0\t0\t1e-310\t50", "a rectangle of finite numbers, x0 < x1 and y0 < y1"},
-    {"0\t0\t100\t50", "100\t0\t100\t50", "a rectangle of finite numbers, x0 < x1 and y0 < y1"},
-    {"0\t0\t100\t50", "0\t50\t100\t0", "a rectangle of finite numbers, x0 < x1 and y0 < y1"},
     {"0\t0\n0\t0\n0\t0\n", "0\t1\n0\t0\n0\t0\n", "as many point constraints as announced"},
     {"0\t0\n0\t0\n0\t0\n", "0\t-1\n0\t0\n0\t0\n", "as many point constraints as announced"},
     {"0\t0\n0\t0\n0\t0\n", "0\t99999999999999999999\n0\t0\n0\t0\n", "as many point constraints as announced"},
@@ -227,6 +218,55 @@ TEST(DamagedGridFile, KeepsTheLightsThereAreWhereItsOwnAreCutShort) {
   EXPECT_TRUE(test.m_Grid.AddedLights().m_aLights[0].m_bActive);
 }
 
+class NoGridFile : public testing::TestWithParam<const char*> {};
+
+TEST_P(NoGridFile, LeavesTheModelAsItIs) {
+  CFullModel model;
+  const std::string before = GridText(model.m_Grid);
+  EXPECT_EQ(ReadText(model.m_Grid, Replaced(kShort, "0\t0\t100\t50", GetParam())), GridFileState::NoGridFile);
+  EXPECT_EQ(model.m_Console.Take(),
+            "CGrid::Load\t\tLoading the grid dimentions...\n"
+            "CGrid::Load\t\tInvalid format: attempting a rectangle of finite numbers, x0 < x1 and y0 < y1\n");
+  EXPECT_EQ(GridText(model.m_Grid), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, NoGridFile,
+                         testing::Values("", "0\t0\tx\t50", "0\t0\tnan\t50", "0\t0\t1e999\t50", "-inf\t0\t100\t50",
+                                         "-1e308\t0\t1e308\t50", "0\t0\t1e-310\t50", "100\t0\t100\t50", "0\t50\t100\t0",
+                                         "BM6"));
+
+// Whatever is read ahead, the levels of new grids stay those of the model.
+TEST(BadGridFiles, GiveUpTheModelOnceTheyHaveARectangle) {
+  CFullModel model;
+  EXPECT_EQ(ReadText(model.m_Grid, "0 0 100 50 x"), GridFileState::Invalid);
+  EXPECT_TRUE(model.m_Grid.PointConstraints().empty());
+  EXPECT_EQ(model.m_Grid.Lattice().Extent().y1, 50);
+  EXPECT_EQ(model.m_Console.Take().find("CGrid::Load\t\tFreeAll()...\nCGrid::Load\t\t...FreeAll() complete\n"
+                                        "CGrid::Load\t\tLoading the grid dimentions...\n"),
+            0U);
+}
+
+TEST(ShortGridFile, ThatAsksForALargeLatticeIsRefusedBeforeAnythingIsFreed) {
+  CFullModel model;
+  const std::string before = GridText(model.m_Grid);
+  const std::string large = Replaced(kShort, "L\n1\n2", "L\n1\n10");
+  EXPECT_EQ(ReadText(model.m_Grid, large.substr(0, large.find("\n\nE\n"))), GridFileState::TooLarge);
+  EXPECT_EQ(model.m_Console.Take(), "");
+  EXPECT_EQ(GridText(model.m_Grid), before);
+  const std::string modest = Replaced(kShort, "L\n1\n2", "L\n1\n7");
+  EXPECT_EQ(ReadText(model.m_Grid, modest.substr(0, modest.find("\n\nE\n"))), GridFileState::Damaged);
+}
+
+// What the program itself may have saved it must read again, however coarse the surface on a fine lattice is.
+TEST(ShortGridFile, ThatIsWholeIsReadHoweverLargeItsLattice) {
+  CTestGrid test;
+  std::string text = Replaced(kShort, "L\n1\n2", "L\n1\n9");
+  for (const auto& [part, by] : {std::pair{"(4, 0)", "(512, 0)"}, {"(4, 4)", "(512, 512)"}, {"(0, 4)", "(0, 512)"}})
+    text = Replaced(text, part, by);
+  EXPECT_EQ(ReadText(test.m_Grid, text), GridFileState::Whole);
+  EXPECT_EQ(test.m_Grid.MaxLevel(), 9);
+}
+
 class LoadFile : public testing::Test {
  protected:
   std::string FileWith(const std::string& text) const {
@@ -270,8 +310,18 @@ TEST_F(LoadFile, BeginsItsLogAndShowsWhatItHasRead) {
   EXPECT_TRUE(m_Host.m_aNotices.empty());
 }
 
-TEST_F(LoadFile, TellsTheUserOfAnInvalidFile) {
+TEST_F(LoadFile, ThatIsNoGridFileLeavesTheGridUnchanged) {
+  const std::string before = GridText(m_Model.m_Grid);
   const std::string file = FileWith("nonsense");
+  EXPECT_EQ(m_Model.m_Grid.Load(file), GridFileState::NoGridFile);
+  EXPECT_EQ(GridText(m_Model.m_Grid), before);
+  EXPECT_EQ(m_Host.m_iRedraws, 0);
+  EXPECT_EQ(m_Host.m_aNotices,
+            std::vector<std::string>{"The file " + file + " is not a grid file. The model stays as it was."});
+}
+
+TEST_F(LoadFile, TellsTheUserOfAnInvalidFile) {
+  const std::string file = FileWith("0 0 1 1 nonsense");
   EXPECT_EQ(m_Model.m_Grid.Load(file), GridFileState::Invalid);
   EXPECT_EQ(m_Host.m_aNotices,
             std::vector<std::string>{"The file " + file +

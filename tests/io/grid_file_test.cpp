@@ -37,7 +37,7 @@ TEST(GridFile, GivesTheModelBack) {
   CTestGrid test(3, 1);
   ASSERT_EQ(ReadText(test.m_Grid, BytesOf(kGolden / "small.grid")), GridFileState::Whole);
   EXPECT_EQ(test.m_Grid.MaxLevel(), 1);
-  EXPECT_EQ(NodalHeights(test.m_Grid), (std::vector<double>{1, -2.5, 0.333333, 1e6, 1e-5, -0.125, 123457, 6, 7}));
+  EXPECT_EQ(NodalHeights(test.m_Grid), (std::vector<double>{1, -2.5, 0.333333, 1e6, 1e-5, -0.125, 123456.789, 6, 7}));
   EXPECT_EQ(test.m_Grid.MaxHeight(), 1e6);
   EXPECT_EQ(test.m_Grid.MinHeight(), -2.5);
   const CPtCstr& slope = RecordAt(test.m_Grid.PointConstraints(), 1);
@@ -56,6 +56,51 @@ TEST(GridFile, LoadsIntoTheSameBytes) {
   EXPECT_EQ(GridText(other.m_Grid), text);
   other.m_Grid.PerformPendingWork();
   EXPECT_EQ(GridText(other.m_Grid), text) << "after the work that a save performs first";
+}
+
+/// A surface and constraints all over the rectangle.
+void Furnish(CGrid& grid, const CExtent& e) {
+  grid.Initialize(2, false, e.x0, e.y0, e.x1, e.y1);
+  AddAll(grid, {HeightCstr(e.x0 + (e.x1 - e.x0) / 3, e.y0 + (e.y1 - e.y0) / 7, (e.x1 - e.x0) / 11)});
+  AddCurveThrough(grid, CurveType::kPosition,
+                  {{e.x0 + (e.x1 - e.x0) / 9, e.y0 + (e.y1 - e.y0) / 9}, {e.x0 + (e.x1 - e.x0) / 2, e.y1}});
+  grid.PerformPendingWork();
+}
+
+class GridFileRectangle : public testing::TestWithParam<CExtent> {};
+
+TEST_P(GridFileRectangle, ComesBackWithAllThatLiesInIt) {
+  const CExtent e = GetParam();
+  const double tolerance = 1e-5 * std::max(e.x1 - e.x0, e.y1 - e.y0);
+  CTestGrid model(4, 2);
+  Furnish(model.m_Grid, e);
+  CTestGrid other;
+  ASSERT_EQ(ReadText(other.m_Grid, GridText(model.m_Grid)), GridFileState::Whole);
+  const CExtent& read = other.m_Grid.Lattice().Extent();
+  EXPECT_NEAR(read.x0, e.x0, tolerance);
+  EXPECT_NEAR(read.x1 - read.x0, e.x1 - e.x0, 3e-5 * (e.x1 - e.x0));
+  EXPECT_NEAR(read.y1 - read.y0, e.y1 - e.y0, 3e-5 * (e.y1 - e.y0));
+  const CPtCstr& record = RecordAt(other.m_Grid.PointConstraints(), 0);
+  const CPtCstr& saved = RecordAt(model.m_Grid.PointConstraints(), 0);
+  EXPECT_NEAR(record.m_fX, saved.m_fX, tolerance);
+  EXPECT_NEAR(record.m_fY, saved.m_fY, tolerance);
+  EXPECT_NEAR(record.m_fZ, saved.m_fZ, tolerance);
+  const CCntrNode& node = other.m_Grid.Curves().begin()->Nodes().front();
+  EXPECT_NEAR(node.m_fX, e.x0 + (e.x1 - e.x0) / 9, tolerance);
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, GridFileRectangle,
+                         testing::Values(CExtent{4500049, 4500149, -4500149, -4500049},
+                                         CExtent{99.9999999, 100, 99.9999999, 100}, CExtent{99.9999999, 100, 0, 1000},
+                                         CExtent{0, 1.0 / 3, 0, 2000.0 / 3}, CExtent{-1e-9, 1e-9, 0, 1}));
+
+TEST(GridFile, OfARectangleThatBeginsAtZeroHasSixDigits) {
+  CTestGrid model(4, 2);
+  Furnish(model.m_Grid, {0, 1234.5678, 0, 100.0 / 3});
+  std::istringstream in(GridText(model.m_Grid));
+  for (std::string word; in >> word;)
+    EXPECT_LE(std::ranges::count_if(word, [](char c) { return c >= '0' && c <= '9'; }), 8) << word;
+  EXPECT_EQ(GridText(model.m_Grid).find("0\t0\t1234.57\t33.3333\n"), 0U);
 }
 
 TEST(GridFile, KeepsTheHeightOfNormalConstraintsUntilTheNextTick) {

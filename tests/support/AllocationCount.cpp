@@ -6,9 +6,15 @@
 namespace {
 
 std::size_t g_uAllocations = 0;
+long g_iUntilFailure = -1;
+bool g_bFailed = false;
 
 void* Counted(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) noexcept {
   ++g_uAllocations;
+  if (g_iUntilFailure >= 0 && g_iUntilFailure-- == 0) {
+    g_bFailed = true;
+    return nullptr;
+  }
   // The size must be a multiple of the alignment.
   return std::aligned_alloc(alignment, (size / alignment + 1) * alignment);
 }
@@ -21,6 +27,13 @@ std::size_t Of(std::align_val_t alignment) { return static_cast<std::size_t>(ali
 }  // namespace
 
 std::size_t AllocationCount() { return g_uAllocations; }
+
+void FailAllocation(long count) {
+  g_iUntilFailure = count;
+  g_bFailed = false;
+}
+
+bool HasAllocationFailed() { return g_bFailed; }
 
 // NOLINTBEGIN(cppcoreguidelines-no-malloc): this is what the rest of the program manages its memory with.
 // Every form, so that none is paired with one of the library's.

@@ -5,3 +5,7 @@
 /// How often the process has asked `operator new` for memory so far. A test executable that lists AllocationCount.cpp
 /// among its sources replaces the operators of the whole program by counting ones.
 std::size_t AllocationCount();
+/// Lets the `count`-th allocation from now on fail, 0 being the next one; all others succeed. Below 0: none fails.
+void FailAllocation(long count);
+/// Whether the allocation that was to fail has been asked for.
+bool HasAllocationFailed();

@@ -95,6 +95,7 @@ bool CGridParametersDialog::ReadExtent(CExtent& extent) {
   const char* wrong = nullptr;
   if (extent.x0 >= extent.x1) wrong = "x0 must be less than x1.";
   if (extent.y0 >= extent.y1) wrong = "y0 must be less than y1.";
+  if (wrong == nullptr && !IsUsable(extent)) wrong = "The sides are too short or too long to be divided.";
   if (wrong != nullptr) Refuse(wrong);
   return wrong == nullptr;
 }
