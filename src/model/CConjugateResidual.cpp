@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 #include "model/CConstraintSystem.h"
@@ -11,6 +12,8 @@ namespace {
 double Dot(std::span<const double> a, std::span<const double> b) {
   return std::transform_reduce(a.begin(), a.end(), b.begin(), 0.0);
 }
+
+double Square(double value) { return value * value; }
 
 // Of values whose squares may lie beyond the finite numbers, or below the smallest.
 double SafeNorm(std::span<const double> values) {
@@ -35,6 +38,7 @@ void CConjugateResidual::Restart(CConstraintSystem& system, std::span<const doub
   TakeUpResidual(system, x, multipliers, targets);
   m_fStartNorm = ResidualNorm();
   m_fMagnification = 1.0;
+  m_fForceRounding = m_fMissRounding = -1.0;
   m_fBestImage = m_fPi;
   m_fGain = std::sqrt(m_fPi) / m_fStartNorm;
   m_fLargestGain = std::max(m_fLargestGain, m_fGain);
@@ -63,26 +67,32 @@ void CConjugateResidual::TakeUpResidual(CConstraintSystem& system, std::span<con
   std::ranges::copy(m_afS, m_afQ.begin());
   m_fRho = Dot(m_afR, m_afS);
   m_fPi = Dot(m_afQ, m_afQ);
+  m_fForces = Dot(std::span(m_afR).first(n), std::span(m_afR).first(n));
+  m_fMisses = Dot(std::span(m_afR).subspan(n), std::span(m_afR).subspan(n));
 }
 
 CImbalance CConjugateResidual::Measure(CConstraintSystem& system, std::span<const double> x,
                                        std::span<const double> multipliers, std::span<const double> targets) {
   Refresh(system, x, multipliers, targets);
   const std::size_t n = system.UnknownCount();
-  const std::span<double> image = std::span(m_afQ).first(n);
+  const std::span<double> image = std::span(m_afQ);
   CImbalance found;
   found.m_fForces = SafeNorm(std::span(m_afR).first(n));
   found.m_fMisses = SafeNorm(std::span(m_afR).subspan(n));
   found.m_fTargets = SafeNorm(targets);
   system.ApplyMagnitudes(x.first(n), image);
-  found.m_fMagnitude = SafeNorm(image);
+  found.m_fMagnitude = SafeNorm(image.first(n));
+  found.m_fReach = SafeNorm(image.subspan(n));
   // Direction and image lend their room and get back what they held.
   std::fill_n(m_afP.begin(), n, 0.0);
   std::ranges::copy(multipliers, m_afP.begin() + static_cast<std::ptrdiff_t>(n));
   system.ApplySystem(m_afP, m_afQ);
-  found.m_fPulls = SafeNorm(image);
+  found.m_fPulls = SafeNorm(image.first(n));
   std::ranges::copy(m_afR, m_afP.begin());
   std::ranges::copy(m_afS, m_afQ.begin());
+  constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
+  m_fForceRounding = Square(kEpsilon * found.m_fMagnitude);
+  m_fMissRounding = Square(kEpsilon * (found.m_fReach + found.m_fTargets));
   return found;
 }
 
@@ -91,7 +101,7 @@ bool CConjugateResidual::IsTooSmall(double product) const {
   return !(std::abs(product) * m_fMagnification >= kBreakdown);
 }
 
-bool CConjugateResidual::HasBrokenDown() const { return IsTooSmall(m_fRho) || IsTooSmall(m_fPi); }
+bool CConjugateResidual::HasBrokenDown() const { return IsRounding() || IsTooSmall(m_fRho) || IsTooSmall(m_fPi); }
 
 double CConjugateResidual::ResidualNorm() const { return std::sqrt(Dot(m_afR, m_afR)); }
 
@@ -119,7 +129,7 @@ double CConjugateResidual::Advance(double beta) {
 
 CConjugateResidual::Outcome CConjugateResidual::Step(CConstraintSystem& system, std::span<double> x,
                                                      std::span<double> multipliers) {
-  if (HasBrokenDown()) return IsTooSmall(m_fRho) ? Outcome::SmallRho : Outcome::SmallPi;
+  if (HasBrokenDown()) return IsRounding() || IsTooSmall(m_fRho) ? Outcome::SmallRho : Outcome::SmallPi;
   const std::size_t n = system.UnknownCount();
   const double alpha = m_fRho / m_fPi;
   const double* p = m_afP.data();
@@ -136,13 +146,18 @@ CConjugateResidual::Outcome CConjugateResidual::Step(CConstraintSystem& system, 
   system.ApplySystem(m_afR, m_afS);
   double rho = 0.0;
   double image = 0.0;
-  double residual = 0.0;
-  for (std::size_t i = 0; i < m_afR.size(); ++i) {
-    rho += m_afS[i] * m_afR[i];
-    image += m_afS[i] * m_afS[i];
-    residual += m_afR[i] * m_afR[i];
-  }
-  NoteProgress(image, residual);
+  const auto squaresOf = [&](std::size_t from, std::size_t to) {
+    double residual = 0.0;
+    for (std::size_t i = from; i < to; ++i) {
+      rho += m_afS[i] * m_afR[i];
+      image += m_afS[i] * m_afS[i];
+      residual += m_afR[i] * m_afR[i];
+    }
+    return residual;
+  };
+  m_fForces = squaresOf(0, n);
+  m_fMisses = squaresOf(n, m_afR.size());
+  NoteProgress(image, m_fForces + m_fMisses);
   const double beta = rho / m_fRho;
   m_fRho = rho;
   m_fPi = Advance(beta);

@@ -11,6 +11,7 @@ struct CImbalance {
   double m_fForces = 0.0;     ///< B^T (H z + C^T l): what is left of the forces, 0 in a solution
   double m_fPulls = 0.0;      ///< B^T C^T l: those of the constraints alone
   double m_fMagnitude = 0.0;  ///< B^T |H| |z|: those of the smoothness, had nothing in them cancelled
+  double m_fReach = 0.0;      ///< |C| |z|: the values of the constraints, had nothing in them cancelled
   double m_fMisses = 0.0;     ///< d - C z: what the constraints miss, 0 in a solution
   double m_fTargets = 0.0;    ///< d
 };
@@ -40,7 +41,8 @@ class CConjugateResidual {
   /// it as if it were as large as the residual of the restart; the restart's figures stay.
   void Refresh(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
                std::span<const double> targets);
-  /// Measures a state afresh, and takes up its residual as `Refresh` does.
+  /// Measures a state afresh, and takes up its residual as `Refresh` does. From then on until the next `Restart` the
+  /// iteration also ends (as SmallRho) where the residual has fallen below what rounding makes of such a state.
   CImbalance Measure(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
                      std::span<const double> targets);
   /// One iteration: improves x and l in place.
@@ -72,6 +74,7 @@ class CConjugateResidual {
   void TakeUpResidual(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
                       std::span<const double> targets);
   bool IsTooSmall(double product) const;
+  bool IsRounding() const { return m_fForces <= m_fForceRounding && m_fMisses <= m_fMissRounding; }
   double Advance(double beta);
   void NoteProgress(double image, double residual);
 
@@ -82,6 +85,10 @@ class CConjugateResidual {
   double m_fRho = 0.0;
   double m_fPi = 0.0;
   double m_fStartNorm = 0.0;
+  double m_fForces = 0.0;  ///< squared lengths of the two parts of the residual, and below what they are rounding
+  double m_fMisses = 0.0;
+  double m_fForceRounding = -1.0;
+  double m_fMissRounding = -1.0;
   double m_fMagnification = 1.0;  ///< squared ratio of the restart's residual to the one taken up last
   double m_fBestImage = 0.0;      ///< |A r|^2 when it was last found halved
   int m_iSinceProgress = 0;

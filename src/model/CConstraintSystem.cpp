@@ -12,5 +12,6 @@ void CConstraintSystem::ApplySystem(std::span<const double> v, std::span<double>
 void CConstraintSystem::ApplyMagnitudes(std::span<const double> x, std::span<double> out) {
   m_pBasis->invW(x, m_afHeights);
   m_Smoothness.TimesMagnitudes(m_afHeights, m_afForces);
-  m_pBasis->invWTransposeTimes(m_afForces, out);
+  m_pBasis->invWTransposeTimes(m_afForces, out.first(UnknownCount()));
+  m_Constraints.Rows().TimesMagnitudes(m_afHeights, out.subspan(UnknownCount()));
 }

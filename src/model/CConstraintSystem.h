@@ -36,7 +36,8 @@ class CConstraintSystem {
   }
   /// out = (system) v. Both have `Size()` entries, the coefficients first, and must not overlap. Allocates nothing.
   void ApplySystem(std::span<const double> v, std::span<double> out);
-  /// out = B^T |H| |B x|, both of N entries: the forces of the smoothness without what cancels in them.
+  /// The magnitudes that rounding is to be held against, for heights z = B x: out = (B^T |H| |z|, |C| |z|), the forces
+  /// of the smoothness and the values of the constraints without what cancels in them. `x` has N entries, `out` Size().
   void ApplyMagnitudes(std::span<const double> x, std::span<double> out);
 
  private:

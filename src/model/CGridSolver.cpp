@@ -126,6 +126,7 @@ void CGridSolver::Start(std::span<const double> x) {
   }
   m_bShakeDue = false;
   m_bVectorsValid = true;
+  m_pBreakdownMessage = nullptr;
   m_fTrueNorm = std::numeric_limits<double>::infinity();
   m_afLastX.resize(x.size());
   m_afLastMultipliers.resize(m_afMultipliers.size());
@@ -154,11 +155,16 @@ CGridSolver::Outcome CGridSolver::Iterate(std::span<double> x, int limit, const 
     const CConjugateResidual::Outcome step = m_Residual.Step(m_System, x, m_afMultipliers);
     if (step == CConjugateResidual::Outcome::Stepped) continue;
     const bool smallRho = step == CConjugateResidual::Outcome::SmallRho;
+    // Where what has been refined is rounding, the breakdown that it began with is the one to tell of.
     const double value = smallRho ? m_Residual.Rho() : m_Residual.Pi();
+    if (std::abs(value) < CConjugateResidual::kBreakdown || m_pBreakdownMessage == nullptr) {
+      m_pBreakdownMessage = smallRho ? "|r_rr| is too small " : "|pp_pp| is too small ";
+      m_fBreakdownValue = value;
+    }
     if (IsContradictory()) {
       Reconcile(x);
     } else if (!Refine(x)) {
-      return Stop(smallRho ? "|r_rr| is too small " : "|pp_pp| is too small ", value, x);
+      return Stop(m_pBreakdownMessage, m_fBreakdownValue, x);
     }
   }
   if (HasStalled(kStallFactor) && IsContradictory()) Reconcile(x);
@@ -167,11 +173,18 @@ CGridSolver::Outcome CGridSolver::Iterate(std::span<double> x, int limit, const 
   return Outcome::TickDone;
 }
 
+// Constraints that a plane meets pull at nothing, and what the forces are told to be is rounding, on either side.
+bool CGridSolver::IsFreeOfForces(const CImbalance& left) {
+  const double rounding = kRoundedShare * left.m_fMagnitude;
+  return left.m_fForces <= rounding && left.m_fPulls <= rounding && left.m_fMisses <= kRoundedShare * left.m_fTargets;
+}
+
 // At a breakdown the residual of the recurrence has become small, the true one only as far as rounding let it. As long
 // as that can still be reduced, the iteration goes on from it.
 bool CGridSolver::Refine(std::span<const double> x) {
-  m_Residual.Refresh(m_System, x, m_afMultipliers, m_afTargets);
+  const CImbalance left = m_Residual.Measure(m_System, x, m_afMultipliers, m_afTargets);
   const double before = std::exchange(m_fTrueNorm, m_Residual.ResidualNorm());
+  if (IsFreeOfForces(left)) return false;
   const double asked = Norm(m_afTargets);
   const bool worthwhile =
       m_fTrueNorm < kRefinement * before && m_fTrueNorm > kRoundingFloor * (asked > 0 ? asked : m_Residual.StartNorm());
@@ -202,6 +215,8 @@ bool CGridSolver::IsResidualSmall() const {
 // are in this model; those that cancel in the smoothness, how small they can be told to be.
 bool CGridSolver::IsSolved(std::span<const double> x) {
   const CImbalance left = m_Residual.Measure(m_System, x, m_afMultipliers, m_afTargets);
+  // Where nothing but 0 is asked for there is no measure but the way that the iteration has come.
+  if (left.m_fTargets == 0 && IsResidualSmall()) return true;
   const bool balanced = left.m_fForces <= kSolvedShare * left.m_fPulls + kRoundedShare * left.m_fMagnitude;
   const bool met = left.m_fMisses <= kSolvedShare * left.m_fTargets;
   return balanced && met && std::isfinite(left.m_fPulls + left.m_fMagnitude + left.m_fTargets);

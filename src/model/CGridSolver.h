@@ -62,6 +62,7 @@ class CGridSolver {
   void ResizeMultipliers();
   void Shake();
   Outcome Iterate(std::span<double> x, int limit, const std::function<bool()>& poll);
+  static bool IsFreeOfForces(const CImbalance& left);
   bool Refine(std::span<const double> x);
   void Reconcile(std::span<const double> x);
   bool HasStalled(double sides) const;
@@ -84,6 +85,8 @@ class CGridSolver {
   Outcome m_End = Outcome::TickDone;  ///< of the last stop; TickDone while the iteration is to go on
   bool m_bShakeDue = false;
   int m_iRetriesLeft = 0;
+  const char* m_pBreakdownMessage = nullptr;  ///< of the last breakdown since the restart; null before there is one
+  double m_fBreakdownValue = 0.0;
   const char* m_pStopMessage = "";  ///< of the last stop
   double m_fStopValue = 0.0;
   double m_fTrueNorm = 0.0;  ///< length of the residual when it was last computed afresh at a breakdown
