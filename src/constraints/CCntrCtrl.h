@@ -117,6 +117,10 @@ class CCntrCtrl {
   /// Recomputes the offsets of all nodes for parallels `length` (model units) away. A curve of two nodes becomes open;
   /// one of a single node is refused with a console line and loses its slopes.
   void UpdateNormals(double length);
+  /// More constraints than this of all curves together would need more memory and time than anybody waits for.
+  static constexpr double kMostGenerated = 200'000;
+  /// About how many constraints `AddAutoBumpConstraints` would append. The offsets must be up to date.
+  double GeneratedCount() const;
   /// Appends the generated normal constraints of the sides that have them to `target`, left side first. `refine`, if
   /// given, is called with the place (model units) of each. The offsets must be up to date.
   void AddAutoBumpConstraints(CPtCstrList& target, const std::function<void(double x, double y)>& refine = {}) const;

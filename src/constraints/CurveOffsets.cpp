@@ -159,6 +159,19 @@ void CCntrCtrl::UpdateNormals(double length) {
   }
 }
 
+double CCntrCtrl::GeneratedCount() const {
+  double count = 0.0;
+  for (const CurveSide side : {CurveSide::Left, CurveSide::Right}) {
+    if (!HasOption(side == CurveSide::Left ? CurveOption::kLeftAutoBump : CurveOption::kRightAutoBump)) continue;
+    const double distance = AutoBump(side).m_fDistance;
+    ForEachSegment([&count, side, distance](const CCntrNode& a, const CCntrNode& b) {
+      const CSidePath path = PathAlong(a, b, side);
+      if (CanBeDivided(path, distance)) count += path.m_fLength / distance;
+    });
+  }
+  return count;
+}
+
 void CCntrCtrl::AddAutoBumpConstraints(CPtCstrList& target, const std::function<void(double, double)>& refine) const {
   if (HasOption(CurveOption::kLeftAutoBump)) AddAutoBumpConstraintsLeft(target, refine);
   if (HasOption(CurveOption::kRightAutoBump)) AddAutoBumpConstraintsRight(target, refine);

@@ -33,6 +33,8 @@ void CGrid::FreeAll() {
   m_PointConstraints.clear();
   m_GeneratedConstraints.clear();
   m_Curves.clear();
+  m_iRefusedCurves = 0;
+  m_iToldCurves = 0;
   m_PendingCurve.Drop();
   m_ListHeaders = {};
 }

@@ -326,6 +326,8 @@ class CGrid {
   void RasteriseCurves();
   void RefreshCurve(CCntrCtrl& curve) const;
   void UpdateConstraintsFormCurves();
+  /// Tells the user once that curves were refused their generated constraints. Not within a rebuild: a notice waits.
+  void TellRefusedCurves();
   double CurveOffset() const;
   bool WriteFile(const std::string& filename, const char* method,
                  const std::function<void(std::ostream&)>& write) const;
@@ -365,6 +367,8 @@ class CGrid {
   CPtCstrList m_PointConstraints;
   CPtCstrList m_GeneratedConstraints;
   CCntrCtrlList m_Curves;
+  int m_iRefusedCurves = 0;  ///< whose generated constraints would have been too many, at the last rebuild
+  int m_iToldCurves = 0;     ///< and how many of them the user knows of
   CPendingCurve m_PendingCurve;
   CListHeaders m_ListHeaders;
   CLightSet m_RemovedLights = CLightSet::Removed();

@@ -96,6 +96,8 @@ void CGrid::ExportCurveConstraints(double x, double y) {
   CCntrCtrl* curve = FindCurve(x, y).m_pCurve;
   if (curve == nullptr) return;
   RefreshCurve(*curve);
+  if (curve->GeneratedCount() > CCntrCtrl::kMostGenerated)
+    return Notify("The curve would generate more than 200000 constraints: make its distances larger.");
   curve->AddAutoBumpConstraints(m_PointConstraints, [this](double px, double py) {
     m_Subdivision->RefineAt(*m_pTree, m_Lattice.ColumnOf(px), m_Lattice.RowOf(py));
   });

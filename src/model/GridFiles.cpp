@@ -54,12 +54,13 @@ GridFileState CGrid::Load(const std::string& filename) {
     // Whatever had converged was another model.
     m_Solver.ModelChanged();
     if (m_pHost != nullptr) {
-      m_pHost->ShowConstraints(static_cast<int>(m_PointConstraints.size()));
+      ShowConstraintCount();
       m_pHost->ShowIterations(IterationCounter());
       m_pHost->RequestRedraw();
     }
   }
   if (const char* trouble = TroubleWith(state); trouble != nullptr) Notify("The file " + filename + trouble);
+  TellRefusedCurves();
   return state;
 }
 

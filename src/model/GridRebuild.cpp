@@ -1,7 +1,9 @@
 // The rebuild of the grid: from the wanted subdivision and the constraints to the tree, the maps and the system; and
 // the way from one resolution to the other, which is a rebuild, too. The surface stays as it was.
 
+#include <algorithm>
 #include <array>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -50,7 +52,23 @@ void CGrid::RasteriseCurves() {
 void CGrid::UpdateConstraintsFormCurves() {
   Console() << "CGrid::UpdateConstraintsFormCurves\n";
   m_GeneratedConstraints.clear();
-  for (const CCntrCtrl& curve : m_Curves) curve.AddAutoBumpConstraints(m_GeneratedConstraints);
+  m_iRefusedCurves = 0;
+  for (const CCntrCtrl& curve : m_Curves) {
+    if (static_cast<double>(m_GeneratedConstraints.size()) + curve.GeneratedCount() > CCntrCtrl::kMostGenerated) {
+      ++m_iRefusedCurves;
+    } else {
+      curve.AddAutoBumpConstraints(m_GeneratedConstraints);
+    }
+  }
+  m_iToldCurves = std::min(m_iToldCurves, m_iRefusedCurves);
+}
+
+void CGrid::TellRefusedCurves() {
+  if (m_iToldCurves == m_iRefusedCurves) return;
+  m_iToldCurves = m_iRefusedCurves;
+  Console() << "CGrid::UpdateConstraintsFormCurves\t\ttoo many constraints : " << m_iRefusedCurves << " curves\n";
+  Notify("The curves would generate more than 200000 constraints. " + std::to_string(m_iRefusedCurves) +
+         " of them generate none: make their distances larger.");
 }
 
 void CGrid::SetSparseH() {

@@ -116,6 +116,7 @@ void CGrid::UpdateGrid() {
   if (polling) m_pHost->ProcessEvents();
   m_pHost->RequestRedraw();
   m_pHost->ShowIterations(IterationCounter());
+  TellRefusedCurves();
 }
 
 void CGrid::Reset() {
