@@ -109,8 +109,10 @@ TEST_F(WindowCommandsTest, IterationsAreShownAndLogged) {
 }
 
 TEST_F(WindowCommandsTest, GridShowsItsCounts) {
-  Grid().AddPtCstr({});
+  Grid().AddPtCstr(HeightCstr(4, 22, 1));
   EXPECT_EQ(ReadOut(Control::ConstraintCount), 1);
+  Grid().AddPtCstr(HeightCstr(-100, 22, 1));
+  EXPECT_EQ(ReadOut(Control::ConstraintCount), 1) << "one outside the model asks for nothing";
   m_Window.ShowResolution(40, 60);
   EXPECT_EQ(ReadOut(Control::CellCount), 40);
   EXPECT_EQ(ReadOut(Control::PointCount), 60);
@@ -279,7 +281,7 @@ TEST_F(WindowCommandsTest, LoadedGridIsShownAsItIs) {
   CWindowServices services = Services();
   services.m_Model.m_LoadGrid = [](CGrid& grid, const std::string&) {
     grid.SetWaveletMode(WaveletMode::Simple);
-    grid.AddPtCstr({});
+    grid.AddPtCstr(HeightCstr(4, 22, 1));
     g_bHighRes = 1;
     return true;
   };

@@ -120,10 +120,24 @@ TEST_F(ValueMessagesTest, WhereThereIsNoSurfaceOnlyTheValueIsShown) {
   Add(HeightCstr(400, 22, 2));
   m_Heights.BeginDrag();
   m_Heights.Dragged();
-  EXPECT_EQ(m_Host.m_Shown, "height 2");
+  EXPECT_EQ(m_Host.m_Shown, "height 2. It has no effect, because it lies outside");
   Add(SlopeCstr(400, 22));
   m_Slopes.BeginDrag();
   m_Slopes.Dragged();
-  EXPECT_EQ(m_Host.m_Shown, "slope (0, 0)");
+  EXPECT_EQ(m_Host.m_Shown, "slope (0, 0). It has no effect, because it lies outside");
   EXPECT_EQ(m_Test.m_Console.Take(), "") << "no complaint";
+}
+
+TEST_F(ValueMessagesTest, TheReasonIsToldWhyOneHasNoEffect) {
+  const std::vector<CPtCstr> tear{HeightCstr(-3.5, 22, 0), HeightCstr(12.5, 22, 0)};
+  Grid().AddCurve(tear, CurveType::kPosition, false);
+  Add(HeightCstr(4, 22, 2));
+  m_Heights.SelectionChanged();
+  EXPECT_EQ(m_Host.m_Shown, "height 2. It has no effect, because it lies in a tear");
+  Grid().MoveSelectedPtCstr(0, 2);
+  m_Heights.SelectionChanged();
+  EXPECT_EQ(m_Host.m_Shown, "height 2");
+  Add(SlopeCstr(12.5, 25));
+  m_Slopes.SelectionChanged();
+  EXPECT_EQ(m_Host.m_Shown, "slope (0, 0). It has no effect, because it lies on the border");
 }

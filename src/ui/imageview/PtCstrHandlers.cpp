@@ -61,6 +61,7 @@ void CPtCstrHandler::Drag() {
     m_Values.Dragged();
   } else if (m_iButton == FL_LEFT_MOUSE) {
     Move(ClampedCursor());
+    m_Values.SelectionChanged();
   } else {
     return;
   }

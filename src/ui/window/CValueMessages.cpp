@@ -72,6 +72,10 @@ void CValueMessages::Describe(const CPtCstr& constraint, const std::optional<CSu
     FormatHelp(m_Text, past ? HelpText::kSlopeDragged : HelpText::kSlope,
                {Slope(constraint.m_fP), Slope(constraint.m_fQ), Slope(was.x), Slope(was.y)});
   }
+  const Inactivity reason = m_Grid.WhyInactive(constraint);
+  if (reason == Inactivity::None) return;
+  FormatHelp(m_Whole, HelpText::kNoEffect, {m_Text, InactivityText(reason)});
+  m_Text.swap(m_Whole);
 }
 
 std::string CValueMessages::Height(double z) const {

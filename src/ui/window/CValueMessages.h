@@ -10,8 +10,8 @@ class CGrid;
 class ViewHost;
 struct CPtCstr;
 
-/// Tells in the help line what the selected point constraint asks for, and during a drag also what the surface had
-/// there when the drag began. When the drag ends, the same becomes a line on the console.
+/// Tells in the help line what the selected point constraint asks for and, where it is so, why it has no effect; during a
+/// drag also what the surface had there when the drag began. When the drag ends, the same becomes a line on the console.
 class CValueMessages {
  public:
   /// `kind`: PtCstrKind::kPosition or kNormal; constraints of no other kind are looked at. The grid and the host must
@@ -46,4 +46,5 @@ class CValueMessages {
   std::optional<CSurfacePlace> m_Past;  ///< under it when the drag began; none outside the surface
   bool m_bDragged = false;              ///< the drag has changed something
   std::string m_Text;                   ///< as it was shown last
+  std::string m_Whole;                  ///< memory for the same with what is added to it
 };

@@ -43,6 +43,7 @@ inline constexpr std::array kHelpTexts{
     "slope (%1, %2)",
     "slope (%1, %2), was (%3, %4)",
     "The solver is stopped: Resume the solver lets it go on",
+    "%1. It has no effect, because it lies %2",
 };
 
 /// Indices of the texts that are not tied to a control.
@@ -62,6 +63,7 @@ inline constexpr int kHeightDragged = 24;    ///< the same, and what the surface
 inline constexpr int kSlope = 25;            ///< dz/dx and dz/dy
 inline constexpr int kSlopeDragged = 26;
 inline constexpr int kSolverStopped = 27;
+inline constexpr int kNoEffect = 28;  ///< what a constraint asks for, and why the system does not know it
 }  // namespace HelpText
 
 /// The text of an index; the empty one for an index that has none.
