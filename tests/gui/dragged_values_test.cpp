@@ -116,6 +116,18 @@ TEST_F(DraggedValuesTest, HoveringLeavesTheMessage) {
   EXPECT_TRUE(m_Host.m_aiHelps.empty());
 }
 
+// Along x = 40.5 the surface is torn.
+TEST_F(DraggedValuesTest, AHeightMovedIntoATearSaysThatItHasNoEffect) {
+  Grid().AddCurve(std::vector{HeightCstr(40.5, 0, 0), HeightCstr(40.5, 100, 0)}, CurveType::kPosition, false);
+  Grid().AddPtCstr(HeightCstr(60.5, 50.5, 44.8));
+  Grid().PerformPendingWork();
+  Push(FL_LEFT_MOUSE, 60.5, 50.5);
+  Drag(40.5, 50.5);
+  EXPECT_EQ(Shown(), "height 44.8. It has no effect, because it lies in a tear");
+  Drag(30.5, 50.5);
+  EXPECT_EQ(Shown(), "height 44.8");
+}
+
 TEST_F(DraggedValuesTest, SlopesAreShownBesideThoseOfTheSurface) {
   View().SetMode(EditingMode::Normal);
   Push(FL_LEFT_MOUSE, 20.5, 20.5);
