@@ -56,6 +56,7 @@ int PlainIterations(CGrid& grid) {
 struct CStopCase {
   const char* m_Name;
   std::vector<CPtCstr> m_aConstraints;
+  double m_fLonger;  ///< how much longer than the plain iteration the program may take
 };
 
 class SolverStopTest : public testing::TestWithParam<CStopCase> {
@@ -64,13 +65,13 @@ class SolverStopTest : public testing::TestWithParam<CStopCase> {
   CSolverGrid m_Solver{6, 6};
 };
 
-INSTANTIATE_TEST_SUITE_P(Cases, SolverStopTest,
-                         testing::Values(CStopCase{"None", {}}, CStopCase{"OneHeight", {HeightCstr(30, 70, 12)}},
-                                         CStopCase{"TwoHeights", {HeightCstr(30, 70, 12), HeightCstr(60, 20, -3)}},
-                                         CStopCase{"OneNormal", {SlopeCstr(30, 70, 1, -0.5)}},
-                                         CStopCase{"TwoNormals",
-                                                   {SlopeCstr(30, 70, 1, -0.5), SlopeCstr(60, 30, -1, 0.5)}}),
-                         [](const auto& test) { return std::string(test.param.m_Name); });
+INSTANTIATE_TEST_SUITE_P(
+    Cases, SolverStopTest,
+    testing::Values(CStopCase{"None", {}, 1.1}, CStopCase{"OneHeight", {HeightCstr(30, 70, 12)}, 1.1},
+                    CStopCase{"TwoHeights", {HeightCstr(30, 70, 12), HeightCstr(60, 20, -3)}, 1.1},
+                    CStopCase{"OneNormal", {SlopeCstr(30, 70, 1, -0.5)}, 1.1},
+                    CStopCase{"TwoNormals", {SlopeCstr(30, 70, 1, -0.5), SlopeCstr(60, 30, -1, 0.5)}, 2}),
+    [](const auto& test) { return std::string(test.param.m_Name); });
 
 // What is gained after the first breakdown takes about as long as the way to it; where there is nothing to be gained,
 // it takes no time. Chance in the multipliers makes a difference of some iterations.
@@ -81,7 +82,7 @@ TEST_P(SolverStopTest, SystemsThatLeavePlanesFreeStopSoonAfterThePlainIteration)
   m_Solver.m_Console.Take();
   ASSERT_TRUE(m_Solver.Converge(5 * plain / 10 + 10));
   EXPECT_TRUE(Grid().Solver().HasConverged());
-  EXPECT_LE(Grid().IterationCounter(), 2 * plain + 20) << plain;
+  EXPECT_LE(Grid().IterationCounter(), GetParam().m_fLonger * plain + 20) << plain;
   const std::string lines = m_Solver.m_Console.Take();
   EXPECT_EQ(Occurrences(lines, kSmallRho) + Occurrences(lines, kSmallPi), 1) << lines;
 }
@@ -148,6 +149,23 @@ TEST(SolverGivesUp, RatherThanToClaimHeightsThatItMisses) {
       largest = std::max(largest, std::abs(SurfaceHeight(solver.m_Grid, c.m_fX, c.m_fY) - c.m_fZ));
     EXPECT_TRUE(largest < 1e-5 || !solver.m_Grid.Solver().HasConverged()) << level << ": " << largest;
   }
+}
+
+// The first of its three attempts, which takes the iteration to where rounding holds it.
+TEST(SolverGivesUp, WithALineWhereTheResidualStays) {
+  CSolverGrid solver(5, 5, CExtent{0, 1, 0, 1});
+  std::mt19937 random(1);
+  for (int k = 0; k < 45; ++k) {
+    const double x = static_cast<double>(random() % 1000) / 1000;
+    const double y = static_cast<double>(random() % 1000) / 1000;
+    solver.m_Grid.AddPtCstr(HeightCstr(x, y, static_cast<double>(random() % 1000) / 1000));
+  }
+  std::string lines;
+  for (int tick = 0; tick < 20000 && lines.find("stays") == std::string::npos && solver.m_Grid.IsRunning(); ++tick) {
+    solver.m_Grid.UpdateGrid();
+    lines += solver.m_Console.Take();
+  }
+  EXPECT_NE(lines.find("|r_rr| stays at "), std::string::npos) << lines;
 }
 
 TEST(SolverConverges, WhenAllHeightsAreSetToZero) {
