@@ -4,7 +4,8 @@
 #include <utility>
 
 void CPendingWork::Post(int code) {
-  if (Next_Operation != Operation::kNone && Next_Operation != code) Remember(Next_Operation);
+  const bool another = Next_Operation != code || Operation::Repeats(code);
+  if (Next_Operation != Operation::kNone && another) Remember(Next_Operation);
   Next_Operation = code;
 }
 

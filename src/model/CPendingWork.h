@@ -25,12 +25,16 @@ inline constexpr int kLoadImage = 16384;
 inline constexpr bool IsEdit(int operation) {
   return operation == kRestart || operation == kRebuild || operation == kRebuildMaps;
 }
+
+/// Whether the operation posted twice does more than posted once: each press of a key takes another step.
+inline constexpr bool Repeats(int operation) { return operation == kSubdivide || operation == kMerge; }
 }  // namespace Operation
 
 /// The work that commands and edits leave for the next tick: the code posted last, and what it was posted over.
 ///
 /// One code is visible at a time, the last; but no posted work is lost. Overwritten codes wait in the order in which
-/// they were posted, edits that follow each other merged into the most thorough one (maps over matrix over restart).
+/// they were posted, edits that follow each other merged into the most thorough one (maps over matrix over restart). A
+/// code posted again at once stands for one, but for those that repeat.
 class CPendingWork {
  public:
   /// The code posted last, Operation::kNone if there is none.

@@ -19,14 +19,17 @@ std::vector<int> Taken(const std::vector<int>& posted) {
   return work.Take();
 }
 
-// Edits between two commands stand for one, the most thorough; a command posted twice in a row for one as well.
+bool Repeats(int code) { return code == 128 || code == 256; }
+
+// Edits between two commands stand for one, the most thorough; a command posted twice in a row for one as well, but for
+// a split and a merge, of which each counts.
 std::vector<int> Wanted(const std::vector<int>& posted) {
   std::vector<int> wanted;
   for (const int code : posted) {
     const int last = wanted.empty() ? 0 : wanted.back();
     if (IsEdit(last) && IsEdit(code)) {
       wanted.back() = std::max(last, code);
-    } else if (last != code) {
+    } else if (last != code || Repeats(code)) {
       wanted.push_back(code);
     }
   }
@@ -78,7 +81,15 @@ TEST(PendingWorkTest, EachPairOfEditsMergesToTheMostThorough) {
 }
 
 TEST(PendingWorkTest, CodePostedTwiceIsPerformedOnce) {
-  for (const int code : kCodes) EXPECT_EQ(Taken({code, code}), (std::vector{code}));
+  for (const int code : kCodes) {
+    if (!Repeats(code)) EXPECT_EQ(Taken({code, code}), (std::vector{code}));
+  }
+}
+
+TEST(PendingWorkTest, EachSplitAndEachMergeCounts) {
+  EXPECT_EQ(Taken({128, 128, 128}), (std::vector{128, 128, 128}));
+  EXPECT_EQ(Taken({256, 256}), (std::vector{256, 256}));
+  EXPECT_EQ(Taken({128, 4, 1, 128, 256, 256}), (std::vector{128, 4, 128, 256, 256}));
 }
 
 TEST(PendingWorkTest, EditsDoNotMergeAcrossACommand) {
