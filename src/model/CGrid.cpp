@@ -172,8 +172,10 @@ bool CGrid::TraceInterpolation(double x, double y) {
   CInterpolationTrace trace;
   m_Lattice.ClearAll(PointFlag::kTraced);
   if (!Surface().GetBilinearInterpolation(x, y, stencil, &trace)) return false;
-  m_Lattice.Set(trace.m_Triangle.m_uA, PointFlag::kTraced);
-  m_Lattice.Set(trace.m_Triangle.m_uB, PointFlag::kTraced);
+  if (!trace.m_Triangle.IsCentre()) {
+    m_Lattice.Set(trace.m_Triangle.m_uA, PointFlag::kTraced);
+    m_Lattice.Set(trace.m_Triangle.m_uB, PointFlag::kTraced);
+  }
   if (m_pHost != nullptr) m_pHost->ShowInterpolation(trace);
   return true;
 }

@@ -87,6 +87,19 @@ TEST(GridHostTest, OnlyTheLastTraceStaysMarked) {
   EXPECT_TRUE(test.m_Grid.Lattice().Has(24, PointFlag::kTraced));
 }
 
+// There the value is the centre's alone, and no side takes part.
+TEST(GridHostTest, NothingIsMarkedAtTheCentreOfALeaf) {
+  CTestGrid test(2, 1);
+  RecordingHost host;
+  test.m_Grid.AttachHost(&host);
+  test.m_Grid.TraceInterpolation(0.5, 20.25);
+  const CCellRect leaf = test.m_Grid.Tree().CellAt(1, 0, 0).ModelRect();
+  EXPECT_TRUE(test.m_Grid.TraceInterpolation(leaf.x + leaf.width / 2, leaf.y + leaf.height / 2));
+  EXPECT_EQ(test.m_Grid.Lattice().Count(PointFlag::kTraced), 0U);
+  ASSERT_EQ(host.m_aTraces.size(), 2U);
+  EXPECT_EQ(host.m_aTraces[1].m_Triangle.m_fCCenter, 1);
+}
+
 TEST(GridHostTest, NothingIsTracedOutsideTheModel) {
   CTestGrid test;
   RecordingHost host;

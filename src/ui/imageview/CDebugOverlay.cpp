@@ -97,9 +97,11 @@ void CDebugOverlay::ShowInterpolation(const CGrid& grid, const CInterpolationTra
   const CCellRect cell = trace.m_Triangle.m_pCell->ModelRect();
   m_TracedCell = {cell.x, cell.x + cell.width, cell.y, cell.y + cell.height};
   m_uTracedTree = grid.Tree().Revision();
-  m_aTraced[0] = PlaceOf(grid.Lattice(), trace.m_Triangle.m_uA);
-  m_aTraced[1] = PlaceOf(grid.Lattice(), trace.m_Triangle.m_uB);
-  m_uTraced = 2;
+  m_uTraced = 0;
+  if (!trace.m_Triangle.IsCentre()) {
+    m_aTraced[m_uTraced++] = PlaceOf(grid.Lattice(), trace.m_Triangle.m_uA);
+    m_aTraced[m_uTraced++] = PlaceOf(grid.Lattice(), trace.m_Triangle.m_uB);
+  }
   for (std::size_t k = 0; k < trace.m_Centre.m_uCount; ++k)
     m_aTraced[m_uTraced++] = PlaceOf(grid.Lattice(), trace.m_Centre.m_auPoints[k]);
 }

@@ -42,7 +42,7 @@ class CDebugOverlay {
   std::size_t m_uLabels = 0;
   std::uint64_t m_uLabelTree = 0;  ///< the subdivision that the labels belong to
   CExtent m_TracedCell;
-  std::array<CPlanePoint, 8> m_aTraced;  ///< the ends of the sub-edge and the points of the centre
+  std::array<CPlanePoint, 8> m_aTraced;  ///< the ends of the sub-edge, if any, and the points of the centre
   std::size_t m_uTraced = 0;
   std::uint64_t m_uTracedTree = 0;
 };
