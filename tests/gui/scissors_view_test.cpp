@@ -270,6 +270,13 @@ TEST_F(ScissorsViewTest, KeysZoomAroundTheMouse) {
   EXPECT_EQ(m_View.Viewport().PixelAt(200, 160), (CPixelPosition{200, 160}));
 }
 
+TEST_F(ScissorsViewTest, SignsOfTheNumberPadZoomToo) {
+  OpenWith(RandomPicture(900, 800, 3));
+  Point({200, 160});
+  EXPECT_TRUE(TypeUntil("ctrl+KP_Add", [&] { return m_View.Viewport().Zoom() == 2; }));
+  EXPECT_TRUE(TypeUntil("ctrl+KP_Subtract", [&] { return m_View.Viewport().Zoom() == 1; }));
+}
+
 TEST_F(ScissorsViewTest, RightDragMovesThePicture) {
   const CTopDownImage picture = RandomPicture(900, 800, 3);
   OpenWith(picture);

@@ -152,7 +152,7 @@ bool CScissorsView::OnKey() {
   const int key = Fl::event_key();
   const bool control = Fl::event_ctrl() != 0;
   // The sign may be typed on either part of the keyboard.
-  const bool closer = key == '=' || key == FL_KP + '=';
+  const bool closer = key == '=' || key == '+' || key == FL_KP + '=' || key == FL_KP + '+';
   const bool farther = key == '-' || key == FL_KP + '-';
   if (control && (closer || farther)) {
     m_Viewport->ZoomBy(closer ? 1 : -1, m_Mouse.m_iColumn, m_Mouse.m_iRow);
