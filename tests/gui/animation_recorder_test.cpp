@@ -119,7 +119,7 @@ TEST_F(AnimationRecorderTest, HasItsTitleSizeAndTexts) {
   EXPECT_STREQ(m_Window.label(), "Animation Record Interface");
   EXPECT_EQ(std::pair(m_Window.w(), m_Window.h()), std::pair(290, 100));
   const std::vector<std::pair<std::string, std::string>> buttons{
-      {"@circle", "Record a new sequence"},  {"@||", "Pause"},
+      {"@circle", "Record a new sequence"},  {"@+2||", "Pause"},
       {"@>", "Play the recorded animation"}, {"@square", "Stop the animation"},
       {"@reload", "Reset the animation"},    {"@returnarrow", "Export the animation"}};
   for (int index = 0; index < 6; ++index) {

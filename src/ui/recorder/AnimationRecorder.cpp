@@ -40,7 +40,7 @@ AnimationRecorder::AnimationRecorder(RecorderView& view, RecorderHost& host, Use
       m_Playback(m_Recorder, view, [this] { Refresh(); }) {
   constexpr std::array<CButtonRow, kButtonCount> kRows{{
       {"@circle", "Record a new sequence", cb_m_pbtnRecord, FL_TOGGLE_BUTTON},
-      {"@||", "Pause", cb_m_pbtnPause, FL_TOGGLE_BUTTON},
+      {"@+2||", "Pause", cb_m_pbtnPause, FL_TOGGLE_BUTTON},
       {"@>", "Play the recorded animation", cb_m_pbtnPlay, FL_TOGGLE_BUTTON},
       {"@square", "Stop the animation", cb_m_pbtnStop, FL_NORMAL_BUTTON},
       {"@reload", "Reset the animation", cb_m_pbtnReset, FL_NORMAL_BUTTON},
