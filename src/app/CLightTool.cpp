@@ -1,10 +1,24 @@
 #include "app/CLightTool.h"
 
+#include <algorithm>
+
+#include <FL/Fl.H>
+
 #include "model/CGrid.h"
 #include "quadtree/TreeNormals.h"
 #include "ui/drawing/DisplayFlags.h"
 #include "ui/modelview/CGridView.h"
+#include "ui/window/CBusyCursor.h"
 #include "ui/window/CImageViewUI.h"
+#include "ui/window/CRedrawPacer.h"
+
+namespace {
+
+// Seconds: between two relightings of a drag, and what one may take during a drag without holding up the mouse.
+constexpr double kInterval = 1.0 / 60;
+constexpr double kLongest = 0.1;
+
+}  // namespace
 
 CLightTool::CLightTool(CImageViewUI& window, CGrid& grid)
     : m_Window(window), m_Grid(grid), m_Panel(window, window, [this](bool visible) {
@@ -19,8 +33,34 @@ void CLightTool::PictureLoaded() {
   m_Panel.Refresh();
 }
 
+CLightTool::~CLightTool() { Fl::remove_check(cb_Check, this); }
+
 void CLightTool::LightsMoved() {
   m_Panel.Refresh();
+  m_Window.RequestRedraw();
+  if (!HasKd() || m_bOwed) return;
+  m_bOwed = true;
+  Fl::add_check(cb_Check, this);
+}
+
+void CLightTool::cb_Check(void* tool) { static_cast<CLightTool*>(tool)->RelightWhenDue(); }
+
+// Looked at each time the toolkit goes round, and so after every event of the drag and after its end.
+void CLightTool::RelightWhenDue() {
+  const bool mayWait = m_Window.GridView().IsDragging();
+  if (mayWait && (m_fSeconds > kLongest || CRedrawPacer::SteadySeconds() < m_fNext)) return;
+  m_bOwed = false;
+  Fl::remove_check(cb_Check, this);
+  if (HasKd()) Relight();
+}
+
+void CLightTool::Relight() {
+  const CBusyCursor busy(m_fSeconds > kLongest);
+  const double begin = CRedrawPacer::SteadySeconds();
+  m_Grid.GetKd();
+  const double end = CRedrawPacer::SteadySeconds();
+  m_fSeconds = end - begin;
+  m_fNext = end + std::max(m_fSeconds, kInterval);
   m_Window.RequestRedraw();
 }
 
@@ -38,10 +78,7 @@ void CLightTool::UpdateTexelInterpolation() {
   m_Window.RequestRedraw();
 }
 
-void CLightTool::UpdateKd() {
-  m_Grid.GetKd();
-  m_Window.RequestRedraw();
-}
+void CLightTool::UpdateKd() { Relight(); }
 
 bool CLightTool::HasKd() const { return m_Grid.Albedo().IsComputed(); }
 

@@ -12,6 +12,9 @@ class CLightTool : public ToolWindow, private LightingCommands {
  public:
   /// Both must outlive the object.
   CLightTool(CImageViewUI& window, CGrid& grid);
+  ~CLightTool() override;
+  CLightTool(const CLightTool&) = delete;
+  CLightTool& operator=(const CLightTool&) = delete;
 
   bool IsOpen() const override { return m_Panel.visible() != 0; }
   void Open() override { m_Panel.Open(); }
@@ -21,7 +24,8 @@ class CLightTool : public ToolWindow, private LightingCommands {
 
   /// The light being edited, 0 to 4; -1 while the panel is closed.
   int CurrentLight() const { return IsOpen() ? m_Panel.current_light() : -1; }
-  /// Lights were turned elsewhere.
+  /// Lights were turned elsewhere, in a drag perhaps that goes on. The computed images follow, if there are any: during
+  /// the drag for at most half of the time and only where one time is short, and always at its end.
   void LightsMoved();
 
  private:
@@ -33,7 +37,14 @@ class CLightTool : public ToolWindow, private LightingCommands {
   TextureMode ShownTexture() const override;
   void ShowTexture(TextureMode mode) override;
 
+  void Relight();
+  void RelightWhenDue();
+  static void cb_Check(void* tool);
+
   CImageViewUI& m_Window;
   CGrid& m_Grid;
+  bool m_bOwed = false;     ///< the computed images are those of former lights
+  double m_fSeconds = 0.0;  ///< that relighting took the last time
+  double m_fNext = 0.0;     ///< no relighting during a drag before this time
   CLightUI m_Panel;
 };

@@ -1,12 +1,14 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 
 #include <FL/Fl.H>
 #include <FL/fl_ask.H>
 
 #include "app/CToolSet.h"
+#include "app/Desktop.h"
 #include "app/PressPosition.h"
 #include "app/SolverTimer.h"
 #include "base/CTerminationSignals.h"
@@ -52,7 +54,12 @@ int main() {
   CTerminationSignals signals;
   if (signals.Descriptor() >= 0) Fl::add_fd(signals.Descriptor(), FL_READ, cb_Termination, &signals);
   PrintSelfTest();
+  if (!HasOpenGL()) {
+    std::fputs("relievo: this display has no OpenGL (GLX), with which the two views are drawn\n", stderr);
+    return EXIT_FAILURE;
+  }
   Fl::visual(FL_DOUBLE | FL_DEPTH | FL_RGB8);
+  IntroduceToDesktop();
   SendMovesBeforePresses();
   fl_message_font(FL_HELVETICA, static_cast<int>(std::lround(FL_NORMAL_SIZE * UiScale())));
 

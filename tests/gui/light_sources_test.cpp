@@ -13,6 +13,7 @@
 #include "support/ConsoleCapture.h"
 #include "support/gui/PanelTest.h"
 #include "ui/lights/CLightUI.h"
+#include "ui/window/CBusyCursor.h"
 
 namespace {
 
@@ -36,10 +37,10 @@ class RecordingLighting : public LightingCommands {
     CLightSet& set = type == kRemovedLights ? m_Removed : m_Added;
     return &set.m_aLights.at(static_cast<std::size_t>(index));
   }
-  void UpdateTexelNormals() override { m_asCommands.emplace_back("normals"); }
-  void UpdateTexelInterpolation() override { m_asCommands.emplace_back("interpolation"); }
+  void UpdateTexelNormals() override { Note("normals"); }
+  void UpdateTexelInterpolation() override { Note("interpolation"); }
   void UpdateKd() override {
-    m_asCommands.emplace_back("Kd");
+    Note("Kd");
     m_bHasKd = m_bKdSucceeds;
   }
   bool HasKd() const override { return m_bHasKd; }
@@ -49,9 +50,16 @@ class RecordingLighting : public LightingCommands {
   CLightSet m_Removed = CLightSet::Removed();
   CLightSet m_Added = CLightSet::Added();
   std::vector<std::string> m_asCommands;
+  int m_iBusy = 0;  ///< commands that the mouse showed to be under way
   bool m_bKdSucceeds = true;
   bool m_bHasKd = false;
   TextureMode m_Shown = TextureMode::Original;
+
+ private:
+  void Note(const char* command) {
+    m_asCommands.emplace_back(command);
+    m_iBusy += CBusyCursor::IsShown() ? 1 : 0;
+  }
 };
 
 class LightSourcesTest : public PanelTest {
@@ -502,4 +510,13 @@ TEST_F(LightSourcesTest, OpensBesideTheMainWindowOnTheScreen) {
   ASSERT_TRUE(Appears("Light sources"));
   EXPECT_GE(m_Panel.x(), m_MainWindow.x() + m_MainWindow.w());
   EXPECT_LE(m_Panel.x() + m_Panel.w(), Fl::w());
+}
+
+TEST_F(LightSourcesTest, MouseShowsThatAnUpdateIsUnderWay) {
+  m_Panel.Open();
+  for (const char* label : {"Update\ntexels\nnormals", "Update\ntexels\nInterpolation", "Update\nKd"}) {
+    Push(label);
+    EXPECT_FALSE(CBusyCursor::IsShown()) << label;
+  }
+  EXPECT_EQ(m_Lighting.m_iBusy, 3);
 }

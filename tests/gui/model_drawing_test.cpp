@@ -138,12 +138,14 @@ TEST_F(ModelDrawingTest, RemovedLightsDoNotShine) {
   EXPECT_EQ(Shade(), kWhite);
 }
 
-TEST_F(ModelDrawingTest, NewIlluminationIsNotLitAgain) {
+TEST_F(ModelDrawingTest, ComputedImagesAreNotLit) {
   LoadPicture(PlainPicture(kWhite));
   AddLight(0, {0, 0, 1, 0}).m_afColour = {0.5, 0, 0};
   EXPECT_NEAR(Shade().m_uRed, 128, 2);
-  View().SetDrawTexture(2);
-  EXPECT_EQ(Shade(), kWhite);
+  for (const int texture : {DrawnTexture::kIllumination, DrawnTexture::kKd}) {
+    View().SetDrawTexture(texture);
+    EXPECT_EQ(Shade(), kWhite) << texture;
+  }
 }
 
 TEST_F(ModelDrawingTest, LightModulatesThePicture) {
@@ -210,6 +212,30 @@ TEST_F(ModelDrawingTest, GridLinesLieOnTheModelNotInIt) {
   const int alone = CountPixels(FrameWith(ModelFlag::kGrid), kRed);
   const int onModel = CountPixels(FrameWith(ModelFlag::kGrid | ModelFlag::kTexturedModel), kRed);
   EXPECT_GT(onModel, 0.95 * alone);
+}
+
+// All of a plane is to be seen, so no line of it may be missing.
+TEST_F(ModelDrawingTest, GridLinesAreWholeOnSlopes) {
+  g_DrawingSettings.m_GreyGrid = {1, 0, 0};
+  for (const float thickness : {1.0F, 3.0F}) {
+    g_DrawingSettings.m_ModelView.m_fGridThickness = thickness;
+    for (const double slope : {0.5, 3.0, 10.0, 30.0}) {
+      SetSurface(Grid(), [slope](double x, double y) { return slope * (x + 0.7 * y); });
+      View().ResetCamera();
+      // Where a line is, there is less of what lies below it.
+      const CPicture alone = FrameWith(ModelFlag::kGrid);
+      const CPicture model = FrameWith(ModelFlag::kTexturedModel);
+      const CPicture both = FrameWith(ModelFlag::kGrid | ModelFlag::kTexturedModel);
+      const auto isOnModel = [&](int x, int y) { return PixelOf(model, x, y) == kWhite; };
+      const auto lines =
+          CountPixels(alone, [&](int x, int y) { return isOnModel(x, y) && PixelOf(alone, x, y).m_uRed > 40; });
+      const auto seen = CountPixels(both, [&](int x, int y) {
+        return isOnModel(x, y) && PixelOf(alone, x, y).m_uRed > 40 && PixelOf(both, x, y).m_uGreen < 230;
+      });
+      EXPECT_GT(lines, 20U) << slope;
+      EXPECT_GE(static_cast<double>(seen), 0.97 * static_cast<double>(lines)) << slope << ", thickness " << thickness;
+    }
+  }
 }
 
 TEST_F(ModelDrawingTest, LevelsHaveColoursOfTheirOwnWhenAsked) {

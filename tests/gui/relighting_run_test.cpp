@@ -9,6 +9,7 @@
 #include "support/gui/CLightPanelUser.h"
 #include "support/gui/Pictures.h"
 #include "support/gui/RunTest.h"
+#include "support/gui/WaitUntil.h"
 
 namespace {
 
@@ -76,6 +77,25 @@ class RelightingRunTest : public RunTest {
     }
   }
 
+  // A removed and an added light are on, and the model shows the new illumination.
+  void Relight() const {
+    m_Panel->SetLights(CLightPanelUser::kRemoved, 55, 135, 0.6);
+    m_Panel->SetLights(CLightPanelUser::kAdded, 55, 0, 0.6);
+    m_Panel->ClickOn(CLightPanelUser::kUpdateInterpolation);
+    m_Panel->ClickOn(CLightPanelUser::kUpdateKd);
+    ASSERT_TRUE(m_User.Reads(kRelit));
+    m_Panel->ClickOn(CLightPanelUser::kNewIllumination);
+    // The panel may lie over the model view.
+    const auto panel = m_Program.WaitForWindow("Light sources");
+    ASSERT_TRUE(panel.has_value());
+    m_Program.Screen().AskToClose(*panel);
+    ASSERT_TRUE(WaitUntil([&] { return m_Program.Screen().WindowsOf(m_Program.Pid()).size() == 1; }));
+    ASSERT_TRUE(m_Program.Rests());
+  }
+  CPixel InView(int x, int y) const { return m_User.AreaOf(Control::ModelView).At({x, y}); }
+
+  static constexpr const char* kRelit = "CGrid::GetKd\t\t\t\t...GetKd\tdone";
+
   std::optional<CLightPanelUser> m_Panel;
 };
 
@@ -96,4 +116,15 @@ TEST_F(RelightingRunTest, ShadingMovesToTheOtherSideAndTheLightsAreSaved) {
   EXPECT_LT(left, 0.8) << "in the shade now";
   EXPECT_GT(right, 1.1) << "lit now";
   ExpectLightsSaved();
+}
+
+TEST_F(RelightingRunTest, ImagesFollowALightThatIsTurned) {
+  Relight();
+  const CPicture before = Shoot(1, "before.bmp");
+  const std::size_t times = m_User.Times(kRelit);
+  // Half round the model, from its right to its left.
+  m_User.DragSlowly(InView(415, 215), InView(20, 215), 1, "ctrl+1", 8);
+  EXPECT_GT(m_User.Times(kRelit), times + 1) << "during the drag and at its end";
+  const CPicture after = Shoot(1, "after.bmp");
+  EXPECT_GT(Brightness(after, kLeftSlope), 1.1 * Brightness(before, kLeftSlope)) << "lit now";
 }

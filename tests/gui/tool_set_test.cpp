@@ -220,6 +220,23 @@ TEST_F(ToolSetTest, UpdatesFirstTakeTheNormalsOfTheTree) {
   }
 }
 
+TEST_F(ToolSetTest, ImagesFollowALightTurnedInTheModelOnceTheyExist) {
+  LoadPicture();
+  OpenLights();
+  SwitchOn(Grid().RemovedLights(), 0, {1, 1, 1});
+  const auto revision = [this] { return Grid().Textures().Revision(CTextureImages::kKd); };
+  const unsigned loaded = revision();
+  m_Window.LightsMoved();
+  DrawBoth();
+  EXPECT_EQ(revision(), loaded) << "there is nothing computed yet";
+  Push("Update\nKd");
+  for (int turn = 0; turn < 2; ++turn) {
+    const unsigned before = revision();
+    m_Window.LightsMoved();
+    EXPECT_TRUE(RunToolkitUntil([&] { return revision() == before + 1; }));
+  }
+}
+
 TEST_F(ToolSetTest, LightTurnedInTheModelIsThatOfThePanelAndItFollows) {
   LoadPicture();
   EXPECT_EQ(m_Window.CurrentLight(), -1) << "the panel is closed";

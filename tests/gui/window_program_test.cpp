@@ -1,9 +1,14 @@
 // The main window of the running program, under a user's mouse and keyboard.
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <string>
 
 #include <gtest/gtest.h>
 
+#include "support/CTemporaryDirectory.h"
+#include "support/gui/CChildProcess.h"
 #include "support/gui/CRelievo.h"
 #include "support/gui/Input.h"
 #include "support/gui/WaitUntil.h"
@@ -100,6 +105,38 @@ TEST_F(WindowProgramTest, ShortcutShowsInTheMenu) {
   EXPECT_TRUE(WaitUntil([&] { return !entries().IsAll(kBlack) && Differ(entries(), checked); }));
 }
 
+TEST_F(WindowProgramTest, DigitsOpenNoMenuOverTheModelView) {
+  const CArea main = m_Program.MainArea();
+  // Where the two menus would open, over the image view.
+  const auto entries = [&] { return m_Program.Screen().Capture({main.m_iX + 50, main.m_iY + 25, 100, 100}); };
+  const auto noMenu = [&] { return entries().IsAll(kBlack); };
+  PressKey("ctrl+g");
+  for (const char* keys : {"alt+2", "alt+3", "alt+KP_2"}) {
+    MovePointer(PlaceOf(Control::ModelView));
+    ASSERT_TRUE(m_Program.HandlesEvents());
+    PressKey(keys);
+    ASSERT_TRUE(m_Program.HandlesEvents());
+    EXPECT_TRUE(WaitUntil(noMenu)) << keys;
+    MovePointer(PlaceOf(Control::Iterations));
+    ASSERT_TRUE(m_Program.HandlesEvents());
+    ASSERT_TRUE(WaitUntil(noMenu));
+    PressKey(keys);
+    EXPECT_TRUE(WaitUntil([&] { return !noMenu(); })) << keys;
+    PressKey("Escape");
+    ASSERT_TRUE(WaitUntil(noMenu));
+  }
+}
+
+TEST_F(WindowProgramTest, DesktopKnowsTheWindowsByClassAndIcon) {
+  EXPECT_EQ(m_Program.Screen().ClassOf(m_Program.MainWindow()), "relievo");
+  EXPECT_TRUE(m_Program.Screen().HasIcon(m_Program.MainWindow()));
+  Click(PlaceOf(Control::Popup));
+  ASSERT_TRUE(WaitUntil([&] { return m_Program.Screen().WindowsOf(m_Program.Pid()).size() == 2; }));
+  for (const WindowId window : m_Program.Screen().WindowsOf(m_Program.Pid()))
+    EXPECT_EQ(m_Program.Screen().ClassOf(window), "relievo");
+  PressKey("Return");
+}
+
 TEST_F(WindowProgramTest, EveryControlIsInTheSmallWindowToo) {
   m_Program.Screen().AskForSize(m_Program.MainWindow(), 800, 300);
   ASSERT_TRUE(WaitUntil([&] { return m_Program.MainArea().m_iHeight == 300; }));
@@ -118,4 +155,25 @@ TEST_F(WindowProgramTest, CurveIsDrawnWithTheMouseAndTheKeyboard) {
   MovePointer(at(100, 150));
   PressKey("Return");
   EXPECT_TRUE(Prints("contour with 3 nodes added "));
+}
+
+// On a display of its own, which is no part of the one that all other tests use.
+TEST(DisplayTest, WithoutOpenGLTheProgramEndsAndSaysWhy) {
+  const CTemporaryDirectory directory;
+  const auto path = [&](const char* name) { return (directory.Path() / name).string(); };
+  const CChildProcess server(
+      {"sh", "-c",
+       "exec Xvfb -displayfd 3 -screen 0 640x480x24 -nolisten tcp -extension GLX 3>'" + path("number") + "'"},
+      directory.Path(), path("server.log"));
+  const auto contents = [&](const char* name) {
+    std::ifstream file(path(name));
+    return std::string(std::istreambuf_iterator<char>(file), {});
+  };
+  ASSERT_TRUE(WaitUntil([&] { return contents("number").ends_with('\n'); })) << contents("server.log");
+  std::string display = ":" + contents("number");
+  display.pop_back();
+  CChildProcess program({"env", "DISPLAY=" + display, RELIEVO_PROGRAM}, directory.Path(), path("program.log"));
+  EXPECT_EQ(program.WaitForExit(), 1);
+  EXPECT_NE(contents("program.log").find("\nrelievo: this display has no OpenGL (GLX), "), std::string::npos)
+      << contents("program.log");
 }

@@ -29,16 +29,20 @@ TEST(DebugReadOutsTest, InfluenceIsShownForEveryTermAndForTheArea) {
   for (const std::uint32_t flag : {0U, 1U, 16U, 128U, 0x100U}) EXPECT_FALSE(ReadOutsOf(flag).m_bInfluence) << flag;
 }
 
-TEST(DebugReadOutsTest, LevelIsShownInItsPlace) {
+TEST(DebugReadOutsTest, LevelIsShownWheneverItsFlagIsSet) {
+  for (std::uint32_t flags = 0; flags < 0x200; ++flags)
+    EXPECT_EQ(ReadOutsOf(flags).m_bLevel, (flags & 64U) != 0) << flags;
+}
+
+TEST(DebugReadOutsTest, LevelAloneIsShownWithoutTheInfluence) {
   EXPECT_TRUE(ReadOutsOf(64).m_bLevel);
   EXPECT_FALSE(ReadOutsOf(64).m_bInfluence);
   EXPECT_FALSE(ReadOutsOf(32).m_bLevel);
 }
 
-TEST(DebugReadOutsTest, NoTwoAreEverInOnePlace) {
+TEST(DebugReadOutsTest, NoTwoAreEverInThePlaceOfThePoints) {
   for (std::uint32_t flags = 0; flags < 0x200; ++flags) {
     const CDebugReadOuts shown = ReadOutsOf(flags);
-    EXPECT_FALSE(shown.m_bInfluence && shown.m_bLevel) << flags;
     EXPECT_EQ(shown.m_bPointCount + shown.m_bPointNumber + shown.m_bInterpolation, 1) << flags;
   }
 }

@@ -14,6 +14,7 @@
 #include "ui/dialogs/ColourChoice.h"
 #include "ui/dialogs/DialogPlacement.h"
 #include "ui/dialogs/ScaleWidgets.h"
+#include "ui/window/CBusyCursor.h"
 #include "ui/window/ViewHost.h"
 
 namespace {
@@ -272,7 +273,10 @@ void CLightUI::RefreshTextures() {
 
 void CLightUI::Update(void (LightingCommands::*update)()) {
   if (m_pGrid == nullptr) return;
-  (m_pGrid->*update)();
+  {
+    const CBusyCursor busy;
+    (m_pGrid->*update)();
+  }
   RefreshTextures();
   m_Views.RedrawImageView();
   m_Views.RedrawModelView();

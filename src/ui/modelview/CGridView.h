@@ -52,6 +52,7 @@ class CGridView : public Fl_Gl_Window {
   void ResetCamera();
   /// Ends the drag under way, if any, and lets the solver go on. For dialogs: they swallow the release of the button.
   void EndDrag();
+  bool IsDragging() const { return m_iDragButton != 0; }
 
   /// Saves the view as it would be drawn now; false while it is not shown or if that fails.
   bool SaveFrame(const std::string& filename);

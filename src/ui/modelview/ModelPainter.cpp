@@ -12,12 +12,20 @@
 #include "ui/drawing/ConstraintDrawing.h"
 #include "ui/drawing/CurveColours.h"
 #include "ui/drawing/Quadrics.h"
+#include "ui/window/CBusyCursor.h"
 
 namespace {
 
 // How far the surface is held behind the lines on it: a hundredth of R, where the depth of the view is 200 R. Without
 // it surface and lines are drawn through each other.
 constexpr double kBehind = 5e-5;
+
+// How far behind its lines the surface has to be on a slope, in pixels along it: to the edge of the line, whose soft
+// edges make it a pixel wider; up to the root of two more, as the slope is taken along rows and columns.
+float SlopeOffset(float thickness) {
+  constexpr float kRootOfTwo = 1.4143F;
+  return kRootOfTwo * (thickness + 1) / 2;
+}
 
 // Drawing sizes are meant for a model 100 units wide.
 double SizeUnit(const CGrid& grid) {
@@ -204,9 +212,10 @@ void CModelPainter::Draw(CGrid& grid, const CView& view) {
 }
 
 void CModelPainter::DrawTexturedModel(CGrid& grid, const CView& view) {
-  // The new illumination carries the shading already. Without a light of its own the model shows the photograph as it
-  // is.
-  const bool lit = HasActiveLight(grid.AddedLights()) && view.m_iDrawTexture != DrawnTexture::kIllumination;
+  // The new illumination carries the shading already, and the albedo is to be seen without. Without a light of its own
+  // the model shows the photograph as it is.
+  const bool computed = view.m_iDrawTexture == DrawnTexture::kIllumination || view.m_iDrawTexture == DrawnTexture::kKd;
+  const bool lit = HasActiveLight(grid.AddedLights()) && !computed;
   glColor4f(1, 1, 1, 1);
   if (lit) {
     EnableLighting(grid.AddedLights());
@@ -222,11 +231,17 @@ void CModelPainter::DrawTexturedModel(CGrid& grid, const CView& view) {
   glEnableClientState(GL_TEXTURE_COORD_ARRAY);
   glVertexPointer(3, GL_FLOAT, kStride, m_Arrays.Positions().data());
   glTexCoordPointer(2, GL_FLOAT, kStride, m_Arrays.Positions().data());
-  // The surface is opaque, and a little behind what is drawn on it. A polygon offset would follow its slope better, but
-  // it makes drawing half as slow again.
+  // The surface is opaque, and a little behind what is drawn on it.
   glDisable(GL_BLEND);
   glDepthRange(kBehind, 1);
+  // On a slope the half of a line that lies downhill of its middle would be in the surface all the same. Only with grid
+  // lines, because it makes drawing slower.
+  if ((view.m_uFlags & ModelFlag::kGrid) != 0) {
+    glEnable(GL_POLYGON_OFFSET_FILL);
+    glPolygonOffset(SlopeOffset(g_DrawingSettings.m_ModelView.m_fGridThickness), 0);
+  }
   DrawElements(GL_TRIANGLES, m_Arrays.Triangles());
+  glDisable(GL_POLYGON_OFFSET_FILL);
   glDepthRange(0, 1);
   glEnable(GL_BLEND);
   glDisableClientState(GL_NORMAL_ARRAY);
@@ -269,6 +284,8 @@ void CModelPainter::DrawNormalsTexels(CGrid& grid, double length) {
     Console() << "Error Cgrid::DrawNormalsTexels()\t\tNo texture loaded\n";
     return;
   }
+  constexpr std::size_t kManyTexels = 1'000'000;
+  const CBusyCursor busy(grid.Texels().Mask().size() > kManyTexels);
   m_Texels.RefreshNormals(grid, length);
   DrawSegments(m_Texels.Normals(), kTexelNormalColour);
 }

@@ -32,6 +32,17 @@ bool IsEscapeTyped() {
   return (event == FL_KEYBOARD || event == FL_SHORTCUT) && Fl::event_key() == FL_Escape;
 }
 
+// Not what the toolkit takes to be below the mouse: that is nothing for a while after a window manager has looked at a
+// click.
+bool IsMouseOver(const Fl_Window& view) {
+  int x = 0;
+  int y = 0;
+  Fl::get_mouse(x, y);
+  x -= view.x_root();
+  y -= view.y_root();
+  return x >= 0 && x < view.w() && y >= 0 && y < view.h();
+}
+
 }  // namespace
 
 CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* dialogs)
@@ -48,6 +59,8 @@ CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* d
           [this] { return m_Solver.IsRunning(); }, CRedrawPacer::SteadySeconds) {
   BuildWidgets();
   end();
+  // There they choose the lights that a drag turns.
+  m_pMenu->LeaveDigitsWhile([this] { return Fl::pushed() != nullptr || IsMouseOver(*m_pGridView); });
   resizable(nullptr);
   size_range(Scaled(kMinDesignWidth, m_fScale), Scaled(kMinDesignHeight, m_fScale));
   callback(cb_Window);
@@ -203,8 +216,10 @@ void CImageViewUI::SetNumberOfPoints(int n) { ReadOut(Control::PointCount).value
 void CImageViewUI::ShowInterpolation(const CInterpolationTrace& trace) {
   m_pImageView->ShowInterpolation(trace);
   const CTriangleStencil& triangle = trace.m_Triangle;
-  ReadOut(Control::FirstNumber).value(m_pGrid->Order().NumberOf(triangle.m_uA));
-  ReadOut(Control::SecondNumber).value(m_pGrid->Order().NumberOf(triangle.m_uB));
+  constexpr int kNone = -1;
+  const bool centre = triangle.IsCentre();
+  ReadOut(Control::FirstNumber).value(centre ? kNone : m_pGrid->Order().NumberOf(triangle.m_uA));
+  ReadOut(Control::SecondNumber).value(centre ? kNone : m_pGrid->Order().NumberOf(triangle.m_uB));
   ReadOut(Control::CentreCoef).value(triangle.m_fCCenter);
   ReadOut(Control::FirstCoef).value(triangle.m_fCa);
   ReadOut(Control::SecondCoef).value(triangle.m_fCb);
@@ -257,7 +272,11 @@ void CImageViewUI::LightsMoved() {
 
 void CImageViewUI::ShowPointerInside(bool inside) { Button(Control::PointerInside).value(inside ? 1 : 0); }
 
-void CImageViewUI::ShowInfluence(double value) { ReadOut(Control::Influence).value(value); }
+void CImageViewUI::ShowInfluence(double value) {
+  ReadOut(Control::Influence).value(value);
+  // It lies on top, and is to be drawn after what has changed below it.
+  ReadOut(Control::Level).redraw();
+}
 
 void CImageViewUI::ShowNumber(int number, int levelCode) {
   ReadOut(Control::PointNumber).value(number);

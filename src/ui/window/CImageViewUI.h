@@ -130,6 +130,7 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   int CurrentHelp() const;
   void PerformPendingWork();
   void TellOfWaitingEdit();
+  void StopPressed();
   void SetDebugFlag(std::uint32_t flag, bool on);
   void UpdateDebugReadOuts();
   void CycleLevelTool();

@@ -69,6 +69,9 @@ constexpr auto kRows = std::to_array<CMenuRow>({
 });
 // clang-format on
 
+// On either part of the keyboard.
+bool IsDigit(int key) { return (key >= '0' && key <= '9') || (key >= FL_KP + '0' && key <= FL_KP + '9'); }
+
 int FlagsOf(RowKind kind) {
   switch (kind) {
     case Menu:
@@ -142,6 +145,7 @@ int CMainMenu::handle(int event) {
     if (item.active() != 0) picked(&item);
     return 1;
   }
+  if (modifiers == FL_ALT && IsDigit(Fl::event_key()) && m_DigitsTaken && m_DigitsTaken()) return 1;
   // Titles of menus. The toolkit would also try the entries, and take some with modifiers that they do not have.
   return modifiers == FL_ALT ? Fl_Menu_Bar::handle(event) : 0;
 }

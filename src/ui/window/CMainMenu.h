@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <utility>
 #include <vector>
 
 #include <FL/Fl_Menu_Bar.H>
@@ -43,7 +44,7 @@ enum class MenuEntry {
 /// changed before it is asked.
 ///
 /// A shortcut belongs to one entry, with exactly its modifiers, before it may stand for the title of a menu; that of an
-/// inactive entry does nothing.
+/// inactive entry does nothing. The titles "2D View" and "3D View" can be told to leave their digits to others.
 class CMainMenu : public Fl_Menu_Bar {
  public:
   using Action = std::function<void(MenuEntry entry)>;
@@ -57,6 +58,9 @@ class CMainMenu : public Fl_Menu_Bar {
   /// As if the user had chosen the entry, even if it is inactive.
   void Choose(MenuEntry entry) { picked(&Item(entry)); }
 
+  /// While `taken` answers true, Alt with a digit opens no menu: it belongs to somebody else.
+  void LeaveDigitsWhile(std::function<bool()> taken) { m_DigitsTaken = std::move(taken); }
+
   int handle(int event) override;
 
  private:
@@ -66,6 +70,7 @@ class CMainMenu : public Fl_Menu_Bar {
   static void cb_Item(Fl_Widget* bar, long entry);
 
   Action m_Chosen;
+  std::function<bool()> m_DigitsTaken;
   std::vector<Fl_Menu_Item> m_aItems;    ///< as the toolkit wants them, with titles and ends of menus
   std::vector<std::size_t> m_auIndices;  ///< of the entries among the items
 };

@@ -12,6 +12,7 @@
 #include <FL/x.H>
 
 #include "ui/window/CHelpLine.h"
+#include "ui/window/CNumberOutput.h"
 #include "ui/window/HelpButtons.h"
 
 namespace {
@@ -50,7 +51,7 @@ Fl_Widget* MakeLamp(const char* label) {
 }
 
 Fl_Widget* MakeNumberOutput(const CControlRow& row, Fl_Align align) {
-  auto* output = new Fl_Value_Output(0, 0, 0, 0, row.m_pLabel);
+  auto* output = new CNumberOutput(0, 0, 0, 0, row.m_pLabel);
   output->value(row.m_fValue);
   output->align(align);
   return output;

@@ -21,19 +21,19 @@ inline CLevelTool NextLevelTool(std::uint32_t debugFlags, bool pressedOn) {
   return {debugFlags | DebugFlag::kHLevel, "SHOW\nH LEVEL", false};
 }
 
-/// Which of the read-outs that lie in the same place are on show for a debug-flag word.
+/// Which of the read-outs that share a place are on show for a debug-flag word.
 struct CDebugReadOuts {
   bool m_bInfluence;    ///< "Influence of current point"
-  bool m_bLevel;        ///< "H level" of a point, in the place of its influence, and its number
+  bool m_bLevel;        ///< "H level" of a point, on top of its influence
   bool m_bPointNumber;  ///< in the place of the number of active points
   bool m_bPointCount;
   bool m_bInterpolation;  ///< over both of them
 };
 
-/// The terms of a point go before its level, the parts of an interpolation before the number of a point.
+/// The level of a point goes before its terms, the parts of an interpolation before the number of a point.
 inline CDebugReadOuts ReadOutsOf(std::uint32_t debugFlags) {
   const bool interpolation = (debugFlags & DebugFlag::kInterpolation) != 0;
   const bool level = (debugFlags & DebugFlag::kHLevel) != 0;
   const bool influence = (debugFlags & DebugFlag::kReadOuts & ~DebugFlag::kHLevel) != 0;
-  return {influence, level && !influence, level && !interpolation, !level && !interpolation, interpolation};
+  return {influence, level, level && !interpolation, !level && !interpolation, interpolation};
 }

@@ -78,7 +78,7 @@ void CImageViewUI::ConnectCallbacks() {
     {Control::LightSources, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::LightSources); }},
     {Control::Recorder, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::Recorder); }},
     {Control::Scissors, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::Scissors); }},
-    {Control::StopSolver, [](CImageViewUI& ui, bool) { ui.m_Solver.StopSolver(); }},
+    {Control::StopSolver, [](CImageViewUI& ui, bool) { ui.StopPressed(); }},
     {Control::ResumeSolver, [](CImageViewUI& ui, bool) { ui.m_Solver.Run(); }},
     {Control::Slower, [](CImageViewUI&, bool) { g_fTimerInterval *= 1.5; }},
     {Control::Faster, [](CImageViewUI&, bool) { g_fTimerInterval *= 2.0 / 3.0; }},
@@ -91,6 +91,14 @@ void CImageViewUI::ConnectCallbacks() {
   };
   for (std::size_t k = 0; k < kRows.size(); ++k) Widget(kRows[k].m_Control).callback(perform, static_cast<long>(k));
   m_pbtnSwitchHR_LR->callback(cb_m_pbtnSwitchHR_LR, this);
+  // The lamp is on as well while the solver only waits for an edit, and a click then has to stop it for good.
+  Button(Control::StopSolver).when(FL_WHEN_RELEASE | FL_WHEN_NOT_CHANGED);
+}
+
+// The toolkit reports a press that was released beside the button, too.
+void CImageViewUI::StopPressed() {
+  if (Fl::event() == FL_RELEASE && Fl::event_inside(&Widget(Control::StopSolver)) == 0) return;
+  m_Solver.StopSolver();
 }
 
 bool CImageViewUI::FlagChosen(MenuEntry entry) {

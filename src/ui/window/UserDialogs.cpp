@@ -14,8 +14,8 @@ std::optional<std::string> CToolkitDialogs::ChooseFile(const char* title, const 
 bool CToolkitDialogs::Ask(const char* question) { return AskYesNo(question); }
 
 std::string CToolkitDialogs::AskText(const char* question) {
-  const char* const text = fl_input("%s", "", question);
+  const char* const text = fl_input("%s", "", LabelText(question).c_str());
   return text == nullptr ? "" : text;
 }
 
-void CToolkitDialogs::Notice(const char* text) { fl_message("%s", text); }
+void CToolkitDialogs::Notice(const char* text) { fl_message("%s", LabelText(text).c_str()); }

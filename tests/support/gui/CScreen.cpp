@@ -105,6 +105,20 @@ std::string CScreen::TitleOf(WindowId window) const {
   return title == nullptr ? std::string() : title;
 }
 
+std::string CScreen::ClassOf(WindowId window) const {
+  XClassHint hint{};
+  if (XGetClassHint(m_pConnection->Get(), window, &hint) == 0) return {};
+  const XMemory<char> name(hint.res_name);
+  const XMemory<char> type(hint.res_class);
+  return hint.res_name;
+}
+
+bool CScreen::HasIcon(WindowId window) const {
+  // Width, height, then the pixels.
+  const std::vector<unsigned long> icon = m_pConnection->Numbers(window, "_NET_WM_ICON", XA_CARDINAL);
+  return icon.size() > 2 && icon.size() == 2 + icon[0] * icon[1];
+}
+
 CArea CScreen::AreaOf(WindowId window) const {
   XWindowAttributes attributes{};
   CArea area;

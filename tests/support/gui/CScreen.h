@@ -43,6 +43,9 @@ class CScreen {
   std::vector<WindowId> WindowsIn(WindowId window) const;
   CSizeLimits SizeLimitsOf(WindowId window) const;
   bool HasFocus(WindowId window) const;
+  /// The name by which the desktop takes the window for one of a program.
+  std::string ClassOf(WindowId window) const;
+  bool HasIcon(WindowId window) const;
   /// The window that answers for what is on the clipboard; 0 while there is nothing on it.
   WindowId ClipboardOwner() const;
 

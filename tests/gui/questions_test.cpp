@@ -1,0 +1,46 @@
+// Texts of the user, such as names of files, in the toolkit's boxes.
+
+#include "ui/dialogs/Questions.h"
+
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+#include "support/gui/PanelTest.h"
+#include "support/gui/Widgets.h"
+#include "ui/window/UserDialogs.h"
+
+namespace {
+
+class QuestionsTest : public PanelTest {
+ protected:
+  // Looks for the text as the toolkit has it, and closes the box.
+  CModalAnswers::Action Expects(std::string_view label) {
+    return [this, label](Fl_Window& window) {
+      for (const Fl_Widget* widget : WidgetsIn(window))
+        m_iFound += widget->label() != nullptr && widget->label() == label ? 1 : 0;
+      window.hide();
+    };
+  }
+
+  CToolkitDialogs m_Dialogs;
+  int m_iFound = 0;
+};
+
+}  // namespace
+
+TEST(LabelTextTest, EveryAtSignIsDoubled) {
+  EXPECT_EQ(LabelText(""), "");
+  EXPECT_EQ(LabelText("a plain name"), "a plain name");
+  EXPECT_EQ(LabelText("@/home/me@work/@@.bmp@"), "@@/home/me@@work/@@@@.bmp@@");
+}
+
+TEST_F(QuestionsTest, NamesAreNotCutAtAnAtSign) {
+  const std::string expected = "Cannot write /tmp/a@@b.bmp";
+  const CModalAnswers answers({Expects(expected), Expects(expected), Expects(expected)});
+  m_Dialogs.Notice("Cannot write /tmp/a@b.bmp");
+  m_Dialogs.Ask("Cannot write /tmp/a@b.bmp");
+  m_Dialogs.AskText("Cannot write /tmp/a@b.bmp");
+  EXPECT_EQ(m_iFound, 3);
+}
