@@ -7,6 +7,7 @@
 #include "lighting/LightAngles.h"
 #include "support/SamplePhotograph.h"
 #include "support/gui/CLightPanelUser.h"
+#include "support/gui/Input.h"
 #include "support/gui/Pictures.h"
 #include "support/gui/RunTest.h"
 #include "support/gui/WaitUntil.h"
@@ -127,4 +128,35 @@ TEST_F(RelightingRunTest, ImagesFollowALightThatIsTurned) {
   EXPECT_GT(m_User.Times(kRelit), times + 1) << "during the drag and at its end";
   const CPicture after = Shoot(1, "after.bmp");
   EXPECT_GT(Brightness(after, kLeftSlope), 1.1 * Brightness(before, kLeftSlope)) << "lit now";
+}
+
+// Where a menu's title has the same digit.
+TEST_F(RelightingRunTest, DigitsChooseLightsWhileTheyAreTurned) {
+  Relight();
+  for (const char* held : {"alt+2", "alt+3"}) {
+    const std::size_t windows = m_Program.Screen().WindowsOf(m_Program.Pid()).size();
+    const std::size_t times = m_User.Times(kRelit);
+    MovePointer(InView(200, 215));
+    ASSERT_TRUE(m_Program.Rests());
+    // Alt before the button would be the window manager's.
+    PressButton(1);
+    HoldKeys(held);
+    MovePointer(InView(150, 250));
+    m_Program.Rests();
+    ReleaseButton(1);
+    LetGoOfKeys(held);
+    ASSERT_TRUE(m_Program.Rests());
+    EXPECT_GT(m_User.Times(kRelit), times) << held;
+    EXPECT_EQ(m_Program.Screen().WindowsOf(m_Program.Pid()).size(), windows) << held;
+  }
+  m_User.ChooseEntry(MenuTitle::File, 3);
+  ASSERT_TRUE(m_User.ChooseFile("please input grid file name", File("turned.grid")) && m_User.Answer(true));
+  ASSERT_TRUE(m_Program.Rests());
+  CTestGrid saved;
+  ASSERT_EQ(saved.m_Grid.Load(File("turned.grid").string()), GridFileState::Whole);
+  const CLightSet& removed = saved.m_Grid.RemovedLights();
+  const CLightSet none = CLightSet::Removed();
+  for (const std::size_t k : {1U, 2U})
+    EXPECT_NE(removed.m_aLights[k].m_afDirection, none.m_aLights[k].m_afDirection) << k;
+  EXPECT_EQ(removed.m_aLights[3].m_afDirection, none.m_aLights[3].m_afDirection);
 }
