@@ -193,10 +193,12 @@ bool CGridSolver::Refine(std::span<const double> x) {
 
 // Constraints that contradict each other are met as well as they can be together: what each still misses will stay.
 // From now on they ask for what they have got, which is free of contradictions, so that the surface between them
-// converges.
+// converges. Meanwhile the multipliers have run away against each other, so far that what is left of their sum would be
+// rounding: they begin again.
 void CGridSolver::Reconcile(std::span<const double> x) {
   const std::span<const double> missed = m_Residual.ConstraintResidual(m_System.UnknownCount());
   for (std::size_t j = 0; j < missed.size(); ++j) m_afTargets[j] -= missed[j];
+  std::ranges::fill(m_afMultipliers, 0.0);
   m_Residual.Refresh(m_System, x, m_afMultipliers, m_afTargets);
 }
 

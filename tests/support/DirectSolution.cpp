@@ -329,7 +329,7 @@ CSolverGrid::CSolverGrid(int maxLevel, int baseLevel, const CExtent& extent, Wav
   m_Console.Take();
 }
 
-bool CSolverGrid::Converge(int ticks) { return RunUntilPaused(m_Grid, ticks); }
+bool CSolverGrid::Converge(int ticks) { return RunUntilPaused(m_Grid, ticks) && m_Grid.Solver().HasConverged(); }
 
 std::vector<double> CSolverGrid::DirectHeights() {
   CDirectSystem system(m_Grid.Tree());

@@ -114,7 +114,7 @@ struct CSolverGrid {
   explicit CSolverGrid(int maxLevel, int baseLevel, const CExtent& extent = CExtent{},
                        WaveletMode mode = WaveletMode::New);
 
-  /// Ticks until the solver clears the running flag; false where it has not done so after `ticks`.
+  /// Ticks until the solver clears the running flag; false where it has not done so after `ticks`, or has given up.
   bool Converge(int ticks = 20000);
   /// The heights at the points in use, row by row, that the present constraints and subdivision ask for.
   std::vector<double> DirectHeights();

@@ -10,8 +10,9 @@ class CGrid;
 class ViewHost;
 struct CPtCstr;
 
-/// Tells in the help line what the selected point constraint asks for and, where it is so, why it has no effect; during a
-/// drag also what the surface had there when the drag began. When the drag ends, the same becomes a line on the console.
+/// Tells in the help line what the selected point constraint asks for and, where it is so, why it has no effect; during
+/// a drag also what the surface had there when the drag began. When the drag ends, the same becomes a line on the
+/// console.
 class CValueMessages {
  public:
   /// `kind`: PtCstrKind::kPosition or kNormal; constraints of no other kind are looked at. The grid and the host must
