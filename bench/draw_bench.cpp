@@ -11,11 +11,11 @@
 #include <FL/Fl_Window.H>
 #include <GL/gl.h>
 
+#include "drawing/CTextures.h"
+#include "drawing/DisplayFlags.h"
 #include "model/CGrid.h"
 #include "support/BenchGrid.h"
 #include "support/Timing.h"
-#include "ui/drawing/CTextures.h"
-#include "ui/drawing/DisplayFlags.h"
 #include "ui/modelview/CGridView.h"
 
 namespace {

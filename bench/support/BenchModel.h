@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <vector>
 
-#include "model/CHierarchicalBasis.h"
-#include "model/CLattice.h"
-#include "model/CPointOrder.h"
+#include "lattice/CLattice.h"
+#include "quadtree/CPointOrder.h"
 #include "quadtree/CQuadTree.h"
+#include "solver/CHierarchicalBasis.h"
 
 /// A fully refined lattice of one level with its tree, order and basis (New mode), and three vectors.
 struct CBenchModel {

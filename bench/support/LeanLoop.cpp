@@ -3,9 +3,9 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "model/CCompressedRows.h"
-#include "model/CEnergyTerms.h"
-#include "model/GridTerms.h"
+#include "solver/CCompressedRows.h"
+#include "solver/CEnergyTerms.h"
+#include "solver/GridTerms.h"
 
 CLeanLoop::CLeanLoop(int level) {
   CBenchModel model(level);

@@ -4,11 +4,11 @@
 
 #include <FL/Fl.H>
 
+#include "drawing/DisplayFlags.h"
 #include "model/CGrid.h"
 #include "quadtree/TreeNormals.h"
-#include "ui/drawing/DisplayFlags.h"
 #include "ui/modelview/CGridView.h"
-#include "ui/window/CBusyCursor.h"
+#include "ui/seams/CBusyCursor.h"
 #include "ui/window/CImageViewUI.h"
 #include "ui/window/CRedrawPacer.h"
 

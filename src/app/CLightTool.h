@@ -2,7 +2,7 @@
 
 #include "ui/lights/CLightUI.h"
 #include "ui/lights/LightingCommands.h"
-#include "ui/window/ToolWindow.h"
+#include "ui/seams/ToolWindow.h"
 
 class CGrid;
 class CImageViewUI;

@@ -7,8 +7,8 @@
 #include "app/CLightTool.h"
 #include "app/RecorderTool.h"
 #include "app/ScissorsTool.h"
+#include "drawing/DrawingSettings.h"
 #include "model/CGrid.h"
-#include "ui/drawing/DrawingSettings.h"
 #include "ui/window/CImageViewUI.h"
 
 namespace {

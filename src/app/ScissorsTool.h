@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "ui/window/ToolWindow.h"
+#include "ui/seams/ToolWindow.h"
 
 class CGrid;
 class CImageViewUI;

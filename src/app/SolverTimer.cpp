@@ -4,7 +4,7 @@
 
 #include "model/CGrid.h"
 #include "model/Globals.h"
-#include "ui/window/TimerInterval.h"
+#include "ui/seams/TimerInterval.h"
 
 namespace {
 

@@ -15,8 +15,8 @@
 #include "base/Console.h"
 #include "io/CFileReplacement.h"
 #include "model/CGrid.h"
+#include "ui/seams/UiScale.h"
 #include "ui/window/CImageViewUI.h"
-#include "ui/window/UiScale.h"
 
 namespace {
 

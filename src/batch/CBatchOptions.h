@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "model/WaveletMode.h"
+#include "lattice/WaveletMode.h"
 
 /// What a run of the program without a window shall do.
 struct CBatchOptions {

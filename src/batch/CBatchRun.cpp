@@ -10,7 +10,7 @@
 #include "base/Console.h"
 #include "batch/CProgress.h"
 #include "batch/ExitStatus.h"
-#include "batch/JpegFile.h"
+#include "formats/JpegFile.h"
 #include "io/Bmp.h"
 #include "io/CFileReplacement.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/CPicture.h"
 #include "batch/BatchReport.h"
 #include "batch/CBatchOptions.h"
-#include "io/CPicture.h"
 #include "model/CGrid.h"
 #include "model/GridHost.h"
 

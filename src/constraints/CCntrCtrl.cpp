@@ -7,7 +7,7 @@
 
 #include "base/Console.h"
 #include "constraints/PtCstrText.h"
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include "constraints/FinestCells.h"
 #include "constraints/GridSegment.h"
 #include "constraints/TearScan.h"
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CQuadTree.h"
 
 namespace {

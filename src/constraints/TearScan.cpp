@@ -8,7 +8,7 @@
 #include "base/Console.h"
 #include "constraints/FinestCells.h"
 #include "constraints/GridSegment.h"
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CQuadTree.h"
 
 namespace {

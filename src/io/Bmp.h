@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-#include "io/CPicture.h"
+#include "base/CPicture.h"
 
 /// Pictures as uncompressed 24-bit bitmap files, bottom row first. In memory the bytes of a pixel are red, green, blue
 /// and each row takes 3 * width bytes rounded up to a multiple of `align`; row 0 is the bottom row here, too.

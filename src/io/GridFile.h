@@ -3,7 +3,7 @@
 #include <iosfwd>
 #include <string>
 
-#include "io/GridFileState.h"
+#include "model/GridFileState.h"
 
 class CGrid;
 

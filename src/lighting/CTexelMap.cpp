@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CQuadT.h"
 #include "quadtree/CQuadTree.h"
 

@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "io/CPicture.h"
+#include "base/CPicture.h"
 
 /// The photograph and the two images computed from it, padded to the sides that a graphics card takes.
 ///

@@ -6,8 +6,8 @@
 #include "base/Console.h"
 #include "base/Memory.h"
 #include "model/Globals.h"
-#include "model/TreeWalkTransform.h"
 #include "quadtree/TreeNormals.h"
+#include "solver/TreeWalkTransform.h"
 
 namespace {
 

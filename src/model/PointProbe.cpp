@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "model/CGrid.h"
-#include "model/GridTerms.h"
+#include "solver/GridTerms.h"
 
 namespace {
 

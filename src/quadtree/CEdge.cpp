@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "base/Console.h"
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 
 CEdge* CEdgeArena::Add(const CEdge& edge) {
   assert(m_aEdges.size() < m_aEdges.capacity());

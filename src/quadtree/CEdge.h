@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "model/WaveletMode.h"
+#include "lattice/WaveletMode.h"
 
 class CEdgeArena;
 class CLattice;

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "base/Console.h"
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CQuadT.h"
 
 static_assert(sizeof(CInterpCoefs) <= 64);

@@ -3,7 +3,7 @@
 #include <bit>
 
 #include "base/Console.h"
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CEdge.h"
 #include "quadtree/CQuadTree.h"
 #include "quadtree/TreeNormals.h"

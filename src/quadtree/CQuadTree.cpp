@@ -4,7 +4,7 @@
 #include <bit>
 
 #include "base/Console.h"
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CSaveQuadT.h"
 
 namespace {

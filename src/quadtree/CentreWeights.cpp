@@ -1,6 +1,6 @@
 #include "quadtree/CentreWeights.h"
 
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CEdge.h"
 #include "quadtree/CQuadT.h"
 

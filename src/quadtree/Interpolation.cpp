@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "base/Console.h"
-#include "model/CLattice.h"
-#include "model/CPointOrder.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CEdge.h"
+#include "quadtree/CPointOrder.h"
 #include "quadtree/CQuadTree.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <span>
 
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CQuadTree.h"
 #include "quadtree/CentreWeights.h"
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "base/Console.h"
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 
 CScissorsTool::CScissorsTool(CTopDownImage image)
     : m_Image(std::move(image)), m_Costs(ComputeLinkCosts(m_Image)), m_Tree(m_Costs) {

@@ -7,7 +7,7 @@
 
 #include "constraints/CCntrCtrl.h"
 #include "constraints/CContourAttributes.h"
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "support/ConsoleCapture.h"
 #include "support/CurveBuilders.h"
 

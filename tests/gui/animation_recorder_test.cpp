@@ -18,7 +18,8 @@
 #include "support/gui/Input.h"
 #include "support/gui/ToolkitTest.h"
 #include "ui/recorder/AnimationRecorder.h"
-#include "ui/window/TimerInterval.h"
+#include "ui/seams/TimerInterval.h"
+#include "ui/window/CToolkitDialogs.h"
 
 namespace {
 

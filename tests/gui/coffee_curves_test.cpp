@@ -3,13 +3,13 @@
 #include <cmath>
 #include <numbers>
 
+#include "drawing/DrawingSettings.h"
 #include "io/Bmp.h"
 #include "support/BmpBuilders.h"
 #include "support/CurveBuilders.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/Input.h"
 #include "support/gui/WindowTest.h"
-#include "ui/drawing/DrawingSettings.h"
 
 namespace {
 

@@ -3,12 +3,12 @@
 #include <string>
 #include <vector>
 
+#include "drawing/DrawingSettings.h"
 #include "io/Bmp.h"
 #include "support/BmpBuilders.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/CurveBuilders.h"
 #include "support/gui/ImageViewTest.h"
-#include "ui/drawing/DrawingSettings.h"
 
 namespace {
 

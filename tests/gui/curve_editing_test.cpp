@@ -5,7 +5,7 @@
 
 #include "support/CurveBuilders.h"
 #include "support/gui/ImageViewTest.h"
-#include "ui/window/HelpTexts.h"
+#include "ui/seams/HelpTexts.h"
 
 namespace {
 

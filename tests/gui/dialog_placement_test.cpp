@@ -1,5 +1,5 @@
 #include "support/gui/PanelTest.h"
-#include "ui/dialogs/DialogPlacement.h"
+#include "ui/drawing/DialogPlacement.h"
 
 namespace {
 

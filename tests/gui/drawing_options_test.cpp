@@ -9,7 +9,7 @@
 
 #include "support/gui/PanelTest.h"
 #include "ui/dialogs/CDrawingOptionsDialog.h"
-#include "ui/dialogs/ColourChoice.h"
+#include "ui/drawing/ColourChoice.h"
 
 namespace {
 

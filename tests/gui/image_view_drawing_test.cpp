@@ -7,13 +7,13 @@
 #include <GL/gl.h>
 #include <unistd.h>
 
+#include "drawing/DrawingSettings.h"
+#include "drawing/FrameBuffer.h"
 #include "io/Bmp.h"
 #include "model/PointProbe.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/ConstraintBuilders.h"
 #include "support/gui/ImageViewTest.h"
-#include "ui/drawing/DrawingSettings.h"
-#include "ui/drawing/FrameBuffer.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include "support/ConsoleCapture.h"
 #include "support/gui/PanelTest.h"
 #include "ui/lights/CLightUI.h"
-#include "ui/window/CBusyCursor.h"
+#include "ui/seams/CBusyCursor.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include "drawing/DrawingSettings.h"
 #include "support/CurveBuilders.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/ModelViewTest.h"
-#include "ui/drawing/DrawingSettings.h"
 
 namespace {
 

@@ -6,11 +6,11 @@
 #include <GL/gl.h>
 #include <gtest/gtest.h>
 
+#include "drawing/DisplayFlags.h"
+#include "drawing/DrawingSettings.h"
 #include "support/ConstraintBuilders.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/ModelViewTest.h"
-#include "ui/drawing/DisplayFlags.h"
-#include "ui/drawing/DrawingSettings.h"
 
 namespace {
 

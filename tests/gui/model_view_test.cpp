@@ -5,12 +5,12 @@
 #include <FL/Fl.H>
 #include <gtest/gtest.h>
 
+#include "drawing/DisplayFlags.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/CHeldKey.h"
 #include "support/gui/ModelViewTest.h"
-#include "ui/drawing/DisplayFlags.h"
 #include "ui/modelview/CGridView.h"
-#include "ui/window/HelpTexts.h"
+#include "ui/seams/HelpTexts.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "ui/drawing/Quadrics.h"
+#include "drawing/Quadrics.h"
 
 #include <array>
 #include <cstdlib>

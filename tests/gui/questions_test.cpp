@@ -9,7 +9,7 @@
 
 #include "support/gui/PanelTest.h"
 #include "support/gui/Widgets.h"
-#include "ui/window/UserDialogs.h"
+#include "ui/window/CToolkitDialogs.h"
 
 namespace {
 

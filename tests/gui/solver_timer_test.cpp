@@ -2,8 +2,8 @@
 
 #include "app/SolverTimer.h"
 #include "support/gui/ToolkitTest.h"
+#include "ui/seams/TimerInterval.h"
 #include "ui/window/CImageViewUI.h"
-#include "ui/window/TimerInterval.h"
 
 namespace {
 

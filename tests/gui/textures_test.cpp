@@ -5,9 +5,9 @@
 #include <GL/gl.h>
 #include <gtest/gtest.h>
 
+#include "drawing/CTextures.h"
+#include "drawing/DisplayFlags.h"
 #include "support/gui/ModelViewTest.h"
-#include "ui/drawing/CTextures.h"
-#include "ui/drawing/DisplayFlags.h"
 
 namespace {
 

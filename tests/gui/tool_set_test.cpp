@@ -12,13 +12,13 @@
 #include <FL/Fl_Value_Slider.H>
 
 #include "app/CToolSet.h"
+#include "drawing/DrawingSettings.h"
 #include "io/Bmp.h"
 #include "support/FileBuilders.h"
 #include "support/LightingBuilders.h"
 #include "support/gui/Pictures.h"
 #include "support/gui/Widgets.h"
 #include "support/gui/WindowTest.h"
-#include "ui/drawing/DrawingSettings.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <unistd.h>
 
 #include "app/SolverTimer.h"
+#include "drawing/DisplayFlags.h"
 #include "support/gui/ToolkitTest.h"
-#include "ui/drawing/DisplayFlags.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/modelview/CGridView.h"
 #include "ui/window/CImageViewUI.h"

@@ -3,8 +3,8 @@
 #include <array>
 #include <optional>
 
+#include "drawing/DrawingSettings.h"
 #include "support/gui/WindowTest.h"
-#include "ui/drawing/DrawingSettings.h"
 
 namespace {
 

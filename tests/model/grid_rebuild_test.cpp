@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "model/CGrid.h"
-#include "model/TreeWalkTransform.h"
+#include "solver/TreeWalkTransform.h"
 #include "support/GridBuilders.h"
 
 namespace {

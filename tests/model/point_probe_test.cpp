@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "model/CCompressedRows.h"
-#include "model/CEnergyTerms.h"
 #include "model/PointProbe.h"
+#include "solver/CCompressedRows.h"
+#include "solver/CEnergyTerms.h"
 #include "support/GridBuilders.h"
 #include "support/UpdateBuilders.h"
 

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "model/CConjugateResidual.h"
+#include "solver/CConjugateResidual.h"
 #include "support/CurveGrid.h"
 #include "support/DirectSolution.h"
 

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CEdge.h"
 #include "support/ConsoleCapture.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CQuadTree.h"
 
 // More than a million cells of the finest size, in a fresh memory of hundreds of megabytes.

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "scissors/CScissorsTool.h"
 #include "support/ConsoleCapture.h"
 #include "support/ScissorsBuilders.h"

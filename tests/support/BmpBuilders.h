@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "io/CPicture.h"
+#include "base/CPicture.h"
 
 using CBytes = std::vector<std::uint8_t>;
 

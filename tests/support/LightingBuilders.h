@@ -5,7 +5,7 @@
 #include <random>
 #include <vector>
 
-#include "io/CPicture.h"
+#include "base/CPicture.h"
 #include "lighting/CLight.h"
 #include "support/GridBuilders.h"
 

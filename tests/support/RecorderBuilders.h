@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "editing/UserDialogs.h"
 #include "ui/recorder/CFrameRecorder.h"
 #include "ui/recorder/RecorderHost.h"
 #include "ui/recorder/RecorderView.h"
-#include "ui/window/UserDialogs.h"
 
 /// A camera that can be told from those of other numbers in every value.
 inline CFrameCamera CameraNumber(int number) {

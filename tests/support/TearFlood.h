@@ -4,7 +4,7 @@
 #include <set>
 #include <vector>
 
-#include "model/CLattice.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CQuadTree.h"
 
 /// Columns and rows.

@@ -9,8 +9,8 @@
 #include <span>
 #include <vector>
 
-#include "model/CLattice.h"
-#include "model/CPointOrder.h"
+#include "lattice/CLattice.h"
+#include "quadtree/CPointOrder.h"
 #include "quadtree/CQuadTree.h"
 #include "quadtree/Interpolation.h"
 

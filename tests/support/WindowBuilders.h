@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "editing/CSolverControl.h"
+#include "editing/GridCommands.h"
 #include "support/GridBuilders.h"
-#include "ui/window/CSolverControl.h"
-#include "ui/window/GridCommands.h"
 
 /// A panel of the solver that remembers what it shows.
 class RecordingPanel : public SolverPanel {

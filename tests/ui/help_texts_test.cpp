@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ui/window/HelpTexts.h"
+#include "ui/seams/HelpTexts.h"
 
 TEST(HelpTexts, AMessageWithoutOpenPlacesStaysAsItIs) {
   EXPECT_EQ(FormatHelp(HelpText::kCurveTypeWanted), HelpTextOf(HelpText::kCurveTypeWanted));

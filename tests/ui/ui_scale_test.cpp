@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ui/window/UiScale.h"
+#include "ui/seams/UiScale.h"
 
 namespace {
 

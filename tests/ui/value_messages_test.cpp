@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "support/UpdateBuilders.h"
-#include "ui/window/CValueMessages.h"
-#include "ui/window/ViewHost.h"
+#include "ui/seams/CValueMessages.h"
+#include "ui/seams/ViewHost.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "ui/dialogs/CNumberInput.h"
 #include "ui/dialogs/Questions.h"
-#include "ui/dialogs/ScaleWidgets.h"
+#include "ui/drawing/ScaleWidgets.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <array>
 #include <optional>
 
+#include "editing/CContourAnswer.h"
 #include "ui/dialogs/CModalDialog.h"
-#include "ui/window/CContourAnswer.h"
 
 class CNumberInput;
 class Fl_Check_Button;

@@ -7,10 +7,10 @@
 #include <FL/Fl_Return_Button.H>
 #include <FL/Fl_Value_Slider.H>
 
-#include "ui/dialogs/ColourChoice.h"
-#include "ui/dialogs/DialogPlacement.h"
-#include "ui/dialogs/ScaleWidgets.h"
-#include "ui/window/ViewHost.h"
+#include "ui/drawing/ColourChoice.h"
+#include "ui/drawing/DialogPlacement.h"
+#include "ui/drawing/ScaleWidgets.h"
+#include "ui/seams/ViewHost.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include <FL/Fl_Double_Window.H>
 
-#include "ui/drawing/DrawingSettings.h"
+#include "drawing/DrawingSettings.h"
 
 class Fl_Button;
 class Fl_Value_Slider;

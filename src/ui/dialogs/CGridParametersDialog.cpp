@@ -7,7 +7,7 @@
 #include <FL/Fl_Counter.H>
 
 #include "ui/dialogs/CNumberInput.h"
-#include "ui/dialogs/ScaleWidgets.h"
+#include "ui/drawing/ScaleWidgets.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <array>
 #include <optional>
 
+#include "editing/CGridParameters.h"
 #include "ui/dialogs/CModalDialog.h"
-#include "ui/window/CGridParameters.h"
 
 class CNumberInput;
 class Fl_Check_Button;

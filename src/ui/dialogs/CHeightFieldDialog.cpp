@@ -10,7 +10,7 @@
 
 #include "io/HeightFieldExport.h"
 #include "ui/dialogs/CNumberInput.h"
-#include "ui/dialogs/ScaleWidgets.h"
+#include "ui/drawing/ScaleWidgets.h"
 
 CHeightFieldDialog::CHeightFieldDialog(ViewHost& views, const Fl_Window& mainWindow, ExportCommand command)
     : CModalDialog(265, 255, "Choose the dimention of the Height field", views, mainWindow),

@@ -3,8 +3,8 @@
 #include <FL/Fl.H>
 #include <FL/Fl_Return_Button.H>
 
-#include "ui/dialogs/DialogPlacement.h"
-#include "ui/window/ViewHost.h"
+#include "ui/drawing/DialogPlacement.h"
+#include "ui/seams/ViewHost.h"
 
 CModalDialog::CModalDialog(int width, int height, const char* title, ViewHost& views, const Fl_Window& mainWindow)
     : Fl_Double_Window(width, height, title), m_Views(views), m_MainWindow(mainWindow) {

@@ -6,7 +6,7 @@
 #include <FL/Fl.H>
 
 #include "model/CGrid.h"
-#include "ui/window/ViewHost.h"
+#include "ui/seams/ViewHost.h"
 
 namespace {
 

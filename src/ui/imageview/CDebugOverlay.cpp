@@ -8,10 +8,10 @@
 #include <FL/gl.h>
 
 #include "base/Console.h"
+#include "drawing/DisplayFlags.h"
 #include "model/CGrid.h"
 #include "model/PointProbe.h"
-#include "ui/drawing/DisplayFlags.h"
-#include "ui/window/ViewHost.h"
+#include "ui/seams/ViewHost.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "ui/imageview/CViewMapping.h"
+#include "drawing/CViewMapping.h"
 
 class CGrid;
 class ViewHost;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/imageview/CViewMapping.h"
+#include "drawing/CViewMapping.h"
 
 class CGrid;
 

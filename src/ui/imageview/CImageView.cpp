@@ -7,16 +7,16 @@
 #include <GL/glu.h>
 
 #include "base/Console.h"
+#include "drawing/CTextures.h"
+#include "drawing/CurvePainter.h"
+#include "drawing/DrawingSettings.h"
+#include "drawing/FrameBuffer.h"
+#include "drawing/Quadrics.h"
 #include "io/Bmp.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
-#include "ui/drawing/CTextures.h"
-#include "ui/drawing/DrawingSettings.h"
-#include "ui/drawing/FrameBuffer.h"
-#include "ui/drawing/OpenGLDefaults.h"
-#include "ui/drawing/Quadrics.h"
-#include "ui/imageview/CurvePainter.h"
-#include "ui/window/ViewHost.h"
+#include "ui/drawing/PrepareContext.h"
+#include "ui/seams/ViewHost.h"
 
 namespace {
 

@@ -6,13 +6,13 @@
 
 #include <FL/Fl_Gl_Window.H>
 
-#include "ui/drawing/DisplayFlags.h"
+#include "drawing/CViewMapping.h"
+#include "drawing/DisplayFlags.h"
+#include "drawing/PicturePainter.h"
 #include "ui/imageview/CCellSelector.h"
 #include "ui/imageview/CDebugOverlay.h"
 #include "ui/imageview/CFreezeBrush.h"
-#include "ui/imageview/CViewMapping.h"
 #include "ui/imageview/CurveHandler.h"
-#include "ui/imageview/PicturePainter.h"
 #include "ui/imageview/PtCstrHandlers.h"
 
 class CGrid;

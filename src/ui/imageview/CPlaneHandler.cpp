@@ -2,7 +2,7 @@
 
 #include <FL/Fl.H>
 
-#include "ui/window/ViewHost.h"
+#include "ui/seams/ViewHost.h"
 
 int CPlaneHandler::Handle(int event) {
   switch (event) {

@@ -7,8 +7,8 @@
 #include "base/Console.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
-#include "ui/window/HelpTexts.h"
-#include "ui/window/ViewHost.h"
+#include "ui/seams/HelpTexts.h"
+#include "ui/seams/ViewHost.h"
 
 int CCurveHandler::Hover() {
   m_Cursor = ClampedCursor();

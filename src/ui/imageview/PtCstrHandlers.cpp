@@ -3,9 +3,9 @@
 #include <FL/Fl.H>
 
 #include "base/Console.h"
+#include "drawing/DisplayFlags.h"
 #include "model/CGrid.h"
-#include "ui/drawing/DisplayFlags.h"
-#include "ui/window/ViewHost.h"
+#include "ui/seams/ViewHost.h"
 
 namespace {
 

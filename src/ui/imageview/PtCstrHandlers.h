@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "ui/imageview/CPlaneHandler.h"
-#include "ui/window/CValueMessages.h"
+#include "ui/seams/CValueMessages.h"
 
 /// Creates, selects and edits the point constraints of one kind with the mouse and the keyboard.
 class CPtCstrHandler : public CPlaneHandler {

@@ -11,11 +11,11 @@
 
 #include "base/Console.h"
 #include "lighting/CLight.h"
-#include "ui/dialogs/ColourChoice.h"
-#include "ui/dialogs/DialogPlacement.h"
-#include "ui/dialogs/ScaleWidgets.h"
-#include "ui/window/CBusyCursor.h"
-#include "ui/window/ViewHost.h"
+#include "ui/drawing/ColourChoice.h"
+#include "ui/drawing/DialogPlacement.h"
+#include "ui/drawing/ScaleWidgets.h"
+#include "ui/seams/CBusyCursor.h"
+#include "ui/seams/ViewHost.h"
 
 namespace {
 

@@ -7,11 +7,12 @@
 #include <GL/glu.h>
 
 #include "base/Console.h"
+#include "drawing/CTextures.h"
+#include "drawing/FrameBuffer.h"
 #include "model/CGrid.h"
-#include "ui/drawing/CTextures.h"
-#include "ui/drawing/FrameBuffer.h"
-#include "ui/drawing/OpenGLDefaults.h"
-#include "ui/window/ViewHost.h"
+#include "ui/drawing/PrepareContext.h"
+#include "ui/seams/CBusyCursor.h"
+#include "ui/seams/ViewHost.h"
 
 namespace {
 
@@ -80,6 +81,10 @@ void CGridView::draw() {
 }
 
 void CGridView::DrawScene() {
+  // As many texels take a moment to be located and given their normals.
+  constexpr std::size_t kManyTexels = 1'000'000;
+  const bool texels = (m_View.m_uFlags & ModelFlag::kTexelNormals) != 0;
+  const CBusyCursor busy(texels && m_pGrid->Texels().Mask().size() > kManyTexels);
   const auto [red, green, blue, alpha] = g_DrawingSettings.m_afBackground;
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_LEQUAL);

@@ -8,11 +8,11 @@
 
 #include <FL/Fl_Gl_Window.H>
 
-#include "model/WaveletMode.h"
-#include "ui/drawing/DisplayFlags.h"
-#include "ui/modelview/CCamera.h"
-#include "ui/modelview/ModelPainter.h"
-#include "ui/window/CValueMessages.h"
+#include "drawing/CCamera.h"
+#include "drawing/DisplayFlags.h"
+#include "drawing/ModelPainter.h"
+#include "lattice/WaveletMode.h"
+#include "ui/seams/CValueMessages.h"
 
 class CGrid;
 class CTextures;

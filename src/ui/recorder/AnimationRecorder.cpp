@@ -6,12 +6,12 @@
 #include <FL/Fl_Button.H>
 #include <FL/Fl_Value_Output.H>
 
-#include "ui/dialogs/ScaleWidgets.h"
+#include "editing/UserDialogs.h"
+#include "ui/drawing/ScaleWidgets.h"
 #include "ui/recorder/CExportProgress.h"
 #include "ui/recorder/FrameExport.h"
 #include "ui/recorder/RecorderHost.h"
 #include "ui/recorder/RecorderView.h"
-#include "ui/window/UserDialogs.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "ui/recorder/CFrameRecorder.h"
 #include "ui/recorder/CPlayback.h"
-#include "ui/window/ToolWindow.h"
+#include "ui/seams/ToolWindow.h"
 
 class Fl_Button;
 class Fl_Value_Output;

@@ -3,7 +3,7 @@
 #include <FL/Fl.H>
 #include <FL/Fl_Box.H>
 
-#include "ui/dialogs/ScaleWidgets.h"
+#include "ui/drawing/ScaleWidgets.h"
 
 CExportProgress::CExportProgress() : Fl_Window(260, 60, "Export the animation") {
   m_pText = new Fl_Box(0, 0, w(), h());

@@ -7,7 +7,7 @@
 #include "base/Console.h"
 #include "ui/recorder/CFrameRecorder.h"
 #include "ui/recorder/RecorderView.h"
-#include "ui/window/TimerInterval.h"
+#include "ui/seams/TimerInterval.h"
 
 CPlayback::CPlayback(CFrameRecorder& recorder, RecorderView& view, std::function<void()> onEnd)
     : m_Recorder(recorder), m_View(view), m_OnEnd(std::move(onEnd)) {}

@@ -6,7 +6,7 @@
 #include <GL/gl.h>
 
 #include "scissors/CScissorsTool.h"
-#include "ui/drawing/OpenGLDefaults.h"
+#include "ui/drawing/PrepareContext.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "base/Console.h"
 #include "model/CGrid.h"
-#include "ui/dialogs/ScaleWidgets.h"
+#include "ui/drawing/ScaleWidgets.h"
 #include "ui/scissors/CScissorsCanvas.h"
 #include "ui/scissors/ScissorsHost.h"
 

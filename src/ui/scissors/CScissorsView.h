@@ -7,7 +7,7 @@
 #include <FL/Fl_Window.H>
 
 #include "scissors/CScissorsTool.h"
-#include "ui/window/ToolWindow.h"
+#include "ui/seams/ToolWindow.h"
 
 class CGrid;
 class CScissorsCanvas;

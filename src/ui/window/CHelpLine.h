@@ -4,7 +4,7 @@
 
 #include <FL/Fl_Output.H>
 
-#include "ui/window/HelpTexts.h"
+#include "ui/seams/HelpTexts.h"
 
 /// An output that no event reaches, so that it never takes the keyboard from the views.
 class CPassiveOutput : public Fl_Output {

@@ -8,14 +8,14 @@
 #include <FL/Fl_Value_Output.H>
 
 #include "base/Console.h"
+#include "editing/DebugTools.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/modelview/CGridView.h"
+#include "ui/seams/UiScale.h"
 #include "ui/window/CHelpLine.h"
 #include "ui/window/ControlWidgets.h"
-#include "ui/window/DebugTools.h"
-#include "ui/window/UiScale.h"
 #include "ui/window/WindowLayout.h"
 
 namespace {

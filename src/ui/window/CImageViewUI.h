@@ -6,16 +6,17 @@
 
 #include <FL/Fl_Window.H>
 
+#include "drawing/CTextures.h"
+#include "drawing/DisplayFlags.h"
+#include "editing/CSolverControl.h"
 #include "model/GridHost.h"
-#include "ui/drawing/CTextures.h"
-#include "ui/drawing/DisplayFlags.h"
+#include "ui/seams/ToolWindow.h"
+#include "ui/seams/ViewHost.h"
 #include "ui/window/CMainMenu.h"
 #include "ui/window/CRedrawPacer.h"
-#include "ui/window/CSolverControl.h"
+#include "ui/window/CToolkitDialogs.h"
 #include "ui/window/CWindowServices.h"
 #include "ui/window/ControlWidgets.h"
-#include "ui/window/ToolWindow.h"
-#include "ui/window/ViewHost.h"
 
 class CGridView;
 class CHelpLine;

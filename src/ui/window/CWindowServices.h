@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "ui/window/GridCommands.h"
+#include "editing/GridCommands.h"
 
 /// What other rooms bring to the main window. Where something is empty, the entries and buttons that need it are
 /// inactive.

@@ -9,15 +9,15 @@
 #include <FL/Fl_Value_Output.H>
 
 #include "base/Console.h"
+#include "drawing/DrawingSettings.h"
+#include "editing/DebugTools.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
-#include "ui/drawing/DrawingSettings.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/modelview/CGridView.h"
+#include "ui/seams/TimerInterval.h"
 #include "ui/window/CHelpLine.h"
 #include "ui/window/CImageViewUI.h"
-#include "ui/window/DebugTools.h"
-#include "ui/window/TimerInterval.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "ui/window/UserDialogs.h"
+#include "ui/window/CToolkitDialogs.h"
 
 class CDeedLog;
 class CMonkey;

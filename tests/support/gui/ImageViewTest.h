@@ -6,12 +6,12 @@
 #include <FL/Fl.H>
 #include <FL/Fl_Window.H>
 
+#include "drawing/CTextures.h"
 #include "support/BmpBuilders.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/ToolkitTest.h"
-#include "ui/drawing/CTextures.h"
 #include "ui/imageview/CImageView.h"
-#include "ui/window/ViewHost.h"
+#include "ui/seams/ViewHost.h"
 
 /// Remembers what a view asked of the window around it.
 class CRecordingViewHost : public ViewHost {

@@ -11,13 +11,13 @@
 #include <FL/Fl_Window.H>
 
 #include "base/Console.h"
+#include "drawing/CTextures.h"
 #include "io/Bmp.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/gui/Pictures.h"
 #include "support/gui/ToolkitTest.h"
-#include "ui/drawing/CTextures.h"
 #include "ui/modelview/CGridView.h"
-#include "ui/window/ViewHost.h"
+#include "ui/seams/ViewHost.h"
 
 /// A window around a view that counts what it is asked for.
 class CRecordingViewHost : public ViewHost {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdlib>
 
-#include "io/CPicture.h"
+#include "base/CPicture.h"
 #include "support/gui/CScreenshot.h"
 
 /// The colour of a pixel, (0, 0) at the bottom left. Throws std::out_of_range above the picture.

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "ui/window/ViewHost.h"
+#include "ui/seams/ViewHost.h"
 
 /// The window around the views, reduced to a memory of what a panel asked of it.
 class RecordingViews : public ViewHost {

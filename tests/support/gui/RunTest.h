@@ -9,10 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include "drawing/CViewMapping.h"
 #include "io/Bmp.h"
 #include "support/GridBuilders.h"
 #include "support/gui/CUser.h"
-#include "ui/imageview/CViewMapping.h"
 
 /// Base of tests that work with the whole program as a user does: the photograph of the cup is loaded, the solver
 /// stopped, and files come to lie in the program's directory.

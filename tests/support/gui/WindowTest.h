@@ -16,9 +16,9 @@
 #include "support/gui/ToolkitTest.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/modelview/CGridView.h"
+#include "ui/seams/TimerInterval.h"
 #include "ui/window/CHelpLine.h"
 #include "ui/window/CImageViewUI.h"
-#include "ui/window/TimerInterval.h"
 
 /// Answers all questions in the same way and remembers them.
 class ScriptedDialogs : public UserDialogs {

@@ -1,0 +1,108 @@
+#include "drawing/CCamera.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/Console.h"
+
+namespace {
+
+// Cut off on purpose: saved cameras and lights were made with it.
+constexpr double kPi = 3.1415926;
+
+// A ratio that decides between an angle and 360 minus it and is negative only by rounding, which here includes what the
+// short constant leaves of a whole turn. Without this 0 degrees might come back as 360.
+constexpr double kOnTheSeam = -1e-6;
+
+double Radians(double degrees) { return kPi * degrees / 180; }
+double Degrees(double radians) { return radians * 180 / kPi; }
+
+// Rounding may leave a cosine just outside -1..1.
+double DegreesOfCosine(double cosine) { return Degrees(std::acos(std::clamp(cosine, -1.0, 1.0))); }
+
+// The angle in 0..360 with this cosine whose sine has the sign of `sine`.
+double FullAngle(double cosine, double sine) {
+  const double angle = DegreesOfCosine(cosine);
+  return sine >= kOnTheSeam ? angle : 360 - angle;
+}
+
+}  // namespace
+
+void CCamera::Reset(const Vector3& low, const Vector3& high) {
+  *this = CCamera{};
+  m_Centre = 0.5 * (low + high);
+  m_fR = m_fR0 = 0.5 * Length(high - low);
+  UpdateEye();
+}
+
+void CCamera::UpdateEye() {
+  const double sa = std::sin(Radians(m_fTheta));
+  const double ca = std::cos(Radians(m_fTheta));
+  const double sb = std::sin(Radians(m_fPhi));
+  const double cb = std::cos(Radians(m_fPhi));
+  const double sc = std::sin(Radians(m_fZeta));
+  const double cc = std::cos(Radians(m_fZeta));
+  m_Eye = m_Centre + m_fR * Vector3{sb * sa, ca, cb * sa};
+  m_Up = m_fR * Vector3{-sb * ca * cc + cb * sc, sa * cc, -cb * ca * cc - sb * sc};
+}
+
+void CCamera::SetThetaAndPhi(const Vector3& direction) {
+  m_fTheta = DegreesOfCosine(direction.y);
+  // Seen along the vertical axis, every Phi is the same.
+  const double s = std::hypot(direction.x, direction.z);
+  m_fPhi = m_fTheta != 0 && m_fTheta != 180 && s != 0 ? FullAngle(direction.z / s, direction.x / s) : 0;
+}
+
+void CCamera::UpdateAngles() {
+  if (m_fR != 0) {
+    SetThetaAndPhi((1 / m_fR) * (m_Eye - m_Centre));
+    Console() << "CGridView::UpdateAngles() : Theta = " << m_fTheta << '\n';
+    const double cb = std::cos(Radians(m_fPhi));
+    const double sb = std::sin(Radians(m_fPhi));
+    const double s = m_fR * std::sin(Radians(m_fTheta));
+    // Of the two components that hold the sine of the roll neither can be used alone for all Phi.
+    const double sine = (m_Up.x * cb - m_Up.z * sb) / m_fR;
+    m_fZeta = s != 0 ? FullAngle(m_Up.y / s, sine) : 0;
+  }
+  Console() << "CGridView::UpdateAngles() : Theta = " << m_fTheta << '\n';
+  Console() << "CGridView::UpdateAngles() : Phi = " << m_fPhi << '\n';
+  Console() << "CGridView::UpdateAngles() : Zeta = " << m_fZeta << '\n';
+}
+
+Vector3 CCamera::DraggedOffset(double dx, double dy) const {
+  const Vector3 offset = m_Eye - m_Centre;
+  const Vector3 side = (1 / Length(m_Up)) * Cross(offset, m_Up);
+  const Vector3 moved = offset - (1 / m_fRotationDivisor) * (dx * side + dy * m_Up);
+  return std::abs(m_fR) * Normalised(moved);
+}
+
+void CCamera::Rotate(double dx, double dy) {
+  if (m_fR == 0) return;
+  SetThetaAndPhi((1 / m_fR) * DraggedOffset(dx, dy));
+  UpdateEye();
+}
+
+void CCamera::Zoom(double dx, double dy) {
+  m_fR += (dx + dy) * m_fR / m_fZoomDivisor;
+  UpdateEye();
+}
+
+void CCamera::Roll(double dx, double dy) {
+  m_fZeta += (dx + dy) / m_fRollDivisor;
+  UpdateEye();
+}
+
+Vector3 CCamera::RotateDirection(const Vector3& direction, double dx, double dy) const {
+  if (m_fR == 0) return direction;
+  const Vector3 from = Normalised(m_Eye - m_Centre);
+  const Vector3 to = Normalised(DraggedOffset(dx, dy));
+  // The rotation that takes `from` to `to`; its axis is their cross product, whose length is the sine of the angle.
+  const Vector3 axis = Cross(from, to);
+  const double cosine = Dot(from, to);
+  return cosine * direction + Cross(axis, direction) + (Dot(axis, direction) / (1 + cosine)) * axis;
+}
+
+double CCamera::HeightOfDrag(double dy, int viewHeight, double side) const {
+  if (viewHeight == 0 || m_fR0 == 0) return 0;
+  return dy / viewHeight * side * (side * m_fR / (m_fR0 * m_fR0));
+}

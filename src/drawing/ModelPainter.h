@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+
+#include "drawing/CCurveArrays.h"
+#include "drawing/CSurfaceArrays.h"
+#include "drawing/CTexelArrays.h"
+#include "drawing/DisplayFlags.h"
+#include "drawing/DrawingSettings.h"
+
+class CGrid;
+class CTextures;
+
+/// Colour of the grid lines 2^level lattice steps long while levels have colours of their own.
+CColour SubdivisionColour(int level);
+
+/// Draws the model in three dimensions into the current context, under the projection and the view that are set.
+class CModelPainter {
+ public:
+  /// What of the model to draw and how.
+  struct CView {
+    std::uint32_t m_uFlags = 0;  ///< ModelFlag bits
+    int m_iDrawTexture = DrawnTexture::kPhotograph;
+    CTextures* m_pTextures = nullptr;  ///< none: the model is drawn without
+  };
+
+  /// Leaves the context without lighting and texturing, the current colour white.
+  void Draw(CGrid& grid, const CView& view);
+
+ private:
+  void DrawTexturedModel(CGrid& grid, const CView& view);
+  void DrawGridLines(CGrid& grid);
+  void DrawNormals(CGrid& grid, std::uint32_t flags);
+  void DrawNormalsTexels(CGrid& grid, double length);
+  void Draw3DCntr(const CGrid& grid);
+
+  CSurfaceArrays m_Arrays;
+  CCurveArrays m_Curves;
+  CTexelArrays m_Texels;
+};

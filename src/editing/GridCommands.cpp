@@ -1,0 +1,143 @@
+#include "editing/GridCommands.h"
+
+#include <algorithm>
+
+#include "base/Console.h"
+#include "editing/CSolverControl.h"
+#include "model/CGrid.h"
+#include "model/Globals.h"
+
+namespace {
+
+constexpr const char* kGridFileTitle = "please input grid file name";
+
+/// Holds the solver while a command works.
+class CCommandPause {
+ public:
+  explicit CCommandPause(CSolverControl& solver) : m_Solver(solver) { m_Solver.PauseSolverForCommand(); }
+  ~CCommandPause() { m_Solver.ResumeAfterCommand(); }
+  CCommandPause(const CCommandPause&) = delete;
+  CCommandPause& operator=(const CCommandPause&) = delete;
+
+ private:
+  CSolverControl& m_Solver;
+};
+
+}  // namespace
+
+void CGridCommands::Request(int operation) {
+  if (m_pGrid == nullptr) return;
+  if (g_nSolverTimers != 0) {
+    m_pGrid->Post(operation);
+  } else {
+    Perform(operation);
+  }
+}
+
+void CGridCommands::Perform(int operation) {
+  if (m_pGrid == nullptr) return;
+  if (operation == Operation::kNewGrid) NewGrid();
+  if (operation == Operation::kLoadGrid) LoadGrid();
+  if (operation == Operation::kLoadImage) LoadImage();
+  if (operation == Operation::kSaveGrid) SaveGrid();
+  if (operation == Operation::kContourAttributes) EditCurveAttributes();
+}
+
+void CGridCommands::NewGrid() {
+  if (!m_Services.m_AskNewGrid) return;
+  const CCommandPause pause(m_Solver);
+  m_Host.EndDrags();
+  const std::optional<CGridParameters> chosen = m_Services.m_AskNewGrid(*m_pGrid);
+  if (!chosen.has_value()) return;
+  const CExtent& extent = chosen->m_Extent;
+  m_pGrid->Initialize(chosen->m_iStartLevel, chosen->m_bKeepConstraints, extent.x0, extent.y0, extent.x1, extent.y1);
+  m_pGrid->Reset();
+  SetPickTolerance();
+  m_Host.GridReplaced();
+}
+
+void CGridCommands::LoadGrid() {
+  if (!m_Services.m_LoadGrid) return;
+  m_Solver.PauseSolverForCommand();
+  const std::optional<std::string> file = m_Host.ChooseFile(kGridFileTitle, "*.grid");
+  if (!file.has_value()) {
+    Console() << "CImageView::LoadGrid() : filename == NULL\n";
+  } else if (m_Services.m_LoadGrid(*m_pGrid, *file)) {
+    SetPickTolerance();
+    m_Host.GridReplaced();
+  }
+  m_Solver.ResumeSolver();
+}
+
+void CGridCommands::LoadImage() {
+  const CCommandPause pause(m_Solver);
+  const std::optional<std::string> file = m_Host.ChooseFile("please input image file name", "*.bmp");
+  if (file.has_value()) m_Host.LoadPicture(*file);
+}
+
+void CGridCommands::SaveGrid() {
+  if (!m_Services.m_SaveGrid) return;
+  const CCommandPause pause(m_Solver);
+  const std::optional<std::string> file = m_Host.ChooseFile(kGridFileTitle, nullptr);
+  if (!file.has_value()) return;
+  // A file must not hold heights of another numbering than its constraints.
+  m_pGrid->PerformPendingWork();
+  m_Services.m_SaveGrid(*m_pGrid, *file);
+}
+
+void CGridCommands::SaveVrml() {
+  if (m_pGrid == nullptr || !m_Services.m_SaveVrml) return;
+  const CCommandPause pause(m_Solver);
+  if (m_Host.TextureFile().empty()) Console() << "can't save as VRML without texture file\n";
+  const std::optional<std::string> file = m_Host.ChooseFile("please input VRML file name", "*.wrl");
+  if (!file.has_value()) return;
+  m_pGrid->PerformPendingWork();
+  if (!m_Services.m_SaveVrml(*m_pGrid, *file)) return;
+  m_Host.Notice(
+      "VRML complete. You need to get a jpeg version of the texture file, named picture.jpg, and put it in the same "
+      "directory as the wrl file.");
+}
+
+void CGridCommands::ExportHeightField() {
+  if (m_pGrid == nullptr || !m_Services.m_ExportHeightField) return;
+  m_Solver.HaltSolver();
+  m_pGrid->PerformPendingWork();
+  m_Host.EndDrags();
+  m_Services.m_ExportHeightField(*m_pGrid);
+}
+
+void CGridCommands::EditCurveAttributes(double x, double y, std::uint32_t type) {
+  m_fCurveX = x;
+  m_fCurveY = y;
+  m_uCurveType = type;
+  Request(Operation::kContourAttributes);
+}
+
+void CGridCommands::EditCurveAttributes() {
+  if (!m_Services.m_AskContourAttributes) return;
+  const auto [curve, node] = m_pGrid->FindCurve(m_fCurveX, m_fCurveY);
+  if (curve == nullptr) return;
+  m_Host.EndDrags();
+  const CCommandPause pause(m_Solver);
+  const std::optional<CContourAnswer> answer =
+      m_Services.m_AskContourAttributes(CContourAttributes::Of(*curve, *node), curve->HasType(CurveType::kFairness));
+  if (!answer.has_value()) return;
+  m_pGrid->SetCurveAttributes(m_fCurveX, m_fCurveY, answer->m_Attributes, m_uCurveType, answer->m_bAllNodes);
+  if (answer->m_bExport) m_pGrid->ExportCurveConstraints(m_fCurveX, m_fCurveY);
+}
+
+void CGridCommands::SwitchResolution() {
+  if (m_pGrid == nullptr) return;
+  if (g_bHighRes == 1) {
+    m_pGrid->Post(Operation::kRestoreNormal);
+  } else {
+    const bool interpolate = m_Host.Ask("Do you want  to compute an interpolation to get the high res grid ?");
+    m_pGrid->Post(interpolate ? Operation::kTransferToHigh : Operation::kRestoreHigh);
+  }
+  m_Solver.ResumeSolver();
+}
+
+void CGridCommands::SetPickTolerance() {
+  const CExtent& extent = m_pGrid->Lattice().Extent();
+  g_fPickTolerance = std::max(extent.x1 - extent.x0, extent.y1 - extent.y0) / 100;
+}

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "editing/CContourAnswer.h"
+#include "editing/CGridParameters.h"
+#include "editing/UserDialogs.h"
+
+class CGrid;
+class CSolverControl;
+
+/// The commands' way to the user and to the picture.
+class CommandHost : public UserDialogs {
+ public:
+  /// Shows the picture in the file over the grid. False, with the user told, if there is none; then all stays as it
+  /// was.
+  virtual bool LoadPicture(const std::string& file) = 0;
+  /// File of the picture on show; empty if there is none.
+  virtual std::string TextureFile() const = 0;
+  /// A dialog is about to take the mouse: ends the drags in the views.
+  virtual void EndDrags() = 0;
+  /// The grid has been initialised anew or read from a file.
+  virtual void GridReplaced() = 0;
+};
+
+/// The work on files and the questions that the commands leave to others. An empty function makes its command
+/// unavailable.
+struct CModelServices {
+  std::function<std::optional<CGridParameters>(const CGrid& grid)> m_AskNewGrid;
+  std::function<bool(CGrid& grid, const std::string& file)> m_LoadGrid;  ///< whether the grid is another one now
+  std::function<void(CGrid& grid, const std::string& file)> m_SaveGrid;
+  std::function<bool(CGrid& grid, const std::string& file)> m_SaveVrml;  ///< whether the file was written
+  std::function<void(CGrid& grid)> m_ExportHeightField;
+  std::function<std::optional<CContourAnswer>(const CContourAttributes& present, bool fairness)> m_AskContourAttributes;
+};
+
+/// The commands that replace the grid, read it or write it, and that which edits a curve in a dialog.
+///
+/// Five of them wait for the end of the solver's step while the solver tick is registered: `Request` leaves their code
+/// with the grid, whose next tick has them performed. Without a grid nothing happens.
+class CGridCommands {
+ public:
+  /// Both must outlive the object.
+  CGridCommands(CommandHost& host, CSolverControl& solver) : m_Host(host), m_Solver(solver) {}
+
+  void AttachGrid(CGrid& grid) { m_pGrid = &grid; }
+  void SetServices(CModelServices services) { m_Services = std::move(services); }
+  const CModelServices& Services() const { return m_Services; }
+
+  /// Performs Operation::kNewGrid, kLoadGrid, kLoadImage or kSaveGrid as soon as no step of the solver is under way.
+  void Request(int operation);
+  /// Performs it now.
+  void Perform(int operation);
+
+  void SaveVrml();
+  void ExportHeightField();
+  /// Lets the user edit the attributes of the curve at (x, y), model units, as soon as no step of the solver is under
+  /// way. A `type` that is not 0 becomes the curve's.
+  void EditCurveAttributes(double x, double y, std::uint32_t type);
+  /// Leaves the grid the switch to the other resolution, asking how to go up, and resumes the solver.
+  void SwitchResolution();
+
+ private:
+  void NewGrid();
+  void LoadGrid();
+  void LoadImage();
+  void SaveGrid();
+  void EditCurveAttributes();
+  void SetPickTolerance();
+
+  CommandHost& m_Host;
+  CSolverControl& m_Solver;
+  CModelServices m_Services;
+  CGrid* m_pGrid = nullptr;
+
+  // Where the curve was clicked whose attributes are to be edited, and the type it is to have.
+  double m_fCurveX = 0.0;
+  double m_fCurveY = 0.0;
+  std::uint32_t m_uCurveType = 0;
+};

@@ -1,0 +1,113 @@
+#include "solver/CConstraintRows.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "lattice/CLattice.h"
+#include "quadtree/CPointOrder.h"
+#include "quadtree/CQuadTree.h"
+#include "quadtree/Interpolation.h"
+
+namespace {
+
+// A probe that rounding puts outside the model by no more than this share of the extent lies on the border; without it
+// a normal in a border cell whose probe falls on the border would lose its rows by chance.
+constexpr double kBorderSlack = 1e-12;
+
+double OntoBorder(double value, double low, double high) {
+  const double slack = kBorderSlack * (high - low);
+  return value > low - slack && value < high + slack ? std::clamp(value, low, high) : value;
+}
+
+// The probes that the slopes at a point are the differences of, and the size of the cell between them.
+struct CProbes {
+  CStencil m_Above;
+  CStencil m_Below;
+  CStencil m_Left;
+  CStencil m_Right;
+  double m_fWidth = 0.0;
+  double m_fHeight = 0.0;
+};
+
+bool FindPlace(const CPtCstr& constraint, const CInterpolation& surface, CStencil& stencil) {
+  return constraint.IsEnabled(PtCstrKind::kPosition) &&
+         surface.GetBilinearInterpolation(constraint.m_fX, constraint.m_fY, stencil);
+}
+
+bool FindProbes(const CPtCstr& constraint, const CQuadTree& tree, const CInterpolation& surface, CProbes& probes) {
+  if (!constraint.IsEnabled(PtCstrKind::kNormal)) return false;
+  const CLattice& lattice = surface.Lattice();
+  const double x = constraint.m_fX;
+  const double y = constraint.m_fY;
+  const CQuadT* cell = tree.PointInCell_g(lattice.ColumnOf(x), lattice.RowOf(y));
+  if (cell == nullptr) return false;
+  probes.m_fWidth = cell->Size() * lattice.StepX();
+  probes.m_fHeight = cell->Size() * lattice.StepY();
+  const CExtent& e = lattice.Extent();
+  const auto probe = [&](double dx, double dy, CStencil& stencil) {
+    return surface.GetBilinearInterpolation(OntoBorder(x + dx, e.x0, e.x1), OntoBorder(y + dy, e.y0, e.y1), stencil);
+  };
+  return probe(0, probes.m_fHeight / 2, probes.m_Above) && probe(0, -probes.m_fHeight / 2, probes.m_Below) &&
+         probe(-probes.m_fWidth / 2, 0, probes.m_Left) && probe(probes.m_fWidth / 2, 0, probes.m_Right);
+}
+
+}  // namespace
+
+void CConstraintRows::Clear() {
+  m_Rows.Clear();
+  m_afTargets.clear();
+  m_auBuiltKinds.clear();
+}
+
+void CConstraintRows::Add(std::span<const CPtCstrList* const> lists, const CQuadTree& tree,
+                          const CInterpolation& surface) {
+  const std::size_t first = m_auBuiltKinds.size();
+  for (const CPtCstrList* list : lists) {
+    for (const CPtCstr& constraint : *list)
+      m_auBuiltKinds.push_back(AddPosition(constraint, surface) ? PtCstrKind::kPosition : 0);
+  }
+  auto built = m_auBuiltKinds.begin() + static_cast<std::ptrdiff_t>(first);
+  for (const CPtCstrList* list : lists) {
+    for (const CPtCstr& constraint : *list) *built++ |= AddNormal(constraint, tree, surface) ? PtCstrKind::kNormal : 0;
+  }
+}
+
+std::uint32_t CConstraintRows::KindsWithRows(const CPtCstr& constraint, const CQuadTree& tree,
+                                             const CInterpolation& surface) {
+  CStencil place;
+  CProbes probes;
+  return (FindPlace(constraint, surface, place) ? PtCstrKind::kPosition : 0) |
+         (FindProbes(constraint, tree, surface, probes) ? PtCstrKind::kNormal : 0);
+}
+
+bool CConstraintRows::AddPosition(const CPtCstr& constraint, const CInterpolation& surface) {
+  CStencil stencil;
+  if (!FindPlace(constraint, surface, stencil)) return false;
+  AppendStencil(stencil, kWeight, surface.Order());
+  EndRow(kWeight * constraint.m_fZ);
+  return true;
+}
+
+bool CConstraintRows::AddNormal(const CPtCstr& constraint, const CQuadTree& tree, const CInterpolation& surface) {
+  CProbes probes;
+  if (!FindProbes(constraint, tree, surface, probes)) return false;
+  AppendStencil(probes.m_Above, kWeight / probes.m_fHeight, surface.Order());
+  AppendStencil(probes.m_Below, -kWeight / probes.m_fHeight, surface.Order());
+  EndRow(kWeight * constraint.m_fQ);
+  AppendStencil(probes.m_Right, kWeight / probes.m_fWidth, surface.Order());
+  AppendStencil(probes.m_Left, -kWeight / probes.m_fWidth, surface.Order());
+  EndRow(kWeight * constraint.m_fP);
+  return true;
+}
+
+void CConstraintRows::AppendStencil(const CStencil& stencil, double factor, const CPointOrder& order) {
+  for (std::size_t k = 0; k < stencil.m_auNodes.size(); ++k) {
+    if (stencil.m_auNodes[k] == CStencil::kEmptySlot || stencil.m_afCoefs[k] == 0.0) continue;
+    m_Rows.Append(order.ScanOf(stencil.m_auNodes[k]), factor * stencil.m_afCoefs[k]);
+  }
+}
+
+void CConstraintRows::EndRow(double target) {
+  m_Rows.EndRow();
+  m_afTargets.push_back(target);
+}

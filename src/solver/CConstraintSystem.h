@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "solver/CCompressedRows.h"
+#include "solver/CConstraintRows.h"
+#include "solver/CHierarchicalBasis.h"
+
+/// The symmetric indefinite system that the solver works on: smoothness of the heights, bordered by the constraints,
+///
+///     | B^T H B   B^T C^T |  | x |       | 0 |
+///     | C B       0       |  | l |   =   | d |
+///
+/// with x the N coefficients of the basis (heights z = B x, where B is the basis' invW) and l the M multipliers.
+class CConstraintSystem {
+ public:
+  explicit CConstraintSystem(const CHierarchicalBasis& basis) : m_pBasis(&basis) {}
+
+  /// H, over the heights: one row and column per scan position.
+  CCompressedRows& Smoothness() { return m_Smoothness; }
+  const CCompressedRows& Smoothness() const { return m_Smoothness; }
+  /// C and d.
+  CConstraintRows& Constraints() { return m_Constraints; }
+  const CConstraintRows& Constraints() const { return m_Constraints; }
+
+  std::size_t UnknownCount() const { return m_pBasis->Size(); }
+  std::size_t ConstraintCount() const { return m_Constraints.Count(); }
+  std::size_t Size() const { return UnknownCount() + ConstraintCount(); }
+
+  /// Sizes the work space; must be called after any part has changed size and before `ApplySystem`.
+  void Prepare() {
+    m_afHeights.resize(UnknownCount());
+    m_afForces.resize(UnknownCount());
+  }
+  /// out = (system) v. Both have `Size()` entries, the coefficients first, and must not overlap. Allocates nothing.
+  void ApplySystem(std::span<const double> v, std::span<double> out);
+  /// The magnitudes that rounding is to be held against, for heights z = B x: out = (B^T |H| |z|, |C| |z|), the forces
+  /// of the smoothness and the values of the constraints without what cancels in them. `x` has N entries, `out` Size().
+  void ApplyMagnitudes(std::span<const double> x, std::span<double> out);
+
+ private:
+  const CHierarchicalBasis* m_pBasis;
+  CCompressedRows m_Smoothness;
+  CConstraintRows m_Constraints;
+  std::vector<double> m_afHeights;
+  std::vector<double> m_afForces;
+};

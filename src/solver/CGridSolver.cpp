@@ -1,0 +1,240 @@
+#include "solver/CGridSolver.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <utility>
+
+#include "base/Console.h"
+#include "constraints/CPtCstrList.h"
+#include "quadtree/CPointOrder.h"
+#include "quadtree/Interpolation.h"
+#include "solver/CurveTerms.h"
+#include "solver/GridTerms.h"
+
+namespace {
+
+// A stop with more than this share of the starting residual left may be an accident of the recurrence, and is tried
+// again. Larger, and contradictory constraints would be met less well than they can be; smaller, and rounding would
+// count.
+constexpr double kSmallResidual = 1e-9;
+
+// A residual computed afresh at a breakdown is worth iterating on if it has shrunk to this share since the last one.
+// Each time it does, the surface gains digits; when it no longer does, what is left is rounding.
+constexpr double kRefinement = 0.1;
+// Below this share of what the constraints ask for there is nothing but rounding. The residual at the restart is no
+// measure of that, as the iteration may have come from far away; only where nothing is asked for it must do, or a
+// singular system would be iterated on for ever.
+constexpr double kRoundingFloor = 1e-14;
+
+// A restart with |r . A r| below this share of |r| |A r| has next to nothing to iterate on. Random starts are well
+// above.
+constexpr double kBadStart = 1e-8;
+
+// A surface is the solution when the forces left on it are this share of those that the constraints exert, or this
+// share of what cancels in those of the smoothness, which is rounding; and when its constraints miss this share of
+// their targets. Of rightly converged surfaces the shares are smaller by four orders and more, of wrong ones near 1.
+constexpr double kSolvedShare = 1e-6;
+constexpr double kRoundedShare = 1e-12;
+
+// How often an edit may start the iteration again after such a stop. Constraints that contradict each other always
+// leave a residual, so this must end.
+constexpr int kRetriesPerEdit = 2;
+
+// When a residual that is left will stay: after this many iterations without progress, in units of the side of the
+// grid, with the residual's image down to this share of its largest. Without the basis an iteration may make no
+// progress for as long on the way, but then its image is still large.
+constexpr double kStallFactor = 40.0;
+constexpr double kRoundingShare = 1e-9;
+// After this many the iteration will make no more progress at all.
+constexpr double kHopelessStallFactor = 400.0;
+
+double Norm(std::span<const double> values) {
+  return std::sqrt(std::transform_reduce(values.begin(), values.end(), values.begin(), 0.0));
+}
+
+bool AllFinite(std::span<const double> values) {
+  return std::ranges::all_of(values, [](double value) { return std::isfinite(value); });
+}
+
+}  // namespace
+
+void CGridSolver::RequestRebuild() {
+  m_iCounter = -1;
+  m_bVectorsValid = false;
+}
+
+void CGridSolver::RequestRestart() {
+  m_iCounter = std::min(m_iCounter, 0);
+  m_bVectorsValid = false;
+}
+
+void CGridSolver::Assemble(CQuadTree& tree, const CInterpolation& surface, const CCntrCtrlList& curves) {
+  m_Terms.Clear();
+  AddGridTerms(tree, surface.Order(), m_Terms);
+  AddCurveTerms(curves, tree, surface, m_Terms);
+  m_Terms.Assemble(surface.Order().Count(), m_System.Smoothness());
+  m_System.Smoothness().FindRuns();
+  m_iCounter = 0;
+}
+
+void CGridSolver::SetConstraints(std::span<const CPtCstrList* const> lists, const CQuadTree& tree,
+                                 const CInterpolation& surface) {
+  m_System.Constraints().Clear();
+  m_System.Constraints().Add(lists, tree, surface);
+  RequestRestart();
+}
+
+void CGridSolver::ResizeMultipliers() {
+  const std::size_t old = m_afMultipliers.size();
+  m_afMultipliers.resize(m_System.ConstraintCount());
+  const double limit = 1.0 / static_cast<double>(m_System.UnknownCount());
+  for (std::size_t j = old; j < m_afMultipliers.size(); ++j) m_afMultipliers[j] = m_pRandom->UpTo(limit);
+}
+
+void CGridSolver::RandomiseMultipliers(double limit) {
+  for (double& multiplier : m_afMultipliers) multiplier = m_pRandom->UpTo(limit);
+}
+
+// After convergence the residual of a changed target is (0, change), on which r . A r vanishes by symmetry: the
+// iteration would stop at once on a wrong surface. A little chance in the multipliers gives the residual a part in the
+// heights.
+void CGridSolver::Shake() {
+  const double limit = 1.0 / static_cast<double>(m_System.UnknownCount());
+  for (double& multiplier : m_afMultipliers) multiplier += m_pRandom->UpTo(limit);
+}
+
+bool CGridSolver::ModelChanged() {
+  m_iRetriesLeft = kRetriesPerEdit;
+  if (!HasStopped()) return false;
+  m_End = Outcome::TickDone;
+  m_bShakeDue = true;
+  return true;
+}
+
+void CGridSolver::Start(std::span<const double> x) {
+  ResizeMultipliers();
+  const std::span<const double> targets = m_System.Constraints().Targets();
+  m_afTargets.assign(targets.begin(), targets.end());
+  if (m_bShakeDue) Shake();
+  m_Residual.Restart(m_System, x, m_afMultipliers, m_afTargets);
+  // An edit shortly before the pause leaves the same kind of residual as one after it.
+  if (!m_bShakeDue && !m_Residual.HasBrokenDown() && m_Residual.Symmetry() < kBadStart) {
+    Shake();
+    m_Residual.Restart(m_System, x, m_afMultipliers, m_afTargets);
+  }
+  m_bShakeDue = false;
+  m_bVectorsValid = true;
+  m_pBreakdownMessage = nullptr;
+  m_fTrueNorm = std::numeric_limits<double>::infinity();
+  m_afLastX.resize(x.size());
+  m_afLastMultipliers.resize(m_afMultipliers.size());
+}
+
+CGridSolver::Outcome CGridSolver::Tick(std::span<double> x, int limit, const std::function<bool()>& poll) {
+  if (m_iCounter == 0) Start(x);
+  std::ranges::copy(x, m_afLastX.begin());
+  std::ranges::copy(m_afMultipliers, m_afLastMultipliers.begin());
+  const Outcome outcome = Iterate(x, limit, poll);
+  if (m_Residual.IsFinite() && AllFinite(x)) return outcome;
+  std::ranges::copy(m_afLastX, x.begin());
+  std::ranges::copy(m_afLastMultipliers, m_afMultipliers.begin());
+  return Stop("the iteration leaves the finite numbers, |r_rr| = ", m_Residual.Rho(), x);
+}
+
+CGridSolver::Outcome CGridSolver::Iterate(std::span<double> x, int limit, const std::function<bool()>& poll) {
+  for (int done = 0; done < limit && m_Residual.IsFinite(); ++done) {
+    // An event may change the basis at once, without posting work; the vectors are out of date then.
+    if (poll && (poll() || !m_bVectorsValid)) return Outcome::Interrupted;
+    ++m_iCounter;
+    if (HasStopped()) {
+      Console() << m_pStopMessage << m_fStopValue << '\n';
+      return m_End;
+    }
+    const CConjugateResidual::Outcome step = m_Residual.Step(m_System, x, m_afMultipliers);
+    if (step == CConjugateResidual::Outcome::Stepped) continue;
+    const bool smallRho = step == CConjugateResidual::Outcome::SmallRho;
+    // Where what has been refined is rounding, the breakdown that it began with is the one to tell of.
+    const double value = smallRho ? m_Residual.Rho() : m_Residual.Pi();
+    if (std::abs(value) < CConjugateResidual::kBreakdown || m_pBreakdownMessage == nullptr) {
+      m_pBreakdownMessage = smallRho ? "|r_rr| is too small " : "|pp_pp| is too small ";
+      m_fBreakdownValue = value;
+    }
+    if (IsContradictory()) {
+      Reconcile(x);
+    } else if (!Refine(x)) {
+      return Stop(m_pBreakdownMessage, m_fBreakdownValue, x);
+    }
+  }
+  if (HasStalled(kStallFactor) && IsContradictory()) Reconcile(x);
+  // Either what is left is rounding, or the recurrence has lost its way and needs another start.
+  if (HasStalled(kHopelessStallFactor)) return Stop("|r_rr| stays at ", m_Residual.Rho(), x);
+  return Outcome::TickDone;
+}
+
+// Constraints that a plane meets pull at nothing, and what the forces are told to be is rounding, on either side.
+bool CGridSolver::IsFreeOfForces(const CImbalance& left) {
+  const double rounding = kRoundedShare * left.m_fMagnitude;
+  return left.m_fForces <= rounding && left.m_fPulls <= rounding && left.m_fMisses <= kRoundedShare * left.m_fTargets;
+}
+
+// At a breakdown the residual of the recurrence has become small, the true one only as far as rounding let it. As long
+// as that can still be reduced, the iteration goes on from it.
+bool CGridSolver::Refine(std::span<const double> x) {
+  const CImbalance left = m_Residual.Measure(m_System, x, m_afMultipliers, m_afTargets);
+  const double before = std::exchange(m_fTrueNorm, m_Residual.ResidualNorm());
+  if (IsFreeOfForces(left)) return false;
+  const double asked = Norm(m_afTargets);
+  const bool worthwhile =
+      m_fTrueNorm < kRefinement * before && m_fTrueNorm > kRoundingFloor * (asked > 0 ? asked : m_Residual.StartNorm());
+  return worthwhile && !m_Residual.HasBrokenDown();
+}
+
+// Constraints that contradict each other are met as well as they can be together: what each still misses will stay.
+// From now on they ask for what they have got, which is free of contradictions, so that the surface between them
+// converges. Meanwhile the multipliers have run away against each other, so far that what is left of their sum would be
+// rounding: they begin again.
+void CGridSolver::Reconcile(std::span<const double> x) {
+  const std::span<const double> missed = m_Residual.ConstraintResidual(m_System.UnknownCount());
+  for (std::size_t j = 0; j < missed.size(); ++j) m_afTargets[j] -= missed[j];
+  std::ranges::fill(m_afMultipliers, 0.0);
+  m_Residual.Refresh(m_System, x, m_afMultipliers, m_afTargets);
+}
+
+bool CGridSolver::HasStalled(double sides) const {
+  const double patience = sides * std::sqrt(static_cast<double>(m_System.Size()));
+  return m_Residual.StepsSinceProgress() > patience;
+}
+
+bool CGridSolver::IsContradictory() const { return m_Residual.ImageShare() < kRoundingShare && !IsResidualSmall(); }
+
+bool CGridSolver::IsResidualSmall() const {
+  return m_Residual.ResidualNorm() <= kSmallResidual * m_Residual.StartNorm();
+}
+
+// Measured afresh, as the recurrence may believe in anything by now. The forces of the constraints say how large forces
+// are in this model; those that cancel in the smoothness, how small they can be told to be.
+bool CGridSolver::IsSolved(std::span<const double> x) {
+  const CImbalance left = m_Residual.Measure(m_System, x, m_afMultipliers, m_afTargets);
+  // Where nothing but 0 is asked for there is no measure but the way that the iteration has come.
+  if (left.m_fTargets == 0 && IsResidualSmall()) return true;
+  const bool balanced = left.m_fForces <= kSolvedShare * left.m_fPulls + kRoundedShare * left.m_fMagnitude;
+  const bool met = left.m_fMisses <= kSolvedShare * left.m_fTargets;
+  return balanced && met && std::isfinite(left.m_fPulls + left.m_fMagnitude + left.m_fTargets);
+}
+
+CGridSolver::Outcome CGridSolver::Stop(const char* message, double value, std::span<const double> x) {
+  m_pStopMessage = message;
+  m_fStopValue = value;
+  Console() << message << value << '\n';
+  const bool solved = IsSolved(x);
+  if (!(solved && IsResidualSmall()) && m_iRetriesLeft > 0) {
+    --m_iRetriesLeft;
+    m_bShakeDue = true;
+    m_iCounter = 0;
+    return Outcome::TickDone;
+  }
+  m_End = solved ? Outcome::Converged : Outcome::GaveUp;
+  return m_End;
+}

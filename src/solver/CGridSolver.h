@@ -1,0 +1,93 @@
+#pragma once
+
+#include <functional>
+#include <span>
+#include <vector>
+
+#include "base/CRandom.h"
+#include "solver/CConjugateResidual.h"
+#include "solver/CConstraintSystem.h"
+#include "solver/CEnergyTerms.h"
+#include "solver/CHierarchicalBasis.h"
+
+class CCntrCtrlList;
+class CPointOrder;
+class CPtCstrList;
+class CQuadTree;
+class CInterpolation;
+
+/// The iteration as it goes on across ticks: the system, the multipliers, the counter, and when to stop.
+///
+/// The counter is -1 while numbering and matrix must be rebuilt, 0 when the iteration starts anew, and the number of
+/// iterations done after that.
+class CGridSolver {
+ public:
+  enum class Outcome {
+    TickDone,     ///< the tick's iterations are done
+    Interrupted,  ///< `poll` asked to stop
+    Converged,    ///< the surface is the one that the constraints ask for: the solver may be paused
+    GaveUp,       ///< it is not, and the iteration gets no nearer: the solver may be paused all the same
+  };
+
+  CGridSolver(const CHierarchicalBasis& basis, CRandom& random) : m_System(basis), m_pRandom(&random) {}
+
+  int Counter() const { return m_iCounter; }
+  void RequestRebuild();
+  /// A rebuild that is already due stays due.
+  void RequestRestart();
+
+  /// The matrix of the smoothness energy, that along fairness curves included, for a numbering just made; the iteration
+  /// then starts anew.
+  void Assemble(CQuadTree& tree, const CInterpolation& surface, const CCntrCtrlList& curves);
+  /// The constraint rows of all records in the lists.
+  void SetConstraints(std::span<const CPtCstrList* const> lists, const CQuadTree& tree, const CInterpolation& surface);
+
+  /// Up to `limit` iterations on the coefficients `x` (in place). With the counter at 0 the iteration starts anew
+  /// first; multipliers of new rows start by chance in [0, 1 / N]. `poll`, where given, is called between the steps and
+  /// ends the tick by answering true. A step that would leave the finite numbers is undone.
+  Outcome Tick(std::span<double> x, int limit, const std::function<bool()>& poll);
+
+  /// The model has been edited. Returns whether the solver had stopped itself, and arms the restart that follows: see
+  /// Shake.
+  bool ModelChanged();
+  bool HasConverged() const { return m_End == Outcome::Converged; }
+  /// All multipliers by chance in [0, limit].
+  void RandomiseMultipliers(double limit);
+
+  const CConstraintSystem& System() const { return m_System; }
+  std::span<const double> Multipliers() const { return m_afMultipliers; }
+
+ private:
+  void Start(std::span<const double> x);
+  void ResizeMultipliers();
+  void Shake();
+  Outcome Iterate(std::span<double> x, int limit, const std::function<bool()>& poll);
+  static bool IsFreeOfForces(const CImbalance& left);
+  bool Refine(std::span<const double> x);
+  void Reconcile(std::span<const double> x);
+  bool HasStalled(double sides) const;
+  bool IsContradictory() const;
+  bool IsResidualSmall() const;
+  bool HasStopped() const { return m_End != Outcome::TickDone; }
+  Outcome Stop(const char* message, double value, std::span<const double> x);
+  bool IsSolved(std::span<const double> x);
+
+  CConstraintSystem m_System;
+  CEnergyTerms m_Terms;
+  CConjugateResidual m_Residual;
+  std::vector<double> m_afMultipliers;  ///< one per constraint row
+  std::vector<double> m_afTargets;      ///< right-hand sides, free of contradictions once those are known
+  std::vector<double> m_afLastX;        ///< the coefficients before the tick
+  std::vector<double> m_afLastMultipliers;
+  CRandom* m_pRandom;
+  int m_iCounter = -1;
+  bool m_bVectorsValid = false;       ///< the iteration's vectors belong to the system as it is
+  Outcome m_End = Outcome::TickDone;  ///< of the last stop; TickDone while the iteration is to go on
+  bool m_bShakeDue = false;
+  int m_iRetriesLeft = 0;
+  const char* m_pBreakdownMessage = nullptr;  ///< of the last breakdown since the restart; null before there is one
+  double m_fBreakdownValue = 0.0;
+  const char* m_pStopMessage = "";  ///< of the last stop
+  double m_fStopValue = 0.0;
+  double m_fTrueNorm = 0.0;  ///< length of the residual when it was last computed afresh at a breakdown
+};

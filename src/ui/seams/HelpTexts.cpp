@@ -1,0 +1,35 @@
+#include "ui/seams/HelpTexts.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+void FormatHelp(std::string& text, int index, std::initializer_list<std::string_view> values) {
+  const std::string_view pattern = HelpTextOf(index);
+  text.clear();
+  for (std::size_t i = 0; i < pattern.size(); ++i) {
+    const std::size_t place = i + 1 < pattern.size() ? static_cast<std::size_t>(pattern[i + 1] - '1') : values.size();
+    if (pattern[i] == '%' && place < values.size()) {
+      text += values.begin()[place];
+      ++i;
+    } else {
+      text += pattern[i];
+    }
+  }
+}
+
+std::string FormatHelp(int index, std::initializer_list<std::string_view> values) {
+  std::string text;
+  FormatHelp(text, index, values);
+  return text;
+}
+
+std::string HelpNumber(double value, double unit) {
+  constexpr double kNoise = 1e-9;
+  constexpr int kDigits = 6;
+  if (std::abs(value) < kNoise * unit) value = 0;
+  std::array<char, 32> text{};
+  const auto [end, error] =
+      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, kDigits);
+  return {text.data(), end};
+}

@@ -1,0 +1,295 @@
+#include <array>
+#include <cmath>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "drawing/CCamera.h"
+#include "support/ConsoleCapture.h"
+
+namespace {
+
+constexpr double kPi = 3.1415926;
+constexpr double kTolerance = 1e-6;
+
+// Half the diagonal of the box (0, 0, 0) - (6, 4, 12) is 7.
+CCamera Camera() {
+  CCamera camera;
+  camera.Reset({0, 0, 0}, {6, 4, 12});
+  return camera;
+}
+CCamera At(double theta, double phi, double zeta) {
+  CCamera camera = Camera();
+  camera.m_fTheta = theta;
+  camera.m_fPhi = phi;
+  camera.m_fZeta = zeta;
+  camera.UpdateEye();
+  return camera;
+}
+
+void ExpectNear(const Vector3& a, const Vector3& b, double tolerance = kTolerance) {
+  EXPECT_NEAR(a.x, b.x, tolerance);
+  EXPECT_NEAR(a.y, b.y, tolerance);
+  EXPECT_NEAR(a.z, b.z, tolerance);
+}
+Vector3 Offset(const CCamera& camera) { return camera.m_Eye - camera.m_Centre; }
+
+// Degrees from one angle to another, whole turns left out.
+double Turn(double from, double to) { return std::remainder(to - from, 360.0); }
+
+struct CAngles {
+  double m_fTheta;
+  double m_fPhi;
+  double m_fZeta;
+};
+constexpr std::array kAngles{CAngles{90, 0, 0},    CAngles{90, 0, 200},     CAngles{90, 180, 200}, CAngles{90, 180, 20},
+                             CAngles{30, 90, 90},  CAngles{30, 270, 350},   CAngles{150, 45, 180}, CAngles{10, 359, 1},
+                             CAngles{60, 1e-9, 5}, CAngles{60, 1e-9, -5.0}, CAngles{120, 200, 100}};
+
+}  // namespace
+
+TEST(CameraTest, ResetLooksAtTheMiddleOfTheBoxFromTheFront) {
+  const CCamera camera = Camera();
+  ExpectNear(camera.m_Centre, {3, 2, 6});
+  EXPECT_DOUBLE_EQ(camera.m_fR, 7);
+  EXPECT_DOUBLE_EQ(camera.m_fR0, 7);
+  EXPECT_EQ(camera.m_fTheta, 90);
+  EXPECT_EQ(camera.m_fPhi, 0);
+  EXPECT_EQ(camera.m_fZeta, 0);
+  ExpectNear(camera.m_Eye, {3, 2, 13});
+  ExpectNear(camera.m_Up, {0, 7, 0});
+}
+
+TEST(CameraTest, ResetRestoresTheDivisors) {
+  CCamera camera = Camera();
+  camera.m_fRotationDivisor = camera.m_fRollDivisor = camera.m_fZoomDivisor = 1;
+  camera.Reset({0, 0, 0}, {1, 1, 1});
+  EXPECT_EQ(camera.m_fRotationDivisor, 200);
+  EXPECT_EQ(camera.m_fRollDivisor, 3);
+  EXPECT_EQ(camera.m_fZoomDivisor, 1000);
+}
+
+TEST(CameraTest, EyeAndUpFollowTheAngles) {
+  const CCamera camera = At(50, 70, 110);
+  const double a = kPi * 50 / 180;
+  const double b = kPi * 70 / 180;
+  const double c = kPi * 110 / 180;
+  using std::cos, std::sin;
+  ExpectNear(Offset(camera), {7 * sin(b) * sin(a), 7 * cos(a), 7 * cos(b) * sin(a)}, 1e-12);
+  ExpectNear(camera.m_Up,
+             {-7 * sin(b) * cos(a) * cos(c) + 7 * cos(b) * sin(c), 7 * sin(a) * cos(c),
+              -7 * cos(b) * cos(a) * cos(c) - 7 * sin(b) * sin(c)},
+             1e-12);
+}
+
+TEST(CameraTest, ThePiCutOffAtSevenDigitsShows) {
+  // With all digits the cosine of a right angle would be 6e-17.
+  EXPECT_NEAR(Offset(Camera()).y, 7 * 2.68e-8, 7 * 1e-10);
+}
+
+TEST(CameraTest, UpIsSquareToTheLineOfSightAndAsLongAsR) {
+  for (const auto& [theta, phi, zeta] : kAngles) {
+    const CCamera camera = At(theta, phi, zeta);
+    EXPECT_NEAR(Dot(camera.m_Up, Offset(camera)), 0, kTolerance);
+    EXPECT_NEAR(Length(camera.m_Up), 7, kTolerance);
+  }
+}
+
+TEST(CameraTest, UpdateAnglesIsTheInverseOfUpdateEye) {
+  for (const auto& [theta, phi, zeta] : kAngles) {
+    CCamera camera = At(theta, phi, zeta);
+    camera.m_fTheta = camera.m_fPhi = camera.m_fZeta = -1;
+    const ConsoleCapture console;
+    camera.UpdateAngles();
+    EXPECT_NEAR(Turn(camera.m_fTheta, theta), 0, 1e-5) << theta << ' ' << phi << ' ' << zeta;
+    EXPECT_NEAR(Turn(camera.m_fPhi, phi), 0, 1e-5) << theta << ' ' << phi << ' ' << zeta;
+    EXPECT_NEAR(Turn(camera.m_fZeta, zeta), 0, 1e-5) << theta << ' ' << phi << ' ' << zeta;
+  }
+}
+
+TEST(CameraTest, UpdateAnglesLogsThetaTwiceThenPhiAndZeta) {
+  CCamera camera = At(30, 90, 60);
+  const std::string text = ConsoleTextOf([&] { camera.UpdateAngles(); });
+  EXPECT_EQ(text,
+            "CGridView::UpdateAngles() : Theta = 30\n"
+            "CGridView::UpdateAngles() : Theta = 30\n"
+            "CGridView::UpdateAngles() : Phi = 90\n"
+            "CGridView::UpdateAngles() : Zeta = 60\n");
+}
+
+TEST(CameraTest, UpdateAnglesAfterAResetFindsTheStartAngles) {
+  CCamera camera = Camera();
+  const ConsoleCapture console;
+  camera.UpdateAngles();
+  EXPECT_NEAR(camera.m_fTheta, 90, 1e-6);
+  EXPECT_NEAR(camera.m_fPhi, 0, 1e-5);
+  EXPECT_NEAR(camera.m_fZeta, 0, 1e-5);
+}
+
+TEST(CameraTest, RoundingBelowZeroDegreesStaysThere) {
+  // Each of these has a sine of -1e-17 or so where it should be 0.
+  for (const double phi : {0.0, 37.0, 100.0, 200.0, 301.0}) {
+    CCamera camera = At(70, phi, 0);
+    const ConsoleCapture console;
+    camera.UpdateAngles();
+    EXPECT_LT(camera.m_fZeta, 1e-5) << phi;
+  }
+}
+
+TEST(CameraTest, LookingStraightDownGivesPhiAndZetaZero) {
+  CCamera camera = At(0, 77, 33);
+  const ConsoleCapture console;
+  camera.UpdateAngles();
+  EXPECT_EQ(camera.m_fTheta, 0);
+  EXPECT_EQ(camera.m_fPhi, 0);
+  EXPECT_EQ(camera.m_fZeta, 0);
+}
+
+TEST(CameraTest, UpdateAnglesOfAnEyeThatWasMovedAway) {
+  CCamera camera = Camera();
+  camera.m_Eye = camera.m_Centre + Vector3{-7, 0, 0};
+  camera.m_Up = {0, 7, 0};
+  const ConsoleCapture console;
+  camera.UpdateAngles();
+  EXPECT_NEAR(camera.m_fTheta, 90, 1e-5);
+  EXPECT_NEAR(camera.m_fPhi, 270, 1e-5);
+  EXPECT_NEAR(camera.m_fZeta, 0, 1e-5);
+}
+
+TEST(CameraTest, WithoutADistanceTheAnglesStayAndAreLogged) {
+  CCamera camera = At(30, 90, 60);
+  camera.m_fR = 0;
+  EXPECT_EQ(ConsoleTextOf([&] { camera.UpdateAngles(); }),
+            "CGridView::UpdateAngles() : Theta = 30\n"
+            "CGridView::UpdateAngles() : Phi = 90\n"
+            "CGridView::UpdateAngles() : Zeta = 60\n");
+}
+
+TEST(CameraTest, RotatingTurnsByAboutATwoHundredthRadianPerPixel) {
+  CCamera right = Camera();
+  right.Rotate(2, 0);
+  EXPECT_NEAR(right.m_fPhi, 180 / kPi * 2 / 200, 1e-3);
+  EXPECT_NEAR(right.m_fTheta, 90, 1e-5);
+  CCamera up = Camera();
+  up.Rotate(0, 2);
+  EXPECT_NEAR(up.m_fTheta, 90 + 180 / kPi * 2 / 200, 1e-3);
+  EXPECT_NEAR(up.m_fPhi, 0, 1e-5);
+  CCamera left = Camera();
+  left.Rotate(-2, 0);
+  EXPECT_NEAR(left.m_fPhi, 360 - 180 / kPi * 2 / 200, 1e-3);
+}
+
+TEST(CameraTest, RotatingMovesTheEyeAgainstSideAndUp) {
+  CCamera camera = At(60, 30, 20);
+  const Vector3 side = (1 / Length(camera.m_Up)) * Cross(Offset(camera), camera.m_Up);
+  const Vector3 moved = Offset(camera) - (1.0 / 200) * (15.0 * side + -10.0 * camera.m_Up);
+  camera.Rotate(15, -10);
+  ExpectNear(Offset(camera), 7 * Normalised(moved), 1e-5);
+}
+
+TEST(CameraTest, RotatingKeepsDistanceAndRoll) {
+  CCamera camera = At(60, 30, 20);
+  for (int k = 0; k < 50; ++k) camera.Rotate(7, 3);
+  EXPECT_NEAR(Length(Offset(camera)), 7, kTolerance);
+  EXPECT_EQ(camera.m_fZeta, 20);
+  EXPECT_NEAR(Dot(camera.m_Up, Offset(camera)), 0, kTolerance);
+}
+
+TEST(CameraTest, RotatingLogsNothing) {
+  CCamera camera = Camera();
+  EXPECT_EQ(ConsoleTextOf([&] { camera.Rotate(5, 5); }), "");
+}
+
+TEST(CameraTest, RotatingAcrossThePoleStaysFinite) {
+  CCamera camera = Camera();
+  for (int k = 0; k < 500; ++k) {
+    camera.Rotate(0, -3);
+    ASSERT_TRUE(IsFinite(camera.m_Eye)) << k;
+    ASSERT_TRUE(IsFinite(camera.m_Up)) << k;
+  }
+}
+
+TEST(CameraTest, ZoomAddsAThousandthPerPixel) {
+  CCamera camera = At(60, 30, 20);
+  camera.Zoom(30, -10);
+  EXPECT_DOUBLE_EQ(camera.m_fR, 7 * 1.02);
+  EXPECT_NEAR(Length(Offset(camera)), 7 * 1.02, kTolerance);
+  EXPECT_NEAR(Length(camera.m_Up), 7 * 1.02, kTolerance);
+  EXPECT_EQ(camera.m_fR0, 7);
+}
+
+TEST(CameraTest, ZoomOfAThousandPixelsDoublesRAndBackwardsReachesZero) {
+  CCamera camera = Camera();
+  camera.Zoom(0, 1000);
+  EXPECT_DOUBLE_EQ(camera.m_fR, 14);
+  camera.Zoom(-1000, 0);
+  EXPECT_EQ(camera.m_fR, 0);
+}
+
+TEST(CameraTest, ZoomHasNoLowerBound) {
+  CCamera camera = Camera();
+  camera.Zoom(-1500, 0);
+  EXPECT_DOUBLE_EQ(camera.m_fR, -3.5);
+  camera.Rotate(4, 0);
+  EXPECT_NEAR(std::abs(Turn(0, camera.m_fPhi)), 180 / kPi * 4 / 200, 1e-2);
+  EXPECT_NEAR(Length(Offset(camera)), 3.5, kTolerance);
+}
+
+TEST(CameraTest, WithoutADistanceDragsLeaveTheCameraFinite) {
+  CCamera camera = At(30, 90, 60);
+  camera.Zoom(-1000, 0);
+  camera.Rotate(5, 5);
+  camera.Roll(3, 0);
+  EXPECT_EQ(camera.m_fTheta, 30);
+  EXPECT_EQ(camera.m_fPhi, 90);
+  EXPECT_TRUE(IsFinite(camera.m_Eye));
+  ExpectNear(camera.RotateDirection({1, 2, 3}, 5, 5), {1, 2, 3});
+}
+
+TEST(CameraTest, RollAddsAThirdDegreePerPixel) {
+  CCamera camera = Camera();
+  camera.Roll(20, 10);
+  EXPECT_DOUBLE_EQ(camera.m_fZeta, 10);
+  ExpectNear(camera.m_Up, {7 * std::sin(kPi / 18), 7 * std::cos(kPi / 18), 0}, 1e-5);
+  camera.Roll(-30, -30);
+  EXPECT_DOUBLE_EQ(camera.m_fZeta, -10);
+}
+
+TEST(CameraTest, DirectionsTurnAsTheEyeDoes) {
+  CCamera camera = At(60, 30, 20);
+  const Vector3 offset = Offset(camera);
+  const Vector3 turned = camera.RotateDirection(offset, 15, -10);
+  camera.Rotate(15, -10);
+  ExpectNear(turned, Offset(camera), 1e-5);
+}
+
+TEST(CameraTest, TurningDirectionsIsARotation) {
+  const CCamera camera = At(60, 30, 20);
+  const Vector3 a{1, 2, -3};
+  const Vector3 b{0.5, 0, 4};
+  const Vector3 c = camera.RotateDirection(a, 40, 90);
+  const Vector3 d = camera.RotateDirection(b, 40, 90);
+  EXPECT_NEAR(Length(c), Length(a), 1e-12);
+  EXPECT_NEAR(Dot(c, d), Dot(a, b), 1e-12);
+  ExpectNear(Cross(c, d), camera.RotateDirection(Cross(a, b), 40, 90), 1e-12);
+}
+
+TEST(CameraTest, TurningAlongTheAxisLeavesADirection) {
+  const CCamera camera = Camera();
+  ExpectNear(camera.RotateDirection({0, 5, 0}, 30, 0), {0, 5, 0});
+  ExpectNear(camera.RotateDirection({1, 2, 3}, 0, 0), {1, 2, 3});
+}
+
+TEST(CameraTest, HeightOfADragIsWhatItCoversOnAFlatSquareModel) {
+  CCamera camera;
+  camera.Reset({0, 0, 0}, {100, 100, 0});
+  EXPECT_NEAR(camera.HeightOfDrag(430, 430, 100), 2 * camera.m_fR, 1e-9);
+  EXPECT_NEAR(camera.HeightOfDrag(430, 430, 100), 100 * (100 * camera.m_fR / (camera.m_fR0 * camera.m_fR0)), 1e-9);
+  camera.Zoom(-500, 0);
+  EXPECT_NEAR(camera.HeightOfDrag(-43, 430, 100), -0.2 * camera.m_fR, 1e-9);
+}
+
+TEST(CameraTest, HeightOfADragInNoViewIsZero) {
+  EXPECT_EQ(Camera().HeightOfDrag(10, 0, 100), 0);
+  EXPECT_EQ(CCamera{}.HeightOfDrag(10, 430, 100), 0);
+}
