@@ -1,5 +1,6 @@
 // What the buttons and read-outs of the main window do.
 
+#include "support/ConstraintBuilders.h"
 #include "support/gui/WindowTest.h"
 
 namespace {
