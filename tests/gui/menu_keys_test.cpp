@@ -60,7 +60,7 @@ class MenuKeysTest : public ToolkitTest {
 
 std::vector<CKeyRow> MenuRows() {
   std::vector<CKeyRow> rows;
-  for (const CKeyRow& row : ReadmeKeyTable()) {
+  for (const CKeyRow& row : ListedKeyTable()) {
     if (row.m_Where == "menus") rows.push_back(row);
   }
   return rows;

@@ -164,13 +164,12 @@ std::vector<CKeyInput> CKeyRow::Inputs() const {
   return inputs;
 }
 
-std::vector<CKeyRow> ReadmeKeyTable() {
-  std::ifstream in = Opened(RELIEVO_README);
+std::vector<CKeyRow> ListedKeyTable() {
+  std::ifstream in = Opened(RELIEVO_KEYS);
   std::string line;
-  while (std::getline(in, line) && line != "## Mouse and keys") continue;
   std::vector<CKeyRow> rows;
   std::string where;
-  while (std::getline(in, line) && !line.starts_with("## ")) {
+  while (std::getline(in, line)) {
     const std::vector<std::string> cells = Split(line, "|");
     if (cells.size() != 5 || cells[1] == "---" || Trimmed(cells[1]) == "where") continue;
     if (!Trimmed(cells[1]).empty()) where = Trimmed(cells[1]);
@@ -201,7 +200,7 @@ std::vector<CKeyRow> ManPageKeyTable() {
 
 std::vector<CKeyInput> InputsAt(const std::vector<std::string>& places) {
   std::vector<CKeyInput> inputs;
-  for (const CKeyRow& row : ReadmeKeyTable()) {
+  for (const CKeyRow& row : ListedKeyTable()) {
     if (std::ranges::find(places, row.m_Where) == places.end()) continue;
     for (CKeyInput& input : row.Inputs()) inputs.push_back(std::move(input));
   }

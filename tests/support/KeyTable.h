@@ -35,11 +35,11 @@ struct CKeyRow {
   std::vector<CKeyInput> Inputs() const;
 };
 
-/// The table under "Mouse and keys" of the README, and what the man page says under the same heading.
-std::vector<CKeyRow> ReadmeKeyTable();
+/// The table of docs/keys.md, and what the man page says under "MOUSE AND KEYS".
+std::vector<CKeyRow> ListedKeyTable();
 std::vector<CKeyRow> ManPageKeyTable();
 
-/// The inputs that the README lists for these places.
+/// The inputs that docs/keys.md lists for these places.
 std::vector<CKeyInput> InputsAt(const std::vector<std::string>& places);
 bool IsCovered(const std::vector<CKeyInput>& listed, const CKeyInput& done);
 

@@ -6,16 +6,16 @@
 
 #include "support/KeyTable.h"
 
-TEST(KeyTable, ManPageSaysTheSameAsTheReadme) {
-  const std::vector<CKeyRow> readme = ReadmeKeyTable();
-  EXPECT_EQ(ManPageKeyTable().size(), readme.size());
-  EXPECT_TRUE(ManPageKeyTable() == readme);
+TEST(KeyTable, ManPageSaysTheSameAsTheList) {
+  const std::vector<CKeyRow> list = ListedKeyTable();
+  EXPECT_EQ(ManPageKeyTable().size(), list.size());
+  EXPECT_TRUE(ManPageKeyTable() == list);
 }
 
 // A place that no test knows would not be compared with the program.
 TEST(KeyTable, EveryPlaceIsCompared) {
   std::set<std::string> places;
-  for (const CKeyRow& row : ReadmeKeyTable()) places.insert(row.m_Where);
+  for (const CKeyRow& row : ListedKeyTable()) places.insert(row.m_Where);
   EXPECT_EQ(places, (std::set<std::string>{"left view", "positions and normals", "curves",
                                            "Select (resolution by hand)", "Freeze (debugging)", "right view",
                                            "scissors", "menus", "dialogs and tool windows", "dialogs"}));
@@ -23,7 +23,7 @@ TEST(KeyTable, EveryPlaceIsCompared) {
 
 TEST(KeyTable, EveryInputIsUnderstood) {
   const std::set<std::string> names{"Tab", "Enter", "Escape", "Delete", "BackSpace"};
-  for (const CKeyRow& row : ReadmeKeyTable()) {
+  for (const CKeyRow& row : ListedKeyTable()) {
     EXPECT_FALSE(row.m_Effect.empty()) << row.m_Inputs;
     for (const CKeyInput& input : row.Inputs()) {
       if (input.m_Kind != CKeyInput::Kind::Key) continue;
