@@ -82,7 +82,9 @@ TEST(PendingWorkTest, EachPairOfEditsMergesToTheMostThorough) {
 
 TEST(PendingWorkTest, CodePostedTwiceIsPerformedOnce) {
   for (const int code : kCodes) {
-    if (!Repeats(code)) EXPECT_EQ(Taken({code, code}), (std::vector{code}));
+    if (!Repeats(code)) {
+      EXPECT_EQ(Taken({code, code}), (std::vector{code}));
+    }
   }
 }
 
