@@ -1,13 +1,17 @@
 #include <cstdlib>
 #include <memory>
 
+#include <FL/Fl_Browser_.H>
 #include <FL/Fl_Counter.H>
+#include <FL/Fl_Input_.H>
+#include <FL/Fl_Menu_.H>
 #include <FL/Fl_Value_Input.H>
 #include <FL/Fl_Value_Slider.H>
 
 #include "support/gui/PanelTest.h"
 #include "ui/dialogs/CContourAttributesDialog.h"
 #include "ui/dialogs/CDrawingOptionsDialog.h"
+#include "ui/dialogs/CFileChooser.h"
 #include "ui/dialogs/CGridParametersDialog.h"
 #include "ui/lights/CLightUI.h"
 
@@ -24,10 +28,18 @@ class ScaleWidgetsTest : public PanelTest {
     setenv("RELIEVO_SCALE", "2", 1);
     const auto large = build();
     unsetenv("RELIEVO_SCALE");
-    EXPECT_EQ(large->w(), 2 * plain->w());
-    EXPECT_EQ(large->h(), 2 * plain->h());
-    const auto before = WidgetsIn(*plain);
-    const auto after = WidgetsIn(*large);
+    ExpectTwice(WindowOf(*plain), WindowOf(*large));
+  }
+
+ private:
+  static Fl_Window& WindowOf(Fl_Window& window) { return window; }
+  static Fl_Window& WindowOf(CFileChooser& chooser) { return chooser.Window(); }
+
+  static void ExpectTwice(Fl_Window& plain, Fl_Window& large) {
+    EXPECT_EQ(large.w(), 2 * plain.w());
+    EXPECT_EQ(large.h(), 2 * plain.h());
+    const auto before = WidgetsIn(plain);
+    const auto after = WidgetsIn(large);
     ASSERT_EQ(after.size(), before.size());
     ASSERT_FALSE(after.empty());
     for (std::size_t k = 0; k < after.size(); ++k) {
@@ -38,10 +50,12 @@ class ScaleWidgetsTest : public PanelTest {
       ExpectTextTwiceAsLarge<Fl_Value_Input>(*before[k], *after[k]);
       ExpectTextTwiceAsLarge<Fl_Value_Slider>(*before[k], *after[k]);
       ExpectTextTwiceAsLarge<Fl_Counter>(*before[k], *after[k]);
+      ExpectTextTwiceAsLarge<Fl_Input_>(*before[k], *after[k]);
+      ExpectTextTwiceAsLarge<Fl_Browser_>(*before[k], *after[k]);
+      ExpectTextTwiceAsLarge<Fl_Menu_>(*before[k], *after[k]);
     }
   }
 
- private:
   template <class Widget>
   static void ExpectTextTwiceAsLarge(Fl_Widget& before, Fl_Widget& after) {
     const auto* plain = dynamic_cast<Widget*>(&before);
@@ -63,4 +77,8 @@ TEST_F(ScaleWidgetsTest, PanelsWithSliders) {
   ExpectTwiceAsLarge([&] { return std::make_unique<CLightUI>(m_Views, m_MainWindow, [](bool) {}); });
   CDrawingSettings settings;
   ExpectTwiceAsLarge([&] { return std::make_unique<CDrawingOptionsDialog>(settings, m_Views, m_MainWindow); });
+}
+
+TEST_F(ScaleWidgetsTest, FileChooser) {
+  ExpectTwiceAsLarge([] { return std::make_unique<CFileChooser>(); });
 }

@@ -2,8 +2,10 @@
 
 #include <cmath>
 
+#include <FL/Fl_Browser_.H>
 #include <FL/Fl_Counter.H>
 #include <FL/Fl_Input_.H>
+#include <FL/Fl_Menu_.H>
 #include <FL/Fl_Value_Input.H>
 #include <FL/Fl_Value_Output.H>
 #include <FL/Fl_Value_Slider.H>
@@ -28,7 +30,9 @@ void ScaleWidget(Fl_Widget& widget, double scale) {
   const int h = Scaled(widget.y() + widget.h(), scale) - y;
   widget.labelsize(Scaled(widget.labelsize(), scale));
   ScaleText<Fl_Input_>(widget, scale);
+  ScaleText<Fl_Browser_>(widget, scale);
   ScaleText<Fl_Counter>(widget, scale);
+  ScaleText<Fl_Menu_>(widget, scale);
   ScaleText<Fl_Value_Input>(widget, scale);
   ScaleText<Fl_Value_Output>(widget, scale);
   ScaleText<Fl_Value_Slider>(widget, scale);

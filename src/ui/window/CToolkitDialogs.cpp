@@ -1,14 +1,16 @@
 #include "ui/window/CToolkitDialogs.h"
 
-#include <FL/Fl_File_Chooser.H>
 #include <FL/fl_ask.H>
 
+#include "ui/dialogs/CFileChooser.h"
 #include "ui/dialogs/Questions.h"
 
+CToolkitDialogs::CToolkitDialogs() = default;
+CToolkitDialogs::~CToolkitDialogs() = default;
+
 std::optional<std::string> CToolkitDialogs::ChooseFile(const char* title, const char* pattern) {
-  const char* file = fl_file_chooser(title, pattern, nullptr);
-  if (file == nullptr || *file == '\0') return std::nullopt;
-  return file;
+  if (m_pChooser == nullptr) m_pChooser = std::make_unique<CFileChooser>();
+  return m_pChooser->Choose(title, pattern);
 }
 
 bool CToolkitDialogs::Ask(const char* question) { return AskYesNo(question); }

@@ -80,22 +80,31 @@ bool CUser::IsGone(WindowId window) const {
   });
 }
 
-// Keys typed one by one would be completed by the chooser.
-bool CUser::ChooseFile(const std::string& title, const std::filesystem::path& file) const {
+CScreenshot CUser::SeeName(WindowId chooser) const {
   constexpr int kNameFromLeft = 120;
   constexpr int kNameFromBottom = 70;
   constexpr int kNameWidth = 350;
   constexpr int kNameHeight = 20;
-  CScreen& screen = m_Program.Screen();
-  const std::optional<WindowId> chooser = m_Program.WaitForWindow(title);
-  if (!chooser.has_value() || !WaitUntil([&] { return screen.HasFocus(*chooser); })) return false;
-  const CArea area = screen.AreaOf(*chooser);
+  const CArea area = m_Program.Screen().AreaOf(chooser);
   const CPixel name = area.At({kNameFromLeft, area.m_iHeight - kNameFromBottom});
-  const auto isMarked = [&] { return See({name.m_iX, name.m_iY, kNameWidth, kNameHeight}).Count(kMarkedText) > 0; };
-  if (!WaitUntil(isMarked)) return false;
-  const CClipboard clipboard(screen, file.string());
+  return See({name.m_iX, name.m_iY, kNameWidth, kNameHeight});
+}
+
+std::optional<WindowId> CUser::OpenedChooser(const std::string& title) const {
+  const std::optional<WindowId> chooser = m_Program.WaitForWindow(title);
+  if (!chooser.has_value()) return std::nullopt;
+  const bool focused = WaitUntil([&] { return m_Program.Screen().HasFocus(*chooser); });
+  if (!focused || !WaitUntil([&] { return SeeName(*chooser).Count(kMarkedText) > 0; })) return std::nullopt;
+  return chooser;
+}
+
+// Pasted, which takes the same time for every name.
+bool CUser::ChooseFile(const std::string& title, const std::filesystem::path& file) const {
+  const std::optional<WindowId> chooser = OpenedChooser(title);
+  if (!chooser.has_value()) return false;
+  const CClipboard clipboard(m_Program.Screen(), file.string());
   PressKey("ctrl+v");
-  if (!WaitUntil([&] { return !isMarked(); })) return false;
+  if (!WaitUntil([&] { return SeeName(*chooser).Count(kMarkedText) == 0; })) return false;
   PressKey("Return");
   return IsGone(*chooser);
 }

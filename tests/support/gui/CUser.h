@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,8 @@ class CUser {
 
   /// Chooses an entry of a menu, counted from 0 among the active ones.
   void ChooseEntry(MenuTitle title, int entry) const;
+  /// The file chooser of this title once it has the keyboard and its name is selected; nothing if it never is.
+  std::optional<WindowId> OpenedChooser(const std::string& title) const;
   /// Answers the file chooser of this title.
   bool ChooseFile(const std::string& title, const std::filesystem::path& file) const;
   /// Answers the message or question that is open with Return for yes or Escape for no.
@@ -45,11 +48,14 @@ class CUser {
   /// Waits until the program has written the line once more than it had `before` times.
   bool Reads(std::string_view line, std::size_t before = 0) const;
   std::size_t Times(std::string_view line) const;
+  /// Waits until the window has closed.
+  bool IsGone(WindowId window) const;
 
  private:
   /// The open message or question; nothing if none comes.
   std::optional<WindowId> FocusedQuestion() const;
-  bool IsGone(WindowId window) const;
+  /// What the file chooser has in its field for the name.
+  CScreenshot SeeName(WindowId chooser) const;
 
   CRelievo& m_Program;
   bool m_bPicture = false;

@@ -24,7 +24,7 @@ Words Move(CPixel place) { return {"mousemove", std::to_string(place.m_iX), std:
 
 void PressKey(const std::string& keys) { Send({"key", keys}); }
 
-void TypeText(const std::string& text) { Send({"type", text}); }
+void TypeText(const std::string& text, int delay) { Send({"type", "--delay", std::to_string(delay), text}); }
 
 void MovePointer(CPixel place) { Send(Move(place)); }
 

@@ -10,7 +10,8 @@
 // Everything throws std::runtime_error where the event cannot be sent.
 
 void PressKey(const std::string& keys);
-void TypeText(const std::string& text);
+/// Milliseconds pass between one key and the next.
+void TypeText(const std::string& text, int delay = 12);
 void MovePointer(CPixel place);
 void Click(CPixel place, int button = 1);
 void PressButton(int button);
