@@ -13,6 +13,7 @@
 #include "formats/JpegFile.h"
 #include "io/Bmp.h"
 #include "io/CFileReplacement.h"
+#include "io/FileKind.h"
 
 namespace {
 
@@ -75,7 +76,8 @@ bool CBatchRun::ReadInputs() {
   if (m_Options.m_Image.empty()) return true;
   std::optional<Global::CLoadedPicture> loaded = Global::LoadBMP(m_Options.m_Image, 1);
   if (!loaded.has_value() || loaded->m_Picture.m_aPixels.empty()) {
-    Complain("The file " + m_Options.m_Image + " is not a picture that can be read.");
+    Complain("The file " + m_Options.m_Image +
+             " is not a picture that can be read: " + WhyNoPicture(m_Options.m_Image) + ".");
     return false;
   }
   if (loaded->m_bEndsEarly) Complain("The file " + m_Options.m_Image + " is shorter than its header says.");

@@ -305,6 +305,9 @@ TEST_F(LoadImageTest, RefusedFileLeavesThePictureAndIsNamed) {
   }
   EXPECT_FALSE(View().LoadImage(m_Scratch.File("missing.bmp")));
   EXPECT_EQ(m_Host.m_aNotices.size(), 2U);
+  EXPECT_FALSE(Load({0xFF, 0xD8, 0xFF, 0xE0}, "photo.jpg"));
+  EXPECT_EQ(m_Host.m_aNotices.back(), "The picture " + m_Scratch.File("photo.jpg") +
+                                          " cannot be read: this is a JPEG; uncompressed 24-bit BMP is needed.");
   EXPECT_EQ(View().TextureFileName(), name);
   EXPECT_EQ(Grid().Textures().PictureWidth(), 3);
 }

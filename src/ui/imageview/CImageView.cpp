@@ -13,6 +13,7 @@
 #include "drawing/FrameBuffer.h"
 #include "drawing/Quadrics.h"
 #include "io/Bmp.h"
+#include "io/FileKind.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
 #include "ui/drawing/PrepareContext.h"
@@ -107,7 +108,7 @@ void CImageView::Unselect() {
 bool CImageView::LoadImage(const std::string& filename) {
   const std::optional<Global::CLoadedPicture> loaded = Global::LoadBMP(filename, 1);
   if (!loaded.has_value()) {
-    m_pHost->Notice(("The picture " + filename + " cannot be read.").c_str());
+    m_pHost->Notice(("The picture " + filename + " cannot be read: " + WhyNoPicture(filename) + ".").c_str());
     return false;
   }
   const int width = CTextureImages::PaddedSide(loaded->m_Picture.m_iWidth);
