@@ -1,30 +1,22 @@
 #include "app/CToolSet.h"
 
 #include <memory>
-#include <string>
 #include <utility>
 
 #include "app/CLightTool.h"
 #include "app/RecorderTool.h"
 #include "app/ScissorsTool.h"
 #include "drawing/DrawingSettings.h"
+#include "editing/GridCommands.h"
 #include "model/CGrid.h"
 #include "ui/window/CImageViewUI.h"
-
-namespace {
-
-void ExportHeightField(CImageViewUI& window, const CGrid& grid, int width, int height) {
-  const auto file = window.ChooseFile("please input Height-Field file name", nullptr);
-  if (file.has_value()) grid.SaveHeightField(*file, width, height);
-}
-
-}  // namespace
 
 CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
     : m_DrawingOptions(g_DrawingSettings, window, window),
       m_GridParameters(window, window),
       m_ContourAttributes(window, window),
-      m_HeightField(window, window, [&](int width, int height) { ExportHeightField(window, grid, width, height); }) {
+      m_HeightField(window, window,
+                    [&](int width, int height) { CGridCommands::WriteHeightField(window, grid, width, height); }) {
   auto lights = std::make_unique<CLightTool>(window, grid);
   CWindowServices services;
   services.m_ShowDrawingOptions = [this] { m_DrawingOptions.Open(); };
@@ -33,9 +25,9 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
   services.m_Model.m_AskNewGrid = [this](const CGrid& present) {
     return m_GridParameters.Ask(present.Lattice().Extent(), present.MaxLevel());
   };
-  services.m_Model.m_LoadGrid = [](CGrid& target, const std::string& file) { return IsReplaced(target.Load(file)); };
-  services.m_Model.m_SaveGrid = [](CGrid& source, const std::string& file) { source.Save(file); };
-  services.m_Model.m_SaveVrml = [](CGrid& source, const std::string& file) { return source.SaveVrml(file); };
+  services.m_Model.m_LoadGrid = &CGrid::Load;
+  services.m_Model.m_SaveGrid = &CGrid::Save;
+  services.m_Model.m_SaveVrml = &CGrid::SaveVrml;
   services.m_Model.m_ExportHeightField = [this](CGrid&) { m_HeightField.Open(); };
   services.m_Model.m_AskContourAttributes = [this](const CContourAttributes& present, bool fairness) {
     return m_ContourAttributes.Ask(present, fairness);

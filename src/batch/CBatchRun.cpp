@@ -14,6 +14,8 @@
 #include "io/Bmp.h"
 #include "io/CFileReplacement.h"
 #include "io/FileKind.h"
+#include "io/GridFile.h"
+#include "model/RefusedCurves.h"
 
 namespace {
 
@@ -34,6 +36,12 @@ class CStopwatch {
 
 void Complain(const std::string& text) { std::cerr << "relievo-batch: " << text << '\n'; }
 
+// Whether the file was written; if not, the user is told.
+bool IsSaved(const CSaveOutcome& outcome) {
+  if (!outcome) Complain(outcome.m_Trouble);
+  return static_cast<bool>(outcome);
+}
+
 }  // namespace
 
 CBatchRun::CBatchRun(const CBatchOptions& options, CTerminationSignals& signals)
@@ -41,10 +49,7 @@ CBatchRun::CBatchRun(const CBatchOptions& options, CTerminationSignals& signals)
   m_Grid.AttachHost(this);
 }
 
-// The one question of the model is whether a grid file shall hold the lights.
-bool CBatchRun::Ask(const char* /*question*/) { return m_Options.m_bWithLights; }
-
-void CBatchRun::Notice(const char* text) { Complain(text); }
+void CBatchRun::CurvesRefused(int count) { Complain(RefusedCurvesText(count)); }
 
 int CBatchRun::Run() {
   if (!ReadInputs()) return ExitStatus::kInput;
@@ -67,6 +72,8 @@ int CBatchRun::StatusOfStop() const {
 bool CBatchRun::ReadInputs() {
   const CStopwatch watch(m_Result.m_Seconds.m_fLoad);
   const GridFileState state = m_Grid.Load(m_Options.m_Model);
+  if (const std::string trouble = TroubleWith(state, m_Options.m_Model); !trouble.empty()) Complain(trouble);
+  if (const int refused = m_Grid.TakeRefusedCurves(); refused != 0) CurvesRefused(refused);
   if (!IsRead(state)) return false;
   m_Result.m_bDamaged = state == GridFileState::Damaged;
   if (m_Result.m_bDamaged && m_Options.m_bStrict) {
@@ -131,16 +138,18 @@ bool CBatchRun::WriteOutputs() {
   const CStopwatch watch(m_Result.m_Seconds.m_fWrite);
   m_Grid.PerformPendingWork();
   bool written = true;
-  if (!m_Options.m_GridOut.empty()) written = m_Grid.Save(m_Options.m_GridOut) && written;
+  if (!m_Options.m_GridOut.empty())
+    written = IsSaved(m_Grid.Save(m_Options.m_GridOut, [this] { return m_Options.m_bWithLights; }));
   EndIfAsked();
-  if (!m_Options.m_VrmlOut.empty()) written = m_Grid.SaveVrml(m_Options.m_VrmlOut) && written;
+  if (!m_Options.m_VrmlOut.empty()) written = IsSaved(m_Grid.SaveVrml(m_Options.m_VrmlOut)) && written;
   if (const std::string jpeg = m_Options.PictureOut(); !jpeg.empty() && !SaveJpeg(jpeg, m_Picture)) {
     Complain("The file " + jpeg + " could not be written.");
     written = false;
   }
   EndIfAsked();
   if (!m_Options.m_HeightFieldOut.empty())
-    written = m_Grid.SaveHeightField(m_Options.m_HeightFieldOut, m_Options.m_iWidth, m_Options.m_iHeight) && written;
+    written =
+        IsSaved(m_Grid.SaveHeightField(m_Options.m_HeightFieldOut, m_Options.m_iWidth, m_Options.m_iHeight)) && written;
   EndIfAsked();
   return written;
 }

@@ -21,8 +21,7 @@ class CBatchRun : private GridHost {
   int Run();
 
  private:
-  bool Ask(const char* question) override;
-  void Notice(const char* text) override;
+  void CurvesRefused(int count) override;
   void PauseSolverConverged() override { m_Result.m_Stopped = StopReason::Converged; }
   void PauseSolverGaveUp() override { m_Result.m_Stopped = StopReason::GaveUp; }
   void ResumeAfterChange() override { m_Grid.SetRunning(true); }

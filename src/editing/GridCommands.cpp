@@ -4,8 +4,10 @@
 
 #include "base/Console.h"
 #include "editing/CSolverControl.h"
+#include "io/GridFile.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
+#include "model/RefusedCurves.h"
 
 namespace {
 
@@ -62,9 +64,14 @@ void CGridCommands::LoadGrid() {
   const std::optional<std::string> file = m_Host.ChooseFile(kGridFileTitle, "*.grid");
   if (!file.has_value()) {
     Console() << "CImageView::LoadGrid() : filename == NULL\n";
-  } else if (m_Services.m_LoadGrid(*m_pGrid, *file)) {
-    SetPickTolerance();
-    m_Host.GridReplaced();
+  } else {
+    const GridFileState state = m_Services.m_LoadGrid(*m_pGrid, *file);
+    Tell(TroubleWith(state, *file));
+    if (state != GridFileState::NotOpened) TellRefusedCurves(m_pGrid->TakeRefusedCurves());
+    if (IsReplaced(state)) {
+      SetPickTolerance();
+      m_Host.GridReplaced();
+    }
   }
   m_Solver.ResumeSolver();
 }
@@ -82,7 +89,8 @@ void CGridCommands::SaveGrid() {
   if (!file.has_value()) return;
   // A file must not hold heights of another numbering than its constraints.
   m_pGrid->PerformPendingWork();
-  m_Services.m_SaveGrid(*m_pGrid, *file);
+  const auto withLights = [this] { return m_Host.Ask("Do you want to save lighting information ?"); };
+  Tell(m_Services.m_SaveGrid(*m_pGrid, *file, withLights).m_Trouble);
 }
 
 void CGridCommands::SaveVrml() {
@@ -92,7 +100,8 @@ void CGridCommands::SaveVrml() {
   const std::optional<std::string> file = m_Host.ChooseFile("please input VRML file name", "*.wrl");
   if (!file.has_value()) return;
   m_pGrid->PerformPendingWork();
-  if (!m_Services.m_SaveVrml(*m_pGrid, *file)) return;
+  const CSaveOutcome outcome = m_Services.m_SaveVrml(*m_pGrid, *file);
+  if (!outcome) return Tell(outcome.m_Trouble);
   m_Host.Notice(
       "VRML complete. You need to get a jpeg version of the texture file, named picture.jpg, and put it in the same "
       "directory as the wrl file.");
@@ -104,6 +113,13 @@ void CGridCommands::ExportHeightField() {
   m_pGrid->PerformPendingWork();
   m_Host.EndDrags();
   m_Services.m_ExportHeightField(*m_pGrid);
+}
+
+void CGridCommands::WriteHeightField(UserDialogs& dialogs, const CGrid& grid, int width, int height) {
+  const std::optional<std::string> file = dialogs.ChooseFile("please input Height-Field file name", nullptr);
+  if (!file.has_value()) return;
+  const CSaveOutcome outcome = grid.SaveHeightField(*file, width, height);
+  if (!outcome) dialogs.Notice(outcome.m_Trouble.c_str());
 }
 
 void CGridCommands::EditCurveAttributes(double x, double y, std::uint32_t type) {
@@ -123,7 +139,16 @@ void CGridCommands::EditCurveAttributes() {
       m_Services.m_AskContourAttributes(CContourAttributes::Of(*curve, *node), curve->HasType(CurveType::kFairness));
   if (!answer.has_value()) return;
   m_pGrid->SetCurveAttributes(m_fCurveX, m_fCurveY, answer->m_Attributes, m_uCurveType, answer->m_bAllNodes);
-  if (answer->m_bExport) m_pGrid->ExportCurveConstraints(m_fCurveX, m_fCurveY);
+  if (answer->m_bExport && !m_pGrid->ExportCurveConstraints(m_fCurveX, m_fCurveY))
+    m_Host.Notice("The curve would generate more than 200000 constraints: make its distances larger.");
+}
+
+void CGridCommands::TellRefusedCurves(int count) {
+  if (count != 0) Tell(RefusedCurvesText(count));
+}
+
+void CGridCommands::Tell(const std::string& trouble) {
+  if (!trouble.empty()) m_Host.Notice(trouble.c_str());
 }
 
 void CGridCommands::SwitchResolution() {

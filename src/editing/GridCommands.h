@@ -9,6 +9,8 @@
 #include "editing/CContourAnswer.h"
 #include "editing/CGridParameters.h"
 #include "editing/UserDialogs.h"
+#include "model/CSaveOutcome.h"
+#include "model/GridFileState.h"
 
 class CGrid;
 class CSolverControl;
@@ -31,9 +33,10 @@ class CommandHost : public UserDialogs {
 /// unavailable.
 struct CModelServices {
   std::function<std::optional<CGridParameters>(const CGrid& grid)> m_AskNewGrid;
-  std::function<bool(CGrid& grid, const std::string& file)> m_LoadGrid;  ///< whether the grid is another one now
-  std::function<void(CGrid& grid, const std::string& file)> m_SaveGrid;
-  std::function<bool(CGrid& grid, const std::string& file)> m_SaveVrml;  ///< whether the file was written
+  std::function<GridFileState(CGrid& grid, const std::string& file)> m_LoadGrid;
+  std::function<CSaveOutcome(const CGrid& grid, const std::string& file, const std::function<bool()>& withLights)>
+      m_SaveGrid;
+  std::function<CSaveOutcome(const CGrid& grid, const std::string& file)> m_SaveVrml;
   std::function<void(CGrid& grid)> m_ExportHeightField;
   std::function<std::optional<CContourAnswer>(const CContourAttributes& present, bool fairness)> m_AskContourAttributes;
 };
@@ -57,7 +60,12 @@ class CGridCommands {
   void Perform(int operation);
 
   void SaveVrml();
+  /// Asks for the size first; the answer comes back to `WriteHeightField`.
   void ExportHeightField();
+  /// Asks for a file and writes the surface sampled at so many places into it.
+  static void WriteHeightField(UserDialogs& dialogs, const CGrid& grid, int width, int height);
+  /// Tells the user of curves that generate no constraints any more.
+  void TellRefusedCurves(int count);
   /// Lets the user edit the attributes of the curve at (x, y), model units, as soon as no step of the solver is under
   /// way. A `type` that is not 0 becomes the curve's.
   void EditCurveAttributes(double x, double y, std::uint32_t type);
@@ -71,6 +79,7 @@ class CGridCommands {
   void SaveGrid();
   void EditCurveAttributes();
   void SetPickTolerance();
+  void Tell(const std::string& trouble);
 
   CommandHost& m_Host;
   CSolverControl& m_Solver;

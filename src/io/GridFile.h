@@ -24,3 +24,6 @@ void WriteNoLights(std::ostream& out);
 /// text names beside them; where it names none, or not one for each, to the unknowns in their order. Missing heights
 /// are 0. Old files without levels and heights are whole. Never answers NotOpened.
 GridFileState ReadGrid(std::istream& in, CGrid& grid);
+
+/// What the user is to be told of a grid file that has been read; empty where all is well.
+std::string TroubleWith(GridFileState state, const std::string& filename);

@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <functional>
+#include <string>
 
 #include "base/Console.h"
 #include "io/CSafeFile.h"
@@ -13,31 +14,39 @@
 
 namespace {
 
-// What the user is told behind the name of the file; null where all is well.
-const char* TroubleWith(GridFileState state) {
-  switch (state) {
-    case GridFileState::Damaged:
-      return " is damaged. What could not be read is missing or zero.";
-    case GridFileState::Invalid:
-      return " is not a valid grid file. A new grid holds the constraints read from it.";
-    case GridFileState::OutOfMemory:
-      return " needs more memory than there is. A new grid holds the constraints read from it.";
-    case GridFileState::NoGridFile:
-      return " is not a grid file. The model stays as it was.";
-    case GridFileState::TooLarge:
-      return " needs more memory than there is, or than its size explains. The model stays as it was.";
-    case GridFileState::NotOpened:
-      return " cannot be opened.";
-    case GridFileState::Whole:
-      break;
+// Has the file written by `write`; `method` is that of CGrid which the console names.
+CSaveOutcome WriteFile(const std::string& filename, const char* method,
+                       const std::function<void(std::ostream&)>& write) {
+  CSafeFile file(filename);
+  if (file.IsOpen()) {
+    write(file.Text());
+    if (file.Commit()) return {};
   }
-  return nullptr;
+  Console() << "Error CGrid::" << method << "()\t\tfail to write file " << filename << '\n';
+  return {"The file " + filename + " could not be written. If it existed before, it is unchanged."};
 }
 
 }  // namespace
 
-void CGrid::Notify(const std::string& text) const {
-  if (m_pHost != nullptr) m_pHost->Notice(text.c_str());
+std::string TroubleWith(GridFileState state, const std::string& filename) {
+  const std::string file = "The file " + filename;
+  switch (state) {
+    case GridFileState::Damaged:
+      return file + " is damaged. What could not be read is missing or zero.";
+    case GridFileState::Invalid:
+      return file + " is not a valid grid file. A new grid holds the constraints read from it.";
+    case GridFileState::OutOfMemory:
+      return file + " needs more memory than there is. A new grid holds the constraints read from it.";
+    case GridFileState::NoGridFile:
+      return file + " is not a grid file. The model stays as it was.";
+    case GridFileState::TooLarge:
+      return file + " needs more memory than there is, or than its size explains. The model stays as it was.";
+    case GridFileState::NotOpened:
+      return file + " cannot be opened.";
+    case GridFileState::Whole:
+      break;
+  }
+  return {};
 }
 
 GridFileState CGrid::Load(const std::string& filename) {
@@ -46,40 +55,24 @@ GridFileState CGrid::Load(const std::string& filename) {
   Console() << "toto1\n";
   if (!in.is_open()) {
     Console() << "Error opening the file " << filename << '\n';
-    Notify("The file " + filename + TroubleWith(GridFileState::NotOpened));
     return GridFileState::NotOpened;
   }
   const GridFileState state = ReadGrid(in, *this);
-  if (IsReplaced(state)) {
-    // Whatever had converged was another model.
-    m_Solver.ModelChanged();
-    if (m_pHost != nullptr) {
-      ShowConstraintCount();
-      m_pHost->ShowIterations(IterationCounter());
-      m_pHost->RequestRedraw();
-    }
+  if (!IsReplaced(state)) return state;
+  // Whatever had converged was another model.
+  m_Solver.ModelChanged();
+  if (m_pHost != nullptr) {
+    ShowConstraintCount();
+    m_pHost->ShowIterations(IterationCounter());
+    m_pHost->RequestRedraw();
   }
-  if (const char* trouble = TroubleWith(state); trouble != nullptr) Notify("The file " + filename + trouble);
-  TellRefusedCurves();
   return state;
 }
 
-bool CGrid::WriteFile(const std::string& filename, const char* method,
-                      const std::function<void(std::ostream&)>& write) const {
-  CSafeFile file(filename);
-  if (file.IsOpen()) {
-    write(file.Text());
-    if (file.Commit()) return true;
-  }
-  Console() << "Error CGrid::" << method << "()\t\tfail to write file " << filename << '\n';
-  Notify("The file " + filename + " could not be written. If it existed before, it is unchanged.");
-  return false;
-}
-
-bool CGrid::Save(const std::string& filename) const {
-  return WriteFile(filename, "Save", [this](std::ostream& out) {
+CSaveOutcome CGrid::Save(const std::string& filename, const std::function<bool()>& withLights) const {
+  return WriteFile(filename, "Save", [&](std::ostream& out) {
     WriteGrid(out, *this);
-    if (m_pHost != nullptr && m_pHost->Ask("Do you want to save lighting information ?")) {
+    if (withLights && withLights()) {
       WriteLights(out, *this);
     } else {
       WriteNoLights(out);
@@ -87,14 +80,15 @@ bool CGrid::Save(const std::string& filename) const {
   });
 }
 
-bool CGrid::SaveVrml(const std::string& filename) const {
-  if (!WriteFile(filename, "SaveVrml", [this](std::ostream& out) { WriteVrml(out, *this); })) return false;
+CSaveOutcome CGrid::SaveVrml(const std::string& filename) const {
+  CSaveOutcome outcome = WriteFile(filename, "SaveVrml", [this](std::ostream& out) { WriteVrml(out, *this); });
+  if (!outcome) return outcome;
   Console() << "Saved succesfully\n";
   if (m_pHost != nullptr) m_pHost->RequestRedraw();
-  return true;
+  return outcome;
 }
 
-bool CGrid::SaveHeightField(const std::string& filename, int width, int height) const {
+CSaveOutcome CGrid::SaveHeightField(const std::string& filename, int width, int height) const {
   return WriteFile(filename, "SaveHeightField",
                    [&](std::ostream& out) { WriteHeightField(out, *this, width, height); });
 }

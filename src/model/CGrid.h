@@ -24,6 +24,7 @@
 #include "lighting/CTexelMap.h"
 #include "lighting/CTextureImages.h"
 #include "model/CPendingWork.h"
+#include "model/CSaveOutcome.h"
 #include "model/GridFileState.h"
 #include "model/GridHost.h"
 #include "quadtree/CPointOrder.h"
@@ -211,8 +212,12 @@ class CGrid {
   void SetCurveAttributes(double x, double y, const CContourAttributes& attributes, std::uint32_t type,
                           bool weightsToAllNodes);
   /// Makes the generated constraints of the curve at (x, y) the user's own, wants full resolution at each of them, and
-  /// turns the curve's generation off. Posts kRebuildMaps.
-  void ExportCurveConstraints(double x, double y);
+  /// turns the curve's generation off. Posts kRebuildMaps. False, with nothing changed, if they would be more than
+  /// CCntrCtrl::kMostGenerated.
+  bool ExportCurveConstraints(double x, double y);
+  /// Number of curves that were refused their generated constraints at the last rebuild, because all together would be
+  /// too many; logged. 0 where none was or the number has been taken before.
+  int TakeRefusedCurves();
 
   // The picture and its light (GridLighting.cpp). Without a picture the passes log a line and do nothing. All are
   // linear in the number of texels and allocate nothing but `SetPicture`.
@@ -237,17 +242,18 @@ class CGrid {
   /// Albedo, Kd image and new illumination (see CAlbedoMap), from normals of the present subdivision.
   void GetKd();
 
-  // Files (GridFiles.cpp). What has failed is told on the console and, as a notice, through the host. A file that is
-  // written keeps its old contents until the new ones are complete. Pending work must have been performed.
+  // Files (GridFiles.cpp). What has failed is logged and told to the caller, who tells the user. A file that is written
+  // keeps its old contents until the new ones are complete. Pending work must have been performed.
 
-  /// Reads a grid file (see ReadGrid) in place of the model. A file that cannot be opened leaves the grid as it is.
+  /// Reads a grid file (see ReadGrid, and TroubleWith for what the user is to be told) in place of the model. A file
+  /// that cannot be opened leaves the grid as it is.
   GridFileState Load(const std::string& filename);
-  /// Writes a grid file; the host is asked whether it shall hold the lights. Without a host it holds none.
-  bool Save(const std::string& filename) const;
+  /// Writes a grid file. `withLights` is called when everything else is written; without it the file holds no lights.
+  CSaveOutcome Save(const std::string& filename, const std::function<bool()>& withLights = nullptr) const;
   /// Writes the surface as a VRML scene (see WriteVrml).
-  bool SaveVrml(const std::string& filename) const;
+  CSaveOutcome SaveVrml(const std::string& filename) const;
   /// Writes the surface as a height field (see WriteHeightField).
-  bool SaveHeightField(const std::string& filename, int width, int height) const;
+  CSaveOutcome SaveHeightField(const std::string& filename, int width, int height) const;
   CListHeaders& ListHeaders() { return m_ListHeaders; }
   const CListHeaders& ListHeaders() const { return m_ListHeaders; }
 
@@ -326,12 +332,7 @@ class CGrid {
   void RasteriseCurves();
   void RefreshCurve(CCntrCtrl& curve) const;
   void UpdateConstraintsFormCurves();
-  /// Tells the user once that curves were refused their generated constraints. Not within a rebuild: a notice waits.
-  void TellRefusedCurves();
   double CurveOffset() const;
-  bool WriteFile(const std::string& filename, const char* method,
-                 const std::function<void(std::ostream&)>& write) const;
-  void Notify(const std::string& text) const;
   void CurvesChanged(int operation);
 
   bool m_bRunning = true;

@@ -92,15 +92,15 @@ void CGrid::SetCurveAttributes(double x, double y, const CContourAttributes& att
   CurvesChanged(Operation::kRebuildMaps);
 }
 
-void CGrid::ExportCurveConstraints(double x, double y) {
+bool CGrid::ExportCurveConstraints(double x, double y) {
   CCntrCtrl* curve = FindCurve(x, y).m_pCurve;
-  if (curve == nullptr) return;
+  if (curve == nullptr) return true;
   RefreshCurve(*curve);
-  if (curve->GeneratedCount() > CCntrCtrl::kMostGenerated)
-    return Notify("The curve would generate more than 200000 constraints: make its distances larger.");
+  if (curve->GeneratedCount() > CCntrCtrl::kMostGenerated) return false;
   curve->AddAutoBumpConstraints(m_PointConstraints, [this](double px, double py) {
     m_Subdivision->RefineAt(*m_pTree, m_Lattice.ColumnOf(px), m_Lattice.RowOf(py));
   });
   curve->SetOption(CurveOption::kLeftAutoBump | CurveOption::kRightAutoBump, false);
   ConstraintsChanged(Operation::kRebuildMaps);
+  return true;
 }

@@ -22,10 +22,8 @@ class GridHost {
 
   /// Let the toolkit process the events that wait; they may post work to the grid.
   virtual void ProcessEvents() {}
-  /// The user's answer to a yes/no question.
-  virtual bool Ask(const char* /*question*/) { return false; }
-  /// Show the user a message, and go on when it has been read.
-  virtual void Notice(const char* /*text*/) {}
+  /// Curves generate no constraints any more, because all together would be too many: tell the user.
+  virtual void CurvesRefused(int /*count*/) {}
   /// Perform a command that is the program's and not the model's (Operation::kLoadGrid and the like).
   virtual void PerformCommand(int /*operation*/) {}
   /// The solver has converged and cleared the grid's running flag.

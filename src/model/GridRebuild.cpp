@@ -63,12 +63,11 @@ void CGrid::UpdateConstraintsFormCurves() {
   m_iToldCurves = std::min(m_iToldCurves, m_iRefusedCurves);
 }
 
-void CGrid::TellRefusedCurves() {
-  if (m_iToldCurves == m_iRefusedCurves) return;
+int CGrid::TakeRefusedCurves() {
+  if (m_iToldCurves == m_iRefusedCurves) return 0;
   m_iToldCurves = m_iRefusedCurves;
   Console() << "CGrid::UpdateConstraintsFormCurves\t\ttoo many constraints : " << m_iRefusedCurves << " curves\n";
-  Notify("The curves would generate more than 200000 constraints. " + std::to_string(m_iRefusedCurves) +
-         " of them generate none: make their distances larger.");
+  return m_iRefusedCurves;
 }
 
 void CGrid::SetSparseH() {

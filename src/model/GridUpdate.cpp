@@ -116,7 +116,8 @@ void CGrid::UpdateGrid() {
   if (polling) m_pHost->ProcessEvents();
   m_pHost->RequestRedraw();
   m_pHost->ShowIterations(IterationCounter());
-  TellRefusedCurves();
+  // Not within the rebuild: the host may have the user read a notice.
+  if (const int refused = TakeRefusedCurves(); refused != 0) m_pHost->CurvesRefused(refused);
 }
 
 void CGrid::Reset() {

@@ -33,12 +33,16 @@ class GridCommandsTest : public ::testing::Test {
     return {[this](const CGrid&) { return Note("ask"), m_NewGrid; },
             [this](CGrid&, const std::string& file) {
               Note("load " + file);
-              return m_bLoads;
+              return m_Loaded;
             },
-            [this](CGrid&, const std::string& file) { Note("save " + file); },
-            [this](CGrid&, const std::string& file) {
+            [this](const CGrid&, const std::string& file, const std::function<bool()>& withLights) {
+              Note("save " + file);
+              if (m_bAsksForLights) Note(withLights() ? "with lights" : "without lights");
+              return m_Saved;
+            },
+            [this](const CGrid&, const std::string& file) {
               Note("vrml " + file);
-              return true;
+              return m_Saved;
             },
             [this](CGrid&) { Note("height field"); },
             [this](const CContourAttributes& present, bool fairness) {
@@ -55,7 +59,9 @@ class GridCommandsTest : public ::testing::Test {
   CTestSolver m_Test;
   ScriptedHost m_Host;
   CGridCommands m_Commands{m_Host, m_Test.m_Solver};
-  bool m_bLoads = true;
+  GridFileState m_Loaded = GridFileState::Whole;
+  CSaveOutcome m_Saved;
+  bool m_bAsksForLights = false;
   std::optional<CGridParameters> m_NewGrid;
   std::optional<CContourAnswer> m_CurveAnswer;
   CContourAttributes m_Attributes;  // that were shown last
@@ -64,6 +70,15 @@ class GridCommandsTest : public ::testing::Test {
 };
 
 using Done = std::vector<std::string>;
+
+// Each segment of a line generates about 8,000 constraints at this distance.
+constexpr double kSmallDistance = 0.25 / 8000;
+
+std::vector<CPtCstr> LineOf(int segments) {
+  std::vector<CPtCstr> places;
+  for (int k = 0; k <= segments; ++k) places.push_back({-3 + 0.25 * k, 22.2});
+  return places;
+}
 
 }  // namespace
 
@@ -118,7 +133,7 @@ TEST_F(GridCommandsTest, CancelledLoadIsLogged) {
 
 TEST_F(GridCommandsTest, FileThatCannotBeOpenedLeavesTheViewsAsTheyAre) {
   m_Host.m_File = "name";
-  m_bLoads = false;
+  m_Loaded = GridFileState::NotOpened;
   g_fPickTolerance = 7.0;
   m_Commands.Perform(Operation::kLoadGrid);
   EXPECT_EQ(m_Host.m_iReplaced, 0);
@@ -217,6 +232,70 @@ TEST_F(GridCommandsTest, VrmlWithAPictureNamesItAndSaysWhatIsLeftToDo) {
   EXPECT_EQ(m_asDone, Done{"vrml scene.wrl"});
   EXPECT_EQ(m_Host.m_asNotices, Done{"VRML complete. You need to get a jpeg version of the texture file, named "
                                      "picture.jpg, and put it in the same directory as the wrl file."});
+}
+
+TEST_F(GridCommandsTest, SavingAsksForTheLightsWhenTheFileComesToThem) {
+  m_Host.m_File = "name";
+  m_Commands.Perform(Operation::kSaveGrid);
+  EXPECT_TRUE(m_Host.m_asQuestions.empty()) << "the file never came to them";
+  m_bAsksForLights = true;
+  for (const bool yes : {true, false}) {
+    m_asDone.clear();
+    m_Host.m_asQuestions.clear();
+    m_Host.m_bYes = yes;
+    m_Commands.Perform(Operation::kSaveGrid);
+    EXPECT_EQ(m_asDone, (Done{"save name", yes ? "with lights" : "without lights"}));
+    EXPECT_EQ(m_Host.m_asQuestions, Done{"Do you want to save lighting information ?"});
+  }
+}
+
+TEST_F(GridCommandsTest, WhatCannotBeWrittenIsTold) {
+  m_Host.m_File = "name";
+  m_Saved.m_Trouble = "It cannot be written.";
+  m_Commands.Perform(Operation::kSaveGrid);
+  EXPECT_EQ(m_Host.m_asNotices, Done{"It cannot be written."});
+  m_Host.m_asNotices.clear();
+  m_Commands.SaveVrml();
+  EXPECT_EQ(m_Host.m_asNotices, Done{"It cannot be written."}) << "and not that it is complete";
+  m_Host.m_asNotices.clear();
+  m_Host.m_File = "/dev/null";
+  CGridCommands::WriteHeightField(m_Host, Grid(), 2, 2);
+  EXPECT_EQ(m_Host.m_asNotices,
+            Done{"The file /dev/null could not be written. If it existed before, it is unchanged."});
+  EXPECT_EQ(m_Host.m_aChoosers.back(), Chooser("please input Height-Field file name", "none"));
+}
+
+TEST_F(GridCommandsTest, WhatIsWrongWithALoadedFileIsTold) {
+  m_Host.m_File = "name";
+  for (const auto& [state, notices] :
+       {std::pair{GridFileState::Whole, Done{}},
+        {GridFileState::Damaged, {"The file name is damaged. What could not be read is missing or zero."}},
+        {GridFileState::NoGridFile, {"The file name is not a grid file. The model stays as it was."}},
+        {GridFileState::NotOpened, {"The file name cannot be opened."}}}) {
+    m_Host.m_asNotices.clear();
+    m_Host.m_iReplaced = 0;
+    m_Loaded = state;
+    m_Commands.Perform(Operation::kLoadGrid);
+    EXPECT_EQ(m_Host.m_asNotices, notices);
+    EXPECT_EQ(m_Host.m_iReplaced, IsReplaced(state) ? 1 : 0);
+  }
+}
+
+TEST_F(GridCommandsTest, CurvesRefusedByALoadedFileAreToldAfterItsTrouble) {
+  for (int k = 0; k < 2; ++k) Grid().AddCurve(LineOf(14), CurveType::kFairness, false);
+  for (CCntrCtrl& curve : Grid().Curves()) {
+    curve.SetOption(CurveOption::kLeftAutoBump, true);
+    curve.SetDistance(CurveSide::Left, kSmallDistance);
+  }
+  Grid().PerformPendingWork();
+  m_Host.m_File = "name";
+  m_Loaded = GridFileState::Damaged;
+  for (int k = 0; k < 2; ++k) m_Commands.Perform(Operation::kLoadGrid);
+  const std::string damaged = "The file name is damaged. What could not be read is missing or zero.";
+  EXPECT_EQ(m_Host.m_asNotices, (Done{damaged,
+                                      "The curves would generate more than 200000 constraints. 1 of them generate "
+                                      "none: make their distances larger.",
+                                      damaged}));
 }
 
 TEST_F(GridCommandsTest, VrmlAndHeightFieldAreNeverDeferred) {
@@ -337,4 +416,17 @@ TEST_F(GridCommandsTest, ExportOfConstraintsPostsOneRebuildForAll) {
   Grid().PerformPendingWork();
   const std::string lines = Console();
   EXPECT_EQ(lines.find("CGrid::SetDiscMap()"), lines.rfind("CGrid::SetDiscMap()"));
+}
+
+TEST_F(GridCommandsTest, ExportOfTooManyConstraintsIsRefused) {
+  Grid().AddCurve(LineOf(40), CurveType::kFairness, false);
+  Grid().PerformPendingWork();
+  m_CurveAnswer = CContourAnswer{};
+  m_CurveAnswer->m_Attributes.m_bLeftAutoBump = true;
+  m_CurveAnswer->m_Attributes.m_aAutoBumps[0].m_fDistance = kSmallDistance;
+  m_CurveAnswer->m_bExport = true;
+  m_Commands.EditCurveAttributes(-3, 22, 0);
+  EXPECT_TRUE(Grid().PointConstraints().empty());
+  EXPECT_EQ(m_Host.m_asNotices, Done{"The curve would generate more than 200000 constraints: make its distances "
+                                     "larger."});
 }

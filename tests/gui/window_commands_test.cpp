@@ -284,7 +284,7 @@ TEST_F(WindowCommandsTest, LoadedGridIsShownAsItIs) {
     grid.SetWaveletMode(WaveletMode::Simple);
     grid.AddPtCstr(HeightCstr(4, 22, 1));
     g_bHighRes = 1;
-    return true;
+    return GridFileState::Whole;
   };
   m_Window.SetServices(services);
   m_Dialogs.m_File = "model.grid";

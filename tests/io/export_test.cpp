@@ -133,7 +133,7 @@ TEST(Vrml, ThePictureLiesOverTheWholeModel) {
 TEST(VrmlFile, IsWrittenAndTheViewsAreRedrawn) {
   const CTemporaryDirectory directory;
   CRefinedRamp test;
-  CFileHost host(test.m_Grid);
+  CActingHost host(test.m_Grid);
   EXPECT_TRUE(test.m_Grid.SaveVrml(directory.Path() / "m.wrl"));
   EXPECT_EQ(BytesOf(directory.Path() / "m.wrl"), VrmlText(test.m_Grid));
   EXPECT_EQ(test.m_Console.Take(), "Saved succesfully\n");

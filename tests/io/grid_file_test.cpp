@@ -226,7 +226,7 @@ TEST(GridFile, IsTheSameUnderEveryLocale) {
   const CTemporaryDirectory directory;
   CSmallModel model;
   const std::locale before = std::locale::global(std::locale(std::locale::classic(), new CCommas));
-  const bool saved = model.m_Grid.Save(directory.Path() / "m.grid");
+  const CSaveOutcome saved = model.m_Grid.Save(directory.Path() / "m.grid");
   const GridFileState state = model.m_Grid.Load(directory.Path() / "m.grid");
   const std::string again = (model.m_Grid.Save(directory.Path() / "n.grid"), BytesOf(directory.Path() / "n.grid"));
   std::locale::global(before);
@@ -239,10 +239,9 @@ TEST(GridFile, IsTheSameUnderEveryLocale) {
 TEST(GridFileLights, AreAskedForAfterTheRestAndGoIntoTheFileOnYes) {
   const CTemporaryDirectory directory;
   CSmallModel model;
-  CFileHost host(model.m_Grid);
-  host.m_bAnswer = true;
-  ASSERT_TRUE(model.m_Grid.Save(directory.Path() / "m.grid"));
-  EXPECT_EQ(host.m_aQuestions, std::vector<std::string>{"Do you want to save lighting information ?"});
+  int questions = 0;
+  ASSERT_TRUE(model.m_Grid.Save(directory.Path() / "m.grid", [&questions] { return ++questions == 1; }));
+  EXPECT_EQ(questions, 1);
   const std::string text = BytesOf(directory.Path() / "m.grid");
   const std::string common = Replaced(BytesOf(kGolden / "small.grid"), "\n\nE\n", "\n\nI\n");
   EXPECT_EQ(text.substr(0, common.size()), common);

@@ -13,7 +13,7 @@ namespace {
 struct CWriter {
   const char* m_pName;
   const char* m_pMethod;
-  std::function<bool(const CGrid& grid, const std::string& file)> m_Write;
+  std::function<CSaveOutcome(const CGrid& grid, const std::string& file)> m_Write;
 };
 
 const std::vector<CWriter> kWriters{
@@ -27,12 +27,11 @@ class LostWrite : public testing::TestWithParam<CWriter> {
  protected:
   /// Tries to write and expects the report of a failure.
   void ExpectFailure(const std::string& file) {
-    EXPECT_FALSE(GetParam().m_Write(m_Model.m_Grid, file));
+    const CSaveOutcome outcome = GetParam().m_Write(m_Model.m_Grid, file);
+    EXPECT_FALSE(outcome);
     EXPECT_EQ(m_Model.m_Console.Take(),
               std::string("Error CGrid::") + GetParam().m_pMethod + "()\t\tfail to write file " + file + "\n");
-    ASSERT_EQ(m_Host.m_aNotices.size(), 1U);
-    EXPECT_EQ(m_Host.m_aNotices[0],
-              "The file " + file + " could not be written. If it existed before, it is unchanged.");
+    EXPECT_EQ(outcome.m_Trouble, "The file " + file + " could not be written. If it existed before, it is unchanged.");
     EXPECT_EQ(GridText(m_Model.m_Grid), m_Before) << "the model stays as it was";
   }
   std::ptrdiff_t FileCount() const {
@@ -41,7 +40,7 @@ class LostWrite : public testing::TestWithParam<CWriter> {
 
   CTemporaryDirectory m_Directory;
   CFullModel m_Model;
-  CFileHost m_Host{m_Model.m_Grid};
+  CActingHost m_Host{m_Model.m_Grid};
   std::string m_Before = GridText(m_Model.m_Grid);
 };
 

@@ -41,21 +41,6 @@ inline std::string Replaced(std::string text, const std::string& part, const std
   return text.replace(text.find(part), part.size(), by);
 }
 
-/// A host that answers the model's question and remembers its notices.
-class CFileHost : public CActingHost {
- public:
-  using CActingHost::CActingHost;
-  bool Ask(const char* question) override {
-    m_aQuestions.emplace_back(question);
-    return m_bAnswer;
-  }
-  void Notice(const char* text) override { m_aNotices.emplace_back(text); }
-
-  bool m_bAnswer = false;
-  std::vector<std::string> m_aQuestions;
-  std::vector<std::string> m_aNotices;
-};
-
 /// A curve through the places, model units, of the given type.
 inline CCntrCtrl& AddCurveThrough(CGrid& grid, std::uint32_t type,
                                   const std::vector<std::pair<double, double>>& places) {

@@ -74,6 +74,7 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void ShowConstraints(int count) override { SetNumberOfConstraints(count); }
   void ProcessEvents() override;
   void PerformCommand(int operation) override { m_Commands.Perform(operation); }
+  void CurvesRefused(int count) override { m_Commands.TellRefusedCurves(count); }
   void PauseSolverConverged() override { m_Solver.PauseSolverConverged(); }
   void PauseSolverGaveUp() override;
   void ResumeAfterChange() override { m_Solver.ResumeAfterChange(); }

@@ -124,12 +124,15 @@ class WindowTest : public ToolkitTest {
     };
     services.m_Model.m_LoadGrid = [note](CGrid&, const std::string&) {
       note("load");
-      return true;
+      return GridFileState::Whole;
     };
-    services.m_Model.m_SaveGrid = [note](CGrid&, const std::string&) { note("save"); };
-    services.m_Model.m_SaveVrml = [note](CGrid&, const std::string&) {
+    services.m_Model.m_SaveGrid = [note](const CGrid&, const std::string&, const std::function<bool()>&) {
+      note("save");
+      return CSaveOutcome();
+    };
+    services.m_Model.m_SaveVrml = [note](const CGrid&, const std::string&) {
       note("vrml");
-      return true;
+      return CSaveOutcome();
     };
     services.m_Model.m_ExportHeightField = [note](CGrid&) { note("height field"); };
     services.m_ShowDrawingOptions = [note] { note("options"); };
