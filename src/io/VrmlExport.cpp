@@ -1,12 +1,13 @@
 #include "io/VrmlExport.h"
 
-#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <ostream>
+#include <span>
 #include <vector>
 
 #include "model/CGrid.h"
-#include "quadtree/CEdge.h"
+#include "model/CSurfaceMesh.h"
 
 namespace {
 
@@ -40,85 +41,54 @@ constexpr const char* kTail =
     "\t }\n"
     "}\n";
 
-struct CLatticePlace {
-  double m_fColumn;
-  double m_fRow;
-};
-
-CLatticePlace CentreOf(const CQuadT& leaf) { return {leaf.X0() + leaf.Size() / 2.0, leaf.Y0() + leaf.Size() / 2.0}; }
-
-CLatticePlace PlaceOf(const CPointOrder& order, std::size_t k) {
-  return {static_cast<double>(order.ColumnOf(k)), static_cast<double>(order.RowOf(k))};
+// Calls `visit(vertex)` for every vertex of the mesh in the order of the file: the centres, then the unknowns.
+template <typename Visit>
+void ForEachPoint(const CSurfaceMesh& mesh, const CPointOrder& order, const Visit& visit) {
+  for (std::size_t vertex = mesh.CornerCount(); vertex < mesh.VertexCount(); ++vertex) visit(vertex);
+  for (std::size_t k = 0; k < order.Count(); ++k) visit(mesh.VertexAt(order.PointOf(k)));
 }
 
-void WritePoint(std::ostream& out, const CLattice& lattice, const CLatticePlace& place, double z) {
-  const CExtent& e = lattice.Extent();
-  const int steps = lattice.PointsPerSide() - 1;
-  out << "\t\t\t\t " << (e.x1 - e.x0) * place.m_fColumn / steps + e.x0 << ' '
-      << (e.y1 - e.y0) * place.m_fRow / steps + e.y0 << ' ' << z << ",\n";
+void WritePoints(std::ostream& out, const CGrid& grid, const CSurfaceMesh& mesh) {
+  std::vector<double> positions;
+  mesh.Place(grid.Tree(), positions);
+  mesh.Raise(grid.Tree(), std::span(positions));
+  ForEachPoint(mesh, grid.Order(), [&](std::size_t vertex) {
+    const double* p = &positions[3 * vertex];
+    out << "\t\t\t\t " << p[0] << ' ' << p[1] << ' ' << p[2] << ",\n";
+  });
 }
 
-void WritePoints(std::ostream& out, const CGrid& grid) {
-  const CLattice& lattice = grid.Lattice();
-  const CInterpolation surface = grid.Surface();
-  grid.Tree().ForEachLeaf(
-      [&](const CQuadT& leaf) { WritePoint(out, lattice, CentreOf(leaf), surface.CentreHeight(leaf)); });
-  const CPointOrder& order = grid.Order();
-  for (std::size_t k = 0; k < order.Count(); ++k)
-    WritePoint(out, lattice, PlaceOf(order, k), lattice.Heights()[order.PointOf(k)]);
+void WriteTexturePoints(std::ostream& out, const CGrid& grid, const CSurfaceMesh& mesh) {
+  const std::vector<CSurfaceMesh::CTexturePoint> coordinates = mesh.TextureCoordinates(grid.Tree());
+  ForEachPoint(mesh, grid.Order(), [&](std::size_t vertex) {
+    out << "\t\t\t\t" << coordinates[vertex].u << ' ' << coordinates[vertex].v << ",\n";
+  });
 }
 
-void WriteTexturePoints(std::ostream& out, const CGrid& grid) {
-  const int steps = grid.PointsPerSide() - 1;
-  const auto write = [&out, steps](const CLatticePlace& place) {
-    out << "\t\t\t\t" << place.m_fColumn / steps << ' ' << place.m_fRow / steps << ",\n";
+// The scene has no gaps: triangles in a tear are written, too.
+void WriteFaces(std::ostream& out, const CGrid& grid, const CSurfaceMesh& mesh) {
+  const auto corners = static_cast<std::uint32_t>(mesh.CornerCount());
+  const std::size_t leaves = mesh.VertexCount() - mesh.CornerCount();
+  const auto indexOf = [&](std::uint32_t corner) {
+    return leaves + static_cast<std::size_t>(grid.Order().NumberOf(mesh.Points()[corner]));
   };
-  grid.Tree().ForEachLeaf([&](const CQuadT& leaf) { write(CentreOf(leaf)); });
-  for (std::size_t k = 0; k < grid.Order().Count(); ++k) write(PlaceOf(grid.Order(), k));
-}
-
-// Appends the lattice indices of the points on an edge, without its last one, in the edge's own direction or against
-// it.
-void AppendSide(std::vector<std::size_t>& points, const CEdge& edge, bool forward, const CLattice& lattice) {
-  if (edge.IsLeaf() || !edge.HasHalves()) {
-    points.push_back(forward ? lattice.Index(edge.Xa(), edge.Ya()) : lattice.Index(edge.Xb(), edge.Yb()));
-    return;
-  }
-  AppendSide(points, edge.Half(forward ? 0 : 1), forward, lattice);
-  AppendSide(points, edge.Half(forward ? 1 : 0), forward, lattice);
-}
-
-// Anticlockwise from the lower left corner: the bottom and right sides run forward, the top and left sides backward.
-void CollectBorder(const CQuadT& leaf, const CLattice& lattice, std::vector<std::size_t>& points) {
-  points.clear();
-  for (int side = 0; side < 4; ++side) AppendSide(points, leaf.Edge(side), side == kBottom || side == kRight, lattice);
-}
-
-void WriteFaces(std::ostream& out, const CGrid& grid) {
-  const int leaves = grid.Tree().LeafCount();
-  const auto indexOf = [&](std::size_t point) { return leaves + grid.Order().NumberOf(point); };
-  std::vector<std::size_t> border;
-  int centre = 0;
-  grid.Tree().ForEachLeaf([&](const CQuadT& leaf) {
-    CollectBorder(leaf, grid.Lattice(), border);
-    for (std::size_t k = 0; k < border.size(); ++k) {
-      out << "\t\t\t " << centre << ", " << indexOf(border[k]) << ", " << indexOf(border[(k + 1) % border.size()])
-          << ", -1,\n";
-    }
-    ++centre;
+  mesh.ForEachTriangle([&](std::uint32_t a, std::uint32_t b, std::uint32_t centre, bool /*torn*/) {
+    out << "\t\t\t " << centre - corners << ", " << indexOf(a) << ", " << indexOf(b) << ", -1,\n";
   });
 }
 
 }  // namespace
 
 void WriteVrml(std::ostream& out, const CGrid& grid) {
+  CSurfaceMesh mesh;
+  mesh.Build(grid.Tree());
   out << kHead;
-  WritePoints(out, grid);
+  WritePoints(out, grid, mesh);
   out << kFacesHead;
-  WriteFaces(out, grid);
+  WriteFaces(out, grid, mesh);
   out << kTexturePointsHead;
-  WriteTexturePoints(out, grid);
+  WriteTexturePoints(out, grid, mesh);
   out << kTextureFacesHead;
-  WriteFaces(out, grid);
+  WriteFaces(out, grid, mesh);
   out << kTail;
 }

@@ -74,6 +74,7 @@ void CGrid::SetSparseH() {
   if (m_Solver.Counter() == -1) {
     Console() << "*** SetSparseH ***\n";
     BuildHNumerotation();
+    m_pTree->ListLeaves();
     m_Solver.Assemble(*m_pTree, Surface(), m_Curves);
   }
   const std::array<const CPtCstrList*, 2> lists{&m_PointConstraints, &m_GeneratedConstraints};

@@ -232,12 +232,8 @@ void CQuadTree::ForgetLeaves() {
   m_uRevision = ++last;
 }
 
-std::span<const CLeaf> CQuadTree::Leaves() {
-  if (!m_bLeavesKnown) ListLeaves();
-  return m_aLeaves;
-}
-
 void CQuadTree::ListLeaves() {
+  if (m_bLeavesKnown) return;
   m_aLeaves.clear();
   m_aCentres.clear();
   ForEachLeaf([this](const CQuadT& cell) {

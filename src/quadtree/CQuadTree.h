@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -56,8 +57,18 @@ class CQuadTree {
   const CEdge& VerticalEdge(int level, int x, int y) const;
 
   /// The active leaves, depth-first with children in their fixed order, ready for passes that must not walk the tree.
-  /// Made anew at the first call after the subdivision or a flag has changed.
-  std::span<const CLeaf> Leaves();
+  /// Listed anew at the first call after the subdivision or a flag has changed.
+  std::span<const CLeaf> Leaves() {
+    ListLeaves();
+    return m_aLeaves;
+  }
+  /// The same for those who only read: the leaves must have been listed since the last change.
+  std::span<const CLeaf> Leaves() const {
+    assert(m_bLeavesKnown);
+    return m_aLeaves;
+  }
+  /// Lists the leaves, unless the list is of the present subdivision. Ends every change that others are to read.
+  void ListLeaves();
   /// Changes whenever `Leaves()` may have changed; no two trees have the same.
   std::uint64_t Revision() const { return m_uRevision; }
   /// The weights of the centre of one of `Leaves()` whose centre is not the mean of its corners.
@@ -121,7 +132,6 @@ class CQuadTree {
   friend class CQuadT;
   friend class CSubdivisionRecord;
   void ForgetLeaves();
-  void ListLeaves();
   std::size_t CellNumber(int level, int i, int j) const;
   /// Whether the cell exists and no cell above it is active, so that it is part of the subdivision or was split by it.
   bool IsReached(int level, int i, int j) const;

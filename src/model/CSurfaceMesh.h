@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+class CEdge;
+class CLattice;
+class CQuadTree;
+struct CLeaf;
+
+/// The surface as a mesh of triangles, for those who draw it and those who write it to a file.
+///
+/// Vertices are the corners of the active leaves, numbered as the leaves meet them, then the centres of the leaves.
+/// Each leaf is a closed fan of triangles around its centre, to all points on its sides, so that no gap opens beside a
+/// finer neighbour. Tearing opens the surface where triangles lie in a tear: these are listed apart.
+///
+/// What the mesh is made of changes with the subdivision only. Positions are written to arrays of the caller's, of
+/// float or double, so that another surface on the same subdivision costs no more than its heights. Everything is
+/// linear in the number of leaves. A `tree` given to a query must be the one last built from, unchanged since.
+class CSurfaceMesh {
+ public:
+  /// No vertex.
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+  /// A place in the picture: 0 to 1 from left to right and from bottom to top.
+  struct CTexturePoint {
+    double u = 0.0;
+    double v = 0.0;
+  };
+
+  /// Takes up the present subdivision. Its leaves must have been listed.
+  void Build(const CQuadTree& tree);
+
+  std::size_t CornerCount() const { return m_auPoints.size(); }
+  std::size_t VertexCount() const { return CornerCount() + m_uCentres; }
+  /// Lattice index of each vertex at a corner.
+  std::span<const std::uint32_t> Points() const { return m_auPoints; }
+  /// The vertex at a lattice point; kNone where no leaf has a corner.
+  std::uint32_t VertexAt(std::size_t point) const { return m_auVertexAt[point]; }
+
+  /// The triangles in no tear, leaf by leaf: three vertices each, counter-clockwise as seen from +z, the centre last.
+  std::span<const std::uint32_t> Triangles() const { return m_auTriangles; }
+  /// Number of triangles in a tear.
+  std::size_t TornCount() const { return m_aTorn.size(); }
+  /// Calls `visit(a, b, centre, torn)` for every triangle, torn or not: leaf by leaf, within a leaf counter-clockwise
+  /// from its lower left corner.
+  template <typename Visit>
+  void ForEachTriangle(Visit&& visit) const {
+    std::size_t at = 0;
+    const auto visitTo = [&](std::size_t end) {
+      for (; at < end; at += 3) visit(m_auTriangles[at], m_auTriangles[at + 1], m_auTriangles[at + 2], false);
+    };
+    for (const CTorn& t : m_aTorn) {
+      visitTo(t.m_uBefore);
+      visit(t.m_uA, t.m_uB, t.m_uCentre, true);
+    }
+    visitTo(m_auTriangles.size());
+  }
+
+  /// Makes room for x, y and z of every vertex, in model units, and sets x and y.
+  template <typename Number>
+  void Place(const CQuadTree& tree, std::vector<Number>& positions) const;
+  /// Sets the z of every vertex of `positions` from the heights of the lattice. Allocates nothing.
+  template <typename Number>
+  void Raise(const CQuadTree& tree, std::span<Number> positions) const;
+  /// What every vertex shows of the picture, which lies over all of the model.
+  std::vector<CTexturePoint> TextureCoordinates(const CQuadTree& tree) const;
+
+ private:
+  /// One triangle in a tear.
+  struct CTorn {
+    std::size_t m_uBefore;  ///< length of m_auTriangles where it would come
+    std::uint32_t m_uA;
+    std::uint32_t m_uB;
+    std::uint32_t m_uCentre;
+  };
+
+  void NumberCorners(const CQuadTree& tree);
+  void AddSide(const CEdge& edge, bool backwards, bool torn, std::uint32_t centre, const CLattice& lattice);
+  /// Calls `visit(vertex, column, row)` for every vertex, in order; at a centre column and row may be fractions.
+  template <typename Visit>
+  void ForEachPlace(const CQuadTree& tree, const Visit& visit) const;
+
+  std::vector<std::uint32_t> m_auPoints;    ///< lattice index by corner vertex
+  std::vector<std::uint32_t> m_auVertexAt;  ///< corner vertex by lattice index
+  std::size_t m_uCentres = 0;
+  std::vector<std::uint32_t> m_auTriangles;
+  std::vector<CTorn> m_aTorn;
+};
