@@ -31,7 +31,7 @@ void AppendGaps(std::vector<float>& vertices, const CLeaf& leaf) {
 
 }  // namespace
 
-void CPlaneArrays::RefreshSubdivision(CGrid& grid) {
+void CPlaneArrays::RefreshSubdivision(const CGrid& grid) {
   if (m_uTree == grid.Tree().Revision()) return;
   m_uTree = grid.Tree().Revision();
   m_iSide = grid.PointsPerSide();

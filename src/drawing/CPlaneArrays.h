@@ -19,7 +19,7 @@ class CGrid;
 class CPlaneArrays {
  public:
   /// The lines and the gaps.
-  void RefreshSubdivision(CGrid& grid);
+  void RefreshSubdivision(const CGrid& grid);
   void RefreshFrozen(const CGrid& grid);
 
   /// Two vertices per line: the sides of the leaves where they are 2^level lattice steps long, without those inside a

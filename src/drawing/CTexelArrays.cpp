@@ -42,15 +42,14 @@ void CTexelArrays::RefreshMasked(const CGrid& grid) {
   }
 }
 
-void CTexelArrays::RaiseCentres(CGrid& grid) {
+void CTexelArrays::RaiseCentres(const CGrid& grid) {
   const CLattice& lattice = grid.Lattice();
   const CInterpolation surface = grid.Surface();
   m_afCentres.resize(lattice.PointCount());
   for (const CLeaf& leaf : grid.Tree().Leaves()) m_afCentres[leaf.m_uCell] = surface.CentreHeight(*leaf.m_pCell);
 }
 
-void CTexelArrays::RefreshNormals(CGrid& grid, double length) {
-  grid.LocateTexels();
+void CTexelArrays::RefreshNormals(const CGrid& grid, double length) {
   const CTexelMap& texels = grid.Texels();
   const CLattice& lattice = grid.Lattice();
   const CStamp now{grid.Textures().Revision(CTextureImages::kPhotograph),

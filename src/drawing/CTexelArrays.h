@@ -13,8 +13,8 @@ class CGrid;
 class CTexelArrays {
  public:
   void RefreshMasked(const CGrid& grid);
-  /// Segments `length` model units long. Finds the places of the texels if the subdivision has changed.
-  void RefreshNormals(CGrid& grid, double length);
+  /// Segments `length` model units long, of texels that have been located since the subdivision changed.
+  void RefreshNormals(const CGrid& grid, double length);
 
   /// Two floats per vertex, in texels from the lower left corner of the picture, four vertices per rectangle: the
   /// texels in a discontinuity, those side by side in a row in one.
@@ -35,7 +35,7 @@ class CTexelArrays {
     bool operator==(const CStamp&) const = default;
   };
 
-  void RaiseCentres(CGrid& grid);
+  void RaiseCentres(const CGrid& grid);
 
   CStamp m_MaskStamp;
   CStamp m_NormalStamp;

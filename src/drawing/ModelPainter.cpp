@@ -197,7 +197,7 @@ CColour SubdivisionColour(int level) {
   return kColours[std::min(static_cast<std::size_t>(level), kColours.size() - 1)];
 }
 
-void CModelPainter::Draw(CGrid& grid, const CView& view) {
+void CModelPainter::Draw(const CGrid& grid, const CView& view) {
   // Loading a picture leaves texturing on.
   glDisable(GL_TEXTURE_2D);
   if ((view.m_uFlags & ModelFlag::kTexturedModel) != 0) DrawTexturedModel(grid, view);
@@ -210,7 +210,7 @@ void CModelPainter::Draw(CGrid& grid, const CView& view) {
   glColor4f(1, 1, 1, 1);
 }
 
-void CModelPainter::DrawTexturedModel(CGrid& grid, const CView& view) {
+void CModelPainter::DrawTexturedModel(const CGrid& grid, const CView& view) {
   // The new illumination carries the shading already, and the albedo is to be seen without. Without a light of its own
   // the model shows the photograph as it is.
   const bool computed = view.m_iDrawTexture == DrawnTexture::kIllumination || view.m_iDrawTexture == DrawnTexture::kKd;
@@ -251,7 +251,7 @@ void CModelPainter::DrawTexturedModel(CGrid& grid, const CView& view) {
   glColor4f(1, 1, 1, 1);
 }
 
-void CModelPainter::DrawGridLines(CGrid& grid) {
+void CModelPainter::DrawGridLines(const CGrid& grid) {
   m_Arrays.RefreshLines(grid);
   glLineWidth(g_DrawingSettings.m_ModelView.m_fGridThickness);
   glEnableClientState(GL_VERTEX_ARRAY);
@@ -264,7 +264,7 @@ void CModelPainter::DrawGridLines(CGrid& grid) {
   glDisableClientState(GL_VERTEX_ARRAY);
 }
 
-void CModelPainter::DrawNormals(CGrid& grid, std::uint32_t flags) {
+void CModelPainter::DrawNormals(const CGrid& grid, std::uint32_t flags) {
   constexpr double kLength = 2.0;
   const double length = kLength * SizeUnit(grid);
   if ((flags & ModelFlag::kCellNormals) != 0) {
@@ -278,7 +278,7 @@ void CModelPainter::DrawNormals(CGrid& grid, std::uint32_t flags) {
   if ((flags & ModelFlag::kTexelNormals) != 0) DrawNormalsTexels(grid, length);
 }
 
-void CModelPainter::DrawNormalsTexels(CGrid& grid, double length) {
+void CModelPainter::DrawNormalsTexels(const CGrid& grid, double length) {
   if (!grid.Textures().HasPicture()) {
     Console() << "Error Cgrid::DrawNormalsTexels()\t\tNo texture loaded\n";
     return;

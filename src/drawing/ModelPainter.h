@@ -25,13 +25,13 @@ class CModelPainter {
   };
 
   /// Leaves the context without lighting and texturing, the current colour white.
-  void Draw(CGrid& grid, const CView& view);
+  void Draw(const CGrid& grid, const CView& view);
 
  private:
-  void DrawTexturedModel(CGrid& grid, const CView& view);
-  void DrawGridLines(CGrid& grid);
-  void DrawNormals(CGrid& grid, std::uint32_t flags);
-  void DrawNormalsTexels(CGrid& grid, double length);
+  void DrawTexturedModel(const CGrid& grid, const CView& view);
+  void DrawGridLines(const CGrid& grid);
+  void DrawNormals(const CGrid& grid, std::uint32_t flags);
+  void DrawNormalsTexels(const CGrid& grid, double length);
   void Draw3DCntr(const CGrid& grid);
 
   CSurfaceArrays m_Arrays;

@@ -84,7 +84,7 @@ void DrawPointConstraints(const CGrid& grid) {
 
 }  // namespace
 
-void CPicturePainter::Draw(CGrid& grid, const CView& view) {
+void CPicturePainter::Draw(const CGrid& grid, const CView& view) {
   if ((view.m_uFlags & ImageFlag::kImage) != 0 && view.m_pTextures != nullptr) DrawPicture(grid, *view.m_pTextures);
   if ((view.m_uFlags & ImageFlag::kDiscontinuityTexels) != 0) DrawMaskedTexels(grid);
   DrawSubdivision(grid, view);
@@ -94,7 +94,7 @@ void CPicturePainter::Draw(CGrid& grid, const CView& view) {
   glColor3d(1, 1, 1);
 }
 
-void CPicturePainter::DrawSubdivision(CGrid& grid, const CView& view) {
+void CPicturePainter::DrawSubdivision(const CGrid& grid, const CView& view) {
   const CLatticeScope scope(grid.Lattice());
   m_Arrays.RefreshSubdivision(grid);
   if ((view.m_uFlags & ImageFlag::kDiscontinuityGap) != 0) {

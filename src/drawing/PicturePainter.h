@@ -20,10 +20,10 @@ class CPicturePainter {
   };
 
   /// Leaves the context without texturing, the current colour white.
-  void Draw(CGrid& grid, const CView& view);
+  void Draw(const CGrid& grid, const CView& view);
 
  private:
-  void DrawSubdivision(CGrid& grid, const CView& view);
+  void DrawSubdivision(const CGrid& grid, const CView& view);
   void DrawFrozen(const CGrid& grid);
   void DrawMaskedTexels(const CGrid& grid);
 

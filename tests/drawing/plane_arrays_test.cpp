@@ -16,7 +16,10 @@ using Step = std::tuple<int, int, bool>;  // column and row of the start, horizo
 class PlaneArraysTest : public ::testing::Test {
  protected:
   CGrid& Grid() { return m_Grid.m_Grid; }
-  void Refresh() { m_Arrays.RefreshSubdivision(Grid()); }
+  void Refresh() {
+    Grid().Tree().ListLeaves();
+    m_Arrays.RefreshSubdivision(Grid());
+  }
 
   // The lattice steps that the lines cover, each of which must be covered once.
   static void AddSteps(std::span<const float> vertices, int level, std::map<Step, int>& steps) {

@@ -47,6 +47,12 @@ class TexelArraysTest : public ::testing::Test {
     Grid().TestTexelsInDiscontinuity();
   }
 
+  void RefreshNormals(double length) {
+    Grid().Tree().ListLeaves();
+    Grid().LocateTexels();
+    m_Arrays.RefreshNormals(Grid(), length);
+  }
+
   CTestGrid m_Grid{4, 2};
   CTexelArrays m_Arrays;
 };
@@ -55,7 +61,7 @@ class TexelArraysTest : public ::testing::Test {
 
 TEST_F(TexelArraysTest, WithoutAPictureThereIsNothing) {
   m_Arrays.RefreshMasked(Grid());
-  m_Arrays.RefreshNormals(Grid(), kLength);
+  RefreshNormals(kLength);
   EXPECT_TRUE(m_Arrays.Masked().empty());
   EXPECT_TRUE(m_Arrays.Normals().empty());
 }
@@ -85,7 +91,7 @@ TEST_F(TexelArraysTest, NormalsBeginOnTheSurface) {
   SetRandomSurface(Grid(), 1);
   LoadPicture();
   Grid().ComputeNormalsOnly();
-  m_Arrays.RefreshNormals(Grid(), kLength);
+  RefreshNormals(kLength);
   const std::span<const float> v = m_Arrays.Normals();
   ASSERT_EQ(v.size(), 6UL * kWidth * kHeight);
   for (std::size_t k = 0; k < v.size(); k += 6) {
@@ -97,7 +103,7 @@ TEST_F(TexelArraysTest, NormalsBeginOnTheSurface) {
 
 TEST_F(TexelArraysTest, FirstNormalsPointUp) {
   LoadPicture();
-  m_Arrays.RefreshNormals(Grid(), kLength);
+  RefreshNormals(kLength);
   const std::span<const float> v = m_Arrays.Normals();
   ASSERT_EQ(v.size(), 6UL * kWidth * kHeight);
   EXPECT_NEAR(v[0], kOblong.x0 + (kOblong.x1 - kOblong.x0) * 0.5 / kWidth, 1e-5);
@@ -112,22 +118,22 @@ TEST_F(TexelArraysTest, NormalsThatAreNoneAreLeftOut) {
   Grid().BuildHNumerotation();
   Grid().ReconstructSurface();
   Grid().ComputeNormalsOnly();
-  m_Arrays.RefreshNormals(Grid(), kLength);
+  RefreshNormals(kLength);
   for (const float c : m_Arrays.Normals()) EXPECT_TRUE(std::isfinite(c));
   EXPECT_LT(m_Arrays.Normals().size(), 6UL * kWidth * kHeight);
 }
 
 TEST_F(TexelArraysTest, SurfaceNormalsAndLengthAreFollowed) {
   LoadPicture();
-  m_Arrays.RefreshNormals(Grid(), kLength);
+  RefreshNormals(kLength);
   SetSurface(Grid(), CRamp{1, 0, 7});
-  m_Arrays.RefreshNormals(Grid(), kLength);
+  RefreshNormals(kLength);
   EXPECT_GT(m_Arrays.Normals()[2], 2);
   const float upright = m_Arrays.Normals()[3];
   Grid().ComputeNormalsOnly();
-  m_Arrays.RefreshNormals(Grid(), kLength);
+  RefreshNormals(kLength);
   EXPECT_LT(m_Arrays.Normals()[3], upright);
-  m_Arrays.RefreshNormals(Grid(), 2 * kLength);
+  RefreshNormals(2 * kLength);
   EXPECT_NEAR(m_Arrays.Normals()[3] - m_Arrays.Normals()[0], -2 * kLength / std::sqrt(2.0), 1e-4);
 }
 
@@ -135,9 +141,9 @@ TEST_F(TexelArraysTest, RedrawsAllocateNothing) {
   LoadPicture();
   Mark(1, 1);
   m_Arrays.RefreshMasked(Grid());
-  m_Arrays.RefreshNormals(Grid(), kLength);
+  RefreshNormals(kLength);
   const std::size_t before = AllocationCount();
   m_Arrays.RefreshMasked(Grid());
-  m_Arrays.RefreshNormals(Grid(), kLength);
+  RefreshNormals(kLength);
   EXPECT_EQ(AllocationCount(), before);
 }

@@ -85,6 +85,7 @@ void CGridView::DrawScene() {
   constexpr std::size_t kManyTexels = 1'000'000;
   const bool texels = (m_View.m_uFlags & ModelFlag::kTexelNormals) != 0;
   const CBusyCursor busy(texels && m_pGrid->Texels().Mask().size() > kManyTexels);
+  if (texels) m_pGrid->LocateTexels();
   const auto [red, green, blue, alpha] = g_DrawingSettings.m_afBackground;
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_LEQUAL);
