@@ -29,6 +29,8 @@ class CurveDrawingTest : public ImageViewTest {
     TakeConsole();
   }
   void Shoot() {
+    // As at the end of a rebuild.
+    Grid().Tree().ListLeaves();
     ASSERT_TRUE(View().SaveFrame(m_Scratch.File("frame.bmp")));
     m_Frame = Global::LoadBMP(m_Scratch.File("frame.bmp"), 1)->m_Picture;
     TakeConsole();

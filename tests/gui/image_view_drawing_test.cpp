@@ -36,6 +36,8 @@ class ImageViewDrawingTest : public ImageViewTest {
     View().SetDisplayFlags(0);
   }
   void Shoot() {
+    // As at the end of a rebuild.
+    Grid().Tree().ListLeaves();
     ASSERT_TRUE(View().SaveFrame(m_Scratch.File("frame.bmp")));
     m_Frame = Global::LoadBMP(m_Scratch.File("frame.bmp"), 1)->m_Picture;
     ASSERT_EQ(m_Frame.m_iWidth, kSize);
