@@ -10,6 +10,13 @@ if(RELIEVO_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${RELIEVO_CCACHE}")
 endif()
 
+# What is handed out guards its stack and its buffers and fixes its tables before it begins. The macro is undefined first
+# because some distributions define it themselves. In its own options, so that a build tree's old flags do not hide them.
+set(relievo_release "$<CONFIG:Release>")
+add_compile_options(
+  "$<${relievo_release}:-fstack-protector-strong;-fPIE;-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+add_link_options("$<${relievo_release}:-pie;LINKER:-z,relro,-z,now>")
+
 add_library(relievo_warnings INTERFACE)
 target_compile_options(relievo_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
