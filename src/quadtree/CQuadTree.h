@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -63,10 +62,7 @@ class CQuadTree {
     return m_aLeaves;
   }
   /// The same for those who only read: the leaves must have been listed since the last change.
-  std::span<const CLeaf> Leaves() const {
-    assert(m_bLeavesKnown);
-    return m_aLeaves;
-  }
+  std::span<const CLeaf> Leaves() const { return m_aLeaves; }
   /// Lists the leaves, unless the list is of the present subdivision. Ends every change that others are to read.
   void ListLeaves();
   /// Changes whenever `Leaves()` may have changed; no two trees have the same.
