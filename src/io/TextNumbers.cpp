@@ -15,6 +15,10 @@ int NonFiniteIndex() {
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
 class CTolerantNumbers : public std::num_get<char> {
+ public:
+  /// Locales that use it do not own it.
+  CTolerantNumbers() : std::num_get<char>(1) {}
+
  protected:
   iter_type do_get(iter_type in, iter_type end, std::ios_base& stream, std::ios_base::iostate& state,
                    double& value) const override {
@@ -55,6 +59,10 @@ class CTolerantNumbers : public std::num_get<char> {
 
 }  // namespace
 
-void PrepareToReadNumbers(std::istream& in) { in.imbue(std::locale(std::locale::classic(), new CTolerantNumbers)); }
+// One object for all streams: a locale that could not be made would lose one of its own.
+void PrepareToReadNumbers(std::istream& in) {
+  static CTolerantNumbers numbers;
+  in.imbue(std::locale(std::locale::classic(), &numbers));
+}
 
 bool TakeNonFinite(std::istream& in) { return std::exchange(in.iword(NonFiniteIndex()), 0) != 0; }

@@ -243,7 +243,12 @@ TEST_F(FileReplacementTest, TargetThatBecameADirectoryMakesCommitFail) {
 
 TEST_F(FileReplacementTest, ProcessThatEndsLeavesNothingBeside) {
   WriteBytes(m_File, m_aOld);
-  const auto begin = [this] { return (new CFileReplacement(m_File))->IsOpen(); };
+  // Kept, so that no destructor does what is asked of the end of the process.
+  static CFileReplacement* begun = nullptr;
+  const auto begin = [this] {
+    begun = new CFileReplacement(m_File);
+    return begun->IsOpen();
+  };
   EXPECT_EXIT(std::exit(begin() ? 7 : 0), testing::ExitedWithCode(7), "");
   EXPECT_EXIT((begin(), CFileReplacement::RemoveUnfinished(), _exit(7)), testing::ExitedWithCode(7), "");
   EXPECT_EQ(m_Scratch.Names(), std::vector<std::string>{"target"});
