@@ -137,8 +137,8 @@ void Report(int level, bool lit) {
   CGrid& grid = bench.Grid();
   bench.AddHeights(10, 3);
   for (int tick = 0; tick < 20; ++tick) grid.UpdateGrid();
-  grid.Textures().SetPicture(Checkers());
-  CLight& light = grid.AddedLights().m_aLights[0];
+  grid.Relighting().Textures().SetPicture(Checkers());
+  CLight& light = grid.Relighting().AddedLights().m_aLights[0];
   light.m_bActive = lit;
   light.m_afDirection = {0.5, 0.3, 0.8, 0};
 
@@ -153,7 +153,7 @@ void Report(int level, bool lit) {
   view.SetFlag(ModelFlag::kTexturedModel, true);
   while (view.visible_r() == 0 || view.damage() != 0) Fl::wait(0.01);
   view.make_current();
-  textures.Load(grid.Textures());
+  textures.Load(grid.Relighting().Textures());
 
   const CBareLoop bare(grid);
   const std::vector<float> normals = bare.Normals();

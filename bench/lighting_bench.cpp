@@ -83,18 +83,18 @@ class CBareLoops {
  public:
   explicit CBareLoops(const CGrid& grid)
       : m_Grid(grid),
-        m_Removed(grid.RemovedLights()),
-        m_Added(grid.AddedLights()),
-        m_aNormals(grid.Texels().Normals().begin(), grid.Texels().Normals().end()),
-        m_afKd(grid.Albedo().Kd().size()),
-        m_auKd(grid.Textures().Image(CTextureImages::kKd).size()),
+        m_Removed(grid.Relighting().RemovedLights()),
+        m_Added(grid.Relighting().AddedLights()),
+        m_aNormals(grid.Relighting().Texels().Normals().begin(), grid.Relighting().Texels().Normals().end()),
+        m_afKd(grid.Relighting().Albedo().Kd().size()),
+        m_auKd(grid.Relighting().Textures().Image(CTextureImages::kKd).size()),
         m_auNew(m_auKd.size()) {}
 
   void Normals() {
     const CLattice& lattice = m_Grid.Lattice();
     const Vector3* points = lattice.PointNormals().data();
     const Vector3* cells = lattice.CellNormals().data();
-    const CInterpCoefs* records = m_Grid.Texels().Records().data();
+    const CInterpCoefs* records = m_Grid.Relighting().Texels().Records().data();
     for (std::size_t i = 0; i < m_aNormals.size(); ++i) {
       const CInterpCoefs& r = records[i];
       const Vector3& a = points[r.A()];
@@ -110,7 +110,7 @@ class CBareLoops {
   }
 
   void Kd() {
-    const CTextureImages& images = m_Grid.Textures();
+    const CTextureImages& images = m_Grid.Relighting().Textures();
     const std::uint8_t* photograph = images.Image(CTextureImages::kPhotograph).data();
     const auto width = static_cast<std::size_t>(images.PictureWidth());
     const auto height = static_cast<std::size_t>(images.PictureHeight());

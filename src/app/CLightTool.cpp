@@ -80,7 +80,7 @@ void CLightTool::UpdateTexelInterpolation() {
 
 void CLightTool::UpdateKd() { Relight(); }
 
-bool CLightTool::HasKd() const { return m_Grid.Albedo().IsComputed(); }
+bool CLightTool::HasKd() const { return m_Grid.Relighting().Albedo().IsComputed(); }
 
 // The model view numbers the textures in another order than the panel.
 TextureMode CLightTool::ShownTexture() const {

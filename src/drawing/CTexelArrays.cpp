@@ -21,9 +21,9 @@ void AppendSegment(std::vector<float>& segments, const Vector3& from, const Vect
 }  // namespace
 
 void CTexelArrays::RefreshMasked(const CGrid& grid) {
-  const CTexelMap& texels = grid.Texels();
+  const CTexelMap& texels = grid.Relighting().Texels();
   CStamp now;
-  now.m_uPicture = grid.Textures().Revision(CTextureImages::kPhotograph);
+  now.m_uPicture = grid.Relighting().Textures().Revision(CTextureImages::kPhotograph);
   now.m_uTexels = texels.MaskRevision();
   if (now == m_MaskStamp) return;
   m_MaskStamp = now;
@@ -51,9 +51,9 @@ void CTexelArrays::RaiseCentres(CGrid& grid) {
 
 void CTexelArrays::RefreshNormals(CGrid& grid, double length) {
   grid.LocateTexels();
-  const CTexelMap& texels = grid.Texels();
+  const CTexelMap& texels = grid.Relighting().Texels();
   const CLattice& lattice = grid.Lattice();
-  const CStamp now{grid.Textures().Revision(CTextureImages::kPhotograph),
+  const CStamp now{grid.Relighting().Textures().Revision(CTextureImages::kPhotograph),
                    texels.Revision(),
                    grid.Tree().Revision(),
                    grid.SurfaceRevision(),

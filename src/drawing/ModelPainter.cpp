@@ -89,7 +89,7 @@ void SetTextureMatrix(const CExtent& extent, const CTextureImages& images) {
 }
 
 void EnableTexture(const CGrid& grid, CTextures& textures, int drawTexture) {
-  const CTextureImages& images = grid.Textures();
+  const CTextureImages& images = grid.Relighting().Textures();
   if (!images.HasPicture()) return;
   switch (drawTexture) {
     case DrawnTexture::kKd:
@@ -205,8 +205,8 @@ void CModelPainter::Draw(CGrid& grid, const CView& view) {
   if ((view.m_uFlags & ModelFlag::kCurves) != 0) Draw3DCntr(grid);
   if ((view.m_uFlags & ModelFlag::kPointConstraints) != 0) DrawPointConstraints(grid);
   DrawNormals(grid, view.m_uFlags);
-  DrawLightMarkers(grid, grid.RemovedLights());
-  DrawLightMarkers(grid, grid.AddedLights());
+  DrawLightMarkers(grid, grid.Relighting().RemovedLights());
+  DrawLightMarkers(grid, grid.Relighting().AddedLights());
   glColor4f(1, 1, 1, 1);
 }
 
@@ -214,10 +214,10 @@ void CModelPainter::DrawTexturedModel(CGrid& grid, const CView& view) {
   // The new illumination carries the shading already, and the albedo is to be seen without. Without a light of its own
   // the model shows the photograph as it is.
   const bool computed = view.m_iDrawTexture == DrawnTexture::kIllumination || view.m_iDrawTexture == DrawnTexture::kKd;
-  const bool lit = HasActiveLight(grid.AddedLights()) && !computed;
+  const bool lit = HasActiveLight(grid.Relighting().AddedLights()) && !computed;
   glColor4f(1, 1, 1, 1);
   if (lit) {
-    EnableLighting(grid.AddedLights());
+    EnableLighting(grid.Relighting().AddedLights());
     m_Arrays.RefreshNormals(grid);
     glEnableClientState(GL_NORMAL_ARRAY);
     glNormalPointer(GL_FLOAT, 0, m_Arrays.Normals().data());
@@ -279,7 +279,7 @@ void CModelPainter::DrawNormals(CGrid& grid, std::uint32_t flags) {
 }
 
 void CModelPainter::DrawNormalsTexels(CGrid& grid, double length) {
-  if (!grid.Textures().HasPicture()) {
+  if (!grid.Relighting().Textures().HasPicture()) {
     Console() << "Error Cgrid::DrawNormalsTexels()\t\tNo texture loaded\n";
     return;
   }

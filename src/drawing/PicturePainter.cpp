@@ -52,7 +52,7 @@ class CLatticeScope {
 };
 
 void DrawPicture(const CGrid& grid, CTextures& textures) {
-  const CTextureImages& images = grid.Textures();
+  const CTextureImages& images = grid.Relighting().Textures();
   if (!textures.Bind(images, CTextureImages::kPhotograph)) return;
   const CExtent& e = grid.Lattice().Extent();
   const double s = static_cast<double>(images.PictureWidth()) / images.TextureWidth();
@@ -128,7 +128,7 @@ void CPicturePainter::DrawFrozen(const CGrid& grid) {
 }
 
 void CPicturePainter::DrawMaskedTexels(const CGrid& grid) {
-  const CTexelMap& texels = grid.Texels();
+  const CTexelMap& texels = grid.Relighting().Texels();
   if (texels.Mask().empty()) return;
   m_Texels.RefreshMasked(grid);
   const CExtent& e = grid.Lattice().Extent();

@@ -59,7 +59,7 @@ void WriteGrid(std::ostream& out, const CGrid& grid) {
 }
 
 void WriteLights(std::ostream& out, const CGrid& grid) {
-  out << "\n\nI\n" << grid.RemovedLights() << grid.AddedLights();
+  out << "\n\nI\n" << grid.Relighting().RemovedLights() << grid.Relighting().AddedLights();
 }
 
 void WriteNoLights(std::ostream& out) { out << "\n\nE\n"; }

@@ -371,8 +371,8 @@ void CGridReader::ReadLights() {
   m_In >> removed >> added;
   m_bDamaged = m_bDamaged || !m_In;
   if (!m_In || IsRefused("light source")) return;
-  m_Grid.RemovedLights() = removed;
-  m_Grid.AddedLights() = added;
+  m_Grid.Relighting().RemovedLights() = removed;
+  m_Grid.Relighting().AddedLights() = added;
   Log() << "...Lightsources loaded.\n";
 }
 

@@ -87,7 +87,7 @@ void CGrid::Initialize(int level, bool keep, double x0, double y0, double x1, do
   SetRectangle(x0, x1, y0, y1);
   FillTree();
   SetSparseH();
-  if (HasTexels()) m_Texels.TestDiscontinuities(Surface());
+  m_Relighting.RefreshMask(Surface());
   // The first tick rebuilds the system whatever was set up here.
   m_Solver.RequestRebuild();
 }

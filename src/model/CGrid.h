@@ -19,11 +19,8 @@
 #include "constraints/Inactivity.h"
 #include "lattice/CLattice.h"
 #include "lattice/WaveletMode.h"
-#include "lighting/CAlbedoMap.h"
-#include "lighting/CLight.h"
-#include "lighting/CTexelMap.h"
-#include "lighting/CTextureImages.h"
 #include "model/CPendingWork.h"
+#include "model/CRelighting.h"
 #include "model/GridFileState.h"
 #include "model/GridHost.h"
 #include "quadtree/CPointOrder.h"
@@ -214,28 +211,18 @@ class CGrid {
   /// turns the curve's generation off. Posts kRebuildMaps.
   void ExportCurveConstraints(double x, double y);
 
-  // The picture and its light (GridLighting.cpp). Without a picture the passes log a line and do nothing. All are
-  // linear in the number of texels and allocate nothing but `SetPicture`.
+  // The picture and its light: what CRelighting does, on the present surface.
 
-  /// Takes up a picture: its textures, and memory for what is kept per texel, each with the normal (0, 0, 1), no albedo
-  /// and in no discontinuity. False, with nothing changed, for one that is empty or has not 3 * width * height bytes,
-  /// and, with a console line, for one that `memory` bytes do not hold.
-  bool SetPicture(const CPicture& picture, double memory = AvailableMemory());
-  /// Light `index` (0 to 3 and, ambient, 4) of a set (kRemovedLights, kAddedLights). Null, with a console line, for
-  /// another type; null for another index.
-  CLight* GetLightSource(int index, int type);
-  /// Gives every texel of a picture taken up before its column and row and the normal (0, 0, 1) again.
-  void InitializeCoordsTexels();
-  /// Brings the places of the texels up to the present subdivision, for what draws them; nothing without a picture.
-  void LocateTexels();
-  /// Recomputes which texels lie in a discontinuity; nothing without a picture.
-  void TestTexelsInDiscontinuity();
-  /// Place on the surface and normal of every texel in no discontinuity, from the normals of points and cells.
-  void ComputeCoefsTexels();
-  /// Normal of every texel from its place, which is found first if the subdivision has changed.
-  void ComputeNormalsOnly();
-  /// Albedo, Kd image and new illumination (see CAlbedoMap), from normals of the present subdivision.
-  void GetKd();
+  bool SetPicture(const CPicture& picture, double memory = AvailableMemory()) {
+    return m_Relighting.SetPicture(picture, Surface(), memory);
+  }
+  CLight* GetLightSource(int index, int type) { return m_Relighting.GetLightSource(index, type); }
+  void InitializeCoordsTexels() { m_Relighting.InitializeCoordsTexels(Surface()); }
+  void LocateTexels() { m_Relighting.LocateTexels(Surface()); }
+  void TestTexelsInDiscontinuity() { m_Relighting.TestTexelsInDiscontinuity(Surface()); }
+  void ComputeCoefsTexels() { m_Relighting.ComputeCoefsTexels(Surface()); }
+  void ComputeNormalsOnly() { m_Relighting.ComputeNormalsOnly(Surface()); }
+  void GetKd() { m_Relighting.GetKd(Surface()); }
 
   // Files (GridFiles.cpp). What has failed is told on the console and, as a notice, through the host. A file that is
   // written keeps its old contents until the new ones are complete. Pending work must have been performed.
@@ -268,22 +255,13 @@ class CGrid {
   CPtCstrList& PointConstraints() { return m_PointConstraints; }
   CPtCstrList& GeneratedConstraints() { return m_GeneratedConstraints; }
   CCntrCtrlList& Curves() { return m_Curves; }
-  CLightSet& RemovedLights() { return m_RemovedLights; }
-  CLightSet& AddedLights() { return m_AddedLights; }
   const CPtCstrList& PointConstraints() const { return m_PointConstraints; }
   const CPtCstrList& GeneratedConstraints() const { return m_GeneratedConstraints; }
   const CCntrCtrlList& Curves() const { return m_Curves; }
-  const CLightSet& RemovedLights() const { return m_RemovedLights; }
-  const CLightSet& AddedLights() const { return m_AddedLights; }
-  CTextureImages& Textures() { return m_Textures; }
-  const CTextureImages& Textures() const { return m_Textures; }
-  const CTexelMap& Texels() const { return m_Texels; }
-  const CAlbedoMap& Albedo() const { return m_Albedo; }
+  CRelighting& Relighting() { return m_Relighting; }
+  const CRelighting& Relighting() const { return m_Relighting; }
 
  private:
-  /// Whether there is a picture and the texels are its.
-  bool HasTexels() const;
-
   /// What the next `Initialize` begins with instead of allocating it.
   struct CReserve {
     explicit CReserve(int maxLevel) : m_Lattice(maxLevel) {}
@@ -371,11 +349,7 @@ class CGrid {
   int m_iToldCurves = 0;     ///< and how many of them the user knows of
   CPendingCurve m_PendingCurve;
   CListHeaders m_ListHeaders;
-  CLightSet m_RemovedLights = CLightSet::Removed();
-  CLightSet m_AddedLights = CLightSet::Added();
-  CTextureImages m_Textures;
-  CTexelMap m_Texels;
-  CAlbedoMap m_Albedo;
+  CRelighting m_Relighting;
 
   GridHost* m_pHost = nullptr;
 };

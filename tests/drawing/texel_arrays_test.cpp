@@ -38,7 +38,7 @@ class TexelArraysTest : public ::testing::Test {
   std::set<std::pair<int, int>> Masked() {
     std::set<std::pair<int, int>> texels;
     for (int k = 0; k < kWidth * kHeight; ++k) {
-      if (Grid().Texels().Mask()[static_cast<std::size_t>(k)] != 0) texels.emplace(k % kWidth, k / kWidth);
+      if (Grid().Relighting().Texels().Mask()[static_cast<std::size_t>(k)] != 0) texels.emplace(k % kWidth, k / kWidth);
     }
     return texels;
   }

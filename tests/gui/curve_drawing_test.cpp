@@ -187,7 +187,7 @@ TEST_F(CurveDrawingTest, CurveThatIsToCloseIsWideAndClosed) {
 TEST_F(CurveDrawingTest, CurveInProgressLiesOverThePicture) {
   Grid().SetPicture(PlainPicture(2, 2, 255, 0, 0));
   View().make_current();
-  m_Textures.Load(Grid().Textures());
+  m_Textures.Load(Grid().Relighting().Textures());
   View().SetDisplayFlags(ImageFlag::kImage);
   Click(20.5, 20.5);
   Move(80.5, 20.5);
@@ -261,7 +261,7 @@ TEST_F(CurveDrawingTest, AlbedoIsThatOfTheTexel) {
   CPicture picture = PlainPicture(2, 2, 0, 0, 0);
   picture.m_aPixels[9] = 51;  // upper right, red
   Grid().SetPicture(picture);
-  CLight& ambient = Grid().RemovedLights().m_aLights[CLightSet::kAmbient];
+  CLight& ambient = Grid().Relighting().RemovedLights().m_aLights[CLightSet::kAmbient];
   ambient.m_bActive = true;
   ambient.m_afColour = {0.5, 0.5, 0.5};
   Grid().GetKd();

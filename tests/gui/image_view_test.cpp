@@ -283,8 +283,8 @@ TEST_F(LoadImageTest, TextureSizesAreTheNextPowersOfTwo) {
                                  "\nCImageView::LoadImage\tNew texture generated. " + padded +
                                  "\nCImageView::LoadImage\tglTexImage2D\t\t=> GL_ERROR : no error\n"
                                  "CGrid::TestTexelsInDiscontinuity()\t\t\t...done\n");
-    EXPECT_EQ(Grid().Textures().PictureWidth(), width);
-    EXPECT_EQ(Grid().Textures().PictureHeight(), height);
+    EXPECT_EQ(Grid().Relighting().Textures().PictureWidth(), width);
+    EXPECT_EQ(Grid().Relighting().Textures().PictureHeight(), height);
   }
   EXPECT_TRUE(m_Host.m_aNotices.empty());
 }
@@ -306,7 +306,7 @@ TEST_F(LoadImageTest, RefusedFileLeavesThePictureAndIsNamed) {
   EXPECT_FALSE(View().LoadImage(m_Scratch.File("missing.bmp")));
   EXPECT_EQ(m_Host.m_aNotices.size(), 2U);
   EXPECT_EQ(View().TextureFileName(), name);
-  EXPECT_EQ(Grid().Textures().PictureWidth(), 3);
+  EXPECT_EQ(Grid().Relighting().Textures().PictureWidth(), 3);
 }
 
 TEST_F(LoadImageTest, PictureBeyondTheGraphicsCardIsRefused) {
@@ -317,14 +317,14 @@ TEST_F(LoadImageTest, PictureBeyondTheGraphicsCardIsRefused) {
   ASSERT_EQ(m_Host.m_aNotices.size(), 1U);
   EXPECT_NE(m_Host.m_aNotices[0].find("picture.bmp is too large"), std::string::npos);
   EXPECT_EQ(View().TextureFileName(), "");
-  EXPECT_FALSE(Grid().Textures().HasPicture());
+  EXPECT_FALSE(Grid().Relighting().Textures().HasPicture());
 }
 
 TEST_F(LoadImageTest, FileThatEndsEarlyIsTakenUpWithANotice) {
   EXPECT_TRUE(Load(BmpHeader(4, 4)));
   ASSERT_EQ(m_Host.m_aNotices.size(), 1U);
   EXPECT_NE(m_Host.m_aNotices[0].find("picture.bmp ends early"), std::string::npos);
-  EXPECT_EQ(Grid().Textures().PictureWidth(), 4);
+  EXPECT_EQ(Grid().Relighting().Textures().PictureWidth(), 4);
 }
 
 TEST_F(LoadImageTest, EmptyPictureLeavesThePreviousOne) {
@@ -333,5 +333,5 @@ TEST_F(LoadImageTest, EmptyPictureLeavesThePreviousOne) {
   EXPECT_FALSE(Load(BmpHeader(7, 0)));
   ASSERT_EQ(m_Host.m_aNotices.size(), 1U);
   EXPECT_NE(m_Host.m_aNotices[0].find("picture.bmp is empty"), std::string::npos);
-  EXPECT_EQ(Grid().Textures().PictureHeight(), 4);
+  EXPECT_EQ(Grid().Relighting().Textures().PictureHeight(), 4);
 }

@@ -21,7 +21,7 @@ class ModelDrawingTest : public ModelViewTest {
     return FrameOf(View());
   }
   CLight& AddLight(std::size_t which, const std::array<double, 4>& direction) {
-    CLight& light = Grid().AddedLights().m_aLights[which];
+    CLight& light = Grid().Relighting().AddedLights().m_aLights[which];
     light.m_bActive = true;
     light.m_afDirection = direction;
     return light;
@@ -72,7 +72,7 @@ TEST_F(ModelDrawingTest, ModelWithoutTexturesAttachedIsPlainWhite) {
 
 TEST_F(ModelDrawingTest, DrawTextureChoosesTheImage) {
   LoadPicture(PlainPicture(kRed));
-  CTextureImages& images = Grid().Textures();
+  CTextureImages& images = Grid().Relighting().Textures();
   for (const auto& [which, channel] : {std::pair{CTextureImages::kKd, 1}, {CTextureImages::kIllumination, 2}}) {
     for (std::size_t k = 0; k < images.Image(which).size(); ++k)
       images.Image(which)[k] = static_cast<int>(k % 3) == channel ? 255 : 0;
@@ -127,14 +127,14 @@ TEST_F(ModelDrawingTest, LightTurnedOffShinesNoMore) {
   AddLight(0, {0, 0, 1, 0}).m_afColour = {0.5, 0, 0};
   AddLight(1, {0, 0, 1, 0}).m_afColour = {0, 0.5, 0};
   Shade();
-  Grid().AddedLights().m_aLights[0].m_bActive = false;
+  Grid().Relighting().AddedLights().m_aLights[0].m_bActive = false;
   EXPECT_NEAR(Shade().m_uRed, 0, 1);
-  Grid().AddedLights().m_aLights[1].m_bActive = false;
+  Grid().Relighting().AddedLights().m_aLights[1].m_bActive = false;
   EXPECT_EQ(Shade(), kWhite) << "without any light the model is drawn unlit";
 }
 
 TEST_F(ModelDrawingTest, RemovedLightsDoNotShine) {
-  Grid().RemovedLights().m_aLights[0] = {true, false, {0, 0, 1, 0}, {0.5, 0, 0}};
+  Grid().Relighting().RemovedLights().m_aLights[0] = {true, false, {0, 0, 1, 0}, {0.5, 0, 0}};
   EXPECT_EQ(Shade(), kWhite);
 }
 
@@ -358,7 +358,7 @@ TEST_F(ModelDrawingTest, TexelNormalsAreSegmentsOnTheSurface) {
 }
 
 TEST_F(ModelDrawingTest, MarkerShowsAnActiveLightThatIsToBeDrawn) {
-  for (CLightSet* set : {&Grid().RemovedLights(), &Grid().AddedLights()}) {
+  for (CLightSet* set : {&Grid().Relighting().RemovedLights(), &Grid().Relighting().AddedLights()}) {
     for (std::size_t k = 0; k < CLightSet::kAmbient; ++k) {
       CLight& light = set->m_aLights[k];
       light.m_afDirection = {1, 0.5, 0.5, 0};

@@ -33,15 +33,15 @@ class ModelViewKeysTest : public ModelViewTest {
     std::ostringstream out;
     out.precision(17);
     out << camera.m_Eye.x << ' ' << camera.m_Eye.y << ' ' << camera.m_Eye.z << ' ' << camera.m_Up.x << ' '
-        << camera.m_Up.y << ' ' << camera.m_fR << ' ' << Grid().RemovedLights() << Grid().AddedLights()
-        << Grid().GetSelectedHeight() << ' ' << View().DisplayFlags();
+        << camera.m_Up.y << ' ' << camera.m_fR << ' ' << Grid().Relighting().RemovedLights()
+        << Grid().Relighting().AddedLights() << Grid().GetSelectedHeight() << ' ' << View().DisplayFlags();
     return out.str();
   }
   template <typename Act>
   std::string Outcome(Act&& act) {
     View().ResetCamera();
-    Grid().RemovedLights() = CLightSet::Removed();
-    Grid().AddedLights() = CLightSet::Added();
+    Grid().Relighting().RemovedLights() = CLightSet::Removed();
+    Grid().Relighting().AddedLights() = CLightSet::Added();
     Grid().SetSelectedHeight(3);
     const std::string before = State();
     act();

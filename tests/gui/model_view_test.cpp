@@ -198,15 +198,15 @@ TEST_F(ModelViewEventsTest, EndOfTheDragIsTheEndOfItsEffect) {
 
 TEST_F(ModelViewEventsTest, AltTurnsTheHeldRemovedLightsAndCtrlTheAddedOnes) {
   for (const int state : {FL_ALT, FL_META, FL_CTRL}) {
-    Grid().RemovedLights() = Grid().AddedLights() = CLightSet{};
+    Grid().Relighting().RemovedLights() = Grid().Relighting().AddedLights() = CLightSet{};
     const CCamera camera = CameraAtStart();
     const std::array<double, 4> straight = CLight{}.m_afDirection;
     const CHeldKey one('1');
     const CHeldKey three(FL_KP + '3');
     Drag(FL_LEFT_MOUSE, 20, -15, state);
     ExpectSame(View().Camera(), camera);
-    const CLightSet& moved = state == FL_CTRL ? Grid().AddedLights() : Grid().RemovedLights();
-    const CLightSet& kept = state == FL_CTRL ? Grid().RemovedLights() : Grid().AddedLights();
+    const CLightSet& moved = state == FL_CTRL ? Grid().Relighting().AddedLights() : Grid().Relighting().RemovedLights();
+    const CLightSet& kept = state == FL_CTRL ? Grid().Relighting().RemovedLights() : Grid().Relighting().AddedLights();
     for (std::size_t k = 0; k < 5; ++k) {
       EXPECT_EQ(moved.m_aLights[k].m_afDirection, k == 0 || k == 2 ? Turned(camera, straight, 20, -15) : straight) << k;
       EXPECT_EQ(kept.m_aLights[k].m_afDirection, straight) << k;
@@ -218,7 +218,7 @@ TEST_F(ModelViewEventsTest, AltTurnsTheHeldRemovedLightsAndCtrlTheAddedOnes) {
 TEST_F(ModelViewEventsTest, WithoutADigitNoLightMoves) {
   const CCamera camera = CameraAtStart();
   Drag(FL_LEFT_MOUSE, 20, -15, FL_CTRL);
-  EXPECT_EQ(Grid().AddedLights().m_aLights[0].m_afDirection, CLight{}.m_afDirection);
+  EXPECT_EQ(Grid().Relighting().AddedLights().m_aLights[0].m_afDirection, CLight{}.m_afDirection);
   ExpectSame(View().Camera(), camera);
   EXPECT_EQ(m_Host.m_iLightMoves, 0);
 }

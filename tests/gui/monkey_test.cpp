@@ -106,7 +106,7 @@ class MonkeyTest : public ::testing::Test {
     Check(MenuEntry::DebugInterface, true);
     EndFreezing();
     ChooseAndWait(MenuEntry::LoadImage);
-    EXPECT_EQ(m_Grid.Textures().PictureWidth(), kPhotographWidth);
+    EXPECT_EQ(m_Grid.Relighting().Textures().PictureWidth(), kPhotographWidth);
     ChooseAndWait(MenuEntry::LoadGrid);
     m_Grid.GetLightSource(0, kRemovedLights)->m_bActive = true;
     m_Grid.GetKd();

@@ -68,8 +68,8 @@ class RelightingRunTest : public RunTest {
     ASSERT_TRUE(m_Program.Rests());
     CTestGrid saved;
     ASSERT_EQ(saved.m_Grid.Load(File("lit.grid").string()), GridFileState::Whole);
-    const auto& removed = saved.m_Grid.RemovedLights().m_aLights;
-    const auto& added = saved.m_Grid.AddedLights().m_aLights;
+    const auto& removed = saved.m_Grid.Relighting().RemovedLights().m_aLights;
+    const auto& added = saved.m_Grid.Relighting().AddedLights().m_aLights;
     ExpectNear(AnglesOf(removed[0].Direction()), 55, 135);
     ExpectNear(AnglesOf(added[0].Direction()), 55, 0);
     for (const auto& lights : {removed, added}) {
@@ -154,7 +154,7 @@ TEST_F(RelightingRunTest, DigitsChooseLightsWhileTheyAreTurned) {
   ASSERT_TRUE(m_Program.Rests());
   CTestGrid saved;
   ASSERT_EQ(saved.m_Grid.Load(File("turned.grid").string()), GridFileState::Whole);
-  const CLightSet& removed = saved.m_Grid.RemovedLights();
+  const CLightSet& removed = saved.m_Grid.Relighting().RemovedLights();
   const CLightSet none = CLightSet::Removed();
   for (const std::size_t k : {1U, 2U})
     EXPECT_NE(removed.m_aLights[k].m_afDirection, none.m_aLights[k].m_afDirection) << k;

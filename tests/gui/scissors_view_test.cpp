@@ -53,7 +53,7 @@ class ScissorsViewTest : public ToolkitTest {
       const auto first = picture.m_aPixels.begin() + static_cast<std::ptrdiff_t>(y * row);
       stored.m_aPixels.insert(stored.m_aPixels.end(), first, first + static_cast<std::ptrdiff_t>(row));
     }
-    Grid().Textures().SetPicture(stored);
+    Grid().Relighting().Textures().SetPicture(stored);
     m_View.Open();
     ASSERT_TRUE(RunToolkitUntil([&] { return Window().has_value() && m_Screen.HasFocus(*Window()); }));
     ASSERT_TRUE(RunToolkitUntil([&] { return m_View.damage() == 0; }));

@@ -15,7 +15,7 @@ constexpr std::array kImages{CTextureImages::kPhotograph, CTextureImages::kKd, C
 
 class TexturesTest : public ModelViewTest {
  protected:
-  CTextureImages& Images() { return Grid().Textures(); }
+  CTextureImages& Images() { return Grid().Relighting().Textures(); }
   // Of the bound texture.
   static GLint Parameter(GLenum name) {
     GLint value = 0;

@@ -58,7 +58,7 @@ class ToolSetTest : public WindowTest {
     m_Dialogs.m_File = (m_Directory.Path() / name).string();
     m_Dialogs.m_bYes = withLights;
     Choose(MenuEntry::SaveGrid);
-    Grid().AddedLights() = Grid().RemovedLights() = meanwhile;
+    Grid().Relighting().AddedLights() = Grid().Relighting().RemovedLights() = meanwhile;
     Choose(MenuEntry::LoadGrid);
   }
   std::string Path(const char* name) const { return (m_Directory.Path() / name).string(); }
@@ -149,10 +149,10 @@ TEST_F(ToolSetTest, LightsThatAreLoadedAreShownInTheOpenPanel) {
   OpenLights();
   CLightSet saved = CLightSet::Removed();
   SwitchOn(saved, 0, {0.25, 0.5, 0.75}, {0, 1, 0});
-  Grid().RemovedLights() = saved;
+  Grid().Relighting().RemovedLights() = saved;
   SaveAndLoad("lit.grid", true, CLightSet::Removed());
   EXPECT_EQ(m_Dialogs.m_asQuestions, std::vector<std::string>{"Do you want to save lighting information ?"});
-  EXPECT_EQ(Grid().RemovedLights(), saved);
+  EXPECT_EQ(Grid().Relighting().RemovedLights(), saved);
   EXPECT_NE(Find<Fl_Button>(Panel("Light sources"), "Set the light active").value(), 0);
   EXPECT_NEAR(Value("Theta angle"), 90, 1e-5);
   EXPECT_EQ(Value("Blue"), 0.75);
@@ -164,8 +164,8 @@ TEST_F(ToolSetTest, FileWithoutLightsLeavesThem) {
   CLightSet meanwhile = CLightSet::Removed();
   SwitchOn(meanwhile, 0, {0.25, 0.5, 0.75});
   SaveAndLoad("unlit.grid", false, meanwhile);
-  EXPECT_EQ(Grid().RemovedLights(), meanwhile);
-  EXPECT_EQ(Grid().AddedLights(), meanwhile);
+  EXPECT_EQ(Grid().Relighting().RemovedLights(), meanwhile);
+  EXPECT_EQ(Grid().Relighting().AddedLights(), meanwhile);
   EXPECT_EQ(Value("Green"), 0.5);
 }
 
@@ -194,7 +194,7 @@ TEST_F(ToolSetTest, TextureButtonsShowWhatTheirLabelsSayUntilTheNextPicture) {
   OpenLights();
   Fl_Group& options = Find<Fl_Group>(Panel("Light sources"), "Texture Option");
   EXPECT_FALSE(options.active());
-  SwitchOn(Grid().RemovedLights(), 0, {1, 1, 1});
+  SwitchOn(Grid().Relighting().RemovedLights(), 0, {1, 1, 1});
   Push("Update\nKd");
   EXPECT_TRUE(options.active());
   for (const auto& [label, texture] : {std::pair{kOriginal, 3}, {kKd, 1}, {kNewIllumination, 2}}) {
@@ -213,18 +213,18 @@ TEST_F(ToolSetTest, UpdatesFirstTakeTheNormalsOfTheTree) {
   for (const char* label : {"Update\ntexels\nnormals", "Update\ntexels\nInterpolation"}) {
     SetHeights(Grid().Lattice(), CFlat{});
     Push(label);
-    for (const Vector3& normal : Grid().Texels().Normals()) EXPECT_NEAR(normal.z, 1, 1e-12) << label;
+    for (const Vector3& normal : Grid().Relighting().Texels().Normals()) EXPECT_NEAR(normal.z, 1, 1e-12) << label;
     SetHeights(Grid().Lattice(), CRamp{});
     Push(label);
-    for (const Vector3& normal : Grid().Texels().Normals()) EXPECT_LT(normal.z, 0.99) << label;
+    for (const Vector3& normal : Grid().Relighting().Texels().Normals()) EXPECT_LT(normal.z, 0.99) << label;
   }
 }
 
 TEST_F(ToolSetTest, ImagesFollowALightTurnedInTheModelOnceTheyExist) {
   LoadPicture();
   OpenLights();
-  SwitchOn(Grid().RemovedLights(), 0, {1, 1, 1});
-  const auto revision = [this] { return Grid().Textures().Revision(CTextureImages::kKd); };
+  SwitchOn(Grid().Relighting().RemovedLights(), 0, {1, 1, 1});
+  const auto revision = [this] { return Grid().Relighting().Textures().Revision(CTextureImages::kKd); };
   const unsigned loaded = revision();
   m_Window.LightsMoved();
   DrawBoth();
@@ -243,7 +243,7 @@ TEST_F(ToolSetTest, LightTurnedInTheModelIsThatOfThePanelAndItFollows) {
   OpenLights();
   Push("Light 3");
   EXPECT_EQ(m_Window.CurrentLight(), 2);
-  Grid().RemovedLights().m_aLights[2].SetDirection({0, -1, 0});
+  Grid().Relighting().RemovedLights().m_aLights[2].SetDirection({0, -1, 0});
   m_Window.LightsMoved();
   EXPECT_NEAR(Value("Theta angle"), 90, 1e-5);
   EXPECT_NEAR(Value("Phi angle"), 270, 1e-5);

@@ -212,10 +212,10 @@ TEST(DamagedGridFile, KeepsTheLightsThereAreWhereItsOwnAreCutShort) {
   CTestGrid test;
   std::ostringstream lights;
   WriteLights(lights, test.m_Grid);
-  test.m_Grid.AddedLights().m_aLights[0].m_bActive = true;
+  test.m_Grid.Relighting().AddedLights().m_aLights[0].m_bActive = true;
   const std::string whole = Replaced(kShort, "\n\nE\n", lights.str());
   EXPECT_EQ(ReadText(test.m_Grid, whole.substr(0, whole.size() - 10)), GridFileState::Damaged);
-  EXPECT_TRUE(test.m_Grid.AddedLights().m_aLights[0].m_bActive);
+  EXPECT_TRUE(test.m_Grid.Relighting().AddedLights().m_aLights[0].m_bActive);
 }
 
 class NoGridFile : public testing::TestWithParam<const char*> {};

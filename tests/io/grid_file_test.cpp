@@ -251,25 +251,25 @@ TEST(GridFileLights, AreAskedForAfterTheRestAndGoIntoTheFileOnYes) {
 
 TEST(GridFileLights, StayAsTheyAreWhenTheFileHasNone) {
   CSmallModel model;
-  model.m_Grid.RemovedLights().m_aLights[2].m_afColour = {0.25, 0.5, 0.75};
-  const CLightSet before = model.m_Grid.RemovedLights();
+  model.m_Grid.Relighting().RemovedLights().m_aLights[2].m_afColour = {0.25, 0.5, 0.75};
+  const CLightSet before = model.m_Grid.Relighting().RemovedLights();
   ASSERT_EQ(ReadText(model.m_Grid, BytesOf(kGolden / "small.grid")), GridFileState::Whole);
-  EXPECT_EQ(model.m_Grid.RemovedLights(), before);
+  EXPECT_EQ(model.m_Grid.Relighting().RemovedLights(), before);
 }
 
 TEST(GridFileLights, ComeBack) {
   CSmallModel model;
-  model.m_Grid.RemovedLights().m_aLights[2].m_afColour = {0.25, 0.5, 0.75};
-  model.m_Grid.AddedLights().m_aLights[4].m_bActive = true;
-  const CLightSet removed = model.m_Grid.RemovedLights();
-  const CLightSet added = model.m_Grid.AddedLights();
+  model.m_Grid.Relighting().RemovedLights().m_aLights[2].m_afColour = {0.25, 0.5, 0.75};
+  model.m_Grid.Relighting().AddedLights().m_aLights[4].m_bActive = true;
+  const CLightSet removed = model.m_Grid.Relighting().RemovedLights();
+  const CLightSet added = model.m_Grid.Relighting().AddedLights();
   std::ostringstream out;
   WriteGrid(out, model.m_Grid);
   WriteLights(out, model.m_Grid);
-  model.m_Grid.RemovedLights() = model.m_Grid.AddedLights() = CLightSet{};
+  model.m_Grid.Relighting().RemovedLights() = model.m_Grid.Relighting().AddedLights() = CLightSet{};
   ASSERT_EQ(ReadText(model.m_Grid, out.str()), GridFileState::Whole);
-  EXPECT_EQ(model.m_Grid.RemovedLights(), removed);
-  EXPECT_EQ(model.m_Grid.AddedLights(), added);
+  EXPECT_EQ(model.m_Grid.Relighting().RemovedLights(), removed);
+  EXPECT_EQ(model.m_Grid.Relighting().AddedLights(), added);
 }
 
 // Rounding the nodes of a curve to six digits may make it meet other cells, and so change the numbering.

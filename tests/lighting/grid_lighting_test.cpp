@@ -47,7 +47,7 @@ TEST(GridLighting, WithoutAPictureEveryPassLogsItsOwnLine) {
 
 TEST(GridLighting, ImagesWithoutTexelsOfTheirSizeCountAsNoPicture) {
   CPictureGrid test(4, 4);
-  test.m_Grid.Textures().SetPicture(PlainPicture(5, 4));
+  test.m_Grid.Relighting().Textures().SetPicture(PlainPicture(5, 4));
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.GetKd(); }), kKdStart + "Error CGrid::GetKd\t\tNo texture loaded\n");
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.ComputeNormalsOnly(); }),
             "Error CGrid::ComputeNormalsOnly()\tNo texture loaded\n");
@@ -63,24 +63,24 @@ TEST(GridLighting, PassesLogTheirBeginningAndEnd) {
 
 TEST(GridLighting, GetKdStopsWithoutALightToRemove) {
   CPictureGrid test(300, 200);
-  SwitchOn(test.m_Grid.AddedLights(), 0, {1, 1, 1});
+  SwitchOn(test.m_Grid.Relighting().AddedLights(), 0, {1, 1, 1});
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.GetKd(); }), kKdStart + "CGrid::GetKd\t\tNo lights to be removed\n");
-  EXPECT_FALSE(test.m_Grid.Albedo().IsComputed());
+  EXPECT_FALSE(test.m_Grid.Relighting().Albedo().IsComputed());
 }
 
 TEST(GridLighting, GetKdGoesOnWithoutALightToAdd) {
   CPictureGrid test(300, 200);
-  SwitchOn(test.m_Grid.RemovedLights(), 0, {1, 1, 1});
+  SwitchOn(test.m_Grid.Relighting().RemovedLights(), 0, {1, 1, 1});
   EXPECT_EQ(
       LinesOf(test, [](CGrid& g) { g.GetKd(); }),
       kKdStart + "CGrid::GetKd\t\tNo light to be added ; the system will only show the Kd map\n" + kKdSizes + kKdDone);
-  EXPECT_TRUE(test.m_Grid.Albedo().IsComputed());
+  EXPECT_TRUE(test.m_Grid.Relighting().Albedo().IsComputed());
 }
 
 TEST(GridLighting, GetKdLogsTheSizes) {
   CPictureGrid test(300, 200);
-  SwitchOn(test.m_Grid.RemovedLights(), 4, {1, 1, 1});
-  SwitchOn(test.m_Grid.AddedLights(), 4, {1, 1, 1});
+  SwitchOn(test.m_Grid.Relighting().RemovedLights(), 4, {1, 1, 1});
+  SwitchOn(test.m_Grid.Relighting().AddedLights(), 4, {1, 1, 1});
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.GetKd(); }), kKdStart + kKdSizes + kKdDone);
 }
 
@@ -88,8 +88,8 @@ TEST(GridLighting, LightsAreFoundByIndexAndType) {
   CTestGrid test;
   for (int k = 0; k < 5; ++k) {
     const auto index = static_cast<std::size_t>(k);
-    EXPECT_EQ(test.m_Grid.GetLightSource(k, 1), &test.m_Grid.RemovedLights().m_aLights[index]);
-    EXPECT_EQ(test.m_Grid.GetLightSource(k, 2), &test.m_Grid.AddedLights().m_aLights[index]);
+    EXPECT_EQ(test.m_Grid.GetLightSource(k, 1), &test.m_Grid.Relighting().RemovedLights().m_aLights[index]);
+    EXPECT_EQ(test.m_Grid.GetLightSource(k, 2), &test.m_Grid.Relighting().AddedLights().m_aLights[index]);
   }
   EXPECT_EQ(test.m_Grid.GetLightSource(5, 1), nullptr);
   EXPECT_EQ(test.m_Grid.GetLightSource(-1, 2), nullptr);
@@ -106,38 +106,39 @@ TEST(GridLighting, LightsOfAnUnknownTypeAreRefused) {
 
 TEST(GridLighting, LightsStartInTheirSetsAndOutliveANewGrid) {
   CTestGrid test;
-  EXPECT_EQ(test.m_Grid.RemovedLights(), CLightSet::Removed());
-  EXPECT_EQ(test.m_Grid.AddedLights(), CLightSet::Added());
-  SwitchOn(test.m_Grid.AddedLights(), 2, {0.5, 0.25, 1}, {1, 1, 1});
-  const CLightSet added = test.m_Grid.AddedLights();
+  EXPECT_EQ(test.m_Grid.Relighting().RemovedLights(), CLightSet::Removed());
+  EXPECT_EQ(test.m_Grid.Relighting().AddedLights(), CLightSet::Added());
+  SwitchOn(test.m_Grid.Relighting().AddedLights(), 2, {0.5, 0.25, 1}, {1, 1, 1});
+  const CLightSet added = test.m_Grid.Relighting().AddedLights();
   test.Initialize(1);
-  EXPECT_EQ(test.m_Grid.AddedLights(), added);
+  EXPECT_EQ(test.m_Grid.Relighting().AddedLights(), added);
 }
 
 TEST(GridPicture, ANewOneReplacesAllThatHungOnTheOld) {
   CPictureGrid test(8, 8);
-  SwitchOn(test.m_Grid.RemovedLights(), 4, {1, 1, 1});
+  SwitchOn(test.m_Grid.Relighting().RemovedLights(), 4, {1, 1, 1});
   test.m_Grid.ComputeCoefsTexels();
   test.m_Grid.GetKd();
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { EXPECT_TRUE(g.SetPicture(PlainPicture(5, 3))); }), "");
-  EXPECT_EQ(test.m_Grid.Textures().PictureWidth(), 5);
-  EXPECT_EQ(test.m_Grid.Texels().Mask().size(), 15U);
-  EXPECT_FALSE(test.m_Grid.Albedo().IsComputed());
+  EXPECT_EQ(test.m_Grid.Relighting().Textures().PictureWidth(), 5);
+  EXPECT_EQ(test.m_Grid.Relighting().Texels().Mask().size(), 15U);
+  EXPECT_FALSE(test.m_Grid.Relighting().Albedo().IsComputed());
   test.m_Grid.GetKd();
-  for (const Vector3& normal : test.m_Grid.Texels().Normals()) EXPECT_EQ(normal, (Vector3{0, 0, 1}));
-  EXPECT_EQ(test.m_Grid.Albedo().Kd().size(), 45U);
+  for (const Vector3& normal : test.m_Grid.Relighting().Texels().Normals()) EXPECT_EQ(normal, (Vector3{0, 0, 1}));
+  EXPECT_EQ(test.m_Grid.Relighting().Albedo().Kd().size(), 45U);
 }
 
 TEST(GridPicture, OneThatMemoryDoesNotHoldIsRefusedAndNothingIsLost) {
   CPictureGrid test(8, 8);
   test.m_Grid.ComputeCoefsTexels();
-  const std::vector<Vector3> normals(test.m_Grid.Texels().Normals().begin(), test.m_Grid.Texels().Normals().end());
-  const unsigned revision = test.m_Grid.Textures().Revision(CTextureImages::kPhotograph);
+  const std::vector<Vector3> normals(test.m_Grid.Relighting().Texels().Normals().begin(),
+                                     test.m_Grid.Relighting().Texels().Normals().end());
+  const unsigned revision = test.m_Grid.Relighting().Textures().Revision(CTextureImages::kPhotograph);
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { EXPECT_FALSE(g.SetPicture(PlainPicture(300, 200), 1e6)); }),
             "Error CGrid::SetPicture\t\tNot enough memory for a picture of 300 by 200 texels\n");
-  EXPECT_EQ(test.m_Grid.Textures().PictureWidth(), 8);
-  EXPECT_EQ(test.m_Grid.Textures().Revision(CTextureImages::kPhotograph), revision);
-  EXPECT_TRUE(std::ranges::equal(test.m_Grid.Texels().Normals(), normals));
+  EXPECT_EQ(test.m_Grid.Relighting().Textures().PictureWidth(), 8);
+  EXPECT_EQ(test.m_Grid.Relighting().Textures().Revision(CTextureImages::kPhotograph), revision);
+  EXPECT_TRUE(std::ranges::equal(test.m_Grid.Relighting().Texels().Normals(), normals));
 }
 
 TEST(GridPicture, ItsNeedCountsTexelsAndPaddedTextures) {
@@ -154,13 +155,13 @@ TEST(GridPicture, AnEmptyOrBrokenOneIsRefusedSilently) {
   broken.m_aPixels.pop_back();
   for (const CPicture& picture : {CPicture{}, CPicture{0, 5, {}}, CPicture{-1, -1, {0, 0, 0}}, broken})
     EXPECT_EQ(LinesOf(test, [&](CGrid& g) { EXPECT_FALSE(g.SetPicture(picture)); }), "");
-  EXPECT_EQ(test.m_Grid.Textures().PictureWidth(), 8);
+  EXPECT_EQ(test.m_Grid.Relighting().Textures().PictureWidth(), 8);
 }
 
 TEST(GridPicture, IsTexturedAtTheNextPowersOfTwo) {
   CPictureGrid test(300, 200);
-  EXPECT_EQ(test.m_Grid.Textures().TextureWidth(), 512);
-  EXPECT_EQ(test.m_Grid.Textures().TextureHeight(), 256);
+  EXPECT_EQ(test.m_Grid.Relighting().Textures().TextureWidth(), 512);
+  EXPECT_EQ(test.m_Grid.Relighting().Textures().TextureHeight(), 256);
 }
 
 // Marks a cell the way a curve does, without a rebuild of the maps.
@@ -170,10 +171,10 @@ TEST(GridTexels, TheMaskFollowsARebuildOfTheMaps) {
   CPictureGrid test(16, 16);
   MarkCell(test.m_Grid, 2, 1, 1);
   test.m_Grid.TestTexelsInDiscontinuity();
-  EXPECT_NE(std::ranges::count(test.m_Grid.Texels().Mask(), 1), 0);
+  EXPECT_NE(std::ranges::count(test.m_Grid.Relighting().Texels().Mask(), 1), 0);
   test.m_Grid.SetDiscMap();
   EXPECT_NE(test.m_Console.Take().find(kMaskDone), std::string::npos);
-  EXPECT_EQ(std::ranges::count(test.m_Grid.Texels().Mask(), 1), 0);
+  EXPECT_EQ(std::ranges::count(test.m_Grid.Relighting().Texels().Mask(), 1), 0);
 }
 
 TEST(GridTexels, ARebuildWithoutAPictureTestsNone) {
@@ -186,11 +187,11 @@ TEST(GridTexels, TheMaskFollowsANewGrid) {
   MarkCell(test.m_Grid, 2, 1, 1);
   test.m_Grid.TestTexelsInDiscontinuity();
   test.Initialize(2);
-  EXPECT_EQ(std::ranges::count(test.m_Grid.Texels().Mask(), 1), 0);
+  EXPECT_EQ(std::ranges::count(test.m_Grid.Relighting().Texels().Mask(), 1), 0);
 }
 
 void ExpectNormalsOfTheSurface(const CGrid& grid) {
-  const CTexelMap& texels = grid.Texels();
+  const CTexelMap& texels = grid.Relighting().Texels();
   const int cells = grid.PointsPerSide() - 1;
   ASSERT_FALSE(texels.Normals().empty());
   for (std::size_t i = 0; i < texels.Normals().size(); ++i) {
@@ -212,7 +213,7 @@ TEST(GridTexels, AfterANewGridOfAnotherLevelNormalsAreOfItsTree) {
 
 TEST(GridTexels, AfterARebuildOfTheMapsKdIsOfTheNewTree) {
   CPictureGrid test(16, 16);
-  SwitchOn(test.m_Grid.RemovedLights(), 4, {1, 1, 1});
+  SwitchOn(test.m_Grid.Relighting().RemovedLights(), 4, {1, 1, 1});
   test.m_Grid.Subdivision().Root().Child(0).Child(0).subdiv();
   test.m_Grid.Post(Operation::kRebuildMaps);
   test.m_Grid.PerformPendingWork();
@@ -222,12 +223,13 @@ TEST(GridTexels, AfterARebuildOfTheMapsKdIsOfTheNewTree) {
 
 TEST(GridTexels, OnASurfaceThatMovesNormalsChangeOnlyWhenAsked) {
   CPictureGrid test(16, 16);
-  SwitchOn(test.m_Grid.RemovedLights(), 4, {1, 1, 1});
+  SwitchOn(test.m_Grid.Relighting().RemovedLights(), 4, {1, 1, 1});
   test.m_Grid.ComputeCoefsTexels();
-  const std::vector<Vector3> before(test.m_Grid.Texels().Normals().begin(), test.m_Grid.Texels().Normals().end());
+  const std::vector<Vector3> before(test.m_Grid.Relighting().Texels().Normals().begin(),
+                                    test.m_Grid.Relighting().Texels().Normals().end());
   SetRandomSurface(test.m_Grid, 9);
   test.m_Grid.GetKd();
-  EXPECT_TRUE(std::ranges::equal(test.m_Grid.Texels().Normals(), before));
+  EXPECT_TRUE(std::ranges::equal(test.m_Grid.Relighting().Texels().Normals(), before));
   test.m_Grid.ComputeNormalsOnly();
   ExpectNormalsOfTheSurface(test.m_Grid);
 }
@@ -235,14 +237,14 @@ TEST(GridTexels, OnASurfaceThatMovesNormalsChangeOnlyWhenAsked) {
 TEST(GridTexels, CanBeLocatedForDrawing) {
   CPictureGrid test(5, 4);
   test.m_Grid.LocateTexels();
-  ASSERT_EQ(test.m_Grid.Texels().Records().size(), 20U);
-  EXPECT_TRUE(test.m_Grid.Texels().Records()[7].IsLocated());
+  ASSERT_EQ(test.m_Grid.Relighting().Texels().Records().size(), 20U);
+  EXPECT_TRUE(test.m_Grid.Relighting().Texels().Records()[7].IsLocated());
 }
 
 TEST(GridKd, AllocatesNothingPerTexel) {
   CPictureGrid test(64, 64);
-  SwitchOn(test.m_Grid.RemovedLights(), 0, {1, 1, 1});
-  SwitchOn(test.m_Grid.AddedLights(), 0, {1, 1, 1});
+  SwitchOn(test.m_Grid.Relighting().RemovedLights(), 0, {1, 1, 1});
+  SwitchOn(test.m_Grid.Relighting().AddedLights(), 0, {1, 1, 1});
   const ConsoleCapture lines;
   const std::size_t before = AllocationCount();
   test.m_Grid.GetKd();

@@ -48,15 +48,17 @@ struct CPhotographedBump : CTestGrid {
     m_Grid.ComputeCoefsTexels();
     m_Grid.SetPicture(ThroughFile(Photograph()));
     m_Grid.ComputeCoefsTexels();
-    m_Grid.RemovedLights() = KnownLights();
+    m_Grid.Relighting().RemovedLights() = KnownLights();
   }
 
-  Vector3 ShadingAt(std::size_t texel) const { return CShading(KnownLights()).Of(m_Grid.Texels().Normals()[texel]); }
+  Vector3 ShadingAt(std::size_t texel) const {
+    return CShading(KnownLights()).Of(m_Grid.Relighting().Texels().Normals()[texel]);
+  }
 
   CPicture Photograph() const {
     CPicture picture = PlainPicture(kSide, kSide);
     const auto byte = [](double value) { return static_cast<std::uint8_t>(std::lround(255 * value)); };
-    for (std::size_t i = 0; i < m_Grid.Texels().Normals().size(); ++i) {
+    for (std::size_t i = 0; i < m_Grid.Relighting().Texels().Normals().size(); ++i) {
       const Vector3 s = ShadingAt(i);
       picture.m_aPixels[3 * i] = byte(kAlbedo.x * s.x);
       picture.m_aPixels[3 * i + 1] = byte(kAlbedo.y * s.y);
@@ -78,7 +80,7 @@ TEST(Relighting, ThePhotographOutlivesItsFile) {
 TEST(Relighting, ALitBumpGivesBackAConstantAlbedo) {
   CPhotographedBump test;
   test.m_Grid.GetKd();
-  const auto kd = test.m_Grid.Albedo().Kd();
+  const auto kd = test.m_Grid.Relighting().Albedo().Kd();
   int bright = 0;
   for (std::size_t i = 0; 3 * i < kd.size(); ++i) {
     const Vector3 s = test.ShadingAt(i);
@@ -105,9 +107,9 @@ TEST(Relighting, TheBumpIsShadedAllOver) {
 
 TEST(Relighting, TheSameLightsRemovedAndAddedGiveBackThePhotograph) {
   CPhotographedBump test;
-  test.m_Grid.AddedLights() = KnownLights();
+  test.m_Grid.Relighting().AddedLights() = KnownLights();
   test.m_Grid.GetKd();
-  const CTextureImages& images = test.m_Grid.Textures();
+  const CTextureImages& images = test.m_Grid.Relighting().Textures();
   ASSERT_EQ(images.PictureWidth(), kSide);
   const auto photograph = images.Image(CTextureImages::kPhotograph);
   const auto relit = images.Image(CTextureImages::kIllumination);

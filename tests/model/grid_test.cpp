@@ -266,18 +266,18 @@ TEST(GridTest, NotKeepingEmptiesBothConstraintLists) {
 
 TEST(GridTest, LightsOutliveInitialize) {
   CTestGrid test;
-  test.m_Grid.RemovedLights().m_aLights[2].m_bActive = true;
-  test.m_Grid.AddedLights().m_aLights[CLightSet::kAmbient].m_afColour = {0.25, 0.5, 0.75};
+  test.m_Grid.Relighting().RemovedLights().m_aLights[2].m_bActive = true;
+  test.m_Grid.Relighting().AddedLights().m_aLights[CLightSet::kAmbient].m_afColour = {0.25, 0.5, 0.75};
   test.Initialize(3, false);
-  EXPECT_TRUE(test.m_Grid.RemovedLights().m_aLights[2].m_bActive);
-  EXPECT_EQ(test.m_Grid.AddedLights().m_aLights[4].m_afColour, (std::array{0.25, 0.5, 0.75}));
-  EXPECT_FALSE(test.m_Grid.AddedLights().m_aLights[2].m_bActive);
+  EXPECT_TRUE(test.m_Grid.Relighting().RemovedLights().m_aLights[2].m_bActive);
+  EXPECT_EQ(test.m_Grid.Relighting().AddedLights().m_aLights[4].m_afColour, (std::array{0.25, 0.5, 0.75}));
+  EXPECT_FALSE(test.m_Grid.Relighting().AddedLights().m_aLights[2].m_bActive);
 }
 
 TEST(GridTest, EachLightSetHoldsFiveLights) {
   CTestGrid test;
-  EXPECT_EQ(test.m_Grid.RemovedLights().m_aLights.size(), 5U);
-  EXPECT_EQ(test.m_Grid.AddedLights().m_aLights.size(), 5U);
+  EXPECT_EQ(test.m_Grid.Relighting().RemovedLights().m_aLights.size(), 5U);
+  EXPECT_EQ(test.m_Grid.Relighting().AddedLights().m_aLights.size(), 5U);
 }
 
 TEST(GridTest, HighResolutionMakesTheOtherRecordTheCurrentOne) {

@@ -39,7 +39,7 @@ int TexelAt(double place, double low, double high, int count) {
 
 // All is 0 until the map has been computed.
 void LogAlbedo(const CGrid& grid, const CPlanePoint& place) {
-  const CTextureImages& images = grid.Textures();
+  const CTextureImages& images = grid.Relighting().Textures();
   if (!images.HasPicture()) return;
   const CExtent& e = grid.Lattice().Extent();
   const int xt = TexelAt(place.x, e.x0, e.x1, images.PictureWidth());
@@ -47,7 +47,8 @@ void LogAlbedo(const CGrid& grid, const CPlanePoint& place) {
   std::array<double, 3> kd{};
   const std::size_t at = 3 * (static_cast<std::size_t>(yt) * static_cast<std::size_t>(images.PictureWidth()) +
                               static_cast<std::size_t>(xt));
-  if (at + 3 <= grid.Albedo().Kd().size()) std::ranges::copy(grid.Albedo().Kd().subspan(at, 3), kd.begin());
+  if (at + 3 <= grid.Relighting().Albedo().Kd().size())
+    std::ranges::copy(grid.Relighting().Albedo().Kd().subspan(at, 3), kd.begin());
   std::array<char, 1100> line{};
   std::snprintf(line.data(), line.size(), "xt : %d , yt : %d , kdr : %f , kdg : %f , kdb : %f", xt, yt, kd[0], kd[1],
                 kd[2]);

@@ -124,7 +124,7 @@ bool CImageView::LoadImage(const std::string& filename) {
             << '\n';
   if (m_pTextures != nullptr && shown() != 0) {
     make_current();
-    m_pTextures->Load(m_pGrid->Textures());
+    m_pTextures->Load(m_pGrid->Relighting().Textures());
   }
   m_pGrid->TestTexelsInDiscontinuity();
   m_TextureFileName = filename;

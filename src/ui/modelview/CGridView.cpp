@@ -84,7 +84,7 @@ void CGridView::DrawScene() {
   // As many texels take a moment to be located and given their normals.
   constexpr std::size_t kManyTexels = 1'000'000;
   const bool texels = (m_View.m_uFlags & ModelFlag::kTexelNormals) != 0;
-  const CBusyCursor busy(texels && m_pGrid->Texels().Mask().size() > kManyTexels);
+  const CBusyCursor busy(texels && m_pGrid->Relighting().Texels().Mask().size() > kManyTexels);
   const auto [red, green, blue, alpha] = g_DrawingSettings.m_afBackground;
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_LEQUAL);
@@ -210,8 +210,8 @@ void CGridView::TurnLights(int dx, int dy, bool removed, bool added) {
   bool any = false;
   for (int k = 0; k < kDigitLights; ++k) {
     if (digit ? !IsDigitHeld(k + 1) : k != m_pHost->CurrentLight()) continue;
-    if (removed) turn(m_pGrid->RemovedLights().m_aLights[static_cast<std::size_t>(k)]);
-    if (added) turn(m_pGrid->AddedLights().m_aLights[static_cast<std::size_t>(k)]);
+    if (removed) turn(m_pGrid->Relighting().RemovedLights().m_aLights[static_cast<std::size_t>(k)]);
+    if (added) turn(m_pGrid->Relighting().AddedLights().m_aLights[static_cast<std::size_t>(k)]);
     any = true;
   }
   if (any) m_pHost->LightsMoved();

@@ -49,8 +49,8 @@ CScissorsView::~CScissorsView() {
 }
 
 void CScissorsView::Open() {
-  if (IsOpen() || !m_Grid.Textures().HasPicture()) return;
-  m_pTool = std::make_unique<CScissorsTool>(CopyPhotograph(m_Grid.Textures()));
+  if (IsOpen() || !m_Grid.Relighting().Textures().HasPicture()) return;
+  m_pTool = std::make_unique<CScissorsTool>(CopyPhotograph(m_Grid.Relighting().Textures()));
   m_Viewport.emplace(m_pTool->Image().m_iWidth, m_pTool->Image().m_iHeight);
   m_bMouseInside = false;
   m_bPanning = false;
@@ -172,7 +172,7 @@ bool CScissorsView::OnKey() {
 
 void CScissorsView::ExportContour() {
   Console() << "CScissorsView::ExportContour()\n";
-  const CTextureImages& images = m_Grid.Textures();
+  const CTextureImages& images = m_Grid.Relighting().Textures();
   m_pTool->Contours().HandOver([&](const CTracedContour& contour) {
     return m_Host.AddTracedCurve(
         PlanePointsOf(contour, m_Grid.Lattice().Extent(), images.PictureWidth(), images.PictureHeight()));

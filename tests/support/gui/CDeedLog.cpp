@@ -70,7 +70,7 @@ CDeedLog::CState CDeedLog::Present() const {
   }
   state.m_iLeaves = m_Grid.Tree().LeafCount();
   state.m_iHighResolution = g_bHighRes;
-  state.m_uPicture = m_Grid.Textures().Revision(CTextureImages::kPhotograph);
+  state.m_uPicture = m_Grid.Relighting().Textures().Revision(CTextureImages::kPhotograph);
   state.m_iMainSize = SizeOf(m_Window);
   for (Fl_Window* w = Fl::first_window(); w != nullptr; w = Fl::next_window(w)) {
     if (const auto* recorder = dynamic_cast<AnimationRecorder*>(w))

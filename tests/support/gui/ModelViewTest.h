@@ -116,9 +116,9 @@ class ModelViewTest : public ToolkitTest {
     View().SetFlag(flags, true);
   }
   void LoadPicture(const CPicture& picture) {
-    Grid().Textures().SetPicture(picture);
+    Grid().Relighting().Textures().SetPicture(picture);
     View().make_current();
-    m_Textures.Load(Grid().Textures());
+    m_Textures.Load(Grid().Relighting().Textures());
   }
   /// The pixel of a frame that shows a point of the flat model, seen from the front.
   CRgb ColourAt(const CPicture& frame, double x, double y) {

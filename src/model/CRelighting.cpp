@@ -1,4 +1,4 @@
-// The picture on the surface: where its texels lie, and the light taken out of it and put into it.
+#include "model/CRelighting.h"
 
 #include <algorithm>
 #include <new>
@@ -6,7 +6,7 @@
 
 #include "base/Console.h"
 #include "lighting/CShading.h"
-#include "model/CGrid.h"
+#include "quadtree/Interpolation.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ bool IsWhole(const CPicture& picture) {
 
 }  // namespace
 
-bool CGrid::SetPicture(const CPicture& picture, double memory) {
+bool CRelighting::SetPicture(const CPicture& picture, const CInterpolation& surface, double memory) {
   if (!IsWhole(picture)) return false;
   const auto refuse = [&picture] {
     Console() << "Error CGrid::SetPicture\t\tNot enough memory for a picture of " << picture.m_iWidth << " by "
@@ -42,7 +42,7 @@ bool CGrid::SetPicture(const CPicture& picture, double memory) {
   if (std::max(picture.m_iWidth, picture.m_iHeight) > kLargestSide) return refuse();
   if (BytesFor(picture.m_iWidth, picture.m_iHeight) > memory) return refuse();
   try {
-    CTexelMap texels(picture.m_iWidth, picture.m_iHeight, Surface());
+    CTexelMap texels(picture.m_iWidth, picture.m_iHeight, surface);
     CAlbedoMap albedo(picture.m_iWidth, picture.m_iHeight);
     m_Textures.SetPicture(picture);
     m_Texels = std::move(texels);
@@ -53,12 +53,12 @@ bool CGrid::SetPicture(const CPicture& picture, double memory) {
   return true;
 }
 
-bool CGrid::HasTexels() const {
+bool CRelighting::HasTexels() const {
   return m_Textures.HasPicture() && m_Texels.Width() == m_Textures.PictureWidth() &&
          m_Texels.Height() == m_Textures.PictureHeight();
 }
 
-CLight* CGrid::GetLightSource(int index, int type) {
+CLight* CRelighting::GetLightSource(int index, int type) {
   if (type != kRemovedLights && type != kAddedLights) {
     Console() << "Error CGrid::GetLightSource\t\t\t\tUnknown type\n";
     return nullptr;
@@ -68,45 +68,49 @@ CLight* CGrid::GetLightSource(int index, int type) {
                                                                        : nullptr;
 }
 
-void CGrid::InitializeCoordsTexels() {
+void CRelighting::InitializeCoordsTexels(const CInterpolation& surface) {
   if (!HasTexels()) {
     Console() << "Error CGrid::InitializeCoordsTexels()\tNo texture loaded\n";
     return;
   }
-  m_Texels.InitializeCoords(Surface());
+  m_Texels.InitializeCoords(surface);
 }
 
-void CGrid::LocateTexels() {
-  if (HasTexels()) m_Texels.UpdateRecords(Surface());
+void CRelighting::LocateTexels(const CInterpolation& surface) {
+  if (HasTexels()) m_Texels.UpdateRecords(surface);
 }
 
-void CGrid::TestTexelsInDiscontinuity() {
+void CRelighting::TestTexelsInDiscontinuity(const CInterpolation& surface) {
   if (!HasTexels()) return;
-  m_Texels.TestDiscontinuities(Surface());
+  m_Texels.TestDiscontinuities(surface);
   Console() << "CGrid::TestTexelsInDiscontinuity()\t\t\t...done\n";
 }
 
-void CGrid::ComputeCoefsTexels() {
+void CRelighting::RefreshMask(const CInterpolation& surface) {
+  if (HasTexels()) m_Texels.TestDiscontinuities(surface);
+}
+
+void CRelighting::ComputeCoefsTexels(const CInterpolation& surface) {
   if (!HasTexels()) {
     Console() << "Error CGrid::ComputeCoefsTexels()\tNo texture loaded\n";
     return;
   }
   Console() << "CGrid::ComputeCoefsTexels()\t\t\tComputeCoefsTexels...\n";
-  m_Texels.ComputeCoefs(Surface());
+  m_Texels.ComputeCoefs(surface);
   Console() << "CGrid::ComputeCoefsTexels()\t\t\t...ComputeCoefsTexels\t\tdone\n";
 }
 
-void CGrid::ComputeNormalsOnly() {
+void CRelighting::ComputeNormalsOnly(const CInterpolation& surface) {
   if (!HasTexels()) {
     Console() << "Error CGrid::ComputeNormalsOnly()\tNo texture loaded\n";
     return;
   }
   Console() << "CGrid::ComputeCoefsTexels()\t\t\tComputeNormalsOnly...\n";
-  m_Texels.ComputeNormals(Surface());
+  m_Texels.ComputeNormals(surface);
   Console() << "CGrid::ComputeCoefsTexels()\t\t\t...ComputeNormalsOnly\t\tdone\n";
 }
 
-void CGrid::GetKd() {
+void CRelighting::GetKd(const CInterpolation& surface) {
   Console() << "CGrid::GetKd\t\t\t\tGetKd...\n";
   if (!HasTexels()) {
     Console() << "Error CGrid::GetKd\t\tNo texture loaded\n";
@@ -124,7 +128,7 @@ void CGrid::GetKd() {
   Console() << "CGrid::GetKd\t\twidth : " << m_Textures.PictureWidth() << "; height : " << m_Textures.PictureHeight()
             << "\nCGrid::GetKd\t\tnew_width : " << m_Textures.TextureWidth()
             << "; new_height : " << m_Textures.TextureHeight() << '\n';
-  m_Texels.UpdateNormals(Surface());
+  m_Texels.UpdateNormals(surface);
   m_Albedo.Compute(m_Texels.Normals(), removed, added, m_Textures);
   Console() << "CGrid::GetKd\t\t\t\t...GetKd\tdone\n";
 }

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "base/Memory.h"
+#include "lighting/CAlbedoMap.h"
+#include "lighting/CLight.h"
+#include "lighting/CTexelMap.h"
+#include "lighting/CTextureImages.h"
+
+class CInterpolation;
+
+/// The picture on the surface, and its light: the lights taken out of it and put into it, where its texels lie, and the
+/// images that come of both.
+///
+/// Every pass takes the surface as it is: the present subdivision, with the normals of its points and cells. Without a
+/// picture the passes log a line and do nothing, but for those that say otherwise. All are linear in the number of
+/// texels and allocate nothing but `SetPicture`.
+class CRelighting {
+ public:
+  /// Takes up a picture: its textures, and memory for what is kept per texel, each with the normal (0, 0, 1), no albedo
+  /// and in no discontinuity. False, with nothing changed, for one that is empty or has not 3 * width * height bytes,
+  /// and, with a console line, for one that `memory` bytes do not hold.
+  bool SetPicture(const CPicture& picture, const CInterpolation& surface, double memory = AvailableMemory());
+  /// Whether there is a picture and the texels are its.
+  bool HasTexels() const;
+
+  /// Light `index` (0 to 3 and, ambient, 4) of a set (kRemovedLights, kAddedLights). Null, with a console line, for
+  /// another type; null for another index.
+  CLight* GetLightSource(int index, int type);
+  CLightSet& RemovedLights() { return m_RemovedLights; }
+  const CLightSet& RemovedLights() const { return m_RemovedLights; }
+  CLightSet& AddedLights() { return m_AddedLights; }
+  const CLightSet& AddedLights() const { return m_AddedLights; }
+
+  /// Gives every texel of a picture taken up before its column and row and the normal (0, 0, 1) again.
+  void InitializeCoordsTexels(const CInterpolation& surface);
+  /// Brings the places of the texels up to the subdivision, for what draws them; nothing without a picture.
+  void LocateTexels(const CInterpolation& surface);
+  /// Recomputes which texels lie in a discontinuity; nothing without a picture.
+  void TestTexelsInDiscontinuity(const CInterpolation& surface);
+  /// The same without a word on the console.
+  void RefreshMask(const CInterpolation& surface);
+  /// Place on the surface and normal of every texel in no discontinuity, from the normals of points and cells.
+  void ComputeCoefsTexels(const CInterpolation& surface);
+  /// Normal of every texel from its place, which is found first if the subdivision has changed.
+  void ComputeNormalsOnly(const CInterpolation& surface);
+  /// Albedo, Kd image and new illumination (see CAlbedoMap), from normals of the present subdivision.
+  void GetKd(const CInterpolation& surface);
+
+  CTextureImages& Textures() { return m_Textures; }
+  const CTextureImages& Textures() const { return m_Textures; }
+  const CTexelMap& Texels() const { return m_Texels; }
+  const CAlbedoMap& Albedo() const { return m_Albedo; }
+
+ private:
+  CLightSet m_RemovedLights = CLightSet::Removed();
+  CLightSet m_AddedLights = CLightSet::Added();
+  CTextureImages m_Textures;
+  CTexelMap m_Texels;
+  CAlbedoMap m_Albedo;
+};
