@@ -102,7 +102,7 @@ void ReportConvergence(int level) {
     AddConstraints(bench, what);
     bench.Converge();
     const std::vector<double> exact = bench.Grid().Lattice().Heights();
-    const double range = std::max(bench.Grid().MaxHeight() - bench.Grid().MinHeight(), 1.0);
+    const double range = std::max(bench.Grid().Surface().MaxHeight() - bench.Grid().Surface().MinHeight(), 1.0);
     for (const auto& [mode, name] : {std::pair{WaveletMode::New, "new"}, std::pair{WaveletMode::Simple, "simple"},
                                      std::pair{WaveletMode::None, "none"}}) {
       const CReached percent = TimeTo(0.01, what, mode, level, exact, range);

@@ -82,7 +82,7 @@ nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
       {"load", result.m_Seconds.m_fLoad}, {"solve", result.m_Seconds.m_fSolve}, {"write", result.m_Seconds.m_fWrite}};
   report["energy"] = Energy(grid);
   report["largest_constraint_residual"] = LargestResidual(grid);
-  report["z_range"] = {grid.MinHeight(), grid.MaxHeight()};
+  report["z_range"] = {grid.Surface().MinHeight(), grid.Surface().MaxHeight()};
   report["converged"] = result.m_Stopped == StopReason::Converged;
   report["stopped"] = NameOf(result.m_Stopped);
   report["damaged"] = result.m_bDamaged;

@@ -88,7 +88,7 @@ void CBatchRun::Solve() {
   EndIfAsked();
   if (m_Options.m_bHighRes) m_Grid.Post(Operation::kTransferToHigh);
   m_Grid.PerformPendingWork();
-  if (m_Grid.Mode() != m_Options.m_Mode) m_Grid.SetWaveletMode(m_Options.m_Mode);
+  if (m_Grid.Surface().Mode() != m_Options.m_Mode) m_Grid.SetWaveletMode(m_Options.m_Mode);
   CProgress progress(!m_Options.m_bQuiet);
   while (m_Grid.IsRunning() && !IsAtBound(watch.Seconds())) {
     // Lines of the model must not end up behind the number.

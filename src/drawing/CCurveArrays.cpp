@@ -22,10 +22,10 @@ int StepsOf(const CPlanePoint& way, int pointsPerSide) {
 
 void CCurveArrays::Refresh(const CGrid& grid) {
   const bool moved = HaveNodesChanged(grid) || m_uTree != grid.Tree().Revision() || m_Extent != grid.Lattice().Extent();
-  if (!moved && m_uSurface == grid.SurfaceRevision()) return;
+  if (!moved && m_uSurface == grid.Surface().Revision()) return;
   m_uTree = grid.Tree().Revision();
   m_Extent = grid.Lattice().Extent();
-  m_uSurface = grid.SurfaceRevision();
+  m_uSurface = grid.Surface().Revision();
   if (moved) Place(grid);
   Raise(grid);
 }
@@ -89,7 +89,7 @@ void CCurveArrays::PlaceSegment(const CGrid& grid, const CCntrNode& a, const CCn
 void CCurveArrays::AddVertex(const CGrid& grid, const CPlanePoint& place, const CPlanePoint& toRight) {
   const CLattice& lattice = grid.Lattice();
   const double last = lattice.PointsPerSide() - 1;
-  const CInterpolation surface = grid.Surface();
+  const CInterpolation surface = grid.Surface().Interpolation();
   // Without a place on the surface a vertex lies at height 0, where empty coefficients put it.
   const auto locate = [&](double side) {
     return surface
@@ -103,7 +103,7 @@ void CCurveArrays::AddVertex(const CGrid& grid, const CPlanePoint& place, const 
 }
 
 void CCurveArrays::Raise(const CGrid& grid) {
-  const CInterpolation surface = grid.Surface();
+  const CInterpolation surface = grid.Surface().Interpolation();
   for (std::size_t k = 0; k < m_aSamples.size(); ++k) {
     const double z = std::max(surface.HeightOf(m_aSamples[k].m_Left), surface.HeightOf(m_aSamples[k].m_Right));
     m_afVertices[3 * k + 2] = static_cast<float>(z);

@@ -26,7 +26,7 @@ void Put(std::vector<float>& array, std::size_t vertex, const Vector3& v) {
 }  // namespace
 
 bool CSurfaceArrays::HasChanged(CStamp& seen, const CGrid& grid, double length) {
-  const CStamp now{grid.Tree().Revision(), grid.SurfaceRevision(), length};
+  const CStamp now{grid.Tree().Revision(), grid.Surface().Revision(), length};
   if (seen == now) return false;
   seen = now;
   return true;

@@ -44,7 +44,7 @@ void CTexelArrays::RefreshMasked(const CGrid& grid) {
 
 void CTexelArrays::RaiseCentres(CGrid& grid) {
   const CLattice& lattice = grid.Lattice();
-  const CInterpolation surface = grid.Surface();
+  const CInterpolation surface = grid.Surface().Interpolation();
   m_afCentres.resize(lattice.PointCount());
   for (const CLeaf& leaf : grid.Tree().Leaves()) m_afCentres[leaf.m_uCell] = surface.CentreHeight(*leaf.m_pCell);
 }
@@ -56,7 +56,7 @@ void CTexelArrays::RefreshNormals(CGrid& grid, double length) {
   const CStamp now{grid.Relighting().Textures().Revision(CTextureImages::kPhotograph),
                    texels.Revision(),
                    grid.Tree().Revision(),
-                   grid.SurfaceRevision(),
+                   grid.Surface().Revision(),
                    length,
                    lattice.Extent()};
   if (now == m_NormalStamp) return;

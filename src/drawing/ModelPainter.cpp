@@ -185,7 +185,7 @@ void DrawLightMarkers(const CGrid& grid, const CLightSet& lights) {
     if (!light.m_bActive || !light.m_bDrawn) continue;
     glColor4dv(light.m_afTubeColour.data());
     glLineWidth(1);
-    draw_cylinder((e.x0 + e.x1) / 2, (e.y0 + e.y1) / 2, (grid.MinHeight() + grid.MaxHeight()) / 2,
+    draw_cylinder((e.x0 + e.x1) / 2, (e.y0 + e.y1) / 2, (grid.Surface().MinHeight() + grid.Surface().MaxHeight()) / 2,
                   light.m_afDirection[0], light.m_afDirection[1], light.m_afDirection[2], length, kSlices, kRadius);
   }
 }

@@ -13,9 +13,9 @@ void PutWhereParentsSay(const CGrid& grid, const std::vector<std::size_t>& missi
   std::vector<double> rebuilt(order.Count());
   bool changed = !missing.empty();
   for (int round = 0; changed && round <= 2 * order.Level(); ++round) {
-    grid.Basis().W(heights, coefs);
+    grid.Surface().Basis().W(heights, coefs);
     for (const std::size_t k : missing) coefs[k] = 0.0;
-    grid.Basis().invW(coefs, rebuilt);
+    grid.Surface().Basis().invW(coefs, rebuilt);
     changed = false;
     for (const std::size_t k : missing) {
       const std::size_t at = order.ScanOf(k);

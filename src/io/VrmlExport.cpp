@@ -60,7 +60,7 @@ void WritePoint(std::ostream& out, const CLattice& lattice, const CLatticePlace&
 
 void WritePoints(std::ostream& out, const CGrid& grid) {
   const CLattice& lattice = grid.Lattice();
-  const CInterpolation surface = grid.Surface();
+  const CInterpolation surface = grid.Surface().Interpolation();
   grid.Tree().ForEachLeaf(
       [&](const CQuadT& leaf) { WritePoint(out, lattice, CentreOf(leaf), surface.CentreHeight(leaf)); });
   const CPointOrder& order = grid.Order();

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -17,18 +16,13 @@
 #include "constraints/CPendingCurve.h"
 #include "constraints/CPtCstrList.h"
 #include "constraints/Inactivity.h"
-#include "lattice/CLattice.h"
-#include "lattice/WaveletMode.h"
 #include "model/CPendingWork.h"
 #include "model/CRelighting.h"
+#include "model/CSurface.h"
 #include "model/GridFileState.h"
 #include "model/GridHost.h"
-#include "quadtree/CPointOrder.h"
-#include "quadtree/CQuadTree.h"
 #include "quadtree/CSaveQuadT.h"
-#include "quadtree/Interpolation.h"
 #include "solver/CGridSolver.h"
-#include "solver/CHierarchicalBasis.h"
 
 /// A number before each list of a grid file, without meaning, that is kept from loading to saving.
 struct CListHeaders {
@@ -64,10 +58,10 @@ class CGrid {
   /// level, while the present model stays as it is. Throws std::bad_alloc, with nothing changed.
   void Reserve(int maxLevel);
   /// Gives back what has been set aside.
-  void DropReserve() { m_pReserve.reset(); }
+  void DropReserve();
   /// Bytes that `Reserve` sets aside for a level at most.
   static double BytesOf(int maxLevel);
-  void SetRectangle(double x0, double x1, double y0, double y1);
+  void SetRectangle(double x0, double x1, double y0, double y1) { m_Surface.SetExtent({x0, x1, y0, y1}); }
 
   /// The program around the model, or null. Must outlive the grid or be detached.
   void AttachHost(GridHost* host) { m_pHost = host; }
@@ -93,17 +87,12 @@ class CGrid {
   // Resolution and extent.
 
   int BaseLevel() const { return m_iBaseLevel; }
-  int MaxLevel() const { return m_Lattice.Level(); }
+  int MaxLevel() const { return Lattice().Level(); }
   /// Points per side of the uniform grid of the base level and of the lattice.
   int BasePointsPerSide() const { return (1 << m_iBaseLevel) + 1; }
-  int PointsPerSide() const { return m_Lattice.PointsPerSide(); }
-  /// The smaller side of a lattice cell, in model units.
-  double CellSize() const { return m_fCellSize; }
-  double MinHeight() const { return m_fMinHeight; }
-  double MaxHeight() const { return m_fMaxHeight; }
+  int PointsPerSide() const { return Lattice().PointsPerSide(); }
 
-  // The system and the surface (GridRebuild.cpp, CGrid.cpp). Whatever is rebuilt, the surface stays as it is at every
-  // point in use afterwards.
+  // The system and the surface (GridRebuild.cpp, CGrid.cpp); see CSurface.
 
   /// Rebuilds the tree from the wanted subdivision, the discontinuity maps and the whole system.
   void SetDiscMap();
@@ -115,21 +104,13 @@ class CGrid {
   /// Rebuilds the tree from the wanted subdivision.
   void ReplaySubdivision();
   /// Number of unknowns.
-  int ActivePointCount() const { return static_cast<int>(m_Order.Count()); }
-  WaveletMode Mode() const { return m_Mode; }
+  int ActivePointCount() const { return m_Surface.ActivePointCount(); }
   /// Converts the coefficients to the basis of `mode`; a running iteration starts anew.
   void SetWaveletMode(WaveletMode mode);
-  /// Coefficients of the unknowns, in the point order.
-  std::span<double> Coefficients() { return std::span(m_pfWaveCoefGrid).first(m_Order.Count()); }
-  std::span<const double> Coefficients() const { return std::span(m_pfWaveCoefGrid).first(m_Order.Count()); }
   /// Heights, normals and height range from the coefficients.
-  void ReconstructSurface();
+  void ReconstructSurface() { m_Surface.Reconstruct(); }
   /// Gives the unknowns, in their order, new heights in place of those of both resolutions; the iteration starts anew.
   void SetHeights(std::span<const double> heights);
-  /// Grows with every reconstruction; what is drawn of the surface is made anew only then.
-  std::uint64_t SurfaceRevision() const { return m_uSurfaceRevision; }
-  /// Largest difference between heights through the compiled inverse transform and back through the tree walk; logged.
-  double TestWavelets();
   /// Highlights the ends of the border sub-edge that the height at (x, y) hangs on and has the host show what the
   /// interpolation is made of. False outside the model.
   bool TraceInterpolation(double x, double y);
@@ -167,7 +148,7 @@ class CGrid {
   /// Grows whenever the brush has painted; what is drawn of the freeze map is made anew only then.
   std::uint64_t FreezeRevision() const { return m_uFreezeRevision; }
   /// Height of the surface at fractional lattice indices; 0 outside.
-  double GetHeightAt(double column, double row) const { return Surface().HeightAt(column, row); }
+  double GetHeightAt(double column, double row) const { return m_Surface.HeightAt(column, row); }
 
   // Curves (GridCurves.cpp). Where nothing is said, nothing is posted.
 
@@ -214,15 +195,15 @@ class CGrid {
   // The picture and its light: what CRelighting does, on the present surface.
 
   bool SetPicture(const CPicture& picture, double memory = AvailableMemory()) {
-    return m_Relighting.SetPicture(picture, Surface(), memory);
+    return m_Relighting.SetPicture(picture, Interpolation(), memory);
   }
   CLight* GetLightSource(int index, int type) { return m_Relighting.GetLightSource(index, type); }
-  void InitializeCoordsTexels() { m_Relighting.InitializeCoordsTexels(Surface()); }
-  void LocateTexels() { m_Relighting.LocateTexels(Surface()); }
-  void TestTexelsInDiscontinuity() { m_Relighting.TestTexelsInDiscontinuity(Surface()); }
-  void ComputeCoefsTexels() { m_Relighting.ComputeCoefsTexels(Surface()); }
-  void ComputeNormalsOnly() { m_Relighting.ComputeNormalsOnly(Surface()); }
-  void GetKd() { m_Relighting.GetKd(Surface()); }
+  void InitializeCoordsTexels() { m_Relighting.InitializeCoordsTexels(Interpolation()); }
+  void LocateTexels() { m_Relighting.LocateTexels(Interpolation()); }
+  void TestTexelsInDiscontinuity() { m_Relighting.TestTexelsInDiscontinuity(Interpolation()); }
+  void ComputeCoefsTexels() { m_Relighting.ComputeCoefsTexels(Interpolation()); }
+  void ComputeNormalsOnly() { m_Relighting.ComputeNormalsOnly(Interpolation()); }
+  void GetKd() { m_Relighting.GetKd(Interpolation()); }
 
   // Files (GridFiles.cpp). What has failed is told on the console and, as a notice, through the host. A file that is
   // written keeps its old contents until the new ones are complete. Pending work must have been performed.
@@ -240,14 +221,14 @@ class CGrid {
 
   // The parts.
 
-  CLattice& Lattice() { return m_Lattice; }
-  const CLattice& Lattice() const { return m_Lattice; }
-  CQuadTree& Tree() { return *m_pTree; }
-  const CQuadTree& Tree() const { return *m_pTree; }
-  const CPointOrder& Order() const { return m_Order; }
-  const CHierarchicalBasis& Basis() const { return m_Basis; }
+  CSurface& Surface() { return m_Surface; }
+  const CSurface& Surface() const { return m_Surface; }
+  CLattice& Lattice() { return m_Surface.Lattice(); }
+  const CLattice& Lattice() const { return m_Surface.Lattice(); }
+  CQuadTree& Tree() { return m_Surface.Tree(); }
+  const CQuadTree& Tree() const { return m_Surface.Tree(); }
+  const CPointOrder& Order() const { return m_Surface.Order(); }
   const CGridSolver& Solver() const { return m_Solver; }
-  CInterpolation Surface() const { return {*m_pTree, m_Order}; }
   /// The wanted subdivision of the current resolution.
   CSubdivisionRecord& Subdivision() { return *m_Subdivision; }
   const CSubdivisionRecord& Subdivision() const { return *m_Subdivision; }
@@ -262,27 +243,9 @@ class CGrid {
   const CRelighting& Relighting() const { return m_Relighting; }
 
  private:
-  /// What the next `Initialize` begins with instead of allocating it.
-  struct CReserve {
-    explicit CReserve(int maxLevel) : m_Lattice(maxLevel) {}
-    CLattice m_Lattice;
-    CPointOrder m_Order;
-    std::array<std::vector<double>, 4> m_aSurfaces;
-    // Only for another level than that of the present tree, which stays.
-    std::unique_ptr<CQuadTree> m_pTree;
-    std::optional<CSubdivisionRecord> m_Subdivision;
-    std::optional<CSubdivisionRecord> m_OtherSubdivision;
-  };
-
-  std::array<std::vector<double>*, 4> Surfaces() {
-    return {&m_pfWaveCoefGrid, &m_afNodalHeights, &m_afPresentSurface, &m_afOtherSurface};
-  }
-  void TakeReserve();
+  CInterpolation Interpolation() const { return m_Surface.Interpolation(); }
+  void TakeReservedSubdivisions();
   void FillTree();
-  void CapturePresentSurface();
-  void RecomputeHeightRange();
-  void ScatterNodalHeights();
-  void SurfaceChanged();
   double HeightUnder(const CPtCstr& constraint) const;
   bool IsInMarkedTriangle(double x, double y) const;
   void UpdateDisabledBit(CPtCstr& constraint) const;
@@ -316,30 +279,15 @@ class CGrid {
   CPendingWork m_Pending;
   int m_iIterationsPerTick = 0;
   int m_iBaseLevel = 0;
-  double m_fCellSize = 0.0;
-  double m_fMinHeight = 0.0;
-  double m_fMaxHeight = 0.0;
-  WaveletMode m_Mode = WaveletMode::New;
 
-  CLattice m_Lattice;
-  std::unique_ptr<CQuadTree> m_pTree;
+  CSurface m_Surface;
   std::optional<CSubdivisionRecord> m_Subdivision;       ///< of the current resolution
   std::optional<CSubdivisionRecord> m_OtherSubdivision;  ///< of the other one
-  std::unique_ptr<CReserve> m_pReserve;
-  CPointOrder m_Order;
-  CHierarchicalBasis m_Basis;
+  /// Both of them for the maximum level that has been reserved, unless it is the present one.
+  std::array<std::optional<CSubdivisionRecord>, 2> m_aReservedSubdivisions;
   CRandom m_Random;
   CGridSolver m_Solver;
 
-  // One entry per lattice point, so that no renumbering allocates.
-  std::vector<double> m_pfWaveCoefGrid;  ///< by unknown
-  std::vector<double> m_afNodalHeights;  ///< by scan position
-  // By lattice point. The whole surface as it was before the tree last changed, valid while m_bSurfaceCaptured, and
-  // that of the other resolution when it was left.
-  std::vector<double> m_afPresentSurface;
-  std::vector<double> m_afOtherSurface;
-  bool m_bSurfaceCaptured = false;
-  std::uint64_t m_uSurfaceRevision = 0;
   std::uint64_t m_uFreezeRevision = 0;
 
   CPtCstrList m_PointConstraints;

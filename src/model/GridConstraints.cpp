@@ -96,7 +96,7 @@ void CGrid::DeleteSelectedPtCstr() {
 }
 
 double CGrid::HeightUnder(const CPtCstr& constraint) const {
-  return GetHeightAt(m_Lattice.ColumnOf(constraint.m_fX), m_Lattice.RowOf(constraint.m_fY));
+  return GetHeightAt(Lattice().ColumnOf(constraint.m_fX), Lattice().RowOf(constraint.m_fY));
 }
 
 void CGrid::RefreshNormalCstrHeights() {
@@ -111,10 +111,10 @@ void CGrid::RefreshNormalCstrHeights() {
 }
 
 bool CGrid::IsInMarkedTriangle(double x, double y) const {
-  const CQuadT* cell = m_pTree->PointInCell(x, y);
+  const CQuadT* cell = Tree().PointInCell(x, y);
   if (cell == nullptr) return false;
-  const double u = (m_Lattice.ColumnOf(x) - cell->X0()) / cell->Size() - 0.5;
-  const double v = (m_Lattice.RowOf(y) - cell->Y0()) / cell->Size() - 0.5;
+  const double u = (Lattice().ColumnOf(x) - cell->X0()) / cell->Size() - 0.5;
+  const double v = (Lattice().RowOf(y) - cell->Y0()) / cell->Size() - 0.5;
   return cell->HasFlag(TriangleBit(u, v));
 }
 
@@ -123,9 +123,9 @@ void CGrid::UpdateDisabledBit(CPtCstr& constraint) const {
   const double y = constraint.m_fY;
   bool disabled = constraint.HasKind(PtCstrKind::kPosition) && IsInMarkedTriangle(x, y);
   if (constraint.HasKind(PtCstrKind::kNormal)) {
-    const CQuadT* cell = m_pTree->PointInCell(x, y);
-    const double w = cell == nullptr ? 0.0 : cell->Size() * m_Lattice.StepX();
-    const double h = cell == nullptr ? 0.0 : cell->Size() * m_Lattice.StepY();
+    const CQuadT* cell = Tree().PointInCell(x, y);
+    const double w = cell == nullptr ? 0.0 : cell->Size() * Lattice().StepX();
+    const double h = cell == nullptr ? 0.0 : cell->Size() * Lattice().StepY();
     disabled = disabled || cell == nullptr || IsInMarkedTriangle(x, y + h / 2) || IsInMarkedTriangle(x, y - h / 2) ||
                IsInMarkedTriangle(x - w / 2, y) || IsInMarkedTriangle(x + w / 2, y);
   }
@@ -134,7 +134,7 @@ void CGrid::UpdateDisabledBit(CPtCstr& constraint) const {
 
 void CGrid::UpdateActivity(CPtCstr& constraint) const {
   UpdateDisabledBit(constraint);
-  constraint.m_uIdle = KindsOf(constraint) & ~CConstraintRows::KindsWithRows(constraint, *m_pTree, Surface());
+  constraint.m_uIdle = KindsOf(constraint) & ~CConstraintRows::KindsWithRows(constraint, Tree(), Interpolation());
 }
 
 void CGrid::MarkIdleConstraints() {
@@ -146,12 +146,12 @@ void CGrid::MarkIdleConstraints() {
 
 Inactivity CGrid::WhyInactive(const CPtCstr& constraint) const {
   if (constraint.m_uIdle == 0) return Inactivity::None;
-  const CExtent& e = m_Lattice.Extent();
+  const CExtent& e = Lattice().Extent();
   const double x = constraint.m_fX;
   const double y = constraint.m_fY;
   if (!(e.x0 <= x && x <= e.x1 && e.y0 <= y && y <= e.y1)) return Inactivity::Outside;
   // A slope on the very border is disabled, too.
-  const bool torn = constraint.HasKind(PtCstrKind::kDisabled) && m_pTree->PointInCell(x, y) != nullptr;
+  const bool torn = constraint.HasKind(PtCstrKind::kDisabled) && Tree().PointInCell(x, y) != nullptr;
   return torn ? Inactivity::InTear : Inactivity::OnBorder;
 }
 
@@ -163,17 +163,17 @@ void CGrid::PaintFreezeMap(double x, double y, bool freeze) {
   const double radius = g_fZoom * kFreezeRadius;
   const int n = PointsPerSide();
   // One more on either side, so that rounding takes no point away from the test below.
-  const CIndexRange columns(m_Lattice.ColumnOf(x - radius) - 1, m_Lattice.ColumnOf(x + radius) + 1, n);
-  const CIndexRange rows(m_Lattice.RowOf(y - radius) - 1, m_Lattice.RowOf(y + radius) + 1, n);
+  const CIndexRange columns(Lattice().ColumnOf(x - radius) - 1, Lattice().ColumnOf(x + radius) + 1, n);
+  const CIndexRange rows(Lattice().RowOf(y - radius) - 1, Lattice().RowOf(y + radius) + 1, n);
   for (int row = rows.m_iFirst; row < rows.m_iEnd; ++row) {
     for (int column = columns.m_iFirst; column < columns.m_iEnd; ++column) {
-      const std::size_t point = m_Lattice.Index(column, row);
-      if (!m_Lattice.Has(point, PointFlag::kInUse)) continue;
-      if (std::hypot(m_Lattice.XOf(column) - x, m_Lattice.YOf(row) - y) > radius) continue;
+      const std::size_t point = Lattice().Index(column, row);
+      if (!Lattice().Has(point, PointFlag::kInUse)) continue;
+      if (std::hypot(Lattice().XOf(column) - x, Lattice().YOf(row) - y) > radius) continue;
       if (freeze) {
-        m_Lattice.Set(point, PointFlag::kFrozen);
+        Lattice().Set(point, PointFlag::kFrozen);
       } else {
-        m_Lattice.Clear(point, PointFlag::kFrozen);
+        Lattice().Clear(point, PointFlag::kFrozen);
       }
     }
   }

@@ -15,7 +15,7 @@ constexpr double kRefreshFactor = 1.1;
 
 }  // namespace
 
-double CGrid::CurveOffset() const { return std::hypot(m_Lattice.StepX(), m_Lattice.StepY()) * kOffsetInDiagonals; }
+double CGrid::CurveOffset() const { return std::hypot(Lattice().StepX(), Lattice().StepY()) * kOffsetInDiagonals; }
 
 void CGrid::RefreshCurve(CCntrCtrl& curve) const { curve.UpdateNormals(CurveOffset() * kRefreshFactor); }
 
@@ -36,7 +36,7 @@ void CGrid::AddTracedCurve(std::span<const CPtCstr> points, std::uint32_t type, 
   if (points.empty()) return;
   AddCurve(points, type, closed);
   CCntrCtrl& curve = m_Curves.back();
-  curve.Simplify(m_Lattice);
+  curve.Simplify(Lattice());
   if (curve.Nodes().size() > 1) curve.UpdateNormals(CurveOffset());
 }
 
@@ -99,7 +99,7 @@ void CGrid::ExportCurveConstraints(double x, double y) {
   if (curve->GeneratedCount() > CCntrCtrl::kMostGenerated)
     return Notify("The curve would generate more than 200000 constraints: make its distances larger.");
   curve->AddAutoBumpConstraints(m_PointConstraints, [this](double px, double py) {
-    m_Subdivision->RefineAt(*m_pTree, m_Lattice.ColumnOf(px), m_Lattice.RowOf(py));
+    m_Subdivision->RefineAt(Tree(), Lattice().ColumnOf(px), Lattice().RowOf(py));
   });
   curve->SetOption(CurveOption::kLeftAutoBump | CurveOption::kRightAutoBump, false);
   ConstraintsChanged(Operation::kRebuildMaps);

@@ -5,7 +5,6 @@
 #include <array>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "base/Console.h"
 #include "constraints/CurveRasteriser.h"
@@ -22,11 +21,11 @@ void CGrid::SetDiscMap() {
   RasteriseCurves();
   UpdateConstraintsFormCurves();
   for (const CPtCstr& c : m_GeneratedConstraints) {
-    RefineToPoint(*m_pTree, m_Lattice.ColumnOf(c.m_fX), m_Lattice.RowOf(c.m_fY));
+    RefineToPoint(Tree(), Lattice().ColumnOf(c.m_fX), Lattice().RowOf(c.m_fY));
   }
   if (m_pHost != nullptr)
-    m_pHost->ShowResolution(m_pTree->LeafCount(), static_cast<int>(m_Lattice.Count(PointFlag::kInUse)));
-  m_pTree->RefreshEdgeMarks();
+    m_pHost->ShowResolution(Tree().LeafCount(), static_cast<int>(Lattice().Count(PointFlag::kInUse)));
+  Tree().RefreshEdgeMarks();
   for (CPtCstr& constraint : m_PointConstraints) UpdateDisabledBit(constraint);
   for (CPtCstr& constraint : m_GeneratedConstraints) UpdateDisabledBit(constraint);
   m_Solver.RequestRebuild();
@@ -36,14 +35,12 @@ void CGrid::SetDiscMap() {
 }
 
 void CGrid::ReplaySubdivision() {
-  if (!m_bSurfaceCaptured) CapturePresentSurface();
-  m_pTree->Replay(*m_Subdivision, m_iBaseLevel);
-  m_pTree->RefreshEdgeMarks();
+  m_Surface.Replay(*m_Subdivision, m_iBaseLevel);
   BuildHNumerotation();
 }
 
 void CGrid::RasteriseCurves() {
-  CCurveRasteriser rasteriser(*m_pTree);
+  CCurveRasteriser rasteriser(Tree());
   for (const CCntrCtrl& curve : m_Curves) rasteriser.Rasterise(curve);
   rasteriser.MarkCreaseDiagonals();
   if (m_pHost != nullptr && !m_Curves.empty()) m_pHost->RequestRedraw();
@@ -75,40 +72,22 @@ void CGrid::SetSparseH() {
   if (m_Solver.Counter() == -1) {
     Console() << "*** SetSparseH ***\n";
     BuildHNumerotation();
-    m_Solver.Assemble(*m_pTree, Surface(), m_Curves);
+    m_Solver.Assemble(Tree(), Interpolation(), m_Curves);
   }
   const std::array<const CPtCstrList*, 2> lists{&m_PointConstraints, &m_GeneratedConstraints};
-  m_Solver.SetConstraints(lists, *m_pTree, Surface());
+  m_Solver.SetConstraints(lists, Tree(), Interpolation());
   MarkIdleConstraints();
   ShowConstraintCount();
 }
 
 void CGrid::BuildHNumerotation() {
-  // Splits may have overwritten the height array at points that have a height of their own.
-  ScatterNodalHeights();
-  const std::vector<double>& surface = m_bSurfaceCaptured ? m_afPresentSurface : m_Lattice.Heights();
   m_Solver.RequestRebuild();
-  m_Order.Build(*m_pTree);
-  m_Basis.Compile(m_Order, *m_pTree, m_Mode);
-  Console() << ActivePointCount() << " points\n";
-  for (std::size_t i = 0; i < m_Order.Count(); ++i) m_afNodalHeights[i] = surface[m_Order.PointAtScan(i)];
-  ScatterNodalHeights();
-  m_Basis.W(m_afNodalHeights, m_pfWaveCoefGrid);
-}
-
-void CGrid::ScatterNodalHeights() {
-  for (std::size_t i = 0; i < m_Order.Count(); ++i) m_Lattice.Heights()[m_Order.PointAtScan(i)] = m_afNodalHeights[i];
-}
-
-void CGrid::CapturePresentSurface() {
-  ScatterNodalHeights();
-  Surface().SampleLattice(m_afPresentSurface);
-  m_bSurfaceCaptured = true;
+  m_Surface.BuildHNumerotation();
 }
 
 void CGrid::SubdivisionChanged() {
   SetDiscMap();
-  m_Subdivision->ShowSelection(*m_pTree);
+  m_Subdivision->ShowSelection(Tree());
   if (m_pHost != nullptr) m_pHost->RequestRedraw();
 }
 
@@ -119,14 +98,10 @@ void CGrid::Transmit(bool high) {
 
 void CGrid::SwapResolution(bool high, bool transfer) {
   g_bHighRes = high ? 1 : 0;
-  if (!m_bSurfaceCaptured) CapturePresentSurface();
   std::swap(m_Subdivision, m_OtherSubdivision);
-  std::swap(m_afPresentSurface, m_afOtherSurface);
-  if (transfer) m_afPresentSurface = m_afOtherSurface;
-  // The capture of what is now the present surface stands: the rebuild sets the coefficients from it.
-  m_bSurfaceCaptured = true;
+  m_Surface.SwapResolution(transfer);
   SetDiscMap();
-  m_Subdivision->ShowSelection(*m_pTree);
+  m_Subdivision->ShowSelection(Tree());
   ReconstructSurface();
   if (m_pHost != nullptr) m_pHost->RequestRedraw();
 }

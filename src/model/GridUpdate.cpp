@@ -101,8 +101,8 @@ void CGrid::UpdateGrid() {
   };
   if (polling) m_pHost->ProcessEvents();
   PerformOperations();
-  const CGridSolver::Outcome outcome =
-      m_Solver.Tick(Coefficients(), m_iIterationsPerTick + 1, polling ? std::function<bool()>(poll) : nullptr);
+  const CGridSolver::Outcome outcome = m_Solver.Tick(m_Surface.Coefficients(), m_iIterationsPerTick + 1,
+                                                     polling ? std::function<bool()>(poll) : nullptr);
   ReconstructSurface();
   RefreshNormalCstrHeights();
   const bool stopped = outcome == CGridSolver::Outcome::Converged || outcome == CGridSolver::Outcome::GaveUp;
@@ -120,8 +120,8 @@ void CGrid::UpdateGrid() {
 }
 
 void CGrid::Reset() {
-  const double limit = 10.0 / static_cast<double>(m_Lattice.PointCount());
-  for (double& coef : m_pfWaveCoefGrid) coef = m_Random.UpTo(limit);
+  const double limit = 10.0 / static_cast<double>(Lattice().PointCount());
+  m_Surface.Randomise(m_Random, limit);
   m_Solver.RandomiseMultipliers(limit);
   ReconstructSurface();
   Post(Operation::kRebuildMaps);

@@ -40,7 +40,7 @@ TEST_F(Batch, ConvergesToWhatTheModelItselfConvergesTo) {
   ASSERT_EQ(Run("model.grid --seed 99 --save batch.grid --report json"), 0) << Bytes("err");
   CTestGrid batch;
   ASSERT_EQ(batch.m_Grid.Load(Path("batch.grid")), GridFileState::Whole);
-  const double range = window.m_Grid.MaxHeight() - window.m_Grid.MinHeight();
+  const double range = window.m_Grid.Surface().MaxHeight() - window.m_Grid.Surface().MinHeight();
   EXPECT_LT(LargestDifference(NodalHeights(batch.m_Grid), NodalHeights(window.m_Grid)), 1e-5 * range);
   EXPECT_TRUE(Report()["converged"]);
 }

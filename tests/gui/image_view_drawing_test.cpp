@@ -323,7 +323,7 @@ TEST_F(ImageViewDrawingTest, ToolThatIsSwitchedOffTakesWhatItShowedWithIt) {
 TEST_F(ImageViewDrawingTest, InterpolationTestStartsAnew) {
   CStencil stencil;
   CInterpolationTrace trace;
-  ASSERT_TRUE(Grid().Surface().GetBilinearInterpolation(37.5, 27.5, stencil, &trace));
+  ASSERT_TRUE(Grid().Surface().Interpolation().GetBilinearInterpolation(37.5, 27.5, stencil, &trace));
   View().SetDebugFlags(DebugFlag::kInterpolation);
   View().ShowInterpolation(trace);
   for (const std::uint32_t flags : {0U, DebugFlag::kInterpolation}) View().SetDebugFlags(flags);

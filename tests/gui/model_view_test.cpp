@@ -86,10 +86,12 @@ TEST_F(ModelViewStartTest, AttachingAGridLooksAtItsBox) {
   SetSurface(Grid(), CBump{});
   View().AttachGrid(Grid());
   const CCamera& camera = View().Camera();
-  const Vector3 box{16, 6, Grid().MaxHeight() - Grid().MinHeight()};
+  const Vector3 box{16, 6, Grid().Surface().MaxHeight() - Grid().Surface().MinHeight()};
   ASSERT_GT(box.z, 1);
   EXPECT_DOUBLE_EQ(camera.m_fR, 0.5 * Length(box));
-  EXPECT_LT(Length(camera.m_Centre - Vector3{4.5, 23, 0.5 * (Grid().MinHeight() + Grid().MaxHeight())}), 1e-12);
+  EXPECT_LT(
+      Length(camera.m_Centre - Vector3{4.5, 23, 0.5 * (Grid().Surface().MinHeight() + Grid().Surface().MaxHeight())}),
+      1e-12);
 }
 
 TEST_F(ModelViewStartTest, EventsGoToTheToolkitUntilTheyAreEnabled) {

@@ -91,7 +91,7 @@ class MonkeyTest : public ::testing::Test {
   }
   bool IsFinite() const {
     return std::ranges::all_of(m_Grid.Lattice().Heights(), [](double z) { return std::isfinite(z); }) &&
-           std::ranges::all_of(m_Grid.Coefficients(), [](double c) { return std::isfinite(c); });
+           std::ranges::all_of(m_Grid.Surface().Coefficients(), [](double c) { return std::isfinite(c); });
   }
 
   // Brings the program to where every measurement finds the same, by its own commands: no tool open, the window in its

@@ -174,7 +174,7 @@ TEST_F(ToolSetTest, LoadedGridHasItsWaveletModeInTheViewToo) {
     Choose(before);
     SaveAndLoad("mode.grid", false, CLightSet());
     EXPECT_EQ(m_Window.GridView().DisplayFlags() & 0xE00U, 0x800U);
-    EXPECT_EQ(Grid().Mode(), WaveletMode::New);
+    EXPECT_EQ(Grid().Surface().Mode(), WaveletMode::New);
     EXPECT_TRUE(Menu().IsChecked(MenuEntry::NewWavelets));
   }
 }

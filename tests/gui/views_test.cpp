@@ -153,7 +153,7 @@ TEST_F(ViewsTest, DisplayFlagsStartWithGridAndNoTransformation) { EXPECT_EQ(m_Wi
 TEST_F(ViewsTest, AttachingSelectsTheNewMode) {
   Grid().SetWaveletMode(WaveletMode::Simple);
   m_Window.AttachGrid(Grid());
-  EXPECT_EQ(Grid().Mode(), WaveletMode::New);
+  EXPECT_EQ(Grid().Surface().Mode(), WaveletMode::New);
   EXPECT_EQ(m_Window.GridView().DisplayFlags(), 2U + 2048U);
 }
 
@@ -162,7 +162,7 @@ TEST_F(ViewsTest, WordCarriesExactlyTheGridsMode) {
   for (const auto& [mode, bit] : {std::pair{WaveletMode::Simple, 1024U}, {WaveletMode::None, 512U}}) {
     m_Window.GridView().SelectWaveletMode(mode);
     EXPECT_EQ(m_Window.GridView().DisplayFlags(), 2U + bit);
-    EXPECT_EQ(Grid().Mode(), mode);
+    EXPECT_EQ(Grid().Surface().Mode(), mode);
   }
 }
 

@@ -135,7 +135,8 @@ TEST_F(WindowCommandsTest, TracedInterpolationIsShown) {
   const double x = kOblong.x0 + 0.3 * (kOblong.x1 - kOblong.x0);
   const double y = kOblong.y0 + 0.4 * (kOblong.y1 - kOblong.y0);
   ASSERT_TRUE(Grid().TraceInterpolation(x, y));
-  const auto triangle = Grid().Surface().ShortStencil(Grid().Lattice().ColumnOf(x), Grid().Lattice().RowOf(y));
+  const auto triangle =
+      Grid().Surface().Interpolation().ShortStencil(Grid().Lattice().ColumnOf(x), Grid().Lattice().RowOf(y));
   EXPECT_EQ(ReadOut(Control::FirstNumber), Grid().Order().NumberOf(triangle->m_uA));
   EXPECT_EQ(ReadOut(Control::SecondNumber), Grid().Order().NumberOf(triangle->m_uB));
   EXPECT_DOUBLE_EQ(ReadOut(Control::CentreCoef), triangle->m_fCCenter);

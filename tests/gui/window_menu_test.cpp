@@ -244,7 +244,7 @@ TEST_F(WindowMenuTest, WaveletEntriesSelectTheMode) {
   for (const auto& [entry, bit] :
        {std::pair{MenuEntry::SimpleWavelets, 1024U}, {MenuEntry::NoWavelets, 512U}, {MenuEntry::NewWavelets, 2048U}}) {
     Menu().Choose(entry);
-    EXPECT_EQ(static_cast<std::uint32_t>(Grid().Mode()), bit);
+    EXPECT_EQ(static_cast<std::uint32_t>(Grid().Surface().Mode()), bit);
     EXPECT_EQ(Flags(true), 2U + bit);
     for (const MenuEntry other : {MenuEntry::SimpleWavelets, MenuEntry::NoWavelets, MenuEntry::NewWavelets})
       EXPECT_EQ(Menu().IsChecked(other), other == entry);

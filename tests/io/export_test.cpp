@@ -178,8 +178,8 @@ TEST(HeightField, EqualsTheSurfaceAtEverySample) {
       in >> z;
       CStencil stencil;
       double expected = 0.0;
-      ASSERT_TRUE(test.m_Grid.Surface().GetBilinearInterpolation(kOblong.x0 + 16.0 * j / 22, kOblong.y0 + 6.0 * i / 16,
-                                                                 stencil));
+      ASSERT_TRUE(test.m_Grid.Surface().Interpolation().GetBilinearInterpolation(kOblong.x0 + 16.0 * j / 22,
+                                                                                 kOblong.y0 + 6.0 * i / 16, stencil));
       for (std::size_t k = 0; k < 8; ++k) {
         if (stencil.m_auNodes[k] != CStencil::kEmptySlot)
           expected += stencil.m_afCoefs[k] * NodalHeights(test.m_Grid)[stencil.m_auNodes[k]];

@@ -135,7 +135,7 @@ TEST_P(BadGridFile, LeavesAFreshGridThatWorks) {
   ReadText(model.m_Grid, Replaced(kShort, GetParam().m_pReplace, GetParam().m_pBy));
   EXPECT_TRUE(model.m_Grid.Curves().empty());
   EXPECT_LE(model.m_Grid.PointConstraints().size(), 1U) << "those read from the file only";
-  EXPECT_EQ(model.m_Grid.MaxHeight(), 0.0);
+  EXPECT_EQ(model.m_Grid.Surface().MaxHeight(), 0.0);
   EXPECT_GE(model.m_Grid.ActivePointCount(), 4);
   model.m_Grid.UpdateGrid();
   // Before the other grid sets the levels of new grids, which are part of the text.
@@ -204,7 +204,7 @@ TEST(DamagedGridFile, MayEndAnywhereAfterTheTree) {
   for (std::size_t end = text.find("\n\nZ\n"); end < text.size() - 2; end += 7) {
     CTestGrid test;
     EXPECT_EQ(ReadText(test.m_Grid, text.substr(0, end)), GridFileState::Damaged) << end;
-    EXPECT_TRUE(std::isfinite(test.m_Grid.MaxHeight()));
+    EXPECT_TRUE(std::isfinite(test.m_Grid.Surface().MaxHeight()));
   }
 }
 

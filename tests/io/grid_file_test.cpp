@@ -38,8 +38,8 @@ TEST(GridFile, GivesTheModelBack) {
   ASSERT_EQ(ReadText(test.m_Grid, BytesOf(kGolden / "small.grid")), GridFileState::Whole);
   EXPECT_EQ(test.m_Grid.MaxLevel(), 1);
   EXPECT_EQ(NodalHeights(test.m_Grid), (std::vector<double>{1, -2.5, 0.333333, 1e6, 1e-5, -0.125, 123456.789, 6, 7}));
-  EXPECT_EQ(test.m_Grid.MaxHeight(), 1e6);
-  EXPECT_EQ(test.m_Grid.MinHeight(), -2.5);
+  EXPECT_EQ(test.m_Grid.Surface().MaxHeight(), 1e6);
+  EXPECT_EQ(test.m_Grid.Surface().MinHeight(), -2.5);
   const CPtCstr& slope = RecordAt(test.m_Grid.PointConstraints(), 1);
   EXPECT_EQ(slope.m_fQ, -0.5);
   const CCntrCtrl& curve = *test.m_Grid.Curves().begin();
@@ -120,10 +120,10 @@ TEST(GridFile, LeavesTheSolverToRestartFromTheLoadedHeights) {
   ASSERT_EQ(ReadText(model.m_Grid, text), GridFileState::Whole);
   EXPECT_EQ(model.m_Grid.IterationCounter(), 0);
   EXPECT_EQ(model.m_Grid.NextOperation(), Operation::kNone);
-  EXPECT_EQ(model.m_Grid.Mode(), WaveletMode::New);
+  EXPECT_EQ(model.m_Grid.Surface().Mode(), WaveletMode::New);
   EXPECT_EQ(g_bHighRes, 0);
   std::vector<double> heights(model.m_Grid.Order().Count());
-  model.m_Grid.Basis().invW(model.m_Grid.Coefficients(), heights);
+  model.m_Grid.Surface().Basis().invW(model.m_Grid.Surface().Coefficients(), heights);
   EXPECT_LT(LargestDifference(heights, ByScan(model.m_Grid.Order(), NodalHeights(model.m_Grid))), 1e-12);
 }
 
@@ -182,8 +182,8 @@ TEST(GridFile, ForgetsTheOtherResolution) {
   ReadText(model.m_Grid, text);
   model.m_Grid.Post(Operation::kRestoreHigh);
   model.m_Grid.PerformPendingWork();
-  EXPECT_EQ(model.m_Grid.MaxHeight(), 0.0);
-  EXPECT_EQ(model.m_Grid.MinHeight(), 0.0);
+  EXPECT_EQ(model.m_Grid.Surface().MaxHeight(), 0.0);
+  EXPECT_EQ(model.m_Grid.Surface().MinHeight(), 0.0);
 }
 
 TEST(GridFile, AHighResolutionModelComesBackAsTheNormalOne) {
@@ -207,7 +207,7 @@ TEST(OldGridFile, HasConstraintsAndSubdivisionButNoHeights) {
   ASSERT_EQ(ReadText(model.m_Grid, text), GridFileState::Whole);
   EXPECT_EQ(model.m_Grid.PointConstraints().size(), SomeConstraints().size());
   EXPECT_EQ(model.m_Grid.Curves().size(), 1U);
-  EXPECT_EQ(model.m_Grid.MaxHeight(), 0.0);
+  EXPECT_EQ(model.m_Grid.Surface().MaxHeight(), 0.0);
   EXPECT_EQ(model.m_Grid.IterationCounter(), 0);
   EXPECT_EQ(g_iBaseLevel, 5);
   EXPECT_EQ(g_iMaxLevel, 7);

@@ -33,7 +33,7 @@ class StarvedLoad : public testing::TestWithParam<int> {
       EXPECT_NE(present.m_Grid.PointConstraints().size(), SomeConstraints().size()) << count;
     }
     present.m_Grid.UpdateGrid();
-    EXPECT_TRUE(std::isfinite(present.m_Grid.MaxHeight())) << count;
+    EXPECT_TRUE(std::isfinite(present.m_Grid.Surface().MaxHeight())) << count;
     return state;
   }
   bool m_bFailed = true;

@@ -197,7 +197,8 @@ void ExpectNormalsOfTheSurface(const CGrid& grid) {
   for (std::size_t i = 0; i < texels.Normals().size(); ++i) {
     const double gx = (texels.Records()[i].Column() + 0.5) / texels.Width() * cells;
     const double gy = (texels.Records()[i].Row() + 0.5) / texels.Height() * cells;
-    EXPECT_EQ(texels.Normals()[i], grid.Surface().NormalOf(*grid.Surface().ShortStencil(gx, gy)));
+    EXPECT_EQ(texels.Normals()[i],
+              grid.Surface().Interpolation().NormalOf(*grid.Surface().Interpolation().ShortStencil(gx, gy)));
   }
 }
 

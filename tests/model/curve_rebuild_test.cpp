@@ -163,7 +163,7 @@ TEST(CurveRebuildTest, SurfaceStaysUnderNewCurves) {
   test.Add({{0, 25}, {9, 21}}, kCrease);
   test.m_Grid.PerformPendingWork();
   EXPECT_LT(LargestDifference(NodalHeights(test.m_Grid), Gathered(test.m_Grid.Order(), before)), 1e-9);
-  EXPECT_LT(test.m_Grid.TestWavelets(), 1e-12);
+  EXPECT_LT(test.m_Grid.Surface().TestWavelets(), 1e-12);
 }
 
 TEST(CurveRebuildTest, DeletedCurveLeavesTheTreeAsItWas) {

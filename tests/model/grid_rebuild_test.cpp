@@ -227,12 +227,12 @@ TEST_P(GridRebuildTest, RenumberingInsideMarksKeepsTheSurface) {
 
 TEST_P(GridRebuildTest, MarksCutTheBasisAtTheNextNumbering) {
   SetRandomSurface(Grid(), 41);
-  const std::vector<double> before(Grid().Coefficients().begin(), Grid().Coefficients().end());
+  const std::vector<double> before(Grid().Surface().Coefficients().begin(), Grid().Surface().Coefficients().end());
   MarkBlock();
   Grid().BuildHNumerotation();
-  const bool changed = LargestDifference(Grid().Coefficients(), before) > 1e-3;
+  const bool changed = LargestDifference(Grid().Surface().Coefficients(), before) > 1e-3;
   EXPECT_EQ(changed, GetParam() == WaveletMode::New);
-  EXPECT_LT(Grid().TestWavelets(), 1e-12);
+  EXPECT_LT(Grid().Surface().TestWavelets(), 1e-12);
 }
 
 TEST_P(GridRebuildTest, ReplayForgetsMarksAndKeepsHeights) {
@@ -244,7 +244,7 @@ TEST_P(GridRebuildTest, ReplayForgetsMarksAndKeepsHeights) {
   Grid().ReplaySubdivision();
   EXPECT_FALSE(Grid().Tree().CellAt(2, 1, 1).Edge(kRight).HasBothMarks());
   EXPECT_LT(DistanceFrom(before), kTolerance);
-  EXPECT_LT(Grid().TestWavelets(), 1e-12);
+  EXPECT_LT(Grid().Surface().TestWavelets(), 1e-12);
 }
 
 TEST_P(GridRebuildTest, ReplayReportsTheNewCount) {
@@ -253,7 +253,7 @@ TEST_P(GridRebuildTest, ReplayReportsTheNewCount) {
   Grid().ReplaySubdivision();
   EXPECT_EQ(m_Test.m_Console.Take(), "30 points\n");
   EXPECT_EQ(Grid().ActivePointCount(), 30);
-  EXPECT_EQ(Grid().Coefficients().size(), 30U);
+  EXPECT_EQ(Grid().Surface().Coefficients().size(), 30U);
 }
 
 TEST_P(GridRebuildTest, CoefficientsAreThoseOfTheModeInForce) {
@@ -261,7 +261,7 @@ TEST_P(GridRebuildTest, CoefficientsAreThoseOfTheModeInForce) {
   Grid().ReplaySubdivision();
   std::vector<double> byPoint(Grid().Lattice().PointCount());
   WalkW(Grid().Tree(), GetParam(), Grid().Lattice().Heights(), byPoint);
-  EXPECT_LT(LargestDifference(Grid().Coefficients(), Gathered(Grid().Order(), byPoint)), 1e-12);
+  EXPECT_LT(LargestDifference(Grid().Surface().Coefficients(), Gathered(Grid().Order(), byPoint)), 1e-12);
 }
 
 TEST_P(GridRebuildTest, ChangeOfModeKeepsTheSurface) {
@@ -272,17 +272,17 @@ TEST_P(GridRebuildTest, ChangeOfModeKeepsTheSurface) {
   const std::vector<double> before = SurfaceOnLattice(Grid());
   for (const WaveletMode mode : kAllModes) {
     Grid().SetWaveletMode(mode);
-    EXPECT_EQ(Grid().Mode(), mode);
-    EXPECT_LT(Grid().TestWavelets(), 1e-12);
+    EXPECT_EQ(Grid().Surface().Mode(), mode);
+    EXPECT_LT(Grid().Surface().TestWavelets(), 1e-12);
     EXPECT_LT(DistanceFrom(before), kTolerance);
   }
 }
 
 TEST_P(GridRebuildTest, ChangeOfModeTakesCoefficientsThatWereNotReconstructed) {
   const std::vector<double> heights = RandomValues(53, Grid().Order().Count());
-  Grid().Basis().W(ByScan(Grid().Order(), heights), Grid().Coefficients());
+  Grid().Surface().Basis().W(ByScan(Grid().Order(), heights), Grid().Surface().Coefficients());
   Grid().SetWaveletMode(WaveletMode::None);
-  EXPECT_LT(LargestDifference(Grid().Coefficients(), heights), 1e-12);
+  EXPECT_LT(LargestDifference(Grid().Surface().Coefficients(), heights), 1e-12);
 }
 
 TEST_P(GridRebuildTest, ChangeOfModeNeverRaisesTheCounter) {
@@ -297,8 +297,8 @@ TEST_P(GridRebuildTest, ChangeOfModeNeverRaisesTheCounter) {
 
 TEST_P(GridRebuildTest, InitializeKeepsTheMode) {
   m_Test.Initialize(3);
-  EXPECT_EQ(Grid().Mode(), GetParam());
-  EXPECT_EQ(Grid().Basis().Mode(), GetParam());
+  EXPECT_EQ(Grid().Surface().Mode(), GetParam());
+  EXPECT_EQ(Grid().Surface().Basis().Mode(), GetParam());
 }
 
 }  // namespace

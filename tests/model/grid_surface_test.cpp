@@ -8,8 +8,8 @@ namespace {
 TEST(GridSurfaceTest, ReconstructionFindsTheHeightRange) {
   CTestGrid test;
   SetSurface(test.m_Grid, CRamp{0.25, -1.5, 4.0});
-  EXPECT_DOUBLE_EQ(test.m_Grid.MinHeight(), 4 + 0.25 * -3.5 - 1.5 * 26);
-  EXPECT_DOUBLE_EQ(test.m_Grid.MaxHeight(), 4 + 0.25 * 12.5 - 1.5 * 20);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().MinHeight(), 4 + 0.25 * -3.5 - 1.5 * 26);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().MaxHeight(), 4 + 0.25 * 12.5 - 1.5 * 20);
 }
 
 TEST(GridSurfaceTest, ReconstructionFillsHeightsAndNormals) {
@@ -28,12 +28,12 @@ TEST(GridSurfaceTest, ReconstructionFillsHeightsAndNormals) {
 
 TEST(GridSurfaceTest, WaveletTestReportsTheLargestDifference) {
   CTestGrid test;
-  EXPECT_EQ(test.m_Grid.TestWavelets(), 0);
+  EXPECT_EQ(test.m_Grid.Surface().TestWavelets(), 0);
   EXPECT_EQ(test.m_Console.Take(), "CGrid::TestWavelets\t\tlargest difference : 0\n");
   for (const WaveletMode mode : kAllModes) {
     test.m_Grid.SetWaveletMode(mode);
     SetRandomSurface(test.m_Grid, 6);
-    EXPECT_LT(test.m_Grid.TestWavelets(), 1e-12);
+    EXPECT_LT(test.m_Grid.Surface().TestWavelets(), 1e-12);
   }
 }
 
@@ -43,7 +43,7 @@ TEST(GridSurfaceTest, WaveletTestFindsABasisThatDoesNotFitTheTree) {
   SetRandomSurface(test.m_Grid, 6);
   for (int i = 0; i < 4; ++i) test.m_Grid.Tree().CellAt(0, i, 1).SetFlags(CellFlag::kTriangles);
   test.m_Grid.Tree().RefreshEdgeMarks();
-  EXPECT_GT(test.m_Grid.TestWavelets(), 1e-3);
+  EXPECT_GT(test.m_Grid.Surface().TestWavelets(), 1e-3);
 }
 
 TEST(GridHostTest, TickAsksForARedraw) {

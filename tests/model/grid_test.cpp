@@ -57,7 +57,7 @@ TEST(GridTest, StartsOnAHundredSquare) {
   EXPECT_EQ(grid.Lattice().Extent().x1, 100);
   EXPECT_EQ(grid.Lattice().Extent().y0, 0);
   EXPECT_EQ(grid.Lattice().Extent().y1, 100);
-  EXPECT_DOUBLE_EQ(grid.CellSize(), 100.0 / 128);
+  EXPECT_DOUBLE_EQ(grid.Lattice().CellSize(), 100.0 / 128);
 }
 
 TEST(GridTest, StartsRunningWithEverythingToDo) {
@@ -67,14 +67,14 @@ TEST(GridTest, StartsRunningWithEverythingToDo) {
   EXPECT_EQ(grid.NextOperation(), 0);
   EXPECT_EQ(grid.IterationCounter(), -1);
   EXPECT_EQ(grid.IterationsPerTick(), 9);
-  EXPECT_EQ(grid.Mode(), WaveletMode::New);
+  EXPECT_EQ(grid.Surface().Mode(), WaveletMode::New);
 }
 
 TEST(GridTest, StartsFlatWithoutConstraints) {
   CTestGrid test;
-  EXPECT_TRUE(std::ranges::all_of(test.m_Grid.Coefficients(), [](double c) { return c == 0; }));
-  EXPECT_EQ(test.m_Grid.MinHeight(), 0);
-  EXPECT_EQ(test.m_Grid.MaxHeight(), 0);
+  EXPECT_TRUE(std::ranges::all_of(test.m_Grid.Surface().Coefficients(), [](double c) { return c == 0; }));
+  EXPECT_EQ(test.m_Grid.Surface().MinHeight(), 0);
+  EXPECT_EQ(test.m_Grid.Surface().MaxHeight(), 0);
   EXPECT_TRUE(test.m_Grid.PointConstraints().empty());
   EXPECT_TRUE(test.m_Grid.GeneratedConstraints().empty());
 }
@@ -115,9 +115,9 @@ TEST(GridTest, InitializeTakesTwoCorners) {
 TEST(GridTest, CellSizeIsTheSmallerSideOfALatticeCell) {
   CTestGrid test;
   test.m_Grid.Initialize(3, false, 10, 20, 74, 36);
-  EXPECT_DOUBLE_EQ(test.m_Grid.CellSize(), 1);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Lattice().CellSize(), 1);
   test.m_Grid.Initialize(3, false, 10, 20, 18, 100);
-  EXPECT_DOUBLE_EQ(test.m_Grid.CellSize(), 0.5);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Lattice().CellSize(), 0.5);
 }
 
 TEST(GridTest, RectangleSetterTakesTwoRanges) {
@@ -125,7 +125,7 @@ TEST(GridTest, RectangleSetterTakesTwoRanges) {
   test.m_Grid.SetRectangle(-8, 24, 5, 9);
   EXPECT_EQ(test.m_Grid.Lattice().Extent().x1, 24);
   EXPECT_EQ(test.m_Grid.Lattice().Extent().y0, 5);
-  EXPECT_DOUBLE_EQ(test.m_Grid.CellSize(), 0.25);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Lattice().CellSize(), 0.25);
   const CCellRect root = test.m_Grid.Tree().Root().ModelRect();
   EXPECT_EQ(root.x, -8);
   EXPECT_EQ(root.y, 5);
@@ -137,8 +137,8 @@ TEST(GridTest, RectangleSetterRecomputesTheHeightRange) {
   CTestGrid test;
   SetSurface(test.m_Grid, CStep{4.0, -1.0, 2.0});
   test.m_Grid.SetRectangle(0, 1, 0, 1);
-  EXPECT_DOUBLE_EQ(test.m_Grid.MinHeight(), -1);
-  EXPECT_DOUBLE_EQ(test.m_Grid.MaxHeight(), 2);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().MinHeight(), -1);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().MaxHeight(), 2);
 }
 
 TEST(GridTest, InitializeSubdividesTreeAndRecordToTheLevel) {
@@ -229,8 +229,8 @@ TEST(GridTest, InitializeFlattensTheSurface) {
   test.m_Grid.Lattice().Set(7, PointFlag::kFrozen | PointFlag::kCrease);
   test.Initialize(2, true);
   EXPECT_EQ(NodalHeights(test.m_Grid), std::vector<double>(25, 0.0));
-  EXPECT_TRUE(std::ranges::all_of(test.m_Grid.Coefficients(), [](double c) { return c == 0; }));
-  EXPECT_EQ(test.m_Grid.MaxHeight(), 0);
+  EXPECT_TRUE(std::ranges::all_of(test.m_Grid.Surface().Coefficients(), [](double c) { return c == 0; }));
+  EXPECT_EQ(test.m_Grid.Surface().MaxHeight(), 0);
   EXPECT_EQ(test.m_Grid.Lattice().Count(PointFlag::kFrozen | PointFlag::kCrease), 0U);
 }
 
@@ -301,7 +301,7 @@ TEST(GridTest, FreeAllDropsConstraintsAndUnknowns) {
   EXPECT_TRUE(test.m_Grid.PointConstraints().empty());
   EXPECT_TRUE(test.m_Grid.GeneratedConstraints().empty());
   EXPECT_EQ(test.m_Grid.ActivePointCount(), 0);
-  EXPECT_TRUE(test.m_Grid.Coefficients().empty());
+  EXPECT_TRUE(test.m_Grid.Surface().Coefficients().empty());
   EXPECT_TRUE(test.m_Grid.Lattice().Heights().empty());
 }
 
@@ -313,7 +313,7 @@ TEST(GridTest, InitializeAfterFreeAllStartsAfresh) {
   EXPECT_EQ(test.m_Grid.ActivePointCount(), 81);
   EXPECT_EQ(NodalHeights(test.m_Grid), std::vector<double>(81, 0.0));
   SetSurface(test.m_Grid, CFlat{2});
-  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().HeightAt(5.5, 7.25), 2);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().Interpolation().HeightAt(5.5, 7.25), 2);
 }
 
 TEST(GridTest, OtherMaximumLevelRebuildsTreeRecordsAndArrays) {
@@ -336,8 +336,8 @@ TEST(GridTest, SurfaceWorksAfterAChangeOfTheMaximumLevel) {
   test.Initialize(6);
   const CRamp ramp;
   SetSurface(test.m_Grid, ramp);
-  EXPECT_NEAR(test.m_Grid.Surface().HeightAt(64, 64), ramp(kOblong.x1, kOblong.y1), 1e-12);
-  EXPECT_NEAR(test.m_Grid.Surface().HeightAt(31.5, 7.25),
+  EXPECT_NEAR(test.m_Grid.Surface().Interpolation().HeightAt(64, 64), ramp(kOblong.x1, kOblong.y1), 1e-12);
+  EXPECT_NEAR(test.m_Grid.Surface().Interpolation().HeightAt(31.5, 7.25),
               ramp(test.m_Grid.Lattice().XOf(31.5), test.m_Grid.Lattice().YOf(7.25)), 1e-9);
 }
 

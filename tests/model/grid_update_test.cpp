@@ -56,13 +56,13 @@ TEST_F(GridUpdateTest, TicksDoNotRestart) {
   AddSome();
   Grid().UpdateGrid();
   Grid().UpdateGrid();
-  const std::vector<double> twice = Copied(Grid().Coefficients());
+  const std::vector<double> twice = Copied(Grid().Surface().Coefficients());
   CTestGrid other(4, 2);
   AddAll(other.m_Grid, SomeConstraints());
   other.m_Grid.UpdateGrid();
   other.m_Grid.Post(Operation::kRestart);
   other.m_Grid.UpdateGrid();
-  EXPECT_GT(LargestDifference(twice, Copied(other.m_Grid.Coefficients())), 1e-9);
+  EXPECT_GT(LargestDifference(twice, Copied(other.m_Grid.Surface().Coefficients())), 1e-9);
 }
 
 TEST_F(GridUpdateTest, SameSeedGivesTheSameTicks) {
@@ -73,7 +73,7 @@ TEST_F(GridUpdateTest, SameSeedGivesTheSameTicks) {
     Grid().UpdateGrid();
     other.m_Grid.UpdateGrid();
   }
-  EXPECT_EQ(Copied(Grid().Coefficients()), Copied(other.m_Grid.Coefficients()));
+  EXPECT_EQ(Copied(Grid().Surface().Coefficients()), Copied(other.m_Grid.Surface().Coefficients()));
 }
 
 TEST_F(GridUpdateTest, RestartKeepsTheMatrixAndRebuildsTheRows) {
@@ -138,12 +138,12 @@ TEST_F(GridUpdateTest, HostSeesSurfaceAndCounter) {
 TEST_F(GridUpdateTest, SurfaceFollowsTheCoefficients) {
   AddSome();
   Grid().UpdateGrid();
-  std::vector<double> heights(Grid().Coefficients().size());
-  Grid().Basis().invW(Grid().Coefficients(), heights);
+  std::vector<double> heights(Grid().Surface().Coefficients().size());
+  Grid().Surface().Basis().invW(Grid().Surface().Coefficients(), heights);
   EXPECT_EQ(NodalHeights(Grid()), ByUnknown(Grid().Order(), heights));
-  EXPECT_EQ(Grid().MinHeight(), std::ranges::min(heights));
-  EXPECT_EQ(Grid().MaxHeight(), std::ranges::max(heights));
-  EXPECT_GT(Grid().MaxHeight(), Grid().MinHeight());
+  EXPECT_EQ(Grid().Surface().MinHeight(), std::ranges::min(heights));
+  EXPECT_EQ(Grid().Surface().MaxHeight(), std::ranges::max(heights));
+  EXPECT_GT(Grid().Surface().MaxHeight(), Grid().Surface().MinHeight());
   EXPECT_LT(Grid().Lattice().PointNormals()[0].z, 1);
 }
 
@@ -306,7 +306,7 @@ TEST_F(GridUpdateTest, InterruptedTickStillShowsTheSurface) {
   PostInRound(6, Operation::kSaveGrid);
   Grid().UpdateGrid();
   EXPECT_GT(m_Host.m_iRedraws, redraws);
-  EXPECT_GT(Grid().MaxHeight(), Grid().MinHeight());
+  EXPECT_GT(Grid().Surface().MaxHeight(), Grid().Surface().MinHeight());
 }
 
 TEST_F(GridUpdateTest, NextTickPerformsWhatInterruptedTheLast) {
@@ -336,7 +336,7 @@ TEST_F(GridUpdateTest, InterruptionsDoNotChangeTheCourse) {
   other.m_Grid.UpdateGrid();
   other.m_Grid.UpdateGrid();
   ASSERT_EQ(other.m_Grid.IterationCounter(), 10);
-  EXPECT_EQ(Copied(other.m_Grid.Coefficients()), Copied(Grid().Coefficients()));
+  EXPECT_EQ(Copied(other.m_Grid.Surface().Coefficients()), Copied(Grid().Surface().Coefficients()));
 }
 
 // The mode is switched by a menu and not by a posted code.

@@ -129,7 +129,7 @@ TEST_F(InactiveConstraintsTest, TheRowsAgreeWithTheJudgementOfEachAlone) {
   Rebuild(records);
   std::size_t rows = 0;
   for (const CPtCstr& c : List()) {
-    const std::uint32_t kinds = CConstraintRows::KindsWithRows(c, Grid().Tree(), Grid().Surface());
+    const std::uint32_t kinds = CConstraintRows::KindsWithRows(c, Grid().Tree(), Grid().Surface().Interpolation());
     EXPECT_EQ(kinds & c.m_uIdle, 0U);
     EXPECT_EQ(kinds | c.m_uIdle, c.m_uKind & (kPosition | kNormal));
     EXPECT_EQ(c.m_uIdle != 0, Grid().WhyInactive(c) != Inactivity::None);

@@ -27,7 +27,7 @@ std::vector<double> ResetCoefs(std::uint32_t seed, int resets = 1) {
   const ConsoleCapture console;
   CGrid grid(seed);
   for (int k = 0; k < resets; ++k) grid.Reset();
-  return Copied(grid.Coefficients());
+  return Copied(grid.Surface().Coefficients());
 }
 
 void ExpectRandomUpToTheLimit(const std::vector<double>& values) {
@@ -39,14 +39,14 @@ void ExpectRandomUpToTheLimit(const std::vector<double>& values) {
 TEST_F(ResetTest, CoefficientsAreSmallAndRandom) {
   SetRandomSurface(Grid(), 3);
   Grid().Reset();
-  ExpectRandomUpToTheLimit(Copied(Grid().Coefficients()));
+  ExpectRandomUpToTheLimit(Copied(Grid().Surface().Coefficients()));
 }
 
 TEST_F(ResetTest, CoefficientsAreRandomInEveryMode) {
   for (const WaveletMode mode : kAllModes) {
     Grid().SetWaveletMode(mode);
     Grid().Reset();
-    ExpectRandomUpToTheLimit(Copied(Grid().Coefficients()));
+    ExpectRandomUpToTheLimit(Copied(Grid().Surface().Coefficients()));
   }
 }
 
@@ -72,11 +72,11 @@ TEST_F(ResetTest, HeightsNormalsAndRangeFollow) {
   SetRandomSurface(Grid(), 3);
   Grid().Reset();
   std::vector<double> heights(25);
-  Grid().Basis().invW(Grid().Coefficients(), heights);
+  Grid().Surface().Basis().invW(Grid().Surface().Coefficients(), heights);
   EXPECT_EQ(NodalHeights(Grid()), ByUnknown(Grid().Order(), heights));
   EXPECT_TRUE(std::ranges::all_of(SurfaceOnLattice(Grid()), [](double z) { return std::isfinite(z); }));
-  EXPECT_EQ(Grid().MinHeight(), std::ranges::min(heights));
-  EXPECT_EQ(Grid().MaxHeight(), std::ranges::max(heights));
+  EXPECT_EQ(Grid().Surface().MinHeight(), std::ranges::min(heights));
+  EXPECT_EQ(Grid().Surface().MaxHeight(), std::ranges::max(heights));
   EXPECT_GT(Grid().Lattice().PointNormals()[0].z, 0.9);
 }
 
@@ -127,8 +127,8 @@ TEST_F(ResetTest, WorksAtTheHighResolutionToo) {
   Grid().Post(Operation::kTransferToHigh);
   Grid().PerformPendingWork();
   Grid().Reset();
-  EXPECT_EQ(Grid().Coefficients().size(), 289U);
-  ExpectRandomUpToTheLimit(Copied(Grid().Coefficients()));
+  EXPECT_EQ(Grid().Surface().Coefficients().size(), 289U);
+  ExpectRandomUpToTheLimit(Copied(Grid().Surface().Coefficients()));
 }
 
 }  // namespace

@@ -108,10 +108,10 @@ TEST_P(ResolutionSwitchTest, HeightsRangeAndViewsAreUpToDate) {
     Switch(code);
     EXPECT_GT(m_Host.m_iRedraws, redraws);
     const std::vector<double> heights = NodalHeights(Grid());
-    EXPECT_EQ(Grid().MinHeight(), std::ranges::min(heights));
-    EXPECT_EQ(Grid().MaxHeight(), std::ranges::max(heights));
+    EXPECT_EQ(Grid().Surface().MinHeight(), std::ranges::min(heights));
+    EXPECT_EQ(Grid().Surface().MaxHeight(), std::ranges::max(heights));
     std::vector<double> reconstructed(heights.size());
-    Grid().Basis().invW(Grid().Coefficients(), reconstructed);
+    Grid().Surface().Basis().invW(Grid().Surface().Coefficients(), reconstructed);
     EXPECT_EQ(heights, ByUnknown(Grid().Order(), reconstructed));
   }
 }
@@ -286,7 +286,7 @@ TEST_P(ResolutionSwitchTest, GivenHeightsForgetTheOtherSurface) {
   NewSurface(41);
   Switch(64);
   Grid().SetHeights(std::vector<double>(25, 1.5));
-  EXPECT_EQ(Grid().MaxHeight(), 1.5);
+  EXPECT_EQ(Grid().Surface().MaxHeight(), 1.5);
   Switch(32);
   EXPECT_EQ(NodalHeights(Grid()), std::vector<double>(289, 0.0));
 }

@@ -55,8 +55,8 @@ TEST_P(Samples, AreWholeAndShowWhatTheProgramCanDo) {
   EXPECT_GE(CurvesOf(CurveType::kPosition), 2U) << "tears";
   EXPECT_GE(CurvesOf(CurveType::kNormal), 3U) << "creases";
   EXPECT_GE(m_Model.m_Grid.PointConstraints().size(), 40U);
-  EXPECT_GT(m_Model.m_Grid.MaxHeight(), 30);
-  EXPECT_LT(m_Model.m_Grid.MinHeight(), -20);
+  EXPECT_GT(m_Model.m_Grid.Surface().MaxHeight(), 30);
+  EXPECT_LT(m_Model.m_Grid.Surface().MinHeight(), -20);
 }
 
 TEST_P(Samples, AreConverged) {

@@ -122,8 +122,8 @@ TEST_P(SetDiscMapTest, SystemIsThatOfTheNewPoints) {
   Refine();
   Grid().SetDiscMap();
   EXPECT_EQ(Grid().Solver().System().Smoothness().RowCount(), static_cast<std::size_t>(Grid().ActivePointCount()));
-  EXPECT_EQ(Grid().Basis().Size(), static_cast<std::size_t>(Grid().ActivePointCount()));
-  EXPECT_LT(Grid().TestWavelets(), 1e-12);
+  EXPECT_EQ(Grid().Surface().Basis().Size(), static_cast<std::size_t>(Grid().ActivePointCount()));
+  EXPECT_LT(Grid().Surface().TestWavelets(), 1e-12);
 }
 
 TEST_P(SetDiscMapTest, IterationGoesOnToTheSurfaceOfTheNewPoints) {

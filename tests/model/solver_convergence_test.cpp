@@ -22,14 +22,14 @@ const std::string kSmallPi = "|pp_pp| is too small ";
 // The surface that a grid which has never seen other constraints comes to, by unknown.
 std::vector<double> FreshSolution(CGrid& edited) {
   CTestGrid fresh(edited.MaxLevel(), edited.BaseLevel());
-  fresh.m_Grid.SetWaveletMode(edited.Mode());
+  fresh.m_Grid.SetWaveletMode(edited.Surface().Mode());
   for (const CPtCstr& c : edited.PointConstraints()) fresh.m_Grid.AddPtCstr(c);
   EXPECT_TRUE(RunUntilPaused(fresh.m_Grid));
   return NodalHeights(fresh.m_Grid);
 }
 
 void ExpectSurfaceOfItsConstraints(CGrid& grid) {
-  const double range = grid.MaxHeight() - grid.MinHeight();
+  const double range = grid.Surface().MaxHeight() - grid.Surface().MinHeight();
   EXPECT_LT(LargestDifference(NodalHeights(grid), FreshSolution(grid)), 1e-7 * range);
 }
 
@@ -88,7 +88,7 @@ TEST(SolverConvergenceTest, ConvergedSystemStopsOnTheNextTick) {
 TEST(SolverConvergenceTest, VanishingImagePausesWithItsOwnLine) {
   CTestGrid test;
   test.m_Grid.Initialize(2, false, 0, 0, 4e4, 4e4);
-  for (double& coef : test.m_Grid.Coefficients()) coef = 1e12;
+  for (double& coef : test.m_Grid.Surface().Coefficients()) coef = 1e12;
   test.m_Grid.ReconstructSurface();
   test.m_Grid.Post(Operation::kRestart);
   test.m_Console.Take();
@@ -127,7 +127,7 @@ TEST(SolverConvergenceTest, StopOnAWrongSurfaceIsTriedAgain) {
 
 TEST(SolverConvergenceTest, ConvergedSurfaceMeetsItsConstraints) {
   CConvergedGrid test;
-  const double range = test.m_Grid.MaxHeight() - test.m_Grid.MinHeight();
+  const double range = test.m_Grid.Surface().MaxHeight() - test.m_Grid.Surface().MinHeight();
   for (const CPtCstr& c : test.m_Grid.PointConstraints())
     EXPECT_NEAR(SurfaceHeight(test.m_Grid, c.m_fX, c.m_fY), c.m_fZ, 1e-7 * range);
 }
@@ -176,7 +176,7 @@ TEST_P(EditAfterConvergenceTest, ChangedHeightIsReached) {
   for (const double z : {-2.25, 40.0, 3.0, 3.0 + 1e-6}) {
     Grid().SetSelectedHeight(z);
     ExpectTheNewSurface();
-    EXPECT_NEAR(SurfaceHeight(Grid(), 10, 22), z, 1e-7 * (Grid().MaxHeight() - Grid().MinHeight()));
+    EXPECT_NEAR(SurfaceHeight(Grid(), 10, 22), z, 1e-7 * (Grid().Surface().MaxHeight() - Grid().Surface().MinHeight()));
   }
 }
 
@@ -217,7 +217,8 @@ TEST_P(EditAfterConvergenceTest, SurfaceComesBackAfterAReset) {
   const std::vector<double> before = NodalHeights(Grid());
   Grid().Reset();
   ExpectTheNewSurface();
-  EXPECT_LT(LargestDifference(NodalHeights(Grid()), before), 1e-7 * (Grid().MaxHeight() - Grid().MinHeight()));
+  EXPECT_LT(LargestDifference(NodalHeights(Grid()), before),
+            1e-7 * (Grid().Surface().MaxHeight() - Grid().Surface().MinHeight()));
 }
 
 // How many of the constraints below there are, and how many ticks before the pause the first of them is changed.
@@ -284,7 +285,7 @@ TEST(ContradictionTest, SurfaceStaysFiniteAndRecovers) {
     SetSelection(test.m_Grid.PointConstraints(), "0100");
     test.m_Grid.SetSelectedHeight(z);
     EXPECT_TRUE(RunUntilPaused(test.m_Grid));
-    EXPECT_TRUE(std::isfinite(test.m_Grid.MinHeight()) && std::isfinite(test.m_Grid.MaxHeight()));
+    EXPECT_TRUE(std::isfinite(test.m_Grid.Surface().MinHeight()) && std::isfinite(test.m_Grid.Surface().MaxHeight()));
     test.m_Grid.SetSelectedHeight(1);
     ASSERT_TRUE(RunUntilPaused(test.m_Grid));
     EXPECT_NEAR(SurfaceHeight(test.m_Grid, 10, 22), 1, 1e-6);

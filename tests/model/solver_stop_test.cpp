@@ -178,7 +178,7 @@ TEST(SolverConverges, WhenAllHeightsAreSetToZero) {
   }
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));
   EXPECT_TRUE(test.m_Grid.Solver().HasConverged());
-  EXPECT_NEAR(test.m_Grid.MaxHeight(), 0, 1e-9);
+  EXPECT_NEAR(test.m_Grid.Surface().MaxHeight(), 0, 1e-9);
 }
 
 }  // namespace

@@ -122,12 +122,12 @@ template <typename Field>
 void SetSurface(CGrid& grid, const Field& field) {
   std::vector<double> byPoint(grid.Lattice().PointCount());
   FillHeights(grid.Lattice(), byPoint, field);
-  grid.Basis().W(ByScan(grid.Order(), Gathered(grid.Order(), byPoint)), grid.Coefficients());
+  grid.Surface().Basis().W(ByScan(grid.Order(), Gathered(grid.Order(), byPoint)), grid.Surface().Coefficients());
   grid.ReconstructSurface();
 }
 /// Random heights in -1..1 at the points in use.
 inline void SetRandomSurface(CGrid& grid, std::uint32_t seed) {
-  grid.Basis().W(RandomValues(seed, grid.Order().Count()), grid.Coefficients());
+  grid.Surface().Basis().W(RandomValues(seed, grid.Order().Count()), grid.Surface().Coefficients());
   grid.ReconstructSurface();
 }
 
@@ -139,7 +139,7 @@ inline std::vector<double> SurfaceOnLattice(const CGrid& grid) {
   std::vector<double> heights(lattice.PointCount());
   for (int row = 0; row < lattice.PointsPerSide(); ++row) {
     for (int column = 0; column < lattice.PointsPerSide(); ++column)
-      heights[lattice.Index(column, row)] = grid.Surface().HeightAt(column, row);
+      heights[lattice.Index(column, row)] = grid.Surface().Interpolation().HeightAt(column, row);
   }
   return heights;
 }

@@ -27,7 +27,7 @@ CPlanePoint PlaceOf(const CLattice& lattice, std::size_t point) {
 }
 
 void LogNormal(const CGrid& grid, const CPlanePoint& place) {
-  const Vector3 n = grid.Surface().GetNormal(place.x, place.y);
+  const Vector3 n = grid.Surface().Interpolation().GetNormal(place.x, place.y);
   Console() << "CImageView::handle\t\tnormal : " << n.x << ", " << n.y << ", " << n.z << '\n';
 }
 

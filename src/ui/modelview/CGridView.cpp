@@ -69,7 +69,8 @@ void CGridView::SetDrawTexture(int which) {
 void CGridView::ResetCamera() {
   if (m_pGrid == nullptr) return;
   const CExtent& extent = m_pGrid->Lattice().Extent();
-  m_Camera.Reset({extent.x0, extent.y0, m_pGrid->MinHeight()}, {extent.x1, extent.y1, m_pGrid->MaxHeight()});
+  m_Camera.Reset({extent.x0, extent.y0, m_pGrid->Surface().MinHeight()},
+                 {extent.x1, extent.y1, m_pGrid->Surface().MaxHeight()});
   redraw();
 }
 

@@ -52,7 +52,7 @@ void CValueMessages::EndDrag() {
 // A normal that is not a number, as in a tear, has no slope.
 std::optional<CValueMessages::CSurfacePlace> CValueMessages::SurfaceUnder(const CPtCstr& constraint) const {
   const CLattice& lattice = m_Grid.Lattice();
-  const CInterpolation surface = m_Grid.Surface();
+  const CInterpolation surface = m_Grid.Surface().Interpolation();
   const auto triangle = surface.ShortStencil(lattice.ColumnOf(constraint.m_fX), lattice.RowOf(constraint.m_fY));
   if (!triangle) return std::nullopt;
   if (m_uKind == PtCstrKind::kPosition) return CSurfacePlace{surface.HeightOf(*triangle), {}};

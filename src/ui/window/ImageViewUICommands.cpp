@@ -74,7 +74,7 @@ void CImageViewUI::ConnectCallbacks() {
     {Control::TestInterpolation, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kInterpolation, on); }},
     {Control::ResetModelView, [](CImageViewUI& ui, bool) { ui.m_pGridView->ResetCamera(); }},
     {Control::ResetSolver, [](CImageViewUI& ui, bool) { ui.m_pGrid->Reset(); ui.RedrawModelView(); }},
-    {Control::TestWavelets, [](CImageViewUI& ui, bool) { ui.m_pGrid->TestWavelets(); ui.RedrawModelView(); }},
+    {Control::TestWavelets, [](CImageViewUI& ui, bool) { ui.m_pGrid->Surface().TestWavelets(); ui.RedrawModelView(); }},
     {Control::LightSources, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::LightSources); }},
     {Control::Recorder, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::Recorder); }},
     {Control::Scissors, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::Scissors); }},
@@ -330,7 +330,7 @@ std::string CImageViewUI::TextureFile() const { return m_pImageView->TextureFile
 
 void CImageViewUI::GridReplaced() {
   m_pbtnSwitchHR_LR->label(g_bHighRes == 1 ? "Switch to LR" : "Switch to HR");
-  const WaveletMode mode = m_pGrid->Mode();
+  const WaveletMode mode = m_pGrid->Surface().Mode();
   m_pMenu->SetChecked(mode == WaveletMode::New      ? MenuEntry::NewWavelets
                       : mode == WaveletMode::Simple ? MenuEntry::SimpleWavelets
                                                     : MenuEntry::NoWavelets,
