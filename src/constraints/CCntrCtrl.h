@@ -35,6 +35,7 @@ struct COffset {
   double m_fX = 0.0;
   double m_fY = 0.0;
   bool IsZero() const { return m_fX == 0.0 && m_fY == 0.0; }
+  bool operator==(const COffset&) const = default;
 };
 
 /// Where the parallel of a curve on one side of it passes by a node: at A; on the outer side of a bend by way of B (the
@@ -43,6 +44,7 @@ struct CNodeOffsets {
   COffset m_A;
   COffset m_B;  ///< zero where the node has none
   COffset m_C;  ///< zero where the node has none
+  bool operator==(const CNodeOffsets&) const = default;
 };
 
 /// The four weights of a node.
@@ -60,26 +62,26 @@ struct CCntrNode : CPtCstr {
   std::array<CNodeOffsets, 2> m_aOffsets{};  ///< by side
 
   const CNodeOffsets& Offsets(CurveSide side) const { return m_aOffsets[static_cast<std::size_t>(side)]; }
+  bool operator==(const CCntrNode&) const = default;
 };
 
 /// The row of normal constraints that a curve may generate along one side of it.
 struct CAutoBump {
   double m_fDistance = 5.0;     ///< between two of them along the path, model units
   double m_fOrientation = 0.0;  ///< tilt in degrees, positive uphill to the right, kept in -80..80
+  bool operator==(const CAutoBump&) const = default;
 };
 
 /// A curve constraint (contour): a polyline over the picture, open or closed.
 ///
-/// Addresses of nodes stay valid until the node is deleted. Creating one writes a console line.
+/// Addresses of nodes stay valid until the node is deleted. Creating one writes a console line, copying one does not.
 class CCntrCtrl {
  public:
   using CNodes = std::list<CCntrNode>;
   static constexpr double kMaxOrientation = 80.0;  ///< degrees
 
   CCntrCtrl();
-  CCntrCtrl(const CCntrCtrl&) = delete;
-  CCntrCtrl& operator=(const CCntrCtrl&) = delete;
-  ~CCntrCtrl() = default;
+  bool operator==(const CCntrCtrl&) const = default;
 
   /// Nodes in drawing order.
   CNodes& Nodes() { return m_aNodes; }

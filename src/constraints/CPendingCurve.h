@@ -24,6 +24,8 @@ class CPendingCurve {
   /// Forgets the points; no curve is in progress.
   void Drop();
 
+  bool operator==(const CPendingCurve&) const = default;
+
  private:
   bool m_bIdle = true;
   bool m_bClosedOnValidate = false;

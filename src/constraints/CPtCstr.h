@@ -39,4 +39,5 @@ struct CPtCstr {
   bool IsActive() const { return ((PtCstrKind::kPosition | PtCstrKind::kNormal) & m_uKind & ~m_uIdle) != 0; }
   /// Whether the record constrains the surface in the way of `kind` (kPosition or kNormal).
   bool IsEnabled(std::uint32_t kind) const { return HasKind(kind) && !HasKind(PtCstrKind::kDisabled); }
+  bool operator==(const CPtCstr&) const = default;
 };

@@ -18,18 +18,12 @@
 #include "constraints/Inactivity.h"
 #include "model/CPendingWork.h"
 #include "model/CRelighting.h"
+#include "model/CSketch.h"
 #include "model/CSurface.h"
 #include "model/GridFileState.h"
 #include "model/GridHost.h"
 #include "quadtree/CSaveQuadT.h"
 #include "solver/CGridSolver.h"
-
-/// A number before each list of a grid file, without meaning, that is kept from loading to saving.
-struct CListHeaders {
-  int m_iPoints = 0;
-  int m_iCurves = 0;
-  int m_iRegions = 0;
-};
 
 /// The model: one height field over one picture, its constraints and its solution. There is one for the whole run; New
 /// Grid and Load Grid initialise it again in place. It owns a part for each of its jobs and hands its operations on to
@@ -62,6 +56,14 @@ class CGrid {
   /// Bytes that `Reserve` sets aside for a level at most.
   static double BytesOf(int maxLevel);
   void SetRectangle(double x0, double x1, double y0, double y1) { m_Surface.SetExtent({x0, x1, y0, y1}); }
+
+  // The document as a value (GridSketch.cpp).
+
+  CSketch Sketch() const;
+  /// Starts over with a sketch taken of any grid, on a flat surface at height 0. Lights and picture stay. Throws
+  /// std::bad_alloc, with nothing changed, where there is not the memory for its maximum level, which becomes that of
+  /// new grids.
+  void TakeOver(CSketch sketch);
 
   /// The program around the model, or null. Must outlive the grid or be detached.
   void AttachHost(GridHost* host) { m_pHost = host; }

@@ -48,6 +48,21 @@ bool ReadNode(std::istream& in, CSaveQuadT& node) {
   return true;
 }
 
+void AppendBits(std::vector<bool>& bits, const CSaveQuadT& node) {
+  if (!node.HasChildren()) return;
+  bits.push_back(!node.IsLeaf());
+  if (node.IsLeaf()) return;
+  for (int k = 0; k < 4; ++k) AppendBits(bits, node.Child(k));
+}
+
+void TakeBits(std::vector<bool>::const_iterator& bit, CSaveQuadT& node) {
+  const bool split = node.HasChildren() && *bit++;
+  node.SetLeaf(!split);
+  node.SetSelected(false);
+  if (!split) return ClearBelow(node);
+  for (int k = 0; k < 4; ++k) TakeBits(bit, node.Child(k));
+}
+
 }  // namespace
 
 void WriteSubdivision(std::ostream& out, const CSubdivisionRecord& record) { WriteNode(out, record.Root()); }
@@ -56,4 +71,15 @@ bool ReadSubdivision(std::istream& in, CSubdivisionRecord& record) {
   if (ReadNode(in, record.Root())) return true;
   Console() << "Error CSaveQuadT::ReadInFile\t\tNon valid Character";
   return false;
+}
+
+std::vector<bool> SubdivisionBits(const CSubdivisionRecord& record) {
+  std::vector<bool> bits;
+  AppendBits(bits, record.Root());
+  return bits;
+}
+
+void SetSubdivision(CSubdivisionRecord& record, const std::vector<bool>& bits) {
+  auto bit = bits.begin();
+  TakeBits(bit, record.Root());
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <vector>
 
 class CSubdivisionRecord;
 
@@ -13,3 +14,10 @@ void WriteSubdivision(std::ostream& out, const CSubdivisionRecord& record);
 /// an unfinished console line, where another character stands than one that is due or a split node is of the finest
 /// level: what was read by then stays, what follows is left in the stream.
 bool ReadSubdivision(std::istream& in, CSubdivisionRecord& record);
+
+/// A wanted subdivision in as few bits: its nodes in depth-first order, 1 for a split one and 0 for a leaf; the finest
+/// level, which cannot be split, has none. The selection is not part of it.
+std::vector<bool> SubdivisionBits(const CSubdivisionRecord& record);
+
+/// The way back, to a record of the depth that the bits were taken from. Nothing is selected afterwards.
+void SetSubdivision(CSubdivisionRecord& record, const std::vector<bool>& bits);
