@@ -59,23 +59,14 @@ std::vector<CStroke> CoffeeCreases() {
   return {frontOfLip, insideOfLip, coffee, tableEdge};
 }
 
+// From one side of the foot over the far rim to the other side: the front of the cup stays joined to the saucer.
+std::vector<CPixel> CupOutline() {
+  return {{213, 268}, {196, 240}, {182, 205}, {172, 165}, {172, 113}, {186, 64},  {230, 28}, {290, 17},
+          {347, 31},  {389, 66},  {407, 113}, {398, 165}, {384, 205}, {362, 250}, {335, 272}};
+}
+
 std::vector<CTrace> CoffeeTears() {
-  const CTrace cup{false,
-                   {{213, 268},
-                    {196, 240},
-                    {182, 205},
-                    {172, 165},
-                    {172, 113},
-                    {186, 64},
-                    {230, 28},
-                    {290, 17},
-                    {347, 31},
-                    {389, 66},
-                    {407, 113},
-                    {398, 165},
-                    {384, 205},
-                    {362, 250},
-                    {335, 272}}};
+  const CTrace cup{false, CupOutline()};
   const CTrace saucer{false,
                       {{170, 77},  {135, 105}, {110, 135}, {90, 170},  {80, 205},  {78, 240},  {85, 267},  {108, 299},
                        {131, 328}, {152, 347}, {180, 365}, {210, 379}, {245, 386}, {320, 382}, {370, 367}, {415, 340},
@@ -171,24 +162,7 @@ CScene FirstScene() {
   scene.m_Picture = "coffee.bmp";
   scene.m_iWidth = 600;
   scene.m_iHeight = 400;
-  // From one side of the foot over the far rim to the other side: the front of the cup stays joined to the saucer.
-  scene.m_aCreases = {{'p',
-                       false,
-                       {{213, 268},
-                        {196, 240},
-                        {182, 205},
-                        {172, 165},
-                        {172, 113},
-                        {186, 64},
-                        {230, 28},
-                        {290, 17},
-                        {347, 31},
-                        {389, 66},
-                        {407, 113},
-                        {398, 165},
-                        {384, 205},
-                        {362, 250},
-                        {335, 272}}}};
+  scene.m_aCreases = {{'p', false, CupOutline()}};
   scene.m_aHeights = {{{30, 200}, 0},      {{30, 380}, 0},       {{560, 380}, 0},      {{560, 60}, 0},
                       {{100, 60}, 0},      {{290, 5}, 0},        {{140, 200}, 3},      {{440, 200}, 3},
                       {{275, 300}, 3},     {{290, 200}, kRim},   {{236, 188}, kRim},   {{344, 188}, kRim},
