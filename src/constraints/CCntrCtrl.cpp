@@ -31,6 +31,11 @@ double DistanceToLine(const CPlace& p, const CPlace& a, const CPlace& b) {
 
 CCntrCtrl::CCntrCtrl() { Console() << "CCntrCtrl creation\n"; }
 
+bool CCntrCtrl::operator==(const CCntrCtrl& other) const {
+  return m_bClosed == other.m_bClosed && m_aNodes == other.m_aNodes && m_uType == other.m_uType &&
+         m_uOptions == other.m_uOptions && m_aAutoBumps == other.m_aAutoBumps;
+}
+
 void CCntrCtrl::SetDistance(CurveSide side, double distance) {
   m_aAutoBumps[static_cast<std::size_t>(side)].m_fDistance = distance;
 }

@@ -60,26 +60,28 @@ struct CCntrNode : CPtCstr {
   std::array<CNodeOffsets, 2> m_aOffsets{};  ///< by side
 
   const CNodeOffsets& Offsets(CurveSide side) const { return m_aOffsets[static_cast<std::size_t>(side)]; }
+  /// Apart from what CPtCstr leaves aside, and from the offsets, which follow from the places.
+  bool operator==(const CCntrNode& other) const { return CPtCstr::operator==(other) && m_Weights == other.m_Weights; }
 };
 
 /// The row of normal constraints that a curve may generate along one side of it.
 struct CAutoBump {
   double m_fDistance = 5.0;     ///< between two of them along the path, model units
   double m_fOrientation = 0.0;  ///< tilt in degrees, positive uphill to the right, kept in -80..80
+  bool operator==(const CAutoBump&) const = default;
 };
 
 /// A curve constraint (contour): a polyline over the picture, open or closed.
 ///
-/// Addresses of nodes stay valid until the node is deleted. Creating one writes a console line.
+/// Addresses of nodes stay valid until the node is deleted. Creating one writes a console line, copying one does not.
 class CCntrCtrl {
  public:
   using CNodes = std::list<CCntrNode>;
   static constexpr double kMaxOrientation = 80.0;  ///< degrees
 
   CCntrCtrl();
-  CCntrCtrl(const CCntrCtrl&) = delete;
-  CCntrCtrl& operator=(const CCntrCtrl&) = delete;
-  ~CCntrCtrl() = default;
+  /// Whether both are the same to the user: apart from the state.
+  bool operator==(const CCntrCtrl& other) const;
 
   /// Nodes in drawing order.
   CNodes& Nodes() { return m_aNodes; }

@@ -58,6 +58,9 @@ class CCntrCtrlList {
   /// Unselects the nodes of the curves of the type, and every curve.
   void Unselect(std::uint32_t mask);
 
+  /// The same curves in the same order (see CCntrCtrl).
+  bool operator==(const CCntrCtrlList&) const = default;
+
  private:
   std::list<CCntrCtrl> m_aCurves;
 };

@@ -24,6 +24,9 @@ class CPendingCurve {
   /// Forgets the points; no curve is in progress.
   void Drop();
 
+  /// Whether both have the same points: the cursor says how they end.
+  bool operator==(const CPendingCurve& other) const { return m_bIdle == other.m_bIdle && m_aPoints == other.m_aPoints; }
+
  private:
   bool m_bIdle = true;
   bool m_bClosedOnValidate = false;

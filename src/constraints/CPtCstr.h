@@ -39,4 +39,14 @@ struct CPtCstr {
   bool IsActive() const { return ((PtCstrKind::kPosition | PtCstrKind::kNormal) & m_uKind & ~m_uIdle) != 0; }
   /// Whether the record constrains the surface in the way of `kind` (kPosition or kNormal).
   bool IsEnabled(std::uint32_t kind) const { return HasKind(kind) && !HasKind(PtCstrKind::kDisabled); }
+  /// Whether both are the same to the user: apart from the state, and from what follows from tree, system and surface,
+  /// which is whether the record is disabled or has no row, and the height under a slope.
+  bool operator==(const CPtCstr& other) const;
 };
+
+inline bool CPtCstr::operator==(const CPtCstr& other) const {
+  if (((m_uKind ^ other.m_uKind) & ~PtCstrKind::kDisabled) != 0) return false;
+  const bool ownHeight = !HasKind(PtCstrKind::kNormal) || HasKind(PtCstrKind::kPosition);
+  return m_fX == other.m_fX && m_fY == other.m_fY && m_fP == other.m_fP && m_fQ == other.m_fQ &&
+         (!ownHeight || m_fZ == other.m_fZ);
+}

@@ -46,6 +46,9 @@ class CPtCstrList {
   /// Whether there was one to delete.
   bool DeleteSelected();
 
+  /// The same records in the same order (see CPtCstr).
+  bool operator==(const CPtCstrList&) const = default;
+
  private:
   std::list<CPtCstr> m_aRecords;
 };

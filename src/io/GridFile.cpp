@@ -8,7 +8,7 @@
 #include "constraints/PtCstrText.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
-#include "quadtree/SubdivisionText.h"
+#include "quadtree/CSubdivisionBits.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ void WriteGrid(std::ostream& out, const CGrid& grid) {
   out << headers.m_iRegions << "\t0\n\n";
   out << "\n\nL\n" << g_iBaseLevel << '\n' << g_iMaxLevel;
   out << "\n\nT\n";
-  WriteSubdivision(out, grid.Subdivision());
+  CSubdivisionBits(grid.Subdivision()).Write(out);
   const CPointOrder& order = grid.Order();
   out << "\n\nZ\n";
   for (std::size_t k = 0; k < order.Count(); ++k) {

@@ -21,7 +21,7 @@
 #include "io/TextNumbers.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
-#include "quadtree/SubdivisionText.h"
+#include "quadtree/CSubdivisionBits.h"
 
 namespace {
 
@@ -274,10 +274,12 @@ CGridReader::Expected CGridReader::ReadSubdivisionRecord() {
   m_Grid.Initialize(kStartLevel, true, m_Extent->x0, m_Extent->y0, m_Extent->x1, m_Extent->y1);
   Log() << "...Initialize() complete\n";
   Log() << "Read the quad tree structure...\n";
-  if (!ReadSubdivision(m_In, m_Grid.Subdivision())) {
+  CSubdivisionBits bits;
+  if (!bits.Read(m_In, m_Grid.MaxLevel())) {
     Console() << '\n';
     return "a quad tree no deeper than the max level";
   }
+  bits.ApplyTo(m_Grid.Subdivision());
   Log() << "... quad tree structure successfully read\n";
   Log() << "Construction of matrixes + new order...\n";
   m_Grid.SetDiscMap();

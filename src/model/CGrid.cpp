@@ -33,6 +33,7 @@ void CGrid::FreeAll() {
 }
 
 void CGrid::Reserve(int maxLevel) {
+  if (m_Surface.HasReserve(maxLevel)) return;
   std::array<std::optional<CSubdivisionRecord>, 2> records;
   if (m_Subdivision->Depth() != maxLevel) {
     for (auto& record : records) record.emplace(maxLevel);

@@ -19,18 +19,12 @@
 #include "model/CPendingWork.h"
 #include "model/CRelighting.h"
 #include "model/CSaveOutcome.h"
+#include "model/CSketch.h"
 #include "model/CSurface.h"
 #include "model/GridFileState.h"
 #include "model/GridHost.h"
 #include "quadtree/CSaveQuadT.h"
 #include "solver/CGridSolver.h"
-
-/// A number before each list of a grid file, without meaning, that is kept from loading to saving.
-struct CListHeaders {
-  int m_iPoints = 0;
-  int m_iCurves = 0;
-  int m_iRegions = 0;
-};
 
 /// The model: one height field over one picture, its constraints and its solution. There is one for the whole run; New
 /// Grid and Load Grid initialise it again in place. It owns a part for each of its jobs and hands its operations on to
@@ -56,13 +50,22 @@ class CGrid {
   /// Frees the arrays and drops every constraint; `Initialize` must follow.
   void FreeAll();
   /// Sets the memory of lattice, tree, numbering and surfaces aside that the next `Initialize` needs for this maximum
-  /// level, while the present model stays as it is. Throws std::bad_alloc, with nothing changed.
+  /// level, while the present model stays as it is. Nothing if it has been. Throws std::bad_alloc, with nothing
+  /// changed.
   void Reserve(int maxLevel);
   /// Gives back what has been set aside.
   void DropReserve();
   /// Bytes that `Reserve` sets aside for a level at most.
   static double BytesOf(int maxLevel);
   void SetRectangle(double x0, double x1, double y0, double y1) { m_Surface.SetExtent({x0, x1, y0, y1}); }
+
+  // The document as a value (GridSketch.cpp).
+
+  CSketch Sketch() const;
+  /// Starts over with a sketch, on a flat surface at height 0, and gives new grids its levels. Nothing is made of it
+  /// yet: `SetDiscMap` must follow. Picture and lights stay. Throws std::bad_alloc: with nothing changed where not even
+  /// `Reserve` finds its memory, else with the constraints and levels of the sketch and `Initialize` due.
+  void TakeOver(CSketch sketch);
 
   /// The program around the model, or null. Must outlive the grid or be detached.
   void AttachHost(GridHost* host) { m_pHost = host; }

@@ -42,6 +42,7 @@ class CSurface {
   /// Sets the memory aside that the next `Initialize` needs for this maximum level, while the present surface stays as
   /// it is. Throws std::bad_alloc, with nothing changed.
   void Reserve(int maxLevel);
+  bool HasReserve(int maxLevel) const { return m_pReserve != nullptr && m_pReserve->m_Lattice.Level() == maxLevel; }
   void DropReserve() { m_pReserve.reset(); }
 
   // The subdivision and the numbering.

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "quadtree/SubdivisionText.h"
+#include "quadtree/CSubdivisionBits.h"
 #include "support/ConsoleCapture.h"
 #include "support/GridBuilders.h"
 
@@ -12,7 +12,7 @@ constexpr const char* kError = "Error CSaveQuadT::ReadInFile\t\tNon valid Charac
 
 std::string TextOf(const CSubdivisionRecord& record) {
   std::ostringstream out;
-  WriteSubdivision(out, record);
+  CSubdivisionBits(record).Write(out);
   return out.str();
 }
 
@@ -22,7 +22,9 @@ struct CReading {
     m_Record.SetStartLevel(depth);
     SavedNode(m_Record, {0}).SetSelected(true);
     if (depth > 1) SavedNode(m_Record, {3, 1}).SetSelected(true);
-    m_Log = ConsoleTextOf([this] { m_bRead = ReadSubdivision(m_In, m_Record); });
+    CSubdivisionBits bits;
+    m_Log = ConsoleTextOf([&] { m_bRead = bits.Read(m_In, depth); });
+    bits.ApplyTo(m_Record);
   }
   std::string Rest() { return {std::istreambuf_iterator<char>(m_In), {}}; }
 
@@ -109,6 +111,42 @@ TEST(SubdivisionText, DoesNotGoDeeperThanTheTree) {
   CReading reading("bbNvNvNvNevNvNvNe", 1);
   EXPECT_FALSE(reading.m_bRead);
   EXPECT_EQ(reading.m_Log, kError);
+}
+
+TEST(SubdivisionBits, AreEqualForTheSameLeavesOfTheSameDepth) {
+  CSubdivisionRecord record(3);
+  record.SetStartLevel(1);
+  record.Root().Child(2).subdiv();
+  const CSubdivisionBits bits(record);
+  CSubdivisionRecord copy(3);
+  copy.SetStartLevel(2);
+  EXPECT_NE(CSubdivisionBits(copy), bits);
+  bits.ApplyTo(copy);
+  EXPECT_EQ(CSubdivisionBits(copy), bits);
+  copy.Root().Child(1).SetSelected(true);
+  EXPECT_EQ(CSubdivisionBits(copy), bits);
+  CSubdivisionRecord deeper(4);
+  bits.ApplyTo(deeper);
+  EXPECT_NE(CSubdivisionBits(deeper), bits);
+}
+
+TEST(SubdivisionBits, ThatHoldNothingChangeNothing) {
+  CSubdivisionRecord record(3);
+  record.SetStartLevel(2);
+  record.Root().Child(1).Child(1).SetSelected(true);
+  const CSubdivisionBits bits(record);
+  CSubdivisionBits().ApplyTo(record);
+  EXPECT_EQ(CSubdivisionBits(record), bits);
+  EXPECT_TRUE(record.Root().Child(1).Child(1).IsSelected());
+}
+
+TEST(SubdivisionBits, AreWrittenWithLeavesWhereTheReadingEnded) {
+  std::istringstream in("bNvbX");
+  CSubdivisionBits bits;
+  ConsoleTextOf([&] { EXPECT_FALSE(bits.Read(in, 3)); });
+  std::ostringstream out;
+  bits.Write(out);
+  EXPECT_EQ(out.str(), "bNvbNvNvNvNevNvNe");
 }
 
 }  // namespace
