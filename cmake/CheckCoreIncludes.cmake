@@ -67,7 +67,7 @@ foreach(i RANGE ${last})
   math(EXPR checked "${checked} + 1")
 endforeach()
 
-foreach(library IN ITEMS core editing)
+foreach(library IN ITEMS core formats editing)
   if(NOT library IN_LIST met)
     message(FATAL_ERROR "${COMPILE_COMMANDS} names no source of relievo_${library}")
   endif()

@@ -15,8 +15,7 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
     : m_DrawingOptions(g_DrawingSettings, window, window),
       m_GridParameters(window, window),
       m_ContourAttributes(window, window),
-      m_HeightField(window, window,
-                    [&](int width, int height) { CGridCommands::WriteHeightField(window, grid, width, height); }) {
+      m_HeightField(window, window, [this](int width, int height) { m_SizeChosen(width, height); }) {
   auto lights = std::make_unique<CLightTool>(window, grid);
   CWindowServices services;
   services.m_ShowDrawingOptions = [this] { m_DrawingOptions.Open(); };
@@ -26,9 +25,9 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
     return m_GridParameters.Ask(present.Lattice().Extent(), present.MaxLevel());
   };
   services.m_Model.m_LoadGrid = &CGrid::Load;
-  services.m_Model.m_SaveGrid = &CGrid::Save;
-  services.m_Model.m_SaveVrml = &CGrid::SaveVrml;
-  services.m_Model.m_ExportHeightField = [this](CGrid&) { m_HeightField.Open(); };
+  services.m_Model.m_Write = [](const CModelFormat& format, const CGrid& written, const std::string& file,
+                                const CWriteSettings& settings) { return format.m_pWrite(written, file, settings); };
+  services.m_Model.m_AskSize = [this](const std::function<void(int, int)>& write) { AskSize(write); };
   services.m_Model.m_AskContourAttributes = [this](const CContourAttributes& present, bool fairness) {
     return m_ContourAttributes.Ask(present, fairness);
   };
@@ -36,4 +35,9 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
   window.SetTool(CImageViewUI::Tool::LightSources, std::move(lights));
   window.SetTool(CImageViewUI::Tool::Recorder, MakeRecorderTool(window));
   window.SetTool(CImageViewUI::Tool::Scissors, MakeScissorsTool(window, grid));
+}
+
+void CToolSet::AskSize(const std::function<void(int width, int height)>& write) {
+  m_SizeChosen = write;
+  m_HeightField.Open();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "ui/dialogs/CContourAttributesDialog.h"
 #include "ui/dialogs/CDrawingOptionsDialog.h"
 #include "ui/dialogs/CGridParametersDialog.h"
@@ -15,8 +17,11 @@ class CToolSet {
   CToolSet(CImageViewUI& window, CGrid& grid);
 
  private:
+  void AskSize(const std::function<void(int width, int height)>& write);
+
   CDrawingOptionsDialog m_DrawingOptions;
   CGridParametersDialog m_GridParameters;
   CContourAttributesDialog m_ContourAttributes;
+  std::function<void(int width, int height)> m_SizeChosen;
   CHeightFieldDialog m_HeightField;
 };

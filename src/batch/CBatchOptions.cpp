@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
-#include <filesystem>
 #include <limits>
 #include <map>
 #include <string_view>
@@ -95,35 +94,51 @@ void AddSolving(CLI::App& app, CBatchOptions& options) {
       ->default_str(std::to_string(options.m_uSeed));
 }
 
-void AddSize(CLI::App& app, CBatchOptions& options, CLI::Option& heights) {
-  const auto readSize = [&options](const std::string& text) {
-    if (!ReadSize(text, options.m_iWidth, options.m_iHeight))
+void AddSize(CLI::App& app, CWriteSettings& settings, CLI::Option& output) {
+  const auto readSize = [&settings](const std::string& text) {
+    if (!ReadSize(text, settings.m_iWidth, settings.m_iHeight))
       throw CLI::ValidationError("--size", "WxH with whole numbers from 2 on is expected, not '" + text + "'");
-    if (!IsHeightFieldSize(options.m_iWidth, options.m_iHeight)) {
+    if (!IsHeightFieldSize(settings.m_iWidth, settings.m_iHeight)) {
       const std::string most = std::to_string(kMostHeightSamples);
       throw CLI::ValidationError("--size", "a height field has at most " + most + " samples, not " + text);
     }
   };
   app.add_option_function<std::string>("--size", readSize, "Samples of the height field (default 200x200)")
       ->type_name("WxH")
-      ->needs(&heights);
+      ->needs(&output);
+}
+
+void AddSetting(CLI::App& app, CWriteSettings& settings, WriteSetting setting, CLI::Option& output) {
+  const auto withLights = [&settings] { settings.m_WithLights = [] { return true; }; };
+  switch (setting) {
+    case WriteSetting::Lights:
+      app.add_flag_callback("--with-lights", withLights, "Write the lights into the model, too")->needs(&output);
+      break;
+    case WriteSetting::Size:
+      AddSize(app, settings, output);
+      break;
+    case WriteSetting::None:
+      break;
+  }
 }
 
 void AddOutputs(CLI::App& app, CBatchOptions& options) {
-  CLI::Option* save = AddFile(app, "--save", options.m_GridOut, "Write the model", "OUT.grid");
-  app.add_flag("--with-lights", options.m_bWithLights, "Write the lights into the model, too")->needs(save);
-  AddFile(app, "--vrml", options.m_VrmlOut, "Write the surface as a VRML 2.0 scene", "OUT.wrl");
-  CLI::Option* heights = AddFile(app, "--height-field", options.m_HeightFieldOut, "Write sampled heights", "OUT.txt");
-  AddSize(app, options, *heights);
+  for (std::size_t k = 0; k < ModelFormats().size(); ++k) {
+    const CModelFormat& format = ModelFormats()[k];
+    CLI::Option* output = AddFile(app, format.m_pOption, options.m_asOutputs[k], format.m_pDescription,
+                                  std::string("OUT") + format.m_pSuffix);
+    AddSetting(app, options.m_Writing, format.m_Setting, *output);
+  }
   AddChoice(app, "--report", options.m_Report, kReports, "Report on standard output: json or text");
   app.add_flag("--quiet", options.m_bQuiet, "No progress and no lines of the model on standard error");
 }
 
 }  // namespace
 
-std::string CBatchOptions::PictureOut() const {
-  if (m_Image.empty() || m_VrmlOut.empty()) return {};
-  return std::filesystem::path(m_VrmlOut).replace_filename("picture.jpg");
+std::string CBatchOptions::PictureOf(std::size_t format) const {
+  const auto pictureOf = ModelFormats()[format].m_pPictureOf;
+  if (pictureOf == nullptr || m_Image.empty() || m_asOutputs[format].empty()) return {};
+  return pictureOf(m_asOutputs[format]);
 }
 
 CParsedOptions ParseOptions(int argc, const char* const* argv) {

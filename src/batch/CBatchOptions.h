@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "formats/ModelFormats.h"
 #include "lattice/WaveletMode.h"
 
 /// What a run of the program without a window shall do.
@@ -19,18 +22,15 @@ struct CBatchOptions {
   double m_fMaxSeconds = std::numeric_limits<double>::infinity();  ///< bound of solving, whatever else ends it
   WaveletMode m_Mode = WaveletMode::New;                           ///< to solve in
   bool m_bHighRes = false;  ///< solve at the highest resolution, starting from the surface read
-  std::string m_GridOut;    ///< the three outputs; empty for none
-  std::string m_VrmlOut;
-  std::string m_HeightFieldOut;
-  bool m_bWithLights = false;  ///< the lights go into the grid file
-  int m_iWidth = 200;          ///< samples of the height field, at least 2
-  int m_iHeight = 200;
+  /// The file to write in each of ModelFormats(); empty for none.
+  std::vector<std::string> m_asOutputs = std::vector<std::string>(ModelFormats().size());
+  CWriteSettings m_Writing;   ///< for all of them
   std::uint32_t m_uSeed = 1;  ///< of the random start
   Report m_Report = Report::None;
   bool m_bQuiet = false;
 
-  /// Where the photograph goes as the texture of the scene; empty where none is written.
-  std::string PictureOut() const;
+  /// Where the photograph goes that belongs to the output in a format; empty where none is written.
+  std::string PictureOf(std::size_t format) const;
 };
 
 /// Options from the command line, or the status to end with: help and version are printed and end with 0, misuse is

@@ -11,7 +11,8 @@
 #include "batch/CProgress.h"
 #include "batch/ExitStatus.h"
 #include "formats/JpegFile.h"
-#include "io/Bmp.h"
+#include "formats/ModelFormats.h"
+#include "formats/PictureFormats.h"
 #include "io/CFileReplacement.h"
 #include "io/FileKind.h"
 #include "io/GridFile.h"
@@ -81,7 +82,7 @@ bool CBatchRun::ReadInputs() {
     return false;
   }
   if (m_Options.m_Image.empty()) return true;
-  std::optional<Global::CLoadedPicture> loaded = Global::LoadBMP(m_Options.m_Image, 1);
+  std::optional<Global::CLoadedPicture> loaded = ReadPicture(m_Options.m_Image);
   if (!loaded.has_value() || loaded->m_Picture.m_aPixels.empty()) {
     Complain("The file " + m_Options.m_Image +
              " is not a picture that can be read: " + WhyNoPicture(m_Options.m_Image) + ".");
@@ -138,19 +139,19 @@ bool CBatchRun::WriteOutputs() {
   const CStopwatch watch(m_Result.m_Seconds.m_fWrite);
   m_Grid.PerformPendingWork();
   bool written = true;
-  if (!m_Options.m_GridOut.empty())
-    written = IsSaved(m_Grid.Save(m_Options.m_GridOut, [this] { return m_Options.m_bWithLights; }));
-  EndIfAsked();
-  if (!m_Options.m_VrmlOut.empty()) written = IsSaved(m_Grid.SaveVrml(m_Options.m_VrmlOut)) && written;
-  if (const std::string jpeg = m_Options.PictureOut(); !jpeg.empty() && !SaveJpeg(jpeg, m_Picture)) {
+  for (std::size_t k = 0; k < ModelFormats().size(); ++k) {
+    if (!m_Options.m_asOutputs[k].empty()) written = WriteOutput(k) && written;
+    EndIfAsked();
+  }
+  return written;
+}
+
+bool CBatchRun::WriteOutput(std::size_t format) {
+  bool written = IsSaved(ModelFormats()[format].m_pWrite(m_Grid, m_Options.m_asOutputs[format], m_Options.m_Writing));
+  if (const std::string jpeg = m_Options.PictureOf(format); !jpeg.empty() && !SaveJpeg(jpeg, m_Picture)) {
     Complain("The file " + jpeg + " could not be written.");
     written = false;
   }
-  EndIfAsked();
-  if (!m_Options.m_HeightFieldOut.empty())
-    written =
-        IsSaved(m_Grid.SaveHeightField(m_Options.m_HeightFieldOut, m_Options.m_iWidth, m_Options.m_iHeight)) && written;
-  EndIfAsked();
   return written;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "base/CPicture.h"
 #include "batch/BatchReport.h"
 #include "batch/CBatchOptions.h"
@@ -31,6 +33,7 @@ class CBatchRun : private GridHost {
   bool IsAtBound(double seconds);
   void Tick();
   bool WriteOutputs();
+  bool WriteOutput(std::size_t format);
   void EndIfAsked();
   int StatusOfStop() const;
 

@@ -1,5 +1,6 @@
 #include "batch/OutputConflict.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <system_error>
 #include <vector>
@@ -35,10 +36,11 @@ std::vector<CNamedFile> OutputsOf(const CBatchOptions& options) {
   const auto add = [&outputs](const std::string& option, const std::string& path) {
     if (!path.empty()) outputs.push_back({option, path});
   };
-  add("--save", options.m_GridOut);
-  add("--vrml", options.m_VrmlOut);
-  add("the picture of --vrml", options.PictureOut());
-  add("--height-field", options.m_HeightFieldOut);
+  for (std::size_t k = 0; k < ModelFormats().size(); ++k) {
+    const std::string option = ModelFormats()[k].m_pOption;
+    add(option, options.m_asOutputs[k]);
+    add("the picture of " + option, options.PictureOf(k));
+  }
   return outputs;
 }
 
@@ -50,14 +52,14 @@ std::string Conflict(const CNamedFile& a, const CNamedFile& b) {
 
 std::string OutputConflict(const CBatchOptions& options) {
   const std::vector<CNamedFile> outputs = OutputsOf(options);
+  const std::string own = ModelFormats().front().m_pOption;
   for (auto a = outputs.begin(); a != outputs.end(); ++a) {
     for (auto b = outputs.begin(); b != a; ++b) {
       if (IsOneFile(a->m_Path, b->m_Path)) return Conflict(*b, *a);
     }
     if (!options.m_Image.empty() && IsOneFile(a->m_Path, options.m_Image))
       return Conflict(*a, {"--image", options.m_Image});
-    if (a->m_Option != "--save" && IsOneFile(a->m_Path, options.m_Model))
-      return Conflict(*a, {"MODEL", options.m_Model});
+    if (a->m_Option != own && IsOneFile(a->m_Path, options.m_Model)) return Conflict(*a, {"MODEL", options.m_Model});
   }
   return {};
 }

@@ -1,9 +1,12 @@
 #include "editing/GridCommands.h"
 
 #include <algorithm>
+#include <optional>
+#include <string>
 
 #include "base/Console.h"
 #include "editing/CSolverControl.h"
+#include "formats/PictureFormats.h"
 #include "io/GridFile.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
@@ -11,7 +14,7 @@
 
 namespace {
 
-constexpr const char* kGridFileTitle = "please input grid file name";
+std::string Pattern(const char* suffix) { return std::string("*") + suffix; }
 
 /// Holds the solver while a command works.
 class CCommandPause {
@@ -41,8 +44,10 @@ void CGridCommands::Perform(int operation) {
   if (operation == Operation::kNewGrid) NewGrid();
   if (operation == Operation::kLoadGrid) LoadGrid();
   if (operation == Operation::kLoadImage) LoadImage();
-  if (operation == Operation::kSaveGrid) SaveGrid();
   if (operation == Operation::kContourAttributes) EditCurveAttributes();
+  for (const CModelFormat& format : ModelFormats()) {
+    if (format.m_iOperation != Operation::kNone && format.m_iOperation == operation) WriteNow(format);
+  }
 }
 
 void CGridCommands::NewGrid() {
@@ -61,7 +66,8 @@ void CGridCommands::NewGrid() {
 void CGridCommands::LoadGrid() {
   if (!m_Services.m_LoadGrid) return;
   m_Solver.PauseSolverForCommand();
-  const std::optional<std::string> file = m_Host.ChooseFile(kGridFileTitle, "*.grid");
+  const CModelFormat& format = ModelFormats().front();
+  const std::optional<std::string> file = m_Host.ChooseFile(format.m_pTitle, Pattern(format.m_pSuffix).c_str());
   if (!file.has_value()) {
     Console() << "CImageView::LoadGrid() : filename == NULL\n";
   } else {
@@ -78,48 +84,53 @@ void CGridCommands::LoadGrid() {
 
 void CGridCommands::LoadImage() {
   const CCommandPause pause(m_Solver);
-  const std::optional<std::string> file = m_Host.ChooseFile("please input image file name", "*.bmp");
+  const std::string pattern = Pattern(PictureFormats().front().m_pSuffix);
+  const std::optional<std::string> file = m_Host.ChooseFile("please input image file name", pattern.c_str());
   if (file.has_value()) m_Host.LoadPicture(*file);
 }
 
-void CGridCommands::SaveGrid() {
-  if (!m_Services.m_SaveGrid) return;
-  const CCommandPause pause(m_Solver);
-  const std::optional<std::string> file = m_Host.ChooseFile(kGridFileTitle, nullptr);
+bool CGridCommands::CanWrite(const CModelFormat& format) const {
+  return m_Services.m_Write && (format.m_Setting != WriteSetting::Size || m_Services.m_AskSize);
+}
+
+void CGridCommands::Write(const CModelFormat& format) {
+  if (format.m_iOperation != Operation::kNone) return Request(format.m_iOperation);
+  if (m_pGrid != nullptr) WriteNow(format);
+}
+
+void CGridCommands::WriteNow(const CModelFormat& format) {
+  if (!CanWrite(format)) return;
+  std::optional<CCommandPause> pause;
+  if (format.m_bStopsSolver) {
+    m_Solver.HaltSolver();
+  } else {
+    pause.emplace(m_Solver);
+  }
+  if (format.m_pNoPicture != nullptr && m_Host.TextureFile().empty()) Console() << format.m_pNoPicture << '\n';
+  CWriteSettings settings;
+  if (format.m_Setting == WriteSetting::Lights) {
+    settings.m_WithLights = [this] { return m_Host.Ask("Do you want to save lighting information ?"); };
+  }
+  if (format.m_Setting != WriteSetting::Size) return AskFileAndWrite(format, settings);
+  m_pGrid->PerformPendingWork();
+  m_Host.EndDrags();
+  m_Services.m_AskSize([&](int width, int height) {
+    settings.m_iWidth = width;
+    settings.m_iHeight = height;
+    AskFileAndWrite(format, settings);
+  });
+}
+
+void CGridCommands::AskFileAndWrite(const CModelFormat& format, const CWriteSettings& settings) {
+  const std::string pattern = Pattern(format.m_pSuffix);
+  const std::optional<std::string> file =
+      m_Host.ChooseFile(format.m_pTitle, format.m_bListsSuffix ? pattern.c_str() : nullptr);
   if (!file.has_value()) return;
   // A file must not hold heights of another numbering than its constraints.
   m_pGrid->PerformPendingWork();
-  const auto withLights = [this] { return m_Host.Ask("Do you want to save lighting information ?"); };
-  Tell(m_Services.m_SaveGrid(*m_pGrid, *file, withLights).m_Trouble);
-}
-
-void CGridCommands::SaveVrml() {
-  if (m_pGrid == nullptr || !m_Services.m_SaveVrml) return;
-  const CCommandPause pause(m_Solver);
-  if (m_Host.TextureFile().empty()) Console() << "can't save as VRML without texture file\n";
-  const std::optional<std::string> file = m_Host.ChooseFile("please input VRML file name", "*.wrl");
-  if (!file.has_value()) return;
-  m_pGrid->PerformPendingWork();
-  const CSaveOutcome outcome = m_Services.m_SaveVrml(*m_pGrid, *file);
-  if (!outcome) return Tell(outcome.m_Trouble);
-  m_Host.Notice(
-      "VRML complete. You need to get a jpeg version of the texture file, named picture.jpg, and put it in the same "
-      "directory as the wrl file.");
-}
-
-void CGridCommands::ExportHeightField() {
-  if (m_pGrid == nullptr || !m_Services.m_ExportHeightField) return;
-  m_Solver.HaltSolver();
-  m_pGrid->PerformPendingWork();
-  m_Host.EndDrags();
-  m_Services.m_ExportHeightField(*m_pGrid);
-}
-
-void CGridCommands::WriteHeightField(UserDialogs& dialogs, const CGrid& grid, int width, int height) {
-  const std::optional<std::string> file = dialogs.ChooseFile("please input Height-Field file name", nullptr);
-  if (!file.has_value()) return;
-  const CSaveOutcome outcome = grid.SaveHeightField(*file, width, height);
-  if (!outcome) dialogs.Notice(outcome.m_Trouble.c_str());
+  const CSaveOutcome outcome = m_Services.m_Write(format, *m_pGrid, *file, settings);
+  Tell(outcome.m_Trouble);
+  if (outcome && format.m_pDone != nullptr) m_Host.Notice(format.m_pDone);
 }
 
 void CGridCommands::EditCurveAttributes(double x, double y, std::uint32_t type) {

@@ -9,7 +9,7 @@
 #include "editing/CContourAnswer.h"
 #include "editing/CGridParameters.h"
 #include "editing/UserDialogs.h"
-#include "model/CSaveOutcome.h"
+#include "formats/ModelFormats.h"
 #include "model/GridFileState.h"
 
 class CGrid;
@@ -34,10 +34,13 @@ class CommandHost : public UserDialogs {
 struct CModelServices {
   std::function<std::optional<CGridParameters>(const CGrid& grid)> m_AskNewGrid;
   std::function<GridFileState(CGrid& grid, const std::string& file)> m_LoadGrid;
-  std::function<CSaveOutcome(const CGrid& grid, const std::string& file, const std::function<bool()>& withLights)>
-      m_SaveGrid;
-  std::function<CSaveOutcome(const CGrid& grid, const std::string& file)> m_SaveVrml;
-  std::function<void(CGrid& grid)> m_ExportHeightField;
+  /// Writes the grid in a format, as `CModelFormat::m_pWrite` does.
+  std::function<CSaveOutcome(const CModelFormat& format, const CGrid& grid, const std::string& file,
+                             const CWriteSettings& settings)>
+      m_Write;
+  /// Asks for the size of a height field and calls `write` with it while the dialog is still open, so that the user
+  /// comes back to it.
+  std::function<void(const std::function<void(int width, int height)>& write)> m_AskSize;
   std::function<std::optional<CContourAnswer>(const CContourAttributes& present, bool fairness)> m_AskContourAttributes;
 };
 
@@ -54,16 +57,17 @@ class CGridCommands {
   void SetServices(CModelServices services) { m_Services = std::move(services); }
   const CModelServices& Services() const { return m_Services; }
 
-  /// Performs Operation::kNewGrid, kLoadGrid, kLoadImage or kSaveGrid as soon as no step of the solver is under way.
+  /// Performs Operation::kNewGrid, kLoadGrid, kLoadImage or that of a format as soon as no step of the solver is under
+  /// way.
   void Request(int operation);
   /// Performs it now.
   void Perform(int operation);
 
-  void SaveVrml();
-  /// Asks for the size first; the answer comes back to `WriteHeightField`.
-  void ExportHeightField();
-  /// Asks for a file and writes the surface sampled at so many places into it.
-  static void WriteHeightField(UserDialogs& dialogs, const CGrid& grid, int width, int height);
+  /// Whether the services have what it takes to write the format.
+  bool CanWrite(const CModelFormat& format) const;
+  /// Asks for what the format has to be told and for a file, and writes it; a format with a code of its own as soon as
+  /// no step of the solver is under way.
+  void Write(const CModelFormat& format);
   /// Tells the user of curves that generate no constraints any more.
   void TellRefusedCurves(int count);
   /// Lets the user edit the attributes of the curve at (x, y), model units, as soon as no step of the solver is under
@@ -76,7 +80,8 @@ class CGridCommands {
   void NewGrid();
   void LoadGrid();
   void LoadImage();
-  void SaveGrid();
+  void WriteNow(const CModelFormat& format);
+  void AskFileAndWrite(const CModelFormat& format, const CWriteSettings& settings);
   void EditCurveAttributes();
   void SetPickTolerance();
   void Tell(const std::string& trouble);

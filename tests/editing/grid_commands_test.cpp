@@ -5,6 +5,7 @@
 
 #include "model/Globals.h"
 #include "support/CurveBuilders.h"
+#include "support/FormatBuilders.h"
 #include "support/WindowBuilders.h"
 
 namespace {
@@ -35,21 +36,25 @@ class GridCommandsTest : public ::testing::Test {
               Note("load " + file);
               return m_Loaded;
             },
-            [this](const CGrid&, const std::string& file, const std::function<bool()>& withLights) {
-              Note("save " + file);
-              if (m_bAsksForLights) Note(withLights() ? "with lights" : "without lights");
+            [this](const CModelFormat& format, const CGrid&, const std::string& file, const CWriteSettings& settings) {
+              Note((&format == &VrmlFormat() ? "vrml " : "save ") + file);
+              if (m_bAsksForLights) Note(settings.m_WithLights() ? "with lights" : "without lights");
               return m_Saved;
             },
-            [this](const CGrid&, const std::string& file) {
-              Note("vrml " + file);
-              return m_Saved;
-            },
-            [this](CGrid&) { Note("height field"); },
+            [this](const std::function<void(int, int)>&) { Note("height field"); },
             [this](const CContourAttributes& present, bool fairness) {
               Note(fairness ? "fairness" : "curve");
               m_Attributes = present;
               return m_CurveAnswer;
             }};
+  }
+  // Services that write, a height field of 2 by 2 samples.
+  static CModelServices RealServices() {
+    CModelServices services;
+    services.m_Write = [](const CModelFormat& format, const CGrid& grid, const std::string& file,
+                          const CWriteSettings& settings) { return format.m_pWrite(grid, file, settings); };
+    services.m_AskSize = [](const std::function<void(int, int)>& write) { write(2, 2); };
+    return services;
   }
   void Note(const std::string& what) {
     m_asDone.push_back(what);
@@ -108,7 +113,7 @@ TEST_F(GridCommandsTest, ChoosersHaveTheirTitlesAndPatterns) {
   for (const int operation : {Operation::kSaveGrid, Operation::kLoadGrid, Operation::kLoadImage}) {
     m_Commands.Perform(operation);
   }
-  m_Commands.SaveVrml();
+  m_Commands.Write(VrmlFormat());
   EXPECT_EQ(m_Host.m_aChoosers, (std::vector<Chooser>{{"please input grid file name", "none"},
                                                       {"please input grid file name", "*.grid"},
                                                       {"please input image file name", "*.bmp"},
@@ -120,7 +125,7 @@ TEST_F(GridCommandsTest, CancelledChooserDoesNothing) {
     m_Commands.Perform(operation);
     EXPECT_TRUE(Grid().IsRunning());
   }
-  m_Commands.SaveVrml();
+  m_Commands.Write(VrmlFormat());
   EXPECT_TRUE(m_asDone.empty());
   EXPECT_TRUE(m_Host.m_asPictures.empty());
   EXPECT_TRUE(m_Host.m_asNotices.empty());
@@ -147,7 +152,7 @@ TEST_F(GridCommandsTest, CommandsHoldTheSolverAndLetItGoOn) {
     m_Commands.Perform(operation);
     EXPECT_TRUE(Grid().IsRunning()) << operation;
   }
-  m_Commands.SaveVrml();
+  m_Commands.Write(VrmlFormat());
   EXPECT_TRUE(Grid().IsRunning());
   EXPECT_FALSE(m_bRanMeanwhile);
 }
@@ -210,16 +215,16 @@ TEST_F(GridCommandsTest, FilesAreWrittenWithNothingPending) {
   m_Commands.Perform(Operation::kSaveGrid);
   EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
   Grid().AddPtCstr({});
-  m_Commands.SaveVrml();
+  m_Commands.Write(VrmlFormat());
   EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
   Grid().AddPtCstr({});
-  m_Commands.ExportHeightField();
+  m_Commands.Write(HeightFieldFormat());
   EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
 }
 
 TEST_F(GridCommandsTest, VrmlWithoutAPictureWarnsAndGoesOn) {
   m_Host.m_File = "scene.wrl";
-  m_Commands.SaveVrml();
+  m_Commands.Write(VrmlFormat());
   EXPECT_EQ(Console().find("can't save as VRML without texture file\n"), 0U);
   EXPECT_EQ(m_asDone, Done{"vrml scene.wrl"});
 }
@@ -227,7 +232,7 @@ TEST_F(GridCommandsTest, VrmlWithoutAPictureWarnsAndGoesOn) {
 TEST_F(GridCommandsTest, VrmlWithAPictureNamesItAndSaysWhatIsLeftToDo) {
   m_Host.m_File = "scene.wrl";
   m_Host.m_Texture = "cup.bmp";
-  m_Commands.SaveVrml();
+  m_Commands.Write(VrmlFormat());
   EXPECT_EQ(Console().find("can't save"), std::string::npos);
   EXPECT_EQ(m_asDone, Done{"vrml scene.wrl"});
   EXPECT_EQ(m_Host.m_asNotices, Done{"VRML complete. You need to get a jpeg version of the texture file, named "
@@ -255,11 +260,12 @@ TEST_F(GridCommandsTest, WhatCannotBeWrittenIsTold) {
   m_Commands.Perform(Operation::kSaveGrid);
   EXPECT_EQ(m_Host.m_asNotices, Done{"It cannot be written."});
   m_Host.m_asNotices.clear();
-  m_Commands.SaveVrml();
+  m_Commands.Write(VrmlFormat());
   EXPECT_EQ(m_Host.m_asNotices, Done{"It cannot be written."}) << "and not that it is complete";
   m_Host.m_asNotices.clear();
   m_Host.m_File = "/dev/null";
-  CGridCommands::WriteHeightField(m_Host, Grid(), 2, 2);
+  m_Commands.SetServices(RealServices());
+  m_Commands.Write(HeightFieldFormat());
   EXPECT_EQ(m_Host.m_asNotices,
             Done{"The file /dev/null could not be written. If it existed before, it is unchanged."});
   EXPECT_EQ(m_Host.m_aChoosers.back(), Chooser("please input Height-Field file name", "none"));
@@ -301,15 +307,15 @@ TEST_F(GridCommandsTest, CurvesRefusedByALoadedFileAreToldAfterItsTrouble) {
 TEST_F(GridCommandsTest, VrmlAndHeightFieldAreNeverDeferred) {
   g_nSolverTimers = 1;
   m_Host.m_File = "name";
-  m_Commands.SaveVrml();
-  m_Commands.ExportHeightField();
+  m_Commands.Write(VrmlFormat());
+  m_Commands.Write(HeightFieldFormat());
   EXPECT_EQ(m_asDone.size(), 2U);
 }
 
 TEST_F(GridCommandsTest, HeightFieldStopsTheSolverAndKeepsTheReason) {
   Solver().PauseSolverConverged();
   Solver().Run();
-  m_Commands.ExportHeightField();
+  m_Commands.Write(HeightFieldFormat());
   EXPECT_FALSE(Grid().IsRunning());
   EXPECT_FALSE(m_Test.m_Panel.m_bRunning);
   EXPECT_EQ(Solver().Reason(), PauseReason::Converged);
@@ -321,8 +327,8 @@ TEST_F(GridCommandsTest, WhatNobodyBringsIsNotDone) {
   for (const int operation : {Operation::kNewGrid, Operation::kLoadGrid, Operation::kSaveGrid}) {
     m_Commands.Perform(operation);
   }
-  m_Commands.SaveVrml();
-  m_Commands.ExportHeightField();
+  m_Commands.Write(VrmlFormat());
+  m_Commands.Write(HeightFieldFormat());
   EXPECT_TRUE(m_Host.m_aChoosers.empty());
   EXPECT_TRUE(Grid().IsRunning());
 }
@@ -353,7 +359,7 @@ TEST_F(GridCommandsTest, SwitchResumesTheSolver) {
 TEST_F(GridCommandsTest, DragsEndBeforeADialogOpens) {
   m_Commands.Perform(Operation::kNewGrid);
   EXPECT_EQ(m_Host.m_iDragEnds, 1);
-  m_Commands.ExportHeightField();
+  m_Commands.Write(HeightFieldFormat());
   EXPECT_EQ(m_Host.m_iDragEnds, 2);
 }
 

@@ -36,7 +36,7 @@ namespace {
 
 constexpr int kActions = 800;
 constexpr int kActionsBetweenLooks = 100;
-constexpr int kEntries = static_cast<int>(MenuEntry::NoWavelets) + 1;
+const int kEntries = static_cast<int>(WriteEntry(ModelFormats().size()));
 constexpr double kMostGrowth = 1.1;
 constexpr std::array kDrawn{MenuEntry::ImageGrid,    MenuEntry::ImagePoints,         MenuEntry::ImageCurves,
                             MenuEntry::FreezeMap,    MenuEntry::ModelGrid,           MenuEntry::ModelPoints,

@@ -57,7 +57,7 @@ class ToolSetTest : public WindowTest {
   void SaveAndLoad(const char* name, bool withLights, const CLightSet& meanwhile) {
     m_Dialogs.m_File = (m_Directory.Path() / name).string();
     m_Dialogs.m_bYes = withLights;
-    Choose(MenuEntry::SaveGrid);
+    Choose(kSaveGrid);
     Grid().Relighting().AddedLights() = Grid().Relighting().RemovedLights() = meanwhile;
     Choose(MenuEntry::LoadGrid);
   }
@@ -99,7 +99,7 @@ TEST_F(ToolSetTest, SavesBeforeAnyIterationTheBytesOfTheProgramWithoutAWindow) {
   Menu().Choose(MenuEntry::LoadGrid);
   m_Dialogs.m_File = Path("window.grid");
   // The solver's next tick saves before it iterates.
-  Choose(MenuEntry::SaveGrid);
+  Choose(kSaveGrid);
   ASSERT_TRUE(RunBatch("--iterations 0"));
   EXPECT_EQ(BytesOf(Path("window.grid")), BytesOf(Path("batch.grid")));
 }
@@ -115,7 +115,7 @@ TEST_F(ToolSetTest, TornBorderIsThatOfTheProgramWithoutAWindowWhateverPictureAnd
     m_Dialogs.m_File = Path("model.grid");
     Menu().Choose(MenuEntry::LoadGrid);
     m_Dialogs.m_File = Path("window.grid");
-    Choose(MenuEntry::SaveGrid);
+    Choose(kSaveGrid);
     return BytesOf(Path("window.grid"));
   };
   EXPECT_EQ(saved(), batch);
@@ -133,7 +133,7 @@ TEST_F(ToolSetTest, ConvergesToTheSurfaceOfTheProgramWithoutAWindow) {
   Choose(MenuEntry::LoadGrid);
   ASSERT_TRUE(RunToolkitUntil([this] { return !Grid().IsRunning(); }));
   m_Dialogs.m_File = Path("window.grid");
-  Choose(MenuEntry::SaveGrid);
+  Choose(kSaveGrid);
   ASSERT_TRUE(RunBatch("--until-converged"));
   const auto [window, windowRest] = HeightsAndRest(Path("window.grid"));
   const auto [batch, batchRest] = HeightsAndRest(Path("batch.grid"));
@@ -332,7 +332,7 @@ TEST_F(ToolSetTest, HeightFieldAsksForItsSizeAndThenForAFile) {
     ::Type(Find<Fl_Value_Input>(window, "Height"), "2");
     Press(Find<Fl_Button>(window, "OK"));
   }});
-  Menu().Choose(MenuEntry::ExportHeightField);
+  Menu().Choose(kExportHeightField);
   EXPECT_EQ(m_Dialogs.m_aChoosers,
             (std::vector<std::pair<std::string, std::string>>{{"please input Height-Field file name", "none"}}));
   EXPECT_EQ(BytesOf(*m_Dialogs.m_File), "0 0 0 \n0 0 0 \n");
@@ -340,7 +340,7 @@ TEST_F(ToolSetTest, HeightFieldAsksForItsSizeAndThenForAFile) {
 
 TEST_F(ToolSetTest, HeightFieldWithoutAFileIsNotWritten) {
   const CModalAnswers answers({[](Fl_Window& window) { Press(Find<Fl_Button>(window, "OK")); }});
-  Menu().Choose(MenuEntry::ExportHeightField);
+  Menu().Choose(kExportHeightField);
   EXPECT_EQ(m_Dialogs.m_aChoosers.size(), 1U);
   EXPECT_TRUE(std::filesystem::is_empty(m_Directory.Path()));
   EXPECT_TRUE(m_Dialogs.m_asNotices.empty());

@@ -27,9 +27,9 @@ const auto kTable = std::to_array<CExpected>({
   {"&File/&New Grid", MenuEntry::NewGrid, kAlt | 'n', Command},
   {"&File/Load &Grid", MenuEntry::LoadGrid, kAlt | 'o', Command},
   {"&File/Load &Image", MenuEntry::LoadImage, kAlt | kShift | 'o', Command},
-  {"&File/&Save Grid", MenuEntry::SaveGrid, kAlt | 's', Command},
-  {"&File/Save &VRML", MenuEntry::SaveVrml, 0, Command},
-  {"&File/Export &Height field", MenuEntry::ExportHeightField, kAlt | 'e', Command},
+  {"&File/&Save Grid", kSaveGrid, kAlt | 's', Command},
+  {"&File/Save &VRML", kSaveVrml, 0, Command},
+  {"&File/Export &Height field", kExportHeightField, kAlt | 'e', Command},
   {"&2D View/Show &Grid", MenuEntry::ImageGrid, kCtrl | 'g', Toggle, true},
   {"&2D View/Show &Image", MenuEntry::ImagePicture, kCtrl | 'i', Toggle},
   {"&2D View/Show &Point Constraints", MenuEntry::ImagePoints, kCtrl | 'p', Toggle, true},
@@ -146,8 +146,8 @@ TEST_F(WindowMenuTest, OnlyWhatNeedsAPictureStartsInactive) {
 
 TEST_F(WindowMenuTest, WhatNobodyBringsIsInactive) {
   m_Window.SetServices({});
-  for (const MenuEntry entry : {MenuEntry::NewGrid, MenuEntry::LoadGrid, MenuEntry::SaveGrid, MenuEntry::SaveVrml,
-                                MenuEntry::ExportHeightField, MenuEntry::DrawingParameters}) {
+  for (const MenuEntry entry : {MenuEntry::NewGrid, MenuEntry::LoadGrid, kSaveGrid, kSaveVrml, kExportHeightField,
+                                MenuEntry::DrawingParameters}) {
     EXPECT_FALSE(Menu().IsActive(entry));
   }
   EXPECT_TRUE(Menu().IsActive(MenuEntry::LoadImage));

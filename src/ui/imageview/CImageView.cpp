@@ -12,7 +12,7 @@
 #include "drawing/DrawingSettings.h"
 #include "drawing/FrameBuffer.h"
 #include "drawing/Quadrics.h"
-#include "io/Bmp.h"
+#include "formats/PictureFormats.h"
 #include "io/FileKind.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
@@ -106,7 +106,7 @@ void CImageView::Unselect() {
 }
 
 bool CImageView::LoadImage(const std::string& filename) {
-  const std::optional<Global::CLoadedPicture> loaded = Global::LoadBMP(filename, 1);
+  const std::optional<Global::CLoadedPicture> loaded = ReadPicture(filename);
   if (!loaded.has_value()) {
     m_pHost->Notice(("The picture " + filename + " cannot be read: " + WhyNoPicture(filename) + ".").c_str());
     return false;

@@ -9,6 +9,7 @@
 
 #include "base/Console.h"
 #include "editing/DebugTools.h"
+#include "formats/ModelFormats.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
 #include "ui/imageview/CImageView.h"
@@ -181,9 +182,8 @@ void CImageViewUI::RefreshEnabled() {
   const CModelServices& model = m_Services.m_Model;
   m_pMenu->Enable(MenuEntry::NewGrid, static_cast<bool>(model.m_AskNewGrid));
   m_pMenu->Enable(MenuEntry::LoadGrid, static_cast<bool>(model.m_LoadGrid));
-  m_pMenu->Enable(MenuEntry::SaveGrid, static_cast<bool>(model.m_SaveGrid));
-  m_pMenu->Enable(MenuEntry::SaveVrml, static_cast<bool>(model.m_SaveVrml));
-  m_pMenu->Enable(MenuEntry::ExportHeightField, static_cast<bool>(model.m_ExportHeightField));
+  for (std::size_t k = 0; k < ModelFormats().size(); ++k)
+    m_pMenu->Enable(WriteEntry(k), m_Commands.CanWrite(ModelFormats()[k]));
   m_pMenu->Enable(MenuEntry::DrawingParameters, static_cast<bool>(m_Services.m_ShowDrawingOptions));
   m_pMenu->Enable(MenuEntry::ImagePicture, m_bPictureLoaded);
   m_pMenu->Enable(MenuEntry::ModelTexture, m_bPictureLoaded);

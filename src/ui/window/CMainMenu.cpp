@@ -1,14 +1,17 @@
 #include "ui/window/CMainMenu.h"
 
 #include <array>
+#include <span>
 #include <utility>
 
 #include <FL/Fl.H>
 
+#include "formats/ModelFormats.h"
+
 namespace {
 
-/// A menu with its title, the end of the innermost open menu, or an entry.
-enum class RowKind { Menu, End, Command, Toggle, Checked, Radio, CheckedRadio };
+/// A menu with its title, the end of the innermost open menu, an entry, or a command for each of ModelFormats().
+enum class RowKind { Menu, End, Command, Toggle, Checked, Radio, CheckedRadio, Formats };
 
 struct CMenuRow {
   RowKind m_Kind;
@@ -27,9 +30,7 @@ constexpr auto kRows = std::to_array<CMenuRow>({
   {Command, "&New Grid", FL_ALT + 'n', MenuEntry::NewGrid},
   {Command, "Load &Grid", FL_ALT + 'o', MenuEntry::LoadGrid},
   {Command, "Load &Image", FL_ALT + FL_SHIFT + 'o', MenuEntry::LoadImage},
-  {Command, "&Save Grid", FL_ALT + 's', MenuEntry::SaveGrid},
-  {Command, "Save &VRML", 0, MenuEntry::SaveVrml},
-  {Command, "Export &Height field", FL_ALT + 'e', MenuEntry::ExportHeightField},
+  {Formats, nullptr, 0, {}},
   {End, nullptr, 0, {}},
   {Menu, "&2D View", 0, {}},
   {Checked, "Show &Grid", FL_CTRL + 'g', MenuEntry::ImageGrid},
@@ -74,8 +75,6 @@ bool IsDigit(int key) { return (key >= '0' && key <= '9') || (key >= FL_KP + '0'
 
 int FlagsOf(RowKind kind) {
   switch (kind) {
-    case Menu:
-      return FL_SUBMENU;
     case Toggle:
       return FL_MENU_TOGGLE;
     case Checked:
@@ -89,6 +88,16 @@ int FlagsOf(RowKind kind) {
   }
 }
 
+int Shortcut(const CModelFormat& format) { return format.m_cKey == '\0' ? 0 : FL_ALT + format.m_cKey; }
+
+Fl_Menu_Item MakeItem(const char* text, int shortcut, int flags) {
+  Fl_Menu_Item item{};
+  item.text = text;
+  item.shortcut_ = shortcut;
+  item.flags = flags;
+  return item;
+}
+
 }  // namespace
 
 CMainMenu::CMainMenu(int x, int y, int w, int h, Action chosen) : Fl_Menu_Bar(x, y, w, h), m_Chosen(std::move(chosen)) {
@@ -98,19 +107,30 @@ CMainMenu::CMainMenu(int x, int y, int w, int h, Action chosen) : Fl_Menu_Bar(x,
 }
 
 void CMainMenu::BuildItems() {
+  const std::span<const CModelFormat> formats = ModelFormats();
+  m_auIndices.resize(static_cast<std::size_t>(WriteEntry(formats.size())));
   for (const CMenuRow& row : kRows) {
-    Fl_Menu_Item item{};
-    if (row.m_Kind != End) {
-      item.text = row.m_pText;
-      item.shortcut_ = row.m_iShortcut;
-      item.flags = FlagsOf(row.m_Kind);
+    switch (row.m_Kind) {
+      case End:
+        m_aItems.emplace_back();
+        break;
+      case Menu:
+        m_aItems.push_back(MakeItem(row.m_pText, 0, FL_SUBMENU));
+        break;
+      case Formats:
+        for (std::size_t k = 0; k < formats.size(); ++k)
+          AddEntry(WriteEntry(k), MakeItem(formats[k].m_pMenuText, Shortcut(formats[k]), 0));
+        break;
+      default:
+        AddEntry(row.m_Entry, MakeItem(row.m_pText, row.m_iShortcut, FlagsOf(row.m_Kind)));
     }
-    if (row.m_Kind != End && row.m_Kind != Menu) {
-      item.callback(cb_Item, static_cast<long>(row.m_Entry));
-      m_auIndices.push_back(m_aItems.size());
-    }
-    m_aItems.push_back(item);
   }
+}
+
+void CMainMenu::AddEntry(MenuEntry entry, Fl_Menu_Item item) {
+  item.callback(cb_Item, static_cast<long>(entry));
+  m_auIndices[static_cast<std::size_t>(entry)] = m_aItems.size();
+  m_aItems.push_back(item);
 }
 
 void CMainMenu::cb_Item(Fl_Widget* bar, long entry) {

@@ -1,19 +1,17 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <utility>
 #include <vector>
 
 #include <FL/Fl_Menu_Bar.H>
 
-/// The entries of the main window's menu, in order.
+/// The entries of the main window's menu.
 enum class MenuEntry {
   NewGrid,
   LoadGrid,
   LoadImage,
-  SaveGrid,
-  SaveVrml,
-  ExportHeightField,
   ImageGrid,
   ImagePicture,
   ImagePoints,
@@ -38,7 +36,13 @@ enum class MenuEntry {
   NewWavelets,
   SimpleWavelets,
   NoWavelets,
+  Write,  ///< the model in the first of ModelFormats(); those of the others follow
 };
+
+/// The entry that writes the model in a format, by its place in ModelFormats().
+inline constexpr MenuEntry WriteEntry(std::size_t format) {
+  return static_cast<MenuEntry>(static_cast<std::size_t>(MenuEntry::Write) + format);
+}
 
 /// The menu bar of the main window. What an entry does is the window's; check marks of toggle and radio entries are
 /// changed before it is asked.
@@ -67,6 +71,7 @@ class CMainMenu : public Fl_Menu_Bar {
   Fl_Menu_Item& Item(MenuEntry entry) { return m_aItems[m_auIndices[static_cast<std::size_t>(entry)]]; }
   const Fl_Menu_Item& Item(MenuEntry entry) const { return m_aItems[m_auIndices[static_cast<std::size_t>(entry)]]; }
   void BuildItems();
+  void AddEntry(MenuEntry entry, Fl_Menu_Item item);
   static void cb_Item(Fl_Widget* bar, long entry);
 
   Action m_Chosen;

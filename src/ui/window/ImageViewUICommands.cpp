@@ -11,6 +11,7 @@
 #include "base/Console.h"
 #include "drawing/DrawingSettings.h"
 #include "editing/DebugTools.h"
+#include "formats/ModelFormats.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
 #include "ui/imageview/CImageView.h"
@@ -123,6 +124,10 @@ void CImageViewUI::Chosen(MenuEntry entry) {
     if (entry == MenuEntry::FreezeMap) SetVisible(Control::Freeze, m_pMenu->IsChecked(entry));
     return;
   }
+  if (entry >= MenuEntry::Write) {
+    const auto format = static_cast<std::size_t>(entry) - static_cast<std::size_t>(MenuEntry::Write);
+    return m_Commands.Write(ModelFormats()[format]);
+  }
   switch (entry) {
     case MenuEntry::NewGrid:
       return m_Commands.Request(Operation::kNewGrid);
@@ -130,12 +135,6 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       return m_Commands.Request(Operation::kLoadGrid);
     case MenuEntry::LoadImage:
       return m_Commands.Request(Operation::kLoadImage);
-    case MenuEntry::SaveGrid:
-      return m_Commands.Request(Operation::kSaveGrid);
-    case MenuEntry::SaveVrml:
-      return m_Commands.SaveVrml();
-    case MenuEntry::ExportHeightField:
-      return m_Commands.ExportHeightField();
     case MenuEntry::ShootImage:
       return Shoot(*m_pImageView, *m_pGridView);
     case MenuEntry::ShootModel:

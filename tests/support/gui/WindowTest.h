@@ -13,12 +13,18 @@
 
 #include "app/SolverTimer.h"
 #include "support/CTemporaryDirectory.h"
+#include "support/FormatBuilders.h"
 #include "support/gui/ToolkitTest.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/modelview/CGridView.h"
 #include "ui/seams/TimerInterval.h"
 #include "ui/window/CHelpLine.h"
 #include "ui/window/CImageViewUI.h"
+
+// The entries of the formats.
+inline const MenuEntry kSaveGrid = WriteEntry(FormatOf("--save"));
+inline const MenuEntry kSaveVrml = WriteEntry(FormatOf("--vrml"));
+inline const MenuEntry kExportHeightField = WriteEntry(FormatOf("--height-field"));
 
 /// Answers all questions in the same way and remembers them.
 class ScriptedDialogs : public UserDialogs {
@@ -126,15 +132,12 @@ class WindowTest : public ToolkitTest {
       note("load");
       return GridFileState::Whole;
     };
-    services.m_Model.m_SaveGrid = [note](const CGrid&, const std::string&, const std::function<bool()>&) {
-      note("save");
+    services.m_Model.m_Write = [note](const CModelFormat& format, const CGrid&, const std::string&,
+                                      const CWriteSettings&) {
+      note(&format == &VrmlFormat() ? "vrml" : "save");
       return CSaveOutcome();
     };
-    services.m_Model.m_SaveVrml = [note](const CGrid&, const std::string&) {
-      note("vrml");
-      return CSaveOutcome();
-    };
-    services.m_Model.m_ExportHeightField = [note](CGrid&) { note("height field"); };
+    services.m_Model.m_AskSize = [note](const std::function<void(int, int)>&) { note("height field"); };
     services.m_ShowDrawingOptions = [note] { note("options"); };
     services.m_Model.m_AskContourAttributes = [note, this](const CContourAttributes& present, bool fairness) {
       note(fairness ? "fairness attributes" : "attributes");

@@ -1,0 +1,19 @@
+#include "formats/PictureFormats.h"
+
+#include <array>
+
+namespace {
+
+std::optional<Global::CLoadedPicture> ReadBmp(const std::string& filename) { return Global::LoadBMP(filename, 1); }
+
+}  // namespace
+
+std::span<const CPictureFormat> PictureFormats() {
+  static constexpr std::array kFormats{CPictureFormat{.m_pSuffix = ".bmp", .m_pRead = ReadBmp}};
+  return kFormats;
+}
+
+// Bitmaps come first and complain about everything that is none.
+std::optional<Global::CLoadedPicture> ReadPicture(const std::string& filename) {
+  return PictureFormats().front().m_pRead(filename);
+}
