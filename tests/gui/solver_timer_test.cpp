@@ -173,7 +173,7 @@ TEST_F(SolverTimerTest, StoppedSolverStaysStoppedAfterAChange) {
   Grid().SetRunning(false);
   ASSERT_TRUE(RunUntilTimerEnds());
   Grid().Post(Operation::kRebuild);
-  m_Window.ResumeAfterChange();
+  m_Window.Solver().ResumeAfterChange();
   EXPECT_FALSE(Grid().IsRunning());
   EXPECT_EQ(g_nSolverTimers, 0);
 }

@@ -104,7 +104,7 @@ TEST_F(WindowCommandsTest, TwiceSlowerAndTwiceFasterIsTheOldInterval) {
 
 TEST_F(WindowCommandsTest, IterationsAreShownAndLogged) {
   Console();
-  m_Window.ShowIterations(120);
+  m_Window.SetNumberIter(120);
   EXPECT_EQ(ReadOut(Control::Iterations), 120);
   EXPECT_EQ(Console(), "CImageViewUI::SetNumberIter(120)\n");
 }
@@ -114,7 +114,8 @@ TEST_F(WindowCommandsTest, GridShowsItsCounts) {
   EXPECT_EQ(ReadOut(Control::ConstraintCount), 1);
   Grid().AddPtCstr(HeightCstr(-100, 22, 1));
   EXPECT_EQ(ReadOut(Control::ConstraintCount), 1) << "one outside the model asks for nothing";
-  m_Window.ShowResolution(40, 60);
+  m_Window.SetNumberOfCells(40);
+  m_Window.SetNumberOfPoints(60);
   EXPECT_EQ(ReadOut(Control::CellCount), 40);
   EXPECT_EQ(ReadOut(Control::PointCount), 60);
 }

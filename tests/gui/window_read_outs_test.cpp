@@ -68,11 +68,11 @@ class LevelReadOutTest : public WindowReadOutsTest {
 }  // namespace
 
 TEST_F(WindowReadOutsTest, StopAfterConvergenceIsForGood) {
-  m_Window.PauseSolverConverged();
+  m_Window.Solver().PauseSolverConverged();
   ASSERT_TRUE(IsLampOfStopOn());
   ClickOn(Control::StopSolver);
   EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::User);
-  m_Window.ResumeAfterChange();
+  m_Window.Solver().ResumeAfterChange();
   EXPECT_FALSE(m_Window.Solver().IsRunning());
   EXPECT_TRUE(IsLampOfStopOn());
 }
@@ -93,7 +93,7 @@ TEST_F(WindowReadOutsTest, PressReleasedOutsideStopsNothing) {
   EXPECT_TRUE(m_Window.Solver().IsRunning());
   EXPECT_TRUE(IsOn(Control::ResumeSolver));
   EXPECT_FALSE(IsOn(Control::StopSolver));
-  m_Window.PauseSolverConverged();
+  m_Window.Solver().PauseSolverConverged();
   PressAndLeave(Control::StopSolver);
   EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::Converged);
 }

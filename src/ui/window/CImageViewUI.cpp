@@ -21,9 +21,6 @@
 
 namespace {
 
-// Whether the surface would follow once the solver runs.
-bool ChangesSurface(int operation) { return operation != Operation::kSaveGrid && operation != Operation::kLoadImage; }
-
 int Scaled(int length, double scale) { return static_cast<int>(std::lround(length * scale)); }
 
 // The toolkit remembers the last key typed, so a click on the title bar may find Escape as the key: the event must be
@@ -52,6 +49,8 @@ CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* d
       m_Dialogs(dialogs != nullptr ? *dialogs : m_ToolkitDialogs),
       m_Solver(*this, startTimer),
       m_Commands(*this, m_Solver),
+      m_GridHost(*this, m_Solver, m_Commands),
+      m_Tools(m_Controls),
       m_RedrawPacer(
           [this] {
             RedrawImageView();
@@ -75,7 +74,7 @@ CImageViewUI::~CImageViewUI() {
   // Hiding sends events to the views, which still need their host then.
   hide();
   Fl::remove_check(cb_PendingWork, this);
-  if (m_pGrid != nullptr) m_pGrid->AttachHost(nullptr);
+  m_GridHost.Detach();
 }
 
 void CImageViewUI::BuildWidgets() {
@@ -89,7 +88,7 @@ void CImageViewUI::BuildWidgets() {
   const CRect line = rect(Control::HelpLine);
   m_pHelpLine = new CHelpLine(line.x, line.y, line.w, line.h);
   for (const CControlRow& row : kControls) {
-    Fl_Widget*& widget = m_apWidgets[Index(row.m_Control)];
+    Fl_Widget* widget = nullptr;
     switch (row.m_Kind) {
       case ControlKind::MenuBar:
         widget = m_pMenu;
@@ -106,22 +105,20 @@ void CImageViewUI::BuildWidgets() {
       default:
         widget = MakeControl(row, *m_pHelpLine);
     }
-    m_abVisible[Index(row.m_Control)] = widget->visible() != 0;
-    Fl_Widget* parent = row.m_Parent == Control::Window ? this : m_apWidgets[Index(row.m_Parent)];
-    if (widget->parent() == nullptr) static_cast<Fl_Group*>(parent)->add(widget);
+    m_Controls.Add(row, *widget, *this);
   }
   static_cast<Fl_Output&>(Widget(Control::CentreName)).value("Center");
-  m_pbtnSwitchHR_LR = &Button(Control::SwitchResolution);
+  m_pbtnSwitchHR_LR = &m_Controls.Button(Control::SwitchResolution);
 }
 
 void CImageViewUI::Relayout() {
-  const CWindowLayout layout = ComputeLayout({w(), h(), m_fScale, m_bDebugZone, m_bHelpLine, m_bPictureLoaded});
+  const CWindowLayout layout = ComputeLayout({w(), h(), m_fScale, ShowsDebugZone(), m_bHelpLine, m_bPictureLoaded});
   Widget(Control::ResetImageView).label(layout.m_bRoomyReset ? "Reset\nthe 2D view" : "Reset\nthe\n2D view");
   for (const CControlRow& row : kControls) {
     const CRect& rect = layout.Of(row.m_Control);
     Widget(row.m_Control).resize(rect.x, rect.y, rect.w, rect.h);
   }
-  SetTextSizes(m_apWidgets, m_fScale);
+  SetTextSizes(m_Controls.Widgets(), m_fScale);
   redraw();
 }
 
@@ -137,7 +134,7 @@ void CImageViewUI::AttachGrid(CGrid& grid) {
   m_pImageView->AttachGrid(grid, *this);
   m_pGridView->AttachGrid(grid);
   m_pGridView->AttachHost(*this);
-  grid.AttachHost(this);
+  m_GridHost.AttachGrid(grid);
   m_Solver.AttachGrid(grid);
   m_Commands.AttachGrid(grid);
   m_pGridView->SelectWaveletMode(WaveletMode::New);
@@ -152,30 +149,11 @@ void CImageViewUI::SetServices(CWindowServices services) {
 }
 
 void CImageViewUI::SetTool(Tool tool, std::unique_ptr<ToolWindow> window) {
-  if (window != nullptr) window->OnClosed([this, tool] { ToolClosed(tool); });
-  m_apTools[static_cast<std::size_t>(tool)] = std::move(window);
+  m_Tools.Set(tool, std::move(window), [this, tool] {
+    // The recorder and the scissors leave the solver stopped.
+    if (tool != Tool::LightSources && m_Solver.IsStoppedByUser()) TellSolverStopped();
+  });
   RefreshEnabled();
-}
-
-Fl_Button& CImageViewUI::Button(Control control) { return static_cast<Fl_Button&>(Widget(control)); }
-
-Fl_Value_Output& CImageViewUI::ReadOut(Control control) { return static_cast<Fl_Value_Output&>(Widget(control)); }
-
-void CImageViewUI::SetVisible(Control control, bool visible) {
-  m_abVisible[Index(control)] = visible;
-  if (visible && (m_bDebugZone || !IsInDebugZone(control))) {
-    Widget(control).show();
-  } else {
-    Widget(control).hide();
-  }
-}
-
-void CImageViewUI::Enable(Control control, bool enable) {
-  if (enable) {
-    Widget(control).activate();
-  } else {
-    Widget(control).deactivate();
-  }
 }
 
 void CImageViewUI::RefreshEnabled() {
@@ -190,44 +168,39 @@ void CImageViewUI::RefreshEnabled() {
   m_pMenu->Enable(MenuEntry::FreezeMap, !m_bFreezing);
 
   const EditingMode mode = m_pImageView->Mode();
-  Enable(Control::CurveType, mode != EditingMode::Position && mode != EditingMode::Normal);
-  const auto hasTool = [this](Tool tool) { return m_apTools[static_cast<std::size_t>(tool)] != nullptr; };
-  Enable(Control::LightSources, hasTool(Tool::LightSources));
-  Enable(Control::Recorder, hasTool(Tool::Recorder) && !m_bFreezing);
-  Enable(Control::Scissors, hasTool(Tool::Scissors) && m_bPictureLoaded);
+  m_Controls.Enable(Control::CurveType, mode != EditingMode::Position && mode != EditingMode::Normal);
+  m_Controls.Enable(Control::LightSources, m_Tools.Has(Tool::LightSources));
+  m_Controls.Enable(Control::Recorder, m_Tools.Has(Tool::Recorder) && !m_bFreezing);
+  m_Controls.Enable(Control::Scissors, m_Tools.Has(Tool::Scissors) && m_bPictureLoaded);
 }
 
 void CImageViewUI::RefreshReadOuts() {
-  ShowResolution(m_pGrid->Tree().LeafCount(), m_pGrid->ActivePointCount());
+  SetNumberOfCells(m_pGrid->Tree().LeafCount());
+  SetNumberOfPoints(m_pGrid->ActivePointCount());
   SetNumberOfConstraints(m_pGrid->ActiveConstraintCount());
 }
 
 void CImageViewUI::SetNumberIter(int n) {
-  ReadOut(Control::Iterations).value(n);
+  m_Controls.ReadOut(Control::Iterations).value(n);
   Console() << "CImageViewUI::SetNumberIter(" << n << ")\n";
 }
 
-void CImageViewUI::SetNumberOfConstraints(int n) { ReadOut(Control::ConstraintCount).value(n); }
+void CImageViewUI::SetNumberOfConstraints(int n) { m_Controls.ReadOut(Control::ConstraintCount).value(n); }
 
-void CImageViewUI::SetNumberOfCells(int n) { ReadOut(Control::CellCount).value(n); }
+void CImageViewUI::SetNumberOfCells(int n) { m_Controls.ReadOut(Control::CellCount).value(n); }
 
-void CImageViewUI::SetNumberOfPoints(int n) { ReadOut(Control::PointCount).value(n); }
+void CImageViewUI::SetNumberOfPoints(int n) { m_Controls.ReadOut(Control::PointCount).value(n); }
 
 void CImageViewUI::ShowInterpolation(const CInterpolationTrace& trace) {
   m_pImageView->ShowInterpolation(trace);
   const CTriangleStencil& triangle = trace.m_Triangle;
   constexpr int kNone = -1;
   const bool centre = triangle.IsCentre();
-  ReadOut(Control::FirstNumber).value(centre ? kNone : m_pGrid->Order().NumberOf(triangle.m_uA));
-  ReadOut(Control::SecondNumber).value(centre ? kNone : m_pGrid->Order().NumberOf(triangle.m_uB));
-  ReadOut(Control::CentreCoef).value(triangle.m_fCCenter);
-  ReadOut(Control::FirstCoef).value(triangle.m_fCa);
-  ReadOut(Control::SecondCoef).value(triangle.m_fCb);
-}
-
-void CImageViewUI::ShowResolution(int leaves, int points) {
-  SetNumberOfCells(leaves);
-  SetNumberOfPoints(points);
+  m_Controls.ReadOut(Control::FirstNumber).value(centre ? kNone : m_pGrid->Order().NumberOf(triangle.m_uA));
+  m_Controls.ReadOut(Control::SecondNumber).value(centre ? kNone : m_pGrid->Order().NumberOf(triangle.m_uB));
+  m_Controls.ReadOut(Control::CentreCoef).value(triangle.m_fCCenter);
+  m_Controls.ReadOut(Control::FirstCoef).value(triangle.m_fCa);
+  m_Controls.ReadOut(Control::SecondCoef).value(triangle.m_fCb);
 }
 
 void CImageViewUI::ProcessEvents() { Fl::check(); }
@@ -245,15 +218,14 @@ void CImageViewUI::Tell(const std::string& text) {
   Console() << text << '\n';
 }
 
-void CImageViewUI::PauseSolverGaveUp() {
-  m_Solver.PauseSolverConverged();
-  Tell(FormatHelp(HelpText::kSolverGaveUp));
-}
+void CImageViewUI::TellSolverGaveUp() { Tell(FormatHelp(HelpText::kSolverGaveUp)); }
+
+void CImageViewUI::TellSolverStopped() { Tell(FormatHelp(HelpText::kSolverStopped)); }
 
 void CImageViewUI::ShowCurveType(int type) {
-  Button(Control::PositionDiscontinuity).value(type == CurveType::kPosition ? 1 : 0);
-  Button(Control::NormalDiscontinuity).value(type == CurveType::kNormal ? 1 : 0);
-  Button(Control::FairnessConstraint).value(type == CurveType::kFairness ? 1 : 0);
+  m_Controls.Button(Control::PositionDiscontinuity).value(type == CurveType::kPosition ? 1 : 0);
+  m_Controls.Button(Control::NormalDiscontinuity).value(type == CurveType::kNormal ? 1 : 0);
+  m_Controls.Button(Control::FairnessConstraint).value(type == CurveType::kFairness ? 1 : 0);
 }
 
 void CImageViewUI::EditCurveAttributes(const CPlanePoint& place) {
@@ -270,29 +242,29 @@ void CImageViewUI::LightsMoved() {
   if (m_Services.m_LightsMoved) m_Services.m_LightsMoved();
 }
 
-void CImageViewUI::ShowPointerInside(bool inside) { Button(Control::PointerInside).value(inside ? 1 : 0); }
+void CImageViewUI::ShowPointerInside(bool inside) { m_Controls.Button(Control::PointerInside).value(inside ? 1 : 0); }
 
 void CImageViewUI::ShowInfluence(double value) {
-  ReadOut(Control::Influence).value(value);
+  m_Controls.ReadOut(Control::Influence).value(value);
   // It lies on top, and is to be drawn after what has changed below it.
-  ReadOut(Control::Level).redraw();
+  m_Controls.ReadOut(Control::Level).redraw();
 }
 
 void CImageViewUI::ShowNumber(int number, int levelCode) {
-  ReadOut(Control::PointNumber).value(number);
-  ReadOut(Control::Level).value(levelCode);
+  m_Controls.ReadOut(Control::PointNumber).value(number);
+  m_Controls.ReadOut(Control::Level).value(levelCode);
 }
 
 void CImageViewUI::ShowSolverRunning(bool running) {
-  Button(running ? Control::ResumeSolver : Control::StopSolver).setonly();
+  m_Controls.Button(running ? Control::ResumeSolver : Control::StopSolver).setonly();
 }
 
 void CImageViewUI::EnableSolverControls(bool enable) {
-  Enable(Control::SwitchResolution, enable);
-  Enable(Control::SolverRun, enable);
+  m_Controls.Enable(Control::SwitchResolution, enable);
+  m_Controls.Enable(Control::SolverRun, enable);
 }
 
-void CImageViewUI::EnableEditing(bool enable) { Enable(Control::LeftPanel, enable); }
+void CImageViewUI::EnableEditing(bool enable) { m_Controls.Enable(Control::LeftPanel, enable); }
 
 void CImageViewUI::cb_Window(Fl_Widget* widget, void* /*data*/) {
   if (IsEscapeTyped()) {
@@ -302,26 +274,6 @@ void CImageViewUI::cb_Window(Fl_Widget* widget, void* /*data*/) {
   std::exit(EXIT_SUCCESS);
 }
 
-// What is posted while no tick is registered is performed here, once per round of the toolkit and so never inside the
-// command or the event that posted it.
 void CImageViewUI::cb_PendingWork(void* data) {
-  auto& window = *static_cast<CImageViewUI*>(data);
-  if (window.m_pGrid == nullptr || window.m_bPerforming || g_nSolverTimers != 0) return;
-  if (window.m_pGrid->NextOperation() != Operation::kNone) window.PerformPendingWork();
-  window.TellOfWaitingEdit();
-}
-
-void CImageViewUI::PerformPendingWork() {
-  if (ChangesSurface(m_pGrid->NextOperation()) && m_Solver.TakeFirstWait()) m_bEditWaits = true;
-  m_bPerforming = true;
-  m_pGrid->PerformPendingWork();
-  m_bPerforming = false;
-  RequestRedraw();
-}
-
-// Not while a button is held: the drag shows its own value.
-void CImageViewUI::TellOfWaitingEdit() {
-  if (!m_bEditWaits || Fl::pushed() != nullptr) return;
-  m_bEditWaits = false;
-  if (m_Solver.IsStoppedByUser()) Tell(FormatHelp(HelpText::kSolverStopped));
+  static_cast<CImageViewUI*>(data)->m_GridHost.PerformPendingWork(Fl::pushed() != nullptr);
 }

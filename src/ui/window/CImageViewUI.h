@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <memory>
 
@@ -8,30 +7,28 @@
 
 #include "drawing/CTextures.h"
 #include "drawing/DisplayFlags.h"
+#include "editing/CEditingHost.h"
 #include "editing/CSolverControl.h"
-#include "model/GridHost.h"
-#include "ui/seams/ToolWindow.h"
+#include "editing/ModelDisplay.h"
 #include "ui/seams/ViewHost.h"
+#include "ui/window/CControlSet.h"
 #include "ui/window/CMainMenu.h"
 #include "ui/window/CRedrawPacer.h"
+#include "ui/window/CToolButtons.h"
 #include "ui/window/CToolkitDialogs.h"
 #include "ui/window/CWindowServices.h"
-#include "ui/window/ControlWidgets.h"
 
 class CGridView;
 class CHelpLine;
 class CImageView;
-class Fl_Button;
-class Fl_Gl_Window;
-class Fl_Value_Output;
 
 /// The main window: menu, the image view on the left and the model view on the right, two panels of controls below
-/// them, the help line. It is the host of the grid attached to it and of both views.
+/// them, the help line. It shows what becomes of the grid attached to it and is the host of both views.
 ///
 /// Closing it ends the program with exit status 0; Escape does not close it. RELIEVO_SCALE scales it.
-class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private SolverPanel, public CommandHost {
+class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, private SolverPanel, public CommandHost {
  public:
-  enum class Tool { LightSources, Recorder, Scissors };
+  using Tool = CToolButtons::Tool;
 
   /// `dialogs`, if given, must outlive the window; otherwise the questions are the toolkit's.
   explicit CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* dialogs = nullptr);
@@ -39,8 +36,8 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   CImageViewUI(const CImageViewUI&) = delete;
   CImageViewUI& operator=(const CImageViewUI&) = delete;
 
-  /// Shows `grid` in both views, becomes its host and selects the default wavelet mode. The grid must outlive the
-  /// window.
+  /// Shows `grid` in both views, becomes its display and selects the default wavelet mode. The grid must outlive
+  /// the window.
   void AttachGrid(CGrid& grid);
   void SetServices(CWindowServices services);
   /// The window that a button of "Interfaces" opens. Without one the button is inactive.
@@ -51,33 +48,24 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   CMainMenu& Menu() { return *m_pMenu; }
   CHelpLine& HelpLine() { return *m_pHelpLine; }
   CSolverControl& Solver() { return m_Solver; }
-  Fl_Widget& Widget(Control control) { return *m_apWidgets[Index(control)]; }
+  Fl_Widget& Widget(Control control) { return m_Controls.Widget(control); }
 
   void resize(int x, int y, int w, int h) override;
 
-  // The read-outs.
-
-  /// Number of iterations done; logged.
-  void SetNumberIter(int n);
-  void SetNumberOfConstraints(int n);
-  void SetNumberOfCells(int n);
-  void SetNumberOfPoints(int n);
-
-  // For the grid.
+  // The model.
 
   /// Both views, no oftener than a running solver can bear.
   void RequestRedraw() override { m_RedrawPacer.Request(); }
   /// The trace is shown over the picture only, and in its read-outs.
   void ShowInterpolation(const CInterpolationTrace& trace) override;
-  void ShowIterations(int iterations) override { SetNumberIter(iterations); }
-  void ShowResolution(int leaves, int points) override;
-  void ShowConstraints(int count) override { SetNumberOfConstraints(count); }
+  /// Number of iterations done; logged.
+  void SetNumberIter(int n) override;
+  void SetNumberOfConstraints(int n) override;
+  void SetNumberOfCells(int n) override;
+  void SetNumberOfPoints(int n) override;
+  void TellSolverGaveUp() override;
+  void TellSolverStopped() override;
   void ProcessEvents() override;
-  void PerformCommand(int operation) override { m_Commands.Perform(operation); }
-  void CurvesRefused(int count) override { m_Commands.TellRefusedCurves(count); }
-  void PauseSolverConverged() override { m_Solver.PauseSolverConverged(); }
-  void PauseSolverGaveUp() override;
-  void ResumeAfterChange() override { m_Solver.ResumeAfterChange(); }
 
   // For the views.
 
@@ -94,7 +82,7 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void ImageGridShown() override { m_pMenu->SetChecked(MenuEntry::ImageGrid, true); }
   void RedrawModelView() override;
   void FocusImageView() override;
-  bool ShowsDebugZone() const override { return m_bDebugZone; }
+  bool ShowsDebugZone() const override { return m_Controls.ShowsDebugZone(); }
   void ShowPointerInside(bool inside) override;
   void ShowInfluence(double value) override;
   void ShowNumber(int number, int levelCode) override;
@@ -112,13 +100,9 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   // CImageViewUI.cpp: what the window is made of.
   void BuildWidgets();
   void Relayout();
-  void SetVisible(Control control, bool visible);
-  void Enable(Control control, bool enable);
   /// Activates what there is something to work with for, in the present mode.
   void RefreshEnabled();
   void RefreshReadOuts();
-  Fl_Button& Button(Control control);
-  Fl_Value_Output& ReadOut(Control control);
   static void cb_Window(Fl_Widget* widget, void* data);
   static void cb_PendingWork(void* data);
 
@@ -130,21 +114,13 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   void SetCurveType(int type);
   /// The help text that stays with what the mouse does in the image view.
   int CurrentHelp() const;
-  void PerformPendingWork();
-  void TellOfWaitingEdit();
-  void StopPressed();
   void SetDebugFlag(std::uint32_t flag, bool on);
   void UpdateDebugReadOuts();
   void CycleLevelTool();
   void ToggleSelect();
   void ToggleFreeze();
   void ToggleTool(Tool tool);
-  void ToolClosed(Tool tool);
-  void ShowLamp(Tool tool, bool on);
-  void ShowDebugZone(bool show);
   void ShowHelpLine(bool show);
-  template <class View>
-  void Shoot(View& view, Fl_Gl_Window& other);
   static void cb_m_pbtnSwitchHR_LR(Fl_Widget* widget, void* data);
 
   // For the solver control and the commands.
@@ -161,11 +137,12 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   UserDialogs& m_Dialogs;
   CSolverControl m_Solver;
   CGridCommands m_Commands;
+  CEditingHost m_GridHost;
   CWindowServices m_Services;
   CGrid* m_pGrid = nullptr;
 
-  CControlWidgets m_apWidgets{};                  ///< owned by the window
-  std::array<bool, kControlCount> m_abVisible{};  ///< as they are while the debug zone is shown
+  CControlSet m_Controls;
+  CToolButtons m_Tools;
   CTextures m_Textures;
   CRedrawPacer m_RedrawPacer;
   CMainMenu* m_pMenu = nullptr;
@@ -173,12 +150,8 @@ class CImageViewUI : public Fl_Window, public GridHost, public ViewHost, private
   CGridView* m_pGridView = nullptr;
   CHelpLine* m_pHelpLine = nullptr;
   Fl_Button* m_pbtnSwitchHR_LR = nullptr;
-  std::array<std::unique_ptr<ToolWindow>, 3> m_apTools;
 
-  bool m_bDebugZone = true;
   bool m_bHelpLine = true;
   bool m_bPictureLoaded = false;
   bool m_bFreezing = false;
-  bool m_bEditWaits = false;   ///< for the solver, and the user is not told yet
-  bool m_bPerforming = false;  ///< pending work is being done, perhaps with a dialog that lets events in
 };

@@ -48,6 +48,29 @@ constexpr auto kFlags = std::to_array<CFlagRow>({
     {MenuEntry::DiscontinuityEdges, ImageFlag::kDiscontinuityEdges, false, false},
 });
 
+// The toolkit reports a press that was released beside the button, too.
+void StopPressed(CImageViewUI& window) {
+  if (Fl::event() == FL_RELEASE && Fl::event_inside(&window.Widget(Control::StopSolver)) == 0) return;
+  window.Solver().StopSolver();
+}
+
+// Asks for a file and saves what is drawn in `view`.
+template <class View>
+void Shoot(CImageViewUI& window, View& view, Fl_Gl_Window& other) {
+  window.PauseSolverForCommand();
+  if (const auto file = window.ChooseFile("give a name for current frame buffer:", "*.bmp")) {
+    // The other view keeps out of what is read back.
+    other.hide();
+    view.redraw();
+    constexpr double kSeconds = 0.1;
+    Fl::wait(kSeconds);
+    const bool saved = view.SaveFrame(*file);
+    other.show();
+    if (!saved) window.Notice(("Unable to save the frame in " + *file).c_str());
+  }
+  window.ResumeAfterCommand();
+}
+
 }  // namespace
 
 void CImageViewUI::ConnectCallbacks() {
@@ -79,7 +102,7 @@ void CImageViewUI::ConnectCallbacks() {
     {Control::LightSources, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::LightSources); }},
     {Control::Recorder, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::Recorder); }},
     {Control::Scissors, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::Scissors); }},
-    {Control::StopSolver, [](CImageViewUI& ui, bool) { ui.StopPressed(); }},
+    {Control::StopSolver, [](CImageViewUI& ui, bool) { StopPressed(ui); }},
     {Control::ResumeSolver, [](CImageViewUI& ui, bool) { ui.m_Solver.Run(); }},
     {Control::Slower, [](CImageViewUI&, bool) { g_fTimerInterval *= 1.5; }},
     {Control::Faster, [](CImageViewUI&, bool) { g_fTimerInterval *= 2.0 / 3.0; }},
@@ -93,13 +116,7 @@ void CImageViewUI::ConnectCallbacks() {
   for (std::size_t k = 0; k < kRows.size(); ++k) Widget(kRows[k].m_Control).callback(perform, static_cast<long>(k));
   m_pbtnSwitchHR_LR->callback(cb_m_pbtnSwitchHR_LR, this);
   // The lamp is on as well while the solver only waits for an edit, and a click then has to stop it for good.
-  Button(Control::StopSolver).when(FL_WHEN_RELEASE | FL_WHEN_NOT_CHANGED);
-}
-
-// The toolkit reports a press that was released beside the button, too.
-void CImageViewUI::StopPressed() {
-  if (Fl::event() == FL_RELEASE && Fl::event_inside(&Widget(Control::StopSolver)) == 0) return;
-  m_Solver.StopSolver();
+  m_Controls.Button(Control::StopSolver).when(FL_WHEN_RELEASE | FL_WHEN_NOT_CHANGED);
 }
 
 bool CImageViewUI::FlagChosen(MenuEntry entry) {
@@ -121,7 +138,7 @@ bool CImageViewUI::FlagChosen(MenuEntry entry) {
 
 void CImageViewUI::Chosen(MenuEntry entry) {
   if (FlagChosen(entry)) {
-    if (entry == MenuEntry::FreezeMap) SetVisible(Control::Freeze, m_pMenu->IsChecked(entry));
+    if (entry == MenuEntry::FreezeMap) m_Controls.Show(Control::Freeze, m_pMenu->IsChecked(entry));
     return;
   }
   if (entry >= MenuEntry::Write) {
@@ -136,11 +153,12 @@ void CImageViewUI::Chosen(MenuEntry entry) {
     case MenuEntry::LoadImage:
       return m_Commands.Request(Operation::kLoadImage);
     case MenuEntry::ShootImage:
-      return Shoot(*m_pImageView, *m_pGridView);
+      return Shoot(*this, *m_pImageView, *m_pGridView);
     case MenuEntry::ShootModel:
-      return Shoot(*m_pGridView, *m_pImageView);
+      return Shoot(*this, *m_pGridView, *m_pImageView);
     case MenuEntry::DebugInterface:
-      return ShowDebugZone(m_pMenu->IsChecked(entry));
+      m_Controls.ShowDebugZone(m_pMenu->IsChecked(entry));
+      return Relayout();
     case MenuEntry::StatusBar:
       return ShowHelpLine(m_pMenu->IsChecked(entry));
     case MenuEntry::SubdivisionColours:
@@ -159,17 +177,9 @@ void CImageViewUI::Chosen(MenuEntry entry) {
   }
 }
 
-void CImageViewUI::ShowDebugZone(bool show) {
-  m_bDebugZone = show;
-  for (const CControlRow& row : kControls) {
-    if (IsInDebugZone(row.m_Control)) SetVisible(row.m_Control, m_abVisible[Index(row.m_Control)]);
-  }
-  Relayout();
-}
-
 void CImageViewUI::ShowHelpLine(bool show) {
   m_bHelpLine = show;
-  SetVisible(Control::HelpLine, show);
+  m_Controls.Show(Control::HelpLine, show);
   Relayout();
 }
 
@@ -209,17 +219,17 @@ void CImageViewUI::SetDebugFlag(std::uint32_t flag, bool on) {
 void CImageViewUI::UpdateDebugReadOuts() {
   const CDebugReadOuts shown = ReadOutsOf(m_pImageView->DebugFlags());
   if (!shown.m_bInfluence) ShowInfluence(-1);
-  SetVisible(Control::Influence, shown.m_bInfluence);
-  SetVisible(Control::Level, shown.m_bLevel);
-  SetVisible(Control::PointNumber, shown.m_bPointNumber);
-  SetVisible(Control::PointCount, shown.m_bPointCount);
-  SetVisible(Control::Interpolation, shown.m_bInterpolation);
+  m_Controls.Show(Control::Influence, shown.m_bInfluence);
+  m_Controls.Show(Control::Level, shown.m_bLevel);
+  m_Controls.Show(Control::PointNumber, shown.m_bPointNumber);
+  m_Controls.Show(Control::PointCount, shown.m_bPointCount);
+  m_Controls.Show(Control::Interpolation, shown.m_bInterpolation);
   redraw();
   RedrawImageView();
 }
 
 void CImageViewUI::CycleLevelTool() {
-  Fl_Button& button = Button(Control::ShowLevel);
+  Fl_Button& button = m_Controls.Button(Control::ShowLevel);
   const CLevelTool tool = NextLevelTool(m_pImageView->DebugFlags(), button.value() != 0);
   m_pImageView->SetDebugFlags(tool.m_uDebugFlags);
   button.label(tool.m_pLabel);
@@ -228,14 +238,14 @@ void CImageViewUI::CycleLevelTool() {
 }
 
 void CImageViewUI::ToggleSelect() {
-  const bool on = Button(Control::Select).value() != 0;
+  const bool on = m_Controls.Button(Control::Select).value() != 0;
   SetDebugFlag(DebugFlag::kSelectCells, on);
   m_pHelpLine->SetCurrentHelp(CurrentHelp());
   RequestRedraw();
 }
 
 void CImageViewUI::ToggleFreeze() {
-  m_bFreezing = Button(Control::Freeze).value() != 0;
+  m_bFreezing = m_Controls.Button(Control::Freeze).value() != 0;
   if (m_bFreezing && !m_pMenu->IsChecked(MenuEntry::FreezeMap)) m_pMenu->Choose(MenuEntry::FreezeMap);
   SetDebugFlag(DebugFlag::kFreeze, m_bFreezing);
   if (m_bFreezing) {
@@ -247,28 +257,10 @@ void CImageViewUI::ToggleFreeze() {
 }
 
 void CImageViewUI::ToggleTool(Tool tool) {
-  ToolWindow& window = *m_apTools[static_cast<std::size_t>(tool)];
-  if (window.IsOpen()) {
-    window.Close();
-  } else {
-    EndDrags();
-    window.Open();
-    if (tool == Tool::Scissors) m_Solver.StopSolver();
-  }
-  ShowLamp(tool, window.IsOpen());
-}
-
-// The recorder and the scissors leave the solver stopped.
-void CImageViewUI::ToolClosed(Tool tool) {
-  ShowLamp(tool, false);
-  if (tool != Tool::LightSources && m_Solver.IsStoppedByUser()) Tell(FormatHelp(HelpText::kSolverStopped));
-}
-
-void CImageViewUI::ShowLamp(Tool tool, bool on) {
-  constexpr std::array kButtons{Control::LightSources, Control::Recorder, Control::Scissors};
-  Button(kButtons[static_cast<std::size_t>(tool)]).value(on ? 1 : 0);
-  // Until a picture is loaded one button lies over another and has to be drawn after it.
-  Widget(Control::Interfaces).redraw();
+  if (m_Tools.IsOpen(tool)) return m_Tools.Close(tool);
+  EndDrags();
+  m_Tools.Open(tool);
+  if (tool == Tool::Scissors) m_Solver.StopSolver();
 }
 
 void CImageViewUI::cb_m_pbtnSwitchHR_LR(Fl_Widget* /*widget*/, void* data) {
@@ -310,18 +302,15 @@ void CImageViewUI::EndDrags() {
 bool CImageViewUI::LoadPicture(const std::string& file) {
   if (!m_pImageView->LoadImage(file)) return false;
   m_bPictureLoaded = true;
-  ToolWindow* scissors = m_apTools[static_cast<std::size_t>(Tool::Scissors)].get();
-  if (scissors != nullptr && scissors->IsOpen()) scissors->Close();
-  SetVisible(Control::LightSources, true);
+  if (m_Tools.IsOpen(Tool::Scissors)) m_Tools.Close(Tool::Scissors);
+  m_Controls.Show(Control::LightSources, true);
   RefreshEnabled();
   for (const MenuEntry entry : {MenuEntry::ImagePicture, MenuEntry::ModelTexture}) {
     if (!m_pMenu->IsChecked(entry)) m_pMenu->Choose(entry);
   }
   Relayout();
   RequestRedraw();
-  for (const auto& tool : m_apTools) {
-    if (tool != nullptr) tool->PictureLoaded();
-  }
+  m_Tools.PictureLoaded();
   return true;
 }
 
@@ -340,23 +329,5 @@ void CImageViewUI::GridReplaced() {
   Relayout();
   m_pGridView->ResetCamera();
   RequestRedraw();
-  for (const auto& tool : m_apTools) {
-    if (tool != nullptr) tool->GridReplaced();
-  }
-}
-
-template <class View>
-void CImageViewUI::Shoot(View& view, Fl_Gl_Window& other) {
-  m_Solver.PauseSolverForCommand();
-  if (const auto file = ChooseFile("give a name for current frame buffer:", "*.bmp")) {
-    // The other view keeps out of what is read back.
-    other.hide();
-    view.redraw();
-    constexpr double kSeconds = 0.1;
-    Fl::wait(kSeconds);
-    const bool saved = view.SaveFrame(*file);
-    other.show();
-    if (!saved) Notice(("Unable to save the frame in " + *file).c_str());
-  }
-  m_Solver.ResumeAfterCommand();
+  m_Tools.GridReplaced();
 }

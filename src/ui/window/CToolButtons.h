@@ -1,0 +1,42 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <memory>
+
+#include "ui/seams/ToolWindow.h"
+#include "ui/window/Controls.h"
+
+class CControlSet;
+
+/// The tools whose windows the buttons of "Interfaces" open and close, and the lamps of these buttons.
+class CToolButtons {
+ public:
+  enum class Tool { LightSources, Recorder, Scissors };
+  static constexpr std::array kTools{Tool::LightSources, Tool::Recorder, Tool::Scissors};
+
+  /// The controls must outlive the object.
+  explicit CToolButtons(CControlSet& controls) : m_Controls(controls) {}
+
+  static Control ButtonOf(Tool tool);
+
+  /// Takes up the window of a tool, or none. `closed` is called when it has closed, whoever closed it.
+  void Set(Tool tool, std::unique_ptr<ToolWindow> window, const std::function<void()>& closed);
+  bool Has(Tool tool) const { return At(tool) != nullptr; }
+  bool IsOpen(Tool tool) const { return Has(tool) && At(tool)->IsOpen(); }
+  /// The tool must be there.
+  void Open(Tool tool);
+  void Close(Tool tool);
+
+  // For all of them.
+  void PictureLoaded();
+  void GridReplaced();
+
+ private:
+  using Window = std::unique_ptr<ToolWindow>;
+  const Window& At(Tool tool) const { return m_apWindows[static_cast<std::size_t>(tool)]; }
+  void ShowLamp(Tool tool, bool on);
+
+  CControlSet& m_Controls;
+  std::array<Window, kTools.size()> m_apWindows;
+};
