@@ -7,13 +7,14 @@
 #include "base/SavedNumber.h"
 #include "constraints/PtCstrText.h"
 #include "model/CGrid.h"
-#include "model/Globals.h"
-#include "quadtree/CSubdivisionBits.h"
+#include "model/CSketch.h"
 
 namespace {
 
 // How far a saved place or height may be from the present one, in proportion to a side of the model.
 constexpr double kTolerance = 1e-5;
+
+double ToleranceOf(const CExtent& e) { return kTolerance * std::max(e.x1 - e.x0, e.y1 - e.y0); }
 
 // Each side in its own measure: x0 < x1 and y0 < y1 must hold of what is read back, however narrow the model is.
 void WriteRectangle(std::ostream& out, const CExtent& e) {
@@ -29,25 +30,29 @@ void WriteRectangle(std::ostream& out, const CExtent& e) {
 
 }  // namespace
 
-void WriteGrid(std::ostream& out, const CGrid& grid) {
-  const CExtent& e = grid.Lattice().Extent();
-  const double tolerance = kTolerance * std::max(e.x1 - e.x0, e.y1 - e.y0);
-  const CListHeaders& headers = grid.ListHeaders();
-  WriteRectangle(out, e);
-  out << headers.m_iPoints << '\t' << grid.PointConstraints().size() << '\n';
-  for (const CPtCstr& record : grid.PointConstraints()) {
+void WriteSketch(std::ostream& out, const CSketch& sketch) {
+  const double tolerance = ToleranceOf(sketch.m_Extent);
+  const CListHeaders& headers = sketch.m_ListHeaders;
+  WriteRectangle(out, sketch.m_Extent);
+  out << headers.m_iPoints << '\t' << sketch.m_Points.size() << '\n';
+  for (const CPtCstr& record : sketch.m_Points) {
     WritePtCstr(out, record, tolerance);
     out << '\n';
   }
-  out << headers.m_iCurves << '\t' << grid.Curves().size() << '\n';
-  for (const CCntrCtrl& curve : grid.Curves()) {
+  out << headers.m_iCurves << '\t' << sketch.m_Curves.size() << '\n';
+  for (const CCntrCtrl& curve : sketch.m_Curves) {
     curve.Write(out, tolerance);
     out << '\n';
   }
   out << headers.m_iRegions << "\t0\n\n";
-  out << "\n\nL\n" << g_iBaseLevel << '\n' << g_iMaxLevel;
+  out << "\n\nL\n" << sketch.m_iNewBaseLevel << '\n' << sketch.m_iMaxLevel;
   out << "\n\nT\n";
-  CSubdivisionBits(grid.Subdivision()).Write(out);
+  sketch.m_aSubdivisions.front().Write(out);
+}
+
+void WriteGrid(std::ostream& out, const CGrid& grid) {
+  WriteSketch(out, grid.Sketch());
+  const double tolerance = ToleranceOf(grid.Lattice().Extent());
   const CPointOrder& order = grid.Order();
   out << "\n\nZ\n";
   for (std::size_t k = 0; k < order.Count(); ++k) {

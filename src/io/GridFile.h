@@ -6,9 +6,12 @@
 #include "model/GridFileState.h"
 
 class CGrid;
+struct CSketch;
 
-/// The model as text: rectangle, constraints, levels, wanted subdivision, heights and point order. What `out` is in
-/// locale and number format is the caller's; lights or `WriteNoLights` must follow.
+/// The first sections of a grid file: rectangle, constraints, levels and the wanted subdivision of the current
+/// resolution. What `out` is in locale and number format is the caller's, here and below.
+void WriteSketch(std::ostream& out, const CSketch& sketch);
+/// The model as text: its sketch, heights and point order. Lights or `WriteNoLights` must follow.
 void WriteGrid(std::ostream& out, const CGrid& grid);
 /// The last section of the file: both sets of lights, or that there are none.
 void WriteLights(std::ostream& out, const CGrid& grid);

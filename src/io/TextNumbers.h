@@ -9,3 +9,10 @@
 void PrepareToReadNumbers(std::istream& in);
 /// Whether a number read since the last call was not finite.
 bool TakeNonFinite(std::istream& in);
+
+/// The next character that is no blank; 0 at the end of the text.
+inline char ReadChar(std::istream& in) {
+  char c = 0;
+  in >> c;
+  return c;
+}

@@ -31,6 +31,11 @@ class CRelighting {
   CLightSet& AddedLights() { return m_AddedLights; }
   const CLightSet& AddedLights() const { return m_AddedLights; }
 
+  void SetLights(const CLightSet& removed, const CLightSet& added) {
+    m_RemovedLights = removed;
+    m_AddedLights = added;
+  }
+
   /// Gives every texel of a picture taken up before its column and row and the normal (0, 0, 1) again.
   void InitializeCoordsTexels(const CInterpolation& surface);
   /// Brings the places of the texels up to the subdivision, for what draws them; nothing without a picture.
