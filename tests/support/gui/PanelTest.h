@@ -24,6 +24,9 @@ bool WorkUntil(Condition condition) {
 /// Base of tests of one panel: a display, or else a failure that says so, and a window the panel opens beside.
 class PanelTest : public ::testing::Test {
  protected:
+  // Else the toolkit would put the next test's widgets into the window that has gone with this one.
+  PanelTest() { m_MainWindow.end(); }
+
   static CArea AreaOf(const Fl_Widget& widget) { return {widget.x(), widget.y(), widget.w(), widget.h()}; }
   static void ExpectInsideGroups(Fl_Window& panel) {
     for (Fl_Widget* widget : WidgetsIn(panel)) {
