@@ -14,7 +14,7 @@ class CListeningHost : public ViewHost {
  public:
   void PauseSolverForCommand() override {}
   void ResumeAfterCommand() override {}
-  void ShowHelp(int /*index*/) override {}
+  void ShowHelp(HelpText::Index /*index*/) override {}
   void RestoreHelp() override { m_Shown = "help"; }
   void ShowMessage(const std::string& text) override { m_Shown = text; }
   void Tell(const std::string& text) override { m_aTold.push_back(text); }

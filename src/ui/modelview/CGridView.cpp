@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr int kHelp = 19;
 constexpr int kPhotograph = 3;
 constexpr int kDigitLights = 4;
 
@@ -127,10 +126,10 @@ int CGridView::handle(int event) {
   }
   switch (event) {
     case FL_ENTER:
-      m_pHost->ShowHelp(kHelp);
+      m_pHost->ShowHelp(HelpText::kModelView);
       return 1;
     case FL_MOVE:
-      m_pHost->ShowHelp(kHelp);
+      m_pHost->ShowHelp(HelpText::kModelView);
       m_pHost->FocusImageView();
       return 1;
     case FL_LEAVE:

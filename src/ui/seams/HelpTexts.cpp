@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cmath>
 
-void FormatHelp(std::string& text, int index, std::initializer_list<std::string_view> values) {
+void FormatHelp(std::string& text, HelpText::Index index, std::initializer_list<std::string_view> values) {
   const std::string_view pattern = HelpTextOf(index);
   text.clear();
   for (std::size_t i = 0; i < pattern.size(); ++i) {
@@ -18,7 +18,7 @@ void FormatHelp(std::string& text, int index, std::initializer_list<std::string_
   }
 }
 
-std::string FormatHelp(int index, std::initializer_list<std::string_view> values) {
+std::string FormatHelp(HelpText::Index index, std::initializer_list<std::string_view> values) {
   std::string text;
   FormatHelp(text, index, values);
   return text;

@@ -46,24 +46,27 @@ inline constexpr std::array kHelpTexts{
     "%1. It has no effect, because it lies %2",
 };
 
-/// Indices of the texts that are not tied to a control.
+/// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
 namespace HelpText {
-inline constexpr int kNone = 0;
-inline constexpr int kPositions = 2;
-inline constexpr int kNormals = 3;
-inline constexpr int kCurves = 4;
-inline constexpr int kCurveInProgress = 8;
-inline constexpr int kSelectCells = 10;
-inline constexpr int kFrameRecorded = 20;  ///< a format that takes the number of the frame
-inline constexpr int kFirstMessage = 21;
-inline constexpr int kCurveTypeWanted = 21;  ///< a curve is to end whose type has not been chosen
-inline constexpr int kSolverGaveUp = 22;     ///< the solver has stopped itself without having converged
-inline constexpr int kHeight = 23;           ///< what a position constraint asks for
-inline constexpr int kHeightDragged = 24;    ///< the same, and what the surface had there when the drag began
-inline constexpr int kSlope = 25;            ///< dz/dx and dz/dy
-inline constexpr int kSlopeDragged = 26;
-inline constexpr int kSolverStopped = 27;
-inline constexpr int kNoEffect = 28;  ///< what a constraint asks for, and why the system does not know it
+enum Index : int {
+  kNone = 0,
+  kPositions = 2,
+  kNormals = 3,
+  kCurves = 4,
+  kCurveInProgress = 8,
+  kSelectCells = 10,
+  kModelView = 19,
+  kFrameRecorded = 20,  ///< a format that takes the number of the frame
+  kFirstMessage = 21,
+  kCurveTypeWanted = 21,  ///< a curve is to end whose type has not been chosen
+  kSolverGaveUp = 22,     ///< the solver has stopped itself without having converged
+  kHeight = 23,           ///< what a position constraint asks for
+  kHeightDragged = 24,    ///< the same, and what the surface had there when the drag began
+  kSlope = 25,            ///< dz/dx and dz/dy
+  kSlopeDragged = 26,
+  kSolverStopped = 27,
+  kNoEffect = 28,  ///< what a constraint asks for, and why the system does not know it
+};
 }  // namespace HelpText
 
 /// The text of an index; the empty one for an index that has none.
@@ -73,9 +76,9 @@ inline constexpr const char* HelpTextOf(int index) {
 }
 
 /// The text of an index with each %1, %2 ... replaced by the value of that place.
-std::string FormatHelp(int index, std::initializer_list<std::string_view> values = {});
+std::string FormatHelp(HelpText::Index index, std::initializer_list<std::string_view> values = {});
 /// The same in place of `text`, whose memory is used again.
-void FormatHelp(std::string& text, int index, std::initializer_list<std::string_view> values);
+void FormatHelp(std::string& text, HelpText::Index index, std::initializer_list<std::string_view> values);
 
 /// A number as the help line shows it: at most six digits, the same under every locale, and 0 for what is less than a
 /// billionth of `unit`, the size that matters.

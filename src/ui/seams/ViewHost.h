@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "ui/seams/HelpTexts.h"
+
 struct CPlanePoint;
 
 /// What the two views ask of the window around them.
@@ -14,10 +16,10 @@ class ViewHost {
   virtual void ResumeAfterCommand() = 0;
 
   /// Help line: show text `index`; go back to the text that stays.
-  virtual void ShowHelp(int index) = 0;
+  virtual void ShowHelp(HelpText::Index index) = 0;
   virtual void RestoreHelp() = 0;
   /// Show text `index` and make it the one that stays.
-  virtual void SetCurrentHelp(int index) { ShowHelp(index); }
+  virtual void SetCurrentHelp(HelpText::Index index) { ShowHelp(index); }
   /// Show a message (FormatHelp) in the help line until the text that stays is restored.
   virtual void ShowMessage(const std::string& /*text*/) {}
   /// The same, and as a line on the console, because the help line may be hidden.

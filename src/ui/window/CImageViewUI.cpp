@@ -109,6 +109,7 @@ void CImageViewUI::BuildWidgets() {
   }
   static_cast<Fl_Output&>(Widget(Control::CentreName)).value("Center");
   m_pbtnSwitchHR_LR = &m_Controls.Button(Control::SwitchResolution);
+  m_pbtnSwitchHR_LR->callback(cb_m_pbtnSwitchHR_LR, this);
 }
 
 void CImageViewUI::Relayout() {
@@ -205,11 +206,11 @@ void CImageViewUI::ShowInterpolation(const CInterpolationTrace& trace) {
 
 void CImageViewUI::ProcessEvents() { Fl::check(); }
 
-void CImageViewUI::ShowHelp(int index) { m_pHelpLine->ShowHelp(index); }
+void CImageViewUI::ShowHelp(HelpText::Index index) { m_pHelpLine->ShowHelp(index); }
 
 void CImageViewUI::RestoreHelp() { m_pHelpLine->RestoreHelp(); }
 
-void CImageViewUI::SetCurrentHelp(int index) { m_pHelpLine->SetCurrentHelp(index); }
+void CImageViewUI::SetCurrentHelp(HelpText::Index index) { m_pHelpLine->SetCurrentHelp(index); }
 
 void CImageViewUI::ShowMessage(const std::string& text) { m_pHelpLine->ShowMessage(text); }
 

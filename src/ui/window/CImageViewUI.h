@@ -71,9 +71,9 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
 
   void PauseSolverForCommand() override { m_Solver.PauseSolverForCommand(); }
   void ResumeAfterCommand() override { m_Solver.ResumeAfterCommand(); }
-  void ShowHelp(int index) override;
+  void ShowHelp(HelpText::Index index) override;
   void RestoreHelp() override;
-  void SetCurrentHelp(int index) override;
+  void SetCurrentHelp(HelpText::Index index) override;
   void ShowMessage(const std::string& text) override;
   void Tell(const std::string& text) override;
   void ShowCurveType(int type) override;
@@ -113,7 +113,7 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   void SetEditingMode(EditingMode mode);
   void SetCurveType(int type);
   /// The help text that stays with what the mouse does in the image view.
-  int CurrentHelp() const;
+  HelpText::Index CurrentHelp() const;
   void SetDebugFlag(std::uint32_t flag, bool on);
   void UpdateDebugReadOuts();
   void CycleLevelTool();

@@ -48,6 +48,12 @@ constexpr auto kFlags = std::to_array<CFlagRow>({
     {MenuEntry::DiscontinuityEdges, ImageFlag::kDiscontinuityEdges, false, false},
 });
 
+/// What a button does; `on` is its value after the click.
+struct CActionRow {
+  Control m_Control;
+  void (*m_Action)(CImageViewUI& window, bool on);
+};
+
 // The toolkit reports a press that was released beside the button, too.
 void StopPressed(CImageViewUI& window) {
   if (Fl::event() == FL_RELEASE && Fl::event_inside(&window.Widget(Control::StopSolver)) == 0) return;
@@ -74,12 +80,8 @@ void Shoot(CImageViewUI& window, View& view, Fl_Gl_Window& other) {
 }  // namespace
 
 void CImageViewUI::ConnectCallbacks() {
-  struct CRow {
-    Control m_Control;
-    void (*m_Action)(CImageViewUI& window, bool on);  // `on`: the value of the button after the click
-  };
   // clang-format off
-  static constexpr auto kRows = std::to_array<CRow>({
+  static constexpr auto kRows = std::to_array<CActionRow>({
     {Control::PositionConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Position); }},
     {Control::NormalConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Normal); }},
     {Control::CurveConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Curve); }},
@@ -114,7 +116,6 @@ void CImageViewUI::ConnectCallbacks() {
     kRows[static_cast<std::size_t>(row)].m_Action(window, static_cast<Fl_Button*>(widget)->value() != 0);
   };
   for (std::size_t k = 0; k < kRows.size(); ++k) Widget(kRows[k].m_Control).callback(perform, static_cast<long>(k));
-  m_pbtnSwitchHR_LR->callback(cb_m_pbtnSwitchHR_LR, this);
   // The lamp is on as well while the solver only waits for an edit, and a click then has to stop it for good.
   m_Controls.Button(Control::StopSolver).when(FL_WHEN_RELEASE | FL_WHEN_NOT_CHANGED);
 }
@@ -191,7 +192,7 @@ void CImageViewUI::SetEditingMode(EditingMode mode) {
   RefreshEnabled();
 }
 
-int CImageViewUI::CurrentHelp() const {
+HelpText::Index CImageViewUI::CurrentHelp() const {
   if ((m_pImageView->DebugFlags() & DebugFlag::kSelectCells) != 0) return HelpText::kSelectCells;
   switch (m_pImageView->Mode()) {
     case EditingMode::Position:

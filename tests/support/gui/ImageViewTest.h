@@ -18,9 +18,9 @@ class CRecordingViewHost : public ViewHost {
  public:
   void PauseSolverForCommand() override { ++m_iPauses; }
   void ResumeAfterCommand() override { ++m_iResumptions; }
-  void ShowHelp(int /*index*/) override {}
+  void ShowHelp(HelpText::Index /*index*/) override {}
   void RestoreHelp() override { ++m_iHelpsRestored; }
-  void SetCurrentHelp(int index) override { m_aiHelps.push_back(index); }
+  void SetCurrentHelp(HelpText::Index index) override { m_aiHelps.push_back(index); }
   void ShowMessage(const std::string& text) override { m_aMessages.push_back(text); }
   void Tell(const std::string& text) override { m_aTold.push_back(text); }
   void ShowCurveType(int type) override { m_aiCurveTypes.push_back(type); }

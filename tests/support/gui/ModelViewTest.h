@@ -24,7 +24,7 @@ class CRecordingViewHost : public ViewHost {
  public:
   void PauseSolverForCommand() override { ++m_iPauses; }
   void ResumeAfterCommand() override { ++m_iResumptions; }
-  void ShowHelp(int index) override { m_aiHelps.push_back(index); }
+  void ShowHelp(HelpText::Index index) override { m_aiHelps.push_back(index); }
   void RestoreHelp() override { ++m_iHelpsRestored; }
   void ShowMessage(const std::string& text) override { m_aMessages.push_back(text); }
   void Tell(const std::string& text) override { m_aTold.push_back(text); }

@@ -10,7 +10,7 @@ class RecordingViews : public ViewHost {
  public:
   void PauseSolverForCommand() override {}
   void ResumeAfterCommand() override {}
-  void ShowHelp(int /*index*/) override {}
+  void ShowHelp(HelpText::Index /*index*/) override {}
   void RestoreHelp() override {}
   void RedrawImageView() override { ++m_iImageRedraws; }
   void RedrawModelView() override { ++m_iModelRedraws; }
