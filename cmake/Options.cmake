@@ -24,3 +24,4 @@ option(RELIEVO_BUILD_BATCH "Build relievo-batch (needs CLI11 and nlohmann-json)"
 option(RELIEVO_BUILD_TESTS "Build the tests (needs GoogleTest and RapidCheck)" ${tests_possible})
 option(RELIEVO_BUILD_BENCH "Build the benchmarks (needs Google Benchmark)" ${bench_possible})
 option(RELIEVO_BUILD_FUZZ "Build the fuzzers (needs clang and its libFuzzer)" OFF)
+option(RELIEVO_UNITY_TESTS "Compile the tests of a room together" ON)

@@ -6,8 +6,20 @@
 # are always tried with the same random cases; the executable started by hand takes new ones.
 include(GoogleTest)
 
-function(add_model_executable name)
+# One executable per room means one compilation per room, too: its tests are compiled several at a time, so that the headers
+# of the test library are read once for all of them. The files of tests/support/ stay apart: some of them know X11, whose
+# macros must not reach a test.
+function(add_test_executable name)
   add_executable(${name} ${ARGN})
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ${RELIEVO_UNITY_TESTS})
+  # The compiler takes the name of a fixture for one that two files could share.
+  target_compile_options(${name} PRIVATE $<$<BOOL:${RELIEVO_UNITY_TESTS}>:-Wno-subobject-linkage>)
+  list(FILTER ARGN INCLUDE REGEX "^support/")
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
+
+function(add_model_executable name)
+  add_test_executable(${name} ${ARGN})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_link_libraries(${name} PRIVATE
     relievo_core relievo_warnings rapidcheck_gtest GTest::gtest_main)
@@ -31,7 +43,7 @@ function(relievo_add_gui_test name)
   if(NOT RELIEVO_BUILD_UI)
     return()
   endif()
-  add_executable(${name} ${ARGN})
+  add_test_executable(${name} ${ARGN})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_link_libraries(${name} PRIVATE
     relievo_app relievo_gui_support relievo_warnings GTest::gtest_main)

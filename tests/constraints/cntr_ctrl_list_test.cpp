@@ -9,9 +9,6 @@
 
 namespace {
 
-constexpr std::uint32_t kTear = CurveType::kPosition;
-constexpr std::uint32_t kCrease = CurveType::kNormal;
-
 // A tear from (0, 0) to (10, 0) and a crease from (10, 0) to (20, 0).
 struct CTwoCurves {
   CTwoCurves() {

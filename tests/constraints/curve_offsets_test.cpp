@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr CurveSide kLeftSide = CurveSide::Left;
-constexpr CurveSide kRightSide = CurveSide::Right;
 constexpr double kLength = 2.0;
 const std::string kSinglePoint = "CCntrCtrl::UpdateNormals() Error : dealing with a single-point curve\n";
 const std::string kLeftLine = "CCntrCtrl::AddAutoBumpConstraintsLeft\n";
@@ -31,8 +29,8 @@ struct COffsetCurve : CTestCurve {
   explicit COffsetCurve(const CPlaces& places, bool closed = false) : CTestCurve(places, closed) {
     m_Curve.UpdateNormals(kLength);
   }
-  const CNodeOffsets& Left(int k) { return Node(k).Offsets(kLeftSide); }
-  const CNodeOffsets& Right(int k) { return Node(k).Offsets(kRightSide); }
+  const CNodeOffsets& Left(int k) { return Node(k).Offsets(CurveSide::Left); }
+  const CNodeOffsets& Right(int k) { return Node(k).Offsets(CurveSide::Right); }
 };
 
 TEST(CurveOffsetsTest, EmptyCurveIsLeftAlone) {
@@ -128,7 +126,7 @@ TEST(CurveOffsetsTest, RepeatedNodeCountsAsAnEnd) {
 TEST(CurveOffsetsTest, HairpinStaysFinite) {
   for (const double back : {0.0, 1e-12, 1e-6, 0.001}) {
     COffsetCurve test({{0, 0}, {4, 0}, {0, back}});
-    for (const CurveSide side : {kLeftSide, kRightSide}) {
+    for (const CurveSide side : {CurveSide::Left, CurveSide::Right}) {
       const double length = LengthOf(test.Node(1).Offsets(side).m_A);
       EXPECT_TRUE(std::isfinite(length));
       EXPECT_LE(length, 1001 * kLength);
@@ -151,7 +149,7 @@ struct CBumpCurve : COffsetCurve {
   CBumpCurve(const CPlaces& places, std::uint32_t options, double distance, double orientation, bool closed = false)
       : COffsetCurve(places, closed) {
     m_Curve.SetOption(options, true);
-    for (const CurveSide side : {kLeftSide, kRightSide}) {
+    for (const CurveSide side : {CurveSide::Left, CurveSide::Right}) {
       m_Curve.SetDistance(side, distance);
       m_Curve.SetOrientation(side, orientation);
     }
@@ -185,8 +183,8 @@ TEST(AutoBumpTest, SpacingRunsOnAcrossSegments) {
 
 TEST(AutoBumpTest, RightSideHasItsOwnDistanceAndTheSameLines) {
   CBumpCurve test({{0, 0}, {12, 0}}, CurveOption::kRightAutoBump, 5, 45);
-  test.m_Curve.SetDistance(kLeftSide, 1);
-  test.m_Curve.SetDistance(kRightSide, 8);
+  test.m_Curve.SetDistance(CurveSide::Left, 1);
+  test.m_Curve.SetDistance(CurveSide::Right, 8);
   EXPECT_EQ(test.Generate(), kLeftLine + "DistanceLeft() : 8\n");
   ExpectPlaces(test.m_Generated, {{0, -2}, {8, -2}});
 }

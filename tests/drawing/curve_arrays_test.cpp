@@ -32,7 +32,7 @@ class CurveArraysTest : public ::testing::Test {
   CCurveArrays m_Arrays;
 };
 
-constexpr double kTolerance = 1e-5;
+constexpr double kFloatError = 1e-5;
 const CPlaces kBent{{0, 21}, {4.25, 22}, {8, 25}};
 
 }  // namespace
@@ -45,11 +45,11 @@ TEST_F(CurveArraysTest, VerticesLieOnTheSurfaceAStepApart) {
   EXPECT_EQ(m_Arrays.Vertices().size(), 3 * m_Arrays.Lines()[0].m_uCount);
   for (std::size_t k = 0; k < m_Arrays.Lines()[0].m_uCount; ++k) {
     const Vector3 v = At(k);
-    EXPECT_NEAR(v.z, SurfaceAt(v.x, v.y), kTolerance);
+    EXPECT_NEAR(v.z, SurfaceAt(v.x, v.y), kFloatError);
     if (k == 0) continue;
     const Vector3 d = v - At(k - 1);
-    EXPECT_LE(std::abs(d.x), 1 + kTolerance);
-    EXPECT_LE(std::abs(d.y), 0.375 + kTolerance);
+    EXPECT_LE(std::abs(d.x), 1 + kFloatError);
+    EXPECT_LE(std::abs(d.y), 0.375 + kFloatError);
   }
 }
 
@@ -61,8 +61,8 @@ TEST_F(CurveArraysTest, NodesHaveVerticesOfTheirOwn) {
   ASSERT_EQ(m_Arrays.NodeVertices().size(), places.size());
   for (std::size_t k = 0; k < places.size(); ++k) {
     const Vector3 v = At(m_Arrays.NodeVertices()[k]);
-    EXPECT_NEAR(v.x, places[k][0], kTolerance);
-    EXPECT_NEAR(v.y, places[k][1], kTolerance);
+    EXPECT_NEAR(v.x, places[k][0], kFloatError);
+    EXPECT_NEAR(v.y, places[k][1], kFloatError);
   }
 }
 
@@ -94,7 +94,7 @@ TEST_F(CurveArraysTest, TearFollowsItsUpperRim) {
     Grid().SetDiscMap();
     SetSurface(Grid(), [](double /*x*/, double y) { return y > 23 ? 5.0 : 1.0; });
     Refresh();
-    for (std::size_t k = 0; k < m_Arrays.Lines()[0].m_uCount; ++k) EXPECT_NEAR(At(k).z, 5, kTolerance) << k;
+    for (std::size_t k = 0; k < m_Arrays.Lines()[0].m_uCount; ++k) EXPECT_NEAR(At(k).z, 5, kFloatError) << k;
   }
 }
 
@@ -103,10 +103,10 @@ TEST_F(CurveArraysTest, ChangesOfNodesSurfaceAndExtentAreFollowed) {
   Refresh();
   SetSurface(Grid(), CFlat{3});
   Refresh();
-  EXPECT_NEAR(At(0).z, 3, kTolerance);
+  EXPECT_NEAR(At(0).z, 3, kFloatError);
   curve.Nodes().front().m_fX = 1;
   Refresh();
-  EXPECT_NEAR(At(0).x, 1, kTolerance);
+  EXPECT_NEAR(At(0).x, 1, kFloatError);
   curve.SetClosed(true);
   const std::size_t open = m_Arrays.Vertices().size();
   Refresh();
@@ -127,7 +127,7 @@ TEST_F(CurveArraysTest, ChangedSubdivisionIsFollowed) {
   SetRandomSurface(Grid(), 4);
   Refresh();
   for (std::size_t k = 0; k < m_Arrays.Lines()[0].m_uCount; ++k)
-    EXPECT_NEAR(At(k).z, SurfaceAt(At(k).x, At(k).y), kTolerance);
+    EXPECT_NEAR(At(k).z, SurfaceAt(At(k).x, At(k).y), kFloatError);
 }
 
 TEST_F(CurveArraysTest, RedrawsAllocateNothing) {

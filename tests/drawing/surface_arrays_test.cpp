@@ -16,7 +16,7 @@ namespace {
 
 using Line = std::pair<std::pair<double, double>, std::pair<double, double>>;
 
-constexpr double kTolerance = 1e-5;
+constexpr double kFloatError = 1e-5;
 
 class SurfaceArraysTest : public ::testing::Test {
  protected:
@@ -76,7 +76,7 @@ TEST_F(SurfaceArraysTest, VerticesLieOnTheSurface) {
     const CLattice& lattice = Grid().Lattice();
     for (const std::uint32_t v : m_Arrays.Triangles()) {
       const Vector3 p = At(v);
-      EXPECT_NEAR(p.z, Grid().GetHeightAt(lattice.ColumnOf(p.x), lattice.RowOf(p.y)), kTolerance) << seed;
+      EXPECT_NEAR(p.z, Grid().GetHeightAt(lattice.ColumnOf(p.x), lattice.RowOf(p.y)), kFloatError) << seed;
     }
   }
 }
@@ -143,12 +143,12 @@ TEST_F(SurfaceArraysTest, NormalsAreThePointsAtCornersAndTheCellsAtCentres) {
       const Vector3 p = At(v);
       const std::size_t point = lattice.Index(static_cast<int>(std::lround(lattice.ColumnOf(p.x))),
                                               static_cast<int>(std::lround(lattice.RowOf(p.y))));
-      EXPECT_LT(Length(NormalAt(v) - lattice.PointNormals()[point]), kTolerance);
+      EXPECT_LT(Length(NormalAt(v) - lattice.PointNormals()[point]), kFloatError);
     }
     const Vector3 c = At(t[k + 2]);
     const CQuadT* cell = Tree().PointInCell(c.x, c.y);
     EXPECT_LT(Length(NormalAt(t[k + 2]) - lattice.CellNormals()[lattice.CellIndex(cell->X0(), cell->Y0())]),
-              kTolerance);
+              kFloatError);
   }
 }
 
@@ -207,7 +207,7 @@ TEST_F(SurfaceArraysTest, NormalSegmentsStandOnThePointsAndTheCentres) {
   for (const auto& [segments, length] : {std::pair{m_Arrays.PointNormals(), 2.0}, {m_Arrays.CellNormals(), 3.0}}) {
     for (std::size_t end = 0; end < segments.size() / 3; end += 2) {
       const Vector3 foot = Entry(segments, end);
-      EXPECT_NEAR(foot.z, ramp(foot.x, foot.y), kTolerance);
+      EXPECT_NEAR(foot.z, ramp(foot.x, foot.y), kFloatError);
       EXPECT_LT(Length(Entry(segments, end + 1) - foot - length * ramp.Normal()), 1e-4);
     }
   }

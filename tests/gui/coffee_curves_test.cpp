@@ -188,11 +188,11 @@ TEST_F(CoffeeCurvesTest, CurvesAreDrawnOverBothViews) {
       found += CRgb{frame.m_aPixels[k], frame.m_aPixels[k + 1], frame.m_aPixels[k + 2]} == colour ? 1 : 0;
     return found;
   };
-  constexpr CRgb kTear{255, 0, 191};
-  constexpr CRgb kCrease{255, 128, 0};
-  EXPECT_GT(count(ModelFrame(), kTear), 1000);
-  EXPECT_GT(count(ModelFrame(), kCrease), 100);
+  constexpr CRgb kTearColour{255, 0, 191};
+  constexpr CRgb kCreaseColour{255, 128, 0};
+  EXPECT_GT(count(ModelFrame(), kTearColour), 1000);
+  EXPECT_GT(count(ModelFrame(), kCreaseColour), 100);
   m_Window.GridView().SetFlag(ModelFlag::kCurves, false);
-  EXPECT_EQ(count(ModelFrame(), kTear), 0);
-  EXPECT_EQ(count(ModelFrame(), kCrease), 0);
+  EXPECT_EQ(count(ModelFrame(), kTearColour), 0);
+  EXPECT_EQ(count(ModelFrame(), kCreaseColour), 0);
 }

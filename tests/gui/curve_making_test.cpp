@@ -10,10 +10,6 @@ namespace {
 
 using Numbers = std::vector<int>;
 
-constexpr int kLeftButton = FL_LEFT_MOUSE;
-constexpr int kMiddleButton = FL_MIDDLE_MOUSE;
-constexpr int kRightButton = FL_RIGHT_MOUSE;
-
 }  // namespace
 
 TEST_F(CurveEditingTest, FirstClickBeginsACurve) {

@@ -9,9 +9,6 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-constexpr std::uint32_t kTear = CurveType::kPosition;
-constexpr std::uint32_t kCrease = CurveType::kNormal;
-constexpr std::uint32_t kFair = CurveType::kFairness;
 const char* const kIdleHelp = HelpTextOf(4);
 const char* const kDrawingHelp = HelpTextOf(8);
 

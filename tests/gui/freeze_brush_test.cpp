@@ -6,10 +6,6 @@
 
 namespace {
 
-constexpr int kLeftButton = FL_LEFT_MOUSE;
-constexpr int kMiddleButton = FL_MIDDLE_MOUSE;
-constexpr int kRightButton = FL_RIGHT_MOUSE;
-
 class FreezeBrushTest : public EditingTest {
  protected:
   FreezeBrushTest() : EditingTest(EditingMode::Position) { View().SetDebugFlags(DebugFlag::kFreeze); }

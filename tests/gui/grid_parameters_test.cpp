@@ -11,15 +11,15 @@
 
 namespace {
 
-constexpr CExtent kPresent{-10, 90.5, 20, 120.123456789};
+constexpr CExtent kPresentExtent{-10, 90.5, 20, 120.123456789};
 constexpr int kMaxLevel = 7;
 
-struct CInputRow {
+struct CExtentRow {
   const char* m_pLabel;
   double CExtent::*m_pValue;
 };
-constexpr std::array kInputs{CInputRow{"x0:", &CExtent::x0}, CInputRow{"x1:", &CExtent::x1},
-                             CInputRow{"y0:", &CExtent::y0}, CInputRow{"y1:", &CExtent::y1}};
+constexpr std::array kExtentInputs{CExtentRow{"x0:", &CExtent::x0}, CExtentRow{"x1:", &CExtent::x1},
+                                   CExtentRow{"y0:", &CExtent::y0}, CExtentRow{"y1:", &CExtent::y1}};
 
 struct CRefusal {
   const char* m_pLabel;
@@ -42,7 +42,7 @@ class GridParametersTest : public PanelTest {
       use(window);
       Press(Find<Fl_Button>(window, button));
     }});
-    return m_Dialog.Ask(kPresent, maxLevel);
+    return m_Dialog.Ask(kPresentExtent, maxLevel);
   }
   static void Leave(Fl_Window& /*window*/) {}
 
@@ -50,7 +50,7 @@ class GridParametersTest : public PanelTest {
 };
 
 void ExpectExtent(const CExtent& extent, const CExtent& expected) {
-  for (const CInputRow& row : kInputs) EXPECT_EQ(extent.*row.m_pValue, expected.*row.m_pValue) << row.m_pLabel;
+  for (const CExtentRow& row : kExtentInputs) EXPECT_EQ(extent.*row.m_pValue, expected.*row.m_pValue) << row.m_pLabel;
 }
 
 }  // namespace
@@ -71,8 +71,8 @@ TEST_F(GridParametersTest, OffersTheDefaultsAndThePresentExtent) {
         EXPECT_EQ(level.maximum(), 7);
         EXPECT_EQ(level.step(), 1);
         EXPECT_EQ(Find<Fl_Check_Button>(window, "Keep the \nold constraints").value(), 0);
-        for (const CInputRow& row : kInputs) {
-          EXPECT_EQ(Find<Fl_Value_Input>(window, row.m_pLabel).value(), kPresent.*row.m_pValue);
+        for (const CExtentRow& row : kExtentInputs) {
+          EXPECT_EQ(Find<Fl_Value_Input>(window, row.m_pLabel).value(), kPresentExtent.*row.m_pValue);
           EXPECT_EQ(Find<Fl_Value_Input>(window, row.m_pLabel).maximum(), 2000);
         }
       },
@@ -89,7 +89,7 @@ TEST_F(GridParametersTest, RowsHoldXAndY) {
 TEST_F(GridParametersTest, UntouchedPresetsComeBackExactly) {
   const auto answer = Ask(Leave, "OK");
   ASSERT_TRUE(answer.has_value());
-  ExpectExtent(answer->m_Extent, kPresent);
+  ExpectExtent(answer->m_Extent, kPresentExtent);
   EXPECT_EQ(answer->m_iStartLevel, 5);
   EXPECT_FALSE(answer->m_bKeepConstraints);
 }
@@ -118,7 +118,7 @@ TEST_F(GridParametersTest, CancelGivesNothing) {
 
 TEST_F(GridParametersTest, ClosingTheWindowGivesNothing) {
   const CModalAnswers answers({[](Fl_Window& window) { window.do_callback(); }});
-  EXPECT_FALSE(m_Dialog.Ask(kPresent, kMaxLevel).has_value());
+  EXPECT_FALSE(m_Dialog.Ask(kPresentExtent, kMaxLevel).has_value());
 }
 
 TEST_F(GridParametersTest, WhatWasCancelledIsForgotten) {
@@ -131,7 +131,7 @@ TEST_F(GridParametersTest, WhatWasCancelledIsForgotten) {
       "Cancel");
   const auto answer = Ask(Leave, "OK");
   ASSERT_TRUE(answer.has_value());
-  ExpectExtent(answer->m_Extent, kPresent);
+  ExpectExtent(answer->m_Extent, kPresentExtent);
   EXPECT_EQ(answer->m_iStartLevel, 5);
   EXPECT_FALSE(answer->m_bKeepConstraints);
 }
@@ -213,7 +213,7 @@ TEST_F(GridParametersTest, TakesTheEventsFromAnOpenMenuWhileItIsOpen) {
     EXPECT_EQ(Fl::grab(), nullptr);
     window.hide();
   }});
-  m_Dialog.Ask(kPresent, kMaxLevel);
+  m_Dialog.Ask(kPresentExtent, kMaxLevel);
   EXPECT_EQ(Fl::grab(), &m_MainWindow);
   Fl::grab(nullptr);
 }

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int kLeftButton = FL_LEFT_MOUSE;
-
 // Over 0..100 with 4 x 4 leaves of 25 x 25 model units, which may be split twice.
 class ManualSubdivisionTest : public ImageViewTest {
  protected:

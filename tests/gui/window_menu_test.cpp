@@ -14,7 +14,7 @@ constexpr int kAlt = FL_ALT;
 constexpr int kShift = FL_SHIFT;
 constexpr int kCtrl = FL_CTRL;
 
-struct CExpected {
+struct CExpectedEntry {
   const char* m_pPath;
   MenuEntry m_Entry;
   int m_iShortcut;
@@ -23,7 +23,7 @@ struct CExpected {
 };
 
 // clang-format off
-const auto kTable = std::to_array<CExpected>({
+const auto kEntries = std::to_array<CExpectedEntry>({
   {"&File/&New Grid", MenuEntry::NewGrid, kAlt | 'n', Command},
   {"&File/Load &Grid", MenuEntry::LoadGrid, kAlt | 'o', Command},
   {"&File/Load &Image", MenuEntry::LoadImage, kAlt | kShift | 'o', Command},
@@ -124,9 +124,9 @@ class WindowMenuTest : public WindowTest {
 
 TEST_F(WindowMenuTest, HasTheEntriesOfTheTable) {
   const std::vector<CFound> entries = Entries();
-  ASSERT_EQ(entries.size(), std::size(kTable));
+  ASSERT_EQ(entries.size(), std::size(kEntries));
   for (std::size_t k = 0; k < entries.size(); ++k) {
-    const CExpected& row = kTable[k];
+    const CExpectedEntry& row = kEntries[k];
     const Fl_Menu_Item& item = *entries[k].m_pItem;
     EXPECT_EQ(entries[k].m_Path, row.m_pPath);
     EXPECT_EQ(item.shortcut_, row.m_iShortcut) << row.m_pPath;
@@ -138,7 +138,7 @@ TEST_F(WindowMenuTest, HasTheEntriesOfTheTable) {
 }
 
 TEST_F(WindowMenuTest, OnlyWhatNeedsAPictureStartsInactive) {
-  for (const CExpected& row : kTable) {
+  for (const CExpectedEntry& row : kEntries) {
     const bool needsPicture = row.m_Entry == MenuEntry::ImagePicture || row.m_Entry == MenuEntry::ModelTexture;
     EXPECT_EQ(Menu().IsActive(row.m_Entry), !needsPicture) << row.m_pPath;
   }
@@ -155,11 +155,11 @@ TEST_F(WindowMenuTest, WhatNobodyBringsIsInactive) {
 
 TEST_F(WindowMenuTest, ShortcutsReachTheirEntries) {
   for (const CFlag& row : kFlags) Menu().Enable(row.m_Entry, true);
-  for (const CExpected& row : kTable) {
+  for (const CExpectedEntry& row : kEntries) {
     if (row.m_iShortcut == 0 || row.m_Kind != Toggle) continue;
     const bool before = Menu().IsChecked(row.m_Entry);
     TypeShortcut(row.m_iShortcut);
-    for (const CExpected& other : kTable) {
+    for (const CExpectedEntry& other : kEntries) {
       if (other.m_Entry == row.m_Entry) {
         EXPECT_NE(Menu().IsChecked(row.m_Entry), before) << row.m_pPath;
       }
@@ -182,7 +182,7 @@ TEST_F(WindowMenuTest, ShortcutsReachTheCommands) {
 
 TEST_F(WindowMenuTest, ShortcutOfAnInactiveEntryDoesNothing) {
   m_Window.SetServices({});
-  for (const CExpected& row : kTable) Menu().Enable(row.m_Entry, row.m_Entry == MenuEntry::NewGrid);
+  for (const CExpectedEntry& row : kEntries) Menu().Enable(row.m_Entry, row.m_Entry == MenuEntry::NewGrid);
   bool asked = false;
   CWindowServices services;
   services.m_Model.m_AskNewGrid = [&asked](const CGrid&) {

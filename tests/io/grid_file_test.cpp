@@ -9,7 +9,7 @@
 
 namespace {
 
-const std::filesystem::path kGolden = RELIEVO_GOLDEN_FILES;
+const std::filesystem::path kGoldenFiles = RELIEVO_GOLDEN_FILES;
 
 /// The model of golden/small.grid: nine points.
 struct CSmallModel : CTestGrid {
@@ -30,12 +30,12 @@ struct CSmallModel : CTestGrid {
 
 TEST(GridFile, IsWrittenToTheLetter) {
   const CSmallModel model;
-  EXPECT_EQ(GridText(model.m_Grid), BytesOf(kGolden / "small.grid"));
+  EXPECT_EQ(GridText(model.m_Grid), BytesOf(kGoldenFiles / "small.grid"));
 }
 
 TEST(GridFile, GivesTheModelBack) {
   CTestGrid test(3, 1);
-  ASSERT_EQ(ReadText(test.m_Grid, BytesOf(kGolden / "small.grid")), GridFileState::Whole);
+  ASSERT_EQ(ReadText(test.m_Grid, BytesOf(kGoldenFiles / "small.grid")), GridFileState::Whole);
   EXPECT_EQ(test.m_Grid.MaxLevel(), 1);
   EXPECT_EQ(NodalHeights(test.m_Grid), (std::vector<double>{1, -2.5, 0.333333, 1e6, 1e-5, -0.125, 123456.789, 6, 7}));
   EXPECT_EQ(test.m_Grid.Surface().MaxHeight(), 1e6);
@@ -232,8 +232,8 @@ TEST(GridFile, IsTheSameUnderEveryLocale) {
   std::locale::global(before);
   EXPECT_TRUE(saved);
   EXPECT_EQ(state, GridFileState::Whole);
-  EXPECT_EQ(BytesOf(directory.Path() / "m.grid"), BytesOf(kGolden / "small.grid"));
-  EXPECT_EQ(again, BytesOf(kGolden / "small.grid"));
+  EXPECT_EQ(BytesOf(directory.Path() / "m.grid"), BytesOf(kGoldenFiles / "small.grid"));
+  EXPECT_EQ(again, BytesOf(kGoldenFiles / "small.grid"));
 }
 
 TEST(GridFileLights, AreAskedForAfterTheRestAndGoIntoTheFileOnYes) {
@@ -243,7 +243,7 @@ TEST(GridFileLights, AreAskedForAfterTheRestAndGoIntoTheFileOnYes) {
   ASSERT_TRUE(model.m_Grid.Save(directory.Path() / "m.grid", [&questions] { return ++questions == 1; }));
   EXPECT_EQ(questions, 1);
   const std::string text = BytesOf(directory.Path() / "m.grid");
-  const std::string common = Replaced(BytesOf(kGolden / "small.grid"), "\n\nE\n", "\n\nI\n");
+  const std::string common = Replaced(BytesOf(kGoldenFiles / "small.grid"), "\n\nE\n", "\n\nI\n");
   EXPECT_EQ(text.substr(0, common.size()), common);
   EXPECT_EQ(std::count(text.begin() + static_cast<std::ptrdiff_t>(common.size()), text.end(), '\n'), 10 * 5);
 }
@@ -252,7 +252,7 @@ TEST(GridFileLights, StayAsTheyAreWhenTheFileHasNone) {
   CSmallModel model;
   model.m_Grid.Relighting().RemovedLights().m_aLights[2].m_afColour = {0.25, 0.5, 0.75};
   const CLightSet before = model.m_Grid.Relighting().RemovedLights();
-  ASSERT_EQ(ReadText(model.m_Grid, BytesOf(kGolden / "small.grid")), GridFileState::Whole);
+  ASSERT_EQ(ReadText(model.m_Grid, BytesOf(kGoldenFiles / "small.grid")), GridFileState::Whole);
   EXPECT_EQ(model.m_Grid.Relighting().RemovedLights(), before);
 }
 

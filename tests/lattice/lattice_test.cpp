@@ -8,11 +8,11 @@
 namespace {
 
 // Neither square nor at the origin.
-constexpr CExtent kOblong{-40, 88, 16, 48};
+constexpr CExtent kQuarterOblong{-40, 88, 16, 48};
 
 CLattice OblongLattice(int level) {
   CLattice lattice(level);
-  lattice.SetExtent(kOblong);
+  lattice.SetExtent(kQuarterOblong);
   return lattice;
 }
 

@@ -11,7 +11,7 @@
 namespace {
 
 // Of heights in -1..1; the weights of an interpolation are rounded to multiples of 1e-10.
-constexpr double kTolerance = 1e-9;
+constexpr double kSampleError = 1e-9;
 
 class GridRebuildTest : public testing::TestWithParam<WaveletMode> {
  protected:
@@ -62,22 +62,22 @@ TEST_P(GridRebuildTest, RenumberingWhatHasNotChangedKeepsTheSurface) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Grid().BuildHNumerotation();
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 TEST_P(GridRebuildTest, ReplayingWhatHasNotChangedKeepsTheSurface) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Grid().ReplaySubdivision();
-  EXPECT_LT(DistanceFrom(before), kTolerance);
-  EXPECT_LT(LargestDifference(SurfaceOnLattice(Grid()), before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
+  EXPECT_LT(LargestDifference(SurfaceOnLattice(Grid()), before), kSampleError);
 }
 
 TEST_P(GridRebuildTest, ReplayingAgainAndAgainKeepsTheSurface) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
   for (int k = 0; k < 5; ++k) Grid().ReplaySubdivision();
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 TEST_P(GridRebuildTest, SettingUpTheSystemKeepsTheSurface) {
@@ -85,7 +85,7 @@ TEST_P(GridRebuildTest, SettingUpTheSystemKeepsTheSurface) {
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Grid().SetSparseH();
   EXPECT_EQ(Grid().IterationCounter(), 0);
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 TEST_P(GridRebuildTest, RefinementPutsNewPointsOntoTheSurface) {
@@ -98,7 +98,7 @@ TEST_P(GridRebuildTest, RefinementPutsNewPointsOntoTheSurface) {
   Saved({2, 0}).subdiv();
   Grid().ReplaySubdivision();
   EXPECT_GT(Grid().ActivePointCount(), points);
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 // The neighbours had already split some sides of the cells that are refined, with midpoints of their own height.
@@ -115,9 +115,9 @@ TEST_P(GridRebuildTest, RefinementKeepsHangingPoints) {
   Saved({3, 0}).subdiv();
   Grid().ReplaySubdivision();
   Grid().ReconstructSurface();
-  EXPECT_NEAR(HeightAt(8, 2), right, kTolerance);
-  EXPECT_NEAR(HeightAt(4, 2), inner, kTolerance);
-  EXPECT_NEAR(HeightAt(2, 8), top, kTolerance);
+  EXPECT_NEAR(HeightAt(8, 2), right, kSampleError);
+  EXPECT_NEAR(HeightAt(4, 2), inner, kSampleError);
+  EXPECT_NEAR(HeightAt(2, 8), top, kSampleError);
 }
 
 TEST_P(GridRebuildTest, NewPointOfAFlatCellIsTheMeanOfItsCorners) {
@@ -127,8 +127,8 @@ TEST_P(GridRebuildTest, NewPointOfAFlatCellIsTheMeanOfItsCorners) {
   Saved({0, 0}).subdiv();
   Grid().ReplaySubdivision();
   Grid().ReconstructSurface();
-  EXPECT_NEAR(HeightAt(2, 2), centre, kTolerance);
-  EXPECT_NEAR(HeightAt(2, 0), bottom, kTolerance);
+  EXPECT_NEAR(HeightAt(2, 2), centre, kSampleError);
+  EXPECT_NEAR(HeightAt(2, 0), bottom, kSampleError);
 }
 
 TEST_P(GridRebuildTest, CoarseningKeepsThePointsThatRemain) {
@@ -139,7 +139,7 @@ TEST_P(GridRebuildTest, CoarseningKeepsThePointsThatRemain) {
   MakeSavedLeaf(Saved({3, 1}));
   Grid().ReplaySubdivision();
   EXPECT_LT(Grid().ActivePointCount(), points);
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 TEST_P(GridRebuildTest, CoarseningToOneCellKeepsTheCorners) {
@@ -148,7 +148,7 @@ TEST_P(GridRebuildTest, CoarseningToOneCellKeepsTheCorners) {
   MakeSavedLeaf(Record().Root());
   Grid().ReplaySubdivision();
   EXPECT_EQ(Grid().ActivePointCount(), 4);
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 TEST_P(GridRebuildTest, RefiningAndCoarseningAgainKeepsThePointsThatWereThere) {
@@ -158,7 +158,7 @@ TEST_P(GridRebuildTest, RefiningAndCoarseningAgainKeepsThePointsThatWereThere) {
   Grid().ReplaySubdivision();
   MakeSavedLeaf(Saved({1}));
   Grid().ReplaySubdivision();
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 TEST_P(GridRebuildTest, ReplaysMayFollowEachOtherWithoutReconstruction) {
@@ -169,7 +169,7 @@ TEST_P(GridRebuildTest, ReplaysMayFollowEachOtherWithoutReconstruction) {
   MakeSavedLeaf(Saved({0}));
   Saved({2, 2}).subdiv();
   Grid().ReplaySubdivision();
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 // The height array belongs to the tree while it changes; what a point in use is worth is known apart from it.
@@ -178,7 +178,7 @@ TEST_P(GridRebuildTest, ReplayDoesNotTrustTheHeightArray) {
   const std::vector<double> before = SurfaceOnLattice(Grid());
   SetRandomHeights(Grid().Lattice(), 19);
   Grid().ReplaySubdivision();
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 // The split interpolates the midpoint of a side that a neighbour had split, over the height the point had.
@@ -190,7 +190,7 @@ TEST_P(GridRebuildTest, RenumberingAfterASplitKeepsThePointsThatWereThere) {
   Grid().Tree().CellAt(2, 0, 0).subdiv(true);
   Grid().BuildHNumerotation();
   Grid().ReconstructSurface();
-  EXPECT_NEAR(HeightAt(4, 2), before[Grid().Lattice().Index(4, 2)], kTolerance);
+  EXPECT_NEAR(HeightAt(4, 2), before[Grid().Lattice().Index(4, 2)], kSampleError);
 }
 
 // What refines the tree after a replay and numbers it again finds the surface as it was before the replay.
@@ -201,7 +201,7 @@ TEST_P(GridRebuildTest, PointsSplitOffAfterAReplayLieOnTheSurface) {
   MakeLeaf(Grid().Tree(), 0, 13, 9);
   MakeLeaf(Grid().Tree(), 1, 5, 0);
   Grid().BuildHNumerotation();
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 TEST_P(GridRebuildTest, ReconstructedSurfaceIsTheOneTheNextRebuildKeeps) {
@@ -210,9 +210,9 @@ TEST_P(GridRebuildTest, ReconstructedSurfaceIsTheOneTheNextRebuildKeeps) {
   SetRandomSurface(Grid(), 31);
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Grid().BuildHNumerotation();
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
   Grid().ReplaySubdivision();
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 TEST_P(GridRebuildTest, RenumberingInsideMarksKeepsTheSurface) {
@@ -222,7 +222,7 @@ TEST_P(GridRebuildTest, RenumberingInsideMarksKeepsTheSurface) {
   SetRandomSurface(Grid(), 37);
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Grid().BuildHNumerotation();
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 TEST_P(GridRebuildTest, MarksCutTheBasisAtTheNextNumbering) {
@@ -243,7 +243,7 @@ TEST_P(GridRebuildTest, ReplayForgetsMarksAndKeepsHeights) {
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Grid().ReplaySubdivision();
   EXPECT_FALSE(Grid().Tree().CellAt(2, 1, 1).Edge(kRight).HasBothMarks());
-  EXPECT_LT(DistanceFrom(before), kTolerance);
+  EXPECT_LT(DistanceFrom(before), kSampleError);
   EXPECT_LT(Grid().Surface().TestWavelets(), 1e-12);
 }
 
@@ -274,7 +274,7 @@ TEST_P(GridRebuildTest, ChangeOfModeKeepsTheSurface) {
     Grid().SetWaveletMode(mode);
     EXPECT_EQ(Grid().Surface().Mode(), mode);
     EXPECT_LT(Grid().Surface().TestWavelets(), 1e-12);
-    EXPECT_LT(DistanceFrom(before), kTolerance);
+    EXPECT_LT(DistanceFrom(before), kSampleError);
   }
 }
 

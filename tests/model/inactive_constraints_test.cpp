@@ -10,9 +10,6 @@
 
 namespace {
 
-constexpr std::uint32_t kPosition = PtCstrKind::kPosition;
-constexpr std::uint32_t kNormal = PtCstrKind::kNormal;
-
 // Cells of 4 by 1.5 model units; the tear goes along y = 23.9 from x = 1 to x = 8.
 class InactiveConstraintsTest : public testing::Test {
  protected:
@@ -54,7 +51,7 @@ TEST_F(InactiveConstraintsTest, EachReasonIsTold) {
 TEST_F(InactiveConstraintsTest, AHeightOutlivesItsSlopeAtTheBorder) {
   Rebuild({HeightAndSlopeCstr(3, 20.05, 1)});
   EXPECT_TRUE(At(0).IsActive());
-  EXPECT_EQ(At(0).m_uIdle, kNormal);
+  EXPECT_EQ(At(0).m_uIdle, PtCstrKind::kNormal);
   EXPECT_EQ(Why(0), "on the border");
 }
 
@@ -62,7 +59,7 @@ TEST_F(InactiveConstraintsTest, ATearTakesBothKinds) {
   Tear();
   Rebuild({HeightAndSlopeCstr(4, 23.9, 1)});
   EXPECT_FALSE(At(0).IsActive());
-  EXPECT_EQ(At(0).m_uIdle, kPosition | kNormal);
+  EXPECT_EQ(At(0).m_uIdle, PtCstrKind::kPosition | PtCstrKind::kNormal);
   EXPECT_EQ(Why(0), "in a tear");
 }
 
@@ -124,16 +121,17 @@ TEST_F(InactiveConstraintsTest, TheRowsAgreeWithTheJudgementOfEachAlone) {
     const double x = 4.5 + 9 * chance[k];
     const double y = 23 + 3.5 * chance[k + 1];
     records.push_back(HeightAndSlopeCstr(x, y, 0));
-    if (chance[k + 2] < 0.3) records.back().SetKind(chance[k + 2] < -0.3 ? kPosition : kNormal, false);
+    if (chance[k + 2] < 0.3)
+      records.back().SetKind(chance[k + 2] < -0.3 ? PtCstrKind::kPosition : PtCstrKind::kNormal, false);
   }
   Rebuild(records);
   std::size_t rows = 0;
   for (const CPtCstr& c : List()) {
     const std::uint32_t kinds = CConstraintRows::KindsWithRows(c, Grid().Tree(), Grid().Surface().Interpolation());
     EXPECT_EQ(kinds & c.m_uIdle, 0U);
-    EXPECT_EQ(kinds | c.m_uIdle, c.m_uKind & (kPosition | kNormal));
+    EXPECT_EQ(kinds | c.m_uIdle, c.m_uKind & (PtCstrKind::kPosition | PtCstrKind::kNormal));
     EXPECT_EQ(c.m_uIdle != 0, Grid().WhyInactive(c) != Inactivity::None);
-    rows += ((kinds & kPosition) != 0 ? 1U : 0U) + ((kinds & kNormal) != 0 ? 2U : 0U);
+    rows += ((kinds & PtCstrKind::kPosition) != 0 ? 1U : 0U) + ((kinds & PtCstrKind::kNormal) != 0 ? 2U : 0U);
   }
   EXPECT_EQ(Grid().Solver().System().Constraints().Count(), rows);
 }

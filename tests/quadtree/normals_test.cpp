@@ -19,7 +19,6 @@ void ExpectNear(const Vector3& actual, const Vector3& expected) {
   EXPECT_NEAR(actual.z, expected.z, kTolerance);
 }
 
-double& Z(CTestTree& test, int column, int row) { return test.m_Lattice.Heights()[test.m_Lattice.Index(column, row)]; }
 Vector3 PointNormal(const CTestTree& test, int column, int row) {
   return test.m_Lattice.PointNormals()[test.m_Lattice.Index(column, row)];
 }

@@ -20,7 +20,6 @@ constexpr const char* kNeverHappens = "Error CQuadT::subdiv_t\t\tThis message sh
 bool InUse(const CTestTree& test, int column, int row) {
   return test.m_Lattice.Has(test.m_Lattice.Index(column, row), PointFlag::kInUse);
 }
-double& Z(CTestTree& test, int column, int row) { return test.m_Lattice.Heights()[test.m_Lattice.Index(column, row)]; }
 
 TEST(QuadTreeSplit, ActivatesTheChildrenAndTheirCorners) {
   CTestTree test(3, 1);

@@ -12,8 +12,6 @@ namespace {
 // Coefficients are rounded to multiples of 1e-10, each by itself; heights of size 10 feel it here.
 constexpr double kRounding = 1e-8;
 
-double& Z(CTestTree& test, int column, int row) { return test.m_Lattice.Heights()[test.m_Lattice.Index(column, row)]; }
-
 TEST(HeightAt, IsThatOfThePointAtAPointInUse) {
   CTestTree test(3, 2);
   SetRandomHeights(test.m_Lattice, 2);

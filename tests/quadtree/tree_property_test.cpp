@@ -22,7 +22,7 @@ namespace {
 constexpr int kLevel = 4;
 
 // Coefficients are rounded to multiples of 1e-10, each by itself.
-constexpr double kRounding = 2e-10;
+constexpr double kNearlyNothing = 2e-10;
 // The same in a height made of heights up to 50.
 constexpr double kHeightRounding = 1e-8;
 
@@ -159,7 +159,7 @@ RC_GTEST_PROP(TreeProperty, StencilWeightsLieInZeroToOneAndSumToOne, ()) {
     }
   }
   const double sum = std::accumulate(stencil.m_afCoefs.begin(), stencil.m_afCoefs.end(), 0.0);
-  RC_ASSERT(std::abs(sum - 1) < kRounding);
+  RC_ASSERT(std::abs(sum - 1) < kNearlyNothing);
 }
 
 RC_GTEST_PROP(TreeProperty, StencilShortFormAndHeightAgree, ()) {

@@ -20,14 +20,14 @@ namespace {
 
 using Values = std::vector<double>;
 
-// Of values in -1..1 that pass through at most kLevel levels of prediction.
+// Of values in -1..1 that pass through at most kBasisLevel levels of prediction.
 constexpr double kTolerance = 1e-12;
-constexpr int kLevel = 4;
+constexpr int kBasisLevel = 4;
 
 // A tree after random changes and marks, numbered, with the transforms compiled for a random mode.
 struct CRandomBasis : CTestTree {
   explicit CRandomBasis(std::vector<WaveletMode> modes = {kAllModes.begin(), kAllModes.end()})
-      : CTestTree(kLevel, *rc::gen::inRange(0, kLevel + 1)), m_Mode(*rc::gen::elementOf(modes)) {
+      : CTestTree(kBasisLevel, *rc::gen::inRange(0, kBasisLevel + 1)), m_Mode(*rc::gen::elementOf(modes)) {
     ApplyAll(m_Tree, *GenTreeOps());
     Compile();
   }
@@ -168,25 +168,25 @@ RC_GTEST_PROP(BasisProperty, PlaneHasCoefficientsAtTheCornersOnlyInSimpleMode, (
 
 // Cells one step wide that form a closed ring, two cells thick, round the middle of the lattice.
 bool IsInRing(int i, int j) {
-  const int half = 1 << (kLevel - 1);
+  const int half = 1 << (kBasisLevel - 1);
   const int distance = std::max(i >= half ? i - half : half - 1 - i, j >= half ? j - half : half - 1 - j);
   return distance == 3 || distance == 4;
 }
 
 bool IsInsideRing(int column, int row) {
-  const int half = 1 << (kLevel - 1);
+  const int half = 1 << (kBasisLevel - 1);
   return std::max(std::abs(column - half), std::abs(row - half)) <= 3;
 }
 
 bool IsOutsideRing(int column, int row) {
-  const int half = 1 << (kLevel - 1);
+  const int half = 1 << (kBasisLevel - 1);
   return std::max(std::abs(column - half), std::abs(row - half)) >= 5;
 }
 
 // Random subdivision inside and outside of a ring that lies wholly in a discontinuity.
 void MarkRing(CRandomBasis& basis) {
-  for (int j = 0; j < 1 << kLevel; ++j) {
-    for (int i = 0; i < 1 << kLevel; ++i) {
+  for (int j = 0; j < 1 << kBasisLevel; ++j) {
+    for (int i = 0; i < 1 << kBasisLevel; ++i) {
       if (IsInRing(i, j)) MakeLeaf(basis.m_Tree, 0, i, j, CellFlag::kTriangles);
     }
   }
@@ -229,7 +229,7 @@ RC_GTEST_PROP(BasisProperty, NoPredictionReachesIntoAClosedDiscontinuity, ()) {
 }
 
 RC_GTEST_PROP(GridProperty, RebuildKeepsTheSurfaceAtEveryPointInUse, ()) {
-  CTestGrid test(kLevel, *rc::gen::inRange(0, kLevel + 1));
+  CTestGrid test(kBasisLevel, *rc::gen::inRange(0, kBasisLevel + 1));
   CGrid& grid = test.m_Grid;
   grid.SetWaveletMode(*rc::gen::elementOf(kAllModes));
   for (int change = 0; change < 2; ++change) {

@@ -24,7 +24,7 @@ namespace {
 using Matrix = Eigen::MatrixXd;
 using Values = std::vector<double>;
 
-constexpr int kLevel = 4;
+constexpr int kSystemLevel = 4;
 
 // A tree with a system over it.
 struct CSystemTree : CTestTree {
@@ -74,7 +74,7 @@ struct CSystemTree : CTestTree {
 
 struct CRandomSystem : CSystemTree {
   CRandomSystem()
-      : CSystemTree(kLevel, *rc::gen::inRange(0, kLevel + 1),
+      : CSystemTree(kSystemLevel, *rc::gen::inRange(0, kSystemLevel + 1),
                     *rc::gen::elementOf(std::vector(kAllModes.begin(), kAllModes.end()))) {
     ApplyAll(m_Tree, *GenTreeOps());
     for (int count = *rc::gen::inRange(0, 8); count > 0; --count) {

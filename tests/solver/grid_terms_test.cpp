@@ -231,7 +231,7 @@ TEST(GridTermsTest, TermsAreAddedToThoseThatAreThere) {
   EXPECT_LT(Largest(Dense(rows, tree.m_Order.Count()) - wanted), 1e-12);
 }
 
-constexpr int kLevel = 4;
+constexpr int kTermsLevel = 4;
 
 CExtent GenExtent() {
   const double x0 = *rc::gen::inRange(-200, 200) / 8.0;
@@ -241,7 +241,7 @@ CExtent GenExtent() {
 
 // Refined and coarsened at random, without marks.
 struct CRandomTree : CEnergyTree {
-  explicit CRandomTree(int level = kLevel) : CEnergyTree(level, *rc::gen::inRange(0, level + 1), GenExtent()) {
+  explicit CRandomTree(int level = kTermsLevel) : CEnergyTree(level, *rc::gen::inRange(0, level + 1), GenExtent()) {
     for (CTreeOp op : *GenTreeOps()) {
       if (op.m_Kind == Kind::kMark) op.m_Kind = Kind::kMakeLeaf;
       Apply(m_Tree, op);
@@ -251,7 +251,7 @@ struct CRandomTree : CEnergyTree {
 
 // The same with marks and creases.
 struct CRandomMarkedTree : CEnergyTree {
-  CRandomMarkedTree() : CEnergyTree(kLevel, *rc::gen::inRange(0, kLevel + 1), GenExtent()) {
+  CRandomMarkedTree() : CEnergyTree(kTermsLevel, *rc::gen::inRange(0, kTermsLevel + 1), GenExtent()) {
     ApplyAll(m_Tree, *GenTreeOps());
     for (const std::size_t point : *rc::gen::container<std::vector<std::size_t>>(
              *rc::gen::inRange<std::size_t>(0, 30), rc::gen::inRange<std::size_t>(0, m_Lattice.PointCount())))
@@ -278,7 +278,7 @@ RC_GTEST_PROP(GridTermsProperty, SmoothnessWeightsFollowFromTheLeaves, ()) {
   const auto weights = tree.m_Lattice.Smoothness();
   RC_ASSERT(LargestDifference(weights, direct.Areas()) <= 1e-12);
   RC_ASSERT(std::abs(Eigen::Map<const Vector>(weights.data(), static_cast<Eigen::Index>(weights.size())).sum() -
-                     (1 << 2 * kLevel)) <= 1e-9);
+                     (1 << 2 * kTermsLevel)) <= 1e-9);
 }
 
 RC_GTEST_PROP(GridTermsProperty, MatrixIsExactlySymmetric, ()) {

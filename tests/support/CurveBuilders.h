@@ -10,6 +10,10 @@
 #include "constraints/CCntrCtrlList.h"
 #include "constraints/CPtCstrList.h"
 
+inline constexpr std::uint32_t kTear = CurveType::kPosition;
+inline constexpr std::uint32_t kCrease = CurveType::kNormal;
+inline constexpr std::uint32_t kFair = CurveType::kFairness;
+
 /// A place of the picture, model units, as clicks leave it.
 inline CPtCstr PlaceAt(double x, double y) {
   CPtCstr place;

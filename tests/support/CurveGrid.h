@@ -7,8 +7,6 @@
 #include "support/CurveBuilders.h"
 #include "support/UpdateBuilders.h"
 
-inline constexpr std::uint32_t kTear = CurveType::kPosition;
-inline constexpr std::uint32_t kCrease = CurveType::kNormal;
 inline const CPlaces kPath{{0, 21}, {4, 22}, {8, 24}};
 
 /// A grid with a host, to be given curves: over -3.5..12.5 by 20..26 in steps of 1 by 0.375.

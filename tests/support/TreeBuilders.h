@@ -43,6 +43,11 @@ struct CTestTree {
   CInterpolation m_Surface{m_Tree, m_Order};
 };
 
+/// The height of the lattice at a column and a row.
+inline double& Z(CTestTree& test, int column, int row) {
+  return test.m_Lattice.Heights()[test.m_Lattice.Index(column, row)];
+}
+
 // Height fields, functions of x and y in model units.
 
 struct CFlat {

@@ -7,9 +7,6 @@
 #include "support/CurveBuilders.h"
 #include "support/gui/ImageViewTest.h"
 
-inline constexpr std::uint32_t kTear = CurveType::kPosition;
-inline constexpr std::uint32_t kCrease = CurveType::kNormal;
-inline constexpr std::uint32_t kFair = CurveType::kFairness;
 inline const std::string kPushLine = "CImageView::HandleCurveCstr\t\t\tFL_PUSH\n";
 
 /// The image view in curve mode.

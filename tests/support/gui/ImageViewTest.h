@@ -13,6 +13,10 @@
 #include "ui/imageview/CImageView.h"
 #include "ui/seams/ViewHost.h"
 
+inline constexpr int kLeftButton = FL_LEFT_MOUSE;
+inline constexpr int kMiddleButton = FL_MIDDLE_MOUSE;
+inline constexpr int kRightButton = FL_RIGHT_MOUSE;
+
 /// Remembers what a view asked of the window around it.
 class CRecordingViewHost : public ViewHost {
  public:
