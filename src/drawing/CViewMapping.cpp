@@ -43,12 +43,6 @@ CPlanePoint CViewMapping::ToModel(double x, double y) const { return ToModelPann
 
 CPlanePoint CViewMapping::ToModelUnpanned(double x, double y) const { return ToModelPanned(x, y, {}); }
 
-CPlanePoint CViewMapping::ToPixel(const CPlanePoint& place) const {
-  const CExtent shown = Visible();
-  return {(place.x - shown.x0) / (shown.x1 - shown.x0) * m_iWidth - 0.5,
-          (shown.y1 - place.y) / (shown.y1 - shown.y0) * m_iHeight - 0.5};
-}
-
 CPlanePoint CViewMapping::Clamped(const CPlanePoint& place) const {
   return {ClampedTo(place.x, m_Extent.x0, m_Extent.x1), ClampedTo(place.y, m_Extent.y0, m_Extent.y1)};
 }

@@ -21,8 +21,6 @@ class CViewMapping {
   CPlanePoint ToModel(double x, double y) const;
   /// The same without the pan.
   CPlanePoint ToModelUnpanned(double x, double y) const;
-  /// The opposite of `ToModel`.
-  CPlanePoint ToPixel(const CPlanePoint& place) const;
   /// The nearest place where a constraint may lie: off the border by 0.1, or a tenth of a small extent.
   CPlanePoint Clamped(const CPlanePoint& place) const;
   /// Whether the place lies in the picture, which covers the whole extent, its border included.
@@ -33,7 +31,6 @@ class CViewMapping {
   static void Zoom(int dx, int dy);
   /// Moves the pan.
   void Pan(double dx, double dy);
-  const CPlanePoint& PanNow() const { return m_Pan; }
   /// Zoom and pan as at the start.
   void Reset();
 

@@ -55,7 +55,6 @@ class CGridCommands {
 
   void AttachGrid(CGrid& grid) { m_pGrid = &grid; }
   void SetServices(CModelServices services) { m_Services = std::move(services); }
-  const CModelServices& Services() const { return m_Services; }
 
   /// Performs Operation::kNewGrid, kLoadGrid, kLoadImage or that of a format as soon as no step of the solver is under
   /// way.

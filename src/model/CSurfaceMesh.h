@@ -42,8 +42,6 @@ class CSurfaceMesh {
 
   /// The triangles in no tear, leaf by leaf: three vertices each, counter-clockwise as seen from +z, the centre last.
   std::span<const std::uint32_t> Triangles() const { return m_auTriangles; }
-  /// Number of triangles in a tear.
-  std::size_t TornCount() const { return m_aTorn.size(); }
   /// Calls `visit(a, b, centre, torn)` for every triangle, torn or not: leaf by leaf, within a leaf counter-clockwise
   /// from its lower left corner.
   template <typename Visit>

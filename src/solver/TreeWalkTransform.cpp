@@ -49,14 +49,3 @@ void WalkW(CQuadTree& tree, WaveletMode mode, std::span<const double> heights, s
   };
   Walk(tree.Root(), edge, centre);
 }
-
-void WalkInvW(CQuadTree& tree, WaveletMode mode, std::span<double> values) {
-  if (mode == WaveletMode::None) return;
-  CLattice& lattice = tree.Lattice();
-  lattice.ClearAll(PointFlag::kComputed);
-  auto edge = [&](const CEdge& e) { e.ComputeEdgeIfNeeded(values, lattice, mode); };
-  auto centre = [&](const CQuadT& cell) {
-    values[lattice.Index(cell.XMid(), cell.YMid())] += MeanOfJoinedSides(cell, lattice, mode, values);
-  };
-  Walk(tree.Root(), edge, centre);
-}

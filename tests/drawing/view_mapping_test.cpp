@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "drawing/CViewMapping.h"
 #include "model/Globals.h"
+#include "support/MappingBuilders.h"
 #include "support/TreeBuilders.h"
 #include "support/UpdateBuilders.h"
 
@@ -53,7 +53,7 @@ TEST_F(ViewMappingTest, ZoomAndPanGoIntoTheMapping) {
 TEST_F(ViewMappingTest, ToPixelIsTheOpposite) {
   g_fZoom = 1.7;
   m_Mapping.Pan(0.3, 0.4);
-  ExpectPlace(m_Mapping.ToPixel(m_Mapping.ToModel(37, 251)), 37, 251);
+  ExpectPlace(ToPixel(m_Mapping, 400, 300, m_Mapping.ToModel(37, 251)), 37, 251);
 }
 
 TEST_F(ViewMappingTest, ZoomFollowsTheMovementWithinItsLimit) {
@@ -93,7 +93,7 @@ TEST_F(ViewMappingTest, ResetUndoesZoomAndPan) {
   m_Mapping.Pan(5, 6);
   m_Mapping.Reset();
   EXPECT_EQ(g_fZoom, 1.0);
-  EXPECT_EQ(m_Mapping.PanNow(), (CPlanePoint{0, 0}));
+  EXPECT_EQ(PanOf(m_Mapping), (CPlanePoint{0, 0}));
 }
 
 TEST_F(ViewMappingTest, PlacesAreHeldOffTheBorder) {

@@ -3,8 +3,8 @@
 #include <array>
 #include <cstddef>
 
+#include "support/LayoutBuilders.h"
 #include "support/gui/WindowTest.h"
-#include "ui/window/WindowLayout.h"
 
 namespace {
 

@@ -15,6 +15,7 @@
 #include "support/GridBuilders.h"
 #include "support/TreeBuilders.h"
 #include "support/TreeGenerators.h"
+#include "support/TreeWalk.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include "solver/TreeWalkTransform.h"
 #include "support/GridBuilders.h"
 #include "support/TreeBuilders.h"
+#include "support/TreeWalk.h"
 
 namespace {
 

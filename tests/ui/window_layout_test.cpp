@@ -4,7 +4,7 @@
 #include <rapidcheck/gtest.h>
 
 #include "support/ConsoleCapture.h"
-#include "ui/window/WindowLayout.h"
+#include "support/LayoutBuilders.h"
 
 namespace {
 

@@ -32,8 +32,6 @@ class CHelpAware : public Button {
     }
   }
 
-  int Help() const { return m_iHelp; }
-
  private:
   int m_iHelp;
   CHelpLine* m_pHelpLine;

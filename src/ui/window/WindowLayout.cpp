@@ -143,10 +143,6 @@ CWindowLayout CLayouter::Layout() const {
 
 CWindowLayout ComputeLayout(const CLayoutOptions& options) { return CLayouter(options).Layout(); }
 
-int FittingHeight(const CLayoutOptions& options) {
-  return Rounded(kViewTop * options.m_fScale) + Rounded(DesignHeightBelowViews(options) * options.m_fScale);
-}
-
 CThreeParts SplitInThree(int length, float f1, float f2) {
   const std::array<double, 3> fractions{f1, f2, 1.0 - f1 - f2};
   CThreeParts parts{};

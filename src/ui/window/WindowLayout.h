@@ -30,9 +30,6 @@ struct CWindowLayout {
 /// lies lowest is cut off.
 CWindowLayout ComputeLayout(const CLayoutOptions& options);
 
-/// The least height at which nothing is cut off.
-int FittingHeight(const CLayoutOptions& options);
-
 using CThreeParts = std::array<int, 3>;
 
 /// Divides a length into three whole parts by the fractions f1, f2 and 1 - f1 - f2.
