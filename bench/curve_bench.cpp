@@ -28,7 +28,7 @@ std::vector<CPtCstr> Zigzag(int which, std::mt19937& engine) {
 void AddCurves(CGrid& grid) {
   std::mt19937 engine(7);
   for (int k = 0; k < kCurves; ++k) {
-    const std::uint32_t type = 1U << (k % 3);
+    const auto type = static_cast<CurveType>(1U << (k % 3));
     grid.AddCurve(Zigzag(k, engine), type, false);
     CCntrCtrl& curve = grid.Curves().back();
     curve.SetAllWeights(1, 1, 0, 0);

@@ -39,7 +39,7 @@ void ReportCosts() {
       grid.ReconstructSurface();
       grid.RefreshNormalCstrHeights();
     });
-    const auto rebuild = [&](int operation) {
+    const auto rebuild = [&](Operation operation) {
       return SecondsPerCall(2, [&] {
         grid.Post(operation);
         grid.PerformPendingWork();

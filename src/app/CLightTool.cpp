@@ -29,7 +29,7 @@ CLightTool::CLightTool(CImageViewUI& window, CGrid& grid)
 
 void CLightTool::PictureLoaded() {
   // The computed images of the former picture have gone.
-  ShowTexture(TextureMode::Original);
+  ShowTexture(CTextureImages::kPhotograph);
   m_Panel.Refresh();
 }
 
@@ -82,21 +82,11 @@ void CLightTool::UpdateKd() { Relight(); }
 
 bool CLightTool::HasKd() const { return m_Grid.Relighting().Albedo().IsComputed(); }
 
-// The model view numbers the textures in another order than the panel.
-TextureMode CLightTool::ShownTexture() const {
-  switch (m_Window.GridView().DrawTexture()) {
-    case DrawnTexture::kKd:
-      return TextureMode::Kd;
-    case DrawnTexture::kIllumination:
-      return TextureMode::NewIllumination;
-    default:
-      return TextureMode::Original;
-  }
+CTextureImages::Which CLightTool::ShownTexture() const {
+  return DrawnTexture::ImageOf(m_Window.GridView().DrawTexture()).value_or(CTextureImages::kPhotograph);
 }
 
-void CLightTool::ShowTexture(TextureMode mode) {
-  m_Window.GridView().SetDrawTexture(mode == TextureMode::Kd                ? DrawnTexture::kKd
-                                     : mode == TextureMode::NewIllumination ? DrawnTexture::kIllumination
-                                                                            : DrawnTexture::kPhotograph);
+void CLightTool::ShowTexture(CTextureImages::Which image) {
+  m_Window.GridView().SetDrawTexture(DrawnTexture::NumberOf(image));
   m_Window.RequestRedraw();
 }

@@ -34,8 +34,8 @@ class CLightTool : public ToolWindow, private LightingCommands {
   void UpdateTexelInterpolation() override;
   void UpdateKd() override;
   bool HasKd() const override;
-  TextureMode ShownTexture() const override;
-  void ShowTexture(TextureMode mode) override;
+  CTextureImages::Which ShownTexture() const override;
+  void ShowTexture(CTextureImages::Which image) override;
 
   void Relight();
   void RelightWhenDue();

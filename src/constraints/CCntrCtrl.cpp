@@ -27,12 +27,18 @@ double DistanceToLine(const CPlace& p, const CPlace& a, const CPlace& b) {
   return std::abs((b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x)) / length;
 }
 
+// Counted through the whole process, so that a curve of a file just read is never taken for one that it has replaced.
+CurveId NextId() {
+  static std::uint64_t last = 0;
+  return static_cast<CurveId>(++last);
+}
+
 }  // namespace
 
-CCntrCtrl::CCntrCtrl() { Console() << "CCntrCtrl creation\n"; }
+CCntrCtrl::CCntrCtrl() : m_Id(NextId()) { Console() << "CCntrCtrl creation\n"; }
 
 bool CCntrCtrl::operator==(const CCntrCtrl& other) const {
-  return m_bClosed == other.m_bClosed && m_aNodes == other.m_aNodes && m_uType == other.m_uType &&
+  return m_bClosed == other.m_bClosed && m_aNodes == other.m_aNodes && m_Type == other.m_Type &&
          m_uOptions == other.m_uOptions && m_aAutoBumps == other.m_aAutoBumps;
 }
 
@@ -49,10 +55,15 @@ void CCntrCtrl::SetAllWeights(double leftCurvature, double leftTorsion, double r
   for (CCntrNode& node : m_aNodes) node.m_Weights = {leftCurvature, rightCurvature, leftTorsion, rightTorsion};
 }
 
-CCntrNode* CCntrCtrl::FindNode(double x, double y, double reach) {
+const CCntrNode* CCntrCtrl::FindNode(double x, double y, double reach) const {
   const auto found =
       std::ranges::find_if(m_aNodes, [=](const CCntrNode& node) { return node.IsWithinReach(x, y, reach); });
   return found == m_aNodes.end() ? nullptr : &*found;
+}
+
+std::size_t CCntrCtrl::NumberOf(const CCntrNode& node) const {
+  const auto found = std::ranges::find_if(m_aNodes, [&node](const CCntrNode& other) { return &other == &node; });
+  return static_cast<std::size_t>(std::distance(m_aNodes.begin(), found));
 }
 
 void CCntrCtrl::RemoveBetween(CNodes::iterator a, CNodes::iterator b) {
@@ -100,7 +111,7 @@ void CCntrCtrl::Write(std::ostream& out, double tolerance) const {
   const CAutoBump& left = AutoBump(CurveSide::Left);
   const CAutoBump& right = AutoBump(CurveSide::Right);
   out << '\n'
-      << m_uType << '\n'
+      << static_cast<std::uint32_t>(m_Type) << '\n'
       << m_uOptions << '\n'
       << left.m_fOrientation << '\n'
       << right.m_fOrientation << '\n'
@@ -123,7 +134,9 @@ void CCntrCtrl::Read(std::istream& in) {
   }
   CAutoBump left;
   CAutoBump right;
-  in >> m_uType >> m_uOptions >> left.m_fOrientation >> right.m_fOrientation >> left.m_fDistance >> right.m_fDistance;
+  auto type = static_cast<std::uint32_t>(m_Type);
+  in >> type >> m_uOptions >> left.m_fOrientation >> right.m_fOrientation >> left.m_fDistance >> right.m_fDistance;
+  m_Type = static_cast<CurveType>(type);
   SetOrientation(CurveSide::Left, left.m_fOrientation);
   SetOrientation(CurveSide::Right, right.m_fOrientation);
   SetDistance(CurveSide::Left, left.m_fDistance);

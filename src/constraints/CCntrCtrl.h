@@ -13,13 +13,25 @@
 class CLattice;
 class CPtCstrList;
 
-/// What a curve does to the surface: the bits of its type word, one of which is set.
-namespace CurveType {
-inline constexpr std::uint32_t kPosition = 1;  ///< position discontinuity: the surface tears along it
-inline constexpr std::uint32_t kNormal = 2;    ///< normal discontinuity: the surface creases along it
-inline constexpr std::uint32_t kFairness = 4;  ///< the surface is smoothed along it
-inline constexpr std::uint32_t kAll = 7;
-}  // namespace CurveType
+/// What a curve does to the surface: the bits of its type word, one of which is set. Several make a mask, and a file
+/// may hold any number.
+enum class CurveType : std::uint32_t {
+  kNone = 0,
+  kPosition = 1,  ///< position discontinuity: the surface tears along it
+  kNormal = 2,    ///< normal discontinuity: the surface creases along it
+  kFairness = 4,  ///< the surface is smoothed along it
+  kAll = 7,
+};
+
+constexpr CurveType operator|(CurveType a, CurveType b) {
+  return static_cast<CurveType>(static_cast<std::uint32_t>(a) | static_cast<std::uint32_t>(b));
+}
+constexpr CurveType operator&(CurveType a, CurveType b) {
+  return static_cast<CurveType>(static_cast<std::uint32_t>(a) & static_cast<std::uint32_t>(b));
+}
+
+/// Names a curve for the length of the run, whatever is added, deleted or moved meanwhile.
+enum class CurveId : std::uint64_t { kNone = 0 };
 
 /// Option bits of a curve.
 namespace CurveOption {
@@ -83,15 +95,17 @@ class CCntrCtrl {
   /// Whether both are the same to the user: apart from the state.
   bool operator==(const CCntrCtrl& other) const;
 
+  /// Another one for each curve that is created.
+  CurveId Id() const { return m_Id; }
   /// Nodes in drawing order.
   CNodes& Nodes() { return m_aNodes; }
   const CNodes& Nodes() const { return m_aNodes; }
   /// Whether the last node connects back to the first.
   bool IsClosed() const { return m_bClosed; }
   void SetClosed(bool closed) { m_bClosed = closed; }
-  std::uint32_t Type() const { return m_uType; }
-  void SetType(std::uint32_t type) { m_uType = type; }
-  bool HasType(std::uint32_t mask) const { return (m_uType & mask) != 0; }
+  CurveType Type() const { return m_Type; }
+  void SetType(CurveType type) { m_Type = type; }
+  bool HasType(CurveType mask) const { return (m_Type & mask) != CurveType::kNone; }
   /// PtCstrState bits: a node of the curve is under the cursor, the curve is selected.
   bool HasState(std::uint32_t mask) const { return (m_uState & mask) != 0; }
   void SetState(std::uint32_t mask, bool on) { m_uState = on ? m_uState | mask : m_uState & ~mask; }
@@ -106,7 +120,9 @@ class CCntrCtrl {
   void SetAllWeights(double leftCurvature, double leftTorsion, double rightCurvature, double rightTorsion);
 
   /// The first node within `reach` of (x, y) (see CPtCstr::IsWithinReach); null if there is none.
-  CCntrNode* FindNode(double x, double y, double reach);
+  const CCntrNode* FindNode(double x, double y, double reach) const;
+  /// The number of a node of this curve in drawing order, from 0.
+  std::size_t NumberOf(const CCntrNode& node) const;
   /// Calls `visit(a, b)` for each segment, in drawing order, that from the last node to the first of a closed curve
   /// included. Nothing for fewer than two nodes.
   template <typename Visit>
@@ -146,9 +162,10 @@ class CCntrCtrl {
   void AddAutoBumpConstraintsRight(CPtCstrList& target, const std::function<void(double, double)>& refine) const;
   void AddAutoBumpSide(CurveSide side, CPtCstrList& target, const std::function<void(double, double)>& refine) const;
 
+  CurveId m_Id;
   bool m_bClosed = false;
   CNodes m_aNodes;
-  std::uint32_t m_uType = 0;
+  CurveType m_Type = CurveType::kNone;
   std::uint32_t m_uState = 0;
   std::uint32_t m_uOptions = 0;
   std::array<CAutoBump, 2> m_aAutoBumps;  ///< by side

@@ -10,7 +10,7 @@ constexpr auto kIsSelected = [](const auto& record) { return record.HasState(PtC
 
 }  // namespace
 
-CCntrCtrl& CCntrCtrlList::Add(std::span<const CPtCstr> points, std::uint32_t type, bool closed) {
+CCntrCtrl& CCntrCtrlList::Add(std::span<const CPtCstr> points, CurveType type, bool closed) {
   CCntrCtrl& curve = Add();
   curve.SetClosed(closed && points.size() >= 3);
   curve.SetType(type);
@@ -26,7 +26,7 @@ void CCntrCtrlList::RemoveDegenerate() {
   m_aCurves.remove_if([](const CCntrCtrl& curve) { return curve.Nodes().size() < 2; });
 }
 
-bool CCntrCtrlList::Highlight(double x, double y, std::uint32_t mask, double reach) {
+bool CCntrCtrlList::Highlight(double x, double y, CurveType mask, double reach) {
   bool any = false;
   for (CCntrCtrl& curve : m_aCurves) {
     bool onCurve = false;
@@ -41,7 +41,7 @@ bool CCntrCtrlList::Highlight(double x, double y, std::uint32_t mask, double rea
   return any;
 }
 
-CCntrCtrl* CCntrCtrlList::Pick(double x, double y, std::uint32_t mask, double reach) {
+CCntrCtrl* CCntrCtrlList::Pick(double x, double y, CurveType mask, double reach) {
   CSelectionStepper<CCntrNode> nodes;
   CSelectionStepper<CCntrCtrl> curves;
   for (CCntrCtrl& curve : m_aCurves) {
@@ -56,11 +56,21 @@ CCntrCtrl* CCntrCtrlList::Pick(double x, double y, std::uint32_t mask, double re
   return curves.Chosen();
 }
 
-CCntrCtrlList::CHit CCntrCtrlList::Find(double x, double y, double reach) {
-  for (CCntrCtrl& curve : m_aCurves) {
-    if (CCntrNode* node = curve.FindNode(x, y, reach); node != nullptr) return {&curve, node};
+CCntrCtrlList::CHit CCntrCtrlList::Find(double x, double y, double reach) const {
+  for (const CCntrCtrl& curve : m_aCurves) {
+    if (const CCntrNode* node = curve.FindNode(x, y, reach); node != nullptr) return {&curve, node};
   }
   return {};
+}
+
+CCntrCtrl* CCntrCtrlList::Find(CurveId id) {
+  const auto found = std::ranges::find(m_aCurves, id, &CCntrCtrl::Id);
+  return found == m_aCurves.end() ? nullptr : &*found;
+}
+
+const CCntrCtrl* CCntrCtrlList::Find(CurveId id) const {
+  const auto found = std::ranges::find(m_aCurves, id, &CCntrCtrl::Id);
+  return found == m_aCurves.end() ? nullptr : &*found;
 }
 
 CCntrCtrl* CCntrCtrlList::FirstSelected() {
@@ -68,7 +78,7 @@ CCntrCtrl* CCntrCtrlList::FirstSelected() {
   return found == m_aCurves.end() ? nullptr : &*found;
 }
 
-void CCntrCtrlList::MoveSelected(double dx, double dy, std::uint32_t mask) {
+void CCntrCtrlList::MoveSelected(double dx, double dy, CurveType mask) {
   for (CCntrCtrl& curve : m_aCurves) {
     if (!curve.HasType(mask)) continue;
     for (CCntrNode& node : curve.Nodes()) {
@@ -91,7 +101,7 @@ void CCntrCtrlList::DeleteSelected() {
   if (selected != m_aCurves.end()) m_aCurves.erase(selected);
 }
 
-void CCntrCtrlList::Unselect(std::uint32_t mask) {
+void CCntrCtrlList::Unselect(CurveType mask) {
   for (CCntrCtrl& curve : m_aCurves) {
     curve.SetState(PtCstrState::kSelected, false);
     if (!curve.HasType(mask)) continue;

@@ -18,8 +18,8 @@ class CCntrCtrlList {
 
   /// A node of a curve; both null where nothing was hit.
   struct CHit {
-    CCntrCtrl* m_pCurve = nullptr;
-    CCntrNode* m_pNode = nullptr;
+    const CCntrCtrl* m_pCurve = nullptr;
+    const CCntrNode* m_pNode = nullptr;
   };
 
   iterator begin() { return m_aCurves.begin(); }
@@ -35,28 +35,31 @@ class CCntrCtrlList {
   CCntrCtrl& Add() { return m_aCurves.emplace_back(); }
   /// Appends a curve through copies of the points, without state and with all weights 0. Fewer than three points make
   /// an open curve.
-  CCntrCtrl& Add(std::span<const CPtCstr> points, std::uint32_t type, bool closed);
+  CCntrCtrl& Add(std::span<const CPtCstr> points, CurveType type, bool closed);
   /// Deletes the curves of fewer than two nodes, which have no segment.
   void RemoveDegenerate();
 
   /// Sets the highlight bit of every node within reach, on curves of the type, and of every curve that has such a node;
   /// clears it on all others. Whether any was set.
-  bool Highlight(double x, double y, std::uint32_t mask, double reach);
+  bool Highlight(double x, double y, CurveType mask, double reach);
   /// Click selection by the rule of CSelectionStepper, at two levels: over the nodes within reach of all curves of the
   /// type, and over those curves that have one. Everything else is unselected. The curve selected, or null.
-  CCntrCtrl* Pick(double x, double y, std::uint32_t mask, double reach);
+  CCntrCtrl* Pick(double x, double y, CurveType mask, double reach);
   /// The first node within reach on the first curve that has one.
-  CHit Find(double x, double y, double reach);
+  CHit Find(double x, double y, double reach) const;
+  /// The curve of that name; null if there is none any more.
+  CCntrCtrl* Find(CurveId id);
+  const CCntrCtrl* Find(CurveId id) const;
   /// The first selected curve; null if there is none.
   CCntrCtrl* FirstSelected();
   /// Moves every selected node of every curve of the type.
-  void MoveSelected(double dx, double dy, std::uint32_t mask);
+  void MoveSelected(double dx, double dy, CurveType mask);
   /// Deletes the first selected node of every curve.
   void DeleteSelectedNodes();
   /// Deletes the first selected curve.
   void DeleteSelected();
   /// Unselects the nodes of the curves of the type, and every curve.
-  void Unselect(std::uint32_t mask);
+  void Unselect(CurveType mask);
 
   /// The same curves in the same order (see CCntrCtrl).
   bool operator==(const CCntrCtrlList&) const = default;

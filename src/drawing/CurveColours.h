@@ -1,12 +1,10 @@
 #pragma once
 
-#include <cstdint>
-
 #include "constraints/CCntrCtrl.h"
 #include "drawing/DrawingSettings.h"
 
 /// Colour of a curve by its type, in both views. White for a type that is none.
-inline const CColour& CurveColour(std::uint32_t type) {
+inline const CColour& CurveColour(CurveType type) {
   static constexpr CColour kTear{1, 0, 0.75};
   static constexpr CColour kCrease{1, 0.5, 0};
   static constexpr CColour kFairness{0.25, 0.75, 1};

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+
+#include "lighting/CTextureImages.h"
 
 /// Bits of the image view's display-flag word: what is drawn over the picture.
 namespace ImageFlag {
@@ -41,11 +44,36 @@ inline constexpr std::uint32_t kPointNormals = 0x20000;
 inline constexpr std::uint32_t kTexelNormals = 0x40000;
 }  // namespace ModelFlag
 
-/// The image that the model view lays over the surface.
+/// The numbers by which the model view knows the image that it lays over the surface.
 namespace DrawnTexture {
 inline constexpr int kKd = 1;
 inline constexpr int kIllumination = 2;
 inline constexpr int kPhotograph = 3;
+
+constexpr int NumberOf(CTextureImages::Which image) {
+  switch (image) {
+    case CTextureImages::kKd:
+      return kKd;
+    case CTextureImages::kIllumination:
+      return kIllumination;
+    default:
+      return kPhotograph;
+  }
+}
+
+/// Nothing for another number.
+constexpr std::optional<CTextureImages::Which> ImageOf(int number) {
+  switch (number) {
+    case kKd:
+      return CTextureImages::kKd;
+    case kIllumination:
+      return CTextureImages::kIllumination;
+    case kPhotograph:
+      return CTextureImages::kPhotograph;
+    default:
+      return std::nullopt;
+  }
+}
 }  // namespace DrawnTexture
 
 /// What the mouse edits in the image view. Before a mode is chosen it is `Unset`.

@@ -91,18 +91,10 @@ void SetTextureMatrix(const CExtent& extent, const CTextureImages& images) {
 void EnableTexture(const CGrid& grid, CTextures& textures, int drawTexture) {
   const CTextureImages& images = grid.Relighting().Textures();
   if (!images.HasPicture()) return;
-  switch (drawTexture) {
-    case DrawnTexture::kKd:
-      textures.Bind(images, CTextureImages::kKd);
-      break;
-    case DrawnTexture::kIllumination:
-      textures.Bind(images, CTextureImages::kIllumination);
-      break;
-    case DrawnTexture::kPhotograph:
-      textures.Bind(images, CTextureImages::kPhotograph);
-      break;
-    default:
-      Console() << "CGrid::DrawTexturedModel\t\t\tInvalid m_iDrawTexture\n";
+  if (const auto image = DrawnTexture::ImageOf(drawTexture)) {
+    textures.Bind(images, *image);
+  } else {
+    Console() << "CGrid::DrawTexturedModel\t\t\tInvalid m_iDrawTexture\n";
   }
   SetTextureMatrix(grid.Lattice().Extent(), images);
   glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);

@@ -9,7 +9,9 @@
 namespace {
 
 // Whether the surface would follow once the solver runs.
-bool ChangesSurface(int operation) { return operation != Operation::kSaveGrid && operation != Operation::kLoadImage; }
+bool ChangesSurface(Operation operation) {
+  return operation != Operation::kSaveGrid && operation != Operation::kLoadImage;
+}
 
 }  // namespace
 
@@ -56,7 +58,7 @@ void CEditingHost::ProcessEvents() { m_Display.ProcessEvents(); }
 
 void CEditingHost::CurvesRefused(int count) { m_Commands.TellRefusedCurves(count); }
 
-void CEditingHost::PerformCommand(int operation) { m_Commands.Perform(operation); }
+void CEditingHost::PerformCommand(Operation operation) { m_Commands.Perform(operation); }
 
 void CEditingHost::PauseSolverConverged() { m_Solver.PauseSolverConverged(); }
 

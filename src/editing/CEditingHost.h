@@ -34,7 +34,7 @@ class CEditingHost : public GridHost {
   void ShowConstraints(int count) override;
   void ProcessEvents() override;
   void CurvesRefused(int count) override;
-  void PerformCommand(int operation) override;
+  void PerformCommand(Operation operation) override;
   void PauseSolverConverged() override;
   void PauseSolverGaveUp() override;
   void ResumeAfterChange() override;

@@ -30,7 +30,7 @@ class CCommandPause {
 
 }  // namespace
 
-void CGridCommands::Request(int operation) {
+void CGridCommands::Request(Operation operation) {
   if (m_pGrid == nullptr) return;
   if (g_nSolverTimers != 0) {
     m_pGrid->Post(operation);
@@ -39,14 +39,14 @@ void CGridCommands::Request(int operation) {
   }
 }
 
-void CGridCommands::Perform(int operation) {
+void CGridCommands::Perform(Operation operation) {
   if (m_pGrid == nullptr) return;
   if (operation == Operation::kNewGrid) NewGrid();
   if (operation == Operation::kLoadGrid) LoadGrid();
   if (operation == Operation::kLoadImage) LoadImage();
   if (operation == Operation::kContourAttributes) EditCurveAttributes();
   for (const CModelFormat& format : ModelFormats()) {
-    if (format.m_iOperation != Operation::kNone && format.m_iOperation == operation) WriteNow(format);
+    if (format.m_Operation != Operation::kNone && format.m_Operation == operation) WriteNow(format);
   }
 }
 
@@ -94,7 +94,7 @@ bool CGridCommands::CanWrite(const CModelFormat& format) const {
 }
 
 void CGridCommands::Write(const CModelFormat& format) {
-  if (format.m_iOperation != Operation::kNone) return Request(format.m_iOperation);
+  if (format.m_Operation != Operation::kNone) return Request(format.m_Operation);
   if (m_pGrid != nullptr) WriteNow(format);
 }
 
@@ -133,24 +133,26 @@ void CGridCommands::AskFileAndWrite(const CModelFormat& format, const CWriteSett
   if (outcome && format.m_pDone != nullptr) m_Host.Notice(format.m_pDone);
 }
 
-void CGridCommands::EditCurveAttributes(double x, double y, std::uint32_t type) {
-  m_fCurveX = x;
-  m_fCurveY = y;
-  m_uCurveType = type;
+void CGridCommands::EditCurveAttributes(double x, double y, CurveType type) {
+  if (m_pGrid != nullptr) m_Clicked = {m_pGrid->FindCurve(x, y, PickReach()), {x, y}, PickReach(), type};
   Request(Operation::kContourAttributes);
 }
 
 void CGridCommands::EditCurveAttributes() {
   if (!m_Services.m_AskContourAttributes) return;
-  const auto [curve, node] = m_pGrid->FindCurve(m_fCurveX, m_fCurveY);
-  if (curve == nullptr) return;
+  const CClickedCurve clicked = m_Clicked;
+  const CCntrCtrl* curve = m_pGrid->Curve(clicked.m_Curve);
+  const CCntrNode* node =
+      curve == nullptr ? nullptr : curve->FindNode(clicked.m_Place.x, clicked.m_Place.y, clicked.m_fReach);
+  if (node == nullptr) return;
   m_Host.EndDrags();
   const CCommandPause pause(m_Solver);
   const std::optional<CContourAnswer> answer =
       m_Services.m_AskContourAttributes(CContourAttributes::Of(*curve, *node), curve->HasType(CurveType::kFairness));
   if (!answer.has_value()) return;
-  m_pGrid->SetCurveAttributes(m_fCurveX, m_fCurveY, answer->m_Attributes, m_uCurveType, answer->m_bAllNodes);
-  if (answer->m_bExport && !m_pGrid->ExportCurveConstraints(m_fCurveX, m_fCurveY))
+  m_pGrid->SetCurveAttributes(clicked.m_Curve, curve->NumberOf(*node), answer->m_Attributes, clicked.m_NewType,
+                              answer->m_bAllNodes);
+  if (answer->m_bExport && !m_pGrid->ExportCurveConstraints(clicked.m_Curve))
     m_Host.Notice("The curve would generate more than 200000 constraints: make its distances larger.");
 }
 

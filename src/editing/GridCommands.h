@@ -1,15 +1,17 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "base/CPlanePoint.h"
+#include "constraints/CCntrCtrl.h"
 #include "editing/CContourAnswer.h"
 #include "editing/CGridParameters.h"
 #include "editing/UserDialogs.h"
 #include "formats/ModelFormats.h"
+#include "model/CPendingWork.h"
 #include "model/GridFileState.h"
 
 class CGrid;
@@ -58,9 +60,9 @@ class CGridCommands {
 
   /// Performs Operation::kNewGrid, kLoadGrid, kLoadImage or that of a format as soon as no step of the solver is under
   /// way.
-  void Request(int operation);
+  void Request(Operation operation);
   /// Performs it now.
-  void Perform(int operation);
+  void Perform(Operation operation);
 
   /// Whether the services have what it takes to write the format.
   bool CanWrite(const CModelFormat& format) const;
@@ -70,8 +72,8 @@ class CGridCommands {
   /// Tells the user of curves that generate no constraints any more.
   void TellRefusedCurves(int count);
   /// Lets the user edit the attributes of the curve at (x, y), model units, as soon as no step of the solver is under
-  /// way. A `type` that is not 0 becomes the curve's.
-  void EditCurveAttributes(double x, double y, std::uint32_t type);
+  /// way. A `type` that is not kNone becomes the curve's.
+  void EditCurveAttributes(double x, double y, CurveType type);
   /// Leaves the grid the switch to the other resolution, asking how to go up, and resumes the solver.
   void SwitchResolution();
 
@@ -90,8 +92,12 @@ class CGridCommands {
   CModelServices m_Services;
   CGrid* m_pGrid = nullptr;
 
-  // Where the curve was clicked whose attributes are to be edited, and the type it is to have.
-  double m_fCurveX = 0.0;
-  double m_fCurveY = 0.0;
-  std::uint32_t m_uCurveType = 0;
+  /// A curve whose attributes are to be edited.
+  struct CClickedCurve {
+    CurveId m_Curve = CurveId::kNone;
+    CPlanePoint m_Place;                     ///< of the click
+    double m_fReach = 0.0;                   ///< and its reach then
+    CurveType m_NewType = CurveType::kNone;  ///< that the curve is to have
+  };
+  CClickedCurve m_Clicked;
 };

@@ -33,7 +33,7 @@ std::span<const CModelFormat> ModelFormats() {
        .m_Setting = WriteSetting::Lights,
        .m_pMenuText = "&Save Grid",
        .m_cKey = 's',
-       .m_iOperation = Operation::kSaveGrid,
+       .m_Operation = Operation::kSaveGrid,
        .m_pTitle = "please input grid file name",
        .m_pOption = "--save",
        .m_pDescription = "Write the model"},

@@ -35,7 +35,7 @@ struct CModelFormat {
   // In the window.
   const char* m_pMenuText = "";  ///< of its entry in the menu "File", with the mark of its key
   char m_cKey = '\0';            ///< that chooses the entry together with Alt; 0 for none
-  int m_iOperation =
+  Operation m_Operation =
       Operation::kNone;         ///< code under which it waits for the end of the solver's step; none: it does not
   bool m_bStopsSolver = false;  ///< and leaves it stopped; otherwise the solver goes on afterwards
   const char* m_pTitle = "";    ///< of the file chooser

@@ -77,11 +77,11 @@ class CGrid {
   void UpdateGrid();
   /// Performs the pending operations at once, without iterating, and brings heights and normals up to date.
   void PerformPendingWork();
-  /// Leaves `operation` (Operation::...) for the next tick. An edit of a model that had converged resumes the solver.
-  void Post(int operation);
+  /// Leaves `operation` for the next tick. An edit of a model that had converged resumes the solver.
+  void Post(Operation operation);
   /// "Reset the grid": heights below 10 / points by chance, and a rebuild posted.
   void Reset();
-  int NextOperation() const { return m_Pending.Next(); }
+  Operation NextOperation() const { return m_Pending.Next(); }
   bool IsRunning() const { return m_bRunning; }
   void SetRunning(bool running) { m_bRunning = running; }
   /// -1: numbering and system must be rebuilt; 0: the iteration starts anew; above: iterations done.
@@ -165,37 +165,40 @@ class CGrid {
 
   /// Appends a curve through the points; without points nothing happens. Fewer than three make an open curve. Posts
   /// kNewCurve.
-  void AddCurve(std::span<const CPtCstr> points, std::uint32_t type, bool closed);
+  void AddCurve(std::span<const CPtCstr> points, CurveType type, bool closed);
   /// The same for a path from texel to texel, of which only the nodes that matter are kept.
-  void AddTracedCurve(std::span<const CPtCstr> points, std::uint32_t type, bool closed);
+  void AddTracedCurve(std::span<const CPtCstr> points, CurveType type, bool closed);
   /// Ends the half-made curve at the cursor (x, y) or, if it is to close, at its first point; `close` closes it in any
   /// case. Unless a type is missing, nothing is in progress and nothing selected afterwards.
-  Validation ValidatePendingCurve(double x, double y, bool close, std::uint32_t type);
+  Validation ValidatePendingCurve(double x, double y, bool close, CurveType type);
   /// Forgets the half-made curve and every selection.
   void CancelPendingCurve();
   CPendingCurve& PendingCurve() { return m_PendingCurve; }
   const CPendingCurve& PendingCurve() const { return m_PendingCurve; }
-  /// Click selection of a node and its curve (see CCntrCtrlList::Pick); the type of the curve selected, 0 without one.
-  std::uint32_t PickCurve(double x, double y, std::uint32_t mask);
+  /// Click selection of a node and its curve (see CCntrCtrlList::Pick); the type of the curve selected,
+  /// kNone without one.
+  CurveType PickCurve(double x, double y, CurveType mask);
   /// Whether a node lies within reach; such nodes and their curves are highlighted, no others.
-  bool HighlightCurves(double x, double y, std::uint32_t mask);
-  /// Gives the selected curve another type; nothing for type 0.
-  void SetSelectedCurveType(std::uint32_t type);
-  void MoveSelectedCurve(double dx, double dy, std::uint32_t mask) { m_Curves.MoveSelected(dx, dy, mask); }
+  bool HighlightCurves(double x, double y, CurveType mask);
+  /// Gives the selected curve another type; nothing for kNone.
+  void SetSelectedCurveType(CurveType type);
+  void MoveSelectedCurve(double dx, double dy, CurveType mask) { m_Curves.MoveSelected(dx, dy, mask); }
   /// Deletes the selected node of every curve, or the selected curve. Posts kRebuildMaps in any case.
   void DeleteSelectedCurveNode();
   void DeleteSelectedCurve();
-  void UnselectCurves(std::uint32_t mask) { m_Curves.Unselect(mask); }
-  /// The curve and the node whose attributes a click at (x, y) asks for; both null if there is none.
-  CCntrCtrlList::CHit FindCurve(double x, double y);
-  /// Gives the curve at (x, y) the attributes and, unless it is 0, the type; the weights go to the node or to all
-  /// nodes. Posts kRebuildMaps. Nothing where there is no curve.
-  void SetCurveAttributes(double x, double y, const CContourAttributes& attributes, std::uint32_t type,
+  void UnselectCurves(CurveType mask) { m_Curves.Unselect(mask); }
+  /// The first curve that has a node within `reach` of (x, y) (see CPtCstr::IsWithinReach); kNone if there is none.
+  CurveId FindCurve(double x, double y, double reach) const;
+  /// The curve of that name; null if there is none any more.
+  const CCntrCtrl* Curve(CurveId curve) const { return m_Curves.Find(curve); }
+  /// Gives a curve the attributes and, unless it is kNone, the type; the weights go to the node of that number or to
+  /// all nodes. Posts kRebuildMaps. Nothing for a curve or a node that has gone.
+  void SetCurveAttributes(CurveId curve, std::size_t node, const CContourAttributes& attributes, CurveType type,
                           bool weightsToAllNodes);
-  /// Makes the generated constraints of the curve at (x, y) the user's own, wants full resolution at each of them, and
-  /// turns the curve's generation off. Posts kRebuildMaps. False, with nothing changed, if they would be more than
+  /// Makes the generated constraints of a curve the user's own, wants full resolution at each of them, and turns the
+  /// curve's generation off. Posts kRebuildMaps. False, with nothing changed, if they would be more than
   /// CCntrCtrl::kMostGenerated.
-  bool ExportCurveConstraints(double x, double y);
+  bool ExportCurveConstraints(CurveId curve);
   /// Number of curves that were refused their generated constraints at the last rebuild, because all together would be
   /// too many; logged. 0 where none was or the number has been taken before.
   int TakeRefusedCurves();
@@ -263,11 +266,11 @@ class CGrid {
   /// Takes over what the rows just built hold of each constraint.
   void MarkIdleConstraints();
   void ShowConstraintCount() const;
-  void ConstraintsChanged(int operation);
+  void ConstraintsChanged(Operation operation);
 
   /// Whether anything was done.
   bool PerformOperations();
-  void Dispatch(int operation);
+  void Dispatch(Operation operation);
   /// To the other resolution, which starts from the surface of this one.
   void Transmit(bool high);
   /// To the other resolution, with its own surface or, to transfer, with that of this one.
@@ -277,7 +280,7 @@ class CGrid {
   void RefreshCurve(CCntrCtrl& curve) const;
   void UpdateConstraintsFormCurves();
   double CurveOffset() const;
-  void CurvesChanged(int operation);
+  void CurvesChanged(Operation operation);
 
   bool m_bRunning = true;
   CPendingWork m_Pending;

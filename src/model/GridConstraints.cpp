@@ -31,7 +31,7 @@ std::uint32_t KindsOf(const CPtCstr& constraint) {
 
 }  // namespace
 
-void CGrid::ConstraintsChanged(int operation) {
+void CGrid::ConstraintsChanged(Operation operation) {
   Post(operation);
   if (m_pHost == nullptr) return;
   ShowConstraintCount();

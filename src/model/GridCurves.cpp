@@ -1,6 +1,8 @@
 // The grid's operations on its curves.
 
 #include <cmath>
+#include <cstddef>
+#include <iterator>
 
 #include "base/Console.h"
 #include "model/CGrid.h"
@@ -19,12 +21,12 @@ double CGrid::CurveOffset() const { return std::hypot(Lattice().StepX(), Lattice
 
 void CGrid::RefreshCurve(CCntrCtrl& curve) const { curve.UpdateNormals(CurveOffset() * kRefreshFactor); }
 
-void CGrid::CurvesChanged(int operation) {
+void CGrid::CurvesChanged(Operation operation) {
   Post(operation);
   if (m_pHost != nullptr) m_pHost->RequestRedraw();
 }
 
-void CGrid::AddCurve(std::span<const CPtCstr> points, std::uint32_t type, bool closed) {
+void CGrid::AddCurve(std::span<const CPtCstr> points, CurveType type, bool closed) {
   if (points.empty()) return;
   CCntrCtrl& curve = m_Curves.Add(points, type, closed);
   curve.UpdateNormals(CurveOffset());
@@ -32,7 +34,7 @@ void CGrid::AddCurve(std::span<const CPtCstr> points, std::uint32_t type, bool c
   CurvesChanged(Operation::kNewCurve);
 }
 
-void CGrid::AddTracedCurve(std::span<const CPtCstr> points, std::uint32_t type, bool closed) {
+void CGrid::AddTracedCurve(std::span<const CPtCstr> points, CurveType type, bool closed) {
   if (points.empty()) return;
   AddCurve(points, type, closed);
   CCntrCtrl& curve = m_Curves.back();
@@ -40,8 +42,8 @@ void CGrid::AddTracedCurve(std::span<const CPtCstr> points, std::uint32_t type, 
   if (curve.Nodes().size() > 1) curve.UpdateNormals(CurveOffset());
 }
 
-CGrid::Validation CGrid::ValidatePendingCurve(double x, double y, bool close, std::uint32_t type) {
-  if (!m_PendingCurve.IsIdle() && type == 0) return Validation::NeedsType;
+CGrid::Validation CGrid::ValidatePendingCurve(double x, double y, bool close, CurveType type) {
+  if (!m_PendingCurve.IsIdle() && type == CurveType::kNone) return Validation::NeedsType;
   if (!m_PendingCurve.IsIdle() && !m_PendingCurve.ClosesOnValidate()) m_PendingCurve.Append(x, y);
   const bool enough = m_PendingCurve.Points().size() > 1;
   if (enough) AddCurve(m_PendingCurve.Points(), type, close || m_PendingCurve.ClosesOnValidate());
@@ -54,18 +56,16 @@ void CGrid::CancelPendingCurve() {
   UnselectAll();
 }
 
-std::uint32_t CGrid::PickCurve(double x, double y, std::uint32_t mask) {
+CurveType CGrid::PickCurve(double x, double y, CurveType mask) {
   const CCntrCtrl* picked = m_Curves.Pick(x, y, mask, PickReach());
-  return picked == nullptr ? 0 : picked->Type();
+  return picked == nullptr ? CurveType::kNone : picked->Type();
 }
 
-bool CGrid::HighlightCurves(double x, double y, std::uint32_t mask) {
-  return m_Curves.Highlight(x, y, mask, PickReach());
-}
+bool CGrid::HighlightCurves(double x, double y, CurveType mask) { return m_Curves.Highlight(x, y, mask, PickReach()); }
 
-void CGrid::SetSelectedCurveType(std::uint32_t type) {
+void CGrid::SetSelectedCurveType(CurveType type) {
   CCntrCtrl* selected = m_Curves.FirstSelected();
-  if (selected != nullptr && type != 0) selected->SetType(type);
+  if (selected != nullptr && type != CurveType::kNone) selected->SetType(type);
 }
 
 void CGrid::DeleteSelectedCurveNode() {
@@ -78,22 +78,25 @@ void CGrid::DeleteSelectedCurve() {
   CurvesChanged(Operation::kRebuildMaps);
 }
 
-CCntrCtrlList::CHit CGrid::FindCurve(double x, double y) { return m_Curves.Find(x, y, PickReach()); }
+CurveId CGrid::FindCurve(double x, double y, double reach) const {
+  const CCntrCtrl* curve = m_Curves.Find(x, y, reach).m_pCurve;
+  return curve == nullptr ? CurveId::kNone : curve->Id();
+}
 
-void CGrid::SetCurveAttributes(double x, double y, const CContourAttributes& attributes, std::uint32_t type,
+void CGrid::SetCurveAttributes(CurveId id, std::size_t node, const CContourAttributes& attributes, CurveType type,
                                bool weightsToAllNodes) {
-  const auto [curve, node] = FindCurve(x, y);
-  if (curve == nullptr) return;
-  attributes.ApplyTo(*curve, *node);
-  if (type != 0) curve->SetType(type);
+  CCntrCtrl* curve = m_Curves.Find(id);
+  if (curve == nullptr || node >= curve->Nodes().size()) return;
+  attributes.ApplyTo(*curve, *std::next(curve->Nodes().begin(), static_cast<std::ptrdiff_t>(node)));
+  if (type != CurveType::kNone) curve->SetType(type);
   const CNodeWeights& w = attributes.m_Weights;
   if (weightsToAllNodes)
     curve->SetAllWeights(w.m_fLeftCurvature, w.m_fLeftTorsion, w.m_fRightCurvature, w.m_fRightTorsion);
   CurvesChanged(Operation::kRebuildMaps);
 }
 
-bool CGrid::ExportCurveConstraints(double x, double y) {
-  CCntrCtrl* curve = FindCurve(x, y).m_pCurve;
+bool CGrid::ExportCurveConstraints(CurveId id) {
+  CCntrCtrl* curve = m_Curves.Find(id);
   if (curve == nullptr) return true;
   RefreshCurve(*curve);
   if (curve->GeneratedCount() > CCntrCtrl::kMostGenerated) return false;

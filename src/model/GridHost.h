@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/CPendingWork.h"
+
 struct CInterpolationTrace;
 
 /// What the model asks of the program around it. The window implements it; a grid without a host works on its own.
@@ -25,7 +27,7 @@ class GridHost {
   /// Curves generate no constraints any more, because all together would be too many: tell the user.
   virtual void CurvesRefused(int /*count*/) {}
   /// Perform a command that is the program's and not the model's (Operation::kLoadGrid and the like).
-  virtual void PerformCommand(int /*operation*/) {}
+  virtual void PerformCommand(Operation /*operation*/) {}
   /// The solver has converged and cleared the grid's running flag.
   virtual void PauseSolverConverged() {}
   /// The solver has cleared the flag without having converged, as it gets no nearer to the constraints: tell the user,

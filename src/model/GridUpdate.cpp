@@ -12,16 +12,16 @@
 namespace {
 
 // Loading brings its own state of the solver; saving and a new picture leave the model as it is.
-bool ChangesModel(int operation) {
+bool ChangesModel(Operation operation) {
   return operation != Operation::kLoadGrid && operation != Operation::kSaveGrid && operation != Operation::kLoadImage;
 }
 
 // A new curve is in the model as soon as it is posted, like an edit.
-bool IsInModel(int operation) { return Operation::IsEdit(operation) || operation == Operation::kNewCurve; }
+bool IsInModel(Operation operation) { return IsEdit(operation) || operation == Operation::kNewCurve; }
 
 }  // namespace
 
-void CGrid::Post(int operation) {
+void CGrid::Post(Operation operation) {
   m_Pending.Post(operation);
   if (!ChangesModel(operation) || !m_Solver.ModelChanged()) return;
   if (m_pHost != nullptr) {
@@ -38,18 +38,18 @@ void CGrid::PerformPendingWork() {
 }
 
 bool CGrid::PerformOperations() {
-  std::vector<int> operations = m_Pending.Take();
+  std::vector<Operation> operations = m_Pending.Take();
   // A file must not hold constraints that its heights do not know yet, so edits go before the saving they were posted
   // over.
   std::stable_partition(std::ranges::find(operations, Operation::kSaveGrid), operations.end(), IsInModel);
-  for (const int operation : operations) Dispatch(operation);
+  for (const Operation operation : operations) Dispatch(operation);
   // A mere restart leaves the surface as it is, to the last bit: what has been loaded is saved unchanged.
   const bool renumbers = m_Solver.Counter() == -1;
   if (m_Solver.Counter() < 1) SetSparseH();
   return renumbers || !operations.empty();
 }
 
-void CGrid::Dispatch(int operation) {
+void CGrid::Dispatch(Operation operation) {
   switch (operation) {
     case Operation::kRestart:
       return m_Solver.RequestRestart();

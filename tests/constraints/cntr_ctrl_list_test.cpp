@@ -15,7 +15,7 @@ struct CTwoCurves {
     m_List.Add(PointsAt({{0, 0}, {10, 0}}), kTear, false);
     m_List.Add(PointsAt({{10, 0}, {20, 0}}), kCrease, false);
   }
-  std::string Picked(double x, double y, std::uint32_t mask = CurveType::kAll) {
+  std::string Picked(double x, double y, CurveType mask = CurveType::kAll) {
     m_pPicked = m_List.Pick(x, y, mask, 1);
     return Selection(m_List);
   }
@@ -114,6 +114,20 @@ TEST(CntrCtrlListTest, FindGivesTheFirstCurveAndItsFirstNodeWithinReach) {
   EXPECT_EQ(hit.m_pNode, &CurveAt(test.m_List, 0).Nodes().back());
   EXPECT_EQ(test.m_List.Find(50, 50, 1).m_pCurve, nullptr);
   EXPECT_EQ(test.m_List.Find(50, 50, 1).m_pNode, nullptr);
+}
+
+TEST(CntrCtrlListTest, ACurveIsFoundByItsNameUntilItIsDeleted) {
+  CTwoCurves test;
+  const CCntrCtrlList& list = test.m_List;
+  const CurveId first = CurveAt(test.m_List, 0).Id();
+  const CurveId second = CurveAt(test.m_List, 1).Id();
+  EXPECT_NE(first, second);
+  EXPECT_EQ(list.Find(second), &CurveAt(test.m_List, 1));
+  EXPECT_EQ(list.Find(CurveId::kNone), nullptr);
+  CurveAt(test.m_List, 0).SetState(PtCstrState::kSelected, true);
+  test.m_List.DeleteSelected();
+  EXPECT_EQ(list.Find(first), nullptr);
+  EXPECT_EQ(list.Find(second), &CurveAt(test.m_List, 0)) << "though it is another in the order now";
 }
 
 TEST(CntrCtrlListTest, DragMovesTheSelectedNodesOfTheMask) {

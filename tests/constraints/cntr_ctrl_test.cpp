@@ -17,8 +17,10 @@ constexpr CurveSide kLeftSide = CurveSide::Left;
 constexpr CurveSide kRightSide = CurveSide::Right;
 
 TEST(CntrCtrlTest, TypeAndOptionBitsAreThoseOfTheFile) {
-  EXPECT_EQ((std::array{CurveType::kPosition, CurveType::kNormal, CurveType::kFairness, CurveType::kAll}),
-            (std::array{1U, 2U, 4U, 7U}));
+  std::vector<std::uint32_t> bits;
+  for (const CurveType type : {CurveType::kPosition, CurveType::kNormal, CurveType::kFairness, CurveType::kAll})
+    bits.push_back(static_cast<std::uint32_t>(type));
+  EXPECT_EQ(bits, (std::vector<std::uint32_t>{1, 2, 4, 7}));
   EXPECT_EQ((std::array{CurveOption::kLeftAutoBump, CurveOption::kRightAutoBump}), (std::array{1U, 2U}));
 }
 
@@ -27,7 +29,7 @@ TEST(CntrCtrlTest, StartsEmptyOpenAndWithoutTypeOrOptions) {
               const CCntrCtrl curve;
               EXPECT_FALSE(curve.IsClosed());
               EXPECT_TRUE(curve.Nodes().empty());
-              EXPECT_EQ(curve.Type(), 0U);
+              EXPECT_EQ(curve.Type(), CurveType::kNone);
               EXPECT_FALSE(curve.HasState(~0U));
               EXPECT_EQ(curve.Options(), 0U);
               for (const CurveSide side : {kLeftSide, kRightSide}) {

@@ -24,7 +24,7 @@ using CCells = std::map<std::array<int, 2>, std::uint32_t>;  ///< marks by colum
 struct CRasterTree : CTestTree {
   CRasterTree() : CTestTree(4, 0, CExtent{0, 16, 0, 16}) {}
 
-  void Draw(const CPlaces& places, std::uint32_t type, bool closed = false) {
+  void Draw(const CPlaces& places, CurveType type, bool closed = false) {
     CTestCurve curve(places, closed, type);
     CCurveRasteriser rasteriser(m_Tree);
     rasteriser.Rasterise(curve.m_Curve);
@@ -239,7 +239,7 @@ TEST(TearTest, TwoCurvesAddTheirMarks) {
 
 // Messages.
 
-std::string Said(const CPlaces& places, std::uint32_t type) {
+std::string Said(const CPlaces& places, CurveType type) {
   CRasterTree tree;
   CTestCurve curve(places, false, type);
   tree.m_Console.Take();

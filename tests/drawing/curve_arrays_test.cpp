@@ -15,7 +15,7 @@ namespace {
 class CurveArraysTest : public ::testing::Test {
  protected:
   CGrid& Grid() { return m_Grid.m_Grid; }
-  CCntrCtrl& Add(const CPlaces& places, std::uint32_t type = CurveType::kFairness, bool closed = false) {
+  CCntrCtrl& Add(const CPlaces& places, CurveType type = CurveType::kFairness, bool closed = false) {
     return Grid().Curves().Add(PointsAt(places), type, closed);
   }
   void Refresh() { m_Arrays.Refresh(Grid()); }

@@ -13,7 +13,7 @@ namespace {
 using Chooser = std::pair<std::string, std::string>;
 
 constexpr auto kDeferrable =
-    std::to_array<int>({Operation::kNewGrid, Operation::kLoadGrid, Operation::kLoadImage, Operation::kSaveGrid});
+    std::to_array({Operation::kNewGrid, Operation::kLoadGrid, Operation::kLoadImage, Operation::kSaveGrid});
 
 class GridCommandsTest : public ::testing::Test {
  protected:
@@ -89,7 +89,7 @@ std::vector<CPtCstr> LineOf(int segments) {
 
 TEST_F(GridCommandsTest, WhileTheTickIsRegisteredTheCodeWaits) {
   g_nSolverTimers = 1;
-  for (const int operation : kDeferrable) {
+  for (const Operation operation : kDeferrable) {
     m_Commands.Request(operation);
     EXPECT_EQ(Grid().NextOperation(), operation);
   }
@@ -98,19 +98,21 @@ TEST_F(GridCommandsTest, WhileTheTickIsRegisteredTheCodeWaits) {
 }
 
 TEST_F(GridCommandsTest, CodesAreThoseOfTheTable) {
-  EXPECT_EQ(std::vector(std::begin(kDeferrable), std::end(kDeferrable)), (std::vector{4096, 2048, 16384, 8192}));
+  std::vector<int> codes;
+  for (const Operation operation : kDeferrable) codes.push_back(CodeOf(operation));
+  EXPECT_EQ(codes, (std::vector{4096, 2048, 16384, 8192}));
 }
 
 TEST_F(GridCommandsTest, WithNoTickTheCommandActsAtOnce) {
   m_Host.m_File = "name";
-  for (const int operation : kDeferrable) m_Commands.Request(operation);
+  for (const Operation operation : kDeferrable) m_Commands.Request(operation);
   EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
   EXPECT_EQ(m_asDone, (Done{"ask", "load name", "save name"}));
   EXPECT_EQ(m_Host.m_asPictures, Done{"name"});
 }
 
 TEST_F(GridCommandsTest, ChoosersHaveTheirTitlesAndPatterns) {
-  for (const int operation : {Operation::kSaveGrid, Operation::kLoadGrid, Operation::kLoadImage}) {
+  for (const Operation operation : {Operation::kSaveGrid, Operation::kLoadGrid, Operation::kLoadImage}) {
     m_Commands.Perform(operation);
   }
   m_Commands.Write(VrmlFormat());
@@ -121,7 +123,7 @@ TEST_F(GridCommandsTest, ChoosersHaveTheirTitlesAndPatterns) {
 }
 
 TEST_F(GridCommandsTest, CancelledChooserDoesNothing) {
-  for (const int operation : {Operation::kSaveGrid, Operation::kLoadGrid, Operation::kLoadImage}) {
+  for (const Operation operation : {Operation::kSaveGrid, Operation::kLoadGrid, Operation::kLoadImage}) {
     m_Commands.Perform(operation);
     EXPECT_TRUE(Grid().IsRunning());
   }
@@ -148,9 +150,9 @@ TEST_F(GridCommandsTest, FileThatCannotBeOpenedLeavesTheViewsAsTheyAre) {
 
 TEST_F(GridCommandsTest, CommandsHoldTheSolverAndLetItGoOn) {
   m_Host.m_File = "name";
-  for (const int operation : kDeferrable) {
+  for (const Operation operation : kDeferrable) {
     m_Commands.Perform(operation);
-    EXPECT_TRUE(Grid().IsRunning()) << operation;
+    EXPECT_TRUE(Grid().IsRunning()) << CodeOf(operation);
   }
   m_Commands.Write(VrmlFormat());
   EXPECT_TRUE(Grid().IsRunning());
@@ -158,10 +160,10 @@ TEST_F(GridCommandsTest, CommandsHoldTheSolverAndLetItGoOn) {
 }
 
 TEST_F(GridCommandsTest, OnlyLoadGridStartsAStoppedSolver) {
-  for (const int operation : kDeferrable) {
+  for (const Operation operation : kDeferrable) {
     Solver().StopSolver();
     m_Commands.Perform(operation);
-    EXPECT_EQ(Grid().IsRunning(), operation == Operation::kLoadGrid) << operation;
+    EXPECT_EQ(Grid().IsRunning(), operation == Operation::kLoadGrid) << CodeOf(operation);
   }
 }
 
@@ -324,7 +326,7 @@ TEST_F(GridCommandsTest, HeightFieldStopsTheSolverAndKeepsTheReason) {
 TEST_F(GridCommandsTest, WhatNobodyBringsIsNotDone) {
   m_Commands.SetServices({});
   m_Host.m_File = "name";
-  for (const int operation : {Operation::kNewGrid, Operation::kLoadGrid, Operation::kSaveGrid}) {
+  for (const Operation operation : {Operation::kNewGrid, Operation::kLoadGrid, Operation::kSaveGrid}) {
     m_Commands.Perform(operation);
   }
   m_Commands.Write(VrmlFormat());
@@ -337,7 +339,7 @@ TEST_F(GridCommandsTest, SwitchUpAsksWhetherToInterpolate) {
   for (const auto& [yes, code] : {std::pair{true, 8}, {false, 32}}) {
     m_Host.m_bYes = yes;
     m_Commands.SwitchResolution();
-    EXPECT_EQ(Grid().NextOperation(), code);
+    EXPECT_EQ(CodeOf(Grid().NextOperation()), code);
     EXPECT_EQ(m_Host.m_asQuestions.back(), "Do you want  to compute an interpolation to get the high res grid ?");
   }
 }
@@ -345,7 +347,7 @@ TEST_F(GridCommandsTest, SwitchUpAsksWhetherToInterpolate) {
 TEST_F(GridCommandsTest, SwitchDownAsksNothing) {
   g_bHighRes = 1;
   m_Commands.SwitchResolution();
-  EXPECT_EQ(Grid().NextOperation(), 64);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kRestoreNormal);
   EXPECT_TRUE(m_Host.m_asQuestions.empty());
 }
 
@@ -382,19 +384,33 @@ TEST_F(GridCommandsTest, CurveWaitsForTheTick) {
   Grid().AddCurve(PointsAt({{0, 21}, {4, 22}}), CurveType::kNormal, false);
   Grid().PerformPendingWork();
   g_nSolverTimers = 1;
-  m_Commands.EditCurveAttributes(4, 22, 0);
-  EXPECT_EQ(Grid().NextOperation(), 512);
+  m_Commands.EditCurveAttributes(4, 22, CurveType::kNone);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kContourAttributes);
   EXPECT_TRUE(m_asDone.empty());
   m_Commands.Perform(Operation::kContourAttributes);
   EXPECT_EQ(m_asDone, Done{"curve"});
 }
 
+TEST_F(GridCommandsTest, TheCurveThatWasClickedIsEditedWhateverLiesThereByThen) {
+  const CPlaces places{{0, 21}, {4, 22}};
+  for (int k = 0; k < 2; ++k) Grid().AddCurve(PointsAt(places), CurveType::kNormal, false);
+  Grid().PerformPendingWork();
+  g_nSolverTimers = 1;
+  m_Commands.EditCurveAttributes(4, 22, CurveType::kNone);
+  Grid().PickCurve(4, 22, CurveType::kAll);
+  Grid().PickCurve(4, 22, CurveType::kAll);
+  ASSERT_EQ(Grid().Curves().begin()->HasState(PtCstrState::kSelected), true);
+  Grid().DeleteSelectedCurve();
+  m_Commands.Perform(Operation::kContourAttributes);
+  EXPECT_TRUE(m_asDone.empty());
+}
+
 TEST_F(GridCommandsTest, NoDialogWhereThereIsNoCurve) {
-  m_Commands.EditCurveAttributes(4, 22, 0);
+  m_Commands.EditCurveAttributes(4, 22, CurveType::kNone);
   EXPECT_TRUE(m_asDone.empty());
   Grid().AddCurve(PointsAt({{0, 21}, {4, 22}}), CurveType::kNormal, false);
   m_Commands.SetServices({});
-  m_Commands.EditCurveAttributes(4, 22, 0);
+  m_Commands.EditCurveAttributes(4, 22, CurveType::kNone);
   EXPECT_TRUE(m_asDone.empty());
   EXPECT_EQ(m_Host.m_iDragEnds, 0);
 }
@@ -415,7 +431,7 @@ TEST_F(GridCommandsTest, ExportOfConstraintsPostsOneRebuildForAll) {
   m_CurveAnswer = CContourAnswer{};
   m_CurveAnswer->m_Attributes.m_bRightAutoBump = true;
   m_CurveAnswer->m_bExport = true;
-  m_Commands.EditCurveAttributes(0, 21, 0);
+  m_Commands.EditCurveAttributes(0, 21, CurveType::kNone);
   EXPECT_EQ(Grid().PointConstraints().size(), 2U) << "at 0 and 5";
   EXPECT_EQ(Grid().Curves().back().Options(), 0U);
   Console();
@@ -431,7 +447,7 @@ TEST_F(GridCommandsTest, ExportOfTooManyConstraintsIsRefused) {
   m_CurveAnswer->m_Attributes.m_bLeftAutoBump = true;
   m_CurveAnswer->m_Attributes.m_aAutoBumps[0].m_fDistance = kSmallDistance;
   m_CurveAnswer->m_bExport = true;
-  m_Commands.EditCurveAttributes(-3, 22, 0);
+  m_Commands.EditCurveAttributes(-3, 22, CurveType::kNone);
   EXPECT_TRUE(Grid().PointConstraints().empty());
   EXPECT_EQ(m_Host.m_asNotices, Done{"The curve would generate more than 200000 constraints: make its distances "
                                      "larger."});

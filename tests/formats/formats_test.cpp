@@ -45,7 +45,7 @@ TEST(ModelFormatsTest, NoTwoRowsShareWhatChoosesThem) {
   for (const auto member : {&CModelFormat::m_pSuffix, &CModelFormat::m_pOption, &CModelFormat::m_pMenuText})
     EXPECT_EQ(TextsOf(member).size(), ModelFormats().size());
   EXPECT_TRUE(AreDifferent(&CModelFormat::m_cKey, '\0'));
-  EXPECT_TRUE(AreDifferent(&CModelFormat::m_iOperation, Operation::kNone));
+  EXPECT_TRUE(AreDifferent(&CModelFormat::m_Operation, Operation::kNone));
 }
 
 TEST(ModelFormatsTest, TheProgramsOwnIsTheFirst) { EXPECT_EQ(FormatOf("--save"), 0U); }

@@ -91,7 +91,7 @@ TEST_P(CommonEditingTest, OtherButtonsOnNothingDoNothing) {
   }
   EXPECT_EQ(List().size(), 1U);
   EXPECT_EQ(Selection(List()), "1");
-  EXPECT_EQ(Grid().NextOperation(), 0);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
   ExpectPlace(At(0), 20.5, 20.5);
 }
 
@@ -101,7 +101,7 @@ TEST_P(CommonEditingTest, MiddleButtonSelectsAndDragsNothing) {
   Drag(40.5, 40.5);
   EXPECT_EQ(Selection(List()), "1");
   ExpectPlace(At(0), 20.5, 20.5);
-  EXPECT_EQ(Grid().NextOperation(), 0);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
 }
 
 TEST_P(CommonEditingTest, LeftDragMovesWithTheMouse) {
@@ -139,7 +139,7 @@ TEST_P(CommonEditingTest, DialogEndsTheDrag) {
   Settle();
   View().EndDrag();
   Drag(40.5, 40.5);
-  EXPECT_EQ(Grid().NextOperation(), 0);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
 }
 
 TEST_P(CommonEditingTest, PlacesAreHeldOffTheBorder) {
@@ -231,7 +231,7 @@ TEST_P(CommonEditingTest, DragDoesNotGoOnWithAnotherConstraint) {
     Key(key);
     Settle();
     Drag(40.5, 40.5);
-    EXPECT_EQ(Grid().NextOperation(), 0) << key;
+    EXPECT_EQ(Grid().NextOperation(), Operation::kNone) << key;
   }
 }
 
@@ -241,14 +241,14 @@ TEST_P(CommonEditingTest, ModeChangeClearsTheSelectionAndEndsTheDrag) {
   View().SetMode(GetParam().m_Mode);
   EXPECT_EQ(Selection(List()), "0");
   Drag(30.5, 30.5);
-  EXPECT_EQ(Grid().NextOperation(), 0);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
 }
 
 TEST_P(CommonEditingTest, CurveTypeClearsTheSelection) {
   Push(kLeftButton, 20.5, 20.5);
-  View().SetCurveType(2);
+  View().SetCurveType(CurveType::kNormal);
   EXPECT_EQ(Selection(List()), "0");
-  EXPECT_EQ(View().CurveType(), 2);
+  EXPECT_EQ(View().CurveType(), CurveType::kNormal);
 }
 
 TEST_F(PositionEditingTest, CreationAndDragSetTheHeight) {
@@ -256,7 +256,7 @@ TEST_F(PositionEditingTest, CreationAndDragSetTheHeight) {
   const double height = At(0).m_fZ;
   EXPECT_EQ(Drag(25.5, 18.5), 1);
   EXPECT_NEAR(At(0).m_fZ, height + 5 - 2, 1e-9);
-  EXPECT_NE(Grid().NextOperation(), 0);
+  EXPECT_NE(Grid().NextOperation(), Operation::kNone);
   ExpectPlace(At(0), 20.5, 20.5);
   Drag(10.5, 20.5);
   EXPECT_NEAR(At(0).m_fZ, height - 10, 1e-9);

@@ -46,7 +46,7 @@ class CurveDrawingTest : public ImageViewTest {
     }
     return count;
   }
-  CCntrCtrl& Add(const CPlaces& places, std::uint32_t type = CurveType::kPosition, bool closed = false) {
+  CCntrCtrl& Add(const CPlaces& places, CurveType type = CurveType::kPosition, bool closed = false) {
     return Grid().Curves().Add(PointsAt(places), type, closed);
   }
   // Pixels lit on the line x = const between two heights.
@@ -81,11 +81,11 @@ TEST_F(CurveDrawingTest, CurvesNeedTheirFlag) {
 TEST_F(CurveDrawingTest, TypesHaveColoursOfTheirOwn) {
   std::vector<CRgb> colours;
   CCntrCtrl& curve = Add(kAcross);
-  for (const std::uint32_t type : {1U, 2U, 4U, 0U}) {
+  for (const CurveType type : {CurveType::kPosition, CurveType::kNormal, CurveType::kFairness, CurveType::kNone}) {
     curve.SetType(type);
     Shoot();
-    for (const CRgb& other : colours) EXPECT_FALSE(At(40, 50) == other) << type;
-    for (const CRgb& state : {kGreen, kBlue, kBlack}) EXPECT_FALSE(At(40, 50) == state) << type;
+    for (const CRgb& other : colours) EXPECT_FALSE(At(40, 50) == other) << static_cast<int>(type);
+    for (const CRgb& state : {kGreen, kBlue, kBlack}) EXPECT_FALSE(At(40, 50) == state) << static_cast<int>(type);
     colours.push_back(At(40, 50));
   }
 }
@@ -201,7 +201,7 @@ TEST_F(CurveDrawingTest, CurveInProgressLiesOverThePicture) {
 TEST_F(CurveDrawingTest, CurveInProgressIsGoneAfterItsEnd) {
   View().SetDisplayFlags(0);
   for (const int key : {FL_Escape, FL_Enter}) {
-    View().SetCurveType(1);
+    View().SetCurveType(CurveType::kPosition);
     Click(20.5, 20.5);
     Move(80.5, 20.5);
     Key(key);

@@ -28,11 +28,11 @@ TEST_F(CurveEditingTest, LeftClickPicksTheCurveAndTakesItsType) {
   Add(kBent, kCrease);
   Click(60.5, 20.5);
   EXPECT_EQ(Selection(Curves()), "1:010");
-  EXPECT_EQ(View().CurveType(), 2);
+  EXPECT_EQ(View().CurveType(), CurveType::kNormal);
   EXPECT_EQ(m_Host.m_aiCurveTypes, Numbers{2});
   EXPECT_TRUE(IsIdle());
   EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
-  EXPECT_EQ(Operation::kRebuildMaps, 4);
+  EXPECT_EQ(CodeOf(Operation::kRebuildMaps), 4);
   EXPECT_EQ(TakeConsole(), kPushLine);
 }
 
@@ -42,7 +42,7 @@ TEST_F(CurveEditingTest, RepeatedClicksStepThroughAPile) {
   for (const auto& [selection, type] : {std::pair{"0:00 1:10", 4}, {"1:10 0:00", 1}, {"0:00 1:10", 4}}) {
     Click(20.5, 20.5);
     EXPECT_EQ(Selection(Curves()), selection);
-    EXPECT_EQ(View().CurveType(), type);
+    EXPECT_EQ(static_cast<int>(View().CurveType()), type);
   }
 }
 
@@ -78,7 +78,7 @@ TEST_F(CurveEditingTest, BorderHoldsADraggedNodeUntilTheMouseIsBack) {
 
 TEST_F(CurveEditingTest, OtherButtonsDragNothing) {
   Add(kBent);
-  View().SetCurveType(1);
+  View().SetCurveType(CurveType::kPosition);
   for (const int button : {kMiddleButton, kRightButton}) {
     Push(button, 60.5, 20.5);
     Drag(70.5, 30.5);
@@ -115,10 +115,10 @@ TEST_F(CurveEditingTest, NodeOfAnUnselectedCurveIsDraggedNoFurther) {
 
 TEST_F(CurveEditingTest, MiddleButtonGivesTheCurveTheCurrentType) {
   Add(kBent, kTear);
-  View().SetCurveType(4);
+  View().SetCurveType(CurveType::kFairness);
   Push(kMiddleButton, 60.5, 20.5);
   EXPECT_EQ(Curve().Type(), kFair);
-  EXPECT_EQ(View().CurveType(), 4);
+  EXPECT_EQ(View().CurveType(), CurveType::kFairness);
   EXPECT_TRUE(m_Host.m_aiCurveTypes.empty());
   Release(kMiddleButton);
   EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
@@ -135,13 +135,13 @@ TEST_F(CurveEditingTest, MiddleButtonWithoutATypeDoesNothing) {
 
 TEST_F(CurveEditingTest, RightButtonAsksForTheAttributesAtThePress) {
   Add(kBent, kCrease);
-  View().SetCurveType(1);
+  View().SetCurveType(CurveType::kPosition);
   Push(kRightButton, 60.5, 21.5);
   EXPECT_EQ(TakeConsole(), kPushLine + "Fl::event_button() == FL_RIGHT_MOUSE\n");
   ASSERT_EQ(m_Host.m_aAttributePlaces.size(), 1U);
   EXPECT_NEAR(m_Host.m_aAttributePlaces[0].x, 60.5, 1e-9);
   EXPECT_NEAR(m_Host.m_aAttributePlaces[0].y, 21.5, 1e-9);
-  EXPECT_EQ(View().CurveType(), 1) << "unlike a left click";
+  EXPECT_EQ(View().CurveType(), CurveType::kPosition) << "unlike a left click";
   EXPECT_TRUE(m_Host.m_aiCurveTypes.empty());
   EXPECT_EQ(Curve().Type(), kCrease);
 }
@@ -159,7 +159,7 @@ TEST_F(CurveEditingTest, ReleaseKeepsTheRequestForAttributes) {
   Push(kRightButton, 60.5, 20.5);
   Grid().Post(Operation::kContourAttributes);
   Release(kRightButton);
-  EXPECT_EQ(Grid().NextOperation(), 512);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kContourAttributes);
 }
 
 // Keys.
@@ -170,7 +170,7 @@ TEST_F(CurveEditingTest, LettersChooseTheType) {
     Click(60.5, 20.5);
     m_Host = {};
     EXPECT_EQ(Key(key), 1);
-    EXPECT_EQ(View().CurveType(), type);
+    EXPECT_EQ(static_cast<int>(View().CurveType()), type);
     EXPECT_EQ(m_Host.m_aiCurveTypes, Numbers{type});
     EXPECT_EQ(Selection(Curves()), "0:000");
   }
@@ -179,10 +179,10 @@ TEST_F(CurveEditingTest, LettersChooseTheType) {
 TEST_F(CurveEditingTest, LettersWithModifiersAreTheMenus) {
   for (const int key : {+'f', +'n', +'p'}) {
     for (const int modifier : {FL_CTRL, FL_ALT, FL_META}) EXPECT_EQ(Key(key, modifier), 0);
-    EXPECT_EQ(View().CurveType(), 0);
+    EXPECT_EQ(View().CurveType(), CurveType::kNone);
   }
   EXPECT_EQ(Key('p', FL_SHIFT), 1);
-  EXPECT_EQ(View().CurveType(), 1);
+  EXPECT_EQ(View().CurveType(), CurveType::kPosition);
 }
 
 TEST_F(CurveEditingTest, BackSpaceDeletesTheSelectedNode) {
@@ -191,11 +191,11 @@ TEST_F(CurveEditingTest, BackSpaceDeletesTheSelectedNode) {
   Settle();
   EXPECT_EQ(Key(FL_BackSpace), 1);
   ExpectPlaces({kBent[0], kBent[2]}, PlacesOf(Curve()));
-  EXPECT_EQ(Grid().NextOperation(), 4);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
   Settle();
   Key(FL_BackSpace);
   EXPECT_EQ(Curve().Nodes().size(), 2U) << "nothing is selected";
-  EXPECT_EQ(Grid().NextOperation(), 4) << "all the same";
+  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps) << "all the same";
 }
 
 TEST_F(CurveEditingTest, DeleteDeletesTheSelectedCurve) {
@@ -206,7 +206,7 @@ TEST_F(CurveEditingTest, DeleteDeletesTheSelectedCurve) {
   EXPECT_EQ(Key(FL_Delete), 1);
   ASSERT_EQ(Curves().size(), 1U);
   EXPECT_EQ(Curve().Nodes().size(), 2U);
-  EXPECT_EQ(Grid().NextOperation(), 4);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
 }
 
 TEST_F(CurveEditingTest, DeletedNodeIsDraggedNoMore) {
@@ -241,5 +241,5 @@ TEST_F(CurveEditingTest, KeysOfCurvesAreNoneInOtherModes) {
   View().SetMode(EditingMode::Position);
   EXPECT_EQ(Key('p'), 0);
   EXPECT_EQ(Key(FL_Enter), 0);
-  EXPECT_EQ(View().CurveType(), 0);
+  EXPECT_EQ(View().CurveType(), CurveType::kNone);
 }

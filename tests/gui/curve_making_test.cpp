@@ -29,7 +29,7 @@ TEST_F(CurveEditingTest, FirstClickBeginsACurve) {
 }
 
 TEST_F(CurveEditingTest, PointsAreKeptOffTheBorder) {
-  View().SetCurveType(1);
+  View().SetCurveType(CurveType::kPosition);
   PushWithoutHovering(kLeftButton, -20, 200);
   Move(300, -7);
   Key(FL_Enter);
@@ -43,7 +43,7 @@ TEST_F(CurveEditingTest, EnterAfterTwoClicksMakesAnOpenCurveOfThree) {
     m_Host = {};
     EXPECT_EQ(Key(enter), 1);
     EXPECT_EQ(TakeConsole(), "CCntrCtrl creation\ncontour with 3 nodes added \n");
-    EXPECT_EQ(Grid().NextOperation(), 1024);
+    EXPECT_EQ(Grid().NextOperation(), Operation::kNewCurve);
     ExpectPlaces(kBent, PlacesOf(Curve()));
     EXPECT_FALSE(Curve().IsClosed());
     EXPECT_EQ(Curve().Type(), kCrease);
@@ -76,7 +76,7 @@ TEST_F(CurveEditingTest, EnterOnTheFirstPointClosesTheClickedPointsOnly) {
 }
 
 TEST_F(CurveEditingTest, ShiftEnterAfterOneClickMakesATwoPointOpenCurve) {
-  View().SetCurveType(4);
+  View().SetCurveType(CurveType::kFairness);
   Click(20.5, 20.5);
   Move(60.5, 70.5);
   Key(FL_Enter, FL_SHIFT);
@@ -85,7 +85,7 @@ TEST_F(CurveEditingTest, ShiftEnterAfterOneClickMakesATwoPointOpenCurve) {
 }
 
 TEST_F(CurveEditingTest, SinglePointMakesNoCurve) {
-  View().SetCurveType(1);
+  View().SetCurveType(CurveType::kPosition);
   Click(20.5, 20.5);
   Move(20.5, 20.5);
   Key(FL_Enter);
@@ -107,7 +107,7 @@ TEST_F(CurveEditingTest, EnterWithoutACurveOnlyUnselects) {
 }
 
 TEST_F(CurveEditingTest, EnterWithoutATypeAsksForOne) {
-  Begin(0);
+  Begin(CurveType::kNone);
   EXPECT_EQ(Key(FL_Enter), 1);
   EXPECT_EQ(m_Host.m_aTold, std::vector{FormatHelp(HelpText::kCurveTypeWanted)});
   EXPECT_TRUE(Curves().empty());
@@ -162,14 +162,14 @@ TEST_F(CurveEditingTest, PressOnACurveAppendsWhileOneIsInProgress) {
   Click(80.5, 20.5);
   EXPECT_EQ(Pending(), 3U);
   EXPECT_EQ(Selection(Curves()), "0:00");
-  EXPECT_EQ(View().CurveType(), 1);
+  EXPECT_EQ(View().CurveType(), CurveType::kPosition);
   EXPECT_TRUE(m_Host.m_aiCurveTypes.empty());
   EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
 }
 
 TEST_F(CurveEditingTest, OtherButtonsOnNothingAddNoPoint) {
   for (const int button : {kMiddleButton, kRightButton}) {
-    View().SetCurveType(1);
+    View().SetCurveType(CurveType::kPosition);
     Click(30.5, 30.5, button);
     EXPECT_TRUE(IsIdle());
     Begin();
@@ -192,7 +192,7 @@ TEST_F(CurveEditingTest, KeyKnowsWhereTheMouseIsBeforeItsMotionIsTold) {
 }
 
 TEST_F(CurveEditingTest, DoubleClickAndRepeatedPlacesAreNoTrouble) {
-  View().SetCurveType(1);
+  View().SetCurveType(CurveType::kPosition);
   for (int k = 0; k < 4; ++k) Click(20.5, 20.5);
   Move(60.5, 20.5);
   Key(FL_Enter, FL_SHIFT);

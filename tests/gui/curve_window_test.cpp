@@ -33,7 +33,7 @@ class CurveWindowTest : public WindowTest {
   CImageView& View() { return m_Window.ImageView(); }
   CCntrCtrlList& Curves() { return Grid().Curves(); }
   CCntrCtrl& Curve(int place = 0) { return CurveAt(Curves(), place); }
-  void Add(const CPlaces& places, std::uint32_t type = kTear) {
+  void Add(const CPlaces& places, CurveType type = kTear) {
     Grid().AddCurve(PointsAt(places), type, false);
     Settle();
   }
@@ -87,7 +87,7 @@ TEST_F(CurveWindowTest, CurvesAndSelectAreThereWithoutAnyService) {
 TEST_F(CurveWindowTest, CurveIsDrawnWithTheMouseAndTheKeyboard) {
   EXPECT_STREQ(HelpLine().value(), kIdleHelp);
   ClickOn(Control::PositionDiscontinuity);
-  EXPECT_EQ(View().CurveType(), 1);
+  EXPECT_EQ(View().CurveType(), CurveType::kPosition);
   Click(0, 22);
   EXPECT_STREQ(HelpLine().value(), kDrawingHelp);
   Click(4, 24);
@@ -103,7 +103,7 @@ TEST_F(CurveWindowTest, CurveIsDrawnWithTheMouseAndTheKeyboard) {
 
 TEST_F(CurveWindowTest, EditingWithTheSolverStoppedShowsAtOnce) {
   const int before = Grid().Tree().LeafCount();
-  m_Window.ImageView().SetCurveType(1);
+  m_Window.ImageView().SetCurveType(CurveType::kPosition);
   Click(0, 22);
   Send(FL_MOVE, 8, 24);
   TypeAt(FL_Enter, 8, 24);
@@ -115,7 +115,7 @@ TEST_F(CurveWindowTest, EditingWithTheSolverStoppedShowsAtOnce) {
 TEST_F(CurveWindowTest, PointsClickedSinceTheCurveWasPostedStay) {
   RegisterSolverTimer(Grid());
   Grid().SetRunning(true);
-  m_Window.ImageView().SetCurveType(2);
+  m_Window.ImageView().SetCurveType(CurveType::kNormal);
   Click(0, 22);
   TypeAt(FL_Enter, 8, 24);
   ASSERT_EQ(Grid().NextOperation(), Operation::kNewCurve);
@@ -146,12 +146,12 @@ TEST_F(CurveWindowTest, HelpOfAButtonMakesWayForThatOfTheDrawing) {
 }
 
 TEST_F(CurveWindowTest, LampsFollowTheTypeOfThePickedCurve) {
-  for (const std::uint32_t type : {kTear, kCrease, kFair, kTear}) {
+  for (const CurveType type : {kTear, kCrease, kFair, kTear}) {
     Curves().clear();
     Add(kPath, type);
     Click(4, 24);
     EXPECT_EQ(Lamps(), static_cast<int>(type));
-    EXPECT_EQ(View().CurveType(), static_cast<int>(type));
+    EXPECT_EQ(View().CurveType(), type);
     EXPECT_EQ(Selection(Curves()), "1:010");
     Settle();
   }
@@ -222,9 +222,9 @@ TEST_F(CurveWindowTest, AttributesWaitForTheTick) {
   Grid().SetRunning(true);
   Press(4, 24, FL_RIGHT_MOUSE);
   EXPECT_TRUE(m_asDone.empty());
-  EXPECT_EQ(Grid().NextOperation(), 512);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kContourAttributes);
   Send(FL_RELEASE, 4, 24, FL_RIGHT_MOUSE);
-  EXPECT_EQ(Grid().NextOperation(), 512) << "the release posts nothing over it";
+  EXPECT_EQ(Grid().NextOperation(), Operation::kContourAttributes) << "the release posts nothing over it";
   EXPECT_TRUE(RunToolkitUntil([&] { return m_asDone == Texts{"fairness attributes"}; }));
 }
 

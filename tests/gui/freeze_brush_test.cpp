@@ -34,7 +34,7 @@ TEST_F(FreezeBrushTest, StrokeIsNoEdit) {
   Drag(30.5, 30.5);
   Release();
   EXPECT_TRUE(List().empty());
-  EXPECT_EQ(Grid().NextOperation(), 0);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
 }
 
 TEST_F(FreezeBrushTest, MovingPaintsNothingAndGoesOn) {

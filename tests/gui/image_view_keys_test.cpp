@@ -43,7 +43,7 @@ class ImageViewKeysTest : public ImageViewTest {
   // A torn curve, and the type of new ones is another.
   void SetUpCurve() {
     Clear(EditingMode::Curve);
-    View().SetCurveType(static_cast<int>(CurveType::kFairness));
+    View().SetCurveType(CurveType::kFairness);
     AddCurveThrough(Grid(), CurveType::kPosition, {{30, 50.5}, {kSomething.x, kSomething.y}, {70, 50.5}});
     Settle();
   }
@@ -55,8 +55,9 @@ class ImageViewKeysTest : public ImageViewTest {
   /// Everything that a user could notice, as a text.
   std::string State() {
     std::ostringstream out;
-    out << GridText(Grid()) << Grid().NextOperation() << ' ' << g_fZoom << ' ' << m_Host.m_aAttributePlaces.size()
-        << ' ' << View().CurveType() << ' ' << Grid().PendingCurve().Points().size() << ' ';
+    out << GridText(Grid()) << CodeOf(Grid().NextOperation()) << ' ' << g_fZoom << ' '
+        << m_Host.m_aAttributePlaces.size() << ' ' << static_cast<int>(View().CurveType()) << ' '
+        << Grid().PendingCurve().Points().size() << ' ';
     for (const CPtCstr& point : Grid().PointConstraints()) out << point.HasState(PtCstrState::kSelected);
     for (const CCntrCtrl& curve : Grid().Curves()) {
       for (const CCntrNode& node : curve.Nodes()) out << node.HasState(PtCstrState::kSelected);

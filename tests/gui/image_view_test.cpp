@@ -42,7 +42,7 @@ TEST_F(ImageViewEventTest, StartState) {
   EXPECT_EQ(View().DisplayFlags(), 14U);
   EXPECT_EQ(View().DebugFlags(), 0U);
   EXPECT_EQ(View().Mode(), EditingMode::Unset);
-  EXPECT_EQ(View().CurveType(), 0);
+  EXPECT_EQ(View().CurveType(), CurveType::kNone);
   EXPECT_EQ(View().TextureFileName(), "");
 }
 

@@ -246,7 +246,7 @@ TEST_F(LightSourcesTest, NewPictureTakesTheTextureOptionsAway) {
   Push("Update\nKd");
   Push("Show New Illumination");
   m_Lighting.m_bHasKd = false;
-  m_Lighting.m_Shown = TextureMode::Original;
+  m_Lighting.m_Shown = CTextureImages::kPhotograph;
   m_Panel.Refresh();
   EXPECT_FALSE(Widget<Fl_Group>(kTextures).active());
   EXPECT_TRUE(IsOn("Show Original texture"));
@@ -256,9 +256,9 @@ TEST_F(LightSourcesTest, TextureButtonsShowTheirTextureAndAreOnAlone) {
   m_Lighting.m_bHasKd = true;
   m_Panel.Open();
   EXPECT_TRUE(IsOn("Show Original texture"));
-  const std::array buttons{std::pair{"Show Kd texture\nwithout added lights", TextureMode::Kd},
-                           std::pair{"Show New Illumination", TextureMode::NewIllumination},
-                           std::pair{"Show Original texture", TextureMode::Original}};
+  const std::array buttons{std::pair{"Show Kd texture\nwithout added lights", CTextureImages::kKd},
+                           std::pair{"Show New Illumination", CTextureImages::kIllumination},
+                           std::pair{"Show Original texture", CTextureImages::kPhotograph}};
   for (const auto& [label, mode] : buttons) {
     for (int press = 0; press < 2; ++press) {
       Push(label);

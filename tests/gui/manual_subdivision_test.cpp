@@ -55,8 +55,8 @@ TEST_F(ManualSubdivisionTest, ClickRefinesDownToTheFinestLevel) {
   const int before = Grid().Tree().LeafCount();
   EXPECT_EQ(Push(kLeftButton, 10.5, 10.5), 1);
   EXPECT_EQ(Release(), 1);
-  EXPECT_EQ(Grid().NextOperation(), 4);
-  EXPECT_EQ(Operation::kRebuildMaps, 4);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(CodeOf(Operation::kRebuildMaps), 4);
   Grid().PerformPendingWork();
   EXPECT_EQ(Grid().Tree().LeafCount(), before + 3 + 3);
   const CLattice& lattice = Grid().Lattice();
@@ -69,7 +69,7 @@ TEST_F(ManualSubdivisionTest, ThreePixelsAreStillAClick) {
     Push(kLeftButton, 60.5, 60.5);
     Drag(60.5 + dx, 60.5 + dy);
     Release();
-    EXPECT_EQ(Grid().NextOperation(), click ? 4 : 0) << dx << ", " << dy;
+    EXPECT_EQ(CodeOf(Grid().NextOperation()), click ? 4 : 0) << dx << ", " << dy;
     EXPECT_EQ(SelectedLeaves() == 0, click) << dx << ", " << dy;
     Settle();
     Grid().Initialize(2, false, 0, 0, 100, 100);
@@ -83,7 +83,7 @@ TEST_F(ManualSubdivisionTest, MouseThatComesBackHasClicked) {
   Drag(61.5, 60.5);
   Release();
   EXPECT_EQ(SelectedLeaves(), 0);
-  EXPECT_EQ(Grid().NextOperation(), 4);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
 }
 
 TEST_F(ManualSubdivisionTest, ClickBesideTheModelDoesNothing) {
@@ -115,14 +115,14 @@ TEST_F(ManualSubdivisionTest, RectanglesAddUpAndMayBeDrawnFromAnyCorner) {
 TEST_F(ManualSubdivisionTest, PlusSplitsTheSelectionAndMinusMergesIt) {
   DragOver(30.5, 10.5, 40.5, 20.5);
   EXPECT_EQ(TypeText('=', "+", FL_SHIFT), 1);
-  EXPECT_EQ(Grid().NextOperation(), 128);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kSubdivide);
   Settle();
   EXPECT_EQ(SelectedLeaves(), 4);
   EXPECT_FALSE(Saved(0, 1).IsLeaf());
   EXPECT_TRUE(IsMarked(1, 2, 0));
   EXPECT_FALSE(IsMarked(2, 1, 0));
   EXPECT_EQ(TypeText('-', "-"), 1);
-  EXPECT_EQ(Grid().NextOperation(), 256);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kMerge);
   Settle();
   EXPECT_EQ(SelectedLeaves(), 1);
   EXPECT_TRUE(Saved(0, 1).IsLeaf());
@@ -143,7 +143,7 @@ TEST_F(ManualSubdivisionTest, KeysMayLieAnywhereOnTheKeyboard) {
                           {"", '-', 256},
                           {"-", FL_KP + '-', 256}}) {
     EXPECT_EQ(TypeText(row.m_iKey, row.m_pText), 1);
-    EXPECT_EQ(Grid().NextOperation(), row.m_iCode) << row.m_iKey;
+    EXPECT_EQ(CodeOf(Grid().NextOperation()), row.m_iCode) << row.m_iKey;
     Settle();
   }
 }
@@ -237,9 +237,9 @@ TEST_F(ManualSubdivisionTest, EachResolutionShowsItsOwnSelection) {
   for (const auto& [code, selected] : {std::pair{Operation::kTransferToHigh, 0}, {Operation::kRestoreNormal, 1}}) {
     Grid().Post(code);
     Settle();
-    EXPECT_EQ(SelectedLeaves(), selected) << code;
-    EXPECT_EQ(IsMarked(2, 1, 0), selected == 1) << code;
-    EXPECT_EQ(Grid().Tree().SelectedCorners().size(), 8U * static_cast<unsigned>(selected)) << code;
+    EXPECT_EQ(SelectedLeaves(), selected) << CodeOf(code);
+    EXPECT_EQ(IsMarked(2, 1, 0), selected == 1) << CodeOf(code);
+    EXPECT_EQ(Grid().Tree().SelectedCorners().size(), 8U * static_cast<unsigned>(selected)) << CodeOf(code);
   }
 }
 
@@ -250,7 +250,7 @@ TEST_F(ManualSubdivisionTest, NewGridStartsWithNothingSelected) {
   DragOver(30.5, 10.5, 40.5, 20.5);
   EXPECT_GT(SelectedLeaves(), 0);
   Grid().Initialize(2, true, 0, 0, 100, 100);
-  for (const int code : {Operation::kRestoreNormal, Operation::kRestoreHigh}) {
+  for (const Operation code : {Operation::kRestoreNormal, Operation::kRestoreHigh}) {
     EXPECT_EQ(SelectedLeaves(), 0);
     EXPECT_TRUE(Grid().Tree().SelectedCorners().empty());
     Grid().Post(code);

@@ -20,7 +20,7 @@ class ModelCurvesTest : public ModelViewTest {
     ShowOnly(ModelFlag::kCurves);
     return FrameOf(View());
   }
-  CCntrCtrl& Add(const CPlaces& places, std::uint32_t type, bool closed = false) {
+  CCntrCtrl& Add(const CPlaces& places, CurveType type, bool closed = false) {
     CCntrCtrl& curve = Grid().Curves().Add(PointsAt(places), type, closed);
     m_Grid.m_Console.Take();
     return curve;
@@ -75,7 +75,7 @@ TEST_F(ModelCurvesTest, ClosedOnesReturnToTheirFirstNode) {
 TEST_F(ModelCurvesTest, TypesAndStatesAreToldApart) {
   CCntrCtrl& curve = Add(kAcross, CurveType::kPosition);
   std::vector<CRgb> colours;
-  for (const std::uint32_t type : {CurveType::kPosition, CurveType::kNormal, CurveType::kFairness}) {
+  for (const CurveType type : {CurveType::kPosition, CurveType::kNormal, CurveType::kFairness}) {
     curve.SetType(type);
     colours.push_back(ColourAt(Frame(), 4.5, 23));
   }

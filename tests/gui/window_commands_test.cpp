@@ -34,7 +34,7 @@ TEST_F(WindowCommandsTest, CurveTypesAreSelected) {
                                       {Control::FairnessConstraint, 4},
                                       {Control::NormalDiscontinuity, 2}}) {
     ClickOn(control);
-    EXPECT_EQ(m_Window.ImageView().CurveType(), type);
+    EXPECT_EQ(static_cast<int>(m_Window.ImageView().CurveType()), type);
   }
 }
 
@@ -244,7 +244,7 @@ TEST_F(WindowCommandsTest, WhileTheSolverRunsLoadingWaitsForItsNextTick) {
   GiveWork();
   Menu().Choose(MenuEntry::LoadGrid);
   EXPECT_TRUE(m_asDone.empty());
-  EXPECT_EQ(Grid().NextOperation(), 2048);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kLoadGrid);
   EXPECT_TRUE(RunToolkitUntil([&] { return m_asDone == Texts{"load"}; }));
 }
 
@@ -276,7 +276,7 @@ TEST_F(WindowCommandsTest, SwitchUpIsPostedAndRelabelledAtOnce) {
     m_Dialogs.m_bYes = yes;
     Console();
     ClickOn(Control::SwitchResolution);
-    EXPECT_EQ(Grid().NextOperation(), code);
+    EXPECT_EQ(CodeOf(Grid().NextOperation()), code);
     EXPECT_STREQ(Widget(Control::SwitchResolution).label(), "Switch to LR");
     EXPECT_EQ(Console(), "CImageViewUI::cb_m_pbtnSwitchHR_LR\n");
     EXPECT_TRUE(Grid().IsRunning());
@@ -286,7 +286,7 @@ TEST_F(WindowCommandsTest, SwitchUpIsPostedAndRelabelledAtOnce) {
 TEST_F(WindowCommandsTest, SwitchDownIsPostedAndRelabelledAtOnce) {
   g_bHighRes = 1;
   ClickOn(Control::SwitchResolution);
-  EXPECT_EQ(Grid().NextOperation(), 64);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kRestoreNormal);
   EXPECT_STREQ(Widget(Control::SwitchResolution).label(), "Switch to HR");
   EXPECT_TRUE(m_Dialogs.m_asQuestions.empty());
 }

@@ -14,7 +14,7 @@ TEST(GridCurvesTest, NewCurveIsAnnouncedAndPosted) {
   CCurveGrid test;
   test.Add(kPath, kCrease, true);
   EXPECT_EQ(test.m_Console.Take(), "CCntrCtrl creation\ncontour with 3 nodes added \n");
-  EXPECT_EQ(test.m_Grid.NextOperation(), 1024);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNewCurve);
   EXPECT_EQ(PlacesOf(test.Curve()), kPath);
   EXPECT_TRUE(test.Curve().IsClosed());
   EXPECT_EQ(test.Curve().Type(), kCrease);
@@ -25,7 +25,7 @@ TEST(GridCurvesTest, CurveWithoutPointsIsNone) {
   test.Add({});
   test.m_Grid.AddTracedCurve({}, kTear, false);
   EXPECT_TRUE(test.m_Grid.Curves().empty());
-  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
   EXPECT_EQ(test.m_Console.Take(), "");
 }
 
@@ -63,7 +63,7 @@ TEST(GridCurvesTest, TracedCurveKeepsTheNodesThatMatter) {
   test.m_Grid.AddTracedCurve(PointsAt({{0, 21}, {4, 21}, {8, 21}, {8, 21.3}, {8, 23}, {8, 25}}), kTear, false);
   EXPECT_EQ(PlacesOf(test.Curve()), (CPlaces{{0, 21}, {8, 21}, {8, 25}}));
   EXPECT_FALSE(test.Node(1).Offsets(CurveSide::Right).m_B.IsZero()) << "the normals are those of what is kept";
-  EXPECT_EQ(test.m_Grid.NextOperation(), 1024);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNewCurve);
 }
 
 TEST(GridCurvesTest, TracedCurveHasTheOffsetsOfTheNodesThatAreKept) {
@@ -142,12 +142,12 @@ TEST(PendingGridCurveTest, SinglePointMakesNoCurve) {
   EXPECT_EQ(test.m_Grid.ValidatePendingCurve(0, 21, false, kTear), CGrid::Validation::Dropped);
   EXPECT_TRUE(test.m_Grid.Curves().empty());
   EXPECT_TRUE(test.m_Grid.PendingCurve().IsIdle());
-  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
 }
 
 TEST(PendingGridCurveTest, EnterWithNothingInProgressDoesNothing) {
   CCurveGrid test;
-  for (const std::uint32_t type : {0U, kTear})
+  for (const CurveType type : {CurveType::kNone, kTear})
     EXPECT_EQ(test.m_Grid.ValidatePendingCurve(0, 21, true, type), CGrid::Validation::Dropped);
   EXPECT_TRUE(test.m_Grid.Curves().empty());
 }
@@ -155,7 +155,7 @@ TEST(PendingGridCurveTest, EnterWithNothingInProgressDoesNothing) {
 TEST(PendingGridCurveTest, WithoutATypeThePointsStay) {
   CCurveGrid test;
   test.Click({{0, 21}, {4, 22}});
-  EXPECT_EQ(test.m_Grid.ValidatePendingCurve(8, 24, false, 0), CGrid::Validation::NeedsType);
+  EXPECT_EQ(test.m_Grid.ValidatePendingCurve(8, 24, false, CurveType::kNone), CGrid::Validation::NeedsType);
   EXPECT_EQ(test.m_Grid.PendingCurve().Points().size(), 2U);
   EXPECT_FALSE(test.m_Grid.PendingCurve().IsIdle());
   EXPECT_EQ(test.m_Grid.ValidatePendingCurve(8, 24, false, kTear), CGrid::Validation::Added);
@@ -209,8 +209,8 @@ TEST(GridCurvesTest, PickAnswersTheTypeOfTheCurve) {
   test.Add(kPath, kCrease);
   EXPECT_EQ(test.m_Grid.PickCurve(4.5, 22.4, CurveType::kAll), kCrease);
   EXPECT_EQ(Selection(test.m_Grid.Curves()), "1:010");
-  EXPECT_EQ(test.m_Grid.PickCurve(4.5, 22.4, kTear), 0U);
-  EXPECT_EQ(test.m_Grid.PickCurve(2, 21.5, CurveType::kAll), 0U) << "a segment is not a node";
+  EXPECT_EQ(test.m_Grid.PickCurve(4.5, 22.4, kTear), CurveType::kNone);
+  EXPECT_EQ(test.m_Grid.PickCurve(2, 21.5, CurveType::kAll), CurveType::kNone) << "a segment is not a node";
 }
 
 TEST(GridCurvesTest, ReachFollowsTheZoom) {
@@ -220,7 +220,7 @@ TEST(GridCurvesTest, ReachFollowsTheZoom) {
   const CGlobalScope zoom(g_fZoom, 2.0);
   EXPECT_TRUE(test.m_Grid.HighlightCurves(0, 19.5, CurveType::kAll));
   EXPECT_EQ(Highlights(test.m_Grid.Curves()), "1:100");
-  EXPECT_NE(test.m_Grid.FindCurve(0, 19.5).m_pNode, nullptr);
+  EXPECT_NE(test.m_Grid.FindCurve(0, 19.5, PickReach()), CurveId::kNone);
 }
 
 TEST(GridCurvesTest, UnselectAllIncludesCurves) {
@@ -237,7 +237,7 @@ TEST(GridCurvesTest, SelectedCurveTakesAnotherType) {
   test.m_Grid.SetSelectedCurveType(kCrease);
   EXPECT_EQ(test.Curve().Type(), kTear) << "none is selected";
   test.m_Grid.PickCurve(0, 21, CurveType::kAll);
-  test.m_Grid.SetSelectedCurveType(0);
+  test.m_Grid.SetSelectedCurveType(CurveType::kNone);
   EXPECT_EQ(test.Curve().Type(), kTear);
   test.m_Grid.SetSelectedCurveType(kCrease);
   EXPECT_EQ(test.Curve().Type(), kCrease);
@@ -250,7 +250,7 @@ TEST(GridCurvesTest, DragMovesThePickedNodeAndPostsNothing) {
   test.m_Grid.PickCurve(4, 22, CurveType::kAll);
   test.m_Grid.MoveSelectedCurve(0.5, -0.5, CurveType::kAll);
   EXPECT_EQ(PlacesOf(test.Curve()), (CPlaces{{0, 21}, {4.5, 21.5}, {8, 24}}));
-  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
 }
 
 TEST(GridCurvesTest, DeletionsPostARebuildOfTheMaps) {
@@ -260,12 +260,12 @@ TEST(GridCurvesTest, DeletionsPostARebuildOfTheMaps) {
   test.m_Grid.PickCurve(4, 22, CurveType::kAll);
   test.m_Grid.DeleteSelectedCurveNode();
   EXPECT_EQ(PlacesOf(test.Curve()), (CPlaces{{0, 21}, {8, 24}}));
-  EXPECT_EQ(test.m_Grid.NextOperation(), 4);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps);
   test.m_Grid.UpdateGrid();
   test.m_Grid.PickCurve(0, 21, CurveType::kAll);
   test.m_Grid.DeleteSelectedCurve();
   EXPECT_TRUE(test.m_Grid.Curves().empty());
-  EXPECT_EQ(test.m_Grid.NextOperation(), 4);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps);
 }
 
 TEST(GridCurvesTest, ClosedCurveOfTwoNodesLeftBecomesOpen) {

@@ -30,7 +30,7 @@ TEST(CurveCodesTest, NewCurveIsInTheModelBeforeASavingPostedEarlier) {
   test.m_Grid.Post(Operation::kSaveGrid);
   test.Add(kPath);
   test.m_Grid.PerformPendingWork();
-  EXPECT_EQ(test.m_Host.m_aiCommands, std::vector{Operation::kSaveGrid});
+  EXPECT_EQ(test.m_Host.m_aiCommands, std::vector{CodeOf(Operation::kSaveGrid)});
   EXPECT_GT(leaves, 16);
 }
 
@@ -47,7 +47,7 @@ TEST(CurveCodesTest, AttributesCodeAsksTheHostForTheDialog) {
   CCurveGrid test;
   test.m_Grid.Post(Operation::kContourAttributes);
   test.m_Grid.UpdateGrid();
-  EXPECT_EQ(test.m_Host.m_aiCommands, std::vector{Operation::kContourAttributes});
+  EXPECT_EQ(test.m_Host.m_aiCommands, std::vector{CodeOf(Operation::kContourAttributes)});
 }
 
 TEST(CurveCodesTest, SubdivideCodeSplitsTheSelectionAndShowsIt) {
@@ -71,7 +71,7 @@ TEST(CurveCodesTest, MergeCodeUndoesIt) {
   CCurveGrid test;
   CSaveQuadT& wanted = test.m_Grid.Subdivision().Root().Child(1).Child(0);
   wanted.SetSelected(true);
-  for (const int code : {Operation::kSubdivide, Operation::kMerge}) {
+  for (const Operation code : {Operation::kSubdivide, Operation::kMerge}) {
     test.m_Grid.Post(code);
     test.m_Grid.UpdateGrid();
   }
@@ -196,7 +196,7 @@ TEST(CurveRebuildTest, BothResolutionsHaveTheCurves) {
   test.Add(kPath);
   test.m_Grid.UpdateGrid();
   for (const int code : {8, 16}) {
-    test.m_Grid.Post(code);
+    test.m_Grid.Post(OperationOf(code));
     test.m_Grid.UpdateGrid();
     int marked = 0;
     test.m_Grid.Tree().ForEachLeaf([&](const CQuadT& cell) { marked += cell.HasFlag(CellFlag::kTriangles) ? 1 : 0; });
@@ -222,7 +222,7 @@ TEST(CurveAttributesTest, GoToTheCurveAndTheNodeUnderTheClick) {
   wanted.m_bRightAutoBump = true;
   wanted.m_aAutoBumps[1] = {2.5, 120};
   wanted.m_Weights = {1, 2, 3, 4};
-  test.m_Grid.SetCurveAttributes(4.2, 22.1, wanted, kCrease, false);
+  test.m_Grid.SetCurveAttributes(test.At(4.2, 22.1), 1, wanted, kCrease, false);
   EXPECT_TRUE(test.Curve().IsClosed());
   EXPECT_EQ(test.Curve().Options(), CurveOption::kRightAutoBump);
   EXPECT_EQ(test.Curve().AutoBump(CurveSide::Right).m_fOrientation, 80);
@@ -230,12 +230,12 @@ TEST(CurveAttributesTest, GoToTheCurveAndTheNodeUnderTheClick) {
   EXPECT_EQ(test.Curve().Type(), kCrease) << "the type is the view's";
   EXPECT_EQ(test.Node(1).m_Weights, wanted.m_Weights);
   EXPECT_EQ(test.Node(0).m_Weights, CNodeWeights{});
-  EXPECT_EQ(test.m_Grid.NextOperation(), 4);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps);
 }
 
 TEST(CurveAttributesTest, WithoutACurrentTypeTheCurveKeepsItsOwn) {
   CAttributesGrid test;
-  test.m_Grid.SetCurveAttributes(4, 22, test.Shown(), 0, false);
+  test.m_Grid.SetCurveAttributes(test.At(4, 22), 1, test.Shown(), CurveType::kNone, false);
   EXPECT_EQ(test.Curve().Type(), kTear);
 }
 
@@ -243,7 +243,7 @@ TEST(CurveAttributesTest, WeightsMayGoToAllNodes) {
   CAttributesGrid test;
   CContourAttributes wanted = test.Shown();
   wanted.m_Weights = {1, 2, 3, 4};
-  test.m_Grid.SetCurveAttributes(4, 22, wanted, 0, true);
+  test.m_Grid.SetCurveAttributes(test.At(4, 22), 1, wanted, CurveType::kNone, true);
   for (const CCntrNode& node : test.Curve().Nodes()) EXPECT_EQ(node.m_Weights, wanted.m_Weights);
 }
 
@@ -251,10 +251,10 @@ TEST(CurveAttributesTest, NothingHappensAwayFromEveryCurve) {
   CAttributesGrid test;
   CContourAttributes wanted = test.Shown();
   wanted.m_bClosed = true;
-  test.m_Grid.SetCurveAttributes(10, 20.5, wanted, kCrease, true);
-  test.m_Grid.ExportCurveConstraints(10, 20.5);
+  test.m_Grid.SetCurveAttributes(test.At(10, 20.5), 0, wanted, kCrease, true);
+  test.m_Grid.ExportCurveConstraints(test.At(10, 20.5));
   EXPECT_FALSE(test.Curve().IsClosed());
-  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
   EXPECT_TRUE(test.m_Grid.PointConstraints().empty());
 }
 
@@ -263,7 +263,7 @@ TEST(CurveAttributesTest, ExportMakesGeneratedConstraintsTheUsersOwn) {
   test.Curve().SetOption(CurveOption::kLeftAutoBump | CurveOption::kRightAutoBump, true);
   test.m_Grid.SetDiscMap();
   const CPlaces generated = PlacesOf(test.m_Grid.GeneratedConstraints());
-  test.m_Grid.ExportCurveConstraints(4, 22);
+  test.m_Grid.ExportCurveConstraints(test.At(4, 22));
   EXPECT_EQ(PlacesOf(test.m_Grid.PointConstraints()), generated);
   EXPECT_EQ(test.Curve().Options(), 0U);
   EXPECT_EQ(test.m_Host.m_iConstraints, static_cast<int>(generated.size()));
@@ -282,7 +282,7 @@ TEST(CurveAttributesTest, ExportFollowsANodeThatHasJustBeenMoved) {
     grid->Curve().SetOption(CurveOption::kRightAutoBump, true);
   rebuilt.m_Grid.SetDiscMap();
   test.Node(1).m_fY = 25;
-  test.m_Grid.ExportCurveConstraints(4, 25);
+  test.m_Grid.ExportCurveConstraints(test.At(4, 25));
   EXPECT_EQ(PlacesOf(test.m_Grid.PointConstraints()), PlacesOf(rebuilt.m_Grid.GeneratedConstraints()));
 }
 
@@ -290,7 +290,7 @@ TEST(CurveAttributesTest, ExportedConstraintsTakeTheHeightUnderThemWithNoTick) {
   CAttributesGrid test;
   test.Curve().SetOption(CurveOption::kLeftAutoBump, true);
   SetRandomSurface(test.m_Grid, 5);
-  test.m_Grid.ExportCurveConstraints(4, 22);
+  test.m_Grid.ExportCurveConstraints(test.At(4, 22));
   test.m_Grid.PerformPendingWork();
   ASSERT_FALSE(test.m_Grid.PointConstraints().empty());
   for (const CPtCstr& c : test.m_Grid.PointConstraints()) {
@@ -302,7 +302,7 @@ TEST(CurveAttributesTest, ExportedConstraintsTakeTheHeightUnderThemWithNoTick) {
 TEST(CurveAttributesTest, ExportedConstraintsKeepTheirFineCellsWithoutTheCurve) {
   CAttributesGrid test;
   test.Curve().SetOption(CurveOption::kLeftAutoBump, true);
-  test.m_Grid.ExportCurveConstraints(4, 22);
+  test.m_Grid.ExportCurveConstraints(test.At(4, 22));
   test.m_Grid.Curves().clear();
   test.m_Grid.SetDiscMap();
   ASSERT_FALSE(test.m_Grid.PointConstraints().empty());

@@ -19,7 +19,7 @@ struct CSurfaceGrid {
   explicit CSurfaceGrid(int maxLevel = 6, int baseLevel = 4) : m_Scope(maxLevel, baseLevel) {
     m_Grid.Initialize(baseLevel, false, 0, 0, 100, 100);
   }
-  void AddCurve(const CPlaces& places, std::uint32_t type, bool closed = false) {
+  void AddCurve(const CPlaces& places, CurveType type, bool closed = false) {
     m_Grid.AddCurve(PointsAt(places), type, closed);
   }
   void AddHeights(const CPlaces& places, double z) {

@@ -66,7 +66,7 @@ TEST_F(FreezeMapTest, BrushMayLieOutsideOrCoverEverything) {
 }
 
 TEST_F(FreezeMapTest, NothingElseChanges) {
-  const int operation = Grid().NextOperation();
+  const Operation operation = Grid().NextOperation();
   const std::uint64_t revision = Grid().FreezeRevision();
   const std::size_t inUse = Grid().Lattice().Count(PointFlag::kInUse);
   Grid().PaintFreezeMap(4, 23, true);

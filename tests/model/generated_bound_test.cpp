@@ -77,7 +77,7 @@ TEST_F(GeneratedBoundTest, ALargerDistanceLetsACurveInAndAnotherSlipIsToldAgain)
 TEST_F(GeneratedBoundTest, BeyondItNothingIsExported) {
   const CCntrCtrl& curve = AddLine(40);
   Grid().UpdateGrid();
-  EXPECT_FALSE(Grid().ExportCurveConstraints(-3, 22.2));
+  EXPECT_FALSE(Grid().ExportCurveConstraints(curve.Id()));
   EXPECT_TRUE(Grid().PointConstraints().empty());
   EXPECT_EQ(curve.Options(), CurveOption::kLeftAutoBump);
 }

@@ -64,7 +64,7 @@ TEST(GridTest, StartsRunningWithEverythingToDo) {
   const ConsoleCapture console;
   const CGrid grid;
   EXPECT_TRUE(grid.IsRunning());
-  EXPECT_EQ(grid.NextOperation(), 0);
+  EXPECT_EQ(grid.NextOperation(), Operation::kNone);
   EXPECT_EQ(grid.IterationCounter(), -1);
   EXPECT_EQ(grid.IterationsPerTick(), 9);
   EXPECT_EQ(grid.Surface().Mode(), WaveletMode::New);
@@ -184,7 +184,7 @@ TEST(GridTest, FirstTickRebuildsAfterInitialize) {
   test.Initialize(3);
   EXPECT_EQ(test.m_Grid.IterationCounter(), -1);
   EXPECT_EQ(test.m_Grid.IterationsPerTick(), 9);
-  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
 }
 
 TEST(GridTest, InitializeForgetsWhatWasPosted) {
@@ -192,7 +192,7 @@ TEST(GridTest, InitializeForgetsWhatWasPosted) {
   test.m_Grid.Post(Operation::kTransferToHigh);
   test.m_Grid.Post(Operation::kRebuildMaps);
   test.Initialize(2, true);
-  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
   test.m_Console.Take();
   test.m_Grid.PerformPendingWork();
   EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n25 points\n");

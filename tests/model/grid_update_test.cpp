@@ -23,7 +23,7 @@ class GridUpdateTest : public testing::Test {
   }
   void AddSome() { AddAll(Grid(), SomeConstraints()); }
   // The operation is posted when the grid has events processed for the given time.
-  void PostInRound(int round, int operation) {
+  void PostInRound(int round, Operation operation) {
     m_Host.m_OnEvents = [this, round, operation](int now) {
       if (now == round) Grid().Post(operation);
     };
@@ -37,7 +37,7 @@ TEST_F(GridUpdateTest, FirstTickRebuildsAndIteratesTenTimes) {
   AddSome();
   EXPECT_EQ(Tick(), "*** SetSparseH ***\n25 points\n");
   EXPECT_EQ(Grid().IterationCounter(), 10);
-  EXPECT_EQ(Grid().NextOperation(), 0);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
   EXPECT_TRUE(Grid().IsRunning());
 }
 
@@ -279,7 +279,7 @@ TEST_F(GridUpdateTest, PostingBetweenTheStepsEndsTheIterationsAtOnce) {
     test.m_Grid.UpdateGrid();
     EXPECT_EQ(test.m_Grid.IterationCounter(), iterations) << round;
     EXPECT_LT(iterations, 10);
-    EXPECT_EQ(test.m_Grid.NextOperation(), 1);
+    EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRestart);
     EXPECT_EQ(host.m_iIterations, iterations);
   }
 }
@@ -291,11 +291,11 @@ TEST_F(GridUpdateTest, EveryCodeEndsTheIterations) {
     CActingHost host(test.m_Grid);
     AddAll(test.m_Grid, SomeConstraints());
     host.m_OnEvents = [&](int round) {
-      if (round == 5) test.m_Grid.Post(code);
+      if (round == 5) test.m_Grid.Post(OperationOf(code));
     };
     test.m_Grid.UpdateGrid();
     EXPECT_LT(test.m_Grid.IterationCounter(), 10) << code;
-    EXPECT_EQ(test.m_Grid.NextOperation(), code);
+    EXPECT_EQ(test.m_Grid.NextOperation(), OperationOf(code));
   }
 }
 
@@ -330,7 +330,7 @@ TEST_F(GridUpdateTest, InterruptionsDoNotChangeTheCourse) {
   AddAll(other.m_Grid, SomeConstraints());
   host.m_OnEvents = [&](int round) {
     if (round == 7) other.m_Grid.Post(Operation::kSaveGrid);
-    if (round > 8 && other.m_Grid.IterationCounter() == 10 && other.m_Grid.NextOperation() == 0)
+    if (round > 8 && other.m_Grid.IterationCounter() == 10 && other.m_Grid.NextOperation() == Operation::kNone)
       other.m_Grid.Post(Operation::kLoadImage);
   };
   other.m_Grid.UpdateGrid();

@@ -13,10 +13,16 @@ constexpr std::array kCodes{1, 2, 4, 8, 16, 32, 64, 128, 256, 512, 1024, 2048, 4
 
 bool IsEdit(int code) { return code == 1 || code == 2 || code == 4; }
 
+std::vector<int> CodesOf(const std::vector<Operation>& operations) {
+  std::vector<int> codes;
+  for (const Operation operation : operations) codes.push_back(static_cast<int>(operation));
+  return codes;
+}
+
 std::vector<int> Taken(const std::vector<int>& posted) {
   CPendingWork work;
-  for (const int code : posted) work.Post(code);
-  return work.Take();
+  for (const int code : posted) work.Post(static_cast<Operation>(code));
+  return CodesOf(work.Take());
 }
 
 bool Repeats(int code) { return code == 128 || code == 256; }
@@ -37,19 +43,19 @@ std::vector<int> Wanted(const std::vector<int>& posted) {
 }
 
 TEST(PendingWorkTest, CodesArePowersOfTwo) {
-  EXPECT_EQ(Operation::kNone, 0);
-  EXPECT_EQ((std::array{Operation::kRestart, Operation::kRebuild, Operation::kRebuildMaps}), (std::array{1, 2, 4}));
-  EXPECT_EQ((std::array{Operation::kTransferToHigh, Operation::kTransferToNormal}), (std::array{8, 16}));
-  EXPECT_EQ((std::array{Operation::kRestoreHigh, Operation::kRestoreNormal}), (std::array{32, 64}));
-  EXPECT_EQ((std::array{Operation::kSubdivide, Operation::kMerge}), (std::array{128, 256}));
-  EXPECT_EQ((std::array{Operation::kContourAttributes, Operation::kNewCurve}), (std::array{512, 1024}));
-  EXPECT_EQ((std::array{Operation::kLoadGrid, Operation::kNewGrid}), (std::array{2048, 4096}));
-  EXPECT_EQ((std::array{Operation::kSaveGrid, Operation::kLoadImage}), (std::array{8192, 16384}));
+  EXPECT_EQ(CodesOf({Operation::kNone}), (std::vector{0}));
+  EXPECT_EQ(CodesOf({Operation::kRestart, Operation::kRebuild, Operation::kRebuildMaps}), (std::vector{1, 2, 4}));
+  EXPECT_EQ(CodesOf({Operation::kTransferToHigh, Operation::kTransferToNormal}), (std::vector{8, 16}));
+  EXPECT_EQ(CodesOf({Operation::kRestoreHigh, Operation::kRestoreNormal}), (std::vector{32, 64}));
+  EXPECT_EQ(CodesOf({Operation::kSubdivide, Operation::kMerge}), (std::vector{128, 256}));
+  EXPECT_EQ(CodesOf({Operation::kContourAttributes, Operation::kNewCurve}), (std::vector{512, 1024}));
+  EXPECT_EQ(CodesOf({Operation::kLoadGrid, Operation::kNewGrid}), (std::vector{2048, 4096}));
+  EXPECT_EQ(CodesOf({Operation::kSaveGrid, Operation::kLoadImage}), (std::vector{8192, 16384}));
 }
 
 TEST(PendingWorkTest, NothingIsPendingAtFirst) {
   CPendingWork work;
-  EXPECT_EQ(work.Next(), 0);
+  EXPECT_EQ(work.Next(), Operation::kNone);
   EXPECT_TRUE(work.Take().empty());
 }
 
@@ -57,10 +63,10 @@ TEST(PendingWorkTest, OfEachPairTheLastIsVisible) {
   for (const int first : kCodes) {
     for (const int second : kCodes) {
       CPendingWork work;
-      work.Post(first);
-      EXPECT_EQ(work.Next(), first);
-      work.Post(second);
-      EXPECT_EQ(work.Next(), second) << "after " << first;
+      work.Post(static_cast<Operation>(first));
+      EXPECT_EQ(static_cast<int>(work.Next()), first);
+      work.Post(static_cast<Operation>(second));
+      EXPECT_EQ(static_cast<int>(work.Next()), second) << "after " << first;
     }
   }
 }
@@ -102,29 +108,29 @@ TEST(PendingWorkTest, EditsDoNotMergeAcrossACommand) {
 
 TEST(PendingWorkTest, TakingLeavesNothing) {
   CPendingWork work;
-  work.Post(1);
-  work.Post(8);
+  work.Post(Operation::kRestart);
+  work.Post(Operation::kTransferToHigh);
   work.Take();
-  EXPECT_EQ(work.Next(), 0);
+  EXPECT_EQ(work.Next(), Operation::kNone);
   EXPECT_TRUE(work.Take().empty());
 }
 
 TEST(PendingWorkTest, ClearingForgetsWhatWasOverwrittenToo) {
   CPendingWork work;
-  work.Post(1);
-  work.Post(8);
+  work.Post(Operation::kRestart);
+  work.Post(Operation::kTransferToHigh);
   work.Clear();
-  EXPECT_EQ(work.Next(), 0);
+  EXPECT_EQ(work.Next(), Operation::kNone);
   EXPECT_TRUE(work.Take().empty());
 }
 
 TEST(PendingWorkTest, CodesPostedAfterTakingAreKept) {
   CPendingWork work;
-  work.Post(4096);
+  work.Post(Operation::kNewGrid);
   work.Take();
-  work.Post(4);
-  EXPECT_EQ(work.Next(), 4);
-  EXPECT_EQ(work.Take(), (std::vector{4}));
+  work.Post(Operation::kRebuildMaps);
+  EXPECT_EQ(work.Next(), Operation::kRebuildMaps);
+  EXPECT_EQ(work.Take(), (std::vector{Operation::kRebuildMaps}));
 }
 
 TEST(PendingWorkTest, UnknownCodesAreKeptLikeCommands) { EXPECT_EQ(Taken({1, 3, 2}), (std::vector{1, 3, 2})); }
@@ -132,9 +138,9 @@ TEST(PendingWorkTest, UnknownCodesAreKeptLikeCommands) { EXPECT_EQ(Taken({1, 3, 
 RC_GTEST_PROP(PendingWorkProperty, NothingPostedIsLost, ()) {
   const auto posted = *rc::gen::container<std::vector<int>>(rc::gen::elementOf(kCodes));
   CPendingWork work;
-  for (const int code : posted) work.Post(code);
-  RC_ASSERT(work.Next() == (posted.empty() ? 0 : posted.back()));
-  RC_ASSERT(work.Take() == Wanted(posted));
+  for (const int code : posted) work.Post(static_cast<Operation>(code));
+  RC_ASSERT(static_cast<int>(work.Next()) == (posted.empty() ? 0 : posted.back()));
+  RC_ASSERT(CodesOf(work.Take()) == Wanted(posted));
 }
 
 }  // namespace

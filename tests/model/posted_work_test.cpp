@@ -32,7 +32,7 @@ struct CPostedGrid : CTestGrid {
   }
   /// The console text of a tick before which the codes are posted.
   std::string TickWith(const std::vector<int>& codes) {
-    for (const int code : codes) m_Grid.Post(code);
+    for (const int code : codes) m_Grid.Post(OperationOf(code));
     m_Grid.UpdateGrid();
     return m_Console.Take();
   }
@@ -72,7 +72,7 @@ void ExpectPerformed(int code, const CPostedGrid& test, const std::string& text)
 
 // How often two codes, one posted over the other, have the maps rebuilt.
 int MapRebuilds(int first, int second) {
-  if (first == second && !Operation::Repeats(first)) return RebuildsMaps(first) ? 1 : 0;
+  if (first == second && !Repeats(OperationOf(first))) return RebuildsMaps(first) ? 1 : 0;
   return (RebuildsMaps(first) ? 1 : 0) + (RebuildsMaps(second) ? 1 : 0);
 }
 
@@ -94,7 +94,7 @@ TEST(PostedWorkTest, EachPairIsPerformedInOneTick) {
       ExpectPerformed(first, test, text);
       ExpectPerformed(second, test, text);
       EXPECT_EQ(Occurrences(text, "CGrid::SetDiscMap()"), MapRebuilds(first, second));
-      EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+      EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
       EXPECT_EQ(test.TickWith({}), "");
     }
   }
@@ -144,7 +144,7 @@ TEST(PostedWorkTest, CommandsAloneLetTheIterationGoOn) {
 
 TEST(PostedWorkTest, CodeIsClearedWhenItsCommandRuns) {
   CPostedGrid test;
-  test.m_Host.m_OnCommand = [&](int) { EXPECT_EQ(test.m_Grid.NextOperation(), 0); };
+  test.m_Host.m_OnCommand = [&](int) { EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone); };
   test.TickWith({1, 16384});
   EXPECT_EQ(test.m_Host.m_aiCommands, (std::vector{16384}));
 }
@@ -158,9 +158,9 @@ TEST(PostedWorkTest, CodePostedByACommandSurvives) {
       if (operation == 4096) test.m_Grid.Reset();
     };
     test.TickWith({other, 4096});
-    EXPECT_EQ(test.m_Grid.NextOperation(), 4);
+    EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps);
     EXPECT_NE(test.TickWith({}).find("CGrid::SetDiscMap()"), std::string::npos);
-    EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+    EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
   }
 }
 
@@ -171,7 +171,7 @@ TEST(PostedWorkTest, CodePostedByACommandSurvivesTheCodesAfterIt) {
       if (operation == 4096) test.m_Grid.Reset();
     };
     test.TickWith({4096, other});
-    EXPECT_EQ(test.m_Grid.NextOperation(), 4) << other;
+    EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps) << other;
   }
 }
 
@@ -213,7 +213,7 @@ TEST(PostedWorkTest, UnknownCodesAreReportedAndIgnored) {
   for (const int code : {3, 5, 32768, -1}) {
     CPostedGrid test;
     EXPECT_EQ(test.TickWith({code}), kUnknown);
-    EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+    EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
     EXPECT_EQ(test.m_Grid.IterationCounter(), 20);
     EXPECT_TRUE(test.m_Host.m_aiCommands.empty());
   }
@@ -230,17 +230,17 @@ TEST(PostedWorkTest, CommandsOfTheProgramNeedAHost) {
   CPostedGrid test;
   test.m_Grid.AttachHost(nullptr);
   EXPECT_EQ(test.TickWith({4096, 2048, 8192, 16384}), "");
-  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
 }
 
 // With no tick registered: the rebuild, no iterations.
 TEST(PostedWorkTest, PerformingAtOnceRebuildsWithoutIterating) {
   CPostedGrid test;
   const std::vector<double> before = SurfaceOnLattice(test.m_Grid);
-  test.m_Grid.Post(2);
+  test.m_Grid.Post(Operation::kRebuild);
   test.m_Grid.PerformPendingWork();
   EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n9 points\n");
-  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
   EXPECT_EQ(test.m_Grid.IterationCounter(), 0);
   EXPECT_EQ(test.Rows(), 6);
   test.m_Grid.ReconstructSurface();
@@ -252,8 +252,8 @@ TEST(PostedWorkTest, PerformingAtOnceDoesEveryCode) {
     for (const int second : kCodes) {
       SCOPED_TRACE(std::to_string(first) + " then " + std::to_string(second));
       CPostedGrid test;
-      test.m_Grid.Post(first);
-      test.m_Grid.Post(second);
+      test.m_Grid.Post(OperationOf(first));
+      test.m_Grid.Post(OperationOf(second));
       test.m_Grid.PerformPendingWork();
       const std::string text = test.m_Console.Take();
       ExpectPerformed(first, test, text);
@@ -268,7 +268,7 @@ TEST(PostedWorkTest, PerformingAtOnceLeavesNormalsUpToDate) {
   const CRamp ramp;
   SetSurface(test.m_Grid, ramp);
   test.m_Grid.Subdivision().Root().Child(1).subdiv();
-  test.m_Grid.Post(4);
+  test.m_Grid.Post(Operation::kRebuildMaps);
   test.m_Grid.PerformPendingWork();
   const CPointOrder& order = test.m_Grid.Order();
   for (std::size_t k = 0; k < order.Count(); ++k)

@@ -82,7 +82,7 @@ TEST_F(ResetTest, HeightsNormalsAndRangeFollow) {
 
 TEST_F(ResetTest, RebuildOfTheMapsIsPosted) {
   Grid().Reset();
-  EXPECT_EQ(Grid().NextOperation(), 4);
+  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
   Grid().UpdateGrid();
   EXPECT_NE(m_Test.m_Console.Take().find("\nCGrid::SetDiscMap()\n"), std::string::npos);
 }

@@ -21,7 +21,7 @@ class ResolutionSwitchTest : public testing::TestWithParam<WaveletMode> {
   // Switches without iterating; the console text of it.
   std::string Switch(int code) {
     m_Test.m_Console.Take();
-    Grid().Post(code);
+    Grid().Post(OperationOf(code));
     Grid().PerformPendingWork();
     return m_Test.m_Console.Take();
   }
@@ -277,7 +277,7 @@ TEST_P(ResolutionSwitchTest, ConstraintsHoldAtBothResolutions) {
     ASSERT_TRUE(RunUntilPaused(Grid()));
     EXPECT_NEAR(SurfaceHeight(Grid(), 10, 22), -2, 1e-6);
     EXPECT_NEAR(SurfaceHeight(Grid(), 3, 25), 3, 1e-6);
-    Grid().Post(code);
+    Grid().Post(OperationOf(code));
   }
 }
 

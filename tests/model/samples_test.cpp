@@ -19,7 +19,7 @@ class Samples : public testing::TestWithParam<const char*> {
  protected:
   Samples() { m_State = m_Model.m_Grid.Load(RELIEVO_SAMPLES "/" + std::string(GetParam())); }
 
-  std::size_t CurvesOf(std::uint32_t type) const {
+  std::size_t CurvesOf(CurveType type) const {
     const auto& curves = m_Model.m_Grid.Curves();
     return static_cast<std::size_t>(
         std::count_if(curves.begin(), curves.end(), [&](const CCntrCtrl& curve) { return curve.Type() == type; }));

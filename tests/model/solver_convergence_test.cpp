@@ -67,7 +67,7 @@ TEST(SolverConvergenceTest, PausingShowsTheSurfaceOnceMore) {
 TEST(SolverConvergenceTest, PausesWithoutAHost) {
   CConvergedGrid test;
   EXPECT_FALSE(test.m_Grid.IsRunning());
-  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
 }
 
 TEST(SolverConvergenceTest, ConvergedSystemStopsOnTheNextTick) {

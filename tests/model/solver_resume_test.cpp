@@ -38,7 +38,7 @@ std::vector<CEdit> EveryEdit() {
       {"Reset", [](CGrid& grid) { grid.Reset(); }},
   };
   for (const int code : {1, 2, 4, 8, 16, 32, 64, 128, 256, 512, 1024, 4096})
-    edits.push_back({"code " + std::to_string(code), [code](CGrid& grid) { grid.Post(code); }});
+    edits.push_back({"code " + std::to_string(code), [code](CGrid& grid) { grid.Post(OperationOf(code)); }});
   return edits;
 }
 
@@ -77,7 +77,7 @@ TEST(SolverResumeTest, HostDecidesWhetherToRun) {
 TEST(SolverResumeTest, ResumingHostFindsTheWorkPosted) {
   struct CLookingHost : RecordingHost {
     explicit CLookingHost(CGrid& grid) : m_Grid(grid) {}
-    void ResumeAfterChange() override { m_iSeen = m_Grid.NextOperation(); }
+    void ResumeAfterChange() override { m_iSeen = CodeOf(m_Grid.NextOperation()); }
     CGrid& m_Grid;
     int m_iSeen = -1;
   };
@@ -89,11 +89,11 @@ TEST(SolverResumeTest, ResumingHostFindsTheWorkPosted) {
 }
 
 TEST(SolverResumeTest, FilesAndPicturesDoNotResume) {
-  for (const int code : {Operation::kLoadGrid, Operation::kSaveGrid, Operation::kLoadImage}) {
+  for (const Operation code : {Operation::kLoadGrid, Operation::kSaveGrid, Operation::kLoadImage}) {
     CConvergedGrid test;
     CActingHost host(test.m_Grid);
     test.m_Grid.Post(code);
-    EXPECT_EQ(host.m_iResumptions, 0) << code;
+    EXPECT_EQ(host.m_iResumptions, 0) << CodeOf(code);
     EXPECT_FALSE(test.m_Grid.IsRunning());
   }
 }
@@ -148,11 +148,11 @@ TEST(SolverResumeTest, TickThatConvergesWithWorkPendingGoesOn) {
   host.m_OnCommand = [&](int) { test.m_Grid.Post(Operation::kRebuildMaps); };
   test.m_Grid.Post(Operation::kNewGrid);
   test.m_Grid.UpdateGrid();
-  ASSERT_EQ(test.m_Grid.NextOperation(), 4);
+  ASSERT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps);
   EXPECT_TRUE(test.m_Grid.IsRunning());
   EXPECT_FALSE(test.m_Grid.Solver().HasConverged()) << "the next tick iterates";
   EXPECT_TRUE(RunUntilPaused(test.m_Grid, 3));
-  EXPECT_EQ(test.m_Grid.NextOperation(), 0);
+  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
 }
 
 }  // namespace

@@ -83,7 +83,7 @@ struct CFairGrid : CSolverGrid {
     if (refinement != 0) RandomiseRecord(m_Grid.Subdivision(), refinement);
     m_Grid.SetDiscMap();
   }
-  CCntrCtrl& Add(const CPlaces& places, bool closed = false, std::uint32_t type = CurveType::kFairness) {
+  CCntrCtrl& Add(const CPlaces& places, bool closed = false, CurveType type = CurveType::kFairness) {
     m_Grid.AddCurve(PointsAt(places), type, closed);
     return m_Grid.Curves().back();
   }

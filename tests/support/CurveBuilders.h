@@ -10,9 +10,9 @@
 #include "constraints/CCntrCtrlList.h"
 #include "constraints/CPtCstrList.h"
 
-inline constexpr std::uint32_t kTear = CurveType::kPosition;
-inline constexpr std::uint32_t kCrease = CurveType::kNormal;
-inline constexpr std::uint32_t kFair = CurveType::kFairness;
+inline constexpr CurveType kTear = CurveType::kPosition;
+inline constexpr CurveType kCrease = CurveType::kNormal;
+inline constexpr CurveType kFair = CurveType::kFairness;
 
 /// A place of the picture, model units, as clicks leave it.
 inline CPtCstr PlaceAt(double x, double y) {
@@ -32,7 +32,7 @@ inline std::vector<CPtCstr> PointsAt(const CPlaces& places) {
 
 /// One curve by itself.
 struct CTestCurve {
-  explicit CTestCurve(const CPlaces& places, bool closed = false, std::uint32_t type = CurveType::kPosition)
+  explicit CTestCurve(const CPlaces& places, bool closed = false, CurveType type = CurveType::kPosition)
       : m_Curve(m_List.Add(PointsAt(places), type, closed)) {}
 
   CCntrNode& Node(int k) { return *std::next(m_Curve.Nodes().begin(), k); }

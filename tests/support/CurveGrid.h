@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <iterator>
 
 #include "model/CGrid.h"
@@ -13,12 +12,13 @@ inline const CPlaces kPath{{0, 21}, {4, 22}, {8, 24}};
 struct CCurveGrid : CTestGrid {
   CCurveGrid() : CTestGrid(4, 2) {}
 
-  void Add(const CPlaces& places, std::uint32_t type = kTear, bool closed = false) {
+  void Add(const CPlaces& places, CurveType type = kTear, bool closed = false) {
     m_Grid.AddCurve(PointsAt(places), type, closed);
   }
   void Click(const CPlaces& places) {
     for (const auto& [x, y] : places) m_Grid.PendingCurve().Append(x, y);
   }
+  CurveId At(double x, double y) const { return m_Grid.FindCurve(x, y, 1); }
   CCntrCtrl& Curve(int place = 0) { return CurveAt(m_Grid.Curves(), place); }
   CCntrNode& Node(int k) { return *std::next(Curve().Nodes().begin(), k); }
 

@@ -42,8 +42,7 @@ inline std::string Replaced(std::string text, const std::string& part, const std
 }
 
 /// A curve through the places, model units, of the given type.
-inline CCntrCtrl& AddCurveThrough(CGrid& grid, std::uint32_t type,
-                                  const std::vector<std::pair<double, double>>& places) {
+inline CCntrCtrl& AddCurveThrough(CGrid& grid, CurveType type, const std::vector<std::pair<double, double>>& places) {
   std::vector<CPtCstr> points;
   points.reserve(places.size());
   for (const auto& [x, y] : places) points.push_back({x, y});

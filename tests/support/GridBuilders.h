@@ -54,6 +54,10 @@ struct CTestGrid {
   CGrid m_Grid;
 };
 
+/// The number of a pending operation, and the operation of a number.
+constexpr int CodeOf(Operation operation) { return static_cast<int>(operation); }
+constexpr Operation OperationOf(int code) { return static_cast<Operation>(code); }
+
 /// A host that remembers what it was asked. Counts that were never shown are -1.
 class RecordingHost : public GridHost {
  public:
@@ -66,7 +70,7 @@ class RecordingHost : public GridHost {
   }
   void ShowConstraints(int count) override { m_iConstraints = count; }
   void ProcessEvents() override { ++m_iEventRounds; }
-  void PerformCommand(int operation) override { m_aiCommands.push_back(operation); }
+  void PerformCommand(Operation operation) override { m_aiCommands.push_back(CodeOf(operation)); }
   void PauseSolverConverged() override { ++m_iPauses; }
   void ResumeAfterChange() override { ++m_iResumptions; }
 

@@ -44,9 +44,9 @@ class CActingHost : public RecordingHost {
     RecordingHost::ProcessEvents();
     if (m_OnEvents) m_OnEvents(m_iEventRounds);
   }
-  void PerformCommand(int operation) override {
+  void PerformCommand(Operation operation) override {
     RecordingHost::PerformCommand(operation);
-    if (m_OnCommand) m_OnCommand(operation);
+    if (m_OnCommand) m_OnCommand(CodeOf(operation));
   }
   void ResumeAfterChange() override {
     RecordingHost::ResumeAfterChange();

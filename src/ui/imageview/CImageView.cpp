@@ -60,8 +60,8 @@ void CImageView::AttachGrid(CGrid& grid, ViewHost& host) {
   m_pGrid = &grid;
   m_pHost = &host;
   m_PositionHandler.emplace(grid, m_Mapping, host);
-  m_NormalHandler.emplace(grid, m_Mapping, host, m_uDisplayFlags);
-  m_CurveHandler.emplace(grid, m_Mapping, host, m_iCurveType);
+  m_NormalHandler.emplace(grid, m_Mapping, host, static_cast<HandlerView&>(*this));
+  m_CurveHandler.emplace(grid, m_Mapping, host, static_cast<HandlerView&>(*this));
   m_Selector.emplace(grid, m_Mapping, host);
   UpdateMapping();
   redraw();
@@ -95,9 +95,15 @@ void CImageView::SetMode(EditingMode mode) {
   Unselect();
 }
 
-void CImageView::SetCurveType(int type) {
-  m_iCurveType = type;
+void CImageView::SetCurveType(::CurveType type) {
+  m_CurveType = type;
   Unselect();
+}
+
+bool CImageView::ShowGrid() {
+  const bool hidden = (m_uDisplayFlags & ImageFlag::kGrid) == 0;
+  m_uDisplayFlags |= ImageFlag::kGrid;
+  return hidden;
 }
 
 void CImageView::Unselect() {

@@ -13,6 +13,7 @@
 #include "ui/imageview/CDebugOverlay.h"
 #include "ui/imageview/CFreezeBrush.h"
 #include "ui/imageview/CurveHandler.h"
+#include "ui/imageview/HandlerView.h"
 #include "ui/imageview/PtCstrHandlers.h"
 
 class CGrid;
@@ -21,7 +22,7 @@ class ViewHost;
 struct CInterpolationTrace;
 
 /// The left view: the picture, what is drawn over it, and the mouse and keys that edit constraints on it.
-class CImageView : public Fl_Gl_Window {
+class CImageView : public Fl_Gl_Window, private HandlerView {
  public:
   CImageView(int x, int y, int w, int h);
 
@@ -39,10 +40,9 @@ class CImageView : public Fl_Gl_Window {
   EditingMode Mode() const { return m_Mode; }
   /// Clears every selection.
   void SetMode(EditingMode mode);
-  /// Of new curves: 1 position discontinuity, 2 normal discontinuity, 4 fairness; 0 until one is chosen. Clears every
-  /// selection.
-  int CurveType() const { return m_iCurveType; }
-  void SetCurveType(int type);
+  /// Of new curves; kNone until one is chosen. Setting it clears every selection.
+  ::CurveType CurveType() const override { return m_CurveType; }
+  void SetCurveType(::CurveType type);
 
   /// Takes up the picture in a bitmap file. A file that is refused, or a picture too large for the graphics card,
   /// leaves picture and file name as they are, and the user is told; so is one that ends early, which is taken up all
@@ -78,6 +78,8 @@ class CImageView : public Fl_Gl_Window {
   void BeginViewDrag();
   void ContinueViewDrag();
   void EndViewDrag();
+  void KeepCurveType(::CurveType type) override { m_CurveType = type; }
+  bool ShowGrid() override;
   int HandlePtPosCstr(int event);
   int HandlePtNormCstr(int event);
   int HandleCurveCstr(int event);
@@ -89,7 +91,7 @@ class CImageView : public Fl_Gl_Window {
   std::uint32_t m_uDisplayFlags = ImageFlag::kAtStart;
   std::uint32_t m_uDebugFlags = 0;
   EditingMode m_Mode = EditingMode::Unset;
-  int m_iCurveType = 0;
+  ::CurveType m_CurveType = ::CurveType::kNone;
 
   CViewMapping m_Mapping;
   std::optional<CPtPosCstrHandler> m_PositionHandler;

@@ -31,10 +31,10 @@ void CCurveHandler::Press() {
   EndDrag();
   const int button = Fl::event_button();
   m_Cursor = ClampedCursor();
-  if (button == FL_MIDDLE_MOUSE && m_iCurveType == 0) return;
+  if (button == FL_MIDDLE_MOUSE && m_View.CurveType() == CurveType::kNone) return;
   const bool drawing = button == FL_LEFT_MOUSE && !m_Grid.PendingCurve().IsIdle();
-  const std::uint32_t type = drawing ? 0 : m_Grid.PickCurve(m_Cursor.x, m_Cursor.y, CurveType::kAll);
-  if (type != 0) {
+  const CurveType type = drawing ? CurveType::kNone : m_Grid.PickCurve(m_Cursor.x, m_Cursor.y, CurveType::kAll);
+  if (type != CurveType::kNone) {
     Grab(button, type);
   } else if (button == FL_LEFT_MOUSE) {
     Append();
@@ -42,14 +42,14 @@ void CCurveHandler::Press() {
   RedrawBoth();
 }
 
-void CCurveHandler::Grab(int button, std::uint32_t type) {
+void CCurveHandler::Grab(int button, CurveType type) {
   m_iButton = button;
   m_DragPlace = m_Cursor;
   if (button == FL_LEFT_MOUSE) {
-    m_iCurveType = static_cast<int>(type);
-    m_Host.ShowCurveType(m_iCurveType);
+    m_View.KeepCurveType(type);
+    m_Host.ShowCurveType(type);
   } else if (button == FL_MIDDLE_MOUSE) {
-    m_Grid.SetSelectedCurveType(static_cast<std::uint32_t>(m_iCurveType));
+    m_Grid.SetSelectedCurveType(m_View.CurveType());
     m_bChanged = true;
   } else if (button == FL_RIGHT_MOUSE) {
     Console() << "Fl::event_button() == FL_RIGHT_MOUSE\n";
@@ -132,9 +132,9 @@ int CCurveHandler::Key() {
   return 1;
 }
 
-void CCurveHandler::ChooseType(int type) {
+void CCurveHandler::ChooseType(CurveType type) {
   EndDrag();
-  m_iCurveType = type;
+  m_View.KeepCurveType(type);
   m_Grid.UnselectAll();
   m_Host.ShowCurveType(type);
   m_Host.RestoreHelp();
@@ -145,8 +145,7 @@ void CCurveHandler::Validate() {
   // The toolkit delivers motion late: the key may come before the mouse is known to be where it is.
   if (ClampedCursor() != m_Cursor) Hover();
   const bool close = Fl::event_state(FL_SHIFT) != 0;
-  const auto type = static_cast<std::uint32_t>(m_iCurveType);
-  if (m_Grid.ValidatePendingCurve(m_Cursor.x, m_Cursor.y, close, type) == CGrid::Validation::NeedsType) {
+  if (m_Grid.ValidatePendingCurve(m_Cursor.x, m_Cursor.y, close, m_View.CurveType()) == CGrid::Validation::NeedsType) {
     m_Host.Tell(FormatHelp(HelpText::kCurveTypeWanted));
   } else {
     m_Host.SetCurrentHelp(HelpText::kCurves);

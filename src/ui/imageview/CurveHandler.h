@@ -1,18 +1,18 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
 
 #include "ui/imageview/CPlaneHandler.h"
+#include "ui/imageview/HandlerView.h"
 
 struct CCntrNode;
 
 /// Draws, selects and edits curves with the mouse and the keyboard.
 class CCurveHandler final : public CPlaneHandler {
  public:
-  /// `curveType`: the image view's type of new curves, which keys and clicks on curves change.
-  CCurveHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, int& curveType)
-      : CPlaneHandler(grid, mapping, host), m_iCurveType(curveType) {}
+  /// Keys and clicks on curves change the type of new curves that `view` keeps. It must outlive the handler.
+  CCurveHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, HandlerView& view)
+      : CPlaneHandler(grid, mapping, host), m_View(view) {}
 
   /// Ends the drag under way, if any; what it has changed takes effect. The release that follows does nothing.
   void EndDrag();
@@ -26,14 +26,14 @@ class CCurveHandler final : public CPlaneHandler {
   void Drag() override;
   void Release() override;
   int Key() override;
-  void Grab(int button, std::uint32_t type);
+  void Grab(int button, CurveType type);
   void Append();
-  void ChooseType(int type);
+  void ChooseType(CurveType type);
   void Validate();
   void Cancel();
   const CCntrNode* SelectedNode() const;
 
-  int& m_iCurveType;
+  HandlerView& m_View;
   CPlanePoint m_Cursor;  ///< where the mouse was at the last of its events, held to the extent
   std::optional<CPlanePoint> m_LooseEnd;
   CPlanePoint m_DragPlace;  ///< where the mouse has dragged the node to

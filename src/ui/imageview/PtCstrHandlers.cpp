@@ -3,7 +3,6 @@
 #include <FL/Fl.H>
 
 #include "base/Console.h"
-#include "drawing/DisplayFlags.h"
 #include "model/CGrid.h"
 #include "ui/seams/ViewHost.h"
 
@@ -144,15 +143,11 @@ void CPtPosCstrHandler::Edit(const CPlanePoint& cursor) {
 
 void CPtPosCstrHandler::KeyTyped() const { Console() << "CImageView::HandlePtPosCstr : FL_KEYBOARD\n"; }
 
-CPtNormCstrHandler::CPtNormCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host,
-                                       std::uint32_t& displayFlags)
-    : CPtCstrHandler(grid, mapping, host, PtCstrKind::kNormal), m_uDisplayFlags(displayFlags) {}
+CPtNormCstrHandler::CPtNormCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, HandlerView& view)
+    : CPtCstrHandler(grid, mapping, host, PtCstrKind::kNormal), m_View(view) {}
 
 void CPtNormCstrHandler::Hovered() {
-  if ((m_uDisplayFlags & ImageFlag::kGrid) == 0) {
-    m_uDisplayFlags |= ImageFlag::kGrid;
-    m_Host.ImageGridShown();
-  }
+  if (m_View.ShowGrid()) m_Host.ImageGridShown();
   m_Host.RedrawModelView();
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "ui/imageview/CPlaneHandler.h"
+#include "ui/imageview/HandlerView.h"
 #include "ui/seams/CValueMessages.h"
 
 /// Creates, selects and edits the point constraints of one kind with the mouse and the keyboard.
@@ -65,8 +66,8 @@ class CPtPosCstrHandler : public CPtCstrHandler {
 /// Normal constraints: dragging right (up) lowers the slope in x (y), bit by bit.
 class CPtNormCstrHandler : public CPtCstrHandler {
  public:
-  /// `displayFlags`: the image view's, in which hovering switches the grid on.
-  CPtNormCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, std::uint32_t& displayFlags);
+  /// Hovering switches the grid of `view` on, which must outlive the handler.
+  CPtNormCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, HandlerView& view);
 
  private:
   void Hovered() override;
@@ -74,6 +75,6 @@ class CPtNormCstrHandler : public CPtCstrHandler {
   void Create(const CPlanePoint& press) override;
   void Edit(const CPlanePoint& cursor) override;
 
-  std::uint32_t& m_uDisplayFlags;
+  HandlerView& m_View;
   CPlanePoint m_Anchor;  ///< where the last change of the slopes was made from
 };

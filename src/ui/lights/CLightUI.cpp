@@ -29,6 +29,7 @@ constexpr Fl_Color kYellow = 3;
 constexpr std::array<const char*, 5> kLightLabels{"Light 1", "Light 2", "Light 3", "Light 4", "Ambient light"};
 constexpr std::array<const char*, 2> kCategoryLabels{"Removed Lights", "Added lights"};
 constexpr std::array<const char*, 3> kColourLabels{"Red", "Green", "Blue"};
+// In the order of the images.
 constexpr std::array<const char*, 3> kTextureLabels{"Show Original texture", "Show Kd texture\nwithout added lights",
                                                     "Show New Illumination"};
 
@@ -268,7 +269,7 @@ void CLightUI::RefreshTubeColour(const std::array<int, 3>& bytes) {
 void CLightUI::RefreshTextures() {
   if (m_pGrid == nullptr) return;
   SetActive(*m_pTextures, m_pGrid->HasKd());
-  m_apTextures[static_cast<std::size_t>(m_pGrid->ShownTexture()) - 1]->setonly();
+  m_apTextures[m_pGrid->ShownTexture()]->setonly();
 }
 
 void CLightUI::Update(void (LightingCommands::*update)()) {
@@ -324,7 +325,7 @@ void CLightUI::cb_TubeColour(Fl_Widget* /*widget*/, void* panel) {
 void CLightUI::cb_Texture(Fl_Widget* /*widget*/, void* panel) {
   auto& self = *static_cast<CLightUI*>(panel);
   if (self.m_pGrid == nullptr) return;
-  self.m_pGrid->ShowTexture(static_cast<TextureMode>(Chosen(self.m_apTextures) + 1));
+  self.m_pGrid->ShowTexture(static_cast<CTextureImages::Which>(Chosen(self.m_apTextures)));
   self.m_Views.RedrawImageView();
   self.m_Views.RedrawModelView();
 }

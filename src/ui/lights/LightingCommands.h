@@ -1,9 +1,8 @@
 #pragma once
 
-struct CLight;
+#include "lighting/CTextureImages.h"
 
-/// Which texture the model view shows.
-enum class TextureMode { Original = 1, Kd = 2, NewIllumination = 3 };
+struct CLight;
 
 /// What the light panel asks of the model and of the model view.
 class LightingCommands {
@@ -22,6 +21,7 @@ class LightingCommands {
   /// Whether `UpdateKd` has produced the images for the present picture.
   virtual bool HasKd() const = 0;
 
-  virtual TextureMode ShownTexture() const = 0;
-  virtual void ShowTexture(TextureMode mode) = 0;
+  /// The image that the model view shows.
+  virtual CTextureImages::Which ShownTexture() const = 0;
+  virtual void ShowTexture(CTextureImages::Which image) = 0;
 };

@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr int kPhotograph = 3;
 constexpr int kDigitLights = 4;
 
 constexpr std::uint32_t Bit(WaveletMode mode) { return static_cast<std::uint32_t>(mode); }
@@ -29,7 +28,7 @@ bool IsDigitHeld(int digit) { return Fl::event_key('0' + digit) != 0 || Fl::even
 }  // namespace
 
 CGridView::CGridView(int x, int y, int w, int h)
-    : Fl_Gl_Window(x, y, w, h), m_View{ModelFlag::kGrid | Bit(WaveletMode::None), kPhotograph, nullptr} {
+    : Fl_Gl_Window(x, y, w, h), m_View{ModelFlag::kGrid | Bit(WaveletMode::None), DrawnTexture::kPhotograph, nullptr} {
   mode(FL_RGB8 | FL_DOUBLE | FL_DEPTH);
 }
 

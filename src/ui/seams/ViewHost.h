@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "constraints/CCntrCtrl.h"
 #include "ui/seams/HelpTexts.h"
 
 struct CPlanePoint;
@@ -25,8 +26,8 @@ class ViewHost {
   /// The same, and as a line on the console, because the help line may be hidden.
   virtual void Tell(const std::string& /*text*/) {}
 
-  /// The type of new curves (CurveType bit) is another now.
-  virtual void ShowCurveType(int /*type*/) {}
+  /// The type of new curves is another now.
+  virtual void ShowCurveType(CurveType /*type*/) {}
   /// Let the user edit the attributes of the curve at a place, as soon as no step of the solver is under way.
   virtual void EditCurveAttributes(const CPlanePoint& /*place*/) {}
 

@@ -223,14 +223,14 @@ void CImageViewUI::TellSolverGaveUp() { Tell(FormatHelp(HelpText::kSolverGaveUp)
 
 void CImageViewUI::TellSolverStopped() { Tell(FormatHelp(HelpText::kSolverStopped)); }
 
-void CImageViewUI::ShowCurveType(int type) {
+void CImageViewUI::ShowCurveType(CurveType type) {
   m_Controls.Button(Control::PositionDiscontinuity).value(type == CurveType::kPosition ? 1 : 0);
   m_Controls.Button(Control::NormalDiscontinuity).value(type == CurveType::kNormal ? 1 : 0);
   m_Controls.Button(Control::FairnessConstraint).value(type == CurveType::kFairness ? 1 : 0);
 }
 
 void CImageViewUI::EditCurveAttributes(const CPlanePoint& place) {
-  m_Commands.EditCurveAttributes(place.x, place.y, static_cast<std::uint32_t>(m_pImageView->CurveType()));
+  m_Commands.EditCurveAttributes(place.x, place.y, m_pImageView->CurveType());
 }
 
 void CImageViewUI::RedrawImageView() { m_pImageView->redraw(); }

@@ -76,7 +76,7 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   void SetCurrentHelp(HelpText::Index index) override;
   void ShowMessage(const std::string& text) override;
   void Tell(const std::string& text) override;
-  void ShowCurveType(int type) override;
+  void ShowCurveType(CurveType type) override;
   void EditCurveAttributes(const CPlanePoint& place) override;
   void RedrawImageView() override;
   void ImageGridShown() override { m_pMenu->SetChecked(MenuEntry::ImageGrid, true); }
@@ -111,7 +111,7 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   void Chosen(MenuEntry entry);
   bool FlagChosen(MenuEntry entry);
   void SetEditingMode(EditingMode mode);
-  void SetCurveType(int type);
+  void SetCurveType(CurveType type);
   /// The help text that stays with what the mouse does in the image view.
   HelpText::Index CurrentHelp() const;
   void SetDebugFlag(std::uint32_t flag, bool on);

@@ -85,9 +85,9 @@ void CImageViewUI::ConnectCallbacks() {
     {Control::PositionConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Position); }},
     {Control::NormalConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Normal); }},
     {Control::CurveConstraint, [](CImageViewUI& ui, bool) { ui.SetEditingMode(EditingMode::Curve); }},
-    {Control::PositionDiscontinuity, [](CImageViewUI& ui, bool) { ui.SetCurveType(1); }},
-    {Control::NormalDiscontinuity, [](CImageViewUI& ui, bool) { ui.SetCurveType(2); }},
-    {Control::FairnessConstraint, [](CImageViewUI& ui, bool) { ui.SetCurveType(4); }},
+    {Control::PositionDiscontinuity, [](CImageViewUI& ui, bool) { ui.SetCurveType(CurveType::kPosition); }},
+    {Control::NormalDiscontinuity, [](CImageViewUI& ui, bool) { ui.SetCurveType(CurveType::kNormal); }},
+    {Control::FairnessConstraint, [](CImageViewUI& ui, bool) { ui.SetCurveType(CurveType::kFairness); }},
     {Control::Popup, [](CImageViewUI& ui, bool) { ui.Notice("Bonjour a tous !!!"); }},
     {Control::NormalTest, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kNormalTest, on); }},
     {Control::Select, [](CImageViewUI& ui, bool) { ui.ToggleSelect(); }},
@@ -206,7 +206,7 @@ HelpText::Index CImageViewUI::CurrentHelp() const {
   }
 }
 
-void CImageViewUI::SetCurveType(int type) {
+void CImageViewUI::SetCurveType(CurveType type) {
   m_pImageView->SetCurveType(type);
   RequestRedraw();
 }

@@ -25,7 +25,7 @@ class CurveEditingTest : public ImageViewTest {
   }
   CCntrCtrlList& Curves() { return Grid().Curves(); }
   CCntrCtrl& Curve(int place = 0) { return CurveAt(Curves(), place); }
-  void Add(const CPlaces& places, std::uint32_t type = kTear, bool closed = false) {
+  void Add(const CPlaces& places, CurveType type = kTear, bool closed = false) {
     Grid().AddCurve(PointsAt(places), type, closed);
     Settle();
   }
@@ -34,8 +34,8 @@ class CurveEditingTest : public ImageViewTest {
     Release(button);
   }
   // Two points of a curve of the type, and the mouse somewhere else.
-  void Begin(std::uint32_t type = kTear) {
-    View().SetCurveType(static_cast<int>(type));
+  void Begin(CurveType type = kTear) {
+    View().SetCurveType(type);
     Click(20.5, 20.5);
     Click(60.5, 20.5);
     Move(60.5, 70.5);

@@ -27,7 +27,7 @@ class CRecordingViewHost : public ViewHost {
   void SetCurrentHelp(HelpText::Index index) override { m_aiHelps.push_back(index); }
   void ShowMessage(const std::string& text) override { m_aMessages.push_back(text); }
   void Tell(const std::string& text) override { m_aTold.push_back(text); }
-  void ShowCurveType(int type) override { m_aiCurveTypes.push_back(type); }
+  void ShowCurveType(CurveType type) override { m_aiCurveTypes.push_back(static_cast<int>(type)); }
   void EditCurveAttributes(const CPlanePoint& place) override { m_aAttributePlaces.push_back(place); }
   void RedrawImageView() override { ++m_iImageRedraws; }
   void RedrawModelView() override { ++m_iModelRedraws; }

@@ -44,8 +44,8 @@ class RecordingLighting : public LightingCommands {
     m_bHasKd = m_bKdSucceeds;
   }
   bool HasKd() const override { return m_bHasKd; }
-  TextureMode ShownTexture() const override { return m_Shown; }
-  void ShowTexture(TextureMode mode) override { m_Shown = mode; }
+  CTextureImages::Which ShownTexture() const override { return m_Shown; }
+  void ShowTexture(CTextureImages::Which mode) override { m_Shown = mode; }
 
   CLightSet m_Removed = CLightSet::Removed();
   CLightSet m_Added = CLightSet::Added();
@@ -53,7 +53,7 @@ class RecordingLighting : public LightingCommands {
   int m_iBusy = 0;  ///< commands that the mouse showed to be under way
   bool m_bKdSucceeds = true;
   bool m_bHasKd = false;
-  TextureMode m_Shown = TextureMode::Original;
+  CTextureImages::Which m_Shown = CTextureImages::kPhotograph;
 
  private:
   void Note(const char* command) {
