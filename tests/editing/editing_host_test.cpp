@@ -123,7 +123,7 @@ TEST_F(EditingHostTest, NothingIsToldWhileAButtonIsHeld) {
 
 TEST_F(EditingHostTest, AFileThatWaitsForNothingIsNotToldOf) {
   m_Test.m_Solver.StopSolver();
-  for (const int operation : {Operation::kSaveGrid, Operation::kLoadImage}) {
+  for (const Operation operation : {Operation::kSaveGrid, Operation::kLoadImage}) {
     Grid().PerformPendingWork();
     Grid().Post(operation);
     m_GridHost.PerformPendingWork(false);
