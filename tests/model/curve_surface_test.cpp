@@ -276,7 +276,7 @@ TEST(RandomCurvesTest, NeverLeaveAHeightThatIsNotFinite) {
   test.AddHeights({{20, 20}, {80, 30}, {40, 85}}, CRamp{0.1, 0.2, 1});
   for (int k = 0; k < 1000; ++k) {
     if (test.m_Grid.Curves().size() > 3) test.m_Grid.Curves().clear();
-    test.AddCurve(random.Places(), 1U << random.UpTo(2), random.Flip());
+    test.AddCurve(random.Places(), static_cast<CurveType>(1U << random.UpTo(2)), random.Flip());
     CCntrCtrl& curve = test.m_Grid.Curves().back();
     curve.SetAllWeights(random.Value(-1, 5), random.Value(0, 5), 1, 1);
     curve.SetOption(static_cast<std::uint32_t>(random.UpTo(3)), true);

@@ -152,7 +152,7 @@ TEST(Sketch, StaysTheSameWhileTheSolverRunsAndTheMousePoints) {
   EXPECT_EQ(test.m_Grid.Sketch(), before);
   EXPECT_TRUE(test.m_Grid.HighlightPtCstrs(0.5, 21.25, PtCstrKind::kPosition));
   test.m_Grid.SelectPtCstr(0.5, 21.25, PtCstrKind::kPosition);
-  EXPECT_NE(test.m_Grid.PickCurve(3, 24, CurveType::kAll), 0U);
+  EXPECT_NE(test.m_Grid.PickCurve(3, 24, CurveType::kAll), CurveType::kNone);
   EXPECT_EQ(test.m_Grid.Sketch(), before);
   CSketch hovered = before;
   hovered.m_PendingCurve.Hover(2, 22, 1);
