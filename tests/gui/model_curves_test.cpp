@@ -112,7 +112,7 @@ TEST_F(ModelCurvesTest, CurvesThatCannotBeDrawnAreReported) {
             "Error CGrid::Draw3DCntr : attempt to draw a one-point-curve :\n"
             "\t\t\t\t\t\t   There should'n be a one-point curve\n");
   Grid().Curves().clear();
-  Add(kAcross, 0);
+  Add(kAcross, CurveType::kNone);
   EXPECT_EQ(DrawingLines(), "one unknown type contour founed!\n");
   EXPECT_EQ(ColourAt(Frame(), 4.5, 23), kWhite);
 }
