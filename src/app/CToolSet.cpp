@@ -25,8 +25,7 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
     return m_GridParameters.Ask(present.Lattice().Extent(), present.MaxLevel());
   };
   services.m_Model.m_LoadGrid = &CGrid::Load;
-  services.m_Model.m_Write = [](const CModelFormat& format, const CGrid& written, const std::string& file,
-                                const CWriteSettings& settings) { return format.m_pWrite(written, file, settings); };
+  services.m_Model.m_Write = WriteModel;
   services.m_Model.m_AskSize = [this](const std::function<void(int, int)>& write) { AskSize(write); };
   services.m_Model.m_AskContourAttributes = [this](const CContourAttributes& present, bool fairness) {
     return m_ContourAttributes.Ask(present, fairness);

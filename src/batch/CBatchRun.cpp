@@ -147,7 +147,8 @@ bool CBatchRun::WriteOutputs() {
 }
 
 bool CBatchRun::WriteOutput(std::size_t format) {
-  bool written = IsSaved(ModelFormats()[format].m_pWrite(m_Grid, m_Options.m_asOutputs[format], m_Options.m_Writing));
+  bool written =
+      IsSaved(WriteModel(ModelFormats()[format], m_Grid, m_Options.m_asOutputs[format], m_Options.m_Writing));
   if (const std::string jpeg = m_Options.PictureOf(format); !jpeg.empty() && !SaveJpeg(jpeg, m_Picture)) {
     Complain("The file " + jpeg + " could not be written.");
     written = false;

@@ -60,3 +60,8 @@ std::span<const CModelFormat> ModelFormats() {
   });
   return kFormats;
 }
+
+CSaveOutcome WriteModel(const CModelFormat& format, const CGrid& grid, const std::string& filename,
+                        const CWriteSettings& settings) {
+  return format.m_pWrite(grid, filename, settings);
+}

@@ -51,3 +51,7 @@ struct CModelFormat {
 /// The formats, in the order of the menu and of the help of the program without a window. The first one is the
 /// program's own.
 std::span<const CModelFormat> ModelFormats();
+
+/// `CModelFormat::m_pWrite` as a function of the format, too.
+CSaveOutcome WriteModel(const CModelFormat& format, const CGrid& grid, const std::string& filename,
+                        const CWriteSettings& settings);

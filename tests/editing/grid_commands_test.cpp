@@ -48,14 +48,6 @@ class GridCommandsTest : public ::testing::Test {
               return m_CurveAnswer;
             }};
   }
-  // Services that write, a height field of 2 by 2 samples.
-  static CModelServices RealServices() {
-    CModelServices services;
-    services.m_Write = [](const CModelFormat& format, const CGrid& grid, const std::string& file,
-                          const CWriteSettings& settings) { return format.m_pWrite(grid, file, settings); };
-    services.m_AskSize = [](const std::function<void(int, int)>& write) { write(2, 2); };
-    return services;
-  }
   void Note(const std::string& what) {
     m_asDone.push_back(what);
     m_bRanMeanwhile = m_bRanMeanwhile || Grid().IsRunning();
@@ -266,7 +258,10 @@ TEST_F(GridCommandsTest, WhatCannotBeWrittenIsTold) {
   EXPECT_EQ(m_Host.m_asNotices, Done{"It cannot be written."}) << "and not that it is complete";
   m_Host.m_asNotices.clear();
   m_Host.m_File = "/dev/null";
-  m_Commands.SetServices(RealServices());
+  CModelServices services;
+  services.m_Write = WriteModel;
+  services.m_AskSize = [](const std::function<void(int, int)>& write) { write(2, 2); };
+  m_Commands.SetServices(services);
   m_Commands.Write(HeightFieldFormat());
   EXPECT_EQ(m_Host.m_asNotices,
             Done{"The file /dev/null could not be written. If it existed before, it is unchanged."});
