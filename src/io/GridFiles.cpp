@@ -61,11 +61,9 @@ GridFileState CGrid::Load(const std::string& filename) {
   if (!IsReplaced(state)) return state;
   // Whatever had converged was another model.
   m_Solver.ModelChanged();
-  if (m_pHost != nullptr) {
-    ShowConstraintCount();
-    m_pHost->ShowIterations(IterationCounter());
-    m_pHost->RequestRedraw();
-  }
+  ShowConstraintCount();
+  m_Run.Host().ShowIterations(IterationCounter());
+  m_Run.Host().RequestRedraw();
   return state;
 }
 
@@ -84,7 +82,7 @@ CSaveOutcome CGrid::SaveVrml(const std::string& filename) const {
   CSaveOutcome outcome = WriteFile(filename, "SaveVrml", [this](std::ostream& out) { WriteVrml(out, *this); });
   if (!outcome) return outcome;
   Console() << "Saved succesfully\n";
-  if (m_pHost != nullptr) m_pHost->RequestRedraw();
+  m_Run.Host().RequestRedraw();
   return outcome;
 }
 

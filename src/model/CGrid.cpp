@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 #include "base/Console.h"
 #include "model/Globals.h"
@@ -16,35 +15,30 @@ int SupportedMaxLevel() { return std::clamp(g_iMaxLevel, CLattice::kMinLevel, CL
 }  // namespace
 
 CGrid::CGrid(std::uint32_t seed)
-    : m_Surface(SupportedMaxLevel()), m_Random(seed), m_Solver(m_Surface.Basis(), m_Random) {
+    : m_Surface(SupportedMaxLevel()),
+      m_Constraints(m_Surface),
+      m_Random(seed),
+      m_Solver(m_Surface.Basis(), m_Random),
+      m_Run(m_Solver),
+      m_Builder(m_Surface, m_Wanted, m_Constraints, m_Solver, m_Run) {
   g_bHighRes = 0;
   Initialize(g_iBaseLevel, false, 0, 0, 100, 100);
 }
 
 void CGrid::FreeAll() {
   m_Surface.Free();
-  m_PointConstraints.clear();
-  m_GeneratedConstraints.clear();
-  m_Curves.clear();
-  m_iRefusedCurves = 0;
-  m_iToldCurves = 0;
-  m_PendingCurve.Drop();
-  m_ListHeaders = {};
+  m_Constraints.Clear();
 }
 
 void CGrid::Reserve(int maxLevel) {
   if (m_Surface.HasReserve(maxLevel)) return;
-  std::array<std::optional<CSubdivisionRecord>, 2> records;
-  if (m_Subdivision->Depth() != maxLevel) {
-    for (auto& record : records) record.emplace(maxLevel);
-  }
+  m_Wanted.Reserve(maxLevel);
   m_Surface.Reserve(maxLevel);
-  m_aReservedSubdivisions = std::move(records);
 }
 
 void CGrid::DropReserve() {
   m_Surface.DropReserve();
-  m_aReservedSubdivisions = {};
+  m_Wanted.DropReserve();
 }
 
 double CGrid::BytesOf(int maxLevel) {
@@ -59,38 +53,40 @@ double CGrid::BytesOf(int maxLevel) {
 void CGrid::Initialize(int level, bool keep, double x0, double y0, double x1, double y1) {
   if (!keep) FreeAll();
   m_Surface.Initialize(SupportedMaxLevel());
-  m_iBaseLevel = std::clamp(level, 0, MaxLevel());
   m_Solver.RequestRebuild();
-  m_Pending.Clear();
+  m_Run.DropPending();
   m_iIterationsPerTick = kIterationsPerTick;
   Console() << x0 << ", " << x1 << ", " << y0 << ", " << y1 << '\n';
   SetRectangle(x0, x1, y0, y1);
-  FillTree();
+  const int baseLevel = std::clamp(level, 0, MaxLevel());
+  m_Wanted.Initialize(MaxLevel(), baseLevel, g_bHighRes == 1);
+  m_Surface.ResetTree(baseLevel);
+  Console() << "CGrid::Initialize\t\t\tlevel : " << baseLevel << '\n';
   SetSparseH();
   m_Relighting.RefreshMask(Interpolation());
   // The first tick rebuilds the system whatever was set up here.
   m_Solver.RequestRebuild();
 }
 
-void CGrid::TakeReservedSubdivisions() {
-  auto records = std::exchange(m_aReservedSubdivisions, {});
-  if (!records.front().has_value() || records.front()->Depth() != MaxLevel()) return;
-  m_Subdivision = std::move(records.front());
-  m_OtherSubdivision = std::move(records.back());
+void CGrid::SetDiscMap() {
+  m_Builder.SetDiscMap();
+  // What else hangs on the tree per texel is made anew at its first use.
+  TestTexelsInDiscontinuity();
 }
 
-void CGrid::FillTree() {
-  TakeReservedSubdivisions();
-  if (!m_Subdivision.has_value() || m_Subdivision->Depth() != MaxLevel()) {
-    m_Subdivision.emplace(MaxLevel());
-    m_OtherSubdivision.emplace(MaxLevel());
-  }
-  m_Surface.ResetTree(m_iBaseLevel);
-  Console() << "CGrid::Initialize\t\t\tlevel : " << m_iBaseLevel << '\n';
-  for (auto* record : {&m_Subdivision, &m_OtherSubdivision}) (*record)->ClearSelection();
-  m_Subdivision->SetStartLevel(m_iBaseLevel);
-  m_OtherSubdivision->SetStartLevel(MaxLevel());
-  if (g_bHighRes == 1) std::swap(m_Subdivision, m_OtherSubdivision);
+void CGrid::Transmit(bool high) {
+  Console() << "Transmit : m_iNbAPoints : " << ActivePointCount() << '\n';
+  SwapResolution(high, true);
+}
+
+void CGrid::SwapResolution(bool high, bool transfer) {
+  g_bHighRes = high ? 1 : 0;
+  m_Wanted.Swap();
+  m_Surface.SwapResolution(transfer);
+  SetDiscMap();
+  m_Wanted.Current().ShowSelection(Tree());
+  ReconstructSurface();
+  m_Run.Host().RequestRedraw();
 }
 
 void CGrid::SetWaveletMode(WaveletMode mode) {
@@ -112,6 +108,6 @@ bool CGrid::TraceInterpolation(double x, double y) {
     Lattice().Set(trace.m_Triangle.m_uA, PointFlag::kTraced);
     Lattice().Set(trace.m_Triangle.m_uB, PointFlag::kTraced);
   }
-  if (m_pHost != nullptr) m_pHost->ShowInterpolation(trace);
+  m_Run.Host().ShowInterpolation(trace);
   return true;
 }

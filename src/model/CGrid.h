@@ -1,29 +1,22 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
-#include <iosfwd>
-#include <optional>
 #include <span>
 #include <string>
-#include <vector>
 
 #include "base/CRandom.h"
 #include "base/Memory.h"
-#include "constraints/CCntrCtrlList.h"
 #include "constraints/CContourAttributes.h"
-#include "constraints/CPendingCurve.h"
-#include "constraints/CPtCstrList.h"
-#include "constraints/Inactivity.h"
-#include "model/CPendingWork.h"
+#include "model/CConstraints.h"
+#include "model/CGridBuilder.h"
+#include "model/CGridRun.h"
 #include "model/CRelighting.h"
 #include "model/CSaveOutcome.h"
 #include "model/CSketch.h"
 #include "model/CSurface.h"
+#include "model/CWantedSubdivisions.h"
 #include "model/GridFileState.h"
-#include "model/GridHost.h"
-#include "quadtree/CSaveQuadT.h"
 #include "solver/CGridSolver.h"
 
 /// The model: one height field over one picture, its constraints and its solution. There is one for the whole run; New
@@ -50,8 +43,8 @@ class CGrid {
   /// Frees the arrays and drops every constraint; `Initialize` must follow.
   void FreeAll();
   /// Sets the memory of lattice, tree, numbering and surfaces aside that the next `Initialize` needs for this maximum
-  /// level, while the present model stays as it is. Nothing if it has been. Throws std::bad_alloc, with nothing
-  /// changed.
+  /// level, while the present model stays as it is. Nothing if it has been. Throws std::bad_alloc;
+  /// `DropReserve` then gives back what has been had by then.
   void Reserve(int maxLevel);
   /// Gives back what has been set aside.
   void DropReserve();
@@ -68,7 +61,7 @@ class CGrid {
   void TakeOver(CSketch sketch);
 
   /// The program around the model, or null. Must outlive the grid or be detached.
-  void AttachHost(GridHost* host) { m_pHost = host; }
+  void AttachHost(GridHost* host) { m_Run.AttachHost(host); }
 
   // One tick of the solver, and what waits for it (GridUpdate.cpp).
 
@@ -78,22 +71,22 @@ class CGrid {
   /// Performs the pending operations at once, without iterating, and brings heights and normals up to date.
   void PerformPendingWork();
   /// Leaves `operation` for the next tick. An edit of a model that had converged resumes the solver.
-  void Post(Operation operation);
+  void Post(Operation operation) { m_Run.Post(operation); }
   /// "Reset the grid": heights below 10 / points by chance, and a rebuild posted.
   void Reset();
-  Operation NextOperation() const { return m_Pending.Next(); }
-  bool IsRunning() const { return m_bRunning; }
-  void SetRunning(bool running) { m_bRunning = running; }
+  Operation NextOperation() const { return m_Run.NextOperation(); }
+  bool IsRunning() const { return m_Run.IsRunning(); }
+  void SetRunning(bool running) { m_Run.SetRunning(running); }
   /// -1: numbering and system must be rebuilt; 0: the iteration starts anew; above: iterations done.
   int IterationCounter() const { return m_Solver.Counter(); }
   int IterationsPerTick() const { return m_iIterationsPerTick; }
 
   // Resolution and extent.
 
-  int BaseLevel() const { return m_iBaseLevel; }
+  int BaseLevel() const { return m_Wanted.BaseLevel(); }
   int MaxLevel() const { return Lattice().Level(); }
   /// Points per side of the uniform grid of the base level and of the lattice.
-  int BasePointsPerSide() const { return (1 << m_iBaseLevel) + 1; }
+  int BasePointsPerSide() const { return (1 << BaseLevel()) + 1; }
   int PointsPerSide() const { return Lattice().PointsPerSide(); }
 
   // The system and the surface (GridRebuild.cpp, CGrid.cpp); see CSurface.
@@ -102,11 +95,10 @@ class CGrid {
   void SetDiscMap();
   /// Sets up the system: with the counter at -1 renumbers the points, assembles the matrix and sets the counter to 0;
   /// in any case rebuilds the constraint rows.
-  void SetSparseH();
+  void SetSparseH() { m_Builder.SetSparseH(); }
   /// Numbers the points of the present subdivision and sets the coefficients from the height array.
-  void BuildHNumerotation();
-  /// Rebuilds the tree from the wanted subdivision.
-  void ReplaySubdivision();
+  void BuildHNumerotation() { m_Builder.BuildHNumerotation(); }
+  void ReplaySubdivision() { m_Builder.ReplaySubdivision(); }
   /// Number of unknowns.
   int ActivePointCount() const { return m_Surface.ActivePointCount(); }
   /// Converts the coefficients to the basis of `mode`; a running iteration starts anew.
@@ -125,8 +117,8 @@ class CGrid {
   /// Whether any constraint of the kind lies within reach of (x, y); those that do are highlighted, no others.
   bool HighlightPtCstrs(double x, double y, std::uint32_t mask);
   void SelectPtCstr(double x, double y, std::uint32_t mask);
-  void SelectNextPtCstr(std::uint32_t mask) { m_PointConstraints.SelectNext(mask); }
-  void SelectPrevPtCstr(std::uint32_t mask) { m_PointConstraints.SelectPrev(mask); }
+  void SelectNextPtCstr(std::uint32_t mask) { m_Constraints.Points().SelectNext(mask); }
+  void SelectPrevPtCstr(std::uint32_t mask) { m_Constraints.Points().SelectPrev(mask); }
   /// Curves and their nodes as well.
   void UnselectAll();
   void MoveSelectedPtCstr(double dx, double dy);
@@ -136,15 +128,9 @@ class CGrid {
   /// Adds to the slopes of the selected normal constraint. Posts kRestart even without one.
   void ChangeSelectedNormal(double dp, double dq);
   void DeleteSelectedPtCstr();
-  /// Why the system has no row for a constraint, or for one of its two kinds (see CPtCstr::m_uIdle); None where nothing
-  /// is missing. The rows are those last built, or, for one added or moved since, those that it would get.
-  Inactivity WhyInactive(const CPtCstr& constraint) const;
-  /// Number of the user's constraints that the system has a row for.
-  int ActiveConstraintCount() const;
-  /// z of every normal constraint that is no position constraint as well becomes the surface's height under it.
-  void RefreshNormalCstrHeights();
-  /// The solver has stopped itself.
-  void PauseAfter(CGridSolver::Outcome outcome);
+  Inactivity WhyInactive(const CPtCstr& constraint) const { return m_Constraints.WhyInactive(constraint); }
+  int ActiveConstraintCount() const { return m_Constraints.ActiveCount(); }
+  void RefreshNormalCstrHeights() { m_Constraints.RefreshHeights(); }
   /// Reach of the freeze brush at zoom 1; it grows with the zoom.
   static constexpr double kFreezeRadius = 4.0;
   /// Freezes, or with `freeze` false sets free, the points in use within reach of the freeze brush at (x, y).
@@ -173,8 +159,8 @@ class CGrid {
   Validation ValidatePendingCurve(double x, double y, bool close, CurveType type);
   /// Forgets the half-made curve and every selection.
   void CancelPendingCurve();
-  CPendingCurve& PendingCurve() { return m_PendingCurve; }
-  const CPendingCurve& PendingCurve() const { return m_PendingCurve; }
+  CPendingCurve& PendingCurve() { return m_Constraints.PendingCurve(); }
+  const CPendingCurve& PendingCurve() const { return m_Constraints.PendingCurve(); }
   /// Click selection of a node and its curve (see CCntrCtrlList::Pick); the type of the curve selected,
   /// kNone without one.
   CurveType PickCurve(double x, double y, CurveType mask);
@@ -182,15 +168,15 @@ class CGrid {
   bool HighlightCurves(double x, double y, CurveType mask);
   /// Gives the selected curve another type; nothing for kNone.
   void SetSelectedCurveType(CurveType type);
-  void MoveSelectedCurve(double dx, double dy, CurveType mask) { m_Curves.MoveSelected(dx, dy, mask); }
+  void MoveSelectedCurve(double dx, double dy, CurveType mask) { m_Constraints.Curves().MoveSelected(dx, dy, mask); }
   /// Deletes the selected node of every curve, or the selected curve. Posts kRebuildMaps in any case.
   void DeleteSelectedCurveNode();
   void DeleteSelectedCurve();
-  void UnselectCurves(CurveType mask) { m_Curves.Unselect(mask); }
+  void UnselectCurves(CurveType mask) { m_Constraints.Curves().Unselect(mask); }
   /// The first curve that has a node within `reach` of (x, y) (see CPtCstr::IsWithinReach); kNone if there is none.
   CurveId FindCurve(double x, double y, double reach) const;
   /// The curve of that name; null if there is none any more.
-  const CCntrCtrl* Curve(CurveId curve) const { return m_Curves.Find(curve); }
+  const CCntrCtrl* Curve(CurveId curve) const { return m_Constraints.Curves().Find(curve); }
   /// Gives a curve the attributes and, unless it is kNone, the type; the weights go to the node of that number or to
   /// all nodes. Posts kRebuildMaps. Nothing for a curve or a node that has gone.
   void SetCurveAttributes(CurveId curve, std::size_t node, const CContourAttributes& attributes, CurveType type,
@@ -199,9 +185,7 @@ class CGrid {
   /// curve's generation off. Posts kRebuildMaps. False, with nothing changed, if they would be more than
   /// CCntrCtrl::kMostGenerated.
   bool ExportCurveConstraints(CurveId curve);
-  /// Number of curves that were refused their generated constraints at the last rebuild, because all together would be
-  /// too many; logged. 0 where none was or the number has been taken before.
-  int TakeRefusedCurves();
+  int TakeRefusedCurves() { return m_Constraints.TakeRefusedCurves(); }
 
   // The picture and its light: what CRelighting does, on the present surface.
 
@@ -228,8 +212,8 @@ class CGrid {
   CSaveOutcome SaveVrml(const std::string& filename) const;
   /// Writes the surface as a height field (see WriteHeightField).
   CSaveOutcome SaveHeightField(const std::string& filename, int width, int height) const;
-  CListHeaders& ListHeaders() { return m_ListHeaders; }
-  const CListHeaders& ListHeaders() const { return m_ListHeaders; }
+  CListHeaders& ListHeaders() { return m_Constraints.Headers(); }
+  const CListHeaders& ListHeaders() const { return m_Constraints.Headers(); }
 
   // The parts.
 
@@ -242,29 +226,20 @@ class CGrid {
   const CPointOrder& Order() const { return m_Surface.Order(); }
   const CGridSolver& Solver() const { return m_Solver; }
   /// The wanted subdivision of the current resolution.
-  CSubdivisionRecord& Subdivision() { return *m_Subdivision; }
-  const CSubdivisionRecord& Subdivision() const { return *m_Subdivision; }
+  CSubdivisionRecord& Subdivision() { return m_Wanted.Current(); }
+  const CSubdivisionRecord& Subdivision() const { return m_Wanted.Current(); }
   /// Point constraints of the user, and those that curves generate.
-  CPtCstrList& PointConstraints() { return m_PointConstraints; }
-  CPtCstrList& GeneratedConstraints() { return m_GeneratedConstraints; }
-  CCntrCtrlList& Curves() { return m_Curves; }
-  const CPtCstrList& PointConstraints() const { return m_PointConstraints; }
-  const CPtCstrList& GeneratedConstraints() const { return m_GeneratedConstraints; }
-  const CCntrCtrlList& Curves() const { return m_Curves; }
+  CPtCstrList& PointConstraints() { return m_Constraints.Points(); }
+  CPtCstrList& GeneratedConstraints() { return m_Constraints.Generated(); }
+  CCntrCtrlList& Curves() { return m_Constraints.Curves(); }
+  const CPtCstrList& PointConstraints() const { return m_Constraints.Points(); }
+  const CPtCstrList& GeneratedConstraints() const { return m_Constraints.Generated(); }
+  const CCntrCtrlList& Curves() const { return m_Constraints.Curves(); }
   CRelighting& Relighting() { return m_Relighting; }
   const CRelighting& Relighting() const { return m_Relighting; }
 
  private:
   CInterpolation Interpolation() const { return m_Surface.Interpolation(); }
-  void TakeReservedSubdivisions();
-  void FillTree();
-  double HeightUnder(const CPtCstr& constraint) const;
-  bool IsInMarkedTriangle(double x, double y) const;
-  void UpdateDisabledBit(CPtCstr& constraint) const;
-  /// The disabled bit and the idle kinds of one that has been added or moved.
-  void UpdateActivity(CPtCstr& constraint) const;
-  /// Takes over what the rows just built hold of each constraint.
-  void MarkIdleConstraints();
   void ShowConstraintCount() const;
   void ConstraintsChanged(Operation operation);
 
@@ -276,35 +251,16 @@ class CGrid {
   /// To the other resolution, with its own surface or, to transfer, with that of this one.
   void SwapResolution(bool high, bool transfer);
   void SubdivisionChanged();
-  void RasteriseCurves();
-  void RefreshCurve(CCntrCtrl& curve) const;
-  void UpdateConstraintsFormCurves();
-  double CurveOffset() const;
   void CurvesChanged(Operation operation);
 
-  bool m_bRunning = true;
-  CPendingWork m_Pending;
   int m_iIterationsPerTick = 0;
-  int m_iBaseLevel = 0;
-
+  std::uint64_t m_uFreezeRevision = 0;
   CSurface m_Surface;
-  std::optional<CSubdivisionRecord> m_Subdivision;       ///< of the current resolution
-  std::optional<CSubdivisionRecord> m_OtherSubdivision;  ///< of the other one
-  /// Both of them for the maximum level that has been reserved, unless it is the present one.
-  std::array<std::optional<CSubdivisionRecord>, 2> m_aReservedSubdivisions;
+  CWantedSubdivisions m_Wanted;
+  CConstraints m_Constraints;
+  CRelighting m_Relighting;
   CRandom m_Random;
   CGridSolver m_Solver;
-
-  std::uint64_t m_uFreezeRevision = 0;
-
-  CPtCstrList m_PointConstraints;
-  CPtCstrList m_GeneratedConstraints;
-  CCntrCtrlList m_Curves;
-  int m_iRefusedCurves = 0;  ///< whose generated constraints would have been too many, at the last rebuild
-  int m_iToldCurves = 0;     ///< and how many of them the user knows of
-  CPendingCurve m_PendingCurve;
-  CListHeaders m_ListHeaders;
-  CRelighting m_Relighting;
-
-  GridHost* m_pHost = nullptr;
+  CGridRun m_Run;
+  CGridBuilder m_Builder;
 };

@@ -11,25 +11,10 @@
 
 namespace {
 
-// Loading brings its own state of the solver; saving and a new picture leave the model as it is.
-bool ChangesModel(Operation operation) {
-  return operation != Operation::kLoadGrid && operation != Operation::kSaveGrid && operation != Operation::kLoadImage;
-}
-
 // A new curve is in the model as soon as it is posted, like an edit.
 bool IsInModel(Operation operation) { return IsEdit(operation) || operation == Operation::kNewCurve; }
 
 }  // namespace
-
-void CGrid::Post(Operation operation) {
-  m_Pending.Post(operation);
-  if (!ChangesModel(operation) || !m_Solver.ModelChanged()) return;
-  if (m_pHost != nullptr) {
-    m_pHost->ResumeAfterChange();
-  } else {
-    m_bRunning = true;
-  }
-}
 
 void CGrid::PerformPendingWork() {
   if (!PerformOperations()) return;
@@ -38,7 +23,7 @@ void CGrid::PerformPendingWork() {
 }
 
 bool CGrid::PerformOperations() {
-  std::vector<Operation> operations = m_Pending.Take();
+  std::vector<Operation> operations = m_Run.Take();
   // A file must not hold constraints that its heights do not know yet, so edits go before the saving they were posted
   // over.
   std::stable_partition(std::ranges::find(operations, Operation::kSaveGrid), operations.end(), IsInModel);
@@ -64,10 +49,10 @@ void CGrid::Dispatch(Operation operation) {
     case Operation::kRestoreNormal:
       return SwapResolution(operation == Operation::kRestoreHigh, false);
     case Operation::kSubdivide:
-      m_Subdivision->subdivSelected();
+      m_Wanted.Current().subdivSelected();
       return SubdivisionChanged();
     case Operation::kMerge:
-      m_Subdivision->MergeSelected();
+      m_Wanted.Current().MergeSelected();
       return SubdivisionChanged();
     case Operation::kNewCurve:
       UnselectCurves(CurveType::kAll);
@@ -79,45 +64,43 @@ void CGrid::Dispatch(Operation operation) {
     case Operation::kNewGrid:
     case Operation::kLoadImage:
     case Operation::kContourAttributes:
-      if (m_pHost != nullptr) m_pHost->PerformCommand(operation);
-      return;
+      return m_Run.Host().PerformCommand(operation);
     default:
       Console() << "Error : CGrid::UpdateGrid() unknown Next_Operation\n";
   }
 }
 
-void CGrid::PauseAfter(CGridSolver::Outcome outcome) {
-  m_bRunning = false;
-  if (m_pHost == nullptr) return;
-  if (outcome == CGridSolver::Outcome::Converged) return m_pHost->PauseSolverConverged();
-  m_pHost->PauseSolverGaveUp();
+void CGrid::SubdivisionChanged() {
+  SetDiscMap();
+  m_Wanted.Current().ShowSelection(Tree());
+  m_Run.Host().RequestRedraw();
 }
 
 void CGrid::UpdateGrid() {
-  const bool polling = g_bNoEventPolling == 0 && m_pHost != nullptr;
+  const bool polling = g_bNoEventPolling == 0 && m_Run.HasHost();
   const auto poll = [this] {
-    m_pHost->ProcessEvents();
-    return m_Pending.Next() != Operation::kNone;
+    m_Run.Host().ProcessEvents();
+    return m_Run.NextOperation() != Operation::kNone;
   };
-  if (polling) m_pHost->ProcessEvents();
+  if (polling) m_Run.Host().ProcessEvents();
   PerformOperations();
   const CGridSolver::Outcome outcome = m_Solver.Tick(m_Surface.Coefficients(), m_iIterationsPerTick + 1,
                                                      polling ? std::function<bool()>(poll) : nullptr);
   ReconstructSurface();
   RefreshNormalCstrHeights();
   const bool stopped = outcome == CGridSolver::Outcome::Converged || outcome == CGridSolver::Outcome::GaveUp;
-  if (stopped && m_Pending.Next() != Operation::kNone) {
+  if (stopped && m_Run.NextOperation() != Operation::kNone) {
     // What a command or an event has posted meanwhile is an edit after the stop.
     m_Solver.ModelChanged();
   } else if (stopped) {
-    PauseAfter(outcome);
+    m_Run.PauseAfter(outcome);
   }
-  if (m_pHost == nullptr) return;
-  if (polling) m_pHost->ProcessEvents();
-  m_pHost->RequestRedraw();
-  m_pHost->ShowIterations(IterationCounter());
+  if (!m_Run.HasHost()) return;
+  if (polling) m_Run.Host().ProcessEvents();
+  m_Run.Host().RequestRedraw();
+  m_Run.Host().ShowIterations(IterationCounter());
   // Not within the rebuild: the host may have the user read a notice.
-  if (const int refused = TakeRefusedCurves(); refused != 0) m_pHost->CurvesRefused(refused);
+  if (const int refused = TakeRefusedCurves(); refused != 0) m_Run.Host().CurvesRefused(refused);
 }
 
 void CGrid::Reset() {
@@ -126,7 +109,6 @@ void CGrid::Reset() {
   m_Solver.RandomiseMultipliers(limit);
   ReconstructSurface();
   Post(Operation::kRebuildMaps);
-  if (m_pHost == nullptr) return;
-  m_pHost->RequestRedraw();
-  m_pHost->ShowIterations(IterationCounter());
+  m_Run.Host().RequestRedraw();
+  m_Run.Host().ShowIterations(IterationCounter());
 }

@@ -1,0 +1,36 @@
+#pragma once
+
+class CConstraints;
+class CGridRun;
+class CGridSolver;
+class CSurface;
+class CWantedSubdivisions;
+
+/// Brings tree, maps, numbering and system up to the wanted subdivision and the constraints. The surface stays as it is
+/// at every point in use afterwards.
+class CGridBuilder {
+ public:
+  /// All of them must outlive the builder.
+  CGridBuilder(CSurface& surface, const CWantedSubdivisions& wanted, CConstraints& constraints, CGridSolver& solver,
+               CGridRun& run)
+      : m_Surface(surface), m_Wanted(wanted), m_Constraints(constraints), m_Solver(solver), m_Run(run) {}
+
+  /// Rebuilds the tree from the wanted subdivision, the discontinuity maps and the whole system.
+  void SetDiscMap();
+  /// Rebuilds the tree from the wanted subdivision, and numbers its points.
+  void ReplaySubdivision();
+  /// Numbers the points of the present subdivision and sets the coefficients from the height array.
+  void BuildHNumerotation();
+  /// Sets up the system: with the solver's counter at -1 renumbers the points, assembles the matrix and sets the
+  /// counter to 0; in any case rebuilds the constraint rows.
+  void SetSparseH();
+
+ private:
+  void RasteriseCurves();
+
+  CSurface& m_Surface;
+  const CWantedSubdivisions& m_Wanted;
+  CConstraints& m_Constraints;
+  CGridSolver& m_Solver;
+  CGridRun& m_Run;
+};

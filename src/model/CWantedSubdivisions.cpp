@@ -1,0 +1,31 @@
+#include "model/CWantedSubdivisions.h"
+
+#include <utility>
+
+void CWantedSubdivisions::Initialize(int maxLevel, int baseLevel, bool highRes) {
+  TakeReserve(maxLevel);
+  if (!m_Current.has_value() || m_Current->Depth() != maxLevel) {
+    m_Current.emplace(maxLevel);
+    m_Other.emplace(maxLevel);
+  }
+  m_iBaseLevel = baseLevel;
+  for (auto* record : {&m_Current, &m_Other}) (*record)->ClearSelection();
+  m_Current->SetStartLevel(baseLevel);
+  m_Other->SetStartLevel(maxLevel);
+  if (highRes) Swap();
+}
+
+void CWantedSubdivisions::Reserve(int maxLevel) {
+  std::array<std::optional<CSubdivisionRecord>, 2> records;
+  if (m_Current->Depth() != maxLevel) {
+    for (auto& record : records) record.emplace(maxLevel);
+  }
+  m_aReserve = std::move(records);
+}
+
+void CWantedSubdivisions::TakeReserve(int maxLevel) {
+  auto records = std::exchange(m_aReserve, {});
+  if (!records.front().has_value() || records.front()->Depth() != maxLevel) return;
+  m_Current = std::move(records.front());
+  m_Other = std::move(records.back());
+}
