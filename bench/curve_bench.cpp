@@ -30,7 +30,7 @@ void AddCurves(CGrid& grid) {
   for (int k = 0; k < kCurves; ++k) {
     const auto type = static_cast<CurveType>(1U << (k % 3));
     grid.AddCurve(Zigzag(k, engine), type, false);
-    CCntrCtrl& curve = grid.Curves().back();
+    CCntrCtrl& curve = grid.Constraints().Curves().back();
     curve.SetAllWeights(1, 1, 0, 0);
     curve.SetOption(CurveOption::kLeftAutoBump, k % 4 == 0);
   }
@@ -57,7 +57,7 @@ CCost CostAt(int level, int baseLevel, WithPicture withPicture, int calls) {
   if (withPicture == WithPicture::Yes) {
     constexpr int kWidth = 600;
     constexpr int kHeight = 400;
-    grid.SetPicture({kWidth, kHeight, std::vector<std::uint8_t>(3UL * kWidth * kHeight, 128)});
+    grid.Relighting().SetPicture({kWidth, kHeight, std::vector<std::uint8_t>(3UL * kWidth * kHeight, 128)});
   }
   const double plain = RebuildSeconds(grid, calls);
   AddCurves(grid);

@@ -126,7 +126,7 @@ CTimes Measure(CBenchView& view, CGrid& grid, const CBareLoop& bare, const float
     view.DrawAndFinish();
     best.m_fBare = std::min(best.m_fBare, Seconds([&] { bare.Draw(normals); }));
     best.m_fRedraw = std::min(best.m_fRedraw, Seconds([&] { view.DrawAndFinish(); }));
-    grid.ReconstructSurface();
+    grid.Surface().Reconstruct();
     best.m_fAfterTick = std::min(best.m_fAfterTick, Seconds([&] { view.DrawAndFinish(); }));
   }
   return best;
@@ -158,9 +158,9 @@ void Report(int level, bool lit) {
   const CBareLoop bare(grid);
   const std::vector<float> normals = bare.Normals();
   const CTimes times = Measure(view, grid, bare, lit ? normals.data() : nullptr);
-  std::printf("%5d^2 %-6s %10zu %10.2f %10.2f %8.2f %12.2f %8.2f\n", grid.PointsPerSide(), lit ? "lit" : "plain",
-              bare.TriangleCount(), times.m_fBare * 1e3, times.m_fRedraw * 1e3, times.m_fRedraw / times.m_fBare,
-              times.m_fAfterTick * 1e3, times.m_fAfterTick / times.m_fBare);
+  std::printf("%5d^2 %-6s %10zu %10.2f %10.2f %8.2f %12.2f %8.2f\n", grid.Lattice().PointsPerSide(),
+              lit ? "lit" : "plain", bare.TriangleCount(), times.m_fBare * 1e3, times.m_fRedraw * 1e3,
+              times.m_fRedraw / times.m_fBare, times.m_fAfterTick * 1e3, times.m_fAfterTick / times.m_fBare);
 }
 
 }  // namespace

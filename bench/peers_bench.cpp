@@ -72,7 +72,7 @@ double SecondsToShare(const Eigen::VectorXd& exact, int& iterations) {
   CGrid& grid = bench.Grid();
   grid.Reset();
   bench.AddHeights(kHeights, kSeed);
-  const auto n = static_cast<std::size_t>(grid.ActivePointCount());
+  const auto n = static_cast<std::size_t>(grid.Surface().ActivePointCount());
   const auto heights = exact.head(static_cast<Eigen::Index>(n));
   const double range = heights.maxCoeff() - heights.minCoeff();
   double seconds = 0.0;
@@ -85,7 +85,7 @@ double SecondsToShare(const Eigen::VectorXd& exact, int& iterations) {
       error = std::max(error, std::abs(height - exact[static_cast<Eigen::Index>(i)]));
     }
   } while (error > kShare * range && grid.IsRunning());
-  iterations = grid.IterationCounter();
+  iterations = grid.Solver().Counter();
   return seconds;
 }
 
@@ -95,7 +95,7 @@ double SecondsOfGmt(CGrid& grid) {
   const std::filesystem::path directory = std::filesystem::temp_directory_path() / "relievo-peers-bench";
   std::filesystem::create_directories(directory);
   std::ofstream points(directory / "points.txt");
-  for (const CPtCstr& c : grid.PointConstraints()) points << c.m_fX << ' ' << c.m_fY << ' ' << c.m_fZ << '\n';
+  for (const CPtCstr& c : grid.Constraints().Points()) points << c.m_fX << ' ' << c.m_fY << ' ' << c.m_fZ << '\n';
   points.close();
   const std::string command = "cd " + directory.string() +
                               " && gmt surface points.txt -R0/100/0/100 -I0.78125 -C1e-4% -Gsurface.nc >/dev/null 2>&1";

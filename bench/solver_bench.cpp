@@ -36,7 +36,7 @@ void ReportCosts() {
     grid.UpdateGrid();
     const double tick = SecondsPerCall(calls / 5, [&] { grid.UpdateGrid(); });
     const double surface = SecondsPerCall(calls / 5, [&] {
-      grid.ReconstructSurface();
+      grid.Surface().Reconstruct();
       grid.RefreshNormalCstrHeights();
     });
     const auto rebuild = [&](Operation operation) {
@@ -45,7 +45,7 @@ void ReportCosts() {
         grid.PerformPendingWork();
       });
     };
-    const double iteration = (tick - surface) / (grid.IterationsPerTick() + 1);
+    const double iteration = (tick - surface) / (CGridRun::kIterationsPerTick + 1);
     std::printf("%-6d %12.1f %10.2f %8.1f %8.1f %8.1f %8.1f %7.1f (%.1f)\n", (1 << level) + 1, unit * 1e6,
                 iteration / unit, tick / unit, surface / unit, rebuild(Operation::kRebuild) / unit,
                 rebuild(Operation::kRebuildMaps) / unit, lean.BytesPerIteration() / unit * 1e-9,
@@ -81,14 +81,14 @@ CReached TimeTo(double share, const CCase& what, WaveletMode mode, int level, co
                 double range) {
   CBenchGrid bench(level);
   CGrid& grid = bench.Grid();
-  grid.SetWaveletMode(mode);
+  grid.Builder().SetWaveletMode(mode);
   grid.Reset();
   AddConstraints(bench, what);
   CReached reached;
   do {
     reached.m_fSeconds += Seconds([&] { grid.UpdateGrid(); });
   } while (LargestDifference(grid.Lattice().Heights(), exact) > share * range && grid.IsRunning());
-  reached.m_iIterations = grid.IterationCounter();
+  reached.m_iIterations = grid.Solver().Counter();
   return reached;
 }
 

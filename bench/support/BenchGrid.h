@@ -22,7 +22,7 @@ class CBenchGrid {
   /// Ticks until the solver pauses itself; returns the iterations done.
   int Converge() {
     while (m_Grid.IsRunning()) m_Grid.UpdateGrid();
-    return m_Grid.IterationCounter();
+    return m_Grid.Solver().Counter();
   }
 
  private:

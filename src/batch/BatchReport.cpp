@@ -47,10 +47,11 @@ double LargestResidual(const CGrid& grid) {
 nlohmann::ordered_json InactiveConstraints(const CGrid& grid) {
   nlohmann::ordered_json inactive = nlohmann::ordered_json::array();
   int index = 0;
-  for (const CPtCstr& constraint : grid.PointConstraints()) {
+  for (const CPtCstr& constraint : grid.Constraints().Points()) {
     for (const auto& [kind, name] : {std::pair(PtCstrKind::kPosition, "position"), {PtCstrKind::kNormal, "normal"}}) {
       if ((constraint.m_uIdle & kind) == 0) continue;
-      inactive.push_back({{"index", index}, {"kind", name}, {"reason", InactivityText(grid.WhyInactive(constraint))}});
+      inactive.push_back(
+          {{"index", index}, {"kind", name}, {"reason", InactivityText(grid.Constraints().WhyInactive(constraint))}});
     }
     ++index;
   }
@@ -73,10 +74,10 @@ const char* NameOf(StopReason reason) {
 
 nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
   nlohmann::ordered_json report;
-  report["points"] = grid.ActivePointCount();
+  report["points"] = grid.Surface().ActivePointCount();
   report["cells"] = grid.Tree().LeafCount();
-  report["constraints"] = grid.PointConstraints().size();
-  report["curves"] = grid.Curves().size();
+  report["constraints"] = grid.Constraints().Points().size();
+  report["curves"] = grid.Constraints().Curves().size();
   report["iterations"] = result.m_iIterations;
   report["seconds"] = {
       {"load", result.m_Seconds.m_fLoad}, {"solve", result.m_Seconds.m_fSolve}, {"write", result.m_Seconds.m_fWrite}};
@@ -150,8 +151,8 @@ void PrintText(std::ostream& out, const std::string& name, const nlohmann::order
 
 std::string InactiveSummary(const CGrid& grid) {
   std::array<int, 4> counts{};
-  for (const CPtCstr& constraint : grid.PointConstraints())
-    ++counts[static_cast<std::size_t>(grid.WhyInactive(constraint))];
+  for (const CPtCstr& constraint : grid.Constraints().Points())
+    ++counts[static_cast<std::size_t>(grid.Constraints().WhyInactive(constraint))];
   std::string reasons;
   int all = 0;
   for (const Inactivity reason : {Inactivity::InTear, Inactivity::OnBorder, Inactivity::Outside}) {
@@ -161,7 +162,7 @@ std::string InactiveSummary(const CGrid& grid) {
     reasons += (reasons.empty() ? "" : ", ") + std::to_string(count) + ' ' + InactivityText(reason);
   }
   if (all == 0) return {};
-  return "Inactive constraints: " + std::to_string(all) + " of " + std::to_string(grid.PointConstraints().size()) +
+  return "Inactive constraints: " + std::to_string(all) + " of " + std::to_string(grid.Constraints().Points().size()) +
          " (" + reasons + ").";
 }
 

@@ -74,7 +74,7 @@ bool CBatchRun::ReadInputs() {
   const CStopwatch watch(m_Result.m_Seconds.m_fLoad);
   const GridFileState state = m_Grid.Load(m_Options.m_Model);
   if (const std::string trouble = TroubleWith(state, m_Options.m_Model); !trouble.empty()) Complain(trouble);
-  if (const int refused = m_Grid.TakeRefusedCurves(); refused != 0) CurvesRefused(refused);
+  if (const int refused = m_Grid.Constraints().TakeRefusedCurves(); refused != 0) CurvesRefused(refused);
   if (!IsRead(state)) return false;
   m_Result.m_bDamaged = state == GridFileState::Damaged;
   if (m_Result.m_bDamaged && m_Options.m_bStrict) {
@@ -98,7 +98,7 @@ void CBatchRun::Solve() {
   EndIfAsked();
   if (m_Options.m_bHighRes) m_Grid.Post(Operation::kTransferToHigh);
   m_Grid.PerformPendingWork();
-  if (m_Grid.Surface().Mode() != m_Options.m_Mode) m_Grid.SetWaveletMode(m_Options.m_Mode);
+  if (m_Grid.Surface().Mode() != m_Options.m_Mode) m_Grid.Builder().SetWaveletMode(m_Options.m_Mode);
   CProgress progress(!m_Options.m_bQuiet);
   while (m_Grid.IsRunning() && !IsAtBound(watch.Seconds())) {
     // Lines of the model must not end up behind the number.
@@ -128,9 +128,9 @@ bool CBatchRun::IsAtBound(double seconds) {
 }
 
 void CBatchRun::Tick() {
-  const int before = m_Grid.IterationCounter();
+  const int before = m_Grid.Solver().Counter();
   m_Grid.UpdateGrid();
-  const int after = m_Grid.IterationCounter();
+  const int after = m_Grid.Solver().Counter();
   // The counter begins anew with every restart.
   m_Result.m_iIterations += after > before && before > 0 ? after - before : after;
 }

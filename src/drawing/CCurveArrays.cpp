@@ -32,14 +32,14 @@ void CCurveArrays::Refresh(const CGrid& grid) {
 
 bool CCurveArrays::HaveNodesChanged(const CGrid& grid) {
   m_aNodesNow.clear();
-  for (const CCntrCtrl& curve : grid.Curves()) {
+  for (const CCntrCtrl& curve : grid.Constraints().Curves()) {
     for (const CCntrNode& node : curve.Nodes()) {
       const bool last = &node == &curve.Nodes().back();
       m_aNodesNow.push_back({node.m_fX, node.m_fY, curve.HasType(CurveType::kPosition), last, curve.IsClosed()});
     }
   }
-  const bool changed = m_uCurves != grid.Curves().size() || m_aNodesNow != m_aNodes;
-  m_uCurves = grid.Curves().size();
+  const bool changed = m_uCurves != grid.Constraints().Curves().size() || m_aNodesNow != m_aNodes;
+  m_uCurves = grid.Constraints().Curves().size();
   std::swap(m_aNodes, m_aNodesNow);
   return changed;
 }
@@ -49,7 +49,7 @@ void CCurveArrays::Place(const CGrid& grid) {
   m_aSamples.clear();
   m_afVertices.clear();
   m_auNodes.clear();
-  for (const CCntrCtrl& curve : grid.Curves()) {
+  for (const CCntrCtrl& curve : grid.Constraints().Curves()) {
     const std::size_t first = m_aSamples.size();
     PlaceCurve(grid, curve);
     m_aLines.push_back({first, m_aSamples.size() - first});

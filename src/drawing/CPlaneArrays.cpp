@@ -34,7 +34,7 @@ void AppendGaps(std::vector<float>& vertices, const CLeaf& leaf) {
 void CPlaneArrays::RefreshSubdivision(const CGrid& grid) {
   if (m_uTree == grid.Tree().Revision()) return;
   m_uTree = grid.Tree().Revision();
-  m_iSide = grid.PointsPerSide();
+  m_iSide = grid.Lattice().PointsPerSide();
   m_auHorizontal.assign(grid.Lattice().PointCount(), 0);
   m_auVertical.assign(grid.Lattice().PointCount(), 0);
   m_afGaps.clear();
@@ -85,9 +85,9 @@ void CPlaneArrays::JoinSteps(std::span<const std::uint8_t> steps, int line, bool
 }
 
 void CPlaneArrays::RefreshFrozen(const CGrid& grid) {
-  if (m_uFrozenTree == grid.Tree().Revision() && m_uFrozenRevision == grid.FreezeRevision()) return;
+  if (m_uFrozenTree == grid.Tree().Revision() && m_uFrozenRevision == grid.Marks().FreezeRevision()) return;
   m_uFrozenTree = grid.Tree().Revision();
-  m_uFrozenRevision = grid.FreezeRevision();
+  m_uFrozenRevision = grid.Marks().FreezeRevision();
   m_afFrozen.clear();
   const CLattice& lattice = grid.Lattice();
   for (int row = 0; row < lattice.PointsPerSide(); ++row) {

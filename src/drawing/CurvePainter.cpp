@@ -59,12 +59,12 @@ void DrawGeneratedConstraints(const CPtCstrList& constraints) {
 }  // namespace
 
 void DrawCurves(const CGrid& grid) {
-  DrawGeneratedConstraints(grid.GeneratedConstraints());
-  for (const CCntrCtrl& curve : grid.Curves()) DrawCurve(curve);
+  DrawGeneratedConstraints(grid.Constraints().Generated());
+  for (const CCntrCtrl& curve : grid.Constraints().Curves()) DrawCurve(curve);
 }
 
 void DrawPendingCurve(const CGrid& grid, const std::optional<CPlanePoint>& looseEnd) {
-  const CPendingCurve& pending = grid.PendingCurve();
+  const CPendingCurve& pending = grid.Constraints().PendingCurve();
   if (pending.IsIdle()) return;
   const std::span<const CPtCstr> points = pending.Points();
   const bool closing = pending.ClosesOnValidate();

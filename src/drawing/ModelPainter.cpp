@@ -118,7 +118,7 @@ void DrawPointConstraints(const CGrid& grid) {
   const double size = SizeUnit(grid);
   const CViewDrawing& drawing = g_DrawingSettings.m_ModelView;
   const Vector3 unit{size, size, size};
-  for (const CPtCstr& c : grid.PointConstraints()) {
+  for (const CPtCstr& c : grid.Constraints().Points()) {
     const Vector3 place{c.m_fX, c.m_fY, c.m_fZ};
     if (c.HasKind(PtCstrKind::kPosition)) DrawPosition(c, drawing, place, unit);
     if (c.HasKind(PtCstrKind::kNormal)) DrawNormal(c, drawing, place, unit);
@@ -248,7 +248,7 @@ void CModelPainter::DrawGridLines(const CGrid& grid) {
   glLineWidth(g_DrawingSettings.m_ModelView.m_fGridThickness);
   glEnableClientState(GL_VERTEX_ARRAY);
   glVertexPointer(3, GL_FLOAT, 0, m_Arrays.Positions().data());
-  for (int level = 0; level <= grid.MaxLevel(); ++level) {
+  for (int level = 0; level <= grid.Lattice().Level(); ++level) {
     SetColour(g_DrawingSettings.m_bSpecificSubdivisionColours ? SubdivisionColour(level)
                                                               : g_DrawingSettings.m_GreyGrid);
     DrawElements(GL_LINES, m_Arrays.Lines(level));
@@ -287,7 +287,7 @@ void CModelPainter::Draw3DCntr(const CGrid& grid) {
   glVertexPointer(3, GL_FLOAT, 0, m_Curves.Vertices().data());
   auto line = m_Curves.Lines().begin();
   std::span<const std::uint32_t> nodes = m_Curves.NodeVertices();
-  for (const CCntrCtrl& curve : grid.Curves()) {
+  for (const CCntrCtrl& curve : grid.Constraints().Curves()) {
     const CCurveArrays::CLine& vertices = *line++;
     if (IsDrawable(curve)) {
       DrawCurve(curve, vertices);

@@ -75,7 +75,7 @@ void DrawPointConstraints(const CGrid& grid) {
   const CExtent& e = grid.Lattice().Extent();
   const CViewDrawing& drawing = g_DrawingSettings.m_ImageView;
   const Vector3 unit{(e.x1 - e.x0) / 100 * g_fZoom, (e.y1 - e.y0) / 100 * g_fZoom, 0};
-  for (const CPtCstr& c : grid.PointConstraints()) {
+  for (const CPtCstr& c : grid.Constraints().Points()) {
     const Vector3 place{c.m_fX, c.m_fY, 0};
     if (c.HasKind(PtCstrKind::kPosition)) DrawPosition(c, drawing, place, unit);
     if (c.HasKind(PtCstrKind::kNormal)) DrawNormal(c, drawing, place, unit);
@@ -107,7 +107,7 @@ void CPicturePainter::DrawSubdivision(const CGrid& grid, const CView& view) {
   }
   glLineWidth(g_DrawingSettings.m_ImageView.m_fGridThickness);
   if ((view.m_uFlags & ImageFlag::kGrid) != 0) {
-    for (int level = grid.MaxLevel(); level >= 0; --level) {
+    for (int level = grid.Lattice().Level(); level >= 0; --level) {
       SetColour(g_DrawingSettings.m_bSpecificSubdivisionColours ? LevelColour(level) : g_DrawingSettings.m_GreyGrid);
       DrawVertices(GL_LINES, m_Arrays.Lines(level));
     }

@@ -73,7 +73,7 @@ void CGridCommands::LoadGrid() {
   } else {
     const GridFileState state = m_Services.m_LoadGrid(*m_pGrid, *file);
     Tell(TroubleWith(state, *file));
-    if (state != GridFileState::NotOpened) TellRefusedCurves(m_pGrid->TakeRefusedCurves());
+    if (state != GridFileState::NotOpened) TellRefusedCurves(m_pGrid->Constraints().TakeRefusedCurves());
     if (IsReplaced(state)) {
       SetPickTolerance();
       m_Host.GridReplaced();
@@ -134,14 +134,14 @@ void CGridCommands::AskFileAndWrite(const CModelFormat& format, const CWriteSett
 }
 
 void CGridCommands::EditCurveAttributes(double x, double y, CurveType type) {
-  if (m_pGrid != nullptr) m_Clicked = {m_pGrid->FindCurve(x, y, PickReach()), {x, y}, PickReach(), type};
+  if (m_pGrid != nullptr) m_Clicked = {m_pGrid->Constraints().FindCurve(x, y, PickReach()), {x, y}, PickReach(), type};
   Request(Operation::kContourAttributes);
 }
 
 void CGridCommands::EditCurveAttributes() {
   if (!m_Services.m_AskContourAttributes) return;
   const CClickedCurve clicked = m_Clicked;
-  const CCntrCtrl* curve = m_pGrid->Curve(clicked.m_Curve);
+  const CCntrCtrl* curve = m_pGrid->Constraints().Curves().Find(clicked.m_Curve);
   const CCntrNode* node =
       curve == nullptr ? nullptr : curve->FindNode(clicked.m_Place.x, clicked.m_Place.y, clicked.m_fReach);
   if (node == nullptr) return;
@@ -150,9 +150,9 @@ void CGridCommands::EditCurveAttributes() {
   const std::optional<CContourAnswer> answer =
       m_Services.m_AskContourAttributes(CContourAttributes::Of(*curve, *node), curve->HasType(CurveType::kFairness));
   if (!answer.has_value()) return;
-  m_pGrid->SetCurveAttributes(clicked.m_Curve, curve->NumberOf(*node), answer->m_Attributes, clicked.m_NewType,
-                              answer->m_bAllNodes);
-  if (answer->m_bExport && !m_pGrid->ExportCurveConstraints(clicked.m_Curve))
+  m_pGrid->CurveEdits().SetAttributes(clicked.m_Curve, curve->NumberOf(*node), answer->m_Attributes, clicked.m_NewType,
+                                      answer->m_bAllNodes);
+  if (answer->m_bExport && !m_pGrid->CurveEdits().ExportConstraints(clicked.m_Curve))
     m_Host.Notice("The curve would generate more than 200000 constraints: make its distances larger.");
 }
 

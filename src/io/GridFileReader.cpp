@@ -24,6 +24,8 @@ namespace {
 // Beyond this, heights could not be added and squared any more.
 constexpr double kLargestHeight = 1e100;
 
+double BytesOf(int maxLevel) { return CSurface::BytesOf(maxLevel) + CWantedSubdivisions::BytesOf(maxLevel); }
+
 class CGridReader {
  public:
   CGridReader(std::istream& in, CGrid& grid) : m_In(in), m_Grid(grid), m_Head(in) {}
@@ -113,7 +115,7 @@ bool CGridReader::IsTooShort() {
   m_In.seekg(0, std::ios::end);
   const auto size = static_cast<double>(static_cast<std::streamoff>(m_In.tellg()));
   m_In.seekg(here);
-  const double needed = CGrid::BytesOf(m_Head.Sketch().m_iMaxLevel);
+  const double needed = BytesOf(m_Head.Sketch().m_iMaxLevel);
   if (needed <= kHarmless || needed <= kMostPerByte * size) return false;
   std::string_view sections = "ZNE";
   for (char c = ReadChar(m_In); m_In && !sections.empty(); c = ReadChar(m_In)) {
@@ -147,7 +149,7 @@ GridFileState CGridReader::Replace() {
     Console() << "\t\t\tThe default base resolution level is set to 5\n"
               << "\t\t\tThe default max resolution level is set to 7\n"
               << "\t\t\tNo height field is loaded\n";
-    m_Grid.ReconstructSurface();
+    m_Grid.Surface().Reconstruct();
   } else {
     ReadSurface();
   }
@@ -173,7 +175,7 @@ void CGridReader::ReadSurface() {
   if (ReadChar(m_In) == 'Z') {
     ReadHeights();
   } else {
-    m_Grid.ReconstructSurface();
+    m_Grid.Surface().Reconstruct();
   }
   if (ReadChar(m_In) == 'N') ReadOrder();
   const char c = ReadChar(m_In);
@@ -191,7 +193,7 @@ void CGridReader::ReadSurface() {
 }
 
 void CGridReader::ReadHeights() {
-  const auto count = static_cast<std::size_t>(m_Grid.ActivePointCount());
+  const auto count = static_cast<std::size_t>(m_Grid.Surface().ActivePointCount());
   LoadLog() << "Reading the height field...\n";
   LoadLog() << "m_iNbActivePoints = " << count << '\n';
   for (double height = 0.0; (m_In >> std::ws).peek() != 'N' && m_In >> height;) {
@@ -204,9 +206,9 @@ void CGridReader::ReadHeights() {
   LoadLog() << "... Height field read\n";
   std::vector<double> heights = m_afHeights;
   heights.resize(count);
-  m_Grid.SetWaveletMode(WaveletMode::New);
+  m_Grid.Builder().SetWaveletMode(WaveletMode::New);
   LoadLog() << "Wavelet transformation to get the coefficients...\n";
-  m_Grid.SetHeights(heights);
+  m_Grid.Builder().SetHeights(heights);
   LoadLog() << "... Wavelet transformation done\n";
   LoadLog() << "Copy the wavelet coefficients to the coefficient matrix (m_pfWaveCoefGrid)...\n";
 }
@@ -226,7 +228,7 @@ void CGridReader::ReadOrder() {
   m_bDamaged = m_bDamaged || !heights.has_value();
   if (!heights.has_value()) return;
   LoadLog() << "The point order has changed: the heights go by it\n";
-  m_Grid.SetHeights(*heights);
+  m_Grid.Builder().SetHeights(*heights);
   m_bCountDiffers = false;
 }
 
@@ -244,7 +246,7 @@ std::optional<std::size_t> CGridReader::ReadPlace() {
   int row = 0;
   if (ReadChar(m_In) != '(' || !(m_In >> column) || ReadChar(m_In) != ',' || !(m_In >> row) || ReadChar(m_In) != ')')
     return {};
-  const int side = m_Grid.PointsPerSide();
+  const int side = m_Grid.Lattice().PointsPerSide();
   if (column < 0 || column >= side || row < 0 || row >= side) return {};
   return m_Grid.Lattice().Index(column, row);
 }
@@ -269,7 +271,7 @@ void CGridReader::StartFresh(const CExtent& extent) {
 
 void CGridReader::Rebuild() {
   m_Grid.SetDiscMap();
-  m_Grid.ReconstructSurface();
+  m_Grid.Surface().Reconstruct();
 }
 
 }  // namespace

@@ -61,8 +61,8 @@ GridFileState CGrid::Load(const std::string& filename) {
   if (!IsReplaced(state)) return state;
   // Whatever had converged was another model.
   m_Solver.ModelChanged();
-  ShowConstraintCount();
-  m_Run.Host().ShowIterations(IterationCounter());
+  m_Run.Host().ShowConstraints(m_Constraints.ActiveCount());
+  m_Run.Host().ShowIterations(m_Solver.Counter());
   m_Run.Host().RequestRedraw();
   return state;
 }

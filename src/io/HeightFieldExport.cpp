@@ -22,7 +22,7 @@ double SamplePlace(int k, int count, double low, double high, int steps) {
 
 void WriteHeightField(std::ostream& out, const CGrid& grid, int width, int height) {
   const CExtent& e = grid.Lattice().Extent();
-  const int steps = grid.PointsPerSide() - 1;
+  const int steps = grid.Lattice().PointsPerSide() - 1;
   for (int i = 0; i < height; ++i) {
     const double row = SamplePlace(i, height, e.y0, e.y1, steps);
     for (int j = 0; j < width; ++j) {

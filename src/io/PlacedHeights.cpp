@@ -71,5 +71,5 @@ bool HoldSubdivision(const CGrid& grid, std::span<const std::size_t> places) {
   const int last = lattice.PointsPerSide() - 1;
   const bool corners = held[lattice.Index(0, 0)] && held[lattice.Index(last, 0)] && held[lattice.Index(0, last)] &&
                        held[lattice.Index(last, last)];
-  return corners && HoldsSplits(lattice, held, grid.Subdivision().Root(), 0, 0, last);
+  return corners && HoldsSplits(lattice, held, grid.Wanted().Current().Root(), 0, 0, last);
 }

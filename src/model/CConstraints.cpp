@@ -53,6 +53,16 @@ void CConstraints::Clear() {
   m_Headers = {};
 }
 
+CurveId CConstraints::FindCurve(double x, double y, double reach) const {
+  const CCntrCtrl* curve = m_Curves.Find(x, y, reach).m_pCurve;
+  return curve == nullptr ? CurveId::kNone : curve->Id();
+}
+
+void CConstraints::UnselectAll() {
+  m_Points.UnselectAll();
+  m_Curves.Unselect(CurveType::kAll);
+}
+
 double CConstraints::HeightUnder(const CPtCstr& constraint) const {
   const CLattice& lattice = m_Surface.Lattice();
   return m_Surface.HeightAt(lattice.ColumnOf(constraint.m_fX), lattice.RowOf(constraint.m_fY));

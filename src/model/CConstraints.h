@@ -33,6 +33,11 @@ class CConstraints {
   /// Moves it out of one, in place of what there is. Curves generate nothing until `Generate`.
   void TakeFrom(CSketch& sketch);
   void Clear();
+  /// The name of the first curve that has a node within `reach` of (x, y) (see CPtCstr::IsWithinReach); kNone if there
+  /// is none.
+  CurveId FindCurve(double x, double y, double reach) const;
+  /// Point constraints of the user, curves and their nodes.
+  void UnselectAll();
 
   // Points on the surface as it is.
 

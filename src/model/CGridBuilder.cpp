@@ -58,3 +58,13 @@ void CGridBuilder::SetSparseH() {
   m_Constraints.MarkIdle(m_Solver.System().Constraints());
   m_Run.Host().ShowConstraints(m_Constraints.ActiveCount());
 }
+
+void CGridBuilder::SetWaveletMode(WaveletMode mode) {
+  m_Surface.SetWaveletMode(mode);
+  m_Solver.RequestRestart();
+}
+
+void CGridBuilder::SetHeights(std::span<const double> heights) {
+  m_Surface.SetHeights(heights);
+  m_Solver.RequestRestart();
+}

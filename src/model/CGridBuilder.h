@@ -1,13 +1,18 @@
 #pragma once
 
+#include <span>
+
+#include "lattice/WaveletMode.h"
+
 class CConstraints;
 class CGridRun;
 class CGridSolver;
 class CSurface;
 class CWantedSubdivisions;
 
-/// Brings tree, maps, numbering and system up to the wanted subdivision and the constraints. The surface stays as it is
-/// at every point in use afterwards.
+/// Brings tree, maps, numbering and system up to the wanted subdivision and the constraints, and has the iteration
+/// start anew where the coefficients become others. A rebuild leaves the surface as it is at every point in use
+/// afterwards.
 class CGridBuilder {
  public:
   /// All of them must outlive the builder.
@@ -24,6 +29,10 @@ class CGridBuilder {
   /// Sets up the system: with the solver's counter at -1 renumbers the points, assembles the matrix and sets the
   /// counter to 0; in any case rebuilds the constraint rows.
   void SetSparseH();
+  /// Converts the coefficients to the basis of `mode`.
+  void SetWaveletMode(WaveletMode mode);
+  /// Gives the unknowns, in their order, new heights in place of those of both resolutions.
+  void SetHeights(std::span<const double> heights);
 
  private:
   void RasteriseCurves();

@@ -9,6 +9,9 @@
 /// The run of a grid: whether its solver goes on, what waits for the next tick, and the program around it all.
 class CGridRun {
  public:
+  /// A tick does one more.
+  static constexpr int kIterationsPerTick = 9;
+
   explicit CGridRun(CGridSolver& solver) : m_Solver(solver), m_NoHost(*this) {}
   CGridRun(const CGridRun&) = delete;
   CGridRun& operator=(const CGridRun&) = delete;

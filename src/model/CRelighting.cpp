@@ -6,7 +6,7 @@
 
 #include "base/Console.h"
 #include "lighting/CShading.h"
-#include "quadtree/Interpolation.h"
+#include "model/CSurface.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ bool IsWhole(const CPicture& picture) {
 
 }  // namespace
 
-bool CRelighting::SetPicture(const CPicture& picture, const CInterpolation& surface, double memory) {
+bool CRelighting::SetPicture(const CPicture& picture, double memory) {
   if (!IsWhole(picture)) return false;
   const auto refuse = [&picture] {
     Console() << "Error CGrid::SetPicture\t\tNot enough memory for a picture of " << picture.m_iWidth << " by "
@@ -42,7 +42,7 @@ bool CRelighting::SetPicture(const CPicture& picture, const CInterpolation& surf
   if (std::max(picture.m_iWidth, picture.m_iHeight) > kLargestSide) return refuse();
   if (BytesFor(picture.m_iWidth, picture.m_iHeight) > memory) return refuse();
   try {
-    CTexelMap texels(picture.m_iWidth, picture.m_iHeight, surface);
+    CTexelMap texels(picture.m_iWidth, picture.m_iHeight, m_Surface.Interpolation());
     CAlbedoMap albedo(picture.m_iWidth, picture.m_iHeight);
     m_Textures.SetPicture(picture);
     m_Texels = std::move(texels);
@@ -68,49 +68,49 @@ CLight* CRelighting::GetLightSource(int index, int type) {
                                                                        : nullptr;
 }
 
-void CRelighting::InitializeCoordsTexels(const CInterpolation& surface) {
+void CRelighting::InitializeCoordsTexels() {
   if (!HasTexels()) {
     Console() << "Error CGrid::InitializeCoordsTexels()\tNo texture loaded\n";
     return;
   }
-  m_Texels.InitializeCoords(surface);
+  m_Texels.InitializeCoords(m_Surface.Interpolation());
 }
 
-void CRelighting::LocateTexels(const CInterpolation& surface) {
-  if (HasTexels()) m_Texels.UpdateRecords(surface);
+void CRelighting::LocateTexels() {
+  if (HasTexels()) m_Texels.UpdateRecords(m_Surface.Interpolation());
 }
 
-void CRelighting::TestTexelsInDiscontinuity(const CInterpolation& surface) {
+void CRelighting::TestTexelsInDiscontinuity() {
   if (!HasTexels()) return;
-  m_Texels.TestDiscontinuities(surface);
+  m_Texels.TestDiscontinuities(m_Surface.Interpolation());
   Console() << "CGrid::TestTexelsInDiscontinuity()\t\t\t...done\n";
 }
 
-void CRelighting::RefreshMask(const CInterpolation& surface) {
-  if (HasTexels()) m_Texels.TestDiscontinuities(surface);
+void CRelighting::RefreshMask() {
+  if (HasTexels()) m_Texels.TestDiscontinuities(m_Surface.Interpolation());
 }
 
-void CRelighting::ComputeCoefsTexels(const CInterpolation& surface) {
+void CRelighting::ComputeCoefsTexels() {
   if (!HasTexels()) {
     Console() << "Error CGrid::ComputeCoefsTexels()\tNo texture loaded\n";
     return;
   }
   Console() << "CGrid::ComputeCoefsTexels()\t\t\tComputeCoefsTexels...\n";
-  m_Texels.ComputeCoefs(surface);
+  m_Texels.ComputeCoefs(m_Surface.Interpolation());
   Console() << "CGrid::ComputeCoefsTexels()\t\t\t...ComputeCoefsTexels\t\tdone\n";
 }
 
-void CRelighting::ComputeNormalsOnly(const CInterpolation& surface) {
+void CRelighting::ComputeNormalsOnly() {
   if (!HasTexels()) {
     Console() << "Error CGrid::ComputeNormalsOnly()\tNo texture loaded\n";
     return;
   }
   Console() << "CGrid::ComputeCoefsTexels()\t\t\tComputeNormalsOnly...\n";
-  m_Texels.ComputeNormals(surface);
+  m_Texels.ComputeNormals(m_Surface.Interpolation());
   Console() << "CGrid::ComputeCoefsTexels()\t\t\t...ComputeNormalsOnly\t\tdone\n";
 }
 
-void CRelighting::GetKd(const CInterpolation& surface) {
+void CRelighting::GetKd() {
   Console() << "CGrid::GetKd\t\t\t\tGetKd...\n";
   if (!HasTexels()) {
     Console() << "Error CGrid::GetKd\t\tNo texture loaded\n";
@@ -128,7 +128,7 @@ void CRelighting::GetKd(const CInterpolation& surface) {
   Console() << "CGrid::GetKd\t\twidth : " << m_Textures.PictureWidth() << "; height : " << m_Textures.PictureHeight()
             << "\nCGrid::GetKd\t\tnew_width : " << m_Textures.TextureWidth()
             << "; new_height : " << m_Textures.TextureHeight() << '\n';
-  m_Texels.UpdateNormals(surface);
+  m_Texels.UpdateNormals(m_Surface.Interpolation());
   m_Albedo.Compute(m_Texels.Normals(), removed, added, m_Textures);
   Console() << "CGrid::GetKd\t\t\t\t...GetKd\tdone\n";
 }

@@ -6,7 +6,7 @@
 #include "lighting/CTexelMap.h"
 #include "lighting/CTextureImages.h"
 
-class CInterpolation;
+class CSurface;
 
 /// The picture on the surface, and its light: the lights taken out of it and put into it, where its texels lie, and the
 /// images that come of both.
@@ -16,10 +16,13 @@ class CInterpolation;
 /// texels and allocate nothing but `SetPicture`.
 class CRelighting {
  public:
+  /// `surface` must outlive the relighting.
+  explicit CRelighting(const CSurface& surface) : m_Surface(surface) {}
+
   /// Takes up a picture: its textures, and memory for what is kept per texel, each with the normal (0, 0, 1), no albedo
   /// and in no discontinuity. False, with nothing changed, for one that is empty or has not 3 * width * height bytes,
   /// and, with a console line, for one that `memory` bytes do not hold.
-  bool SetPicture(const CPicture& picture, const CInterpolation& surface, double memory = AvailableMemory());
+  bool SetPicture(const CPicture& picture, double memory = AvailableMemory());
   /// Whether there is a picture and the texels are its.
   bool HasTexels() const;
 
@@ -37,19 +40,19 @@ class CRelighting {
   }
 
   /// Gives every texel of a picture taken up before its column and row and the normal (0, 0, 1) again.
-  void InitializeCoordsTexels(const CInterpolation& surface);
+  void InitializeCoordsTexels();
   /// Brings the places of the texels up to the subdivision, for what draws them; nothing without a picture.
-  void LocateTexels(const CInterpolation& surface);
+  void LocateTexels();
   /// Recomputes which texels lie in a discontinuity; nothing without a picture.
-  void TestTexelsInDiscontinuity(const CInterpolation& surface);
+  void TestTexelsInDiscontinuity();
   /// The same without a word on the console.
-  void RefreshMask(const CInterpolation& surface);
+  void RefreshMask();
   /// Place on the surface and normal of every texel in no discontinuity, from the normals of points and cells.
-  void ComputeCoefsTexels(const CInterpolation& surface);
+  void ComputeCoefsTexels();
   /// Normal of every texel from its place, which is found first if the subdivision has changed.
-  void ComputeNormalsOnly(const CInterpolation& surface);
+  void ComputeNormalsOnly();
   /// Albedo, Kd image and new illumination (see CAlbedoMap), from normals of the present subdivision.
-  void GetKd(const CInterpolation& surface);
+  void GetKd();
 
   CTextureImages& Textures() { return m_Textures; }
   const CTextureImages& Textures() const { return m_Textures; }
@@ -57,6 +60,7 @@ class CRelighting {
   const CAlbedoMap& Albedo() const { return m_Albedo; }
 
  private:
+  const CSurface& m_Surface;
   CLightSet m_RemovedLights = CLightSet::Removed();
   CLightSet m_AddedLights = CLightSet::Added();
   CTextureImages m_Textures;

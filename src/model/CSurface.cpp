@@ -45,6 +45,14 @@ void CSurface::Reserve(int maxLevel) {
   m_pReserve = std::move(reserve);
 }
 
+double CSurface::BytesOf(int maxLevel) {
+  const double points = std::pow((1 << maxLevel) + 1, 2);
+  constexpr double kCellsPerPoint = 4.0 / 3;
+  constexpr double kEdgesPerCell = 2.0;
+  constexpr double kPerPoint = 6 * sizeof(double) + 2 * sizeof(Vector3) + 2 * sizeof(std::uint32_t);
+  return points * (kPerPoint + kCellsPerPoint * (sizeof(CQuadT) + kEdgesPerCell * sizeof(CEdge)));
+}
+
 void CSurface::TakeReserve(int maxLevel) {
   const std::unique_ptr<CReserve> reserve = std::move(m_pReserve);
   if (reserve == nullptr || reserve->m_Lattice.Level() != maxLevel) return;

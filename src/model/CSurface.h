@@ -44,6 +44,8 @@ class CSurface {
   void Reserve(int maxLevel);
   bool HasReserve(int maxLevel) const { return m_pReserve != nullptr && m_pReserve->m_Lattice.Level() == maxLevel; }
   void DropReserve() { m_pReserve.reset(); }
+  /// Bytes that `Reserve` sets aside for a level at most.
+  static double BytesOf(int maxLevel);
 
   // The subdivision and the numbering.
 

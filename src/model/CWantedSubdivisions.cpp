@@ -1,5 +1,6 @@
 #include "model/CWantedSubdivisions.h"
 
+#include <cmath>
 #include <utility>
 
 void CWantedSubdivisions::Initialize(int maxLevel, int baseLevel, bool highRes) {
@@ -21,6 +22,11 @@ void CWantedSubdivisions::Reserve(int maxLevel) {
     for (auto& record : records) record.emplace(maxLevel);
   }
   m_aReserve = std::move(records);
+}
+
+double CWantedSubdivisions::BytesOf(int maxLevel) {
+  constexpr double kNodesPerFinest = 4.0 / 3;
+  return 2 * kNodesPerFinest * std::pow(4, maxLevel) * sizeof(CSaveQuadT);
 }
 
 void CWantedSubdivisions::TakeReserve(int maxLevel) {

@@ -17,6 +17,8 @@ class CWantedSubdivisions {
   /// changed.
   void Reserve(int maxLevel);
   void DropReserve() { m_aReserve = {}; }
+  /// Bytes that `Reserve` sets aside for a level at most.
+  static double BytesOf(int maxLevel);
 
   int BaseLevel() const { return m_iBaseLevel; }
   CSubdivisionRecord& Current() { return *m_Current; }

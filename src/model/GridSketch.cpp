@@ -1,14 +1,15 @@
 // The grid's document as a value, and a value as the grid's document.
 
 #include "model/CGrid.h"
+#include "model/CSketch.h"
 #include "model/Globals.h"
 
 CSketch CGrid::Sketch() const {
   CSketch sketch;
   sketch.m_Extent = Lattice().Extent();
-  sketch.m_iBaseLevel = BaseLevel();
+  sketch.m_iBaseLevel = m_Wanted.BaseLevel();
   sketch.m_iNewBaseLevel = g_iBaseLevel;
-  sketch.m_iMaxLevel = MaxLevel();
+  sketch.m_iMaxLevel = Lattice().Level();
   sketch.m_bHighRes = g_bHighRes == 1;
   sketch.m_aSubdivisions = {CSubdivisionBits(m_Wanted.Current()), CSubdivisionBits(m_Wanted.Other())};
   m_Constraints.AddTo(sketch);

@@ -18,7 +18,7 @@ bool IsInModel(Operation operation) { return IsEdit(operation) || operation == O
 
 void CGrid::PerformPendingWork() {
   if (!PerformOperations()) return;
-  ReconstructSurface();
+  m_Surface.Reconstruct();
   RefreshNormalCstrHeights();
 }
 
@@ -84,9 +84,9 @@ void CGrid::UpdateGrid() {
   };
   if (polling) m_Run.Host().ProcessEvents();
   PerformOperations();
-  const CGridSolver::Outcome outcome = m_Solver.Tick(m_Surface.Coefficients(), m_iIterationsPerTick + 1,
+  const CGridSolver::Outcome outcome = m_Solver.Tick(m_Surface.Coefficients(), CGridRun::kIterationsPerTick + 1,
                                                      polling ? std::function<bool()>(poll) : nullptr);
-  ReconstructSurface();
+  m_Surface.Reconstruct();
   RefreshNormalCstrHeights();
   const bool stopped = outcome == CGridSolver::Outcome::Converged || outcome == CGridSolver::Outcome::GaveUp;
   if (stopped && m_Run.NextOperation() != Operation::kNone) {
@@ -98,17 +98,17 @@ void CGrid::UpdateGrid() {
   if (!m_Run.HasHost()) return;
   if (polling) m_Run.Host().ProcessEvents();
   m_Run.Host().RequestRedraw();
-  m_Run.Host().ShowIterations(IterationCounter());
+  m_Run.Host().ShowIterations(m_Solver.Counter());
   // Not within the rebuild: the host may have the user read a notice.
-  if (const int refused = TakeRefusedCurves(); refused != 0) m_Run.Host().CurvesRefused(refused);
+  if (const int refused = m_Constraints.TakeRefusedCurves(); refused != 0) m_Run.Host().CurvesRefused(refused);
 }
 
 void CGrid::Reset() {
   const double limit = 10.0 / static_cast<double>(Lattice().PointCount());
   m_Surface.Randomise(m_Random, limit);
   m_Solver.RandomiseMultipliers(limit);
-  ReconstructSurface();
+  m_Surface.Reconstruct();
   Post(Operation::kRebuildMaps);
   m_Run.Host().RequestRedraw();
-  m_Run.Host().ShowIterations(IterationCounter());
+  m_Run.Host().ShowIterations(m_Solver.Counter());
 }

@@ -58,7 +58,7 @@ TEST_F(Batch, SavesAllButTheHeightsAsTheyWere) {
 TEST_F(Batch, ReportsInJson) {
   ASSERT_EQ(Run("model.grid --report json --quiet"), 0);
   const nlohmann::json report = Report();
-  EXPECT_EQ(report["points"], m_Model.m_Grid.ActivePointCount());
+  EXPECT_EQ(report["points"], m_Model.m_Grid.Surface().ActivePointCount());
   EXPECT_EQ(report["cells"], m_Model.m_Grid.Tree().LeafCount());
   EXPECT_EQ(report["constraints"], SomeConstraints().size());
   EXPECT_EQ(report["curves"], 1);

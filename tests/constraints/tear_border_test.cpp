@@ -145,7 +145,7 @@ class CTracer {
   CPlaces Trace(CPixelPosition from, CPixelPosition to) {
     m_pTool->Press(from, true, m_View);
     EXPECT_TRUE(m_pTool->Enter(to, false));
-    m_Grid.Curves().clear();
+    m_Grid.Constraints().Curves().clear();
     m_pTool->Contours().HandOver([this](const CTracedContour& contour) {
       const CTopDownImage& image = m_pTool->Image();
       CPlaces places;
@@ -156,7 +156,7 @@ class CTracer {
     });
     m_Grid.PerformPendingWork();
     m_Console.Take();
-    return PlacesOf(m_Grid.Curves().back());
+    return PlacesOf(m_Grid.Constraints().Curves().back());
   }
   void ExpectDivided(CPixelPosition from, CPixelPosition to, bool upright) {
     SCOPED_TRACE(testing::Message() << "from " << from.m_iColumn << ", " << from.m_iRow << " to " << to.m_iColumn
@@ -270,7 +270,7 @@ TEST(TearToTheBorderTest, NumbersTheSamePointsWithAPictureAndWithout) {
     CTestGrid pictured(7, 3);
     const CPicture picture{pixels, pixels + 1,
                            std::vector<std::uint8_t>(3 * static_cast<std::size_t>(pixels * (pixels + 1)))};
-    ASSERT_TRUE(pictured.m_Grid.SetPicture(picture));
+    ASSERT_TRUE(pictured.m_Grid.Relighting().SetPicture(picture));
     ASSERT_EQ(ReadText(pictured.m_Grid, file), GridFileState::Whole);
     EXPECT_EQ(GridText(pictured.m_Grid), file) << pixels;
     for (std::size_t k = 0; k < plain.m_Grid.Order().Count(); ++k)

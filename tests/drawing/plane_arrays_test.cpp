@@ -36,7 +36,7 @@ class PlaneArraysTest : public ::testing::Test {
   }
   std::map<Step, int> StepsOfLines() {
     std::map<Step, int> steps;
-    for (int level = 0; level <= Grid().MaxLevel(); ++level) AddSteps(m_Arrays.Lines(level), level, steps);
+    for (int level = 0; level <= Grid().Lattice().Level(); ++level) AddSteps(m_Arrays.Lines(level), level, steps);
     return steps;
   }
 

@@ -26,7 +26,7 @@ class SurfaceArraysTest : public ::testing::Test {
   void Settle() {
     Tree().RefreshEdgeMarks();
     Grid().BuildHNumerotation();
-    Grid().ReconstructSurface();
+    Grid().Surface().Reconstruct();
   }
   void Randomised(std::uint32_t seed) {
     Randomise(Tree(), seed);
@@ -238,7 +238,7 @@ TEST_F(SurfaceArraysTest, FollowTheSurfaceTheSubdivisionAndTheExtent) {
   SetSurface(Grid(), CFlat{2.5});
   m_Arrays.RefreshSurface(Grid());
   for (std::uint32_t v = 0; v < 41; ++v) EXPECT_FLOAT_EQ(static_cast<float>(At(v).z), 2.5F);
-  Grid().SetRectangle(0, 10, 0, 10);
+  Grid().Surface().SetExtent({0, 10, 0, 10});
   m_Arrays.RefreshSurface(Grid());
   for (std::uint32_t v = 0; v < 41; ++v) EXPECT_LE(At(v).y, 10);
   MakeLeaf(Tree(), 1, 0, 0);
@@ -273,7 +273,7 @@ TEST_F(SurfaceArraysTest, WhatHasNotChangedIsNotRefilled) {
   for (double& z : Grid().Lattice().Heights()) z = 77;
   m_Arrays.RefreshSurface(Grid());
   EXPECT_EQ(m_Arrays.Positions()[2], before);
-  Grid().ReconstructSurface();
+  Grid().Surface().Reconstruct();
   m_Arrays.RefreshSurface(Grid());
   EXPECT_EQ(m_Arrays.Positions()[2], before);
 }

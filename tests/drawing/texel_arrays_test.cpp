@@ -21,7 +21,7 @@ class TexelArraysTest : public ::testing::Test {
   void LoadPicture() {
     CPicture picture{kWidth, kHeight, {}};
     picture.m_aPixels.resize(3UL * kWidth * kHeight);
-    ASSERT_TRUE(Grid().SetPicture(picture));
+    ASSERT_TRUE(Grid().Relighting().SetPicture(picture));
   }
   // The texels that the rectangles cover, each of which must be covered once.
   std::set<std::pair<int, int>> Covered() {
@@ -49,7 +49,7 @@ class TexelArraysTest : public ::testing::Test {
 
   void RefreshNormals(double length) {
     Grid().Tree().ListLeaves();
-    Grid().LocateTexels();
+    Grid().Relighting().LocateTexels();
     m_Arrays.RefreshNormals(Grid(), length);
   }
 
@@ -116,7 +116,7 @@ TEST_F(TexelArraysTest, NormalsThatAreNoneAreLeftOut) {
   Mark(1, 1);
   Grid().Tree().RefreshEdgeMarks();
   Grid().BuildHNumerotation();
-  Grid().ReconstructSurface();
+  Grid().Surface().Reconstruct();
   Grid().ComputeNormalsOnly();
   RefreshNormals(kLength);
   for (const float c : m_Arrays.Normals()) EXPECT_TRUE(std::isfinite(c));

@@ -168,7 +168,7 @@ TEST_F(GridCommandsTest, LoadGridDoesNotEndAFreeze) {
 TEST_F(GridCommandsTest, NewGridTakesWhatWasGiven) {
   m_NewGrid = CGridParameters{3, {-5, 45, 10, 30}, false};
   m_Commands.Perform(Operation::kNewGrid);
-  EXPECT_EQ(Grid().BaseLevel(), 3);
+  EXPECT_EQ(Grid().Wanted().BaseLevel(), 3);
   const CExtent& extent = Grid().Lattice().Extent();
   EXPECT_EQ(std::vector({extent.x0, extent.x1, extent.y0, extent.y1}), std::vector({-5.0, 45.0, 10.0, 30.0}));
   EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps) << "the reset";
@@ -180,14 +180,14 @@ TEST_F(GridCommandsTest, NewGridKeepsTheConstraintsIfAsked) {
     Grid().AddPtCstr({});
     m_NewGrid = CGridParameters{2, {0, 100, 0, 100}, keep};
     m_Commands.Perform(Operation::kNewGrid);
-    EXPECT_EQ(Grid().PointConstraints().size(), keep ? 1U : 0U);
+    EXPECT_EQ(Grid().Constraints().Points().size(), keep ? 1U : 0U);
   }
 }
 
 TEST_F(GridCommandsTest, CancelledNewGridChangesNothing) {
-  const int level = Grid().BaseLevel();
+  const int level = Grid().Wanted().BaseLevel();
   m_Commands.Perform(Operation::kNewGrid);
-  EXPECT_EQ(Grid().BaseLevel(), level);
+  EXPECT_EQ(Grid().Wanted().BaseLevel(), level);
   EXPECT_EQ(m_Host.m_iReplaced, 0);
   EXPECT_EQ(g_fPickTolerance, 1.0);
 }
@@ -197,7 +197,7 @@ TEST_F(GridCommandsTest, PickToleranceIsAHundredthOfTheLargerExtent) {
   m_Commands.Perform(Operation::kNewGrid);
   EXPECT_DOUBLE_EQ(g_fPickTolerance, 0.5);
   m_Host.m_File = "name";
-  Grid().SetRectangle(0, 300, 0, 100);
+  Grid().Surface().SetExtent({0, 300, 0, 100});
   m_Commands.Perform(Operation::kLoadGrid);
   EXPECT_DOUBLE_EQ(g_fPickTolerance, 3.0);
   EXPECT_EQ(m_Host.m_iReplaced, 2);
@@ -286,7 +286,7 @@ TEST_F(GridCommandsTest, WhatIsWrongWithALoadedFileIsTold) {
 
 TEST_F(GridCommandsTest, CurvesRefusedByALoadedFileAreToldAfterItsTrouble) {
   for (int k = 0; k < 2; ++k) Grid().AddCurve(LineOf(14), CurveType::kFairness, false);
-  for (CCntrCtrl& curve : Grid().Curves()) {
+  for (CCntrCtrl& curve : Grid().Constraints().Curves()) {
     curve.SetOption(CurveOption::kLeftAutoBump, true);
     curve.SetDistance(CurveSide::Left, kSmallDistance);
   }
@@ -370,8 +370,8 @@ TEST_F(GridCommandsTest, CurveIsEditedAtOnceWithNoTick) {
   m_Commands.EditCurveAttributes(4, 22, CurveType::kNormal);
   EXPECT_EQ(m_asDone, Done{"fairness"});
   EXPECT_EQ(m_Host.m_iDragEnds, 1);
-  EXPECT_TRUE(Grid().Curves().back().IsClosed());
-  EXPECT_EQ(Grid().Curves().back().Type(), CurveType::kNormal);
+  EXPECT_TRUE(Grid().Constraints().Curves().back().IsClosed());
+  EXPECT_EQ(Grid().Constraints().Curves().back().Type(), CurveType::kNormal);
   EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
 }
 
@@ -394,7 +394,7 @@ TEST_F(GridCommandsTest, TheCurveThatWasClickedIsEditedWhateverLiesThereByThen) 
   m_Commands.EditCurveAttributes(4, 22, CurveType::kNone);
   Grid().PickCurve(4, 22, CurveType::kAll);
   Grid().PickCurve(4, 22, CurveType::kAll);
-  ASSERT_EQ(Grid().Curves().begin()->HasState(PtCstrState::kSelected), true);
+  ASSERT_EQ(Grid().Constraints().Curves().begin()->HasState(PtCstrState::kSelected), true);
   Grid().DeleteSelectedCurve();
   m_Commands.Perform(Operation::kContourAttributes);
   EXPECT_TRUE(m_asDone.empty());
@@ -414,7 +414,7 @@ TEST_F(GridCommandsTest, CancelledAttributesChangeNothing) {
   Grid().AddCurve(PointsAt({{0, 21}, {4, 22}}), CurveType::kNormal, false);
   Grid().PerformPendingWork();
   m_Commands.EditCurveAttributes(4, 22, CurveType::kPosition);
-  EXPECT_EQ(Grid().Curves().back().Type(), CurveType::kNormal);
+  EXPECT_EQ(Grid().Constraints().Curves().back().Type(), CurveType::kNormal);
   EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
   EXPECT_TRUE(Grid().IsRunning());
   EXPECT_FALSE(m_bRanMeanwhile);
@@ -427,8 +427,8 @@ TEST_F(GridCommandsTest, ExportOfConstraintsPostsOneRebuildForAll) {
   m_CurveAnswer->m_Attributes.m_bRightAutoBump = true;
   m_CurveAnswer->m_bExport = true;
   m_Commands.EditCurveAttributes(0, 21, CurveType::kNone);
-  EXPECT_EQ(Grid().PointConstraints().size(), 2U) << "at 0 and 5";
-  EXPECT_EQ(Grid().Curves().back().Options(), 0U);
+  EXPECT_EQ(Grid().Constraints().Points().size(), 2U) << "at 0 and 5";
+  EXPECT_EQ(Grid().Constraints().Curves().back().Options(), 0U);
   Console();
   Grid().PerformPendingWork();
   const std::string lines = Console();
@@ -443,7 +443,7 @@ TEST_F(GridCommandsTest, ExportOfTooManyConstraintsIsRefused) {
   m_CurveAnswer->m_Attributes.m_aAutoBumps[0].m_fDistance = kSmallDistance;
   m_CurveAnswer->m_bExport = true;
   m_Commands.EditCurveAttributes(-3, 22, CurveType::kNone);
-  EXPECT_TRUE(Grid().PointConstraints().empty());
+  EXPECT_TRUE(Grid().Constraints().Points().empty());
   EXPECT_EQ(m_Host.m_asNotices, Done{"The curve would generate more than 200000 constraints: make its distances "
                                      "larger."});
 }

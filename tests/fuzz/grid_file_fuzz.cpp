@@ -48,7 +48,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::istringstream in(text);
   ReadGrid(in, grid);
   RequireFiniteSurface(grid);
-  if (grid.ActivePointCount() <= kMostPointsToSolve) grid.UpdateGrid();
+  if (grid.Surface().ActivePointCount() <= kMostPointsToSolve) grid.UpdateGrid();
   RequireFiniteSurface(grid);
   std::stringstream saved;
   WriteGrid(saved, grid);

@@ -84,7 +84,7 @@ class CoffeeCurvesTest : public WindowTest {
   }
   // The height of the surface under a place of the photograph.
   double HeightUnder(const CSpot& spot) {
-    const int side = Grid().PointsPerSide() - 1;
+    const int side = Grid().Lattice().PointsPerSide() - 1;
     return Grid().GetHeightAt(spot.x / kPictureWidth * side, (1 - spot.y / kPictureHeight) * side);
   }
   void DrawScene() {
@@ -162,7 +162,7 @@ class CoffeeCurvesTest : public WindowTest {
 TEST_F(CoffeeCurvesTest, CupStandsInFrontOfItsSaucer) {
   g_DrawingSettings.m_afBackground = {0, 1, 0, 0};
   DrawScene();
-  ASSERT_EQ(Grid().Curves().size(), 3U);
+  ASSERT_EQ(Grid().Constraints().Curves().size(), 3U);
   Solve();
   EXPECT_NEAR(HeightUnder({290, 200}), 25, 1);
   EXPECT_NEAR(HeightUnder({290, 218}), 8, 1);
@@ -170,7 +170,7 @@ TEST_F(CoffeeCurvesTest, CupStandsInFrontOfItsSaucer) {
   TurnModel();
   EXPECT_GT(ShareOfGap(ModelFrame()), 0.95);
 
-  Grid().Curves().clear();
+  Grid().Constraints().Curves().clear();
   Grid().Post(Operation::kRebuildMaps);
   Solve();
   EXPECT_EQ(ShareOfGap(ModelFrame()), 0) << "sewn together";
@@ -178,7 +178,7 @@ TEST_F(CoffeeCurvesTest, CupStandsInFrontOfItsSaucer) {
 
 TEST_F(CoffeeCurvesTest, CurvesAreDrawnOverBothViews) {
   DrawScene();
-  ASSERT_EQ(Grid().Curves().size(), 3U);
+  ASSERT_EQ(Grid().Constraints().Curves().size(), 3U);
   Solve();
   m_Window.GridView().SetFlag(ModelFlag::kGrid, false);
   TurnModel();

@@ -47,7 +47,7 @@ class CurveDrawingTest : public ImageViewTest {
     return count;
   }
   CCntrCtrl& Add(const CPlaces& places, CurveType type = CurveType::kPosition, bool closed = false) {
-    return Grid().Curves().Add(PointsAt(places), type, closed);
+    return Grid().Constraints().Curves().Add(PointsAt(places), type, closed);
   }
   // Pixels lit on the line x = const between two heights.
   int WidthAt(double x, int from, int to) const {
@@ -123,13 +123,13 @@ TEST_F(CurveDrawingTest, ClosedCurveHasItsLastSegment) {
   Add({{20, 20}, {80, 20}, {80, 80}}, CurveType::kFairness, true);
   Shoot();
   EXPECT_NE(At(50, 50), kBlack);
-  Grid().Curves().back().SetClosed(false);
+  Grid().Constraints().Curves().back().SetClosed(false);
   Shoot();
   EXPECT_EQ(At(50, 50), kBlack);
 }
 
 TEST_F(CurveDrawingTest, GeneratedConstraintsShowWhereTheyAre) {
-  Grid().GeneratedConstraints().Add(SlopeCstr(30, 70));
+  Grid().Constraints().Generated().Add(SlopeCstr(30, 70));
   Shoot();
   EXPECT_EQ(At(30, 70), kRed);
   EXPECT_LT(Count(kRed), 40);
@@ -187,7 +187,7 @@ TEST_F(CurveDrawingTest, CurveThatIsToCloseIsWideAndClosed) {
 }
 
 TEST_F(CurveDrawingTest, CurveInProgressLiesOverThePicture) {
-  Grid().SetPicture(PlainPicture(2, 2, 255, 0, 0));
+  Grid().Relighting().SetPicture(PlainPicture(2, 2, 255, 0, 0));
   View().make_current();
   m_Textures.Load(Grid().Relighting().Textures());
   View().SetDisplayFlags(ImageFlag::kImage);
@@ -208,7 +208,7 @@ TEST_F(CurveDrawingTest, CurveInProgressIsGoneAfterItsEnd) {
     Shoot();
     EXPECT_EQ(Count(kWhite), 0);
   }
-  EXPECT_EQ(Grid().Curves().size(), 1U);
+  EXPECT_EQ(Grid().Constraints().Curves().size(), 1U);
 }
 
 TEST_F(CurveDrawingTest, OtherModesShowNoCurveInProgress) {
@@ -222,7 +222,7 @@ TEST_F(CurveDrawingTest, OtherModesShowNoCurveInProgress) {
 // Texels.
 
 TEST_F(CurveDrawingTest, TexelsInADiscontinuityAreMarkedWithTheirFlag) {
-  Grid().SetPicture(PlainPicture(50, 20, 0, 0, 0));
+  Grid().Relighting().SetPicture(PlainPicture(50, 20, 0, 0, 0));
   MakeLeaf(Grid().Tree(), 2, 1, 1, CellFlag::kTriangles);
   Grid().TestTexelsInDiscontinuity();
   Shoot();
@@ -245,7 +245,7 @@ TEST_F(CurveDrawingTest, WithoutAPictureThereAreNoTexels) {
 
 TEST_F(CurveDrawingTest, AlbedoUnderTheMouseIsLogged) {
   Grid().SetSparseH();
-  Grid().SetPicture(PlainPicture(50, 20, 0, 0, 0));
+  Grid().Relighting().SetPicture(PlainPicture(50, 20, 0, 0, 0));
   for (const std::uint32_t flag : {2U, 4U, 8U, 32U, 64U, 0x100U}) {
     View().SetDebugFlags(flag);
     TakeConsole();
@@ -262,7 +262,7 @@ TEST_F(CurveDrawingTest, AlbedoUnderTheMouseIsLogged) {
 TEST_F(CurveDrawingTest, AlbedoIsThatOfTheTexel) {
   CPicture picture = PlainPicture(2, 2, 0, 0, 0);
   picture.m_aPixels[9] = 51;  // upper right, red
-  Grid().SetPicture(picture);
+  Grid().Relighting().SetPicture(picture);
   CLight& ambient = Grid().Relighting().RemovedLights().m_aLights[CLightSet::kAmbient];
   ambient.m_bActive = true;
   ambient.m_afColour = {0.5, 0.5, 0.5};
@@ -278,7 +278,7 @@ TEST_F(CurveDrawingTest, AlbedoIsHeldToThePictureAndNeedsOne) {
   View().SetDebugFlags(DebugFlag::kNormalTest);
   Move(50.5, 50.5);
   EXPECT_EQ(TakeConsole().find("xt : "), std::string::npos);
-  Grid().SetPicture(PlainPicture(50, 20, 0, 0, 0));
+  Grid().Relighting().SetPicture(PlainPicture(50, 20, 0, 0, 0));
   g_fZoom = 2;
   Move(0.5, 99.5);
   EXPECT_NE(TakeConsole().find("xt : 0 , yt : 19 , "), std::string::npos);

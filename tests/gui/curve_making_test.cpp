@@ -21,7 +21,7 @@ TEST_F(CurveEditingTest, FirstClickBeginsACurve) {
   EXPECT_EQ(HelpText::kCurveInProgress, 8);
   EXPECT_FALSE(IsIdle());
   EXPECT_EQ(Pending(), 1U);
-  EXPECT_EQ(Grid().PendingCurve().Points()[0].m_uKind, 0U);
+  EXPECT_EQ(Grid().Constraints().PendingCurve().Points()[0].m_uKind, 0U);
   EXPECT_EQ(Release(), 1);
   Click(40.5, 20.5);
   EXPECT_EQ(m_Host.m_aiHelps.size(), 1U) << "the text stays";
@@ -61,18 +61,18 @@ TEST_F(CurveEditingTest, ShiftEnterClosesTheCurve) {
   Key(FL_Enter, FL_SHIFT);
   EXPECT_EQ(Curve().Nodes().size(), 3U);
   EXPECT_TRUE(Curve().IsClosed());
-  EXPECT_FALSE(Grid().PendingCurve().ClosesOnValidate());
+  EXPECT_FALSE(Grid().Constraints().PendingCurve().ClosesOnValidate());
 }
 
 TEST_F(CurveEditingTest, EnterOnTheFirstPointClosesTheClickedPointsOnly) {
   Begin();
   Click(60.5, 70.5);
   Move(20.5, 21.5);
-  EXPECT_TRUE(Grid().PendingCurve().ClosesOnValidate());
+  EXPECT_TRUE(Grid().Constraints().PendingCurve().ClosesOnValidate());
   Key(FL_Enter);
   ExpectPlaces(kBent, PlacesOf(Curve()));
   EXPECT_TRUE(Curve().IsClosed());
-  EXPECT_FALSE(Grid().PendingCurve().ClosesOnValidate());
+  EXPECT_FALSE(Grid().Constraints().PendingCurve().ClosesOnValidate());
 }
 
 TEST_F(CurveEditingTest, ShiftEnterAfterOneClickMakesATwoPointOpenCurve) {
@@ -137,14 +137,14 @@ TEST_F(CurveEditingTest, EscapeForgetsTheCurveAndTheSelection) {
 
 TEST_F(CurveEditingTest, ClosingFollowsTheMouse) {
   Move(20.5, 20.5);
-  EXPECT_FALSE(Grid().PendingCurve().ClosesOnValidate()) << "no curve in progress";
+  EXPECT_FALSE(Grid().Constraints().PendingCurve().ClosesOnValidate()) << "no curve in progress";
   Begin();
   for (const auto& [x, y, closes] : {std::tuple{20.5, 20.5, true}, {21.5, 21.5, false}, {20.5, 19.5, true}}) {
     Move(x, y);
-    EXPECT_EQ(Grid().PendingCurve().ClosesOnValidate(), closes) << x << ", " << y;
+    EXPECT_EQ(Grid().Constraints().PendingCurve().ClosesOnValidate(), closes) << x << ", " << y;
   }
   Key(FL_Escape);
-  EXPECT_FALSE(Grid().PendingCurve().ClosesOnValidate());
+  EXPECT_FALSE(Grid().Constraints().PendingCurve().ClosesOnValidate());
 }
 
 TEST_F(CurveEditingTest, CurveUnderTheMouseLeavesClosingAsItIs) {
@@ -152,7 +152,7 @@ TEST_F(CurveEditingTest, CurveUnderTheMouseLeavesClosingAsItIs) {
   Begin();
   Move(20.5, 20.5);
   Move(80.5, 20.5);
-  EXPECT_TRUE(Grid().PendingCurve().ClosesOnValidate());
+  EXPECT_TRUE(Grid().Constraints().PendingCurve().ClosesOnValidate());
 }
 
 TEST_F(CurveEditingTest, PressOnACurveAppendsWhileOneIsInProgress) {

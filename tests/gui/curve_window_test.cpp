@@ -31,7 +31,7 @@ class CurveWindowTest : public WindowTest {
     m_Grid.m_Console.Take();
   }
   CImageView& View() { return m_Window.ImageView(); }
-  CCntrCtrlList& Curves() { return Grid().Curves(); }
+  CCntrCtrlList& Curves() { return Grid().Constraints().Curves(); }
   CCntrCtrl& Curve(int place = 0) { return CurveAt(Curves(), place); }
   void Add(const CPlaces& places, CurveType type = kTear) {
     Grid().AddCurve(PointsAt(places), type, false);
@@ -121,7 +121,7 @@ TEST_F(CurveWindowTest, PointsClickedSinceTheCurveWasPostedStay) {
   ASSERT_EQ(Grid().NextOperation(), Operation::kNewCurve);
   Click(2, 25);
   EXPECT_TRUE(SettlesBy([] { return true; }));
-  EXPECT_EQ(Grid().PendingCurve().Points().size(), 1U);
+  EXPECT_EQ(Grid().Constraints().PendingCurve().Points().size(), 1U);
   EXPECT_EQ(Curves().size(), 1U);
 }
 
@@ -172,16 +172,16 @@ TEST_F(CurveWindowTest, TypeButtonsUnselectAndKeepTheCurveInProgress) {
   Click(0, 25);
   ClickOn(Control::FairnessConstraint);
   EXPECT_EQ(Selection(Curves()), "0:000");
-  EXPECT_EQ(Grid().PendingCurve().Points().size(), 1U);
+  EXPECT_EQ(Grid().Constraints().PendingCurve().Points().size(), 1U);
 }
 
 TEST_F(CurveWindowTest, ModeButtonsDropTheCurveInProgress) {
   for (const Control mode : {Control::PositionConstraint, Control::NormalConstraint}) {
     ClickOn(Control::CurveConstraint);
     Click(0, 25);
-    EXPECT_FALSE(Grid().PendingCurve().IsIdle());
+    EXPECT_FALSE(Grid().Constraints().PendingCurve().IsIdle());
     ClickOn(mode);
-    EXPECT_TRUE(Grid().PendingCurve().IsIdle());
+    EXPECT_TRUE(Grid().Constraints().PendingCurve().IsIdle());
     EXPECT_EQ(HelpLine().CurrentHelp(), RowOf(mode).m_iHelp);
   }
 }
@@ -189,7 +189,7 @@ TEST_F(CurveWindowTest, ModeButtonsDropTheCurveInProgress) {
 TEST_F(CurveWindowTest, EscapeKeepsTheWindow) {
   Click(0, 25);
   TypeAt(FL_Escape, 0, 25);
-  EXPECT_TRUE(Grid().PendingCurve().IsIdle());
+  EXPECT_TRUE(Grid().Constraints().PendingCurve().IsIdle());
   EXPECT_EQ(m_Window.visible(), 1);
   EXPECT_STREQ(HelpLine().value(), kIdleHelp);
 }
@@ -265,14 +265,14 @@ TEST_F(CurveWindowTest, ExportMakesTheGeneratedConstraintsTheUsersOwn) {
   m_ContourAnswer->m_Attributes.m_bLeftAutoBump = true;
   Click(4, 24, FL_RIGHT_MOUSE);
   Settle();
-  const std::size_t generated = Grid().GeneratedConstraints().size();
+  const std::size_t generated = Grid().Constraints().Generated().size();
   EXPECT_GT(generated, 1U);
   m_ContourAnswer->m_bExport = true;
   Click(4, 24, FL_RIGHT_MOUSE);
-  EXPECT_EQ(Grid().PointConstraints().size(), generated);
+  EXPECT_EQ(Grid().Constraints().Points().size(), generated);
   EXPECT_EQ(Curve().Options(), 0U);
   Settle();
-  EXPECT_EQ(Grid().GeneratedConstraints().size(), 0U);
+  EXPECT_EQ(Grid().Constraints().Generated().size(), 0U);
 }
 
 TEST_F(CurveWindowTest, DialogEndsTheDrag) {
@@ -289,7 +289,7 @@ TEST_F(CurveWindowTest, SelectExplainsItselfAsLongAsItIsOn) {
   ClickOn(Control::Select);
   EXPECT_EQ(HelpLine().CurrentHelp(), 10);
   Click(0, 22);
-  EXPECT_TRUE(Grid().PendingCurve().IsIdle()) << "the tool has the mouse";
+  EXPECT_TRUE(Grid().Constraints().PendingCurve().IsIdle()) << "the tool has the mouse";
   ClickOn(Control::Select);
   EXPECT_EQ(HelpLine().CurrentHelp(), 4);
 }
@@ -303,7 +303,7 @@ TEST_F(CurveWindowTest, SelectedCellsAreSplitWithTheSolverStopped) {
   TypeAt('=', 5, 24, FL_SHIFT);
   EXPECT_TRUE(SettlesBy([&] { return Grid().Tree().LeafCount() > before; }));
   ClickOn(Control::Select);
-  EXPECT_FALSE(Grid().Subdivision().Root().IsSelected());
+  EXPECT_FALSE(Grid().Wanted().Current().Root().IsSelected());
 }
 
 TEST_F(CurveWindowTest, SwitchingSelectOffDrawsBothViews) {

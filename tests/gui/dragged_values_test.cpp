@@ -140,7 +140,7 @@ TEST_F(DraggedValuesTest, SlopesAreShownBesideThoseOfTheSurface) {
 
 TEST_F(DraggedValuesTest, KeysAndDialogsEndADragWithItsLine) {
   for (const int key : {FL_Escape, FL_Tab, FL_Delete, 0}) {
-    Grid().PointConstraints().clear();
+    Grid().Constraints().Points().clear();
     Add(HeightCstr(20.5, 20.5, 44.8));
     Push(FL_RIGHT_MOUSE, 20.5, 20.5);
     Drag(25.5, 20.5);

@@ -22,9 +22,9 @@ class ImageViewKeysTest : public ImageViewTest {
   // An empty model in a view as at the start.
   void Clear(EditingMode mode, std::uint32_t debugFlags = 0) {
     Grid().Initialize(2, false, 0, 0, 100, 100);
-    Grid().CancelPendingCurve();
+    Grid().CurveEdits().CancelPending();
     View().SetDebugFlags(debugFlags);
-    Grid().Subdivision().ClearSelection();
+    Grid().Wanted().Current().ClearSelection();
     View().SetMode(mode);
     View().ResetView();
     Grid().PerformPendingWork();
@@ -57,12 +57,12 @@ class ImageViewKeysTest : public ImageViewTest {
     std::ostringstream out;
     out << GridText(Grid()) << CodeOf(Grid().NextOperation()) << ' ' << g_fZoom << ' '
         << m_Host.m_aAttributePlaces.size() << ' ' << static_cast<int>(View().CurveType()) << ' '
-        << Grid().PendingCurve().Points().size() << ' ';
-    for (const CPtCstr& point : Grid().PointConstraints()) out << point.HasState(PtCstrState::kSelected);
-    for (const CCntrCtrl& curve : Grid().Curves()) {
+        << Grid().Constraints().PendingCurve().Points().size() << ' ';
+    for (const CPtCstr& point : Grid().Constraints().Points()) out << point.HasState(PtCstrState::kSelected);
+    for (const CCntrCtrl& curve : Grid().Constraints().Curves()) {
       for (const CCntrNode& node : curve.Nodes()) out << node.HasState(PtCstrState::kSelected);
     }
-    out << ' ' << CountSelected(Grid().Subdivision().Root()) << ' ' << Grid().Lattice().Count(PointFlag::kFrozen);
+    out << ' ' << CountSelected(Grid().Wanted().Current().Root()) << ' ' << Grid().Lattice().Count(PointFlag::kFrozen);
     // A view that has been moved has a corner outside the picture.
     m_Host.m_abInside.clear();
     for (const auto& [x, y] : {CPlanePoint{0.5, 0.5}, {99.5, 0.5}, {99.5, 99.5}, {0.5, 99.5}}) Move(x, y);
@@ -108,7 +108,7 @@ INSTANTIATE_TEST_SUITE_P(Modes, PointKeysTest, testing::Values(EditingMode::Posi
 TEST_P(PointKeysTest, KeysAreThoseListed) {
   ExpectKeysAreThoseListed(m_aListed, [this](const CTypedKey& key) {
     SetUpPoints(GetParam());
-    Grid().PointConstraints().begin()->SetState(PtCstrState::kSelected, true);
+    Grid().Constraints().Points().begin()->SetState(PtCstrState::kSelected, true);
     return Type(key);
   });
 }
@@ -133,7 +133,7 @@ TEST_F(ImageViewKeysTest, KeysForCurvesAreThoseListed) {
     Grid().PickCurve(kSomething.x, kSomething.y, CurveType::kAll);
     const std::string ofSelected = Type(key);
     SetUpCurve();
-    for (const double x : {20.5, 30.5, 40.5}) Grid().PendingCurve().Append(x, 20.5);
+    for (const double x : {20.5, 30.5, 40.5}) Grid().Constraints().PendingCurve().Append(x, 20.5);
     return Type(key) + ofSelected;
   });
 }
@@ -154,7 +154,7 @@ TEST_F(ImageViewKeysTest, WheelIsNotListedForCurves) {
 TEST_F(ImageViewKeysTest, KeysForCellsAreThoseListed) {
   ExpectKeysAreThoseListed(InputsAt({"Select (resolution by hand)"}), [this](const CTypedKey& key) {
     Clear(EditingMode::Position, DebugFlag::kSelectCells);
-    Grid().Subdivision().SelectRectangle(Grid().Tree(), 1, 1, 7, 7);
+    Grid().Wanted().Current().SelectRectangle(Grid().Tree(), 1, 1, 7, 7);
     return Type(key);
   });
 }

@@ -97,11 +97,11 @@ TEST_F(ImageViewEventTest, ModesPassEventsToTheirHandlers) {
                          {EditingMode::Position, PtCstrKind::kPosition},
                          {EditingMode::Normal, PtCstrKind::kNormal},
                          {EditingMode::Curve, 0}}) {
-    Grid().PointConstraints().clear();
+    Grid().Constraints().Points().clear();
     View().SetMode(c.m_Mode);
     EXPECT_EQ(Push(FL_LEFT_MOUSE, 20.5, 20.5), 1);
-    EXPECT_EQ(Grid().PendingCurve().IsIdle(), c.m_Mode != EditingMode::Curve);
-    EXPECT_EQ(Grid().PointConstraints().empty() ? 0 : Grid().PointConstraints().begin()->m_uKind, c.m_uCreated);
+    EXPECT_EQ(Grid().Constraints().PendingCurve().IsIdle(), c.m_Mode != EditingMode::Curve);
+    EXPECT_EQ(Grid().Constraints().Points().empty() ? 0 : Grid().Constraints().Points().begin()->m_uKind, c.m_uCreated);
     View().EndDrag();
   }
 }
@@ -110,7 +110,7 @@ TEST_F(ImageViewEventTest, SelectingCellsKeepsEventsFromTheHandlers) {
   View().SetDebugFlags(DebugFlag::kSelectCells);
   EXPECT_EQ(Push(FL_LEFT_MOUSE, 20.5, 20.5), 1);
   EXPECT_EQ(Push(FL_LEFT_MOUSE, 20.5, 20.5, FL_SHIFT), 1);
-  EXPECT_TRUE(Grid().PointConstraints().empty());
+  EXPECT_TRUE(Grid().Constraints().Points().empty());
   EXPECT_EQ(m_Host.m_iPauses, 0);
 }
 
@@ -163,7 +163,7 @@ TEST_F(ImageViewEventTest, WithoutAToolNothingIsLookedUp) {
 }
 
 TEST_F(ImageViewEventTest, NormalTestLogsTheNormal) {
-  Grid().ReconstructSurface();
+  Grid().Surface().Reconstruct();
   View().SetDebugFlags(DebugFlag::kNormalTest);
   Move(20.5, 20.5);
   EXPECT_EQ(TakeConsole(), "CImageView::handle\t\tnormal : 0, 0, 1\n");
@@ -187,7 +187,7 @@ TEST_F(ImageViewEventTest, ShiftPressHoldsTheSolverUntilTheRelease) {
     EXPECT_EQ(Release(button), 1);
     EXPECT_EQ(m_Host.m_iResumptions, 1);
   }
-  EXPECT_TRUE(Grid().PointConstraints().empty());
+  EXPECT_TRUE(Grid().Constraints().Points().empty());
 }
 
 TEST_F(ImageViewEventTest, MiddleDragZooms) {
@@ -208,9 +208,9 @@ TEST_F(ImageViewEventTest, LeftDragKeepsThePictureUnderTheMouse) {
   Release();
   // What was under (50.5, 50.5) is under (80.5, 20.5) now.
   PushWithoutHovering(FL_LEFT_MOUSE, 80.5, 20.5);
-  ASSERT_EQ(Grid().PointConstraints().size(), 1U);
-  EXPECT_NEAR(Grid().PointConstraints().begin()->m_fX, 50 + 0.5 * 0.5, 1e-9);
-  EXPECT_NEAR(Grid().PointConstraints().begin()->m_fY, 50 + 0.5 * 0.5, 1e-9);
+  ASSERT_EQ(Grid().Constraints().Points().size(), 1U);
+  EXPECT_NEAR(Grid().Constraints().Points().begin()->m_fX, 50 + 0.5 * 0.5, 1e-9);
+  EXPECT_NEAR(Grid().Constraints().Points().begin()->m_fY, 50 + 0.5 * 0.5, 1e-9);
 }
 
 TEST_F(ImageViewEventTest, RightDragChangesNothing) {
@@ -247,8 +247,8 @@ TEST_F(ImageViewEventTest, ResetUndoesZoomAndPan) {
   View().ResetView();
   EXPECT_EQ(g_fZoom, 1.0);
   PushWithoutHovering(FL_LEFT_MOUSE, 30.5, 60.5);
-  EXPECT_NEAR(Grid().PointConstraints().begin()->m_fX, 30.5, 1e-9);
-  EXPECT_NEAR(Grid().PointConstraints().begin()->m_fY, 60.5, 1e-9);
+  EXPECT_NEAR(Grid().Constraints().Points().begin()->m_fX, 30.5, 1e-9);
+  EXPECT_NEAR(Grid().Constraints().Points().begin()->m_fY, 60.5, 1e-9);
 }
 
 namespace {

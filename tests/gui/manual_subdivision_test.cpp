@@ -22,9 +22,9 @@ class ManualSubdivisionTest : public ImageViewTest {
     TakeConsole();
     m_Host = {};
   }
-  CSaveQuadT& Saved(int k, int child) { return Grid().Subdivision().Root().Child(k).Child(child); }
+  CSaveQuadT& Saved(int k, int child) { return Grid().Wanted().Current().Root().Child(k).Child(child); }
   // The leaves of the lower left quarter and their level-two children that are selected.
-  int SelectedLeaves() { return CountSelected(Grid().Subdivision().Root()); }
+  int SelectedLeaves() { return CountSelected(Grid().Wanted().Current().Root()); }
   static int CountSelected(CSaveQuadT& node) {
     int count = node.IsSelected() ? 1 : 0;
     for (int k = 0; node.HasChildren() && k < 4; ++k) count += CountSelected(node.Child(k));
@@ -207,7 +207,7 @@ TEST_F(ManualSubdivisionTest, NoOtherToolGetsTheEvents) {
   Release();
   Push(kLeftButton, 30.5, 10.5, FL_SHIFT);
   Release();
-  EXPECT_EQ(Grid().PointConstraints().size(), 0U);
+  EXPECT_EQ(Grid().Constraints().Points().size(), 0U);
   EXPECT_EQ(m_Host.m_iPauses, 0);
 }
 

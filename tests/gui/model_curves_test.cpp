@@ -21,7 +21,7 @@ class ModelCurvesTest : public ModelViewTest {
     return FrameOf(View());
   }
   CCntrCtrl& Add(const CPlaces& places, CurveType type, bool closed = false) {
-    CCntrCtrl& curve = Grid().Curves().Add(PointsAt(places), type, closed);
+    CCntrCtrl& curve = Grid().Constraints().Curves().Add(PointsAt(places), type, closed);
     m_Grid.m_Console.Take();
     return curve;
   }
@@ -106,12 +106,12 @@ TEST_F(ModelCurvesTest, MovedNodesAreFollowed) {
 TEST_F(ModelCurvesTest, CurvesThatCannotBeDrawnAreReported) {
   Add({}, CurveType::kPosition);
   EXPECT_EQ(DrawingLines(), "Error CGrid::Draw3DCntr : attempt to draw an empty curve\n");
-  Grid().Curves().clear();
+  Grid().Constraints().Curves().clear();
   Add({{3, 23}}, CurveType::kPosition);
   EXPECT_EQ(DrawingLines(),
             "Error CGrid::Draw3DCntr : attempt to draw a one-point-curve :\n"
             "\t\t\t\t\t\t   There should'n be a one-point curve\n");
-  Grid().Curves().clear();
+  Grid().Constraints().Curves().clear();
   Add(kAcross, CurveType::kNone);
   EXPECT_EQ(DrawingLines(), "one unknown type contour founed!\n");
   EXPECT_EQ(ColourAt(Frame(), 4.5, 23), kWhite);

@@ -98,7 +98,7 @@ TEST_F(ModelDrawingTest, TrianglesInADiscontinuityAreGaps) {
   MakeLeaf(Grid().Tree(), 2, 1, 1, 15);
   Grid().Tree().RefreshEdgeMarks();
   Grid().BuildHNumerotation();
-  Grid().ReconstructSurface();
+  Grid().Surface().Reconstruct();
   const CPicture frame = FrameWith(ModelFlag::kTexturedModel);
   EXPECT_EQ(ColourAt(frame, 2.5, 22.25), kBlack);
   EXPECT_EQ(ColourAt(frame, 6.5, 22.25), kWhite);
@@ -275,10 +275,10 @@ TEST_F(ModelDrawingTest, ConstraintsHaveTheColourOfTheirState) {
   const CConstraintColours colours{colour(unselected), colour(highlighted), colour(selected)};
   for (const bool position : {true, false}) {
     (position ? g_DrawingSettings.m_PositionColours : g_DrawingSettings.m_NormalColours) = colours;
-    Grid().PointConstraints().clear();
+    Grid().Constraints().Points().clear();
     Grid().AddPtCstr(position ? HeightCstr(4.5, 23, 0) : SlopeCstr(4.5, 23));
     for (const auto& [state, expected] : {unselected, highlighted, selected, both}) {
-      Grid().PointConstraints().begin()->m_uState = state;
+      Grid().Constraints().Points().begin()->m_uState = state;
       EXPECT_GT(CountPixels(FrameWith(ModelFlag::kPointConstraints), expected), 10) << position << ' ' << state;
     }
   }
@@ -300,9 +300,9 @@ TEST_F(ModelDrawingTest, ConstraintsHaveTheSizesAndThicknessesOfTheSettings) {
                         CRow{&CViewDrawing::m_fSelectedNormalThickness, false, PtCstrState::kSelected}};
   for (std::size_t k = 0; k < rows.size(); ++k) {
     const auto& [setting, position, state] = rows[k];
-    Grid().PointConstraints().clear();
+    Grid().Constraints().Points().clear();
     Grid().AddPtCstr(position ? HeightCstr(4.5, 23, 0) : SlopeCstr(4.5, 23));
-    Grid().PointConstraints().begin()->m_uState = state;
+    Grid().Constraints().Points().begin()->m_uState = state;
     g_DrawingSettings.m_ModelView.*setting = 3;
     const int before = NonBlack(FrameWith(ModelFlag::kPointConstraints));
     g_DrawingSettings.m_ModelView.*setting = 7;
@@ -315,7 +315,7 @@ TEST_F(ModelDrawingTest, PositionStandsAtTheHeightWanted) {
   Grid().AddPtCstr(HeightCstr(4.5, 23, -1));
   const CPicture below = FrameWith(ModelFlag::kPointConstraints | ModelFlag::kTexturedModel);
   EXPECT_EQ(CountPixels(below, kYellow), 0) << "hidden by the surface";
-  Grid().PointConstraints().begin()->m_fZ = 1;
+  Grid().Constraints().Points().begin()->m_fZ = 1;
   EXPECT_GT(CountPixels(FrameWith(ModelFlag::kPointConstraints | ModelFlag::kTexturedModel), kYellow), 0);
 }
 
@@ -325,7 +325,7 @@ TEST_F(ModelDrawingTest, NormalConstraintLeansAsItsSlopes) {
   const CPicture upright = FrameWith(ModelFlag::kPointConstraints);
   EXPECT_EQ(ColourAt(upright, 6.5, 23), kBlack);
   // Falling towards +x, so that the normal points there.
-  Grid().PointConstraints().begin()->m_fP = -1;
+  Grid().Constraints().Points().begin()->m_fP = -1;
   EXPECT_EQ(ColourAt(FrameWith(ModelFlag::kPointConstraints), 6.5, 23), kRed);
 }
 
@@ -349,7 +349,7 @@ TEST_F(ModelDrawingTest, TexelNormalsWithoutAPictureAreRefused) {
 
 TEST_F(ModelDrawingTest, TexelNormalsAreSegmentsOnTheSurface) {
   SetSurface(Grid(), CRamp{-1, 0, 0});
-  Grid().SetPicture(PlainPicture(kWhite));
+  Grid().Relighting().SetPicture(PlainPicture(kWhite));
   View().ResetCamera();
   Grid().ComputeNormalsOnly();
   m_Grid.m_Console.Take();

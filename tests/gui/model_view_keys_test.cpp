@@ -24,7 +24,7 @@ class ModelViewKeysTest : public ModelViewTest {
     View().AttachHost(m_PanelHost);
     View().EnableEvents();
     Grid().AddPtCstr({30, 40, PtCstrKind::kPosition, 3});
-    Grid().PointConstraints().begin()->SetState(PtCstrState::kSelected, true);
+    Grid().Constraints().Points().begin()->SetState(PtCstrState::kSelected, true);
   }
   void TearDown() override { Fl::e_state = 0; }
 

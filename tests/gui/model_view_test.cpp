@@ -227,7 +227,7 @@ TEST_F(ModelViewEventsTest, WithoutADigitNoLightMoves) {
 
 TEST_F(ModelViewEventsTest, ShiftDragMovesTheHeightOfTheSelectedPosition) {
   Grid().AddPtCstr(HeightCstr(5, 22, 2));
-  RecordAt(Grid().PointConstraints(), 0).SetState(PtCstrState::kSelected, true);
+  RecordAt(Grid().Constraints().Points(), 0).SetState(PtCstrState::kSelected, true);
   const CCamera camera = CameraAtStart();
   Drag(FL_LEFT_MOUSE, 50, 43, FL_SHIFT);
   ExpectSame(View().Camera(), camera);
@@ -241,11 +241,11 @@ TEST_F(ModelViewEventsTest, ShiftDragWithoutASelectedPositionDoesNothing) {
   Grid().AddPtCstr(HeightCstr(5, 22, 2));
   Grid().AddPtCstr(SlopeCstr(6, 23));
   Grid().PerformPendingWork();
-  RecordAt(Grid().PointConstraints(), 1).SetState(PtCstrState::kSelected, true);
+  RecordAt(Grid().Constraints().Points(), 1).SetState(PtCstrState::kSelected, true);
   const CCamera camera = CameraAtStart();
   Drag(FL_LEFT_MOUSE, 50, 43, FL_SHIFT);
   ExpectSame(View().Camera(), camera);
-  EXPECT_EQ(RecordAt(Grid().PointConstraints(), 0).m_fZ, 2);
+  EXPECT_EQ(RecordAt(Grid().Constraints().Points(), 0).m_fZ, 2);
   EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
   EXPECT_EQ(m_Host.m_iImageRedraws, 0);
 }
@@ -254,7 +254,7 @@ TEST_F(ModelViewEventsTest, ShiftDragTellsTheHeightAndWhatTheSurfaceHad) {
   SetSurface(Grid(), CRamp{0.25, -0.5, 4});
   Grid().AddPtCstr(HeightCstr(5, 22, 2));
   Grid().PerformPendingWork();
-  RecordAt(Grid().PointConstraints(), 0).SetState(PtCstrState::kSelected, true);
+  RecordAt(Grid().Constraints().Points(), 0).SetState(PtCstrState::kSelected, true);
   CameraAtStart();
   Fl::e_state = FL_SHIFT;
   Press(FL_LEFT_MOUSE);
@@ -271,7 +271,7 @@ TEST_F(ModelViewEventsTest, ShiftDragTellsTheHeightAndWhatTheSurfaceHad) {
 
 TEST_F(ModelViewEventsTest, OtherDragsTellNothing) {
   Grid().AddPtCstr(HeightCstr(5, 22, 2));
-  RecordAt(Grid().PointConstraints(), 0).SetState(PtCstrState::kSelected, true);
+  RecordAt(Grid().Constraints().Points(), 0).SetState(PtCstrState::kSelected, true);
   Drag(FL_LEFT_MOUSE, 20, 20);
   Drag(FL_RIGHT_MOUSE, 20, 20, FL_SHIFT);
   EXPECT_TRUE(m_Host.m_aMessages.empty());

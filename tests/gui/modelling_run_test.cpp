@@ -59,7 +59,7 @@ class ModellingRunTest : public RunTest {
     CTestGrid saved;
     EXPECT_TRUE(ReadModel(saved.m_Grid));
     std::vector<std::array<double, 3>> heights;
-    for (const CPtCstr& record : saved.m_Grid.PointConstraints()) {
+    for (const CPtCstr& record : saved.m_Grid.Constraints().Points()) {
       if (record.HasKind(PtCstrKind::kPosition)) heights.push_back({record.m_fX, record.m_fY, record.m_fZ});
     }
     return heights;
@@ -153,7 +153,7 @@ TEST_F(ModellingRunTest, SurfaceTakesUpHeightsAndSlopes) {
   Solve();
   CTestGrid saved;
   ASSERT_TRUE(ReadModel(saved.m_Grid));
-  std::vector<CPtCstr> records(saved.m_Grid.PointConstraints().begin(), saved.m_Grid.PointConstraints().end());
+  std::vector<CPtCstr> records(saved.m_Grid.Constraints().Points().begin(), saved.m_Grid.Constraints().Points().end());
   ASSERT_EQ(records.size(), 7U);
   for (std::size_t k = 0; k < 5; ++k) {
     const double z = (k < 2 ? kRimDrag : k < 4 ? kSaucerDrag : 0) * kUnit;

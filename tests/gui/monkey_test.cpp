@@ -152,8 +152,8 @@ class MonkeyTest : public ::testing::Test {
   }
   void Measure() {
     StartOver();
-    EXPECT_EQ(m_Grid.MaxLevel(), kDefaultMaxLevel);
-    EXPECT_EQ(m_Grid.PointConstraints().size() + m_Grid.Curves().size(), 0U);
+    EXPECT_EQ(m_Grid.Lattice().Level(), kDefaultMaxLevel);
+    EXPECT_EQ(m_Grid.Constraints().Points().size() + m_Grid.Constraints().Curves().size(), 0U);
     m_afMegabytes.push_back(ResidentMegabytes());
     std::cout << m_Monkey.Actions() << " actions: " << m_afMegabytes.back() << " MB resident, "
               << static_cast<double>(mallinfo2().uordblks + mallinfo2().hblkhd) / 1e6 << " MB allocated" << std::endl;

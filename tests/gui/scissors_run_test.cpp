@@ -76,8 +76,8 @@ TEST_F(ScissorsRunTest, SixClicksFollowTheRim) {
   TraceRim();
   CTestGrid saved;
   ASSERT_TRUE(ReadModel(saved.m_Grid));
-  ASSERT_EQ(saved.m_Grid.Curves().size(), 1U);
-  const CCntrCtrl& curve = *saved.m_Grid.Curves().begin();
+  ASSERT_EQ(saved.m_Grid.Constraints().Curves().size(), 1U);
+  const CCntrCtrl& curve = *saved.m_Grid.Constraints().Curves().begin();
   EXPECT_EQ(curve.Type(), CurveType::kPosition);
   double length = 0;
   double near = 0;

@@ -122,7 +122,7 @@ TEST_F(SolverTimerTest, StoppedGridEndsTheTickUntouched) {
   EXPECT_TRUE(RunUntilTimerEnds());
   EXPECT_FALSE(IsRegistered());
   EXPECT_EQ(m_Window.m_iTicks, 0);
-  EXPECT_EQ(Grid().IterationCounter(), -1);
+  EXPECT_EQ(Grid().Solver().Counter(), -1);
 }
 
 TEST_F(SolverTimerTest, GridStoppedDuringATickEndsIt) {

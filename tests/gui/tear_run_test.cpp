@@ -62,7 +62,7 @@ class TearRunTest : public RunTest {
     ASSERT_TRUE(m_Program.Rests());
     CTestGrid saved;
     ASSERT_TRUE(ReadModel(saved.m_Grid));
-    ASSERT_EQ(saved.m_Grid.Curves().size(), 1U);
+    ASSERT_EQ(saved.m_Grid.Constraints().Curves().size(), 1U);
     const double step = kUnit * (kHigh - kLow);
     for (const double x : {1.0, 10.0, 50.0, 90.0, 99.0}) {
       const double y = left + (right - left) * x / 100;

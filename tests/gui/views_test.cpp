@@ -151,7 +151,7 @@ TEST_F(ViewsTest, ModelViewHasColourDepthAndTwoBuffers) {
 TEST_F(ViewsTest, DisplayFlagsStartWithGridAndNoTransformation) { EXPECT_EQ(m_Window.GridView().DisplayFlags(), 514U); }
 
 TEST_F(ViewsTest, AttachingSelectsTheNewMode) {
-  Grid().SetWaveletMode(WaveletMode::Simple);
+  Grid().Builder().SetWaveletMode(WaveletMode::Simple);
   m_Window.AttachGrid(Grid());
   EXPECT_EQ(Grid().Surface().Mode(), WaveletMode::New);
   EXPECT_EQ(m_Window.GridView().DisplayFlags(), 2U + 2048U);
@@ -193,7 +193,7 @@ TEST_F(ViewsTest, RunningSolverHasTheViewsDrawnButNotForEveryTick) {
 TEST_F(ViewsTest, InterpolationIsShownInTheImageViewOnly) {
   Show();
   for (Fl_Gl_Window* view : Views()) DrawAndEnter(*view);
-  ASSERT_TRUE(Grid().TraceInterpolation(kOblong.x0, kOblong.y0));
+  ASSERT_TRUE(Grid().Marks().TraceInterpolation(kOblong.x0, kOblong.y0));
   EXPECT_NE(m_Window.ImageView().damage(), 0);
   EXPECT_EQ(m_Window.GridView().damage(), 0);
 }
@@ -202,5 +202,5 @@ TEST_F(ViewsTest, GridOutlivesItsWindow) {
   std::make_unique<CImageViewUI>(RegisterSolverTimer)->AttachGrid(Grid());
   GiveWork();
   Grid().UpdateGrid();
-  EXPECT_GE(Grid().IterationCounter(), 0);
+  EXPECT_GE(Grid().Solver().Counter(), 0);
 }

@@ -5,7 +5,7 @@
 
 TEST_F(WindowCommandsTest, AttachingShowsTheResolution) {
   EXPECT_EQ(ReadOut(Control::CellCount), Grid().Tree().LeafCount());
-  EXPECT_EQ(ReadOut(Control::PointCount), Grid().ActivePointCount());
+  EXPECT_EQ(ReadOut(Control::PointCount), Grid().Surface().ActivePointCount());
 }
 
 TEST_F(WindowCommandsTest, EditingModesAreSelected) {
@@ -109,7 +109,7 @@ TEST_F(WindowCommandsTest, ViewsShowWhatIsUnderTheMouse) {
 TEST_F(WindowCommandsTest, TracedInterpolationIsShown) {
   const double x = kOblong.x0 + 0.3 * (kOblong.x1 - kOblong.x0);
   const double y = kOblong.y0 + 0.4 * (kOblong.y1 - kOblong.y0);
-  ASSERT_TRUE(Grid().TraceInterpolation(x, y));
+  ASSERT_TRUE(Grid().Marks().TraceInterpolation(x, y));
   const auto triangle =
       Grid().Surface().Interpolation().ShortStencil(Grid().Lattice().ColumnOf(x), Grid().Lattice().RowOf(y));
   EXPECT_EQ(ReadOut(Control::FirstNumber), Grid().Order().NumberOf(triangle->m_uA));
@@ -227,7 +227,7 @@ TEST_F(WindowCommandsTest, WorkPostedWithNoTickIsDoneAtOnce) {
   ClickOn(Control::ResetSolver);
   Grid().AddPtCstr({});
   EXPECT_TRUE(RunToolkitUntil([&] { return Grid().NextOperation() == Operation::kNone; }));
-  EXPECT_EQ(Grid().IterationCounter(), 0) << "rebuilt, not iterated";
+  EXPECT_EQ(Grid().Solver().Counter(), 0) << "rebuilt, not iterated";
 }
 
 TEST_F(WindowCommandsTest, WorkPostedBetweenAStopAndTheLastTickIsDone) {
@@ -257,7 +257,7 @@ TEST_F(WindowCommandsTest, WithTheSolverNeverStartedLoadingHappensAtOnce) {
 TEST_F(WindowCommandsTest, LoadedGridIsShownAsItIs) {
   CWindowServices services = Services();
   services.m_Model.m_LoadGrid = [](CGrid& grid, const std::string&) {
-    grid.SetWaveletMode(WaveletMode::Simple);
+    grid.Builder().SetWaveletMode(WaveletMode::Simple);
     grid.AddPtCstr(HeightCstr(4, 22, 1));
     g_bHighRes = 1;
     return GridFileState::Whole;

@@ -45,7 +45,7 @@ CFaces FacesOf(const std::string& vrml) { return TuplesAfter<int, 4>(vrml, "coor
 /// Leaves of several sizes, hanging nodes included, over a ramp.
 struct CRefinedRamp : CTestGrid {
   CRefinedRamp() : CTestGrid(4, 2) {
-    RandomiseRecord(m_Grid.Subdivision(), 5);
+    RandomiseRecord(m_Grid.Wanted().Current(), 5);
     m_Grid.SetDiscMap();
     SetSurface(m_Grid, CRamp{});
     m_Console.Take();
@@ -54,7 +54,7 @@ struct CRefinedRamp : CTestGrid {
 
 TEST(Vrml, IsWrittenToTheLetter) {
   CTestGrid test(2, 1);
-  test.m_Grid.Subdivision().Root().Child(2).subdiv();
+  test.m_Grid.Wanted().Current().Root().Child(2).subdiv();
   test.m_Grid.SetDiscMap();
   SetSurface(test.m_Grid, CRamp{});
   EXPECT_EQ(VrmlText(test.m_Grid), BytesOf(kGolden / "small.wrl"));
@@ -148,7 +148,7 @@ TEST(HeightField, IsWrittenToTheLetter) {
 
 TEST(HeightField, OfTwoByTwoSamplesTheCorners) {
   CTestGrid test(2, 1);
-  test.m_Grid.SetHeights(std::vector<double>{1, 2, 3, 4, 5, 6, 7, 8, 9});
+  test.m_Grid.Builder().SetHeights(std::vector<double>{1, 2, 3, 4, 5, 6, 7, 8, 9});
   EXPECT_EQ(HeightFieldText(test.m_Grid, 2, 2), "1 2 \n4 3 \n");
 }
 
@@ -160,15 +160,15 @@ TEST(HeightField, ReachesTheBorderOfEveryRectangle) {
   for (int k = 0; k < 200; ++k) {
     const double x = any(random);
     const double y = any(random);
-    test.m_Grid.SetRectangle(x, x + any(random) + 0.01, y, y + any(random) + 0.01);
-    test.m_Grid.SetHeights(std::vector<double>{1, 2, 3, 4, 5, 6, 7, 8, 9});
+    test.m_Grid.Surface().SetExtent({x, x + any(random) + 0.01, y, y + any(random) + 0.01});
+    test.m_Grid.Builder().SetHeights(std::vector<double>{1, 2, 3, 4, 5, 6, 7, 8, 9});
     ASSERT_EQ(HeightFieldText(test.m_Grid, 2, 2), "1 2 \n4 3 \n") << x << ", " << y;
   }
 }
 
 TEST(HeightField, EqualsTheSurfaceAtEverySample) {
   CTestGrid test(4, 2);
-  RandomiseRecord(test.m_Grid.Subdivision(), 5);
+  RandomiseRecord(test.m_Grid.Wanted().Current(), 5);
   test.m_Grid.SetDiscMap();
   SetRandomSurface(test.m_Grid, 3);
   std::istringstream in(HeightFieldText(test.m_Grid, 23, 17));

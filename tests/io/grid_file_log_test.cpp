@@ -133,10 +133,10 @@ TEST_P(BadGridFile, IsRefusedWithALineThatNamesWhatWasExpected) {
 TEST_P(BadGridFile, LeavesAFreshGridThatWorks) {
   CFullModel model;
   ReadText(model.m_Grid, Replaced(kShort, GetParam().m_pReplace, GetParam().m_pBy));
-  EXPECT_TRUE(model.m_Grid.Curves().empty());
-  EXPECT_LE(model.m_Grid.PointConstraints().size(), 1U) << "those read from the file only";
+  EXPECT_TRUE(model.m_Grid.Constraints().Curves().empty());
+  EXPECT_LE(model.m_Grid.Constraints().Points().size(), 1U) << "those read from the file only";
   EXPECT_EQ(model.m_Grid.Surface().MaxHeight(), 0.0);
-  EXPECT_GE(model.m_Grid.ActivePointCount(), 4);
+  EXPECT_GE(model.m_Grid.Surface().ActivePointCount(), 4);
   model.m_Grid.UpdateGrid();
   // Before the other grid sets the levels of new grids, which are part of the text.
   const std::string text = GridText(model.m_Grid);
@@ -151,8 +151,8 @@ TEST(BadGridFiles, KeepTheConstraintsReadSoFar) {
   const std::string text =
       Replaced(kShort, "0\t0\n0\t0\n0\t0\n", "0\t2\n1\t2\t3\t4\t5\t1\n6\t7\t8\t9\t10\t2\n0\t0\n0\t9\n");
   EXPECT_EQ(ReadText(test.m_Grid, text), GridFileState::Invalid);
-  ASSERT_EQ(test.m_Grid.PointConstraints().size(), 2U);
-  EXPECT_EQ(RecordAt(test.m_Grid.PointConstraints(), 1).m_fQ, 10);
+  ASSERT_EQ(test.m_Grid.Constraints().Points().size(), 2U);
+  EXPECT_EQ(RecordAt(test.m_Grid.Constraints().Points(), 1).m_fQ, 10);
   EXPECT_EQ(test.m_Grid.Lattice().Extent().y1, 50);
 }
 
@@ -170,9 +170,9 @@ TEST(DamagedGridFile, LeavesOutRecordsWithNumbersThatAreNotFinite) {
                                     "6\t7\t8\t9\t10\t1\n0\t1\n0\t2\n1\t2\t0\t0\t0\t0\t0\t0\tinf\t0\n"
                                     "3\t2\t0\t0\t0\t0\t0\t0\t0\t0\n\n1\n0\n0\n0\n5\n5\n0\t0\n");
   EXPECT_EQ(ReadText(test.m_Grid, text), GridFileState::Damaged);
-  ASSERT_EQ(test.m_Grid.PointConstraints().size(), 1U);
-  EXPECT_EQ(RecordAt(test.m_Grid.PointConstraints(), 0).m_fX, 6);
-  EXPECT_TRUE(test.m_Grid.Curves().empty());
+  ASSERT_EQ(test.m_Grid.Constraints().Points().size(), 1U);
+  EXPECT_EQ(RecordAt(test.m_Grid.Constraints().Points(), 0).m_fX, 6);
+  EXPECT_TRUE(test.m_Grid.Constraints().Curves().empty());
   const std::string log = test.m_Console.Take();
   EXPECT_EQ(Occurrences(log, "CGrid::Load\t\tA point constraint with a number that is not finite is left out\n"), 3);
   EXPECT_EQ(Occurrences(log, "CGrid::Load\t\tA curve constraint with a number that is not finite is left out\n"), 1);
@@ -239,7 +239,7 @@ INSTANTIATE_TEST_SUITE_P(All, NoGridFile,
 TEST(BadGridFiles, GiveUpTheModelOnceTheyHaveARectangle) {
   CFullModel model;
   EXPECT_EQ(ReadText(model.m_Grid, "0 0 100 50 x"), GridFileState::Invalid);
-  EXPECT_TRUE(model.m_Grid.PointConstraints().empty());
+  EXPECT_TRUE(model.m_Grid.Constraints().Points().empty());
   EXPECT_EQ(model.m_Grid.Lattice().Extent().y1, 50);
   EXPECT_EQ(model.m_Console.Take().find("CGrid::Load\t\tFreeAll()...\nCGrid::Load\t\t...FreeAll() complete\n"
                                         "CGrid::Load\t\tLoading the grid dimentions...\n"),
@@ -264,7 +264,7 @@ TEST(ShortGridFile, ThatIsWholeIsReadHoweverLargeItsLattice) {
   for (const auto& [part, by] : {std::pair{"(4, 0)", "(512, 0)"}, {"(4, 4)", "(512, 512)"}, {"(0, 4)", "(0, 512)"}})
     text = Replaced(text, part, by);
   EXPECT_EQ(ReadText(test.m_Grid, text), GridFileState::Whole);
-  EXPECT_EQ(test.m_Grid.MaxLevel(), 9);
+  EXPECT_EQ(test.m_Grid.Lattice().Level(), 9);
 }
 
 class LoadFile : public testing::Test {
@@ -296,7 +296,7 @@ TEST_F(LoadFile, ThatIsMissingLeavesTheGridUnchanged) {
 
 TEST_F(LoadFile, ThatIsADirectoryIsNotOpenedEither) {
   EXPECT_EQ(Load(m_Directory.Path()), GridFileState::NotOpened);
-  EXPECT_EQ(m_Model.m_Grid.PointConstraints().size(), SomeConstraints().size());
+  EXPECT_EQ(m_Model.m_Grid.Constraints().Points().size(), SomeConstraints().size());
 }
 
 TEST_F(LoadFile, ThatIsAPipeIsNotWaitedFor) {

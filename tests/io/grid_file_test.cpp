@@ -23,7 +23,7 @@ struct CSmallModel : CTestGrid {
     curve.SetDistance(CurveSide::Left, 2.5);
     curve.SetDistance(CurveSide::Right, 3.5);
     m_Grid.PerformPendingWork();
-    m_Grid.SetHeights(std::vector<double>{1, -2.5, 1.0 / 3, 1e6, 1e-5, -0.125, 123456.789, 6, 7});
+    m_Grid.Builder().SetHeights(std::vector<double>{1, -2.5, 1.0 / 3, 1e6, 1e-5, -0.125, 123456.789, 6, 7});
     m_Console.Take();
   }
 };
@@ -36,13 +36,13 @@ TEST(GridFile, IsWrittenToTheLetter) {
 TEST(GridFile, GivesTheModelBack) {
   CTestGrid test(3, 1);
   ASSERT_EQ(ReadText(test.m_Grid, BytesOf(kGoldenFiles / "small.grid")), GridFileState::Whole);
-  EXPECT_EQ(test.m_Grid.MaxLevel(), 1);
+  EXPECT_EQ(test.m_Grid.Lattice().Level(), 1);
   EXPECT_EQ(NodalHeights(test.m_Grid), (std::vector<double>{1, -2.5, 0.333333, 1e6, 1e-5, -0.125, 123456.789, 6, 7}));
   EXPECT_EQ(test.m_Grid.Surface().MaxHeight(), 1e6);
   EXPECT_EQ(test.m_Grid.Surface().MinHeight(), -2.5);
-  const CPtCstr& slope = RecordAt(test.m_Grid.PointConstraints(), 1);
+  const CPtCstr& slope = RecordAt(test.m_Grid.Constraints().Points(), 1);
   EXPECT_EQ(slope.m_fQ, -0.5);
-  const CCntrCtrl& curve = *test.m_Grid.Curves().begin();
+  const CCntrCtrl& curve = *test.m_Grid.Constraints().Curves().begin();
   EXPECT_EQ(curve.Nodes().back().m_Weights.m_fLeftTorsion, 12);
   EXPECT_EQ(curve.AutoBump(CurveSide::Right).m_fDistance, 3.5);
   EXPECT_EQ(curve.Options(), CurveOption::kRightAutoBump);
@@ -80,12 +80,12 @@ TEST_P(GridFileRectangle, ComesBackWithAllThatLiesInIt) {
   EXPECT_NEAR(read.x0, e.x0, tolerance);
   EXPECT_NEAR(read.x1 - read.x0, e.x1 - e.x0, 3e-5 * (e.x1 - e.x0));
   EXPECT_NEAR(read.y1 - read.y0, e.y1 - e.y0, 3e-5 * (e.y1 - e.y0));
-  const CPtCstr& record = RecordAt(other.m_Grid.PointConstraints(), 0);
-  const CPtCstr& saved = RecordAt(model.m_Grid.PointConstraints(), 0);
+  const CPtCstr& record = RecordAt(other.m_Grid.Constraints().Points(), 0);
+  const CPtCstr& saved = RecordAt(model.m_Grid.Constraints().Points(), 0);
   EXPECT_NEAR(record.m_fX, saved.m_fX, tolerance);
   EXPECT_NEAR(record.m_fY, saved.m_fY, tolerance);
   EXPECT_NEAR(record.m_fZ, saved.m_fZ, tolerance);
-  const CCntrNode& node = other.m_Grid.Curves().begin()->Nodes().front();
+  const CCntrNode& node = other.m_Grid.Constraints().Curves().begin()->Nodes().front();
   EXPECT_NEAR(node.m_fX, e.x0 + (e.x1 - e.x0) / 9, tolerance);
 }
 
@@ -106,19 +106,19 @@ TEST(GridFile, OfARectangleThatBeginsAtZeroHasSixDigits) {
 TEST(GridFile, KeepsTheHeightOfNormalConstraintsUntilTheNextTick) {
   CSmallModel model;
   ReadText(model.m_Grid, Replaced(GridText(model.m_Grid), "4\t22\t0\t0.25", "4\t22\t77\t0.25"));
-  EXPECT_EQ(RecordAt(model.m_Grid.PointConstraints(), 1).m_fZ, 77);
+  EXPECT_EQ(RecordAt(model.m_Grid.Constraints().Points(), 1).m_fZ, 77);
   model.m_Grid.UpdateGrid();
-  EXPECT_NE(RecordAt(model.m_Grid.PointConstraints(), 1).m_fZ, 77);
+  EXPECT_NE(RecordAt(model.m_Grid.Constraints().Points(), 1).m_fZ, 77);
 }
 
 TEST(GridFile, LeavesTheSolverToRestartFromTheLoadedHeights) {
   CFullModel model;
   const std::string text = GridText(model.m_Grid);
-  model.m_Grid.SetWaveletMode(WaveletMode::None);
+  model.m_Grid.Builder().SetWaveletMode(WaveletMode::None);
   model.m_Grid.Post(Operation::kRebuild);
   g_bHighRes = 1;
   ASSERT_EQ(ReadText(model.m_Grid, text), GridFileState::Whole);
-  EXPECT_EQ(model.m_Grid.IterationCounter(), 0);
+  EXPECT_EQ(model.m_Grid.Solver().Counter(), 0);
   EXPECT_EQ(model.m_Grid.NextOperation(), Operation::kNone);
   EXPECT_EQ(model.m_Grid.Surface().Mode(), WaveletMode::New);
   EXPECT_EQ(g_bHighRes, 0);
@@ -150,27 +150,27 @@ TEST(GridFile, TheLevelsOfTheFileAreThoseOfNewGridsOnly) {
   ASSERT_EQ(ReadText(other.m_Grid, text), GridFileState::Whole);
   EXPECT_EQ(g_iBaseLevel, 3);
   EXPECT_EQ(g_iMaxLevel, 7);
-  EXPECT_EQ(other.m_Grid.BaseLevel(), 5) << "always";
-  EXPECT_EQ(other.m_Grid.ActivePointCount(), 81) << "as the saved subdivision says";
+  EXPECT_EQ(other.m_Grid.Wanted().BaseLevel(), 5) << "always";
+  EXPECT_EQ(other.m_Grid.Surface().ActivePointCount(), 81) << "as the saved subdivision says";
 }
 
 TEST(GridFile, KeepsTheFirstNumberOfEachList) {
   const CFullModel model;
   CTestGrid other;
   ReadText(other.m_Grid, GridText(model.m_Grid));
-  EXPECT_EQ(other.m_Grid.ListHeaders().m_iPoints, 3);
-  EXPECT_EQ(other.m_Grid.ListHeaders().m_iCurves, 4);
-  EXPECT_EQ(other.m_Grid.ListHeaders().m_iRegions, 5);
+  EXPECT_EQ(other.m_Grid.Constraints().Headers().m_iPoints, 3);
+  EXPECT_EQ(other.m_Grid.Constraints().Headers().m_iCurves, 4);
+  EXPECT_EQ(other.m_Grid.Constraints().Headers().m_iRegions, 5);
 }
 
 TEST(GridFile, GeneratedConstraintsAreMadeAnew) {
   CFullModel model;
-  const std::size_t generated = model.m_Grid.GeneratedConstraints().size();
+  const std::size_t generated = model.m_Grid.Constraints().Generated().size();
   ASSERT_GT(generated, 0U);
   CTestGrid other;
   ReadText(other.m_Grid, GridText(model.m_Grid));
-  EXPECT_EQ(other.m_Grid.GeneratedConstraints().size(), generated);
-  EXPECT_EQ(other.m_Grid.PointConstraints().size(), SomeConstraints().size());
+  EXPECT_EQ(other.m_Grid.Constraints().Generated().size(), generated);
+  EXPECT_EQ(other.m_Grid.Constraints().Points().size(), SomeConstraints().size());
 }
 
 // A grid of the other resolution must not reappear after a load.
@@ -194,7 +194,7 @@ TEST(GridFile, AHighResolutionModelComesBackAsTheNormalOne) {
   CTestGrid other;
   ASSERT_EQ(ReadText(other.m_Grid, text), GridFileState::Whole);
   EXPECT_EQ(g_bHighRes, 0);
-  EXPECT_EQ(other.m_Grid.ActivePointCount(), 17 * 17);
+  EXPECT_EQ(other.m_Grid.Surface().ActivePointCount(), 17 * 17);
   EXPECT_EQ(GridText(other.m_Grid), text);
 }
 
@@ -205,13 +205,13 @@ TEST(OldGridFile, HasConstraintsAndSubdivisionButNoHeights) {
   const std::size_t levels = text.find('L');
   text = text.substr(0, levels) + "Q" + text.substr(text.find('T') + 1) + "\n";
   ASSERT_EQ(ReadText(model.m_Grid, text), GridFileState::Whole);
-  EXPECT_EQ(model.m_Grid.PointConstraints().size(), SomeConstraints().size());
-  EXPECT_EQ(model.m_Grid.Curves().size(), 1U);
+  EXPECT_EQ(model.m_Grid.Constraints().Points().size(), SomeConstraints().size());
+  EXPECT_EQ(model.m_Grid.Constraints().Curves().size(), 1U);
   EXPECT_EQ(model.m_Grid.Surface().MaxHeight(), 0.0);
-  EXPECT_EQ(model.m_Grid.IterationCounter(), 0);
+  EXPECT_EQ(model.m_Grid.Solver().Counter(), 0);
   EXPECT_EQ(g_iBaseLevel, 5);
   EXPECT_EQ(g_iMaxLevel, 7);
-  EXPECT_TRUE(model.m_Grid.Subdivision().Root().Child(1).Child(0).Child(2).IsLeaf());
+  EXPECT_TRUE(model.m_Grid.Wanted().Current().Root().Child(1).Child(0).Child(2).IsLeaf());
 }
 
 /// Decimal commas and grouped thousands.

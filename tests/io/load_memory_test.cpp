@@ -30,7 +30,7 @@ class StarvedLoad : public testing::TestWithParam<int> {
     if (!IsReplaced(state)) {
       EXPECT_EQ(GridText(present.m_Grid), before) << count;
     } else {
-      EXPECT_NE(present.m_Grid.PointConstraints().size(), SomeConstraints().size()) << count;
+      EXPECT_NE(present.m_Grid.Constraints().Points().size(), SomeConstraints().size()) << count;
     }
     present.m_Grid.UpdateGrid();
     EXPECT_TRUE(std::isfinite(present.m_Grid.Surface().MaxHeight())) << count;

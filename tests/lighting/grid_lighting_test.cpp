@@ -42,7 +42,7 @@ TEST(GridLighting, WithoutAPictureEveryPassLogsItsOwnLine) {
             "Error CGrid::ComputeNormalsOnly()\tNo texture loaded\n");
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.GetKd(); }), kKdStart + "Error CGrid::GetKd\t\tNo texture loaded\n");
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.TestTexelsInDiscontinuity(); }), "");
-  EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.LocateTexels(); }), "");
+  EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.Relighting().LocateTexels(); }), "");
 }
 
 TEST(GridLighting, ImagesWithoutTexelsOfTheirSizeCountAsNoPicture) {
@@ -119,7 +119,7 @@ TEST(GridPicture, ANewOneReplacesAllThatHungOnTheOld) {
   SwitchOn(test.m_Grid.Relighting().RemovedLights(), 4, {1, 1, 1});
   test.m_Grid.ComputeCoefsTexels();
   test.m_Grid.GetKd();
-  EXPECT_EQ(LinesOf(test, [](CGrid& g) { EXPECT_TRUE(g.SetPicture(PlainPicture(5, 3))); }), "");
+  EXPECT_EQ(LinesOf(test, [](CGrid& g) { EXPECT_TRUE(g.Relighting().SetPicture(PlainPicture(5, 3))); }), "");
   EXPECT_EQ(test.m_Grid.Relighting().Textures().PictureWidth(), 5);
   EXPECT_EQ(test.m_Grid.Relighting().Texels().Mask().size(), 15U);
   EXPECT_FALSE(test.m_Grid.Relighting().Albedo().IsComputed());
@@ -134,7 +134,7 @@ TEST(GridPicture, OneThatMemoryDoesNotHoldIsRefusedAndNothingIsLost) {
   const std::vector<Vector3> normals(test.m_Grid.Relighting().Texels().Normals().begin(),
                                      test.m_Grid.Relighting().Texels().Normals().end());
   const unsigned revision = test.m_Grid.Relighting().Textures().Revision(CTextureImages::kPhotograph);
-  EXPECT_EQ(LinesOf(test, [](CGrid& g) { EXPECT_FALSE(g.SetPicture(PlainPicture(300, 200), 1e6)); }),
+  EXPECT_EQ(LinesOf(test, [](CGrid& g) { EXPECT_FALSE(g.Relighting().SetPicture(PlainPicture(300, 200), 1e6)); }),
             "Error CGrid::SetPicture\t\tNot enough memory for a picture of 300 by 200 texels\n");
   EXPECT_EQ(test.m_Grid.Relighting().Textures().PictureWidth(), 8);
   EXPECT_EQ(test.m_Grid.Relighting().Textures().Revision(CTextureImages::kPhotograph), revision);
@@ -145,8 +145,8 @@ TEST(GridPicture, ItsNeedCountsTexelsAndPaddedTextures) {
   CTestGrid test;
   const double texels = 300.0 * 200 * static_cast<double>(CTexelMap::kBytesPerTexel + CAlbedoMap::kBytesPerTexel);
   const double textures = 3 * 3 * 512 * 256;
-  EXPECT_FALSE(test.m_Grid.SetPicture(PlainPicture(300, 200), texels + textures - 1));
-  EXPECT_TRUE(test.m_Grid.SetPicture(PlainPicture(300, 200), texels + textures));
+  EXPECT_FALSE(test.m_Grid.Relighting().SetPicture(PlainPicture(300, 200), texels + textures - 1));
+  EXPECT_TRUE(test.m_Grid.Relighting().SetPicture(PlainPicture(300, 200), texels + textures));
 }
 
 TEST(GridPicture, AnEmptyOrBrokenOneIsRefusedSilently) {
@@ -154,7 +154,7 @@ TEST(GridPicture, AnEmptyOrBrokenOneIsRefusedSilently) {
   CPicture broken = PlainPicture(4, 4);
   broken.m_aPixels.pop_back();
   for (const CPicture& picture : {CPicture{}, CPicture{0, 5, {}}, CPicture{-1, -1, {0, 0, 0}}, broken})
-    EXPECT_EQ(LinesOf(test, [&](CGrid& g) { EXPECT_FALSE(g.SetPicture(picture)); }), "");
+    EXPECT_EQ(LinesOf(test, [&](CGrid& g) { EXPECT_FALSE(g.Relighting().SetPicture(picture)); }), "");
   EXPECT_EQ(test.m_Grid.Relighting().Textures().PictureWidth(), 8);
 }
 
@@ -192,7 +192,7 @@ TEST(GridTexels, TheMaskFollowsANewGrid) {
 
 void ExpectNormalsOfTheSurface(const CGrid& grid) {
   const CTexelMap& texels = grid.Relighting().Texels();
-  const int cells = grid.PointsPerSide() - 1;
+  const int cells = grid.Lattice().PointsPerSide() - 1;
   ASSERT_FALSE(texels.Normals().empty());
   for (std::size_t i = 0; i < texels.Normals().size(); ++i) {
     const double gx = (texels.Records()[i].Column() + 0.5) / texels.Width() * cells;
@@ -215,7 +215,7 @@ TEST(GridTexels, AfterANewGridOfAnotherLevelNormalsAreOfItsTree) {
 TEST(GridTexels, AfterARebuildOfTheMapsKdIsOfTheNewTree) {
   CPictureGrid test(16, 16);
   SwitchOn(test.m_Grid.Relighting().RemovedLights(), 4, {1, 1, 1});
-  test.m_Grid.Subdivision().Root().Child(0).Child(0).subdiv();
+  test.m_Grid.Wanted().Current().Root().Child(0).Child(0).subdiv();
   test.m_Grid.Post(Operation::kRebuildMaps);
   test.m_Grid.PerformPendingWork();
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.GetKd(); }).find("ComputeCoefsTexels"), std::string::npos);
@@ -237,7 +237,7 @@ TEST(GridTexels, OnASurfaceThatMovesNormalsChangeOnlyWhenAsked) {
 
 TEST(GridTexels, CanBeLocatedForDrawing) {
   CPictureGrid test(5, 4);
-  test.m_Grid.LocateTexels();
+  test.m_Grid.Relighting().LocateTexels();
   ASSERT_EQ(test.m_Grid.Relighting().Texels().Records().size(), 20U);
   EXPECT_TRUE(test.m_Grid.Relighting().Texels().Records()[7].IsLocated());
 }

@@ -44,9 +44,9 @@ struct CPhotographedBump : CTestGrid {
   CPhotographedBump() : CTestGrid(6, 6) {
     SetHeights(m_Grid.Lattice(), CBump{4.0, 23.0, 1.75});
     ComputeNormals(m_Grid.Tree());
-    m_Grid.SetPicture(PlainPicture(kSide, kSide));
+    m_Grid.Relighting().SetPicture(PlainPicture(kSide, kSide));
     m_Grid.ComputeCoefsTexels();
-    m_Grid.SetPicture(ThroughFile(Photograph()));
+    m_Grid.Relighting().SetPicture(ThroughFile(Photograph()));
     m_Grid.ComputeCoefsTexels();
     m_Grid.Relighting().RemovedLights() = KnownLights();
   }

@@ -24,7 +24,7 @@ TEST(GridCurvesTest, CurveWithoutPointsIsNone) {
   CCurveGrid test;
   test.Add({});
   test.m_Grid.AddTracedCurve({}, kTear, false);
-  EXPECT_TRUE(test.m_Grid.Curves().empty());
+  EXPECT_TRUE(test.m_Grid.Constraints().Curves().empty());
   EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
   EXPECT_EQ(test.m_Console.Take(), "");
 }
@@ -50,11 +50,11 @@ TEST(GridCurvesTest, RebuildThatChangesNothingLeavesGeneratedConstraintsWhereThe
   test.Add(kPath);
   test.Curve().SetOption(CurveOption::kLeftAutoBump | CurveOption::kRightAutoBump, true);
   test.m_Grid.SetDiscMap();
-  const CPlaces before = PlacesOf(test.m_Grid.GeneratedConstraints());
+  const CPlaces before = PlacesOf(test.m_Grid.Constraints().Generated());
   EXPECT_GE(before.size(), 4U);
   for (int k = 0; k < 3; ++k) {
     test.m_Grid.SetDiscMap();
-    EXPECT_EQ(PlacesOf(test.m_Grid.GeneratedConstraints()), before);
+    EXPECT_EQ(PlacesOf(test.m_Grid.Constraints().Generated()), before);
   }
 }
 
@@ -83,17 +83,17 @@ TEST(GridCurvesTest, TracedPointIsRefusedOnceAndGoesWithTheRebuild) {
   CCurveGrid test;
   test.m_Grid.AddTracedCurve(PointsAt({{0, 21}}), kTear, false);
   EXPECT_EQ(Occurrences(test.m_Console.Take(), "dealing with a single-point curve\n"), 1);
-  EXPECT_EQ(test.m_Grid.Curves().size(), 1U);
+  EXPECT_EQ(test.m_Grid.Constraints().Curves().size(), 1U);
   test.m_Grid.SetDiscMap();
-  EXPECT_TRUE(test.m_Grid.Curves().empty());
+  EXPECT_TRUE(test.m_Grid.Constraints().Curves().empty());
 }
 
 TEST(GridCurvesTest, CurvesWithoutNodesGoWithTheRebuild) {
   CCurveGrid test;
   test.Add(kPath);
-  test.m_Grid.Curves().Add();
+  test.m_Grid.Constraints().Curves().Add();
   test.m_Grid.SetDiscMap();
-  EXPECT_EQ(test.m_Grid.Curves().size(), 1U);
+  EXPECT_EQ(test.m_Grid.Constraints().Curves().size(), 1U);
   EXPECT_EQ(Occurrences(test.m_Console.Take(), "Error"), 0);
 }
 
@@ -102,17 +102,17 @@ TEST(GridCurvesTest, CurvesWithoutNodesGoWithTheRebuild) {
 TEST(PendingGridCurveTest, EnterAfterTwoClicksMakesThreeNodes) {
   CCurveGrid test;
   test.Click({{0, 21}, {4, 22}});
-  EXPECT_EQ(test.m_Grid.ValidatePendingCurve(8, 24, false, kTear), CGrid::Validation::Added);
+  EXPECT_EQ(test.m_Grid.CurveEdits().ValidatePending(8, 24, false, kTear), CCurveEdits::Validation::Added);
   EXPECT_EQ(PlacesOf(test.Curve()), kPath);
   EXPECT_FALSE(test.Curve().IsClosed());
-  EXPECT_TRUE(test.m_Grid.PendingCurve().IsIdle());
-  EXPECT_TRUE(test.m_Grid.PendingCurve().Points().empty());
+  EXPECT_TRUE(test.m_Grid.Constraints().PendingCurve().IsIdle());
+  EXPECT_TRUE(test.m_Grid.Constraints().PendingCurve().Points().empty());
 }
 
 TEST(PendingGridCurveTest, ShiftClosesIt) {
   CCurveGrid test;
   test.Click({{0, 21}, {4, 22}});
-  test.m_Grid.ValidatePendingCurve(8, 24, true, kTear);
+  test.m_Grid.CurveEdits().ValidatePending(8, 24, true, kTear);
   EXPECT_TRUE(test.Curve().IsClosed());
   EXPECT_EQ(PlacesOf(test.Curve()), kPath);
 }
@@ -120,7 +120,7 @@ TEST(PendingGridCurveTest, ShiftClosesIt) {
 TEST(PendingGridCurveTest, ShiftAfterOneClickMakesAnOpenPair) {
   CCurveGrid test;
   test.Click({{0, 21}});
-  test.m_Grid.ValidatePendingCurve(8, 24, true, kTear);
+  test.m_Grid.CurveEdits().ValidatePending(8, 24, true, kTear);
   EXPECT_FALSE(test.Curve().IsClosed());
   EXPECT_EQ(test.Curve().Nodes().size(), 2U);
 }
@@ -128,37 +128,38 @@ TEST(PendingGridCurveTest, ShiftAfterOneClickMakesAnOpenPair) {
 TEST(PendingGridCurveTest, CursorOnTheFirstPointClosesTheClickedPoints) {
   CCurveGrid test;
   test.Click(kPath);
-  test.m_Grid.PendingCurve().Hover(0.2, 21.2, PickReach());
-  test.m_Grid.ValidatePendingCurve(0.2, 21.2, false, kTear);
+  test.m_Grid.Constraints().PendingCurve().Hover(0.2, 21.2, PickReach());
+  test.m_Grid.CurveEdits().ValidatePending(0.2, 21.2, false, kTear);
   EXPECT_TRUE(test.Curve().IsClosed());
   EXPECT_EQ(PlacesOf(test.Curve()), kPath);
-  EXPECT_FALSE(test.m_Grid.PendingCurve().ClosesOnValidate()) << "the view is idle again";
+  EXPECT_FALSE(test.m_Grid.Constraints().PendingCurve().ClosesOnValidate()) << "the view is idle again";
 }
 
 TEST(PendingGridCurveTest, SinglePointMakesNoCurve) {
   CCurveGrid test;
   test.Click({{0, 21}});
-  test.m_Grid.PendingCurve().SetClosedOnValidate(true);
-  EXPECT_EQ(test.m_Grid.ValidatePendingCurve(0, 21, false, kTear), CGrid::Validation::Dropped);
-  EXPECT_TRUE(test.m_Grid.Curves().empty());
-  EXPECT_TRUE(test.m_Grid.PendingCurve().IsIdle());
+  test.m_Grid.Constraints().PendingCurve().SetClosedOnValidate(true);
+  EXPECT_EQ(test.m_Grid.CurveEdits().ValidatePending(0, 21, false, kTear), CCurveEdits::Validation::Dropped);
+  EXPECT_TRUE(test.m_Grid.Constraints().Curves().empty());
+  EXPECT_TRUE(test.m_Grid.Constraints().PendingCurve().IsIdle());
   EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
 }
 
 TEST(PendingGridCurveTest, EnterWithNothingInProgressDoesNothing) {
   CCurveGrid test;
   for (const CurveType type : {CurveType::kNone, kTear})
-    EXPECT_EQ(test.m_Grid.ValidatePendingCurve(0, 21, true, type), CGrid::Validation::Dropped);
-  EXPECT_TRUE(test.m_Grid.Curves().empty());
+    EXPECT_EQ(test.m_Grid.CurveEdits().ValidatePending(0, 21, true, type), CCurveEdits::Validation::Dropped);
+  EXPECT_TRUE(test.m_Grid.Constraints().Curves().empty());
 }
 
 TEST(PendingGridCurveTest, WithoutATypeThePointsStay) {
   CCurveGrid test;
   test.Click({{0, 21}, {4, 22}});
-  EXPECT_EQ(test.m_Grid.ValidatePendingCurve(8, 24, false, CurveType::kNone), CGrid::Validation::NeedsType);
-  EXPECT_EQ(test.m_Grid.PendingCurve().Points().size(), 2U);
-  EXPECT_FALSE(test.m_Grid.PendingCurve().IsIdle());
-  EXPECT_EQ(test.m_Grid.ValidatePendingCurve(8, 24, false, kTear), CGrid::Validation::Added);
+  EXPECT_EQ(test.m_Grid.CurveEdits().ValidatePending(8, 24, false, CurveType::kNone),
+            CCurveEdits::Validation::NeedsType);
+  EXPECT_EQ(test.m_Grid.Constraints().PendingCurve().Points().size(), 2U);
+  EXPECT_FALSE(test.m_Grid.Constraints().PendingCurve().IsIdle());
+  EXPECT_EQ(test.m_Grid.CurveEdits().ValidatePending(8, 24, false, kTear), CCurveEdits::Validation::Added);
   EXPECT_EQ(test.Curve().Nodes().size(), 3U);
 }
 
@@ -171,23 +172,23 @@ TEST(PendingGridCurveTest, ValidatingAndCancellingUnselectEverything) {
     test.m_Grid.SelectPtCstr(1, 25, PtCstrKind::kPosition);
     test.Click({{0, 25}, {1, 25}});
     if (cancel) {
-      test.m_Grid.CancelPendingCurve();
+      test.m_Grid.CurveEdits().CancelPending();
     } else {
-      test.m_Grid.ValidatePendingCurve(2, 25, false, kTear);
+      test.m_Grid.CurveEdits().ValidatePending(2, 25, false, kTear);
     }
-    EXPECT_EQ(Selection(test.m_Grid.Curves()), cancel ? "0:000" : "0:000 0:000");
-    EXPECT_EQ(Selection(test.m_Grid.PointConstraints()), "0");
-    EXPECT_TRUE(test.m_Grid.PendingCurve().IsIdle());
+    EXPECT_EQ(Selection(test.m_Grid.Constraints().Curves()), cancel ? "0:000" : "0:000 0:000");
+    EXPECT_EQ(Selection(test.m_Grid.Constraints().Points()), "0");
+    EXPECT_TRUE(test.m_Grid.Constraints().PendingCurve().IsIdle());
   }
 }
 
 TEST(PendingGridCurveTest, PointsClickedSinceTheCurveStay) {
   CCurveGrid test;
   test.Click({{0, 21}, {4, 22}});
-  test.m_Grid.ValidatePendingCurve(8, 24, false, kTear);
+  test.m_Grid.CurveEdits().ValidatePending(8, 24, false, kTear);
   test.Click({{1, 25}});
   test.m_Grid.UpdateGrid();
-  EXPECT_EQ(test.m_Grid.PendingCurve().Points().size(), 1U);
+  EXPECT_EQ(test.m_Grid.Constraints().PendingCurve().Points().size(), 1U);
 }
 
 TEST(PendingGridCurveTest, GoesWithTheOldModel) {
@@ -195,11 +196,11 @@ TEST(PendingGridCurveTest, GoesWithTheOldModel) {
   test.Add(kPath);
   test.Click({{0, 21}});
   test.Initialize(2, true);
-  EXPECT_EQ(test.m_Grid.Curves().size(), 1U);
-  EXPECT_FALSE(test.m_Grid.PendingCurve().IsIdle());
+  EXPECT_EQ(test.m_Grid.Constraints().Curves().size(), 1U);
+  EXPECT_FALSE(test.m_Grid.Constraints().PendingCurve().IsIdle());
   test.Initialize(2, false);
-  EXPECT_TRUE(test.m_Grid.Curves().empty());
-  EXPECT_TRUE(test.m_Grid.PendingCurve().IsIdle());
+  EXPECT_TRUE(test.m_Grid.Constraints().Curves().empty());
+  EXPECT_TRUE(test.m_Grid.Constraints().PendingCurve().IsIdle());
 }
 
 // Selection and its edits.
@@ -208,7 +209,7 @@ TEST(GridCurvesTest, PickAnswersTheTypeOfTheCurve) {
   CCurveGrid test;
   test.Add(kPath, kCrease);
   EXPECT_EQ(test.m_Grid.PickCurve(4.5, 22.4, CurveType::kAll), kCrease);
-  EXPECT_EQ(Selection(test.m_Grid.Curves()), "1:010");
+  EXPECT_EQ(Selection(test.m_Grid.Constraints().Curves()), "1:010");
   EXPECT_EQ(test.m_Grid.PickCurve(4.5, 22.4, kTear), CurveType::kNone);
   EXPECT_EQ(test.m_Grid.PickCurve(2, 21.5, CurveType::kAll), CurveType::kNone) << "a segment is not a node";
 }
@@ -219,8 +220,8 @@ TEST(GridCurvesTest, ReachFollowsTheZoom) {
   EXPECT_FALSE(test.m_Grid.HighlightCurves(0, 19.5, CurveType::kAll));
   const CGlobalScope zoom(g_fZoom, 2.0);
   EXPECT_TRUE(test.m_Grid.HighlightCurves(0, 19.5, CurveType::kAll));
-  EXPECT_EQ(Highlights(test.m_Grid.Curves()), "1:100");
-  EXPECT_NE(test.m_Grid.FindCurve(0, 19.5, PickReach()), CurveId::kNone);
+  EXPECT_EQ(Highlights(test.m_Grid.Constraints().Curves()), "1:100");
+  EXPECT_NE(test.m_Grid.Constraints().FindCurve(0, 19.5, PickReach()), CurveId::kNone);
 }
 
 TEST(GridCurvesTest, UnselectAllIncludesCurves) {
@@ -228,18 +229,18 @@ TEST(GridCurvesTest, UnselectAllIncludesCurves) {
   test.Add(kPath);
   test.m_Grid.PickCurve(0, 21, CurveType::kAll);
   test.m_Grid.UnselectAll();
-  EXPECT_EQ(Selection(test.m_Grid.Curves()), "0:000");
+  EXPECT_EQ(Selection(test.m_Grid.Constraints().Curves()), "0:000");
 }
 
 TEST(GridCurvesTest, SelectedCurveTakesAnotherType) {
   CCurveGrid test;
   test.Add(kPath);
-  test.m_Grid.SetSelectedCurveType(kCrease);
+  test.m_Grid.CurveEdits().SetSelectedType(kCrease);
   EXPECT_EQ(test.Curve().Type(), kTear) << "none is selected";
   test.m_Grid.PickCurve(0, 21, CurveType::kAll);
-  test.m_Grid.SetSelectedCurveType(CurveType::kNone);
+  test.m_Grid.CurveEdits().SetSelectedType(CurveType::kNone);
   EXPECT_EQ(test.Curve().Type(), kTear);
-  test.m_Grid.SetSelectedCurveType(kCrease);
+  test.m_Grid.CurveEdits().SetSelectedType(kCrease);
   EXPECT_EQ(test.Curve().Type(), kCrease);
 }
 
@@ -264,7 +265,7 @@ TEST(GridCurvesTest, DeletionsPostARebuildOfTheMaps) {
   test.m_Grid.UpdateGrid();
   test.m_Grid.PickCurve(0, 21, CurveType::kAll);
   test.m_Grid.DeleteSelectedCurve();
-  EXPECT_TRUE(test.m_Grid.Curves().empty());
+  EXPECT_TRUE(test.m_Grid.Constraints().Curves().empty());
   EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps);
 }
 

@@ -17,7 +17,7 @@ TEST(CurveCodesTest, NewCurveCodeUnselectsCurvesAndRebuildsTheMaps) {
   test.m_Grid.PickCurve(4, 22, CurveType::kAll);
   test.m_Console.Take();
   test.m_Grid.UpdateGrid();
-  EXPECT_EQ(Selection(test.m_Grid.Curves()), "0:000");
+  EXPECT_EQ(Selection(test.m_Grid.Constraints().Curves()), "0:000");
   EXPECT_NE(test.m_Console.Take().find("\nCGrid::SetDiscMap()\n"), std::string::npos);
   EXPECT_GT(test.m_Grid.Tree().LeafCount(), 16);
 }
@@ -40,7 +40,7 @@ TEST(CurveCodesTest, StoppedGridRasterisesACurveAtOnce) {
   test.Add(kPath);
   test.m_Grid.PerformPendingWork();
   EXPECT_GT(test.m_Grid.Tree().LeafCount(), 16);
-  EXPECT_EQ(test.m_Grid.IterationCounter(), 0);
+  EXPECT_EQ(test.m_Grid.Solver().Counter(), 0);
 }
 
 TEST(CurveCodesTest, AttributesCodeAsksTheHostForTheDialog) {
@@ -53,7 +53,7 @@ TEST(CurveCodesTest, AttributesCodeAsksTheHostForTheDialog) {
 TEST(CurveCodesTest, SubdivideCodeSplitsTheSelectionAndShowsIt) {
   CCurveGrid test;
   test.Add({{-2, 25}, {-1, 25.5}});
-  CSaveQuadT& wanted = test.m_Grid.Subdivision().Root().Child(1).Child(0);
+  CSaveQuadT& wanted = test.m_Grid.Wanted().Current().Root().Child(1).Child(0);
   wanted.SetSelected(true);
   test.m_Grid.Post(Operation::kSubdivide);
   test.m_Grid.UpdateGrid();
@@ -69,7 +69,7 @@ TEST(CurveCodesTest, SubdivideCodeSplitsTheSelectionAndShowsIt) {
 
 TEST(CurveCodesTest, MergeCodeUndoesIt) {
   CCurveGrid test;
-  CSaveQuadT& wanted = test.m_Grid.Subdivision().Root().Child(1).Child(0);
+  CSaveQuadT& wanted = test.m_Grid.Wanted().Current().Root().Child(1).Child(0);
   wanted.SetSelected(true);
   for (const Operation code : {Operation::kSubdivide, Operation::kMerge}) {
     test.m_Grid.Post(code);
@@ -84,8 +84,8 @@ TEST(CurveCodesTest, MergeCodeUndoesIt) {
 
 TEST(CurveCodesTest, OtherResolutionShowsItsOwnSelection) {
   CCurveGrid test;
-  test.m_Grid.Subdivision().Root().Child(1).Child(0).SetSelected(true);
-  test.m_Grid.Subdivision().ShowSelection(test.m_Grid.Tree());
+  test.m_Grid.Wanted().Current().Root().Child(1).Child(0).SetSelected(true);
+  test.m_Grid.Wanted().Current().ShowSelection(test.m_Grid.Tree());
   test.m_Grid.Post(Operation::kRestoreHigh);
   test.m_Grid.UpdateGrid();
   EXPECT_FALSE(test.m_Grid.Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
@@ -102,7 +102,7 @@ TEST(CurveRebuildTest, StepsAreReportedInOrder) {
   test.Curve().SetOption(CurveOption::kLeftAutoBump, true);
   test.m_Console.Take();
   test.m_Grid.SetDiscMap();
-  const std::string points = std::to_string(test.m_Grid.ActivePointCount()) + " points\n";
+  const std::string points = std::to_string(test.m_Grid.Surface().ActivePointCount()) + " points\n";
   EXPECT_EQ(test.m_Console.Take(),
             "\nCGrid::SetDiscMap()\n25 points\nCGrid::UpdateConstraintsFormCurves\n"
             "CCntrCtrl::AddAutoBumpConstraintsLeft\nDistanceLeft() : 5\n*** SetSparseH ***\n" +
@@ -124,11 +124,11 @@ TEST(CurveRebuildTest, ConstraintsInTheTearAreDisabledAndFreedWithIt) {
   test.m_Grid.AddPtCstr(HeightCstr(4, 20.5, 1));
   test.Add({{0, 23.1}, {8, 23.1}});
   test.m_Grid.SetDiscMap();
-  EXPECT_TRUE(RecordAt(test.m_Grid.PointConstraints(), 0).HasKind(PtCstrKind::kDisabled));
-  EXPECT_FALSE(RecordAt(test.m_Grid.PointConstraints(), 1).HasKind(PtCstrKind::kDisabled));
-  test.m_Grid.Curves().clear();
+  EXPECT_TRUE(RecordAt(test.m_Grid.Constraints().Points(), 0).HasKind(PtCstrKind::kDisabled));
+  EXPECT_FALSE(RecordAt(test.m_Grid.Constraints().Points(), 1).HasKind(PtCstrKind::kDisabled));
+  test.m_Grid.Constraints().Curves().clear();
   test.m_Grid.SetDiscMap();
-  EXPECT_FALSE(RecordAt(test.m_Grid.PointConstraints(), 0).HasKind(PtCstrKind::kDisabled));
+  EXPECT_FALSE(RecordAt(test.m_Grid.Constraints().Points(), 0).HasKind(PtCstrKind::kDisabled));
 }
 
 TEST(CurveRebuildTest, GeneratedConstraintsInATearAreDisabled) {
@@ -138,8 +138,8 @@ TEST(CurveRebuildTest, GeneratedConstraintsInATearAreDisabled) {
   test.Add({{4, 20.5}, {6, 25.5}});
   test.m_Grid.SetDiscMap();
   int disabled = 0;
-  for (const CPtCstr& c : test.m_Grid.GeneratedConstraints()) disabled += c.HasKind(PtCstrKind::kDisabled) ? 1 : 0;
-  EXPECT_EQ(test.m_Grid.GeneratedConstraints().size(), 2U);
+  for (const CPtCstr& c : test.m_Grid.Constraints().Generated()) disabled += c.HasKind(PtCstrKind::kDisabled) ? 1 : 0;
+  EXPECT_EQ(test.m_Grid.Constraints().Generated().size(), 2U);
   EXPECT_EQ(disabled, 1);
 }
 
@@ -149,8 +149,8 @@ TEST(CurveRebuildTest, GeneratedConstraintsStandInFineCellsAndMakeRows) {
   test.Curve().SetOption(CurveOption::kLeftAutoBump | CurveOption::kRightAutoBump, true);
   test.Curve().SetDistance(CurveSide::Left, 2);
   test.m_Grid.SetDiscMap();
-  EXPECT_EQ(test.m_Grid.GeneratedConstraints().size(), 4U + 2U);
-  for (const CPtCstr& c : test.m_Grid.GeneratedConstraints())
+  EXPECT_EQ(test.m_Grid.Constraints().Generated().size(), 4U + 2U);
+  for (const CPtCstr& c : test.m_Grid.Constraints().Generated())
     EXPECT_EQ(test.m_Grid.Tree().PointInCell(c.m_fX, c.m_fY)->Size(), 1);
   EXPECT_EQ(test.m_Grid.Solver().System().ConstraintCount(), 12U);
 }
@@ -171,7 +171,7 @@ TEST(CurveRebuildTest, DeletedCurveLeavesTheTreeAsItWas) {
   test.Add(kPath);
   test.Add({{0, 25}, {9, 21}}, kCrease);
   test.m_Grid.SetDiscMap();
-  test.m_Grid.Curves().clear();
+  test.m_Grid.Constraints().Curves().clear();
   test.m_Grid.SetDiscMap();
   EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 16);
   EXPECT_EQ(test.m_Grid.Lattice().Count(PointFlag::kCrease), 0U);
@@ -222,7 +222,7 @@ TEST(CurveAttributesTest, GoToTheCurveAndTheNodeUnderTheClick) {
   wanted.m_bRightAutoBump = true;
   wanted.m_aAutoBumps[1] = {2.5, 120};
   wanted.m_Weights = {1, 2, 3, 4};
-  test.m_Grid.SetCurveAttributes(test.At(4.2, 22.1), 1, wanted, kCrease, false);
+  test.m_Grid.CurveEdits().SetAttributes(test.At(4.2, 22.1), 1, wanted, kCrease, false);
   EXPECT_TRUE(test.Curve().IsClosed());
   EXPECT_EQ(test.Curve().Options(), CurveOption::kRightAutoBump);
   EXPECT_EQ(test.Curve().AutoBump(CurveSide::Right).m_fOrientation, 80);
@@ -235,7 +235,7 @@ TEST(CurveAttributesTest, GoToTheCurveAndTheNodeUnderTheClick) {
 
 TEST(CurveAttributesTest, WithoutACurrentTypeTheCurveKeepsItsOwn) {
   CAttributesGrid test;
-  test.m_Grid.SetCurveAttributes(test.At(4, 22), 1, test.Shown(), CurveType::kNone, false);
+  test.m_Grid.CurveEdits().SetAttributes(test.At(4, 22), 1, test.Shown(), CurveType::kNone, false);
   EXPECT_EQ(test.Curve().Type(), kTear);
 }
 
@@ -243,7 +243,7 @@ TEST(CurveAttributesTest, WeightsMayGoToAllNodes) {
   CAttributesGrid test;
   CContourAttributes wanted = test.Shown();
   wanted.m_Weights = {1, 2, 3, 4};
-  test.m_Grid.SetCurveAttributes(test.At(4, 22), 1, wanted, CurveType::kNone, true);
+  test.m_Grid.CurveEdits().SetAttributes(test.At(4, 22), 1, wanted, CurveType::kNone, true);
   for (const CCntrNode& node : test.Curve().Nodes()) EXPECT_EQ(node.m_Weights, wanted.m_Weights);
 }
 
@@ -251,27 +251,27 @@ TEST(CurveAttributesTest, NothingHappensAwayFromEveryCurve) {
   CAttributesGrid test;
   CContourAttributes wanted = test.Shown();
   wanted.m_bClosed = true;
-  test.m_Grid.SetCurveAttributes(test.At(10, 20.5), 0, wanted, kCrease, true);
-  test.m_Grid.ExportCurveConstraints(test.At(10, 20.5));
+  test.m_Grid.CurveEdits().SetAttributes(test.At(10, 20.5), 0, wanted, kCrease, true);
+  test.m_Grid.CurveEdits().ExportConstraints(test.At(10, 20.5));
   EXPECT_FALSE(test.Curve().IsClosed());
   EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
-  EXPECT_TRUE(test.m_Grid.PointConstraints().empty());
+  EXPECT_TRUE(test.m_Grid.Constraints().Points().empty());
 }
 
 TEST(CurveAttributesTest, ExportMakesGeneratedConstraintsTheUsersOwn) {
   CAttributesGrid test;
   test.Curve().SetOption(CurveOption::kLeftAutoBump | CurveOption::kRightAutoBump, true);
   test.m_Grid.SetDiscMap();
-  const CPlaces generated = PlacesOf(test.m_Grid.GeneratedConstraints());
-  test.m_Grid.ExportCurveConstraints(test.At(4, 22));
-  EXPECT_EQ(PlacesOf(test.m_Grid.PointConstraints()), generated);
+  const CPlaces generated = PlacesOf(test.m_Grid.Constraints().Generated());
+  test.m_Grid.CurveEdits().ExportConstraints(test.At(4, 22));
+  EXPECT_EQ(PlacesOf(test.m_Grid.Constraints().Points()), generated);
   EXPECT_EQ(test.Curve().Options(), 0U);
   EXPECT_EQ(test.m_Host.m_iConstraints, static_cast<int>(generated.size()));
   test.m_Console.Take();
   test.m_Grid.UpdateGrid();
   EXPECT_EQ(Occurrences(test.m_Console.Take(), "SetDiscMap"), 1) << "one rebuild for all points";
-  EXPECT_TRUE(test.m_Grid.GeneratedConstraints().empty());
-  EXPECT_EQ(test.m_Grid.PointConstraints().size(), generated.size());
+  EXPECT_TRUE(test.m_Grid.Constraints().Generated().empty());
+  EXPECT_EQ(test.m_Grid.Constraints().Points().size(), generated.size());
 }
 
 TEST(CurveAttributesTest, ExportFollowsANodeThatHasJustBeenMoved) {
@@ -282,18 +282,18 @@ TEST(CurveAttributesTest, ExportFollowsANodeThatHasJustBeenMoved) {
     grid->Curve().SetOption(CurveOption::kRightAutoBump, true);
   rebuilt.m_Grid.SetDiscMap();
   test.Node(1).m_fY = 25;
-  test.m_Grid.ExportCurveConstraints(test.At(4, 25));
-  EXPECT_EQ(PlacesOf(test.m_Grid.PointConstraints()), PlacesOf(rebuilt.m_Grid.GeneratedConstraints()));
+  test.m_Grid.CurveEdits().ExportConstraints(test.At(4, 25));
+  EXPECT_EQ(PlacesOf(test.m_Grid.Constraints().Points()), PlacesOf(rebuilt.m_Grid.Constraints().Generated()));
 }
 
 TEST(CurveAttributesTest, ExportedConstraintsTakeTheHeightUnderThemWithNoTick) {
   CAttributesGrid test;
   test.Curve().SetOption(CurveOption::kLeftAutoBump, true);
   SetRandomSurface(test.m_Grid, 5);
-  test.m_Grid.ExportCurveConstraints(test.At(4, 22));
+  test.m_Grid.CurveEdits().ExportConstraints(test.At(4, 22));
   test.m_Grid.PerformPendingWork();
-  ASSERT_FALSE(test.m_Grid.PointConstraints().empty());
-  for (const CPtCstr& c : test.m_Grid.PointConstraints()) {
+  ASSERT_FALSE(test.m_Grid.Constraints().Points().empty());
+  for (const CPtCstr& c : test.m_Grid.Constraints().Points()) {
     EXPECT_NE(c.m_fZ, 0);
     EXPECT_EQ(c.m_fZ, SurfaceHeight(test.m_Grid, c.m_fX, c.m_fY));
   }
@@ -302,11 +302,11 @@ TEST(CurveAttributesTest, ExportedConstraintsTakeTheHeightUnderThemWithNoTick) {
 TEST(CurveAttributesTest, ExportedConstraintsKeepTheirFineCellsWithoutTheCurve) {
   CAttributesGrid test;
   test.Curve().SetOption(CurveOption::kLeftAutoBump, true);
-  test.m_Grid.ExportCurveConstraints(test.At(4, 22));
-  test.m_Grid.Curves().clear();
+  test.m_Grid.CurveEdits().ExportConstraints(test.At(4, 22));
+  test.m_Grid.Constraints().Curves().clear();
   test.m_Grid.SetDiscMap();
-  ASSERT_FALSE(test.m_Grid.PointConstraints().empty());
-  for (const CPtCstr& c : test.m_Grid.PointConstraints())
+  ASSERT_FALSE(test.m_Grid.Constraints().Points().empty());
+  for (const CPtCstr& c : test.m_Grid.Constraints().Points())
     EXPECT_EQ(test.m_Grid.Tree().PointInCell(c.m_fX, c.m_fY)->Size(), 1);
 }
 

@@ -67,10 +67,10 @@ TEST_F(FreezeMapTest, BrushMayLieOutsideOrCoverEverything) {
 
 TEST_F(FreezeMapTest, NothingElseChanges) {
   const Operation operation = Grid().NextOperation();
-  const std::uint64_t revision = Grid().FreezeRevision();
+  const std::uint64_t revision = Grid().Marks().FreezeRevision();
   const std::size_t inUse = Grid().Lattice().Count(PointFlag::kInUse);
   Grid().PaintFreezeMap(4, 23, true);
   EXPECT_EQ(Grid().NextOperation(), operation);
   EXPECT_EQ(Grid().Lattice().Count(PointFlag::kInUse), inUse);
-  EXPECT_GT(Grid().FreezeRevision(), revision);
+  EXPECT_GT(Grid().Marks().FreezeRevision(), revision);
 }

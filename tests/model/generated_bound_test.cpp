@@ -29,7 +29,7 @@ class GeneratedBoundTest : public testing::Test {
     std::vector<CPtCstr> places;
     for (int k = 0; k <= segments; ++k) places.push_back({-3 + 0.25 * k, 22.2});
     Grid().AddCurve(places, CurveType::kFairness, false);
-    CCntrCtrl& curve = Grid().Curves().back();
+    CCntrCtrl& curve = Grid().Constraints().Curves().back();
     curve.SetOption(CurveOption::kLeftAutoBump, true);
     curve.SetDistance(CurveSide::Left, kDistance);
     return curve;
@@ -44,7 +44,7 @@ TEST_F(GeneratedBoundTest, ACurveBeyondItGeneratesNothingAndTheOthersGoOn) {
   AddLine(14);
   AddLine(2);
   Grid().UpdateGrid();
-  const double each = static_cast<double>(Grid().GeneratedConstraints().size()) / 14;
+  const double each = static_cast<double>(Grid().Constraints().Generated().size()) / 14;
   EXPECT_NEAR(each, 8000, 1);
   EXPECT_EQ(m_Host.m_asNotices, std::vector<std::string>{"The curves would generate more than 200000 constraints. 1 of "
                                                          "them generate none: make their distances larger."});
@@ -56,18 +56,18 @@ TEST_F(GeneratedBoundTest, ACurveBeyondItGeneratesNothingAndTheOthersGoOn) {
 TEST_F(GeneratedBoundTest, WhatIsWithinItIsNotTold) {
   const CCntrCtrl& curve = AddLine(14);
   Grid().UpdateGrid();
-  EXPECT_NEAR(static_cast<double>(Grid().GeneratedConstraints().size()), curve.GeneratedCount(), 2);
+  EXPECT_NEAR(static_cast<double>(Grid().Constraints().Generated().size()), curve.GeneratedCount(), 2);
   EXPECT_TRUE(m_Host.m_asNotices.empty());
 }
 
 TEST_F(GeneratedBoundTest, ALargerDistanceLetsACurveInAndAnotherSlipIsToldAgain) {
   CCntrCtrl& curve = AddLine(40);
   Grid().UpdateGrid();
-  EXPECT_TRUE(Grid().GeneratedConstraints().empty());
+  EXPECT_TRUE(Grid().Constraints().Generated().empty());
   curve.SetDistance(CurveSide::Left, 1);
   Grid().Post(Operation::kRebuildMaps);
   Grid().UpdateGrid();
-  EXPECT_GT(Grid().GeneratedConstraints().size(), 8U);
+  EXPECT_GT(Grid().Constraints().Generated().size(), 8U);
   curve.SetDistance(CurveSide::Left, kDistance);
   Grid().Post(Operation::kRebuildMaps);
   Grid().UpdateGrid();
@@ -77,8 +77,8 @@ TEST_F(GeneratedBoundTest, ALargerDistanceLetsACurveInAndAnotherSlipIsToldAgain)
 TEST_F(GeneratedBoundTest, BeyondItNothingIsExported) {
   const CCntrCtrl& curve = AddLine(40);
   Grid().UpdateGrid();
-  EXPECT_FALSE(Grid().ExportCurveConstraints(curve.Id()));
-  EXPECT_TRUE(Grid().PointConstraints().empty());
+  EXPECT_FALSE(Grid().CurveEdits().ExportConstraints(curve.Id()));
+  EXPECT_TRUE(Grid().Constraints().Points().empty());
   EXPECT_EQ(curve.Options(), CurveOption::kLeftAutoBump);
 }
 

@@ -18,7 +18,7 @@ class GridConstraintsTest : public testing::Test {
   GridConstraintsTest() { SetSurface(Grid(), m_Ramp); }
 
   CGrid& Grid() { return m_Test.m_Grid; }
-  CPtCstrList& List() { return Grid().PointConstraints(); }
+  CPtCstrList& List() { return Grid().Constraints().Points(); }
   // Puts records into the list, one selected for each 1 in `selection`, past the operations that post.
   void Fill(const std::vector<CPtCstr>& records, const std::string& selection) {
     for (const CPtCstr& c : records) List().Add(c);
@@ -222,25 +222,25 @@ TEST_F(GridConstraintsTest, DeletingPostsARebuildAndSelectsTheSuccessor) {
 }
 
 TEST_F(GridConstraintsTest, OperationsLeaveTheGeneratedConstraintsAlone) {
-  Grid().GeneratedConstraints().Add(HeightCstr(4, 23, 5));
-  SetSelection(Grid().GeneratedConstraints(), "1");
+  Grid().Constraints().Generated().Add(HeightCstr(4, 23, 5));
+  SetSelection(Grid().Constraints().Generated(), "1");
   EXPECT_FALSE(Grid().HighlightPtCstrs(4, 23, kPosition));
   Grid().MoveSelectedPtCstr(1, 1);
   Grid().DeleteSelectedPtCstr();
   Grid().UnselectAll();
-  EXPECT_EQ(Selection(Grid().GeneratedConstraints()), "1");
-  EXPECT_EQ(RecordAt(Grid().GeneratedConstraints(), 0).m_fX, 4);
+  EXPECT_EQ(Selection(Grid().Constraints().Generated()), "1");
+  EXPECT_EQ(RecordAt(Grid().Constraints().Generated(), 0).m_fX, 4);
 }
 
 TEST_F(GridConstraintsTest, RefreshGivesNormalsOfBothListsTheHeightUnderThem) {
   Fill({SlopeCstr(2, 22), HeightCstr(3, 23, 6)}, "00");
-  Grid().GeneratedConstraints().Add(SlopeCstr(5.5, 24.25));
-  Grid().GeneratedConstraints().Add(HeightAndSlopeCstr(5.5, 24.25, 8));
+  Grid().Constraints().Generated().Add(SlopeCstr(5.5, 24.25));
+  Grid().Constraints().Generated().Add(HeightAndSlopeCstr(5.5, 24.25, 8));
   Grid().RefreshNormalCstrHeights();
   EXPECT_NEAR(RecordAt(List(), 0).m_fZ, m_Ramp(2, 22), 1e-9);
   EXPECT_EQ(RecordAt(List(), 1).m_fZ, 6);
-  EXPECT_NEAR(RecordAt(Grid().GeneratedConstraints(), 0).m_fZ, m_Ramp(5.5, 24.25), 1e-9);
-  EXPECT_EQ(RecordAt(Grid().GeneratedConstraints(), 1).m_fZ, 8);
+  EXPECT_NEAR(RecordAt(Grid().Constraints().Generated(), 0).m_fZ, m_Ramp(5.5, 24.25), 1e-9);
+  EXPECT_EQ(RecordAt(Grid().Constraints().Generated(), 1).m_fZ, 8);
 }
 
 TEST_F(GridConstraintsTest, TickKeepsTheHeightOfNormalsUpToDate) {

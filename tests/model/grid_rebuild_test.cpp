@@ -15,16 +15,16 @@ constexpr double kSampleError = 1e-9;
 
 class GridRebuildTest : public testing::TestWithParam<WaveletMode> {
  protected:
-  GridRebuildTest() { Grid().SetWaveletMode(GetParam()); }
+  GridRebuildTest() { Grid().Builder().SetWaveletMode(GetParam()); }
 
   CGrid& Grid() { return m_Test.m_Grid; }
-  CSubdivisionRecord& Record() { return Grid().Subdivision(); }
+  CSubdivisionRecord& Record() { return Grid().Wanted().Current(); }
   CSaveQuadT& Saved(const std::vector<int>& path) { return SavedNode(Record(), path); }
   double HeightAt(int column, int row) { return Grid().Lattice().Heights()[Grid().Lattice().Index(column, row)]; }
 
   // How far the points in use lie from the surface given by heights at all lattice points.
   double DistanceFrom(const std::vector<double>& surface) {
-    Grid().ReconstructSurface();
+    Grid().Surface().Reconstruct();
     return LargestDifference(NodalHeights(Grid()), Gathered(Grid().Order(), surface));
   }
   // A subdivision with leaves of different size, with random heights.
@@ -33,7 +33,7 @@ class GridRebuildTest : public testing::TestWithParam<WaveletMode> {
     Saved({0, 2, 2}).subdiv();
     Saved({3, 1}).subdiv();
     MakeSavedLeaf(Saved({1}));
-    Grid().ReplaySubdivision();
+    Grid().Builder().ReplaySubdivision();
     SetRandomSurface(Grid(), 17);
   }
   void MarkBlock() {
@@ -68,7 +68,7 @@ TEST_P(GridRebuildTest, RenumberingWhatHasNotChangedKeepsTheSurface) {
 TEST_P(GridRebuildTest, ReplayingWhatHasNotChangedKeepsTheSurface) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   EXPECT_LT(DistanceFrom(before), kSampleError);
   EXPECT_LT(LargestDifference(SurfaceOnLattice(Grid()), before), kSampleError);
 }
@@ -76,7 +76,7 @@ TEST_P(GridRebuildTest, ReplayingWhatHasNotChangedKeepsTheSurface) {
 TEST_P(GridRebuildTest, ReplayingAgainAndAgainKeepsTheSurface) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
-  for (int k = 0; k < 5; ++k) Grid().ReplaySubdivision();
+  for (int k = 0; k < 5; ++k) Grid().Builder().ReplaySubdivision();
   EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
@@ -84,20 +84,20 @@ TEST_P(GridRebuildTest, SettingUpTheSystemKeepsTheSurface) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Grid().SetSparseH();
-  EXPECT_EQ(Grid().IterationCounter(), 0);
+  EXPECT_EQ(Grid().Solver().Counter(), 0);
   EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 TEST_P(GridRebuildTest, RefinementPutsNewPointsOntoTheSurface) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
-  const int points = Grid().ActivePointCount();
+  const int points = Grid().Surface().ActivePointCount();
   Saved({1}).subdiv();
   Saved({1, 3}).subdiv();
   Saved({0, 2, 0}).subdiv();
   Saved({2, 0}).subdiv();
-  Grid().ReplaySubdivision();
-  EXPECT_GT(Grid().ActivePointCount(), points);
+  Grid().Builder().ReplaySubdivision();
+  EXPECT_GT(Grid().Surface().ActivePointCount(), points);
   EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
@@ -105,7 +105,7 @@ TEST_P(GridRebuildTest, RefinementPutsNewPointsOntoTheSurface) {
 TEST_P(GridRebuildTest, RefinementKeepsHangingPoints) {
   Saved({0, 1}).subdiv();
   Saved({0, 3}).subdiv();
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   SetRandomSurface(Grid(), 23);
   const double right = HeightAt(8, 2);
   const double inner = HeightAt(4, 2);
@@ -113,8 +113,8 @@ TEST_P(GridRebuildTest, RefinementKeepsHangingPoints) {
   Saved({0, 0}).subdiv();
   Saved({1, 0}).subdiv();
   Saved({3, 0}).subdiv();
-  Grid().ReplaySubdivision();
-  Grid().ReconstructSurface();
+  Grid().Builder().ReplaySubdivision();
+  Grid().Surface().Reconstruct();
   EXPECT_NEAR(HeightAt(8, 2), right, kSampleError);
   EXPECT_NEAR(HeightAt(4, 2), inner, kSampleError);
   EXPECT_NEAR(HeightAt(2, 8), top, kSampleError);
@@ -125,8 +125,8 @@ TEST_P(GridRebuildTest, NewPointOfAFlatCellIsTheMeanOfItsCorners) {
   const double centre = (HeightAt(0, 0) + HeightAt(4, 0) + HeightAt(4, 4) + HeightAt(0, 4)) / 4;
   const double bottom = (HeightAt(0, 0) + HeightAt(4, 0)) / 2;
   Saved({0, 0}).subdiv();
-  Grid().ReplaySubdivision();
-  Grid().ReconstructSurface();
+  Grid().Builder().ReplaySubdivision();
+  Grid().Surface().Reconstruct();
   EXPECT_NEAR(HeightAt(2, 2), centre, kSampleError);
   EXPECT_NEAR(HeightAt(2, 0), bottom, kSampleError);
 }
@@ -134,11 +134,11 @@ TEST_P(GridRebuildTest, NewPointOfAFlatCellIsTheMeanOfItsCorners) {
 TEST_P(GridRebuildTest, CoarseningKeepsThePointsThatRemain) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
-  const int points = Grid().ActivePointCount();
+  const int points = Grid().Surface().ActivePointCount();
   MakeSavedLeaf(Saved({0}));
   MakeSavedLeaf(Saved({3, 1}));
-  Grid().ReplaySubdivision();
-  EXPECT_LT(Grid().ActivePointCount(), points);
+  Grid().Builder().ReplaySubdivision();
+  EXPECT_LT(Grid().Surface().ActivePointCount(), points);
   EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
@@ -146,8 +146,8 @@ TEST_P(GridRebuildTest, CoarseningToOneCellKeepsTheCorners) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
   MakeSavedLeaf(Record().Root());
-  Grid().ReplaySubdivision();
-  EXPECT_EQ(Grid().ActivePointCount(), 4);
+  Grid().Builder().ReplaySubdivision();
+  EXPECT_EQ(Grid().Surface().ActivePointCount(), 4);
   EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
@@ -155,9 +155,9 @@ TEST_P(GridRebuildTest, RefiningAndCoarseningAgainKeepsThePointsThatWereThere) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Saved({1}).subdiv();
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   MakeSavedLeaf(Saved({1}));
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
@@ -165,10 +165,10 @@ TEST_P(GridRebuildTest, ReplaysMayFollowEachOtherWithoutReconstruction) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Saved({1}).subdiv();
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   MakeSavedLeaf(Saved({0}));
   Saved({2, 2}).subdiv();
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
@@ -177,19 +177,19 @@ TEST_P(GridRebuildTest, ReplayDoesNotTrustTheHeightArray) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
   SetRandomHeights(Grid().Lattice(), 19);
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
 // The split interpolates the midpoint of a side that a neighbour had split, over the height the point had.
 TEST_P(GridRebuildTest, RenumberingAfterASplitKeepsThePointsThatWereThere) {
   Saved({0, 1}).subdiv();
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   SetRandomSurface(Grid(), 29);
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Grid().Tree().CellAt(2, 0, 0).subdiv(true);
   Grid().BuildHNumerotation();
-  Grid().ReconstructSurface();
+  Grid().Surface().Reconstruct();
   EXPECT_NEAR(HeightAt(4, 2), before[Grid().Lattice().Index(4, 2)], kSampleError);
 }
 
@@ -197,7 +197,7 @@ TEST_P(GridRebuildTest, RenumberingAfterASplitKeepsThePointsThatWereThere) {
 TEST_P(GridRebuildTest, PointsSplitOffAfterAReplayLieOnTheSurface) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   MakeLeaf(Grid().Tree(), 0, 13, 9);
   MakeLeaf(Grid().Tree(), 1, 5, 0);
   Grid().BuildHNumerotation();
@@ -206,12 +206,12 @@ TEST_P(GridRebuildTest, PointsSplitOffAfterAReplayLieOnTheSurface) {
 
 TEST_P(GridRebuildTest, ReconstructedSurfaceIsTheOneTheNextRebuildKeeps) {
   MakeUneven();
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   SetRandomSurface(Grid(), 31);
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Grid().BuildHNumerotation();
   EXPECT_LT(DistanceFrom(before), kSampleError);
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   EXPECT_LT(DistanceFrom(before), kSampleError);
 }
 
@@ -241,7 +241,7 @@ TEST_P(GridRebuildTest, ReplayForgetsMarksAndKeepsHeights) {
   Grid().BuildHNumerotation();
   SetRandomSurface(Grid(), 43);
   const std::vector<double> before = SurfaceOnLattice(Grid());
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   EXPECT_FALSE(Grid().Tree().CellAt(2, 1, 1).Edge(kRight).HasBothMarks());
   EXPECT_LT(DistanceFrom(before), kSampleError);
   EXPECT_LT(Grid().Surface().TestWavelets(), 1e-12);
@@ -250,15 +250,15 @@ TEST_P(GridRebuildTest, ReplayForgetsMarksAndKeepsHeights) {
 TEST_P(GridRebuildTest, ReplayReportsTheNewCount) {
   Saved({2, 2}).subdiv();
   m_Test.m_Console.Take();
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   EXPECT_EQ(m_Test.m_Console.Take(), "30 points\n");
-  EXPECT_EQ(Grid().ActivePointCount(), 30);
+  EXPECT_EQ(Grid().Surface().ActivePointCount(), 30);
   EXPECT_EQ(Grid().Surface().Coefficients().size(), 30U);
 }
 
 TEST_P(GridRebuildTest, CoefficientsAreThoseOfTheModeInForce) {
   MakeUneven();
-  Grid().ReplaySubdivision();
+  Grid().Builder().ReplaySubdivision();
   std::vector<double> byPoint(Grid().Lattice().PointCount());
   WalkW(Grid().Tree(), GetParam(), Grid().Lattice().Heights(), byPoint);
   EXPECT_LT(LargestDifference(Grid().Surface().Coefficients(), Gathered(Grid().Order(), byPoint)), 1e-12);
@@ -271,7 +271,7 @@ TEST_P(GridRebuildTest, ChangeOfModeKeepsTheSurface) {
   SetRandomSurface(Grid(), 47);
   const std::vector<double> before = SurfaceOnLattice(Grid());
   for (const WaveletMode mode : kAllModes) {
-    Grid().SetWaveletMode(mode);
+    Grid().Builder().SetWaveletMode(mode);
     EXPECT_EQ(Grid().Surface().Mode(), mode);
     EXPECT_LT(Grid().Surface().TestWavelets(), 1e-12);
     EXPECT_LT(DistanceFrom(before), kSampleError);
@@ -281,18 +281,18 @@ TEST_P(GridRebuildTest, ChangeOfModeKeepsTheSurface) {
 TEST_P(GridRebuildTest, ChangeOfModeTakesCoefficientsThatWereNotReconstructed) {
   const std::vector<double> heights = RandomValues(53, Grid().Order().Count());
   Grid().Surface().Basis().W(ByScan(Grid().Order(), heights), Grid().Surface().Coefficients());
-  Grid().SetWaveletMode(WaveletMode::None);
+  Grid().Builder().SetWaveletMode(WaveletMode::None);
   EXPECT_LT(LargestDifference(Grid().Surface().Coefficients(), heights), 1e-12);
 }
 
 TEST_P(GridRebuildTest, ChangeOfModeNeverRaisesTheCounter) {
   for (const WaveletMode mode : kAllModes) {
-    Grid().SetWaveletMode(mode);
-    EXPECT_EQ(Grid().IterationCounter(), -1);
+    Grid().Builder().SetWaveletMode(mode);
+    EXPECT_EQ(Grid().Solver().Counter(), -1);
   }
   Grid().SetSparseH();
-  Grid().SetWaveletMode(WaveletMode::Simple);
-  EXPECT_EQ(Grid().IterationCounter(), 0);
+  Grid().Builder().SetWaveletMode(WaveletMode::Simple);
+  EXPECT_EQ(Grid().Solver().Counter(), 0);
 }
 
 TEST_P(GridRebuildTest, InitializeKeepsTheMode) {

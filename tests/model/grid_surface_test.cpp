@@ -31,7 +31,7 @@ TEST(GridSurfaceTest, WaveletTestReportsTheLargestDifference) {
   EXPECT_EQ(test.m_Grid.Surface().TestWavelets(), 0);
   EXPECT_EQ(test.m_Console.Take(), "CGrid::TestWavelets\t\tlargest difference : 0\n");
   for (const WaveletMode mode : kAllModes) {
-    test.m_Grid.SetWaveletMode(mode);
+    test.m_Grid.Builder().SetWaveletMode(mode);
     SetRandomSurface(test.m_Grid, 6);
     EXPECT_LT(test.m_Grid.Surface().TestWavelets(), 1e-12);
   }
@@ -60,7 +60,7 @@ TEST(GridHostTest, DetachedHostIsNotAsked) {
   test.m_Grid.AttachHost(&host);
   test.m_Grid.AttachHost(nullptr);
   test.m_Grid.UpdateGrid();
-  EXPECT_TRUE(test.m_Grid.TraceInterpolation(1, 21));
+  EXPECT_TRUE(test.m_Grid.Marks().TraceInterpolation(1, 21));
   EXPECT_EQ(host.m_iRedraws, 0);
   EXPECT_TRUE(host.m_aTraces.empty());
 }
@@ -70,7 +70,7 @@ TEST(GridHostTest, TracedInterpolationIsShownAndItsEndsAreMarked) {
   RecordingHost host;
   test.m_Grid.AttachHost(&host);
   // A quarter across and just above the bottom: the lower triangle of the south-west leaf.
-  EXPECT_TRUE(test.m_Grid.TraceInterpolation(0.5, 20.25));
+  EXPECT_TRUE(test.m_Grid.Marks().TraceInterpolation(0.5, 20.25));
   ASSERT_EQ(host.m_aTraces.size(), 1U);
   EXPECT_EQ(host.m_aTraces[0].m_Triangle.m_pCell, &test.m_Grid.Tree().CellAt(1, 0, 0));
   EXPECT_EQ(test.m_Grid.Lattice().Count(PointFlag::kTraced), 2U);
@@ -80,8 +80,8 @@ TEST(GridHostTest, TracedInterpolationIsShownAndItsEndsAreMarked) {
 
 TEST(GridHostTest, OnlyTheLastTraceStaysMarked) {
   CTestGrid test(2, 1);
-  test.m_Grid.TraceInterpolation(0.5, 20.25);
-  EXPECT_TRUE(test.m_Grid.TraceInterpolation(8.5, 25.75));
+  test.m_Grid.Marks().TraceInterpolation(0.5, 20.25);
+  EXPECT_TRUE(test.m_Grid.Marks().TraceInterpolation(8.5, 25.75));
   EXPECT_EQ(test.m_Grid.Lattice().Count(PointFlag::kTraced), 2U);
   EXPECT_TRUE(test.m_Grid.Lattice().Has(22, PointFlag::kTraced));
   EXPECT_TRUE(test.m_Grid.Lattice().Has(24, PointFlag::kTraced));
@@ -92,9 +92,9 @@ TEST(GridHostTest, NothingIsMarkedAtTheCentreOfALeaf) {
   CTestGrid test(2, 1);
   RecordingHost host;
   test.m_Grid.AttachHost(&host);
-  test.m_Grid.TraceInterpolation(0.5, 20.25);
+  test.m_Grid.Marks().TraceInterpolation(0.5, 20.25);
   const CCellRect leaf = test.m_Grid.Tree().CellAt(1, 0, 0).ModelRect();
-  EXPECT_TRUE(test.m_Grid.TraceInterpolation(leaf.x + leaf.width / 2, leaf.y + leaf.height / 2));
+  EXPECT_TRUE(test.m_Grid.Marks().TraceInterpolation(leaf.x + leaf.width / 2, leaf.y + leaf.height / 2));
   EXPECT_EQ(test.m_Grid.Lattice().Count(PointFlag::kTraced), 0U);
   ASSERT_EQ(host.m_aTraces.size(), 2U);
   EXPECT_EQ(host.m_aTraces[1].m_Triangle.m_fCCenter, 1);
@@ -104,7 +104,7 @@ TEST(GridHostTest, NothingIsTracedOutsideTheModel) {
   CTestGrid test;
   RecordingHost host;
   test.m_Grid.AttachHost(&host);
-  EXPECT_FALSE(test.m_Grid.TraceInterpolation(13, 21));
+  EXPECT_FALSE(test.m_Grid.Marks().TraceInterpolation(13, 21));
   EXPECT_TRUE(host.m_aTraces.empty());
   EXPECT_EQ(test.m_Grid.Lattice().Count(PointFlag::kTraced), 0U);
 }

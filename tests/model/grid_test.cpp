@@ -25,9 +25,9 @@ int UniformDepth(const CSaveQuadT& node) {
 
 // A constraint in each list, told apart by their heights.
 void AddConstraints(CGrid& grid) {
-  grid.PointConstraints().Add({1, 21, PtCstrKind::kPosition, 2.5, 0, 0});
-  grid.PointConstraints().Add({2, 22, PtCstrKind::kNormal, 3.5, 0.25, -0.5});
-  grid.GeneratedConstraints().Add({3, 23, PtCstrKind::kPosition, 4.5, 0, 0});
+  grid.Constraints().Points().Add({1, 21, PtCstrKind::kPosition, 2.5, 0, 0});
+  grid.Constraints().Points().Add({2, 22, PtCstrKind::kNormal, 3.5, 0.25, -0.5});
+  grid.Constraints().Generated().Add({3, 23, PtCstrKind::kPosition, 4.5, 0, 0});
 }
 
 TEST(GridTest, DefaultsOfTheProcess) {
@@ -41,11 +41,10 @@ TEST(GridTest, DefaultsOfTheProcess) {
 TEST(GridTest, StartsAtTheDefaultResolution) {
   const ConsoleCapture console;
   const CGrid grid;
-  EXPECT_EQ(grid.BaseLevel(), 5);
-  EXPECT_EQ(grid.MaxLevel(), 7);
-  EXPECT_EQ(grid.PointsPerSide(), 129);
-  EXPECT_EQ(grid.BasePointsPerSide(), 33);
-  EXPECT_EQ(grid.ActivePointCount(), 1089);
+  EXPECT_EQ(grid.Wanted().BaseLevel(), 5);
+  EXPECT_EQ(grid.Lattice().Level(), 7);
+  EXPECT_EQ(grid.Lattice().PointsPerSide(), 129);
+  EXPECT_EQ(grid.Surface().ActivePointCount(), 1089);
   EXPECT_EQ(grid.Tree().LeafCount(), 1024);
   EXPECT_EQ(grid.Lattice().Count(PointFlag::kInUse), 1089U);
 }
@@ -65,8 +64,8 @@ TEST(GridTest, StartsRunningWithEverythingToDo) {
   const CGrid grid;
   EXPECT_TRUE(grid.IsRunning());
   EXPECT_EQ(grid.NextOperation(), Operation::kNone);
-  EXPECT_EQ(grid.IterationCounter(), -1);
-  EXPECT_EQ(grid.IterationsPerTick(), 9);
+  EXPECT_EQ(grid.Solver().Counter(), -1);
+  EXPECT_EQ(CGridRun::kIterationsPerTick, 9);
   EXPECT_EQ(grid.Surface().Mode(), WaveletMode::New);
 }
 
@@ -75,8 +74,8 @@ TEST(GridTest, StartsFlatWithoutConstraints) {
   EXPECT_TRUE(std::ranges::all_of(test.m_Grid.Surface().Coefficients(), [](double c) { return c == 0; }));
   EXPECT_EQ(test.m_Grid.Surface().MinHeight(), 0);
   EXPECT_EQ(test.m_Grid.Surface().MaxHeight(), 0);
-  EXPECT_TRUE(test.m_Grid.PointConstraints().empty());
-  EXPECT_TRUE(test.m_Grid.GeneratedConstraints().empty());
+  EXPECT_TRUE(test.m_Grid.Constraints().Points().empty());
+  EXPECT_TRUE(test.m_Grid.Constraints().Generated().empty());
 }
 
 TEST(GridTest, ConstructionIsReportedLineByLine) {
@@ -93,7 +92,7 @@ TEST(GridTest, ConstructionSelectsTheNormalResolution) {
   g_bHighRes = 1;
   CGrid grid;
   EXPECT_EQ(g_bHighRes, 0);
-  EXPECT_EQ(UniformDepth(grid.Subdivision().Root()), 2);
+  EXPECT_EQ(UniformDepth(grid.Wanted().Current().Root()), 2);
 }
 
 // The arguments are two corners, what is stored and printed is two ranges.
@@ -122,7 +121,7 @@ TEST(GridTest, CellSizeIsTheSmallerSideOfALatticeCell) {
 
 TEST(GridTest, RectangleSetterTakesTwoRanges) {
   CTestGrid test;
-  test.m_Grid.SetRectangle(-8, 24, 5, 9);
+  test.m_Grid.Surface().SetExtent({-8, 24, 5, 9});
   EXPECT_EQ(test.m_Grid.Lattice().Extent().x1, 24);
   EXPECT_EQ(test.m_Grid.Lattice().Extent().y0, 5);
   EXPECT_DOUBLE_EQ(test.m_Grid.Lattice().CellSize(), 0.25);
@@ -136,7 +135,7 @@ TEST(GridTest, RectangleSetterTakesTwoRanges) {
 TEST(GridTest, RectangleSetterRecomputesTheHeightRange) {
   CTestGrid test;
   SetSurface(test.m_Grid, CStep{4.0, -1.0, 2.0});
-  test.m_Grid.SetRectangle(0, 1, 0, 1);
+  test.m_Grid.Surface().SetExtent({0, 1, 0, 1});
   EXPECT_DOUBLE_EQ(test.m_Grid.Surface().MinHeight(), -1);
   EXPECT_DOUBLE_EQ(test.m_Grid.Surface().MaxHeight(), 2);
 }
@@ -145,45 +144,44 @@ TEST(GridTest, InitializeSubdividesTreeAndRecordToTheLevel) {
   CTestGrid test(4, 2);
   for (const int level : {0, 1, 3, 4}) {
     test.Initialize(level);
-    EXPECT_EQ(test.m_Grid.BaseLevel(), level);
-    EXPECT_EQ(test.m_Grid.BasePointsPerSide(), (1 << level) + 1);
+    EXPECT_EQ(test.m_Grid.Wanted().BaseLevel(), level);
     EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 1 << (2 * level));
-    EXPECT_EQ(UniformDepth(test.m_Grid.Subdivision().Root()), level);
+    EXPECT_EQ(UniformDepth(test.m_Grid.Wanted().Current().Root()), level);
   }
 }
 
 TEST(GridTest, StartLevelIsHeldToTheMaximum) {
   CTestGrid test(3, 2);
   test.Initialize(6);
-  EXPECT_EQ(test.m_Grid.BaseLevel(), 3);
+  EXPECT_EQ(test.m_Grid.Wanted().BaseLevel(), 3);
   EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 64);
-  EXPECT_EQ(UniformDepth(test.m_Grid.Subdivision().Root()), 3);
+  EXPECT_EQ(UniformDepth(test.m_Grid.Wanted().Current().Root()), 3);
   EXPECT_NE(test.m_Console.Take().find("level : 3\n"), std::string::npos);
 }
 
 TEST(GridTest, StartLevelBelowNoneIsNone) {
   CTestGrid test(3, 2);
   test.Initialize(-2);
-  EXPECT_EQ(test.m_Grid.BaseLevel(), 0);
-  EXPECT_EQ(test.m_Grid.ActivePointCount(), 4);
+  EXPECT_EQ(test.m_Grid.Wanted().BaseLevel(), 0);
+  EXPECT_EQ(test.m_Grid.Surface().ActivePointCount(), 4);
 }
 
 TEST(GridTest, ConstructionTakesTheDefaultBaseLevel) {
   const CResolutionScope scope(4, 3);
   const ConsoleCapture console;
   const CGrid grid;
-  EXPECT_EQ(grid.BaseLevel(), 3);
-  EXPECT_EQ(grid.MaxLevel(), 4);
+  EXPECT_EQ(grid.Wanted().BaseLevel(), 3);
+  EXPECT_EQ(grid.Lattice().Level(), 4);
 }
 
 TEST(GridTest, FirstTickRebuildsAfterInitialize) {
   CTestGrid test(4, 2);
   test.m_Grid.UpdateGrid();
   EXPECT_TRUE(test.m_Console.Take().starts_with("*** SetSparseH ***\n25 points\n"));
-  EXPECT_GE(test.m_Grid.IterationCounter(), 0);
+  EXPECT_GE(test.m_Grid.Solver().Counter(), 0);
   test.Initialize(3);
-  EXPECT_EQ(test.m_Grid.IterationCounter(), -1);
-  EXPECT_EQ(test.m_Grid.IterationsPerTick(), 9);
+  EXPECT_EQ(test.m_Grid.Solver().Counter(), -1);
+  EXPECT_EQ(test.CGridRun::kIterationsPerTick, 9);
   EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
 }
 
@@ -210,7 +208,7 @@ TEST(GridTest, PendingWorkOfANewGridLeavesItsNormals) {
 TEST(GridTest, SystemIsSetUpOnce) {
   CTestGrid test(4, 2);
   test.m_Grid.SetSparseH();
-  EXPECT_EQ(test.m_Grid.IterationCounter(), 0);
+  EXPECT_EQ(test.m_Grid.Solver().Counter(), 0);
   EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n25 points\n");
   test.m_Grid.SetSparseH();
   EXPECT_EQ(test.m_Console.Take(), "");
@@ -249,19 +247,19 @@ TEST(GridTest, KeepingPreservesBothConstraintLists) {
   CTestGrid test;
   AddConstraints(test.m_Grid);
   test.Initialize(3, true);
-  ASSERT_EQ(test.m_Grid.PointConstraints().size(), 2U);
-  EXPECT_EQ(test.m_Grid.PointConstraints().begin()->m_fZ, 2.5);
-  EXPECT_EQ(std::next(test.m_Grid.PointConstraints().begin())->m_fQ, -0.5);
-  ASSERT_EQ(test.m_Grid.GeneratedConstraints().size(), 1U);
-  EXPECT_EQ(test.m_Grid.GeneratedConstraints().begin()->m_fZ, 4.5);
+  ASSERT_EQ(test.m_Grid.Constraints().Points().size(), 2U);
+  EXPECT_EQ(test.m_Grid.Constraints().Points().begin()->m_fZ, 2.5);
+  EXPECT_EQ(std::next(test.m_Grid.Constraints().Points().begin())->m_fQ, -0.5);
+  ASSERT_EQ(test.m_Grid.Constraints().Generated().size(), 1U);
+  EXPECT_EQ(test.m_Grid.Constraints().Generated().begin()->m_fZ, 4.5);
 }
 
 TEST(GridTest, NotKeepingEmptiesBothConstraintLists) {
   CTestGrid test;
   AddConstraints(test.m_Grid);
   test.Initialize(3, false);
-  EXPECT_TRUE(test.m_Grid.PointConstraints().empty());
-  EXPECT_TRUE(test.m_Grid.GeneratedConstraints().empty());
+  EXPECT_TRUE(test.m_Grid.Constraints().Points().empty());
+  EXPECT_TRUE(test.m_Grid.Constraints().Generated().empty());
 }
 
 TEST(GridTest, LightsOutliveInitialize) {
@@ -284,23 +282,23 @@ TEST(GridTest, HighResolutionMakesTheOtherRecordTheCurrentOne) {
   CTestGrid test(4, 2);
   g_bHighRes = 1;
   test.Initialize(2);
-  EXPECT_EQ(UniformDepth(test.m_Grid.Subdivision().Root()), 4);
+  EXPECT_EQ(UniformDepth(test.m_Grid.Wanted().Current().Root()), 4);
   EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 16);
   g_bHighRes = 0;
   test.Initialize(2);
-  EXPECT_EQ(UniformDepth(test.m_Grid.Subdivision().Root()), 2);
+  EXPECT_EQ(UniformDepth(test.m_Grid.Wanted().Current().Root()), 2);
 }
 
 TEST(GridTest, FreeAllDropsConstraintsAndUnknowns) {
   CTestGrid test;
   AddConstraints(test.m_Grid);
-  test.m_Grid.ListHeaders() = {3, 4, 5};
+  test.m_Grid.Constraints().Headers() = {3, 4, 5};
   test.m_Grid.FreeAll();
-  const CListHeaders& headers = test.m_Grid.ListHeaders();
+  const CListHeaders& headers = test.m_Grid.Constraints().Headers();
   EXPECT_EQ((std::array{headers.m_iPoints, headers.m_iCurves, headers.m_iRegions}), (std::array{0, 0, 0}));
-  EXPECT_TRUE(test.m_Grid.PointConstraints().empty());
-  EXPECT_TRUE(test.m_Grid.GeneratedConstraints().empty());
-  EXPECT_EQ(test.m_Grid.ActivePointCount(), 0);
+  EXPECT_TRUE(test.m_Grid.Constraints().Points().empty());
+  EXPECT_TRUE(test.m_Grid.Constraints().Generated().empty());
+  EXPECT_EQ(test.m_Grid.Surface().ActivePointCount(), 0);
   EXPECT_TRUE(test.m_Grid.Surface().Coefficients().empty());
   EXPECT_TRUE(test.m_Grid.Lattice().Heights().empty());
 }
@@ -310,7 +308,7 @@ TEST(GridTest, InitializeAfterFreeAllStartsAfresh) {
   SetRandomSurface(test.m_Grid, 9);
   test.m_Grid.FreeAll();
   test.Initialize(3, true);
-  EXPECT_EQ(test.m_Grid.ActivePointCount(), 81);
+  EXPECT_EQ(test.m_Grid.Surface().ActivePointCount(), 81);
   EXPECT_EQ(NodalHeights(test.m_Grid), std::vector<double>(81, 0.0));
   SetSurface(test.m_Grid, CFlat{2});
   EXPECT_DOUBLE_EQ(test.m_Grid.Surface().Interpolation().HeightAt(5.5, 7.25), 2);
@@ -321,10 +319,10 @@ TEST(GridTest, OtherMaximumLevelRebuildsTreeRecordsAndArrays) {
   for (const int level : {5, 3}) {
     g_iMaxLevel = level;
     test.Initialize(2, true);
-    EXPECT_EQ(test.m_Grid.MaxLevel(), level);
+    EXPECT_EQ(test.m_Grid.Lattice().Level(), level);
     EXPECT_EQ(test.m_Grid.Tree().Level(), level);
-    EXPECT_EQ(test.m_Grid.Subdivision().Depth(), level);
-    EXPECT_EQ(test.m_Grid.PointsPerSide(), (1 << level) + 1);
+    EXPECT_EQ(test.m_Grid.Wanted().Current().Depth(), level);
+    EXPECT_EQ(test.m_Grid.Lattice().PointsPerSide(), (1 << level) + 1);
     EXPECT_EQ(test.m_Grid.Lattice().Heights().size(), test.m_Grid.Lattice().PointCount());
     EXPECT_EQ(test.m_Grid.Order().Level(), level);
   }
@@ -346,21 +344,22 @@ TEST(GridTest, OtherRecordFollowsTheMaximumLevel) {
   g_iMaxLevel = 3;
   g_bHighRes = 1;
   test.Initialize(2);
-  EXPECT_EQ(test.m_Grid.Subdivision().Depth(), 3);
-  EXPECT_EQ(UniformDepth(test.m_Grid.Subdivision().Root()), 3);
+  EXPECT_EQ(test.m_Grid.Wanted().Current().Depth(), 3);
+  EXPECT_EQ(UniformDepth(test.m_Grid.Wanted().Current().Root()), 3);
 }
 
 TEST(GridTest, MaximumLevelIsHeldToTheSupportedRange) {
   CTestGrid test(0, 2);
-  EXPECT_EQ(test.m_Grid.MaxLevel(), 1);
-  EXPECT_EQ(test.m_Grid.BaseLevel(), 1);
-  EXPECT_EQ(test.m_Grid.ActivePointCount(), 9);
+  EXPECT_EQ(test.m_Grid.Lattice().Level(), 1);
+  EXPECT_EQ(test.m_Grid.Wanted().BaseLevel(), 1);
+  EXPECT_EQ(test.m_Grid.Surface().ActivePointCount(), 9);
 }
 
 TEST(GridTest, EveryLevelOfTheLatticeCanBeNumbered) {
   for (int level = 1; level <= 7; ++level) {
     const CTestGrid test(level, level);
-    EXPECT_EQ(test.m_Grid.ActivePointCount(), test.m_Grid.PointsPerSide() * test.m_Grid.PointsPerSide());
+    EXPECT_EQ(test.m_Grid.Surface().ActivePointCount(),
+              test.m_Grid.Lattice().PointsPerSide() * test.m_Grid.Lattice().PointsPerSide());
   }
 }
 

@@ -36,7 +36,7 @@ class GridUpdateTest : public testing::Test {
 TEST_F(GridUpdateTest, FirstTickRebuildsAndIteratesTenTimes) {
   AddSome();
   EXPECT_EQ(Tick(), "*** SetSparseH ***\n25 points\n");
-  EXPECT_EQ(Grid().IterationCounter(), 10);
+  EXPECT_EQ(Grid().Solver().Counter(), 10);
   EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
   EXPECT_TRUE(Grid().IsRunning());
 }
@@ -47,7 +47,7 @@ TEST_F(GridUpdateTest, LaterTicksContinueTheIteration) {
   Console();
   for (int tick = 2; tick <= 4; ++tick) {
     EXPECT_EQ(Tick(), "");
-    EXPECT_EQ(Grid().IterationCounter(), 10 * tick);
+    EXPECT_EQ(Grid().Solver().Counter(), 10 * tick);
   }
 }
 
@@ -81,11 +81,11 @@ TEST_F(GridUpdateTest, RestartKeepsTheMatrixAndRebuildsTheRows) {
   Grid().UpdateGrid();
   const std::size_t entries = Solver().System().Smoothness().EntryCount();
   Grid().Lattice().Set(Grid().Lattice().Index(8, 8), PointFlag::kCrease);
-  Grid().PointConstraints().Add(HeightCstr(7, 21.5, 2));
+  Grid().Constraints().Points().Add(HeightCstr(7, 21.5, 2));
   Console();
   Grid().Post(Operation::kRestart);
   EXPECT_EQ(Tick(), "");
-  EXPECT_EQ(Grid().IterationCounter(), 10);
+  EXPECT_EQ(Grid().Solver().Counter(), 10);
   EXPECT_EQ(Solver().System().Smoothness().EntryCount(), entries);
   EXPECT_EQ(Solver().System().ConstraintCount(), 6U);
 }
@@ -98,7 +98,7 @@ TEST_F(GridUpdateTest, RebuildMakesTheMatrixAnew) {
   Console();
   Grid().Post(Operation::kRebuild);
   EXPECT_EQ(Tick(), "*** SetSparseH ***\n25 points\n");
-  EXPECT_EQ(Grid().IterationCounter(), 10);
+  EXPECT_EQ(Grid().Solver().Counter(), 10);
   EXPECT_LT(Solver().System().Smoothness().EntryCount(), entries);
 }
 
@@ -108,10 +108,10 @@ TEST_F(GridUpdateTest, InitializeInTheMiddleOfTheIterationSetsTheSystemUp) {
   Console();
   m_Test.Initialize(3, true);
   EXPECT_TRUE(Console().ends_with("*** SetSparseH ***\n81 points\n"));
-  EXPECT_EQ(Grid().IterationCounter(), -1);
+  EXPECT_EQ(Grid().Solver().Counter(), -1);
   EXPECT_EQ(Solver().System().ConstraintCount(), 5U);
   EXPECT_EQ(Tick(), "*** SetSparseH ***\n81 points\n");
-  EXPECT_EQ(Grid().IterationCounter(), 10);
+  EXPECT_EQ(Grid().Solver().Counter(), 10);
 }
 
 TEST_F(GridUpdateTest, ChangedTargetCountsFromTheRestartOn) {
@@ -153,7 +153,7 @@ TEST_F(GridUpdateTest, WithoutConstraintsTheSystemHasTheUnknownsAlone) {
   EXPECT_TRUE(Solver().Multipliers().empty());
   EXPECT_EQ(Solver().System().ConstraintCount(), 0U);
   EXPECT_EQ(Solver().System().Size(), 25U);
-  EXPECT_GT(Grid().IterationCounter(), 0);
+  EXPECT_GT(Grid().Solver().Counter(), 0);
 }
 
 TEST_F(GridUpdateTest, WithoutConstraintsTheSurfaceBecomesAPlane) {
@@ -203,7 +203,7 @@ TEST_F(GridUpdateTest, FewerConstraintsKeepTheFirstMultipliers) {
   AddSome();
   for (int tick = 0; tick < 3; ++tick) Grid().UpdateGrid();
   const std::vector<double> before = Copied(Solver().Multipliers());
-  SetSelection(Grid().PointConstraints(), "0001");
+  SetSelection(Grid().Constraints().Points(), "0001");
   Grid().DeleteSelectedPtCstr();
   StartIteration(Grid());
   EXPECT_EQ(Copied(Solver().Multipliers()), std::vector(before.begin(), before.begin() + 3));
@@ -238,9 +238,9 @@ TEST_F(GridUpdateTest, EventsAreProcessedBetweenTheSteps) {
   const CPollingScope polling;
   AddSome();
   std::vector<int> counters;
-  m_Host.m_OnEvents = [&](int) { counters.push_back(Grid().IterationCounter()); };
+  m_Host.m_OnEvents = [&](int) { counters.push_back(Grid().Solver().Counter()); };
   Grid().UpdateGrid();
-  EXPECT_EQ(Grid().IterationCounter(), 10);
+  EXPECT_EQ(Grid().Solver().Counter(), 10);
   EXPECT_EQ(counters.front(), -1) << "before anything else";
   for (int iterations = 0; iterations <= 10; ++iterations)
     EXPECT_TRUE(std::ranges::count(counters, iterations) > 0) << iterations;
@@ -251,7 +251,7 @@ TEST_F(GridUpdateTest, PollingNeedsNoHost) {
   Grid().AttachHost(nullptr);
   AddSome();
   Grid().UpdateGrid();
-  EXPECT_EQ(Grid().IterationCounter(), 10);
+  EXPECT_EQ(Grid().Solver().Counter(), 10);
 }
 
 TEST_F(GridUpdateTest, WorkPostedBeforeTheDispatchIsDoneInTheSameTick) {
@@ -261,7 +261,7 @@ TEST_F(GridUpdateTest, WorkPostedBeforeTheDispatchIsDoneInTheSameTick) {
   Console();
   PostInRound(m_Host.m_iEventRounds + 1, Operation::kRebuild);
   EXPECT_EQ(Tick(), "*** SetSparseH ***\n25 points\n");
-  EXPECT_EQ(Grid().IterationCounter(), 10);
+  EXPECT_EQ(Grid().Solver().Counter(), 10);
 }
 
 TEST_F(GridUpdateTest, PostingBetweenTheStepsEndsTheIterationsAtOnce) {
@@ -273,11 +273,11 @@ TEST_F(GridUpdateTest, PostingBetweenTheStepsEndsTheIterationsAtOnce) {
     int iterations = -1;
     host.m_OnEvents = [&](int now) {
       if (now != round) return;
-      iterations = test.m_Grid.IterationCounter();
+      iterations = test.m_Grid.Solver().Counter();
       test.m_Grid.Post(Operation::kRestart);
     };
     test.m_Grid.UpdateGrid();
-    EXPECT_EQ(test.m_Grid.IterationCounter(), iterations) << round;
+    EXPECT_EQ(test.m_Grid.Solver().Counter(), iterations) << round;
     EXPECT_LT(iterations, 10);
     EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRestart);
     EXPECT_EQ(host.m_iIterations, iterations);
@@ -294,7 +294,7 @@ TEST_F(GridUpdateTest, EveryCodeEndsTheIterations) {
       if (round == 5) test.m_Grid.Post(OperationOf(code));
     };
     test.m_Grid.UpdateGrid();
-    EXPECT_LT(test.m_Grid.IterationCounter(), 10) << code;
+    EXPECT_LT(test.m_Grid.Solver().Counter(), 10) << code;
     EXPECT_EQ(test.m_Grid.NextOperation(), OperationOf(code));
   }
 }
@@ -314,11 +314,11 @@ TEST_F(GridUpdateTest, NextTickPerformsWhatInterruptedTheLast) {
   AddSome();
   PostInRound(6, Operation::kSaveGrid);
   Grid().UpdateGrid();
-  const int iterations = Grid().IterationCounter();
+  const int iterations = Grid().Solver().Counter();
   EXPECT_TRUE(m_Host.m_aiCommands.empty());
   Grid().UpdateGrid();
   EXPECT_EQ(m_Host.m_aiCommands, (std::vector{8192}));
-  EXPECT_EQ(Grid().IterationCounter(), iterations + 10);
+  EXPECT_EQ(Grid().Solver().Counter(), iterations + 10);
 }
 
 TEST_F(GridUpdateTest, InterruptionsDoNotChangeTheCourse) {
@@ -330,12 +330,12 @@ TEST_F(GridUpdateTest, InterruptionsDoNotChangeTheCourse) {
   AddAll(other.m_Grid, SomeConstraints());
   host.m_OnEvents = [&](int round) {
     if (round == 7) other.m_Grid.Post(Operation::kSaveGrid);
-    if (round > 8 && other.m_Grid.IterationCounter() == 10 && other.m_Grid.NextOperation() == Operation::kNone)
+    if (round > 8 && other.m_Grid.Solver().Counter() == 10 && other.m_Grid.NextOperation() == Operation::kNone)
       other.m_Grid.Post(Operation::kLoadImage);
   };
   other.m_Grid.UpdateGrid();
   other.m_Grid.UpdateGrid();
-  ASSERT_EQ(other.m_Grid.IterationCounter(), 10);
+  ASSERT_EQ(other.m_Grid.Solver().Counter(), 10);
   EXPECT_EQ(Copied(other.m_Grid.Surface().Coefficients()), Copied(Grid().Surface().Coefficients()));
 }
 
@@ -349,7 +349,7 @@ TEST_F(GridUpdateTest, ChangeOfModeBetweenTheStepsStartsTheIterationAnew) {
     CActingHost host(test.m_Grid);
     AddAll(test.m_Grid, SomeConstraints());
     host.m_OnEvents = [&](int now) {
-      if (now == round) test.m_Grid.SetWaveletMode(WaveletMode::None);
+      if (now == round) test.m_Grid.Builder().SetWaveletMode(WaveletMode::None);
     };
     ASSERT_TRUE(RunUntilPaused(test.m_Grid)) << round;
     EXPECT_LT(LargestDifference(NodalHeights(test.m_Grid), NodalHeights(Grid())), 1e-6) << round;
@@ -360,17 +360,17 @@ TEST_F(GridUpdateTest, ChangeOfModeBetweenTheStepsStartsTheIterationAnew) {
 TEST_F(GridUpdateTest, RenumberingAsksForARebuild) {
   AddSome();
   Grid().UpdateGrid();
-  Grid().Subdivision().Root().Child(1).Child(2).subdiv();
-  Grid().ReplaySubdivision();
-  EXPECT_EQ(Grid().IterationCounter(), -1);
+  Grid().Wanted().Current().Root().Child(1).Child(2).subdiv();
+  Grid().Builder().ReplaySubdivision();
+  EXPECT_EQ(Grid().Solver().Counter(), -1);
 }
 
 TEST_F(GridUpdateTest, NewRowsAskForARestart) {
   AddSome();
   Grid().UpdateGrid();
-  Grid().PointConstraints().Add(HeightCstr(7, 21.5, 2));
+  Grid().Constraints().Points().Add(HeightCstr(7, 21.5, 2));
   Grid().SetSparseH();
-  EXPECT_EQ(Grid().IterationCounter(), 0);
+  EXPECT_EQ(Grid().Solver().Counter(), 0);
 }
 
 }  // namespace

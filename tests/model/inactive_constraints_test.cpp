@@ -14,7 +14,7 @@ namespace {
 class InactiveConstraintsTest : public testing::Test {
  protected:
   CGrid& Grid() { return m_Test.m_Grid; }
-  CPtCstrList& List() { return Grid().PointConstraints(); }
+  CPtCstrList& List() { return Grid().Constraints().Points(); }
   const CPtCstr& At(int place) { return RecordAt(List(), place); }
   void Tear() { Grid().AddCurve(std::vector<CPtCstr>{{1, 23.9}, {8, 23.9}}, CurveType::kPosition, false); }
   void Rebuild(const std::vector<CPtCstr>& records) {
@@ -22,7 +22,7 @@ class InactiveConstraintsTest : public testing::Test {
     Grid().Post(Operation::kRebuildMaps);
     Grid().PerformPendingWork();
   }
-  std::string Why(int place) { return InactivityText(Grid().WhyInactive(At(place))); }
+  std::string Why(int place) { return InactivityText(Grid().Constraints().WhyInactive(At(place))); }
 
   CTestGrid m_Test{4, 2};
   CActingHost m_Host{m_Test.m_Grid};
@@ -35,7 +35,7 @@ TEST_F(InactiveConstraintsTest, ThoseWithRowsAreActive) {
     EXPECT_EQ(At(k).m_uIdle, 0U) << k;
     EXPECT_EQ(Why(k), "") << k;
   }
-  EXPECT_EQ(Grid().ActiveConstraintCount(), 4);
+  EXPECT_EQ(Grid().Constraints().ActiveCount(), 4);
 }
 
 TEST_F(InactiveConstraintsTest, EachReasonIsTold) {
@@ -45,7 +45,7 @@ TEST_F(InactiveConstraintsTest, EachReasonIsTold) {
   const std::vector<std::string> reasons{"in a tear",     "in a tear",     "outside",       "outside",
                                          "on the border", "on the border", "on the border", ""};
   for (int k = 0; k < 8; ++k) EXPECT_EQ(Why(k), reasons[static_cast<std::size_t>(k)]) << k;
-  EXPECT_EQ(Grid().ActiveConstraintCount(), 1);
+  EXPECT_EQ(Grid().Constraints().ActiveCount(), 1);
 }
 
 TEST_F(InactiveConstraintsTest, AHeightOutlivesItsSlopeAtTheBorder) {
@@ -67,7 +67,7 @@ TEST_F(InactiveConstraintsTest, ARecordOfNoKindIsNotActiveForNoReason) {
   Rebuild({{3, 21}});
   EXPECT_FALSE(At(0).IsActive());
   EXPECT_EQ(Why(0), "");
-  EXPECT_EQ(Grid().ActiveConstraintCount(), 0);
+  EXPECT_EQ(Grid().Constraints().ActiveCount(), 0);
 }
 
 TEST_F(InactiveConstraintsTest, OneAddedIsJudgedAtOnce) {
@@ -97,7 +97,7 @@ TEST_F(InactiveConstraintsTest, ATearDrawnOverAHeightTakesItOutOfTheCount) {
   Grid().PerformPendingWork();
   EXPECT_EQ(m_Host.m_iConstraints, 1);
   EXPECT_EQ(Why(0), "in a tear");
-  Grid().Curves().clear();
+  Grid().Constraints().Curves().clear();
   Rebuild({});
   EXPECT_EQ(m_Host.m_iConstraints, 2);
   EXPECT_EQ(Why(0), "");
@@ -105,11 +105,11 @@ TEST_F(InactiveConstraintsTest, ATearDrawnOverAHeightTakesItOutOfTheCount) {
 
 TEST_F(InactiveConstraintsTest, GeneratedOnesAreJudgedAndNotCounted) {
   Rebuild({HeightCstr(3, 21, 1)});
-  Grid().GeneratedConstraints().Add(SlopeCstr(3, 19));
+  Grid().Constraints().Generated().Add(SlopeCstr(3, 19));
   Grid().Post(Operation::kRestart);
   Grid().PerformPendingWork();
-  EXPECT_EQ(Grid().WhyInactive(RecordAt(Grid().GeneratedConstraints(), 0)), Inactivity::Outside);
-  EXPECT_EQ(Grid().ActiveConstraintCount(), 1);
+  EXPECT_EQ(Grid().Constraints().WhyInactive(RecordAt(Grid().Constraints().Generated(), 0)), Inactivity::Outside);
+  EXPECT_EQ(Grid().Constraints().ActiveCount(), 1);
 }
 
 // Whatever is said of a constraint alone is what becomes of it among others.
@@ -130,7 +130,7 @@ TEST_F(InactiveConstraintsTest, TheRowsAgreeWithTheJudgementOfEachAlone) {
     const std::uint32_t kinds = CConstraintRows::KindsWithRows(c, Grid().Tree(), Grid().Surface().Interpolation());
     EXPECT_EQ(kinds & c.m_uIdle, 0U);
     EXPECT_EQ(kinds | c.m_uIdle, c.m_uKind & (PtCstrKind::kPosition | PtCstrKind::kNormal));
-    EXPECT_EQ(c.m_uIdle != 0, Grid().WhyInactive(c) != Inactivity::None);
+    EXPECT_EQ(c.m_uIdle != 0, Grid().Constraints().WhyInactive(c) != Inactivity::None);
     rows += ((kinds & PtCstrKind::kPosition) != 0 ? 1U : 0U) + ((kinds & PtCstrKind::kNormal) != 0 ? 2U : 0U);
   }
   EXPECT_EQ(Grid().Solver().System().Constraints().Count(), rows);

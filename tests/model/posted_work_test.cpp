@@ -27,7 +27,7 @@ struct CPostedGrid : CTestGrid {
   CPostedGrid() : CTestGrid(3, 1) {
     for (const CPtCstr& c : SomeConstraints()) m_Grid.AddPtCstr(c);
     m_Grid.UpdateGrid();
-    m_Grid.PointConstraints().Add(HeightCstr(7, 21.5, 2));
+    m_Grid.Constraints().Points().Add(HeightCstr(7, 21.5, 2));
     m_Console.Take();
   }
   /// The console text of a tick before which the codes are posted.
@@ -79,10 +79,10 @@ int MapRebuilds(int first, int second) {
 TEST(PostedWorkTest, CommonStateHasFiveRowsAndOneToCome) {
   CPostedGrid test;
   EXPECT_EQ(test.Rows(), 5);
-  EXPECT_EQ(test.m_Grid.IterationCounter(), 10);
+  EXPECT_EQ(test.m_Grid.Solver().Counter(), 10);
   EXPECT_EQ(test.TickWith({}), "");
   EXPECT_EQ(test.Rows(), 5);
-  EXPECT_EQ(test.m_Grid.IterationCounter(), 20);
+  EXPECT_EQ(test.m_Grid.Solver().Counter(), 20);
 }
 
 TEST(PostedWorkTest, EachPairIsPerformedInOneTick) {
@@ -127,7 +127,7 @@ TEST(PostedWorkTest, EditRestartsTheIterationWhateverCommandComesWithIt) {
       for (const auto& order : {std::vector{edit, command}, std::vector{command, edit}}) {
         CPostedGrid test;
         test.TickWith(order);
-        EXPECT_EQ(test.m_Grid.IterationCounter(), 10);
+        EXPECT_EQ(test.m_Grid.Solver().Counter(), 10);
         EXPECT_EQ(test.Rows(), 6);
       }
     }
@@ -138,7 +138,7 @@ TEST(PostedWorkTest, CommandsAloneLetTheIterationGoOn) {
   for (const int command : kHostCommands) {
     CPostedGrid test;
     EXPECT_EQ(test.TickWith({command}), "");
-    EXPECT_EQ(test.m_Grid.IterationCounter(), 20);
+    EXPECT_EQ(test.m_Grid.Solver().Counter(), 20);
   }
 }
 
@@ -182,19 +182,19 @@ TEST(PostedWorkTest, NewGridInPlaceKeepsWhatWasPostedWithIt) {
   };
   test.TickWith({4096, 8192});
   EXPECT_EQ(test.m_Host.m_aiCommands, (std::vector{4096, 8192}));
-  EXPECT_EQ(test.m_Grid.ActivePointCount(), 25);
-  EXPECT_EQ(test.m_Grid.IterationCounter(), 1) << "flat and without constraints";
+  EXPECT_EQ(test.m_Grid.Surface().ActivePointCount(), 25);
+  EXPECT_EQ(test.m_Grid.Solver().Counter(), 1) << "flat and without constraints";
 }
 
 // What a file needs: the heights in the numbering of the wanted subdivision. A command that writes one has the grid do
 // what is owed first, whether it was posted before the command or after it.
 void ExpectSavedInTheWantedSubdivision(const std::vector<int>& codes) {
   CPostedGrid test;
-  test.m_Grid.Subdivision().Root().Child(1).subdiv();
+  test.m_Grid.Wanted().Current().Root().Child(1).subdiv();
   test.m_Host.m_OnCommand = [&](int) {
     test.m_Grid.PerformPendingWork();
-    EXPECT_EQ(test.m_Grid.ActivePointCount(), 14);
-    EXPECT_EQ(test.m_Grid.IterationCounter(), 0);
+    EXPECT_EQ(test.m_Grid.Surface().ActivePointCount(), 14);
+    EXPECT_EQ(test.m_Grid.Solver().Counter(), 0);
     EXPECT_EQ(test.Rows(), 6);
   };
   const std::string text = test.TickWith(codes);
@@ -214,7 +214,7 @@ TEST(PostedWorkTest, UnknownCodesAreReportedAndIgnored) {
     CPostedGrid test;
     EXPECT_EQ(test.TickWith({code}), kUnknown);
     EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
-    EXPECT_EQ(test.m_Grid.IterationCounter(), 20);
+    EXPECT_EQ(test.m_Grid.Solver().Counter(), 20);
     EXPECT_TRUE(test.m_Host.m_aiCommands.empty());
   }
 }
@@ -241,9 +241,9 @@ TEST(PostedWorkTest, PerformingAtOnceRebuildsWithoutIterating) {
   test.m_Grid.PerformPendingWork();
   EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n9 points\n");
   EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
-  EXPECT_EQ(test.m_Grid.IterationCounter(), 0);
+  EXPECT_EQ(test.m_Grid.Solver().Counter(), 0);
   EXPECT_EQ(test.Rows(), 6);
-  test.m_Grid.ReconstructSurface();
+  test.m_Grid.Surface().Reconstruct();
   EXPECT_LT(LargestDifference(SurfaceOnLattice(test.m_Grid), before), 1e-9);
 }
 
@@ -267,7 +267,7 @@ TEST(PostedWorkTest, PerformingAtOnceLeavesNormalsUpToDate) {
   CPostedGrid test;
   const CRamp ramp;
   SetSurface(test.m_Grid, ramp);
-  test.m_Grid.Subdivision().Root().Child(1).subdiv();
+  test.m_Grid.Wanted().Current().Root().Child(1).subdiv();
   test.m_Grid.Post(Operation::kRebuildMaps);
   test.m_Grid.PerformPendingWork();
   const CPointOrder& order = test.m_Grid.Order();
@@ -281,7 +281,7 @@ TEST(PostedWorkTest, PerformingNothingLetsTheIterationGoOn) {
   test.m_Grid.PerformPendingWork();
   EXPECT_EQ(test.m_Console.Take(), "");
   EXPECT_EQ(test.Rows(), 5);
-  EXPECT_EQ(test.m_Grid.IterationCounter(), 10);
+  EXPECT_EQ(test.m_Grid.Solver().Counter(), 10);
 }
 
 }  // namespace

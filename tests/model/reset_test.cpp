@@ -44,7 +44,7 @@ TEST_F(ResetTest, CoefficientsAreSmallAndRandom) {
 
 TEST_F(ResetTest, CoefficientsAreRandomInEveryMode) {
   for (const WaveletMode mode : kAllModes) {
-    Grid().SetWaveletMode(mode);
+    Grid().Builder().SetWaveletMode(mode);
     Grid().Reset();
     ExpectRandomUpToTheLimit(Copied(Grid().Surface().Coefficients()));
   }
@@ -110,17 +110,17 @@ TEST_F(ResetTest, SurfaceOfTheResetIsTheStartOfTheNextTick) {
   Grid().Reset();
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Grid().PerformPendingWork();
-  Grid().ReconstructSurface();
+  Grid().Surface().Reconstruct();
   EXPECT_LT(LargestDifference(SurfaceOnLattice(Grid()), before), 1e-9);
 }
 
 TEST_F(ResetTest, ConstraintsAndSubdivisionStay) {
   AddAll(Grid(), SomeConstraints());
-  Grid().Subdivision().Root().Child(1).Child(2).subdiv();
+  Grid().Wanted().Current().Root().Child(1).Child(2).subdiv();
   Grid().Reset();
   Grid().UpdateGrid();
-  EXPECT_EQ(Grid().PointConstraints().size(), 4U);
-  EXPECT_EQ(Grid().ActivePointCount(), 30);
+  EXPECT_EQ(Grid().Constraints().Points().size(), 4U);
+  EXPECT_EQ(Grid().Surface().ActivePointCount(), 30);
 }
 
 TEST_F(ResetTest, WorksAtTheHighResolutionToo) {

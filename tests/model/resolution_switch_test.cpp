@@ -15,7 +15,7 @@ constexpr double kTolerance = 1e-9;  // the weights of an interpolation are roun
 
 class ResolutionSwitchTest : public testing::TestWithParam<WaveletMode> {
  protected:
-  ResolutionSwitchTest() { Grid().SetWaveletMode(GetParam()); }
+  ResolutionSwitchTest() { Grid().Builder().SetWaveletMode(GetParam()); }
 
   CGrid& Grid() { return m_Test.m_Grid; }
   // Switches without iterating; the console text of it.
@@ -36,9 +36,9 @@ class ResolutionSwitchTest : public testing::TestWithParam<WaveletMode> {
   }
   // Leaves of different size, so that there are hanging points.
   void MakeUneven() {
-    Grid().Subdivision().Root().Child(1).Child(2).subdiv();
-    Grid().Subdivision().Root().Child(1).Child(2).Child(0).subdiv();
-    MakeSavedLeaf(Grid().Subdivision().Root().Child(3));
+    Grid().Wanted().Current().Root().Child(1).Child(2).subdiv();
+    Grid().Wanted().Current().Root().Child(1).Child(2).Child(0).subdiv();
+    MakeSavedLeaf(Grid().Wanted().Current().Root().Child(3));
     Grid().SetDiscMap();
   }
 
@@ -76,18 +76,18 @@ TEST_P(ResolutionSwitchTest, RestoringReportsTheRebuildAlone) {
 
 TEST_P(ResolutionSwitchTest, HighResolutionUsesEveryLatticePoint) {
   Switch(32);
-  EXPECT_EQ(Grid().ActivePointCount(), 289);
+  EXPECT_EQ(Grid().Surface().ActivePointCount(), 289);
   EXPECT_EQ(Grid().Tree().LeafCount(), 256);
   EXPECT_EQ(m_Host.m_iPoints, 289);
   Switch(64);
-  EXPECT_EQ(Grid().ActivePointCount(), 25);
+  EXPECT_EQ(Grid().Surface().ActivePointCount(), 25);
 }
 
 TEST_P(ResolutionSwitchTest, RecordsAreSwapped) {
-  CSaveQuadT* normal = &Grid().Subdivision().Root();
+  CSaveQuadT* normal = &Grid().Wanted().Current().Root();
   for (const int code : {8, 16, 32, 64}) {
     Switch(code);
-    EXPECT_EQ(&Grid().Subdivision().Root() == normal, code == 16 || code == 64) << code;
+    EXPECT_EQ(&Grid().Wanted().Current().Root() == normal, code == 16 || code == 64) << code;
   }
 }
 
@@ -95,8 +95,9 @@ TEST_P(ResolutionSwitchTest, SystemIsReadyToStart) {
   AddAll(Grid(), SomeConstraints());
   for (const int code : {8, 64, 32, 16}) {
     Switch(code);
-    EXPECT_EQ(Grid().IterationCounter(), 0);
-    EXPECT_EQ(Grid().Solver().System().Smoothness().RowCount(), static_cast<std::size_t>(Grid().ActivePointCount()));
+    EXPECT_EQ(Grid().Solver().Counter(), 0);
+    EXPECT_EQ(Grid().Solver().System().Smoothness().RowCount(),
+              static_cast<std::size_t>(Grid().Surface().ActivePointCount()));
     EXPECT_EQ(Grid().Solver().System().ConstraintCount(), 5U);
   }
 }
@@ -140,7 +141,7 @@ TEST_P(ResolutionSwitchTest, TransferToNormalKeepsThePointsThatRemain) {
   Switch(32);
   const std::vector<double> before = NewSurface(7);
   Switch(16);
-  EXPECT_EQ(Grid().ActivePointCount(), 25);
+  EXPECT_EQ(Grid().Surface().ActivePointCount(), 25);
   EXPECT_LT(DistanceFrom(before), kTolerance);
 }
 
@@ -200,7 +201,7 @@ TEST_P(ResolutionSwitchTest, LastSurfaceBeforeTheSwitchIsTheOneThatIsKept) {
 
 // The surface belongs to places and not to numbers: the wanted subdivision changes while the other one is in force.
 TEST_P(ResolutionSwitchTest, RestoringGoesByPlaceWhenThePointsHaveChanged) {
-  CSaveQuadT& normalRoot = Grid().Subdivision().Root();
+  CSaveQuadT& normalRoot = Grid().Wanted().Current().Root();
   const std::vector<double> normal = NewSurface(27);
   Switch(32);
   NewSurface(29);
@@ -217,7 +218,7 @@ TEST_P(ResolutionSwitchTest, RestoringGoesByPlaceInAnyChange) {
   for (std::uint32_t seed = 1; seed <= 8; ++seed) {
     CTestGrid test(4, 2);
     CGrid& grid = test.m_Grid;
-    RandomiseRecord(grid.Subdivision(), seed);
+    RandomiseRecord(grid.Wanted().Current(), seed);
     grid.SetDiscMap();
     SetRandomSurface(grid, seed);
     const std::vector<double> before = SurfaceOnLattice(grid);
@@ -236,9 +237,9 @@ TEST_P(ResolutionSwitchTest, RefiningAfterTheRebuildFindsTheRestoredSurface) {
   Switch(32);
   NewSurface(33);
   Switch(64);
-  Grid().Subdivision().Root().Child(1).Child(0).subdiv();
+  Grid().Wanted().Current().Root().Child(1).Child(0).subdiv();
   Grid().SetDiscMap();
-  Grid().ReconstructSurface();
+  Grid().Surface().Reconstruct();
   EXPECT_LT(DistanceFrom(normal), kTolerance);
 }
 
@@ -253,7 +254,7 @@ TEST_P(ResolutionSwitchTest, SwitchesInOneTickAreAllMade) {
 
 TEST_P(ResolutionSwitchTest, SubdividedAndSwitchedInOneTickNothingIsLost) {
   const std::vector<double> normal = NewSurface(37);
-  Grid().Subdivision().Root().Child(1).Child(0).subdiv();
+  Grid().Wanted().Current().Root().Child(1).Child(0).subdiv();
   Grid().Post(Operation::kRebuildMaps);
   Grid().Post(Operation::kTransferToHigh);
   Grid().PerformPendingWork();
@@ -267,7 +268,7 @@ TEST_P(ResolutionSwitchTest, TickSwitchesAndThenIterates) {
   Grid().Post(Operation::kTransferToHigh);
   Grid().UpdateGrid();
   EXPECT_EQ(g_bHighRes, 1);
-  EXPECT_GT(Grid().IterationCounter(), 0);
+  EXPECT_GT(Grid().Solver().Counter(), 0);
   EXPECT_NEAR(SurfaceHeight(Grid(), 1.5, 23.25), ramp(1.5, 23.25), 1e-6);
 }
 
@@ -285,7 +286,7 @@ TEST_P(ResolutionSwitchTest, GivenHeightsForgetTheOtherSurface) {
   Switch(32);
   NewSurface(41);
   Switch(64);
-  Grid().SetHeights(std::vector<double>(25, 1.5));
+  Grid().Builder().SetHeights(std::vector<double>(25, 1.5));
   EXPECT_EQ(Grid().Surface().MaxHeight(), 1.5);
   Switch(32);
   EXPECT_EQ(NodalHeights(Grid()), std::vector<double>(289, 0.0));

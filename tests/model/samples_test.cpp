@@ -20,7 +20,7 @@ class Samples : public testing::TestWithParam<const char*> {
   Samples() { m_State = m_Model.m_Grid.Load(RELIEVO_SAMPLES "/" + std::string(GetParam())); }
 
   std::size_t CurvesOf(CurveType type) const {
-    const auto& curves = m_Model.m_Grid.Curves();
+    const auto& curves = m_Model.m_Grid.Constraints().Curves();
     return static_cast<std::size_t>(
         std::count_if(curves.begin(), curves.end(), [&](const CCntrCtrl& curve) { return curve.Type() == type; }));
   }
@@ -30,7 +30,7 @@ class Samples : public testing::TestWithParam<const char*> {
     const CLattice& lattice = m_Model.m_Grid.Lattice();
     const int last = lattice.PointsPerSide() - 1;
     std::vector<std::pair<std::array<int, 2>, std::array<int, 2>>> torn;
-    for (const CCntrCtrl& curve : m_Model.m_Grid.Curves()) {
+    for (const CCntrCtrl& curve : m_Model.m_Grid.Constraints().Curves()) {
       if (!curve.HasType(CurveType::kPosition) || curve.IsClosed()) continue;
       for (const CCntrNode* end : {&curve.Nodes().front(), &curve.Nodes().back()}) {
         const double column = lattice.ColumnOf(end->m_fX);
@@ -54,7 +54,7 @@ TEST_P(Samples, AreWholeAndShowWhatTheProgramCanDo) {
   ASSERT_EQ(m_State, GridFileState::Whole);
   EXPECT_GE(CurvesOf(CurveType::kPosition), 2U) << "tears";
   EXPECT_GE(CurvesOf(CurveType::kNormal), 3U) << "creases";
-  EXPECT_GE(m_Model.m_Grid.PointConstraints().size(), 40U);
+  EXPECT_GE(m_Model.m_Grid.Constraints().Points().size(), 40U);
   EXPECT_GT(m_Model.m_Grid.Surface().MaxHeight(), 30);
   EXPECT_LT(m_Model.m_Grid.Surface().MinHeight(), -20);
 }

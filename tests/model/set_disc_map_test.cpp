@@ -11,14 +11,14 @@ namespace {
 
 class SetDiscMapTest : public testing::TestWithParam<WaveletMode> {
  protected:
-  SetDiscMapTest() { Grid().SetWaveletMode(GetParam()); }
+  SetDiscMapTest() { Grid().Builder().SetWaveletMode(GetParam()); }
 
   CGrid& Grid() { return m_Test.m_Grid; }
   // Leaves of three sizes in the wanted subdivision.
   void Refine() {
-    Grid().Subdivision().Root().Child(1).Child(2).subdiv();
-    Grid().Subdivision().Root().Child(1).Child(2).Child(0).subdiv();
-    MakeSavedLeaf(Grid().Subdivision().Root().Child(3));
+    Grid().Wanted().Current().Root().Child(1).Child(2).subdiv();
+    Grid().Wanted().Current().Root().Child(1).Child(2).Child(0).subdiv();
+    MakeSavedLeaf(Grid().Wanted().Current().Root().Child(3));
   }
 
   CTestGrid m_Test{4, 2};
@@ -40,9 +40,9 @@ TEST_P(SetDiscMapTest, ReportsItsStepsInOrder) {
 TEST_P(SetDiscMapTest, CounterIsAtTheStartOfTheIteration) {
   AddAll(Grid(), SomeConstraints());
   Grid().UpdateGrid();
-  EXPECT_EQ(Grid().IterationCounter(), 10);
+  EXPECT_EQ(Grid().Solver().Counter(), 10);
   Grid().SetDiscMap();
-  EXPECT_EQ(Grid().IterationCounter(), 0);
+  EXPECT_EQ(Grid().Solver().Counter(), 0);
 }
 
 TEST_P(SetDiscMapTest, PostedCodeRunsItInTheTick) {
@@ -52,7 +52,7 @@ TEST_P(SetDiscMapTest, PostedCodeRunsItInTheTick) {
   Grid().Post(Operation::kRebuildMaps);
   Grid().UpdateGrid();
   EXPECT_EQ(Occurrences(m_Test.m_Console.Take(), "*** SetSparseH ***"), 1);
-  EXPECT_EQ(Grid().IterationCounter(), 10);
+  EXPECT_EQ(Grid().Solver().Counter(), 10);
 }
 
 TEST_P(SetDiscMapTest, SurfaceStays) {
@@ -61,7 +61,7 @@ TEST_P(SetDiscMapTest, SurfaceStays) {
   SetRandomSurface(Grid(), 11);
   const std::vector<double> before = SurfaceOnLattice(Grid());
   for (int k = 0; k < 3; ++k) Grid().SetDiscMap();
-  Grid().ReconstructSurface();
+  Grid().Surface().Reconstruct();
   EXPECT_LT(LargestDifference(SurfaceOnLattice(Grid()), before), 1e-9);
 }
 
@@ -70,7 +70,7 @@ TEST_P(SetDiscMapTest, SurfaceStaysAtEveryPointOfAnotherSubdivision) {
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Refine();
   Grid().SetDiscMap();
-  Grid().ReconstructSurface();
+  Grid().Surface().Reconstruct();
   EXPECT_LT(LargestDifference(NodalHeights(Grid()), Gathered(Grid().Order(), before)), 1e-9);
 }
 
@@ -87,7 +87,7 @@ TEST_P(SetDiscMapTest, HostSeesTheCounts) {
   Grid().SetDiscMap();
   EXPECT_EQ(m_Host.m_iLeaves, Grid().Tree().LeafCount());
   EXPECT_EQ(m_Host.m_iLeaves, 19);
-  EXPECT_EQ(m_Host.m_iPoints, Grid().ActivePointCount());
+  EXPECT_EQ(m_Host.m_iPoints, Grid().Surface().ActivePointCount());
 }
 
 TEST_P(SetDiscMapTest, NeedsNoHost) {
@@ -109,10 +109,10 @@ TEST_P(SetDiscMapTest, MarksAndCreasesAreForgotten) {
 
 TEST_P(SetDiscMapTest, GeneratedConstraintsAreDroppedAndTheUsersKept) {
   AddAll(Grid(), SomeConstraints());
-  Grid().GeneratedConstraints().Add(HeightCstr(4, 23, 5));
+  Grid().Constraints().Generated().Add(HeightCstr(4, 23, 5));
   Grid().SetDiscMap();
-  EXPECT_TRUE(Grid().GeneratedConstraints().empty());
-  EXPECT_EQ(Grid().PointConstraints().size(), 4U);
+  EXPECT_TRUE(Grid().Constraints().Generated().empty());
+  EXPECT_EQ(Grid().Constraints().Points().size(), 4U);
   EXPECT_EQ(Grid().Solver().System().ConstraintCount(), 5U);
 }
 
@@ -121,8 +121,9 @@ TEST_P(SetDiscMapTest, SystemIsThatOfTheNewPoints) {
   Grid().UpdateGrid();
   Refine();
   Grid().SetDiscMap();
-  EXPECT_EQ(Grid().Solver().System().Smoothness().RowCount(), static_cast<std::size_t>(Grid().ActivePointCount()));
-  EXPECT_EQ(Grid().Surface().Basis().Size(), static_cast<std::size_t>(Grid().ActivePointCount()));
+  EXPECT_EQ(Grid().Solver().System().Smoothness().RowCount(),
+            static_cast<std::size_t>(Grid().Surface().ActivePointCount()));
+  EXPECT_EQ(Grid().Surface().Basis().Size(), static_cast<std::size_t>(Grid().Surface().ActivePointCount()));
   EXPECT_LT(Grid().Surface().TestWavelets(), 1e-12);
 }
 

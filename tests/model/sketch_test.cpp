@@ -74,7 +74,7 @@ CSketch SomeSketch() {
 void Begin(CGrid& grid, const CSketch& sketch) {
   grid.TakeOver(sketch);
   grid.SetDiscMap();
-  grid.ReconstructSurface();
+  grid.Surface().Reconstruct();
 }
 
 TEST(Sketch, OfAGridThatHasTakenOneOverIsTheSame) {
@@ -82,11 +82,11 @@ TEST(Sketch, OfAGridThatHasTakenOneOverIsTheSame) {
   CTestGrid test(6, 3);
   Begin(test.m_Grid, sketch);
   EXPECT_EQ(test.m_Grid.Sketch(), sketch);
-  EXPECT_EQ(test.m_Grid.MaxLevel(), 4);
-  EXPECT_EQ(test.m_Grid.BaseLevel(), 2);
+  EXPECT_EQ(test.m_Grid.Lattice().Level(), 4);
+  EXPECT_EQ(test.m_Grid.Wanted().BaseLevel(), 2);
   EXPECT_EQ(g_iBaseLevel, 3);
   EXPECT_EQ(g_iMaxLevel, 4);
-  EXPECT_EQ(test.m_Grid.PointConstraints().size(), SomeConstraints().size());
+  EXPECT_EQ(test.m_Grid.Constraints().Points().size(), SomeConstraints().size());
   EXPECT_EQ(test.m_Grid.Surface().MaxHeight(), 0.0);
 }
 

@@ -21,9 +21,9 @@ const std::string kSmallPi = "|pp_pp| is too small ";
 
 // The surface that a grid which has never seen other constraints comes to, by unknown.
 std::vector<double> FreshSolution(CGrid& edited) {
-  CTestGrid fresh(edited.MaxLevel(), edited.BaseLevel());
-  fresh.m_Grid.SetWaveletMode(edited.Surface().Mode());
-  for (const CPtCstr& c : edited.PointConstraints()) fresh.m_Grid.AddPtCstr(c);
+  CTestGrid fresh(edited.Lattice().Level(), edited.Wanted().BaseLevel());
+  fresh.m_Grid.Builder().SetWaveletMode(edited.Surface().Mode());
+  for (const CPtCstr& c : edited.Constraints().Points()) fresh.m_Grid.AddPtCstr(c);
   EXPECT_TRUE(RunUntilPaused(fresh.m_Grid));
   return NodalHeights(fresh.m_Grid);
 }
@@ -40,7 +40,7 @@ TEST(SolverConvergenceTest, StartWithoutConstraintsPausesInTheFirstTick) {
   EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n25 points\n" + kSmallRho + "0\n");
   EXPECT_FALSE(test.m_Grid.IsRunning());
   EXPECT_EQ(host.m_iPauses, 1);
-  EXPECT_EQ(test.m_Grid.IterationCounter(), 1);
+  EXPECT_EQ(test.m_Grid.Solver().Counter(), 1);
 }
 
 TEST(SolverConvergenceTest, ConvergencePausesWithALine) {
@@ -74,10 +74,10 @@ TEST(SolverConvergenceTest, ConvergedSystemStopsOnTheNextTick) {
   CConvergedGrid test;
   CActingHost host(test.m_Grid);
   const std::vector<double> before = SurfaceOnLattice(test.m_Grid);
-  const int iterations = test.m_Grid.IterationCounter();
+  const int iterations = test.m_Grid.Solver().Counter();
   test.m_Grid.SetRunning(true);
   test.m_Grid.UpdateGrid();
-  EXPECT_EQ(test.m_Grid.IterationCounter(), iterations + 1);
+  EXPECT_EQ(test.m_Grid.Solver().Counter(), iterations + 1);
   EXPECT_FALSE(test.m_Grid.IsRunning());
   EXPECT_EQ(host.m_iPauses, 1);
   EXPECT_TRUE(test.m_Console.Take().starts_with("|"));
@@ -89,7 +89,7 @@ TEST(SolverConvergenceTest, VanishingImagePausesWithItsOwnLine) {
   CTestGrid test;
   test.m_Grid.Initialize(2, false, 0, 0, 4e4, 4e4);
   for (double& coef : test.m_Grid.Surface().Coefficients()) coef = 1e12;
-  test.m_Grid.ReconstructSurface();
+  test.m_Grid.Surface().Reconstruct();
   test.m_Grid.Post(Operation::kRestart);
   test.m_Console.Take();
   const std::vector<double> before = NodalHeights(test.m_Grid);
@@ -128,7 +128,7 @@ TEST(SolverConvergenceTest, StopOnAWrongSurfaceIsTriedAgain) {
 TEST(SolverConvergenceTest, ConvergedSurfaceMeetsItsConstraints) {
   CConvergedGrid test;
   const double range = test.m_Grid.Surface().MaxHeight() - test.m_Grid.Surface().MinHeight();
-  for (const CPtCstr& c : test.m_Grid.PointConstraints())
+  for (const CPtCstr& c : test.m_Grid.Constraints().Points())
     EXPECT_NEAR(SurfaceHeight(test.m_Grid, c.m_fX, c.m_fY), c.m_fZ, 1e-7 * range);
 }
 
@@ -158,8 +158,8 @@ TEST(SolverConvergenceTest, EditBeforeConvergenceShakesNothing) {
 class EditAfterConvergenceTest : public testing::TestWithParam<WaveletMode> {
  protected:
   EditAfterConvergenceTest() {
-    Grid().SetWaveletMode(GetParam());
-    SetSelection(Grid().PointConstraints(), "0100");
+    Grid().Builder().SetWaveletMode(GetParam());
+    SetSelection(Grid().Constraints().Points(), "0100");
   }
   CGrid& Grid() { return m_Test.m_Grid; }
   void ExpectTheNewSurface() {
@@ -192,7 +192,7 @@ TEST_P(EditAfterConvergenceTest, HeightsFarAwayAreForgotten) {
 }
 
 TEST_P(EditAfterConvergenceTest, ChangedSlopeIsReached) {
-  SetSelection(Grid().PointConstraints(), "0001");
+  SetSelection(Grid().Constraints().Points(), "0001");
   for (const double slope : {0.125, -3.0, 1.0}) {
     Grid().ChangeSelectedNormal(slope, -slope / 2);
     ExpectTheNewSurface();
@@ -264,7 +264,7 @@ TEST(ContradictionTest, StopsAreRetriedAtMostTwicePerEdit) {
   for (const double z : {5.0, 6.0}) {
     ASSERT_TRUE(RunUntilPaused(test.m_Grid));
     EXPECT_LE(Occurrences(test.m_Console.Take(), "|r_rr|"), 3);
-    SetSelection(test.m_Grid.PointConstraints(), "10000");
+    SetSelection(test.m_Grid.Constraints().Points(), "10000");
     test.m_Grid.SetSelectedHeight(z);
   }
 }
@@ -282,7 +282,7 @@ TEST(ContradictionTest, SurfaceStaysFiniteAndRecovers) {
                          std::numeric_limits<double>::quiet_NaN()}) {
     SCOPED_TRACE(z);
     CConvergedGrid test;
-    SetSelection(test.m_Grid.PointConstraints(), "0100");
+    SetSelection(test.m_Grid.Constraints().Points(), "0100");
     test.m_Grid.SetSelectedHeight(z);
     EXPECT_TRUE(RunUntilPaused(test.m_Grid));
     EXPECT_TRUE(std::isfinite(test.m_Grid.Surface().MinHeight()) && std::isfinite(test.m_Grid.Surface().MaxHeight()));

@@ -42,7 +42,7 @@ class CEditedModel : public CSolverGrid {
 
   void EditAtRandom() {
     const auto place = static_cast<int>(m_Random() % (kHeights + kSlopes));
-    CPtCstr& edited = RecordAt(m_Grid.PointConstraints(), place);
+    CPtCstr& edited = RecordAt(m_Grid.Constraints().Points(), place);
     m_Grid.UnselectAll();
     edited.SetState(PtCstrState::kSelected, true);
     if (m_Random() % 3 == 0) {
@@ -55,7 +55,7 @@ class CEditedModel : public CSolverGrid {
     }
   }
   std::vector<double> ExactHeights() {
-    m_Direct.SetConstraints(std::array<const CPtCstrList*, 1>{&m_Grid.PointConstraints()});
+    m_Direct.SetConstraints(std::array<const CPtCstrList*, 1>{&m_Grid.Constraints().Points()});
     return m_Direct.Solve();
   }
 
@@ -71,7 +71,7 @@ class CEditedModel : public CSolverGrid {
       const double x = Uniform(m_fRim, 100 - m_fRim);
       const double y = Uniform(m_fRim, 100 - m_fRim);
       const auto near = [&](const CPtCstr& c) { return &c != moved && std::hypot(c.m_fX - x, c.m_fY - y) < kApart; };
-      if (std::ranges::none_of(m_Grid.PointConstraints(), near)) return {x, y};
+      if (std::ranges::none_of(m_Grid.Constraints().Points(), near)) return {x, y};
     }
   }
 
@@ -177,8 +177,8 @@ TEST_P(SolverSymmetryTest, ImageOfTheConstraintsGivesTheImageOfTheSurface) {
   for (const CPtCstr& c : constraints) images.push_back(::Image(symmetry, extent, c));
   CSolverGrid solver(5, 3, extent);
   CSolverGrid mirrored(5, 3, symmetry.m_bTransposed ? CExtent{10, 70, -20, 60} : extent);
-  RandomiseRecord(solver.m_Grid.Subdivision(), 21, 40);
-  CopyImage(symmetry, solver.m_Grid.Subdivision().Root(), mirrored.m_Grid.Subdivision().Root());
+  RandomiseRecord(solver.m_Grid.Wanted().Current(), 21, 40);
+  CopyImage(symmetry, solver.m_Grid.Wanted().Current().Root(), mirrored.m_Grid.Wanted().Current().Root());
   const std::vector<double> surface = Solved(solver, constraints);
   const std::vector<double> wanted = Image(solver.m_Grid.Lattice(), surface);
   const auto [lowest, highest] = std::ranges::minmax(surface);
@@ -190,7 +190,7 @@ class CContradictoryModel : public CSolverGrid {
  public:
   CContradictoryModel(std::uint32_t seed, int contradictions, WaveletMode mode)
       : CSolverGrid(4, 1 + static_cast<int>(seed % 3), CExtent{}, mode), m_Random(seed) {
-    if (seed % 2 == 0) RandomiseRecord(m_Grid.Subdivision(), seed, 15);
+    if (seed % 2 == 0) RandomiseRecord(m_Grid.Wanted().Current(), seed, 15);
     m_Grid.SetDiscMap();
     const auto heights = 3 + static_cast<int>(m_Random() % 6);
     const auto slopes = static_cast<int>(m_Random() % 3);
@@ -203,7 +203,8 @@ class CContradictoryModel : public CSolverGrid {
 
  private:
   void Contradict() {
-    CPtCstr c = RecordAt(m_Grid.PointConstraints(), static_cast<int>(m_Random() % m_Grid.PointConstraints().size()));
+    CPtCstr c =
+        RecordAt(m_Grid.Constraints().Points(), static_cast<int>(m_Random() % m_Grid.Constraints().Points().size()));
     c.m_fZ = Uniform(-30, 30);
     c.m_fP = Uniform(-0.3, 0.3);
     m_Grid.AddPtCstr(c);
@@ -246,7 +247,7 @@ class SolverLimitsTest : public testing::TestWithParam<WaveletMode> {
   // The heights that come nearest to satisfying everything, in the sense of least squares.
   std::vector<double> LeastSquaresHeights() {
     CDirectSystem direct(Grid().Tree());
-    direct.SetConstraints(std::array<const CPtCstrList*, 1>{&Grid().PointConstraints()});
+    direct.SetConstraints(std::array<const CPtCstrList*, 1>{&Grid().Constraints().Points()});
     const Eigen::MatrixXd matrix(direct.Bordered());
     Eigen::VectorXd right = Eigen::VectorXd::Zero(matrix.rows());
     right.tail(direct.Targets().size()) = direct.Targets();
@@ -283,7 +284,7 @@ TEST_P(SolverLimitsTest, TwoHeightsAtOnePointEndAtTheirMean) {
   AddSurroundings();
   Add({HeightCstr(50, 50, 13)});
   const std::vector<double> wanted = m_Solver.DirectHeights();
-  RecordAt(Grid().PointConstraints(), 5).m_fZ = 6;
+  RecordAt(Grid().Constraints().Points(), 5).m_fZ = 6;
   Add({HeightCstr(50, 50, 20)});
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_NEAR(HeightAt(50, 50), 13, 1e-5);
@@ -303,7 +304,7 @@ TEST_P(SolverLimitsTest, TwoSlopesAtOnePointEndAtTheirMean) {
   AddSurroundings();
   Add({SlopeCstr(57, 52, 0.25, -0.125)});
   const std::vector<double> wanted = m_Solver.DirectHeights();
-  RecordAt(Grid().PointConstraints(), 5).m_fP = -0.75;
+  RecordAt(Grid().Constraints().Points(), 5).m_fP = -0.75;
   Add({SlopeCstr(57, 52, 1.25, -0.125)});
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_LT(m_Solver.ErrorAgainst(wanted), kContradicted);
@@ -323,7 +324,7 @@ TEST_P(SolverLimitsTest, SurfaceIsExactAgainOnceAContradictionIsGone) {
   AddSurroundings();
   Add({HeightCstr(50, 50, 6), HeightCstr(50, 50, 20)});
   ASSERT_TRUE(m_Solver.Converge());
-  SetSelection(Grid().PointConstraints(), "0000001");
+  SetSelection(Grid().Constraints().Points(), "0000001");
   Grid().DeleteSelectedPtCstr();
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_LT(m_Solver.ErrorAgainst(m_Solver.DirectHeights()), kTolerance);
@@ -334,7 +335,7 @@ TEST_P(SolverLimitsTest, HeightThatIsNoNumberLeavesTheSurfaceFinite) {
   Add({HeightCstr(50, 50, 13)});
   ASSERT_TRUE(m_Solver.Converge());
   for (const double z : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e300}) {
-    SetSelection(Grid().PointConstraints(), "000001");
+    SetSelection(Grid().Constraints().Points(), "000001");
     Grid().SetSelectedHeight(z);
     ASSERT_TRUE(RunUntilPaused(Grid())) << z;
     EXPECT_TRUE(AllFinite(Heights())) << z;
@@ -348,7 +349,7 @@ TEST_P(SolverLimitsTest, HeightThatIsNoNumberLeavesTheSurfaceFinite) {
 RC_GTEST_PROP(SolverProperty, AnyConstraintsEndOnAFiniteSurface, ()) {
   CSolverGrid solver(3, *rc::gen::inRange(0, 4), kOblong,
                      *rc::gen::elementOf(std::vector(kAllModes.begin(), kAllModes.end())));
-  RandomiseRecord(solver.m_Grid.Subdivision(), *rc::gen::arbitrary<std::uint32_t>());
+  RandomiseRecord(solver.m_Grid.Wanted().Current(), *rc::gen::arbitrary<std::uint32_t>());
   solver.m_Grid.SetDiscMap();
   const CLattice& lattice = solver.m_Grid.Lattice();
   for (int count = *rc::gen::inRange(0, 12); count > 0; --count) {

@@ -20,7 +20,7 @@ struct CEdit {
 std::vector<CEdit> EveryEdit() {
   const auto onHeight = [](auto edit) {
     return [edit](CGrid& grid) {
-      SetSelection(grid.PointConstraints(), "1000");
+      SetSelection(grid.Constraints().Points(), "1000");
       edit(grid);
     };
   };
@@ -32,7 +32,7 @@ std::vector<CEdit> EveryEdit() {
       {"DeleteSelectedPtCstr", onHeight([](CGrid& grid) { grid.DeleteSelectedPtCstr(); })},
       {"ChangeSelectedNormal",
        [](CGrid& grid) {
-         SetSelection(grid.PointConstraints(), "0001");
+         SetSelection(grid.Constraints().Points(), "0001");
          grid.ChangeSelectedNormal(1, 1);
        }},
       {"Reset", [](CGrid& grid) { grid.Reset(); }},

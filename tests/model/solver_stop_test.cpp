@@ -82,7 +82,7 @@ TEST_P(SolverStopTest, SystemsThatLeavePlanesFreeStopSoonAfterThePlainIteration)
   m_Solver.m_Console.Take();
   ASSERT_TRUE(m_Solver.Converge(5 * plain / 10 + 10));
   EXPECT_TRUE(Grid().Solver().HasConverged());
-  EXPECT_LE(Grid().IterationCounter(), GetParam().m_fLonger * plain + 20) << plain;
+  EXPECT_LE(Grid().Solver().Counter(), GetParam().m_fLonger * plain + 20) << plain;
   const std::string lines = m_Solver.m_Console.Take();
   EXPECT_EQ(Occurrences(lines, kSmallRho) + Occurrences(lines, kSmallPi), 1) << lines;
 }
@@ -113,7 +113,7 @@ TEST(SolverGivesUp, AndGoesOnAtTheNextEdit) {
   CTestGrid test;
   CPauseHost host(test.m_Grid);
   AddAll(test.m_Grid, SomeConstraints());
-  SetSelection(test.m_Grid.PointConstraints(), "0100");
+  SetSelection(test.m_Grid.Constraints().Points(), "0100");
   test.m_Grid.SetSelectedHeight(1e154);
   ASSERT_TRUE(RunUntilPaused(test.m_Grid, 20000));
   ASSERT_EQ(host.m_iGivenUp, 1);
@@ -145,7 +145,7 @@ TEST(SolverGivesUp, RatherThanToClaimHeightsThatItMisses) {
     for (int k = 0; k < 45; ++k) solver.m_Grid.AddPtCstr(HeightCstr(value(random), value(random), value(random)));
     ASSERT_TRUE(RunUntilPaused(solver.m_Grid, 30000)) << level;
     double largest = 0.0;
-    for (const CPtCstr& c : solver.m_Grid.PointConstraints())
+    for (const CPtCstr& c : solver.m_Grid.Constraints().Points())
       largest = std::max(largest, std::abs(SurfaceHeight(solver.m_Grid, c.m_fX, c.m_fY) - c.m_fZ));
     EXPECT_TRUE(largest < 1e-5 || !solver.m_Grid.Solver().HasConverged()) << level << ": " << largest;
   }
@@ -173,7 +173,7 @@ TEST(SolverConverges, WhenAllHeightsAreSetToZero) {
   AddAll(test.m_Grid, {HeightCstr(0.5, 21.25, 1), HeightCstr(10, 22, -2), HeightCstr(3, 25, 3)});
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));
   for (const char* selected : {"100", "010", "001"}) {
-    SetSelection(test.m_Grid.PointConstraints(), selected);
+    SetSelection(test.m_Grid.Constraints().Points(), selected);
     test.m_Grid.SetSelectedHeight(0);
   }
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));

@@ -232,7 +232,7 @@ RC_GTEST_PROP(BasisProperty, NoPredictionReachesIntoAClosedDiscontinuity, ()) {
 RC_GTEST_PROP(GridProperty, RebuildKeepsTheSurfaceAtEveryPointInUse, ()) {
   CTestGrid test(kBasisLevel, *rc::gen::inRange(0, kBasisLevel + 1));
   CGrid& grid = test.m_Grid;
-  grid.SetWaveletMode(*rc::gen::elementOf(kAllModes));
+  grid.Builder().SetWaveletMode(*rc::gen::elementOf(kAllModes));
   for (int change = 0; change < 2; ++change) {
     // What curves do to the tree between two rebuilds: finer cells, and marks.
     ApplyAll(grid.Tree(), *GenTreeOps(6));
@@ -240,11 +240,11 @@ RC_GTEST_PROP(GridProperty, RebuildKeepsTheSurfaceAtEveryPointInUse, ()) {
     grid.BuildHNumerotation();
     SetRandomSurface(grid, *rc::gen::arbitrary<std::uint32_t>());
     const Values before = SurfaceOnLattice(grid);
-    RandomiseRecord(grid.Subdivision(), *rc::gen::arbitrary<std::uint32_t>());
+    RandomiseRecord(grid.Wanted().Current(), *rc::gen::arbitrary<std::uint32_t>());
     test.m_Console.Take();
-    grid.ReplaySubdivision();
-    RC_ASSERT(test.m_Console.Take() == std::to_string(grid.ActivePointCount()) + " points\n");
-    grid.ReconstructSurface();
+    grid.Builder().ReplaySubdivision();
+    RC_ASSERT(test.m_Console.Take() == std::to_string(grid.Surface().ActivePointCount()) + " points\n");
+    grid.Surface().Reconstruct();
     RC_ASSERT(LargestDifference(NodalHeights(grid), Gathered(grid.Order(), before)) <= 1e-9);
   }
 }

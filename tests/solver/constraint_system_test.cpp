@@ -206,9 +206,9 @@ struct CEditedGrid : CSolverGrid {
 
 TEST(ConstraintSystemTest, ChangedTargetKeepsTheMatrices) {
   CEditedGrid grid;
-  SetSelection(grid.m_Grid.PointConstraints(), "10");
+  SetSelection(grid.m_Grid.Constraints().Points(), "10");
   grid.m_Grid.SetSelectedHeight(7);
-  SetSelection(grid.m_Grid.PointConstraints(), "01");
+  SetSelection(grid.m_Grid.Constraints().Points(), "01");
   grid.m_Grid.ChangeSelectedNormal(1, 2);
   grid.m_Grid.UpdateGrid();
   const CMatrices after = MatricesOf(grid.m_Grid);
@@ -219,7 +219,7 @@ TEST(ConstraintSystemTest, ChangedTargetKeepsTheMatrices) {
 
 TEST(ConstraintSystemTest, MovedConstraintKeepsTheSmoothnessAndRebuildsTheRows) {
   CEditedGrid grid;
-  SetSelection(grid.m_Grid.PointConstraints(), "10");
+  SetSelection(grid.m_Grid.Constraints().Points(), "10");
   grid.m_Grid.MoveSelectedPtCstr(30, -20);
   grid.m_Grid.UpdateGrid();
   const CMatrices after = MatricesOf(grid.m_Grid);

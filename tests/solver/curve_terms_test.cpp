@@ -80,12 +80,12 @@ Matrix SegmentEnergy(const CQuadTree& tree, const CDirectSystem& system, const C
 
 struct CFairGrid : CSolverGrid {
   CFairGrid(int maxLevel, int baseLevel, std::uint32_t refinement) : CSolverGrid(maxLevel, baseLevel, kOblong) {
-    if (refinement != 0) RandomiseRecord(m_Grid.Subdivision(), refinement);
+    if (refinement != 0) RandomiseRecord(m_Grid.Wanted().Current(), refinement);
     m_Grid.SetDiscMap();
   }
   CCntrCtrl& Add(const CPlaces& places, bool closed = false, CurveType type = CurveType::kFairness) {
     m_Grid.AddCurve(PointsAt(places), type, closed);
-    return m_Grid.Curves().back();
+    return m_Grid.Constraints().Curves().back();
   }
   Matrix Assembled() {
     m_Grid.SetDiscMap();
@@ -94,7 +94,7 @@ struct CFairGrid : CSolverGrid {
   Matrix Expected() {
     const CDirectSystem system(m_Grid.Tree());
     Matrix sum(system.H());
-    for (const CCntrCtrl& curve : m_Grid.Curves()) {
+    for (const CCntrCtrl& curve : m_Grid.Constraints().Curves()) {
       if (!curve.HasType(CurveType::kFairness)) continue;
       curve.ForEachSegment(
           [&](const CCntrNode& a, const CCntrNode& b) { sum += SegmentEnergy(m_Grid.Tree(), system, a, b); });
@@ -161,10 +161,10 @@ TEST(FairTermsRuleTest, WithoutWeightThereIsNoTerm) {
   test.Add({{-3.1, 20.3}, {4.2, 25.1}});
   EXPECT_EQ(test.Assembled(), plain);
   for (const double weight : {-1.0, std::nan(""), HUGE_VAL}) {
-    test.m_Grid.Curves().back().SetAllWeights(weight, weight, 0, 0);
+    test.m_Grid.Constraints().Curves().back().SetAllWeights(weight, weight, 0, 0);
     EXPECT_EQ(test.Assembled(), plain) << weight;
   }
-  test.m_Grid.Curves().back().SetAllWeights(1, 1, 0, 0);
+  test.m_Grid.Constraints().Curves().back().SetAllWeights(1, 1, 0, 0);
   EXPECT_NE(test.Assembled(), plain);
 }
 
@@ -192,7 +192,7 @@ TEST(FairTermsRuleTest, SegmentsWithoutCrossingOrLengthMakeNone) {
   const Matrix plain = test.Assembled();
   for (const CPlaces& places :
        {CPlaces{{1, 20.2}, {2, 20.4}}, CPlaces{{1, 20.2}, {1, 20.2}}, CPlaces{{NAN, 21}, {5, 25}}}) {
-    test.m_Grid.Curves().clear();
+    test.m_Grid.Constraints().Curves().clear();
     test.Add(places).SetAllWeights(1, 1, 0, 0);
     EXPECT_EQ(test.Assembled(), plain);
   }
@@ -203,7 +203,7 @@ TEST(FairTermsRuleTest, PartOutsideTheModelMakesNone) {
   const Matrix plain = test.Assembled();
   test.Add({{-30, 21}, {-20, 40}}).SetAllWeights(1, 1, 0, 0);
   EXPECT_EQ(test.Assembled(), plain);
-  test.m_Grid.Curves().clear();
+  test.m_Grid.Constraints().Curves().clear();
   test.Add({{-30, 21}, {12, 21}}).SetAllWeights(1, 1, 0, 0);
   const Matrix fair = test.Assembled();
   EXPECT_NE(fair, plain);
@@ -228,7 +228,7 @@ TEST(FairTermsRuleTest, SolvedSurfaceIsTheDirectMinimiser) {
   ASSERT_TRUE(test.Converge());
   const Matrix energy = test.Expected();
   CDirectSystem system(test.m_Grid.Tree());
-  system.SetConstraints(std::array<const CPtCstrList*, 1>{&test.m_Grid.PointConstraints()});
+  system.SetConstraints(std::array<const CPtCstrList*, 1>{&test.m_Grid.Constraints().Points()});
   const Eigen::Index n = energy.rows();
   const Eigen::Index m = system.C().rows();
   Matrix bordered = Matrix::Zero(n + m, n + m);

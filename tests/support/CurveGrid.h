@@ -16,10 +16,10 @@ struct CCurveGrid : CTestGrid {
     m_Grid.AddCurve(PointsAt(places), type, closed);
   }
   void Click(const CPlaces& places) {
-    for (const auto& [x, y] : places) m_Grid.PendingCurve().Append(x, y);
+    for (const auto& [x, y] : places) m_Grid.Constraints().PendingCurve().Append(x, y);
   }
-  CurveId At(double x, double y) const { return m_Grid.FindCurve(x, y, 1); }
-  CCntrCtrl& Curve(int place = 0) { return CurveAt(m_Grid.Curves(), place); }
+  CurveId At(double x, double y) const { return m_Grid.Constraints().FindCurve(x, y, 1); }
+  CCntrCtrl& Curve(int place = 0) { return CurveAt(m_Grid.Constraints().Curves(), place); }
   CCntrNode& Node(int k) { return *std::next(Curve().Nodes().begin(), k); }
 
   CActingHost m_Host{m_Grid};

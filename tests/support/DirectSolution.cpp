@@ -325,7 +325,7 @@ std::vector<double> InUse(const CLattice& lattice, std::span<const double> byPoi
 CSolverGrid::CSolverGrid(int maxLevel, int baseLevel, const CExtent& extent, WaveletMode mode)
     : m_Scope(maxLevel, baseLevel) {
   m_Grid.Initialize(baseLevel, false, extent.x0, extent.y0, extent.x1, extent.y1);
-  m_Grid.SetWaveletMode(mode);
+  m_Grid.Builder().SetWaveletMode(mode);
   m_Console.Take();
 }
 
@@ -333,7 +333,8 @@ bool CSolverGrid::Converge(int ticks) { return RunUntilPaused(m_Grid, ticks) && 
 
 std::vector<double> CSolverGrid::DirectHeights() {
   CDirectSystem system(m_Grid.Tree());
-  system.SetConstraints(std::array<const CPtCstrList*, 2>{&m_Grid.PointConstraints(), &m_Grid.GeneratedConstraints()});
+  system.SetConstraints(
+      std::array<const CPtCstrList*, 2>{&m_Grid.Constraints().Points(), &m_Grid.Constraints().Generated()});
   return system.Solve();
 }
 

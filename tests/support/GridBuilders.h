@@ -127,12 +127,12 @@ void SetSurface(CGrid& grid, const Field& field) {
   std::vector<double> byPoint(grid.Lattice().PointCount());
   FillHeights(grid.Lattice(), byPoint, field);
   grid.Surface().Basis().W(ByScan(grid.Order(), Gathered(grid.Order(), byPoint)), grid.Surface().Coefficients());
-  grid.ReconstructSurface();
+  grid.Surface().Reconstruct();
 }
 /// Random heights in -1..1 at the points in use.
 inline void SetRandomSurface(CGrid& grid, std::uint32_t seed) {
   grid.Surface().Basis().W(RandomValues(seed, grid.Order().Count()), grid.Surface().Coefficients());
-  grid.ReconstructSurface();
+  grid.Surface().Reconstruct();
 }
 
 /// Heights in the point order.

@@ -43,7 +43,7 @@ inline CLightSet AmbientLight(double red, double green, double blue) {
 struct CPictureGrid : CTestGrid {
   CPictureGrid(int width, int height, int maxLevel = 4, int baseLevel = 2) : CTestGrid(maxLevel, baseLevel) {
     SetRandomSurface(m_Grid, 5);
-    m_Grid.SetPicture(RandomPicture(width, height));
+    m_Grid.Relighting().SetPicture(RandomPicture(width, height));
     m_Grid.TestTexelsInDiscontinuity();
     m_Console.Take();
   }

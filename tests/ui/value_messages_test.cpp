@@ -36,13 +36,13 @@ class ValueMessagesTest : public ::testing::Test {
  protected:
   ValueMessagesTest() { SetSurface(Grid(), CRamp{}); }
   CGrid& Grid() { return m_Test.m_Grid; }
-  CPtCstr& Record(int place) { return RecordAt(Grid().PointConstraints(), place); }
+  CPtCstr& Record(int place) { return RecordAt(Grid().Constraints().Points(), place); }
   // Selects it, and no other.
   void Add(const CPtCstr& record) {
     Grid().AddPtCstr(record);
     Grid().PerformPendingWork();
     Grid().UnselectAll();
-    Record(static_cast<int>(Grid().PointConstraints().size()) - 1).SetState(PtCstrState::kSelected, true);
+    Record(static_cast<int>(Grid().Constraints().Points().size()) - 1).SetState(PtCstrState::kSelected, true);
     m_Test.m_Console.Take();
   }
 
@@ -106,11 +106,11 @@ TEST_F(ValueMessagesTest, AnotherOneSelectedBeginsAnotherDrag) {
   Add(HeightCstr(8, 22, 3));
   m_Heights.Dragged();
   EXPECT_EQ(m_Host.m_Shown, "height 3, was -27");
-  SetSelection(Grid().PointConstraints(), "10");
+  SetSelection(Grid().Constraints().Points(), "10");
   m_Heights.Dragged();
   EXPECT_EQ(m_Host.m_Shown, "height 2, was -28");
   EXPECT_EQ(m_Host.m_aTold, Texts{"height 3, was -27"});
-  SetSelection(Grid().PointConstraints(), "00");
+  SetSelection(Grid().Constraints().Points(), "00");
   m_Heights.Dragged();
   m_Heights.EndDrag();
   EXPECT_EQ(m_Host.m_aTold.size(), 2U);

@@ -58,14 +58,14 @@ std::optional<CExtent> CCellSelector::Rectangle() const {
 void CCellSelector::RefineAt(const CPlanePoint& place) {
   if (!m_Mapping.IsInside(place)) return;
   const CLattice& lattice = m_Grid.Lattice();
-  m_Grid.Subdivision().RefineAt(m_Grid.Tree(), lattice.ColumnOf(place.x), lattice.RowOf(place.y));
-  m_Grid.Subdivision().ShowSelection(m_Grid.Tree());
+  m_Grid.Wanted().Current().RefineAt(m_Grid.Tree(), lattice.ColumnOf(place.x), lattice.RowOf(place.y));
+  m_Grid.Wanted().Current().ShowSelection(m_Grid.Tree());
   m_Grid.Post(Operation::kRebuildMaps);
 }
 
 void CCellSelector::Select(const CPlanePoint& a, const CPlanePoint& b) {
   const CLattice& lattice = m_Grid.Lattice();
-  CSubdivisionRecord& record = m_Grid.Subdivision();
+  CSubdivisionRecord& record = m_Grid.Wanted().Current();
   record.SelectRectangle(m_Grid.Tree(), lattice.ColumnOf(a.x), lattice.RowOf(a.y), lattice.ColumnOf(b.x),
                          lattice.RowOf(b.y));
   record.ShowSelection(m_Grid.Tree());
@@ -90,15 +90,15 @@ int CCellSelector::Key() {
   return 1;
 }
 
-void CCellSelector::Begin() { m_Grid.Subdivision().ShowSelection(m_Grid.Tree()); }
+void CCellSelector::Begin() { m_Grid.Wanted().Current().ShowSelection(m_Grid.Tree()); }
 
 void CCellSelector::End() {
   EndDrag();
-  m_Grid.Subdivision().ShowSelection(m_Grid.Tree());
-  m_Grid.Subdivision().ClearSelection();
+  m_Grid.Wanted().Current().ShowSelection(m_Grid.Tree());
+  m_Grid.Wanted().Current().ClearSelection();
 }
 
 void CCellSelector::ClearSelection() {
-  m_Grid.Subdivision().ClearSelection();
-  m_Grid.Subdivision().ShowSelection(m_Grid.Tree());
+  m_Grid.Wanted().Current().ClearSelection();
+  m_Grid.Wanted().Current().ShowSelection(m_Grid.Tree());
 }

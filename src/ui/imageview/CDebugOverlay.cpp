@@ -60,7 +60,7 @@ void LogAlbedo(const CGrid& grid, const CPlanePoint& place) {
 void CDebugOverlay::Look(CGrid& grid, std::uint32_t flags, const CPlanePoint& place, ViewHost& host) {
   if ((flags & DebugFlag::kNormalTest) != 0) LogNormal(grid, place);
   if ((flags & (DebugFlag::kNormalTest | DebugFlag::kReadOuts)) != 0) LogAlbedo(grid, place);
-  if ((flags & DebugFlag::kInterpolation) != 0 && !grid.TraceInterpolation(place.x, place.y)) m_uTraced = 0;
+  if ((flags & DebugFlag::kInterpolation) != 0 && !grid.Marks().TraceInterpolation(place.x, place.y)) m_uTraced = 0;
   m_Place = place;
   LookUpTerms(grid, flags, host);
 }

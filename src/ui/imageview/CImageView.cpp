@@ -123,7 +123,7 @@ bool CImageView::LoadImage(const std::string& filename) {
     m_pHost->Notice(("The picture " + filename + " is too large for the graphics card.").c_str());
     return false;
   }
-  if (!m_pGrid->SetPicture(loaded->m_Picture)) {
+  if (!m_pGrid->Relighting().SetPicture(loaded->m_Picture)) {
     m_pHost->Notice(("The picture " + filename + " is empty, or too large for the memory.").c_str());
     return false;
   }
@@ -215,7 +215,7 @@ void CImageView::DrawBrush() const {
   constexpr double kThickness = 0.4;
   const CPlanePoint place = m_Brush.Place(m_Mapping);
   glColor3d(1, 1, 1);
-  draw_disc(place.x, place.y, 0, 0, 0, 1, CGrid::kFreezeRadius * g_fZoom, kThickness * g_fZoom);
+  draw_disc(place.x, place.y, 0, 0, 0, 1, CPointMarks::kFreezeRadius * g_fZoom, kThickness * g_fZoom);
 }
 
 int CImageView::handle(int event) {

@@ -14,7 +14,7 @@ int CCurveHandler::Hover() {
   m_Cursor = ClampedCursor();
   m_LooseEnd = m_Cursor;
   if (!m_Grid.HighlightCurves(m_Cursor.x, m_Cursor.y, CurveType::kAll))
-    m_Grid.PendingCurve().Hover(m_Cursor.x, m_Cursor.y, PickReach());
+    m_Grid.Constraints().PendingCurve().Hover(m_Cursor.x, m_Cursor.y, PickReach());
   m_Host.RedrawImageView();
   return 1;
 }
@@ -32,7 +32,7 @@ void CCurveHandler::Press() {
   const int button = Fl::event_button();
   m_Cursor = ClampedCursor();
   if (button == FL_MIDDLE_MOUSE && m_View.CurveType() == CurveType::kNone) return;
-  const bool drawing = button == FL_LEFT_MOUSE && !m_Grid.PendingCurve().IsIdle();
+  const bool drawing = button == FL_LEFT_MOUSE && !m_Grid.Constraints().PendingCurve().IsIdle();
   const CurveType type = drawing ? CurveType::kNone : m_Grid.PickCurve(m_Cursor.x, m_Cursor.y, CurveType::kAll);
   if (type != CurveType::kNone) {
     Grab(button, type);
@@ -49,7 +49,7 @@ void CCurveHandler::Grab(int button, CurveType type) {
     m_View.KeepCurveType(type);
     m_Host.ShowCurveType(type);
   } else if (button == FL_MIDDLE_MOUSE) {
-    m_Grid.SetSelectedCurveType(m_View.CurveType());
+    m_Grid.CurveEdits().SetSelectedType(m_View.CurveType());
     m_bChanged = true;
   } else if (button == FL_RIGHT_MOUSE) {
     Console() << "Fl::event_button() == FL_RIGHT_MOUSE\n";
@@ -58,14 +58,14 @@ void CCurveHandler::Grab(int button, CurveType type) {
 }
 
 void CCurveHandler::Append() {
-  CPendingCurve& pending = m_Grid.PendingCurve();
+  CPendingCurve& pending = m_Grid.Constraints().PendingCurve();
   if (pending.IsIdle()) m_Host.SetCurrentHelp(HelpText::kCurveInProgress);
   pending.Append(m_Cursor.x, m_Cursor.y);
   m_LooseEnd = m_Cursor;
 }
 
 const CCntrNode* CCurveHandler::SelectedNode() const {
-  for (const CCntrCtrl& curve : m_Grid.Curves()) {
+  for (const CCntrCtrl& curve : m_Grid.Constraints().Curves()) {
     const auto node = std::ranges::find_if(
         curve.Nodes(), [](const CCntrNode& candidate) { return candidate.HasState(PtCstrState::kSelected); });
     if (node != curve.Nodes().end()) return &*node;
@@ -145,7 +145,8 @@ void CCurveHandler::Validate() {
   // The toolkit delivers motion late: the key may come before the mouse is known to be where it is.
   if (ClampedCursor() != m_Cursor) Hover();
   const bool close = Fl::event_state(FL_SHIFT) != 0;
-  if (m_Grid.ValidatePendingCurve(m_Cursor.x, m_Cursor.y, close, m_View.CurveType()) == CGrid::Validation::NeedsType) {
+  if (m_Grid.CurveEdits().ValidatePending(m_Cursor.x, m_Cursor.y, close, m_View.CurveType()) ==
+      CCurveEdits::Validation::NeedsType) {
     m_Host.Tell(FormatHelp(HelpText::kCurveTypeWanted));
   } else {
     m_Host.SetCurrentHelp(HelpText::kCurves);
@@ -154,6 +155,6 @@ void CCurveHandler::Validate() {
 
 void CCurveHandler::Cancel() {
   EndDrag();
-  m_Grid.CancelPendingCurve();
+  m_Grid.CurveEdits().CancelPending();
   m_Host.SetCurrentHelp(HelpText::kCurves);
 }

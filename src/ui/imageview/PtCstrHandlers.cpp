@@ -69,7 +69,7 @@ void CPtCstrHandler::Drag() {
 
 // The constraint keeps its distance from the last position, also after the border has held it back.
 void CPtCstrHandler::Move(const CPlanePoint& cursor) {
-  const CPtCstr* selected = m_Grid.PointConstraints().FirstSelected();
+  const CPtCstr* selected = m_Grid.Constraints().Points().FirstSelected();
   if (selected == nullptr) return;
   const CPlanePoint step = AllowedStep({selected->m_fX, selected->m_fY}, m_Last, cursor);
   m_Grid.MoveSelectedPtCstr(step.x, step.y);

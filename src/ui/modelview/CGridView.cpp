@@ -56,7 +56,7 @@ void CGridView::ShowWaveletMode(WaveletMode mode) { m_View.m_uFlags = (m_View.m_
 
 void CGridView::SelectWaveletMode(WaveletMode mode) {
   ShowWaveletMode(mode);
-  if (m_pGrid != nullptr) m_pGrid->SetWaveletMode(mode);
+  if (m_pGrid != nullptr) m_pGrid->Builder().SetWaveletMode(mode);
 }
 
 void CGridView::SetDrawTexture(int which) {
@@ -84,7 +84,7 @@ void CGridView::DrawScene() {
   constexpr std::size_t kManyTexels = 1'000'000;
   const bool texels = (m_View.m_uFlags & ModelFlag::kTexelNormals) != 0;
   const CBusyCursor busy(texels && m_pGrid->Relighting().Texels().Mask().size() > kManyTexels);
-  if (texels) m_pGrid->LocateTexels();
+  if (texels) m_pGrid->Relighting().LocateTexels();
   const auto [red, green, blue, alpha] = g_DrawingSettings.m_afBackground;
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_LEQUAL);
@@ -218,7 +218,7 @@ void CGridView::TurnLights(int dx, int dy, bool removed, bool added) {
 }
 
 void CGridView::RaiseSelected(int dy) {
-  if (m_pGrid == nullptr || m_pGrid->PointConstraints().FirstSelected(PtCstrKind::kPosition) == nullptr) return;
+  if (m_pGrid == nullptr || m_pGrid->Constraints().Points().FirstSelected(PtCstrKind::kPosition) == nullptr) return;
   const CExtent& extent = m_pGrid->Lattice().Extent();
   const double side = std::max(extent.x1 - extent.x0, extent.y1 - extent.y0);
   m_pGrid->SetSelectedHeight(m_pGrid->GetSelectedHeight() + m_Camera.HeightOfDrag(dy, h(), side));

@@ -15,7 +15,7 @@ std::string Slope(double slope) { return HelpNumber(slope, 1.0); }
 
 }  // namespace
 
-const CPtCstr* CValueMessages::Selected() const { return m_Grid.PointConstraints().FirstSelected(m_uKind); }
+const CPtCstr* CValueMessages::Selected() const { return m_Grid.Constraints().Points().FirstSelected(m_uKind); }
 
 void CValueMessages::SelectionChanged() {
   const CPtCstr* selected = Selected();
@@ -72,7 +72,7 @@ void CValueMessages::Describe(const CPtCstr& constraint, const std::optional<CSu
     FormatHelp(m_Text, past ? HelpText::kSlopeDragged : HelpText::kSlope,
                {Slope(constraint.m_fP), Slope(constraint.m_fQ), Slope(was.x), Slope(was.y)});
   }
-  const Inactivity reason = m_Grid.WhyInactive(constraint);
+  const Inactivity reason = m_Grid.Constraints().WhyInactive(constraint);
   if (reason == Inactivity::None) return;
   FormatHelp(m_Whole, HelpText::kNoEffect, {m_Text, InactivityText(reason)});
   m_Text.swap(m_Whole);

@@ -177,8 +177,8 @@ void CImageViewUI::RefreshEnabled() {
 
 void CImageViewUI::RefreshReadOuts() {
   SetNumberOfCells(m_pGrid->Tree().LeafCount());
-  SetNumberOfPoints(m_pGrid->ActivePointCount());
-  SetNumberOfConstraints(m_pGrid->ActiveConstraintCount());
+  SetNumberOfPoints(m_pGrid->Surface().ActivePointCount());
+  SetNumberOfConstraints(m_pGrid->Constraints().ActiveCount());
 }
 
 void CImageViewUI::SetNumberIter(int n) {

@@ -186,7 +186,7 @@ void CImageViewUI::ShowHelpLine(bool show) {
 
 void CImageViewUI::SetEditingMode(EditingMode mode) {
   m_pImageView->SetMode(mode);
-  m_pGrid->CancelPendingCurve();
+  m_pGrid->CurveEdits().CancelPending();
   m_pHelpLine->SetCurrentHelp(CurrentHelp());
   redraw();
   RefreshEnabled();
@@ -200,7 +200,7 @@ HelpText::Index CImageViewUI::CurrentHelp() const {
     case EditingMode::Normal:
       return HelpText::kNormals;
     case EditingMode::Curve:
-      return m_pGrid->PendingCurve().IsIdle() ? HelpText::kCurves : HelpText::kCurveInProgress;
+      return m_pGrid->Constraints().PendingCurve().IsIdle() ? HelpText::kCurves : HelpText::kCurveInProgress;
     default:
       return HelpText::kNone;
   }

@@ -58,13 +58,13 @@ CDeedLog::CDeedLog(CImageViewUI& window, CGrid& grid) : m_Window(window), m_Grid
 
 CDeedLog::CState CDeedLog::Present() const {
   CState state;
-  state.m_uPoints = m_Grid.PointConstraints().size();
-  state.m_uCurves = m_Grid.Curves().size();
-  for (const CPtCstr& point : m_Grid.PointConstraints()) {
+  state.m_uPoints = m_Grid.Constraints().Points().size();
+  state.m_uCurves = m_Grid.Constraints().Curves().size();
+  for (const CPtCstr& point : m_Grid.Constraints().Points()) {
     state.m_fPointSum += SumOf(point);
     state.m_bSelected = state.m_bSelected || point.HasState(PtCstrState::kSelected);
   }
-  for (const CCntrCtrl& curve : m_Grid.Curves()) {
+  for (const CCntrCtrl& curve : m_Grid.Constraints().Curves()) {
     state.m_bSelected = state.m_bSelected || curve.HasState(PtCstrState::kSelected);
     for (const CPtCstr& node : curve.Nodes()) state.m_fCurveSum += SumOf(node);
   }

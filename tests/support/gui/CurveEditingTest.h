@@ -23,7 +23,7 @@ class CurveEditingTest : public ImageViewTest {
     TakeConsole();
     m_Host = {};
   }
-  CCntrCtrlList& Curves() { return Grid().Curves(); }
+  CCntrCtrlList& Curves() { return Grid().Constraints().Curves(); }
   CCntrCtrl& Curve(int place = 0) { return CurveAt(Curves(), place); }
   void Add(const CPlaces& places, CurveType type = kTear, bool closed = false) {
     Grid().AddCurve(PointsAt(places), type, closed);
@@ -40,8 +40,8 @@ class CurveEditingTest : public ImageViewTest {
     Click(60.5, 20.5);
     Move(60.5, 70.5);
   }
-  std::size_t Pending() { return Grid().PendingCurve().Points().size(); }
-  bool IsIdle() { return Grid().PendingCurve().IsIdle(); }
+  std::size_t Pending() { return Grid().Constraints().PendingCurve().Points().size(); }
+  bool IsIdle() { return Grid().Constraints().PendingCurve().IsIdle(); }
   void ExpectPlaces(const CPlaces& places, const CPlaces& actual) {
     ASSERT_EQ(actual.size(), places.size());
     for (std::size_t k = 0; k < places.size(); ++k) {

@@ -12,7 +12,7 @@ class EditingTest : public ImageViewTest {
     View().SetMode(mode);
     Settle();
   }
-  CPtCstrList& List() { return Grid().PointConstraints(); }
+  CPtCstrList& List() { return Grid().Constraints().Points(); }
   CPtCstr& At(int place) { return RecordAt(List(), place); }
   void Add(const CPtCstr& record) {
     Grid().AddPtCstr(record);

@@ -1,0 +1,64 @@
+#include "model/CPtCstrEdits.h"
+
+#include "model/CConstraints.h"
+#include "model/CGridRun.h"
+
+void CPtCstrEdits::Changed(Operation operation) {
+  m_Run.Post(operation);
+  m_Run.Host().ShowConstraints(m_Constraints.ActiveCount());
+  m_Run.Host().RequestRedraw();
+}
+
+void CPtCstrEdits::Add(const CPtCstr& record) {
+  m_Constraints.UpdateActivity(m_Constraints.Points().Add(record));
+  Changed(Operation::kRebuild);
+}
+
+bool CPtCstrEdits::Highlight(double x, double y, std::uint32_t mask, double reach) {
+  return m_Constraints.Points().Highlight(x, y, mask, reach);
+}
+
+void CPtCstrEdits::Select(double x, double y, std::uint32_t mask, double reach) {
+  m_Constraints.Points().Select(x, y, mask, reach);
+}
+
+void CPtCstrEdits::SelectNext(std::uint32_t mask) { m_Constraints.Points().SelectNext(mask); }
+
+void CPtCstrEdits::SelectPrev(std::uint32_t mask) { m_Constraints.Points().SelectPrev(mask); }
+
+void CPtCstrEdits::MoveSelected(double dx, double dy) {
+  CPtCstr* selected = m_Constraints.Points().FirstSelected();
+  if (selected == nullptr) return;
+  selected->m_fX += dx;
+  selected->m_fY += dy;
+  if (selected->HasKind(PtCstrKind::kNormal) && !selected->HasKind(PtCstrKind::kPosition))
+    selected->m_fZ = m_Constraints.HeightUnder(*selected);
+  m_Constraints.UpdateActivity(*selected);
+  Changed(Operation::kRestart);
+}
+
+double CPtCstrEdits::SelectedHeight() const {
+  const CPtCstr* selected = m_Constraints.Points().FirstSelected(PtCstrKind::kPosition);
+  return selected == nullptr ? 0.0 : selected->m_fZ;
+}
+
+void CPtCstrEdits::SetSelectedHeight(double z) {
+  CPtCstr* selected = m_Constraints.Points().FirstSelected(PtCstrKind::kPosition);
+  if (selected == nullptr) return;
+  selected->m_fZ = z;
+  m_Run.Post(Operation::kRestart);
+}
+
+void CPtCstrEdits::ChangeSelectedNormal(double dp, double dq) {
+  CPtCstr* selected = m_Constraints.Points().FirstSelected(PtCstrKind::kNormal);
+  if (selected != nullptr) {
+    selected->m_fP += dp;
+    selected->m_fQ += dq;
+    if (!selected->HasKind(PtCstrKind::kPosition)) selected->m_fZ = m_Constraints.HeightUnder(*selected);
+  }
+  m_Run.Post(Operation::kRestart);
+}
+
+void CPtCstrEdits::DeleteSelected() {
+  if (m_Constraints.Points().DeleteSelected()) Changed(Operation::kRebuild);
+}

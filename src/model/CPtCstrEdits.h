@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+
+#include "model/CPendingWork.h"
+
+class CConstraints;
+class CGridRun;
+struct CPtCstr;
+
+/// What a user does to the point constraints of a model: each edit changes the list, posts what it has made out of date
+/// and has what has changed shown. Adding and deleting posts Operation::kRebuild, changing kRestart; selecting nothing.
+///
+/// Masks are PtCstrKind bits, `reach` is as for CPtCstrList. Operations on "the selected" one take the first and do
+/// nothing without one.
+class CPtCstrEdits {
+ public:
+  /// Both must outlive the edits.
+  CPtCstrEdits(CConstraints& constraints, CGridRun& run) : m_Constraints(constraints), m_Run(run) {}
+
+  void Add(const CPtCstr& record);
+  /// Whether any constraint of the kind lies within reach of (x, y); those that do are highlighted, no others.
+  bool Highlight(double x, double y, std::uint32_t mask, double reach);
+  void Select(double x, double y, std::uint32_t mask, double reach);
+  void SelectNext(std::uint32_t mask);
+  void SelectPrev(std::uint32_t mask);
+  void MoveSelected(double dx, double dy);
+  /// 0 without a selected position constraint.
+  double SelectedHeight() const;
+  void SetSelectedHeight(double z);
+  /// Adds to the slopes of the selected normal constraint. Posts kRestart even without one.
+  void ChangeSelectedNormal(double dp, double dq);
+  void DeleteSelected();
+
+ private:
+  void Changed(Operation operation);
+
+  CConstraints& m_Constraints;
+  CGridRun& m_Run;
+};
