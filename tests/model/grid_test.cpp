@@ -181,7 +181,7 @@ TEST(GridTest, FirstTickRebuildsAfterInitialize) {
   EXPECT_GE(test.m_Grid.Solver().Counter(), 0);
   test.Initialize(3);
   EXPECT_EQ(test.m_Grid.Solver().Counter(), -1);
-  EXPECT_EQ(test.CGridRun::kIterationsPerTick, 9);
+  EXPECT_EQ(CGridRun::kIterationsPerTick, 9);
   EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
 }
 
