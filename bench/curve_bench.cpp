@@ -30,9 +30,11 @@ void AddCurves(CGrid& grid) {
   for (int k = 0; k < kCurves; ++k) {
     const auto type = static_cast<CurveType>(1U << (k % 3));
     grid.AddCurve(Zigzag(k, engine), type, false);
-    CCntrCtrl& curve = grid.Constraints().Curves().back();
-    curve.SetAllWeights(1, 1, 0, 0);
-    curve.SetOption(CurveOption::kLeftAutoBump, k % 4 == 0);
+    const CCntrCtrl& curve = grid.Constraints().Curves().back();
+    CContourAttributes attributes = CContourAttributes::Of(curve, curve.Nodes().front());
+    attributes.m_Weights = {.m_fLeftCurvature = 1, .m_fLeftTorsion = 1};
+    attributes.m_bLeftAutoBump = k % 4 == 0;
+    grid.CurveEdits().SetAttributes(curve.Id(), 0, attributes, type, true);
   }
 }
 

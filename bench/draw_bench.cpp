@@ -137,10 +137,11 @@ void Report(int level, bool lit) {
   CGrid& grid = bench.Grid();
   bench.AddHeights(10, 3);
   for (int tick = 0; tick < 20; ++tick) grid.UpdateGrid();
-  grid.Relighting().Textures().SetPicture(Checkers());
-  CLight& light = grid.Relighting().AddedLights().m_aLights[0];
+  grid.Relighting().SetPicture(Checkers());
+  CLight light = *grid.GetLightSource(0, kAddedLights);
   light.m_bActive = lit;
   light.m_afDirection = {0.5, 0.3, 0.8, 0};
+  grid.SetLight(0, kAddedLights, light);
 
   Fl_Window window(kViewSize, kViewSize);
   CBenchView view(0, 0, kViewSize, kViewSize);

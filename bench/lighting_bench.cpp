@@ -43,10 +43,11 @@ void RaiseHill(CGrid& grid) {
 
 void LightUp(CGrid& grid) {
   const auto light = [&grid](int index, int type, const Vector3& direction, const std::array<double, 3>& colour) {
-    CLight& record = *grid.GetLightSource(index, type);
+    CLight record = *grid.GetLightSource(index, type);
     record.m_bActive = true;
     record.SetDirection(Normalised(direction));
     record.m_afColour = colour;
+    grid.SetLight(index, type, record);
   };
   light(0, kRemovedLights, {-2, 1, 1}, {0.6, 0.5, 0.4});
   light(1, kRemovedLights, {0, 1, 3}, {0.4, 0.4, 0.5});

@@ -64,7 +64,9 @@ void CLightTool::Relight() {
   m_Window.RequestRedraw();
 }
 
-CLight* CLightTool::GetLightSource(int index, int type) { return m_Grid.GetLightSource(index, type); }
+const CLight* CLightTool::GetLightSource(int index, int type) const { return m_Grid.GetLightSource(index, type); }
+
+void CLightTool::SetLight(int index, int type, const CLight& light) { m_Grid.SetLight(index, type, light); }
 
 void CLightTool::UpdateTexelNormals() {
   ComputeNormals(m_Grid.Tree());

@@ -29,7 +29,8 @@ class CLightTool : public ToolWindow, private LightingCommands {
   void LightsMoved();
 
  private:
-  CLight* GetLightSource(int index, int type) override;
+  const CLight* GetLightSource(int index, int type) const override;
+  void SetLight(int index, int type, const CLight& light) override;
   void UpdateTexelNormals() override;
   void UpdateTexelInterpolation() override;
   void UpdateKd() override;

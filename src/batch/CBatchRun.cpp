@@ -74,7 +74,7 @@ bool CBatchRun::ReadInputs() {
   const CStopwatch watch(m_Result.m_Seconds.m_fLoad);
   const GridFileState state = m_Grid.Load(m_Options.m_Model);
   if (const std::string trouble = TroubleWith(state, m_Options.m_Model); !trouble.empty()) Complain(trouble);
-  if (const int refused = m_Grid.Constraints().TakeRefusedCurves(); refused != 0) CurvesRefused(refused);
+  if (const int refused = m_Grid.CurveEdits().TakeRefused(); refused != 0) CurvesRefused(refused);
   if (!IsRead(state)) return false;
   m_Result.m_bDamaged = state == GridFileState::Damaged;
   if (m_Result.m_bDamaged && m_Options.m_bStrict) {

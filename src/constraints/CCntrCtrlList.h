@@ -30,6 +30,7 @@ class CCntrCtrlList {
   bool empty() const { return m_aCurves.empty(); }
   void clear() { m_aCurves.clear(); }
   CCntrCtrl& back() { return m_aCurves.back(); }
+  const CCntrCtrl& back() const { return m_aCurves.back(); }
 
   /// Appends an empty curve and returns it.
   CCntrCtrl& Add() { return m_aCurves.emplace_back(); }

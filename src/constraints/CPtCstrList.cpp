@@ -9,6 +9,13 @@ namespace {
 
 bool IsSelected(const CPtCstr& c) { return c.HasState(PtCstrState::kSelected); }
 
+// Null if there is none.
+template <typename Records, typename Predicate>
+auto* FirstOf(Records& records, Predicate&& wanted) {
+  const auto found = std::ranges::find_if(records, wanted);
+  return found == records.end() ? nullptr : &*found;
+}
+
 // Moves the selection one on within [first, last), in the direction of the iterators, and wraps.
 template <typename Iterator>
 void MoveSelection(Iterator first, Iterator last, std::uint32_t mask) {
@@ -61,15 +68,16 @@ void CPtCstrList::UnselectAll() {
   for (CPtCstr& c : m_aRecords) c.SetState(PtCstrState::kSelected, false);
 }
 
-CPtCstr* CPtCstrList::FirstSelected() {
-  const auto found = std::ranges::find_if(m_aRecords, IsSelected);
-  return found == m_aRecords.end() ? nullptr : &*found;
-}
+CPtCstr* CPtCstrList::FirstSelected() { return FirstOf(m_aRecords, IsSelected); }
+
+const CPtCstr* CPtCstrList::FirstSelected() const { return FirstOf(m_aRecords, IsSelected); }
 
 CPtCstr* CPtCstrList::FirstSelected(std::uint32_t mask) {
-  const auto found =
-      std::ranges::find_if(m_aRecords, [mask](const CPtCstr& c) { return c.HasKind(mask) && IsSelected(c); });
-  return found == m_aRecords.end() ? nullptr : &*found;
+  return FirstOf(m_aRecords, [mask](const CPtCstr& c) { return c.HasKind(mask) && IsSelected(c); });
+}
+
+const CPtCstr* CPtCstrList::FirstSelected(std::uint32_t mask) const {
+  return FirstOf(m_aRecords, [mask](const CPtCstr& c) { return c.HasKind(mask) && IsSelected(c); });
 }
 
 bool CPtCstrList::DeleteSelected() {

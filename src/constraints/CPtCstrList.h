@@ -42,6 +42,8 @@ class CPtCstrList {
   /// The first selected constraint, of any kind or of the mask's; null if there is none.
   CPtCstr* FirstSelected();
   CPtCstr* FirstSelected(std::uint32_t mask);
+  const CPtCstr* FirstSelected() const;
+  const CPtCstr* FirstSelected(std::uint32_t mask) const;
   /// Deletes the first selected constraint and selects the next one, cyclically, whose position bit equals its own.
   /// Whether there was one to delete.
   bool DeleteSelected();

@@ -73,7 +73,7 @@ void CGridCommands::LoadGrid() {
   } else {
     const GridFileState state = m_Services.m_LoadGrid(*m_pGrid, *file);
     Tell(TroubleWith(state, *file));
-    if (state != GridFileState::NotOpened) TellRefusedCurves(m_pGrid->Constraints().TakeRefusedCurves());
+    if (state != GridFileState::NotOpened) TellRefusedCurves(m_pGrid->CurveEdits().TakeRefused());
     if (IsReplaced(state)) {
       SetPickTolerance();
       m_Host.GridReplaced();

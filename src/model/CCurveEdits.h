@@ -5,10 +5,9 @@
 
 #include "constraints/CCntrCtrl.h"
 #include "constraints/CContourAttributes.h"
-#include "model/CPendingWork.h"
 
 class CConstraints;
-class CGridRun;
+class CEditGate;
 class CSurface;
 class CWantedSubdivisions;
 
@@ -26,14 +25,19 @@ class CCurveEdits {
   };
 
   /// All of them must outlive the edits.
-  CCurveEdits(CSurface& surface, CWantedSubdivisions& wanted, CConstraints& constraints, CGridRun& run)
-      : m_Surface(surface), m_Wanted(wanted), m_Constraints(constraints), m_Run(run) {}
+  CCurveEdits(CSurface& surface, CWantedSubdivisions& wanted, CConstraints& constraints, CEditGate& gate)
+      : m_Surface(surface), m_Wanted(wanted), m_Constraints(constraints), m_Gate(gate) {}
 
   /// Appends a curve through the points; without points nothing happens. Fewer than three make an open curve. Posts
   /// kNewCurve.
   void Add(std::span<const CPtCstr> points, CurveType type, bool closed);
   /// The same for a path from texel to texel, of which only the nodes that matter are kept.
   void AddTraced(std::span<const CPtCstr> points, CurveType type, bool closed);
+  /// Another point of the half-made curve, which begins with it where none is in progress.
+  void AppendPending(double x, double y);
+  /// The cursor is at (x, y), away from every other curve: the half-made one is to close if that is within reach of its
+  /// first point.
+  void HoverPending(double x, double y, double reach);
   /// Ends the half-made curve at the cursor (x, y) or, if it is to close, at its first point; `close` closes it in any
   /// case. Unless a type is missing, nothing is in progress and nothing selected afterwards.
   Validation ValidatePending(double x, double y, bool close, CurveType type);
@@ -61,12 +65,15 @@ class CCurveEdits {
   /// curve's generation off. Posts kRebuildMaps. False, with nothing changed, if they would be more than
   /// CCntrCtrl::kMostGenerated.
   bool ExportConstraints(CurveId curve);
+  /// See CConstraints.
+  int TakeRefused();
 
  private:
-  void Changed(Operation operation);
+  void ForgetPending();
+  CCntrCtrl& Append(std::span<const CPtCstr> points, CurveType type, bool closed);
 
   CSurface& m_Surface;
   CWantedSubdivisions& m_Wanted;
   CConstraints& m_Constraints;
-  CGridRun& m_Run;
+  CEditGate& m_Gate;
 };

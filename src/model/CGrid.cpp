@@ -19,11 +19,19 @@ CGrid::CGrid(std::uint32_t seed)
       m_Solver(m_Surface.Basis(), m_Random),
       m_Run(m_Solver),
       m_Builder(m_Surface, m_Wanted, m_Constraints, m_Solver, m_Run),
-      m_Points(m_Constraints, m_Run),
-      m_Curves(m_Surface, m_Wanted, m_Constraints, m_Run),
+      m_Gate(m_Constraints, m_Run),
+      m_Points(m_Constraints, m_Gate),
+      m_Curves(m_Surface, m_Wanted, m_Constraints, m_Gate),
+      m_Cells(m_Surface, m_Wanted, m_Run, m_Gate),
       m_Marks(m_Surface, m_Run) {
   g_bHighRes = 0;
   Initialize(g_iBaseLevel, false, 0, 0, 100, 100);
+}
+
+void CGrid::SetLight(int index, int type, const CLight& light) {
+  const CLight* present = GetLightSource(index, type);
+  if (present == nullptr || *present == light) return;
+  m_Gate.Do(Edit::SetLight, [&] { m_Relighting.SetLight(index, type, light); });
 }
 
 void CGrid::FreeAll() {

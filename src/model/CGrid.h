@@ -6,8 +6,10 @@
 #include <string>
 
 #include "base/CRandom.h"
+#include "model/CCellEdits.h"
 #include "model/CConstraints.h"
 #include "model/CCurveEdits.h"
+#include "model/CEditGate.h"
 #include "model/CGridBuilder.h"
 #include "model/CGridRun.h"
 #include "model/CPointMarks.h"
@@ -103,7 +105,9 @@ class CGrid {
   void UnselectCurves(CurveType mask) { m_Curves.Unselect(mask); }
 
   // The picture and its light: what CRelighting does, on the present surface.
-  CLight* GetLightSource(int index, int type) { return m_Relighting.GetLightSource(index, type); }
+  const CLight* GetLightSource(int index, int type) const { return m_Relighting.GetLightSource(index, type); }
+  /// Nothing where there is no such light, or where it is so already.
+  void SetLight(int index, int type, const CLight& light);
   void InitializeCoordsTexels() { m_Relighting.InitializeCoordsTexels(); }
   void TestTexelsInDiscontinuity() { m_Relighting.TestTexelsInDiscontinuity(); }
   void ComputeCoefsTexels() { m_Relighting.ComputeCoefsTexels(); }
@@ -133,15 +137,16 @@ class CGrid {
   CGridBuilder& Builder() { return m_Builder; }
   CRelighting& Relighting() { return m_Relighting; }
   const CRelighting& Relighting() const { return m_Relighting; }
-  CConstraints& Constraints() { return m_Constraints; }
   const CConstraints& Constraints() const { return m_Constraints; }
   CCurveEdits& CurveEdits() { return m_Curves; }
-  CWantedSubdivisions& Wanted() { return m_Wanted; }
+  CCellEdits& CellEdits() { return m_Cells; }
+  CEditGate& Gate() { return m_Gate; }
   const CWantedSubdivisions& Wanted() const { return m_Wanted; }
   CPointMarks& Marks() { return m_Marks; }
   const CPointMarks& Marks() const { return m_Marks; }
 
  private:
+  friend struct CStaging;  // of the tests, for states that no operation leads to
   bool PerformOperations();
   void Dispatch(Operation operation);
   void SwapResolution(bool high, bool transfer);
@@ -155,7 +160,9 @@ class CGrid {
   CGridSolver m_Solver;
   CGridRun m_Run;
   CGridBuilder m_Builder;
+  CEditGate m_Gate;
   CPtCstrEdits m_Points;
   CCurveEdits m_Curves;
+  CCellEdits m_Cells;
   CPointMarks m_Marks;
 };

@@ -1,17 +1,10 @@
 #include "model/CPtCstrEdits.h"
 
 #include "model/CConstraints.h"
-#include "model/CGridRun.h"
-
-void CPtCstrEdits::Changed(Operation operation) {
-  m_Run.Post(operation);
-  m_Run.Host().ShowConstraints(m_Constraints.ActiveCount());
-  m_Run.Host().RequestRedraw();
-}
+#include "model/CEditGate.h"
 
 void CPtCstrEdits::Add(const CPtCstr& record) {
-  m_Constraints.UpdateActivity(m_Constraints.Points().Add(record));
-  Changed(Operation::kRebuild);
+  m_Gate.Do(Edit::AddPoint, [&] { m_Constraints.UpdateActivity(m_Constraints.Points().Add(record)); });
 }
 
 bool CPtCstrEdits::Highlight(double x, double y, std::uint32_t mask, double reach) {
@@ -29,12 +22,13 @@ void CPtCstrEdits::SelectPrev(std::uint32_t mask) { m_Constraints.Points().Selec
 void CPtCstrEdits::MoveSelected(double dx, double dy) {
   CPtCstr* selected = m_Constraints.Points().FirstSelected();
   if (selected == nullptr) return;
-  selected->m_fX += dx;
-  selected->m_fY += dy;
-  if (selected->HasKind(PtCstrKind::kNormal) && !selected->HasKind(PtCstrKind::kPosition))
-    selected->m_fZ = m_Constraints.HeightUnder(*selected);
-  m_Constraints.UpdateActivity(*selected);
-  Changed(Operation::kRestart);
+  m_Gate.Do(Edit::MovePoint, [&] {
+    selected->m_fX += dx;
+    selected->m_fY += dy;
+    if (selected->HasKind(PtCstrKind::kNormal) && !selected->HasKind(PtCstrKind::kPosition))
+      selected->m_fZ = m_Constraints.HeightUnder(*selected);
+    m_Constraints.UpdateActivity(*selected);
+  });
 }
 
 double CPtCstrEdits::SelectedHeight() const {
@@ -44,21 +38,20 @@ double CPtCstrEdits::SelectedHeight() const {
 
 void CPtCstrEdits::SetSelectedHeight(double z) {
   CPtCstr* selected = m_Constraints.Points().FirstSelected(PtCstrKind::kPosition);
-  if (selected == nullptr) return;
-  selected->m_fZ = z;
-  m_Run.Post(Operation::kRestart);
+  if (selected != nullptr) m_Gate.Do(Edit::MoveHeight, [&] { selected->m_fZ = z; });
 }
 
 void CPtCstrEdits::ChangeSelectedNormal(double dp, double dq) {
   CPtCstr* selected = m_Constraints.Points().FirstSelected(PtCstrKind::kNormal);
-  if (selected != nullptr) {
+  m_Gate.Do(Edit::TurnSlope, [&] {
+    if (selected == nullptr) return;
     selected->m_fP += dp;
     selected->m_fQ += dq;
     if (!selected->HasKind(PtCstrKind::kPosition)) selected->m_fZ = m_Constraints.HeightUnder(*selected);
-  }
-  m_Run.Post(Operation::kRestart);
+  });
 }
 
 void CPtCstrEdits::DeleteSelected() {
-  if (m_Constraints.Points().DeleteSelected()) Changed(Operation::kRebuild);
+  if (m_Constraints.Points().FirstSelected() == nullptr) return;
+  m_Gate.Do(Edit::DeletePoint, [&] { m_Constraints.Points().DeleteSelected(); });
 }

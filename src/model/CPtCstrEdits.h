@@ -2,10 +2,8 @@
 
 #include <cstdint>
 
-#include "model/CPendingWork.h"
-
 class CConstraints;
-class CGridRun;
+class CEditGate;
 struct CPtCstr;
 
 /// What a user does to the point constraints of a model: each edit changes the list, posts what it has made out of date
@@ -16,7 +14,7 @@ struct CPtCstr;
 class CPtCstrEdits {
  public:
   /// Both must outlive the edits.
-  CPtCstrEdits(CConstraints& constraints, CGridRun& run) : m_Constraints(constraints), m_Run(run) {}
+  CPtCstrEdits(CConstraints& constraints, CEditGate& gate) : m_Constraints(constraints), m_Gate(gate) {}
 
   void Add(const CPtCstr& record);
   /// Whether any constraint of the kind lies within reach of (x, y); those that do are highlighted, no others.
@@ -33,8 +31,6 @@ class CPtCstrEdits {
   void DeleteSelected();
 
  private:
-  void Changed(Operation operation);
-
   CConstraints& m_Constraints;
-  CGridRun& m_Run;
+  CEditGate& m_Gate;
 };

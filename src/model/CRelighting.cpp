@@ -58,14 +58,19 @@ bool CRelighting::HasTexels() const {
          m_Texels.Height() == m_Textures.PictureHeight();
 }
 
-CLight* CRelighting::GetLightSource(int index, int type) {
+const CLight* CRelighting::GetLightSource(int index, int type) const {
   if (type != kRemovedLights && type != kAddedLights) {
     Console() << "Error CGrid::GetLightSource\t\t\t\tUnknown type\n";
     return nullptr;
   }
-  auto& lights = (type == kRemovedLights ? m_RemovedLights : m_AddedLights).m_aLights;
+  const auto& lights = (type == kRemovedLights ? m_RemovedLights : m_AddedLights).m_aLights;
   return index >= 0 && static_cast<std::size_t>(index) < lights.size() ? &lights[static_cast<std::size_t>(index)]
                                                                        : nullptr;
+}
+
+void CRelighting::SetLight(int index, int type, const CLight& light) {
+  if (GetLightSource(index, type) == nullptr) return;
+  (type == kRemovedLights ? m_RemovedLights : m_AddedLights).m_aLights[static_cast<std::size_t>(index)] = light;
 }
 
 void CRelighting::InitializeCoordsTexels() {

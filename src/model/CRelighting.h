@@ -28,10 +28,10 @@ class CRelighting {
 
   /// Light `index` (0 to 3 and, ambient, 4) of a set (kRemovedLights, kAddedLights). Null, with a console line, for
   /// another type; null for another index.
-  CLight* GetLightSource(int index, int type);
-  CLightSet& RemovedLights() { return m_RemovedLights; }
+  const CLight* GetLightSource(int index, int type) const;
+  /// Nothing where there is no such light.
+  void SetLight(int index, int type, const CLight& light);
   const CLightSet& RemovedLights() const { return m_RemovedLights; }
-  CLightSet& AddedLights() { return m_AddedLights; }
   const CLightSet& AddedLights() const { return m_AddedLights; }
 
   void SetLights(const CLightSet& removed, const CLightSet& added) {
@@ -54,12 +54,12 @@ class CRelighting {
   /// Albedo, Kd image and new illumination (see CAlbedoMap), from normals of the present subdivision.
   void GetKd();
 
-  CTextureImages& Textures() { return m_Textures; }
   const CTextureImages& Textures() const { return m_Textures; }
   const CTexelMap& Texels() const { return m_Texels; }
   const CAlbedoMap& Albedo() const { return m_Albedo; }
 
  private:
+  friend struct CStaging;  // of the tests
   const CSurface& m_Surface;
   CLightSet m_RemovedLights = CLightSet::Removed();
   CLightSet m_AddedLights = CLightSet::Added();

@@ -13,6 +13,7 @@
 
 #include "constraints/CurveRasteriser.h"
 #include "scissors/CScissorsTool.h"
+#include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 #include "support/FileBuilders.h"
 #include "support/ScissorsBuilders.h"
@@ -145,7 +146,7 @@ class CTracer {
   CPlaces Trace(CPixelPosition from, CPixelPosition to) {
     m_pTool->Press(from, true, m_View);
     EXPECT_TRUE(m_pTool->Enter(to, false));
-    m_Grid.Constraints().Curves().clear();
+    CStaging::Constraints(m_Grid).Curves().clear();
     m_pTool->Contours().HandOver([this](const CTracedContour& contour) {
       const CTopDownImage& image = m_pTool->Image();
       CPlaces places;

@@ -7,6 +7,7 @@
 
 #include "drawing/CCurveArrays.h"
 #include "support/AllocationCount.h"
+#include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 #include "support/GridBuilders.h"
 
@@ -16,7 +17,7 @@ class CurveArraysTest : public ::testing::Test {
  protected:
   CGrid& Grid() { return m_Grid.m_Grid; }
   CCntrCtrl& Add(const CPlaces& places, CurveType type = CurveType::kFairness, bool closed = false) {
-    return Grid().Constraints().Curves().Add(PointsAt(places), type, closed);
+    return CStaging::Constraints(Grid()).Curves().Add(PointsAt(places), type, closed);
   }
   void Refresh() { m_Arrays.Refresh(Grid()); }
   Vector3 At(std::size_t vertex) const {
@@ -89,7 +90,7 @@ TEST_F(CurveArraysTest, EmptyAndSingleNodeCurvesKeepTheirPlaceInTheOrder) {
 TEST_F(CurveArraysTest, TearFollowsItsUpperRim) {
   SetSurface(Grid(), [](double /*x*/, double y) { return y > 23 ? 5.0 : 1.0; });
   for (const bool backwards : {false, true}) {
-    Grid().Constraints().Curves().clear();
+    CStaging::Constraints(Grid()).Curves().clear();
     Add(backwards ? CPlaces{{9, 23}, {0, 23}} : CPlaces{{0, 23}, {9, 23}}, CurveType::kPosition);
     Grid().SetDiscMap();
     SetSurface(Grid(), [](double /*x*/, double y) { return y > 23 ? 5.0 : 1.0; });
@@ -111,7 +112,7 @@ TEST_F(CurveArraysTest, ChangesOfNodesSurfaceAndExtentAreFollowed) {
   const std::size_t open = m_Arrays.Vertices().size();
   Refresh();
   EXPECT_GT(m_Arrays.Vertices().size(), open);
-  Grid().Constraints().Curves().clear();
+  CStaging::Constraints(Grid()).Curves().clear();
   Refresh();
   EXPECT_TRUE(m_Arrays.Lines().empty());
   EXPECT_TRUE(m_Arrays.Vertices().empty());
@@ -147,7 +148,7 @@ TEST_F(CurveArraysTest, RedrawsAllocateNothing) {
 TEST_F(CurveArraysTest, NodesFarOutsideMakeNoEndlessLine) {
   constexpr double kInfinite = std::numeric_limits<double>::infinity();
   for (const double far : {1e9, -1e300, kInfinite, std::nan("")}) {
-    Grid().Constraints().Curves().clear();
+    CStaging::Constraints(Grid()).Curves().clear();
     Add({{0, 21}, {far, 25}, {0, far}}, CurveType::kPosition);
     Refresh();
     EXPECT_LE(m_Arrays.Lines()[0].m_uCount, 4U * 17 + 4) << far;

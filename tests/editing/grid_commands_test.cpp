@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "model/Globals.h"
+#include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 #include "support/FormatBuilders.h"
 #include "support/WindowBuilders.h"
@@ -286,7 +287,7 @@ TEST_F(GridCommandsTest, WhatIsWrongWithALoadedFileIsTold) {
 
 TEST_F(GridCommandsTest, CurvesRefusedByALoadedFileAreToldAfterItsTrouble) {
   for (int k = 0; k < 2; ++k) Grid().AddCurve(LineOf(14), CurveType::kFairness, false);
-  for (CCntrCtrl& curve : Grid().Constraints().Curves()) {
+  for (CCntrCtrl& curve : CStaging::Constraints(Grid()).Curves()) {
     curve.SetOption(CurveOption::kLeftAutoBump, true);
     curve.SetDistance(CurveSide::Left, kSmallDistance);
   }

@@ -6,6 +6,7 @@
 #include "drawing/DrawingSettings.h"
 #include "io/Bmp.h"
 #include "support/BmpBuilders.h"
+#include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/Input.h"
@@ -170,7 +171,7 @@ TEST_F(CoffeeCurvesTest, CupStandsInFrontOfItsSaucer) {
   TurnModel();
   EXPECT_GT(ShareOfGap(ModelFrame()), 0.95);
 
-  Grid().Constraints().Curves().clear();
+  CStaging::Constraints(Grid()).Curves().clear();
   Grid().Post(Operation::kRebuildMaps);
   Solve();
   EXPECT_EQ(ShareOfGap(ModelFrame()), 0) << "sewn together";

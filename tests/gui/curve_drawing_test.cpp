@@ -6,6 +6,7 @@
 #include "drawing/DrawingSettings.h"
 #include "io/Bmp.h"
 #include "support/BmpBuilders.h"
+#include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/CurveBuilders.h"
 #include "support/gui/ImageViewTest.h"
@@ -47,7 +48,7 @@ class CurveDrawingTest : public ImageViewTest {
     return count;
   }
   CCntrCtrl& Add(const CPlaces& places, CurveType type = CurveType::kPosition, bool closed = false) {
-    return Grid().Constraints().Curves().Add(PointsAt(places), type, closed);
+    return CStaging::Constraints(Grid()).Curves().Add(PointsAt(places), type, closed);
   }
   // Pixels lit on the line x = const between two heights.
   int WidthAt(double x, int from, int to) const {
@@ -123,13 +124,13 @@ TEST_F(CurveDrawingTest, ClosedCurveHasItsLastSegment) {
   Add({{20, 20}, {80, 20}, {80, 80}}, CurveType::kFairness, true);
   Shoot();
   EXPECT_NE(At(50, 50), kBlack);
-  Grid().Constraints().Curves().back().SetClosed(false);
+  CStaging::Constraints(Grid()).Curves().back().SetClosed(false);
   Shoot();
   EXPECT_EQ(At(50, 50), kBlack);
 }
 
 TEST_F(CurveDrawingTest, GeneratedConstraintsShowWhereTheyAre) {
-  Grid().Constraints().Generated().Add(SlopeCstr(30, 70));
+  CStaging::Constraints(Grid()).Generated().Add(SlopeCstr(30, 70));
   Shoot();
   EXPECT_EQ(At(30, 70), kRed);
   EXPECT_LT(Count(kRed), 40);
@@ -263,7 +264,7 @@ TEST_F(CurveDrawingTest, AlbedoIsThatOfTheTexel) {
   CPicture picture = PlainPicture(2, 2, 0, 0, 0);
   picture.m_aPixels[9] = 51;  // upper right, red
   Grid().Relighting().SetPicture(picture);
-  CLight& ambient = Grid().Relighting().RemovedLights().m_aLights[CLightSet::kAmbient];
+  CLight& ambient = CStaging::RemovedLights(Grid()).m_aLights[CLightSet::kAmbient];
   ambient.m_bActive = true;
   ambient.m_afColour = {0.5, 0.5, 0.5};
   Grid().GetKd();

@@ -1,5 +1,6 @@
 // Curves and the manual subdivision in the main window: its buttons, its lamps, its help line, the dialog.
 
+#include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/Input.h"
@@ -31,7 +32,7 @@ class CurveWindowTest : public WindowTest {
     m_Grid.m_Console.Take();
   }
   CImageView& View() { return m_Window.ImageView(); }
-  CCntrCtrlList& Curves() { return Grid().Constraints().Curves(); }
+  CCntrCtrlList& Curves() { return CStaging::Constraints(Grid()).Curves(); }
   CCntrCtrl& Curve(int place = 0) { return CurveAt(Curves(), place); }
   void Add(const CPlaces& places, CurveType type = kTear) {
     Grid().AddCurve(PointsAt(places), type, false);

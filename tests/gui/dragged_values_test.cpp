@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "support/CStaging.h"
 #include "support/ConstraintBuilders.h"
 #include "support/gui/ImageViewTest.h"
 #include "ui/seams/HelpTexts.h"
@@ -140,7 +141,7 @@ TEST_F(DraggedValuesTest, SlopesAreShownBesideThoseOfTheSurface) {
 
 TEST_F(DraggedValuesTest, KeysAndDialogsEndADragWithItsLine) {
   for (const int key : {FL_Escape, FL_Tab, FL_Delete, 0}) {
-    Grid().Constraints().Points().clear();
+    CStaging::Constraints(Grid()).Points().clear();
     Add(HeightCstr(20.5, 20.5, 44.8));
     Push(FL_RIGHT_MOUSE, 20.5, 20.5);
     Drag(25.5, 20.5);

@@ -11,6 +11,7 @@
 #include "drawing/FrameBuffer.h"
 #include "io/Bmp.h"
 #include "model/PointProbe.h"
+#include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/ConstraintBuilders.h"
 #include "support/gui/ImageViewTest.h"
@@ -205,9 +206,9 @@ TEST_F(ImageViewDrawingTest, PointConstraintsHaveTheColoursOfTheirStates) {
                          {PtCstrKind::kNormal, 0, kRed},
                          {PtCstrKind::kNormal, highlighted, kBlue},
                          {PtCstrKind::kNormal, selected, kGreen}}) {
-    Grid().Constraints().Points().clear();
+    CStaging::Constraints(Grid()).Points().clear();
     Grid().AddPtCstr({50, 50, c.m_uKind});
-    Grid().Constraints().Points().begin()->SetState(c.m_uState, true);
+    CStaging::Constraints(Grid()).Points().begin()->SetState(c.m_uState, true);
     Shoot(ImageFlag::kPointConstraints);
     EXPECT_GT(Count(c.m_Colour), 50) << c.m_uKind << ", " << c.m_uState;
     Shoot(0);
@@ -337,8 +338,8 @@ TEST_F(ImageViewDrawingTest, SelectedCellsAreTinted) {
   View().SetDebugFlags(DebugFlag::kSelectCells);
   Shoot();
   EXPECT_EQ(At(37, 37), kBlack);
-  Grid().Wanted().Current().SelectRectangle(Grid().Tree(), 5, 5, 7, 7);
-  Grid().Wanted().Current().ShowSelection(Grid().Tree());
+  CStaging::Subdivision(Grid()).SelectRectangle(Grid().Tree(), 5, 5, 7, 7);
+  CStaging::Subdivision(Grid()).ShowSelection(Grid().Tree());
   Shoot();
   for (const auto& [x, y, tinted] : {std::tuple{27, 27, true}, {48, 48, true}, {23, 37, false}, {37, 53, false}})
     EXPECT_EQ(At(x, y) != kBlack, tinted) << x << ", " << y;

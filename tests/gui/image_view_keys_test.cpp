@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "support/CStaging.h"
 #include "support/FileBuilders.h"
 #include "support/KeyTable.h"
 #include "support/gui/ImageViewTest.h"
@@ -24,7 +25,7 @@ class ImageViewKeysTest : public ImageViewTest {
     Grid().Initialize(2, false, 0, 0, 100, 100);
     Grid().CurveEdits().CancelPending();
     View().SetDebugFlags(debugFlags);
-    Grid().Wanted().Current().ClearSelection();
+    Grid().CellEdits().ClearSelection();
     View().SetMode(mode);
     View().ResetView();
     Grid().PerformPendingWork();
@@ -108,7 +109,7 @@ INSTANTIATE_TEST_SUITE_P(Modes, PointKeysTest, testing::Values(EditingMode::Posi
 TEST_P(PointKeysTest, KeysAreThoseListed) {
   ExpectKeysAreThoseListed(m_aListed, [this](const CTypedKey& key) {
     SetUpPoints(GetParam());
-    Grid().Constraints().Points().begin()->SetState(PtCstrState::kSelected, true);
+    CStaging::Constraints(Grid()).Points().begin()->SetState(PtCstrState::kSelected, true);
     return Type(key);
   });
 }
@@ -133,7 +134,7 @@ TEST_F(ImageViewKeysTest, KeysForCurvesAreThoseListed) {
     Grid().PickCurve(kSomething.x, kSomething.y, CurveType::kAll);
     const std::string ofSelected = Type(key);
     SetUpCurve();
-    for (const double x : {20.5, 30.5, 40.5}) Grid().Constraints().PendingCurve().Append(x, 20.5);
+    for (const double x : {20.5, 30.5, 40.5}) Grid().CurveEdits().AppendPending(x, 20.5);
     return Type(key) + ofSelected;
   });
 }
@@ -154,7 +155,7 @@ TEST_F(ImageViewKeysTest, WheelIsNotListedForCurves) {
 TEST_F(ImageViewKeysTest, KeysForCellsAreThoseListed) {
   ExpectKeysAreThoseListed(InputsAt({"Select (resolution by hand)"}), [this](const CTypedKey& key) {
     Clear(EditingMode::Position, DebugFlag::kSelectCells);
-    Grid().Wanted().Current().SelectRectangle(Grid().Tree(), 1, 1, 7, 7);
+    CStaging::Subdivision(Grid()).SelectRectangle(Grid().Tree(), 1, 1, 7, 7);
     return Type(key);
   });
 }

@@ -6,6 +6,7 @@
 #include <GL/gl.h>
 
 #include "model/PointProbe.h"
+#include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/gui/ImageViewTest.h"
 
@@ -97,7 +98,7 @@ TEST_F(ImageViewEventTest, ModesPassEventsToTheirHandlers) {
                          {EditingMode::Position, PtCstrKind::kPosition},
                          {EditingMode::Normal, PtCstrKind::kNormal},
                          {EditingMode::Curve, 0}}) {
-    Grid().Constraints().Points().clear();
+    CStaging::Constraints(Grid()).Points().clear();
     View().SetMode(c.m_Mode);
     EXPECT_EQ(Push(FL_LEFT_MOUSE, 20.5, 20.5), 1);
     EXPECT_EQ(Grid().Constraints().PendingCurve().IsIdle(), c.m_Mode != EditingMode::Curve);

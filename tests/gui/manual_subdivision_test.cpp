@@ -4,6 +4,7 @@
 
 #include "io/Bmp.h"
 #include "support/BmpBuilders.h"
+#include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/gui/ImageViewTest.h"
 
@@ -22,7 +23,7 @@ class ManualSubdivisionTest : public ImageViewTest {
     TakeConsole();
     m_Host = {};
   }
-  CSaveQuadT& Saved(int k, int child) { return Grid().Wanted().Current().Root().Child(k).Child(child); }
+  CSaveQuadT& Saved(int k, int child) { return CStaging::Subdivision(Grid()).Root().Child(k).Child(child); }
   // The leaves of the lower left quarter and their level-two children that are selected.
   int SelectedLeaves() { return CountSelected(Grid().Wanted().Current().Root()); }
   static int CountSelected(CSaveQuadT& node) {

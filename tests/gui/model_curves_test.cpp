@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "drawing/DrawingSettings.h"
+#include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/ModelViewTest.h"
@@ -21,7 +22,7 @@ class ModelCurvesTest : public ModelViewTest {
     return FrameOf(View());
   }
   CCntrCtrl& Add(const CPlaces& places, CurveType type, bool closed = false) {
-    CCntrCtrl& curve = Grid().Constraints().Curves().Add(PointsAt(places), type, closed);
+    CCntrCtrl& curve = CStaging::Constraints(Grid()).Curves().Add(PointsAt(places), type, closed);
     m_Grid.m_Console.Take();
     return curve;
   }
@@ -106,12 +107,12 @@ TEST_F(ModelCurvesTest, MovedNodesAreFollowed) {
 TEST_F(ModelCurvesTest, CurvesThatCannotBeDrawnAreReported) {
   Add({}, CurveType::kPosition);
   EXPECT_EQ(DrawingLines(), "Error CGrid::Draw3DCntr : attempt to draw an empty curve\n");
-  Grid().Constraints().Curves().clear();
+  CStaging::Constraints(Grid()).Curves().clear();
   Add({{3, 23}}, CurveType::kPosition);
   EXPECT_EQ(DrawingLines(),
             "Error CGrid::Draw3DCntr : attempt to draw a one-point-curve :\n"
             "\t\t\t\t\t\t   There should'n be a one-point curve\n");
-  Grid().Constraints().Curves().clear();
+  CStaging::Constraints(Grid()).Curves().clear();
   Add(kAcross, CurveType::kNone);
   EXPECT_EQ(DrawingLines(), "one unknown type contour founed!\n");
   EXPECT_EQ(ColourAt(Frame(), 4.5, 23), kWhite);

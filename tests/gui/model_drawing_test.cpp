@@ -8,6 +8,7 @@
 
 #include "drawing/DisplayFlags.h"
 #include "drawing/DrawingSettings.h"
+#include "support/CStaging.h"
 #include "support/ConstraintBuilders.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/ModelViewTest.h"
@@ -21,7 +22,7 @@ class ModelDrawingTest : public ModelViewTest {
     return FrameOf(View());
   }
   CLight& AddLight(std::size_t which, const std::array<double, 4>& direction) {
-    CLight& light = Grid().Relighting().AddedLights().m_aLights[which];
+    CLight& light = CStaging::AddedLights(Grid()).m_aLights[which];
     light.m_bActive = true;
     light.m_afDirection = direction;
     return light;
@@ -72,7 +73,7 @@ TEST_F(ModelDrawingTest, ModelWithoutTexturesAttachedIsPlainWhite) {
 
 TEST_F(ModelDrawingTest, DrawTextureChoosesTheImage) {
   LoadPicture(PlainPicture(kRed));
-  CTextureImages& images = Grid().Relighting().Textures();
+  CTextureImages& images = CStaging::Textures(Grid());
   for (const auto& [which, channel] : {std::pair{CTextureImages::kKd, 1}, {CTextureImages::kIllumination, 2}}) {
     for (std::size_t k = 0; k < images.Image(which).size(); ++k)
       images.Image(which)[k] = static_cast<int>(k % 3) == channel ? 255 : 0;
@@ -127,14 +128,14 @@ TEST_F(ModelDrawingTest, LightTurnedOffShinesNoMore) {
   AddLight(0, {0, 0, 1, 0}).m_afColour = {0.5, 0, 0};
   AddLight(1, {0, 0, 1, 0}).m_afColour = {0, 0.5, 0};
   Shade();
-  Grid().Relighting().AddedLights().m_aLights[0].m_bActive = false;
+  CStaging::AddedLights(Grid()).m_aLights[0].m_bActive = false;
   EXPECT_NEAR(Shade().m_uRed, 0, 1);
-  Grid().Relighting().AddedLights().m_aLights[1].m_bActive = false;
+  CStaging::AddedLights(Grid()).m_aLights[1].m_bActive = false;
   EXPECT_EQ(Shade(), kWhite) << "without any light the model is drawn unlit";
 }
 
 TEST_F(ModelDrawingTest, RemovedLightsDoNotShine) {
-  Grid().Relighting().RemovedLights().m_aLights[0] = {true, false, {0, 0, 1, 0}, {0.5, 0, 0}};
+  CStaging::RemovedLights(Grid()).m_aLights[0] = {true, false, {0, 0, 1, 0}, {0.5, 0, 0}};
   EXPECT_EQ(Shade(), kWhite);
 }
 
@@ -275,10 +276,10 @@ TEST_F(ModelDrawingTest, ConstraintsHaveTheColourOfTheirState) {
   const CConstraintColours colours{colour(unselected), colour(highlighted), colour(selected)};
   for (const bool position : {true, false}) {
     (position ? g_DrawingSettings.m_PositionColours : g_DrawingSettings.m_NormalColours) = colours;
-    Grid().Constraints().Points().clear();
+    CStaging::Constraints(Grid()).Points().clear();
     Grid().AddPtCstr(position ? HeightCstr(4.5, 23, 0) : SlopeCstr(4.5, 23));
     for (const auto& [state, expected] : {unselected, highlighted, selected, both}) {
-      Grid().Constraints().Points().begin()->m_uState = state;
+      CStaging::Constraints(Grid()).Points().begin()->m_uState = state;
       EXPECT_GT(CountPixels(FrameWith(ModelFlag::kPointConstraints), expected), 10) << position << ' ' << state;
     }
   }
@@ -300,9 +301,9 @@ TEST_F(ModelDrawingTest, ConstraintsHaveTheSizesAndThicknessesOfTheSettings) {
                         CRow{&CViewDrawing::m_fSelectedNormalThickness, false, PtCstrState::kSelected}};
   for (std::size_t k = 0; k < rows.size(); ++k) {
     const auto& [setting, position, state] = rows[k];
-    Grid().Constraints().Points().clear();
+    CStaging::Constraints(Grid()).Points().clear();
     Grid().AddPtCstr(position ? HeightCstr(4.5, 23, 0) : SlopeCstr(4.5, 23));
-    Grid().Constraints().Points().begin()->m_uState = state;
+    CStaging::Constraints(Grid()).Points().begin()->m_uState = state;
     g_DrawingSettings.m_ModelView.*setting = 3;
     const int before = NonBlack(FrameWith(ModelFlag::kPointConstraints));
     g_DrawingSettings.m_ModelView.*setting = 7;
@@ -315,7 +316,7 @@ TEST_F(ModelDrawingTest, PositionStandsAtTheHeightWanted) {
   Grid().AddPtCstr(HeightCstr(4.5, 23, -1));
   const CPicture below = FrameWith(ModelFlag::kPointConstraints | ModelFlag::kTexturedModel);
   EXPECT_EQ(CountPixels(below, kYellow), 0) << "hidden by the surface";
-  Grid().Constraints().Points().begin()->m_fZ = 1;
+  CStaging::Constraints(Grid()).Points().begin()->m_fZ = 1;
   EXPECT_GT(CountPixels(FrameWith(ModelFlag::kPointConstraints | ModelFlag::kTexturedModel), kYellow), 0);
 }
 
@@ -325,7 +326,7 @@ TEST_F(ModelDrawingTest, NormalConstraintLeansAsItsSlopes) {
   const CPicture upright = FrameWith(ModelFlag::kPointConstraints);
   EXPECT_EQ(ColourAt(upright, 6.5, 23), kBlack);
   // Falling towards +x, so that the normal points there.
-  Grid().Constraints().Points().begin()->m_fP = -1;
+  CStaging::Constraints(Grid()).Points().begin()->m_fP = -1;
   EXPECT_EQ(ColourAt(FrameWith(ModelFlag::kPointConstraints), 6.5, 23), kRed);
 }
 

@@ -5,6 +5,7 @@
 
 #include <FL/Fl.H>
 
+#include "support/CStaging.h"
 #include "support/KeyTable.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/ModelViewTest.h"
@@ -24,7 +25,7 @@ class ModelViewKeysTest : public ModelViewTest {
     View().AttachHost(m_PanelHost);
     View().EnableEvents();
     Grid().AddPtCstr({30, 40, PtCstrKind::kPosition, 3});
-    Grid().Constraints().Points().begin()->SetState(PtCstrState::kSelected, true);
+    CStaging::Constraints(Grid()).Points().begin()->SetState(PtCstrState::kSelected, true);
   }
   void TearDown() override { Fl::e_state = 0; }
 
@@ -40,8 +41,8 @@ class ModelViewKeysTest : public ModelViewTest {
   template <typename Act>
   std::string Outcome(Act&& act) {
     View().ResetCamera();
-    Grid().Relighting().RemovedLights() = CLightSet::Removed();
-    Grid().Relighting().AddedLights() = CLightSet::Added();
+    CStaging::RemovedLights(Grid()) = CLightSet::Removed();
+    CStaging::AddedLights(Grid()) = CLightSet::Added();
     Grid().SetSelectedHeight(3);
     const std::string before = State();
     act();

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "drawing/DisplayFlags.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/CHeldKey.h"
 #include "support/gui/ModelViewTest.h"
@@ -200,7 +201,7 @@ TEST_F(ModelViewEventsTest, EndOfTheDragIsTheEndOfItsEffect) {
 
 TEST_F(ModelViewEventsTest, AltTurnsTheHeldRemovedLightsAndCtrlTheAddedOnes) {
   for (const int state : {FL_ALT, FL_META, FL_CTRL}) {
-    Grid().Relighting().RemovedLights() = Grid().Relighting().AddedLights() = CLightSet{};
+    CStaging::RemovedLights(Grid()) = CStaging::AddedLights(Grid()) = CLightSet{};
     const CCamera camera = CameraAtStart();
     const std::array<double, 4> straight = CLight{}.m_afDirection;
     const CHeldKey one('1');
@@ -227,7 +228,7 @@ TEST_F(ModelViewEventsTest, WithoutADigitNoLightMoves) {
 
 TEST_F(ModelViewEventsTest, ShiftDragMovesTheHeightOfTheSelectedPosition) {
   Grid().AddPtCstr(HeightCstr(5, 22, 2));
-  RecordAt(Grid().Constraints().Points(), 0).SetState(PtCstrState::kSelected, true);
+  RecordAt(CStaging::Constraints(Grid()).Points(), 0).SetState(PtCstrState::kSelected, true);
   const CCamera camera = CameraAtStart();
   Drag(FL_LEFT_MOUSE, 50, 43, FL_SHIFT);
   ExpectSame(View().Camera(), camera);
@@ -241,7 +242,7 @@ TEST_F(ModelViewEventsTest, ShiftDragWithoutASelectedPositionDoesNothing) {
   Grid().AddPtCstr(HeightCstr(5, 22, 2));
   Grid().AddPtCstr(SlopeCstr(6, 23));
   Grid().PerformPendingWork();
-  RecordAt(Grid().Constraints().Points(), 1).SetState(PtCstrState::kSelected, true);
+  RecordAt(CStaging::Constraints(Grid()).Points(), 1).SetState(PtCstrState::kSelected, true);
   const CCamera camera = CameraAtStart();
   Drag(FL_LEFT_MOUSE, 50, 43, FL_SHIFT);
   ExpectSame(View().Camera(), camera);
@@ -254,7 +255,7 @@ TEST_F(ModelViewEventsTest, ShiftDragTellsTheHeightAndWhatTheSurfaceHad) {
   SetSurface(Grid(), CRamp{0.25, -0.5, 4});
   Grid().AddPtCstr(HeightCstr(5, 22, 2));
   Grid().PerformPendingWork();
-  RecordAt(Grid().Constraints().Points(), 0).SetState(PtCstrState::kSelected, true);
+  RecordAt(CStaging::Constraints(Grid()).Points(), 0).SetState(PtCstrState::kSelected, true);
   CameraAtStart();
   Fl::e_state = FL_SHIFT;
   Press(FL_LEFT_MOUSE);
@@ -271,7 +272,7 @@ TEST_F(ModelViewEventsTest, ShiftDragTellsTheHeightAndWhatTheSurfaceHad) {
 
 TEST_F(ModelViewEventsTest, OtherDragsTellNothing) {
   Grid().AddPtCstr(HeightCstr(5, 22, 2));
-  RecordAt(Grid().Constraints().Points(), 0).SetState(PtCstrState::kSelected, true);
+  RecordAt(CStaging::Constraints(Grid()).Points(), 0).SetState(PtCstrState::kSelected, true);
   Drag(FL_LEFT_MOUSE, 20, 20);
   Drag(FL_RIGHT_MOUSE, 20, 20, FL_SHIFT);
   EXPECT_TRUE(m_Host.m_aMessages.empty());

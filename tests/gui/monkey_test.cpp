@@ -108,7 +108,9 @@ class MonkeyTest : public ::testing::Test {
     ChooseAndWait(MenuEntry::LoadImage);
     EXPECT_EQ(m_Grid.Relighting().Textures().PictureWidth(), kPhotographWidth);
     ChooseAndWait(MenuEntry::LoadGrid);
-    m_Grid.GetLightSource(0, kRemovedLights)->m_bActive = true;
+    CLight light = *m_Grid.GetLightSource(0, kRemovedLights);
+    light.m_bActive = true;
+    m_Grid.SetLight(0, kRemovedLights, light);
     m_Grid.GetKd();
     for (const MenuEntry entry : kDrawn) Check(entry, true);
     m_Monkey.Press(m_Window.Widget(Control::SwitchResolution));

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "scissors/CScissorsTool.h"
+#include "support/CStaging.h"
 #include "support/ConsoleCapture.h"
 #include "support/KeyTable.h"
 #include "support/ScissorsBuilders.h"
@@ -53,7 +54,7 @@ class ScissorsViewTest : public ToolkitTest {
       const auto first = picture.m_aPixels.begin() + static_cast<std::ptrdiff_t>(y * row);
       stored.m_aPixels.insert(stored.m_aPixels.end(), first, first + static_cast<std::ptrdiff_t>(row));
     }
-    Grid().Relighting().Textures().SetPicture(stored);
+    CStaging::Textures(Grid()).SetPicture(stored);
     m_View.Open();
     ASSERT_TRUE(RunToolkitUntil([&] { return Window().has_value() && m_Screen.HasFocus(*Window()); }));
     ASSERT_TRUE(RunToolkitUntil([&] { return m_View.damage() == 0; }));

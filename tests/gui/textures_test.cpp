@@ -7,6 +7,7 @@
 
 #include "drawing/CTextures.h"
 #include "drawing/DisplayFlags.h"
+#include "support/CStaging.h"
 #include "support/gui/ModelViewTest.h"
 
 namespace {
@@ -15,7 +16,7 @@ constexpr std::array kImages{CTextureImages::kPhotograph, CTextureImages::kKd, C
 
 class TexturesTest : public ModelViewTest {
  protected:
-  CTextureImages& Images() { return Grid().Relighting().Textures(); }
+  CTextureImages& Images() { return CStaging::Textures(Grid()); }
   // Of the bound texture.
   static GLint Parameter(GLenum name) {
     GLint value = 0;

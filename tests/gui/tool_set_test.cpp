@@ -14,6 +14,7 @@
 #include "app/CToolSet.h"
 #include "drawing/DrawingSettings.h"
 #include "io/Bmp.h"
+#include "support/CStaging.h"
 #include "support/FileBuilders.h"
 #include "support/LightingBuilders.h"
 #include "support/gui/Pictures.h"
@@ -58,7 +59,7 @@ class ToolSetTest : public WindowTest {
     m_Dialogs.m_File = (m_Directory.Path() / name).string();
     m_Dialogs.m_bYes = withLights;
     Choose(kSaveGrid);
-    Grid().Relighting().AddedLights() = Grid().Relighting().RemovedLights() = meanwhile;
+    CStaging::AddedLights(Grid()) = CStaging::RemovedLights(Grid()) = meanwhile;
     Choose(MenuEntry::LoadGrid);
   }
   std::string Path(const char* name) const { return (m_Directory.Path() / name).string(); }
@@ -149,7 +150,7 @@ TEST_F(ToolSetTest, LightsThatAreLoadedAreShownInTheOpenPanel) {
   OpenLights();
   CLightSet saved = CLightSet::Removed();
   SwitchOn(saved, 0, {0.25, 0.5, 0.75}, {0, 1, 0});
-  Grid().Relighting().RemovedLights() = saved;
+  CStaging::RemovedLights(Grid()) = saved;
   SaveAndLoad("lit.grid", true, CLightSet::Removed());
   EXPECT_EQ(m_Dialogs.m_asQuestions, std::vector<std::string>{"Do you want to save lighting information ?"});
   EXPECT_EQ(Grid().Relighting().RemovedLights(), saved);
@@ -194,7 +195,7 @@ TEST_F(ToolSetTest, TextureButtonsShowWhatTheirLabelsSayUntilTheNextPicture) {
   OpenLights();
   Fl_Group& options = Find<Fl_Group>(Panel("Light sources"), "Texture Option");
   EXPECT_FALSE(options.active());
-  SwitchOn(Grid().Relighting().RemovedLights(), 0, {1, 1, 1});
+  SwitchOn(CStaging::RemovedLights(Grid()), 0, {1, 1, 1});
   Push("Update\nKd");
   EXPECT_TRUE(options.active());
   for (const auto& [label, texture] : {std::pair{kOriginal, 3}, {kKd, 1}, {kNewIllumination, 2}}) {
@@ -223,7 +224,7 @@ TEST_F(ToolSetTest, UpdatesFirstTakeTheNormalsOfTheTree) {
 TEST_F(ToolSetTest, ImagesFollowALightTurnedInTheModelOnceTheyExist) {
   LoadPicture();
   OpenLights();
-  SwitchOn(Grid().Relighting().RemovedLights(), 0, {1, 1, 1});
+  SwitchOn(CStaging::RemovedLights(Grid()), 0, {1, 1, 1});
   const auto revision = [this] { return Grid().Relighting().Textures().Revision(CTextureImages::kKd); };
   const unsigned loaded = revision();
   m_Window.LightsMoved();

@@ -5,6 +5,7 @@
 
 #include "io/HeightFieldExport.h"
 #include "io/VrmlExport.h"
+#include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
 
@@ -45,7 +46,7 @@ CFaces FacesOf(const std::string& vrml) { return TuplesAfter<int, 4>(vrml, "coor
 /// Leaves of several sizes, hanging nodes included, over a ramp.
 struct CRefinedRamp : CTestGrid {
   CRefinedRamp() : CTestGrid(4, 2) {
-    RandomiseRecord(m_Grid.Wanted().Current(), 5);
+    RandomiseRecord(CStaging::Subdivision(m_Grid), 5);
     m_Grid.SetDiscMap();
     SetSurface(m_Grid, CRamp{});
     m_Console.Take();
@@ -54,7 +55,7 @@ struct CRefinedRamp : CTestGrid {
 
 TEST(Vrml, IsWrittenToTheLetter) {
   CTestGrid test(2, 1);
-  test.m_Grid.Wanted().Current().Root().Child(2).subdiv();
+  CStaging::Subdivision(test.m_Grid).Root().Child(2).subdiv();
   test.m_Grid.SetDiscMap();
   SetSurface(test.m_Grid, CRamp{});
   EXPECT_EQ(VrmlText(test.m_Grid), BytesOf(kGolden / "small.wrl"));
@@ -168,7 +169,7 @@ TEST(HeightField, ReachesTheBorderOfEveryRectangle) {
 
 TEST(HeightField, EqualsTheSurfaceAtEverySample) {
   CTestGrid test(4, 2);
-  RandomiseRecord(test.m_Grid.Wanted().Current(), 5);
+  RandomiseRecord(CStaging::Subdivision(test.m_Grid), 5);
   test.m_Grid.SetDiscMap();
   SetRandomSurface(test.m_Grid, 3);
   std::istringstream in(HeightFieldText(test.m_Grid, 23, 17));

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
 
@@ -212,7 +213,7 @@ TEST(DamagedGridFile, KeepsTheLightsThereAreWhereItsOwnAreCutShort) {
   CTestGrid test;
   std::ostringstream lights;
   WriteLights(lights, test.m_Grid);
-  test.m_Grid.Relighting().AddedLights().m_aLights[0].m_bActive = true;
+  CStaging::AddedLights(test.m_Grid).m_aLights[0].m_bActive = true;
   const std::string whole = Replaced(kShort, "\n\nE\n", lights.str());
   EXPECT_EQ(ReadText(test.m_Grid, whole.substr(0, whole.size() - 10)), GridFileState::Damaged);
   EXPECT_TRUE(test.m_Grid.Relighting().AddedLights().m_aLights[0].m_bActive);

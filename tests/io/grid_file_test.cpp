@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
 
@@ -85,7 +86,7 @@ TEST_P(GridFileRectangle, ComesBackWithAllThatLiesInIt) {
   EXPECT_NEAR(record.m_fX, saved.m_fX, tolerance);
   EXPECT_NEAR(record.m_fY, saved.m_fY, tolerance);
   EXPECT_NEAR(record.m_fZ, saved.m_fZ, tolerance);
-  const CCntrNode& node = other.m_Grid.Constraints().Curves().begin()->Nodes().front();
+  const CCntrNode& node = CStaging::Constraints(other.m_Grid).Curves().begin()->Nodes().front();
   EXPECT_NEAR(node.m_fX, e.x0 + (e.x1 - e.x0) / 9, tolerance);
 }
 
@@ -250,7 +251,7 @@ TEST(GridFileLights, AreAskedForAfterTheRestAndGoIntoTheFileOnYes) {
 
 TEST(GridFileLights, StayAsTheyAreWhenTheFileHasNone) {
   CSmallModel model;
-  model.m_Grid.Relighting().RemovedLights().m_aLights[2].m_afColour = {0.25, 0.5, 0.75};
+  CStaging::RemovedLights(model.m_Grid).m_aLights[2].m_afColour = {0.25, 0.5, 0.75};
   const CLightSet before = model.m_Grid.Relighting().RemovedLights();
   ASSERT_EQ(ReadText(model.m_Grid, BytesOf(kGoldenFiles / "small.grid")), GridFileState::Whole);
   EXPECT_EQ(model.m_Grid.Relighting().RemovedLights(), before);
@@ -258,14 +259,14 @@ TEST(GridFileLights, StayAsTheyAreWhenTheFileHasNone) {
 
 TEST(GridFileLights, ComeBack) {
   CSmallModel model;
-  model.m_Grid.Relighting().RemovedLights().m_aLights[2].m_afColour = {0.25, 0.5, 0.75};
-  model.m_Grid.Relighting().AddedLights().m_aLights[4].m_bActive = true;
+  CStaging::RemovedLights(model.m_Grid).m_aLights[2].m_afColour = {0.25, 0.5, 0.75};
+  CStaging::AddedLights(model.m_Grid).m_aLights[4].m_bActive = true;
   const CLightSet removed = model.m_Grid.Relighting().RemovedLights();
   const CLightSet added = model.m_Grid.Relighting().AddedLights();
   std::ostringstream out;
   WriteGrid(out, model.m_Grid);
   WriteLights(out, model.m_Grid);
-  model.m_Grid.Relighting().RemovedLights() = model.m_Grid.Relighting().AddedLights() = CLightSet{};
+  CStaging::RemovedLights(model.m_Grid) = CStaging::AddedLights(model.m_Grid) = CLightSet{};
   ASSERT_EQ(ReadText(model.m_Grid, out.str()), GridFileState::Whole);
   EXPECT_EQ(model.m_Grid.Relighting().RemovedLights(), removed);
   EXPECT_EQ(model.m_Grid.Relighting().AddedLights(), added);

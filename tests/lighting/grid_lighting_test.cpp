@@ -7,6 +7,7 @@
 
 #include "model/CPendingWork.h"
 #include "support/AllocationCount.h"
+#include "support/CStaging.h"
 #include "support/LightingBuilders.h"
 #include "support/UpdateBuilders.h"
 
@@ -47,7 +48,7 @@ TEST(GridLighting, WithoutAPictureEveryPassLogsItsOwnLine) {
 
 TEST(GridLighting, ImagesWithoutTexelsOfTheirSizeCountAsNoPicture) {
   CPictureGrid test(4, 4);
-  test.m_Grid.Relighting().Textures().SetPicture(PlainPicture(5, 4));
+  CStaging::Textures(test.m_Grid).SetPicture(PlainPicture(5, 4));
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.GetKd(); }), kKdStart + "Error CGrid::GetKd\t\tNo texture loaded\n");
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.ComputeNormalsOnly(); }),
             "Error CGrid::ComputeNormalsOnly()\tNo texture loaded\n");
@@ -63,14 +64,14 @@ TEST(GridLighting, PassesLogTheirBeginningAndEnd) {
 
 TEST(GridLighting, GetKdStopsWithoutALightToRemove) {
   CPictureGrid test(300, 200);
-  SwitchOn(test.m_Grid.Relighting().AddedLights(), 0, {1, 1, 1});
+  SwitchOn(CStaging::AddedLights(test.m_Grid), 0, {1, 1, 1});
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.GetKd(); }), kKdStart + "CGrid::GetKd\t\tNo lights to be removed\n");
   EXPECT_FALSE(test.m_Grid.Relighting().Albedo().IsComputed());
 }
 
 TEST(GridLighting, GetKdGoesOnWithoutALightToAdd) {
   CPictureGrid test(300, 200);
-  SwitchOn(test.m_Grid.Relighting().RemovedLights(), 0, {1, 1, 1});
+  SwitchOn(CStaging::RemovedLights(test.m_Grid), 0, {1, 1, 1});
   EXPECT_EQ(
       LinesOf(test, [](CGrid& g) { g.GetKd(); }),
       kKdStart + "CGrid::GetKd\t\tNo light to be added ; the system will only show the Kd map\n" + kKdSizes + kKdDone);
@@ -79,8 +80,8 @@ TEST(GridLighting, GetKdGoesOnWithoutALightToAdd) {
 
 TEST(GridLighting, GetKdLogsTheSizes) {
   CPictureGrid test(300, 200);
-  SwitchOn(test.m_Grid.Relighting().RemovedLights(), 4, {1, 1, 1});
-  SwitchOn(test.m_Grid.Relighting().AddedLights(), 4, {1, 1, 1});
+  SwitchOn(CStaging::RemovedLights(test.m_Grid), 4, {1, 1, 1});
+  SwitchOn(CStaging::AddedLights(test.m_Grid), 4, {1, 1, 1});
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.GetKd(); }), kKdStart + kKdSizes + kKdDone);
 }
 
@@ -108,7 +109,7 @@ TEST(GridLighting, LightsStartInTheirSetsAndOutliveANewGrid) {
   CTestGrid test;
   EXPECT_EQ(test.m_Grid.Relighting().RemovedLights(), CLightSet::Removed());
   EXPECT_EQ(test.m_Grid.Relighting().AddedLights(), CLightSet::Added());
-  SwitchOn(test.m_Grid.Relighting().AddedLights(), 2, {0.5, 0.25, 1}, {1, 1, 1});
+  SwitchOn(CStaging::AddedLights(test.m_Grid), 2, {0.5, 0.25, 1}, {1, 1, 1});
   const CLightSet added = test.m_Grid.Relighting().AddedLights();
   test.Initialize(1);
   EXPECT_EQ(test.m_Grid.Relighting().AddedLights(), added);
@@ -116,7 +117,7 @@ TEST(GridLighting, LightsStartInTheirSetsAndOutliveANewGrid) {
 
 TEST(GridPicture, ANewOneReplacesAllThatHungOnTheOld) {
   CPictureGrid test(8, 8);
-  SwitchOn(test.m_Grid.Relighting().RemovedLights(), 4, {1, 1, 1});
+  SwitchOn(CStaging::RemovedLights(test.m_Grid), 4, {1, 1, 1});
   test.m_Grid.ComputeCoefsTexels();
   test.m_Grid.GetKd();
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { EXPECT_TRUE(g.Relighting().SetPicture(PlainPicture(5, 3))); }), "");
@@ -214,8 +215,8 @@ TEST(GridTexels, AfterANewGridOfAnotherLevelNormalsAreOfItsTree) {
 
 TEST(GridTexels, AfterARebuildOfTheMapsKdIsOfTheNewTree) {
   CPictureGrid test(16, 16);
-  SwitchOn(test.m_Grid.Relighting().RemovedLights(), 4, {1, 1, 1});
-  test.m_Grid.Wanted().Current().Root().Child(0).Child(0).subdiv();
+  SwitchOn(CStaging::RemovedLights(test.m_Grid), 4, {1, 1, 1});
+  CStaging::Subdivision(test.m_Grid).Root().Child(0).Child(0).subdiv();
   test.m_Grid.Post(Operation::kRebuildMaps);
   test.m_Grid.PerformPendingWork();
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.GetKd(); }).find("ComputeCoefsTexels"), std::string::npos);
@@ -224,7 +225,7 @@ TEST(GridTexels, AfterARebuildOfTheMapsKdIsOfTheNewTree) {
 
 TEST(GridTexels, OnASurfaceThatMovesNormalsChangeOnlyWhenAsked) {
   CPictureGrid test(16, 16);
-  SwitchOn(test.m_Grid.Relighting().RemovedLights(), 4, {1, 1, 1});
+  SwitchOn(CStaging::RemovedLights(test.m_Grid), 4, {1, 1, 1});
   test.m_Grid.ComputeCoefsTexels();
   const std::vector<Vector3> before(test.m_Grid.Relighting().Texels().Normals().begin(),
                                     test.m_Grid.Relighting().Texels().Normals().end());
@@ -244,8 +245,8 @@ TEST(GridTexels, CanBeLocatedForDrawing) {
 
 TEST(GridKd, AllocatesNothingPerTexel) {
   CPictureGrid test(64, 64);
-  SwitchOn(test.m_Grid.Relighting().RemovedLights(), 0, {1, 1, 1});
-  SwitchOn(test.m_Grid.Relighting().AddedLights(), 0, {1, 1, 1});
+  SwitchOn(CStaging::RemovedLights(test.m_Grid), 0, {1, 1, 1});
+  SwitchOn(CStaging::AddedLights(test.m_Grid), 0, {1, 1, 1});
   const ConsoleCapture lines;
   const std::size_t before = AllocationCount();
   test.m_Grid.GetKd();

@@ -12,6 +12,7 @@
 #include "lighting/CShading.h"
 #include "quadtree/TreeNormals.h"
 #include "support/BmpBuilders.h"
+#include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/LightingBuilders.h"
 
@@ -48,7 +49,7 @@ struct CPhotographedBump : CTestGrid {
     m_Grid.ComputeCoefsTexels();
     m_Grid.Relighting().SetPicture(ThroughFile(Photograph()));
     m_Grid.ComputeCoefsTexels();
-    m_Grid.Relighting().RemovedLights() = KnownLights();
+    CStaging::RemovedLights(m_Grid) = KnownLights();
   }
 
   Vector3 ShadingAt(std::size_t texel) const {
@@ -107,7 +108,7 @@ TEST(Relighting, TheBumpIsShadedAllOver) {
 
 TEST(Relighting, TheSameLightsRemovedAndAddedGiveBackThePhotograph) {
   CPhotographedBump test;
-  test.m_Grid.Relighting().AddedLights() = KnownLights();
+  CStaging::AddedLights(test.m_Grid) = KnownLights();
   test.m_Grid.GetKd();
   const CTextureImages& images = test.m_Grid.Relighting().Textures();
   ASSERT_EQ(images.PictureWidth(), kSide);

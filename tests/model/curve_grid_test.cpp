@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/CStaging.h"
 #include "support/CurveGrid.h"
 
 namespace {
@@ -91,7 +92,7 @@ TEST(GridCurvesTest, TracedPointIsRefusedOnceAndGoesWithTheRebuild) {
 TEST(GridCurvesTest, CurvesWithoutNodesGoWithTheRebuild) {
   CCurveGrid test;
   test.Add(kPath);
-  test.m_Grid.Constraints().Curves().Add();
+  CStaging::Constraints(test.m_Grid).Curves().Add();
   test.m_Grid.SetDiscMap();
   EXPECT_EQ(test.m_Grid.Constraints().Curves().size(), 1U);
   EXPECT_EQ(Occurrences(test.m_Console.Take(), "Error"), 0);
@@ -128,7 +129,7 @@ TEST(PendingGridCurveTest, ShiftAfterOneClickMakesAnOpenPair) {
 TEST(PendingGridCurveTest, CursorOnTheFirstPointClosesTheClickedPoints) {
   CCurveGrid test;
   test.Click(kPath);
-  test.m_Grid.Constraints().PendingCurve().Hover(0.2, 21.2, PickReach());
+  test.m_Grid.CurveEdits().HoverPending(0.2, 21.2, PickReach());
   test.m_Grid.CurveEdits().ValidatePending(0.2, 21.2, false, kTear);
   EXPECT_TRUE(test.Curve().IsClosed());
   EXPECT_EQ(PlacesOf(test.Curve()), kPath);
@@ -138,7 +139,7 @@ TEST(PendingGridCurveTest, CursorOnTheFirstPointClosesTheClickedPoints) {
 TEST(PendingGridCurveTest, SinglePointMakesNoCurve) {
   CCurveGrid test;
   test.Click({{0, 21}});
-  test.m_Grid.Constraints().PendingCurve().SetClosedOnValidate(true);
+  CStaging::Constraints(test.m_Grid).PendingCurve().SetClosedOnValidate(true);
   EXPECT_EQ(test.m_Grid.CurveEdits().ValidatePending(0, 21, false, kTear), CCurveEdits::Validation::Dropped);
   EXPECT_TRUE(test.m_Grid.Constraints().Curves().empty());
   EXPECT_TRUE(test.m_Grid.Constraints().PendingCurve().IsIdle());

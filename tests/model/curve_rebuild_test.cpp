@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/CStaging.h"
 #include "support/CurveGrid.h"
 
 namespace {
@@ -53,7 +54,7 @@ TEST(CurveCodesTest, AttributesCodeAsksTheHostForTheDialog) {
 TEST(CurveCodesTest, SubdivideCodeSplitsTheSelectionAndShowsIt) {
   CCurveGrid test;
   test.Add({{-2, 25}, {-1, 25.5}});
-  CSaveQuadT& wanted = test.m_Grid.Wanted().Current().Root().Child(1).Child(0);
+  CSaveQuadT& wanted = CStaging::Subdivision(test.m_Grid).Root().Child(1).Child(0);
   wanted.SetSelected(true);
   test.m_Grid.Post(Operation::kSubdivide);
   test.m_Grid.UpdateGrid();
@@ -69,7 +70,7 @@ TEST(CurveCodesTest, SubdivideCodeSplitsTheSelectionAndShowsIt) {
 
 TEST(CurveCodesTest, MergeCodeUndoesIt) {
   CCurveGrid test;
-  CSaveQuadT& wanted = test.m_Grid.Wanted().Current().Root().Child(1).Child(0);
+  CSaveQuadT& wanted = CStaging::Subdivision(test.m_Grid).Root().Child(1).Child(0);
   wanted.SetSelected(true);
   for (const Operation code : {Operation::kSubdivide, Operation::kMerge}) {
     test.m_Grid.Post(code);
@@ -84,8 +85,8 @@ TEST(CurveCodesTest, MergeCodeUndoesIt) {
 
 TEST(CurveCodesTest, OtherResolutionShowsItsOwnSelection) {
   CCurveGrid test;
-  test.m_Grid.Wanted().Current().Root().Child(1).Child(0).SetSelected(true);
-  test.m_Grid.Wanted().Current().ShowSelection(test.m_Grid.Tree());
+  CStaging::Subdivision(test.m_Grid).Root().Child(1).Child(0).SetSelected(true);
+  CStaging::Subdivision(test.m_Grid).ShowSelection(test.m_Grid.Tree());
   test.m_Grid.Post(Operation::kRestoreHigh);
   test.m_Grid.UpdateGrid();
   EXPECT_FALSE(test.m_Grid.Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
@@ -126,7 +127,7 @@ TEST(CurveRebuildTest, ConstraintsInTheTearAreDisabledAndFreedWithIt) {
   test.m_Grid.SetDiscMap();
   EXPECT_TRUE(RecordAt(test.m_Grid.Constraints().Points(), 0).HasKind(PtCstrKind::kDisabled));
   EXPECT_FALSE(RecordAt(test.m_Grid.Constraints().Points(), 1).HasKind(PtCstrKind::kDisabled));
-  test.m_Grid.Constraints().Curves().clear();
+  CStaging::Constraints(test.m_Grid).Curves().clear();
   test.m_Grid.SetDiscMap();
   EXPECT_FALSE(RecordAt(test.m_Grid.Constraints().Points(), 0).HasKind(PtCstrKind::kDisabled));
 }
@@ -171,7 +172,7 @@ TEST(CurveRebuildTest, DeletedCurveLeavesTheTreeAsItWas) {
   test.Add(kPath);
   test.Add({{0, 25}, {9, 21}}, kCrease);
   test.m_Grid.SetDiscMap();
-  test.m_Grid.Constraints().Curves().clear();
+  CStaging::Constraints(test.m_Grid).Curves().clear();
   test.m_Grid.SetDiscMap();
   EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 16);
   EXPECT_EQ(test.m_Grid.Lattice().Count(PointFlag::kCrease), 0U);
@@ -303,7 +304,7 @@ TEST(CurveAttributesTest, ExportedConstraintsKeepTheirFineCellsWithoutTheCurve) 
   CAttributesGrid test;
   test.Curve().SetOption(CurveOption::kLeftAutoBump, true);
   test.m_Grid.CurveEdits().ExportConstraints(test.At(4, 22));
-  test.m_Grid.Constraints().Curves().clear();
+  CStaging::Constraints(test.m_Grid).Curves().clear();
   test.m_Grid.SetDiscMap();
   ASSERT_FALSE(test.m_Grid.Constraints().Points().empty());
   for (const CPtCstr& c : test.m_Grid.Constraints().Points())

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "model/CGrid.h"
+#include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 #include "support/UpdateBuilders.h"
 
@@ -224,7 +225,7 @@ TEST(FairSurfaceTest, StrongFairnessStraightensTheSurfaceAlongTheCurve) {
   const auto bendAlongCurve = [](double weight) {
     CSurfaceGrid test;
     test.AddCurve({{10, 50.5}, {90, 50.5}}, CurveType::kFairness);
-    test.m_Grid.Constraints().Curves().back().SetAllWeights(weight, weight, 0, 0);
+    CStaging::Constraints(test.m_Grid).Curves().back().SetAllWeights(weight, weight, 0, 0);
     test.AddHeights({{50, 40}}, 20.0);
     test.AddHeights({{5, 50}, {95, 50}, {50, 95}, {50, 5}}, 0.0);
     EXPECT_TRUE(RunUntilPaused(test.m_Grid, 5000));
@@ -275,9 +276,9 @@ TEST(RandomCurvesTest, NeverLeaveAHeightThatIsNotFinite) {
   CSurfaceGrid test(4, 2);
   test.AddHeights({{20, 20}, {80, 30}, {40, 85}}, CRamp{0.1, 0.2, 1});
   for (int k = 0; k < 1000; ++k) {
-    if (test.m_Grid.Constraints().Curves().size() > 3) test.m_Grid.Constraints().Curves().clear();
+    if (test.m_Grid.Constraints().Curves().size() > 3) CStaging::Constraints(test.m_Grid).Curves().clear();
     test.AddCurve(random.Places(), static_cast<CurveType>(1U << random.UpTo(2)), random.Flip());
-    CCntrCtrl& curve = test.m_Grid.Constraints().Curves().back();
+    CCntrCtrl& curve = CStaging::Constraints(test.m_Grid).Curves().back();
     curve.SetAllWeights(random.Value(-1, 5), random.Value(0, 5), 1, 1);
     curve.SetOption(static_cast<std::uint32_t>(random.UpTo(3)), true);
     curve.SetDistance(CurveSide::Left, random.Value(-1, 20));

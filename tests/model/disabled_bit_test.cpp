@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "model/CGrid.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -13,7 +14,7 @@ namespace {
 class DisabledBitTest : public testing::Test {
  protected:
   CGrid& Grid() { return m_Test.m_Grid; }
-  CPtCstrList& List() { return Grid().Constraints().Points(); }
+  CPtCstrList& List() { return CStaging::Constraints(Grid()).Points(); }
   CQuadT& Leaf(int i, int j) { return Grid().Tree().CellAt(2, i, j); }
   // A constraint at a place of leaf (i, j), given from its centre in units of its size.
   CPtCstr Placed(CPtCstr constraint, int i, int j, double u, double v) {

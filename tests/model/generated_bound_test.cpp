@@ -7,6 +7,7 @@
 
 #include "model/CGrid.h"
 #include "model/RefusedCurves.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -29,7 +30,7 @@ class GeneratedBoundTest : public testing::Test {
     std::vector<CPtCstr> places;
     for (int k = 0; k <= segments; ++k) places.push_back({-3 + 0.25 * k, 22.2});
     Grid().AddCurve(places, CurveType::kFairness, false);
-    CCntrCtrl& curve = Grid().Constraints().Curves().back();
+    CCntrCtrl& curve = CStaging::Constraints(Grid()).Curves().back();
     curve.SetOption(CurveOption::kLeftAutoBump, true);
     curve.SetDistance(CurveSide::Left, kDistance);
     return curve;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "model/CGrid.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -18,7 +19,7 @@ class GridConstraintsTest : public testing::Test {
   GridConstraintsTest() { SetSurface(Grid(), m_Ramp); }
 
   CGrid& Grid() { return m_Test.m_Grid; }
-  CPtCstrList& List() { return Grid().Constraints().Points(); }
+  CPtCstrList& List() { return CStaging::Constraints(Grid()).Points(); }
   // Puts records into the list, one selected for each 1 in `selection`, past the operations that post.
   void Fill(const std::vector<CPtCstr>& records, const std::string& selection) {
     for (const CPtCstr& c : records) List().Add(c);
@@ -222,8 +223,8 @@ TEST_F(GridConstraintsTest, DeletingPostsARebuildAndSelectsTheSuccessor) {
 }
 
 TEST_F(GridConstraintsTest, OperationsLeaveTheGeneratedConstraintsAlone) {
-  Grid().Constraints().Generated().Add(HeightCstr(4, 23, 5));
-  SetSelection(Grid().Constraints().Generated(), "1");
+  CStaging::Constraints(Grid()).Generated().Add(HeightCstr(4, 23, 5));
+  SetSelection(CStaging::Constraints(Grid()).Generated(), "1");
   EXPECT_FALSE(Grid().HighlightPtCstrs(4, 23, kPosition));
   Grid().MoveSelectedPtCstr(1, 1);
   Grid().DeleteSelectedPtCstr();
@@ -234,8 +235,8 @@ TEST_F(GridConstraintsTest, OperationsLeaveTheGeneratedConstraintsAlone) {
 
 TEST_F(GridConstraintsTest, RefreshGivesNormalsOfBothListsTheHeightUnderThem) {
   Fill({SlopeCstr(2, 22), HeightCstr(3, 23, 6)}, "00");
-  Grid().Constraints().Generated().Add(SlopeCstr(5.5, 24.25));
-  Grid().Constraints().Generated().Add(HeightAndSlopeCstr(5.5, 24.25, 8));
+  CStaging::Constraints(Grid()).Generated().Add(SlopeCstr(5.5, 24.25));
+  CStaging::Constraints(Grid()).Generated().Add(HeightAndSlopeCstr(5.5, 24.25, 8));
   Grid().RefreshNormalCstrHeights();
   EXPECT_NEAR(RecordAt(List(), 0).m_fZ, m_Ramp(2, 22), 1e-9);
   EXPECT_EQ(RecordAt(List(), 1).m_fZ, 6);

@@ -6,6 +6,7 @@
 
 #include "model/CGrid.h"
 #include "solver/TreeWalkTransform.h"
+#include "support/CStaging.h"
 #include "support/GridBuilders.h"
 
 namespace {
@@ -18,7 +19,7 @@ class GridRebuildTest : public testing::TestWithParam<WaveletMode> {
   GridRebuildTest() { Grid().Builder().SetWaveletMode(GetParam()); }
 
   CGrid& Grid() { return m_Test.m_Grid; }
-  CSubdivisionRecord& Record() { return Grid().Wanted().Current(); }
+  CSubdivisionRecord& Record() { return CStaging::Subdivision(Grid()); }
   CSaveQuadT& Saved(const std::vector<int>& path) { return SavedNode(Record(), path); }
   double HeightAt(int column, int row) { return Grid().Lattice().Heights()[Grid().Lattice().Index(column, row)]; }
 

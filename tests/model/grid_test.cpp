@@ -8,6 +8,7 @@
 
 #include "model/CGrid.h"
 #include "model/Globals.h"
+#include "support/CStaging.h"
 #include "support/GridBuilders.h"
 
 namespace {
@@ -25,9 +26,9 @@ int UniformDepth(const CSaveQuadT& node) {
 
 // A constraint in each list, told apart by their heights.
 void AddConstraints(CGrid& grid) {
-  grid.Constraints().Points().Add({1, 21, PtCstrKind::kPosition, 2.5, 0, 0});
-  grid.Constraints().Points().Add({2, 22, PtCstrKind::kNormal, 3.5, 0.25, -0.5});
-  grid.Constraints().Generated().Add({3, 23, PtCstrKind::kPosition, 4.5, 0, 0});
+  CStaging::Constraints(grid).Points().Add({1, 21, PtCstrKind::kPosition, 2.5, 0, 0});
+  CStaging::Constraints(grid).Points().Add({2, 22, PtCstrKind::kNormal, 3.5, 0.25, -0.5});
+  CStaging::Constraints(grid).Generated().Add({3, 23, PtCstrKind::kPosition, 4.5, 0, 0});
 }
 
 TEST(GridTest, DefaultsOfTheProcess) {
@@ -264,8 +265,8 @@ TEST(GridTest, NotKeepingEmptiesBothConstraintLists) {
 
 TEST(GridTest, LightsOutliveInitialize) {
   CTestGrid test;
-  test.m_Grid.Relighting().RemovedLights().m_aLights[2].m_bActive = true;
-  test.m_Grid.Relighting().AddedLights().m_aLights[CLightSet::kAmbient].m_afColour = {0.25, 0.5, 0.75};
+  CStaging::RemovedLights(test.m_Grid).m_aLights[2].m_bActive = true;
+  CStaging::AddedLights(test.m_Grid).m_aLights[CLightSet::kAmbient].m_afColour = {0.25, 0.5, 0.75};
   test.Initialize(3, false);
   EXPECT_TRUE(test.m_Grid.Relighting().RemovedLights().m_aLights[2].m_bActive);
   EXPECT_EQ(test.m_Grid.Relighting().AddedLights().m_aLights[4].m_afColour, (std::array{0.25, 0.5, 0.75}));
@@ -292,7 +293,7 @@ TEST(GridTest, HighResolutionMakesTheOtherRecordTheCurrentOne) {
 TEST(GridTest, FreeAllDropsConstraintsAndUnknowns) {
   CTestGrid test;
   AddConstraints(test.m_Grid);
-  test.m_Grid.Constraints().Headers() = {3, 4, 5};
+  CStaging::Constraints(test.m_Grid).Headers() = {3, 4, 5};
   test.m_Grid.FreeAll();
   const CListHeaders& headers = test.m_Grid.Constraints().Headers();
   EXPECT_EQ((std::array{headers.m_iPoints, headers.m_iCurves, headers.m_iRegions}), (std::array{0, 0, 0}));

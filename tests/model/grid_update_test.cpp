@@ -8,6 +8,7 @@
 
 #include "model/CGrid.h"
 #include "support/AllocationCount.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -81,7 +82,7 @@ TEST_F(GridUpdateTest, RestartKeepsTheMatrixAndRebuildsTheRows) {
   Grid().UpdateGrid();
   const std::size_t entries = Solver().System().Smoothness().EntryCount();
   Grid().Lattice().Set(Grid().Lattice().Index(8, 8), PointFlag::kCrease);
-  Grid().Constraints().Points().Add(HeightCstr(7, 21.5, 2));
+  CStaging::Constraints(Grid()).Points().Add(HeightCstr(7, 21.5, 2));
   Console();
   Grid().Post(Operation::kRestart);
   EXPECT_EQ(Tick(), "");
@@ -203,7 +204,7 @@ TEST_F(GridUpdateTest, FewerConstraintsKeepTheFirstMultipliers) {
   AddSome();
   for (int tick = 0; tick < 3; ++tick) Grid().UpdateGrid();
   const std::vector<double> before = Copied(Solver().Multipliers());
-  SetSelection(Grid().Constraints().Points(), "0001");
+  SetSelection(CStaging::Constraints(Grid()).Points(), "0001");
   Grid().DeleteSelectedPtCstr();
   StartIteration(Grid());
   EXPECT_EQ(Copied(Solver().Multipliers()), std::vector(before.begin(), before.begin() + 3));
@@ -360,7 +361,7 @@ TEST_F(GridUpdateTest, ChangeOfModeBetweenTheStepsStartsTheIterationAnew) {
 TEST_F(GridUpdateTest, RenumberingAsksForARebuild) {
   AddSome();
   Grid().UpdateGrid();
-  Grid().Wanted().Current().Root().Child(1).Child(2).subdiv();
+  CStaging::Subdivision(Grid()).Root().Child(1).Child(2).subdiv();
   Grid().Builder().ReplaySubdivision();
   EXPECT_EQ(Grid().Solver().Counter(), -1);
 }
@@ -368,7 +369,7 @@ TEST_F(GridUpdateTest, RenumberingAsksForARebuild) {
 TEST_F(GridUpdateTest, NewRowsAskForARestart) {
   AddSome();
   Grid().UpdateGrid();
-  Grid().Constraints().Points().Add(HeightCstr(7, 21.5, 2));
+  CStaging::Constraints(Grid()).Points().Add(HeightCstr(7, 21.5, 2));
   Grid().SetSparseH();
   EXPECT_EQ(Grid().Solver().Counter(), 0);
 }

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "model/CGrid.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -14,7 +15,7 @@ namespace {
 class InactiveConstraintsTest : public testing::Test {
  protected:
   CGrid& Grid() { return m_Test.m_Grid; }
-  CPtCstrList& List() { return Grid().Constraints().Points(); }
+  CPtCstrList& List() { return CStaging::Constraints(Grid()).Points(); }
   const CPtCstr& At(int place) { return RecordAt(List(), place); }
   void Tear() { Grid().AddCurve(std::vector<CPtCstr>{{1, 23.9}, {8, 23.9}}, CurveType::kPosition, false); }
   void Rebuild(const std::vector<CPtCstr>& records) {
@@ -97,7 +98,7 @@ TEST_F(InactiveConstraintsTest, ATearDrawnOverAHeightTakesItOutOfTheCount) {
   Grid().PerformPendingWork();
   EXPECT_EQ(m_Host.m_iConstraints, 1);
   EXPECT_EQ(Why(0), "in a tear");
-  Grid().Constraints().Curves().clear();
+  CStaging::Constraints(Grid()).Curves().clear();
   Rebuild({});
   EXPECT_EQ(m_Host.m_iConstraints, 2);
   EXPECT_EQ(Why(0), "");
@@ -105,7 +106,7 @@ TEST_F(InactiveConstraintsTest, ATearDrawnOverAHeightTakesItOutOfTheCount) {
 
 TEST_F(InactiveConstraintsTest, GeneratedOnesAreJudgedAndNotCounted) {
   Rebuild({HeightCstr(3, 21, 1)});
-  Grid().Constraints().Generated().Add(SlopeCstr(3, 19));
+  CStaging::Constraints(Grid()).Generated().Add(SlopeCstr(3, 19));
   Grid().Post(Operation::kRestart);
   Grid().PerformPendingWork();
   EXPECT_EQ(Grid().Constraints().WhyInactive(RecordAt(Grid().Constraints().Generated(), 0)), Inactivity::Outside);

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "model/CGrid.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -27,7 +28,7 @@ struct CPostedGrid : CTestGrid {
   CPostedGrid() : CTestGrid(3, 1) {
     for (const CPtCstr& c : SomeConstraints()) m_Grid.AddPtCstr(c);
     m_Grid.UpdateGrid();
-    m_Grid.Constraints().Points().Add(HeightCstr(7, 21.5, 2));
+    CStaging::Constraints(m_Grid).Points().Add(HeightCstr(7, 21.5, 2));
     m_Console.Take();
   }
   /// The console text of a tick before which the codes are posted.
@@ -190,7 +191,7 @@ TEST(PostedWorkTest, NewGridInPlaceKeepsWhatWasPostedWithIt) {
 // what is owed first, whether it was posted before the command or after it.
 void ExpectSavedInTheWantedSubdivision(const std::vector<int>& codes) {
   CPostedGrid test;
-  test.m_Grid.Wanted().Current().Root().Child(1).subdiv();
+  CStaging::Subdivision(test.m_Grid).Root().Child(1).subdiv();
   test.m_Host.m_OnCommand = [&](int) {
     test.m_Grid.PerformPendingWork();
     EXPECT_EQ(test.m_Grid.Surface().ActivePointCount(), 14);
@@ -267,7 +268,7 @@ TEST(PostedWorkTest, PerformingAtOnceLeavesNormalsUpToDate) {
   CPostedGrid test;
   const CRamp ramp;
   SetSurface(test.m_Grid, ramp);
-  test.m_Grid.Wanted().Current().Root().Child(1).subdiv();
+  CStaging::Subdivision(test.m_Grid).Root().Child(1).subdiv();
   test.m_Grid.Post(Operation::kRebuildMaps);
   test.m_Grid.PerformPendingWork();
   const CPointOrder& order = test.m_Grid.Order();

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "model/CGrid.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -116,7 +117,7 @@ TEST_F(ResetTest, SurfaceOfTheResetIsTheStartOfTheNextTick) {
 
 TEST_F(ResetTest, ConstraintsAndSubdivisionStay) {
   AddAll(Grid(), SomeConstraints());
-  Grid().Wanted().Current().Root().Child(1).Child(2).subdiv();
+  CStaging::Subdivision(Grid()).Root().Child(1).Child(2).subdiv();
   Grid().Reset();
   Grid().UpdateGrid();
   EXPECT_EQ(Grid().Constraints().Points().size(), 4U);

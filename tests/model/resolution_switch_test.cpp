@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "model/CGrid.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -36,9 +37,9 @@ class ResolutionSwitchTest : public testing::TestWithParam<WaveletMode> {
   }
   // Leaves of different size, so that there are hanging points.
   void MakeUneven() {
-    Grid().Wanted().Current().Root().Child(1).Child(2).subdiv();
-    Grid().Wanted().Current().Root().Child(1).Child(2).Child(0).subdiv();
-    MakeSavedLeaf(Grid().Wanted().Current().Root().Child(3));
+    CStaging::Subdivision(Grid()).Root().Child(1).Child(2).subdiv();
+    CStaging::Subdivision(Grid()).Root().Child(1).Child(2).Child(0).subdiv();
+    MakeSavedLeaf(CStaging::Subdivision(Grid()).Root().Child(3));
     Grid().SetDiscMap();
   }
 
@@ -84,7 +85,7 @@ TEST_P(ResolutionSwitchTest, HighResolutionUsesEveryLatticePoint) {
 }
 
 TEST_P(ResolutionSwitchTest, RecordsAreSwapped) {
-  CSaveQuadT* normal = &Grid().Wanted().Current().Root();
+  CSaveQuadT* normal = &CStaging::Subdivision(Grid()).Root();
   for (const int code : {8, 16, 32, 64}) {
     Switch(code);
     EXPECT_EQ(&Grid().Wanted().Current().Root() == normal, code == 16 || code == 64) << code;
@@ -201,7 +202,7 @@ TEST_P(ResolutionSwitchTest, LastSurfaceBeforeTheSwitchIsTheOneThatIsKept) {
 
 // The surface belongs to places and not to numbers: the wanted subdivision changes while the other one is in force.
 TEST_P(ResolutionSwitchTest, RestoringGoesByPlaceWhenThePointsHaveChanged) {
-  CSaveQuadT& normalRoot = Grid().Wanted().Current().Root();
+  CSaveQuadT& normalRoot = CStaging::Subdivision(Grid()).Root();
   const std::vector<double> normal = NewSurface(27);
   Switch(32);
   NewSurface(29);
@@ -218,7 +219,7 @@ TEST_P(ResolutionSwitchTest, RestoringGoesByPlaceInAnyChange) {
   for (std::uint32_t seed = 1; seed <= 8; ++seed) {
     CTestGrid test(4, 2);
     CGrid& grid = test.m_Grid;
-    RandomiseRecord(grid.Wanted().Current(), seed);
+    RandomiseRecord(CStaging::Subdivision(grid), seed);
     grid.SetDiscMap();
     SetRandomSurface(grid, seed);
     const std::vector<double> before = SurfaceOnLattice(grid);
@@ -237,7 +238,7 @@ TEST_P(ResolutionSwitchTest, RefiningAfterTheRebuildFindsTheRestoredSurface) {
   Switch(32);
   NewSurface(33);
   Switch(64);
-  Grid().Wanted().Current().Root().Child(1).Child(0).subdiv();
+  CStaging::Subdivision(Grid()).Root().Child(1).Child(0).subdiv();
   Grid().SetDiscMap();
   Grid().Surface().Reconstruct();
   EXPECT_LT(DistanceFrom(normal), kTolerance);
@@ -254,7 +255,7 @@ TEST_P(ResolutionSwitchTest, SwitchesInOneTickAreAllMade) {
 
 TEST_P(ResolutionSwitchTest, SubdividedAndSwitchedInOneTickNothingIsLost) {
   const std::vector<double> normal = NewSurface(37);
-  Grid().Wanted().Current().Root().Child(1).Child(0).subdiv();
+  CStaging::Subdivision(Grid()).Root().Child(1).Child(0).subdiv();
   Grid().Post(Operation::kRebuildMaps);
   Grid().Post(Operation::kTransferToHigh);
   Grid().PerformPendingWork();

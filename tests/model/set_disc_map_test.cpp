@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "model/CGrid.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -16,9 +17,9 @@ class SetDiscMapTest : public testing::TestWithParam<WaveletMode> {
   CGrid& Grid() { return m_Test.m_Grid; }
   // Leaves of three sizes in the wanted subdivision.
   void Refine() {
-    Grid().Wanted().Current().Root().Child(1).Child(2).subdiv();
-    Grid().Wanted().Current().Root().Child(1).Child(2).Child(0).subdiv();
-    MakeSavedLeaf(Grid().Wanted().Current().Root().Child(3));
+    CStaging::Subdivision(Grid()).Root().Child(1).Child(2).subdiv();
+    CStaging::Subdivision(Grid()).Root().Child(1).Child(2).Child(0).subdiv();
+    MakeSavedLeaf(CStaging::Subdivision(Grid()).Root().Child(3));
   }
 
   CTestGrid m_Test{4, 2};
@@ -109,7 +110,7 @@ TEST_P(SetDiscMapTest, MarksAndCreasesAreForgotten) {
 
 TEST_P(SetDiscMapTest, GeneratedConstraintsAreDroppedAndTheUsersKept) {
   AddAll(Grid(), SomeConstraints());
-  Grid().Constraints().Generated().Add(HeightCstr(4, 23, 5));
+  CStaging::Constraints(Grid()).Generated().Add(HeightCstr(4, 23, 5));
   Grid().SetDiscMap();
   EXPECT_TRUE(Grid().Constraints().Generated().empty());
   EXPECT_EQ(Grid().Constraints().Points().size(), 4U);

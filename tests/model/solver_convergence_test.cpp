@@ -12,6 +12,7 @@
 
 #include "constraints/CCntrCtrlList.h"
 #include "model/CGrid.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -159,7 +160,7 @@ class EditAfterConvergenceTest : public testing::TestWithParam<WaveletMode> {
  protected:
   EditAfterConvergenceTest() {
     Grid().Builder().SetWaveletMode(GetParam());
-    SetSelection(Grid().Constraints().Points(), "0100");
+    SetSelection(CStaging::Constraints(Grid()).Points(), "0100");
   }
   CGrid& Grid() { return m_Test.m_Grid; }
   void ExpectTheNewSurface() {
@@ -192,7 +193,7 @@ TEST_P(EditAfterConvergenceTest, HeightsFarAwayAreForgotten) {
 }
 
 TEST_P(EditAfterConvergenceTest, ChangedSlopeIsReached) {
-  SetSelection(Grid().Constraints().Points(), "0001");
+  SetSelection(CStaging::Constraints(Grid()).Points(), "0001");
   for (const double slope : {0.125, -3.0, 1.0}) {
     Grid().ChangeSelectedNormal(slope, -slope / 2);
     ExpectTheNewSurface();
@@ -264,7 +265,7 @@ TEST(ContradictionTest, StopsAreRetriedAtMostTwicePerEdit) {
   for (const double z : {5.0, 6.0}) {
     ASSERT_TRUE(RunUntilPaused(test.m_Grid));
     EXPECT_LE(Occurrences(test.m_Console.Take(), "|r_rr|"), 3);
-    SetSelection(test.m_Grid.Constraints().Points(), "10000");
+    SetSelection(CStaging::Constraints(test.m_Grid).Points(), "10000");
     test.m_Grid.SetSelectedHeight(z);
   }
 }
@@ -282,7 +283,7 @@ TEST(ContradictionTest, SurfaceStaysFiniteAndRecovers) {
                          std::numeric_limits<double>::quiet_NaN()}) {
     SCOPED_TRACE(z);
     CConvergedGrid test;
-    SetSelection(test.m_Grid.Constraints().Points(), "0100");
+    SetSelection(CStaging::Constraints(test.m_Grid).Points(), "0100");
     test.m_Grid.SetSelectedHeight(z);
     EXPECT_TRUE(RunUntilPaused(test.m_Grid));
     EXPECT_TRUE(std::isfinite(test.m_Grid.Surface().MinHeight()) && std::isfinite(test.m_Grid.Surface().MaxHeight()));

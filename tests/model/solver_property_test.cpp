@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include "support/CStaging.h"
 #include "support/ConstraintBuilders.h"
 #include "support/DirectSolution.h"
 #include "support/UpdateBuilders.h"
@@ -42,7 +43,7 @@ class CEditedModel : public CSolverGrid {
 
   void EditAtRandom() {
     const auto place = static_cast<int>(m_Random() % (kHeights + kSlopes));
-    CPtCstr& edited = RecordAt(m_Grid.Constraints().Points(), place);
+    CPtCstr& edited = RecordAt(CStaging::Constraints(m_Grid).Points(), place);
     m_Grid.UnselectAll();
     edited.SetState(PtCstrState::kSelected, true);
     if (m_Random() % 3 == 0) {
@@ -177,8 +178,8 @@ TEST_P(SolverSymmetryTest, ImageOfTheConstraintsGivesTheImageOfTheSurface) {
   for (const CPtCstr& c : constraints) images.push_back(::Image(symmetry, extent, c));
   CSolverGrid solver(5, 3, extent);
   CSolverGrid mirrored(5, 3, symmetry.m_bTransposed ? CExtent{10, 70, -20, 60} : extent);
-  RandomiseRecord(solver.m_Grid.Wanted().Current(), 21, 40);
-  CopyImage(symmetry, solver.m_Grid.Wanted().Current().Root(), mirrored.m_Grid.Wanted().Current().Root());
+  RandomiseRecord(CStaging::Subdivision(solver.m_Grid), 21, 40);
+  CopyImage(symmetry, CStaging::Subdivision(solver.m_Grid).Root(), CStaging::Subdivision(mirrored.m_Grid).Root());
   const std::vector<double> surface = Solved(solver, constraints);
   const std::vector<double> wanted = Image(solver.m_Grid.Lattice(), surface);
   const auto [lowest, highest] = std::ranges::minmax(surface);
@@ -190,7 +191,7 @@ class CContradictoryModel : public CSolverGrid {
  public:
   CContradictoryModel(std::uint32_t seed, int contradictions, WaveletMode mode)
       : CSolverGrid(4, 1 + static_cast<int>(seed % 3), CExtent{}, mode), m_Random(seed) {
-    if (seed % 2 == 0) RandomiseRecord(m_Grid.Wanted().Current(), seed, 15);
+    if (seed % 2 == 0) RandomiseRecord(CStaging::Subdivision(m_Grid), seed, 15);
     m_Grid.SetDiscMap();
     const auto heights = 3 + static_cast<int>(m_Random() % 6);
     const auto slopes = static_cast<int>(m_Random() % 3);
@@ -284,7 +285,7 @@ TEST_P(SolverLimitsTest, TwoHeightsAtOnePointEndAtTheirMean) {
   AddSurroundings();
   Add({HeightCstr(50, 50, 13)});
   const std::vector<double> wanted = m_Solver.DirectHeights();
-  RecordAt(Grid().Constraints().Points(), 5).m_fZ = 6;
+  RecordAt(CStaging::Constraints(Grid()).Points(), 5).m_fZ = 6;
   Add({HeightCstr(50, 50, 20)});
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_NEAR(HeightAt(50, 50), 13, 1e-5);
@@ -304,7 +305,7 @@ TEST_P(SolverLimitsTest, TwoSlopesAtOnePointEndAtTheirMean) {
   AddSurroundings();
   Add({SlopeCstr(57, 52, 0.25, -0.125)});
   const std::vector<double> wanted = m_Solver.DirectHeights();
-  RecordAt(Grid().Constraints().Points(), 5).m_fP = -0.75;
+  RecordAt(CStaging::Constraints(Grid()).Points(), 5).m_fP = -0.75;
   Add({SlopeCstr(57, 52, 1.25, -0.125)});
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_LT(m_Solver.ErrorAgainst(wanted), kContradicted);
@@ -324,7 +325,7 @@ TEST_P(SolverLimitsTest, SurfaceIsExactAgainOnceAContradictionIsGone) {
   AddSurroundings();
   Add({HeightCstr(50, 50, 6), HeightCstr(50, 50, 20)});
   ASSERT_TRUE(m_Solver.Converge());
-  SetSelection(Grid().Constraints().Points(), "0000001");
+  SetSelection(CStaging::Constraints(Grid()).Points(), "0000001");
   Grid().DeleteSelectedPtCstr();
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_LT(m_Solver.ErrorAgainst(m_Solver.DirectHeights()), kTolerance);
@@ -335,7 +336,7 @@ TEST_P(SolverLimitsTest, HeightThatIsNoNumberLeavesTheSurfaceFinite) {
   Add({HeightCstr(50, 50, 13)});
   ASSERT_TRUE(m_Solver.Converge());
   for (const double z : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e300}) {
-    SetSelection(Grid().Constraints().Points(), "000001");
+    SetSelection(CStaging::Constraints(Grid()).Points(), "000001");
     Grid().SetSelectedHeight(z);
     ASSERT_TRUE(RunUntilPaused(Grid())) << z;
     EXPECT_TRUE(AllFinite(Heights())) << z;
@@ -349,7 +350,7 @@ TEST_P(SolverLimitsTest, HeightThatIsNoNumberLeavesTheSurfaceFinite) {
 RC_GTEST_PROP(SolverProperty, AnyConstraintsEndOnAFiniteSurface, ()) {
   CSolverGrid solver(3, *rc::gen::inRange(0, 4), kOblong,
                      *rc::gen::elementOf(std::vector(kAllModes.begin(), kAllModes.end())));
-  RandomiseRecord(solver.m_Grid.Wanted().Current(), *rc::gen::arbitrary<std::uint32_t>());
+  RandomiseRecord(CStaging::Subdivision(solver.m_Grid), *rc::gen::arbitrary<std::uint32_t>());
   solver.m_Grid.SetDiscMap();
   const CLattice& lattice = solver.m_Grid.Lattice();
   for (int count = *rc::gen::inRange(0, 12); count > 0; --count) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "model/CGrid.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -20,7 +21,7 @@ struct CEdit {
 std::vector<CEdit> EveryEdit() {
   const auto onHeight = [](auto edit) {
     return [edit](CGrid& grid) {
-      SetSelection(grid.Constraints().Points(), "1000");
+      SetSelection(CStaging::Constraints(grid).Points(), "1000");
       edit(grid);
     };
   };
@@ -32,7 +33,7 @@ std::vector<CEdit> EveryEdit() {
       {"DeleteSelectedPtCstr", onHeight([](CGrid& grid) { grid.DeleteSelectedPtCstr(); })},
       {"ChangeSelectedNormal",
        [](CGrid& grid) {
-         SetSelection(grid.Constraints().Points(), "0001");
+         SetSelection(CStaging::Constraints(grid).Points(), "0001");
          grid.ChangeSelectedNormal(1, 1);
        }},
       {"Reset", [](CGrid& grid) { grid.Reset(); }},

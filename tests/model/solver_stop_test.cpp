@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "solver/CConjugateResidual.h"
+#include "support/CStaging.h"
 #include "support/CurveGrid.h"
 #include "support/DirectSolution.h"
 
@@ -113,7 +114,7 @@ TEST(SolverGivesUp, AndGoesOnAtTheNextEdit) {
   CTestGrid test;
   CPauseHost host(test.m_Grid);
   AddAll(test.m_Grid, SomeConstraints());
-  SetSelection(test.m_Grid.Constraints().Points(), "0100");
+  SetSelection(CStaging::Constraints(test.m_Grid).Points(), "0100");
   test.m_Grid.SetSelectedHeight(1e154);
   ASSERT_TRUE(RunUntilPaused(test.m_Grid, 20000));
   ASSERT_EQ(host.m_iGivenUp, 1);
@@ -173,7 +174,7 @@ TEST(SolverConverges, WhenAllHeightsAreSetToZero) {
   AddAll(test.m_Grid, {HeightCstr(0.5, 21.25, 1), HeightCstr(10, 22, -2), HeightCstr(3, 25, 3)});
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));
   for (const char* selected : {"100", "010", "001"}) {
-    SetSelection(test.m_Grid.Constraints().Points(), selected);
+    SetSelection(CStaging::Constraints(test.m_Grid).Points(), selected);
     test.m_Grid.SetSelectedHeight(0);
   }
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));

@@ -12,6 +12,7 @@
 
 #include "solver/CHierarchicalBasis.h"
 #include "solver/TreeWalkTransform.h"
+#include "support/CStaging.h"
 #include "support/GridBuilders.h"
 #include "support/TreeBuilders.h"
 #include "support/TreeGenerators.h"
@@ -240,7 +241,7 @@ RC_GTEST_PROP(GridProperty, RebuildKeepsTheSurfaceAtEveryPointInUse, ()) {
     grid.BuildHNumerotation();
     SetRandomSurface(grid, *rc::gen::arbitrary<std::uint32_t>());
     const Values before = SurfaceOnLattice(grid);
-    RandomiseRecord(grid.Wanted().Current(), *rc::gen::arbitrary<std::uint32_t>());
+    RandomiseRecord(CStaging::Subdivision(grid), *rc::gen::arbitrary<std::uint32_t>());
     test.m_Console.Take();
     grid.Builder().ReplaySubdivision();
     RC_ASSERT(test.m_Console.Take() == std::to_string(grid.Surface().ActivePointCount()) + " points\n");

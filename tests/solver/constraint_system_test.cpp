@@ -14,6 +14,7 @@
 #include "solver/CConstraintSystem.h"
 #include "solver/CEnergyTerms.h"
 #include "solver/GridTerms.h"
+#include "support/CStaging.h"
 #include "support/ConstraintBuilders.h"
 #include "support/DirectSolution.h"
 #include "support/TreeBuilders.h"
@@ -206,9 +207,9 @@ struct CEditedGrid : CSolverGrid {
 
 TEST(ConstraintSystemTest, ChangedTargetKeepsTheMatrices) {
   CEditedGrid grid;
-  SetSelection(grid.m_Grid.Constraints().Points(), "10");
+  SetSelection(CStaging::Constraints(grid.m_Grid).Points(), "10");
   grid.m_Grid.SetSelectedHeight(7);
-  SetSelection(grid.m_Grid.Constraints().Points(), "01");
+  SetSelection(CStaging::Constraints(grid.m_Grid).Points(), "01");
   grid.m_Grid.ChangeSelectedNormal(1, 2);
   grid.m_Grid.UpdateGrid();
   const CMatrices after = MatricesOf(grid.m_Grid);
@@ -219,7 +220,7 @@ TEST(ConstraintSystemTest, ChangedTargetKeepsTheMatrices) {
 
 TEST(ConstraintSystemTest, MovedConstraintKeepsTheSmoothnessAndRebuildsTheRows) {
   CEditedGrid grid;
-  SetSelection(grid.m_Grid.Constraints().Points(), "10");
+  SetSelection(CStaging::Constraints(grid.m_Grid).Points(), "10");
   grid.m_Grid.MoveSelectedPtCstr(30, -20);
   grid.m_Grid.UpdateGrid();
   const CMatrices after = MatricesOf(grid.m_Grid);

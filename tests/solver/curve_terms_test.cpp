@@ -9,6 +9,7 @@
 #include <Eigen/LU>
 #include <gtest/gtest.h>
 
+#include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 #include "support/DirectSolution.h"
 #include "support/UpdateBuilders.h"
@@ -80,7 +81,7 @@ Matrix SegmentEnergy(const CQuadTree& tree, const CDirectSystem& system, const C
 
 struct CFairGrid : CSolverGrid {
   CFairGrid(int maxLevel, int baseLevel, std::uint32_t refinement) : CSolverGrid(maxLevel, baseLevel, kOblong) {
-    if (refinement != 0) RandomiseRecord(m_Grid.Wanted().Current(), refinement);
+    if (refinement != 0) RandomiseRecord(CStaging::Subdivision(m_Grid), refinement);
     m_Grid.SetDiscMap();
   }
   CCntrCtrl& Add(const CPlaces& places, bool closed = false, CurveType type = CurveType::kFairness) {
@@ -161,10 +162,10 @@ TEST(FairTermsRuleTest, WithoutWeightThereIsNoTerm) {
   test.Add({{-3.1, 20.3}, {4.2, 25.1}});
   EXPECT_EQ(test.Assembled(), plain);
   for (const double weight : {-1.0, std::nan(""), HUGE_VAL}) {
-    test.m_Grid.Constraints().Curves().back().SetAllWeights(weight, weight, 0, 0);
+    CStaging::Constraints(test.m_Grid).Curves().back().SetAllWeights(weight, weight, 0, 0);
     EXPECT_EQ(test.Assembled(), plain) << weight;
   }
-  test.m_Grid.Constraints().Curves().back().SetAllWeights(1, 1, 0, 0);
+  CStaging::Constraints(test.m_Grid).Curves().back().SetAllWeights(1, 1, 0, 0);
   EXPECT_NE(test.Assembled(), plain);
 }
 
@@ -192,7 +193,7 @@ TEST(FairTermsRuleTest, SegmentsWithoutCrossingOrLengthMakeNone) {
   const Matrix plain = test.Assembled();
   for (const CPlaces& places :
        {CPlaces{{1, 20.2}, {2, 20.4}}, CPlaces{{1, 20.2}, {1, 20.2}}, CPlaces{{NAN, 21}, {5, 25}}}) {
-    test.m_Grid.Constraints().Curves().clear();
+    CStaging::Constraints(test.m_Grid).Curves().clear();
     test.Add(places).SetAllWeights(1, 1, 0, 0);
     EXPECT_EQ(test.Assembled(), plain);
   }
@@ -203,7 +204,7 @@ TEST(FairTermsRuleTest, PartOutsideTheModelMakesNone) {
   const Matrix plain = test.Assembled();
   test.Add({{-30, 21}, {-20, 40}}).SetAllWeights(1, 1, 0, 0);
   EXPECT_EQ(test.Assembled(), plain);
-  test.m_Grid.Constraints().Curves().clear();
+  CStaging::Constraints(test.m_Grid).Curves().clear();
   test.Add({{-30, 21}, {12, 21}}).SetAllWeights(1, 1, 0, 0);
   const Matrix fair = test.Assembled();
   EXPECT_NE(fair, plain);

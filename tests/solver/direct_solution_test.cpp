@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/CStaging.h"
 #include "support/ConstraintBuilders.h"
 #include "support/DirectSolution.h"
 
@@ -92,7 +93,7 @@ class DirectSolutionTest : public testing::TestWithParam<std::tuple<CCase, Wavel
   DirectSolutionTest()
       : m_Solver(Case().m_iMaxLevel, Case().m_iBaseLevel, Case().m_Extent, std::get<WaveletMode>(GetParam())) {
     if (Case().m_uRefinement == 0) return;
-    RandomiseRecord(m_Solver.m_Grid.Wanted().Current(), Case().m_uRefinement, 40);
+    RandomiseRecord(CStaging::Subdivision(m_Solver.m_Grid), Case().m_uRefinement, 40);
     m_Solver.m_Grid.SetDiscMap();
   }
   static const CCase& Case() { return std::get<CCase>(GetParam()); }
@@ -163,7 +164,7 @@ TEST_P(SolvedSurfaceTest, PlaneIsReproduced) {
 
 TEST_P(SolvedSurfaceTest, GeneratedConstraintsShapeTheSurfaceToo) {
   Add(ThreeHeights(m_Extent));
-  Grid().Constraints().Generated().Add(HeightCstr(50, 20, 35));
+  CStaging::Constraints(Grid()).Generated().Add(HeightCstr(50, 20, 35));
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_LT(m_Solver.ErrorAgainst(m_Solver.DirectHeights()), kTolerance);
   EXPECT_NEAR(Grid().GetHeightAt(8, 16.0 / 3), 35, 1e-5);
@@ -232,8 +233,8 @@ TEST_P(SolvedSurfaceTest, SubdivisionAfterConvergenceComesToTheSurfaceOfTheFiner
   CSolverGrid solver(5, 3, m_Extent, GetParam());
   for (const CPtCstr& c : Scattered(m_Extent)) solver.m_Grid.AddPtCstr(c);
   ASSERT_TRUE(solver.Converge());
-  SavedNode(solver.m_Grid.Wanted().Current(), {1, 2}).Child(0).subdiv();
-  SavedNode(solver.m_Grid.Wanted().Current(), {3, 0}).Child(1).subdiv();
+  SavedNode(CStaging::Subdivision(solver.m_Grid), {1, 2}).Child(0).subdiv();
+  SavedNode(CStaging::Subdivision(solver.m_Grid), {3, 0}).Child(1).subdiv();
   solver.m_Grid.Post(Operation::kRebuildMaps);
   ASSERT_TRUE(solver.Converge());
   EXPECT_LT(solver.ErrorAgainst(solver.DirectHeights()), kTolerance);

@@ -34,3 +34,4 @@ inline void SetSelection(CPtCstrList& list, const std::string& digits) {
 
 /// The record at a place of the list.
 inline CPtCstr& RecordAt(CPtCstrList& list, int place) { return *std::next(list.begin(), place); }
+inline const CPtCstr& RecordAt(const CPtCstrList& list, int place) { return *std::next(list.begin(), place); }

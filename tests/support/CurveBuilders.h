@@ -67,3 +67,4 @@ inline std::string Selection(const CCntrCtrlList& list) { return States(list, Pt
 inline std::string Highlights(const CCntrCtrlList& list) { return States(list, PtCstrState::kHighlighted); }
 
 inline CCntrCtrl& CurveAt(CCntrCtrlList& list, int place) { return *std::next(list.begin(), place); }
+inline const CCntrCtrl& CurveAt(const CCntrCtrlList& list, int place) { return *std::next(list.begin(), place); }

@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "model/CGrid.h"
+#include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 #include "support/UpdateBuilders.h"
 
@@ -16,10 +17,10 @@ struct CCurveGrid : CTestGrid {
     m_Grid.AddCurve(PointsAt(places), type, closed);
   }
   void Click(const CPlaces& places) {
-    for (const auto& [x, y] : places) m_Grid.Constraints().PendingCurve().Append(x, y);
+    for (const auto& [x, y] : places) m_Grid.CurveEdits().AppendPending(x, y);
   }
   CurveId At(double x, double y) const { return m_Grid.Constraints().FindCurve(x, y, 1); }
-  CCntrCtrl& Curve(int place = 0) { return CurveAt(m_Grid.Constraints().Curves(), place); }
+  CCntrCtrl& Curve(int place = 0) { return CurveAt(CStaging::Constraints(m_Grid).Curves(), place); }
   CCntrNode& Node(int k) { return *std::next(Curve().Nodes().begin(), k); }
 
   CActingHost m_Host{m_Grid};

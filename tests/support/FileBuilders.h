@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "io/GridFile.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 
 /// The bytes of a file; empty if it cannot be read.
@@ -46,7 +47,7 @@ inline CCntrCtrl& AddCurveThrough(CGrid& grid, CurveType type, const std::vector
   std::vector<CPtCstr> points;
   points.reserve(places.size());
   for (const auto& [x, y] : places) points.push_back({x, y});
-  CCntrCtrl& curve = grid.Constraints().Curves().Add(points, type, false);
+  CCntrCtrl& curve = CStaging::Constraints(grid).Curves().Add(points, type, false);
   grid.Post(Operation::kNewCurve);
   return curve;
 }
@@ -55,8 +56,8 @@ inline CCntrCtrl& AddCurveThrough(CGrid& grid, CurveType type, const std::vector
 struct CFullModel : CTestGrid {
   explicit CFullModel(int maxLevel = 4, int baseLevel = 2) : CTestGrid(maxLevel, baseLevel) {
     AddAll(m_Grid, SomeConstraints());
-    m_Grid.Constraints().Headers() = {3, 4, 5};
-    m_Grid.Wanted().Current().Root().Child(1).Child(0).subdiv();
+    CStaging::Constraints(m_Grid).Headers() = {3, 4, 5};
+    CStaging::Subdivision(m_Grid).Root().Child(1).Child(0).subdiv();
     CCntrCtrl& curve = AddCurveThrough(m_Grid, CurveType::kPosition, {{-1.5, 21}, {4.25, 23}, {9, 23.5}});
     curve.SetAllWeights(1, 2, 3, 4);
     curve.SetOption(CurveOption::kRightAutoBump, true);

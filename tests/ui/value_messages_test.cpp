@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 #include "ui/seams/CValueMessages.h"
 #include "ui/seams/ViewHost.h"
@@ -36,7 +37,7 @@ class ValueMessagesTest : public ::testing::Test {
  protected:
   ValueMessagesTest() { SetSurface(Grid(), CRamp{}); }
   CGrid& Grid() { return m_Test.m_Grid; }
-  CPtCstr& Record(int place) { return RecordAt(Grid().Constraints().Points(), place); }
+  CPtCstr& Record(int place) { return RecordAt(CStaging::Constraints(Grid()).Points(), place); }
   // Selects it, and no other.
   void Add(const CPtCstr& record) {
     Grid().AddPtCstr(record);
@@ -106,11 +107,11 @@ TEST_F(ValueMessagesTest, AnotherOneSelectedBeginsAnotherDrag) {
   Add(HeightCstr(8, 22, 3));
   m_Heights.Dragged();
   EXPECT_EQ(m_Host.m_Shown, "height 3, was -27");
-  SetSelection(Grid().Constraints().Points(), "10");
+  SetSelection(CStaging::Constraints(Grid()).Points(), "10");
   m_Heights.Dragged();
   EXPECT_EQ(m_Host.m_Shown, "height 2, was -28");
   EXPECT_EQ(m_Host.m_aTold, Texts{"height 3, was -27"});
-  SetSelection(Grid().Constraints().Points(), "00");
+  SetSelection(CStaging::Constraints(Grid()).Points(), "00");
   m_Heights.Dragged();
   m_Heights.EndDrag();
   EXPECT_EQ(m_Host.m_aTold.size(), 2U);

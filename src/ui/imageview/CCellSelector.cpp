@@ -38,7 +38,7 @@ void CCellSelector::Release() {
   if (click) {
     RefineAt(press.m_Place);
   } else {
-    Select(press.m_Place, Cursor());
+    m_Grid.CellEdits().Select(press.m_Place.x, press.m_Place.y, Cursor().x, Cursor().y);
   }
   RedrawBoth();
 }
@@ -56,19 +56,7 @@ std::optional<CExtent> CCellSelector::Rectangle() const {
 }
 
 void CCellSelector::RefineAt(const CPlanePoint& place) {
-  if (!m_Mapping.IsInside(place)) return;
-  const CLattice& lattice = m_Grid.Lattice();
-  m_Grid.Wanted().Current().RefineAt(m_Grid.Tree(), lattice.ColumnOf(place.x), lattice.RowOf(place.y));
-  m_Grid.Wanted().Current().ShowSelection(m_Grid.Tree());
-  m_Grid.Post(Operation::kRebuildMaps);
-}
-
-void CCellSelector::Select(const CPlanePoint& a, const CPlanePoint& b) {
-  const CLattice& lattice = m_Grid.Lattice();
-  CSubdivisionRecord& record = m_Grid.Wanted().Current();
-  record.SelectRectangle(m_Grid.Tree(), lattice.ColumnOf(a.x), lattice.RowOf(a.y), lattice.ColumnOf(b.x),
-                         lattice.RowOf(b.y));
-  record.ShowSelection(m_Grid.Tree());
+  if (m_Mapping.IsInside(place)) m_Grid.CellEdits().RefineAt(place.x, place.y);
 }
 
 // Menu shortcuts have these characters' keys, too. On a keyboard "+" may be anywhere.
@@ -77,9 +65,9 @@ int CCellSelector::Key() {
   const char* text = Fl::event_text();
   const int typed = text != nullptr && *text != '\0' ? *text : Fl::event_key();
   if (typed == '+' || typed == '=') {
-    m_Grid.Post(Operation::kSubdivide);
+    m_Grid.CellEdits().SplitSelected();
   } else if (typed == '-') {
-    m_Grid.Post(Operation::kMerge);
+    m_Grid.CellEdits().MergeSelected();
   } else if (Fl::event_key() == FL_Escape) {
     EndDrag();
     ClearSelection();
@@ -90,15 +78,15 @@ int CCellSelector::Key() {
   return 1;
 }
 
-void CCellSelector::Begin() { m_Grid.Wanted().Current().ShowSelection(m_Grid.Tree()); }
+void CCellSelector::Begin() { m_Grid.CellEdits().ShowSelection(); }
 
 void CCellSelector::End() {
   EndDrag();
-  m_Grid.Wanted().Current().ShowSelection(m_Grid.Tree());
-  m_Grid.Wanted().Current().ClearSelection();
+  m_Grid.CellEdits().ShowSelection();
+  m_Grid.CellEdits().ClearSelection();
 }
 
 void CCellSelector::ClearSelection() {
-  m_Grid.Wanted().Current().ClearSelection();
-  m_Grid.Wanted().Current().ShowSelection(m_Grid.Tree());
+  m_Grid.CellEdits().ClearSelection();
+  m_Grid.CellEdits().ShowSelection();
 }

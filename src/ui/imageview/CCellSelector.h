@@ -31,7 +31,6 @@ class CCellSelector final : public CPlaneHandler {
   void Release() override;
   int Key() override;
   void RefineAt(const CPlanePoint& place);
-  void Select(const CPlanePoint& a, const CPlanePoint& b);
   void ClearSelection();
 
   std::optional<CPress> m_Press;

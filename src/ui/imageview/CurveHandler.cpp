@@ -1,6 +1,7 @@
 #include "ui/imageview/CurveHandler.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <FL/Fl.H>
 
@@ -14,7 +15,7 @@ int CCurveHandler::Hover() {
   m_Cursor = ClampedCursor();
   m_LooseEnd = m_Cursor;
   if (!m_Grid.HighlightCurves(m_Cursor.x, m_Cursor.y, CurveType::kAll))
-    m_Grid.Constraints().PendingCurve().Hover(m_Cursor.x, m_Cursor.y, PickReach());
+    m_Grid.CurveEdits().HoverPending(m_Cursor.x, m_Cursor.y, PickReach());
   m_Host.RedrawImageView();
   return 1;
 }
@@ -44,13 +45,13 @@ void CCurveHandler::Press() {
 
 void CCurveHandler::Grab(int button, CurveType type) {
   m_iButton = button;
+  m_Grid.Gate().BeginGesture(CEditGate::Hold::Curve);
   m_DragPlace = m_Cursor;
   if (button == FL_LEFT_MOUSE) {
     m_View.KeepCurveType(type);
     m_Host.ShowCurveType(type);
   } else if (button == FL_MIDDLE_MOUSE) {
     m_Grid.CurveEdits().SetSelectedType(m_View.CurveType());
-    m_bChanged = true;
   } else if (button == FL_RIGHT_MOUSE) {
     Console() << "Fl::event_button() == FL_RIGHT_MOUSE\n";
     m_Host.EditCurveAttributes(m_Cursor);
@@ -58,9 +59,8 @@ void CCurveHandler::Grab(int button, CurveType type) {
 }
 
 void CCurveHandler::Append() {
-  CPendingCurve& pending = m_Grid.Constraints().PendingCurve();
-  if (pending.IsIdle()) m_Host.SetCurrentHelp(HelpText::kCurveInProgress);
-  pending.Append(m_Cursor.x, m_Cursor.y);
+  if (m_Grid.Constraints().PendingCurve().IsIdle()) m_Host.SetCurrentHelp(HelpText::kCurveInProgress);
+  m_Grid.CurveEdits().AppendPending(m_Cursor.x, m_Cursor.y);
   m_LooseEnd = m_Cursor;
 }
 
@@ -82,22 +82,17 @@ void CCurveHandler::Drag() {
   const CPlanePoint step = AllowedStep({node->m_fX, node->m_fY}, m_DragPlace, m_Cursor);
   m_Grid.MoveSelectedCurve(step.x, step.y, CurveType::kAll);
   m_DragPlace = {m_DragPlace.x + step.x, m_DragPlace.y + step.y};
-  m_bChanged = true;
   RedrawBoth();
 }
 
 void CCurveHandler::Release() {
-  if (m_iButton == 0) return;
-  m_bChanged = true;
-  EndDrag();
+  if (std::exchange(m_iButton, 0) == 0) return;
+  m_Grid.Gate().EndGesture(CEditGate::GestureEnd::Released);
   RedrawBoth();
 }
 
 void CCurveHandler::EndDrag() {
-  m_iButton = 0;
-  // The attributes that were asked for bring a rebuild of their own.
-  if (m_bChanged && m_Grid.NextOperation() != Operation::kContourAttributes) m_Grid.Post(Operation::kRebuildMaps);
-  m_bChanged = false;
+  if (std::exchange(m_iButton, 0) != 0) m_Grid.Gate().EndGesture(CEditGate::GestureEnd::Interrupted);
 }
 
 // Menu shortcuts have letters, too.

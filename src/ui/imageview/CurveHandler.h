@@ -38,5 +38,4 @@ class CCurveHandler final : public CPlaneHandler {
   std::optional<CPlanePoint> m_LooseEnd;
   CPlanePoint m_DragPlace;  ///< where the mouse has dragged the node to
   int m_iButton = 0;        ///< that holds a curve; 0: none
-  bool m_bChanged = false;  ///< the button held has changed the curve
 };

@@ -1,5 +1,7 @@
 #include "ui/imageview/PtCstrHandlers.h"
 
+#include <utility>
+
 #include <FL/Fl.H>
 
 #include "base/Console.h"
@@ -19,7 +21,7 @@ double CPtCstrHandler::SurfaceHeightAt(const CPlanePoint& place) const {
 }
 
 void CPtCstrHandler::EndDrag() {
-  m_iButton = 0;
+  if (std::exchange(m_iButton, 0) != 0) m_Grid.Gate().EndGesture(CEditGate::GestureEnd::Released);
   m_bJustCreated = false;
   m_Values.EndDrag();
 }
@@ -38,17 +40,22 @@ void CPtCstrHandler::Press() {
   const CPlanePoint press = ClampedCursor();
   if (m_Grid.HighlightPtCstrs(m_Last.x, m_Last.y, m_uKind)) {
     m_Grid.SelectPtCstr(m_Last.x, m_Last.y, m_uKind);
-    m_iButton = button;
+    Hold(button);
     Grab(button, press);
     m_Values.SelectionChanged();
   } else if (button == FL_LEFT_MOUSE) {
+    Hold(button);
     Create(press);
-    m_iButton = button;
     m_bJustCreated = true;
     m_Values.SelectionChanged();
   }
   if (IsEditing()) m_Values.BeginDrag();
   RedrawBoth();
+}
+
+void CPtCstrHandler::Hold(int button) {
+  m_iButton = button;
+  m_Grid.Gate().BeginGesture(CEditGate::Hold::Other);
 }
 
 // The button is the one of the press: in a drag the toolkit forgets it as soon as a key goes down.

@@ -37,6 +37,8 @@ class CPtCstrHandler : public CPlaneHandler {
   void Release() override { EndDrag(); }
   int Key() override;
   int Wheel() override;
+  /// Everything up to the release is the button's.
+  void Hold(int button);
   /// Whether the drag changes what the constraint asks for and not where it is.
   bool IsEditing() const;
   void Move(const CPlanePoint& cursor);

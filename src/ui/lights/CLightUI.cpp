@@ -195,7 +195,7 @@ int CLightUI::current_category() const {
   return kCategories[Chosen(m_apCategories)];
 }
 
-CLight* CLightUI::CurrentRecord() {
+const CLight* CLightUI::CurrentRecord() const {
   if (m_pGrid == nullptr || m_iCategory == 0) return nullptr;
   return m_pGrid->GetLightSource(m_iLight, m_iCategory);
 }
@@ -205,14 +205,16 @@ std::array<double, 3> CLightUI::ColourOnSliders() const {
 }
 
 void CLightUI::Apply() {
-  CLight* light = CurrentRecord();
-  if (light == nullptr) return;
+  const CLight* record = CurrentRecord();
+  if (record == nullptr) return;
+  CLight light = *record;
   ::Apply({m_pActive->value() != 0,
            m_pDrawn->value() != 0,
            {m_pTheta->value(), m_pPhi->value()},
            ColourOnSliders(),
            m_aiTubeColour},
-          *light);
+          light);
+  m_pGrid->SetLight(m_iLight, m_iCategory, light);
   m_Views.RedrawModelView();
 }
 

@@ -53,7 +53,7 @@ class CLightUI : public Fl_Double_Window {
   void BuildUpdates();
 
   /// The record being edited; null while none is.
-  CLight* CurrentRecord();
+  const CLight* CurrentRecord() const;
   /// Panel to record. Nothing happens while no light is being edited.
   void Apply();
   /// Edits the light that the buttons name from now on.

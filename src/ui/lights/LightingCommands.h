@@ -9,8 +9,10 @@ class LightingCommands {
  public:
   virtual ~LightingCommands() = default;
 
-  /// Record `index` (0 to 3 and, ambient, 4) of a set (kRemovedLights, kAddedLights). It stays where it is.
-  virtual CLight* GetLightSource(int index, int type) = 0;
+  /// Record `index` (0 to 3 and, ambient, 4) of a set (kRemovedLights, kAddedLights); null for another.
+  virtual const CLight* GetLightSource(int index, int type) const = 0;
+  /// Nothing for another.
+  virtual void SetLight(int index, int type, const CLight& light) = 0;
 
   /// The tree's normals, and from them the normals of the texels.
   virtual void UpdateTexelNormals() = 0;

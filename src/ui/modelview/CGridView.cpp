@@ -152,12 +152,14 @@ void CGridView::BeginDrag() {
   m_iDragButton = Fl::event_button();
   m_iMouseX = Fl::event_x();
   m_iMouseY = h() - Fl::event_y();
+  if (m_pGrid != nullptr) m_pGrid->Gate().BeginGesture(CEditGate::Hold::Other);
   m_pHost->PauseSolverForCommand();
 }
 
 void CGridView::EndDrag() {
   if (m_iDragButton == 0) return;
   m_iDragButton = 0;
+  if (m_pGrid != nullptr) m_pGrid->Gate().EndGesture(CEditGate::GestureEnd::Released);
   if (m_Values) m_Values->EndDrag();
   m_pHost->ResumeAfterCommand();
 }
@@ -200,21 +202,24 @@ void CGridView::DragLeft(int dx, int dy) {
 
 void CGridView::TurnLights(int dx, int dy, bool removed, bool added) {
   if (m_pGrid == nullptr) return;
-  const auto turn = [&](CLight& light) {
-    auto& [x, y, z, w] = light.m_afDirection;
-    const Vector3 turned = m_Camera.RotateDirection({x, y, z}, dx, dy);
-    light.m_afDirection = {turned.x, turned.y, turned.z, w};
-  };
   bool digit = false;
   for (int k = 0; k < kDigitLights; ++k) digit = digit || IsDigitHeld(k + 1);
   bool any = false;
   for (int k = 0; k < kDigitLights; ++k) {
     if (digit ? !IsDigitHeld(k + 1) : k != m_pHost->CurrentLight()) continue;
-    if (removed) turn(m_pGrid->Relighting().RemovedLights().m_aLights[static_cast<std::size_t>(k)]);
-    if (added) turn(m_pGrid->Relighting().AddedLights().m_aLights[static_cast<std::size_t>(k)]);
+    if (removed) TurnLight(k, kRemovedLights, dx, dy);
+    if (added) TurnLight(k, kAddedLights, dx, dy);
     any = true;
   }
   if (any) m_pHost->LightsMoved();
+}
+
+void CGridView::TurnLight(int index, int type, int dx, int dy) {
+  CLight light = *m_pGrid->GetLightSource(index, type);
+  auto& [x, y, z, w] = light.m_afDirection;
+  const Vector3 turned = m_Camera.RotateDirection({x, y, z}, dx, dy);
+  light.m_afDirection = {turned.x, turned.y, turned.z, w};
+  m_pGrid->SetLight(index, type, light);
 }
 
 void CGridView::RaiseSelected(int dy) {

@@ -69,6 +69,7 @@ class CGridView : public Fl_Gl_Window {
   void Drag();
   void DragLeft(int dx, int dy);
   void TurnLights(int dx, int dy, bool removed, bool added);
+  void TurnLight(int index, int type, int dx, int dy);
   void RaiseSelected(int dy);
 
   CGrid* m_pGrid = nullptr;

@@ -17,7 +17,7 @@ class CValueMessages {
  public:
   /// `kind`: PtCstrKind::kPosition or kNormal; constraints of no other kind are looked at. The grid and the host must
   /// outlive the object.
-  CValueMessages(CGrid& grid, ViewHost& host, std::uint32_t kind) : m_Grid(grid), m_Host(host), m_uKind(kind) {}
+  CValueMessages(const CGrid& grid, ViewHost& host, std::uint32_t kind) : m_Grid(grid), m_Host(host), m_uKind(kind) {}
 
   /// Another constraint may be selected now. Without one the help that stays comes back.
   void SelectionChanged();
@@ -40,7 +40,7 @@ class CValueMessages {
   void Describe(const CPtCstr& constraint, const std::optional<CSurfacePlace>& past);
   std::string Height(double z) const;
 
-  CGrid& m_Grid;
+  const CGrid& m_Grid;
   ViewHost& m_Host;
   std::uint32_t m_uKind;
   const CPtCstr* m_pDragged = nullptr;  ///< never looked into: it may be gone

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 #include "support/gui/ImageViewTest.h"
 
@@ -23,7 +24,7 @@ class CurveEditingTest : public ImageViewTest {
     TakeConsole();
     m_Host = {};
   }
-  CCntrCtrlList& Curves() { return Grid().Constraints().Curves(); }
+  CCntrCtrlList& Curves() { return CStaging::Constraints(Grid()).Curves(); }
   CCntrCtrl& Curve(int place = 0) { return CurveAt(Curves(), place); }
   void Add(const CPlaces& places, CurveType type = kTear, bool closed = false) {
     Grid().AddCurve(PointsAt(places), type, closed);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/CStaging.h"
 #include "support/ConstraintBuilders.h"
 #include "support/gui/ImageViewTest.h"
 
@@ -12,7 +13,7 @@ class EditingTest : public ImageViewTest {
     View().SetMode(mode);
     Settle();
   }
-  CPtCstrList& List() { return Grid().Constraints().Points(); }
+  CPtCstrList& List() { return CStaging::Constraints(Grid()).Points(); }
   CPtCstr& At(int place) { return RecordAt(List(), place); }
   void Add(const CPtCstr& record) {
     Grid().AddPtCstr(record);

@@ -33,9 +33,13 @@ inline constexpr const char* kNoLightChosen =
 /// The model and the view behind the panel: the records, and what was asked of them.
 class RecordingLighting : public LightingCommands {
  public:
-  CLight* GetLightSource(int index, int type) override {
-    CLightSet& set = type == kRemovedLights ? m_Removed : m_Added;
+  const CLight* GetLightSource(int index, int type) const override {
+    const CLightSet& set = type == kRemovedLights ? m_Removed : m_Added;
     return &set.m_aLights.at(static_cast<std::size_t>(index));
+  }
+  void SetLight(int index, int type, const CLight& light) override {
+    CLightSet& set = type == kRemovedLights ? m_Removed : m_Added;
+    set.m_aLights.at(static_cast<std::size_t>(index)) = light;
   }
   void UpdateTexelNormals() override { Note("normals"); }
   void UpdateTexelInterpolation() override { Note("interpolation"); }

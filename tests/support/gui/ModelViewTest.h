@@ -13,6 +13,7 @@
 #include "base/Console.h"
 #include "drawing/CTextures.h"
 #include "io/Bmp.h"
+#include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/gui/Pictures.h"
 #include "support/gui/ToolkitTest.h"
@@ -116,7 +117,7 @@ class ModelViewTest : public ToolkitTest {
     View().SetFlag(flags, true);
   }
   void LoadPicture(const CPicture& picture) {
-    Grid().Relighting().Textures().SetPicture(picture);
+    CStaging::Textures(Grid()).SetPicture(picture);
     View().make_current();
     m_Textures.Load(Grid().Relighting().Textures());
   }

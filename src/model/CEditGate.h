@@ -1,0 +1,50 @@
+#pragma once
+
+#include <utility>
+
+#include "model/Edit.h"
+
+class CConstraints;
+class CGridRun;
+
+/// The gate through which a hand changes the document: every edit of the model's parts is made in here, which then
+/// posts what it has put out of date (PostedBy) and has it shown. Nothing is computed here.
+///
+/// What a button does between its press and its release lies between `BeginGesture` and `EndGesture`, and is one edit
+/// to the user.
+class CEditGate {
+ public:
+  /// What a hand holds.
+  enum class Hold { Nothing, Curve, Other };
+  enum class GestureEnd {
+    Released,     ///< by the button
+    Interrupted,  ///< by a key, a dialog or another mode
+  };
+
+  /// Both must outlive the gate.
+  CEditGate(const CConstraints& constraints, CGridRun& run) : m_Constraints(constraints), m_Run(run) {}
+  CEditGate(const CEditGate&) = delete;
+  CEditGate& operator=(const CEditGate&) = delete;
+  ~CEditGate() = default;
+
+  /// A button has taken hold of something.
+  void BeginGesture(Hold hold);
+  /// Nothing is held afterwards. A curve that was held takes effect: kRebuildMaps is posted, unless its attributes are
+  /// to be edited, which bring a rebuild of their own. Interrupted, a gesture does so only if it has changed anything.
+  void EndGesture(GestureEnd end);
+
+  /// Makes a change by calling `change`.
+  template <typename Change>
+  void Do(Edit edit, Change&& change) {
+    std::forward<Change>(change)();
+    Finish(edit);
+  }
+
+ private:
+  void Finish(Edit edit);
+
+  const CConstraints& m_Constraints;
+  CGridRun& m_Run;
+  Hold m_Held = Hold::Nothing;
+  bool m_bChanged = false;  ///< by the gesture under way
+};

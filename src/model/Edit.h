@@ -1,0 +1,55 @@
+#pragma once
+
+#include "model/CPendingWork.h"
+
+/// The edits that a hand makes of a document, by what its owner would call them.
+enum class Edit {
+  AddPoint,
+  MovePoint,
+  MoveHeight,
+  TurnSlope,
+  DeletePoint,
+  DrawCurve,    ///< another point of the curve in progress
+  GiveUpCurve,  ///< the curve in progress
+  EndCurve,     ///< the curve in progress is one of the others now, or none
+  AddCurve,
+  MoveNode,
+  SetCurveType,
+  ReleaseCurve,  ///< what was moved or given another type by a gesture takes effect
+  SetCurveAttributes,
+  ExportConstraints,
+  DeleteNode,
+  DeleteCurve,
+  RefineCell,
+  SetLight,
+};
+
+/// What an edit leaves for the next tick.
+constexpr Operation PostedBy(Edit edit) {
+  switch (edit) {
+    case Edit::MovePoint:
+    case Edit::MoveHeight:
+    case Edit::TurnSlope:
+      return Operation::kRestart;
+    case Edit::AddPoint:
+    case Edit::DeletePoint:
+      return Operation::kRebuild;
+    case Edit::AddCurve:
+      return Operation::kNewCurve;
+    case Edit::ReleaseCurve:
+    case Edit::SetCurveAttributes:
+    case Edit::ExportConstraints:
+    case Edit::DeleteNode:
+    case Edit::DeleteCurve:
+    case Edit::RefineCell:
+      return Operation::kRebuildMaps;
+    default:
+      return Operation::kNone;
+  }
+}
+
+/// Whether there may be another number of active point constraints after it.
+constexpr bool ChangesPointCount(Edit edit) {
+  return edit == Edit::AddPoint || edit == Edit::MovePoint || edit == Edit::DeletePoint ||
+         edit == Edit::ExportConstraints;
+}
