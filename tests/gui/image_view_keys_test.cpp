@@ -71,7 +71,7 @@ class ImageViewKeysTest : public ImageViewTest {
     TakeConsole();
     return out.str();
   }
-  static int CountSelected(CSaveQuadT& node) {
+  static int CountSelected(const CSaveQuadT& node) {
     int count = node.IsSelected() ? 1 : 0;
     for (int k = 0; node.HasChildren() && k < 4; ++k) count += CountSelected(node.Child(k));
     return count;

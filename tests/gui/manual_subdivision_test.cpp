@@ -26,7 +26,7 @@ class ManualSubdivisionTest : public ImageViewTest {
   CSaveQuadT& Saved(int k, int child) { return CStaging::Subdivision(Grid()).Root().Child(k).Child(child); }
   // The leaves of the lower left quarter and their level-two children that are selected.
   int SelectedLeaves() { return CountSelected(Grid().Wanted().Current().Root()); }
-  static int CountSelected(CSaveQuadT& node) {
+  static int CountSelected(const CSaveQuadT& node) {
     int count = node.IsSelected() ? 1 : 0;
     for (int k = 0; node.HasChildren() && k < 4; ++k) count += CountSelected(node.Child(k));
     return count;

@@ -359,7 +359,7 @@ TEST_F(ModelDrawingTest, TexelNormalsAreSegmentsOnTheSurface) {
 }
 
 TEST_F(ModelDrawingTest, MarkerShowsAnActiveLightThatIsToBeDrawn) {
-  for (CLightSet* set : {&Grid().Relighting().RemovedLights(), &Grid().Relighting().AddedLights()}) {
+  for (CLightSet* set : {&CStaging::RemovedLights(Grid()), &CStaging::AddedLights(Grid())}) {
     for (std::size_t k = 0; k < CLightSet::kAmbient; ++k) {
       CLight& light = set->m_aLights[k];
       light.m_afDirection = {1, 0.5, 0.5, 0};

@@ -244,7 +244,9 @@ TEST_F(ToolSetTest, LightTurnedInTheModelIsThatOfThePanelAndItFollows) {
   OpenLights();
   Push("Light 3");
   EXPECT_EQ(m_Window.CurrentLight(), 2);
-  Grid().Relighting().RemovedLights().m_aLights[2].SetDirection({0, -1, 0});
+  CLight turned = *Grid().GetLightSource(2, kRemovedLights);
+  turned.SetDirection({0, -1, 0});
+  Grid().SetLight(2, kRemovedLights, turned);
   m_Window.LightsMoved();
   EXPECT_NEAR(Value("Theta angle"), 90, 1e-5);
   EXPECT_NEAR(Value("Phi angle"), 270, 1e-5);
