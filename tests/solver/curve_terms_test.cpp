@@ -86,7 +86,7 @@ struct CFairGrid : CSolverGrid {
   }
   CCntrCtrl& Add(const CPlaces& places, bool closed = false, CurveType type = CurveType::kFairness) {
     m_Grid.AddCurve(PointsAt(places), type, closed);
-    return m_Grid.Constraints().Curves().back();
+    return CStaging::Constraints(m_Grid).Curves().back();
   }
   Matrix Assembled() {
     m_Grid.SetDiscMap();
