@@ -19,4 +19,4 @@ add_link_options("$<${relievo_release}:-pie;LINKER:-z,relro,-z,now>")
 
 add_library(relievo_warnings INTERFACE)
 target_compile_options(relievo_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${RELIEVO_WERROR}>:-Werror>)

@@ -24,4 +24,6 @@ option(RELIEVO_BUILD_BATCH "Build relievo-batch (needs CLI11 and nlohmann-json)"
 option(RELIEVO_BUILD_TESTS "Build the tests (needs GoogleTest and RapidCheck)" ${tests_possible})
 option(RELIEVO_BUILD_BENCH "Build the benchmarks (needs Google Benchmark)" ${bench_possible})
 option(RELIEVO_BUILD_FUZZ "Build the fuzzers (needs clang and its libFuzzer)" OFF)
+# Off unless a preset turns it on: a package must build with compilers that warn of other things.
+option(RELIEVO_WERROR "Take warnings for errors" OFF)
 option(RELIEVO_UNITY_TESTS "Compile the tests of a room together" ON)
