@@ -32,7 +32,7 @@ COffset Scaled(const COffset& v, double length) {
   return old < kShortest ? v : length / old * v;
 }
 
-// The vector of the given length to the right of the way from a to b.
+// The vector of the given length to the right of the way from a to b: (dx, dy) turned by -90 degrees, model units.
 COffset RightNormal(const CPtCstr& a, const CPtCstr& b, double length) {
   return Scaled({b.m_fY - a.m_fY, a.m_fX - b.m_fX}, length);
 }
@@ -45,10 +45,13 @@ void SetOffsets(CCntrNode& node, const COffset& in, const COffset& out, double l
   right = {bisector, {}, {}};
   left = {-1.0 * bisector, {}, {}};
   if (in.IsZero() || out.IsZero() || LengthOf(bisector) < kShortest) return;
+  // Sine and cosine of half the angle by which the curve turns at the node, above 0 where it turns left.
   const double cross = bisector.m_fY * in.m_fX - bisector.m_fX * in.m_fY;
   const double sine = cross / (LengthOf(in) * LengthOf(bisector));
   if (std::abs(sine) <= kStraightSine) return;
   const double cosine = std::sqrt(std::fmax(1.0 - sine * sine, kSharpestCosine * kSharpestCosine));
+  // On the inner side the parallels meet length / cosine from the node; on the outer one the parallel goes by both
+  // normals.
   if (cross > 0) {
     left.m_A = Scaled(left.m_A, length / cosine);
     right = {bisector, in, out};
@@ -119,6 +122,7 @@ void CBumpRow::Extend(const CCntrNode& a, const CCntrNode& b, CurveSide side) {
   double covered = m_fToNext;
   for (std::size_t k = 0; k + 1 < path.m_uCount; ++k) {
     const double length = path.PieceLength(k);
+    // Slopes point along the right-hand normals of the two nodes, blended by the share of the path covered.
     for (; m_fToNext < length; m_fToNext += m_Bump.m_fDistance, covered += m_Bump.m_fDistance) {
       const double share = covered / path.m_fLength;
       Add(path.At(k, m_fToNext / length), (1.0 - share) * first + share * second);
@@ -128,6 +132,7 @@ void CBumpRow::Extend(const CCntrNode& a, const CCntrNode& b, CurveSide side) {
 }
 
 void CBumpRow::Add(const COffset& place, const COffset& direction) {
+  // 45 degrees are a slope of 1, and other tilts in proportion, not by their tangent.
   const COffset slope = Scaled(direction, std::abs(m_Bump.m_fOrientation) / kDegreesPerSlope);
   const double sign = m_Bump.m_fOrientation < 0 ? -1.0 : 1.0;
   m_pTarget->Add({place.m_fX, place.m_fY, PtCstrKind::kNormal, 0.0, sign * slope.m_fX, sign * slope.m_fY, 0});

@@ -148,6 +148,7 @@ void CCurveRasteriser::ScanCrease(CGridSegment s) {
   const int dx = rounded(s.x1) - rounded(s.x0);
   const int dy = rounded(s.y1) - rounded(s.y0);
   const int steps = std::max(std::abs(dx), std::abs(dy));
+  // start + k delta / steps, rounded to the nearest lattice point, halves upwards.
   const auto nearest = [steps](int start, int delta, int k) {
     return steps == 0 ? start : start + static_cast<int>(std::floor((2.0 * k * delta + steps) / (2.0 * steps)));
   };

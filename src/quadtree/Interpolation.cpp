@@ -29,6 +29,8 @@ Point CentreOf(const CQuadT& leaf) { return {(leaf.X0() + leaf.X1()) / 2.0, (lea
 const CEdge* MeetHorizontalSide(const CQuadT& leaf, double gx, double gy) {
   const Point c = CentreOf(leaf);
   if (gy == c.y) return nullptr;
+  // c + t (g - c) lies on the line of the bottom side. Where the ray goes up, t is below 0, and the point on the top
+  // side is the mirror image of that one through the centre.
   const double t = (leaf.Y0() - c.y) / (gy - c.y);
   const double xb = c.x + t * (gx - c.x);
   return t > 0 ? leaf.Edge(kBottom).FindLeaf(xb) : leaf.Edge(kTop).FindLeaf(leaf.X0() + leaf.X1() - xb);
@@ -36,6 +38,7 @@ const CEdge* MeetHorizontalSide(const CQuadT& leaf, double gx, double gy) {
 
 const CEdge* MeetVerticalSide(const CQuadT& leaf, double gx, double gy) {
   const Point c = CentreOf(leaf);
+  // The same with the left and the right side.
   const double t = (leaf.X0() - c.x) / (gx - c.x);
   const double yl = c.y + t * (gy - c.y);
   const CEdge* edge = t > 0 ? leaf.Edge(kLeft).FindLeaf(yl) : leaf.Edge(kRight).FindLeaf(leaf.Y0() + leaf.Y1() - yl);
@@ -47,6 +50,8 @@ CTriangleStencil InTriangle(const CQuadT& leaf, const CEdge& edge, const CLattic
   const Point c = CentreOf(leaf);
   const Point a{static_cast<double>(edge.Xa()), static_cast<double>(edge.Ya())};
   const Point b{static_cast<double>(edge.Xb()), static_cast<double>(edge.Yb())};
+  // Barycentric coordinates, without a unit: areas of the triangles that p makes with two corners, as cross products in
+  // lattice steps squared, over that of a, b and c.
   const double d = (b.y - a.y) * (c.x - a.x) - (c.y - a.y) * (b.x - a.x);
   const double cc = ((p.x - a.x) * (b.y - a.y) - (p.y - a.y) * (b.x - a.x)) / d;
   const double cb = -((p.x - a.x) * (c.y - a.y) - (p.y - a.y) * (c.x - a.x)) / d;
@@ -110,6 +115,7 @@ bool CInterpolation::InterpolateInLeaf(const CQuadT& leaf, double gx, double gy,
   const auto number = [this](std::size_t point) { return static_cast<std::uint32_t>(m_pOrder->NumberOf(point)); };
   for (std::size_t k = 0; k < centre.m_uCount; ++k) {
     stencil.m_auNodes[k] = number(centre.m_auPoints[k]);
+    // The share of the centre, handed on to the points that make its height.
     stencil.m_afCoefs[k] = centre.m_afWeights[k] * triangle->m_fCCenter;
   }
   if (!IsCentre(leaf, gx, gy)) {
@@ -172,6 +178,7 @@ double CInterpolation::CentreHeight(const CQuadT& leaf) const {
 
 double CInterpolation::HeightOf(const CTriangleStencil& triangle) const {
   const std::vector<double>& z = Lattice().Heights();
+  // Ca z_a + Cb z_b + Cc z_centre, model units; the centre costs a walk round the cell.
   const double border = triangle.m_fCa * z[triangle.m_uA] + triangle.m_fCb * z[triangle.m_uB];
   return triangle.m_fCCenter == 0 ? border : border + triangle.m_fCCenter * CentreHeight(*triangle.m_pCell);
 }

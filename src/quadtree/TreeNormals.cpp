@@ -49,6 +49,7 @@ CTriangleNormals TriangleNormals(const std::array<double, 4>& z, double centre, 
   CTriangleNormals n{{hy * (a[0] - a[1]), -hy * (a[1] + a[2]), hy * (a[3] - a[2]), hy * (a[3] + a[0])},
                      {hx * (a[0] + a[1]), hx * (a[1] - a[2]), -hx * (a[2] + a[3]), hx * (a[0] - a[3])},
                      {}};
+  // Twice the area of a triangle seen from above, model units squared; then all three over their length.
   const double nz = 2 * hx * hy;
   for (std::size_t k = 0; k < 4; ++k) {
     const double scale = 1.0 / std::sqrt(n.m_afX[k] * n.m_afX[k] + n.m_afY[k] * n.m_afY[k] + nz * nz);
@@ -69,6 +70,7 @@ CCellSurface CellSurface(const CQuadT& leaf, const CLattice& lattice) {
   CTriangleNormals n = TriangleNormals(z, centre, lattice.StepX() / 2 * leaf.Size(), lattice.StepY() / 2 * leaf.Size());
   CCellSurface surface;
   for (std::size_t k = 0; k < 4; ++k) {
+    // At the centre of gravity, model units.
     surface.m_afTriangleZ[k] = (centre + z[k] + z[(k + 1) % 4]) / 3;
     surface.m_aTriangleNormals[k] = n.Of(k);
   }
@@ -94,7 +96,8 @@ void ComputeNormals(CQuadTree& tree) {
     CTriangleNormals n = TriangleNormals(c, centre, halfStepX * leaf.m_uSize, halfStepY * leaf.m_uSize);
     if (leaf.m_uMarked != 0) n.Drop(leaf.m_uMarked);
     cellNormals[leaf.m_uCell] = Normalised(n.Sum());
-    // Corner k lies on the triangles k and k - 1.
+    // Corner k lies on the triangles k and k - 1. Every triangle counts alike, whatever its size; the factor goes when
+    // the sums are scaled below.
     for (std::size_t k = 0; k < 4; ++k) {
       Vector3& normal = pointNormals[corners.m_auPoints[k]];
       normal.x += 0.125 * (n.m_afX[k] + n.m_afX[(k + 3) % 4]);

@@ -31,6 +31,7 @@ void CollectCrossings(const CQuadT& cell, const CPoint& a, const CPoint& b, std:
   double to = 1.0;
   const auto narrow = [&from, &to](double start, double end, double low, double high) {
     if (start == end) return low <= start && start <= high;
+    // Where the line crosses the two sides of the cell in this direction.
     const auto [first, second] = std::minmax({(low - start) / (end - start), (high - start) / (end - start)});
     from = std::max(from, first);
     to = std::min(to, second);
@@ -72,6 +73,7 @@ void CCurveTermsBuilder::FindShares(const CPoint& a, const CPoint& b) {
   std::vector<double> crossings;
   CollectCrossings(m_pTree->Root(), a, b, crossings);
   std::ranges::sort(crossings);
+  // The same distance as a share of the segment.
   const double same = kSamePlace / std::hypot(b.x - a.x, b.y - a.y);
   m_afShares.assign(1, 0.0);
   for (const double share : crossings) {
@@ -107,6 +109,7 @@ void CCurveTermsBuilder::AddSegment(const CCntrNode& a, const CCntrNode& b) {
   std::array<CPlace, 3> places{PlaceAt(a, b, m_afShares[0]), PlaceAt(a, b, m_afShares[1]), {}};
   for (std::size_t k = 1; k + 1 < m_afShares.size(); ++k) {
     places[2] = PlaceAt(a, b, m_afShares[k + 1]);
+    // The weight at the middle one of the three places, linear between the nodes.
     AddTerm(weightA + m_afShares[k] * (weightB - weightA), places);
     places[0] = places[1];
     places[1] = places[2];
@@ -121,6 +124,7 @@ void CCurveTermsBuilder::AddTerm(double weight, const std::array<CPlace, 3>& pla
   };
   const double d1 = distance(places[0], places[1]);
   const double d2 = distance(places[1], places[2]);
+  // d2 z0 - (d1 + d2) z1 + d1 z2, where z'' along the curve = that / ((d1 + d2) / 2 d1 d2), per model unit.
   const std::array<double, 3> factors{d2, -(d1 + d2), d1};
   std::array<CEnergyTerms::CEntry, 24> form;
   std::size_t count = 0;
@@ -131,6 +135,7 @@ void CCurveTermsBuilder::AddTerm(double weight, const std::array<CPlace, 3>& pla
       form[count++] = {m_pSurface->Order().ScanOf(stencil.m_auNodes[n]), factors[k] * stencil.m_afCoefs[n]};
     }
   }
+  // w z''^2 (d1 + d2) / 2: the integral of w z''^2 over the part of the curve that is nearest to the middle place.
   m_pTerms->Add(weight / ((d1 + d2) * 0.5 * (d1 * d2) * (d1 * d2)), form.data(), form.data() + count);
 }
 

@@ -11,6 +11,7 @@
 
 namespace {
 
+// What both areas are divided by; it sets the smoothness against the terms of the curves.
 constexpr double kAreaDivisor = 16.0;
 constexpr std::int32_t kNone = -1;
 
@@ -90,6 +91,7 @@ void CGridTermsBuilder::AddTerms() {
   }
 }
 
+// z00 + z11 - z10 - z01, model units: z_xy times the area of the cell, which is in the weight.
 void CGridTermsBuilder::AddTwist(const CQuadT& cell) {
   const auto corner = [this](int column, int row) { return static_cast<std::uint32_t>(ScanAt(column, row)); };
   m_pTerms->Add(MixedDifferenceWeight(cell, m_pTree->Lattice()), {{corner(cell.X0(), cell.Y0()), 1.0},
@@ -121,7 +123,9 @@ void CGridTermsBuilder::AddSecondDifferences(std::uint32_t position) {
   }
 }
 
-// The squared second difference on the points before, here and after, h1 and h2 model units apart.
+// The squared second difference on the points before, here and after, h1 and h2 model units apart. With
+// z'' = ((z_after - z_here) / h2 - (z_here - z_before) / h1) / ((h1 + h2) / 2) the form is z'' times (h1 + h2) / 2 h1
+// h2.
 void CGridTermsBuilder::AddSecondDifference(std::int32_t before, std::uint32_t here, std::int32_t after, double h1,
                                             double h2, double area) {
   m_pTerms->Add(
@@ -132,11 +136,13 @@ void CGridTermsBuilder::AddSecondDifference(std::int32_t before, std::uint32_t h
 }  // namespace
 
 double SecondDifferenceWeight(double h1, double h2, double area) {
+  // Turns the square of the form into z''^2, per model unit squared, and that into energy by the area.
   const double mean = (h1 + h2) * 0.5;
   return 1.0 / (mean * mean * (h1 * h2) * (h1 * h2)) * (area / kAreaDivisor);
 }
 
 double MixedDifferenceWeight(const CQuadT& leaf, const CLattice& lattice) {
+  // Lattice steps squared, as for the second differences; the form over the area in model units is z_xy.
   const double area = static_cast<double>(leaf.Size()) * leaf.Size();
   const double modelArea = (leaf.Size() * lattice.StepX()) * (leaf.Size() * lattice.StepY());
   return area / (modelArea * modelArea) / kAreaDivisor;
