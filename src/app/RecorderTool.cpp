@@ -61,11 +61,11 @@ struct CRecorderParts {
   CRecorderWindow m_Host;
 };
 
-class CRecorderTool : private CRecorderParts, public AnimationRecorder {
+class CRecorderTool : private CRecorderParts, public CAnimationRecorder {
  public:
   explicit CRecorderTool(CImageViewUI& window)
       : CRecorderParts(window),
-        AnimationRecorder(CRecorderParts::m_View, CRecorderParts::m_Host, window, SteadyMilliseconds) {
+        CAnimationRecorder(CRecorderParts::m_View, CRecorderParts::m_Host, window, SteadyMilliseconds) {
     window.GridView().BeforeDrawing([this] { StoreFrame(); });
   }
 };

@@ -6,6 +6,7 @@
 /// The program's source of chance, seeded from outside so that a test can repeat it.
 class CRandom {
  public:
+  /// The same seed gives the same values.
   explicit CRandom(std::uint32_t seed) : m_Engine(seed) {}
 
   /// A uniform value in [0, limit].

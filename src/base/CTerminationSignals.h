@@ -16,7 +16,7 @@ class CTerminationSignals {
   /// Becomes readable when a signal has come; -1 where the system had no pipe left, and signals then end the process.
   int Descriptor() const { return m_iReadEnd; }
   /// The first signal that has come since the last call; 0 where none has.
-  int Take();
+  int Take() const;
   /// Ends the process by the default action of the signal, as if it had never been caught.
   [[noreturn]] static void EndBy(int signal);
 

@@ -13,6 +13,6 @@ std::ostream*& Sink() {
 
 std::ostream& Console() { return *Sink(); }
 
-ConsoleRedirect::ConsoleRedirect(std::ostream& target) : m_pPrevious(Sink()) { Sink() = &target; }
+CConsoleRedirect::CConsoleRedirect(std::ostream& target) : m_pPrevious(Sink()) { Sink() = &target; }
 
-ConsoleRedirect::~ConsoleRedirect() { Sink() = m_pPrevious; }
+CConsoleRedirect::~CConsoleRedirect() { Sink() = m_pPrevious; }

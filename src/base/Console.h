@@ -4,18 +4,18 @@
 
 /// The one sink of all progress and error lines of the model.
 ///
-/// Standard output until a `ConsoleRedirect` is alive. Numbers are written in the stream's default format (six
+/// Standard output until a `CConsoleRedirect` is alive. Numbers are written in the stream's default format (six
 /// significant digits).
 std::ostream& Console();
 
 /// Sends `Console()` to another stream for as long as the object lives; redirects nest.
-class ConsoleRedirect {
+class CConsoleRedirect {
  public:
   /// `target` must outlive the redirect.
-  explicit ConsoleRedirect(std::ostream& target);
-  ~ConsoleRedirect();
-  ConsoleRedirect(const ConsoleRedirect&) = delete;
-  ConsoleRedirect& operator=(const ConsoleRedirect&) = delete;
+  explicit CConsoleRedirect(std::ostream& target);
+  ~CConsoleRedirect();
+  CConsoleRedirect(const CConsoleRedirect&) = delete;
+  CConsoleRedirect& operator=(const CConsoleRedirect&) = delete;
 
  private:
   std::ostream* m_pPrevious;

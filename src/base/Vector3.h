@@ -8,6 +8,7 @@ struct Vector3 {
   double y = 0.0;
   double z = 0.0;
 
+  /// Component by component.
   Vector3& operator+=(const Vector3& other) {
     x += other.x;
     y += other.y;
@@ -17,6 +18,7 @@ struct Vector3 {
   bool operator==(const Vector3&) const = default;
 };
 
+/// Sum, difference, multiple, scalar and vector product (right-handed) and Euclidean length.
 inline Vector3 operator+(Vector3 a, const Vector3& b) { return a += b; }
 inline Vector3 operator-(const Vector3& a, const Vector3& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 inline Vector3 operator*(double s, const Vector3& v) { return {s * v.x, s * v.y, s * v.z}; }

@@ -10,8 +10,9 @@
 #include "formats/ModelFormats.h"
 #include "lattice/WaveletMode.h"
 
-/// What a run of the program without a window shall do.
+/// What a run without a window is asked to do.
 struct CBatchOptions {
+  /// What is written to standard output at the end: nothing, JSON, or lines of text.
   enum class Report { None, Json, Text };
 
   std::string m_Model;                                             ///< grid file to read

@@ -12,8 +12,9 @@ class CProgress {
   /// Takes the line away.
   ~CProgress() { Erase(); }
 
+  /// Whether a line of progress stands on the terminal.
   bool IsShown() const { return m_bShown; }
-  /// Shows the number of iterations, at most some times per second.
+  /// Shows the number of iterations, a few times per second at most.
   void Update(long iterations);
   /// Makes room for another line.
   void Erase();

@@ -46,6 +46,7 @@ enum class CurveSide { Left = 0, Right = 1 };
 struct COffset {
   double m_fX = 0.0;
   double m_fY = 0.0;
+  /// Whether the parallel passes by the node itself.
   bool IsZero() const { return m_fX == 0.0 && m_fY == 0.0; }
 };
 
@@ -71,6 +72,7 @@ struct CCntrNode : CPtCstr {
   CNodeWeights m_Weights;
   std::array<CNodeOffsets, 2> m_aOffsets{};  ///< by side
 
+  /// Where the parallel on that side passes by.
   const CNodeOffsets& Offsets(CurveSide side) const { return m_aOffsets[static_cast<std::size_t>(side)]; }
   /// Apart from what CPtCstr leaves aside, and from the offsets, which follow from the places.
   bool operator==(const CCntrNode& other) const { return CPtCstr::operator==(other) && m_Weights == other.m_Weights; }

@@ -12,6 +12,7 @@ struct CContourAttributes {
   std::array<CAutoBump, 2> m_aAutoBumps{};  ///< by side
   CNodeWeights m_Weights;                   ///< of the node
 
+  /// What the curve and its node have now.
   static CContourAttributes Of(const CCntrCtrl& curve, const CCntrNode& node) {
     return {curve.IsClosed(),
             curve.HasOption(CurveOption::kLeftAutoBump),

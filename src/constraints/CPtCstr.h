@@ -44,6 +44,7 @@ struct CPtCstr {
   bool operator==(const CPtCstr& other) const;
 };
 
+/// Compares places, slopes and kinds but for the disabled bit; heights too, unless the surface gives them.
 inline bool CPtCstr::operator==(const CPtCstr& other) const {
   if (((m_uKind ^ other.m_uKind) & ~PtCstrKind::kDisabled) != 0) return false;
   const bool ownHeight = !HasKind(PtCstrKind::kNormal) || HasKind(PtCstrKind::kPosition);

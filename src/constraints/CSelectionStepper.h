@@ -9,6 +9,7 @@
 template <typename Record>
 class CSelectionStepper {
  public:
+  /// Takes the next record of the list; `candidate` says whether it may be selected.
   void Offer(Record& record, bool candidate) {
     const bool selected = record.HasState(PtCstrState::kSelected);
     if (candidate && !selected) {

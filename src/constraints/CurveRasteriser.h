@@ -16,6 +16,7 @@ struct CPtCstr;
 /// finite place is skipped with a console line. Linear in the number of cells along the curves.
 class CCurveRasteriser {
  public:
+  /// The tree is refined along the curves; it must outlive the object.
   explicit CCurveRasteriser(CQuadTree& tree) : m_pTree(&tree) {}
 
   /// By its type; a fairness curve leaves no trace.
@@ -24,8 +25,8 @@ class CCurveRasteriser {
   /// kFallingCrease). Once, after all curves.
   void MarkCreaseDiagonals();
 
-  // Single segments of tears, then of creases, in lattice coordinates: along x those longer in x, along y those at
-  // least as long in y.
+  /// Single segments of tears, then of creases, in lattice coordinates: along x those longer in x, along y those at
+  /// least as long in y.
   void scan_conv_line0_x(const CGridSegment& s);
   void scan_conv_line0_y(const CGridSegment& s);
   void scan_conv_line_x(const CGridSegment& s);

@@ -7,6 +7,7 @@ struct CGridSegment {
   double x1;
   double y1;
 
+  /// Whether none of the four coordinates is infinite or not a number.
   bool IsFinite() const;
   /// Keeps the part inside the square from 0 to `side` [LiangBarsky1984]. False, and nothing kept, where that has no
   /// length.

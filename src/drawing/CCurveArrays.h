@@ -17,7 +17,7 @@ struct CCntrNode;
 /// step apart in between.
 ///
 /// A tear has the height of its upper rim, a cell beside the curve: on the curve itself there is no surface.
-/// Places are looked up anew only when a curve or the subdivision has changed, heights when the surface has; a redraw
+/// Places are looked up again only when a curve or the subdivision has changed, heights when the surface has; a redraw
 /// in between compares the nodes and does no more.
 class CCurveArrays {
  public:
@@ -27,6 +27,7 @@ class CCurveArrays {
     std::size_t m_uCount = 0;
   };
 
+  /// Brings the arrays up to the grid; nothing is done where they are.
   void Refresh(const CGrid& grid);
 
   /// One line per curve, in the order of the grid; a closed one ends where it began. A curve of a single node has one

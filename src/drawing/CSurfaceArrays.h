@@ -12,13 +12,14 @@
 class CEdge;
 class CGrid;
 
-/// The surface as vertex arrays: what drawing needs of it, made anew only where the model has changed.
+/// The surface as vertex arrays: what drawing needs of it, remade only where the model has changed.
 ///
 /// Vertices are those of CSurfaceMesh, three floats each: x, y, z in model units. Each `Refresh...` brings its arrays
 /// up to date and costs nothing where they are. Linear in the number of leaves; memory is asked for only when the
 /// subdivision has changed, by the segments also when they grow.
 class CSurfaceArrays {
  public:
+  /// Brings vertices and triangles up to the grid's surface.
   void RefreshSurface(const CGrid& grid);
   /// The surface, too.
   void RefreshNormals(const CGrid& grid);
@@ -28,6 +29,7 @@ class CSurfaceArrays {
   void RefreshPointNormals(const CGrid& grid, double length);
   void RefreshCellNormals(const CGrid& grid, double length);
 
+  /// x, y and z of each vertex, model units: corners of leaves first, then their centres.
   std::span<const float> Positions() const { return m_afPositions; }
   /// One unit vector per vertex: the point normals at the corners, the cell normals at the centres; not a number where
   /// all of a leaf lies in a discontinuity.

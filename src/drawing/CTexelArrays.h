@@ -8,10 +8,11 @@
 
 class CGrid;
 
-/// The texels of the picture as vertex arrays, made anew only where the model has changed. Without a picture all are
+/// The texels of the picture as vertex arrays, remade only where the model has changed. Without a picture all are
 /// empty. Linear in the number of texels.
 class CTexelArrays {
  public:
+  /// The rectangles of the texels in a discontinuity.
   void RefreshMasked(const CGrid& grid);
   /// Segments `length` model units long, of texels that have been located since the subdivision changed.
   void RefreshNormals(const CGrid& grid, double length);

@@ -10,10 +10,12 @@
 /// different scales.
 class CViewMapping {
  public:
+  /// The rectangle of the model, model units.
   void SetExtent(const CExtent& extent) { m_Extent = extent; }
   /// Of the view, in pixels; both above 0.
   void SetSize(int width, int height);
 
+  /// The rectangle of the model, whatever the zoom.
   const CExtent& Extent() const { return m_Extent; }
   /// What the view shows.
   CExtent Visible() const;

@@ -6,6 +6,7 @@
 
 // Point constraints, as both views draw them.
 
+/// The colour of whatever OpenGL draws next.
 void SetColour(const CColour& colour);
 
 /// A cross along the axes about `place`. `unit` is what a drawing size of 1 is along each of them; along one where it

@@ -50,6 +50,7 @@ inline constexpr int kKd = 1;
 inline constexpr int kIllumination = 2;
 inline constexpr int kPhotograph = 3;
 
+/// The number of an image in the list above.
 constexpr int NumberOf(CTextureImages::Which image) {
   switch (image) {
     case CTextureImages::kKd:

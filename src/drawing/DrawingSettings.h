@@ -16,6 +16,7 @@ struct CViewDrawing {
   float m_fSelectedNormalThickness;
 };
 
+/// The colours of point constraints by their state.
 struct CConstraintColours {
   CColour m_Unselected;
   CColour m_Highlighted;

@@ -30,8 +30,10 @@ class CSolverControl {
   /// The panel must outlive the object.
   CSolverControl(SolverPanel& panel, StartTimer startTimer) : m_Panel(panel), m_pStartTimer(startTimer) {}
 
+  /// The grid whose run is controlled; it must outlive the object.
   void AttachGrid(CGrid& grid) { m_pGrid = &grid; }
 
+  /// Why the solver was last stopped, and whether it runs now.
   PauseReason Reason() const { return m_Reason; }
   bool IsRunning() const;
   /// By the user, or by a tool that has left it so: until the user resumes it, edits wait.
@@ -39,6 +41,7 @@ class CSolverControl {
   /// Whether an edit that is made now is the first one to wait for the user; true once for each stop.
   bool TakeFirstWait();
 
+  /// Stops the solver as the user does: only the user has it go on.
   void StopSolver();
   /// Stops the solver but keeps the reason for which it may go on again.
   void HaltSolver();
@@ -54,6 +57,7 @@ class CSolverControl {
   /// Has the grid run and tick, whatever it was stopped for.
   void Run();
 
+  /// Stops the solver for a freeze or for the recorder, until `EndFreeze` or `EndRecorder`.
   void PauseForFreeze();
   void PauseForRecorder();
   /// The solver stays stopped.

@@ -27,7 +27,7 @@ class CommandHost : public UserDialogs {
   virtual std::string TextureFile() const = 0;
   /// A dialog is about to take the mouse: ends the drags in the views.
   virtual void EndDrags() = 0;
-  /// The grid has been initialised anew or read from a file.
+  /// The grid has been reinitialised or read from a file.
   virtual void GridReplaced() = 0;
 };
 
@@ -55,6 +55,7 @@ class CGridCommands {
   /// Both must outlive the object.
   CGridCommands(CommandHost& host, CSolverControl& solver) : m_Host(host), m_Solver(solver) {}
 
+  /// The grid that commands act on, which must outlive the object, and the functions behind them.
   void AttachGrid(CGrid& grid) { m_pGrid = &grid; }
   void SetServices(CModelServices services) { m_Services = std::move(services); }
 

@@ -11,6 +11,7 @@
 /// and each row takes 3 * width bytes rounded up to a multiple of `align`; row 0 is the bottom row here, too.
 namespace Global {
 
+/// What could be read of a bitmap.
 struct CLoadedPicture {
   CPicture m_Picture;
   bool m_bEndsEarly = false;  ///< the file is shorter than its header says

@@ -8,7 +8,7 @@
 
 struct stat;
 
-/// Writes a file anew so that its old contents stay whole until the new ones are complete.
+/// Replaces a file so that its old contents stay whole until the new ones are complete.
 ///
 /// What is written goes to a file with a short random name beside the target, which takes the target's place in
 /// `Commit`, with the target's owner, group and permissions as far as the system allows. Without a successful `Commit`
@@ -16,6 +16,7 @@ struct stat;
 /// target that is no regular file (a folder, a device, a pipe) is refused.
 class CFileReplacement {
  public:
+  /// Opens a file beside `filename`. Where that fails nothing is thrown and `Commit` fails.
   explicit CFileReplacement(const std::string& filename);
   ~CFileReplacement();
   CFileReplacement(const CFileReplacement&) = delete;

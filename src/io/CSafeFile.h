@@ -8,9 +8,11 @@
 
 #include "io/CFileReplacement.h"
 
-/// A text file written anew, the same under every locale, whose old contents stay whole until `Commit` succeeds.
+/// A text file that replaces another, written the same under every locale, whose old contents stay whole until `Commit`
+/// succeeds.
 class CSafeFile {
  public:
+  /// Of that name, see CFileReplacement.
   explicit CSafeFile(const std::string& filename) : m_File(filename) { m_Text.imbue(std::locale::classic()); }
   CSafeFile(const CSafeFile&) = delete;
   CSafeFile& operator=(const CSafeFile&) = delete;

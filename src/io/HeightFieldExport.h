@@ -4,7 +4,7 @@
 
 class CGrid;
 
-/// Samples of the largest height field that users may ask for: a slip of the keyboard shall not fill a disk.
+/// Samples of the largest height field that users may ask for: a slip of the keyboard must not fill a disk.
 inline constexpr long long kMostHeightSamples = 100'000'000;
 
 /// Whether a height field of that size, sensible or not, stays within the bound.

@@ -20,7 +20,7 @@ struct CExtent {
 /// Whether a lattice of any level over the rectangle has cells of a size that can be calculated with.
 bool IsUsable(const CExtent& extent);
 
-/// How far inside the model its border holds the cursor of whoever edits constraints: 0.1, at most a tenth of the
+/// How far inside the model its border holds the cursor while constraints are edited: 0.1, at most a tenth of the
 /// extent from `low` to `high` (model units).
 inline double BorderMargin(double low, double high) { return std::min(0.1, 0.1 * (high - low)); }
 
@@ -44,6 +44,7 @@ class CLattice {
   static constexpr int kMinLevel = 1;
   static constexpr int kMaxLevel = 10;
 
+  /// See `Allocate`.
   explicit CLattice(int level) { Allocate(level); }
 
   /// Sizes every array for `level` (kMinLevel..kMaxLevel) and clears it: heights, flags, weights and normals 0.
@@ -51,16 +52,19 @@ class CLattice {
   /// Gives the memory of the arrays back; the level and the extent stay. `Allocate` must follow before any other use.
   void Free();
 
+  /// L, and the 2^L + 1 points of a row; indices run along rows, row 0 at y0.
   int Level() const { return m_iLevel; }
   int PointsPerSide() const { return m_iSide; }
   std::size_t PointCount() const { return static_cast<std::size_t>(m_iSide) * static_cast<std::size_t>(m_iSide); }
   std::size_t Index(int column, int row) const {
     return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_iSide) + static_cast<std::size_t>(column);
   }
+  /// Index of a unit cell by the column and row of its lower left corner: row * 2^L + column.
   std::size_t CellIndex(int column, int row) const {
     return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_iSide - 1) + static_cast<std::size_t>(column);
   }
 
+  /// The rectangle that the lattice covers, model units.
   const CExtent& Extent() const { return m_Extent; }
   void SetExtent(const CExtent& extent) { m_Extent = extent; }
   /// Sides of a unit cell, in model units, and the smaller of the two.
@@ -74,6 +78,7 @@ class CLattice {
   double XOf(double column) const { return m_Extent.x0 + column * (m_Extent.x1 - m_Extent.x0) / (m_iSide - 1); }
   double YOf(double row) const { return m_Extent.y0 + row * (m_Extent.y1 - m_Extent.y0) / (m_iSide - 1); }
 
+  /// Bits of PointFlag at a point: whether any of them is set; setting and clearing them.
   bool Has(std::size_t point, std::uint32_t flags) const { return (m_auFlags[point] & flags) != 0; }
   void Set(std::size_t point, std::uint32_t flags) { m_auFlags[point] |= flags; }
   void Clear(std::size_t point, std::uint32_t flags) { m_auFlags[point] &= ~flags; }

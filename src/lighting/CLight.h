@@ -15,6 +15,7 @@ struct CLight {
   std::array<double, 3> m_afColour{1, 1, 1};         ///< red, green, blue, 0 to 1
   std::array<double, 4> m_afTubeColour{1, 1, 0, 1};  ///< RGBA of the marker, 0 to 1
 
+  /// From the surface to the light, without the fourth component, which is 0.
   Vector3 Direction() const { return {m_afDirection[0], m_afDirection[1], m_afDirection[2]}; }
   void SetDirection(const Vector3& d) { m_afDirection = {d.x, d.y, d.z, 0}; }
   bool operator==(const CLight&) const = default;
@@ -40,6 +41,7 @@ enum LightType { kRemovedLights = 1, kAddedLights = 2 };
 // second; per set its five lights, each followed by an empty line. Numbers in the stream's own format. Reading takes
 // the numbers in the same order, separated by white space, and leaves its target as it was when one is missing.
 
+/// In the text form above.
 std::ostream& operator<<(std::ostream& out, const CLight& light);
 std::ostream& operator<<(std::ostream& out, const CLightSet& lights);
 std::istream& operator>>(std::istream& in, CLight& light);

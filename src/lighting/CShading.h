@@ -13,6 +13,7 @@ struct CLightSet;
 /// Colours are vectors of red, green and blue.
 class CShading {
  public:
+  /// Takes what the active lights of the set give; later changes of the set are not seen.
   explicit CShading(const CLightSet& lights);
 
   /// Whether any light of the set is active, lit by it or not.

@@ -26,6 +26,7 @@ class CTexelMap {
   /// subdivision until a pass has run.
   CTexelMap(int width, int height, const CInterpolation& surface);
 
+  /// Of the picture, pixels.
   int Width() const { return m_iWidth; }
   int Height() const { return m_iHeight; }
 
@@ -40,11 +41,12 @@ class CTexelMap {
   void ComputeNormals(const CInterpolation& surface);
   /// `ComputeCoefs` if the normals are of an earlier subdivision.
   void UpdateNormals(const CInterpolation& surface);
-  /// Finds every texel anew if the records are of an earlier subdivision. The normals stay.
+  /// Finds every texel again if the records are of an earlier subdivision. The normals stay.
   void UpdateRecords(const CInterpolation& surface);
 
   // Records and normals are empty until the first call of one of the passes above.
 
+  /// One per texel, row by row, row 0 at the bottom, like the two below.
   std::span<const CInterpCoefs> Records() const { return m_aRecords; }
   /// Unit normals; not a number where the surface has none.
   std::span<const Vector3> Normals() const { return m_aNormals; }
@@ -52,7 +54,7 @@ class CTexelMap {
   std::span<const std::uint8_t> Mask() const { return m_auMask; }
   /// Grows with every change of the normals.
   unsigned Revision() const { return m_uRevision; }
-  /// Grows whenever the mask is made anew.
+  /// Grows whenever the mask is made again.
   unsigned MaskRevision() const { return m_uMaskRevision; }
 
  private:

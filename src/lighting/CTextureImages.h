@@ -15,6 +15,7 @@
 /// each.
 class CTextureImages {
  public:
+  /// Which of the images.
   enum Which : std::size_t {
     kPhotograph = 0,
     kKd = 1,            ///< the photograph freed of the removed lights; the photograph itself until that is computed
@@ -28,12 +29,14 @@ class CTextureImages {
   /// the images stay as they were.
   void SetPicture(const CPicture& picture);
 
+  /// Sizes in pixels; all are 0 without a picture. A texture is the picture padded to powers of two.
   bool HasPicture() const { return m_iTextureWidth > 0; }
   int PictureWidth() const { return m_iPictureWidth; }
   int PictureHeight() const { return m_iPictureHeight; }
   int TextureWidth() const { return m_iTextureWidth; }
   int TextureHeight() const { return m_iTextureHeight; }
 
+  /// Red, green and blue of each texel, row by row, row 0 at the bottom.
   std::span<const std::uint8_t> Image(Which which) const { return m_aaImages[which]; }
   /// For writing; `MarkChanged` when done.
   std::span<std::uint8_t> Image(Which which) { return m_aaImages[which]; }

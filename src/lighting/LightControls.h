@@ -31,6 +31,7 @@ class CColourRatios {
   static constexpr double kUnknown = -1.0;
 
   CColourRatios() = default;
+  /// Of red, green and blue, 0 to 1.
   explicit CColourRatios(const std::array<double, 3>& rgb);
 
   /// Channel `k` over channel `to` (0 red, 1 green, 2 blue); kUnknown where that was 0.

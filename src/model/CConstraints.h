@@ -18,6 +18,8 @@ class CConstraints {
   /// `surface` must outlive the constraints.
   explicit CConstraints(const CSurface& surface) : m_Surface(surface) {}
 
+  /// What the user has placed and drawn, the curve in progress, what the curves generate, and the first lines of
+  /// their sections in a file.
   CPtCstrList& Points() { return m_Points; }
   const CPtCstrList& Points() const { return m_Points; }
   CCntrCtrlList& Curves() { return m_Curves; }
@@ -41,6 +43,7 @@ class CConstraints {
 
   // Points on the surface as it is.
 
+  /// Height of the surface at the place of the constraint, model units.
   double HeightUnder(const CPtCstr& constraint) const;
   /// z of every normal constraint that is no position constraint as well becomes the surface's height under it.
   void RefreshHeights();
@@ -63,7 +66,7 @@ class CConstraints {
   void RefreshParallels(CCntrCtrl& curve) const;
   /// Deletes curves of fewer than two nodes, and refreshes the parallels of the others.
   void RefreshCurves();
-  /// Has every curve generate its constraints anew, in the order of the list; one with which they would be more than
+  /// Has every curve generate its constraints again, in the order of the list; one with which they would be more than
   /// CCntrCtrl::kMostGenerated is refused.
   void Generate();
   /// Number of curves that were refused at the last time; logged. 0 where none was or the number has been taken before.

@@ -59,12 +59,12 @@ class CCurveEdits {
 
   /// Gives a curve the attributes and, unless it is kNone, the type; the weights go to the node of that number or to
   /// all nodes. Posts kRebuildMaps. Nothing for a curve or a node that has gone.
-  void SetAttributes(CurveId curve, std::size_t node, const CContourAttributes& attributes, CurveType type,
+  void SetAttributes(CurveId id, std::size_t node, const CContourAttributes& attributes, CurveType type,
                      bool weightsToAllNodes);
   /// Makes the generated constraints of a curve the user's own, wants full resolution at each of them, and turns the
   /// curve's generation off. Posts kRebuildMaps. False, with nothing changed, if they would be more than
   /// CCntrCtrl::kMostGenerated.
-  bool ExportConstraints(CurveId curve);
+  bool ExportConstraints(CurveId id);
   /// See CConstraints.
   int TakeRefused();
 

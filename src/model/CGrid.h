@@ -66,7 +66,7 @@ class CGrid {
   bool IsRunning() const { return m_Run.IsRunning(); }
   void SetRunning(bool running) { m_Run.SetRunning(running); }
 
-  // Surface and system (see CGridBuilder and CSurface; CGrid.cpp).
+  /// Surface and system (see CGridBuilder and CSurface; CGrid.cpp).
   void SetDiscMap();
   void SetSparseH() { m_Builder.SetSparseH(); }
   void BuildHNumerotation() { m_Builder.BuildHNumerotation(); }
@@ -78,7 +78,7 @@ class CGrid {
     m_Marks.Paint(x, y, g_fZoom * CPointMarks::kFreezeRadius, freeze);
   }
 
-  // Point constraints (see CPtCstrEdits).
+  /// Point constraints (see CPtCstrEdits).
   void AddPtCstr(const CPtCstr& record) { m_Points.Add(record); }
   bool HighlightPtCstrs(double x, double y, std::uint32_t mask) { return m_Points.Highlight(x, y, mask, PickReach()); }
   void SelectPtCstr(double x, double y, std::uint32_t mask) { m_Points.Select(x, y, mask, PickReach()); }
@@ -92,7 +92,7 @@ class CGrid {
   void RefreshNormalCstrHeights() { m_Constraints.RefreshHeights(); }
   void UnselectAll() { m_Constraints.UnselectAll(); }
 
-  // Curves (see CCurveEdits).
+  /// Curves (see CCurveEdits).
   void AddCurve(std::span<const CPtCstr> points, CurveType type, bool closed) { m_Curves.Add(points, type, closed); }
   void AddTracedCurve(std::span<const CPtCstr> points, CurveType type, bool closed) {
     m_Curves.AddTraced(points, type, closed);
@@ -104,7 +104,7 @@ class CGrid {
   void DeleteSelectedCurve() { m_Curves.DeleteSelected(); }
   void UnselectCurves(CurveType mask) { m_Curves.Unselect(mask); }
 
-  // The picture and its light: what CRelighting does, on the present surface.
+  /// The picture and its light: what CRelighting does, on the present surface.
   const CLight* GetLightSource(int index, int type) const { return m_Relighting.GetLightSource(index, type); }
   /// Nothing where there is no such light, or where it is so already.
   void SetLight(int index, int type, const CLight& light);
@@ -125,7 +125,7 @@ class CGrid {
   CSaveOutcome SaveVrml(const std::string& filename) const;
   CSaveOutcome SaveHeightField(const std::string& filename, int width, int height) const;
 
-  // The parts.
+  /// The parts.
   CSurface& Surface() { return m_Surface; }
   const CSurface& Surface() const { return m_Surface; }
   CLattice& Lattice() { return m_Surface.Lattice(); }

@@ -11,7 +11,7 @@ class CSurface;
 class CWantedSubdivisions;
 
 /// Brings tree, maps, numbering and system up to the wanted subdivision and the constraints, and has the iteration
-/// start anew where the coefficients become others. A rebuild leaves the surface as it is at every point in use
+/// start afresh where the coefficients change. A rebuild leaves the surface as it is at every point in use
 /// afterwards.
 class CGridBuilder {
  public:

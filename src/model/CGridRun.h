@@ -12,6 +12,7 @@ class CGridRun {
   /// A tick does one more.
   static constexpr int kIterationsPerTick = 9;
 
+  /// The solver must outlive the run.
   explicit CGridRun(CGridSolver& solver) : m_Solver(solver), m_NoHost(*this) {}
   CGridRun(const CGridRun&) = delete;
   CGridRun& operator=(const CGridRun&) = delete;
@@ -23,6 +24,7 @@ class CGridRun {
   /// Where there is none, one that shows nothing and only goes on after a change.
   GridHost& Host() const { return *m_pHost; }
 
+  /// Whether ticks iterate.
   bool IsRunning() const { return m_bRunning; }
   void SetRunning(bool running) { m_bRunning = running; }
   /// The solver has stopped itself.

@@ -5,9 +5,9 @@
 /// The work that waits for the next tick. Each code is a power of two; the value 0 means nothing.
 enum class Operation {
   kNone = 0,
-  kRestart = 1,            ///< constraint rows anew, the matrix stays
-  kRebuild = 2,            ///< numbering, matrix and rows anew
-  kRebuildMaps = 4,        ///< tree and discontinuity maps anew, then as kRebuild
+  kRestart = 1,            ///< rebuild the constraint rows, keep the matrix
+  kRebuild = 2,            ///< rebuild numbering, matrix and rows
+  kRebuildMaps = 4,        ///< rebuild tree and discontinuity maps, then as kRebuild
   kTransferToHigh = 8,     ///< switch to the high resolution, starting from the present surface
   kTransferToNormal = 16,  ///< the same to the normal resolution
   kRestoreHigh = 32,       ///< switch to the high resolution, taking up its own surface
@@ -42,6 +42,8 @@ class CPendingWork {
   /// The code posted last, Operation::kNone if there is none.
   Operation Next() const { return Next_Operation; }
 
+  /// Nothing is gained by posting a code that was posted last and has not been performed, but for those that repeat.
+  /// `Clear` forgets all.
   void Post(Operation code);
   void Clear();
   /// The codes to perform, in order. Nothing is pending afterwards, so that what these post is kept for the next time.

@@ -17,7 +17,7 @@ class CPointMarks {
 
   /// Freezes, or with `freeze` false sets free, the points in use within `radius` of (x, y).
   void Paint(double x, double y, double radius, bool freeze);
-  /// Grows whenever the brush has painted; what is drawn of it is made anew only then.
+  /// Grows whenever the brush has painted; what is drawn of it is remade only then.
   std::uint64_t FreezeRevision() const { return m_uFreezeRevision; }
 
   /// Highlights the ends of the border sub-edge that the height at (x, y) hangs on, no others, and has the host show

@@ -16,6 +16,7 @@ class CPtCstrEdits {
   /// Both must outlive the edits.
   CPtCstrEdits(CConstraints& constraints, CEditGate& gate) : m_Constraints(constraints), m_Gate(gate) {}
 
+  /// Appends a copy of the record and posts a rebuild.
   void Add(const CPtCstr& record);
   /// Whether any constraint of the kind lies within reach of (x, y); those that do are highlighted, no others.
   bool Highlight(double x, double y, std::uint32_t mask, double reach);

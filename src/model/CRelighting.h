@@ -34,6 +34,7 @@ class CRelighting {
   const CLightSet& RemovedLights() const { return m_RemovedLights; }
   const CLightSet& AddedLights() const { return m_AddedLights; }
 
+  /// Takes both sets as they are; nothing is computed.
   void SetLights(const CLightSet& removed, const CLightSet& added) {
     m_RemovedLights = removed;
     m_AddedLights = added;
@@ -54,6 +55,7 @@ class CRelighting {
   /// Albedo, Kd image and new illumination (see CAlbedoMap), from normals of the present subdivision.
   void GetKd();
 
+  /// What the lights made: images, places and normals of texels, albedo.
   const CTextureImages& Textures() const { return m_Textures; }
   const CTexelMap& Texels() const { return m_Texels; }
   const CAlbedoMap& Albedo() const { return m_Albedo; }

@@ -23,6 +23,7 @@ class CRandom;
 /// numbering or of a basis is the grid's to renew.
 class CSurface {
  public:
+  /// With a lattice of that level and nothing else: `Initialize` follows before any use.
   explicit CSurface(int maxLevel) : m_Lattice(maxLevel) {}
   CSurface(const CSurface&) = delete;
   CSurface& operator=(const CSurface&) = delete;
@@ -35,7 +36,7 @@ class CSurface {
   void Initialize(int maxLevel);
   /// The rectangle of the lattice.
   void SetExtent(const CExtent& extent);
-  /// Subdivides the tree, which is made anew for another maximum level, to `baseLevel` everywhere.
+  /// Subdivides the tree, which is replaced for another maximum level, to `baseLevel` everywhere.
   void ResetTree(int baseLevel);
   /// Frees the arrays; `Initialize` must follow.
   void Free();
@@ -62,6 +63,7 @@ class CSurface {
 
   // Heights and coefficients.
 
+  /// The basis that the coefficients belong to.
   WaveletMode Mode() const { return m_Mode; }
   /// Converts the coefficients to the basis of `mode`.
   void SetWaveletMode(WaveletMode mode);
@@ -81,11 +83,12 @@ class CSurface {
   /// Range of the heights at points in use, model units.
   double MinHeight() const { return m_fMinHeight; }
   double MaxHeight() const { return m_fMaxHeight; }
-  /// Grows with every reconstruction; what is drawn of the surface is made anew only then.
+  /// Grows with every reconstruction; what is drawn of the surface is remade only then.
   std::uint64_t Revision() const { return m_uRevision; }
 
   // What it is made of.
 
+  /// Points, subdivision, numbering and basis; an interpolation refers to them and holds nothing itself.
   CLattice& Lattice() { return m_Lattice; }
   const CLattice& Lattice() const { return m_Lattice; }
   CQuadTree& Tree() { return *m_pTree; }

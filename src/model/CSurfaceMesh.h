@@ -33,6 +33,7 @@ class CSurfaceMesh {
   /// Takes up the present subdivision. Its leaves must have been listed.
   void Build(const CQuadTree& tree);
 
+  /// Vertices at the corners of leaves, and those with the centres, which follow them.
   std::size_t CornerCount() const { return m_auPoints.size(); }
   std::size_t VertexCount() const { return CornerCount() + m_uCentres; }
   /// Lattice index of each vertex at a corner.

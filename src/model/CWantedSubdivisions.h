@@ -20,6 +20,8 @@ class CWantedSubdivisions {
   /// Bytes that `Reserve` sets aside for a level at most.
   static double BytesOf(int maxLevel);
 
+  /// The level of the uniform subdivision to begin with, and what is wanted at the present resolution and at the
+  /// other one.
   int BaseLevel() const { return m_iBaseLevel; }
   CSubdivisionRecord& Current() { return *m_Current; }
   const CSubdivisionRecord& Current() const { return *m_Current; }

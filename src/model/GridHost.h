@@ -26,7 +26,7 @@ class GridHost {
   virtual void ProcessEvents() {}
   /// Curves generate no constraints any more, because all together would be too many: tell the user.
   virtual void CurvesRefused(int /*count*/) {}
-  /// Perform a command that is the program's and not the model's (Operation::kLoadGrid and the like).
+  /// Perform a command that is the program's and not the model's (such as Operation::kLoadGrid).
   virtual void PerformCommand(Operation /*operation*/) {}
   /// The solver has converged and cleared the grid's running flag.
   virtual void PauseSolverConverged() {}

@@ -25,12 +25,14 @@ inline constexpr std::uint32_t kBoth = kAboveOrLeft | kBelowOrRight;
 /// dormant edge does not carry it.
 class CEdge {
  public:
+  /// From (xa, ya) to (xb, yb), lattice points; without halves, no leaf, no mark.
   CEdge(int xa, int ya, int xb, int yb)
       : m_iXa(static_cast<std::int16_t>(xa)),
         m_iYa(static_cast<std::int16_t>(ya)),
         m_iXb(static_cast<std::int16_t>(xb)),
         m_iYb(static_cast<std::int16_t>(yb)) {}
 
+  /// Ends and midpoint, lattice columns and rows.
   int Xa() const { return m_iXa; }
   int Ya() const { return m_iYa; }
   int Xb() const { return m_iXb; }
@@ -39,11 +41,13 @@ class CEdge {
   int XMid() const { return (m_iXa + m_iXb) / 2; }
   int YMid() const { return (m_iYa + m_iYb) / 2; }
 
+  /// Whether `subdiv` has been called.
   bool HasHalves() const { return m_pHalves != nullptr; }
   /// Half 0 runs from the first end to the midpoint, half 1 from there to the second end. Precondition: `HasHalves()`.
   CEdge& Half(int k) { return m_pHalves[k]; }
   const CEdge& Half(int k) const { return m_pHalves[k]; }
 
+  /// Whether it is a side of the present subdivision and not split.
   bool IsLeaf() const { return m_bLeaf; }
   void SetLeaf(bool leaf) { m_bLeaf = leaf; }
 
@@ -106,6 +110,7 @@ class CEdge {
 /// Storage of all edges of one tree, sized once: addresses stay valid and the halves of an edge lie side by side.
 class CEdgeArena {
  public:
+  /// For `capacity` edges, all of the memory at once.
   explicit CEdgeArena(std::size_t capacity) { m_aEdges.reserve(capacity); }
 
   /// Appends one edge. Precondition: `Size() < capacity`.

@@ -10,13 +10,14 @@
 /// How one texel of the picture hangs on the surface, kept so that relighting need not look it up again.
 ///
 /// The texel's centre lies at lattice coordinates (column + 0.5) / width * (n - 1) and likewise for the row. The
-/// indices are those of one subdivision: after the tree has changed the texel must be located anew.
+/// indices are those of one subdivision: after the tree has changed the texel must be located again.
 class CInterpCoefs {
  public:
   CInterpCoefs() = default;
   /// Column and row of the texel, row 0 at the bottom. Not located yet.
   CInterpCoefs(std::int32_t column, std::int32_t row) : m_iColumn(column), m_iRow(row) {}
 
+  /// Of the texel; then the weights of A, of B and of the centre of the leaf, which sum to 1 once it is located.
   std::int32_t Column() const { return m_iColumn; }
   std::int32_t Row() const { return m_iRow; }
   double Ca() const { return m_fCa; }

@@ -56,6 +56,7 @@ class CQuadT {
   /// else neither.
   CQuadT(CQuadTree& tree, int x0, int y0, int level, const std::array<CEdge*, 4>& edges);
 
+  /// Whether the cell is a leaf of the present subdivision; whether cells lie below it, active or not.
   bool IsActive() const { return m_bStop; }
   bool HasChildren() const { return m_pChildren != nullptr; }
   /// Precondition: `HasChildren()`.
@@ -66,6 +67,7 @@ class CQuadT {
   /// The edges from the cell's centre to the midpoints of its sides, in side order. Precondition: `HasChildren()`.
   std::array<CEdge*, 4> InnerEdges() const;
 
+  /// Size = 2^level steps; corners and centre in lattice columns and rows.
   int Level() const { return m_iLevel; }
   int Size() const { return 1 << m_iLevel; }
   int X0() const { return m_iX0; }
@@ -81,6 +83,7 @@ class CQuadT {
   bool Contains(double gx, double gy) const { return X0() <= gx && gx <= X1() && Y0() <= gy && gy <= Y1(); }
   CCellRect ModelRect() const;
 
+  /// Bits of CellFlag; `HasFlag` asks for any of them.
   std::uint32_t Flags() const { return m_uFlags; }
   bool HasFlag(std::uint32_t mask) const { return (m_uFlags & mask) != 0; }
   void SetFlags(std::uint32_t mask);

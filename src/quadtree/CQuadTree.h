@@ -32,6 +32,7 @@ struct CLeaf {
 /// lattice, which must outlive the tree and keep its level.
 class CQuadTree {
  public:
+  /// With all cells down to those one step wide, which are active.
   explicit CQuadTree(CLattice& lattice);
   /// For a lattice that is going to be allocated for `level` before the tree is used.
   CQuadTree(CLattice& lattice, int level);
@@ -39,6 +40,7 @@ class CQuadTree {
   CQuadTree& operator=(const CQuadTree&) = delete;
   ~CQuadTree() = default;
 
+  /// The points that it divides.
   CLattice& Lattice() { return *m_pLattice; }
   const CLattice& Lattice() const { return *m_pLattice; }
   /// The level of the root, which is the lattice's.
@@ -56,7 +58,7 @@ class CQuadTree {
   const CEdge& VerticalEdge(int level, int x, int y) const;
 
   /// The active leaves, depth-first with children in their fixed order, ready for passes that must not walk the tree.
-  /// Listed anew at the first call after the subdivision or a flag has changed.
+  /// Listed again at the first call after the subdivision or a flag has changed.
   std::span<const CLeaf> Leaves() {
     ListLeaves();
     return m_aLeaves;

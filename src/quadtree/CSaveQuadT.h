@@ -19,6 +19,7 @@ struct CLatticeRect {
 /// has none.
 class CSaveQuadT {
  public:
+  /// Whether a leaf is wanted here.
   bool IsLeaf() const { return m_bLeaf; }
   void SetLeaf(bool leaf) { m_bLeaf = leaf; }
   /// Chosen with the manual resolution tool.
@@ -60,6 +61,7 @@ class CSubdivisionRecord {
   CSubdivisionRecord& operator=(const CSubdivisionRecord&) = delete;
   ~CSubdivisionRecord() = default;
 
+  /// Generations below the root, and the root, which is there always.
   int Depth() const { return m_iDepth; }
   CSaveQuadT& Root() { return m_aNodes.front(); }
   const CSaveQuadT& Root() const { return m_aNodes.front(); }

@@ -102,6 +102,7 @@ class CInterpolation {
   /// Unit normal in the triangle of a short form. Not a number where the normals blended are, or where they cancel.
   Vector3 NormalOf(const CTriangleStencil& triangle) const;
 
+  /// What it interpolates on.
   const CQuadTree& Tree() const { return *m_pTree; }
   const CLattice& Lattice() const;
   const CPointOrder& Order() const { return *m_pOrder; }

@@ -27,6 +27,8 @@ struct CLinkCosts {
   float m_fMaximum = 1.0F;        ///< D_max; 1 in a picture without any edge, where only the lengths are left to count
   std::vector<Forward> m_aLinks;  ///< (width + 2) * (height + 2) nodes
 
+  /// Nodes as laid out above: per row, in all, and the index of a pixel. In the margin are the two outermost rows and
+  /// columns.
   std::size_t Stride() const { return static_cast<std::size_t>(m_iWidth) + 2; }
   std::size_t NodeCount() const { return Stride() * (static_cast<std::size_t>(m_iHeight) + 2); }
   std::size_t NodeAt(CPixelPosition p) const {

@@ -20,6 +20,7 @@ class CPixelViewport {
   /// The area has another size.
   void Resize(int width, int height);
 
+  /// Screen pixels per pixel of the picture.
   int Zoom() const { return m_iZoom; }
   /// The first visible column and row.
   CPixelPosition First() const { return m_First; }

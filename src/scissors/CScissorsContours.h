@@ -14,6 +14,7 @@ struct CPathPixel {
   std::int16_t m_iRow = 0;
   bool m_bKeyPoint = false;  ///< set by the user, or else part of the path between two that were
 
+  /// Column and row, row 0 at the top.
   CPixelPosition Position() const { return {m_iColumn, m_iRow}; }
   friend bool operator==(const CPathPixel&, const CPathPixel&) = default;
 };
@@ -30,6 +31,7 @@ class CScissorsContours {
  public:
   static constexpr int kNone = -1;
 
+  /// Whether a contour has been begun and not finished.
   bool IsInProgress() const { return !m_InProgress.m_aPixels.empty(); }
   /// Without pixels where none is in progress.
   const CTracedContour& InProgress() const { return m_InProgress; }
@@ -45,6 +47,7 @@ class CScissorsContours {
   /// The contour in progress joins the traced ones.
   void Finish(bool closed);
 
+  /// The finished ones, in the order they were traced.
   const std::vector<CTracedContour>& Traced() const { return m_aTraced; }
   /// Index of the selected contour, kNone without a selection.
   int Selected() const { return m_iSelected; }

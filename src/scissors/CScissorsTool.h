@@ -27,6 +27,7 @@ class CScissorsTool {
   CScissorsTool(const CScissorsTool&) = delete;
   CScissorsTool& operator=(const CScissorsTool&) = delete;
 
+  /// The picture, row 0 at the top, the paths from the present seed, and the contours.
   const CTopDownImage& Image() const { return m_Image; }
   const CMinimumPathTree& Tree() const { return m_Tree; }
   const CScissorsContours& Contours() const { return m_Contours; }

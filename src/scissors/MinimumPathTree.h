@@ -28,6 +28,7 @@ class CMinimumPathTree {
   /// Expands until the cheapest path of `p` is known, if it lies within the limit.
   void AdvanceTo(CPixelPosition p);
 
+  /// Whether every pixel within the limit is expanded; how many are.
   bool IsComplete() const { return m_bComplete; }
   std::size_t ExpandedCount() const { return m_uExpanded; }
   /// Whether the cheapest path of a pixel is known.

@@ -8,6 +8,7 @@
 /// A sparse matrix in compressed rows: for each row its entries (32-bit column, value), all rows in two flat arrays.
 class CCompressedRows {
  public:
+  /// Sizes, and one row: its columns and the values beside them.
   std::size_t RowCount() const { return m_auRowStart.size() - 1; }
   std::size_t EntryCount() const { return m_auColumns.size(); }
   std::span<const std::uint32_t> Columns(std::size_t row) const;
@@ -21,7 +22,7 @@ class CCompressedRows {
   void EndRow() { m_auRowStart.push_back(m_auColumns.size()); }
 
   /// Finds the runs of consecutive rows that are the same but for a shift along the diagonal. `Times` then reads the
-  /// entries of the first row of each run only. Optional; any later `Append` needs it anew.
+  /// entries of the first row of each run only. Optional; any later `Append` makes it necessary again.
   void FindRuns();
   /// out[i] = (row i) . v for every row. `out` has RowCount() entries, `v` one per column; they must not overlap.
   void Times(std::span<const double> v, std::span<double> out) const;

@@ -26,6 +26,7 @@ class CConjugateResidual {
   /// Below this, |r . A r| or |A p . A p| ends the iteration.
   static constexpr double kBreakdown = 1e-30;
 
+  /// What a call of `Step` has done.
   enum class Outcome {
     Stepped,   ///< one iteration done
     SmallRho,  ///< |r . A r| is below kBreakdown: nothing was changed

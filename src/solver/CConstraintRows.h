@@ -20,6 +20,7 @@ class CConstraintRows {
  public:
   static constexpr double kWeight = 10.0;
 
+  /// No rows are left; the memory is kept.
   void Clear();
   /// Adds the rows of all heights in the lists, in order, then those of all normals: first the slope in y, then in x,
   /// each the difference of two probes half a cell away on either side, the cell being the leaf that holds the point.

@@ -16,6 +16,7 @@
 /// with x the N coefficients of the basis (heights z = B x, where B is the basis' invW) and l the M multipliers.
 class CConstraintSystem {
  public:
+  /// The basis must outlive the system.
   explicit CConstraintSystem(const CHierarchicalBasis& basis) : m_pBasis(&basis) {}
 
   /// H, over the heights: one row and column per scan position.
@@ -25,6 +26,7 @@ class CConstraintSystem {
   CConstraintRows& Constraints() { return m_Constraints; }
   const CConstraintRows& Constraints() const { return m_Constraints; }
 
+  /// N, M, and N + M, the size of all vectors of the iteration: x first, then l.
   std::size_t UnknownCount() const { return m_pBasis->Size(); }
   std::size_t ConstraintCount() const { return m_Constraints.Count(); }
   std::size_t Size() const { return UnknownCount() + ConstraintCount(); }

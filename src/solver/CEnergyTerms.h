@@ -20,6 +20,7 @@ class CEnergyTerms {
   void Add(double weight, std::initializer_list<CEntry> form) { Add(weight, form.begin(), form.end()); }
   void Add(double weight, const CEntry* first, const CEntry* last);
 
+  /// Terms added since the last `Clear`.
   std::size_t Count() const { return m_afWeights.size(); }
 
   /// The matrix H of the energy over `unknowns` unknowns: one row each, every column once, exactly symmetric.

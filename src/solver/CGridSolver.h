@@ -18,10 +18,11 @@ class CInterpolation;
 
 /// The iteration as it goes on across ticks: the system, the multipliers, the counter, and when to stop.
 ///
-/// The counter is -1 while numbering and matrix must be rebuilt, 0 when the iteration starts anew, and the number of
+/// The counter is -1 while numbering and matrix must be rebuilt, 0 when the iteration starts afresh, and the number of
 /// iterations done after that.
 class CGridSolver {
  public:
+  /// How a tick has ended.
   enum class Outcome {
     TickDone,     ///< the tick's iterations are done
     Interrupted,  ///< `poll` asked to stop
@@ -29,20 +30,22 @@ class CGridSolver {
     GaveUp,       ///< it is not, and the iteration gets no nearer: the solver may be paused all the same
   };
 
+  /// Both must outlive the solver.
   CGridSolver(const CHierarchicalBasis& basis, CRandom& random) : m_System(basis), m_pRandom(&random) {}
 
+  /// Iterations since the last restart; 0 where one is due, below 0 where a rebuild is.
   int Counter() const { return m_iCounter; }
   void RequestRebuild();
   /// A rebuild that is already due stays due.
   void RequestRestart();
 
   /// The matrix of the smoothness energy, that along fairness curves included, for a numbering just made; the iteration
-  /// then starts anew.
+  /// then starts afresh.
   void Assemble(CQuadTree& tree, const CInterpolation& surface, const CCntrCtrlList& curves);
   /// The constraint rows of all records in the lists.
   void SetConstraints(std::span<const CPtCstrList* const> lists, const CQuadTree& tree, const CInterpolation& surface);
 
-  /// Up to `limit` iterations on the coefficients `x` (in place). With the counter at 0 the iteration starts anew
+  /// Up to `limit` iterations on the coefficients `x` (in place). With the counter at 0 the iteration starts afresh
   /// first; multipliers of new rows start by chance in [0, 1 / N]. `poll`, where given, is called between the steps and
   /// ends the tick by answering true. A step that would leave the finite numbers is undone.
   Outcome Tick(std::span<double> x, int limit, const std::function<bool()>& poll);
@@ -54,6 +57,7 @@ class CGridSolver {
   /// All multipliers by chance in [0, limit].
   void RandomiseMultipliers(double limit);
 
+  /// The system as it was built last, and its multipliers, one per row of the constraints.
   const CConstraintSystem& System() const { return m_System; }
   std::span<const double> Multipliers() const { return m_afMultipliers; }
 

@@ -25,6 +25,7 @@ class CHierarchicalBasis {
   /// the schedule is laid out all the same.
   void Compile(const CPointOrder& order, const CQuadTree& tree, WaveletMode mode);
 
+  /// The number of unknowns, and the mode it was compiled for.
   std::size_t Size() const { return m_uSize; }
   WaveletMode Mode() const { return m_Mode; }
 

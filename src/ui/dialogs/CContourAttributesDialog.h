@@ -13,6 +13,7 @@ class Fl_Group;
 /// "Contour Attributes": weights, auto bump and ends of a curve.
 class CContourAttributesDialog : public CModalDialog {
  public:
+  /// Hidden until it is asked; both must outlive the dialog.
   CContourAttributesDialog(ViewHost& views, const Fl_Window& mainWindow);
 
   /// Waits for the answer, with the questions that follow from it; none if the user cancels. A fairness curve shows one

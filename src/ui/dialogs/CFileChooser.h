@@ -22,7 +22,8 @@ class CFileChooser {
   /// if none is. It opens in the folder it was left in, with the same name if the pattern (may be null) is the same.
   std::optional<std::string> Choose(const char* title, const char* pattern);
 
-  Fl_Window& Window() { return *m_Chooser.newButton->window(); }
+  /// The toolkit's own window of the chooser.
+  Fl_Window& Window() const { return *m_Chooser.newButton->window(); }
 
  private:
   void FindWidgets();

@@ -13,6 +13,7 @@ class Fl_Counter;
 /// "Grid Initial Parameters": level and rectangle of a new grid.
 class CGridParametersDialog : public CModalDialog {
  public:
+  /// Hidden until it is asked; both must outlive the dialog.
   CGridParametersDialog(ViewHost& views, const Fl_Window& mainWindow);
 
   /// Waits for the answer; none if the user cancels. `present` is offered as the new rectangle. A start level above

@@ -12,6 +12,7 @@ class CHeightFieldDialog : public CModalDialog {
   /// Exports the surface on `width` x `height` samples. Called while the dialog is still open.
   using ExportCommand = std::function<void(int width, int height)>;
 
+  /// Hidden until it is opened; the first two must outlive the dialog.
   CHeightFieldDialog(ViewHost& views, const Fl_Window& mainWindow, ExportCommand command);
 
   /// Shows the dialog with the size of the last export, 200 x 200 at first, and waits until it is closed.

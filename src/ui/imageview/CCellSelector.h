@@ -8,6 +8,7 @@
 /// merge what is selected.
 class CCellSelector final : public CPlaneHandler {
  public:
+  /// All three must outlive the object.
   CCellSelector(CGrid& grid, const CViewMapping& mapping, ViewHost& host) : CPlaneHandler(grid, mapping, host) {}
 
   /// Forgets the press: its release does nothing.

@@ -24,6 +24,7 @@ struct CInterpolationTrace;
 /// The left view: the picture, what is drawn over it, and the mouse and keys that edit constraints on it.
 class CImageView : public Fl_Gl_Window, private HandlerView {
  public:
+  /// Place and size in the window, screen pixels.
   CImageView(int x, int y, int w, int h);
 
   /// The grid to show and the window around the view; both must outlive it. Until then the view draws nothing and

@@ -53,6 +53,7 @@ class CPtCstrHandler : public CPlaneHandler {
 /// Position constraints: dragging right or up raises the height.
 class CPtPosCstrHandler : public CPtCstrHandler {
  public:
+  /// All three must outlive the object.
   CPtPosCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host);
 
  private:

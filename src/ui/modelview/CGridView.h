@@ -21,6 +21,7 @@ class ViewHost;
 /// The right view: the surface in three dimensions, which the mouse turns, rolls and zooms.
 class CGridView : public Fl_Gl_Window {
  public:
+  /// Place and size in the window, screen pixels.
   CGridView(int x, int y, int w, int h);
 
   /// The grid to show; it must outlive the view. Without one the view draws nothing. Resets the camera.
@@ -46,6 +47,7 @@ class CGridView : public Fl_Gl_Window {
   /// Called at every drawing, before anything is drawn.
   void BeforeDrawing(std::function<void()> action) { m_BeforeDrawing = std::move(action); }
 
+  /// What the view looks through; setting it redraws.
   const CCamera& Camera() const { return m_Camera; }
   void SetCamera(const CCamera& camera);
   /// Looks at the whole model from the front.

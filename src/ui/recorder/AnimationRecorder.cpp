@@ -23,15 +23,15 @@ constexpr double kEventTime = 0.1;
 
 }  // namespace
 
-struct AnimationRecorder::CButtonRow {
+struct CAnimationRecorder::CButtonRow {
   const char* m_pLabel;
   const char* m_pTooltip;
   Fl_Callback* m_pCallback;
   uchar m_uType;
 };
 
-AnimationRecorder::AnimationRecorder(RecorderView& view, RecorderHost& host, UserDialogs& dialogs,
-                                     CFrameRecorder::Clock clock)
+CAnimationRecorder::CAnimationRecorder(RecorderView& view, RecorderHost& host, UserDialogs& dialogs,
+                                       CFrameRecorder::Clock clock)
     : Fl_Window(kWidth, kHeight, "Animation Record Interface"),
       m_View(view),
       m_Host(host),
@@ -63,7 +63,7 @@ AnimationRecorder::AnimationRecorder(RecorderView& view, RecorderHost& host, Use
   Refresh();
 }
 
-void AnimationRecorder::Open() {
+void CAnimationRecorder::Open() {
   if (m_bOpen) return;
   m_bOpen = true;
   m_Host.PauseForRecorder();
@@ -71,7 +71,7 @@ void AnimationRecorder::Open() {
   show();
 }
 
-void AnimationRecorder::Close() {
+void CAnimationRecorder::Close() {
   if (!m_bOpen) return;
   m_bOpen = false;
   m_Playback.EndTimer();
@@ -81,54 +81,54 @@ void AnimationRecorder::Close() {
   ReportClosed();
 }
 
-void AnimationRecorder::StoreFrame() {
+void CAnimationRecorder::StoreFrame() {
   if (!m_Recorder.Capture(m_View.Camera())) return;
   m_Host.ShowFrameRecorded(static_cast<int>(m_Recorder.Frames().size()));
   Refresh();
 }
 
-void AnimationRecorder::cb_Window(Fl_Widget* widget, void* /*data*/) {
-  static_cast<AnimationRecorder*>(widget)->Close();
+void CAnimationRecorder::cb_Window(Fl_Widget* widget, void* /*data*/) {
+  static_cast<CAnimationRecorder*>(widget)->Close();
 }
 
-void AnimationRecorder::cb_m_pbtnRecord(Fl_Widget* /*widget*/, void* recorder) {
-  auto& self = *static_cast<AnimationRecorder*>(recorder);
+void CAnimationRecorder::cb_m_pbtnRecord(Fl_Widget* /*widget*/, void* recorder) {
+  auto& self = *static_cast<CAnimationRecorder*>(recorder);
   self.m_Playback.EndTimer();
   self.m_Recorder.Record();
   self.Refresh();
 }
 
-void AnimationRecorder::cb_m_pbtnPause(Fl_Widget* /*widget*/, void* recorder) {
-  auto& self = *static_cast<AnimationRecorder*>(recorder);
+void CAnimationRecorder::cb_m_pbtnPause(Fl_Widget* /*widget*/, void* recorder) {
+  auto& self = *static_cast<CAnimationRecorder*>(recorder);
   self.m_Recorder.TogglePause();
   self.Refresh();
 }
 
-void AnimationRecorder::cb_m_pbtnPlay(Fl_Widget* /*widget*/, void* recorder) {
-  auto& self = *static_cast<AnimationRecorder*>(recorder);
+void CAnimationRecorder::cb_m_pbtnPlay(Fl_Widget* /*widget*/, void* recorder) {
+  auto& self = *static_cast<CAnimationRecorder*>(recorder);
   self.m_Playback.Play();
   self.Refresh();
 }
 
-void AnimationRecorder::cb_m_pbtnStop(Fl_Widget* /*widget*/, void* recorder) {
-  auto& self = *static_cast<AnimationRecorder*>(recorder);
+void CAnimationRecorder::cb_m_pbtnStop(Fl_Widget* /*widget*/, void* recorder) {
+  auto& self = *static_cast<CAnimationRecorder*>(recorder);
   self.m_Playback.EndTimer();
   self.m_Recorder.Stop();
   self.Refresh();
 }
 
-void AnimationRecorder::cb_m_pbtnReset(Fl_Widget* /*widget*/, void* recorder) {
-  auto& self = *static_cast<AnimationRecorder*>(recorder);
+void CAnimationRecorder::cb_m_pbtnReset(Fl_Widget* /*widget*/, void* recorder) {
+  auto& self = *static_cast<CAnimationRecorder*>(recorder);
   self.m_Playback.EndTimer();
   self.m_Recorder.Reset();
   self.Refresh();
 }
 
-void AnimationRecorder::cb_m_pbtnExport(Fl_Widget* /*widget*/, void* recorder) {
-  static_cast<AnimationRecorder*>(recorder)->Export();
+void CAnimationRecorder::cb_m_pbtnExport(Fl_Widget* /*widget*/, void* recorder) {
+  static_cast<CAnimationRecorder*>(recorder)->Export();
 }
 
-void AnimationRecorder::Export() {
+void CAnimationRecorder::Export() {
   m_Recorder.Pause();
   m_bExporting = true;
   Refresh();
@@ -145,7 +145,7 @@ void AnimationRecorder::Export() {
   Refresh();
 }
 
-void AnimationRecorder::ExportTo(const std::string& templateName) {
+void CAnimationRecorder::ExportTo(const std::string& templateName) {
   Fl::wait(kEventTime);
   // A copy, so that nothing that happens meanwhile can reach the frames being written.
   const std::vector<CFrame> frames = m_Recorder.Frames();
@@ -166,7 +166,7 @@ void AnimationRecorder::ExportTo(const std::string& templateName) {
   if (result == ExportResult::Unwritable) m_Dialogs.Notice(("Cannot write " + failed).c_str());
 }
 
-void AnimationRecorder::Refresh() {
+void CAnimationRecorder::Refresh() {
   const bool recording = m_Recorder.IsIn(RecordMode::kRecording);
   const bool idle = m_Recorder.IsIn(RecordMode::kIdle);
   const bool hasAnimation = !m_Recorder.Frames().empty() && !recording;
@@ -180,7 +180,7 @@ void AnimationRecorder::Refresh() {
   m_pTick->value(m_Recorder.ShownSeconds());
 }
 
-void AnimationRecorder::SetButton(Button button, bool active, bool down) {
+void CAnimationRecorder::SetButton(Button button, bool active, bool down) {
   Fl_Button& widget = *m_apButtons[button];
   if (active && !m_bExporting) {
     widget.activate();

@@ -17,10 +17,10 @@ class UserDialogs;
 
 /// "Animation Record Interface": records the camera of the model view, plays it back and exports it as a series of
 /// pictures. The frames outlive the closed window.
-class AnimationRecorder : public Fl_Window, public ToolWindow {
+class CAnimationRecorder : public Fl_Window, public ToolWindow {
  public:
   /// All must outlive the window. It is built closed.
-  AnimationRecorder(RecorderView& view, RecorderHost& host, UserDialogs& dialogs, CFrameRecorder::Clock clock);
+  CAnimationRecorder(RecorderView& view, RecorderHost& host, UserDialogs& dialogs, CFrameRecorder::Clock clock);
 
   bool IsOpen() const override { return m_bOpen; }
   void Open() override;
@@ -30,6 +30,7 @@ class AnimationRecorder : public Fl_Window, public ToolWindow {
   /// The model view is about to be drawn: stores a frame if one is wanted.
   void StoreFrame();
 
+  /// The frames and what is being done with them.
   const CFrameRecorder& Recorder() const { return m_Recorder; }
 
  private:

@@ -17,6 +17,7 @@ struct CFrameCamera {
   friend bool operator==(const CFrameCamera&, const CFrameCamera&) = default;
 };
 
+/// One moment of a recording.
 struct CFrame {
   CFrameCamera m_Camera;
   double m_fSeconds = 0.0;  ///< since the previous frame, or since recording was asked for
@@ -40,8 +41,10 @@ class CFrameRecorder {
   /// Whole milliseconds of a clock that never jumps.
   using Clock = std::function<std::int64_t()>;
 
+  /// Without frames, neither recording nor playing.
   explicit CFrameRecorder(Clock clock);
 
+  /// Bits of RecordMode, and the frames so far, in the order of their recording.
   std::uint32_t Mode() const { return m_uMode; }
   bool IsIn(std::uint32_t bit) const { return (m_uMode & bit) != 0; }
   const std::vector<CFrame>& Frames() const { return m_aFrames; }

@@ -7,6 +7,7 @@
 struct CFrame;
 class RecorderView;
 
+/// How an export of frames has ended: all written, stopped by the user, or a file that could not be written.
 enum class ExportResult { Done, Stopped, Unwritable };
 
 /// "%s%4d.bmp" of the template and the number: blanks fill the number up to four places.

@@ -9,6 +9,7 @@ class RecorderView {
  public:
   virtual ~RecorderView() = default;
 
+  /// What a frame keeps of the view.
   virtual CFrameCamera Camera() const = 0;
   /// Take these values as they are, and bring everything derived from them up to date.
   virtual void SetCamera(const CFrameCamera& camera) = 0;

@@ -10,6 +10,7 @@ class CBusyCursor {
   CBusyCursor(const CBusyCursor&) = delete;
   CBusyCursor& operator=(const CBusyCursor&) = delete;
 
+  /// Whether any such object lives.
   static bool IsShown() { return s_iObjects > 0; }
 
  private:

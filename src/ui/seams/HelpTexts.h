@@ -48,6 +48,7 @@ inline constexpr std::array kHelpTexts{
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
 namespace HelpText {
+/// Rows of `kHelpTexts`.
 enum Index : int {
   kNone = 0,
   kPositions = 2,

@@ -11,19 +11,20 @@ class ToolWindow {
   ToolWindow(const ToolWindow&) = delete;
   ToolWindow& operator=(const ToolWindow&) = delete;
 
+  /// Whether the window is on the screen; showing it, also when it is there already; taking it away.
   virtual bool IsOpen() const = 0;
   virtual void Open() = 0;
   virtual void Close() = 0;
   /// Another picture has been loaded.
   virtual void PictureLoaded() {}
-  /// The grid has been initialised anew or read from a file.
+  /// The grid has been reinitialised or read from a file.
   virtual void GridReplaced() {}
 
   /// What is to be done when the window has closed.
   void OnClosed(std::function<void()> action) { m_Closed = std::move(action); }
 
  protected:
-  /// To be called once the window has closed, whoever closed it.
+  /// To be called once the window has closed, no matter what closed it.
   void ReportClosed() {
     if (m_Closed) m_Closed();
   }

@@ -31,6 +31,7 @@ class ViewHost {
   /// Let the user edit the attributes of the curve at a place, as soon as no step of the solver is under way.
   virtual void EditCurveAttributes(const CPlanePoint& /*place*/) {}
 
+  /// Draw the left view again, soon.
   virtual void RedrawImageView() = 0;
   /// The image view has switched its grid on by itself.
   virtual void ImageGridShown() {}

@@ -15,12 +15,14 @@ class CControlSet {
   /// lies in a group already stays there.
   void Add(const CControlRow& row, Fl_Widget& widget, Fl_Group& window);
 
+  /// The widget of a control, which must be one of that kind.
   Fl_Widget& Widget(Control control) const { return *m_apWidgets[Index(control)]; }
   Fl_Button& Button(Control control) const;
   Fl_Value_Output& ReadOut(Control control) const;
   const CControlWidgets& Widgets() const { return m_apWidgets; }
 
-  void Enable(Control control, bool enable);
+  /// Makes a control active or grey.
+  void Enable(Control control, bool enable) const;
   /// Shows or hides a control; one of the debug zone is on the screen only together with it.
   void Show(Control control, bool visible);
   /// Shows or hides the debug zone, whose controls come back as they are meant to be.

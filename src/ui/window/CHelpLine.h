@@ -9,6 +9,7 @@
 /// An output that no event reaches, so that it never takes the keyboard from the views.
 class CPassiveOutput : public Fl_Output {
  public:
+  /// Place and size in the window, screen pixels.
   explicit CPassiveOutput(int x, int y, int w, int h, const char* label = nullptr) : Fl_Output(x, y, w, h, label) {
     // A "&" in the label is one, not the mark of a shortcut.
     clear_flag(SHORTCUT_LABEL);
@@ -35,6 +36,7 @@ class CHelpLine : public CPassiveOutput {
   /// "Frame nb ... recorded.", until the current text is restored.
   void ShowFrameRecorded(int frame);
 
+  /// Indices of the text that belongs to the present state, and of the one on the screen.
   int CurrentHelp() const { return m_iCurrent; }
   int ShownHelp() const { return m_iShown; }
 

@@ -43,6 +43,7 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   /// The window that a button of "Interfaces" opens. Without one the button is inactive.
   void SetTool(Tool tool, std::unique_ptr<ToolWindow> window);
 
+  /// Its parts, which live as long as the window.
   CImageView& ImageView() { return *m_pImageView; }
   CGridView& GridView() { return *m_pGridView; }
   CMainMenu& Menu() { return *m_pMenu; }
@@ -54,7 +55,7 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
 
   // The model.
 
-  /// Both views, no oftener than a running solver can bear.
+  /// Both views, as often as a running solver can bear.
   void RequestRedraw() override { m_RedrawPacer.Request(); }
   /// The trace is shown over the picture only, and in its read-outs.
   void ShowInterpolation(const CInterpolationTrace& trace) override;

@@ -53,8 +53,10 @@ class CMainMenu : public Fl_Menu_Bar {
  public:
   using Action = std::function<void(MenuEntry entry)>;
 
+  /// Place and size in the window, screen pixels. `chosen` is called for what the user picks.
   CMainMenu(int x, int y, int w, int h, Action chosen);
 
+  /// The tick before an entry, and whether it can be chosen.
   bool IsChecked(MenuEntry entry) const { return Item(entry).value() != 0; }
   void SetChecked(MenuEntry entry, bool checked);
   bool IsActive(MenuEntry entry) const { return Item(entry).active() != 0; }

@@ -16,6 +16,7 @@ class CRedrawPacer {
   CRedrawPacer(const CRedrawPacer&) = delete;
   CRedrawPacer& operator=(const CRedrawPacer&) = delete;
 
+  /// The redraw follows at once or when the pace allows it; requests until then are one.
   void Request();
 
   /// Seconds of the monotonic clock.

@@ -12,15 +12,17 @@ class CControlSet;
 /// The tools whose windows the buttons of "Interfaces" open and close, and the lamps of these buttons.
 class CToolButtons {
  public:
+  /// In the order of their buttons.
   enum class Tool { LightSources, Recorder, Scissors };
   static constexpr std::array kTools{Tool::LightSources, Tool::Recorder, Tool::Scissors};
 
   /// The controls must outlive the object.
   explicit CToolButtons(CControlSet& controls) : m_Controls(controls) {}
 
+  /// The button that opens the tool's window.
   static Control ButtonOf(Tool tool);
 
-  /// Takes up the window of a tool, or none. `closed` is called when it has closed, whoever closed it.
+  /// Takes over the window of a tool, or none. `closed` is called once it has closed, no matter what closed it.
   void Set(Tool tool, std::unique_ptr<ToolWindow> window, const std::function<void()>& closed);
   bool Has(Tool tool) const { return At(tool) != nullptr; }
   bool IsOpen(Tool tool) const { return Has(tool) && At(tool)->IsOpen(); }
@@ -29,6 +31,7 @@ class CToolButtons {
   void Close(Tool tool);
 
   // For all of them.
+  /// Each window is told, open or not.
   void PictureLoaded();
   void GridReplaced();
 

@@ -71,11 +71,13 @@ struct CRect {
   int w = 0;
   int h = 0;
 
+  /// The first column to the right and the first row below.
   int Right() const { return x + w; }
   int Bottom() const { return y + h; }
   friend bool operator==(const CRect&, const CRect&) = default;
 };
 
+/// What widget a control is made as.
 enum class ControlKind {
   MenuBar,
   ImageView,
@@ -131,6 +133,7 @@ inline constexpr int kMinDesignHeight = 190;
 /// The rows, in the order of `Control`.
 extern const std::array<CControlRow, kControlCount> kControls;
 
+/// Its place in the table, and its row there.
 inline constexpr std::size_t Index(Control control) { return static_cast<std::size_t>(control); }
 inline const CControlRow& RowOf(Control control) { return kControls[Index(control)]; }
 

@@ -37,16 +37,19 @@ class CHelpAware : public Button {
   CHelpLine* m_pHelpLine;
 };
 
+/// The toolkit's buttons that show their help under the mouse.
 class CHelpButton : public CHelpAware<Fl_Button> {
  public:
   using CHelpAware::CHelpAware;
 };
 
+/// With a lamp.
 class CHelpLightButton : public CHelpAware<Fl_Light_Button> {
  public:
   using CHelpAware::CHelpAware;
 };
 
+/// Round.
 class CHelpRoundButton : public CHelpAware<Fl_Round_Button> {
  public:
   using CHelpAware::CHelpAware;

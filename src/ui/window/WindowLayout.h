@@ -20,6 +20,7 @@ struct CWindowLayout {
   /// Whether "Reset the 2D view" has more room than in the design, where its label takes three lines.
   bool m_bRoomyReset = false;
 
+  /// Place and size of a control in the window, screen pixels.
   const CRect& Of(Control control) const { return m_aRects[Index(control)]; }
 };
 
