@@ -60,7 +60,7 @@ bool Runs(const std::string& command) { return std::system((command + " >/dev/nu
 
 int main() {
   std::ostringstream console;
-  const ConsoleRedirect redirect(console);
+  const CConsoleRedirect redirect(console);
   const std::filesystem::path directory = std::filesystem::temp_directory_path() / "relievo_bmp_bench";
   std::filesystem::create_directories(directory);
   const std::string bmp = directory / "picture.bmp";

@@ -47,7 +47,8 @@ void SearchLean(const CLinkCosts& costs, CPixelPosition seed, std::vector<float>
     if (distance > distances[node]) continue;
     const CPixelPosition p{static_cast<int>(node % stride) - 1, static_cast<int>(node / stride) - 1};
     for (int link = 0; link < kLinkCount; ++link) {
-      const CPixelPosition q{p.m_iColumn + kLinkSteps[link].m_iColumn, p.m_iRow + kLinkSteps[link].m_iRow};
+      const CPixelPosition step = kLinkSteps[static_cast<std::size_t>(link)];
+      const CPixelPosition q{p.m_iColumn + step.m_iColumn, p.m_iRow + step.m_iRow};
       if (!costs.Contains(q)) continue;
       const float candidate = distance + costs.Cost(p, link);
       if (candidate >= distances[costs.NodeAt(q)]) continue;
@@ -102,7 +103,7 @@ void Report(const CTopDownImage& image) {
 
 int main(int argc, char** argv) {
   std::ostream nowhere(nullptr);
-  const ConsoleRedirect quiet(nowhere);
+  const CConsoleRedirect quiet(nowhere);
   const CTopDownImage picture = argc > 1 ? ReadPicture(argv[1]) : DrawPicture(600, 400);
   Report(picture);
   for (const double megapixels : {1.0, 4.0, 12.0}) Report(Enlarge(picture, megapixels * 1e6));

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # scripts/make_tutorial.sh
-# Makes the models in samples/ and the pictures in docs/tutorial/ anew: the built program is used with mouse and keyboard
+# Makes the models in samples/ and the pictures in docs/tutorial/: the built program is used with mouse and keyboard
 # on a virtual display, as docs/tutorial.md tells it. Takes some minutes.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

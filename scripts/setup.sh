@@ -1,16 +1,19 @@
 # shellcheck shell=bash
 # Shared by ./run, ./test and .ci/run, which source it from the root of the repository.
 
-# packages_for run|test: what the command needs beyond a bare Debian 12, one name per line.
+# packages_for run|test|ci: what the command needs beyond a bare Debian 12, one name per line.
 packages_for() {
   # To build; then to show a window: software rendering, a font, xdpyinfo.
   printf '%s\n' cmake g++ ninja-build libcli11-dev libfltk1.3-dev libgl-dev libglu1-mesa-dev libjpeg62-turbo-dev nlohmann-json3-dev
   printf '%s\n' libgl1-mesa-dri fonts-dejavu-core x11-utils
-  if [[ $1 == test ]]; then
+  if [[ $1 != run ]]; then
     printf '%s\n' clang-format-14 libbenchmark-dev libboost-dev libcoin-dev libeigen3-dev libgtest-dev librapidcheck-dev libx11-dev
     printf '%s\n' imagemagick openbox xclip xdotool xvfb
     # To judge what desktops and package managers read.
     printf '%s\n' appstream desktop-file-utils dpkg-dev libglib2.0-bin librsvg2-bin libxml2-utils lintian man-db shared-mime-info
+  fi
+  if [[ $1 == ci ]]; then
+    printf '%s\n' clang-14 clang-tidy-14 shellcheck
   fi
 }
 
@@ -39,7 +42,7 @@ apt() {
     -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3 "$@" >>"$log" 2>&1
 }
 
-# need_packages run|test: installs the packages that are missing. Where none is, one dpkg query and nothing else.
+# need_packages run|test|ci: installs the packages that are missing. Where none is, one dpkg query and nothing else.
 need_packages() {
   local -A present=()
   local -a packages
@@ -87,7 +90,7 @@ build() {
 }
 
 # configure preset [cmake option...]: ninja runs CMake again by itself when a list changes, so an existing tree is only
-# configured anew for an option it does not have yet, and from nothing when the repository has been moved.
+# reconfigured for an option it does not have yet, and from nothing when the repository has been moved.
 configure() {
   local preset=$1
   shift

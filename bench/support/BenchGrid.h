@@ -48,6 +48,6 @@ class CBenchGrid {
   }
 
   std::ostringstream m_Swallowed;
-  ConsoleRedirect m_Redirect;
+  CConsoleRedirect m_Redirect;
   CGrid m_Grid;
 };

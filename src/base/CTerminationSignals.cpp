@@ -58,7 +58,7 @@ CTerminationSignals::~CTerminationSignals() {
   g_iWriteEnd = -1;
 }
 
-int CTerminationSignals::Take() {
+int CTerminationSignals::Take() const {
   unsigned char signal = 0;
   return read(m_iReadEnd, &signal, 1) == 1 ? signal : 0;
 }

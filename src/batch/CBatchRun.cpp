@@ -103,7 +103,7 @@ void CBatchRun::Solve() {
   while (m_Grid.IsRunning() && !IsAtBound(watch.Seconds())) {
     // Lines of the model must not end up behind the number.
     std::ostringstream lines;
-    std::optional<ConsoleRedirect> redirect;
+    std::optional<CConsoleRedirect> redirect;
     if (progress.IsShown()) redirect.emplace(lines);
     Tick();
     redirect.reset();
@@ -131,7 +131,7 @@ void CBatchRun::Tick() {
   const int before = m_Grid.Solver().Counter();
   m_Grid.UpdateGrid();
   const int after = m_Grid.Solver().Counter();
-  // The counter begins anew with every restart.
+  // Every restart sets the counter back.
   m_Result.m_iIterations += after > before && before > 0 ? after - before : after;
 }
 

@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
   if (parsed.m_ExitStatus.has_value()) return *parsed.m_ExitStatus;
   // Standard output is the report's.
   std::ostream nowhere(nullptr);
-  const ConsoleRedirect redirect(parsed.m_Options.m_bQuiet ? nowhere : std::cerr);
+  const CConsoleRedirect redirect(parsed.m_Options.m_bQuiet ? nowhere : std::cerr);
   CTerminationSignals signals;
   return CBatchRun(parsed.m_Options, signals).Run();
 }

@@ -1,6 +1,5 @@
 #include "drawing/CurvePainter.h"
 
-#include <ranges>
 #include <span>
 
 #include <GL/gl.h>
@@ -13,7 +12,7 @@ namespace {
 
 // In pixels. A state shows as a wide line under that of the type.
 constexpr float kLineWidth = 2.0F;
-constexpr float kStateWidth = 6.0F;
+constexpr float kMarkedWidth = 6.0F;
 constexpr float kNodeSize = 5.0F;
 constexpr float kMarkedNodeSize = 9.0F;
 constexpr float kGeneratedSize = 4.0F;
@@ -42,7 +41,7 @@ void DrawNodes(const CCntrCtrl& curve, const CColour& colour, bool marked) {
 void DrawCurve(const CCntrCtrl& curve) {
   const CColour& colour = CurveColour(curve.Type());
   if (curve.HasState(PtCstrState::kSelected | PtCstrState::kHighlighted))
-    DrawLine(curve, CurveStateColour(curve, colour), kStateWidth);
+    DrawLine(curve, CurveStateColour(curve, colour), kMarkedWidth);
   DrawLine(curve, colour, kLineWidth);
   DrawNodes(curve, colour, false);
   DrawNodes(curve, colour, true);
@@ -81,6 +80,6 @@ void DrawPendingCurve(const CGrid& grid, const std::optional<CPlanePoint>& loose
     glVertex2d(looseEnd->x, looseEnd->y);
   }
   // The strip starts at the mouse, so the point clicked last comes next.
-  for (const CPtCstr& point : std::views::reverse(points)) glVertex2d(point.m_fX, point.m_fY);
+  for (auto point = points.rbegin(); point != points.rend(); ++point) glVertex2d(point->m_fX, point->m_fY);
   glEnd();
 }

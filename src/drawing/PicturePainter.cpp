@@ -71,7 +71,7 @@ void DrawPicture(const CGrid& grid, CTextures& textures) {
 }
 
 // In hundredths of what the view shows, so that a constraint keeps its size on the screen.
-void DrawPointConstraints(const CGrid& grid) {
+void DrawPointMarks(const CGrid& grid) {
   const CExtent& e = grid.Lattice().Extent();
   const CViewDrawing& drawing = g_DrawingSettings.m_ImageView;
   const Vector3 unit{(e.x1 - e.x0) / 100 * g_fZoom, (e.y1 - e.y0) / 100 * g_fZoom, 0};
@@ -90,7 +90,7 @@ void CPicturePainter::Draw(const CGrid& grid, const CView& view) {
   DrawSubdivision(grid, view);
   if ((view.m_uFlags & ImageFlag::kFreezeMap) != 0) DrawFrozen(grid);
   if ((view.m_uFlags & ImageFlag::kCurves) != 0) DrawCurves(grid);
-  if ((view.m_uFlags & ImageFlag::kPointConstraints) != 0) DrawPointConstraints(grid);
+  if ((view.m_uFlags & ImageFlag::kPointConstraints) != 0) DrawPointMarks(grid);
   glColor3d(1, 1, 1);
 }
 

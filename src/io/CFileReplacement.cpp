@@ -69,7 +69,7 @@ bool ShowsOpenFiles(const fs::path& folder) {
 }
 
 // The path behind all links, whether or not there is a file; nothing where they go round in a circle or lead to a file
-// that a process has open: whoever has it open would not see another file in its place.
+// that a process has open: that process would not see another file in its place.
 std::optional<fs::path> BehindLinks(fs::path path) {
   for (int k = 0; k < kMostLinks; ++k) {
     std::error_code error;

@@ -77,7 +77,11 @@ int TakeNumbers(std::string_view& text) {
 }
 
 // A rectangle, and what precedes the first list of constraints, as they are saved.
-bool IsGridFile(std::string_view text) { return TakeNumbers(text) == 4 && TakeNumbers(text) == 2; }
+bool IsGridFile(std::string_view text) {
+  const int corners = TakeNumbers(text);
+  const int levels = TakeNumbers(text);
+  return corners == 4 && levels == 2;
+}
 
 // Of a kind that is nearly right it tells what is wrong with it.
 std::string Needed(std::string_view kind) {
@@ -96,7 +100,7 @@ std::string KindOfBytes(std::span<const std::uint8_t> bytes) {
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   if (text.empty()) return "an empty file";
   if (text.starts_with("BM")) return KindOfBmp(text);
-  const auto magic = std::ranges::find_if(kMagic, [text](const CMagic& known) { return Holds(text, known); });
+  const auto* const magic = std::ranges::find_if(kMagic, [text](const CMagic& known) { return Holds(text, known); });
   if (magic != kMagic.end()) return magic->m_Kind;
   return IsGridFile(text) ? "a grid file" : "";
 }

@@ -91,12 +91,12 @@ bool CGridReader::ReadAhead() {
   m_SubdivisionLines.copyfmt(Console());
   try {
     PrepareToReadNumbers(m_In);
-    const ConsoleRedirect toHead(m_HeadLines);
+    const CConsoleRedirect toHead(m_HeadLines);
     m_Head.ReadHead();
     if (!m_Head.HasRectangle()) return true;
     if (m_Head.HasHead()) {
       if (IsTooShort()) return false;
-      const ConsoleRedirect toSubdivision(m_SubdivisionLines);
+      const CConsoleRedirect toSubdivision(m_SubdivisionLines);
       m_Head.ReadSubdivision();
     }
     m_Grid.Reserve(m_Head.Sketch().m_iMaxLevel);

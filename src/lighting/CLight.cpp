@@ -14,14 +14,14 @@ CLightSet StartSet(const std::array<double, 4>& tubeColour) {
   return set;
 }
 
-template <std::size_t Count>
-void WriteLine(std::ostream& out, const std::array<double, Count>& values) {
+template <std::size_t kCount>
+void WriteLine(std::ostream& out, const std::array<double, kCount>& values) {
   for (const double value : values) out << value << ' ';
   out << '\n';
 }
 
-template <std::size_t Count>
-void ReadAll(std::istream& in, std::array<double, Count>& values) {
+template <std::size_t kCount>
+void ReadAll(std::istream& in, std::array<double, kCount>& values) {
   for (double& value : values) in >> value;
 }
 

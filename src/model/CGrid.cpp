@@ -69,7 +69,7 @@ void CGrid::Initialize(int level, bool keep, double x0, double y0, double x1, do
 
 void CGrid::SetDiscMap() {
   m_Builder.SetDiscMap();
-  // What else hangs on the tree per texel is made anew at its first use.
+  // What else depends on the tree per texel is remade when it is first used.
   TestTexelsInDiscontinuity();
 }
 

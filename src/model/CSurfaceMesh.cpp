@@ -66,11 +66,14 @@ void CSurfaceMesh::AddSide(const CEdge& edge, bool backwards, bool torn, std::ui
 template <typename Visit>
 void CSurfaceMesh::ForEachPlace(const CQuadTree& tree, const Visit& visit) const {
   const auto side = static_cast<std::uint32_t>(tree.Lattice().PointsPerSide());
-  for (std::size_t v = 0; v < CornerCount(); ++v) visit(v, m_auPoints[v] % side, m_auPoints[v] / side);
+  const auto at = [&visit, side](std::size_t vertex, std::uint32_t point, double offset) {
+    const std::uint32_t row = point / side;
+    visit(vertex, point % side + offset, row + offset);
+  };
+  for (std::size_t v = 0; v < CornerCount(); ++v) at(v, m_auPoints[v], 0.0);
   std::size_t v = CornerCount();
   for (const CLeaf& leaf : tree.Leaves()) {
-    const double half = 0.5 * leaf.m_uSize;
-    visit(v++, leaf.m_uPoint % side + half, leaf.m_uPoint / side + half);
+    at(v++, leaf.m_uPoint, 0.5 * leaf.m_uSize);
   }
 }
 

@@ -54,12 +54,12 @@ CSubdivisionBits::CSubdivisionBits(const CSubdivisionRecord& record) : m_iDepth(
 }
 
 void CSubdivisionBits::ApplyTo(CSubdivisionRecord& record) const {
-  CBit bit = m_aBits.begin();
+  auto bit = m_aBits.begin();
   ApplyToNode(bit, m_aBits.end(), record.Root());
 }
 
 void CSubdivisionBits::Write(std::ostream& out) const {
-  CBit bit = m_aBits.begin();
+  auto bit = m_aBits.begin();
   WriteNode(out, bit, m_aBits.end(), m_iDepth);
 }
 

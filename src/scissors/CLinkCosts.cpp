@@ -129,7 +129,7 @@ float CLinkCosts::PlainCost(int link) const { return link % 2 == 0 ? m_fMaximum 
 float CLinkCosts::Cost(CPixelPosition p, int link) const {
   if (IsInMargin(p)) return PlainCost(link);
   if (link < kLinkCount / 2) return m_aLinks[NodeAt(p)][static_cast<std::size_t>(link)];
-  const CPixelPosition step = kLinkSteps[link];
+  const CPixelPosition step = kLinkSteps[static_cast<std::size_t>(link)];
   const CPixelPosition other{p.m_iColumn + step.m_iColumn, p.m_iRow + step.m_iRow};
   return m_aLinks[NodeAt(other)][static_cast<std::size_t>(link - kLinkCount / 2)];
 }

@@ -8,8 +8,9 @@
 CMinimumPathTree::CMinimumPathTree(const CLinkCosts& costs) : m_Costs(costs) {
   const auto stride = static_cast<std::ptrdiff_t>(costs.Stride());
   for (int link = 0; link < kLinkCount; ++link) {
-    m_aiSteps[static_cast<std::size_t>(link)] = kLinkSteps[link].m_iRow * stride + kLinkSteps[link].m_iColumn;
-    m_afPlain[static_cast<std::size_t>(link)] = costs.PlainCost(link);
+    const auto k = static_cast<std::size_t>(link);
+    m_aiSteps[k] = kLinkSteps[k].m_iRow * stride + kLinkSteps[k].m_iColumn;
+    m_afPlain[k] = costs.PlainCost(link);
   }
   m_afTotal.resize(costs.NodeCount());
   m_aiPlaces.resize(costs.NodeCount());

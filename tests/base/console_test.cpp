@@ -32,7 +32,7 @@ TEST(ConsoleTest, RedirectTakesTheLinesAwayFromStandardOutput) {
   const StandardOutputCapture output;
   std::ostringstream elsewhere;
   {
-    const ConsoleRedirect redirect(elsewhere);
+    const CConsoleRedirect redirect(elsewhere);
     Console() << "redirected";
   }
   Console() << "not redirected";
@@ -43,10 +43,10 @@ TEST(ConsoleTest, RedirectTakesTheLinesAwayFromStandardOutput) {
 TEST(ConsoleTest, RedirectsNest) {
   std::ostringstream outer;
   std::ostringstream inner;
-  const ConsoleRedirect outerRedirect(outer);
+  const CConsoleRedirect outerRedirect(outer);
   Console() << 1;
   {
-    const ConsoleRedirect innerRedirect(inner);
+    const CConsoleRedirect innerRedirect(inner);
     Console() << 2;
   }
   Console() << 3;

@@ -13,7 +13,7 @@ namespace {
 
 class TerminationSignals : public testing::TestWithParam<int> {
  protected:
-  // Whoever started the tests may have had signals ignored.
+  // Signals may be ignored in the shell that started the tests.
   TerminationSignals() : m_Before(std::signal(GetParam(), SIG_DFL)) {}
   ~TerminationSignals() override { std::signal(GetParam(), m_Before); }
 

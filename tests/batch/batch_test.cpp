@@ -223,7 +223,7 @@ TEST_F(Batch, PutsThePictureBesideTheScene) {
 TEST_F(Batch, RefusesAPictureThatIsTooWideForItsFormat) {
   std::string bitmap = SmallBitmap();
   bitmap.replace(18, 8, std::string("\xDD\xFF\0\0\x01\0\0\0", 8));
-  WriteText(Path("wide.bmp"), bitmap + std::string(3 * 0xFFDD, 0));
+  WriteText(Path("wide.bmp"), bitmap + std::string(std::size_t{3} * 0xFFDD, 0));
   EXPECT_EQ(Run("model.grid --iterations 0 --image wide.bmp --vrml o.wrl"), 4);
   EXPECT_FALSE(std::filesystem::exists(Path("picture.jpg")));
 }

@@ -92,6 +92,7 @@ TEST_F(GridCommandsTest, WhileTheTickIsRegisteredTheCodeWaits) {
 
 TEST_F(GridCommandsTest, CodesAreThoseOfTheTable) {
   std::vector<int> codes;
+  codes.reserve(kDeferrable.size());
   for (const Operation operation : kDeferrable) codes.push_back(CodeOf(operation));
   EXPECT_EQ(codes, (std::vector{4096, 2048, 16384, 8192}));
 }

@@ -37,7 +37,7 @@ bool IsTooLarge(const std::uint8_t* data, std::size_t size) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (IsTooLarge(data, size)) return 0;
   std::ostream nowhere(nullptr);
-  const ConsoleRedirect redirect(nowhere);
+  const CConsoleRedirect redirect(nowhere);
   const int file = memfd_create("input", 0);
   if (file < 0 || write(file, data, size) != static_cast<ssize_t>(size)) std::abort();
   const std::string name = "/proc/self/fd/" + std::to_string(file);

@@ -42,7 +42,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text(reinterpret_cast<const char*>(data), size);
   if (IsTooFine(text)) return 0;
   std::ostream nowhere(nullptr);
-  const ConsoleRedirect redirect(nowhere);
+  const CConsoleRedirect redirect(nowhere);
   g_iMaxLevel = g_iBaseLevel = 3;
   CGrid grid;
   std::istringstream in(text);

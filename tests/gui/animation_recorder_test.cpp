@@ -111,7 +111,7 @@ class AnimationRecorderTest : public ToolkitTest {
   RecordingRecorderHost m_Host;
   AnsweringDialogs m_Dialogs;
   CTemporaryDirectory m_Directory;
-  AnimationRecorder m_Window{m_View, m_Host, m_Dialogs, m_Clock.Clock()};
+  CAnimationRecorder m_Window{m_View, m_Host, m_Dialogs, m_Clock.Clock()};
 };
 
 }  // namespace

@@ -54,7 +54,7 @@ TEST_P(SignalTest, EndsTheProgramAsIfNobodyHadCaughtIt) {
   EXPECT_EQ(m_Program.WaitForExit(), kKilledBy + GetParam());
 }
 
-// The model is being written while the question is open whether its lights shall be.
+// The model is being written while it is still open whether its lights are to be.
 TEST_P(SignalTest, LeavesNothingOfASaveThatIsNotComplete) {
   const std::filesystem::path file = m_Program.Directory() / "model.grid";
   WriteText(file, "old contents");

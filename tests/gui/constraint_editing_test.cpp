@@ -210,7 +210,7 @@ TEST_P(CommonEditingTest, DeletingTheLastOfAKindSelectsNothing) {
 TEST_P(CommonEditingTest, OtherKeysAreNotUsed) {
   for (const int key : {static_cast<int>('p'), static_cast<int>('n'), FL_Enter, FL_F + 1})
     EXPECT_EQ(Key(key), 0) << key;
-  for (const int key : {'n', 'o', 's', 'e'}) EXPECT_EQ(Key(key, FL_ALT), 0) << key;
+  for (const char key : {'n', 'o', 's', 'e'}) EXPECT_EQ(Key(key, FL_ALT), 0) << key;
 }
 
 TEST_P(CommonEditingTest, WheelStepsThroughTheSelection) {

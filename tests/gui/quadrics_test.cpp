@@ -149,7 +149,7 @@ TEST_F(QuadricsTest, ErrorOfAQuadricEndsTheProgram) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   g_bWrongStyle = true;
   const auto fail = [] {
-    const ConsoleRedirect redirect(std::cerr);
+    const CConsoleRedirect redirect(std::cerr);
     draw_cylinder(0, 0, 0, 1, 0, 0, 6, 20, 1);
   };
   EXPECT_EXIT(fail(), ::testing::ExitedWithCode(0), "Erreur de Quadrique \\*{34}\n");

@@ -90,7 +90,7 @@ class BmpSizeTest : public BmpTest, public ::testing::WithParamInterface<CSizeCa
 // `picture` with its rows padded with zeros to `stride` bytes.
 CBytes Padded(const CPicture& picture, int stride) {
   CBytes bytes;
-  const auto row = static_cast<std::size_t>(3 * picture.m_iWidth);
+  const auto row = 3 * static_cast<std::size_t>(picture.m_iWidth);
   for (std::size_t k = 0; k < static_cast<std::size_t>(picture.m_iHeight); ++k) {
     for (std::size_t i = 0; i < row; ++i) bytes.push_back(picture.m_aPixels[k * row + i]);
     bytes.resize((k + 1) * static_cast<std::size_t>(stride));

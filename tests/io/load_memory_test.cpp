@@ -21,7 +21,7 @@ class StarvedLoad : public testing::TestWithParam<int> {
     CFullModel present;
     const std::string before = GridText(present.m_Grid);
     std::ostringstream nowhere;
-    const ConsoleRedirect redirect(nowhere);
+    const CConsoleRedirect redirect(nowhere);
     std::istringstream in(text);
     FailAllocation(count);
     const GridFileState state = ReadGrid(in, present.m_Grid);

@@ -175,7 +175,7 @@ RC_GTEST_PROP(ConstraintSystemProperty, ProductIsLinear, ()) {
     RC_ASSERT(std::abs(image[k] - (2.0 * av[k] - aw[k])) <= 1e-12 * (1.0 + Length(av) + Length(aw)));
 }
 
-// What an edit of the constraints makes anew, seen on a grid.
+// What an edit of the constraints rebuilds, seen on a grid.
 
 struct CMatrices {
   Matrix m_H;

@@ -62,7 +62,7 @@ inline CBytes BmpFile(const CPicture& picture) {
   std::size_t at = 0;
   for (int row = 0; row < picture.m_iHeight; ++row) {
     for (int column = 0; column < picture.m_iWidth; ++column, at += 3) {
-      for (const std::size_t channel : {2, 1, 0}) bytes.push_back(picture.m_aPixels[at + channel]);
+      for (const std::size_t channel : {2U, 1U, 0U}) bytes.push_back(picture.m_aPixels[at + channel]);
     }
     while (bytes.size() % 4 != 2) bytes.push_back(0xEE);
   }

@@ -22,7 +22,7 @@ class ConsoleCapture {
 
  private:
   std::ostringstream m_Stream;
-  ConsoleRedirect m_Redirect;
+  CConsoleRedirect m_Redirect;
 };
 
 /// What `action()` writes to `Console()`.

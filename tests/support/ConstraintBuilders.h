@@ -4,10 +4,10 @@
 
 #include "constraints/CPtCstrList.h"
 
-/// The surface shall have height `z` at (x, y), model units.
+/// The surface is to have height `z` at (x, y), model units.
 inline CPtCstr HeightCstr(double x, double y, double z) { return {x, y, PtCstrKind::kPosition, z, 0, 0}; }
 
-/// The surface shall have the slopes `p` = dz/dx and `q` = dz/dy at (x, y).
+/// The surface is to have the slopes `p` = dz/dx and `q` = dz/dy at (x, y).
 inline CPtCstr SlopeCstr(double x, double y, double p = 0, double q = 0) {
   return {x, y, PtCstrKind::kNormal, 0, p, q};
 }

@@ -14,7 +14,7 @@ struct CKeyInput {
   std::vector<int> m_aiButtons;  ///< of clicks and drags
   bool m_bOnSomething = false;   ///< on a constraint or a curve, not just anywhere
 
-  /// Whether what is listed as this stands for what was done, too: with other keys held besides, somewhere in
+  /// Whether what is listed as this stands for what was done, too: with other keys held as well, somewhere in
   /// particular, and as the press that begins a drag.
   bool Covers(const CKeyInput& done) const;
   std::string Text() const;

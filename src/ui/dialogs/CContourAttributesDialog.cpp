@@ -23,15 +23,15 @@ struct CNumberRow {
   double& (*m_pValue)(Attributes& attributes);
 };
 
-template <double CNodeWeights::*Weight>
+template <double CNodeWeights::*kWeight>
 constexpr CNumberRow WeightRow(const char* label, const char* name, int y) {
-  return {label, name, y, true, [](Attributes& a) -> double& { return a.m_Weights.*Weight; }};
+  return {label, name, y, true, [](Attributes& a) -> double& { return a.m_Weights.*kWeight; }};
 }
 
-template <CurveSide Side, double CAutoBump::*Value>
+template <CurveSide kSide, double CAutoBump::*kValue>
 constexpr CNumberRow BumpRow(const char* label, const char* name, int y) {
   return {label, name, y, false,
-          [](Attributes& a) -> double& { return a.m_aAutoBumps[static_cast<std::size_t>(Side)].*Value; }};
+          [](Attributes& a) -> double& { return a.m_aAutoBumps[static_cast<std::size_t>(kSide)].*kValue; }};
 }
 
 constexpr std::size_t kPerSide = 4;

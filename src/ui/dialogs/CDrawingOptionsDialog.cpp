@@ -26,12 +26,12 @@ struct CSliderRow {
   Redraw m_Redraw;
 };
 
-constexpr std::size_t kRows = 7;
+constexpr std::size_t kRowsPerView = 7;
 constexpr std::size_t kUnselectedNormal = 1;
 constexpr std::size_t kSelectedNormal = 2;
 
 // The blanks in the labels break their lines. The thicknesses of position constraints run from 8 down to 1.
-constexpr std::array<CSliderRow, kRows> kImageRows{{
+constexpr std::array<CSliderRow, kRowsPerView> kImageRows{{
     {"Adjust the thickness of grid lines                  (2d view)", 30, 1, 5, 1.0, &CViewDrawing::m_fGridThickness,
      Redraw::OwnView},
     {"Adjust the thickness of an unselected normal constraint", 114, 1.3, 8, 5,
@@ -46,7 +46,7 @@ constexpr std::array<CSliderRow, kRows> kImageRows{{
      &CViewDrawing::m_fHighlightedPositionThickness, Redraw::OwnView},
 }};
 
-constexpr std::array<CSliderRow, kRows> kModelRows{{
+constexpr std::array<CSliderRow, kRowsPerView> kModelRows{{
     {"Adjust the thickness of grid lines           (3d view)", 30, 0.5, 6, 1.3, &CViewDrawing::m_fGridThickness,
      Redraw::OwnView},
     {"Adjust the thickness of an unselected normal constraint", 114, 1.3, 8, 5,
@@ -70,12 +70,12 @@ struct CColourRow {
   bool m_bRedrawsModelView;
 };
 
-template <CConstraintColours CDrawingSettings::*Kind, CColour CConstraintColours::*State>
+template <CConstraintColours CDrawingSettings::*kKind, CColour CConstraintColours::*kState>
 constexpr CColourRow ConstraintColour(const char* label) {
   return {label,
           "Unselected postition constraint",
-          [](const CDrawingSettings& settings) { return settings.*Kind.*State; },
-          [](CDrawingSettings& settings, const CColour& colour) { settings.*Kind.*State = colour; },
+          [](const CDrawingSettings& settings) { return settings.*kKind.*kState; },
+          [](CDrawingSettings& settings, const CColour& colour) { settings.*kKind.*kState = colour; },
           true,
           false};
 }

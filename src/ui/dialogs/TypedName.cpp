@@ -20,7 +20,7 @@ bool IsRelative(std::string_view typed) { return !typed.empty() && typed.front()
 std::string FullName(const std::string& folder, const std::string& typed) {
   std::array<char, FL_PATH_MAX> expanded{};
   fl_filename_expand(expanded.data(), static_cast<int>(expanded.size()), typed.c_str());
-  const std::string name = expanded.data();
+  std::string name = expanded.data();
   if (!name.empty() && name.front() == '/') return name;
   return folder.ends_with('/') ? folder + name : folder + "/" + name;
 }

@@ -34,7 +34,7 @@ void CPlayback::OnTick(void* playback) {
 }
 
 void CPlayback::Tick() {
-  // Armed before anything else, so that whoever ends the playback from here on finds a timer to end.
+  // Armed before anything else, so that anything that ends the playback from here on finds a timer to end.
   Fl::add_timeout(g_fTimerInterval, OnTick, this);
   if (m_Recorder.IsIn(RecordMode::kPaused)) return;
   if (const CFrame* frame = m_Recorder.Next(); frame != nullptr) {

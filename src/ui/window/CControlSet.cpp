@@ -16,7 +16,7 @@ Fl_Button& CControlSet::Button(Control control) const { return static_cast<Fl_Bu
 
 Fl_Value_Output& CControlSet::ReadOut(Control control) const { return static_cast<Fl_Value_Output&>(Widget(control)); }
 
-void CControlSet::Enable(Control control, bool enable) {
+void CControlSet::Enable(Control control, bool enable) const {
   if (enable) {
     Widget(control).activate();
   } else {

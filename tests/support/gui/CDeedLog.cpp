@@ -73,7 +73,7 @@ CDeedLog::CState CDeedLog::Present() const {
   state.m_uPicture = m_Grid.Relighting().Textures().Revision(CTextureImages::kPhotograph);
   state.m_iMainSize = SizeOf(m_Window);
   for (Fl_Window* w = Fl::first_window(); w != nullptr; w = Fl::next_window(w)) {
-    if (const auto* recorder = dynamic_cast<AnimationRecorder*>(w))
+    if (const auto* recorder = dynamic_cast<CAnimationRecorder*>(w))
       state.m_uFrames = recorder->Recorder().Frames().size();
     if (w != &m_Window && w->parent() == nullptr && w->border() != 0 && w->modal() == 0) state.m_iToolSize = SizeOf(*w);
   }

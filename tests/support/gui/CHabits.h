@@ -8,8 +8,8 @@ class CImageViewUI;
 class CMonkey;
 class Fl_Window;
 
-/// What users of the program do oftener than chance would: they edit on the picture, turn the model, open the tools and
-/// press the buttons there, switch resolutions and give windows other sizes.
+/// What users of the program do more often than chance would: they edit on the picture, turn the model, open the tools
+/// and press the buttons there, switch resolutions and give windows other sizes.
 class CHabits {
  public:
   /// Both must outlive the object.

@@ -56,7 +56,7 @@ inline CPicture FrameOf(CGridView& view) {
   const std::string file = (directory.Path() / "frame.bmp").string();
   if (!view.SaveFrame(file)) return {};
   std::ostringstream unheard;
-  const ConsoleRedirect quiet(unheard);
+  const CConsoleRedirect quiet(unheard);
   auto frame = Global::LoadBMP(file, 1);
   return frame ? std::move(frame->m_Picture) : CPicture{};
 }

@@ -155,8 +155,8 @@ class WindowTest : public ToolkitTest {
   /// Chooses the menu's entry and answers with a picture of two by two pixels.
   void LoadPicture() {
     m_Dialogs.m_File = (m_Directory.Path() / "picture.bmp").string();
-    constexpr char kHeader[] = "BM\x46\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\2\0\0\0\1\0\x18";
-    std::string bytes(kHeader, sizeof kHeader - 1);
+    using std::string_literals::operator""s;
+    std::string bytes = "BM\x46\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\2\0\0\0\1\0\x18"s;
     bytes.resize(70, '\0');
     std::ofstream(*m_Dialogs.m_File, std::ios::binary) << bytes;
     Menu().Choose(MenuEntry::LoadImage);

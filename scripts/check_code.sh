@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# scripts/check_code.sh
+# What machines say of the whole tree without running it: shellcheck, another compiler, clang-tidy.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+source scripts/setup.sh
+
+need_packages ci
+say "shellcheck"
+find run test .ci bench scripts tests packaging -type f -exec grep -lE '^(#!.*sh$|# shellcheck shell=)' {} + \
+  | LC_ALL=C sort | xargs shellcheck -x
+configure clang
+for program in relievo relievo-batch; do
+  build clang "$program"
+done
+say "clang-tidy"
+exec scripts/tidy.sh
