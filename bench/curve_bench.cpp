@@ -40,7 +40,7 @@ void AddCurves(CGrid& grid) {
 
 double RebuildSeconds(CGrid& grid, int calls) {
   return SecondsPerCall(calls, [&grid] {
-    grid.Post(Operation::kRebuildMaps);
+    grid.Run().Post(Operation::kRebuildMaps);
     grid.PerformPendingWork();
   });
 }
@@ -64,7 +64,7 @@ CCost CostAt(int level, int baseLevel, WithPicture withPicture, int calls) {
   const double plain = RebuildSeconds(grid, calls);
   AddCurves(grid);
   const double seconds = RebuildSeconds(grid, calls);
-  return {seconds, plain, static_cast<double>(grid.Tree().LeafCount())};
+  return {seconds, plain, static_cast<double>(grid.Surface().Tree().LeafCount())};
 }
 
 void Report(const char* name, int baseBelow, WithPicture withPicture = WithPicture::No) {

@@ -49,7 +49,7 @@ CPicture Checkers() {
 class CBareLoop {
  public:
   explicit CBareLoop(const CGrid& grid) {
-    const CLattice& lattice = grid.Lattice();
+    const CLattice& lattice = grid.Surface().Lattice();
     const int n = lattice.PointsPerSide();
     for (int row = 0; row < n; ++row) {
       for (int column = 0; column < n; ++column)
@@ -96,7 +96,7 @@ class CBareLoop {
     return static_cast<std::uint32_t>(m_afPositions.size() / 3 - 1);
   }
   void AddCell(const CGrid& grid, int column, int row) {
-    const CLattice& lattice = grid.Lattice();
+    const CLattice& lattice = grid.Surface().Lattice();
     const auto a = static_cast<std::uint32_t>(lattice.Index(column, row));
     const auto up = static_cast<std::uint32_t>(lattice.PointsPerSide());
     const std::uint32_t b = a + 1;
@@ -159,7 +159,7 @@ void Report(int level, bool lit) {
   const CBareLoop bare(grid);
   const std::vector<float> normals = bare.Normals();
   const CTimes times = Measure(view, grid, bare, lit ? normals.data() : nullptr);
-  std::printf("%5d^2 %-6s %10zu %10.2f %10.2f %8.2f %12.2f %8.2f\n", grid.Lattice().PointsPerSide(),
+  std::printf("%5d^2 %-6s %10zu %10.2f %10.2f %8.2f %12.2f %8.2f\n", grid.Surface().Lattice().PointsPerSide(),
               lit ? "lit" : "plain", bare.TriangleCount(), times.m_fBare * 1e3, times.m_fRedraw * 1e3,
               times.m_fRedraw / times.m_fBare, times.m_fAfterTick * 1e3, times.m_fAfterTick / times.m_fBare);
 }

@@ -31,14 +31,14 @@ CPicture Photograph(int width, int height) {
 
 // A hill in the middle, steep enough to turn its far side away from the slanting lights.
 void RaiseHill(CGrid& grid) {
-  CLattice& lattice = grid.Lattice();
+  CLattice& lattice = grid.Surface().Lattice();
   for (int row = 0; row < lattice.PointsPerSide(); ++row) {
     for (int column = 0; column < lattice.PointsPerSide(); ++column) {
       const double r = std::hypot(lattice.XOf(column) - 50, lattice.YOf(row) - 50) / 25;
       lattice.Heights()[lattice.Index(column, row)] = 40 * std::exp(-r * r);
     }
   }
-  ComputeNormals(grid.Tree());
+  ComputeNormals(grid.Surface().Tree());
 }
 
 void LightUp(CGrid& grid) {
@@ -92,7 +92,7 @@ class CBareLoops {
         m_auNew(m_auKd.size()) {}
 
   void Normals() {
-    const CLattice& lattice = m_Grid.Lattice();
+    const CLattice& lattice = m_Grid.Surface().Lattice();
     const Vector3* points = lattice.PointNormals().data();
     const Vector3* cells = lattice.CellNormals().data();
     const CInterpCoefs* records = m_Grid.Relighting().Texels().Records().data();

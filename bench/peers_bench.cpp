@@ -81,10 +81,10 @@ double SecondsToShare(const Eigen::VectorXd& exact, int& iterations) {
     seconds += Seconds([&] { grid.UpdateGrid(); });
     error = 0.0;
     for (std::size_t i = 0; i < n; ++i) {
-      const double height = grid.Lattice().Heights()[grid.Order().PointAtScan(i)];
+      const double height = grid.Surface().Lattice().Heights()[grid.Surface().Order().PointAtScan(i)];
       error = std::max(error, std::abs(height - exact[static_cast<Eigen::Index>(i)]));
     }
-  } while (error > kShare * range && grid.IsRunning());
+  } while (error > kShare * range && grid.Run().IsRunning());
   iterations = grid.Solver().Counter();
   return seconds;
 }

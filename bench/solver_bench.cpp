@@ -41,7 +41,7 @@ void ReportCosts() {
     });
     const auto rebuild = [&](Operation operation) {
       return SecondsPerCall(2, [&] {
-        grid.Post(operation);
+        grid.Run().Post(operation);
         grid.PerformPendingWork();
       });
     };
@@ -87,7 +87,7 @@ CReached TimeTo(double share, const CCase& what, WaveletMode mode, int level, co
   CReached reached;
   do {
     reached.m_fSeconds += Seconds([&] { grid.UpdateGrid(); });
-  } while (LargestDifference(grid.Lattice().Heights(), exact) > share * range && grid.IsRunning());
+  } while (LargestDifference(grid.Surface().Lattice().Heights(), exact) > share * range && grid.Run().IsRunning());
   reached.m_iIterations = grid.Solver().Counter();
   return reached;
 }
@@ -101,7 +101,7 @@ void ReportConvergence(int level) {
     CBenchGrid bench(level);
     AddConstraints(bench, what);
     bench.Converge();
-    const std::vector<double> exact = bench.Grid().Lattice().Heights();
+    const std::vector<double> exact = bench.Grid().Surface().Lattice().Heights();
     const double range = std::max(bench.Grid().Surface().MaxHeight() - bench.Grid().Surface().MinHeight(), 1.0);
     for (const auto& [mode, name] : {std::pair{WaveletMode::New, "new"}, std::pair{WaveletMode::Simple, "simple"},
                                      std::pair{WaveletMode::None, "none"}}) {

@@ -21,7 +21,7 @@ class CBenchGrid {
   void AddSlopes(int count, std::uint32_t seed) { Add(count, seed, PtCstrKind::kNormal); }
   /// Ticks until the solver pauses itself; returns the iterations done.
   int Converge() {
-    while (m_Grid.IsRunning()) m_Grid.UpdateGrid();
+    while (m_Grid.Run().IsRunning()) m_Grid.UpdateGrid();
     return m_Grid.Solver().Counter();
   }
 

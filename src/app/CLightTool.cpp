@@ -69,13 +69,13 @@ const CLight* CLightTool::GetLightSource(int index, int type) const { return m_G
 void CLightTool::SetLight(int index, int type, const CLight& light) { m_Grid.SetLight(index, type, light); }
 
 void CLightTool::UpdateTexelNormals() {
-  ComputeNormals(m_Grid.Tree());
+  ComputeNormals(m_Grid.Surface().Tree());
   m_Grid.ComputeNormalsOnly();
   m_Window.RequestRedraw();
 }
 
 void CLightTool::UpdateTexelInterpolation() {
-  ComputeNormals(m_Grid.Tree());
+  ComputeNormals(m_Grid.Surface().Tree());
   m_Grid.ComputeCoefsTexels();
   m_Window.RequestRedraw();
 }

@@ -22,7 +22,7 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
   services.m_CurrentLight = [&panel = *lights] { return panel.CurrentLight(); };
   services.m_LightsMoved = [&panel = *lights] { panel.LightsMoved(); };
   services.m_Model.m_AskNewGrid = [this](const CGrid& present) {
-    return m_GridParameters.Ask(present.Lattice().Extent(), present.Lattice().Level());
+    return m_GridParameters.Ask(present.Surface().Lattice().Extent(), present.Surface().Lattice().Level());
   };
   services.m_Model.m_LoadGrid = &CGrid::Load;
   services.m_Model.m_Write = WriteModel;

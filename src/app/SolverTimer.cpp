@@ -26,7 +26,7 @@ void RegisterSolverTimer(CGrid& grid) {
 void OnSolverTimer(void* grid) {
   if (grid == nullptr) return;
   auto& running = *static_cast<CGrid*>(grid);
-  if (running.IsRunning()) {
+  if (running.Run().IsRunning()) {
     running.UpdateGrid();
     Fl::add_check(RearmSolverTimer, grid);
   } else {

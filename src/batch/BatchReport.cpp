@@ -20,8 +20,9 @@ constexpr const char* kInactive = "inactive_constraints";
 
 // Heights by scan position, in which the system is written.
 std::vector<double> ScannedHeights(const CGrid& grid) {
-  std::vector<double> heights(grid.Order().Count());
-  for (std::size_t i = 0; i < heights.size(); ++i) heights[i] = grid.Lattice().Heights()[grid.Order().PointAtScan(i)];
+  std::vector<double> heights(grid.Surface().Order().Count());
+  for (std::size_t i = 0; i < heights.size(); ++i)
+    heights[i] = grid.Surface().Lattice().Heights()[grid.Surface().Order().PointAtScan(i)];
   return heights;
 }
 
@@ -75,7 +76,7 @@ const char* NameOf(StopReason reason) {
 nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
   nlohmann::ordered_json report;
   report["points"] = grid.Surface().ActivePointCount();
-  report["cells"] = grid.Tree().LeafCount();
+  report["cells"] = grid.Surface().Tree().LeafCount();
   report["constraints"] = grid.Constraints().Points().size();
   report["curves"] = grid.Constraints().Curves().size();
   report["iterations"] = result.m_iIterations;

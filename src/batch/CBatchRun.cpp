@@ -47,7 +47,7 @@ bool IsSaved(const CSaveOutcome& outcome) {
 
 CBatchRun::CBatchRun(const CBatchOptions& options, CTerminationSignals& signals)
     : m_Options(options), m_Signals(signals), m_Grid(options.m_uSeed) {
-  m_Grid.AttachHost(this);
+  m_Grid.Run().AttachHost(this);
 }
 
 void CBatchRun::CurvesRefused(int count) { Complain(RefusedCurvesText(count)); }
@@ -96,11 +96,11 @@ bool CBatchRun::ReadInputs() {
 void CBatchRun::Solve() {
   const CStopwatch watch(m_Result.m_Seconds.m_fSolve);
   EndIfAsked();
-  if (m_Options.m_bHighRes) m_Grid.Post(Operation::kTransferToHigh);
+  if (m_Options.m_bHighRes) m_Grid.Run().Post(Operation::kTransferToHigh);
   m_Grid.PerformPendingWork();
   if (m_Grid.Surface().Mode() != m_Options.m_Mode) m_Grid.Builder().SetWaveletMode(m_Options.m_Mode);
   CProgress progress(!m_Options.m_bQuiet);
-  while (m_Grid.IsRunning() && !IsAtBound(watch.Seconds())) {
+  while (m_Grid.Run().IsRunning() && !IsAtBound(watch.Seconds())) {
     // Lines of the model must not end up behind the number.
     std::ostringstream lines;
     std::optional<CConsoleRedirect> redirect;

@@ -17,7 +17,7 @@ class CBatchRun : private GridHost {
   CBatchRun(const CBatchOptions& options, CTerminationSignals& signals);
   CBatchRun(const CBatchRun&) = delete;
   CBatchRun& operator=(const CBatchRun&) = delete;
-  ~CBatchRun() override { m_Grid.AttachHost(nullptr); }
+  ~CBatchRun() override { m_Grid.Run().AttachHost(nullptr); }
 
   /// Does it all; answers with an ExitStatus.
   int Run();
@@ -26,7 +26,7 @@ class CBatchRun : private GridHost {
   void CurvesRefused(int count) override;
   void PauseSolverConverged() override { m_Result.m_Stopped = StopReason::Converged; }
   void PauseSolverGaveUp() override { m_Result.m_Stopped = StopReason::GaveUp; }
-  void ResumeAfterChange() override { m_Grid.SetRunning(true); }
+  void ResumeAfterChange() override { m_Grid.Run().SetRunning(true); }
 
   bool ReadInputs();
   void Solve();

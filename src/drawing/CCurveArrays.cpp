@@ -21,10 +21,11 @@ int StepsOf(const CPlanePoint& way, int pointsPerSide) {
 }  // namespace
 
 void CCurveArrays::Refresh(const CGrid& grid) {
-  const bool moved = HaveNodesChanged(grid) || m_uTree != grid.Tree().Revision() || m_Extent != grid.Lattice().Extent();
+  const bool moved = HaveNodesChanged(grid) || m_uTree != grid.Surface().Tree().Revision() ||
+                     m_Extent != grid.Surface().Lattice().Extent();
   if (!moved && m_uSurface == grid.Surface().Revision()) return;
-  m_uTree = grid.Tree().Revision();
-  m_Extent = grid.Lattice().Extent();
+  m_uTree = grid.Surface().Tree().Revision();
+  m_Extent = grid.Surface().Lattice().Extent();
   m_uSurface = grid.Surface().Revision();
   if (moved) Place(grid);
   Raise(grid);
@@ -65,12 +66,12 @@ void CCurveArrays::PlaceCurve(const CGrid& grid, const CCntrCtrl& curve) {
   if (curve.Nodes().empty()) return;
   const CCntrNode& end = curve.Nodes().back();
   if (curve.Nodes().size() == 1)
-    AddVertex(grid, {grid.Lattice().ColumnOf(end.m_fX), grid.Lattice().RowOf(end.m_fY)}, {});
+    AddVertex(grid, {grid.Surface().Lattice().ColumnOf(end.m_fX), grid.Surface().Lattice().RowOf(end.m_fY)}, {});
   if (!curve.IsClosed()) m_auNodes.push_back(static_cast<std::uint32_t>(m_aSamples.size() - 1));
 }
 
 void CCurveArrays::PlaceSegment(const CGrid& grid, const CCntrNode& a, const CCntrNode& b, bool tear) {
-  const CLattice& lattice = grid.Lattice();
+  const CLattice& lattice = grid.Surface().Lattice();
   const CPlanePoint from{lattice.ColumnOf(a.m_fX), lattice.RowOf(a.m_fY)};
   const CPlanePoint way{lattice.ColumnOf(b.m_fX) - from.x, lattice.RowOf(b.m_fY) - from.y};
   const double length = std::hypot(b.m_fX - a.m_fX, b.m_fY - a.m_fY);
@@ -87,7 +88,7 @@ void CCurveArrays::PlaceSegment(const CGrid& grid, const CCntrNode& a, const CCn
 }
 
 void CCurveArrays::AddVertex(const CGrid& grid, const CPlanePoint& place, const CPlanePoint& toRight) {
-  const CLattice& lattice = grid.Lattice();
+  const CLattice& lattice = grid.Surface().Lattice();
   const double last = lattice.PointsPerSide() - 1;
   const CInterpolation surface = grid.Surface().Interpolation();
   // Without a place on the surface a vertex lies at height 0, where empty coefficients put it.

@@ -32,13 +32,13 @@ void AppendGaps(std::vector<float>& vertices, const CLeaf& leaf) {
 }  // namespace
 
 void CPlaneArrays::RefreshSubdivision(const CGrid& grid) {
-  if (m_uTree == grid.Tree().Revision()) return;
-  m_uTree = grid.Tree().Revision();
-  m_iSide = grid.Lattice().PointsPerSide();
-  m_auHorizontal.assign(grid.Lattice().PointCount(), 0);
-  m_auVertical.assign(grid.Lattice().PointCount(), 0);
+  if (m_uTree == grid.Surface().Tree().Revision()) return;
+  m_uTree = grid.Surface().Tree().Revision();
+  m_iSide = grid.Surface().Lattice().PointsPerSide();
+  m_auHorizontal.assign(grid.Surface().Lattice().PointCount(), 0);
+  m_auVertical.assign(grid.Surface().Lattice().PointCount(), 0);
   m_afGaps.clear();
-  for (const CLeaf& leaf : grid.Tree().Leaves()) {
+  for (const CLeaf& leaf : grid.Surface().Tree().Leaves()) {
     for (int side = 0; side < 4; ++side) Enter(leaf.m_pCell->Edge(side));
     AppendGaps(m_afGaps, leaf);
   }
@@ -85,11 +85,11 @@ void CPlaneArrays::JoinSteps(std::span<const std::uint8_t> steps, int line, bool
 }
 
 void CPlaneArrays::RefreshFrozen(const CGrid& grid) {
-  if (m_uFrozenTree == grid.Tree().Revision() && m_uFrozenRevision == grid.Marks().FreezeRevision()) return;
-  m_uFrozenTree = grid.Tree().Revision();
+  if (m_uFrozenTree == grid.Surface().Tree().Revision() && m_uFrozenRevision == grid.Marks().FreezeRevision()) return;
+  m_uFrozenTree = grid.Surface().Tree().Revision();
   m_uFrozenRevision = grid.Marks().FreezeRevision();
   m_afFrozen.clear();
-  const CLattice& lattice = grid.Lattice();
+  const CLattice& lattice = grid.Surface().Lattice();
   for (int row = 0; row < lattice.PointsPerSide(); ++row) {
     for (int column = 0; column < lattice.PointsPerSide(); ++column) {
       const std::size_t point = lattice.Index(column, row);

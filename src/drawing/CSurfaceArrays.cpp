@@ -15,7 +15,7 @@ void Put(std::vector<float>& array, std::size_t vertex, const Vector3& v) {
 }  // namespace
 
 bool CSurfaceArrays::HasChanged(CStamp& seen, const CGrid& grid, double length) {
-  const CStamp now{grid.Tree().Revision(), grid.Surface().Revision(), length};
+  const CStamp now{grid.Surface().Tree().Revision(), grid.Surface().Revision(), length};
   if (seen == now) return false;
   seen = now;
   return true;
@@ -24,11 +24,11 @@ bool CSurfaceArrays::HasChanged(CStamp& seen, const CGrid& grid, double length) 
 void CSurfaceArrays::RefreshSurface(const CGrid& grid) {
   const CStamp before = m_Surface;
   if (!HasChanged(m_Surface, grid)) return;
-  const CQuadTree& tree = grid.Tree();
+  const CQuadTree& tree = grid.Surface().Tree();
   const bool otherTree = before.m_uTree != m_Surface.m_uTree;
   if (otherTree) m_Mesh.Build(tree);
-  if (otherTree || m_Extent != grid.Lattice().Extent()) {
-    m_Extent = grid.Lattice().Extent();
+  if (otherTree || m_Extent != grid.Surface().Lattice().Extent()) {
+    m_Extent = grid.Surface().Lattice().Extent();
     m_Mesh.Place(tree, m_afPositions);
   }
   m_Mesh.Raise(tree, std::span(m_afPositions));
@@ -37,22 +37,22 @@ void CSurfaceArrays::RefreshSurface(const CGrid& grid) {
 void CSurfaceArrays::RefreshNormals(const CGrid& grid) {
   RefreshSurface(grid);
   if (!HasChanged(m_Normals, grid)) return;
-  const CLattice& lattice = grid.Lattice();
+  const CLattice& lattice = grid.Surface().Lattice();
   m_afNormals.resize(m_afPositions.size());
   std::size_t v = 0;
   for (const std::uint32_t point : m_Mesh.Points()) Put(m_afNormals, v++, lattice.PointNormals()[point]);
-  for (const CLeaf& leaf : grid.Tree().Leaves()) Put(m_afNormals, v++, lattice.CellNormals()[leaf.m_uCell]);
+  for (const CLeaf& leaf : grid.Surface().Tree().Leaves()) Put(m_afNormals, v++, lattice.CellNormals()[leaf.m_uCell]);
 }
 
 void CSurfaceArrays::RefreshLines(const CGrid& grid) {
   RefreshSurface(grid);
-  if (m_Lines.m_uTree == grid.Tree().Revision()) return;
-  m_Lines.m_uTree = grid.Tree().Revision();
+  if (m_Lines.m_uTree == grid.Surface().Tree().Revision()) return;
+  m_Lines.m_uTree = grid.Surface().Tree().Revision();
   for (std::vector<std::uint32_t>& lines : m_aauLines) lines.clear();
-  const CLattice& lattice = grid.Lattice();
+  const CLattice& lattice = grid.Surface().Lattice();
   const int last = lattice.PointsPerSide() - 1;
   // Every line lies on the bottom or the left side of one leaf, but for the model's right and top border.
-  for (const CLeaf& leaf : grid.Tree().Leaves()) {
+  for (const CLeaf& leaf : grid.Surface().Tree().Leaves()) {
     const CQuadT& cell = *leaf.m_pCell;
     AddLines(cell.Edge(kBottom), cell.Level(), lattice);
     AddLines(cell.Edge(kLeft), cell.Level(), lattice);

@@ -43,18 +43,19 @@ void CTexelArrays::RefreshMasked(const CGrid& grid) {
 }
 
 void CTexelArrays::RaiseCentres(const CGrid& grid) {
-  const CLattice& lattice = grid.Lattice();
+  const CLattice& lattice = grid.Surface().Lattice();
   const CInterpolation surface = grid.Surface().Interpolation();
   m_afCentres.resize(lattice.PointCount());
-  for (const CLeaf& leaf : grid.Tree().Leaves()) m_afCentres[leaf.m_uCell] = surface.CentreHeight(*leaf.m_pCell);
+  for (const CLeaf& leaf : grid.Surface().Tree().Leaves())
+    m_afCentres[leaf.m_uCell] = surface.CentreHeight(*leaf.m_pCell);
 }
 
 void CTexelArrays::RefreshNormals(const CGrid& grid, double length) {
   const CTexelMap& texels = grid.Relighting().Texels();
-  const CLattice& lattice = grid.Lattice();
+  const CLattice& lattice = grid.Surface().Lattice();
   const CStamp now{grid.Relighting().Textures().Revision(CTextureImages::kPhotograph),
                    texels.Revision(),
-                   grid.Tree().Revision(),
+                   grid.Surface().Tree().Revision(),
                    grid.Surface().Revision(),
                    length,
                    lattice.Extent()};

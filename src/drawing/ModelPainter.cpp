@@ -28,7 +28,7 @@ float SlopeOffset(float thickness) {
 
 // Drawing sizes are meant for a model 100 units wide.
 double SizeUnit(const CGrid& grid) {
-  const CExtent& extent = grid.Lattice().Extent();
+  const CExtent& extent = grid.Surface().Lattice().Extent();
   return 0.01 * std::max(extent.x1 - extent.x0, extent.y1 - extent.y0);
 }
 
@@ -96,7 +96,7 @@ void EnableTexture(const CGrid& grid, CTextures& textures, int drawTexture) {
   } else {
     Console() << "CGrid::DrawTexturedModel\t\t\tInvalid m_iDrawTexture\n";
   }
-  SetTextureMatrix(grid.Lattice().Extent(), images);
+  SetTextureMatrix(grid.Surface().Lattice().Extent(), images);
   glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
   glEnable(GL_TEXTURE_2D);
 }
@@ -171,7 +171,7 @@ void DrawNodes(const CCntrCtrl& curve, std::span<const std::uint32_t> vertices) 
 void DrawLightMarkers(const CGrid& grid, const CLightSet& lights) {
   constexpr int kSlices = 20;
   constexpr double kRadius = 1.0;
-  const CExtent& e = grid.Lattice().Extent();
+  const CExtent& e = grid.Surface().Lattice().Extent();
   const double length = (e.x1 - e.x0 + e.y1 - e.y0) / 4;
   for (const CLight& light : std::span(lights.m_aLights).first<CLightSet::kAmbient>()) {
     if (!light.m_bActive || !light.m_bDrawn) continue;
@@ -248,7 +248,7 @@ void CModelPainter::DrawGridLines(const CGrid& grid) {
   glLineWidth(g_DrawingSettings.m_ModelView.m_fGridThickness);
   glEnableClientState(GL_VERTEX_ARRAY);
   glVertexPointer(3, GL_FLOAT, 0, m_Arrays.Positions().data());
-  for (int level = 0; level <= grid.Lattice().Level(); ++level) {
+  for (int level = 0; level <= grid.Surface().Lattice().Level(); ++level) {
     SetColour(g_DrawingSettings.m_bSpecificSubdivisionColours ? SubdivisionColour(level)
                                                               : g_DrawingSettings.m_GreyGrid);
     DrawElements(GL_LINES, m_Arrays.Lines(level));

@@ -54,7 +54,7 @@ class CLatticeScope {
 void DrawPicture(const CGrid& grid, CTextures& textures) {
   const CTextureImages& images = grid.Relighting().Textures();
   if (!textures.Bind(images, CTextureImages::kPhotograph)) return;
-  const CExtent& e = grid.Lattice().Extent();
+  const CExtent& e = grid.Surface().Lattice().Extent();
   const double s = static_cast<double>(images.PictureWidth()) / images.TextureWidth();
   const double t = static_cast<double>(images.PictureHeight()) / images.TextureHeight();
   // The other view leaves a texture matrix of its own in its context only, but the mode in none.
@@ -72,7 +72,7 @@ void DrawPicture(const CGrid& grid, CTextures& textures) {
 
 // In hundredths of what the view shows, so that a constraint keeps its size on the screen.
 void DrawPointMarks(const CGrid& grid) {
-  const CExtent& e = grid.Lattice().Extent();
+  const CExtent& e = grid.Surface().Lattice().Extent();
   const CViewDrawing& drawing = g_DrawingSettings.m_ImageView;
   const Vector3 unit{(e.x1 - e.x0) / 100 * g_fZoom, (e.y1 - e.y0) / 100 * g_fZoom, 0};
   for (const CPtCstr& c : grid.Constraints().Points()) {
@@ -95,7 +95,7 @@ void CPicturePainter::Draw(const CGrid& grid, const CView& view) {
 }
 
 void CPicturePainter::DrawSubdivision(const CGrid& grid, const CView& view) {
-  const CLatticeScope scope(grid.Lattice());
+  const CLatticeScope scope(grid.Surface().Lattice());
   m_Arrays.RefreshSubdivision(grid);
   if ((view.m_uFlags & ImageFlag::kDiscontinuityGap) != 0) {
     glColor3fv(g_DrawingSettings.m_afBackground.data());
@@ -103,11 +103,11 @@ void CPicturePainter::DrawSubdivision(const CGrid& grid, const CView& view) {
   }
   if (view.m_bSelectedCells) {
     glColor4d(0.2, 0.6, 1, 0.4);
-    DrawVertices(GL_QUADS, grid.Tree().SelectedCorners());
+    DrawVertices(GL_QUADS, grid.Surface().Tree().SelectedCorners());
   }
   glLineWidth(g_DrawingSettings.m_ImageView.m_fGridThickness);
   if ((view.m_uFlags & ImageFlag::kGrid) != 0) {
-    for (int level = grid.Lattice().Level(); level >= 0; --level) {
+    for (int level = grid.Surface().Lattice().Level(); level >= 0; --level) {
       SetColour(g_DrawingSettings.m_bSpecificSubdivisionColours ? LevelColour(level) : g_DrawingSettings.m_GreyGrid);
       DrawVertices(GL_LINES, m_Arrays.Lines(level));
     }
@@ -120,7 +120,7 @@ void CPicturePainter::DrawSubdivision(const CGrid& grid, const CView& view) {
 
 void CPicturePainter::DrawFrozen(const CGrid& grid) {
   constexpr float kSize = 4.0F;
-  const CLatticeScope scope(grid.Lattice());
+  const CLatticeScope scope(grid.Surface().Lattice());
   m_Arrays.RefreshFrozen(grid);
   glPointSize(kSize);
   SetColour(kFrozenColour);
@@ -131,7 +131,7 @@ void CPicturePainter::DrawMaskedTexels(const CGrid& grid) {
   const CTexelMap& texels = grid.Relighting().Texels();
   if (texels.Mask().empty()) return;
   m_Texels.RefreshMasked(grid);
-  const CExtent& e = grid.Lattice().Extent();
+  const CExtent& e = grid.Surface().Lattice().Extent();
   glPushMatrix();
   glTranslated(e.x0, e.y0, 0);
   glScaled((e.x1 - e.x0) / texels.Width(), (e.y1 - e.y0) / texels.Height(), 1);

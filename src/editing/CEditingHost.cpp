@@ -17,24 +17,24 @@ bool ChangesSurface(Operation operation) {
 
 void CEditingHost::AttachGrid(CGrid& grid) {
   m_pGrid = &grid;
-  grid.AttachHost(this);
+  grid.Run().AttachHost(this);
 }
 
 void CEditingHost::Detach() {
-  if (m_pGrid != nullptr) m_pGrid->AttachHost(nullptr);
+  if (m_pGrid != nullptr) m_pGrid->Run().AttachHost(nullptr);
   m_pGrid = nullptr;
 }
 
 void CEditingHost::PerformPendingWork(bool held) {
   if (m_pGrid == nullptr || m_bPerforming || g_nSolverTimers != 0) return;
-  if (m_pGrid->NextOperation() != Operation::kNone) Perform();
+  if (m_pGrid->Run().NextOperation() != Operation::kNone) Perform();
   if (!m_bEditWaits || held) return;
   m_bEditWaits = false;
   if (m_Solver.IsStoppedByUser()) m_Display.TellSolverStopped();
 }
 
 void CEditingHost::Perform() {
-  if (ChangesSurface(m_pGrid->NextOperation()) && m_Solver.TakeFirstWait()) m_bEditWaits = true;
+  if (ChangesSurface(m_pGrid->Run().NextOperation()) && m_Solver.TakeFirstWait()) m_bEditWaits = true;
   m_bPerforming = true;
   m_pGrid->PerformPendingWork();
   m_bPerforming = false;

@@ -4,10 +4,10 @@
 
 #include "model/CGrid.h"
 
-bool CSolverControl::IsRunning() const { return m_pGrid != nullptr && m_pGrid->IsRunning(); }
+bool CSolverControl::IsRunning() const { return m_pGrid != nullptr && m_pGrid->Run().IsRunning(); }
 
 void CSolverControl::HaltSolver() {
-  if (m_pGrid != nullptr) m_pGrid->SetRunning(false);
+  if (m_pGrid != nullptr) m_pGrid->Run().SetRunning(false);
   m_Panel.ShowSolverRunning(false);
 }
 
@@ -48,7 +48,7 @@ void CSolverControl::Resume() {
 void CSolverControl::Run() {
   if (m_pGrid == nullptr) return;
   m_bNothingWaits = true;
-  m_pGrid->SetRunning(true);
+  m_pGrid->Run().SetRunning(true);
   m_pStartTimer(*m_pGrid);
 }
 

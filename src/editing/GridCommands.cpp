@@ -33,7 +33,7 @@ class CCommandPause {
 void CGridCommands::Request(Operation operation) {
   if (m_pGrid == nullptr) return;
   if (g_nSolverTimers != 0) {
-    m_pGrid->Post(operation);
+    m_pGrid->Run().Post(operation);
   } else {
     Perform(operation);
   }
@@ -167,15 +167,15 @@ void CGridCommands::Tell(const std::string& trouble) {
 void CGridCommands::SwitchResolution() {
   if (m_pGrid == nullptr) return;
   if (g_bHighRes == 1) {
-    m_pGrid->Post(Operation::kRestoreNormal);
+    m_pGrid->Run().Post(Operation::kRestoreNormal);
   } else {
     const bool interpolate = m_Host.Ask("Do you want  to compute an interpolation to get the high res grid ?");
-    m_pGrid->Post(interpolate ? Operation::kTransferToHigh : Operation::kRestoreHigh);
+    m_pGrid->Run().Post(interpolate ? Operation::kTransferToHigh : Operation::kRestoreHigh);
   }
   m_Solver.ResumeSolver();
 }
 
 void CGridCommands::SetPickTolerance() {
-  const CExtent& extent = m_pGrid->Lattice().Extent();
+  const CExtent& extent = m_pGrid->Surface().Lattice().Extent();
   g_fPickTolerance = std::max(extent.x1 - extent.x0, extent.y1 - extent.y0) / 100;
 }

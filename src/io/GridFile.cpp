@@ -52,11 +52,11 @@ void WriteSketch(std::ostream& out, const CSketch& sketch) {
 
 void WriteGrid(std::ostream& out, const CGrid& grid) {
   WriteSketch(out, grid.Sketch());
-  const double tolerance = ToleranceOf(grid.Lattice().Extent());
-  const CPointOrder& order = grid.Order();
+  const double tolerance = ToleranceOf(grid.Surface().Lattice().Extent());
+  const CPointOrder& order = grid.Surface().Order();
   out << "\n\nZ\n";
   for (std::size_t k = 0; k < order.Count(); ++k) {
-    WriteSavedNumber(out, grid.Lattice().Heights()[order.PointOf(k)], tolerance);
+    WriteSavedNumber(out, grid.Surface().Lattice().Heights()[order.PointOf(k)], tolerance);
     out << '\n';
   }
   out << "\n\nN\n";

@@ -141,7 +141,7 @@ GridFileState CGridReader::Replace() {
   }
   if (!TakeSketch()) {
     LoadLog() << "Invalid format: attempting " << m_Head.Expected() << '\n';
-    StartFresh(m_Grid.Lattice().Extent());
+    StartFresh(m_Grid.Surface().Lattice().Extent());
     return GridFileState::Invalid;
   }
   if (m_Head.IsOldFormat()) {
@@ -220,7 +220,7 @@ void CGridReader::ReadOrder() {
   Console() << "\t\t(reconstructed from the quad tree by BuildHNumerotation)\n";
   std::vector<std::size_t> places;
   if (!ReadPlaces(places) || places.size() != m_afHeights.size() || !HoldSubdivision(m_Grid, places)) m_bDamaged = true;
-  const CPointOrder& order = m_Grid.Order();
+  const CPointOrder& order = m_Grid.Surface().Order();
   bool same = places.size() == order.Count();
   for (std::size_t k = 0; same && k < places.size(); ++k) same = places[k] == order.PointOf(k);
   if (same || places.size() != m_afHeights.size()) return;
@@ -246,9 +246,9 @@ std::optional<std::size_t> CGridReader::ReadPlace() {
   int row = 0;
   if (ReadChar(m_In) != '(' || !(m_In >> column) || ReadChar(m_In) != ',' || !(m_In >> row) || ReadChar(m_In) != ')')
     return {};
-  const int side = m_Grid.Lattice().PointsPerSide();
+  const int side = m_Grid.Surface().Lattice().PointsPerSide();
   if (column < 0 || column >= side || row < 0 || row >= side) return {};
-  return m_Grid.Lattice().Index(column, row);
+  return m_Grid.Surface().Lattice().Index(column, row);
 }
 
 void CGridReader::ReadLights() {

@@ -21,8 +21,8 @@ double SamplePlace(int k, int count, double low, double high, int steps) {
 }  // namespace
 
 void WriteHeightField(std::ostream& out, const CGrid& grid, int width, int height) {
-  const CExtent& e = grid.Lattice().Extent();
-  const int steps = grid.Lattice().PointsPerSide() - 1;
+  const CExtent& e = grid.Surface().Lattice().Extent();
+  const int steps = grid.Surface().Lattice().PointsPerSide() - 1;
   for (int i = 0; i < height; ++i) {
     const double row = SamplePlace(i, height, e.y0, e.y1, steps);
     for (int j = 0; j < width; ++j) {

@@ -8,7 +8,7 @@ namespace {
 
 // Each round settles the unknowns whose parents are settled, so it takes one per level code at most.
 void PutWhereParentsSay(const CGrid& grid, const std::vector<std::size_t>& missing, std::vector<double>& heights) {
-  const CPointOrder& order = grid.Order();
+  const CPointOrder& order = grid.Surface().Order();
   std::vector<double> coefs(order.Count());
   std::vector<double> rebuilt(order.Count());
   bool changed = !missing.empty();
@@ -45,8 +45,8 @@ bool HoldsSplits(const CLattice& lattice, const std::vector<bool>& held, const C
 
 std::optional<std::vector<double>> HeightsByPlace(const CGrid& grid, std::span<const std::size_t> places,
                                                   std::span<const double> heights) {
-  const CPointOrder& order = grid.Order();
-  std::vector<bool> given(grid.Lattice().PointCount());
+  const CPointOrder& order = grid.Surface().Order();
+  std::vector<bool> given(grid.Surface().Lattice().PointCount());
   std::vector<double> byScan(order.Count());
   for (std::size_t k = 0; k < places.size(); ++k) {
     if (given[places[k]]) return {};
@@ -65,7 +65,7 @@ std::optional<std::vector<double>> HeightsByPlace(const CGrid& grid, std::span<c
 }
 
 bool HoldSubdivision(const CGrid& grid, std::span<const std::size_t> places) {
-  const CLattice& lattice = grid.Lattice();
+  const CLattice& lattice = grid.Surface().Lattice();
   std::vector<bool> held(lattice.PointCount());
   for (const std::size_t place : places) held[place] = true;
   const int last = lattice.PointsPerSide() - 1;

@@ -50,17 +50,17 @@ void ForEachPoint(const CSurfaceMesh& mesh, const CPointOrder& order, const Visi
 
 void WritePoints(std::ostream& out, const CGrid& grid, const CSurfaceMesh& mesh) {
   std::vector<double> positions;
-  mesh.Place(grid.Tree(), positions);
-  mesh.Raise(grid.Tree(), std::span(positions));
-  ForEachPoint(mesh, grid.Order(), [&](std::size_t vertex) {
+  mesh.Place(grid.Surface().Tree(), positions);
+  mesh.Raise(grid.Surface().Tree(), std::span(positions));
+  ForEachPoint(mesh, grid.Surface().Order(), [&](std::size_t vertex) {
     const double* p = &positions[3 * vertex];
     out << "\t\t\t\t " << p[0] << ' ' << p[1] << ' ' << p[2] << ",\n";
   });
 }
 
 void WriteTexturePoints(std::ostream& out, const CGrid& grid, const CSurfaceMesh& mesh) {
-  const std::vector<CSurfaceMesh::CTexturePoint> coordinates = mesh.TextureCoordinates(grid.Tree());
-  ForEachPoint(mesh, grid.Order(), [&](std::size_t vertex) {
+  const std::vector<CSurfaceMesh::CTexturePoint> coordinates = mesh.TextureCoordinates(grid.Surface().Tree());
+  ForEachPoint(mesh, grid.Surface().Order(), [&](std::size_t vertex) {
     out << "\t\t\t\t" << coordinates[vertex].u << ' ' << coordinates[vertex].v << ",\n";
   });
 }
@@ -70,7 +70,7 @@ void WriteFaces(std::ostream& out, const CGrid& grid, const CSurfaceMesh& mesh) 
   const auto corners = static_cast<std::uint32_t>(mesh.CornerCount());
   const std::size_t leaves = mesh.VertexCount() - mesh.CornerCount();
   const auto indexOf = [&](std::uint32_t corner) {
-    return leaves + static_cast<std::size_t>(grid.Order().NumberOf(mesh.Points()[corner]));
+    return leaves + static_cast<std::size_t>(grid.Surface().Order().NumberOf(mesh.Points()[corner]));
   };
   mesh.ForEachTriangle([&](std::uint32_t a, std::uint32_t b, std::uint32_t centre, bool /*torn*/) {
     out << "\t\t\t " << centre - corners << ", " << indexOf(a) << ", " << indexOf(b) << ", -1,\n";
@@ -81,7 +81,7 @@ void WriteFaces(std::ostream& out, const CGrid& grid, const CSurfaceMesh& mesh) 
 
 void WriteVrml(std::ostream& out, const CGrid& grid) {
   CSurfaceMesh mesh;
-  mesh.Build(grid.Tree());
+  mesh.Build(grid.Surface().Tree());
   out << kHead;
   WritePoints(out, grid, mesh);
   out << kFacesHead;

@@ -57,8 +57,8 @@ void CGrid::Initialize(int level, bool keep, double x0, double y0, double x1, do
   m_Run.DropPending();
   Console() << x0 << ", " << x1 << ", " << y0 << ", " << y1 << '\n';
   m_Surface.SetExtent({x0, x1, y0, y1});
-  const int baseLevel = std::clamp(level, 0, Lattice().Level());
-  m_Wanted.Initialize(Lattice().Level(), baseLevel, g_bHighRes == 1);
+  const int baseLevel = std::clamp(level, 0, m_Surface.Lattice().Level());
+  m_Wanted.Initialize(m_Surface.Lattice().Level(), baseLevel, g_bHighRes == 1);
   m_Surface.ResetTree(baseLevel);
   Console() << "CGrid::Initialize\t\t\tlevel : " << baseLevel << '\n';
   m_Builder.SetSparseH();
@@ -83,7 +83,11 @@ void CGrid::SwapResolution(bool high, bool transfer) {
   m_Wanted.Swap();
   m_Surface.SwapResolution(transfer);
   SetDiscMap();
-  m_Wanted.Current().ShowSelection(Tree());
+  m_Wanted.Current().ShowSelection(m_Surface.Tree());
   m_Surface.Reconstruct();
   m_Run.Host().RequestRedraw();
+}
+
+void CGrid::PaintFreezeMap(double x, double y, bool freeze) {
+  m_Marks.Paint(x, y, g_fZoom * CPointMarks::kFreezeRadius, freeze);
 }

@@ -60,11 +60,6 @@ class CGrid {
   void PerformPendingWork();
   /// "Reset the grid": heights below 10 / points by chance, and a rebuild posted.
   void Reset();
-  void AttachHost(GridHost* host) { m_Run.AttachHost(host); }
-  void Post(Operation operation) { m_Run.Post(operation); }
-  Operation NextOperation() const { return m_Run.NextOperation(); }
-  bool IsRunning() const { return m_Run.IsRunning(); }
-  void SetRunning(bool running) { m_Run.SetRunning(running); }
 
   /// Surface and system (see CGridBuilder and CSurface; CGrid.cpp).
   void SetDiscMap();
@@ -74,9 +69,7 @@ class CGrid {
   /// To the other resolution, which starts from the surface of this one.
   void Transmit(bool high);
   double GetHeightAt(double column, double row) const { return m_Surface.HeightAt(column, row); }
-  void PaintFreezeMap(double x, double y, bool freeze) {
-    m_Marks.Paint(x, y, g_fZoom * CPointMarks::kFreezeRadius, freeze);
-  }
+  void PaintFreezeMap(double x, double y, bool freeze);
 
   /// Point constraints (see CPtCstrEdits).
   void AddPtCstr(const CPtCstr& record) { m_Points.Add(record); }
@@ -128,12 +121,9 @@ class CGrid {
   /// The parts.
   CSurface& Surface() { return m_Surface; }
   const CSurface& Surface() const { return m_Surface; }
-  CLattice& Lattice() { return m_Surface.Lattice(); }
-  const CLattice& Lattice() const { return m_Surface.Lattice(); }
-  CQuadTree& Tree() { return m_Surface.Tree(); }
-  const CQuadTree& Tree() const { return m_Surface.Tree(); }
-  const CPointOrder& Order() const { return m_Surface.Order(); }
   const CGridSolver& Solver() const { return m_Solver; }
+  CGridRun& Run() { return m_Run; }
+  const CGridRun& Run() const { return m_Run; }
   CGridBuilder& Builder() { return m_Builder; }
   CRelighting& Relighting() { return m_Relighting; }
   const CRelighting& Relighting() const { return m_Relighting; }

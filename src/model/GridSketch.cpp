@@ -6,10 +6,10 @@
 
 CSketch CGrid::Sketch() const {
   CSketch sketch;
-  sketch.m_Extent = Lattice().Extent();
+  sketch.m_Extent = m_Surface.Lattice().Extent();
   sketch.m_iBaseLevel = m_Wanted.BaseLevel();
   sketch.m_iNewBaseLevel = g_iBaseLevel;
-  sketch.m_iMaxLevel = Lattice().Level();
+  sketch.m_iMaxLevel = m_Surface.Lattice().Level();
   sketch.m_bHighRes = g_bHighRes == 1;
   sketch.m_aSubdivisions = {CSubdivisionBits(m_Wanted.Current()), CSubdivisionBits(m_Wanted.Other())};
   m_Constraints.AddTo(sketch);

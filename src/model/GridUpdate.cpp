@@ -72,7 +72,7 @@ void CGrid::Dispatch(Operation operation) {
 
 void CGrid::SubdivisionChanged() {
   SetDiscMap();
-  m_Wanted.Current().ShowSelection(Tree());
+  m_Wanted.Current().ShowSelection(m_Surface.Tree());
   m_Run.Host().RequestRedraw();
 }
 
@@ -104,11 +104,11 @@ void CGrid::UpdateGrid() {
 }
 
 void CGrid::Reset() {
-  const double limit = 10.0 / static_cast<double>(Lattice().PointCount());
+  const double limit = 10.0 / static_cast<double>(m_Surface.Lattice().PointCount());
   m_Surface.Randomise(m_Random, limit);
   m_Solver.RandomiseMultipliers(limit);
   m_Surface.Reconstruct();
-  Post(Operation::kRebuildMaps);
+  m_Run.Post(Operation::kRebuildMaps);
   m_Run.Host().RequestRedraw();
   m_Run.Host().ShowIterations(m_Solver.Counter());
 }

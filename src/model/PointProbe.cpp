@@ -24,16 +24,16 @@ int JoinedLength(const CEdge& edge, int at, int direction) {
 }  // namespace
 
 const CQuadT& CPointProbe::LeafAt(double x, double y) const {
-  const CLattice& lattice = m_pGrid->Lattice();
+  const CLattice& lattice = m_pGrid->Surface().Lattice();
   const double last = lattice.PointsPerSide() - 1;
-  return *m_pGrid->Tree().PointInCell_g(std::clamp(lattice.ColumnOf(x), 0.0, last),
-                                        std::clamp(lattice.RowOf(y), 0.0, last));
+  return *m_pGrid->Surface().Tree().PointInCell_g(std::clamp(lattice.ColumnOf(x), 0.0, last),
+                                                  std::clamp(lattice.RowOf(y), 0.0, last));
 }
 
 // The nearest point lies on the border of the leaf: what lies beyond it is farther than the ends of the sub-edge that
 // is crossed on the way there.
 std::size_t CPointProbe::NearestPoint(double x, double y) const {
-  const CLattice& lattice = m_pGrid->Lattice();
+  const CLattice& lattice = m_pGrid->Surface().Lattice();
   const CQuadT& leaf = LeafAt(x, y);
   const double column = std::clamp<double>(lattice.ColumnOf(x), leaf.X0(), leaf.X1());
   const double row = std::clamp<double>(lattice.RowOf(y), leaf.Y0(), leaf.Y1());
@@ -60,7 +60,7 @@ int CPointProbe::NeighbourDistance(int column, int row, int dx, int dy) const {
   for (const double side : {kHalfStep, -kHalfStep}) {
     const double gx = column + (dx != 0 ? kHalfStep * dx : side);
     const double gy = row + (dy != 0 ? kHalfStep * dy : side);
-    const CQuadT* leaf = m_pGrid->Tree().PointInCell_g(gx, gy);
+    const CQuadT* leaf = m_pGrid->Surface().Tree().PointInCell_g(gx, gy);
     if (leaf == nullptr) continue;
     if (dx != 0) {
       if (row != leaf->Y0() && row != leaf->Y1()) return 0;
@@ -73,7 +73,7 @@ int CPointProbe::NeighbourDistance(int column, int row, int dx, int dy) const {
 }
 
 CProbedTerm CPointProbe::SecondDifference(std::size_t point, bool horizontal) const {
-  const CLattice& lattice = m_pGrid->Lattice();
+  const CLattice& lattice = m_pGrid->Surface().Lattice();
   const auto side = static_cast<std::size_t>(lattice.PointsPerSide());
   const auto column = static_cast<int>(point % side);
   const auto row = static_cast<int>(point / side);
@@ -94,7 +94,7 @@ CProbedTerm CPointProbe::SecondDifference(std::size_t point, bool horizontal) co
 
 CProbedTerm CPointProbe::MixedDifference(const CQuadT& leaf) const {
   if (leaf.HasFlag(CellFlag::kMarkable)) return {};
-  const CLattice& lattice = m_pGrid->Lattice();
+  const CLattice& lattice = m_pGrid->Surface().Lattice();
   return {MixedDifferenceWeight(leaf, lattice),
           4,
           {lattice.Index(leaf.X0(), leaf.Y0()), lattice.Index(leaf.X1(), leaf.Y0()),
@@ -102,11 +102,11 @@ CProbedTerm CPointProbe::MixedDifference(const CQuadT& leaf) const {
           {1.0, -1.0, 1.0, -1.0}};
 }
 
-double CPointProbe::Area(std::size_t point) const { return m_pGrid->Lattice().Smoothness()[point]; }
+double CPointProbe::Area(std::size_t point) const { return m_pGrid->Surface().Lattice().Smoothness()[point]; }
 
-int CPointProbe::NumberOf(std::size_t point) const { return m_pGrid->Order().NumberOf(point); }
+int CPointProbe::NumberOf(std::size_t point) const { return m_pGrid->Surface().Order().NumberOf(point); }
 
 int CPointProbe::LevelCodeOf(std::size_t point) const {
   const int number = NumberOf(point);
-  return number < 0 ? 0 : m_pGrid->Order().LevelCode(static_cast<std::size_t>(number));
+  return number < 0 ? 0 : m_pGrid->Surface().Order().LevelCode(static_cast<std::size_t>(number));
 }

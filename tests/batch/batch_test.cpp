@@ -59,7 +59,7 @@ TEST_F(Batch, ReportsInJson) {
   ASSERT_EQ(Run("model.grid --report json --quiet"), 0);
   const nlohmann::json report = Report();
   EXPECT_EQ(report["points"], m_Model.m_Grid.Surface().ActivePointCount());
-  EXPECT_EQ(report["cells"], m_Model.m_Grid.Tree().LeafCount());
+  EXPECT_EQ(report["cells"], m_Model.m_Grid.Surface().Tree().LeafCount());
   EXPECT_EQ(report["constraints"], SomeConstraints().size());
   EXPECT_EQ(report["curves"], 1);
   EXPECT_GT(report["iterations"], 0);
@@ -179,9 +179,9 @@ TEST_F(Batch, SolvesAtTheHighestResolution) {
   EXPECT_EQ(Report()["points"], 17 * 17);
   CTestGrid test;
   ASSERT_EQ(test.m_Grid.Load(Path("h.grid")), GridFileState::Whole);
-  EXPECT_LT(
-      LargestDifference(NodalHeights(test.m_Grid), Gathered(test.m_Grid.Order(), SurfaceOnLattice(m_Model.m_Grid))),
-      1e-4);
+  EXPECT_LT(LargestDifference(NodalHeights(test.m_Grid),
+                              Gathered(test.m_Grid.Surface().Order(), SurfaceOnLattice(m_Model.m_Grid))),
+            1e-4);
 }
 
 TEST_F(Batch, WritesTheLightsWhenToldTo) {

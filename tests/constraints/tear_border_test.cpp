@@ -150,7 +150,8 @@ class CTracer {
     m_pTool->Contours().HandOver([this](const CTracedContour& contour) {
       const CTopDownImage& image = m_pTool->Image();
       CPlaces places;
-      for (const CPlanePoint& p : PlanePointsOf(contour, m_Grid.Lattice().Extent(), image.m_iWidth, image.m_iHeight))
+      for (const CPlanePoint& p :
+           PlanePointsOf(contour, m_Grid.Surface().Lattice().Extent(), image.m_iWidth, image.m_iHeight))
         places.push_back({p.x, p.y});
       m_Grid.AddTracedCurve(PointsAt(places), CurveType::kPosition, false);
       return true;
@@ -163,7 +164,7 @@ class CTracer {
     SCOPED_TRACE(testing::Message() << "from " << from.m_iColumn << ", " << from.m_iRow << " to " << to.m_iColumn
                                     << ", " << to.m_iRow);
     const CPlaces tear = Trace(from, to);
-    ::ExpectDivided(m_Grid.Tree(), tear, upright);
+    ::ExpectDivided(m_Grid.Surface().Tree(), tear, upright);
   }
 
  private:
@@ -235,7 +236,7 @@ TEST_P(TornGapTest, IsTheWholeStepRightToTheBorder) {
   const ConsoleCapture console;
   CGrid grid;
   grid.Initialize(4, false, 0, 0, side, side);
-  const CExtent& e = grid.Lattice().Extent();
+  const CExtent& e = grid.Surface().Lattice().Extent();
   grid.AddCurve(PointsAt({ClickedAt(e, kPixels, kPixels, 0, first), ClickedAt(e, kPixels, kPixels, kPixels - 1, last)}),
                 CurveType::kPosition, false);
   const auto tearAt = [&](double x) { return (first + (last - first) * x + 0.5) / kPixels; };
@@ -259,7 +260,7 @@ TEST_P(TornGapTest, IsTheWholeStepRightToTheBorder) {
 
 TEST(TearToTheBorderTest, NumbersTheSamePointsWithAPictureAndWithout) {
   CTestGrid drawn(7, 3);
-  const CExtent& e = drawn.m_Grid.Lattice().Extent();
+  const CExtent& e = drawn.m_Grid.Surface().Lattice().Extent();
   drawn.m_Grid.AddCurve(PointsAt({ClickedAt(e, 430, 430, 100, 0), ClickedAt(e, 430, 430, 300, 429)}),
                         CurveType::kPosition, false);
   drawn.m_Grid.PerformPendingWork();
@@ -274,8 +275,8 @@ TEST(TearToTheBorderTest, NumbersTheSamePointsWithAPictureAndWithout) {
     ASSERT_TRUE(pictured.m_Grid.Relighting().SetPicture(picture));
     ASSERT_EQ(ReadText(pictured.m_Grid, file), GridFileState::Whole);
     EXPECT_EQ(GridText(pictured.m_Grid), file) << pixels;
-    for (std::size_t k = 0; k < plain.m_Grid.Order().Count(); ++k)
-      ASSERT_EQ(pictured.m_Grid.Order().PointOf(k), plain.m_Grid.Order().PointOf(k)) << pixels;
+    for (std::size_t k = 0; k < plain.m_Grid.Surface().Order().Count(); ++k)
+      ASSERT_EQ(pictured.m_Grid.Surface().Order().PointOf(k), plain.m_Grid.Surface().Order().PointOf(k)) << pixels;
   }
 }
 

@@ -25,7 +25,7 @@ class CurveArraysTest : public ::testing::Test {
     return {v[0], v[1], v[2]};
   }
   double SurfaceAt(double x, double y) {
-    return Grid().GetHeightAt(Grid().Lattice().ColumnOf(x), Grid().Lattice().RowOf(y));
+    return Grid().GetHeightAt(Grid().Surface().Lattice().ColumnOf(x), Grid().Surface().Lattice().RowOf(y));
   }
 
   // Over -3.5..12.5 by 20..26 in steps of 1 by 0.375.
@@ -122,8 +122,8 @@ TEST_F(CurveArraysTest, ChangedSubdivisionIsFollowed) {
   SetRandomSurface(Grid(), 2);
   Add(kBent);
   Refresh();
-  Randomise(Grid().Tree(), 3);
-  Grid().Tree().RefreshEdgeMarks();
+  Randomise(Grid().Surface().Tree(), 3);
+  Grid().Surface().Tree().RefreshEdgeMarks();
   Grid().BuildHNumerotation();
   SetRandomSurface(Grid(), 4);
   Refresh();

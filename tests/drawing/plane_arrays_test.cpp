@@ -17,7 +17,7 @@ class PlaneArraysTest : public ::testing::Test {
  protected:
   CGrid& Grid() { return m_Grid.m_Grid; }
   void Refresh() {
-    Grid().Tree().ListLeaves();
+    Grid().Surface().Tree().ListLeaves();
     m_Arrays.RefreshSubdivision(Grid());
   }
 
@@ -36,7 +36,8 @@ class PlaneArraysTest : public ::testing::Test {
   }
   std::map<Step, int> StepsOfLines() {
     std::map<Step, int> steps;
-    for (int level = 0; level <= Grid().Lattice().Level(); ++level) AddSteps(m_Arrays.Lines(level), level, steps);
+    for (int level = 0; level <= Grid().Surface().Lattice().Level(); ++level)
+      AddSteps(m_Arrays.Lines(level), level, steps);
     return steps;
   }
 
@@ -71,21 +72,21 @@ std::map<Step, int> StepsOfEdges(const CQuadTree& tree, bool inside) {
 TEST_F(PlaneArraysTest, UniformGridIsOneLinePerRowAndColumn) {
   Refresh();
   EXPECT_EQ(m_Arrays.Lines(2).size(), 2U * 5U * 4U);
-  EXPECT_EQ(StepsOfLines(), StepsOfEdges(Grid().Tree(), false));
+  EXPECT_EQ(StepsOfLines(), StepsOfEdges(Grid().Surface().Tree(), false));
 }
 
 TEST_F(PlaneArraysTest, EverySideIsDrawnOnceAtItsLevel) {
   for (std::uint32_t seed = 1; seed <= 8; ++seed) {
-    Randomise(Grid().Tree(), seed);
+    Randomise(Grid().Surface().Tree(), seed);
     Refresh();
-    EXPECT_EQ(StepsOfLines(), StepsOfEdges(Grid().Tree(), false)) << seed;
+    EXPECT_EQ(StepsOfLines(), StepsOfEdges(Grid().Surface().Tree(), false)) << seed;
   }
 }
 
 TEST_F(PlaneArraysTest, SidesInsideADiscontinuityAreApart) {
-  MakeLeaf(Grid().Tree(), 1, 2, 3, CellFlag::kTriangles);
-  MakeLeaf(Grid().Tree(), 1, 3, 3, CellFlag::kTriangles);
-  Grid().Tree().RefreshEdgeMarks();
+  MakeLeaf(Grid().Surface().Tree(), 1, 2, 3, CellFlag::kTriangles);
+  MakeLeaf(Grid().Surface().Tree(), 1, 3, 3, CellFlag::kTriangles);
+  Grid().Surface().Tree().RefreshEdgeMarks();
   Refresh();
   EXPECT_EQ(std::vector<float>(m_Arrays.LinesInside().begin(), m_Arrays.LinesInside().end()),
             (std::vector<float>{6, 6, 6, 8}));
@@ -93,8 +94,8 @@ TEST_F(PlaneArraysTest, SidesInsideADiscontinuityAreApart) {
 }
 
 TEST_F(PlaneArraysTest, GapsAreTheMarkedTriangles) {
-  MakeLeaf(Grid().Tree(), 2, 1, 0, 1U << kTop);
-  Grid().Tree().RefreshEdgeMarks();
+  MakeLeaf(Grid().Surface().Tree(), 2, 1, 0, 1U << kTop);
+  Grid().Surface().Tree().RefreshEdgeMarks();
   Refresh();
   EXPECT_EQ(std::vector<float>(m_Arrays.Gaps().begin(), m_Arrays.Gaps().end()), (std::vector<float>{8, 4, 4, 4, 6, 2}));
 }
@@ -102,14 +103,14 @@ TEST_F(PlaneArraysTest, GapsAreTheMarkedTriangles) {
 TEST_F(PlaneArraysTest, ArraysFollowTheSubdivision) {
   Refresh();
   EXPECT_TRUE(m_Arrays.Lines(1).empty());
-  MakeLeaf(Grid().Tree(), 1, 0, 0);
+  MakeLeaf(Grid().Surface().Tree(), 1, 0, 0);
   Refresh();
   EXPECT_FALSE(m_Arrays.Lines(1).empty());
 }
 
 TEST_F(PlaneArraysTest, FrozenPointsAreThoseInUse) {
   Grid().PaintFreezeMap(kOblong.x0, kOblong.y0, true);
-  Grid().Lattice().Set(Grid().Lattice().Index(1, 1), PointFlag::kFrozen);
+  Grid().Surface().Lattice().Set(Grid().Surface().Lattice().Index(1, 1), PointFlag::kFrozen);
   m_Arrays.RefreshFrozen(Grid());
   std::set<std::pair<float, float>> drawn;
   for (std::size_t k = 0; k < m_Arrays.Frozen().size(); k += 2)

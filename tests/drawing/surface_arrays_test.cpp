@@ -21,7 +21,7 @@ constexpr double kFloatError = 1e-5;
 class SurfaceArraysTest : public ::testing::Test {
  protected:
   CGrid& Grid() { return m_Grid.m_Grid; }
-  CQuadTree& Tree() { return Grid().Tree(); }
+  CQuadTree& Tree() { return Grid().Surface().Tree(); }
   // Brings numbering and surface up to a change of the subdivision.
   void Settle() {
     Tree().RefreshEdgeMarks();
@@ -73,7 +73,7 @@ TEST_F(SurfaceArraysTest, VerticesLieOnTheSurface) {
   for (std::uint32_t seed = 1; seed <= 8; ++seed) {
     Randomised(seed);
     m_Arrays.RefreshSurface(Grid());
-    const CLattice& lattice = Grid().Lattice();
+    const CLattice& lattice = Grid().Surface().Lattice();
     for (const std::uint32_t v : m_Arrays.Triangles()) {
       const Vector3 p = At(v);
       EXPECT_NEAR(p.z, Grid().GetHeightAt(lattice.ColumnOf(p.x), lattice.RowOf(p.y)), kFloatError) << seed;
@@ -93,7 +93,7 @@ TEST_F(SurfaceArraysTest, TrianglesFaceUpAndCoverTheModelButForDiscontinuities) 
       covered += twice / 2;
     }
     double expected = 0;
-    const double unit = Grid().Lattice().StepX() * Grid().Lattice().StepY();
+    const double unit = Grid().Surface().Lattice().StepX() * Grid().Surface().Lattice().StepY();
     for (const CLeaf& leaf : Tree().Leaves())
       expected += unit * leaf.m_uSize * leaf.m_uSize * (4 - std::popcount(leaf.m_uMarked)) / 4.0;
     EXPECT_NEAR(covered, expected, 1e-3) << seed;
@@ -135,7 +135,7 @@ TEST_F(SurfaceArraysTest, NoGapOpensWhereCellsOfDifferentSizesMeet) {
 TEST_F(SurfaceArraysTest, NormalsAreThePointsAtCornersAndTheCellsAtCentres) {
   SetSurface(Grid(), CBump{});
   m_Arrays.RefreshNormals(Grid());
-  const CLattice& lattice = Grid().Lattice();
+  const CLattice& lattice = Grid().Surface().Lattice();
   ASSERT_EQ(m_Arrays.Normals().size(), m_Arrays.Positions().size());
   const std::span<const std::uint32_t> t = m_Arrays.Triangles();
   for (std::size_t k = 0; k < t.size(); k += 3) {
@@ -166,7 +166,7 @@ TEST_F(SurfaceArraysTest, LinesAreTheLeafEdgesOfAnyTree) {
   for (std::uint32_t seed = 1; seed <= 8; ++seed) {
     Randomised(seed);
     m_Arrays.RefreshLines(Grid());
-    const CLattice& lattice = Grid().Lattice();
+    const CLattice& lattice = Grid().Surface().Lattice();
     for (int level = 0; level <= 4; ++level) {
       std::set<Line> expected;
       const int step = 1 << level;
@@ -270,7 +270,7 @@ TEST_F(SurfaceArraysTest, WhatHasNotChangedIsNotRefilled) {
   m_Arrays.RefreshSurface(Grid());
   const float before = m_Arrays.Positions()[2];
   // Behind the back of the revisions.
-  for (double& z : Grid().Lattice().Heights()) z = 77;
+  for (double& z : Grid().Surface().Lattice().Heights()) z = 77;
   m_Arrays.RefreshSurface(Grid());
   EXPECT_EQ(m_Arrays.Positions()[2], before);
   Grid().Surface().Reconstruct();

@@ -43,12 +43,12 @@ class TexelArraysTest : public ::testing::Test {
     return texels;
   }
   void Mark(int i, int j) {
-    MakeLeaf(Grid().Tree(), 2, i, j, CellFlag::kTriangles);
+    MakeLeaf(Grid().Surface().Tree(), 2, i, j, CellFlag::kTriangles);
     Grid().TestTexelsInDiscontinuity();
   }
 
   void RefreshNormals(double length) {
-    Grid().Tree().ListLeaves();
+    Grid().Surface().Tree().ListLeaves();
     Grid().Relighting().LocateTexels();
     m_Arrays.RefreshNormals(Grid(), length);
   }
@@ -95,7 +95,8 @@ TEST_F(TexelArraysTest, NormalsBeginOnTheSurface) {
   const std::span<const float> v = m_Arrays.Normals();
   ASSERT_EQ(v.size(), 6UL * kWidth * kHeight);
   for (std::size_t k = 0; k < v.size(); k += 6) {
-    const double z = Grid().GetHeightAt(Grid().Lattice().ColumnOf(v[k]), Grid().Lattice().RowOf(v[k + 1]));
+    const double z =
+        Grid().GetHeightAt(Grid().Surface().Lattice().ColumnOf(v[k]), Grid().Surface().Lattice().RowOf(v[k + 1]));
     EXPECT_NEAR(v[k + 2], z, 1e-5);
     EXPECT_NEAR(std::hypot(v[k + 3] - v[k], v[k + 4] - v[k + 1], v[k + 5] - v[k + 2]), kLength, 1e-5);
   }
@@ -114,7 +115,7 @@ TEST_F(TexelArraysTest, FirstNormalsPointUp) {
 TEST_F(TexelArraysTest, NormalsThatAreNoneAreLeftOut) {
   LoadPicture();
   Mark(1, 1);
-  Grid().Tree().RefreshEdgeMarks();
+  Grid().Surface().Tree().RefreshEdgeMarks();
   Grid().BuildHNumerotation();
   Grid().Surface().Reconstruct();
   Grid().ComputeNormalsOnly();

@@ -75,7 +75,7 @@ TEST_F(EditingHostTest, ReportsReachTheDisplay) {
 
 TEST_F(EditingHostTest, TheGridsCommandsArePerformed) {
   m_Host.m_File = "name";
-  Grid().Post(Operation::kLoadImage);
+  Grid().Run().Post(Operation::kLoadImage);
   Grid().PerformPendingWork();
   EXPECT_EQ(m_Host.m_asPictures, Shown{"name"});
 }
@@ -85,21 +85,21 @@ TEST_F(EditingHostTest, ASolverThatHasStoppedItselfResumesAfterAChange) {
   m_GridHost.PauseSolverConverged();
   EXPECT_TRUE(Take().empty());
   m_GridHost.ResumeAfterChange();
-  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_TRUE(Grid().Run().IsRunning());
   m_GridHost.PauseSolverGaveUp();
   EXPECT_EQ(Take(), Shown{"gave up"});
   m_GridHost.ResumeAfterChange();
-  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_TRUE(Grid().Run().IsRunning());
 }
 
 TEST_F(EditingHostTest, WithNoTickWhatIsPostedIsPerformed) {
   Edit();
   g_nSolverTimers = 1;
   m_GridHost.PerformPendingWork(false);
-  EXPECT_NE(Grid().NextOperation(), Operation::kNone);
+  EXPECT_NE(Grid().Run().NextOperation(), Operation::kNone);
   g_nSolverTimers = 0;
   m_GridHost.PerformPendingWork(false);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_F(EditingHostTest, TheFirstEditThatWaitsForTheUserIsTold) {
@@ -115,7 +115,7 @@ TEST_F(EditingHostTest, NothingIsToldWhileAButtonIsHeld) {
   m_Test.m_Solver.StopSolver();
   Edit();
   m_GridHost.PerformPendingWork(true);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
   EXPECT_FALSE(TellsOfStop());
   m_GridHost.PerformPendingWork(false);
   EXPECT_TRUE(TellsOfStop());
@@ -125,7 +125,7 @@ TEST_F(EditingHostTest, AFileThatWaitsForNothingIsNotToldOf) {
   m_Test.m_Solver.StopSolver();
   for (const Operation operation : {Operation::kSaveGrid, Operation::kLoadImage}) {
     Grid().PerformPendingWork();
-    Grid().Post(operation);
+    Grid().Run().Post(operation);
     m_GridHost.PerformPendingWork(false);
     EXPECT_FALSE(TellsOfStop());
   }
@@ -135,6 +135,6 @@ TEST_F(EditingHostTest, ADetachedGridIsOnItsOwn) {
   m_GridHost.Detach();
   Grid().AddPtCstr(HeightCstr(4, 22, 1));
   m_GridHost.PerformPendingWork(false);
-  EXPECT_NE(Grid().NextOperation(), Operation::kNone);
+  EXPECT_NE(Grid().Run().NextOperation(), Operation::kNone);
   EXPECT_TRUE(Take().empty());
 }

@@ -51,7 +51,7 @@ class GridCommandsTest : public ::testing::Test {
   }
   void Note(const std::string& what) {
     m_asDone.push_back(what);
-    m_bRanMeanwhile = m_bRanMeanwhile || Grid().IsRunning();
+    m_bRanMeanwhile = m_bRanMeanwhile || Grid().Run().IsRunning();
   }
 
   CTestSolver m_Test;
@@ -84,7 +84,7 @@ TEST_F(GridCommandsTest, WhileTheTickIsRegisteredTheCodeWaits) {
   g_nSolverTimers = 1;
   for (const Operation operation : kDeferrable) {
     m_Commands.Request(operation);
-    EXPECT_EQ(Grid().NextOperation(), operation);
+    EXPECT_EQ(Grid().Run().NextOperation(), operation);
   }
   EXPECT_TRUE(m_asDone.empty());
   EXPECT_TRUE(m_Host.m_aChoosers.empty());
@@ -100,7 +100,7 @@ TEST_F(GridCommandsTest, CodesAreThoseOfTheTable) {
 TEST_F(GridCommandsTest, WithNoTickTheCommandActsAtOnce) {
   m_Host.m_File = "name";
   for (const Operation operation : kDeferrable) m_Commands.Request(operation);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
   EXPECT_EQ(m_asDone, (Done{"ask", "load name", "save name"}));
   EXPECT_EQ(m_Host.m_asPictures, Done{"name"});
 }
@@ -119,7 +119,7 @@ TEST_F(GridCommandsTest, ChoosersHaveTheirTitlesAndPatterns) {
 TEST_F(GridCommandsTest, CancelledChooserDoesNothing) {
   for (const Operation operation : {Operation::kSaveGrid, Operation::kLoadGrid, Operation::kLoadImage}) {
     m_Commands.Perform(operation);
-    EXPECT_TRUE(Grid().IsRunning());
+    EXPECT_TRUE(Grid().Run().IsRunning());
   }
   m_Commands.Write(VrmlFormat());
   EXPECT_TRUE(m_asDone.empty());
@@ -139,17 +139,17 @@ TEST_F(GridCommandsTest, FileThatCannotBeOpenedLeavesTheViewsAsTheyAre) {
   m_Commands.Perform(Operation::kLoadGrid);
   EXPECT_EQ(m_Host.m_iReplaced, 0);
   EXPECT_EQ(g_fPickTolerance, 7.0);
-  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_TRUE(Grid().Run().IsRunning());
 }
 
 TEST_F(GridCommandsTest, CommandsHoldTheSolverAndLetItGoOn) {
   m_Host.m_File = "name";
   for (const Operation operation : kDeferrable) {
     m_Commands.Perform(operation);
-    EXPECT_TRUE(Grid().IsRunning()) << CodeOf(operation);
+    EXPECT_TRUE(Grid().Run().IsRunning()) << CodeOf(operation);
   }
   m_Commands.Write(VrmlFormat());
-  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_TRUE(Grid().Run().IsRunning());
   EXPECT_FALSE(m_bRanMeanwhile);
 }
 
@@ -157,23 +157,23 @@ TEST_F(GridCommandsTest, OnlyLoadGridStartsAStoppedSolver) {
   for (const Operation operation : kDeferrable) {
     Solver().StopSolver();
     m_Commands.Perform(operation);
-    EXPECT_EQ(Grid().IsRunning(), operation == Operation::kLoadGrid) << CodeOf(operation);
+    EXPECT_EQ(Grid().Run().IsRunning(), operation == Operation::kLoadGrid) << CodeOf(operation);
   }
 }
 
 TEST_F(GridCommandsTest, LoadGridDoesNotEndAFreeze) {
   Solver().PauseForFreeze();
   m_Commands.Perform(Operation::kLoadGrid);
-  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_FALSE(Grid().Run().IsRunning());
 }
 
 TEST_F(GridCommandsTest, NewGridTakesWhatWasGiven) {
   m_NewGrid = CGridParameters{3, {-5, 45, 10, 30}, false};
   m_Commands.Perform(Operation::kNewGrid);
   EXPECT_EQ(Grid().Wanted().BaseLevel(), 3);
-  const CExtent& extent = Grid().Lattice().Extent();
+  const CExtent& extent = Grid().Surface().Lattice().Extent();
   EXPECT_EQ(std::vector({extent.x0, extent.x1, extent.y0, extent.y1}), std::vector({-5.0, 45.0, 10.0, 30.0}));
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps) << "the reset";
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps) << "the reset";
   EXPECT_EQ(m_Host.m_iReplaced, 1);
 }
 
@@ -209,13 +209,13 @@ TEST_F(GridCommandsTest, FilesAreWrittenWithNothingPending) {
   m_Host.m_File = "name";
   Grid().AddPtCstr({});
   m_Commands.Perform(Operation::kSaveGrid);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
   Grid().AddPtCstr({});
   m_Commands.Write(VrmlFormat());
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
   Grid().AddPtCstr({});
   m_Commands.Write(HeightFieldFormat());
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_F(GridCommandsTest, VrmlWithoutAPictureWarnsAndGoesOn) {
@@ -315,7 +315,7 @@ TEST_F(GridCommandsTest, HeightFieldStopsTheSolverAndKeepsTheReason) {
   Solver().PauseSolverConverged();
   Solver().Run();
   m_Commands.Write(HeightFieldFormat());
-  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_FALSE(Grid().Run().IsRunning());
   EXPECT_FALSE(m_Test.m_Panel.m_bRunning);
   EXPECT_EQ(Solver().Reason(), PauseReason::Converged);
 }
@@ -329,14 +329,14 @@ TEST_F(GridCommandsTest, WhatNobodyBringsIsNotDone) {
   m_Commands.Write(VrmlFormat());
   m_Commands.Write(HeightFieldFormat());
   EXPECT_TRUE(m_Host.m_aChoosers.empty());
-  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_TRUE(Grid().Run().IsRunning());
 }
 
 TEST_F(GridCommandsTest, SwitchUpAsksWhetherToInterpolate) {
   for (const auto& [yes, code] : {std::pair{true, 8}, {false, 32}}) {
     m_Host.m_bYes = yes;
     m_Commands.SwitchResolution();
-    EXPECT_EQ(CodeOf(Grid().NextOperation()), code);
+    EXPECT_EQ(CodeOf(Grid().Run().NextOperation()), code);
     EXPECT_EQ(m_Host.m_asQuestions.back(), "Do you want  to compute an interpolation to get the high res grid ?");
   }
 }
@@ -344,14 +344,14 @@ TEST_F(GridCommandsTest, SwitchUpAsksWhetherToInterpolate) {
 TEST_F(GridCommandsTest, SwitchDownAsksNothing) {
   g_bHighRes = 1;
   m_Commands.SwitchResolution();
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRestoreNormal);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRestoreNormal);
   EXPECT_TRUE(m_Host.m_asQuestions.empty());
 }
 
 TEST_F(GridCommandsTest, SwitchResumesTheSolver) {
   Solver().StopSolver();
   m_Commands.SwitchResolution();
-  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_TRUE(Grid().Run().IsRunning());
   EXPECT_EQ(CTimerStarts::Count(), 1);
 }
 
@@ -374,7 +374,7 @@ TEST_F(GridCommandsTest, CurveIsEditedAtOnceWithNoTick) {
   EXPECT_EQ(m_Host.m_iDragEnds, 1);
   EXPECT_TRUE(Grid().Constraints().Curves().back().IsClosed());
   EXPECT_EQ(Grid().Constraints().Curves().back().Type(), CurveType::kNormal);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
 }
 
 TEST_F(GridCommandsTest, CurveWaitsForTheTick) {
@@ -382,7 +382,7 @@ TEST_F(GridCommandsTest, CurveWaitsForTheTick) {
   Grid().PerformPendingWork();
   g_nSolverTimers = 1;
   m_Commands.EditCurveAttributes(4, 22, CurveType::kNone);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kContourAttributes);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kContourAttributes);
   EXPECT_TRUE(m_asDone.empty());
   m_Commands.Perform(Operation::kContourAttributes);
   EXPECT_EQ(m_asDone, Done{"curve"});
@@ -417,8 +417,8 @@ TEST_F(GridCommandsTest, CancelledAttributesChangeNothing) {
   Grid().PerformPendingWork();
   m_Commands.EditCurveAttributes(4, 22, CurveType::kPosition);
   EXPECT_EQ(Grid().Constraints().Curves().back().Type(), CurveType::kNormal);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
-  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
+  EXPECT_TRUE(Grid().Run().IsRunning());
   EXPECT_FALSE(m_bRanMeanwhile);
 }
 

@@ -10,7 +10,7 @@ using enum PauseReason;
 
 class SolverControlTest : public ::testing::Test {
  protected:
-  bool IsRunning() { return m_Test.Grid().IsRunning(); }
+  bool IsRunning() { return m_Test.Grid().Run().IsRunning(); }
   CSolverControl& Solver() { return m_Test.m_Solver; }
   RecordingPanel& Panel() { return m_Test.m_Panel; }
   void ExpectStopped(PauseReason reason) {

@@ -33,7 +33,7 @@ void Require(bool condition) {
 }
 
 void RequireFiniteSurface(const CGrid& grid) {
-  Require(std::ranges::all_of(grid.Lattice().Heights(), [](double z) { return std::isfinite(z); }));
+  Require(std::ranges::all_of(grid.Surface().Lattice().Heights(), [](double z) { return std::isfinite(z); }));
 }
 
 }  // namespace

@@ -36,7 +36,7 @@ class CoffeeCurvesTest : public WindowTest {
   CoffeeCurvesTest() {
     g_iMaxLevel = 7;
     Grid().Initialize(5, false, 0, 0, 100, 100);
-    Grid().SetRunning(false);
+    Grid().Run().SetRunning(false);
     m_Window.GridView().ResetCamera();
     // The mouse of the display must not enter a view of its own accord.
     MovePointer({0, 0});
@@ -85,7 +85,7 @@ class CoffeeCurvesTest : public WindowTest {
   }
   // The height of the surface under a place of the photograph.
   double HeightUnder(const CSpot& spot) {
-    const int side = Grid().Lattice().PointsPerSide() - 1;
+    const int side = Grid().Surface().Lattice().PointsPerSide() - 1;
     return Grid().GetHeightAt(spot.x / kPictureWidth * side, (1 - spot.y / kPictureHeight) * side);
   }
   void DrawScene() {
@@ -101,9 +101,9 @@ class CoffeeCurvesTest : public WindowTest {
   }
   void Solve() {
     constexpr int kTicks = 300;
-    Grid().SetRunning(true);
+    Grid().Run().SetRunning(true);
     for (int k = 0; k < kTicks; ++k) Grid().UpdateGrid();
-    Grid().SetRunning(false);
+    Grid().Run().SetRunning(false);
   }
   void TurnModel() {
     CGridView& view = m_Window.GridView();
@@ -172,7 +172,7 @@ TEST_F(CoffeeCurvesTest, CupStandsInFrontOfItsSaucer) {
   EXPECT_GT(ShareOfGap(ModelFrame()), 0.95);
 
   CStaging::Constraints(Grid()).Curves().clear();
-  Grid().Post(Operation::kRebuildMaps);
+  Grid().Run().Post(Operation::kRebuildMaps);
   Solve();
   EXPECT_EQ(ShareOfGap(ModelFrame()), 0) << "sewn together";
 }

@@ -91,7 +91,7 @@ TEST_P(CommonEditingTest, OtherButtonsOnNothingDoNothing) {
   }
   EXPECT_EQ(List().size(), 1U);
   EXPECT_EQ(Selection(List()), "1");
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
   ExpectPlace(At(0), 20.5, 20.5);
 }
 
@@ -101,7 +101,7 @@ TEST_P(CommonEditingTest, MiddleButtonSelectsAndDragsNothing) {
   Drag(40.5, 40.5);
   EXPECT_EQ(Selection(List()), "1");
   ExpectPlace(At(0), 20.5, 20.5);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_P(CommonEditingTest, LeftDragMovesWithTheMouse) {
@@ -110,7 +110,7 @@ TEST_P(CommonEditingTest, LeftDragMovesWithTheMouse) {
   m_Host = {};
   EXPECT_EQ(Drag(30.5, 25.5), 1);
   ExpectPlace(At(0), 29.5, 25.5);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRestart);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRestart);
   EXPECT_GT(m_Host.m_iImageRedraws, 0);
   EXPECT_GT(m_Host.m_iModelRedraws, 0);
   Drag(40.5, 20.5);
@@ -139,7 +139,7 @@ TEST_P(CommonEditingTest, DialogEndsTheDrag) {
   Settle();
   View().EndDrag();
   Drag(40.5, 40.5);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_P(CommonEditingTest, PlacesAreHeldOffTheBorder) {
@@ -156,7 +156,7 @@ TEST_P(CommonEditingTest, CreationSelectsAndRebuilds) {
   ExpectPlace(At(1), 20.5, 20.5);
   EXPECT_NEAR(At(1).m_fZ, Ramp(20.5, 20.5), 1e-9);
   EXPECT_EQ(Selection(List()), "01");
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuild);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuild);
   EXPECT_GT(m_Host.m_iImageRedraws, 0);
 }
 
@@ -204,7 +204,7 @@ TEST_P(CommonEditingTest, DeletingTheLastOfAKindSelectsNothing) {
   SetSelection(List(), "10");
   Key(FL_Delete);
   EXPECT_EQ(Selection(List()), "0");
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuild);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuild);
 }
 
 TEST_P(CommonEditingTest, OtherKeysAreNotUsed) {
@@ -231,7 +231,7 @@ TEST_P(CommonEditingTest, DragDoesNotGoOnWithAnotherConstraint) {
     Key(key);
     Settle();
     Drag(40.5, 40.5);
-    EXPECT_EQ(Grid().NextOperation(), Operation::kNone) << key;
+    EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone) << key;
   }
 }
 
@@ -241,7 +241,7 @@ TEST_P(CommonEditingTest, ModeChangeClearsTheSelectionAndEndsTheDrag) {
   View().SetMode(GetParam().m_Mode);
   EXPECT_EQ(Selection(List()), "0");
   Drag(30.5, 30.5);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_P(CommonEditingTest, CurveTypeClearsTheSelection) {
@@ -256,7 +256,7 @@ TEST_F(PositionEditingTest, CreationAndDragSetTheHeight) {
   const double height = At(0).m_fZ;
   EXPECT_EQ(Drag(25.5, 18.5), 1);
   EXPECT_NEAR(At(0).m_fZ, height + 5 - 2, 1e-9);
-  EXPECT_NE(Grid().NextOperation(), Operation::kNone);
+  EXPECT_NE(Grid().Run().NextOperation(), Operation::kNone);
   ExpectPlace(At(0), 20.5, 20.5);
   Drag(10.5, 20.5);
   EXPECT_NEAR(At(0).m_fZ, height - 10, 1e-9);
@@ -279,7 +279,7 @@ TEST_F(PositionEditingTest, RightDragChangesTheHeightFromThePress) {
   m_Host = {};
   Drag(31.5, 30.5);
   EXPECT_NEAR(At(0).m_fZ, 7 + 20, 1e-9);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRestart);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRestart);
   EXPECT_GT(m_Host.m_iImageRedraws, 0);
   Drag(21.5, 20.5);
   EXPECT_NEAR(At(0).m_fZ, 7, 1e-9);
@@ -301,7 +301,7 @@ TEST_F(PositionEditingTest, MovingKeepsTheHeight) {
 }
 
 TEST_F(PositionEditingTest, MovedConstraintKnowsItsDiscontinuity) {
-  MakeLeaf(Grid().Tree(), 2, 3, 3, CellFlag::kTriangles);
+  MakeLeaf(Grid().Surface().Tree(), 2, 3, 3, CellFlag::kTriangles);
   Add(HeightCstr(20.5, 20.5, 7));
   Push(kLeftButton, 20.5, 20.5);
   Drag(90.5, 90.5);
@@ -347,7 +347,7 @@ TEST_F(NormalEditingTest, RightDragTiltsStepByStep) {
   Drag(31.5, 25.5);
   EXPECT_NEAR(At(0).m_fP, 1 - 4, 1e-9);
   EXPECT_NEAR(At(0).m_fQ, 1 - 2, 1e-9);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRestart);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRestart);
   EXPECT_GT(m_Host.m_iImageRedraws, 0);
   EXPECT_GT(m_Host.m_iModelRedraws, 0);
   Drag(21.5, 20.5);

@@ -31,7 +31,7 @@ class CurveDrawingTest : public ImageViewTest {
   }
   void Shoot() {
     // As at the end of a rebuild.
-    Grid().Tree().ListLeaves();
+    Grid().Surface().Tree().ListLeaves();
     ASSERT_TRUE(View().SaveFrame(m_Scratch.File("frame.bmp")));
     m_Frame = Global::LoadBMP(m_Scratch.File("frame.bmp"), 1)->m_Picture;
     TakeConsole();
@@ -224,7 +224,7 @@ TEST_F(CurveDrawingTest, OtherModesShowNoCurveInProgress) {
 
 TEST_F(CurveDrawingTest, TexelsInADiscontinuityAreMarkedWithTheirFlag) {
   Grid().Relighting().SetPicture(PlainPicture(50, 20, 0, 0, 0));
-  MakeLeaf(Grid().Tree(), 2, 1, 1, CellFlag::kTriangles);
+  MakeLeaf(Grid().Surface().Tree(), 2, 1, 1, CellFlag::kTriangles);
   Grid().TestTexelsInDiscontinuity();
   Shoot();
   EXPECT_EQ(At(37, 37), kBlack);
@@ -236,7 +236,7 @@ TEST_F(CurveDrawingTest, TexelsInADiscontinuityAreMarkedWithTheirFlag) {
 }
 
 TEST_F(CurveDrawingTest, WithoutAPictureThereAreNoTexels) {
-  MakeLeaf(Grid().Tree(), 2, 1, 1, CellFlag::kTriangles);
+  MakeLeaf(Grid().Surface().Tree(), 2, 1, 1, CellFlag::kTriangles);
   View().SetDisplayFlags(ImageFlag::kDiscontinuityTexels);
   Shoot();
   EXPECT_EQ(Count(kBlack), kSize * kSize);

@@ -31,7 +31,7 @@ TEST_F(CurveEditingTest, LeftClickPicksTheCurveAndTakesItsType) {
   EXPECT_EQ(View().CurveType(), CurveType::kNormal);
   EXPECT_EQ(m_Host.m_aiCurveTypes, Numbers{2});
   EXPECT_TRUE(IsIdle());
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
   EXPECT_EQ(CodeOf(Operation::kRebuildMaps), 4);
   EXPECT_EQ(TakeConsole(), kPushLine);
 }
@@ -59,10 +59,10 @@ TEST_F(CurveEditingTest, LeftDragMovesThePickedNodeAlone) {
   Push(kLeftButton, 60.5, 21.5);  // a pixel beside the node
   EXPECT_EQ(Drag(70.5, 31.5), 1);
   ExpectPlaces({kBent[0], {70.5, 30.5}, kBent[2]}, PlacesOf(Curve()));
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone) << "not before the release";
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone) << "not before the release";
   EXPECT_GT(m_Host.m_iModelRedraws, 0);
   Release();
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
   Drag(10.5, 10.5);
   ExpectPlaces({kBent[0], {70.5, 30.5}, kBent[2]}, PlacesOf(Curve()));
 }
@@ -84,7 +84,7 @@ TEST_F(CurveEditingTest, OtherButtonsDragNothing) {
     Drag(70.5, 30.5);
     Release(button);
     ExpectPlaces(kBent, PlacesOf(Curve()));
-    EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+    EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
     Settle();
   }
 }
@@ -93,16 +93,16 @@ TEST_F(CurveEditingTest, EndOfTheDragLetsTheMoveTakeEffect) {
   Add(kBent);
   Push(kLeftButton, 60.5, 20.5);
   View().EndDrag();
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone) << "nothing was moved";
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone) << "nothing was moved";
   Push(kLeftButton, 60.5, 20.5);
   Drag(70.5, 30.5);
   View().SetMode(EditingMode::Position);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
   Settle();
   View().SetMode(EditingMode::Curve);
   Drag(10.5, 10.5);
   Release();
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_F(CurveEditingTest, NodeOfAnUnselectedCurveIsDraggedNoFurther) {
@@ -121,7 +121,7 @@ TEST_F(CurveEditingTest, MiddleButtonGivesTheCurveTheCurrentType) {
   EXPECT_EQ(View().CurveType(), CurveType::kFairness);
   EXPECT_TRUE(m_Host.m_aiCurveTypes.empty());
   Release(kMiddleButton);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
 }
 
 TEST_F(CurveEditingTest, MiddleButtonWithoutATypeDoesNothing) {
@@ -130,7 +130,7 @@ TEST_F(CurveEditingTest, MiddleButtonWithoutATypeDoesNothing) {
   Release(kMiddleButton);
   EXPECT_EQ(Curve().Type(), kTear);
   EXPECT_EQ(Selection(Curves()), "0:000");
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_F(CurveEditingTest, RightButtonAsksForTheAttributesAtThePress) {
@@ -157,9 +157,9 @@ TEST_F(CurveEditingTest, RightButtonWorksWhileACurveIsInProgress) {
 TEST_F(CurveEditingTest, ReleaseKeepsTheRequestForAttributes) {
   Add(kBent);
   Push(kRightButton, 60.5, 20.5);
-  Grid().Post(Operation::kContourAttributes);
+  Grid().Run().Post(Operation::kContourAttributes);
   Release(kRightButton);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kContourAttributes);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kContourAttributes);
 }
 
 // Keys.
@@ -191,11 +191,11 @@ TEST_F(CurveEditingTest, BackSpaceDeletesTheSelectedNode) {
   Settle();
   EXPECT_EQ(Key(FL_BackSpace), 1);
   ExpectPlaces({kBent[0], kBent[2]}, PlacesOf(Curve()));
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
   Settle();
   Key(FL_BackSpace);
   EXPECT_EQ(Curve().Nodes().size(), 2U) << "nothing is selected";
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps) << "all the same";
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps) << "all the same";
 }
 
 TEST_F(CurveEditingTest, DeleteDeletesTheSelectedCurve) {
@@ -206,7 +206,7 @@ TEST_F(CurveEditingTest, DeleteDeletesTheSelectedCurve) {
   EXPECT_EQ(Key(FL_Delete), 1);
   ASSERT_EQ(Curves().size(), 1U);
   EXPECT_EQ(Curve().Nodes().size(), 2U);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
 }
 
 TEST_F(CurveEditingTest, DeletedNodeIsDraggedNoMore) {
@@ -217,7 +217,7 @@ TEST_F(CurveEditingTest, DeletedNodeIsDraggedNoMore) {
     Settle();
     Drag(50.5, 50.5);
     Release();
-    EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+    EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
     if (!Curves().empty()) ExpectPlaces({kBent[1], kBent[2]}, PlacesOf(Curve()));
     Curves().clear();
     Add(kBent);

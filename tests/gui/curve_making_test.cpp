@@ -25,7 +25,7 @@ TEST_F(CurveEditingTest, FirstClickBeginsACurve) {
   EXPECT_EQ(Release(), 1);
   Click(40.5, 20.5);
   EXPECT_EQ(m_Host.m_aiHelps.size(), 1U) << "the text stays";
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone) << "nothing is held, so the release posts nothing";
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone) << "nothing is held, so the release posts nothing";
 }
 
 TEST_F(CurveEditingTest, PointsAreKeptOffTheBorder) {
@@ -43,7 +43,7 @@ TEST_F(CurveEditingTest, EnterAfterTwoClicksMakesAnOpenCurveOfThree) {
     m_Host = {};
     EXPECT_EQ(Key(enter), 1);
     EXPECT_EQ(TakeConsole(), "CCntrCtrl creation\ncontour with 3 nodes added \n");
-    EXPECT_EQ(Grid().NextOperation(), Operation::kNewCurve);
+    EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNewCurve);
     ExpectPlaces(kBent, PlacesOf(Curve()));
     EXPECT_FALSE(Curve().IsClosed());
     EXPECT_EQ(Curve().Type(), kCrease);
@@ -92,7 +92,7 @@ TEST_F(CurveEditingTest, SinglePointMakesNoCurve) {
   EXPECT_TRUE(Curves().empty());
   EXPECT_TRUE(IsIdle());
   EXPECT_EQ(m_Host.m_aiHelps, (Numbers{8, 4}));
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_F(CurveEditingTest, EnterWithoutACurveOnlyUnselects) {
@@ -164,7 +164,7 @@ TEST_F(CurveEditingTest, PressOnACurveAppendsWhileOneIsInProgress) {
   EXPECT_EQ(Selection(Curves()), "0:00");
   EXPECT_EQ(View().CurveType(), CurveType::kPosition);
   EXPECT_TRUE(m_Host.m_aiCurveTypes.empty());
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_F(CurveEditingTest, OtherButtonsOnNothingAddNoPoint) {
@@ -177,7 +177,7 @@ TEST_F(CurveEditingTest, OtherButtonsOnNothingAddNoPoint) {
     EXPECT_EQ(Pending(), 2U);
     Key(FL_Escape);
   }
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
   EXPECT_TRUE(m_Host.m_aAttributePlaces.empty());
 }
 
@@ -198,5 +198,5 @@ TEST_F(CurveEditingTest, DoubleClickAndRepeatedPlacesAreNoTrouble) {
   Key(FL_Enter, FL_SHIFT);
   EXPECT_EQ(Curve().Nodes().size(), 5U);
   Grid().PerformPendingWork();
-  for (const double z : Grid().Lattice().Heights()) EXPECT_TRUE(std::isfinite(z));
+  for (const double z : Grid().Surface().Lattice().Heights()) EXPECT_TRUE(std::isfinite(z));
 }

@@ -18,7 +18,7 @@ class CurveWindowTest : public WindowTest {
  protected:
   CurveWindowTest() {
     m_Window.SetServices(Services());
-    Grid().SetRunning(false);
+    Grid().Run().SetRunning(false);
     // The mouse of the display must not enter a view of its own accord.
     MovePointer({0, 0});
     ShowWindow();
@@ -39,7 +39,7 @@ class CurveWindowTest : public WindowTest {
     Settle();
   }
   void PlaceMouse(double x, double y) {
-    const CExtent& e = Grid().Lattice().Extent();
+    const CExtent& e = Grid().Surface().Lattice().Extent();
     Fl::e_x = View().x() + static_cast<int>((x - e.x0) / (e.x1 - e.x0) * View().w());
     Fl::e_y = View().y() + static_cast<int>((e.y1 - y) / (e.y1 - e.y0) * View().h());
   }
@@ -66,7 +66,7 @@ class CurveWindowTest : public WindowTest {
            (IsOn(Control::FairnessConstraint) ? 4 : 0);
   }
   bool SettlesBy(auto condition) {
-    return RunToolkitUntil([&] { return Grid().NextOperation() == Operation::kNone && condition(); });
+    return RunToolkitUntil([&] { return Grid().Run().NextOperation() == Operation::kNone && condition(); });
   }
 
   CGlobalScope<double> m_Zoom{g_fZoom, 1.0};
@@ -103,23 +103,23 @@ TEST_F(CurveWindowTest, CurveIsDrawnWithTheMouseAndTheKeyboard) {
 }
 
 TEST_F(CurveWindowTest, EditingWithTheSolverStoppedShowsAtOnce) {
-  const int before = Grid().Tree().LeafCount();
+  const int before = Grid().Surface().Tree().LeafCount();
   m_Window.ImageView().SetCurveType(CurveType::kPosition);
   Click(0, 22);
   Send(FL_MOVE, 8, 24);
   TypeAt(FL_Enter, 8, 24);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNewCurve);
-  EXPECT_TRUE(SettlesBy([&] { return Grid().Tree().LeafCount() > before; }));
-  EXPECT_EQ(ReadOut(Control::CellCount), Grid().Tree().LeafCount());
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNewCurve);
+  EXPECT_TRUE(SettlesBy([&] { return Grid().Surface().Tree().LeafCount() > before; }));
+  EXPECT_EQ(ReadOut(Control::CellCount), Grid().Surface().Tree().LeafCount());
 }
 
 TEST_F(CurveWindowTest, PointsClickedSinceTheCurveWasPostedStay) {
   RegisterSolverTimer(Grid());
-  Grid().SetRunning(true);
+  Grid().Run().SetRunning(true);
   m_Window.ImageView().SetCurveType(CurveType::kNormal);
   Click(0, 22);
   TypeAt(FL_Enter, 8, 24);
-  ASSERT_EQ(Grid().NextOperation(), Operation::kNewCurve);
+  ASSERT_EQ(Grid().Run().NextOperation(), Operation::kNewCurve);
   Click(2, 25);
   EXPECT_TRUE(SettlesBy([] { return true; }));
   EXPECT_EQ(Grid().Constraints().PendingCurve().Points().size(), 1U);
@@ -220,12 +220,12 @@ TEST_F(CurveWindowTest, AttributesAreAskedForAtOnceWithNoTick) {
 TEST_F(CurveWindowTest, AttributesWaitForTheTick) {
   Add(kPath, kFair);
   RegisterSolverTimer(Grid());
-  Grid().SetRunning(true);
+  Grid().Run().SetRunning(true);
   Press(4, 24, FL_RIGHT_MOUSE);
   EXPECT_TRUE(m_asDone.empty());
-  EXPECT_EQ(Grid().NextOperation(), Operation::kContourAttributes);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kContourAttributes);
   Send(FL_RELEASE, 4, 24, FL_RIGHT_MOUSE);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kContourAttributes) << "the release posts nothing over it";
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kContourAttributes) << "the release posts nothing over it";
   EXPECT_TRUE(RunToolkitUntil([&] { return m_asDone == Texts{"fairness attributes"}; }));
 }
 
@@ -235,7 +235,7 @@ TEST_F(CurveWindowTest, AttributesAreThoseOfTheClickEvenIfTheMouseHasGone) {
   m_ContourAnswer = CContourAnswer{};
   m_ContourAnswer->m_Attributes.m_bClosed = true;
   RegisterSolverTimer(Grid());
-  Grid().SetRunning(true);
+  Grid().Run().SetRunning(true);
   Click(4, 24, FL_RIGHT_MOUSE);
   Send(FL_MOVE, 10, 25);
   EXPECT_TRUE(RunToolkitUntil([&] { return !m_asDone.empty(); }));
@@ -251,7 +251,7 @@ TEST_F(CurveWindowTest, AnswerGivesTheCurveItsAttributesAndTheCurrentType) {
   EXPECT_EQ(Curve().Type(), kTear) << "no current type";
   EXPECT_EQ(std::next(Curve().Nodes().begin())->m_Weights, (CNodeWeights{5, 6, 7, 8}));
   EXPECT_EQ(Curve().Nodes().front().m_Weights, CNodeWeights{});
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
   Settle();
   TypeAt('n', 4, 24);
   m_ContourAnswer->m_bAllNodes = true;
@@ -281,7 +281,7 @@ TEST_F(CurveWindowTest, DialogEndsTheDrag) {
   Press(4, 24, FL_RIGHT_MOUSE);
   EXPECT_EQ(m_asDone, Texts{"attributes"});
   Send(FL_RELEASE, 4, 24, FL_RIGHT_MOUSE);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone) << "the dialog has taken the release";
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone) << "the dialog has taken the release";
 }
 
 // "Select".
@@ -300,9 +300,9 @@ TEST_F(CurveWindowTest, SelectedCellsAreSplitWithTheSolverStopped) {
   Press(0, 22);
   Send(FL_DRAG, 5, 24);
   Send(FL_RELEASE, 5, 24);
-  const int before = Grid().Tree().LeafCount();
+  const int before = Grid().Surface().Tree().LeafCount();
   TypeAt('=', 5, 24, FL_SHIFT);
-  EXPECT_TRUE(SettlesBy([&] { return Grid().Tree().LeafCount() > before; }));
+  EXPECT_TRUE(SettlesBy([&] { return Grid().Surface().Tree().LeafCount() > before; }));
   ClickOn(Control::Select);
   EXPECT_FALSE(Grid().Wanted().Current().Root().IsSelected());
 }

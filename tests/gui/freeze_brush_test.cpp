@@ -9,10 +9,10 @@ namespace {
 class FreezeBrushTest : public EditingTest {
  protected:
   FreezeBrushTest() : EditingTest(EditingMode::Position) { View().SetDebugFlags(DebugFlag::kFreeze); }
-  std::size_t FrozenCount() { return Grid().Lattice().Count(PointFlag::kFrozen); }
+  std::size_t FrozenCount() { return Grid().Surface().Lattice().Count(PointFlag::kFrozen); }
   // The points of the grid lie 25 apart, the brush reaches 4.
   bool IsFrozen(int column, int row) {
-    return Grid().Lattice().Has(Grid().Lattice().Index(4 * column, 4 * row), PointFlag::kFrozen);
+    return Grid().Surface().Lattice().Has(Grid().Surface().Lattice().Index(4 * column, 4 * row), PointFlag::kFrozen);
   }
 };
 
@@ -34,7 +34,7 @@ TEST_F(FreezeBrushTest, StrokeIsNoEdit) {
   Drag(30.5, 30.5);
   Release();
   EXPECT_TRUE(List().empty());
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_F(FreezeBrushTest, MovingPaintsNothingAndGoesOn) {

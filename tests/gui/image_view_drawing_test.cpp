@@ -38,7 +38,7 @@ class ImageViewDrawingTest : public ImageViewTest {
   }
   void Shoot() {
     // As at the end of a rebuild.
-    Grid().Tree().ListLeaves();
+    Grid().Surface().Tree().ListLeaves();
     ASSERT_TRUE(View().SaveFrame(m_Scratch.File("frame.bmp")));
     m_Frame = Global::LoadBMP(m_Scratch.File("frame.bmp"), 1)->m_Picture;
     ASSERT_EQ(m_Frame.m_iWidth, kSize);
@@ -160,14 +160,14 @@ TEST_F(ImageViewDrawingTest, SubdividedCellsAreDrawnAtOnce) {
   g_DrawingSettings.m_ImageView.m_fGridThickness = 3;
   Shoot(ImageFlag::kGrid);
   EXPECT_EQ(At(12, 6), kBlack);
-  MakeLeaf(Grid().Tree(), 1, 0, 0);
+  MakeLeaf(Grid().Surface().Tree(), 1, 0, 0);
   Shoot();
   EXPECT_NE(At(12, 6), kBlack);
 }
 
 TEST_F(ImageViewDrawingTest, DiscontinuityIsAGapOnlyWithItsFlag) {
   LoadPicture(PlainPicture(4, 4, 255, 0, 0));
-  MakeLeaf(Grid().Tree(), 2, 1, 1, CellFlag::kTriangles);
+  MakeLeaf(Grid().Surface().Tree(), 2, 1, 1, CellFlag::kTriangles);
   Shoot(ImageFlag::kImage);
   EXPECT_EQ(At(37, 37), kRed);
   Shoot(ImageFlag::kImage | ImageFlag::kDiscontinuityGap);
@@ -178,9 +178,9 @@ TEST_F(ImageViewDrawingTest, DiscontinuityIsAGapOnlyWithItsFlag) {
 
 TEST_F(ImageViewDrawingTest, EdgesInsideADiscontinuityHaveAFlagOfTheirOwn) {
   g_DrawingSettings.m_ImageView.m_fGridThickness = 3;
-  MakeLeaf(Grid().Tree(), 2, 1, 1, CellFlag::kTriangles);
-  MakeLeaf(Grid().Tree(), 2, 2, 1, CellFlag::kTriangles);
-  Grid().Tree().RefreshEdgeMarks();
+  MakeLeaf(Grid().Surface().Tree(), 2, 1, 1, CellFlag::kTriangles);
+  MakeLeaf(Grid().Surface().Tree(), 2, 2, 1, CellFlag::kTriangles);
+  Grid().Surface().Tree().RefreshEdgeMarks();
   Shoot(ImageFlag::kGrid);
   EXPECT_EQ(At(50, 37), kBlack);
   EXPECT_NE(At(25, 37), kBlack);
@@ -282,15 +282,15 @@ TEST_F(ImageViewDrawingTest, TracedInterpolationShowsItsPoints) {
     CImageView& m_View;
   };
   CHost host(View());
-  Grid().AttachHost(&host);
+  Grid().Run().AttachHost(&host);
   View().SetDebugFlags(DebugFlag::kInterpolation);
   Move(37.5, 27.5);
-  Grid().AttachHost(nullptr);
+  Grid().Run().AttachHost(nullptr);
   Shoot(0);
   EXPECT_EQ(At(25, 25), kOrange);
   EXPECT_EQ(At(50, 25), kOrange);
   EXPECT_EQ(At(75, 75), kBlack);
-  MakeLeaf(Grid().Tree(), 1, 0, 0);
+  MakeLeaf(Grid().Surface().Tree(), 1, 0, 0);
   Shoot();
   EXPECT_EQ(Count(kOrange), 0);
 }
@@ -308,7 +308,7 @@ TEST_F(ImageViewDrawingTest, TermShowsItsPointsAndCoefficients) {
 TEST_F(ImageViewDrawingTest, ToolThatIsSwitchedOffTakesWhatItShowedWithIt) {
   Grid().SetSparseH();
   const CPointProbe probe(Grid());
-  const std::size_t point = Grid().Lattice().Index(8, 8);
+  const std::size_t point = Grid().Surface().Lattice().Index(8, 8);
   View().SetDebugFlags(DebugFlag::kHorizontalCoefs | DebugFlag::kVerticalCoefs);
   Move(50.5, 51.5);
   View().SetDebugFlags(DebugFlag::kHorizontalCoefs);
@@ -338,8 +338,8 @@ TEST_F(ImageViewDrawingTest, SelectedCellsAreTinted) {
   View().SetDebugFlags(DebugFlag::kSelectCells);
   Shoot();
   EXPECT_EQ(At(37, 37), kBlack);
-  CStaging::Subdivision(Grid()).SelectRectangle(Grid().Tree(), 5, 5, 7, 7);
-  CStaging::Subdivision(Grid()).ShowSelection(Grid().Tree());
+  CStaging::Subdivision(Grid()).SelectRectangle(Grid().Surface().Tree(), 5, 5, 7, 7);
+  CStaging::Subdivision(Grid()).ShowSelection(Grid().Surface().Tree());
   Shoot();
   for (const auto& [x, y, tinted] : {std::tuple{27, 27, true}, {48, 48, true}, {23, 37, false}, {37, 53, false}})
     EXPECT_EQ(At(x, y) != kBlack, tinted) << x << ", " << y;

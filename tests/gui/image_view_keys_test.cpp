@@ -56,14 +56,15 @@ class ImageViewKeysTest : public ImageViewTest {
   /// Everything that a user could notice, as a text.
   std::string State() {
     std::ostringstream out;
-    out << GridText(Grid()) << CodeOf(Grid().NextOperation()) << ' ' << g_fZoom << ' '
+    out << GridText(Grid()) << CodeOf(Grid().Run().NextOperation()) << ' ' << g_fZoom << ' '
         << m_Host.m_aAttributePlaces.size() << ' ' << static_cast<int>(View().CurveType()) << ' '
         << Grid().Constraints().PendingCurve().Points().size() << ' ';
     for (const CPtCstr& point : Grid().Constraints().Points()) out << point.HasState(PtCstrState::kSelected);
     for (const CCntrCtrl& curve : Grid().Constraints().Curves()) {
       for (const CCntrNode& node : curve.Nodes()) out << node.HasState(PtCstrState::kSelected);
     }
-    out << ' ' << CountSelected(Grid().Wanted().Current().Root()) << ' ' << Grid().Lattice().Count(PointFlag::kFrozen);
+    out << ' ' << CountSelected(Grid().Wanted().Current().Root()) << ' '
+        << Grid().Surface().Lattice().Count(PointFlag::kFrozen);
     // A view that has been moved has a corner outside the picture.
     m_Host.m_abInside.clear();
     for (const auto& [x, y] : {CPlanePoint{0.5, 0.5}, {99.5, 0.5}, {99.5, 99.5}, {0.5, 99.5}}) Move(x, y);
@@ -155,7 +156,7 @@ TEST_F(ImageViewKeysTest, WheelIsNotListedForCurves) {
 TEST_F(ImageViewKeysTest, KeysForCellsAreThoseListed) {
   ExpectKeysAreThoseListed(InputsAt({"Select (resolution by hand)"}), [this](const CTypedKey& key) {
     Clear(EditingMode::Position, DebugFlag::kSelectCells);
-    CStaging::Subdivision(Grid()).SelectRectangle(Grid().Tree(), 1, 1, 7, 7);
+    CStaging::Subdivision(Grid()).SelectRectangle(Grid().Surface().Tree(), 1, 1, 7, 7);
     return Type(key);
   });
 }

@@ -23,8 +23,8 @@ class ImageViewEventTest : public ImageViewTest {
 // Forwards what the grid shows to the view, as the window does.
 class CForwardingHost : public RecordingHost {
  public:
-  CForwardingHost(CGrid& grid, CImageView& view) : m_Grid(grid), m_View(view) { grid.AttachHost(this); }
-  ~CForwardingHost() override { m_Grid.AttachHost(nullptr); }
+  CForwardingHost(CGrid& grid, CImageView& view) : m_Grid(grid), m_View(view) { grid.Run().AttachHost(this); }
+  ~CForwardingHost() override { m_Grid.Run().AttachHost(nullptr); }
   CForwardingHost(const CForwardingHost&) = delete;
   CForwardingHost& operator=(const CForwardingHost&) = delete;
   void ShowInterpolation(const CInterpolationTrace& trace) override {
@@ -129,7 +129,7 @@ TEST_F(ImageViewEventTest, DebugZoneShowsWhetherTheMouseIsInThePicture) {
 TEST_F(ImageViewEventTest, ToolsShowTheTermUnderTheMouse) {
   Grid().SetSparseH();
   const CPointProbe probe(Grid());
-  const std::size_t point = Grid().Lattice().Index(8, 4);  // (50, 25)
+  const std::size_t point = Grid().Surface().Lattice().Index(8, 4);  // (50, 25)
   const double torsion = probe.MixedDifference(probe.LeafAt(49.5, 26.5)).m_fWeight;
   struct CCase {
     std::uint32_t m_uFlags;
@@ -144,7 +144,7 @@ TEST_F(ImageViewEventTest, ToolsShowTheTermUnderTheMouse) {
     m_Host = {};
     Move(49.5, 26.5);
     EXPECT_EQ(m_Host.m_afInfluences, c.m_afInfluences) << c.m_uFlags;
-    EXPECT_EQ(m_Host.m_iNumber, Grid().Order().NumberOf(point));
+    EXPECT_EQ(m_Host.m_iNumber, Grid().Surface().Order().NumberOf(point));
     EXPECT_EQ(m_Host.m_iLevelCode, probe.LevelCodeOf(point));
     EXPECT_GT(m_Host.m_iModelRedraws, 0);
   }
@@ -175,7 +175,7 @@ TEST_F(ImageViewEventTest, InterpolationIsTracedUnderTheMouse) {
   View().SetDebugFlags(DebugFlag::kInterpolation);
   Move(20.5, 21.5);
   ASSERT_EQ(host.m_aTraces.size(), 1U);
-  EXPECT_EQ(host.m_aTraces[0].m_Triangle.m_pCell, Grid().Tree().PointInCell(20.5, 21.5));
+  EXPECT_EQ(host.m_aTraces[0].m_Triangle.m_pCell, Grid().Surface().Tree().PointInCell(20.5, 21.5));
 }
 
 TEST_F(ImageViewEventTest, ShiftPressHoldsTheSolverUntilTheRelease) {

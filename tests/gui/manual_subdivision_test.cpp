@@ -31,7 +31,9 @@ class ManualSubdivisionTest : public ImageViewTest {
     for (int k = 0; node.HasChildren() && k < 4; ++k) count += CountSelected(node.Child(k));
     return count;
   }
-  bool IsMarked(int level, int i, int j) { return Grid().Tree().CellAt(level, i, j).HasFlag(CellFlag::kSelected); }
+  bool IsMarked(int level, int i, int j) {
+    return Grid().Surface().Tree().CellAt(level, i, j).HasFlag(CellFlag::kSelected);
+  }
   void DragOver(double x0, double y0, double x1, double y1) {
     Push(kLeftButton, x0, y0);
     Drag((x0 + x1) / 2, (y0 + y1) / 2);
@@ -53,15 +55,16 @@ class ManualSubdivisionTest : public ImageViewTest {
 }  // namespace
 
 TEST_F(ManualSubdivisionTest, ClickRefinesDownToTheFinestLevel) {
-  const int before = Grid().Tree().LeafCount();
+  const int before = Grid().Surface().Tree().LeafCount();
   EXPECT_EQ(Push(kLeftButton, 10.5, 10.5), 1);
   EXPECT_EQ(Release(), 1);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
   EXPECT_EQ(CodeOf(Operation::kRebuildMaps), 4);
   Grid().PerformPendingWork();
-  EXPECT_EQ(Grid().Tree().LeafCount(), before + 3 + 3);
-  const CLattice& lattice = Grid().Lattice();
-  EXPECT_EQ(Grid().Tree().PointInCell(10.5, 10.5)->X1() - Grid().Tree().PointInCell(10.5, 10.5)->X0(), 1);
+  EXPECT_EQ(Grid().Surface().Tree().LeafCount(), before + 3 + 3);
+  const CLattice& lattice = Grid().Surface().Lattice();
+  EXPECT_EQ(
+      Grid().Surface().Tree().PointInCell(10.5, 10.5)->X1() - Grid().Surface().Tree().PointInCell(10.5, 10.5)->X0(), 1);
   EXPECT_EQ(lattice.PointsPerSide(), 17);
 }
 
@@ -70,7 +73,7 @@ TEST_F(ManualSubdivisionTest, ThreePixelsAreStillAClick) {
     Push(kLeftButton, 60.5, 60.5);
     Drag(60.5 + dx, 60.5 + dy);
     Release();
-    EXPECT_EQ(CodeOf(Grid().NextOperation()), click ? 4 : 0) << dx << ", " << dy;
+    EXPECT_EQ(CodeOf(Grid().Run().NextOperation()), click ? 4 : 0) << dx << ", " << dy;
     EXPECT_EQ(SelectedLeaves() == 0, click) << dx << ", " << dy;
     Settle();
     Grid().Initialize(2, false, 0, 0, 100, 100);
@@ -84,14 +87,14 @@ TEST_F(ManualSubdivisionTest, MouseThatComesBackHasClicked) {
   Drag(61.5, 60.5);
   Release();
   EXPECT_EQ(SelectedLeaves(), 0);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
 }
 
 TEST_F(ManualSubdivisionTest, ClickBesideTheModelDoesNothing) {
   g_fZoom = 2;  // the model in the middle of the view
   Push(kLeftButton, 5.5, 50.5);
   Release();
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
   EXPECT_EQ(TakeConsole(), "");
 }
 
@@ -99,7 +102,7 @@ TEST_F(ManualSubdivisionTest, DragSelectsTheRectangle) {
   DragOver(30.5, 10.5, 70.5, 40.5);
   EXPECT_EQ(SelectedLeaves(), 4);
   for (const auto& [i, j] : {std::pair{1, 0}, {2, 0}, {1, 1}, {2, 1}}) EXPECT_TRUE(IsMarked(2, i, j)) << i << j;
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
   EXPECT_GT(m_Host.m_iModelRedraws, 0);
 }
 
@@ -116,14 +119,14 @@ TEST_F(ManualSubdivisionTest, RectanglesAddUpAndMayBeDrawnFromAnyCorner) {
 TEST_F(ManualSubdivisionTest, PlusSplitsTheSelectionAndMinusMergesIt) {
   DragOver(30.5, 10.5, 40.5, 20.5);
   EXPECT_EQ(TypeText('=', "+", FL_SHIFT), 1);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kSubdivide);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kSubdivide);
   Settle();
   EXPECT_EQ(SelectedLeaves(), 4);
   EXPECT_FALSE(Saved(0, 1).IsLeaf());
   EXPECT_TRUE(IsMarked(1, 2, 0));
   EXPECT_FALSE(IsMarked(2, 1, 0));
   EXPECT_EQ(TypeText('-', "-"), 1);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kMerge);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kMerge);
   Settle();
   EXPECT_EQ(SelectedLeaves(), 1);
   EXPECT_TRUE(Saved(0, 1).IsLeaf());
@@ -144,7 +147,7 @@ TEST_F(ManualSubdivisionTest, KeysMayLieAnywhereOnTheKeyboard) {
                           {"", '-', 256},
                           {"-", FL_KP + '-', 256}}) {
     EXPECT_EQ(TypeText(row.m_iKey, row.m_pText), 1);
-    EXPECT_EQ(CodeOf(Grid().NextOperation()), row.m_iCode) << row.m_iKey;
+    EXPECT_EQ(CodeOf(Grid().Run().NextOperation()), row.m_iCode) << row.m_iKey;
     Settle();
   }
 }
@@ -166,7 +169,7 @@ TEST_F(ManualSubdivisionTest, EscapeClearsTheSelection) {
   EXPECT_EQ(Key(FL_Escape), 1);
   EXPECT_EQ(SelectedLeaves(), 0);
   EXPECT_FALSE(IsMarked(2, 1, 0));
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_F(ManualSubdivisionTest, EscapeEndsTheDrag) {
@@ -199,7 +202,7 @@ TEST_F(ManualSubdivisionTest, OtherButtonsAndKeysDoNothing) {
   EXPECT_EQ(TypeText('-', "-", FL_CTRL), 0);
   EXPECT_EQ(TypeText('a', "a"), 0);
   EXPECT_EQ(SelectedLeaves(), 0);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_F(ManualSubdivisionTest, NoOtherToolGetsTheEvents) {
@@ -214,11 +217,11 @@ TEST_F(ManualSubdivisionTest, NoOtherToolGetsTheEvents) {
 
 TEST_F(ManualSubdivisionTest, SwitchingOffShowsAndClearsTheSelectionWithoutSplitting) {
   DragOver(30.5, 10.5, 40.5, 20.5);
-  Grid().Tree().CellAt(2, 1, 0).ClearFlags(CellFlag::kSelected);
+  Grid().Surface().Tree().CellAt(2, 1, 0).ClearFlags(CellFlag::kSelected);
   View().SetDebugFlags(0);
   EXPECT_TRUE(IsMarked(2, 1, 0));
   EXPECT_EQ(SelectedLeaves(), 0);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
   EXPECT_TRUE(Saved(0, 1).IsLeaf());
   View().SetDebugFlags(DebugFlag::kSelectCells);
   EXPECT_FALSE(IsMarked(2, 1, 0)) << "nothing is selected now";
@@ -236,25 +239,25 @@ TEST_F(ManualSubdivisionTest, SwitchingOffEndsTheDrag) {
 TEST_F(ManualSubdivisionTest, EachResolutionShowsItsOwnSelection) {
   DragOver(30.5, 10.5, 40.5, 20.5);
   for (const auto& [code, selected] : {std::pair{Operation::kTransferToHigh, 0}, {Operation::kRestoreNormal, 1}}) {
-    Grid().Post(code);
+    Grid().Run().Post(code);
     Settle();
     EXPECT_EQ(SelectedLeaves(), selected) << CodeOf(code);
     EXPECT_EQ(IsMarked(2, 1, 0), selected == 1) << CodeOf(code);
-    EXPECT_EQ(Grid().Tree().SelectedCorners().size(), 8U * static_cast<unsigned>(selected)) << CodeOf(code);
+    EXPECT_EQ(Grid().Surface().Tree().SelectedCorners().size(), 8U * static_cast<unsigned>(selected)) << CodeOf(code);
   }
 }
 
 TEST_F(ManualSubdivisionTest, NewGridStartsWithNothingSelected) {
   DragOver(30.5, 10.5, 40.5, 20.5);
-  Grid().Post(Operation::kRestoreHigh);
+  Grid().Run().Post(Operation::kRestoreHigh);
   Settle();
   DragOver(30.5, 10.5, 40.5, 20.5);
   EXPECT_GT(SelectedLeaves(), 0);
   Grid().Initialize(2, true, 0, 0, 100, 100);
   for (const Operation code : {Operation::kRestoreNormal, Operation::kRestoreHigh}) {
     EXPECT_EQ(SelectedLeaves(), 0);
-    EXPECT_TRUE(Grid().Tree().SelectedCorners().empty());
-    Grid().Post(code);
+    EXPECT_TRUE(Grid().Surface().Tree().SelectedCorners().empty());
+    Grid().Run().Post(code);
     Settle();
   }
 }

@@ -96,8 +96,8 @@ TEST_F(ModelDrawingTest, UnknownTextureIsReportedAndTheBoundOneKept) {
 }
 
 TEST_F(ModelDrawingTest, TrianglesInADiscontinuityAreGaps) {
-  MakeLeaf(Grid().Tree(), 2, 1, 1, 15);
-  Grid().Tree().RefreshEdgeMarks();
+  MakeLeaf(Grid().Surface().Tree(), 2, 1, 1, 15);
+  Grid().Surface().Tree().RefreshEdgeMarks();
   Grid().BuildHNumerotation();
   Grid().Surface().Reconstruct();
   const CPicture frame = FrameWith(ModelFlag::kTexturedModel);

@@ -247,7 +247,7 @@ TEST_F(ModelViewEventsTest, ShiftDragWithoutASelectedPositionDoesNothing) {
   Drag(FL_LEFT_MOUSE, 50, 43, FL_SHIFT);
   ExpectSame(View().Camera(), camera);
   EXPECT_EQ(RecordAt(Grid().Constraints().Points(), 0).m_fZ, 2);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
   EXPECT_EQ(m_Host.m_iImageRedraws, 0);
 }
 

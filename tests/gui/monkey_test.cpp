@@ -90,7 +90,7 @@ class MonkeyTest : public ::testing::Test {
     if (menu.IsActive(entry)) menu.Choose(entry);
   }
   bool IsFinite() const {
-    return std::ranges::all_of(m_Grid.Lattice().Heights(), [](double z) { return std::isfinite(z); }) &&
+    return std::ranges::all_of(m_Grid.Surface().Lattice().Heights(), [](double z) { return std::isfinite(z); }) &&
            std::ranges::all_of(m_Grid.Surface().Coefficients(), [](double c) { return std::isfinite(c); });
   }
 
@@ -149,12 +149,12 @@ class MonkeyTest : public ::testing::Test {
   }
   void WorkOff() {
     constexpr int kRounds = 20;
-    while (m_Grid.NextOperation() != Operation::kNone) Fl::check();
+    while (m_Grid.Run().NextOperation() != Operation::kNone) Fl::check();
     for (int round = 0; round < kRounds; ++round) Fl::check();
   }
   void Measure() {
     StartOver();
-    EXPECT_EQ(m_Grid.Lattice().Level(), kDefaultMaxLevel);
+    EXPECT_EQ(m_Grid.Surface().Lattice().Level(), kDefaultMaxLevel);
     EXPECT_EQ(m_Grid.Constraints().Points().size() + m_Grid.Constraints().Curves().size(), 0U);
     m_afMegabytes.push_back(ResidentMegabytes());
     std::cout << m_Monkey.Actions() << " actions: " << m_afMegabytes.back() << " MB resident, "

@@ -193,7 +193,7 @@ TEST_F(ScissorsViewTest, EnterExportsTheContour) {
   EXPECT_NE(m_Console.Take().find("CScissorsView::ExportContour()\n"), std::string::npos);
   ASSERT_EQ(m_Host.m_aaCurves.size(), 1U);
   EXPECT_EQ(m_Host.m_aaCurves[0].size(), 41U);
-  const CExtent& extent = Grid().Lattice().Extent();
+  const CExtent& extent = Grid().Surface().Lattice().Extent();
   EXPECT_DOUBLE_EQ(m_Host.m_aaCurves[0][0].x, extent.x0 + (extent.x1 - extent.x0) * 20.5 / 200);
   EXPECT_DOUBLE_EQ(m_Host.m_aaCurves[0][0].y, extent.y0 + (extent.y1 - extent.y0) * 119.5 / 150);
   EXPECT_TRUE(Contours().Traced().empty());

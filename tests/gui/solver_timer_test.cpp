@@ -15,7 +15,7 @@ class CWatchingWindow : public CImageViewUI {
   void RequestRedraw() override {
     ++m_iTicks;
     m_bSecondTick = m_bSecondTick || Fl::has_timeout(OnSolverTimer, &m_Grid) != 0;
-    m_Grid.SetRunning(!m_bStopsGrid);
+    m_Grid.Run().SetRunning(!m_bStopsGrid);
     CImageViewUI::RequestRedraw();
   }
 
@@ -118,7 +118,7 @@ TEST_F(SolverTimerTest, ResumeBeforeTheFirstTickRegistersNoSecondOne) {
 TEST_F(SolverTimerTest, StoppedGridEndsTheTickUntouched) {
   RegisterSolverTimer(Grid());
   GiveWork();
-  Grid().SetRunning(false);
+  Grid().Run().SetRunning(false);
   EXPECT_TRUE(RunUntilTimerEnds());
   EXPECT_FALSE(IsRegistered());
   EXPECT_EQ(m_Window.m_iTicks, 0);
@@ -136,9 +136,9 @@ TEST_F(SolverTimerTest, GridStoppedDuringATickEndsIt) {
 
 TEST_F(SolverTimerTest, TickCanBeRegisteredAgainAfterItsEnd) {
   RegisterSolverTimer(Grid());
-  Grid().SetRunning(false);
+  Grid().Run().SetRunning(false);
   ASSERT_TRUE(RunUntilTimerEnds());
-  Grid().SetRunning(true);
+  Grid().Run().SetRunning(true);
   RegisterSolverTimer(Grid());
   EXPECT_EQ(g_nSolverTimers, 1);
   EXPECT_TRUE(RunUntilTick());
@@ -148,8 +148,8 @@ TEST_F(SolverTimerTest, TickCanBeRegisteredAgainAfterItsEnd) {
 TEST_F(SolverTimerTest, StopAndResumeBeforeTheTickLeavesOne) {
   RegisterSolverTimer(Grid());
   ASSERT_TRUE(RunUntilTick());
-  Grid().SetRunning(false);
-  Grid().SetRunning(true);
+  Grid().Run().SetRunning(false);
+  Grid().Run().SetRunning(true);
   RegisterSolverTimer(Grid());
   EXPECT_EQ(g_nSolverTimers, 1);
   EXPECT_TRUE(RunUntilTick());
@@ -161,20 +161,20 @@ TEST_F(SolverTimerTest, ConvergedSolverResumesAfterAChange) {
   window.AttachGrid(Grid());
   RegisterSolverTimer(Grid());
   ASSERT_TRUE(RunUntilTimerEnds());
-  ASSERT_FALSE(Grid().IsRunning());
-  Grid().Post(Operation::kRebuild);
-  EXPECT_TRUE(Grid().IsRunning());
+  ASSERT_FALSE(Grid().Run().IsRunning());
+  Grid().Run().Post(Operation::kRebuild);
+  EXPECT_TRUE(Grid().Run().IsRunning());
   EXPECT_EQ(g_nSolverTimers, 1);
   EXPECT_TRUE(RunUntilTimerEnds());
 }
 
 TEST_F(SolverTimerTest, StoppedSolverStaysStoppedAfterAChange) {
   RegisterSolverTimer(Grid());
-  Grid().SetRunning(false);
+  Grid().Run().SetRunning(false);
   ASSERT_TRUE(RunUntilTimerEnds());
-  Grid().Post(Operation::kRebuild);
+  Grid().Run().Post(Operation::kRebuild);
   m_Window.Solver().ResumeAfterChange();
-  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_FALSE(Grid().Run().IsRunning());
   EXPECT_EQ(g_nSolverTimers, 0);
 }
 

@@ -21,7 +21,7 @@ class StoppedSolverTest : public WindowTest {
   std::string Shown() { return HelpLine().value(); }
   // Lets an edit take effect.
   void Settle() {
-    ASSERT_TRUE(RunToolkitUntil([this] { return Grid().NextOperation() == Operation::kNone; }));
+    ASSERT_TRUE(RunToolkitUntil([this] { return Grid().Run().NextOperation() == Operation::kNone; }));
   }
   void Edit() {
     Grid().AddPtCstr(HeightCstr(4, 22, 1));
@@ -103,7 +103,7 @@ TEST_F(StoppedSolverTest, ADragComesToItsEndFirst) {
   SendMouse(FL_MOVE, Control::ImageView);
   SendMouse(FL_PUSH, Control::ImageView);
   Fl::check();
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone) << "the edit has taken effect";
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone) << "the edit has taken effect";
   EXPECT_EQ(Shown().rfind("height ", 0), 0U);
   EXPECT_EQ(Told(), 0);
   SendMouse(FL_RELEASE, Control::ImageView);

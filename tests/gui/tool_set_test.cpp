@@ -53,7 +53,7 @@ class ToolSetTest : public WindowTest {
   // The command may wait for the solver's tick.
   void Choose(MenuEntry entry) {
     Menu().Choose(entry);
-    ASSERT_TRUE(RunToolkitUntil([this] { return Grid().NextOperation() == Operation::kNone; }));
+    ASSERT_TRUE(RunToolkitUntil([this] { return Grid().Run().NextOperation() == Operation::kNone; }));
   }
   void SaveAndLoad(const char* name, bool withLights, const CLightSet& meanwhile) {
     m_Dialogs.m_File = (m_Directory.Path() / name).string();
@@ -132,7 +132,7 @@ TEST_F(ToolSetTest, ConvergesToTheSurfaceOfTheProgramWithoutAWindow) {
   WriteText(Path("model.grid"), GridText(CFullModel().m_Grid));
   m_Dialogs.m_File = Path("model.grid");
   Choose(MenuEntry::LoadGrid);
-  ASSERT_TRUE(RunToolkitUntil([this] { return !Grid().IsRunning(); }));
+  ASSERT_TRUE(RunToolkitUntil([this] { return !Grid().Run().IsRunning(); }));
   m_Dialogs.m_File = Path("window.grid");
   Choose(kSaveGrid);
   ASSERT_TRUE(RunBatch("--until-converged"));
@@ -212,10 +212,10 @@ TEST_F(ToolSetTest, UpdatesFirstTakeTheNormalsOfTheTree) {
   LoadPicture();
   OpenLights();
   for (const char* label : {"Update\ntexels\nnormals", "Update\ntexels\nInterpolation"}) {
-    SetHeights(Grid().Lattice(), CFlat{});
+    SetHeights(Grid().Surface().Lattice(), CFlat{});
     Push(label);
     for (const Vector3& normal : Grid().Relighting().Texels().Normals()) EXPECT_NEAR(normal.z, 1, 1e-12) << label;
-    SetHeights(Grid().Lattice(), CRamp{});
+    SetHeights(Grid().Surface().Lattice(), CRamp{});
     Push(label);
     for (const Vector3& normal : Grid().Relighting().Texels().Normals()) EXPECT_LT(normal.z, 0.99) << label;
   }

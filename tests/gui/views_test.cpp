@@ -170,7 +170,7 @@ TEST_F(ViewsTest, GridHasBothViewsDrawnAgain) {
   Show();
   for (Fl_Gl_Window* view : Views()) DrawAndEnter(*view);
   GiveWork();
-  Grid().SetRunning(false);
+  Grid().Run().SetRunning(false);
   Grid().UpdateGrid();
   for (Fl_Gl_Window* view : Views()) EXPECT_NE(view->damage(), 0);
 }
@@ -178,7 +178,7 @@ TEST_F(ViewsTest, GridHasBothViewsDrawnAgain) {
 TEST_F(ViewsTest, RunningSolverHasTheViewsDrawnButNotForEveryTick) {
   constexpr int kTicks = 1000;
   Show();
-  Grid().SetRunning(true);
+  Grid().Run().SetRunning(true);
   for (Fl_Gl_Window* view : Views()) {
     int drawings = 0;
     for (int tick = 0; tick < kTicks; ++tick) {

@@ -4,7 +4,7 @@
 #include "support/gui/WindowCommandsTest.h"
 
 TEST_F(WindowCommandsTest, AttachingShowsTheResolution) {
-  EXPECT_EQ(ReadOut(Control::CellCount), Grid().Tree().LeafCount());
+  EXPECT_EQ(ReadOut(Control::CellCount), Grid().Surface().Tree().LeafCount());
   EXPECT_EQ(ReadOut(Control::PointCount), Grid().Surface().ActivePointCount());
 }
 
@@ -110,10 +110,10 @@ TEST_F(WindowCommandsTest, TracedInterpolationIsShown) {
   const double x = kOblong.x0 + 0.3 * (kOblong.x1 - kOblong.x0);
   const double y = kOblong.y0 + 0.4 * (kOblong.y1 - kOblong.y0);
   ASSERT_TRUE(Grid().Marks().TraceInterpolation(x, y));
-  const auto triangle =
-      Grid().Surface().Interpolation().ShortStencil(Grid().Lattice().ColumnOf(x), Grid().Lattice().RowOf(y));
-  EXPECT_EQ(ReadOut(Control::FirstNumber), Grid().Order().NumberOf(triangle->m_uA));
-  EXPECT_EQ(ReadOut(Control::SecondNumber), Grid().Order().NumberOf(triangle->m_uB));
+  const auto triangle = Grid().Surface().Interpolation().ShortStencil(Grid().Surface().Lattice().ColumnOf(x),
+                                                                      Grid().Surface().Lattice().RowOf(y));
+  EXPECT_EQ(ReadOut(Control::FirstNumber), Grid().Surface().Order().NumberOf(triangle->m_uA));
+  EXPECT_EQ(ReadOut(Control::SecondNumber), Grid().Surface().Order().NumberOf(triangle->m_uB));
   EXPECT_DOUBLE_EQ(ReadOut(Control::CentreCoef), triangle->m_fCCenter);
   EXPECT_DOUBLE_EQ(ReadOut(Control::FirstCoef), triangle->m_fCa);
   EXPECT_DOUBLE_EQ(ReadOut(Control::SecondCoef), triangle->m_fCb);
@@ -198,11 +198,11 @@ TEST_F(WindowCommandsTest, WaveletTestLogs) {
 TEST_F(WindowCommandsTest, StopAndResumeRunTheSolver) {
   StartSolver();
   ClickOn(Control::StopSolver);
-  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_FALSE(Grid().Run().IsRunning());
   EXPECT_TRUE(IsOn(Control::StopSolver));
   EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::User);
   ClickOn(Control::ResumeSolver);
-  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_TRUE(Grid().Run().IsRunning());
   EXPECT_TRUE(IsOn(Control::ResumeSolver));
   EXPECT_EQ(g_nSolverTimers, 1);
 }
@@ -219,14 +219,14 @@ TEST_F(WindowCommandsTest, ConvergenceTurnsTheLamp) {
 TEST_F(WindowCommandsTest, ResetOfTheSolverPostsARebuild) {
   StartSolver();
   ClickOn(Control::ResetSolver);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
 }
 
 TEST_F(WindowCommandsTest, WorkPostedWithNoTickIsDoneAtOnce) {
-  Grid().SetRunning(false);
+  Grid().Run().SetRunning(false);
   ClickOn(Control::ResetSolver);
   Grid().AddPtCstr({});
-  EXPECT_TRUE(RunToolkitUntil([&] { return Grid().NextOperation() == Operation::kNone; }));
+  EXPECT_TRUE(RunToolkitUntil([&] { return Grid().Run().NextOperation() == Operation::kNone; }));
   EXPECT_EQ(Grid().Solver().Counter(), 0) << "rebuilt, not iterated";
 }
 
@@ -234,7 +234,7 @@ TEST_F(WindowCommandsTest, WorkPostedBetweenAStopAndTheLastTickIsDone) {
   StartSolver();
   ClickOn(Control::StopSolver);
   Menu().Choose(MenuEntry::LoadGrid);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kLoadGrid);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kLoadGrid);
   EXPECT_TRUE(RunToolkitUntil([&] { return !m_Dialogs.m_aChoosers.empty(); }));
 }
 
@@ -244,7 +244,7 @@ TEST_F(WindowCommandsTest, WhileTheSolverRunsLoadingWaitsForItsNextTick) {
   GiveWork();
   Menu().Choose(MenuEntry::LoadGrid);
   EXPECT_TRUE(m_asDone.empty());
-  EXPECT_EQ(Grid().NextOperation(), Operation::kLoadGrid);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kLoadGrid);
   EXPECT_TRUE(RunToolkitUntil([&] { return m_asDone == Texts{"load"}; }));
 }
 
@@ -276,17 +276,17 @@ TEST_F(WindowCommandsTest, SwitchUpIsPostedAndRelabelledAtOnce) {
     m_Dialogs.m_bYes = yes;
     Console();
     ClickOn(Control::SwitchResolution);
-    EXPECT_EQ(CodeOf(Grid().NextOperation()), code);
+    EXPECT_EQ(CodeOf(Grid().Run().NextOperation()), code);
     EXPECT_STREQ(Widget(Control::SwitchResolution).label(), "Switch to LR");
     EXPECT_EQ(Console(), "CImageViewUI::cb_m_pbtnSwitchHR_LR\n");
-    EXPECT_TRUE(Grid().IsRunning());
+    EXPECT_TRUE(Grid().Run().IsRunning());
   }
 }
 
 TEST_F(WindowCommandsTest, SwitchDownIsPostedAndRelabelledAtOnce) {
   g_bHighRes = 1;
   ClickOn(Control::SwitchResolution);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRestoreNormal);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRestoreNormal);
   EXPECT_STREQ(Widget(Control::SwitchResolution).label(), "Switch to HR");
   EXPECT_TRUE(m_Dialogs.m_asQuestions.empty());
 }
@@ -307,13 +307,13 @@ TEST_F(WindowCommandsTest, FreezeHoldsTheSolverAndTheRecorder) {
   StartSolver();
   ClickOn(Control::Freeze);
   EXPECT_EQ(DebugFlags(), 128U);
-  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_FALSE(Grid().Run().IsRunning());
   EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::Freeze);
   ExpectRunControl(false);
   EXPECT_FALSE(IsActive(Control::Recorder));
   EXPECT_FALSE(Menu().IsActive(MenuEntry::FreezeMap));
   ClickOn(Control::ResumeSolver);
-  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_FALSE(Grid().Run().IsRunning());
 }
 
 TEST_F(WindowCommandsTest, SolverStaysStoppedAfterTheFreeze) {
@@ -323,7 +323,7 @@ TEST_F(WindowCommandsTest, SolverStaysStoppedAfterTheFreeze) {
   ClickOn(Control::Freeze);
   ClickOn(Control::Freeze);
   EXPECT_EQ(DebugFlags(), 0U);
-  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_FALSE(Grid().Run().IsRunning());
   EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::User);
   ExpectRunControl(true);
   EXPECT_TRUE(IsActive(Control::Recorder));

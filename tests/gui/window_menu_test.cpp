@@ -177,7 +177,7 @@ TEST_F(WindowMenuTest, ShortcutsReachTheCommands) {
   for (const int shortcut : {kAlt | 'n', kAlt | 'o', kAlt | 's', kAlt | 'e'}) TypeShortcut(shortcut);
   EXPECT_EQ(m_asDone, (std::vector<std::string>{"ask", "load", "save", "height field"}));
   TypeShortcut(kAlt | kShift | 'o');
-  EXPECT_EQ(Grid().NextOperation(), Operation::kLoadImage) << "waits for the solver, which the first one resumed";
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kLoadImage) << "waits for the solver, which the first one resumed";
 }
 
 TEST_F(WindowMenuTest, ShortcutOfAnInactiveEntryDoesNothing) {

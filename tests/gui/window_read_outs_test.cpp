@@ -99,7 +99,7 @@ TEST_F(WindowReadOutsTest, PressReleasedOutsideStopsNothing) {
 }
 
 TEST_F(WindowReadOutsTest, NoSideIsShownForTheCentreOfALeaf) {
-  const CCellRect leaf = Grid().Tree().Leaves().front().m_pCell->ModelRect();
+  const CCellRect leaf = Grid().Surface().Tree().Leaves().front().m_pCell->ModelRect();
   ASSERT_TRUE(Grid().Marks().TraceInterpolation(leaf.x + leaf.width / 2, leaf.y + leaf.height / 2));
   for (const Control number : {Control::FirstNumber, Control::SecondNumber}) EXPECT_EQ(ReadOut(number), -1);
   for (const Control coef : {Control::FirstCoef, Control::SecondCoef}) EXPECT_EQ(ReadOut(coef), 0);

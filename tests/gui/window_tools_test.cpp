@@ -96,15 +96,15 @@ TEST_F(WindowCommandsTest, ScissorsStopTheSolver) {
   ShowWindow();
   TestTool& scissors = AddTool(Tool::Scissors);
   LoadPicture();
-  Grid().SetRunning(true);
+  Grid().Run().SetRunning(true);
   ClickOn(Control::Scissors);
   EXPECT_TRUE(scissors.m_bOpen);
   EXPECT_TRUE(IsOn(Control::Scissors));
-  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_FALSE(Grid().Run().IsRunning());
   EXPECT_EQ(m_Window.Solver().Reason(), PauseReason::User);
   ClickOn(Control::Scissors);
   EXPECT_FALSE(IsOn(Control::Scissors));
-  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_FALSE(Grid().Run().IsRunning());
 }
 
 TEST_F(WindowCommandsTest, LightSourcesGoOnAndOffWithTheirButton) {
@@ -127,7 +127,7 @@ TEST_F(WindowCommandsTest, ShotsAskForAFileAndKeepTheSolver) {
     Menu().Choose(entry);
     EXPECT_EQ(m_Dialogs.m_aChoosers.back(),
               (std::pair<std::string, std::string>("give a name for current frame buffer:", "*.bmp")));
-    EXPECT_TRUE(Grid().IsRunning());
+    EXPECT_TRUE(Grid().Run().IsRunning());
   }
 }
 

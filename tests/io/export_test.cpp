@@ -74,9 +74,9 @@ TEST(Vrml, ASingleLeafIsOneCentreBeforeTheCorners) {
 TEST(Vrml, HasTheCentresOfTheLeavesThenTheUnknowns) {
   const CRefinedRamp test;
   const CPoints points = PointsOf(VrmlText(test.m_Grid));
-  const auto leaves = static_cast<std::size_t>(test.m_Grid.Tree().LeafCount());
-  const CPointOrder& order = test.m_Grid.Order();
-  const CLattice& lattice = test.m_Grid.Lattice();
+  const auto leaves = static_cast<std::size_t>(test.m_Grid.Surface().Tree().LeafCount());
+  const CPointOrder& order = test.m_Grid.Surface().Order();
+  const CLattice& lattice = test.m_Grid.Surface().Lattice();
   ASSERT_EQ(points.size(), leaves + order.Count());
   for (std::size_t k = 0; k < order.Count(); ++k) {
     EXPECT_NEAR(points[leaves + k][0], lattice.XOf(order.ColumnOf(k)), 1e-4);
@@ -88,7 +88,7 @@ TEST(Vrml, HasTheCentresOfTheLeavesThenTheUnknowns) {
 TEST(Vrml, EveryLeafIsAClosedFanAroundItsCentre) {
   const CRefinedRamp test;
   const CFaces faces = FacesOf(VrmlText(test.m_Grid));
-  const int leaves = test.m_Grid.Tree().LeafCount();
+  const int leaves = test.m_Grid.Surface().Tree().LeafCount();
   std::size_t at = 0;
   for (int leaf = 0; leaf < leaves; ++leaf) {
     const int first = faces.at(at)[1];

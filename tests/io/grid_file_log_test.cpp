@@ -154,7 +154,7 @@ TEST(BadGridFiles, KeepTheConstraintsReadSoFar) {
   EXPECT_EQ(ReadText(test.m_Grid, text), GridFileState::Invalid);
   ASSERT_EQ(test.m_Grid.Constraints().Points().size(), 2U);
   EXPECT_EQ(RecordAt(test.m_Grid.Constraints().Points(), 1).m_fQ, 10);
-  EXPECT_EQ(test.m_Grid.Lattice().Extent().y1, 50);
+  EXPECT_EQ(test.m_Grid.Surface().Lattice().Extent().y1, 50);
 }
 
 TEST(BadGridFiles, DoNotTouchTheLevelsUnlessTheyAreSound) {
@@ -241,7 +241,7 @@ TEST(BadGridFiles, GiveUpTheModelOnceTheyHaveARectangle) {
   CFullModel model;
   EXPECT_EQ(ReadText(model.m_Grid, "0 0 100 50 x"), GridFileState::Invalid);
   EXPECT_TRUE(model.m_Grid.Constraints().Points().empty());
-  EXPECT_EQ(model.m_Grid.Lattice().Extent().y1, 50);
+  EXPECT_EQ(model.m_Grid.Surface().Lattice().Extent().y1, 50);
   EXPECT_EQ(model.m_Console.Take().find("CGrid::Load\t\tFreeAll()...\nCGrid::Load\t\t...FreeAll() complete\n"
                                         "CGrid::Load\t\tLoading the grid dimentions...\n"),
             0U);
@@ -265,7 +265,7 @@ TEST(ShortGridFile, ThatIsWholeIsReadHoweverLargeItsLattice) {
   for (const auto& [part, by] : {std::pair{"(4, 0)", "(512, 0)"}, {"(4, 4)", "(512, 512)"}, {"(0, 4)", "(0, 512)"}})
     text = Replaced(text, part, by);
   EXPECT_EQ(ReadText(test.m_Grid, text), GridFileState::Whole);
-  EXPECT_EQ(test.m_Grid.Lattice().Level(), 9);
+  EXPECT_EQ(test.m_Grid.Surface().Lattice().Level(), 9);
 }
 
 class LoadFile : public testing::Test {

@@ -37,7 +37,7 @@ TEST(GridFile, IsWrittenToTheLetter) {
 TEST(GridFile, GivesTheModelBack) {
   CTestGrid test(3, 1);
   ASSERT_EQ(ReadText(test.m_Grid, BytesOf(kGoldenFiles / "small.grid")), GridFileState::Whole);
-  EXPECT_EQ(test.m_Grid.Lattice().Level(), 1);
+  EXPECT_EQ(test.m_Grid.Surface().Lattice().Level(), 1);
   EXPECT_EQ(NodalHeights(test.m_Grid), (std::vector<double>{1, -2.5, 0.333333, 1e6, 1e-5, -0.125, 123456.789, 6, 7}));
   EXPECT_EQ(test.m_Grid.Surface().MaxHeight(), 1e6);
   EXPECT_EQ(test.m_Grid.Surface().MinHeight(), -2.5);
@@ -77,7 +77,7 @@ TEST_P(GridFileRectangle, ComesBackWithAllThatLiesInIt) {
   Furnish(model.m_Grid, e);
   CTestGrid other;
   ASSERT_EQ(ReadText(other.m_Grid, GridText(model.m_Grid)), GridFileState::Whole);
-  const CExtent& read = other.m_Grid.Lattice().Extent();
+  const CExtent& read = other.m_Grid.Surface().Lattice().Extent();
   EXPECT_NEAR(read.x0, e.x0, tolerance);
   EXPECT_NEAR(read.x1 - read.x0, e.x1 - e.x0, 3e-5 * (e.x1 - e.x0));
   EXPECT_NEAR(read.y1 - read.y0, e.y1 - e.y0, 3e-5 * (e.y1 - e.y0));
@@ -116,16 +116,16 @@ TEST(GridFile, LeavesTheSolverToRestartFromTheLoadedHeights) {
   CFullModel model;
   const std::string text = GridText(model.m_Grid);
   model.m_Grid.Builder().SetWaveletMode(WaveletMode::None);
-  model.m_Grid.Post(Operation::kRebuild);
+  model.m_Grid.Run().Post(Operation::kRebuild);
   g_bHighRes = 1;
   ASSERT_EQ(ReadText(model.m_Grid, text), GridFileState::Whole);
   EXPECT_EQ(model.m_Grid.Solver().Counter(), 0);
-  EXPECT_EQ(model.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(model.m_Grid.Run().NextOperation(), Operation::kNone);
   EXPECT_EQ(model.m_Grid.Surface().Mode(), WaveletMode::New);
   EXPECT_EQ(g_bHighRes, 0);
-  std::vector<double> heights(model.m_Grid.Order().Count());
+  std::vector<double> heights(model.m_Grid.Surface().Order().Count());
   model.m_Grid.Surface().Basis().invW(model.m_Grid.Surface().Coefficients(), heights);
-  EXPECT_LT(LargestDifference(heights, ByScan(model.m_Grid.Order(), NodalHeights(model.m_Grid))), 1e-12);
+  EXPECT_LT(LargestDifference(heights, ByScan(model.m_Grid.Surface().Order(), NodalHeights(model.m_Grid))), 1e-12);
 }
 
 TEST(GridFile, IsSolvedOnAlsoWhereTheModelBeforeHadConverged) {
@@ -137,9 +137,9 @@ TEST(GridFile, IsSolvedOnAlsoWhereTheModelBeforeHadConverged) {
   ASSERT_TRUE(unsolved.m_Grid.Save(file));
   CTestGrid test(4, 2);
   test.m_Grid.UpdateGrid();
-  ASSERT_FALSE(test.m_Grid.IsRunning());
+  ASSERT_FALSE(test.m_Grid.Run().IsRunning());
   test.m_Grid.Load(file);
-  test.m_Grid.SetRunning(true);
+  test.m_Grid.Run().SetRunning(true);
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));
   EXPECT_NEAR(SurfaceHeight(test.m_Grid, 3, 25), 3, 1e-6);
 }
@@ -178,10 +178,10 @@ TEST(GridFile, GeneratedConstraintsAreMadeAnew) {
 TEST(GridFile, ForgetsTheOtherResolution) {
   CFullModel model;
   const std::string text = GridText(model.m_Grid);
-  model.m_Grid.Post(Operation::kTransferToHigh);
+  model.m_Grid.Run().Post(Operation::kTransferToHigh);
   model.m_Grid.PerformPendingWork();
   ReadText(model.m_Grid, text);
-  model.m_Grid.Post(Operation::kRestoreHigh);
+  model.m_Grid.Run().Post(Operation::kRestoreHigh);
   model.m_Grid.PerformPendingWork();
   EXPECT_EQ(model.m_Grid.Surface().MaxHeight(), 0.0);
   EXPECT_EQ(model.m_Grid.Surface().MinHeight(), 0.0);
@@ -189,7 +189,7 @@ TEST(GridFile, ForgetsTheOtherResolution) {
 
 TEST(GridFile, AHighResolutionModelComesBackAsTheNormalOne) {
   CFullModel model;
-  model.m_Grid.Post(Operation::kTransferToHigh);
+  model.m_Grid.Run().Post(Operation::kTransferToHigh);
   model.m_Grid.PerformPendingWork();
   const std::string text = GridText(model.m_Grid);
   CTestGrid other;
@@ -276,14 +276,14 @@ TEST(GridFileLights, ComeBack) {
 TEST(GridFileOrder, HeightsGoByTheirPlacesWhereTheNumberingHasChanged) {
   CFullModel model;
   const std::vector<double> before = SurfaceOnLattice(model.m_Grid);
-  const CPointOrder order = model.m_Grid.Order();
+  const CPointOrder order = model.m_Grid.Surface().Order();
   std::string text = Replaced(GridText(model.m_Grid), "9\t23.5\t", "9\t24.5\t");
   ASSERT_EQ(ReadText(model.m_Grid, text), GridFileState::Whole);
-  ASSERT_NE(model.m_Grid.Order().Count(), order.Count());
+  ASSERT_NE(model.m_Grid.Surface().Order().Count(), order.Count());
   EXPECT_NE(model.m_Console.Text().find("The point order has changed: the heights go by it\n"), std::string::npos);
-  const std::vector<double>& heights = model.m_Grid.Lattice().Heights();
-  for (std::size_t k = 0; k < model.m_Grid.Order().Count(); ++k) {
-    const std::uint32_t point = model.m_Grid.Order().PointOf(k);
+  const std::vector<double>& heights = model.m_Grid.Surface().Lattice().Heights();
+  for (std::size_t k = 0; k < model.m_Grid.Surface().Order().Count(); ++k) {
+    const std::uint32_t point = model.m_Grid.Surface().Order().PointOf(k);
     if (order.NumberOf(point) < 0) continue;
     EXPECT_NEAR(heights[point], before[point], 1e-5) << point;
   }
@@ -298,8 +298,8 @@ TEST(GridFileOrder, APointWithoutAHeightLiesWhereItsParentsPutIt) {
   const std::vector<double> heights = NodalHeights(model.m_Grid);
   ASSERT_EQ(heights.size(), 14U);
   for (std::size_t k = 0; k < heights.size(); ++k) {
-    const CLattice& lattice = model.m_Grid.Lattice();
-    const CPointOrder& order = model.m_Grid.Order();
+    const CLattice& lattice = model.m_Grid.Surface().Lattice();
+    const CPointOrder& order = model.m_Grid.Surface().Order();
     EXPECT_NEAR(heights[k], CRamp{}(lattice.XOf(order.ColumnOf(k)), lattice.YOf(order.RowOf(k))), 1e-4) << k;
   }
 }

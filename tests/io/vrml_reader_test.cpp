@@ -53,7 +53,7 @@ class VrmlReader : public testing::Test {
   std::span<const int32_t> Indices() const {
     return {m_pFaces->coordIndex.getValues(0), static_cast<std::size_t>(m_pFaces->coordIndex.getNum())};
   }
-  std::size_t Leaves() const { return static_cast<std::size_t>(m_Model.m_Grid.Tree().LeafCount()); }
+  std::size_t Leaves() const { return static_cast<std::size_t>(m_Model.m_Grid.Surface().Tree().LeafCount()); }
 
   CFullModel m_Model;
   std::string m_Text;
@@ -63,7 +63,7 @@ class VrmlReader : public testing::Test {
 };
 
 TEST_F(VrmlReader, FindsAPointPerLeafAndUnknown) {
-  EXPECT_EQ(Points().size(), Leaves() + m_Model.m_Grid.Order().Count());
+  EXPECT_EQ(Points().size(), Leaves() + m_Model.m_Grid.Surface().Order().Count());
   EXPECT_EQ(TexturePoints().size(), Points().size());
 }
 

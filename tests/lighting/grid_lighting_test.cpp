@@ -166,7 +166,9 @@ TEST(GridPicture, IsTexturedAtTheNextPowersOfTwo) {
 }
 
 // Marks a cell the way a curve does, without a rebuild of the maps.
-void MarkCell(CGrid& grid, int level, int i, int j) { MakeLeaf(grid.Tree(), level, i, j, CellFlag::kTriangles); }
+void MarkCell(CGrid& grid, int level, int i, int j) {
+  MakeLeaf(grid.Surface().Tree(), level, i, j, CellFlag::kTriangles);
+}
 
 TEST(GridTexels, TheMaskFollowsARebuildOfTheMaps) {
   CPictureGrid test(16, 16);
@@ -193,7 +195,7 @@ TEST(GridTexels, TheMaskFollowsANewGrid) {
 
 void ExpectNormalsOfTheSurface(const CGrid& grid) {
   const CTexelMap& texels = grid.Relighting().Texels();
-  const int cells = grid.Lattice().PointsPerSide() - 1;
+  const int cells = grid.Surface().Lattice().PointsPerSide() - 1;
   ASSERT_FALSE(texels.Normals().empty());
   for (std::size_t i = 0; i < texels.Normals().size(); ++i) {
     const double gx = (texels.Records()[i].Column() + 0.5) / texels.Width() * cells;
@@ -217,7 +219,7 @@ TEST(GridTexels, AfterARebuildOfTheMapsKdIsOfTheNewTree) {
   CPictureGrid test(16, 16);
   SwitchOn(CStaging::RemovedLights(test.m_Grid), 4, {1, 1, 1});
   CStaging::Subdivision(test.m_Grid).Root().Child(0).Child(0).subdiv();
-  test.m_Grid.Post(Operation::kRebuildMaps);
+  test.m_Grid.Run().Post(Operation::kRebuildMaps);
   test.m_Grid.PerformPendingWork();
   EXPECT_EQ(LinesOf(test, [](CGrid& g) { g.GetKd(); }).find("ComputeCoefsTexels"), std::string::npos);
   ExpectNormalsOfTheSurface(test.m_Grid);

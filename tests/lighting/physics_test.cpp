@@ -43,8 +43,8 @@ CPicture ThroughFile(const CPicture& picture) {
 // A bump over the whole model, photographed under the known lights.
 struct CPhotographedBump : CTestGrid {
   CPhotographedBump() : CTestGrid(6, 6) {
-    SetHeights(m_Grid.Lattice(), CBump{4.0, 23.0, 1.75});
-    ComputeNormals(m_Grid.Tree());
+    SetHeights(m_Grid.Surface().Lattice(), CBump{4.0, 23.0, 1.75});
+    ComputeNormals(m_Grid.Surface().Tree());
     m_Grid.Relighting().SetPicture(PlainPicture(kSide, kSide));
     m_Grid.ComputeCoefsTexels();
     m_Grid.Relighting().SetPicture(ThroughFile(Photograph()));

@@ -15,7 +15,7 @@ TEST(GridCurvesTest, NewCurveIsAnnouncedAndPosted) {
   CCurveGrid test;
   test.Add(kPath, kCrease, true);
   EXPECT_EQ(test.m_Console.Take(), "CCntrCtrl creation\ncontour with 3 nodes added \n");
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNewCurve);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNewCurve);
   EXPECT_EQ(PlacesOf(test.Curve()), kPath);
   EXPECT_TRUE(test.Curve().IsClosed());
   EXPECT_EQ(test.Curve().Type(), kCrease);
@@ -26,7 +26,7 @@ TEST(GridCurvesTest, CurveWithoutPointsIsNone) {
   test.Add({});
   test.m_Grid.AddTracedCurve({}, kTear, false);
   EXPECT_TRUE(test.m_Grid.Constraints().Curves().empty());
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
   EXPECT_EQ(test.m_Console.Take(), "");
 }
 
@@ -64,7 +64,7 @@ TEST(GridCurvesTest, TracedCurveKeepsTheNodesThatMatter) {
   test.m_Grid.AddTracedCurve(PointsAt({{0, 21}, {4, 21}, {8, 21}, {8, 21.3}, {8, 23}, {8, 25}}), kTear, false);
   EXPECT_EQ(PlacesOf(test.Curve()), (CPlaces{{0, 21}, {8, 21}, {8, 25}}));
   EXPECT_FALSE(test.Node(1).Offsets(CurveSide::Right).m_B.IsZero()) << "the normals are those of what is kept";
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNewCurve);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNewCurve);
 }
 
 TEST(GridCurvesTest, TracedCurveHasTheOffsetsOfTheNodesThatAreKept) {
@@ -143,7 +143,7 @@ TEST(PendingGridCurveTest, SinglePointMakesNoCurve) {
   EXPECT_EQ(test.m_Grid.CurveEdits().ValidatePending(0, 21, false, kTear), CCurveEdits::Validation::Dropped);
   EXPECT_TRUE(test.m_Grid.Constraints().Curves().empty());
   EXPECT_TRUE(test.m_Grid.Constraints().PendingCurve().IsIdle());
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
 }
 
 TEST(PendingGridCurveTest, EnterWithNothingInProgressDoesNothing) {
@@ -252,7 +252,7 @@ TEST(GridCurvesTest, DragMovesThePickedNodeAndPostsNothing) {
   test.m_Grid.PickCurve(4, 22, CurveType::kAll);
   test.m_Grid.MoveSelectedCurve(0.5, -0.5, CurveType::kAll);
   EXPECT_EQ(PlacesOf(test.Curve()), (CPlaces{{0, 21}, {4.5, 21.5}, {8, 24}}));
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
 }
 
 TEST(GridCurvesTest, DeletionsPostARebuildOfTheMaps) {
@@ -262,12 +262,12 @@ TEST(GridCurvesTest, DeletionsPostARebuildOfTheMaps) {
   test.m_Grid.PickCurve(4, 22, CurveType::kAll);
   test.m_Grid.DeleteSelectedCurveNode();
   EXPECT_EQ(PlacesOf(test.Curve()), (CPlaces{{0, 21}, {8, 24}}));
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kRebuildMaps);
   test.m_Grid.UpdateGrid();
   test.m_Grid.PickCurve(0, 21, CurveType::kAll);
   test.m_Grid.DeleteSelectedCurve();
   EXPECT_TRUE(test.m_Grid.Constraints().Curves().empty());
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kRebuildMaps);
 }
 
 TEST(GridCurvesTest, ClosedCurveOfTwoNodesLeftBecomesOpen) {

@@ -20,15 +20,15 @@ TEST(CurveCodesTest, NewCurveCodeUnselectsCurvesAndRebuildsTheMaps) {
   test.m_Grid.UpdateGrid();
   EXPECT_EQ(Selection(test.m_Grid.Constraints().Curves()), "0:000");
   EXPECT_NE(test.m_Console.Take().find("\nCGrid::SetDiscMap()\n"), std::string::npos);
-  EXPECT_GT(test.m_Grid.Tree().LeafCount(), 16);
+  EXPECT_GT(test.m_Grid.Surface().Tree().LeafCount(), 16);
 }
 
 TEST(CurveCodesTest, NewCurveIsInTheModelBeforeASavingPostedEarlier) {
   CCurveGrid test;
   test.m_Grid.UpdateGrid();
   int leaves = 0;
-  test.m_Host.m_OnCommand = [&](int) { leaves = test.m_Grid.Tree().LeafCount(); };
-  test.m_Grid.Post(Operation::kSaveGrid);
+  test.m_Host.m_OnCommand = [&](int) { leaves = test.m_Grid.Surface().Tree().LeafCount(); };
+  test.m_Grid.Run().Post(Operation::kSaveGrid);
   test.Add(kPath);
   test.m_Grid.PerformPendingWork();
   EXPECT_EQ(test.m_Host.m_aiCommands, std::vector{CodeOf(Operation::kSaveGrid)});
@@ -37,16 +37,16 @@ TEST(CurveCodesTest, NewCurveIsInTheModelBeforeASavingPostedEarlier) {
 
 TEST(CurveCodesTest, StoppedGridRasterisesACurveAtOnce) {
   CCurveGrid test;
-  test.m_Grid.SetRunning(false);
+  test.m_Grid.Run().SetRunning(false);
   test.Add(kPath);
   test.m_Grid.PerformPendingWork();
-  EXPECT_GT(test.m_Grid.Tree().LeafCount(), 16);
+  EXPECT_GT(test.m_Grid.Surface().Tree().LeafCount(), 16);
   EXPECT_EQ(test.m_Grid.Solver().Counter(), 0);
 }
 
 TEST(CurveCodesTest, AttributesCodeAsksTheHostForTheDialog) {
   CCurveGrid test;
-  test.m_Grid.Post(Operation::kContourAttributes);
+  test.m_Grid.Run().Post(Operation::kContourAttributes);
   test.m_Grid.UpdateGrid();
   EXPECT_EQ(test.m_Host.m_aiCommands, std::vector{CodeOf(Operation::kContourAttributes)});
 }
@@ -56,16 +56,17 @@ TEST(CurveCodesTest, SubdivideCodeSplitsTheSelectionAndShowsIt) {
   test.Add({{-2, 25}, {-1, 25.5}});
   CSaveQuadT& wanted = CStaging::Subdivision(test.m_Grid).Root().Child(1).Child(0);
   wanted.SetSelected(true);
-  test.m_Grid.Post(Operation::kSubdivide);
+  test.m_Grid.Run().Post(Operation::kSubdivide);
   test.m_Grid.UpdateGrid();
   EXPECT_TRUE(wanted.Child(2).IsSelected());
-  EXPECT_TRUE(test.m_Grid.Tree().CellAt(1, 4, 0).IsActive());
-  EXPECT_TRUE(test.m_Grid.Tree().CellAt(1, 4, 0).HasFlag(CellFlag::kSelected));
-  EXPECT_FALSE(test.m_Grid.Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
+  EXPECT_TRUE(test.m_Grid.Surface().Tree().CellAt(1, 4, 0).IsActive());
+  EXPECT_TRUE(test.m_Grid.Surface().Tree().CellAt(1, 4, 0).HasFlag(CellFlag::kSelected));
+  EXPECT_FALSE(test.m_Grid.Surface().Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
   int marked = 0;
-  test.m_Grid.Tree().ForEachLeaf([&](const CQuadT& cell) { marked += cell.HasFlag(CellFlag::kTriangles) ? 1 : 0; });
+  test.m_Grid.Surface().Tree().ForEachLeaf(
+      [&](const CQuadT& cell) { marked += cell.HasFlag(CellFlag::kTriangles) ? 1 : 0; });
   EXPECT_GT(marked, 0) << "the marks of the curve stay";
-  EXPECT_EQ(test.m_Host.m_iLeaves, test.m_Grid.Tree().LeafCount());
+  EXPECT_EQ(test.m_Host.m_iLeaves, test.m_Grid.Surface().Tree().LeafCount());
 }
 
 TEST(CurveCodesTest, MergeCodeUndoesIt) {
@@ -73,26 +74,26 @@ TEST(CurveCodesTest, MergeCodeUndoesIt) {
   CSaveQuadT& wanted = CStaging::Subdivision(test.m_Grid).Root().Child(1).Child(0);
   wanted.SetSelected(true);
   for (const Operation code : {Operation::kSubdivide, Operation::kMerge}) {
-    test.m_Grid.Post(code);
+    test.m_Grid.Run().Post(code);
     test.m_Grid.UpdateGrid();
   }
   EXPECT_TRUE(wanted.IsSelected());
   EXPECT_TRUE(wanted.IsLeaf());
-  EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 16);
-  EXPECT_TRUE(test.m_Grid.Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
-  EXPECT_FALSE(test.m_Grid.Tree().CellAt(1, 4, 0).HasFlag(CellFlag::kSelected));
+  EXPECT_EQ(test.m_Grid.Surface().Tree().LeafCount(), 16);
+  EXPECT_TRUE(test.m_Grid.Surface().Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
+  EXPECT_FALSE(test.m_Grid.Surface().Tree().CellAt(1, 4, 0).HasFlag(CellFlag::kSelected));
 }
 
 TEST(CurveCodesTest, OtherResolutionShowsItsOwnSelection) {
   CCurveGrid test;
   CStaging::Subdivision(test.m_Grid).Root().Child(1).Child(0).SetSelected(true);
-  CStaging::Subdivision(test.m_Grid).ShowSelection(test.m_Grid.Tree());
-  test.m_Grid.Post(Operation::kRestoreHigh);
+  CStaging::Subdivision(test.m_Grid).ShowSelection(test.m_Grid.Surface().Tree());
+  test.m_Grid.Run().Post(Operation::kRestoreHigh);
   test.m_Grid.UpdateGrid();
-  EXPECT_FALSE(test.m_Grid.Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
-  test.m_Grid.Post(Operation::kRestoreNormal);
+  EXPECT_FALSE(test.m_Grid.Surface().Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
+  test.m_Grid.Run().Post(Operation::kRestoreNormal);
   test.m_Grid.UpdateGrid();
-  EXPECT_TRUE(test.m_Grid.Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
+  EXPECT_TRUE(test.m_Grid.Surface().Tree().CellAt(2, 2, 0).HasFlag(CellFlag::kSelected));
 }
 
 // Rebuild.
@@ -152,7 +153,7 @@ TEST(CurveRebuildTest, GeneratedConstraintsStandInFineCellsAndMakeRows) {
   test.m_Grid.SetDiscMap();
   EXPECT_EQ(test.m_Grid.Constraints().Generated().size(), 4U + 2U);
   for (const CPtCstr& c : test.m_Grid.Constraints().Generated())
-    EXPECT_EQ(test.m_Grid.Tree().PointInCell(c.m_fX, c.m_fY)->Size(), 1);
+    EXPECT_EQ(test.m_Grid.Surface().Tree().PointInCell(c.m_fX, c.m_fY)->Size(), 1);
   EXPECT_EQ(test.m_Grid.Solver().System().ConstraintCount(), 12U);
 }
 
@@ -163,7 +164,7 @@ TEST(CurveRebuildTest, SurfaceStaysUnderNewCurves) {
   test.Add(kPath);
   test.Add({{0, 25}, {9, 21}}, kCrease);
   test.m_Grid.PerformPendingWork();
-  EXPECT_LT(LargestDifference(NodalHeights(test.m_Grid), Gathered(test.m_Grid.Order(), before)), 1e-9);
+  EXPECT_LT(LargestDifference(NodalHeights(test.m_Grid), Gathered(test.m_Grid.Surface().Order(), before)), 1e-9);
   EXPECT_LT(test.m_Grid.Surface().TestWavelets(), 1e-12);
 }
 
@@ -174,9 +175,9 @@ TEST(CurveRebuildTest, DeletedCurveLeavesTheTreeAsItWas) {
   test.m_Grid.SetDiscMap();
   CStaging::Constraints(test.m_Grid).Curves().clear();
   test.m_Grid.SetDiscMap();
-  EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 16);
-  EXPECT_EQ(test.m_Grid.Lattice().Count(PointFlag::kCrease), 0U);
-  test.m_Grid.Tree().ForEachLeaf([](const CQuadT& cell) { EXPECT_EQ(cell.Flags(), 0U); });
+  EXPECT_EQ(test.m_Grid.Surface().Tree().LeafCount(), 16);
+  EXPECT_EQ(test.m_Grid.Surface().Lattice().Count(PointFlag::kCrease), 0U);
+  test.m_Grid.Surface().Tree().ForEachLeaf([](const CQuadT& cell) { EXPECT_EQ(cell.Flags(), 0U); });
 }
 
 // From (0.1, 0.05) within its cell a segment to the right does not touch the triangle at the border by itself.
@@ -188,7 +189,7 @@ TEST(CurveRebuildTest, ClosedCurveOfTwoNodesIsTornLikeTheOpenOneItBecomes) {
   for (CCurveGrid* test : {&open, &closed}) {
     test->m_Grid.SetDiscMap();
     EXPECT_FALSE(test->Curve().IsClosed());
-    EXPECT_EQ(test->m_Grid.Tree().CellAt(0, 0, 8).Flags(), CellFlag::kTriangles);
+    EXPECT_EQ(test->m_Grid.Surface().Tree().CellAt(0, 0, 8).Flags(), CellFlag::kTriangles);
   }
 }
 
@@ -197,10 +198,11 @@ TEST(CurveRebuildTest, BothResolutionsHaveTheCurves) {
   test.Add(kPath);
   test.m_Grid.UpdateGrid();
   for (const int code : {8, 16}) {
-    test.m_Grid.Post(OperationOf(code));
+    test.m_Grid.Run().Post(OperationOf(code));
     test.m_Grid.UpdateGrid();
     int marked = 0;
-    test.m_Grid.Tree().ForEachLeaf([&](const CQuadT& cell) { marked += cell.HasFlag(CellFlag::kTriangles) ? 1 : 0; });
+    test.m_Grid.Surface().Tree().ForEachLeaf(
+        [&](const CQuadT& cell) { marked += cell.HasFlag(CellFlag::kTriangles) ? 1 : 0; });
     EXPECT_GT(marked, 0) << code;
   }
 }
@@ -231,7 +233,7 @@ TEST(CurveAttributesTest, GoToTheCurveAndTheNodeUnderTheClick) {
   EXPECT_EQ(test.Curve().Type(), kCrease) << "the type is the view's";
   EXPECT_EQ(test.Node(1).m_Weights, wanted.m_Weights);
   EXPECT_EQ(test.Node(0).m_Weights, CNodeWeights{});
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kRebuildMaps);
 }
 
 TEST(CurveAttributesTest, WithoutACurrentTypeTheCurveKeepsItsOwn) {
@@ -255,7 +257,7 @@ TEST(CurveAttributesTest, NothingHappensAwayFromEveryCurve) {
   test.m_Grid.CurveEdits().SetAttributes(test.At(10, 20.5), 0, wanted, kCrease, true);
   test.m_Grid.CurveEdits().ExportConstraints(test.At(10, 20.5));
   EXPECT_FALSE(test.Curve().IsClosed());
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
   EXPECT_TRUE(test.m_Grid.Constraints().Points().empty());
 }
 
@@ -308,7 +310,7 @@ TEST(CurveAttributesTest, ExportedConstraintsKeepTheirFineCellsWithoutTheCurve) 
   test.m_Grid.SetDiscMap();
   ASSERT_FALSE(test.m_Grid.Constraints().Points().empty());
   for (const CPtCstr& c : test.m_Grid.Constraints().Points())
-    EXPECT_EQ(test.m_Grid.Tree().PointInCell(c.m_fX, c.m_fY)->Size(), 1);
+    EXPECT_EQ(test.m_Grid.Surface().Tree().PointInCell(c.m_fX, c.m_fY)->Size(), 1);
 }
 
 }  // namespace

@@ -15,11 +15,11 @@ class DisabledBitTest : public testing::Test {
  protected:
   CGrid& Grid() { return m_Test.m_Grid; }
   CPtCstrList& List() { return CStaging::Constraints(Grid()).Points(); }
-  CQuadT& Leaf(int i, int j) { return Grid().Tree().CellAt(2, i, j); }
+  CQuadT& Leaf(int i, int j) { return Grid().Surface().Tree().CellAt(2, i, j); }
   // A constraint at a place of leaf (i, j), given from its centre in units of its size.
   CPtCstr Placed(CPtCstr constraint, int i, int j, double u, double v) {
-    constraint.m_fX = Grid().Lattice().XOf(4 * (i + 0.5 + u));
-    constraint.m_fY = Grid().Lattice().YOf(4 * (j + 0.5 + v));
+    constraint.m_fX = Grid().Surface().Lattice().XOf(4 * (i + 0.5 + u));
+    constraint.m_fY = Grid().Surface().Lattice().YOf(4 * (j + 0.5 + v));
     return constraint;
   }
   bool IsDisabled(int place) { return RecordAt(List(), place).HasKind(PtCstrKind::kDisabled); }
@@ -70,11 +70,11 @@ TEST_F(DisabledBitTest, OnlyTriangleMarksCount) {
 
 TEST_F(DisabledBitTest, LeafThatHoldsThePointDecides) {
   const CPtCstr position = Placed(HeightCstr(0, 0, 1), 1, 2, 0.3125, 0.15625);
-  EXPECT_FALSE(WouldBeDisabled(position, Grid().Tree().CellAt(1, 3, 5), kLeft));
-  EXPECT_FALSE(WouldBeDisabled(position, Grid().Tree().CellAt(3, 0, 1), kRight));
+  EXPECT_FALSE(WouldBeDisabled(position, Grid().Surface().Tree().CellAt(1, 3, 5), kLeft));
+  EXPECT_FALSE(WouldBeDisabled(position, Grid().Surface().Tree().CellAt(3, 0, 1), kRight));
   Leaf(1, 2).subdiv(true);
   EXPECT_FALSE(WouldBeDisabled(position, Leaf(1, 2), kRight));
-  EXPECT_TRUE(WouldBeDisabled(position, Grid().Tree().CellAt(1, 3, 5), kBottom));
+  EXPECT_TRUE(WouldBeDisabled(position, Grid().Surface().Tree().CellAt(1, 3, 5), kBottom));
 }
 
 TEST_F(DisabledBitTest, OutsideAPositionIsEnabledAndANormalDisabled) {
@@ -118,8 +118,8 @@ TEST_F(DisabledBitTest, ProbesAreHalfTheSizeOfTheCellThatHoldsThePoint) {
   // The finer cell is (3, 3) of its level, the point at (0.25, 0.125) from its centre.
   EXPECT_FALSE(WouldBeDisabled(normal, Leaf(2, 1), kTop));
   EXPECT_TRUE(WouldBeDisabled(normal, Leaf(2, 1), kLeft));
-  EXPECT_TRUE(WouldBeDisabled(normal, Grid().Tree().CellAt(1, 3, 3), kBottom));
-  EXPECT_FALSE(WouldBeDisabled(normal, Grid().Tree().CellAt(1, 3, 2), kTop));
+  EXPECT_TRUE(WouldBeDisabled(normal, Grid().Surface().Tree().CellAt(1, 3, 3), kBottom));
+  EXPECT_FALSE(WouldBeDisabled(normal, Grid().Surface().Tree().CellAt(1, 3, 2), kTop));
 }
 
 TEST_F(DisabledBitTest, ProbesOutsideAreInNoDiscontinuity) {

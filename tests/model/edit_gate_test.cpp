@@ -50,7 +50,7 @@ TEST(EditGateTest, EveryEditChangesTheSketchPostsItsCodeAndIsShown) {
     const CSketch before = test.m_Grid.Sketch();
     c.m_Edit(test.m_Grid);
     EXPECT_NE(test.m_Grid.Sketch(), before);
-    EXPECT_EQ(test.m_Grid.NextOperation(), c.m_Posted);
+    EXPECT_EQ(test.m_Grid.Run().NextOperation(), c.m_Posted);
     EXPECT_EQ(test.m_Host.m_iRedraws, 1);
   }
 }
@@ -62,7 +62,7 @@ TEST(EditGateTest, ALightIsSetOnceAndShown) {
   for (int k = 0; k < 2; ++k) test.m_Grid.SetLight(2, kAddedLights, light);
   EXPECT_EQ(*test.m_Grid.GetLightSource(2, kAddedLights), light);
   EXPECT_EQ(test.m_Host.m_iRedraws, 1);
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
   test.m_Grid.SetLight(5, kAddedLights, CLight{});
   EXPECT_EQ(test.m_Host.m_iRedraws, 1);
 }
@@ -74,10 +74,10 @@ TEST(EditGateTest, ACurveHeldTakesEffectWhenItIsLetGo) {
       test.m_Grid.PickCurve(4, 22, CurveType::kAll);
       test.m_Grid.Gate().BeginGesture(Hold::Curve);
       if (moved) test.m_Grid.MoveSelectedCurve(1, 0, CurveType::kAll);
-      EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+      EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
       test.m_Grid.Gate().EndGesture(end);
       const bool posts = moved || end == GestureEnd::Released;
-      EXPECT_EQ(test.m_Grid.NextOperation(), posts ? Operation::kRebuildMaps : Operation::kNone);
+      EXPECT_EQ(test.m_Grid.Run().NextOperation(), posts ? Operation::kRebuildMaps : Operation::kNone);
     }
   }
 }
@@ -92,22 +92,22 @@ TEST(EditGateTest, AGestureEndsOnceAndHandsNothingToTheNext) {
   test.m_Grid.Gate().EndGesture(GestureEnd::Released);
   test.m_Grid.Gate().BeginGesture(Hold::Curve);
   test.m_Grid.Gate().EndGesture(GestureEnd::Interrupted);
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
 }
 
 TEST(EditGateTest, WhatIsNoCurvePostsNothingWhenItIsLetGo) {
   CGateGrid test;
   test.m_Grid.Gate().BeginGesture(Hold::Other);
   test.m_Grid.Gate().EndGesture(GestureEnd::Released);
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
 }
 
 TEST(EditGateTest, ReleasedForItsAttributesACurvePostsNothingOverThem) {
   CGateGrid test;
   test.m_Grid.Gate().BeginGesture(Hold::Curve);
-  test.m_Grid.Post(Operation::kContourAttributes);
+  test.m_Grid.Run().Post(Operation::kContourAttributes);
   test.m_Grid.Gate().EndGesture(GestureEnd::Released);
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kContourAttributes);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kContourAttributes);
 }
 
 }  // namespace

@@ -10,10 +10,10 @@ namespace {
 class FreezeMapTest : public ::testing::Test {
  protected:
   CGrid& Grid() { return m_Grid.m_Grid; }
-  std::size_t FrozenCount() { return Grid().Lattice().Count(PointFlag::kFrozen); }
+  std::size_t FrozenCount() { return Grid().Surface().Lattice().Count(PointFlag::kFrozen); }
   // Whether exactly the points in use within `radius` of the place are frozen.
   void ExpectDisc(double x, double y, double radius) {
-    const CLattice& lattice = Grid().Lattice();
+    const CLattice& lattice = Grid().Surface().Lattice();
     for (int row = 0; row < lattice.PointsPerSide(); ++row) {
       for (int column = 0; column < lattice.PointsPerSide(); ++column) {
         const std::size_t point = lattice.Index(column, row);
@@ -44,9 +44,9 @@ TEST_F(FreezeMapTest, BrushGrowsWithTheZoom) {
 
 TEST_F(FreezeMapTest, PointAtTheRimIsWithin) {
   g_fZoom = 0.5;  // a radius of 2, which is the distance of two points in x
-  Grid().PaintFreezeMap(Grid().Lattice().XOf(8), Grid().Lattice().YOf(8), true);
-  EXPECT_TRUE(Grid().Lattice().Has(Grid().Lattice().Index(10, 8), PointFlag::kFrozen));
-  EXPECT_TRUE(Grid().Lattice().Has(Grid().Lattice().Index(6, 8), PointFlag::kFrozen));
+  Grid().PaintFreezeMap(Grid().Surface().Lattice().XOf(8), Grid().Surface().Lattice().YOf(8), true);
+  EXPECT_TRUE(Grid().Surface().Lattice().Has(Grid().Surface().Lattice().Index(10, 8), PointFlag::kFrozen));
+  EXPECT_TRUE(Grid().Surface().Lattice().Has(Grid().Surface().Lattice().Index(6, 8), PointFlag::kFrozen));
 }
 
 TEST_F(FreezeMapTest, ClearingSetsTheSamePointsFree) {
@@ -66,11 +66,11 @@ TEST_F(FreezeMapTest, BrushMayLieOutsideOrCoverEverything) {
 }
 
 TEST_F(FreezeMapTest, NothingElseChanges) {
-  const Operation operation = Grid().NextOperation();
+  const Operation operation = Grid().Run().NextOperation();
   const std::uint64_t revision = Grid().Marks().FreezeRevision();
-  const std::size_t inUse = Grid().Lattice().Count(PointFlag::kInUse);
+  const std::size_t inUse = Grid().Surface().Lattice().Count(PointFlag::kInUse);
   Grid().PaintFreezeMap(4, 23, true);
-  EXPECT_EQ(Grid().NextOperation(), operation);
-  EXPECT_EQ(Grid().Lattice().Count(PointFlag::kInUse), inUse);
+  EXPECT_EQ(Grid().Run().NextOperation(), operation);
+  EXPECT_EQ(Grid().Surface().Lattice().Count(PointFlag::kInUse), inUse);
   EXPECT_GT(Grid().Marks().FreezeRevision(), revision);
 }

@@ -49,7 +49,7 @@ TEST_F(GeneratedBoundTest, ACurveBeyondItGeneratesNothingAndTheOthersGoOn) {
   EXPECT_NEAR(each, 8000, 1);
   EXPECT_EQ(m_Host.m_asNotices, std::vector<std::string>{"The curves would generate more than 200000 constraints. 1 of "
                                                          "them generate none: make their distances larger."});
-  Grid().Post(Operation::kRebuildMaps);
+  Grid().Run().Post(Operation::kRebuildMaps);
   Grid().UpdateGrid();
   EXPECT_EQ(m_Host.m_asNotices.size(), 1U) << "told once";
 }
@@ -66,11 +66,11 @@ TEST_F(GeneratedBoundTest, ALargerDistanceLetsACurveInAndAnotherSlipIsToldAgain)
   Grid().UpdateGrid();
   EXPECT_TRUE(Grid().Constraints().Generated().empty());
   curve.SetDistance(CurveSide::Left, 1);
-  Grid().Post(Operation::kRebuildMaps);
+  Grid().Run().Post(Operation::kRebuildMaps);
   Grid().UpdateGrid();
   EXPECT_GT(Grid().Constraints().Generated().size(), 8U);
   curve.SetDistance(CurveSide::Left, kDistance);
-  Grid().Post(Operation::kRebuildMaps);
+  Grid().Run().Post(Operation::kRebuildMaps);
   Grid().UpdateGrid();
   EXPECT_EQ(m_Host.m_asNotices.size(), 2U);
 }

@@ -27,7 +27,7 @@ class GridConstraintsTest : public testing::Test {
   }
   // What has been posted since the last call.
   int Posted() {
-    const Operation operation = Grid().NextOperation();
+    const Operation operation = Grid().Run().NextOperation();
     Grid().PerformPendingWork();
     return CodeOf(operation);
   }
@@ -48,7 +48,7 @@ TEST_F(GridConstraintsTest, AddingCopiesTheRecordAndPostsARebuild) {
   EXPECT_EQ(added.m_fP, 4);
   EXPECT_EQ(added.m_fQ, 5);
   EXPECT_EQ(added.m_uState, 0U);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuild);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuild);
 }
 
 TEST_F(GridConstraintsTest, AddingShowsTheCountAndRedraws) {
@@ -60,7 +60,7 @@ TEST_F(GridConstraintsTest, AddingShowsTheCountAndRedraws) {
 }
 
 TEST_F(GridConstraintsTest, AddingWorksWithoutAHost) {
-  Grid().AttachHost(nullptr);
+  Grid().Run().AttachHost(nullptr);
   Grid().AddPtCstr(HeightCstr(1, 22, 3));
   EXPECT_EQ(List().size(), 1U);
   EXPECT_EQ(Posted(), 2);
@@ -111,7 +111,7 @@ TEST_F(GridConstraintsTest, SelectingPostsNothing) {
   Grid().SelectPtCstr(4, 23, kPosition);
   Grid().SelectNextPtCstr(kPosition);
   Grid().UnselectAll();
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
 }
 
 TEST_F(GridConstraintsTest, HeightIsThatOfTheFirstSelectedPosition) {
@@ -129,7 +129,7 @@ TEST_F(GridConstraintsTest, HeightIsThatOfTheFirstSelectedPosition) {
 TEST_F(GridConstraintsTest, SettingTheHeightChangesTheFirstSelectedPositionAndRestarts) {
   Fill({HeightCstr(1, 21, 5), SlopeCstr(1, 21), HeightCstr(1, 21, 7), HeightCstr(1, 21, 9)}, "0111");
   Grid().SetSelectedHeight(-2.5);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRestart);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRestart);
   EXPECT_EQ(RecordAt(List(), 0).m_fZ, 5);
   EXPECT_EQ(RecordAt(List(), 1).m_fZ, 0);
   EXPECT_EQ(RecordAt(List(), 2).m_fZ, -2.5);
@@ -139,14 +139,14 @@ TEST_F(GridConstraintsTest, SettingTheHeightChangesTheFirstSelectedPositionAndRe
 TEST_F(GridConstraintsTest, SettingTheHeightOfNothingPostsNothing) {
   Fill({HeightCstr(1, 21, 5), SlopeCstr(1, 21)}, "01");
   Grid().SetSelectedHeight(-2.5);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
   EXPECT_EQ(RecordAt(List(), 0).m_fZ, 5);
 }
 
 TEST_F(GridConstraintsTest, ChangingTheNormalAddsToTheFirstSelectedOne) {
   Fill({SlopeCstr(1, 21), HeightCstr(1, 21, 7), SlopeCstr(4, 23, 0.5, 0.25), SlopeCstr(1, 21)}, "0111");
   Grid().ChangeSelectedNormal(1, -2);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRestart);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRestart);
   const CPtCstr& changed = RecordAt(List(), 2);
   EXPECT_EQ(changed.m_fP, 1.5);
   EXPECT_EQ(changed.m_fQ, -1.75);
@@ -181,7 +181,7 @@ TEST_F(GridConstraintsTest, HeightOfARecordOfBothKindsIsTheUsers) {
 TEST_F(GridConstraintsTest, MovingTakesTheFirstSelectedOfAnyKind) {
   Fill({HeightCstr(1, 21, 5), HeightCstr(2, 22, 6), SlopeCstr(3, 23)}, "011");
   Grid().MoveSelectedPtCstr(0.5, -0.25);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRestart);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRestart);
   EXPECT_EQ(RecordAt(List(), 1).m_fX, 2.5);
   EXPECT_EQ(RecordAt(List(), 1).m_fY, 21.75);
   EXPECT_EQ(RecordAt(List(), 1).m_fZ, 6);
@@ -206,7 +206,7 @@ TEST_F(GridConstraintsTest, NothingHappensWithoutASelection) {
   Grid().MoveSelectedPtCstr(1, 1);
   Grid().DeleteSelectedPtCstr();
   Grid().SetSelectedHeight(1);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
   EXPECT_EQ(List().size(), 2U);
   EXPECT_EQ(RecordAt(List(), 0).m_fX, 1);
   EXPECT_EQ(m_Host.m_iConstraints, -1);
@@ -217,7 +217,7 @@ TEST_F(GridConstraintsTest, DeletingPostsARebuildAndSelectsTheSuccessor) {
   Fill({HeightCstr(1, 21, 5), SlopeCstr(2, 22), HeightCstr(3, 23, 6)}, "001");
   Grid().DeleteSelectedPtCstr();
   EXPECT_EQ(Selection(List()), "10");
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuild);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuild);
   EXPECT_EQ(m_Host.m_iConstraints, 2);
   EXPECT_EQ(m_Host.m_iRedraws, 1);
 }
@@ -255,7 +255,7 @@ TEST_F(GridConstraintsTest, TickKeepsTheHeightOfNormalsUpToDate) {
 
 TEST_F(GridConstraintsTest, PendingWorkBringsTheHeightOfNormalsUpToDate) {
   Fill({SlopeCstr(2, 22), HeightCstr(3, 23, 6)}, "00");
-  Grid().Post(Operation::kRebuildMaps);
+  Grid().Run().Post(Operation::kRebuildMaps);
   Grid().PerformPendingWork();
   EXPECT_NEAR(RecordAt(List(), 0).m_fZ, m_Ramp(2, 22), 1e-9);
   EXPECT_EQ(RecordAt(List(), 1).m_fZ, 6);

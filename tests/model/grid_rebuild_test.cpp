@@ -21,12 +21,14 @@ class GridRebuildTest : public testing::TestWithParam<WaveletMode> {
   CGrid& Grid() { return m_Test.m_Grid; }
   CSubdivisionRecord& Record() { return CStaging::Subdivision(Grid()); }
   CSaveQuadT& Saved(const std::vector<int>& path) { return SavedNode(Record(), path); }
-  double HeightAt(int column, int row) { return Grid().Lattice().Heights()[Grid().Lattice().Index(column, row)]; }
+  double HeightAt(int column, int row) {
+    return Grid().Surface().Lattice().Heights()[Grid().Surface().Lattice().Index(column, row)];
+  }
 
   // How far the points in use lie from the surface given by heights at all lattice points.
   double DistanceFrom(const std::vector<double>& surface) {
     Grid().Surface().Reconstruct();
-    return LargestDifference(NodalHeights(Grid()), Gathered(Grid().Order(), surface));
+    return LargestDifference(NodalHeights(Grid()), Gathered(Grid().Surface().Order(), surface));
   }
   // A subdivision with leaves of different size, with random heights.
   void MakeUneven() {
@@ -39,8 +41,8 @@ class GridRebuildTest : public testing::TestWithParam<WaveletMode> {
   }
   void MarkBlock() {
     for (const auto& [i, j] : {std::array{1, 1}, {2, 1}, {1, 2}, {2, 2}})
-      MakeLeaf(Grid().Tree(), 2, i, j, CellFlag::kTriangles);
-    Grid().Tree().RefreshEdgeMarks();
+      MakeLeaf(Grid().Surface().Tree(), 2, i, j, CellFlag::kTriangles);
+    Grid().Surface().Tree().RefreshEdgeMarks();
   }
 
   CTestGrid m_Test{4, 2};
@@ -177,7 +179,7 @@ TEST_P(GridRebuildTest, ReplaysMayFollowEachOtherWithoutReconstruction) {
 TEST_P(GridRebuildTest, ReplayDoesNotTrustTheHeightArray) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
-  SetRandomHeights(Grid().Lattice(), 19);
+  SetRandomHeights(Grid().Surface().Lattice(), 19);
   Grid().Builder().ReplaySubdivision();
   EXPECT_LT(DistanceFrom(before), kSampleError);
 }
@@ -188,10 +190,10 @@ TEST_P(GridRebuildTest, RenumberingAfterASplitKeepsThePointsThatWereThere) {
   Grid().Builder().ReplaySubdivision();
   SetRandomSurface(Grid(), 29);
   const std::vector<double> before = SurfaceOnLattice(Grid());
-  Grid().Tree().CellAt(2, 0, 0).subdiv(true);
+  Grid().Surface().Tree().CellAt(2, 0, 0).subdiv(true);
   Grid().BuildHNumerotation();
   Grid().Surface().Reconstruct();
-  EXPECT_NEAR(HeightAt(4, 2), before[Grid().Lattice().Index(4, 2)], kSampleError);
+  EXPECT_NEAR(HeightAt(4, 2), before[Grid().Surface().Lattice().Index(4, 2)], kSampleError);
 }
 
 // What refines the tree after a replay and numbers it again finds the surface as it was before the replay.
@@ -199,8 +201,8 @@ TEST_P(GridRebuildTest, PointsSplitOffAfterAReplayLieOnTheSurface) {
   MakeUneven();
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Grid().Builder().ReplaySubdivision();
-  MakeLeaf(Grid().Tree(), 0, 13, 9);
-  MakeLeaf(Grid().Tree(), 1, 5, 0);
+  MakeLeaf(Grid().Surface().Tree(), 0, 13, 9);
+  MakeLeaf(Grid().Surface().Tree(), 1, 5, 0);
   Grid().BuildHNumerotation();
   EXPECT_LT(DistanceFrom(before), kSampleError);
 }
@@ -243,7 +245,7 @@ TEST_P(GridRebuildTest, ReplayForgetsMarksAndKeepsHeights) {
   SetRandomSurface(Grid(), 43);
   const std::vector<double> before = SurfaceOnLattice(Grid());
   Grid().Builder().ReplaySubdivision();
-  EXPECT_FALSE(Grid().Tree().CellAt(2, 1, 1).Edge(kRight).HasBothMarks());
+  EXPECT_FALSE(Grid().Surface().Tree().CellAt(2, 1, 1).Edge(kRight).HasBothMarks());
   EXPECT_LT(DistanceFrom(before), kSampleError);
   EXPECT_LT(Grid().Surface().TestWavelets(), 1e-12);
 }
@@ -260,9 +262,9 @@ TEST_P(GridRebuildTest, ReplayReportsTheNewCount) {
 TEST_P(GridRebuildTest, CoefficientsAreThoseOfTheModeInForce) {
   MakeUneven();
   Grid().Builder().ReplaySubdivision();
-  std::vector<double> byPoint(Grid().Lattice().PointCount());
-  WalkW(Grid().Tree(), GetParam(), Grid().Lattice().Heights(), byPoint);
-  EXPECT_LT(LargestDifference(Grid().Surface().Coefficients(), Gathered(Grid().Order(), byPoint)), 1e-12);
+  std::vector<double> byPoint(Grid().Surface().Lattice().PointCount());
+  WalkW(Grid().Surface().Tree(), GetParam(), Grid().Surface().Lattice().Heights(), byPoint);
+  EXPECT_LT(LargestDifference(Grid().Surface().Coefficients(), Gathered(Grid().Surface().Order(), byPoint)), 1e-12);
 }
 
 TEST_P(GridRebuildTest, ChangeOfModeKeepsTheSurface) {
@@ -280,8 +282,8 @@ TEST_P(GridRebuildTest, ChangeOfModeKeepsTheSurface) {
 }
 
 TEST_P(GridRebuildTest, ChangeOfModeTakesCoefficientsThatWereNotReconstructed) {
-  const std::vector<double> heights = RandomValues(53, Grid().Order().Count());
-  Grid().Surface().Basis().W(ByScan(Grid().Order(), heights), Grid().Surface().Coefficients());
+  const std::vector<double> heights = RandomValues(53, Grid().Surface().Order().Count());
+  Grid().Surface().Basis().W(ByScan(Grid().Surface().Order(), heights), Grid().Surface().Coefficients());
   Grid().Builder().SetWaveletMode(WaveletMode::None);
   EXPECT_LT(LargestDifference(Grid().Surface().Coefficients(), heights), 1e-12);
 }

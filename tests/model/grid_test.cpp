@@ -43,28 +43,28 @@ TEST(GridTest, StartsAtTheDefaultResolution) {
   const ConsoleCapture console;
   const CGrid grid;
   EXPECT_EQ(grid.Wanted().BaseLevel(), 5);
-  EXPECT_EQ(grid.Lattice().Level(), 7);
-  EXPECT_EQ(grid.Lattice().PointsPerSide(), 129);
+  EXPECT_EQ(grid.Surface().Lattice().Level(), 7);
+  EXPECT_EQ(grid.Surface().Lattice().PointsPerSide(), 129);
   EXPECT_EQ(grid.Surface().ActivePointCount(), 1089);
-  EXPECT_EQ(grid.Tree().LeafCount(), 1024);
-  EXPECT_EQ(grid.Lattice().Count(PointFlag::kInUse), 1089U);
+  EXPECT_EQ(grid.Surface().Tree().LeafCount(), 1024);
+  EXPECT_EQ(grid.Surface().Lattice().Count(PointFlag::kInUse), 1089U);
 }
 
 TEST(GridTest, StartsOnAHundredSquare) {
   const ConsoleCapture console;
   const CGrid grid;
-  EXPECT_EQ(grid.Lattice().Extent().x0, 0);
-  EXPECT_EQ(grid.Lattice().Extent().x1, 100);
-  EXPECT_EQ(grid.Lattice().Extent().y0, 0);
-  EXPECT_EQ(grid.Lattice().Extent().y1, 100);
-  EXPECT_DOUBLE_EQ(grid.Lattice().CellSize(), 100.0 / 128);
+  EXPECT_EQ(grid.Surface().Lattice().Extent().x0, 0);
+  EXPECT_EQ(grid.Surface().Lattice().Extent().x1, 100);
+  EXPECT_EQ(grid.Surface().Lattice().Extent().y0, 0);
+  EXPECT_EQ(grid.Surface().Lattice().Extent().y1, 100);
+  EXPECT_DOUBLE_EQ(grid.Surface().Lattice().CellSize(), 100.0 / 128);
 }
 
 TEST(GridTest, StartsRunningWithEverythingToDo) {
   const ConsoleCapture console;
   const CGrid grid;
-  EXPECT_TRUE(grid.IsRunning());
-  EXPECT_EQ(grid.NextOperation(), Operation::kNone);
+  EXPECT_TRUE(grid.Run().IsRunning());
+  EXPECT_EQ(grid.Run().NextOperation(), Operation::kNone);
   EXPECT_EQ(grid.Solver().Counter(), -1);
   EXPECT_EQ(CGridRun::kIterationsPerTick, 9);
   EXPECT_EQ(grid.Surface().Mode(), WaveletMode::New);
@@ -105,7 +105,7 @@ TEST(GridTest, InitializeTakesTwoCorners) {
             "CGrid::Initialize\t\t\tlevel : 3\n"
             "*** SetSparseH ***\n"
             "81 points\n");
-  const CExtent& extent = test.m_Grid.Lattice().Extent();
+  const CExtent& extent = test.m_Grid.Surface().Lattice().Extent();
   EXPECT_EQ(extent.x0, 10);
   EXPECT_EQ(extent.x1, 74);
   EXPECT_EQ(extent.y0, 20);
@@ -115,18 +115,18 @@ TEST(GridTest, InitializeTakesTwoCorners) {
 TEST(GridTest, CellSizeIsTheSmallerSideOfALatticeCell) {
   CTestGrid test;
   test.m_Grid.Initialize(3, false, 10, 20, 74, 36);
-  EXPECT_DOUBLE_EQ(test.m_Grid.Lattice().CellSize(), 1);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().Lattice().CellSize(), 1);
   test.m_Grid.Initialize(3, false, 10, 20, 18, 100);
-  EXPECT_DOUBLE_EQ(test.m_Grid.Lattice().CellSize(), 0.5);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().Lattice().CellSize(), 0.5);
 }
 
 TEST(GridTest, RectangleSetterTakesTwoRanges) {
   CTestGrid test;
   test.m_Grid.Surface().SetExtent({-8, 24, 5, 9});
-  EXPECT_EQ(test.m_Grid.Lattice().Extent().x1, 24);
-  EXPECT_EQ(test.m_Grid.Lattice().Extent().y0, 5);
-  EXPECT_DOUBLE_EQ(test.m_Grid.Lattice().CellSize(), 0.25);
-  const CCellRect root = test.m_Grid.Tree().Root().ModelRect();
+  EXPECT_EQ(test.m_Grid.Surface().Lattice().Extent().x1, 24);
+  EXPECT_EQ(test.m_Grid.Surface().Lattice().Extent().y0, 5);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().Lattice().CellSize(), 0.25);
+  const CCellRect root = test.m_Grid.Surface().Tree().Root().ModelRect();
   EXPECT_EQ(root.x, -8);
   EXPECT_EQ(root.y, 5);
   EXPECT_EQ(root.width, 32);
@@ -146,7 +146,7 @@ TEST(GridTest, InitializeSubdividesTreeAndRecordToTheLevel) {
   for (const int level : {0, 1, 3, 4}) {
     test.Initialize(level);
     EXPECT_EQ(test.m_Grid.Wanted().BaseLevel(), level);
-    EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 1 << (2 * level));
+    EXPECT_EQ(test.m_Grid.Surface().Tree().LeafCount(), 1 << (2 * level));
     EXPECT_EQ(UniformDepth(test.m_Grid.Wanted().Current().Root()), level);
   }
 }
@@ -155,7 +155,7 @@ TEST(GridTest, StartLevelIsHeldToTheMaximum) {
   CTestGrid test(3, 2);
   test.Initialize(6);
   EXPECT_EQ(test.m_Grid.Wanted().BaseLevel(), 3);
-  EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 64);
+  EXPECT_EQ(test.m_Grid.Surface().Tree().LeafCount(), 64);
   EXPECT_EQ(UniformDepth(test.m_Grid.Wanted().Current().Root()), 3);
   EXPECT_NE(test.m_Console.Take().find("level : 3\n"), std::string::npos);
 }
@@ -172,7 +172,7 @@ TEST(GridTest, ConstructionTakesTheDefaultBaseLevel) {
   const ConsoleCapture console;
   const CGrid grid;
   EXPECT_EQ(grid.Wanted().BaseLevel(), 3);
-  EXPECT_EQ(grid.Lattice().Level(), 4);
+  EXPECT_EQ(grid.Surface().Lattice().Level(), 4);
 }
 
 TEST(GridTest, FirstTickRebuildsAfterInitialize) {
@@ -183,15 +183,15 @@ TEST(GridTest, FirstTickRebuildsAfterInitialize) {
   test.Initialize(3);
   EXPECT_EQ(test.m_Grid.Solver().Counter(), -1);
   EXPECT_EQ(CGridRun::kIterationsPerTick, 9);
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
 }
 
 TEST(GridTest, InitializeForgetsWhatWasPosted) {
   CTestGrid test(4, 2);
-  test.m_Grid.Post(Operation::kTransferToHigh);
-  test.m_Grid.Post(Operation::kRebuildMaps);
+  test.m_Grid.Run().Post(Operation::kTransferToHigh);
+  test.m_Grid.Run().Post(Operation::kRebuildMaps);
   test.Initialize(2, true);
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
   test.m_Console.Take();
   test.m_Grid.PerformPendingWork();
   EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n25 points\n");
@@ -202,8 +202,8 @@ TEST(GridTest, InitializeForgetsWhatWasPosted) {
 TEST(GridTest, PendingWorkOfANewGridLeavesItsNormals) {
   CTestGrid test(4, 2);
   test.m_Grid.PerformPendingWork();
-  EXPECT_EQ(test.m_Grid.Lattice().PointNormals()[0], (Vector3{0, 0, 1}));
-  EXPECT_EQ(test.m_Grid.Lattice().CellNormals()[0], (Vector3{0, 0, 1}));
+  EXPECT_EQ(test.m_Grid.Surface().Lattice().PointNormals()[0], (Vector3{0, 0, 1}));
+  EXPECT_EQ(test.m_Grid.Surface().Lattice().CellNormals()[0], (Vector3{0, 0, 1}));
 }
 
 TEST(GridTest, SystemIsSetUpOnce) {
@@ -217,25 +217,25 @@ TEST(GridTest, SystemIsSetUpOnce) {
 
 TEST(GridTest, InitializeLeavesTheSolverRunningOrStopped) {
   CTestGrid test;
-  test.m_Grid.SetRunning(false);
+  test.m_Grid.Run().SetRunning(false);
   test.Initialize(2);
-  EXPECT_FALSE(test.m_Grid.IsRunning());
+  EXPECT_FALSE(test.m_Grid.Run().IsRunning());
 }
 
 TEST(GridTest, InitializeFlattensTheSurface) {
   CTestGrid test;
   SetRandomSurface(test.m_Grid, 4);
-  test.m_Grid.Lattice().Set(7, PointFlag::kFrozen | PointFlag::kCrease);
+  test.m_Grid.Surface().Lattice().Set(7, PointFlag::kFrozen | PointFlag::kCrease);
   test.Initialize(2, true);
   EXPECT_EQ(NodalHeights(test.m_Grid), std::vector<double>(25, 0.0));
   EXPECT_TRUE(std::ranges::all_of(test.m_Grid.Surface().Coefficients(), [](double c) { return c == 0; }));
   EXPECT_EQ(test.m_Grid.Surface().MaxHeight(), 0);
-  EXPECT_EQ(test.m_Grid.Lattice().Count(PointFlag::kFrozen | PointFlag::kCrease), 0U);
+  EXPECT_EQ(test.m_Grid.Surface().Lattice().Count(PointFlag::kFrozen | PointFlag::kCrease), 0U);
 }
 
 TEST(GridTest, InitializeForgetsMarkedCells) {
   CTestGrid test(3, 2);
-  CQuadTree& tree = test.m_Grid.Tree();
+  CQuadTree& tree = test.m_Grid.Surface().Tree();
   tree.CellAt(1, 1, 1).SetFlags(CellFlag::kTriangles | CellFlag::kSelected);
   tree.CellAt(1, 2, 1).SetFlags(CellFlag::kTriangles);
   tree.RefreshEdgeMarks();
@@ -284,7 +284,7 @@ TEST(GridTest, HighResolutionMakesTheOtherRecordTheCurrentOne) {
   g_bHighRes = 1;
   test.Initialize(2);
   EXPECT_EQ(UniformDepth(test.m_Grid.Wanted().Current().Root()), 4);
-  EXPECT_EQ(test.m_Grid.Tree().LeafCount(), 16);
+  EXPECT_EQ(test.m_Grid.Surface().Tree().LeafCount(), 16);
   g_bHighRes = 0;
   test.Initialize(2);
   EXPECT_EQ(UniformDepth(test.m_Grid.Wanted().Current().Root()), 2);
@@ -301,7 +301,7 @@ TEST(GridTest, FreeAllDropsConstraintsAndUnknowns) {
   EXPECT_TRUE(test.m_Grid.Constraints().Generated().empty());
   EXPECT_EQ(test.m_Grid.Surface().ActivePointCount(), 0);
   EXPECT_TRUE(test.m_Grid.Surface().Coefficients().empty());
-  EXPECT_TRUE(test.m_Grid.Lattice().Heights().empty());
+  EXPECT_TRUE(test.m_Grid.Surface().Lattice().Heights().empty());
 }
 
 TEST(GridTest, InitializeAfterFreeAllStartsAfresh) {
@@ -320,12 +320,12 @@ TEST(GridTest, OtherMaximumLevelRebuildsTreeRecordsAndArrays) {
   for (const int level : {5, 3}) {
     g_iMaxLevel = level;
     test.Initialize(2, true);
-    EXPECT_EQ(test.m_Grid.Lattice().Level(), level);
-    EXPECT_EQ(test.m_Grid.Tree().Level(), level);
+    EXPECT_EQ(test.m_Grid.Surface().Lattice().Level(), level);
+    EXPECT_EQ(test.m_Grid.Surface().Tree().Level(), level);
     EXPECT_EQ(test.m_Grid.Wanted().Current().Depth(), level);
-    EXPECT_EQ(test.m_Grid.Lattice().PointsPerSide(), (1 << level) + 1);
-    EXPECT_EQ(test.m_Grid.Lattice().Heights().size(), test.m_Grid.Lattice().PointCount());
-    EXPECT_EQ(test.m_Grid.Order().Level(), level);
+    EXPECT_EQ(test.m_Grid.Surface().Lattice().PointsPerSide(), (1 << level) + 1);
+    EXPECT_EQ(test.m_Grid.Surface().Lattice().Heights().size(), test.m_Grid.Surface().Lattice().PointCount());
+    EXPECT_EQ(test.m_Grid.Surface().Order().Level(), level);
   }
 }
 
@@ -337,7 +337,7 @@ TEST(GridTest, SurfaceWorksAfterAChangeOfTheMaximumLevel) {
   SetSurface(test.m_Grid, ramp);
   EXPECT_NEAR(test.m_Grid.Surface().Interpolation().HeightAt(64, 64), ramp(kOblong.x1, kOblong.y1), 1e-12);
   EXPECT_NEAR(test.m_Grid.Surface().Interpolation().HeightAt(31.5, 7.25),
-              ramp(test.m_Grid.Lattice().XOf(31.5), test.m_Grid.Lattice().YOf(7.25)), 1e-9);
+              ramp(test.m_Grid.Surface().Lattice().XOf(31.5), test.m_Grid.Surface().Lattice().YOf(7.25)), 1e-9);
 }
 
 TEST(GridTest, OtherRecordFollowsTheMaximumLevel) {
@@ -351,7 +351,7 @@ TEST(GridTest, OtherRecordFollowsTheMaximumLevel) {
 
 TEST(GridTest, MaximumLevelIsHeldToTheSupportedRange) {
   CTestGrid test(0, 2);
-  EXPECT_EQ(test.m_Grid.Lattice().Level(), 1);
+  EXPECT_EQ(test.m_Grid.Surface().Lattice().Level(), 1);
   EXPECT_EQ(test.m_Grid.Wanted().BaseLevel(), 1);
   EXPECT_EQ(test.m_Grid.Surface().ActivePointCount(), 9);
 }
@@ -360,7 +360,7 @@ TEST(GridTest, EveryLevelOfTheLatticeCanBeNumbered) {
   for (int level = 1; level <= 7; ++level) {
     const CTestGrid test(level, level);
     EXPECT_EQ(test.m_Grid.Surface().ActivePointCount(),
-              test.m_Grid.Lattice().PointsPerSide() * test.m_Grid.Lattice().PointsPerSide());
+              test.m_Grid.Surface().Lattice().PointsPerSide() * test.m_Grid.Surface().Lattice().PointsPerSide());
   }
 }
 

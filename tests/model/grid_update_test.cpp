@@ -26,7 +26,7 @@ class GridUpdateTest : public testing::Test {
   // The operation is posted when the grid has events processed for the given time.
   void PostInRound(int round, Operation operation) {
     m_Host.m_OnEvents = [this, round, operation](int now) {
-      if (now == round) Grid().Post(operation);
+      if (now == round) Grid().Run().Post(operation);
     };
   }
 
@@ -38,8 +38,8 @@ TEST_F(GridUpdateTest, FirstTickRebuildsAndIteratesTenTimes) {
   AddSome();
   EXPECT_EQ(Tick(), "*** SetSparseH ***\n25 points\n");
   EXPECT_EQ(Grid().Solver().Counter(), 10);
-  EXPECT_EQ(Grid().NextOperation(), Operation::kNone);
-  EXPECT_TRUE(Grid().IsRunning());
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
+  EXPECT_TRUE(Grid().Run().IsRunning());
 }
 
 TEST_F(GridUpdateTest, LaterTicksContinueTheIteration) {
@@ -61,7 +61,7 @@ TEST_F(GridUpdateTest, TicksDoNotRestart) {
   CTestGrid other(4, 2);
   AddAll(other.m_Grid, SomeConstraints());
   other.m_Grid.UpdateGrid();
-  other.m_Grid.Post(Operation::kRestart);
+  other.m_Grid.Run().Post(Operation::kRestart);
   other.m_Grid.UpdateGrid();
   EXPECT_GT(LargestDifference(twice, Copied(other.m_Grid.Surface().Coefficients())), 1e-9);
 }
@@ -81,10 +81,10 @@ TEST_F(GridUpdateTest, RestartKeepsTheMatrixAndRebuildsTheRows) {
   AddSome();
   Grid().UpdateGrid();
   const std::size_t entries = Solver().System().Smoothness().EntryCount();
-  Grid().Lattice().Set(Grid().Lattice().Index(8, 8), PointFlag::kCrease);
+  Grid().Surface().Lattice().Set(Grid().Surface().Lattice().Index(8, 8), PointFlag::kCrease);
   CStaging::Constraints(Grid()).Points().Add(HeightCstr(7, 21.5, 2));
   Console();
-  Grid().Post(Operation::kRestart);
+  Grid().Run().Post(Operation::kRestart);
   EXPECT_EQ(Tick(), "");
   EXPECT_EQ(Grid().Solver().Counter(), 10);
   EXPECT_EQ(Solver().System().Smoothness().EntryCount(), entries);
@@ -95,9 +95,9 @@ TEST_F(GridUpdateTest, RebuildMakesTheMatrixAnew) {
   AddSome();
   Grid().UpdateGrid();
   const std::size_t entries = Solver().System().Smoothness().EntryCount();
-  Grid().Lattice().Set(Grid().Lattice().Index(8, 8), PointFlag::kCrease);
+  Grid().Surface().Lattice().Set(Grid().Surface().Lattice().Index(8, 8), PointFlag::kCrease);
   Console();
-  Grid().Post(Operation::kRebuild);
+  Grid().Run().Post(Operation::kRebuild);
   EXPECT_EQ(Tick(), "*** SetSparseH ***\n25 points\n");
   EXPECT_EQ(Grid().Solver().Counter(), 10);
   EXPECT_LT(Solver().System().Smoothness().EntryCount(), entries);
@@ -141,11 +141,11 @@ TEST_F(GridUpdateTest, SurfaceFollowsTheCoefficients) {
   Grid().UpdateGrid();
   std::vector<double> heights(Grid().Surface().Coefficients().size());
   Grid().Surface().Basis().invW(Grid().Surface().Coefficients(), heights);
-  EXPECT_EQ(NodalHeights(Grid()), ByUnknown(Grid().Order(), heights));
+  EXPECT_EQ(NodalHeights(Grid()), ByUnknown(Grid().Surface().Order(), heights));
   EXPECT_EQ(Grid().Surface().MinHeight(), std::ranges::min(heights));
   EXPECT_EQ(Grid().Surface().MaxHeight(), std::ranges::max(heights));
   EXPECT_GT(Grid().Surface().MaxHeight(), Grid().Surface().MinHeight());
-  EXPECT_LT(Grid().Lattice().PointNormals()[0].z, 1);
+  EXPECT_LT(Grid().Surface().Lattice().PointNormals()[0].z, 1);
 }
 
 TEST_F(GridUpdateTest, WithoutConstraintsTheSystemHasTheUnknownsAlone) {
@@ -160,7 +160,7 @@ TEST_F(GridUpdateTest, WithoutConstraintsTheSystemHasTheUnknownsAlone) {
 TEST_F(GridUpdateTest, WithoutConstraintsTheSurfaceBecomesAPlane) {
   SetRandomSurface(Grid(), 3);
   EXPECT_TRUE(RunUntilPaused(Grid()));
-  const CLattice& lattice = Grid().Lattice();
+  const CLattice& lattice = Grid().Surface().Lattice();
   const auto height = [&](int column, int row) { return lattice.Heights()[lattice.Index(column, row)]; };
   EXPECT_NEAR(height(8, 8), (height(0, 0) + height(16, 16)) / 2, 1e-9);
   EXPECT_NEAR(height(4, 12), (height(0, 16) + height(8, 8)) / 2, 1e-9);
@@ -219,7 +219,7 @@ TEST_F(GridUpdateTest, TickInSteadyStateAllocatesNothing) {
     const std::size_t before = AllocationCount();
     Grid().UpdateGrid();
     EXPECT_EQ(AllocationCount(), before);
-    EXPECT_TRUE(Grid().IsRunning());
+    EXPECT_TRUE(Grid().Run().IsRunning());
   }
 }
 
@@ -249,7 +249,7 @@ TEST_F(GridUpdateTest, EventsAreProcessedBetweenTheSteps) {
 
 TEST_F(GridUpdateTest, PollingNeedsNoHost) {
   const CPollingScope polling;
-  Grid().AttachHost(nullptr);
+  Grid().Run().AttachHost(nullptr);
   AddSome();
   Grid().UpdateGrid();
   EXPECT_EQ(Grid().Solver().Counter(), 10);
@@ -275,12 +275,12 @@ TEST_F(GridUpdateTest, PostingBetweenTheStepsEndsTheIterationsAtOnce) {
     host.m_OnEvents = [&](int now) {
       if (now != round) return;
       iterations = test.m_Grid.Solver().Counter();
-      test.m_Grid.Post(Operation::kRestart);
+      test.m_Grid.Run().Post(Operation::kRestart);
     };
     test.m_Grid.UpdateGrid();
     EXPECT_EQ(test.m_Grid.Solver().Counter(), iterations) << round;
     EXPECT_LT(iterations, 10);
-    EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRestart);
+    EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kRestart);
     EXPECT_EQ(host.m_iIterations, iterations);
   }
 }
@@ -292,11 +292,11 @@ TEST_F(GridUpdateTest, EveryCodeEndsTheIterations) {
     CActingHost host(test.m_Grid);
     AddAll(test.m_Grid, SomeConstraints());
     host.m_OnEvents = [&](int round) {
-      if (round == 5) test.m_Grid.Post(OperationOf(code));
+      if (round == 5) test.m_Grid.Run().Post(OperationOf(code));
     };
     test.m_Grid.UpdateGrid();
     EXPECT_LT(test.m_Grid.Solver().Counter(), 10) << code;
-    EXPECT_EQ(test.m_Grid.NextOperation(), OperationOf(code));
+    EXPECT_EQ(test.m_Grid.Run().NextOperation(), OperationOf(code));
   }
 }
 
@@ -330,9 +330,9 @@ TEST_F(GridUpdateTest, InterruptionsDoNotChangeTheCourse) {
   CActingHost host(other.m_Grid);
   AddAll(other.m_Grid, SomeConstraints());
   host.m_OnEvents = [&](int round) {
-    if (round == 7) other.m_Grid.Post(Operation::kSaveGrid);
-    if (round > 8 && other.m_Grid.Solver().Counter() == 10 && other.m_Grid.NextOperation() == Operation::kNone)
-      other.m_Grid.Post(Operation::kLoadImage);
+    if (round == 7) other.m_Grid.Run().Post(Operation::kSaveGrid);
+    if (round > 8 && other.m_Grid.Solver().Counter() == 10 && other.m_Grid.Run().NextOperation() == Operation::kNone)
+      other.m_Grid.Run().Post(Operation::kLoadImage);
   };
   other.m_Grid.UpdateGrid();
   other.m_Grid.UpdateGrid();

@@ -20,7 +20,7 @@ class InactiveConstraintsTest : public testing::Test {
   void Tear() { Grid().AddCurve(std::vector<CPtCstr>{{1, 23.9}, {8, 23.9}}, CurveType::kPosition, false); }
   void Rebuild(const std::vector<CPtCstr>& records) {
     for (const CPtCstr& c : records) List().Add(c);
-    Grid().Post(Operation::kRebuildMaps);
+    Grid().Run().Post(Operation::kRebuildMaps);
     Grid().PerformPendingWork();
   }
   std::string Why(int place) { return InactivityText(Grid().Constraints().WhyInactive(At(place))); }
@@ -107,7 +107,7 @@ TEST_F(InactiveConstraintsTest, ATearDrawnOverAHeightTakesItOutOfTheCount) {
 TEST_F(InactiveConstraintsTest, GeneratedOnesAreJudgedAndNotCounted) {
   Rebuild({HeightCstr(3, 21, 1)});
   CStaging::Constraints(Grid()).Generated().Add(SlopeCstr(3, 19));
-  Grid().Post(Operation::kRestart);
+  Grid().Run().Post(Operation::kRestart);
   Grid().PerformPendingWork();
   EXPECT_EQ(Grid().Constraints().WhyInactive(RecordAt(Grid().Constraints().Generated(), 0)), Inactivity::Outside);
   EXPECT_EQ(Grid().Constraints().ActiveCount(), 1);
@@ -128,7 +128,8 @@ TEST_F(InactiveConstraintsTest, TheRowsAgreeWithTheJudgementOfEachAlone) {
   Rebuild(records);
   std::size_t rows = 0;
   for (const CPtCstr& c : List()) {
-    const std::uint32_t kinds = CConstraintRows::KindsWithRows(c, Grid().Tree(), Grid().Surface().Interpolation());
+    const std::uint32_t kinds =
+        CConstraintRows::KindsWithRows(c, Grid().Surface().Tree(), Grid().Surface().Interpolation());
     EXPECT_EQ(kinds & c.m_uIdle, 0U);
     EXPECT_EQ(kinds | c.m_uIdle, c.m_uKind & (PtCstrKind::kPosition | PtCstrKind::kNormal));
     EXPECT_EQ(c.m_uIdle != 0, Grid().Constraints().WhyInactive(c) != Inactivity::None);

@@ -15,8 +15,8 @@ namespace {
 class PointProbeTest : public ::testing::TestWithParam<std::uint32_t> {
  protected:
   void SetUp() override {
-    Randomise(Grid().Tree(), GetParam());
-    Grid().Lattice().Set(Grid().Lattice().Index(8, 8), PointFlag::kCrease);
+    Randomise(Grid().Surface().Tree(), GetParam());
+    Grid().Surface().Lattice().Set(Grid().Surface().Lattice().Index(8, 8), PointFlag::kCrease);
     Grid().SetSparseH();
   }
   CGrid& Grid() { return m_Grid.m_Grid; }
@@ -24,13 +24,13 @@ class PointProbeTest : public ::testing::TestWithParam<std::uint32_t> {
   void AddTo(CEnergyTerms& terms, const CProbedTerm& term) {
     std::vector<CEnergyTerms::CEntry> form;
     for (std::size_t k = 0; k < term.m_uCount; ++k) {
-      const std::int32_t number = Grid().Order().NumberOf(term.m_auPoints[k]);
-      form.emplace_back(Grid().Order().ScanOf(static_cast<std::size_t>(number)), term.m_afCoefs[k]);
+      const std::int32_t number = Grid().Surface().Order().NumberOf(term.m_auPoints[k]);
+      form.emplace_back(Grid().Surface().Order().ScanOf(static_cast<std::size_t>(number)), term.m_afCoefs[k]);
     }
     if (!form.empty()) terms.Add(term.m_fWeight, form.data(), form.data() + form.size());
   }
   std::size_t NearestOfAll(double x, double y) {
-    const CLattice& lattice = Grid().Lattice();
+    const CLattice& lattice = Grid().Surface().Lattice();
     std::size_t nearest = 0;
     double shortest = HUGE_VAL;
     for (int row = 0; row < lattice.PointsPerSide(); ++row) {
@@ -51,14 +51,14 @@ class PointProbeTest : public ::testing::TestWithParam<std::uint32_t> {
 
 TEST_P(PointProbeTest, AllTermsTogetherAreTheMatrix) {
   CEnergyTerms terms;
-  for (std::size_t k = 0; k < Grid().Order().Count(); ++k) {
-    AddTo(terms, Probe().SecondDifference(Grid().Order().PointOf(k), true));
-    AddTo(terms, Probe().SecondDifference(Grid().Order().PointOf(k), false));
+  for (std::size_t k = 0; k < Grid().Surface().Order().Count(); ++k) {
+    AddTo(terms, Probe().SecondDifference(Grid().Surface().Order().PointOf(k), true));
+    AddTo(terms, Probe().SecondDifference(Grid().Surface().Order().PointOf(k), false));
   }
-  for (const CLeaf& leaf : Grid().Tree().Leaves()) AddTo(terms, Probe().MixedDifference(*leaf.m_pCell));
+  for (const CLeaf& leaf : Grid().Surface().Tree().Leaves()) AddTo(terms, Probe().MixedDifference(*leaf.m_pCell));
   CCompressedRows matrix;
-  terms.Assemble(Grid().Order().Count(), matrix);
-  const std::vector<double> v = RandomValues(GetParam(), Grid().Order().Count());
+  terms.Assemble(Grid().Surface().Order().Count(), matrix);
+  const std::vector<double> v = RandomValues(GetParam(), Grid().Surface().Order().Count());
   std::vector<double> probed(v.size());
   std::vector<double> expected(v.size());
   matrix.Times(v, probed);
@@ -85,7 +85,7 @@ class UniformProbeTest : public ::testing::Test {
  protected:
   CGrid& Grid() { return m_Grid.m_Grid; }
   CPointProbe Probe() { return CPointProbe(Grid()); }
-  std::size_t At(int column, int row) { return Grid().Lattice().Index(column, row); }
+  std::size_t At(int column, int row) { return Grid().Surface().Lattice().Index(column, row); }
 
   CTestGrid m_Grid;
 };
@@ -109,16 +109,16 @@ TEST_F(UniformProbeTest, TermNamesItsPointsInOrder) {
   EXPECT_EQ(term.m_auPoints[0], At(4, 4));
   EXPECT_EQ(term.m_auPoints[1], At(4, 8));
   EXPECT_EQ(term.m_auPoints[2], At(4, 12));
-  const double h = 4 * Grid().Lattice().StepY();
+  const double h = 4 * Grid().Surface().Lattice().StepY();
   EXPECT_DOUBLE_EQ(term.m_afCoefs[0], h);
   EXPECT_DOUBLE_EQ(term.m_afCoefs[1], -2 * h);
   EXPECT_DOUBLE_EQ(term.m_afCoefs[2], h);
 }
 
 TEST_F(UniformProbeTest, CreasePointAndMarkedLeafHaveNoTerm) {
-  Grid().Lattice().Set(At(4, 4), PointFlag::kCrease);
+  Grid().Surface().Lattice().Set(At(4, 4), PointFlag::kCrease);
   EXPECT_EQ(Probe().SecondDifference(At(4, 4), true).m_uCount, 0U);
-  CQuadT& leaf = *MakeLeaf(Grid().Tree(), 2, 1, 1, CellFlag::kRisingCrease);
+  CQuadT& leaf = *MakeLeaf(Grid().Surface().Tree(), 2, 1, 1, CellFlag::kRisingCrease);
   EXPECT_EQ(Probe().MixedDifference(leaf).m_uCount, 0U);
 }
 
@@ -132,6 +132,6 @@ TEST_F(UniformProbeTest, NumberAndLevelCodeAreThoseOfTheOrder) {
 }
 
 TEST_F(UniformProbeTest, AreaIsTheSmoothnessWeight) {
-  EXPECT_EQ(Probe().Area(At(4, 4)), Grid().Lattice().Smoothness()[At(4, 4)]);
+  EXPECT_EQ(Probe().Area(At(4, 4)), Grid().Surface().Lattice().Smoothness()[At(4, 4)]);
   EXPECT_GT(Probe().Area(At(4, 4)), Probe().Area(At(0, 0)));
 }

@@ -33,7 +33,7 @@ struct CPostedGrid : CTestGrid {
   }
   /// The console text of a tick before which the codes are posted.
   std::string TickWith(const std::vector<int>& codes) {
-    for (const int code : codes) m_Grid.Post(OperationOf(code));
+    for (const int code : codes) m_Grid.Run().Post(OperationOf(code));
     m_Grid.UpdateGrid();
     return m_Console.Take();
   }
@@ -95,7 +95,7 @@ TEST(PostedWorkTest, EachPairIsPerformedInOneTick) {
       ExpectPerformed(first, test, text);
       ExpectPerformed(second, test, text);
       EXPECT_EQ(Occurrences(text, "CGrid::SetDiscMap()"), MapRebuilds(first, second));
-      EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+      EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
       EXPECT_EQ(test.TickWith({}), "");
     }
   }
@@ -145,7 +145,7 @@ TEST(PostedWorkTest, CommandsAloneLetTheIterationGoOn) {
 
 TEST(PostedWorkTest, CodeIsClearedWhenItsCommandRuns) {
   CPostedGrid test;
-  test.m_Host.m_OnCommand = [&](int) { EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone); };
+  test.m_Host.m_OnCommand = [&](int) { EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone); };
   test.TickWith({1, 16384});
   EXPECT_EQ(test.m_Host.m_aiCommands, (std::vector{16384}));
 }
@@ -159,9 +159,9 @@ TEST(PostedWorkTest, CodePostedByACommandSurvives) {
       if (operation == 4096) test.m_Grid.Reset();
     };
     test.TickWith({other, 4096});
-    EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps);
+    EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kRebuildMaps);
     EXPECT_NE(test.TickWith({}).find("CGrid::SetDiscMap()"), std::string::npos);
-    EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+    EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
   }
 }
 
@@ -172,7 +172,7 @@ TEST(PostedWorkTest, CodePostedByACommandSurvivesTheCodesAfterIt) {
       if (operation == 4096) test.m_Grid.Reset();
     };
     test.TickWith({4096, other});
-    EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps) << other;
+    EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kRebuildMaps) << other;
   }
 }
 
@@ -214,7 +214,7 @@ TEST(PostedWorkTest, UnknownCodesAreReportedAndIgnored) {
   for (const int code : {3, 5, 32768, -1}) {
     CPostedGrid test;
     EXPECT_EQ(test.TickWith({code}), kUnknown);
-    EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+    EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
     EXPECT_EQ(test.m_Grid.Solver().Counter(), 20);
     EXPECT_TRUE(test.m_Host.m_aiCommands.empty());
   }
@@ -229,19 +229,19 @@ TEST(PostedWorkTest, UnknownCodeHidesNoOther) {
 
 TEST(PostedWorkTest, CommandsOfTheProgramNeedAHost) {
   CPostedGrid test;
-  test.m_Grid.AttachHost(nullptr);
+  test.m_Grid.Run().AttachHost(nullptr);
   EXPECT_EQ(test.TickWith({4096, 2048, 8192, 16384}), "");
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
 }
 
 // With no tick registered: the rebuild, no iterations.
 TEST(PostedWorkTest, PerformingAtOnceRebuildsWithoutIterating) {
   CPostedGrid test;
   const std::vector<double> before = SurfaceOnLattice(test.m_Grid);
-  test.m_Grid.Post(Operation::kRebuild);
+  test.m_Grid.Run().Post(Operation::kRebuild);
   test.m_Grid.PerformPendingWork();
   EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n9 points\n");
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
   EXPECT_EQ(test.m_Grid.Solver().Counter(), 0);
   EXPECT_EQ(test.Rows(), 6);
   test.m_Grid.Surface().Reconstruct();
@@ -253,8 +253,8 @@ TEST(PostedWorkTest, PerformingAtOnceDoesEveryCode) {
     for (const int second : kCodes) {
       SCOPED_TRACE(std::to_string(first) + " then " + std::to_string(second));
       CPostedGrid test;
-      test.m_Grid.Post(OperationOf(first));
-      test.m_Grid.Post(OperationOf(second));
+      test.m_Grid.Run().Post(OperationOf(first));
+      test.m_Grid.Run().Post(OperationOf(second));
       test.m_Grid.PerformPendingWork();
       const std::string text = test.m_Console.Take();
       ExpectPerformed(first, test, text);
@@ -269,12 +269,12 @@ TEST(PostedWorkTest, PerformingAtOnceLeavesNormalsUpToDate) {
   const CRamp ramp;
   SetSurface(test.m_Grid, ramp);
   CStaging::Subdivision(test.m_Grid).Root().Child(1).subdiv();
-  test.m_Grid.Post(Operation::kRebuildMaps);
+  test.m_Grid.Run().Post(Operation::kRebuildMaps);
   test.m_Grid.PerformPendingWork();
-  const CPointOrder& order = test.m_Grid.Order();
+  const CPointOrder& order = test.m_Grid.Surface().Order();
   for (std::size_t k = 0; k < order.Count(); ++k)
-    EXPECT_NEAR(Length(test.m_Grid.Lattice().PointNormals()[order.PointOf(k)] - ramp.Normal()), 0, 1e-6) << k;
-  EXPECT_NEAR(Length(test.m_Grid.Tree().CellAt(2, 0, 0).Surface().m_CellNormal - ramp.Normal()), 0, 1e-6);
+    EXPECT_NEAR(Length(test.m_Grid.Surface().Lattice().PointNormals()[order.PointOf(k)] - ramp.Normal()), 0, 1e-6) << k;
+  EXPECT_NEAR(Length(test.m_Grid.Surface().Tree().CellAt(2, 0, 0).Surface().m_CellNormal - ramp.Normal()), 0, 1e-6);
 }
 
 TEST(PostedWorkTest, PerformingNothingLetsTheIterationGoOn) {

@@ -74,23 +74,23 @@ TEST_F(ResetTest, HeightsNormalsAndRangeFollow) {
   Grid().Reset();
   std::vector<double> heights(25);
   Grid().Surface().Basis().invW(Grid().Surface().Coefficients(), heights);
-  EXPECT_EQ(NodalHeights(Grid()), ByUnknown(Grid().Order(), heights));
+  EXPECT_EQ(NodalHeights(Grid()), ByUnknown(Grid().Surface().Order(), heights));
   EXPECT_TRUE(std::ranges::all_of(SurfaceOnLattice(Grid()), [](double z) { return std::isfinite(z); }));
   EXPECT_EQ(Grid().Surface().MinHeight(), std::ranges::min(heights));
   EXPECT_EQ(Grid().Surface().MaxHeight(), std::ranges::max(heights));
-  EXPECT_GT(Grid().Lattice().PointNormals()[0].z, 0.9);
+  EXPECT_GT(Grid().Surface().Lattice().PointNormals()[0].z, 0.9);
 }
 
 TEST_F(ResetTest, RebuildOfTheMapsIsPosted) {
   Grid().Reset();
-  EXPECT_EQ(Grid().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
   Grid().UpdateGrid();
   EXPECT_NE(m_Test.m_Console.Take().find("\nCGrid::SetDiscMap()\n"), std::string::npos);
 }
 
 TEST_F(ResetTest, WhatWasPostedBeforeIsNotLost) {
   CActingHost host(Grid());
-  Grid().Post(Operation::kSaveGrid);
+  Grid().Run().Post(Operation::kSaveGrid);
   Grid().Reset();
   Grid().UpdateGrid();
   EXPECT_EQ(host.m_aiCommands, (std::vector{8192}));
@@ -125,7 +125,7 @@ TEST_F(ResetTest, ConstraintsAndSubdivisionStay) {
 }
 
 TEST_F(ResetTest, WorksAtTheHighResolutionToo) {
-  Grid().Post(Operation::kTransferToHigh);
+  Grid().Run().Post(Operation::kTransferToHigh);
   Grid().PerformPendingWork();
   Grid().Reset();
   EXPECT_EQ(Grid().Surface().Coefficients().size(), 289U);

@@ -22,7 +22,7 @@ class ResolutionSwitchTest : public testing::TestWithParam<WaveletMode> {
   // Switches without iterating; the console text of it.
   std::string Switch(int code) {
     m_Test.m_Console.Take();
-    Grid().Post(OperationOf(code));
+    Grid().Run().Post(OperationOf(code));
     Grid().PerformPendingWork();
     return m_Test.m_Console.Take();
   }
@@ -33,7 +33,7 @@ class ResolutionSwitchTest : public testing::TestWithParam<WaveletMode> {
   }
   // How far the points in use lie from heights given at all lattice points.
   double DistanceFrom(const std::vector<double>& surface) {
-    return LargestDifference(NodalHeights(Grid()), Gathered(Grid().Order(), surface));
+    return LargestDifference(NodalHeights(Grid()), Gathered(Grid().Surface().Order(), surface));
   }
   // Leaves of different size, so that there are hanging points.
   void MakeUneven() {
@@ -78,7 +78,7 @@ TEST_P(ResolutionSwitchTest, RestoringReportsTheRebuildAlone) {
 TEST_P(ResolutionSwitchTest, HighResolutionUsesEveryLatticePoint) {
   Switch(32);
   EXPECT_EQ(Grid().Surface().ActivePointCount(), 289);
-  EXPECT_EQ(Grid().Tree().LeafCount(), 256);
+  EXPECT_EQ(Grid().Surface().Tree().LeafCount(), 256);
   EXPECT_EQ(m_Host.m_iPoints, 289);
   Switch(64);
   EXPECT_EQ(Grid().Surface().ActivePointCount(), 25);
@@ -114,7 +114,7 @@ TEST_P(ResolutionSwitchTest, HeightsRangeAndViewsAreUpToDate) {
     EXPECT_EQ(Grid().Surface().MaxHeight(), std::ranges::max(heights));
     std::vector<double> reconstructed(heights.size());
     Grid().Surface().Basis().invW(Grid().Surface().Coefficients(), reconstructed);
-    EXPECT_EQ(heights, ByUnknown(Grid().Order(), reconstructed));
+    EXPECT_EQ(heights, ByUnknown(Grid().Surface().Order(), reconstructed));
   }
 }
 
@@ -122,7 +122,8 @@ TEST_P(ResolutionSwitchTest, NormalsAreThoseOfTheNewSurface) {
   const CRamp ramp;
   SetSurface(Grid(), ramp);
   Switch(8);
-  for (const Vector3& normal : Grid().Lattice().PointNormals()) EXPECT_NEAR(Length(normal - ramp.Normal()), 0, 1e-6);
+  for (const Vector3& normal : Grid().Surface().Lattice().PointNormals())
+    EXPECT_NEAR(Length(normal - ramp.Normal()), 0, 1e-6);
 }
 
 TEST_P(ResolutionSwitchTest, TransferToHighShowsTheSameSurfaceEverywhere) {
@@ -211,7 +212,7 @@ TEST_P(ResolutionSwitchTest, RestoringGoesByPlaceWhenThePointsHaveChanged) {
   normalRoot.Child(2).Child(0).subdiv();
   MakeSavedLeaf(normalRoot.Child(3));
   Switch(64);
-  EXPECT_EQ(Grid().Tree().LeafCount(), 19);
+  EXPECT_EQ(Grid().Surface().Tree().LeafCount(), 19);
   EXPECT_LT(DistanceFrom(normal), kTolerance);
 }
 
@@ -223,11 +224,11 @@ TEST_P(ResolutionSwitchTest, RestoringGoesByPlaceInAnyChange) {
     grid.SetDiscMap();
     SetRandomSurface(grid, seed);
     const std::vector<double> before = SurfaceOnLattice(grid);
-    grid.Post(Operation::kRestoreHigh);
+    grid.Run().Post(Operation::kRestoreHigh);
     grid.PerformPendingWork();
-    grid.Post(Operation::kRebuildMaps);
+    grid.Run().Post(Operation::kRebuildMaps);
     grid.PerformPendingWork();
-    grid.Post(Operation::kRestoreNormal);
+    grid.Run().Post(Operation::kRestoreNormal);
     grid.PerformPendingWork();
     EXPECT_LT(LargestDifference(SurfaceOnLattice(grid), before), kTolerance) << seed;
   }
@@ -246,8 +247,8 @@ TEST_P(ResolutionSwitchTest, RefiningAfterTheRebuildFindsTheRestoredSurface) {
 
 TEST_P(ResolutionSwitchTest, SwitchesInOneTickAreAllMade) {
   const std::vector<double> normal = NewSurface(35);
-  Grid().Post(Operation::kRestoreHigh);
-  Grid().Post(Operation::kRestoreNormal);
+  Grid().Run().Post(Operation::kRestoreHigh);
+  Grid().Run().Post(Operation::kRestoreNormal);
   Grid().PerformPendingWork();
   EXPECT_EQ(g_bHighRes, 0);
   EXPECT_LT(LargestDifference(SurfaceOnLattice(Grid()), normal), kTolerance);
@@ -256,8 +257,8 @@ TEST_P(ResolutionSwitchTest, SwitchesInOneTickAreAllMade) {
 TEST_P(ResolutionSwitchTest, SubdividedAndSwitchedInOneTickNothingIsLost) {
   const std::vector<double> normal = NewSurface(37);
   CStaging::Subdivision(Grid()).Root().Child(1).Child(0).subdiv();
-  Grid().Post(Operation::kRebuildMaps);
-  Grid().Post(Operation::kTransferToHigh);
+  Grid().Run().Post(Operation::kRebuildMaps);
+  Grid().Run().Post(Operation::kTransferToHigh);
   Grid().PerformPendingWork();
   EXPECT_LT(LargestDifference(SurfaceOnLattice(Grid()), normal), kTolerance);
 }
@@ -266,7 +267,7 @@ TEST_P(ResolutionSwitchTest, SubdividedAndSwitchedInOneTickNothingIsLost) {
 TEST_P(ResolutionSwitchTest, TickSwitchesAndThenIterates) {
   const CRamp ramp;
   SetSurface(Grid(), ramp);
-  Grid().Post(Operation::kTransferToHigh);
+  Grid().Run().Post(Operation::kTransferToHigh);
   Grid().UpdateGrid();
   EXPECT_EQ(g_bHighRes, 1);
   EXPECT_GT(Grid().Solver().Counter(), 0);
@@ -279,7 +280,7 @@ TEST_P(ResolutionSwitchTest, ConstraintsHoldAtBothResolutions) {
     ASSERT_TRUE(RunUntilPaused(Grid()));
     EXPECT_NEAR(SurfaceHeight(Grid(), 10, 22), -2, 1e-6);
     EXPECT_NEAR(SurfaceHeight(Grid(), 3, 25), 3, 1e-6);
-    Grid().Post(OperationOf(code));
+    Grid().Run().Post(OperationOf(code));
   }
 }
 

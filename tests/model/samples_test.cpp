@@ -27,7 +27,7 @@ class Samples : public testing::TestWithParam<const char*> {
 
   // The lattice points of the border on the two sides of each open end of a tear that lies next to it.
   std::vector<std::pair<std::array<int, 2>, std::array<int, 2>>> TornBorder() const {
-    const CLattice& lattice = m_Model.m_Grid.Lattice();
+    const CLattice& lattice = m_Model.m_Grid.Surface().Lattice();
     const int last = lattice.PointsPerSide() - 1;
     std::vector<std::pair<std::array<int, 2>, std::array<int, 2>>> torn;
     for (const CCntrCtrl& curve : m_Model.m_Grid.Constraints().Curves()) {
@@ -63,7 +63,7 @@ TEST_P(Samples, AreConverged) {
   ASSERT_EQ(m_State, GridFileState::Whole);
   m_Model.m_Grid.PerformPendingWork();
   const auto saved = NodalHeights(m_Model.m_Grid);
-  m_Model.m_Grid.SetRunning(true);
+  m_Model.m_Grid.Run().SetRunning(true);
   ASSERT_TRUE(RunUntilPaused(m_Model.m_Grid, 20000));
   constexpr double kWrittenDigits =
       1e-3;  // of heights up to a hundred, six digits each, and of the places of constraints
@@ -73,7 +73,7 @@ TEST_P(Samples, AreConverged) {
 TEST_P(Samples, TearsOpenTheBorder) {
   ASSERT_EQ(m_State, GridFileState::Whole);
   m_Model.m_Grid.PerformPendingWork();
-  const CQuadTree& tree = m_Model.m_Grid.Tree();
+  const CQuadTree& tree = m_Model.m_Grid.Surface().Tree();
   const auto torn = TornBorder();
   EXPECT_EQ(torn.size(), std::string(GetParam()) == "cat.grid" ? 4U : 0U);
   for (const auto& [a, b] : torn) {

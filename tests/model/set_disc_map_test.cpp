@@ -50,7 +50,7 @@ TEST_P(SetDiscMapTest, PostedCodeRunsItInTheTick) {
   AddAll(Grid(), SomeConstraints());
   Grid().UpdateGrid();
   m_Test.m_Console.Take();
-  Grid().Post(Operation::kRebuildMaps);
+  Grid().Run().Post(Operation::kRebuildMaps);
   Grid().UpdateGrid();
   EXPECT_EQ(Occurrences(m_Test.m_Console.Take(), "*** SetSparseH ***"), 1);
   EXPECT_EQ(Grid().Solver().Counter(), 10);
@@ -72,40 +72,40 @@ TEST_P(SetDiscMapTest, SurfaceStaysAtEveryPointOfAnotherSubdivision) {
   Refine();
   Grid().SetDiscMap();
   Grid().Surface().Reconstruct();
-  EXPECT_LT(LargestDifference(NodalHeights(Grid()), Gathered(Grid().Order(), before)), 1e-9);
+  EXPECT_LT(LargestDifference(NodalHeights(Grid()), Gathered(Grid().Surface().Order(), before)), 1e-9);
 }
 
 TEST_P(SetDiscMapTest, TreeFollowsTheWantedSubdivision) {
   Refine();
   Grid().SetDiscMap();
-  EXPECT_TRUE(Grid().Tree().CellAt(3, 0, 1).IsActive());
-  EXPECT_FALSE(Grid().Tree().CellAt(2, 3, 1).IsActive());
-  EXPECT_TRUE(Grid().Tree().CellAt(0, 13, 5).IsActive());
+  EXPECT_TRUE(Grid().Surface().Tree().CellAt(3, 0, 1).IsActive());
+  EXPECT_FALSE(Grid().Surface().Tree().CellAt(2, 3, 1).IsActive());
+  EXPECT_TRUE(Grid().Surface().Tree().CellAt(0, 13, 5).IsActive());
 }
 
 TEST_P(SetDiscMapTest, HostSeesTheCounts) {
   Refine();
   Grid().SetDiscMap();
-  EXPECT_EQ(m_Host.m_iLeaves, Grid().Tree().LeafCount());
+  EXPECT_EQ(m_Host.m_iLeaves, Grid().Surface().Tree().LeafCount());
   EXPECT_EQ(m_Host.m_iLeaves, 19);
   EXPECT_EQ(m_Host.m_iPoints, Grid().Surface().ActivePointCount());
 }
 
 TEST_P(SetDiscMapTest, NeedsNoHost) {
-  Grid().AttachHost(nullptr);
+  Grid().Run().AttachHost(nullptr);
   Refine();
   Grid().SetDiscMap();
-  EXPECT_EQ(Grid().Tree().LeafCount(), 19);
+  EXPECT_EQ(Grid().Surface().Tree().LeafCount(), 19);
 }
 
 TEST_P(SetDiscMapTest, MarksAndCreasesAreForgotten) {
-  Grid().Tree().CellAt(2, 1, 1).SetFlags(CellFlag::kMarkable | CellFlag::kSelected);
-  Grid().Lattice().Set(40, PointFlag::kCrease | PointFlag::kFrozen);
+  Grid().Surface().Tree().CellAt(2, 1, 1).SetFlags(CellFlag::kMarkable | CellFlag::kSelected);
+  Grid().Surface().Lattice().Set(40, PointFlag::kCrease | PointFlag::kFrozen);
   Grid().SetDiscMap();
-  EXPECT_EQ(Grid().Tree().CellAt(2, 1, 1).Flags(), CellFlag::kSelected);
-  EXPECT_FALSE(Grid().Tree().CellAt(2, 1, 1).Edge(kRight).HasBothMarks());
-  EXPECT_FALSE(Grid().Lattice().Has(40, PointFlag::kCrease));
-  EXPECT_TRUE(Grid().Lattice().Has(40, PointFlag::kFrozen));
+  EXPECT_EQ(Grid().Surface().Tree().CellAt(2, 1, 1).Flags(), CellFlag::kSelected);
+  EXPECT_FALSE(Grid().Surface().Tree().CellAt(2, 1, 1).Edge(kRight).HasBothMarks());
+  EXPECT_FALSE(Grid().Surface().Lattice().Has(40, PointFlag::kCrease));
+  EXPECT_TRUE(Grid().Surface().Lattice().Has(40, PointFlag::kFrozen));
 }
 
 TEST_P(SetDiscMapTest, GeneratedConstraintsAreDroppedAndTheUsersKept) {
@@ -132,7 +132,7 @@ TEST_P(SetDiscMapTest, IterationGoesOnToTheSurfaceOfTheNewPoints) {
   AddAll(Grid(), SomeConstraints());
   ASSERT_TRUE(RunUntilPaused(Grid()));
   Refine();
-  Grid().Post(Operation::kRebuildMaps);
+  Grid().Run().Post(Operation::kRebuildMaps);
   ASSERT_TRUE(RunUntilPaused(Grid()));
   EXPECT_NEAR(SurfaceHeight(Grid(), 0.5, 21.25), 1, 1e-6);
   EXPECT_NEAR(SurfaceHeight(Grid(), 10, 22), -2, 1e-6);

@@ -20,7 +20,7 @@ using CLeafPlaces = std::vector<std::tuple<int, int, int, bool>>;
 
 CLeafPlaces LeavesOf(const CGrid& grid) {
   CLeafPlaces leaves;
-  grid.Tree().ForEachLeaf([&leaves](const CQuadT& leaf) {
+  grid.Surface().Tree().ForEachLeaf([&leaves](const CQuadT& leaf) {
     leaves.emplace_back(leaf.X0(), leaf.Y0(), leaf.Size(), leaf.HasFlag(CellFlag::kTriangles));
   });
   return leaves;
@@ -35,7 +35,7 @@ void ExpectSameRows(const CCompressedRows& a, const CCompressedRows& b) {
 }
 
 void ExpectSameModel(const CGrid& a, const CGrid& b) {
-  EXPECT_EQ(a.Lattice().Extent(), b.Lattice().Extent());
+  EXPECT_EQ(a.Surface().Lattice().Extent(), b.Surface().Lattice().Extent());
   EXPECT_EQ(LeavesOf(a), LeavesOf(b));
   const CConstraintSystem& first = a.Solver().System();
   const CConstraintSystem& second = b.Solver().System();
@@ -82,7 +82,7 @@ TEST(Sketch, OfAGridThatHasTakenOneOverIsTheSame) {
   CTestGrid test(6, 3);
   Begin(test.m_Grid, sketch);
   EXPECT_EQ(test.m_Grid.Sketch(), sketch);
-  EXPECT_EQ(test.m_Grid.Lattice().Level(), 4);
+  EXPECT_EQ(test.m_Grid.Surface().Lattice().Level(), 4);
   EXPECT_EQ(test.m_Grid.Wanted().BaseLevel(), 2);
   EXPECT_EQ(g_iBaseLevel, 3);
   EXPECT_EQ(g_iMaxLevel, 4);
@@ -173,7 +173,7 @@ TEST(Sketch, MakesTheSameModelOfEveryGrid) {
 TEST(Sketch, BringsTheOtherResolutionAlong) {
   CTestGrid test;
   Begin(test.m_Grid, SomeSketch());
-  test.m_Grid.Post(Operation::kTransferToHigh);
+  test.m_Grid.Run().Post(Operation::kTransferToHigh);
   test.m_Grid.PerformPendingWork();
   const CSketch sketch = test.m_Grid.Sketch();
   EXPECT_TRUE(sketch.m_bHighRes);
@@ -183,7 +183,7 @@ TEST(Sketch, BringsTheOtherResolutionAlong) {
   EXPECT_EQ(g_bHighRes, 1);
   ExpectSameModel(test.m_Grid, other.m_Grid);
   for (CGrid* grid : {&test.m_Grid, &other.m_Grid}) {
-    grid->Post(Operation::kTransferToNormal);
+    grid->Run().Post(Operation::kTransferToNormal);
     grid->PerformPendingWork();
   }
   ExpectSameModel(test.m_Grid, other.m_Grid);

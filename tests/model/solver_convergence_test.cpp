@@ -22,7 +22,7 @@ const std::string kSmallPi = "|pp_pp| is too small ";
 
 // The surface that a grid which has never seen other constraints comes to, by unknown.
 std::vector<double> FreshSolution(CGrid& edited) {
-  CTestGrid fresh(edited.Lattice().Level(), edited.Wanted().BaseLevel());
+  CTestGrid fresh(edited.Surface().Lattice().Level(), edited.Wanted().BaseLevel());
   fresh.m_Grid.Builder().SetWaveletMode(edited.Surface().Mode());
   for (const CPtCstr& c : edited.Constraints().Points()) fresh.m_Grid.AddPtCstr(c);
   EXPECT_TRUE(RunUntilPaused(fresh.m_Grid));
@@ -39,7 +39,7 @@ TEST(SolverConvergenceTest, StartWithoutConstraintsPausesInTheFirstTick) {
   CActingHost host(test.m_Grid);
   test.m_Grid.UpdateGrid();
   EXPECT_EQ(test.m_Console.Take(), "*** SetSparseH ***\n25 points\n" + kSmallRho + "0\n");
-  EXPECT_FALSE(test.m_Grid.IsRunning());
+  EXPECT_FALSE(test.m_Grid.Run().IsRunning());
   EXPECT_EQ(host.m_iPauses, 1);
   EXPECT_EQ(test.m_Grid.Solver().Counter(), 1);
 }
@@ -67,8 +67,8 @@ TEST(SolverConvergenceTest, PausingShowsTheSurfaceOnceMore) {
 
 TEST(SolverConvergenceTest, PausesWithoutAHost) {
   CConvergedGrid test;
-  EXPECT_FALSE(test.m_Grid.IsRunning());
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_FALSE(test.m_Grid.Run().IsRunning());
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
 }
 
 TEST(SolverConvergenceTest, ConvergedSystemStopsOnTheNextTick) {
@@ -76,10 +76,10 @@ TEST(SolverConvergenceTest, ConvergedSystemStopsOnTheNextTick) {
   CActingHost host(test.m_Grid);
   const std::vector<double> before = SurfaceOnLattice(test.m_Grid);
   const int iterations = test.m_Grid.Solver().Counter();
-  test.m_Grid.SetRunning(true);
+  test.m_Grid.Run().SetRunning(true);
   test.m_Grid.UpdateGrid();
   EXPECT_EQ(test.m_Grid.Solver().Counter(), iterations + 1);
-  EXPECT_FALSE(test.m_Grid.IsRunning());
+  EXPECT_FALSE(test.m_Grid.Run().IsRunning());
   EXPECT_EQ(host.m_iPauses, 1);
   EXPECT_TRUE(test.m_Console.Take().starts_with("|"));
   EXPECT_EQ(SurfaceOnLattice(test.m_Grid), before);
@@ -91,13 +91,13 @@ TEST(SolverConvergenceTest, VanishingImagePausesWithItsOwnLine) {
   test.m_Grid.Initialize(2, false, 0, 0, 4e4, 4e4);
   for (double& coef : test.m_Grid.Surface().Coefficients()) coef = 1e12;
   test.m_Grid.Surface().Reconstruct();
-  test.m_Grid.Post(Operation::kRestart);
+  test.m_Grid.Run().Post(Operation::kRestart);
   test.m_Console.Take();
   const std::vector<double> before = NodalHeights(test.m_Grid);
   RunUntilPaused(test.m_Grid, 5);
   const std::string text = test.m_Console.Take();
   EXPECT_EQ(Occurrences(text, kSmallPi), 3) << "the residual is not small, so there are two more attempts";
-  EXPECT_FALSE(test.m_Grid.IsRunning());
+  EXPECT_FALSE(test.m_Grid.Run().IsRunning());
   EXPECT_EQ(NodalHeights(test.m_Grid), before);
 }
 
@@ -136,7 +136,7 @@ TEST(SolverConvergenceTest, ConvergedSurfaceMeetsItsConstraints) {
 TEST(SolverConvergenceTest, EditAfterConvergenceShakesEveryMultiplier) {
   CConvergedGrid test;
   const std::vector<double> before = Copied(test.m_Grid.Solver().Multipliers());
-  test.m_Grid.Post(Operation::kRestart);
+  test.m_Grid.Run().Post(Operation::kRestart);
   StartIteration(test.m_Grid);
   const std::vector<double> after = Copied(test.m_Grid.Solver().Multipliers());
   ASSERT_EQ(after.size(), before.size());
@@ -151,7 +151,7 @@ TEST(SolverConvergenceTest, EditBeforeConvergenceShakesNothing) {
   AddAll(test.m_Grid, SomeConstraints());
   test.m_Grid.UpdateGrid();
   const std::vector<double> before = Copied(test.m_Grid.Solver().Multipliers());
-  test.m_Grid.Post(Operation::kRestart);
+  test.m_Grid.Run().Post(Operation::kRestart);
   StartIteration(test.m_Grid);
   EXPECT_EQ(Copied(test.m_Grid.Solver().Multipliers()), before);
 }
@@ -231,7 +231,7 @@ class EditBeforeThePauseTest : public testing::TestWithParam<std::tuple<int, int
                                    HeightCstr(0.5, 21.25, 1)};
     AddAll(grid, {all.begin(), all.begin() + std::get<0>(GetParam())});
     int ticks = 0;
-    for (; grid.IsRunning() && ticks < limit; ++ticks) grid.UpdateGrid();
+    for (; grid.Run().IsRunning() && ticks < limit; ++ticks) grid.UpdateGrid();
     return ticks;
   }
 };

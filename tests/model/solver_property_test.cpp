@@ -33,7 +33,7 @@ bool AllFinite(const std::vector<double>& values) {
 class CEditedModel : public CSolverGrid {
  public:
   CEditedModel(int baseLevel, std::uint32_t seed)
-      : CSolverGrid(5, baseLevel), m_Random(seed), m_Direct(m_Grid.Tree()), m_fRim(100.0 / (1 << baseLevel)) {
+      : CSolverGrid(5, baseLevel), m_Random(seed), m_Direct(m_Grid.Surface().Tree()), m_fRim(100.0 / (1 << baseLevel)) {
     for (int k = 0; k < kHeights + kSlopes; ++k) {
       const auto [x, y] = FreePlace(nullptr);
       m_Grid.AddPtCstr(k < kHeights ? HeightCstr(x, y, Uniform(-30, 30))
@@ -99,7 +99,7 @@ TEST_P(SolverEditTest, EveryEditReachesTheExactSurface) {
   ASSERT_TRUE(model.Converge());
   for (int edit = 0; edit < kEdits; ++edit) {
     model.EditAtRandom();
-    ASSERT_TRUE(model.m_Grid.IsRunning()) << edit;
+    ASSERT_TRUE(model.m_Grid.Run().IsRunning()) << edit;
     ASSERT_TRUE(model.Converge()) << edit;
     ASSERT_LT(model.ErrorAgainst(model.ExactHeights()), kTolerance) << edit;
   }
@@ -181,7 +181,7 @@ TEST_P(SolverSymmetryTest, ImageOfTheConstraintsGivesTheImageOfTheSurface) {
   RandomiseRecord(CStaging::Subdivision(solver.m_Grid), 21, 40);
   CopyImage(symmetry, CStaging::Subdivision(solver.m_Grid).Root(), CStaging::Subdivision(mirrored.m_Grid).Root());
   const std::vector<double> surface = Solved(solver, constraints);
-  const std::vector<double> wanted = Image(solver.m_Grid.Lattice(), surface);
+  const std::vector<double> wanted = Image(solver.m_Grid.Surface().Lattice(), surface);
   const auto [lowest, highest] = std::ranges::minmax(surface);
   EXPECT_LT(LargestDifference(Solved(mirrored, images), wanted), kTolerance * (highest - lowest));
 }
@@ -225,7 +225,7 @@ TEST_P(SolverContradictionTest, IterationEndsOnAFiniteSurface) {
   for (std::uint32_t seed = 1; seed <= 24; ++seed) {
     CContradictoryModel model(seed, std::get<int>(GetParam()), std::get<WaveletMode>(GetParam()));
     EXPECT_TRUE(model.Converge(kTicks)) << seed;
-    EXPECT_TRUE(AllFinite(model.m_Grid.Lattice().Heights())) << seed;
+    EXPECT_TRUE(AllFinite(model.m_Grid.Surface().Lattice().Heights())) << seed;
   }
 }
 
@@ -240,14 +240,14 @@ class SolverLimitsTest : public testing::TestWithParam<WaveletMode> {
     Add({HeightCstr(12, 17, 10), HeightCstr(83, 22, -25), HeightCstr(31, 81, 40), HeightCstr(91, 93, 0),
          SlopeCstr(23, 46, 0.5, -0.5)});
   }
-  std::vector<double> Heights() { return InUse(Grid().Lattice(), Grid().Lattice().Heights()); }
+  std::vector<double> Heights() { return InUse(Grid().Surface().Lattice(), Grid().Surface().Lattice().Heights()); }
   double HeightAt(double x, double y) {
-    return Grid().GetHeightAt(Grid().Lattice().ColumnOf(x), Grid().Lattice().RowOf(y));
+    return Grid().GetHeightAt(Grid().Surface().Lattice().ColumnOf(x), Grid().Surface().Lattice().RowOf(y));
   }
 
   // The heights that come nearest to satisfying everything, in the sense of least squares.
   std::vector<double> LeastSquaresHeights() {
-    CDirectSystem direct(Grid().Tree());
+    CDirectSystem direct(Grid().Surface().Tree());
     direct.SetConstraints(std::array<const CPtCstrList*, 1>{&Grid().Constraints().Points()});
     const Eigen::MatrixXd matrix(direct.Bordered());
     Eigen::VectorXd right = Eigen::VectorXd::Zero(matrix.rows());
@@ -267,7 +267,7 @@ INSTANTIATE_TEST_SUITE_P(Modes, SolverLimitsTest, testing::ValuesIn(kAllModes), 
 
 TEST_P(SolverLimitsTest, WithoutConstraintsTheFlatSurfaceIsConvergedAtOnce) {
   Grid().UpdateGrid();
-  EXPECT_FALSE(Grid().IsRunning());
+  EXPECT_FALSE(Grid().Run().IsRunning());
   EXPECT_EQ(Heights(), std::vector<double>(81, 0.0));
 }
 
@@ -275,7 +275,7 @@ TEST_P(SolverLimitsTest, OneHeightLeavesAPlaneThroughIt) {
   Add({HeightCstr(30, 70, 12)});
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_NEAR(HeightAt(30, 70), 12, 1e-6);
-  const CDirectSystem direct(Grid().Tree());
+  const CDirectSystem direct(Grid().Surface().Tree());
   const std::vector<double> heights = Heights();
   const Eigen::Map<const Eigen::VectorXd> z(heights.data(), 81);
   EXPECT_LT(z.dot(direct.H() * z), 1e-12);
@@ -352,7 +352,7 @@ RC_GTEST_PROP(SolverProperty, AnyConstraintsEndOnAFiniteSurface, ()) {
                      *rc::gen::elementOf(std::vector(kAllModes.begin(), kAllModes.end())));
   RandomiseRecord(CStaging::Subdivision(solver.m_Grid), *rc::gen::arbitrary<std::uint32_t>());
   solver.m_Grid.SetDiscMap();
-  const CLattice& lattice = solver.m_Grid.Lattice();
+  const CLattice& lattice = solver.m_Grid.Surface().Lattice();
   for (int count = *rc::gen::inRange(0, 12); count > 0; --count) {
     solver.m_Grid.AddPtCstr({lattice.XOf(*rc::gen::inRange(-1, 34) / 4.0), lattice.YOf(*rc::gen::inRange(-1, 34) / 4.0),
                              *rc::gen::inRange(1U, 4U), *rc::gen::inRange(-80, 80) / 8.0,

@@ -39,7 +39,7 @@ std::vector<CEdit> EveryEdit() {
       {"Reset", [](CGrid& grid) { grid.Reset(); }},
   };
   for (const int code : {1, 2, 4, 8, 16, 32, 64, 128, 256, 512, 1024, 4096})
-    edits.push_back({"code " + std::to_string(code), [code](CGrid& grid) { grid.Post(OperationOf(code)); }});
+    edits.push_back({"code " + std::to_string(code), [code](CGrid& grid) { grid.Run().Post(OperationOf(code)); }});
   return edits;
 }
 
@@ -50,7 +50,7 @@ TEST(SolverResumeTest, EveryEditResumesOnce) {
     CActingHost host(test.m_Grid);
     edit.m_Apply(test.m_Grid);
     EXPECT_EQ(host.m_iResumptions, 1);
-    EXPECT_TRUE(test.m_Grid.IsRunning());
+    EXPECT_TRUE(test.m_Grid.Run().IsRunning());
     EXPECT_FALSE(test.m_Grid.Solver().HasConverged());
     edit.m_Apply(test.m_Grid);
     EXPECT_EQ(host.m_iResumptions, 1);
@@ -61,7 +61,7 @@ TEST(SolverResumeTest, EveryEditSetsTheRunningFlagWithoutAHost) {
   for (const CEdit& edit : EveryEdit()) {
     CConvergedGrid test;
     edit.m_Apply(test.m_Grid);
-    EXPECT_TRUE(test.m_Grid.IsRunning()) << edit.m_Name;
+    EXPECT_TRUE(test.m_Grid.Run().IsRunning()) << edit.m_Name;
   }
 }
 
@@ -69,22 +69,22 @@ TEST(SolverResumeTest, EveryEditSetsTheRunningFlagWithoutAHost) {
 TEST(SolverResumeTest, HostDecidesWhetherToRun) {
   CConvergedGrid test;
   RecordingHost host;
-  test.m_Grid.AttachHost(&host);
-  test.m_Grid.Post(Operation::kRestart);
+  test.m_Grid.Run().AttachHost(&host);
+  test.m_Grid.Run().Post(Operation::kRestart);
   EXPECT_EQ(host.m_iResumptions, 1);
-  EXPECT_FALSE(test.m_Grid.IsRunning());
+  EXPECT_FALSE(test.m_Grid.Run().IsRunning());
 }
 
 TEST(SolverResumeTest, ResumingHostFindsTheWorkPosted) {
   struct CLookingHost : RecordingHost {
     explicit CLookingHost(CGrid& grid) : m_Grid(grid) {}
-    void ResumeAfterChange() override { m_iSeen = CodeOf(m_Grid.NextOperation()); }
+    void ResumeAfterChange() override { m_iSeen = CodeOf(m_Grid.Run().NextOperation()); }
     CGrid& m_Grid;
     int m_iSeen = -1;
   };
   CConvergedGrid test;
   CLookingHost host(test.m_Grid);
-  test.m_Grid.AttachHost(&host);
+  test.m_Grid.Run().AttachHost(&host);
   test.m_Grid.AddPtCstr(HeightCstr(7, 21.5, 2));
   EXPECT_EQ(host.m_iSeen, 2);
 }
@@ -93,9 +93,9 @@ TEST(SolverResumeTest, FilesAndPicturesDoNotResume) {
   for (const Operation code : {Operation::kLoadGrid, Operation::kSaveGrid, Operation::kLoadImage}) {
     CConvergedGrid test;
     CActingHost host(test.m_Grid);
-    test.m_Grid.Post(code);
+    test.m_Grid.Run().Post(code);
     EXPECT_EQ(host.m_iResumptions, 0) << CodeOf(code);
-    EXPECT_FALSE(test.m_Grid.IsRunning());
+    EXPECT_FALSE(test.m_Grid.Run().IsRunning());
   }
 }
 
@@ -117,10 +117,10 @@ TEST(SolverResumeTest, EditsBeforeConvergenceDoNotResume) {
     CActingHost host(test.m_Grid);
     AddAll(test.m_Grid, SomeConstraints());
     test.m_Grid.UpdateGrid();
-    test.m_Grid.SetRunning(false);
+    test.m_Grid.Run().SetRunning(false);
     edit.m_Apply(test.m_Grid);
     EXPECT_EQ(host.m_iResumptions, 0) << edit.m_Name;
-    EXPECT_FALSE(test.m_Grid.IsRunning());
+    EXPECT_FALSE(test.m_Grid.Run().IsRunning());
   }
 }
 
@@ -130,7 +130,7 @@ TEST(SolverResumeTest, GridStartedOverGoesOnAtItsFirstConstraint) {
   test.Initialize(2);
   test.m_Grid.AddPtCstr(HeightCstr(7, 21.5, 2));
   EXPECT_GE(host.m_iResumptions, 1);
-  EXPECT_TRUE(test.m_Grid.IsRunning());
+  EXPECT_TRUE(test.m_Grid.Run().IsRunning());
 }
 
 // As a window does for a new grid while no tick is registered.
@@ -140,20 +140,20 @@ TEST(SolverResumeTest, GridStartedOverAndResetGoesOn) {
   test.Initialize(2, true);
   test.m_Grid.Reset();
   EXPECT_GE(host.m_iResumptions, 1);
-  EXPECT_TRUE(test.m_Grid.IsRunning());
+  EXPECT_TRUE(test.m_Grid.Run().IsRunning());
 }
 
 TEST(SolverResumeTest, TickThatConvergesWithWorkPendingGoesOn) {
   CTestGrid test;
   CActingHost host(test.m_Grid);
-  host.m_OnCommand = [&](int) { test.m_Grid.Post(Operation::kRebuildMaps); };
-  test.m_Grid.Post(Operation::kNewGrid);
+  host.m_OnCommand = [&](int) { test.m_Grid.Run().Post(Operation::kRebuildMaps); };
+  test.m_Grid.Run().Post(Operation::kNewGrid);
   test.m_Grid.UpdateGrid();
-  ASSERT_EQ(test.m_Grid.NextOperation(), Operation::kRebuildMaps);
-  EXPECT_TRUE(test.m_Grid.IsRunning());
+  ASSERT_EQ(test.m_Grid.Run().NextOperation(), Operation::kRebuildMaps);
+  EXPECT_TRUE(test.m_Grid.Run().IsRunning());
   EXPECT_FALSE(test.m_Grid.Solver().HasConverged()) << "the next tick iterates";
   EXPECT_TRUE(RunUntilPaused(test.m_Grid, 3));
-  EXPECT_EQ(test.m_Grid.NextOperation(), Operation::kNone);
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
 }
 
 }  // namespace

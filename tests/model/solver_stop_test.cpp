@@ -119,7 +119,7 @@ TEST(SolverGivesUp, AndGoesOnAtTheNextEdit) {
   ASSERT_TRUE(RunUntilPaused(test.m_Grid, 20000));
   ASSERT_EQ(host.m_iGivenUp, 1);
   test.m_Grid.SetSelectedHeight(2);
-  EXPECT_TRUE(test.m_Grid.IsRunning());
+  EXPECT_TRUE(test.m_Grid.Run().IsRunning());
   EXPECT_EQ(host.m_iResumptions, 1);
   ASSERT_TRUE(RunUntilPaused(test.m_Grid, 20000));
   EXPECT_TRUE(test.m_Grid.Solver().HasConverged());
@@ -131,7 +131,7 @@ TEST(SolverGivesUp, AtAFairnessWithoutMeasure) {
   AddAll(test.m_Grid, SomeConstraints());
   test.Add({{0, 23}, {8, 23}}, CurveType::kFairness);
   test.Curve().SetAllWeights(1e300, 1e300, 1e300, 1e300);
-  test.m_Grid.Post(Operation::kRebuildMaps);
+  test.m_Grid.Run().Post(Operation::kRebuildMaps);
   ASSERT_TRUE(RunUntilPaused(test.m_Grid, 20000));
   EXPECT_FALSE(test.m_Grid.Solver().HasConverged());
 }
@@ -162,7 +162,8 @@ TEST(SolverGivesUp, WithALineWhereTheResidualStays) {
     solver.m_Grid.AddPtCstr(HeightCstr(x, y, static_cast<double>(random() % 1000) / 1000));
   }
   std::string lines;
-  for (int tick = 0; tick < 20000 && lines.find("stays") == std::string::npos && solver.m_Grid.IsRunning(); ++tick) {
+  for (int tick = 0; tick < 20000 && lines.find("stays") == std::string::npos && solver.m_Grid.Run().IsRunning();
+       ++tick) {
     solver.m_Grid.UpdateGrid();
     lines += solver.m_Console.Take();
   }

@@ -236,8 +236,8 @@ RC_GTEST_PROP(GridProperty, RebuildKeepsTheSurfaceAtEveryPointInUse, ()) {
   grid.Builder().SetWaveletMode(*rc::gen::elementOf(kAllModes));
   for (int change = 0; change < 2; ++change) {
     // What curves do to the tree between two rebuilds: finer cells, and marks.
-    ApplyAll(grid.Tree(), *GenTreeOps(6));
-    grid.Tree().RefreshEdgeMarks();
+    ApplyAll(grid.Surface().Tree(), *GenTreeOps(6));
+    grid.Surface().Tree().RefreshEdgeMarks();
     grid.BuildHNumerotation();
     SetRandomSurface(grid, *rc::gen::arbitrary<std::uint32_t>());
     const Values before = SurfaceOnLattice(grid);
@@ -246,7 +246,7 @@ RC_GTEST_PROP(GridProperty, RebuildKeepsTheSurfaceAtEveryPointInUse, ()) {
     grid.Builder().ReplaySubdivision();
     RC_ASSERT(test.m_Console.Take() == std::to_string(grid.Surface().ActivePointCount()) + " points\n");
     grid.Surface().Reconstruct();
-    RC_ASSERT(LargestDifference(NodalHeights(grid), Gathered(grid.Order(), before)) <= 1e-9);
+    RC_ASSERT(LargestDifference(NodalHeights(grid), Gathered(grid.Surface().Order(), before)) <= 1e-9);
   }
 }
 

@@ -200,7 +200,7 @@ struct CEditedGrid : CSolverGrid {
     m_Grid.AddPtCstr(SlopeCstr(60, 70, 0.5, 0.25));
     m_Grid.UpdateGrid();
     m_Before = MatricesOf(m_Grid);
-    m_Grid.Lattice().Set(m_Grid.Lattice().Index(4, 4), PointFlag::kCrease);
+    m_Grid.Surface().Lattice().Set(m_Grid.Surface().Lattice().Index(4, 4), PointFlag::kCrease);
   }
   CMatrices m_Before;
 };
@@ -235,7 +235,7 @@ TEST(ConstraintSystemTest, AddedConstraintRebuildsTheSmoothnessToo) {
   grid.m_Grid.UpdateGrid();
   const CMatrices after = MatricesOf(grid.m_Grid);
   EXPECT_GT(Distance(after.m_H, grid.m_Before.m_H), 1e-6);
-  EXPECT_LT(Distance(after.m_H, Matrix(CDirectSystem(grid.m_Grid.Tree()).H())), 1e-15);
+  EXPECT_LT(Distance(after.m_H, Matrix(CDirectSystem(grid.m_Grid.Surface().Tree()).H())), 1e-15);
   EXPECT_EQ(after.m_Targets, (Values{40, 10, 2.5, 5}));
 }
 

@@ -90,15 +90,15 @@ struct CFairGrid : CSolverGrid {
   }
   Matrix Assembled() {
     m_Grid.SetDiscMap();
-    return Dense(m_Grid.Solver().System().Smoothness(), m_Grid.Order().Count());
+    return Dense(m_Grid.Solver().System().Smoothness(), m_Grid.Surface().Order().Count());
   }
   Matrix Expected() {
-    const CDirectSystem system(m_Grid.Tree());
+    const CDirectSystem system(m_Grid.Surface().Tree());
     Matrix sum(system.H());
     for (const CCntrCtrl& curve : m_Grid.Constraints().Curves()) {
       if (!curve.HasType(CurveType::kFairness)) continue;
       curve.ForEachSegment(
-          [&](const CCntrNode& a, const CCntrNode& b) { sum += SegmentEnergy(m_Grid.Tree(), system, a, b); });
+          [&](const CCntrNode& a, const CCntrNode& b) { sum += SegmentEnergy(m_Grid.Surface().Tree(), system, a, b); });
     }
     return sum;
   }
@@ -215,9 +215,9 @@ TEST(FairTermsRuleTest, StraightSurfacesCostNothing) {
   CFairGrid test(4, 2, 1);
   SetNodeWeights(test.Add({{-3.1, 20.3}, {4.2, 25.1}, {11.9, 22.4}}), 6);
   const Matrix energy = test.Assembled();
-  std::vector<double> plane(test.m_Grid.Lattice().PointCount());
-  FillHeights(test.m_Grid.Lattice(), plane, CRamp{});
-  const std::vector<double> z = InUse(test.m_Grid.Lattice(), plane);
+  std::vector<double> plane(test.m_Grid.Surface().Lattice().PointCount());
+  FillHeights(test.m_Grid.Surface().Lattice(), plane, CRamp{});
+  const std::vector<double> z = InUse(test.m_Grid.Surface().Lattice(), plane);
   const Eigen::Map<const Eigen::VectorXd> heights(z.data(), static_cast<Eigen::Index>(z.size()));
   EXPECT_LT(std::abs(heights.dot(energy * heights)), 1e-6);
 }
@@ -228,7 +228,7 @@ TEST(FairTermsRuleTest, SolvedSurfaceIsTheDirectMinimiser) {
   SetNodeWeights(test.Add({{-3.1, 20.3}, {4.2, 25.1}, {11.9, 22.4}}), 7);
   ASSERT_TRUE(test.Converge());
   const Matrix energy = test.Expected();
-  CDirectSystem system(test.m_Grid.Tree());
+  CDirectSystem system(test.m_Grid.Surface().Tree());
   system.SetConstraints(std::array<const CPtCstrList*, 1>{&test.m_Grid.Constraints().Points()});
   const Eigen::Index n = energy.rows();
   const Eigen::Index m = system.C().rows();

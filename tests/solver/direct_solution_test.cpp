@@ -120,11 +120,13 @@ class SolvedSurfaceTest : public testing::TestWithParam<WaveletMode> {
     for (const CPtCstr& c : constraints) Grid().AddPtCstr(c);
   }
   // Marks a cell of the finest level, as curves do.
-  void Mark(int i, int j, std::uint32_t flags) { MakeLeaf(Grid().Tree(), 0, i, j, flags); }
-  double HeightAtPoint(int column, int row) { return Grid().Lattice().Heights()[Grid().Lattice().Index(column, row)]; }
+  void Mark(int i, int j, std::uint32_t flags) { MakeLeaf(Grid().Surface().Tree(), 0, i, j, flags); }
+  double HeightAtPoint(int column, int row) {
+    return Grid().Surface().Lattice().Heights()[Grid().Surface().Lattice().Index(column, row)];
+  }
 
   CSolverGrid m_Solver{4, 4, CExtent{0, 100, 0, 60}, GetParam()};
-  CExtent m_Extent = m_Solver.m_Grid.Lattice().Extent();
+  CExtent m_Extent = m_Solver.m_Grid.Surface().Lattice().Extent();
 };
 
 INSTANTIATE_TEST_SUITE_P(Modes, SolvedSurfaceTest, testing::ValuesIn(kAllModes),
@@ -145,7 +147,7 @@ TEST_P(SolvedSurfaceTest, RedundantConstraintsAreNoProblem) {
   for (const auto& [x, y] : {std::array{50.5, 31.0}, {51.0, 30.5}, {51.5, 31.0}, {52.0, 30.75}, {51.2, 30.8}})
     Add({HeightCstr(x, y, plane(x, y))});
   ASSERT_TRUE(m_Solver.Converge());
-  const CLattice& lattice = Grid().Lattice();
+  const CLattice& lattice = Grid().Surface().Lattice();
   std::vector<double> wanted(lattice.PointCount());
   FillHeights(lattice, wanted, plane);
   EXPECT_LT(m_Solver.ErrorAgainst(InUse(lattice, wanted)), 1e-6);
@@ -156,7 +158,7 @@ TEST_P(SolvedSurfaceTest, PlaneIsReproduced) {
   Add({HeightCstr(10, 10, plane(10, 10)), HeightCstr(90, 20, plane(90, 20)), HeightCstr(40, 50, plane(40, 50)),
        SlopeCstr(60, 30, plane.m_fA, plane.m_fB)});
   ASSERT_TRUE(m_Solver.Converge());
-  const CLattice& lattice = Grid().Lattice();
+  const CLattice& lattice = Grid().Surface().Lattice();
   std::vector<double> wanted(lattice.PointCount());
   FillHeights(lattice, wanted, plane);
   EXPECT_LT(m_Solver.ErrorAgainst(InUse(lattice, wanted)), kTolerance);
@@ -175,41 +177,43 @@ TEST_P(SolvedSurfaceTest, DisabledConstraintHasNoEffect) {
   const std::vector<double> wanted = m_Solver.DirectHeights();
   for (int i = 7; i <= 8; ++i) Mark(i, 8, CellFlag::kTriangles);
   Grid().AddPtCstr(HeightCstr(50, 31, 1000));
-  for (int i = 7; i <= 8; ++i) Grid().Tree().CellAt(0, i, 8).ClearFlags(CellFlag::kTriangles);
+  for (int i = 7; i <= 8; ++i) Grid().Surface().Tree().CellAt(0, i, 8).ClearFlags(CellFlag::kTriangles);
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_LT(m_Solver.ErrorAgainst(wanted), kTolerance);
 }
 
 // Two planes that meet along the crease: no energy, so that they are reproduced.
 TEST_P(SolvedSurfaceTest, SurfaceCreasesAlongMarkedPoints) {
-  for (int row = 0; row <= 16; ++row) Grid().Lattice().Set(Grid().Lattice().Index(6, row), PointFlag::kCrease);
+  for (int row = 0; row <= 16; ++row)
+    Grid().Surface().Lattice().Set(Grid().Surface().Lattice().Index(6, row), PointFlag::kCrease);
   const double x = 37.5;
   const auto roof = [x](double at, double y) { return 0.1 * y + (at < x ? 0.5 * (at - x) : -(at - x)); };
   for (const auto& [cx, cy] : {std::array{5.0, 7.0}, {20.0, 50.0}, {30.0, 20.0}, {50.0, 10.0}, {80.0, 50.0}})
     Add({HeightCstr(cx, cy, roof(cx, cy))});
   ASSERT_TRUE(m_Solver.Converge());
-  std::vector<double> wanted(Grid().Lattice().PointCount());
-  FillHeights(Grid().Lattice(), wanted, roof);
-  EXPECT_LT(m_Solver.ErrorAgainst(InUse(Grid().Lattice(), wanted)), kTolerance);
+  std::vector<double> wanted(Grid().Surface().Lattice().PointCount());
+  FillHeights(Grid().Surface().Lattice(), wanted, roof);
+  EXPECT_LT(m_Solver.ErrorAgainst(InUse(Grid().Surface().Lattice(), wanted)), kTolerance);
 }
 
 // Along a diagonal the cells that it crosses must give up their mixed differences.
 TEST_P(SolvedSurfaceTest, SurfaceCreasesAlongADiagonal) {
-  for (int k = 0; k <= 16; ++k) Grid().Lattice().Set(Grid().Lattice().Index(k, k), PointFlag::kCrease);
+  for (int k = 0; k <= 16; ++k)
+    Grid().Surface().Lattice().Set(Grid().Surface().Lattice().Index(k, k), PointFlag::kCrease);
   for (int k = 0; k < 16; ++k) Mark(k, k, CellFlag::kRisingCrease);
   const auto roof = [](double at, double y) { return 0.3 * at + std::max(0.0, at / 100 - y / 60) * 40; };
   for (const auto& [cx, cy] : {std::array{6.25, 37.5}, {31.25, 45.0}, {12.5, 56.25}, {50.0, 7.5}, {93.75, 30.0}})
     Add({HeightCstr(cx, cy, roof(cx, cy))});
   ASSERT_TRUE(m_Solver.Converge());
-  std::vector<double> wanted(Grid().Lattice().PointCount());
-  FillHeights(Grid().Lattice(), wanted, roof);
-  EXPECT_LT(m_Solver.ErrorAgainst(InUse(Grid().Lattice(), wanted)), kTolerance);
+  std::vector<double> wanted(Grid().Surface().Lattice().PointCount());
+  FillHeights(Grid().Surface().Lattice(), wanted, roof);
+  EXPECT_LT(m_Solver.ErrorAgainst(InUse(Grid().Surface().Lattice(), wanted)), kTolerance);
 }
 
 // A column of cells inside a discontinuity parts the model; each part has three heights of its own.
 TEST_P(SolvedSurfaceTest, SurfaceTearsAlongMarkedCells) {
   for (int j = 0; j < 16; ++j) Mark(7, j, CellFlag::kTriangles);
-  Grid().Tree().RefreshEdgeMarks();
+  Grid().Surface().Tree().RefreshEdgeMarks();
   Add({HeightCstr(10, 10, 0), HeightCstr(30, 20, 1), HeightCstr(12, 50, 2), HeightCstr(35, 45, -3)});
   Add({HeightCstr(60, 10, 50), HeightCstr(90, 20, 55), HeightCstr(70, 50, 49), HeightCstr(88, 44, 60)});
   ASSERT_TRUE(m_Solver.Converge());
@@ -223,7 +227,7 @@ TEST_P(SolvedSurfaceTest, ChangeOfModeKeepsTheSurfaceExact) {
   const std::vector<double> wanted = m_Solver.DirectHeights();
   for (const WaveletMode mode : kAllModes) {
     Grid().Builder().SetWaveletMode(mode);
-    Grid().SetRunning(true);
+    Grid().Run().SetRunning(true);
     ASSERT_TRUE(m_Solver.Converge());
     EXPECT_LT(m_Solver.ErrorAgainst(wanted), kTolerance) << NameOf(mode);
   }
@@ -235,7 +239,7 @@ TEST_P(SolvedSurfaceTest, SubdivisionAfterConvergenceComesToTheSurfaceOfTheFiner
   ASSERT_TRUE(solver.Converge());
   SavedNode(CStaging::Subdivision(solver.m_Grid), {1, 2}).Child(0).subdiv();
   SavedNode(CStaging::Subdivision(solver.m_Grid), {3, 0}).Child(1).subdiv();
-  solver.m_Grid.Post(Operation::kRebuildMaps);
+  solver.m_Grid.Run().Post(Operation::kRebuildMaps);
   ASSERT_TRUE(solver.Converge());
   EXPECT_LT(solver.ErrorAgainst(solver.DirectHeights()), kTolerance);
 }

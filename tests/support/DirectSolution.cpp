@@ -332,7 +332,7 @@ CSolverGrid::CSolverGrid(int maxLevel, int baseLevel, const CExtent& extent, Wav
 bool CSolverGrid::Converge(int ticks) { return RunUntilPaused(m_Grid, ticks) && m_Grid.Solver().HasConverged(); }
 
 std::vector<double> CSolverGrid::DirectHeights() {
-  CDirectSystem system(m_Grid.Tree());
+  CDirectSystem system(m_Grid.Surface().Tree());
   system.SetConstraints(
       std::array<const CPtCstrList*, 2>{&m_Grid.Constraints().Points(), &m_Grid.Constraints().Generated()});
   return system.Solve();
@@ -341,5 +341,6 @@ std::vector<double> CSolverGrid::DirectHeights() {
 double CSolverGrid::ErrorAgainst(const std::vector<double>& heights) const {
   if (heights.empty()) return HUGE_VAL;
   const auto [lowest, highest] = std::ranges::minmax(heights);
-  return LargestDifference(InUse(m_Grid.Lattice(), m_Grid.Lattice().Heights()), heights) / (highest - lowest);
+  return LargestDifference(InUse(m_Grid.Surface().Lattice(), m_Grid.Surface().Lattice().Heights()), heights) /
+         (highest - lowest);
 }

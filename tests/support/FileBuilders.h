@@ -48,7 +48,7 @@ inline CCntrCtrl& AddCurveThrough(CGrid& grid, CurveType type, const std::vector
   points.reserve(places.size());
   for (const auto& [x, y] : places) points.push_back({x, y});
   CCntrCtrl& curve = CStaging::Constraints(grid).Curves().Add(points, type, false);
-  grid.Post(Operation::kNewCurve);
+  grid.Run().Post(Operation::kNewCurve);
   return curve;
 }
 

@@ -124,22 +124,25 @@ inline std::vector<double> ByUnknown(const CPointOrder& order, std::span<const d
 /// Gives the surface the heights of a field at the points in use.
 template <typename Field>
 void SetSurface(CGrid& grid, const Field& field) {
-  std::vector<double> byPoint(grid.Lattice().PointCount());
-  FillHeights(grid.Lattice(), byPoint, field);
-  grid.Surface().Basis().W(ByScan(grid.Order(), Gathered(grid.Order(), byPoint)), grid.Surface().Coefficients());
+  std::vector<double> byPoint(grid.Surface().Lattice().PointCount());
+  FillHeights(grid.Surface().Lattice(), byPoint, field);
+  grid.Surface().Basis().W(ByScan(grid.Surface().Order(), Gathered(grid.Surface().Order(), byPoint)),
+                           grid.Surface().Coefficients());
   grid.Surface().Reconstruct();
 }
 /// Random heights in -1..1 at the points in use.
 inline void SetRandomSurface(CGrid& grid, std::uint32_t seed) {
-  grid.Surface().Basis().W(RandomValues(seed, grid.Order().Count()), grid.Surface().Coefficients());
+  grid.Surface().Basis().W(RandomValues(seed, grid.Surface().Order().Count()), grid.Surface().Coefficients());
   grid.Surface().Reconstruct();
 }
 
 /// Heights in the point order.
-inline std::vector<double> NodalHeights(const CGrid& grid) { return Gathered(grid.Order(), grid.Lattice().Heights()); }
+inline std::vector<double> NodalHeights(const CGrid& grid) {
+  return Gathered(grid.Surface().Order(), grid.Surface().Lattice().Heights());
+}
 /// Heights of the surface at all lattice points (row * n + column), interpolated between the points in use.
 inline std::vector<double> SurfaceOnLattice(const CGrid& grid) {
-  const CLattice& lattice = grid.Lattice();
+  const CLattice& lattice = grid.Surface().Lattice();
   std::vector<double> heights(lattice.PointCount());
   for (int row = 0; row < lattice.PointsPerSide(); ++row) {
     for (int column = 0; column < lattice.PointsPerSide(); ++column)

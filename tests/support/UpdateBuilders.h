@@ -35,8 +35,8 @@ class CPollingScope : public CGlobalScope<int> {
 /// when the grid lets it process events or perform a command.
 class CActingHost : public RecordingHost {
  public:
-  explicit CActingHost(CGrid& grid) : m_Grid(grid) { grid.AttachHost(this); }
-  ~CActingHost() override { m_Grid.AttachHost(nullptr); }
+  explicit CActingHost(CGrid& grid) : m_Grid(grid) { grid.Run().AttachHost(this); }
+  ~CActingHost() override { m_Grid.Run().AttachHost(nullptr); }
   CActingHost(const CActingHost&) = delete;
   CActingHost& operator=(const CActingHost&) = delete;
 
@@ -50,7 +50,7 @@ class CActingHost : public RecordingHost {
   }
   void ResumeAfterChange() override {
     RecordingHost::ResumeAfterChange();
-    m_Grid.SetRunning(true);
+    m_Grid.Run().SetRunning(true);
   }
 
   std::function<void(int round)> m_OnEvents;  ///< rounds count from 1
@@ -62,8 +62,8 @@ class CActingHost : public RecordingHost {
 
 /// Ticks until the grid stops itself, at most `ticks` times. Whether it did.
 inline bool RunUntilPaused(CGrid& grid, int ticks = 1000) {
-  for (; grid.IsRunning() && ticks > 0; --ticks) grid.UpdateGrid();
-  return !grid.IsRunning();
+  for (; grid.Run().IsRunning() && ticks > 0; --ticks) grid.UpdateGrid();
+  return !grid.Run().IsRunning();
 }
 
 /// A tick that ends before its first iteration: the system is set up and the iteration started.
@@ -71,7 +71,7 @@ inline void StartIteration(CGrid& grid) {
   const CPollingScope polling;
   CActingHost host(grid);
   host.m_OnEvents = [&grid](int round) {
-    if (round == 2) grid.Post(Operation::kSaveGrid);
+    if (round == 2) grid.Run().Post(Operation::kSaveGrid);
   };
   grid.UpdateGrid();
   host.m_OnEvents = nullptr;
@@ -97,7 +97,7 @@ struct CConvergedGrid : CTestGrid {
 
 /// Height of the surface at (x, y), model units.
 inline double SurfaceHeight(const CGrid& grid, double x, double y) {
-  return grid.GetHeightAt(grid.Lattice().ColumnOf(x), grid.Lattice().RowOf(y));
+  return grid.GetHeightAt(grid.Surface().Lattice().ColumnOf(x), grid.Surface().Lattice().RowOf(y));
 }
 
 inline std::vector<double> Copied(std::span<const double> values) { return {values.begin(), values.end()}; }

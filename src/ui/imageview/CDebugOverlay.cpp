@@ -41,7 +41,7 @@ int TexelAt(double place, double low, double high, int count) {
 void LogAlbedo(const CGrid& grid, const CPlanePoint& place) {
   const CTextureImages& images = grid.Relighting().Textures();
   if (!images.HasPicture()) return;
-  const CExtent& e = grid.Lattice().Extent();
+  const CExtent& e = grid.Surface().Lattice().Extent();
   const int xt = TexelAt(place.x, e.x0, e.x1, images.PictureWidth());
   const int yt = TexelAt(place.y, e.y0, e.y1, images.PictureHeight());
   std::array<double, 3> kd{};
@@ -72,7 +72,7 @@ void CDebugOverlay::SwitchOff(const CGrid& grid, std::uint32_t flags, ViewHost& 
 
 void CDebugOverlay::LookUpTerms(const CGrid& grid, std::uint32_t flags, ViewHost& host) {
   m_uLabels = 0;
-  m_uLabelTree = grid.Tree().Revision();
+  m_uLabelTree = grid.Surface().Tree().Revision();
   if ((flags & DebugFlag::kReadOuts) == 0) m_Place.reset();
   if (!m_Place) return;
   const CPointProbe probe(grid);
@@ -91,24 +91,24 @@ void CDebugOverlay::LookUpTerms(const CGrid& grid, std::uint32_t flags, ViewHost
 
 void CDebugOverlay::LabelTerm(const CGrid& grid, const CProbedTerm& term) {
   for (std::size_t k = 0; k < term.m_uCount; ++k)
-    m_aLabels[m_uLabels++] = {PlaceOf(grid.Lattice(), term.m_auPoints[k]), term.m_afCoefs[k]};
+    m_aLabels[m_uLabels++] = {PlaceOf(grid.Surface().Lattice(), term.m_auPoints[k]), term.m_afCoefs[k]};
 }
 
 void CDebugOverlay::ShowInterpolation(const CGrid& grid, const CInterpolationTrace& trace) {
   const CCellRect cell = trace.m_Triangle.m_pCell->ModelRect();
   m_TracedCell = {cell.x, cell.x + cell.width, cell.y, cell.y + cell.height};
-  m_uTracedTree = grid.Tree().Revision();
+  m_uTracedTree = grid.Surface().Tree().Revision();
   m_uTraced = 0;
   if (!trace.m_Triangle.IsCentre()) {
-    m_aTraced[m_uTraced++] = PlaceOf(grid.Lattice(), trace.m_Triangle.m_uA);
-    m_aTraced[m_uTraced++] = PlaceOf(grid.Lattice(), trace.m_Triangle.m_uB);
+    m_aTraced[m_uTraced++] = PlaceOf(grid.Surface().Lattice(), trace.m_Triangle.m_uA);
+    m_aTraced[m_uTraced++] = PlaceOf(grid.Surface().Lattice(), trace.m_Triangle.m_uB);
   }
   for (std::size_t k = 0; k < trace.m_Centre.m_uCount; ++k)
-    m_aTraced[m_uTraced++] = PlaceOf(grid.Lattice(), trace.m_Centre.m_auPoints[k]);
+    m_aTraced[m_uTraced++] = PlaceOf(grid.Surface().Lattice(), trace.m_Centre.m_auPoints[k]);
 }
 
 void CDebugOverlay::Draw(const CGrid& grid, std::uint32_t flags) const {
-  const std::uint64_t tree = grid.Tree().Revision();
+  const std::uint64_t tree = grid.Surface().Tree().Revision();
   glColor3dv(kColour.data());
   if ((flags & DebugFlag::kInterpolation) != 0 && m_uTraced > 0 && m_uTracedTree == tree) DrawTrace();
   if ((flags & DebugFlag::kReadOuts) != 0 && m_uLabels > 0 && m_uLabelTree == tree) DrawLabels();

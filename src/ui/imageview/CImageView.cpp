@@ -166,7 +166,7 @@ bool CImageView::SaveFrame(const std::string& filename) {
 }
 
 void CImageView::UpdateMapping() {
-  m_Mapping.SetExtent(m_pGrid->Lattice().Extent());
+  m_Mapping.SetExtent(m_pGrid->Surface().Lattice().Extent());
   m_Mapping.SetSize(w(), h());
 }
 

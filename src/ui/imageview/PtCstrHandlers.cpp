@@ -16,7 +16,7 @@ constexpr double kModelUnitsPerSlope = 2.5;
 }  // namespace
 
 double CPtCstrHandler::SurfaceHeightAt(const CPlanePoint& place) const {
-  const CLattice& lattice = m_Grid.Lattice();
+  const CLattice& lattice = m_Grid.Surface().Lattice();
   return m_Grid.GetHeightAt(lattice.ColumnOf(place.x), lattice.RowOf(place.y));
 }
 

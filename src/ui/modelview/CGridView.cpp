@@ -66,7 +66,7 @@ void CGridView::SetDrawTexture(int which) {
 
 void CGridView::ResetCamera() {
   if (m_pGrid == nullptr) return;
-  const CExtent& extent = m_pGrid->Lattice().Extent();
+  const CExtent& extent = m_pGrid->Surface().Lattice().Extent();
   m_Camera.Reset({extent.x0, extent.y0, m_pGrid->Surface().MinHeight()},
                  {extent.x1, extent.y1, m_pGrid->Surface().MaxHeight()});
   redraw();
@@ -224,7 +224,7 @@ void CGridView::TurnLight(int index, int type, int dx, int dy) {
 
 void CGridView::RaiseSelected(int dy) {
   if (m_pGrid == nullptr || m_pGrid->Constraints().Points().FirstSelected(PtCstrKind::kPosition) == nullptr) return;
-  const CExtent& extent = m_pGrid->Lattice().Extent();
+  const CExtent& extent = m_pGrid->Surface().Lattice().Extent();
   const double side = std::max(extent.x1 - extent.x0, extent.y1 - extent.y0);
   m_pGrid->SetSelectedHeight(m_pGrid->GetSelectedHeight() + m_Camera.HeightOfDrag(dy, h(), side));
   m_Values->Dragged();

@@ -175,7 +175,7 @@ void CScissorsView::ExportContour() {
   const CTextureImages& images = m_Grid.Relighting().Textures();
   m_pTool->Contours().HandOver([&](const CTracedContour& contour) {
     return m_Host.AddTracedCurve(
-        PlanePointsOf(contour, m_Grid.Lattice().Extent(), images.PictureWidth(), images.PictureHeight()));
+        PlanePointsOf(contour, m_Grid.Surface().Lattice().Extent(), images.PictureWidth(), images.PictureHeight()));
   });
   m_Host.RefreshDisplays();
 }

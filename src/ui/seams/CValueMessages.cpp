@@ -51,7 +51,7 @@ void CValueMessages::EndDrag() {
 
 // A normal that is not a number, as in a tear, has no slope.
 std::optional<CValueMessages::CSurfacePlace> CValueMessages::SurfaceUnder(const CPtCstr& constraint) const {
-  const CLattice& lattice = m_Grid.Lattice();
+  const CLattice& lattice = m_Grid.Surface().Lattice();
   const CInterpolation surface = m_Grid.Surface().Interpolation();
   const auto triangle = surface.ShortStencil(lattice.ColumnOf(constraint.m_fX), lattice.RowOf(constraint.m_fY));
   if (!triangle) return std::nullopt;
@@ -79,6 +79,6 @@ void CValueMessages::Describe(const CPtCstr& constraint, const std::optional<CSu
 }
 
 std::string CValueMessages::Height(double z) const {
-  const CExtent& extent = m_Grid.Lattice().Extent();
+  const CExtent& extent = m_Grid.Surface().Lattice().Extent();
   return HelpNumber(z, std::max(extent.x1 - extent.x0, extent.y1 - extent.y0));
 }

@@ -176,7 +176,7 @@ void CImageViewUI::RefreshEnabled() {
 }
 
 void CImageViewUI::RefreshReadOuts() {
-  SetNumberOfCells(m_pGrid->Tree().LeafCount());
+  SetNumberOfCells(m_pGrid->Surface().Tree().LeafCount());
   SetNumberOfPoints(m_pGrid->Surface().ActivePointCount());
   SetNumberOfConstraints(m_pGrid->Constraints().ActiveCount());
 }
@@ -197,8 +197,8 @@ void CImageViewUI::ShowInterpolation(const CInterpolationTrace& trace) {
   const CTriangleStencil& triangle = trace.m_Triangle;
   constexpr int kNone = -1;
   const bool centre = triangle.IsCentre();
-  m_Controls.ReadOut(Control::FirstNumber).value(centre ? kNone : m_pGrid->Order().NumberOf(triangle.m_uA));
-  m_Controls.ReadOut(Control::SecondNumber).value(centre ? kNone : m_pGrid->Order().NumberOf(triangle.m_uB));
+  m_Controls.ReadOut(Control::FirstNumber).value(centre ? kNone : m_pGrid->Surface().Order().NumberOf(triangle.m_uA));
+  m_Controls.ReadOut(Control::SecondNumber).value(centre ? kNone : m_pGrid->Surface().Order().NumberOf(triangle.m_uB));
   m_Controls.ReadOut(Control::CentreCoef).value(triangle.m_fCCenter);
   m_Controls.ReadOut(Control::FirstCoef).value(triangle.m_fCa);
   m_Controls.ReadOut(Control::SecondCoef).value(triangle.m_fCb);

@@ -68,7 +68,7 @@ CDeedLog::CState CDeedLog::Present() const {
     state.m_bSelected = state.m_bSelected || curve.HasState(PtCstrState::kSelected);
     for (const CPtCstr& node : curve.Nodes()) state.m_fCurveSum += SumOf(node);
   }
-  state.m_iLeaves = m_Grid.Tree().LeafCount();
+  state.m_iLeaves = m_Grid.Surface().Tree().LeafCount();
   state.m_iHighResolution = g_bHighRes;
   state.m_uPicture = m_Grid.Relighting().Textures().Revision(CTextureImages::kPhotograph);
   state.m_iMainSize = SizeOf(m_Window);

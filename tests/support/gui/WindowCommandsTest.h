@@ -19,7 +19,7 @@ class WindowCommandsTest : public WindowTest {
   std::uint32_t ImageFlags() { return m_Window.ImageView().DisplayFlags(); }
   // As the user has it: running, with its tick registered.
   void StartSolver() {
-    Grid().SetRunning(true);
+    Grid().Run().SetRunning(true);
     RegisterSolverTimer(Grid());
   }
   void ExpectRunControl(bool active) {

@@ -161,7 +161,7 @@ class WindowTest : public ToolkitTest {
     std::ofstream(*m_Dialogs.m_File, std::ios::binary) << bytes;
     Menu().Choose(MenuEntry::LoadImage);
     // If the solver's tick is registered, the next one does it.
-    ASSERT_TRUE(RunToolkitUntil([this] { return Grid().NextOperation() == Operation::kNone; }));
+    ASSERT_TRUE(RunToolkitUntil([this] { return Grid().Run().NextOperation() == Operation::kNone; }));
   }
 
   ScriptedDialogs m_Dialogs;
