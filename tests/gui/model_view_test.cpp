@@ -78,8 +78,9 @@ TEST_F(ModelViewStartTest, FlagsAreSetAndClearedOneByOne) {
 }
 
 TEST_F(ModelViewStartTest, FlagsHaveTheirValues) {
-  using namespace ModelFlag;
-  const std::array flags{kGrid, kPointConstraints, kCurves, kTexturedModel, kCellNormals, kPointNormals, kTexelNormals};
+  const std::array flags{ModelFlag::kGrid,          ModelFlag::kPointConstraints, ModelFlag::kCurves,
+                         ModelFlag::kTexturedModel, ModelFlag::kCellNormals,      ModelFlag::kPointNormals,
+                         ModelFlag::kTexelNormals};
   EXPECT_EQ(flags, (std::array<std::uint32_t, 7>{2, 4, 8, 64, 0x10000, 0x20000, 0x40000}));
 }
 

@@ -48,7 +48,7 @@ class QuadricsTest : public ModelViewTest {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     glColor3f(1, 0, 0);
     draw();
-    CPicture picture{kSize, kSize, std::vector<std::uint8_t>(3 * kSize * kSize)};
+    CPicture picture{kSize, kSize, std::vector<std::uint8_t>(std::size_t{3} * kSize * kSize)};
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(0, 0, kSize, kSize, GL_RGB, GL_UNSIGNED_BYTE, picture.m_aPixels.data());
     return picture;

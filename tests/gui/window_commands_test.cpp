@@ -9,23 +9,23 @@ TEST_F(WindowCommandsTest, AttachingShowsTheResolution) {
 }
 
 TEST_F(WindowCommandsTest, EditingModesAreSelected) {
-  struct {
-    Control control;
-    EditingMode mode;
-    int number;
-    int help;
-    bool curveTypes;
-  } const rows[] = {{Control::PositionConstraint, EditingMode::Position, 101, 2, false},
-                    {Control::CurveConstraint, EditingMode::Curve, 103, 4, true},
-                    {Control::NormalConstraint, EditingMode::Normal, 102, 3, false}};
+  struct CRow {
+    Control m_Control;
+    EditingMode m_Mode;
+    int m_iNumber;
+    int m_iHelp;
+    bool m_bCurveTypes;
+  };
   EXPECT_EQ(m_Window.ImageView().Mode(), EditingMode::Unset);
-  for (const auto& row : rows) {
-    ClickOn(row.control);
-    EXPECT_EQ(m_Window.ImageView().Mode(), row.mode);
-    EXPECT_EQ(static_cast<int>(row.mode), row.number);
-    EXPECT_TRUE(IsOn(row.control));
-    EXPECT_EQ(HelpLine().CurrentHelp(), row.help);
-    EXPECT_EQ(IsActive(Control::CurveType), row.curveTypes);
+  for (const CRow& row : {CRow{Control::PositionConstraint, EditingMode::Position, 101, 2, false},
+                          CRow{Control::CurveConstraint, EditingMode::Curve, 103, 4, true},
+                          CRow{Control::NormalConstraint, EditingMode::Normal, 102, 3, false}}) {
+    ClickOn(row.m_Control);
+    EXPECT_EQ(m_Window.ImageView().Mode(), row.m_Mode);
+    EXPECT_EQ(static_cast<int>(row.m_Mode), row.m_iNumber);
+    EXPECT_TRUE(IsOn(row.m_Control));
+    EXPECT_EQ(HelpLine().CurrentHelp(), row.m_iHelp);
+    EXPECT_EQ(IsActive(Control::CurveType), row.m_bCurveTypes);
   }
 }
 
@@ -154,24 +154,23 @@ TEST_F(WindowCommandsTest, InterpolationTestShowsItsReadOuts) {
 }
 
 TEST_F(WindowCommandsTest, LevelButtonGoesThroughItsStates) {
-  struct {
-    std::uint32_t flags;
-    const char* label;
-    bool down;
-    bool level;
-    bool influence;
-  } const rows[] = {{64, "SHOW\nH LEVEL", false, true, false},
-                    {32, "SHOW\nPOINT\nAREA", true, false, true},
-                    {0, "", false, false, false},
-                    {64, "SHOW\nH LEVEL", false, true, false}};
-  for (const auto& row : rows) {
+  struct CRow {
+    std::uint32_t m_uFlags;
+    const char* m_pLabel;
+    bool m_bDown;
+    bool m_bLevel;
+    bool m_bInfluence;
+  };
+  for (const CRow& row :
+       {CRow{64, "SHOW\nH LEVEL", false, true, false}, CRow{32, "SHOW\nPOINT\nAREA", true, false, true},
+        CRow{0, "", false, false, false}, CRow{64, "SHOW\nH LEVEL", false, true, false}}) {
     ClickOn(Control::ShowLevel);
-    EXPECT_EQ(DebugFlags(), row.flags);
-    EXPECT_STREQ(Button(Control::ShowLevel).label(), row.label);
-    EXPECT_EQ(IsOn(Control::ShowLevel), row.down);
-    EXPECT_EQ(IsVisible(Control::Level), row.level);
-    EXPECT_EQ(IsVisible(Control::PointNumber), row.level);
-    EXPECT_EQ(IsVisible(Control::Influence), row.influence);
+    EXPECT_EQ(DebugFlags(), row.m_uFlags);
+    EXPECT_STREQ(Button(Control::ShowLevel).label(), row.m_pLabel);
+    EXPECT_EQ(IsOn(Control::ShowLevel), row.m_bDown);
+    EXPECT_EQ(IsVisible(Control::Level), row.m_bLevel);
+    EXPECT_EQ(IsVisible(Control::PointNumber), row.m_bLevel);
+    EXPECT_EQ(IsVisible(Control::Influence), row.m_bInfluence);
   }
 }
 

@@ -228,7 +228,7 @@ TEST_F(WindowControlsTest, ExplainThemselvesUnderTheMouse) {
     if (row.m_iHelp < 0) continue;
     for (const int event : {FL_ENTER, FL_MOVE}) {
       EXPECT_EQ(Widget(row.m_Control).handle(event), 1);
-      EXPECT_STREQ(HelpLine().value(), kHelp[row.m_iHelp]) << row.m_pLabel;
+      EXPECT_STREQ(HelpLine().value(), kHelp[static_cast<std::size_t>(row.m_iHelp)]) << row.m_pLabel;
     }
     EXPECT_EQ(Widget(row.m_Control).handle(FL_LEAVE), 1);
     EXPECT_STREQ(HelpLine().value(), kHelp[4]);
