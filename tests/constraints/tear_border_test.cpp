@@ -231,7 +231,9 @@ INSTANTIATE_TEST_SUITE_P(Slanting, TornGapTest,
 
 TEST_P(TornGapTest, IsTheWholeStepRightToTheBorder) {
   constexpr int kPixels = 430;
-  const auto& [side, first, last] = GetParam();
+  const double side = GetParam().m_fSide;
+  const int first = GetParam().m_iFirst;
+  const int last = GetParam().m_iLast;
   const CResolutionScope scope(7, 4);
   const ConsoleCapture console;
   CGrid grid;

@@ -6,6 +6,7 @@
 #include <functional>
 #include <numbers>
 #include <random>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -34,7 +35,10 @@ struct CUnitEdge {
   int x;
   int y;
   bool m_bHorizontal;
-  auto operator<=>(const CUnitEdge&) const = default;
+  bool operator==(const CUnitEdge&) const = default;
+  bool operator<(const CUnitEdge& e) const {
+    return std::tie(x, y, m_bHorizontal) < std::tie(e.x, e.y, e.m_bHorizontal);
+  }
   friend void PrintTo(const CUnitEdge& e, std::ostream* out) {
     *out << e.x << ',' << e.y << (e.m_bHorizontal ? '-' : '|');
   }

@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
-
-#include <signal.h>
 
 #include "support/FileBuilders.h"
 #include "support/SamplePhotograph.h"
@@ -79,7 +78,7 @@ class ModellingRunTest : public RunTest {
     const std::string scene = BytesOf(File("scene.wrl"));
     EXPECT_EQ(scene.rfind("#VRML V2.0 utf8\n", 0), 0U);
     // 33 by 33 points and the centres of 32 by 32 cells.
-    const std::string points = scene.substr(scene.find("point ["), scene.find("]") - scene.find("point ["));
+    const std::string points = scene.substr(scene.find("point ["), scene.find(']') - scene.find("point ["));
     EXPECT_EQ(std::count(points.begin(), points.end(), ','), 33 * 33 + 32 * 32);
   }
   void ExportHeightField() const {

@@ -193,7 +193,7 @@ TEST_F(ToolSetTest, FileThatCannotBeOpenedLeavesTheCamera) {
 TEST_F(ToolSetTest, TextureButtonsShowWhatTheirLabelsSayUntilTheNextPicture) {
   LoadPicture();
   OpenLights();
-  Fl_Group& options = Find<Fl_Group>(Panel("Light sources"), "Texture Option");
+  auto& options = Find<Fl_Group>(Panel("Light sources"), "Texture Option");
   EXPECT_FALSE(options.active());
   SwitchOn(CStaging::RemovedLights(Grid()), 0, {1, 1, 1});
   Push("Update\nKd");

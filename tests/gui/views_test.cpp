@@ -64,7 +64,7 @@ int GetInteger(GLenum name) {
 }
 
 void ExpectDefaults() {
-  for (const GLenum capability : {GL_LINE_SMOOTH, GL_BLEND, GL_DEPTH_TEST, GL_COLOR_MATERIAL}) {
+  for (const GLenum capability : std::to_array<GLenum>({GL_LINE_SMOOTH, GL_BLEND, GL_DEPTH_TEST, GL_COLOR_MATERIAL})) {
     EXPECT_TRUE(glIsEnabled(capability)) << capability;
   }
   EXPECT_EQ(GetInteger(GL_BLEND_SRC), GL_SRC_ALPHA);
@@ -143,7 +143,8 @@ TEST_F(ViewsTest, DrawingClearsWhatWasThere) {
 TEST_F(ViewsTest, ModelViewHasColourDepthAndTwoBuffers) {
   Show();
   DrawAndEnter(m_Window.GridView());
-  for (const GLenum bits : {GL_RED_BITS, GL_GREEN_BITS, GL_BLUE_BITS}) EXPECT_GE(GetInteger(bits), 8);
+  for (const GLenum bits : std::to_array<GLenum>({GL_RED_BITS, GL_GREEN_BITS, GL_BLUE_BITS}))
+    EXPECT_GE(GetInteger(bits), 8);
   EXPECT_GT(GetInteger(GL_DEPTH_BITS), 0);
   EXPECT_TRUE(GetInteger(GL_DOUBLEBUFFER));
 }

@@ -15,6 +15,7 @@ bool IsEdit(int code) { return code == 1 || code == 2 || code == 4; }
 
 std::vector<int> CodesOf(const std::vector<Operation>& operations) {
   std::vector<int> codes;
+  codes.reserve(operations.size());
   for (const Operation operation : operations) codes.push_back(static_cast<int>(operation));
   return codes;
 }

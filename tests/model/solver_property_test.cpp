@@ -114,10 +114,10 @@ struct CSymmetry {
   std::array<int, 4> m_aiChildren;
 };
 
-constexpr CSymmetry kSymmetries[] = {{"MirroredInX", false, true, false, {1, 0, 3, 2}},
-                                     {"MirroredInY", false, false, true, {3, 2, 1, 0}},
-                                     {"Turned", false, true, true, {2, 3, 0, 1}},
-                                     {"Transposed", true, false, false, {0, 3, 2, 1}}};
+constexpr auto kSymmetries = std::to_array<CSymmetry>({{"MirroredInX", false, true, false, {1, 0, 3, 2}},
+                                                       {"MirroredInY", false, false, true, {3, 2, 1, 0}},
+                                                       {"Turned", false, true, true, {2, 3, 0, 1}},
+                                                       {"Transposed", true, false, false, {0, 3, 2, 1}}});
 
 CPtCstr Image(const CSymmetry& symmetry, const CExtent& e, CPtCstr c) {
   if (symmetry.m_bMirroredInX) {
@@ -175,6 +175,7 @@ TEST_P(SolverSymmetryTest, ImageOfTheConstraintsGivesTheImageOfTheSurface) {
       HeightCstr(-15, 13, 10), HeightCstr(41, 19, -25),      HeightCstr(3, 61, 40),     HeightCstr(33, 51, 5),
       HeightCstr(55, 66, 0),   SlopeCstr(-3, 37, 0.4, -0.6), SlopeCstr(44, 43, -0.2, 1)};
   std::vector<CPtCstr> images;
+  images.reserve(constraints.size());
   for (const CPtCstr& c : constraints) images.push_back(::Image(symmetry, extent, c));
   CSolverGrid solver(5, 3, extent);
   CSolverGrid mirrored(5, 3, symmetry.m_bTransposed ? CExtent{10, 70, -20, 60} : extent);

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <cstddef>
 #include <numbers>
 
 #include <gtest/gtest.h>
@@ -102,7 +103,8 @@ TEST(LinkCostsTest, LinkCostsTheSameFromBothOfItsInnerPixels) {
   const CLinkCosts costs = ComputeLinkCosts(image);
   ForEachPixel(image, [&](CPixelPosition p) {
     for (int link = 0; link < kLinkCount; ++link) {
-      const CPixelPosition q{p.m_iColumn + kLinkSteps[link].m_iColumn, p.m_iRow + kLinkSteps[link].m_iRow};
+      const CPixelPosition& step = kLinkSteps[static_cast<std::size_t>(link)];
+      const CPixelPosition q{p.m_iColumn + step.m_iColumn, p.m_iRow + step.m_iRow};
       if (!IsInside(image, p) || !IsInside(image, q)) continue;
       EXPECT_EQ(costs.Cost(p, link), costs.Cost(q, (link + 4) % 8));
     }

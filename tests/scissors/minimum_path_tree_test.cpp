@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <utility>
 #include <vector>
 
@@ -19,7 +20,8 @@ std::size_t PixelIndex(const CLinkCosts& costs, CPixelPosition p) {
 }
 
 CPixelPosition Neighbour(CPixelPosition p, int link) {
-  return {p.m_iColumn + kLinkSteps[link].m_iColumn, p.m_iRow + kLinkSteps[link].m_iRow};
+  const CPixelPosition& step = kLinkSteps[static_cast<std::size_t>(link)];
+  return {p.m_iColumn + step.m_iColumn, p.m_iRow + step.m_iRow};
 }
 
 // The heap as it is described: entries exchanged with their parents and children, places kept in the nodes.

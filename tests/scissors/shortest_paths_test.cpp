@@ -1,5 +1,6 @@
 // The tree's costs against a shortest path search that was not written here.
 
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -31,7 +32,8 @@ CLinkGraph GraphOf(const CLinkCosts& costs) {
   for (CPixelPosition p; p.m_iRow < costs.m_iHeight; ++p.m_iRow) {
     for (p.m_iColumn = 0; p.m_iColumn < costs.m_iWidth; ++p.m_iColumn) {
       for (int link = 0; link < kLinkCount; ++link) {
-        const CPixelPosition q{p.m_iColumn + kLinkSteps[link].m_iColumn, p.m_iRow + kLinkSteps[link].m_iRow};
+        const CPixelPosition& step = kLinkSteps[static_cast<std::size_t>(link)];
+        const CPixelPosition q{p.m_iColumn + step.m_iColumn, p.m_iRow + step.m_iRow};
         if (!costs.Contains(q)) continue;
         edges.emplace_back(IndexOf(costs, p), IndexOf(costs, q));
         links.push_back({costs.Cost(p, link)});

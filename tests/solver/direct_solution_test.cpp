@@ -69,7 +69,7 @@ struct CCase {
   std::vector<CPtCstr> (*m_Constraints)(const CExtent&);
 };
 
-const CCase kCases[] = {
+const auto kCases = std::to_array<CCase>({
     {"OneCell", 4, 0, {0, 100, 0, 100}, 0, ThreeHeights},
     {"UniformLevel3", 3, 3, {0, 100, 0, 100}, 0, Scattered},
     {"UniformLevel4", 4, 4, {0, 100, 0, 100}, 0, Scattered},
@@ -86,7 +86,7 @@ const CCase kCases[] = {
     {"OnLatticePoints", 4, 4, {0, 100, 0, 100}, 0, OnLatticePoints},
     {"OnCellBorders", 4, 4, {0, 100, 0, 100}, 0, OnCellBorders},
     {"NextToTheBorder", 4, 4, {0, 100, 0, 100}, 0, NextToTheBorder},
-};
+});
 
 class DirectSolutionTest : public testing::TestWithParam<std::tuple<CCase, WaveletMode>> {
  protected:
