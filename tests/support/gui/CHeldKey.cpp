@@ -3,7 +3,7 @@
 #include <FL/x.H>
 
 // The keys that were down at the last event, one bit per key code; the toolkit declares it in none of its headers.
-extern char fl_key_vector[32];
+extern "C" char fl_key_vector[32];
 
 CHeldKey::CHeldKey(int key) : m_iCode(XKeysymToKeycode(fl_display, static_cast<KeySym>(key))) { Set(true); }
 

@@ -102,7 +102,7 @@ void CMonkey::ActOn(Fl_Window& window) {
 }
 
 // Any of the events may close the window.
-void CMonkey::Send(int event, Fl_Window& window) {
+void CMonkey::Send(int event, Fl_Window& window) const {
   // The window that a menu takes all events with is never on the screen itself.
   if (window.shown() == 0 && &window != Fl::grab()) return;
   Fl::e_x = m_iX;

@@ -52,7 +52,7 @@ class CMonkey {
   void Answer();
   void ChooseFromMenu(Fl_Window& menu, bool last);
   void ActOn(Fl_Window& window);
-  void Send(int event, Fl_Window& window);
+  void Send(int event, Fl_Window& window) const;
   void MoveTo(Fl_Window& window, int x, int y);
   void Click(Fl_Window& window, int x, int y);
   void ClickOnWidget(Fl_Window& window);

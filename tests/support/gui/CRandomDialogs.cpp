@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string_view>
+#include <utility>
 
 #include "support/BmpBuilders.h"
 #include "support/FileBuilders.h"
@@ -17,8 +18,8 @@ constexpr int kSmallHeight = 40;
 
 }  // namespace
 
-CRandomDialogs::CRandomDialogs(CMonkey& monkey, const std::filesystem::path& directory)
-    : m_Monkey(monkey), m_Directory(directory) {
+CRandomDialogs::CRandomDialogs(CMonkey& monkey, std::filesystem::path directory)
+    : m_Monkey(monkey), m_Directory(std::move(directory)) {
   // A copy, since frames are saved under the names of pictures, too.
   std::filesystem::copy_file(kPhotograph, m_Directory / "cup.bmp");
   WriteBytes(InDirectory("small.bmp"), BmpFile(SomePicture(kSmallWidth, kSmallHeight)));

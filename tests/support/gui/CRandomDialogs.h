@@ -14,7 +14,7 @@ class CMonkey;
 class CRandomDialogs : public UserDialogs {
  public:
   /// Puts the files to be loaded into the directory. The monkey must outlive the object.
-  CRandomDialogs(CMonkey& monkey, const std::filesystem::path& directory);
+  CRandomDialogs(CMonkey& monkey, std::filesystem::path directory);
 
   /// Has the log watch the files that are written.
   void ReportTo(CDeedLog& log) const;
