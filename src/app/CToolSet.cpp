@@ -39,4 +39,6 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
 void CToolSet::AskSize(const std::function<void(int width, int height)>& write) {
   m_SizeChosen = write;
   m_HeightField.Open();
+  // It holds what lived as long as the dialog.
+  m_SizeChosen = nullptr;
 }

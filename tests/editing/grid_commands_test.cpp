@@ -3,11 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "model/Globals.h"
 #include "support/CStaging.h"
 #include "support/CurveBuilders.h"
-#include "support/FormatBuilders.h"
-#include "support/WindowBuilders.h"
+#include "support/GridCommandsTest.h"
 
 namespace {
 
@@ -15,68 +13,6 @@ using Chooser = std::pair<std::string, std::string>;
 
 constexpr auto kDeferrable =
     std::to_array({Operation::kNewGrid, Operation::kLoadGrid, Operation::kLoadImage, Operation::kSaveGrid});
-
-class GridCommandsTest : public ::testing::Test {
- protected:
-  GridCommandsTest() {
-    m_Commands.AttachGrid(Grid());
-    m_Commands.SetServices(Services());
-  }
-  ~GridCommandsTest() override { g_nSolverTimers = 0; }
-  void SetUp() override { g_fPickTolerance = 1.0; }
-  void TearDown() override { g_fPickTolerance = 1.0; }
-
-  CGrid& Grid() { return m_Test.Grid(); }
-  CSolverControl& Solver() { return m_Test.m_Solver; }
-  std::string Console() { return m_Test.m_Grid.m_Console.Take(); }
-
-  // Services that note what they were asked, and whether the solver ran meanwhile.
-  CModelServices Services() {
-    return {[this](const CGrid&) { return Note("ask"), m_NewGrid; },
-            [this](CGrid&, const std::string& file) {
-              Note("load " + file);
-              return m_Loaded;
-            },
-            [this](const CModelFormat& format, const CGrid&, const std::string& file, const CWriteSettings& settings) {
-              Note((&format == &VrmlFormat() ? "vrml " : "save ") + file);
-              if (m_bAsksForLights) Note(settings.m_WithLights() ? "with lights" : "without lights");
-              return m_Saved;
-            },
-            [this](const std::function<void(int, int)>&) { Note("height field"); },
-            [this](const CContourAttributes& present, bool fairness) {
-              Note(fairness ? "fairness" : "curve");
-              m_Attributes = present;
-              return m_CurveAnswer;
-            }};
-  }
-  void Note(const std::string& what) {
-    m_asDone.push_back(what);
-    m_bRanMeanwhile = m_bRanMeanwhile || Grid().Run().IsRunning();
-  }
-
-  CTestSolver m_Test;
-  ScriptedHost m_Host;
-  CGridCommands m_Commands{m_Host, m_Test.m_Solver};
-  GridFileState m_Loaded = GridFileState::Whole;
-  CSaveOutcome m_Saved;
-  bool m_bAsksForLights = false;
-  std::optional<CGridParameters> m_NewGrid;
-  std::optional<CContourAnswer> m_CurveAnswer;
-  CContourAttributes m_Attributes;  // that were shown last
-  std::vector<std::string> m_asDone;
-  bool m_bRanMeanwhile = false;
-};
-
-using Done = std::vector<std::string>;
-
-// Each segment of a line generates about 8,000 constraints at this distance.
-constexpr double kSmallDistance = 0.25 / 8000;
-
-std::vector<CPtCstr> LineOf(int segments) {
-  std::vector<CPtCstr> places;
-  for (int k = 0; k <= segments; ++k) places.push_back({-3 + 0.25 * k, 22.2});
-  return places;
-}
 
 }  // namespace
 
@@ -363,89 +299,3 @@ TEST_F(GridCommandsTest, DragsEndBeforeADialogOpens) {
 }
 
 // The attributes of a curve.
-
-TEST_F(GridCommandsTest, CurveIsEditedAtOnceWithNoTick) {
-  Grid().AddCurve(PointsAt({{0, 21}, {4, 22}, {8, 24}}), CurveType::kFairness, false);
-  Grid().PerformPendingWork();
-  m_CurveAnswer = CContourAnswer{};
-  m_CurveAnswer->m_Attributes.m_bClosed = true;
-  m_Commands.EditCurveAttributes(4, 22, CurveType::kNormal);
-  EXPECT_EQ(m_asDone, Done{"fairness"});
-  EXPECT_EQ(m_Host.m_iDragEnds, 1);
-  EXPECT_TRUE(Grid().Constraints().Curves().back().IsClosed());
-  EXPECT_EQ(Grid().Constraints().Curves().back().Type(), CurveType::kNormal);
-  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kRebuildMaps);
-}
-
-TEST_F(GridCommandsTest, CurveWaitsForTheTick) {
-  Grid().AddCurve(PointsAt({{0, 21}, {4, 22}}), CurveType::kNormal, false);
-  Grid().PerformPendingWork();
-  g_nSolverTimers = 1;
-  m_Commands.EditCurveAttributes(4, 22, CurveType::kNone);
-  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kContourAttributes);
-  EXPECT_TRUE(m_asDone.empty());
-  m_Commands.Perform(Operation::kContourAttributes);
-  EXPECT_EQ(m_asDone, Done{"curve"});
-}
-
-TEST_F(GridCommandsTest, TheCurveThatWasClickedIsEditedWhateverLiesThereByThen) {
-  const CPlaces places{{0, 21}, {4, 22}};
-  for (int k = 0; k < 2; ++k) Grid().AddCurve(PointsAt(places), CurveType::kNormal, false);
-  Grid().PerformPendingWork();
-  g_nSolverTimers = 1;
-  m_Commands.EditCurveAttributes(4, 22, CurveType::kNone);
-  Grid().PickCurve(4, 22, CurveType::kAll);
-  Grid().PickCurve(4, 22, CurveType::kAll);
-  ASSERT_EQ(Grid().Constraints().Curves().begin()->HasState(PtCstrState::kSelected), true);
-  Grid().DeleteSelectedCurve();
-  m_Commands.Perform(Operation::kContourAttributes);
-  EXPECT_TRUE(m_asDone.empty());
-}
-
-TEST_F(GridCommandsTest, NoDialogWhereThereIsNoCurve) {
-  m_Commands.EditCurveAttributes(4, 22, CurveType::kNone);
-  EXPECT_TRUE(m_asDone.empty());
-  Grid().AddCurve(PointsAt({{0, 21}, {4, 22}}), CurveType::kNormal, false);
-  m_Commands.SetServices({});
-  m_Commands.EditCurveAttributes(4, 22, CurveType::kNone);
-  EXPECT_TRUE(m_asDone.empty());
-  EXPECT_EQ(m_Host.m_iDragEnds, 0);
-}
-
-TEST_F(GridCommandsTest, CancelledAttributesChangeNothing) {
-  Grid().AddCurve(PointsAt({{0, 21}, {4, 22}}), CurveType::kNormal, false);
-  Grid().PerformPendingWork();
-  m_Commands.EditCurveAttributes(4, 22, CurveType::kPosition);
-  EXPECT_EQ(Grid().Constraints().Curves().back().Type(), CurveType::kNormal);
-  EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone);
-  EXPECT_TRUE(Grid().Run().IsRunning());
-  EXPECT_FALSE(m_bRanMeanwhile);
-}
-
-TEST_F(GridCommandsTest, ExportOfConstraintsPostsOneRebuildForAll) {
-  Grid().AddCurve(PointsAt({{0, 21}, {8, 21}}), CurveType::kPosition, false);
-  Grid().PerformPendingWork();
-  m_CurveAnswer = CContourAnswer{};
-  m_CurveAnswer->m_Attributes.m_bRightAutoBump = true;
-  m_CurveAnswer->m_bExport = true;
-  m_Commands.EditCurveAttributes(0, 21, CurveType::kNone);
-  EXPECT_EQ(Grid().Constraints().Points().size(), 2U) << "at 0 and 5";
-  EXPECT_EQ(Grid().Constraints().Curves().back().Options(), 0U);
-  Console();
-  Grid().PerformPendingWork();
-  const std::string lines = Console();
-  EXPECT_EQ(lines.find("CGrid::SetDiscMap()"), lines.rfind("CGrid::SetDiscMap()"));
-}
-
-TEST_F(GridCommandsTest, ExportOfTooManyConstraintsIsRefused) {
-  Grid().AddCurve(LineOf(40), CurveType::kFairness, false);
-  Grid().PerformPendingWork();
-  m_CurveAnswer = CContourAnswer{};
-  m_CurveAnswer->m_Attributes.m_bLeftAutoBump = true;
-  m_CurveAnswer->m_Attributes.m_aAutoBumps[0].m_fDistance = kSmallDistance;
-  m_CurveAnswer->m_bExport = true;
-  m_Commands.EditCurveAttributes(-3, 22, CurveType::kNone);
-  EXPECT_TRUE(Grid().Constraints().Points().empty());
-  EXPECT_EQ(m_Host.m_asNotices, Done{"The curve would generate more than 200000 constraints: make its distances "
-                                     "larger."});
-}
