@@ -25,7 +25,7 @@ start_display() {
   fi
 
   export DISPLAY=:$number HOME=$session/home LIBGL_ALWAYS_SOFTWARE=1
-  unset WAYLAND_DISPLAY XAUTHORITY XDG_CACHE_HOME XDG_CONFIG_HOME XDG_DATA_HOME
+  unset WAYLAND_DISPLAY XAUTHORITY XDG_CACHE_HOME XDG_CONFIG_HOME XDG_DATA_HOME XDG_STATE_HOME
   openbox --sm-disable --config-file scripts/openbox.xml >"$session/openbox.log" 2>&1 &
   manager_pid=$!
   local tries
