@@ -8,6 +8,7 @@
 #include <iterator>
 #include <list>
 
+#include "base/SameBits.h"
 #include "constraints/CPtCstr.h"
 
 class CLattice;
@@ -64,7 +65,11 @@ struct CNodeWeights {
   double m_fRightCurvature = 0.0;
   double m_fLeftTorsion = 0.0;
   double m_fRightTorsion = 0.0;
-  bool operator==(const CNodeWeights&) const = default;
+  /// To the last bit.
+  bool operator==(const CNodeWeights& other) const {
+    return SameBits(m_fLeftCurvature, other.m_fLeftCurvature) && SameBits(m_fRightCurvature, other.m_fRightCurvature) &&
+           SameBits(m_fLeftTorsion, other.m_fLeftTorsion) && SameBits(m_fRightTorsion, other.m_fRightTorsion);
+  }
 };
 
 /// One node of a curve.
@@ -82,7 +87,10 @@ struct CCntrNode : CPtCstr {
 struct CAutoBump {
   double m_fDistance = 5.0;     ///< between two of them along the path, model units
   double m_fOrientation = 0.0;  ///< tilt in degrees, positive uphill to the right, kept in -80..80
-  bool operator==(const CAutoBump&) const = default;
+  /// To the last bit.
+  bool operator==(const CAutoBump& other) const {
+    return SameBits(m_fDistance, other.m_fDistance) && SameBits(m_fOrientation, other.m_fOrientation);
+  }
 };
 
 /// A curve constraint (contour): a polyline over the picture, open or closed.

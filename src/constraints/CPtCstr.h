@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "base/SameBits.h"
+
 /// Bits of `CPtCstr::m_uKind`.
 namespace PtCstrKind {
 inline constexpr std::uint32_t kPosition = 1;  ///< fixes the height at the point
@@ -40,7 +42,8 @@ struct CPtCstr {
   /// Whether the record constrains the surface in the way of `kind` (kPosition or kNormal).
   bool IsEnabled(std::uint32_t kind) const { return HasKind(kind) && !HasKind(PtCstrKind::kDisabled); }
   /// Whether both are the same to the user: apart from the state, and from what follows from tree, system and surface,
-  /// which is whether the record is disabled or has no row, and the height under a slope.
+  /// which is whether the record is disabled or has no row, and the height under a slope. Numbers count to the last
+  /// bit.
   bool operator==(const CPtCstr& other) const;
 };
 
@@ -48,6 +51,6 @@ struct CPtCstr {
 inline bool CPtCstr::operator==(const CPtCstr& other) const {
   if (((m_uKind ^ other.m_uKind) & ~PtCstrKind::kDisabled) != 0) return false;
   const bool ownHeight = !HasKind(PtCstrKind::kNormal) || HasKind(PtCstrKind::kPosition);
-  return m_fX == other.m_fX && m_fY == other.m_fY && m_fP == other.m_fP && m_fQ == other.m_fQ &&
-         (!ownHeight || m_fZ == other.m_fZ);
+  return SameBits(m_fX, other.m_fX) && SameBits(m_fY, other.m_fY) && SameBits(m_fP, other.m_fP) &&
+         SameBits(m_fQ, other.m_fQ) && (!ownHeight || SameBits(m_fZ, other.m_fZ));
 }

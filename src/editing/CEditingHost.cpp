@@ -1,5 +1,6 @@
 #include "editing/CEditingHost.h"
 
+#include "editing/CEditHistory.h"
 #include "editing/CSolverControl.h"
 #include "editing/GridCommands.h"
 #include "editing/ModelDisplay.h"
@@ -27,14 +28,16 @@ void CEditingHost::Detach() {
 
 void CEditingHost::PerformPendingWork(bool held) {
   if (m_pGrid == nullptr || m_bPerforming || g_nSolverTimers != 0) return;
-  if (m_pGrid->Run().NextOperation() != Operation::kNone) Perform();
+  if (m_pGrid->Run().HasPending()) Perform();
   if (!m_bEditWaits || held) return;
   m_bEditWaits = false;
   if (m_Solver.IsStoppedByUser()) m_Display.TellSolverStopped();
 }
 
 void CEditingHost::Perform() {
-  if (ChangesSurface(m_pGrid->Run().NextOperation()) && m_Solver.TakeFirstWait()) m_bEditWaits = true;
+  // Of a step the user is told in other words.
+  const Operation next = m_pGrid->Run().NextOperation();
+  if (next != Operation::kNone && ChangesSurface(next) && m_Solver.TakeFirstWait()) m_bEditWaits = true;
   m_bPerforming = true;
   m_pGrid->PerformPendingWork();
   m_bPerforming = false;
@@ -59,6 +62,10 @@ void CEditingHost::ProcessEvents() { m_Display.ProcessEvents(); }
 void CEditingHost::CurvesRefused(int count) { m_Commands.TellRefusedCurves(count); }
 
 void CEditingHost::PerformCommand(Operation operation) { m_Commands.Perform(operation); }
+
+void CEditingHost::TakeStep(UserStep step) {
+  if (m_pHistory != nullptr) m_pHistory->Take(step);
+}
 
 void CEditingHost::PauseSolverConverged() { m_Solver.PauseSolverConverged(); }
 

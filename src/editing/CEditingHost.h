@@ -2,6 +2,7 @@
 
 #include "model/GridHost.h"
 
+class CEditHistory;
 class CGrid;
 class CGridCommands;
 class CSolverControl;
@@ -22,6 +23,9 @@ class CEditingHost : public GridHost {
   void AttachGrid(CGrid& grid);
   void Detach();
 
+  /// Who takes the steps back and forward that the user asks for. It must outlive the object.
+  void AttachHistory(CEditHistory& history) { m_pHistory = &history; }
+
   /// Performs what is posted, unless a tick is registered, and tells the user that an edit waits for the solver. To be
   /// called once per round of the toolkit and so never inside the command or the event that posted it. While a button
   /// is `held` nothing is told: the drag shows its own value.
@@ -35,6 +39,7 @@ class CEditingHost : public GridHost {
   void ProcessEvents() override;
   void CurvesRefused(int count) override;
   void PerformCommand(Operation operation) override;
+  void TakeStep(UserStep step) override;
   void PauseSolverConverged() override;
   void PauseSolverGaveUp() override;
   void ResumeAfterChange() override;
@@ -45,6 +50,7 @@ class CEditingHost : public GridHost {
   ModelDisplay& m_Display;
   CSolverControl& m_Solver;
   CGridCommands& m_Commands;
+  CEditHistory* m_pHistory = nullptr;
   CGrid* m_pGrid = nullptr;
   bool m_bEditWaits = false;   ///< for the solver, and the user is not told yet
   bool m_bPerforming = false;  ///< pending work is being done, perhaps with a dialog that lets events in

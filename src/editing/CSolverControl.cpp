@@ -35,6 +35,15 @@ void CSolverControl::ResumeAfterChange() {
   if (m_Reason == PauseReason::Converged) Resume();
 }
 
+void CSolverControl::ModelRestored(bool done) {
+  if (!IsRunning() && m_Reason != PauseReason::Converged) return;
+  if (done) {
+    PauseSolverConverged();
+  } else if (!IsRunning()) {
+    Resume();
+  }
+}
+
 void CSolverControl::ResumeSolver() {
   if (m_Reason != PauseReason::Freeze && m_Reason != PauseReason::Recorder) Resume();
 }

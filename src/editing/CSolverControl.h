@@ -52,6 +52,9 @@ class CSolverControl {
   void ResumeAfterCommand();
   /// Resumes if the solver had converged.
   void ResumeAfterChange();
+  /// The model is another one, for which the solver is `done` or not: it stops or goes on accordingly, unless something
+  /// else than itself has stopped it.
+  void ModelRestored(bool done);
   /// Resumes unless the freeze tool or the recorder holds the solver.
   void ResumeSolver();
   /// Has the grid run and tick, whatever it was stopped for.

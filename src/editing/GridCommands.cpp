@@ -57,9 +57,11 @@ void CGridCommands::NewGrid() {
   const std::optional<CGridParameters> chosen = m_Services.m_AskNewGrid(*m_pGrid);
   if (!chosen.has_value()) return;
   const CExtent& extent = chosen->m_Extent;
-  m_pGrid->Initialize(chosen->m_iStartLevel, chosen->m_bKeepConstraints, extent.x0, extent.y0, extent.x1, extent.y1);
-  m_pGrid->Reset();
-  SetPickTolerance();
+  m_pGrid->Gate().Do(Edit::NewGrid, [&] {
+    m_pGrid->Initialize(chosen->m_iStartLevel, chosen->m_bKeepConstraints, extent.x0, extent.y0, extent.x1, extent.y1);
+    m_pGrid->Reset();
+    SetPickTolerance();
+  });
   m_Host.GridReplaced();
 }
 
@@ -71,13 +73,14 @@ void CGridCommands::LoadGrid() {
   if (!file.has_value()) {
     Console() << "CImageView::LoadGrid() : filename == NULL\n";
   } else {
-    const GridFileState state = m_Services.m_LoadGrid(*m_pGrid, *file);
+    GridFileState state = GridFileState::NotOpened;
+    m_pGrid->Gate().Do(Edit::LoadGrid, [&] {
+      state = m_Services.m_LoadGrid(*m_pGrid, *file);
+      if (IsReplaced(state)) SetPickTolerance();
+    });
     Tell(TroubleWith(state, *file));
     if (state != GridFileState::NotOpened) TellRefusedCurves(m_pGrid->CurveEdits().TakeRefused());
-    if (IsReplaced(state)) {
-      SetPickTolerance();
-      m_Host.GridReplaced();
-    }
+    if (IsReplaced(state)) m_Host.GridReplaced();
   }
   m_Solver.ResumeSolver();
 }
@@ -150,10 +153,18 @@ void CGridCommands::EditCurveAttributes() {
   const std::optional<CContourAnswer> answer =
       m_Services.m_AskContourAttributes(CContourAttributes::Of(*curve, *node), curve->HasType(CurveType::kFairness));
   if (!answer.has_value()) return;
-  m_pGrid->CurveEdits().SetAttributes(clicked.m_Curve, curve->NumberOf(*node), answer->m_Attributes, clicked.m_NewType,
-                                      answer->m_bAllNodes);
-  if (answer->m_bExport && !m_pGrid->CurveEdits().ExportConstraints(clicked.m_Curve))
-    m_Host.Notice("The curve would generate more than 200000 constraints: make its distances larger.");
+  const auto set = [&] {
+    m_pGrid->CurveEdits().SetAttributes(clicked.m_Curve, curve->NumberOf(*node), answer->m_Attributes,
+                                        clicked.m_NewType, answer->m_bAllNodes);
+  };
+  if (!answer->m_bExport) return set();
+  // One answer, one step back.
+  bool exported = false;
+  m_pGrid->Gate().Do(Edit::ExportConstraints, [&] {
+    set();
+    exported = m_pGrid->CurveEdits().ExportConstraints(clicked.m_Curve);
+  });
+  if (!exported) m_Host.Notice("The curve would generate more than 200000 constraints: make its distances larger.");
 }
 
 void CGridCommands::TellRefusedCurves(int count) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <iosfwd>
 
+#include "base/SameBits.h"
 #include "base/Vector3.h"
 
 /// One light of a set: where it shines from, its colour, and how it is shown in the model view.
@@ -18,7 +19,10 @@ struct CLight {
   /// From the surface to the light, without the fourth component, which is 0.
   Vector3 Direction() const { return {m_afDirection[0], m_afDirection[1], m_afDirection[2]}; }
   void SetDirection(const Vector3& d) { m_afDirection = {d.x, d.y, d.z, 0}; }
-  bool operator==(const CLight&) const = default;
+  bool operator==(const CLight& other) const {
+    return m_bActive == other.m_bActive && m_bDrawn == other.m_bDrawn && SameBits(m_afDirection, other.m_afDirection) &&
+           SameBits(m_afColour, other.m_afColour) && SameBits(m_afTubeColour, other.m_afTubeColour);
+  }
 };
 
 /// The lights of one set: four directional lights, then the ambient one.

@@ -43,6 +43,19 @@ void CConstraints::TakeFrom(CSketch& sketch) {
   m_PendingCurve = std::move(sketch.m_PendingCurve);
 }
 
+void CConstraints::Restore(const CSketch& sketch) {
+  m_Headers = sketch.m_ListHeaders;
+  m_Points = sketch.m_Points;
+  m_Curves = sketch.m_Curves;
+  m_PendingCurve = sketch.m_PendingCurve;
+  m_PendingCurve.SetClosedOnValidate(false);
+  for (CPtCstr& constraint : m_Points) constraint.SetState(PtCstrState::kHighlighted, false);
+  for (CCntrCtrl& curve : m_Curves) {
+    curve.SetState(PtCstrState::kHighlighted, false);
+    for (CCntrNode& node : curve.Nodes()) node.SetState(PtCstrState::kHighlighted, false);
+  }
+}
+
 void CConstraints::Clear() {
   m_Points.clear();
   m_Generated.clear();
@@ -112,6 +125,10 @@ void CConstraints::UpdateActivity(CPtCstr& constraint) const {
   UpdateDisabledBit(constraint);
   constraint.m_uIdle =
       KindsOf(constraint) & ~CConstraintRows::KindsWithRows(constraint, m_Surface.Tree(), m_Surface.Interpolation());
+}
+
+void CConstraints::UpdateActivities() {
+  for (CPtCstr& constraint : m_Points) UpdateActivity(constraint);
 }
 
 void CConstraints::MarkIdle(const CConstraintRows& rows) {

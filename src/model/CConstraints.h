@@ -34,6 +34,9 @@ class CConstraints {
   void AddTo(CSketch& sketch) const;
   /// Moves it out of one, in place of what there is. Curves generate nothing until `Generate`.
   void TakeFrom(CSketch& sketch);
+  /// The same for a sketch of the present grid, by copying: what the curves generate stays until `Generate`. Selected
+  /// is what was selected in the sketch, and nothing highlighted.
+  void Restore(const CSketch& sketch);
   void Clear();
   /// The name of the first curve that has a node within `reach` of (x, y) (see CPtCstr::IsWithinReach); kNone if there
   /// is none.
@@ -51,6 +54,8 @@ class CConstraints {
   void UpdateDisabledBits();
   /// The disabled bit and the idle kinds of one that has been added or moved.
   void UpdateActivity(CPtCstr& constraint) const;
+  /// The same for all that the user has placed.
+  void UpdateActivities();
   /// Takes over what the rows just built of the user's and the generated constraints hold of each.
   void MarkIdle(const CConstraintRows& rows);
   /// Why the system has no row for a constraint, or for one of its two kinds (see CPtCstr::m_uIdle); None where nothing

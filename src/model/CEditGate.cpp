@@ -6,12 +6,14 @@
 void CEditGate::BeginGesture(Hold hold) {
   m_Held = hold;
   m_bChanged = false;
+  if (m_pObserver != nullptr) m_pObserver->GestureBegins();
 }
 
 void CEditGate::EndGesture(GestureEnd end) {
   const bool curve = std::exchange(m_Held, Hold::Nothing) == Hold::Curve;
   const bool changed = std::exchange(m_bChanged, false) || end == GestureEnd::Released;
   if (curve && changed && m_Run.NextOperation() != Operation::kContourAttributes) Finish(Edit::ReleaseCurve);
+  if (m_pObserver != nullptr) m_pObserver->GestureEnds();
 }
 
 void CEditGate::Finish(Edit edit) {

@@ -3,12 +3,14 @@
 #include <utility>
 
 #include "model/Edit.h"
+#include "model/EditObserver.h"
 
 class CConstraints;
 class CGridRun;
 
 /// The gate through which a hand changes the document: every edit of the model's parts is made in here, which then
-/// posts what it has put out of date (PostedBy) and has it shown. Nothing is computed here.
+/// posts what it has put out of date (PostedBy) and has it shown. Commands that replace the document pass it, too.
+/// Nothing is computed here.
 ///
 /// What a button does between its press and its release lies between `BeginGesture` and `EndGesture`, and is one edit
 /// to the user.
@@ -27,6 +29,9 @@ class CEditGate {
   CEditGate& operator=(const CEditGate&) = delete;
   ~CEditGate() = default;
 
+  /// Who hears of edits and gestures, or null. Must outlive the gate or be detached.
+  void AttachObserver(EditObserver* observer) { m_pObserver = observer; }
+
   /// A button has taken hold of something.
   void BeginGesture(Hold hold);
   /// Nothing is held afterwards. A curve that was held takes effect: kRebuildMaps is posted, unless its attributes are
@@ -36,8 +41,10 @@ class CEditGate {
   /// Makes a change by calling `change`.
   template <typename Change>
   void Do(Edit edit, Change&& change) {
+    if (m_pObserver != nullptr) m_pObserver->BeforeEdit(edit);
     std::forward<Change>(change)();
     Finish(edit);
+    if (m_pObserver != nullptr) m_pObserver->AfterEdit(edit);
   }
 
  private:
@@ -45,6 +52,7 @@ class CEditGate {
 
   const CConstraints& m_Constraints;
   CGridRun& m_Run;
+  EditObserver* m_pObserver = nullptr;
   Hold m_Held = Hold::Nothing;
   bool m_bChanged = false;  ///< by the gesture under way
 };

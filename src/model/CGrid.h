@@ -12,6 +12,7 @@
 #include "model/CEditGate.h"
 #include "model/CGridBuilder.h"
 #include "model/CGridRun.h"
+#include "model/CModelState.h"
 #include "model/CPointMarks.h"
 #include "model/CPtCstrEdits.h"
 #include "model/CRelighting.h"
@@ -51,6 +52,16 @@ class CGrid {
   /// `SetDiscMap` must follow. Throws std::bad_alloc: with the model as it was where `Reserve` does, else with the
   /// constraints and levels of the sketch and `Initialize` due.
   void TakeOver(CSketch sketch);
+
+  /// What the user has made, and all of the model: with both, one comes back to where it was.
+  CDocument Document() const;
+  CModelState State() const;
+  /// Makes a document of the present rectangle, levels and resolution the grid's own, with what was selected in it, and
+  /// posts what that has put out of date: kRebuildMaps, kRebuild, kRestart or nothing. The surface stays.
+  void RestoreDocument(const CDocument& document);
+  /// Replaces the whole model, for which nothing may wait: the surface is the one of the state at once, and stays where
+  /// the solver had done with it. The run flag is the caller's to set. Throws std::bad_alloc with the model as it was.
+  void RestoreState(const CModelState& state);
 
   // The run (see CGridRun) and its ticks (GridUpdate.cpp).
   /// One tick's work: the pending operations, the system as far as it is out of date, ten iterations, the surface.
@@ -137,7 +148,11 @@ class CGrid {
 
  private:
   friend struct CStaging;  // of the tests, for states that no operation leads to
-  bool PerformOperations();
+  /// What has been done of what waited.
+  enum class Performed { Nothing, Operations, Step };
+
+  Performed PerformOperations();
+  void Perform(const CPendingRound& round);
   void Dispatch(Operation operation);
   void SwapResolution(bool high, bool transfer);
   void SubdivisionChanged();

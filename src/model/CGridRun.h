@@ -34,7 +34,10 @@ class CGridRun {
   void Post(Operation operation);
   /// See CPendingWork.
   Operation NextOperation() const { return m_Pending.Next(); }
-  std::vector<Operation> Take() { return m_Pending.Take(); }
+  void RequestStep(UserStep step) { m_Pending.RequestStep(step); }
+  /// Whether anything waits.
+  bool HasPending() const { return NextOperation() != Operation::kNone || m_Pending.HasStep(); }
+  std::vector<CPendingRound> Take() { return m_Pending.TakeRounds(); }
   void DropPending() { m_Pending.Clear(); }
 
  private:

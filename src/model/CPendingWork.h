@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 /// The work that waits for the next tick. Each code is a power of two; the value 0 means nothing.
@@ -32,7 +33,19 @@ constexpr bool Repeats(Operation operation) {
   return operation == Operation::kSubdivide || operation == Operation::kMerge;
 }
 
+/// A step on the way back through what the user has done, or forward again.
+enum class UserStep { None, Undo, Redo };
+
+/// Work in the order in which it is to be done: operations, then a step, if any.
+struct CPendingRound {
+  std::vector<Operation> m_aOperations;
+  UserStep m_Step = UserStep::None;
+  bool operator==(const CPendingRound&) const = default;
+};
+
 /// The work that commands and edits leave for the next tick: the code posted last, and what it was posted over.
+///
+/// Beside the codes wait the steps back and forward that the user has asked for, each after the codes posted before it.
 ///
 /// One code is visible at a time, the last; but no posted work is lost. Overwritten codes wait in the order in which
 /// they were posted, edits that follow each other merged into the most thorough one (maps over matrix over restart). A
@@ -45,13 +58,27 @@ class CPendingWork {
   /// Nothing is gained by posting a code that was posted last and has not been performed, but for those that repeat.
   /// `Clear` forgets all.
   void Post(Operation code);
+  /// Steps have no code: `Next` does not show them.
+  void RequestStep(UserStep step);
+  bool HasStep() const { return !m_aSteps.empty(); }
   void Clear();
-  /// The codes to perform, in order. Nothing is pending afterwards, so that what these post is kept for the next time.
+  /// The codes to perform, in order, without the steps. Nothing is pending afterwards, so that what these post is kept
+  /// for the next time.
   std::vector<Operation> Take();
+  /// The same with the steps: the codes before each, then those after the last one. Empty where nothing is pending.
+  std::vector<CPendingRound> TakeRounds();
 
  private:
+  /// A step, and how many codes are to be performed before it.
+  struct CWaitingStep {
+    UserStep m_Step;
+    std::size_t m_uAfter;
+  };
+
+  bool MergesInto(Operation code) const;
   void Remember(Operation code);
 
   Operation Next_Operation = Operation::kNone;
   std::vector<Operation> m_aOverwritten;
+  std::vector<CWaitingStep> m_aSteps;
 };

@@ -88,6 +88,21 @@ void CSurface::SwapResolution(bool transfer) {
   m_bCaptured = true;
 }
 
+CSurfaceState CSurface::State() const {
+  CSurfaceState state{m_afPresentSurface, m_afOtherSurface, m_Mode};
+  if (!m_bCaptured) Interpolation().SampleLattice(state.m_afHeights);
+  return state;
+}
+
+void CSurface::Restore(const CSurfaceState& state) {
+  m_Mode = state.m_Mode;
+  if (state.m_afHeights.size() != m_Lattice.PointCount() || state.m_afOtherHeights.size() != m_Lattice.PointCount())
+    return;
+  m_afPresentSurface = state.m_afHeights;
+  m_afOtherSurface = state.m_afOtherHeights;
+  m_bCaptured = true;
+}
+
 void CSurface::Capture() {
   ScatterNodalHeights();
   Interpolation().SampleLattice(m_afPresentSurface);

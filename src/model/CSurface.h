@@ -8,6 +8,7 @@
 
 #include "lattice/CLattice.h"
 #include "lattice/WaveletMode.h"
+#include "model/CSurfaceState.h"
 #include "quadtree/CPointOrder.h"
 #include "quadtree/CQuadTree.h"
 #include "quadtree/Interpolation.h"
@@ -58,6 +59,11 @@ class CSurface {
   /// To the surface of the other resolution or, to `transfer`, to this one's in place of that; the other keeps what
   /// this one was. A replay must follow, which takes its heights up.
   void SwapResolution(bool transfer);
+  /// The surface of both resolutions as a value. Linear in the number of lattice points.
+  CSurfaceState State() const;
+  /// Takes over the mode and the surfaces of both resolutions; on a lattice of another size, the mode alone. A replay
+  /// must follow, which takes the heights up.
+  void Restore(const CSurfaceState& state);
   /// Number of unknowns.
   int ActivePointCount() const { return static_cast<int>(m_Order.Count()); }
 

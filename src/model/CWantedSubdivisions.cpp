@@ -4,6 +4,9 @@
 #include <utility>
 
 void CWantedSubdivisions::Initialize(int maxLevel, int baseLevel, bool highRes) {
+  m_CurrentBits.reset();
+  m_OtherBits.reset();
+  m_SelectedCells.reset();
   TakeReserve(maxLevel);
   if (!m_Current.has_value() || m_Current->Depth() != maxLevel) {
     m_Current.emplace(maxLevel);
@@ -14,6 +17,27 @@ void CWantedSubdivisions::Initialize(int maxLevel, int baseLevel, bool highRes) 
   m_Current->SetStartLevel(baseLevel);
   m_Other->SetStartLevel(maxLevel);
   if (highRes) Swap();
+}
+
+void CWantedSubdivisions::Swap() {
+  m_Current.swap(m_Other);
+  m_CurrentBits.swap(m_OtherBits);
+  m_SelectedCells.reset();
+}
+
+const CSubdivisionBits& CWantedSubdivisions::CurrentBits() const {
+  if (!m_CurrentBits.has_value()) m_CurrentBits.emplace(*m_Current);
+  return *m_CurrentBits;
+}
+
+const CSubdivisionBits& CWantedSubdivisions::OtherBits() const {
+  if (!m_OtherBits.has_value()) m_OtherBits.emplace(*m_Other);
+  return *m_OtherBits;
+}
+
+const std::vector<std::uint32_t>& CWantedSubdivisions::SelectedCells() const {
+  if (!m_SelectedCells.has_value()) m_SelectedCells = m_Current->SelectedNodes();
+  return *m_SelectedCells;
 }
 
 void CWantedSubdivisions::Reserve(int maxLevel) {

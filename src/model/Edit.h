@@ -2,7 +2,7 @@
 
 #include "model/CPendingWork.h"
 
-/// The edits that a hand makes of a document, by what its owner would call them.
+/// The edits that a hand or a command makes of a document, by what its owner would call them.
 enum class Edit {
   AddPoint,
   MovePoint,
@@ -21,8 +21,17 @@ enum class Edit {
   DeleteNode,
   DeleteCurve,
   RefineCell,
+  SplitCells,
+  MergeCells,
   SetLight,
+  SwitchResolution,
+  ResetSolver,
+  NewGrid,
+  LoadGrid,
 };
+
+/// Whether the surface is another one after it, which the iteration has not led to.
+constexpr bool ReplacesSurface(Edit edit) { return edit >= Edit::SwitchResolution; }
 
 /// What an edit leaves for the next tick.
 constexpr Operation PostedBy(Edit edit) {

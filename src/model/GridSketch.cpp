@@ -1,8 +1,21 @@
-// The grid's document as a value, and a value as the grid's document.
+// The grid's document and its whole state as values, and values as the grid's own.
+
+#include <algorithm>
+#include <iterator>
 
 #include "model/CGrid.h"
 #include "model/CSketch.h"
 #include "model/Globals.h"
+
+namespace {
+
+// Whether the rows of the constraints belong to the same points, whatever these are to have.
+bool HaveSameKinds(const CPtCstrList& a, const CPtCstrList& b) {
+  const auto kind = [](const CPtCstr& c) { return c.m_uKind & ~PtCstrKind::kDisabled; };
+  return std::ranges::equal(a, b, {}, kind, kind);
+}
+
+}  // namespace
 
 CSketch CGrid::Sketch() const {
   CSketch sketch;
@@ -11,7 +24,7 @@ CSketch CGrid::Sketch() const {
   sketch.m_iNewBaseLevel = g_iBaseLevel;
   sketch.m_iMaxLevel = m_Surface.Lattice().Level();
   sketch.m_bHighRes = g_bHighRes == 1;
-  sketch.m_aSubdivisions = {CSubdivisionBits(m_Wanted.Current()), CSubdivisionBits(m_Wanted.Other())};
+  sketch.m_aSubdivisions = {m_Wanted.CurrentBits(), m_Wanted.OtherBits()};
   m_Constraints.AddTo(sketch);
   return sketch;
 }
@@ -27,4 +40,56 @@ void CGrid::TakeOver(CSketch sketch) {
   Initialize(sketch.m_iBaseLevel, true, e.x0, e.y0, e.x1, e.y1);
   sketch.m_aSubdivisions.front().ApplyTo(m_Wanted.Current());
   sketch.m_aSubdivisions.back().ApplyTo(m_Wanted.Other());
+}
+
+CDocument CGrid::Document() const {
+  return {Sketch(), m_Relighting.RemovedLights(), m_Relighting.AddedLights(), m_Wanted.SelectedCells()};
+}
+
+CModelState CGrid::State() const {
+  CSolverState solver = m_Solver.State();
+  // Rows that an edit has put out of date are no longer what the iteration is to go on with.
+  if (m_Run.NextOperation() != Operation::kNone) solver.m_iCounter = std::min(solver.m_iCounter, 0);
+  return {Document(), g_iMaxLevel, g_fPickTolerance, std::make_shared<const CSurfaceState>(m_Surface.State()),
+          std::make_shared<const CSolverState>(std::move(solver))};
+}
+
+void CGrid::RestoreDocument(const CDocument& document) {
+  const CSketch& sketch = document.m_Sketch;
+  const bool cells =
+      m_Wanted.CurrentBits() != sketch.m_aSubdivisions.front() || m_Wanted.OtherBits() != sketch.m_aSubdivisions.back();
+  const bool maps = cells || m_Constraints.Curves() != sketch.m_Curves;
+  const bool rows = m_Constraints.Points() != sketch.m_Points;
+  const bool numbering = !HaveSameKinds(m_Constraints.Points(), sketch.m_Points);
+  m_Constraints.Restore(sketch);
+  m_Relighting.SetLights(document.m_RemovedLights, document.m_AddedLights);
+  if (cells) {
+    sketch.m_aSubdivisions.front().ApplyTo(m_Wanted.Current());
+    sketch.m_aSubdivisions.back().ApplyTo(m_Wanted.Other());
+    m_Wanted.Current().SelectNodes(document.m_auSelectedCells);
+    m_Wanted.Current().ShowSelection(m_Surface.Tree());
+  }
+  if (rows && !maps) m_Constraints.UpdateActivities();
+  if (maps) {
+    m_Run.Post(Operation::kRebuildMaps);
+  } else if (rows) {
+    m_Run.Post(numbering ? Operation::kRebuild : Operation::kRestart);
+  }
+  m_Run.Host().ShowConstraints(m_Constraints.ActiveCount());
+  m_Run.Host().RequestRedraw();
+}
+
+void CGrid::RestoreState(const CModelState& state) {
+  const CDocument& document = state.m_Document;
+  TakeOver(document.m_Sketch);
+  g_iMaxLevel = state.m_iNewMaxLevel;
+  g_fPickTolerance = state.m_fPickTolerance;
+  m_Relighting.SetLights(document.m_RemovedLights, document.m_AddedLights);
+  m_Wanted.Current().SelectNodes(document.m_auSelectedCells);
+  if (state.m_pSurface != nullptr) m_Surface.Restore(*state.m_pSurface);
+  SetDiscMap();
+  m_Wanted.Current().ShowSelection(m_Surface.Tree());
+  m_Surface.Reconstruct();
+  if (state.m_pSolver != nullptr) m_Solver.Resume(*state.m_pSolver, m_Surface.Coefficients());
+  m_Run.Host().RequestRedraw();
 }

@@ -17,21 +17,38 @@ bool IsInModel(Operation operation) { return IsEdit(operation) || operation == O
 }  // namespace
 
 void CGrid::PerformPendingWork() {
-  if (!PerformOperations()) return;
+  if (PerformOperations() == Performed::Nothing) return;
   m_Surface.Reconstruct();
   RefreshNormalCstrHeights();
 }
 
-bool CGrid::PerformOperations() {
-  std::vector<Operation> operations = m_Run.Take();
-  // A file must not hold constraints that its heights do not know yet, so edits go before the saving they were posted
-  // over.
-  std::stable_partition(std::ranges::find(operations, Operation::kSaveGrid), operations.end(), IsInModel);
-  for (const Operation operation : operations) Dispatch(operation);
+CGrid::Performed CGrid::PerformOperations() {
+  const std::vector<CPendingRound> rounds = m_Run.Take();
+  for (const CPendingRound& round : rounds) Perform(round);
   // A mere restart leaves the surface as it is, to the last bit: what has been loaded is saved unchanged.
   const bool renumbers = m_Solver.Counter() == -1;
   if (m_Solver.Counter() < 1) SetSparseH();
-  return renumbers || !operations.empty();
+  if (std::ranges::any_of(rounds, [](const CPendingRound& round) { return round.m_Step != UserStep::None; }))
+    return Performed::Step;
+  return renumbers || !rounds.empty() ? Performed::Operations : Performed::Nothing;
+}
+
+void CGrid::Perform(const CPendingRound& round) {
+  std::vector<Operation> operations = round.m_aOperations;
+  // A file must not hold constraints that its heights do not know yet, so edits go before the saving they were posted
+  // over.
+  std::stable_partition(std::ranges::find(operations, Operation::kSaveGrid), operations.end(), IsInModel);
+  // What an edit has put out of date need not be rebuilt before a step that puts more out of date.
+  if (round.m_Step != UserStep::None && !operations.empty() && IsEdit(operations.back())) {
+    m_Run.Post(operations.back());
+    operations.pop_back();
+  }
+  for (const Operation operation : operations) Dispatch(operation);
+  if (round.m_Step == UserStep::None) return;
+  m_Run.Host().TakeStep(round.m_Step);
+  for (const CPendingRound& posted : m_Run.Take()) {
+    for (const Operation operation : posted.m_aOperations) Dispatch(operation);
+  }
 }
 
 void CGrid::Dispatch(Operation operation) {
@@ -44,15 +61,15 @@ void CGrid::Dispatch(Operation operation) {
       return SetDiscMap();
     case Operation::kTransferToHigh:
     case Operation::kTransferToNormal:
-      return Transmit(operation == Operation::kTransferToHigh);
+      return m_Gate.Do(Edit::SwitchResolution, [&] { Transmit(operation == Operation::kTransferToHigh); });
     case Operation::kRestoreHigh:
     case Operation::kRestoreNormal:
-      return SwapResolution(operation == Operation::kRestoreHigh, false);
+      return m_Gate.Do(Edit::SwitchResolution, [&] { SwapResolution(operation == Operation::kRestoreHigh, false); });
     case Operation::kSubdivide:
-      m_Wanted.Current().subdivSelected();
+      m_Gate.Do(Edit::SplitCells, [&] { m_Wanted.Current().subdivSelected(); });
       return SubdivisionChanged();
     case Operation::kMerge:
-      m_Wanted.Current().MergeSelected();
+      m_Gate.Do(Edit::MergeCells, [&] { m_Wanted.Current().MergeSelected(); });
       return SubdivisionChanged();
     case Operation::kNewCurve:
       UnselectCurves(CurveType::kAll);
@@ -80,12 +97,15 @@ void CGrid::UpdateGrid() {
   const bool polling = g_bNoEventPolling == 0 && m_Run.HasHost();
   const auto poll = [this] {
     m_Run.Host().ProcessEvents();
-    return m_Run.NextOperation() != Operation::kNone;
+    return m_Run.HasPending();
   };
   if (polling) m_Run.Host().ProcessEvents();
-  PerformOperations();
-  const CGridSolver::Outcome outcome = m_Solver.Tick(m_Surface.Coefficients(), CGridRun::kIterationsPerTick + 1,
-                                                     polling ? std::function<bool()>(poll) : nullptr);
+  // A step may have led to where the solver had done its work.
+  const bool resting = PerformOperations() == Performed::Step && !m_Run.IsRunning();
+  const CGridSolver::Outcome outcome = resting
+                                           ? CGridSolver::Outcome::TickDone
+                                           : m_Solver.Tick(m_Surface.Coefficients(), CGridRun::kIterationsPerTick + 1,
+                                                           polling ? std::function<bool()>(poll) : nullptr);
   m_Surface.Reconstruct();
   RefreshNormalCstrHeights();
   const bool stopped = outcome == CGridSolver::Outcome::Converged || outcome == CGridSolver::Outcome::GaveUp;
@@ -104,11 +124,12 @@ void CGrid::UpdateGrid() {
 }
 
 void CGrid::Reset() {
-  const double limit = 10.0 / static_cast<double>(m_Surface.Lattice().PointCount());
-  m_Surface.Randomise(m_Random, limit);
-  m_Solver.RandomiseMultipliers(limit);
-  m_Surface.Reconstruct();
-  m_Run.Post(Operation::kRebuildMaps);
-  m_Run.Host().RequestRedraw();
+  m_Gate.Do(Edit::ResetSolver, [&] {
+    const double limit = 10.0 / static_cast<double>(m_Surface.Lattice().PointCount());
+    m_Surface.Randomise(m_Random, limit);
+    m_Solver.RandomiseMultipliers(limit);
+    m_Surface.Reconstruct();
+    m_Run.Post(Operation::kRebuildMaps);
+  });
   m_Run.Host().ShowIterations(m_Solver.Counter());
 }

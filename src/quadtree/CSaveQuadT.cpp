@@ -108,6 +108,19 @@ void CSubdivisionRecord::SelectRectangle(const CQuadTree& tree, double gx0, doub
   Root().SelectWithin(tree.Root(), {std::min(gx0, gx1), std::min(gy0, gy1), std::max(gx0, gx1), std::max(gy0, gy1)});
 }
 
+std::vector<std::uint32_t> CSubdivisionRecord::SelectedNodes() const {
+  std::vector<std::uint32_t> nodes;
+  for (std::size_t k = 0; k < m_aNodes.size(); ++k) {
+    if (m_aNodes[k].IsSelected()) nodes.push_back(static_cast<std::uint32_t>(k));
+  }
+  return nodes;
+}
+
+void CSubdivisionRecord::SelectNodes(std::span<const std::uint32_t> nodes) {
+  for (CSaveQuadT& node : m_aNodes) node.SetSelected(false);
+  for (const std::uint32_t k : nodes) m_aNodes[k].SetSelected(true);
+}
+
 void CSubdivisionRecord::ShowSelection(CQuadTree& tree) const {
   tree.m_aiSelectedCorners.clear();
   Root().ShowSelection(tree.Root(), false, tree.m_aiSelectedCorners);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <span>
 #include <vector>
 
 class CQuadT;
@@ -82,6 +84,9 @@ class CSubdivisionRecord {
   void SelectRectangle(const CQuadTree& tree, double gx0, double gy0, double gx1, double gy1);
   /// On each way down from the root the first selected node is selected no more.
   void ClearSelection() { Root().ClearSelection(); }
+  /// The selected nodes, by their place in the order level by level from the root; and exactly these selected.
+  std::vector<std::uint32_t> SelectedNodes() const;
+  void SelectNodes(std::span<const std::uint32_t> nodes);
   /// Writes the selection into the cells: those of selected nodes get CellFlag::kSelected, unless a cell above has it;
   /// all others lose it. Linear in the number of nodes.
   void ShowSelection(CQuadTree& tree) const;

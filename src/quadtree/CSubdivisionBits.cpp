@@ -2,6 +2,7 @@
 
 #include <istream>
 #include <ostream>
+#include <utility>
 
 #include "base/Console.h"
 #include "quadtree/CSaveQuadT.h"
@@ -47,41 +48,53 @@ void WriteNode(std::ostream& out, CBit& bit, CBit end, int depth) {
   out << 'e';
 }
 
-}  // namespace
-
-CSubdivisionBits::CSubdivisionBits(const CSubdivisionRecord& record) : m_iDepth(record.Depth()) {
-  AppendNode(m_aBits, record.Root());
-}
-
-void CSubdivisionBits::ApplyTo(CSubdivisionRecord& record) const {
-  auto bit = m_aBits.begin();
-  ApplyToNode(bit, m_aBits.end(), record.Root());
-}
-
-void CSubdivisionBits::Write(std::ostream& out) const {
-  auto bit = m_aBits.begin();
-  WriteNode(out, bit, m_aBits.end(), m_iDepth);
-}
-
-bool CSubdivisionBits::Read(std::istream& in, int depth) {
-  m_iDepth = depth;
-  m_aBits.clear();
-  if (ReadNode(in, depth)) return true;
-  Console() << "Error CSaveQuadT::ReadInFile\t\tNon valid Character";
-  return false;
-}
-
-bool CSubdivisionBits::ReadNode(std::istream& in, int depth) {
+bool ReadNode(std::istream& in, int depth, std::vector<bool>& bits) {
   char token = 0;
   in >> token;
   const bool split = in && token == 'b' && depth > 0;
   if (!split && (!in || token != 'N')) return false;
-  if (depth > 0) m_aBits.push_back(split);
+  if (depth > 0) bits.push_back(split);
   if (!split) return true;
   for (int k = 0; k < 4; ++k) {
-    if (!ReadNode(in, depth - 1)) return false;
+    if (!ReadNode(in, depth - 1, bits)) return false;
     in >> token;
     if (!in || token != (k == 3 ? 'e' : 'v')) return false;
   }
   return true;
+}
+
+}  // namespace
+
+CSubdivisionBits::CSubdivisionBits(const CSubdivisionRecord& record) : m_iDepth(record.Depth()) {
+  std::vector<bool> bits;
+  AppendNode(bits, record.Root());
+  m_pBits = std::make_shared<const std::vector<bool>>(std::move(bits));
+}
+
+const std::vector<bool>& CSubdivisionBits::Bits() const {
+  static const std::vector<bool> none;
+  return m_pBits == nullptr ? none : *m_pBits;
+}
+
+bool CSubdivisionBits::operator==(const CSubdivisionBits& other) const {
+  return m_iDepth == other.m_iDepth && (m_pBits == other.m_pBits || Bits() == other.Bits());
+}
+
+void CSubdivisionBits::ApplyTo(CSubdivisionRecord& record) const {
+  auto bit = Bits().begin();
+  ApplyToNode(bit, Bits().end(), record.Root());
+}
+
+void CSubdivisionBits::Write(std::ostream& out) const {
+  auto bit = Bits().begin();
+  WriteNode(out, bit, Bits().end(), m_iDepth);
+}
+
+bool CSubdivisionBits::Read(std::istream& in, int depth) {
+  m_iDepth = depth;
+  std::vector<bool> bits;
+  const bool sound = ReadNode(in, depth, bits);
+  m_pBits = std::make_shared<const std::vector<bool>>(std::move(bits));
+  if (!sound) Console() << "Error CSaveQuadT::ReadInFile\t\tNon valid Character";
+  return sound;
 }

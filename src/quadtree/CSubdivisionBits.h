@@ -1,19 +1,23 @@
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
+#include <memory>
 #include <vector>
 
 class CSubdivisionRecord;
 
 /// A wanted subdivision as a value of a bit per node: the nodes depth-first, children in their order, 1 for one that is
 /// split and 0 for a leaf. A node of the finest level, which cannot be split, has none. What is selected is no part of
-/// it.
+/// it. Copies share the bits.
 class CSubdivisionBits {
  public:
   /// Holds nothing, not even the root.
   CSubdivisionBits() = default;
   explicit CSubdivisionBits(const CSubdivisionRecord& record);
-  bool operator==(const CSubdivisionBits&) const = default;
+  bool operator==(const CSubdivisionBits& other) const;
+  /// Memory that the bits take, whoever shares them.
+  std::size_t Bytes() const { return Bits().size() / 8; }
 
   /// Gives a record of the depth that the bits were made for this subdivision. Nodes that the bits do not reach stay as
   /// they are; of the others none is selected afterwards.
@@ -28,8 +32,8 @@ class CSubdivisionBits {
   bool Read(std::istream& in, int depth);
 
  private:
-  bool ReadNode(std::istream& in, int depth);
+  const std::vector<bool>& Bits() const;
 
   int m_iDepth = 0;
-  std::vector<bool> m_aBits;
+  std::shared_ptr<const std::vector<bool>> m_pBits;  ///< null for none
 };

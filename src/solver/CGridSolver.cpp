@@ -113,14 +113,32 @@ bool CGridSolver::ModelChanged() {
   return true;
 }
 
-void CGridSolver::Start(std::span<const double> x) {
+CSolverState CGridSolver::State() const {
+  return {m_afMultipliers, m_afTargets, m_iCounter, m_End == Outcome::Converged, m_End == Outcome::GaveUp};
+}
+
+void CGridSolver::Resume(const CSolverState& state, std::span<const double> x) {
+  m_End = Outcome::TickDone;
+  m_bShakeDue = false;
+  m_afMultipliers = state.m_afMultipliers;
+  const std::size_t rows = m_System.ConstraintCount();
+  const bool same = state.m_afMultipliers.size() == rows && state.m_afTargets.size() == rows;
+  if (m_iCounter < 0 || state.m_iCounter < 1 || !same) return;
+  Start(x, &state);
+  m_iCounter = state.m_iCounter;
+  if (state.m_bStopped) m_End = Outcome::Converged;
+  if (state.m_bGaveUp) m_End = Outcome::GaveUp;
+}
+
+void CGridSolver::Start(std::span<const double> x, const CSolverState* resumed) {
   ResizeMultipliers();
   const std::span<const double> targets = m_System.Constraints().Targets();
   m_afTargets.assign(targets.begin(), targets.end());
+  if (resumed != nullptr) m_afTargets = resumed->m_afTargets;
   if (m_bShakeDue) Shake();
   m_Residual.Restart(m_System, x, m_afMultipliers, m_afTargets);
   // An edit shortly before the pause leaves the same kind of residual as one after it.
-  if (!m_bShakeDue && !m_Residual.HasBrokenDown() && m_Residual.Symmetry() < kBadStart) {
+  if (resumed == nullptr && !m_bShakeDue && !m_Residual.HasBrokenDown() && m_Residual.Symmetry() < kBadStart) {
     Shake();
     m_Residual.Restart(m_System, x, m_afMultipliers, m_afTargets);
   }

@@ -9,6 +9,7 @@
 #include "solver/CConstraintSystem.h"
 #include "solver/CEnergyTerms.h"
 #include "solver/CHierarchicalBasis.h"
+#include "solver/CSolverState.h"
 
 class CCntrCtrlList;
 class CPointOrder;
@@ -53,16 +54,25 @@ class CGridSolver {
   /// The model has been edited. Returns whether the solver had stopped itself, and arms the restart that follows: see
   /// Shake.
   bool ModelChanged();
+  /// Whether it has, with the surface that was asked for or with another one; and whether with the former.
+  bool HasStopped() const { return m_End != Outcome::TickDone; }
   bool HasConverged() const { return m_End == Outcome::Converged; }
   /// All multipliers by chance in [0, limit].
   void RandomiseMultipliers(double limit);
+
+  /// How far the iteration has come.
+  CSolverState State() const;
+  /// Goes on from the coefficients `x` where an iteration on the same constraints had come to: one that had stopped
+  /// itself stays so until the next edit. The system must have been built. Where it has another number of rows than the
+  /// state, the iteration starts afresh.
+  void Resume(const CSolverState& state, std::span<const double> x);
 
   /// The system as it was built last, and its multipliers, one per row of the constraints.
   const CConstraintSystem& System() const { return m_System; }
   std::span<const double> Multipliers() const { return m_afMultipliers; }
 
  private:
-  void Start(std::span<const double> x);
+  void Start(std::span<const double> x, const CSolverState* resumed = nullptr);
   void ResizeMultipliers();
   void Shake();
   Outcome Iterate(std::span<double> x, int limit, const std::function<bool()>& poll);
@@ -72,7 +82,6 @@ class CGridSolver {
   bool HasStalled(double sides) const;
   bool IsContradictory() const;
   bool IsResidualSmall() const;
-  bool HasStopped() const { return m_End != Outcome::TickDone; }
   Outcome Stop(const char* message, double value, std::span<const double> x);
   bool IsSolved(std::span<const double> x);
 

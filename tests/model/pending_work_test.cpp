@@ -144,4 +144,53 @@ RC_GTEST_PROP(PendingWorkProperty, NothingPostedIsLost, ()) {
   RC_ASSERT(CodesOf(work.Take()) == Wanted(posted));
 }
 
+TEST(PendingWorkTest, StepsWaitBehindTheCodesPostedBeforeThem) {
+  CPendingWork work;
+  EXPECT_FALSE(work.HasStep());
+  for (const Operation code : {Operation::kRestart, Operation::kSubdivide}) work.Post(code);
+  work.RequestStep(UserStep::Undo);
+  EXPECT_TRUE(work.HasStep());
+  EXPECT_EQ(work.Next(), Operation::kSubdivide);
+  work.Post(Operation::kMerge);
+  work.RequestStep(UserStep::Redo);
+  work.RequestStep(UserStep::Undo);
+  work.Post(Operation::kRebuild);
+  const std::vector<CPendingRound> wanted{{{Operation::kRestart, Operation::kSubdivide}, UserStep::Undo},
+                                          {{Operation::kMerge}, UserStep::Redo},
+                                          {{}, UserStep::Undo},
+                                          {{Operation::kRebuild}, UserStep::None}};
+  EXPECT_EQ(work.TakeRounds(), wanted);
+  EXPECT_FALSE(work.HasStep());
+  EXPECT_TRUE(work.TakeRounds().empty());
+}
+
+TEST(PendingWorkTest, ACommandPostedAgainBehindAStepIsAnother) {
+  CPendingWork work;
+  work.Post(Operation::kNewGrid);
+  work.RequestStep(UserStep::Undo);
+  work.Post(Operation::kNewGrid);
+  const std::vector<CPendingRound> wanted{{{Operation::kNewGrid}, UserStep::Undo},
+                                          {{Operation::kNewGrid}, UserStep::None}};
+  EXPECT_EQ(work.TakeRounds(), wanted);
+}
+
+TEST(PendingWorkTest, EditsMergeAcrossAStepIntoWhatComesFirst) {
+  CPendingWork work;
+  work.Post(Operation::kRestart);
+  work.RequestStep(UserStep::Undo);
+  work.Post(Operation::kRebuildMaps);
+  work.Post(Operation::kRestart);
+  const std::vector<CPendingRound> rounds = work.TakeRounds();
+  ASSERT_FALSE(rounds.empty());
+  EXPECT_EQ(rounds.front(), (CPendingRound{{Operation::kRebuildMaps}, UserStep::Undo}));
+}
+
+TEST(PendingWorkTest, ClearingForgetsSteps) {
+  CPendingWork work;
+  work.RequestStep(UserStep::Undo);
+  work.Clear();
+  EXPECT_FALSE(work.HasStep());
+  EXPECT_TRUE(work.TakeRounds().empty());
+}
+
 }  // namespace

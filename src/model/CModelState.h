@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "lighting/CLight.h"
+#include "model/CSketch.h"
+#include "model/CSurfaceState.h"
+#include "model/Globals.h"
+#include "solver/CSolverState.h"
+
+/// All that a user has made of a model, as a value: the sketch and the lights, and what of it is selected.
+///
+/// Two are equal when sketch and lights are, to the last bit; what is selected is kept but not compared.
+struct CDocument {
+  CSketch m_Sketch;
+  CLightSet m_RemovedLights;
+  CLightSet m_AddedLights;
+  std::vector<std::uint32_t> m_auSelectedCells;  ///< of the current resolution, as CSubdivisionRecord numbers them
+
+  /// See above.
+  bool operator==(const CDocument& other) const {
+    return m_Sketch == other.m_Sketch && m_RemovedLights == other.m_RemovedLights &&
+           m_AddedLights == other.m_AddedLights;
+  }
+};
+
+/// A whole model as a value: the document, the surface of both resolutions and how far the solver has come with it.
+///
+/// Copies share surface and solver, which nobody changes.
+struct CModelState {
+  CDocument m_Document;
+  int m_iNewMaxLevel = kDefaultMaxLevel;  ///< of new grids
+  double m_fPickTolerance = 1.0;          ///< see g_fPickTolerance
+  std::shared_ptr<const CSurfaceState> m_pSurface;
+  std::shared_ptr<const CSolverState> m_pSolver;
+};
+
+/// About how much memory they take.
+std::size_t BytesOf(const CDocument& document);
+std::size_t BytesOf(const CModelState& state);
