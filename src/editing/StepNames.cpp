@@ -61,6 +61,10 @@ const char* NameOf(Edit edit) {
       return "New Grid";
     case Edit::LoadGrid:
       return "Load Grid";
+    case Edit::OpenProject:
+      return "Open Project";
+    case Edit::RecoverWork:
+      return "Recover Unsaved Work";
     default:
       return "curve";
   }

@@ -1,6 +1,9 @@
 #include "formats/PictureFormats.h"
 
 #include <array>
+#include <utility>
+
+#include "formats/PngBytes.h"
 
 namespace {
 
@@ -16,4 +19,11 @@ std::span<const CPictureFormat> PictureFormats() {
 // Bitmaps come first and complain about everything that is none.
 std::optional<Global::CLoadedPicture> ReadPicture(const std::string& filename) {
   return PictureFormats().front().m_pRead(filename);
+}
+
+std::optional<Global::CLoadedPicture> ReadPicture(std::string_view bytes, const std::string& name) {
+  if (!IsPng(bytes)) return Global::LoadBMP(bytes, name, 1);
+  std::optional<CPicture> picture = PictureOfPng(bytes);
+  if (!picture.has_value()) return {};
+  return Global::CLoadedPicture{std::move(*picture)};
 }

@@ -3,6 +3,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "io/Bmp.h"
 
@@ -18,3 +19,5 @@ std::span<const CPictureFormat> PictureFormats();
 
 /// Reads a picture. Nothing, with a console line, where the file holds none of a kind that is known.
 std::optional<Global::CLoadedPicture> ReadPicture(const std::string& filename);
+/// The same for the contents of a file, which console lines call `name`; a PNG is read, too.
+std::optional<Global::CLoadedPicture> ReadPicture(std::string_view bytes, const std::string& name);

@@ -74,9 +74,8 @@ void Refuse(const std::string& filename) {
 }
 
 // The header's verdict; nothing, with the line that says why, for a file that is refused.
-std::optional<CSize> SizeFrom(const Header& header, const std::string& filename, std::uint64_t align) {
-  std::error_code ignored;
-  const std::uint64_t fileSize = std::filesystem::file_size(filename, ignored);
+std::optional<CSize> SizeFrom(const Header& header, const std::string& filename, std::uint64_t fileSize,
+                              std::uint64_t align) {
   if (Get(header, Field::kPixelOffset, 4) != kHeaderSize) {
     Console() << filename << " file header not accepted!";
     return {};
@@ -129,10 +128,16 @@ void SwapRedAndBlue(const std::uint8_t* in, std::uint8_t* out, std::size_t pixel
 class CInput {
  public:
   explicit CInput(const std::string& filename)
-      : m_acBuffer(kStreamBuffer), m_pFile(IsRegularFile(filename) ? std::fopen(filename.c_str(), "rb") : nullptr) {
-    if (IsOpen()) std::setvbuf(m_pFile.get(), m_acBuffer.data(), _IOFBF, m_acBuffer.size());
+      : CInput(IsRegularFile(filename) ? std::fopen(filename.c_str(), "rb") : nullptr) {
+    std::error_code ignored;
+    m_uSize = std::filesystem::file_size(filename, ignored);
+  }
+  /// The bytes are read only, and must outlive the input.
+  explicit CInput(std::string_view bytes) : CInput(fmemopen(const_cast<char*>(bytes.data()), bytes.size(), "rb")) {
+    m_uSize = bytes.size();
   }
   bool IsOpen() const { return m_pFile != nullptr; }
+  std::uint64_t Size() const { return m_uSize; }
   /// False where the file ends early; the rest of `bytes` then stays as it is.
   bool Read(std::span<std::uint8_t> bytes) {
     return std::fread(bytes.data(), 1, bytes.size(), m_pFile.get()) == bytes.size();
@@ -142,8 +147,13 @@ class CInput {
   struct CClose {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
+  explicit CInput(std::FILE* file) : m_acBuffer(kStreamBuffer), m_pFile(file) {
+    if (IsOpen()) std::setvbuf(file, m_acBuffer.data(), _IOFBF, m_acBuffer.size());
+  }
+
   std::vector<char> m_acBuffer;  ///< outlives the file that uses it
   std::unique_ptr<std::FILE, CClose> m_pFile;
+  std::uint64_t m_uSize = 0;
 };
 
 // All rows, in the order of the file. Whether the file holds them all.
@@ -161,8 +171,7 @@ bool ReadRows(CInput& file, const CSize& size, std::size_t stride, std::vector<s
   return complete;
 }
 
-std::optional<Global::CLoadedPicture> Load(const std::string& filename, std::uint64_t align) {
-  CInput file(filename);
+std::optional<Global::CLoadedPicture> Load(CInput file, const std::string& filename, std::uint64_t align) {
   if (!file.IsOpen()) {
     Console() << "fail to open file " << filename << '\n';
     return {};
@@ -170,7 +179,7 @@ std::optional<Global::CLoadedPicture> Load(const std::string& filename, std::uin
   Header header{};
   // A header cut short fails the checks by its zeros or has lost no field that is looked at.
   const bool headerComplete = file.Read(header);
-  const std::optional<CSize> size = SizeFrom(header, filename, align);
+  const std::optional<CSize> size = SizeFrom(header, filename, file.Size(), align);
   if (!size.has_value()) return {};
   Global::CLoadedPicture loaded{{size->m_iWidth, size->m_iHeight, {}}, false};
   const std::size_t stride = size->Stride(align);
@@ -199,9 +208,18 @@ Header HeaderOf(int width, int height) {
 
 std::optional<Global::CLoadedPicture> Global::LoadBMP(const std::string& filename, int align) {
   try {
-    return Load(filename, static_cast<std::uint64_t>(align));
+    return Load(CInput(filename), filename, static_cast<std::uint64_t>(align));
   } catch (const std::bad_alloc&) {
     Refuse(filename);
+    return {};
+  }
+}
+
+std::optional<Global::CLoadedPicture> Global::LoadBMP(std::string_view bytes, const std::string& name, int align) {
+  try {
+    return Load(CInput(bytes), name, static_cast<std::uint64_t>(align));
+  } catch (const std::bad_alloc&) {
+    Refuse(name);
     return {};
   }
 }

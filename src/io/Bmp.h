@@ -4,6 +4,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "base/CPicture.h"
 
@@ -25,6 +26,9 @@ struct CLoadedPicture {
 /// A file that ends early is read as far as it goes: the rest of an incomplete row is that of the row before it (zeros
 /// in the first), and every further row repeats it.
 std::optional<CLoadedPicture> LoadBMP(const std::string& filename, int align);
+
+/// The same for the contents of such a file; console lines call them `name`.
+std::optional<CLoadedPicture> LoadBMP(std::string_view bytes, const std::string& name, int align);
 
 /// Writes the `height` rows in `data`. The file of that name keeps its old contents until the new ones are complete.
 /// Whether it has been written; if not, a console line says so. A height below 1 writes the header alone.

@@ -50,21 +50,38 @@ void WriteSketch(std::ostream& out, const CSketch& sketch) {
   sketch.m_aSubdivisions.front().Write(out);
 }
 
-void WriteGrid(std::ostream& out, const CGrid& grid) {
-  WriteSketch(out, grid.Sketch());
-  const double tolerance = ToleranceOf(grid.Surface().Lattice().Extent());
+CSolvedHeights SolvedHeights(const CGrid& grid) {
   const CPointOrder& order = grid.Surface().Order();
-  out << "\n\nZ\n";
+  CSolvedHeights solved;
+  solved.m_aPlaces.reserve(order.Count());
+  solved.m_afHeights.reserve(order.Count());
   for (std::size_t k = 0; k < order.Count(); ++k) {
-    WriteSavedNumber(out, grid.Surface().Lattice().Heights()[order.PointOf(k)], tolerance);
+    solved.m_aPlaces.push_back({order.ColumnOf(k), order.RowOf(k)});
+    solved.m_afHeights.push_back(grid.Surface().Lattice().Heights()[order.PointOf(k)]);
+  }
+  return solved;
+}
+
+void WriteGrid(std::ostream& out, const CGrid& grid) { WriteGrid(out, grid.Sketch(), SolvedHeights(grid)); }
+
+void WriteGrid(std::ostream& out, const CSketch& sketch, const CSolvedHeights& solved) {
+  WriteSketch(out, sketch);
+  const double tolerance = ToleranceOf(sketch.m_Extent);
+  out << "\n\nZ\n";
+  for (const double height : solved.m_afHeights) {
+    WriteSavedNumber(out, height, tolerance);
     out << '\n';
   }
   out << "\n\nN\n";
-  for (std::size_t k = 0; k < order.Count(); ++k) out << '(' << order.ColumnOf(k) << ", " << order.RowOf(k) << ")\n";
+  for (const auto& [column, row] : solved.m_aPlaces) out << '(' << column << ", " << row << ")\n";
 }
 
 void WriteLights(std::ostream& out, const CGrid& grid) {
-  out << "\n\nI\n" << grid.Relighting().RemovedLights() << grid.Relighting().AddedLights();
+  WriteLights(out, grid.Relighting().RemovedLights(), grid.Relighting().AddedLights());
+}
+
+void WriteLights(std::ostream& out, const CLightSet& removed, const CLightSet& added) {
+  out << "\n\nI\n" << removed << added;
 }
 
 void WriteNoLights(std::ostream& out) { out << "\n\nE\n"; }

@@ -1,20 +1,34 @@
 #pragma once
 
+#include <array>
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 #include "model/GridFileState.h"
 
 class CGrid;
+struct CLightSet;
 struct CSketch;
 
 /// The first sections of a grid file: rectangle, constraints, levels and the wanted subdivision of the current
 /// resolution. What `out` is in locale and number format is the caller's, here and below.
 void WriteSketch(std::ostream& out, const CSketch& sketch);
+/// The solved surface as a value: the points in use, in their order, and the height of each.
+struct CSolvedHeights {
+  std::vector<std::array<int, 2>> m_aPlaces;  ///< column and row
+  std::vector<double> m_afHeights;            ///< model units
+  bool operator==(const CSolvedHeights&) const = default;
+};
+/// That of a grid.
+CSolvedHeights SolvedHeights(const CGrid& grid);
+
 /// The model as text: its sketch, heights and point order. Lights or `WriteNoLights` must follow.
 void WriteGrid(std::ostream& out, const CGrid& grid);
+void WriteGrid(std::ostream& out, const CSketch& sketch, const CSolvedHeights& solved);
 /// The last section of the file: both sets of lights, or that there are none.
 void WriteLights(std::ostream& out, const CGrid& grid);
+void WriteLights(std::ostream& out, const CLightSet& removed, const CLightSet& added);
 void WriteNoLights(std::ostream& out);
 
 /// Reads the model back into the grid, whatever the stream's locale, and logs each step. Lights stay as they are unless

@@ -30,3 +30,15 @@ void CTextureImages::SetPicture(const CPicture& picture) {
   m_aaImages = {std::move(photograph), std::move(kd), std::move(illumination)};
   for (unsigned& revision : m_auRevisions) ++revision;
 }
+
+CPicture CTextureImages::Photograph() const {
+  CPicture picture{m_iPictureWidth, m_iPictureHeight, {}};
+  const auto row = 3 * static_cast<std::size_t>(m_iPictureWidth);
+  const auto stride = 3 * static_cast<std::size_t>(m_iTextureWidth);
+  picture.m_aPixels.reserve(row * static_cast<std::size_t>(m_iPictureHeight));
+  for (std::size_t y = 0; y < static_cast<std::size_t>(m_iPictureHeight); ++y) {
+    const auto pixels = Image(kPhotograph).subspan(y * stride, row);
+    picture.m_aPixels.insert(picture.m_aPixels.end(), pixels.begin(), pixels.end());
+  }
+  return picture;
+}

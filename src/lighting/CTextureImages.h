@@ -36,6 +36,9 @@ class CTextureImages {
   int TextureWidth() const { return m_iTextureWidth; }
   int TextureHeight() const { return m_iTextureHeight; }
 
+  /// The photograph without what is beside and above it. Throws std::bad_alloc.
+  CPicture Photograph() const;
+
   /// Red, green and blue of each texel, row by row, row 0 at the bottom.
   std::span<const std::uint8_t> Image(Which which) const { return m_aaImages[which]; }
   /// For writing; `MarkChanged` when done.

@@ -17,6 +17,7 @@ void CEditGate::EndGesture(GestureEnd end) {
 }
 
 void CEditGate::Finish(Edit edit) {
+  ++m_uEdits;
   m_bChanged = m_Held != Hold::Nothing;
   if (PostedBy(edit) != Operation::kNone) m_Run.Post(PostedBy(edit));
   if (ChangesPointCount(edit)) m_Run.Host().ShowConstraints(m_Constraints.ActiveCount());

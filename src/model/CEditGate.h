@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <utility>
 
 #include "model/Edit.h"
@@ -32,6 +33,11 @@ class CEditGate {
   /// Who hears of edits and gestures, or null. Must outlive the gate or be detached.
   void AttachObserver(EditObserver* observer) { m_pObserver = observer; }
 
+  /// How often the document has been changed so far, by whatever.
+  std::uint64_t Edits() const { return m_uEdits; }
+  /// It has been given back a state that it had before.
+  void NoteRestored() { ++m_uEdits; }
+
   /// A button has taken hold of something.
   void BeginGesture(Hold hold);
   /// Nothing is held afterwards. A curve that was held takes effect: kRebuildMaps is posted, unless its attributes are
@@ -53,6 +59,7 @@ class CEditGate {
   const CConstraints& m_Constraints;
   CGridRun& m_Run;
   EditObserver* m_pObserver = nullptr;
+  std::uint64_t m_uEdits = 0;
   Hold m_Held = Hold::Nothing;
   bool m_bChanged = false;  ///< by the gesture under way
 };

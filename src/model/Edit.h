@@ -28,6 +28,8 @@ enum class Edit {
   ResetSolver,
   NewGrid,
   LoadGrid,
+  OpenProject,
+  RecoverWork,
 };
 
 /// Whether the surface is another one after it, which the iteration has not led to.

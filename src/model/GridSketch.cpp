@@ -55,6 +55,7 @@ CModelState CGrid::State() const {
 }
 
 void CGrid::RestoreDocument(const CDocument& document) {
+  m_Gate.NoteRestored();
   const CSketch& sketch = document.m_Sketch;
   const bool cells =
       m_Wanted.CurrentBits() != sketch.m_aSubdivisions.front() || m_Wanted.OtherBits() != sketch.m_aSubdivisions.back();
@@ -82,6 +83,7 @@ void CGrid::RestoreDocument(const CDocument& document) {
 void CGrid::RestoreState(const CModelState& state) {
   const CDocument& document = state.m_Document;
   TakeOver(document.m_Sketch);
+  m_Gate.NoteRestored();
   g_iMaxLevel = state.m_iNewMaxLevel;
   g_fPickTolerance = state.m_fPickTolerance;
   m_Relighting.SetLights(document.m_RemovedLights, document.m_AddedLights);

@@ -36,6 +36,17 @@ void ApplyToNode(CBit& bit, CBit end, CSaveQuadT& node) {
   for (int k = 0; k < 4; ++k) ApplyToNode(bit, end, node.Child(k));
 }
 
+// Passes over the nodes of a whole tree of that depth; false where they end early.
+bool SkipNode(CBit& bit, CBit end, int depth) {
+  if (depth == 0) return true;
+  if (bit == end) return false;
+  if (!*bit++) return true;
+  for (int k = 0; k < 4; ++k) {
+    if (!SkipNode(bit, end, depth - 1)) return false;
+  }
+  return true;
+}
+
 void WriteNode(std::ostream& out, CBit& bit, CBit end, int depth) {
   if (depth == 0 || bit == end || !*bit++) {
     out << 'N';
@@ -78,6 +89,16 @@ const std::vector<bool>& CSubdivisionBits::Bits() const {
 
 bool CSubdivisionBits::operator==(const CSubdivisionBits& other) const {
   return m_iDepth == other.m_iDepth && (m_pBits == other.m_pBits || Bits() == other.Bits());
+}
+
+std::optional<CSubdivisionBits> CSubdivisionBits::FromBits(int depth, std::vector<bool> bits) {
+  CSubdivisionBits made;
+  if (bits.empty()) return made;
+  auto bit = bits.cbegin();
+  if (!SkipNode(bit, bits.cend(), depth) || bit != bits.cend()) return {};
+  made.m_iDepth = depth;
+  made.m_pBits = std::make_shared<const std::vector<bool>>(std::move(bits));
+  return made;
 }
 
 void CSubdivisionBits::ApplyTo(CSubdivisionRecord& record) const {

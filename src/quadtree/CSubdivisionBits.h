@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class CSubdivisionRecord;
@@ -19,6 +20,11 @@ class CSubdivisionBits {
   /// Memory that the bits take, whoever shares them.
   std::size_t Bytes() const { return Bits().size() / 8; }
 
+  /// The nodes as they are held, and the same taken back: nothing where they are not exactly those of a record of
+  /// `depth`. No bits at all are those of an object that holds nothing.
+  const std::vector<bool>& Bits() const;
+  static std::optional<CSubdivisionBits> FromBits(int depth, std::vector<bool> bits);
+
   /// Gives a record of the depth that the bits were made for this subdivision. Nodes that the bits do not reach stay as
   /// they are; of the others none is selected afterwards.
   void ApplyTo(CSubdivisionRecord& record) const;
@@ -32,8 +38,6 @@ class CSubdivisionBits {
   bool Read(std::istream& in, int depth);
 
  private:
-  const std::vector<bool>& Bits() const;
-
   int m_iDepth = 0;
   std::shared_ptr<const std::vector<bool>> m_pBits;  ///< null for none
 };

@@ -1,0 +1,125 @@
+#include "editing/CRecovery.h"
+
+#include <algorithm>
+#include <ctime>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include <sys/timerfd.h>
+#include <unistd.h>
+
+#include "formats/ProjectFile.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// One edit seldom comes alone.
+constexpr auto kAfterEdit = 1s;
+constexpr auto kBetweenWritings = 15s;
+constexpr auto kAfterDrag = 250ms;
+
+// With nothing placed and no light set there is nothing to lose, and what was kept before may be worth more.
+bool IsWork(const CProject& project) {
+  const CDocument& document = project.m_Model.m_Document;
+  const CSketch& sketch = document.m_Sketch;
+  return !sketch.m_Points.empty() || !sketch.m_Curves.empty() || !sketch.m_PendingCurve.IsIdle() ||
+         document.m_RemovedLights != CLightSet::Removed() || document.m_AddedLights != CLightSet::Added();
+}
+
+bool WriteInto(CRecoveryFolder& folder, const CProject& project, std::int64_t time) {
+  try {
+    return folder.Write(ProjectBytes(project, time));
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+}  // namespace
+
+CRecovery::CRecovery(std::filesystem::path folder, CProgram program)
+    : m_Program(std::move(program)),
+      m_Folder(std::move(folder)),
+      m_iTimer(timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)) {}
+
+CRecovery::~CRecovery() {
+  m_Writing.Wait();
+  if (m_iTimer >= 0) close(m_iTimer);
+}
+
+void CRecovery::Wake(CClock::duration delay) {
+  // A time of 0 would switch it off.
+  const auto nanoseconds = std::max<std::int64_t>(1, std::chrono::nanoseconds(delay).count());
+  constexpr std::int64_t kPerSecond = 1'000'000'000;
+  itimerspec time{};
+  time.it_value.tv_sec = nanoseconds / kPerSecond;
+  time.it_value.tv_nsec = nanoseconds % kPerSecond;
+  m_bAwake = timerfd_settime(m_iTimer, 0, &time, nullptr) == 0;
+}
+
+void CRecovery::NoteChanges(std::uint64_t changes) {
+  if (changes == m_uChanges) return;
+  m_uChanges = changes;
+  if (!m_bAwake) Wake(std::max<CClock::duration>(kAfterEdit, m_NextWriting - CClock::now()));
+}
+
+void CRecovery::NoteSaved(std::uint64_t changes) {
+  m_uChanges = changes;
+  m_uSaved = changes;
+  for (const std::filesystem::path& file : m_aTakenUp) m_Folder.Discard(file);
+  m_aTakenUp.clear();
+  // What is being written goes when it is done.
+  if (!m_Writing.IsBusy()) m_Folder.Forget();
+}
+
+void CRecovery::Attend() {
+  std::uint64_t times = 0;
+  if (read(m_iTimer, &times, sizeof(times)) == sizeof(times)) m_bAwake = false;
+  if (const std::optional<bool> written = m_Writing.Take()) Finish(*written);
+  if (m_bAwake || m_Writing.IsBusy() || !IsUnsaved() || m_uWritten == m_uChanges) return;
+  if (m_Program.m_IsHeld()) return Wake(kAfterDrag);
+  if (const CClock::time_point now = CClock::now(); now < m_NextWriting) return Wake(m_NextWriting - now);
+  Begin();
+}
+
+void CRecovery::Begin() {
+  m_uWritten = m_uChanges;
+  m_NextWriting = CClock::now() + kBetweenWritings;
+  CProject project = m_Program.m_Take();
+  if (!IsWork(project)) return;
+  m_Writing.Begin(
+      [this, project = std::move(project), time = std::time(nullptr)] { return WriteInto(m_Folder, project, time); });
+}
+
+void CRecovery::Finish(bool written) {
+  if (!IsUnsaved()) m_Folder.Forget();
+  if (written) return;
+  // It will be tried again in its time.
+  m_uWritten = m_uSaved;
+  if (!std::exchange(m_bTold, true))
+    m_Program.m_Tell("What is not saved cannot be kept for the next start: its folder is missing, full or read-only.");
+}
+
+void CRecovery::End() {
+  if (const std::optional<bool> written = m_Writing.Wait()) Finish(*written);
+  if (!IsUnsaved() || m_uWritten == m_uChanges) return;
+  m_uWritten = m_uChanges;
+  if (const CProject project = m_Program.m_Take(); IsWork(project))
+    Finish(WriteInto(m_Folder, project, std::time(nullptr)));
+}
+
+std::vector<CUnsavedWork> CRecovery::List() {
+  std::vector<CUnsavedWork> works;
+  for (const std::filesystem::path& file : m_Folder.Left()) {
+    const std::optional<CProjectNote> note = ReadProjectNote(file.string());
+    works.push_back({file, !note.has_value(), note.value_or(CProjectNote{})});
+  }
+  return works;
+}
+
+bool CRecovery::TakeUp(const std::filesystem::path& file) {
+  if (!m_Folder.Claim(file)) return false;
+  if (std::ranges::find(m_aTakenUp, file) == m_aTakenUp.end()) m_aTakenUp.push_back(file);
+  return true;
+}

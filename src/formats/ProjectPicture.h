@@ -1,0 +1,18 @@
+#pragma once
+
+#include <optional>
+
+#include "formats/CProject.h"
+#include "io/Bmp.h"
+
+/// The photograph with its bytes, for a project file. The bytes are those that it was loaded from, where they can be
+/// had again and still show what is `shown`, or else those of a PNG of that.
+CProjectPicture WithBytes(const CProjectPicture& picture, const CPicture& shown);
+
+/// The photograph with the bytes that its project has of it, where it only names that: for work whose own file has
+/// none. Without bytes where there is no such project.
+CProjectPicture WithBytesOfItsProject(const CProjectPicture& picture);
+
+/// The pixels of a photograph with bytes, or else those in its file; nothing, with a console line, where there are
+/// none.
+std::optional<Global::CLoadedPicture> PixelsOf(const CProjectPicture& picture);
