@@ -1,16 +1,17 @@
 #include "io/CFileReplacement.h"
 
 #include <cerrno>
-#include <cstddef>
 #include <optional>
-#include <random>
 #include <set>
-#include <string_view>
 #include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "io/CBackup.h"
+#include "io/CKeepOldFile.h"
+#include "io/RandomName.h"
 
 namespace {
 
@@ -20,7 +21,6 @@ namespace fs = std::filesystem;
 constexpr int kMostLinks = 40;
 // Two names by chance hardly ever meet; whatever makes this many of them fail is no chance.
 constexpr int kMostNames = 1000;
-constexpr std::size_t kRandomLetters = 10;
 
 /// The files that are beside their targets just now.
 class CUnfinished {
@@ -89,14 +89,6 @@ std::optional<struct stat> WritableFile(const fs::path& path) {
   return status;
 }
 
-std::string RandomName() {
-  constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz234567";
-  std::random_device random;
-  std::string name = ".relievo-";
-  for (std::size_t k = 0; k < kRandomLetters; ++k) name += kLetters[random() % kLetters.size()];
-  return name;
-}
-
 // Owner and group first, because giving a file away takes some of its permissions. A file that could not be given back
 // to its owner must not run in the name of another one.
 void TakeOver(int file, const struct stat& existing) {
@@ -115,7 +107,7 @@ fs::path FolderOf(const fs::path& file) { return file.has_parent_path() ? file.p
 
 }  // namespace
 
-CFileReplacement::CFileReplacement(const std::string& filename) {
+CFileReplacement::CFileReplacement(const std::string& filename) : m_bKeepsOld(CKeepOldFile::IsWanted(filename)) {
   const std::optional<fs::path> target = BehindLinks(filename);
   if (!target.has_value()) return;
   m_Target = *target;
@@ -162,7 +154,11 @@ bool CFileReplacement::Commit() {
   // loss of power there would be neither the old file nor the new one.
   m_bFailed = std::fflush(m_pFile.get()) != 0 || !Synchronise(fileno(m_pFile.get())) || m_bFailed;
   m_bFailed = std::fclose(m_pFile.release()) != 0 || m_bFailed;
-  if (m_bFailed || std::rename(m_Beside.c_str(), m_Target.c_str()) != 0) return false;
+  if (m_bFailed) return false;
+  std::optional<CBackup> old;
+  if (m_bKeepsOld) old.emplace(m_Target);
+  if (std::rename(m_Beside.c_str(), m_Target.c_str()) != 0) return false;
+  if (old.has_value()) old->Commit();
   Unfinished().Forget(m_Beside);
   m_Beside.clear();
   // The file is in place. A folder that may not be read cannot be told to write itself down.

@@ -13,7 +13,8 @@ struct stat;
 /// What is written goes to a file with a short random name beside the target, which takes the target's place in
 /// `Commit`, with the target's owner, group and permissions as far as the system allows. Without a successful `Commit`
 /// the target is as it was and nothing is left beside it. Links are followed, also those to files that do not exist. A
-/// target that is no regular file (a folder, a device, a pipe) is refused.
+/// target that is no regular file (a folder, a device, a pipe) is refused. Where a CKeepOldFile of its name lives the
+/// old file is kept.
 class CFileReplacement {
  public:
   /// Opens a file beside `filename`. Where that fails nothing is thrown and `Commit` fails.
@@ -44,5 +45,6 @@ class CFileReplacement {
   std::filesystem::path m_Target;
   std::filesystem::path m_Beside;  ///< empty while there is no such file
   std::unique_ptr<std::FILE, CClose> m_pFile;
+  bool m_bKeepsOld;
   bool m_bFailed = false;
 };
