@@ -8,12 +8,15 @@
 #include <FL/fl_ask.H>
 
 #include "app/CToolSet.h"
+#include "app/CommandLine.h"
 #include "app/Desktop.h"
+#include "app/Drops.h"
 #include "app/PressPosition.h"
 #include "app/SolverTimer.h"
 #include "base/CTerminationSignals.h"
 #include "base/Console.h"
 #include "io/CFileReplacement.h"
+#include "io/StateFolder.h"
 #include "model/CGrid.h"
 #include "ui/seams/UiScale.h"
 #include "ui/window/CImageViewUI.h"
@@ -48,7 +51,9 @@ void cb_Termination(int /*descriptor*/, void* signals) {
 
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
+  const CCommandLine commandLine = ReadCommandLine(argc, argv);
+  if (commandLine.m_iExitStatus.has_value()) return *commandLine.m_iExitStatus;
   // Progress shows line by line in a pipe or a file, too.
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   CTerminationSignals signals;
@@ -61,13 +66,16 @@ int main() {
   Fl::visual(FL_DOUBLE | FL_DEPTH | FL_RGB8);
   IntroduceToDesktop();
   SendMovesBeforePresses();
+  LetDropsPassDialogs();
   fl_message_font(FL_HELVETICA, static_cast<int>(std::lround(FL_NORMAL_SIZE * UiScale())));
 
   CGrid grid(static_cast<std::uint32_t>(std::time(nullptr)));
   CImageViewUI window(RegisterSolverTimer);
+  window.KeepFilesIn(StateFolder());
   window.show();
   window.AttachGrid(grid);
   const CToolSet tools(window, grid);
+  window.OpenFilesNow(commandLine.m_Files);
   RegisterSolverTimer(grid);
   // The end comes from the window's callback.
   for (;;) Fl::wait();

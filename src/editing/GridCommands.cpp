@@ -30,25 +30,57 @@ class CCommandPause {
 
 }  // namespace
 
-void CGridCommands::Request(Operation operation) {
+void CGridCommands::Request(Operation operation) { Request({operation, {}}); }
+
+void CGridCommands::Request(const CRequest& request) {
   if (m_pGrid == nullptr) return;
-  if (g_nSolverTimers != 0) {
-    m_pGrid->Run().Post(operation);
+  if (g_nSolverTimers == 0) return Perform(request);
+  // The grid takes a code that was posted last for the same command chosen twice.
+  const bool again = m_pGrid->Run().NextOperation() == request.m_Operation;
+  const auto last = std::find_if(m_aWaiting.rbegin(), m_aWaiting.rend(),
+                                 [&](const CRequest& other) { return other.m_Operation == request.m_Operation; });
+  if (again && last != m_aWaiting.rend()) {
+    *last = request;
   } else {
-    Perform(operation);
+    m_aWaiting.push_back(request);
   }
+  m_pGrid->Run().Post(request.m_Operation);
 }
 
 void CGridCommands::Perform(Operation operation) {
+  CRequest request{operation, {}};
+  const auto waiting = std::ranges::find(m_aWaiting, operation, &CRequest::m_Operation);
+  if (waiting != m_aWaiting.end()) {
+    request = *waiting;
+    m_aWaiting.erase(waiting);
+  }
+  Perform(request);
+}
+
+void CGridCommands::Perform(const CRequest& request) {
   if (m_pGrid == nullptr) return;
+  const Operation operation = request.m_Operation;
   if (operation == Operation::kNewGrid) NewGrid();
-  if (operation == Operation::kLoadGrid) LoadGrid();
-  if (operation == Operation::kLoadImage) LoadImage();
+  if (operation == Operation::kLoadGrid) LoadGrid(request.m_File.m_File);
+  if (operation == Operation::kLoadImage) LoadImage(request.m_File.m_File);
   if (operation == Operation::kContourAttributes) EditCurveAttributes();
   for (const CModelFormat& format : ModelFormats()) {
-    if (format.m_Operation != Operation::kNone && format.m_Operation == operation) WriteNow(format);
+    if (format.m_Operation != Operation::kNone && format.m_Operation == operation) Save(format, request.m_File);
   }
 }
+
+void CGridCommands::Open(const CWorkFiles& files) {
+  if (!files.m_Model.empty() && !files.m_Picture.empty()) m_Files.LeavePicture();
+  if (!files.m_Model.empty()) Request({Operation::kLoadGrid, {files.m_Model}});
+  if (!files.m_Picture.empty()) Request({Operation::kLoadImage, {files.m_Picture}});
+}
+
+void CGridCommands::OpenNow(const CWorkFiles& files) {
+  if (!files.m_Model.empty()) Perform({Operation::kLoadGrid, {files.m_Model}});
+  if (!files.m_Picture.empty()) Perform({Operation::kLoadImage, {files.m_Picture}});
+}
+
+void CGridCommands::SaveAgain() { Request({Operation::kSaveGrid, m_Files.Model()}); }
 
 void CGridCommands::NewGrid() {
   if (!m_Services.m_AskNewGrid) return;
@@ -61,35 +93,68 @@ void CGridCommands::NewGrid() {
     m_pGrid->Initialize(chosen->m_iStartLevel, chosen->m_bKeepConstraints, extent.x0, extent.y0, extent.x1, extent.y1);
     m_pGrid->Reset();
     SetPickTolerance();
+    m_Files.ModelReplaced();
   });
   m_Host.GridReplaced();
 }
 
-void CGridCommands::LoadGrid() {
+void CGridCommands::LoadGrid(const std::string& named) {
   if (!m_Services.m_LoadGrid) return;
   m_Solver.PauseSolverForCommand();
-  const CModelFormat& format = ModelFormats().front();
-  const std::optional<std::string> file = m_Host.ChooseFile(format.m_pTitle, Pattern(format.m_pSuffix).c_str());
-  if (!file.has_value()) {
-    Console() << "CImageView::LoadGrid() : filename == NULL\n";
+  std::optional<std::string> file = named;
+  if (named.empty()) {
+    const CModelFormat& format = ModelFormats().front();
+    const std::string pattern = Pattern(format.m_pSuffix);
+    file = m_Host.ChooseFile({.m_pTitle = format.m_pTitle, .m_pPattern = pattern.c_str(), .m_Kind = format.m_pSuffix});
+  }
+  if (file.has_value()) {
+    OpenModel(*file);
   } else {
-    GridFileState state = GridFileState::NotOpened;
-    m_pGrid->Gate().Do(Edit::LoadGrid, [&] {
-      state = m_Services.m_LoadGrid(*m_pGrid, *file);
-      if (IsReplaced(state)) SetPickTolerance();
-    });
-    Tell(TroubleWith(state, *file));
-    if (state != GridFileState::NotOpened) TellRefusedCurves(m_pGrid->CurveEdits().TakeRefused());
-    if (IsReplaced(state)) m_Host.GridReplaced();
+    Console() << "CImageView::LoadGrid() : filename == NULL\n";
   }
   m_Solver.ResumeSolver();
 }
 
-void CGridCommands::LoadImage() {
+void CGridCommands::OpenModel(const std::string& file) {
+  m_Host.EndDrags();
+  GridFileState state = GridFileState::NotOpened;
+  m_pGrid->Gate().Do(Edit::LoadGrid, [&] {
+    state = m_Services.m_LoadGrid(*m_pGrid, file);
+    if (!IsReplaced(state)) return;
+    SetPickTolerance();
+    if (state == GridFileState::Whole) {
+      m_Files.ModelOpened({file, HoldsLights(file)});
+    } else {
+      m_Files.ModelReplaced();
+    }
+  });
+  Tell(TroubleWith(state, file));
+  if (state != GridFileState::NotOpened) TellRefusedCurves(m_pGrid->CurveEdits().TakeRefused());
+  if (IsReplaced(state)) m_Host.GridReplaced();
+}
+
+void CGridCommands::LoadImage(const std::string& named) {
   const CCommandPause pause(m_Solver);
-  const std::string pattern = Pattern(PictureFormats().front().m_pSuffix);
-  const std::optional<std::string> file = m_Host.ChooseFile("please input image file name", pattern.c_str());
-  if (file.has_value()) m_Host.LoadPicture(*file);
+  std::optional<std::string> file = named;
+  if (named.empty()) {
+    const std::string pattern = Pattern(PictureFormats().front().m_pSuffix);
+    file = m_Host.ChooseFile(
+        {.m_pTitle = "please input image file name", .m_pPattern = pattern.c_str(), .m_Kind = "picture"});
+  }
+  if (!file.has_value()) return;
+  m_Host.EndDrags();
+  if (m_Host.LoadPicture(*file)) m_Files.PictureOpened(*file);
+}
+
+void CGridCommands::Save(const CModelFormat& format, const CModelName& named) {
+  // While the request waited the model may have become another one.
+  if (named.m_File.empty() || named != m_Files.Model()) return WriteNow(format);
+  if (!CanWrite(format)) return;
+  const CCommandPause pause(m_Solver);
+  m_Host.EndDrags();
+  CWriteSettings settings;
+  settings.m_WithLights = [&named] { return named.m_bWithLights; };
+  if (WriteTo(named.m_File, format, settings)) m_Host.TellSaved(named.m_File);
 }
 
 bool CGridCommands::CanWrite(const CModelFormat& format) const {
@@ -125,15 +190,37 @@ void CGridCommands::WriteNow(const CModelFormat& format) {
 }
 
 void CGridCommands::AskFileAndWrite(const CModelFormat& format, const CWriteSettings& settings) {
-  const std::string pattern = Pattern(format.m_pSuffix);
-  const std::optional<std::string> file =
-      m_Host.ChooseFile(format.m_pTitle, format.m_bListsSuffix ? pattern.c_str() : nullptr);
+  const std::optional<std::string> file = ChooseTarget(format);
   if (!file.has_value()) return;
+  const CSaveOutcome outcome = WriteTo(*file, format, settings);
+  if (outcome && format.m_pDone != nullptr) m_Host.Notice(format.m_pDone);
+}
+
+std::optional<std::string> CGridCommands::ChooseTarget(const CModelFormat& format) {
+  const std::string pattern = Pattern(format.m_pSuffix);
+  CFileQuestion question{.m_pTitle = format.m_pTitle,
+                         .m_pPattern = format.m_bListsSuffix ? pattern.c_str() : nullptr,
+                         .m_Kind = format.m_pSuffix,
+                         .m_bSaves = true};
+  if (format.m_Operation == Operation::kSaveGrid) question.m_Start = m_Files.Proposal(format.m_pSuffix);
+  return m_Host.ChooseFile(question);
+}
+
+CSaveOutcome CGridCommands::WriteTo(const std::string& file, const CModelFormat& format,
+                                    const CWriteSettings& settings) {
   // A file must not hold heights of another numbering than its constraints.
   m_pGrid->PerformPendingWork();
-  const CSaveOutcome outcome = m_Services.m_Write(format, *m_pGrid, *file, settings);
+  bool withLights = false;
+  CWriteSettings asked = settings;
+  if (settings.m_WithLights) asked.m_WithLights = [&] { return withLights = settings.m_WithLights(); };
+  CSaveOutcome outcome;
+  m_Files.Write(file, [&] {
+    outcome = m_Services.m_Write(format, *m_pGrid, file, asked);
+    return static_cast<bool>(outcome);
+  });
+  if (outcome && format.m_Operation == Operation::kSaveGrid) m_Files.ModelSaved({file, withLights});
   Tell(outcome.m_Trouble);
-  if (outcome && format.m_pDone != nullptr) m_Host.Notice(format.m_pDone);
+  return outcome;
 }
 
 void CGridCommands::EditCurveAttributes(double x, double y, CurveType type) {

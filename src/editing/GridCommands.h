@@ -4,11 +4,14 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "base/CPlanePoint.h"
 #include "constraints/CCntrCtrl.h"
 #include "editing/CContourAnswer.h"
+#include "editing/CFilesAtHand.h"
 #include "editing/CGridParameters.h"
+#include "editing/CWorkFiles.h"
 #include "editing/UserDialogs.h"
 #include "formats/ModelFormats.h"
 #include "model/CPendingWork.h"
@@ -29,6 +32,8 @@ class CommandHost : public UserDialogs {
   virtual void EndDrags() = 0;
   /// The grid has been reinitialised or read from a file.
   virtual void GridReplaced() = 0;
+  /// The model has been saved again without a question.
+  virtual void TellSaved(const std::string& file) = 0;
 };
 
 /// The work on files and the questions that the commands leave to others. An empty function makes its command
@@ -58,12 +63,20 @@ class CGridCommands {
   /// The grid that commands act on, which must outlive the object, and the functions behind them.
   void AttachGrid(CGrid& grid) { m_pGrid = &grid; }
   void SetServices(CModelServices services) { m_Services = std::move(services); }
+  /// The files that they have been at; the name of the model is there.
+  CFilesAtHand& Files() { return m_Files; }
 
   /// Performs Operation::kNewGrid, kLoadGrid, kLoadImage or that of a format as soon as no step of the solver is under
   /// way.
   void Request(Operation operation);
-  /// Performs it now.
+  /// Performs it now: in the way it was requested first, if it was.
   void Perform(Operation operation);
+  /// Opens a model, a picture or both without asking for them, as soon as no step of the solver is under way; now.
+  void Open(const CWorkFiles& files);
+  void OpenNow(const CWorkFiles& files);
+  /// Saves the model under its name, with the same answer about its lights, as soon as no step of the solver is under
+  /// way. Without a name the user is asked for one.
+  void SaveAgain();
 
   /// Whether the services have what it takes to write the format.
   bool CanWrite(const CModelFormat& format) const;
@@ -79,11 +92,23 @@ class CGridCommands {
   void SwitchResolution();
 
  private:
+  /// A code that waits, with the file that it is about; where that has no name the user is asked.
+  struct CRequest {
+    Operation m_Operation;
+    CModelName m_File;
+  };
+
+  void Request(const CRequest& request);
+  void Perform(const CRequest& request);
   void NewGrid();
-  void LoadGrid();
-  void LoadImage();
+  void LoadGrid(const std::string& named);
+  void OpenModel(const std::string& file);
+  void LoadImage(const std::string& named);
+  void Save(const CModelFormat& format, const CModelName& named);
   void WriteNow(const CModelFormat& format);
   void AskFileAndWrite(const CModelFormat& format, const CWriteSettings& settings);
+  std::optional<std::string> ChooseTarget(const CModelFormat& format);
+  CSaveOutcome WriteTo(const std::string& file, const CModelFormat& format, const CWriteSettings& settings);
   void EditCurveAttributes();
   void SetPickTolerance();
   void Tell(const std::string& trouble);
@@ -92,6 +117,8 @@ class CGridCommands {
   CSolverControl& m_Solver;
   CModelServices m_Services;
   CGrid* m_pGrid = nullptr;
+  CFilesAtHand m_Files;
+  std::vector<CRequest> m_aWaiting;  ///< one for each code that waits with the grid, in their order
 
   /// A curve whose attributes are to be edited.
   struct CClickedCurve {

@@ -44,3 +44,6 @@ GridFileState ReadGrid(std::istream& in, CGrid& grid);
 
 /// What the user is to be told of a grid file that has been read; empty where all is well.
 std::string TroubleWith(GridFileState state, const std::string& filename);
+
+/// Whether a whole grid file holds lights. False for what cannot be read.
+bool HoldsLights(const std::string& filename);

@@ -1,5 +1,6 @@
 // The grid's operations on files.
 
+#include <algorithm>
 #include <fstream>
 #include <functional>
 #include <string>
@@ -47,6 +48,18 @@ std::string TroubleWith(GridFileState state, const std::string& filename) {
       break;
   }
   return {};
+}
+
+// They are the last section, and begin with a letter of their own.
+bool HoldsLights(const std::string& filename) {
+  constexpr std::streamoff kMostLights = 1 << 16;
+  if (!IsRegularFile(filename)) return false;
+  std::ifstream in(filename, std::ios::binary | std::ios::ate);
+  in.seekg(std::max<std::streamoff>(0, in.tellg() - kMostLights));
+  for (std::string word; in >> word;) {
+    if (word == "I") return true;
+  }
+  return false;
 }
 
 GridFileState CGrid::Load(const std::string& filename) {

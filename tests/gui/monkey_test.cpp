@@ -62,6 +62,9 @@ class MonkeyTest : public ::testing::Test {
     std::filesystem::current_path(m_Directory.Path());
     m_Grid.Save(m_Dialogs.FirstGrid());
     m_Dialogs.ReportTo(m_Log);
+    // As far as it gets, the end of the program is left out.
+    m_Window.callback([](Fl_Widget*, void*) {});
+    m_Window.KeepFilesIn(m_State.Path());
     m_Window.show();
     m_Window.AttachGrid(m_Grid);
     RegisterSolverTimer(m_Grid);
@@ -164,6 +167,7 @@ class MonkeyTest : public ::testing::Test {
   CMonkey m_Monkey{static_cast<std::uint32_t>(FromEnvironment("RELIEVO_MONKEY_SEED", 1))};
   std::filesystem::path m_Before;
   CTemporaryDirectory m_Directory;
+  CTemporaryDirectory m_State;
   CRandomDialogs m_Dialogs{m_Monkey, m_Directory.Path()};
   CGrid m_Grid;
   CImageViewUI m_Window{RegisterSolverTimer, &m_Dialogs};

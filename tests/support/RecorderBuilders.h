@@ -54,7 +54,7 @@ class RecordingRecorderHost : public RecorderHost {
 /// Dialogs that answer by themselves.
 class AnsweringDialogs : public UserDialogs {
  public:
-  std::optional<std::string> ChooseFile(const char* /*title*/, const char* /*pattern*/) override { return {}; }
+  std::optional<std::string> ChooseFile(const CFileQuestion& /*question*/) override { return {}; }
   bool Ask(const char* question) override {
     m_aTexts.emplace_back(question);
     return m_bYes;

@@ -47,8 +47,9 @@ struct CTestSolver {
 /// questions answered with no.
 class ScriptedHost : public CommandHost {
  public:
-  std::optional<std::string> ChooseFile(const char* title, const char* pattern) override {
-    m_aChoosers.emplace_back(title, pattern == nullptr ? "none" : pattern);
+  std::optional<std::string> ChooseFile(const CFileQuestion& question) override {
+    m_aChoosers.emplace_back(question.m_pTitle, question.m_pPattern == nullptr ? "none" : question.m_pPattern);
+    m_asStarts.push_back(question.m_Start);
     return m_File;
   }
   bool Ask(const char* question) override {
@@ -62,19 +63,23 @@ class ScriptedHost : public CommandHost {
   void Notice(const char* text) override { m_asNotices.emplace_back(text); }
   bool LoadPicture(const std::string& file) override {
     m_asPictures.push_back(file);
-    return true;
+    return m_bPictureRead;
   }
   std::string TextureFile() const override { return m_Texture; }
   void GridReplaced() override { ++m_iReplaced; }
+  void TellSaved(const std::string& file) override { m_asSaved.push_back(file); }
   void EndDrags() override { ++m_iDragEnds; }
 
   std::optional<std::string> m_File;
   bool m_bYes = false;
+  bool m_bPictureRead = true;
   std::string m_Texture;
   std::vector<std::pair<std::string, std::string>> m_aChoosers;  ///< title and pattern
+  std::vector<std::string> m_asStarts;                           ///< where they begin
   std::vector<std::string> m_asQuestions;
   std::vector<std::string> m_asNotices;
   std::vector<std::string> m_asPictures;
+  std::vector<std::string> m_asSaved;  ///< again, as the user was told
   int m_iReplaced = 0;
   int m_iDragEnds = 0;
 };

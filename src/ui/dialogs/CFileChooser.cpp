@@ -73,8 +73,8 @@ void CFileChooser::FindWidgets() {
   m_pOk = FindIn<Fl_Return_Button>(Window());
 }
 
-std::optional<std::string> CFileChooser::Choose(const char* title, const char* pattern) {
-  Prepare(title, pattern);
+std::optional<std::string> CFileChooser::Choose(const CFileQuestion& question) {
+  Prepare(question);
   m_Chooser.show();
   m_pName->take_focus();
   m_pName->position(m_pName->size(), 0);
@@ -92,17 +92,21 @@ std::optional<std::string> CFileChooser::Choose(const char* title, const char* p
   return file;
 }
 
-void CFileChooser::Prepare(const char* title, const char* pattern) {
-  const std::string wanted = pattern == nullptr ? "" : pattern;
-  m_Chooser.filter(pattern);
-  m_Chooser.label(title);
-  const char* const name = m_Chooser.value();
-  if (wanted != m_Pattern && name != nullptr) {
-    const std::string folder = FolderOf(name);
-    m_Chooser.directory(folder.c_str());
-    m_pName->value("");
-  }
-  m_Pattern = wanted;
+void CFileChooser::Prepare(const CFileQuestion& question) {
+  const std::string asked = question.m_Kind + '\n' + (question.m_pPattern == nullptr ? "" : question.m_pPattern);
+  m_Chooser.filter(question.m_pPattern);
+  m_Chooser.label(question.m_pTitle);
+  const std::string left = m_Chooser.directory();
+  const std::string start = question.m_Start.empty() ? left : question.m_Start;
+  if (asked != m_Asked || question.m_bSaves || start != left) Begin(start);
+  m_Asked = asked;
+}
+
+// When it shows an empty field the toolkit writes the folder into it.
+void CFileChooser::Begin(const std::string& start) {
+  const std::string folder = IsFolder(start) ? start : FolderOf(start);
+  if (IsFolder(folder)) m_Chooser.directory(folder.c_str());
+  m_pName->value(IsFolder(start) ? "" : start.c_str());
 }
 
 std::string CFileChooser::Typed() const { return m_pName->value(); }

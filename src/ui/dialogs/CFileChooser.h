@@ -6,6 +6,8 @@
 
 #include <FL/Fl_File_Chooser.H>
 
+#include "editing/UserDialogs.h"
+
 class Fl_Return_Button;
 
 /// The toolkit's file chooser with a field for the name that leaves alone what is typed into it.
@@ -19,15 +21,17 @@ class CFileChooser {
   CFileChooser();
 
   /// Shows the chooser until it is answered: the file named by the user, new or existing, with its whole path; nothing
-  /// if none is. It opens in the folder it was left in, with the same name if the pattern (may be null) is the same.
-  std::optional<std::string> Choose(const char* title, const char* pattern);
+  /// if none is. It opens where the question says, or else in the folder it was left in; with the same name if a file
+  /// of the same kind and pattern was asked for last, and nothing is to be saved.
+  std::optional<std::string> Choose(const CFileQuestion& question);
 
   /// The toolkit's own window of the chooser.
   Fl_Window& Window() const { return *m_Chooser.newButton->window(); }
 
  private:
   void FindWidgets();
-  void Prepare(const char* title, const char* pattern);
+  void Prepare(const CFileQuestion& question);
+  void Begin(const std::string& start);
   std::string Typed() const;
   std::string Full() const;
   /// To be called before a changed name is used, and whenever the chooser may have changed it itself.
@@ -45,7 +49,7 @@ class CFileChooser {
   Fl_File_Input* m_pName = nullptr;
   Fl_File_Browser* m_pList = nullptr;
   Fl_Return_Button* m_pOk = nullptr;
-  std::string m_Pattern;
+  std::string m_Asked;         ///< kind and pattern of the last question
   bool m_bRelative = false;    ///< whether the name was, when it was looked at last
   std::string m_Folder;        ///< what a relative name is meant within while it is typed
   std::string m_Listed;        ///< when the name was looked at last

@@ -44,6 +44,8 @@ inline constexpr std::array kHelpTexts{
     "slope (%1, %2), was (%3, %4)",
     "The solver is stopped: Resume the solver lets it go on",
     "%1. It has no effect, because it lies %2",
+    "%1 is saved",
+    "What was dropped is no file of this machine",
 };
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
@@ -67,6 +69,8 @@ enum Index : int {
   kSlopeDragged = 26,
   kSolverStopped = 27,
   kNoEffect = 28,  ///< what a constraint asks for, and why the system does not know it
+  kSaved = 29,
+  kNoFileDropped = 30,
 };
 }  // namespace HelpText
 

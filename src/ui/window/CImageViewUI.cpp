@@ -61,6 +61,7 @@ CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* d
   end();
   // There they choose the lights that a drag turns.
   m_pMenu->LeaveDigitsWhile([this] { return Fl::pushed() != nullptr || IsMouseOver(*m_pGridView); });
+  m_pMenu->BeforeOpening([this] { RefreshRecent(); });
   resizable(nullptr);
   size_range(Scaled(kMinDesignWidth, m_fScale), Scaled(kMinDesignHeight, m_fScale));
   callback(cb_Window);
@@ -163,6 +164,7 @@ void CImageViewUI::RefreshEnabled() {
   m_pMenu->Enable(MenuEntry::LoadGrid, static_cast<bool>(model.m_LoadGrid));
   for (std::size_t k = 0; k < ModelFormats().size(); ++k)
     m_pMenu->Enable(WriteEntry(k), m_Commands.CanWrite(ModelFormats()[k]));
+  m_pMenu->Enable(MenuEntry::SaveAgain, m_Commands.CanWrite(ModelFormats().front()));
   m_pMenu->Enable(MenuEntry::DrawingParameters, static_cast<bool>(m_Services.m_ShowDrawingOptions));
   m_pMenu->Enable(MenuEntry::ImagePicture, m_bPictureLoaded);
   m_pMenu->Enable(MenuEntry::ModelTexture, m_bPictureLoaded);
@@ -276,5 +278,7 @@ void CImageViewUI::cb_Window(Fl_Widget* widget, void* /*data*/) {
 }
 
 void CImageViewUI::cb_PendingWork(void* data) {
-  static_cast<CImageViewUI*>(data)->m_GridHost.PerformPendingWork(Fl::pushed() != nullptr);
+  auto& window = *static_cast<CImageViewUI*>(data);
+  window.OpenWaitingFiles();
+  window.m_GridHost.PerformPendingWork(Fl::pushed() != nullptr);
 }

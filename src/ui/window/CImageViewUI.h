@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <string_view>
+#include <vector>
 
 #include <FL/Fl_Window.H>
 
@@ -51,7 +53,16 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   CSolverControl& Solver() { return m_Solver; }
   Fl_Widget& Widget(Control control) { return m_Controls.Widget(control); }
 
+  /// What is kept from run to run about files lies in `folder`; without this call nothing is.
+  void KeepFilesIn(const std::filesystem::path& folder) { m_Commands.Files().KeepIn(folder); }
+  /// Opens a model, a picture or both, once no button is held down and no dialog or menu is open; now, as long as no
+  /// tick of the solver is registered.
+  void OpenFiles(const CWorkFiles& files);
+  void OpenFilesNow(const CWorkFiles& files) { m_Commands.OpenNow(files); }
+  CFilesAtHand& Files() { return m_Commands.Files(); }
+
   void resize(int x, int y, int w, int h) override;
+  int handle(int event) override;
 
   // The model.
 
@@ -92,7 +103,7 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
 
   // Questions to the user, for all of them. Every dialog ends the drag under way.
 
-  std::optional<std::string> ChooseFile(const char* title, const char* pattern) override;
+  std::optional<std::string> ChooseFile(const CFileQuestion& question) override;
   bool Ask(const char* question) override;
   std::string AskText(const char* question) override;
   void Notice(const char* text) override;
@@ -124,6 +135,14 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   void ShowHelpLine(bool show);
   static void cb_m_pbtnSwitchHR_LR(Fl_Widget* widget, void* data);
 
+  // ImageViewUIFiles.cpp: files.
+  void OpenWaitingFiles();
+  /// What was open last, as the menu "Open Recent" offers it from now on.
+  void RefreshRecent();
+  void OpenRecent(std::size_t place);
+  /// `text` is what the desktop hands over.
+  void OpenDropped(std::string_view text);
+
   // For the solver control and the commands.
   void ShowSolverRunning(bool running) override;
   void EnableSolverControls(bool enable) override;
@@ -131,6 +150,7 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   bool LoadPicture(const std::string& file) override;
   std::string TextureFile() const override;
   void GridReplaced() override;
+  void TellSaved(const std::string& file) override;
   void EndDrags() override;
 
   double m_fScale;
@@ -152,6 +172,8 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   CHelpLine* m_pHelpLine = nullptr;
   Fl_Button* m_pbtnSwitchHR_LR = nullptr;
 
+  CWorkFiles m_WaitingFiles;          ///< to be opened
+  std::vector<CWorkFiles> m_aRecent;  ///< as the menu shows them
   bool m_bHelpLine = true;
   bool m_bPictureLoaded = false;
   bool m_bFreezing = false;

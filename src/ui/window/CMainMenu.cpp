@@ -1,7 +1,9 @@
 #include "ui/window/CMainMenu.h"
 
+#include <algorithm>
 #include <array>
 #include <span>
+#include <string>
 #include <utility>
 
 #include <FL/Fl.H>
@@ -10,8 +12,9 @@
 
 namespace {
 
-/// A menu with its title, the end of the innermost open menu, an entry, or a command for each of ModelFormats().
-enum class RowKind { Menu, End, Command, Toggle, Checked, Radio, CheckedRadio, Formats };
+/// A menu with its title, the end of the innermost open menu, an entry, a command for each of ModelFormats() with a
+/// line below the last one, or the menu of what was open last.
+enum class RowKind { Menu, End, Command, Toggle, Checked, Radio, CheckedRadio, Formats, RecentFiles };
 
 struct CMenuRow {
   RowKind m_Kind;
@@ -31,6 +34,9 @@ constexpr auto kRows = std::to_array<CMenuRow>({
   {Command, "Load &Grid", FL_ALT + 'o', MenuEntry::LoadGrid},
   {Command, "Load &Image", FL_ALT + FL_SHIFT + 'o', MenuEntry::LoadImage},
   {Formats, nullptr, 0, {}},
+  {Command, "Save &Again", FL_CTRL + 's', MenuEntry::SaveAgain},
+  {RecentFiles, "Open &Recent", 0, {}},
+  {Command, "&Quit", FL_CTRL + 'q', MenuEntry::Quit},
   {End, nullptr, 0, {}},
   {Menu, "&2D View", 0, {}},
   {Checked, "Show &Grid", FL_CTRL + 'g', MenuEntry::ImageGrid},
@@ -88,6 +94,13 @@ int FlagsOf(RowKind kind) {
   }
 }
 
+// The toolkit takes "&" for the mark of a key and "@" for the name of a picture, but not where they are doubled.
+std::string EntryText(const std::string& text) {
+  std::string label;
+  for (const char c : text) label.append(c == '@' || c == '&' ? 2 : 1, c);
+  return label;
+}
+
 int Shortcut(const CModelFormat& format) { return format.m_cKey == '\0' ? 0 : FL_ALT + format.m_cKey; }
 
 Fl_Menu_Item MakeItem(const char* text, int shortcut, int flags) {
@@ -120,6 +133,10 @@ void CMainMenu::BuildItems() {
       case Formats:
         for (std::size_t k = 0; k < formats.size(); ++k)
           AddEntry(WriteEntry(k), MakeItem(formats[k].m_pMenuText, Shortcut(formats[k]), 0));
+        m_aItems.back().flags |= FL_MENU_DIVIDER;
+        break;
+      case RecentFiles:
+        AddRecent(row.m_pText);
         break;
       default:
         AddEntry(row.m_Entry, MakeItem(row.m_pText, row.m_iShortcut, FlagsOf(row.m_Kind)));
@@ -131,6 +148,31 @@ void CMainMenu::AddEntry(MenuEntry entry, Fl_Menu_Item item) {
   item.callback(cb_Item, static_cast<long>(entry));
   m_auIndices[static_cast<std::size_t>(entry)] = m_aItems.size();
   m_aItems.push_back(item);
+}
+
+void CMainMenu::AddRecent(const char* title) {
+  m_uRecentTitle = m_aItems.size();
+  m_aItems.push_back(MakeItem(title, 0, FL_SUBMENU | FL_MENU_INACTIVE));
+  for (std::size_t k = 0; k < CRecentFiles::kMost; ++k)
+    AddEntry(RecentEntry(k), MakeItem("", 0, FL_MENU_INVISIBLE | FL_MENU_INACTIVE));
+  AddEntry(MenuEntry::ClearRecent, MakeItem("Clear list", 0, 0));
+  m_aItems.emplace_back();
+}
+
+void CMainMenu::SetRecent(const std::vector<CRecentText>& recent) {
+  const std::size_t count = std::min(recent.size(), CRecentFiles::kMost);
+  m_asRecent.clear();
+  for (std::size_t k = 0; k < count; ++k) m_asRecent.push_back(EntryText(recent[k].m_Text));
+  for (std::size_t k = 0; k < CRecentFiles::kMost; ++k) {
+    Fl_Menu_Item& item = Item(RecentEntry(k));
+    const bool there = k < count;
+    item.text = there ? m_asRecent[k].c_str() : "";
+    item.flags = there ? 0 : FL_MENU_INVISIBLE;
+    if (!there || !recent[k].m_bThere) item.flags |= FL_MENU_INACTIVE;
+    if (k + 1 == count) item.flags |= FL_MENU_DIVIDER;
+  }
+  Fl_Menu_Item& title = m_aItems[m_uRecentTitle];
+  count == 0 ? title.deactivate() : title.activate();
 }
 
 void CMainMenu::cb_Item(Fl_Widget* bar, long entry) {
@@ -157,6 +199,8 @@ void CMainMenu::Enable(MenuEntry entry, bool enable) {
 }
 
 int CMainMenu::handle(int event) {
+  const bool opens = event == FL_PUSH || (event == FL_SHORTCUT && (Fl::event_state() & kModifiers) == FL_ALT);
+  if (opens && m_BeforeOpening) m_BeforeOpening();
   if (event != FL_SHORTCUT) return Fl_Menu_Bar::handle(event);
   const int modifiers = Fl::event_state() & kModifiers;
   const int pressed = modifiers | Fl::event_key();

@@ -2,10 +2,14 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include <FL/Fl_Menu_Bar.H>
+
+#include "editing/CRecentFiles.h"
+#include "editing/RecentTexts.h"
 
 /// The entries of the main window's menu.
 enum class MenuEntry {
@@ -36,12 +40,21 @@ enum class MenuEntry {
   NewWavelets,
   SimpleWavelets,
   NoWavelets,
+  SaveAgain,
+  Recent,  ///< what was open last; there is an entry for each of CRecentFiles::kMost
+  ClearRecent = Recent + CRecentFiles::kMost,
+  Quit,
   Write,  ///< the model in the first of ModelFormats(); those of the others follow
 };
 
 /// The entry that writes the model in a format, by its place in ModelFormats().
 inline constexpr MenuEntry WriteEntry(std::size_t format) {
   return static_cast<MenuEntry>(static_cast<std::size_t>(MenuEntry::Write) + format);
+}
+
+/// The entry of what was open last, by its place in the list.
+inline constexpr MenuEntry RecentEntry(std::size_t place) {
+  return static_cast<MenuEntry>(static_cast<std::size_t>(MenuEntry::Recent) + place);
 }
 
 /// The menu bar of the main window. What an entry does is the window's; check marks of toggle and radio entries are
@@ -67,6 +80,12 @@ class CMainMenu : public Fl_Menu_Bar {
   /// While `taken` answers true, Alt with a digit opens no menu: it belongs to somebody else.
   void LeaveDigitsWhile(std::function<bool()> taken) { m_DigitsTaken = std::move(taken); }
 
+  /// Shows these in "Open Recent", at most CRecentFiles::kMost of them, with their texts as they are. Not while a menu
+  /// is open.
+  void SetRecent(const std::vector<CRecentText>& recent);
+  /// `action` is called before a menu opens.
+  void BeforeOpening(std::function<void()> action) { m_BeforeOpening = std::move(action); }
+
   int handle(int event) override;
 
  private:
@@ -74,10 +93,14 @@ class CMainMenu : public Fl_Menu_Bar {
   const Fl_Menu_Item& Item(MenuEntry entry) const { return m_aItems[m_auIndices[static_cast<std::size_t>(entry)]]; }
   void BuildItems();
   void AddEntry(MenuEntry entry, Fl_Menu_Item item);
+  void AddRecent(const char* title);
   static void cb_Item(Fl_Widget* bar, long entry);
 
   Action m_Chosen;
   std::function<bool()> m_DigitsTaken;
+  std::function<void()> m_BeforeOpening;
+  std::vector<std::string> m_asRecent;   ///< labels of what was open last
+  std::size_t m_uRecentTitle = 0;        ///< place of "Open Recent" among the items
   std::vector<Fl_Menu_Item> m_aItems;    ///< as the toolkit wants them, with titles and ends of menus
   std::vector<std::size_t> m_auIndices;  ///< of the entries among the items
 };

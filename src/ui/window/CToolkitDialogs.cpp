@@ -8,9 +8,9 @@
 CToolkitDialogs::CToolkitDialogs() = default;
 CToolkitDialogs::~CToolkitDialogs() = default;
 
-std::optional<std::string> CToolkitDialogs::ChooseFile(const char* title, const char* pattern) {
+std::optional<std::string> CToolkitDialogs::ChooseFile(const CFileQuestion& question) {
   if (m_pChooser == nullptr) m_pChooser = std::make_unique<CFileChooser>();
-  return m_pChooser->Choose(title, pattern);
+  return m_pChooser->Choose(question);
 }
 
 bool CToolkitDialogs::Ask(const char* question) { return AskYesNo(question); }

@@ -16,7 +16,7 @@ class CToolkitDialogs : public UserDialogs {
   CToolkitDialogs(const CToolkitDialogs&) = delete;
   CToolkitDialogs& operator=(const CToolkitDialogs&) = delete;
 
-  std::optional<std::string> ChooseFile(const char* title, const char* pattern) override;
+  std::optional<std::string> ChooseFile(const CFileQuestion& question) override;
   bool Ask(const char* question) override;
   std::string AskText(const char* question) override;
   void Notice(const char* text) override;

@@ -64,13 +64,15 @@ void StopPressed(CImageViewUI& window) {
 template <class View>
 void Shoot(CImageViewUI& window, View& view, Fl_Gl_Window& other) {
   window.PauseSolverForCommand();
-  if (const auto file = window.ChooseFile("give a name for current frame buffer:", "*.bmp")) {
+  const CFileQuestion question{
+      .m_pTitle = "give a name for current frame buffer:", .m_pPattern = "*.bmp", .m_Kind = "frame", .m_bSaves = false};
+  if (const auto file = window.ChooseFile(question)) {
     // The other view keeps out of what is read back.
     other.hide();
     view.redraw();
     constexpr double kSeconds = 0.1;
     Fl::wait(kSeconds);
-    const bool saved = view.SaveFrame(*file);
+    const bool saved = window.Files().Write(*file, [&] { return view.SaveFrame(*file); });
     other.show();
     if (!saved) window.Notice(("Unable to save the frame in " + *file).c_str());
   }
@@ -142,6 +144,8 @@ void CImageViewUI::Chosen(MenuEntry entry) {
     if (entry == MenuEntry::FreezeMap) m_Controls.Show(Control::Freeze, m_pMenu->IsChecked(entry));
     return;
   }
+  if (entry >= MenuEntry::Recent && entry < MenuEntry::ClearRecent)
+    return OpenRecent(static_cast<std::size_t>(entry) - static_cast<std::size_t>(MenuEntry::Recent));
   if (entry >= MenuEntry::Write) {
     const auto format = static_cast<std::size_t>(entry) - static_cast<std::size_t>(MenuEntry::Write);
     return m_Commands.Write(ModelFormats()[format]);
@@ -153,6 +157,12 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       return m_Commands.Request(Operation::kLoadGrid);
     case MenuEntry::LoadImage:
       return m_Commands.Request(Operation::kLoadImage);
+    case MenuEntry::SaveAgain:
+      return m_Commands.SaveAgain();
+    case MenuEntry::ClearRecent:
+      return Files().Recent().Clear();
+    case MenuEntry::Quit:
+      return do_callback();
     case MenuEntry::ShootImage:
       return Shoot(*this, *m_pImageView, *m_pGridView);
     case MenuEntry::ShootModel:
@@ -271,11 +281,6 @@ void CImageViewUI::cb_m_pbtnSwitchHR_LR(Fl_Widget* /*widget*/, void* data) {
   window.m_Commands.SwitchResolution();
   window.m_pbtnSwitchHR_LR->label(high ? "Switch to LR" : "Switch to HR");
   window.m_pbtnSwitchHR_LR->redraw();
-}
-
-std::optional<std::string> CImageViewUI::ChooseFile(const char* title, const char* pattern) {
-  EndDrags();
-  return m_Dialogs.ChooseFile(title, pattern);
 }
 
 bool CImageViewUI::Ask(const char* question) {

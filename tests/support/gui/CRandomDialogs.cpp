@@ -35,13 +35,14 @@ void CRandomDialogs::ReportTo(CDeedLog& log) const {
   for (const char* name : {"frame   0.bmp", "frame   1.bmp"}) log.Watch(m_Directory / name, Deed::AnimationExported);
 }
 
-std::optional<std::string> CRandomDialogs::ChooseFile(const char* title, const char* pattern) {
-  const std::string_view wanted = pattern == nullptr ? "*.grid" : pattern;
+std::optional<std::string> CRandomDialogs::ChooseFile(const CFileQuestion& question) {
+  const std::string_view title = question.m_pTitle;
+  const std::string_view wanted = question.m_pPattern == nullptr ? "*.grid" : question.m_pPattern;
   if (m_bObedient) return wanted == "*.bmp" ? InDirectory("cup.bmp") : FirstGrid();
   if (m_Monkey.OneIn(6)) return std::nullopt;
   if (m_Monkey.OneIn(8)) return (m_Directory / "missing" / "file").string();
-  if (std::string_view(title).find("Height-Field") != std::string_view::npos) return InDirectory("heights.txt");
-  if (std::string_view(title).find("frame buffer") != std::string_view::npos) return InDirectory("shot.bmp");
+  if (title.find("Height-Field") != std::string_view::npos) return InDirectory("heights.txt");
+  if (title.find("frame buffer") != std::string_view::npos) return InDirectory("shot.bmp");
   if (wanted == "*.bmp") {
     return InDirectory(
         m_Monkey.OneOf(std::array{"small.bmp", "small.bmp", "small.bmp", "cup.bmp", "shot.bmp", "rubbish.bmp"}));

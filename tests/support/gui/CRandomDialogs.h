@@ -23,7 +23,7 @@ class CRandomDialogs : public UserDialogs {
   /// The file of that grid.
   std::string FirstGrid() const { return InDirectory("first.grid"); }
 
-  std::optional<std::string> ChooseFile(const char* title, const char* pattern) override;
+  std::optional<std::string> ChooseFile(const CFileQuestion& question) override;
   bool Ask(const char* question) override;
   std::string AskText(const char* question) override;
   void Notice(const char* text) override;

@@ -7,8 +7,20 @@
 
 #include "support/gui/WaitUntil.h"
 
-CRelievo::CRelievo()
-    : m_Output(m_OutputDirectory.Path() / "console"), m_Process({RELIEVO_PROGRAM}, m_Directory.Path(), m_Output) {
+namespace {
+
+std::vector<std::string> Command(const std::vector<std::string>& arguments, const std::filesystem::path& state) {
+  std::vector<std::string> command{"env", "XDG_STATE_HOME=" + state.native(), RELIEVO_PROGRAM};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return command;
+}
+
+}  // namespace
+
+CRelievo::CRelievo(const std::vector<std::string>& arguments, const std::filesystem::path& state)
+    : m_Output(m_OutputDirectory.Path() / "console"),
+      m_Process(Command(arguments, state.empty() ? m_OutputDirectory.Path() / "state" : state), m_Directory.Path(),
+                m_Output) {
   m_uMainWindow = WaitForWindow(kTitle).value_or(0);
   if (WaitUntil([this] { return IsReady() || !IsRunning(); }) && IsRunning()) return;
   std::string message = "the main window did not come up; the program wrote:";

@@ -15,9 +15,10 @@ class CRelievo {
  public:
   static constexpr const char* kTitle = "Image View";
 
-  /// Starts the program in an empty directory and waits until its main window has been drawn and has the keyboard.
-  /// Throws std::runtime_error, with what the program wrote, if that never comes.
-  CRelievo();
+  /// Starts the program with these arguments in an empty directory and waits until its main window has been drawn and
+  /// has the keyboard. What it remembers from run to run goes to `state`, or else no further than the object. Throws
+  /// std::runtime_error, with what the program wrote, if the window never comes.
+  explicit CRelievo(const std::vector<std::string>& arguments = {}, const std::filesystem::path& state = {});
 
   CScreen& Screen() { return m_Screen; }
   const CScreen& Screen() const { return m_Screen; }
@@ -52,7 +53,7 @@ class CRelievo {
 
   CScreen m_Screen;
   CTemporaryDirectory m_Directory;
-  CTemporaryDirectory m_OutputDirectory;
+  CTemporaryDirectory m_OutputDirectory;  ///< also of what it remembers
   std::filesystem::path m_Output;
   CChildProcess m_Process;
   WindowId m_uMainWindow = 0;

@@ -29,8 +29,9 @@ inline const MenuEntry kExportHeightField = WriteEntry(FormatOf("--height-field"
 /// Answers all questions in the same way and remembers them.
 class ScriptedDialogs : public UserDialogs {
  public:
-  std::optional<std::string> ChooseFile(const char* title, const char* pattern) override {
-    m_aChoosers.emplace_back(title, pattern == nullptr ? "none" : pattern);
+  std::optional<std::string> ChooseFile(const CFileQuestion& question) override {
+    m_aChoosers.emplace_back(question.m_pTitle, question.m_pPattern == nullptr ? "none" : question.m_pPattern);
+    m_asStarts.push_back(question.m_Start);
     return m_File;
   }
   bool Ask(const char* question) override {
@@ -47,6 +48,7 @@ class ScriptedDialogs : public UserDialogs {
   bool m_bYes = false;
   std::string m_Text;
   std::vector<std::pair<std::string, std::string>> m_aChoosers;  ///< title and pattern
+  std::vector<std::string> m_asStarts;                           ///< where they begin
   std::vector<std::string> m_asQuestions;
   std::vector<std::string> m_asNotices;
 };

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "editing/CWorkFiles.h"
+
+/// The absolute paths in what a desktop hands over when files are dropped: a line each, as the URI of a file or as the
+/// path itself. Comments and all other lines are left out.
+std::vector<std::string> PathsIn(std::string_view dropped);
+
+/// What is to be opened of files, whether or not they exist: the last model and the last picture. A model is what says
+/// so in its first bytes or in its name. Names may be relative.
+CWorkFiles FilesToOpen(std::span<const std::string> names);
