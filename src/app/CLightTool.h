@@ -24,7 +24,7 @@ class CLightTool : public ToolWindow, private LightingCommands {
 
   /// The light being edited, 0 to 4; -1 while the panel is closed.
   int CurrentLight() const { return IsOpen() ? m_Panel.current_light() : -1; }
-  /// Lights were turned elsewhere, in a drag perhaps that goes on. The computed images follow, if there are any: during
+  /// Lights were turned elsewhere, perhaps in a drag under way. The computed images, if there are any, follow: during
   /// the drag for at most half of the time and only where one time is short, and always at its end.
   void LightsMoved();
 

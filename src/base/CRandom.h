@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <random>
 
-/// The program's source of chance, seeded from outside so that a test can repeat it.
+/// The program's random numbers, seeded from outside so that a test can repeat it.
 class CRandom {
  public:
   /// The same seed gives the same values.

@@ -12,13 +12,13 @@ namespace {
 
 constexpr std::array<int, 3> kSignals{SIGINT, SIGTERM, SIGHUP};
 
-// A handler has nothing but what is global.
+// A signal handler can reach nothing but globals.
 volatile std::sig_atomic_t g_iWriteEnd = -1;
 
 extern "C" void SendToPipe(int signal) {
   const int error = errno;
   const auto byte = static_cast<unsigned char>(signal);
-  // A pipe that is full holds a signal already, which is enough.
+  // A full pipe already holds a signal, which is enough.
   [[maybe_unused]] const ssize_t written = write(g_iWriteEnd, &byte, 1);
   errno = error;
 }
@@ -70,6 +70,6 @@ void CTerminationSignals::EndBy(int signal) {
   sigaddset(&only, signal);
   sigprocmask(SIG_UNBLOCK, &only, nullptr);
   std::raise(signal);
-  // Only where the signal does not end a process: one was asked for all the same.
+  // Reached only if the signal does not end a process by default; the end was asked for all the same.
   std::_Exit(128 + signal);
 }

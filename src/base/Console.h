@@ -4,7 +4,7 @@
 
 /// The one sink of all progress and error lines of the model.
 ///
-/// Standard output until a `CConsoleRedirect` is alive. Numbers are written in the stream's default format (six
+/// Standard output unless a `CConsoleRedirect` is alive. Numbers are written in the stream's default format (six
 /// significant digits).
 std::ostream& Console();
 

@@ -29,5 +29,5 @@ inline Vector3 Cross(const Vector3& a, const Vector3& b) {
 inline double Length(const Vector3& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
 /// `v` divided by its length, without a guard: a vector of length 0 gives not-a-number components.
 inline Vector3 Normalised(const Vector3& v) { return (1.0 / Length(v)) * v; }
-/// Whether the vector may be drawn or converted: false as soon as one component is infinite or not a number.
+/// Whether the vector may be drawn or converted: false if any component is infinite or not a number.
 inline bool IsFinite(const Vector3& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }

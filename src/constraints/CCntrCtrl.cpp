@@ -27,7 +27,7 @@ double DistanceToLine(const CPlace& p, const CPlace& a, const CPlace& b) {
   return std::abs((b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x)) / length;
 }
 
-// Counted through the whole process, so that a curve of a file just read is never taken for one that it has replaced.
+// Counted across the whole process, so that a curve just read from a file is never taken for one that it has replaced.
 CurveId NextId() {
   static std::uint64_t last = 0;
   return static_cast<CurveId>(++last);

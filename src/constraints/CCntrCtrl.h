@@ -79,7 +79,7 @@ struct CCntrNode : CPtCstr {
 
   /// Where the parallel on that side passes by.
   const CNodeOffsets& Offsets(CurveSide side) const { return m_aOffsets[static_cast<std::size_t>(side)]; }
-  /// Apart from what CPtCstr leaves aside, and from the offsets, which follow from the places.
+  /// Leaves aside what CPtCstr leaves aside, and the offsets, which follow from the places.
   bool operator==(const CCntrNode& other) const { return CPtCstr::operator==(other) && m_Weights == other.m_Weights; }
 };
 
@@ -102,10 +102,10 @@ class CCntrCtrl {
   static constexpr double kMaxOrientation = 80.0;  ///< degrees
 
   CCntrCtrl();
-  /// Whether both are the same to the user: apart from the state.
+  /// Whether both are the same to the user, their states aside.
   bool operator==(const CCntrCtrl& other) const;
 
-  /// Another one for each curve that is created.
+  /// A new one for each curve that is created.
   CurveId Id() const { return m_Id; }
   /// Nodes in drawing order.
   CNodes& Nodes() { return m_aNodes; }
@@ -145,7 +145,7 @@ class CCntrCtrl {
   /// Recomputes the offsets of all nodes for parallels `length` (model units) away. A curve of two nodes becomes open;
   /// one of a single node is refused with a console line and loses its slopes.
   void UpdateNormals(double length);
-  /// More constraints than this of all curves together would need more memory and time than anybody waits for.
+  /// More constraints than this, over all curves, would take more memory and time than anyone would put up with.
   static constexpr double kMostGenerated = 200'000;
   /// About how many constraints `AddAutoBumpConstraints` would append. The offsets must be up to date.
   double GeneratedCount() const;

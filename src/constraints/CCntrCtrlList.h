@@ -48,7 +48,7 @@ class CCntrCtrlList {
   CCntrCtrl* Pick(double x, double y, CurveType mask, double reach);
   /// The first node within reach on the first curve that has one.
   CHit Find(double x, double y, double reach) const;
-  /// The curve of that name; null if there is none any more.
+  /// The curve with that id; null if it is gone.
   CCntrCtrl* Find(CurveId id);
   const CCntrCtrl* Find(CurveId id) const;
   /// The first selected curve; null if there is none.

@@ -6,7 +6,7 @@
 
 #include "constraints/CPtCstr.h"
 
-/// The half-made curve: the points clicked so far, and how it is to end.
+/// The curve in progress: the points clicked so far, and how it is to end.
 class CPendingCurve {
  public:
   /// Whether no curve is in progress.
@@ -24,7 +24,7 @@ class CPendingCurve {
   /// Forgets the points; no curve is in progress.
   void Drop();
 
-  /// Whether both have the same points: the cursor says how they end.
+  /// Whether both have the same points; how they end is up to the cursor.
   bool operator==(const CPendingCurve& other) const { return m_bIdle == other.m_bIdle && m_aPoints == other.m_aPoints; }
 
  private:

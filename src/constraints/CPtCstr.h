@@ -41,9 +41,8 @@ struct CPtCstr {
   bool IsActive() const { return ((PtCstrKind::kPosition | PtCstrKind::kNormal) & m_uKind & ~m_uIdle) != 0; }
   /// Whether the record constrains the surface in the way of `kind` (kPosition or kNormal).
   bool IsEnabled(std::uint32_t kind) const { return HasKind(kind) && !HasKind(PtCstrKind::kDisabled); }
-  /// Whether both are the same to the user: apart from the state, and from what follows from tree, system and surface,
-  /// which is whether the record is disabled or has no row, and the height under a slope. Numbers count to the last
-  /// bit.
+  /// Whether both are the same to the user. Leaves aside the state and what follows from tree, system and surface:
+  /// whether the record is disabled or has no row, and the height under a slope. Numbers count to the last bit.
   bool operator==(const CPtCstr& other) const;
 };
 

@@ -20,7 +20,7 @@ constexpr double kStraightSine = 1e-9;
 constexpr double kSharpestCosine = 1e-3;
 // Degrees of tilt per unit of slope.
 constexpr double kDegreesPerSlope = 45.0;
-// More constraints than this along one segment are a slip of the keyboard in the distance between them.
+// More constraints than this along one segment come from a mistyped distance between them.
 constexpr double kMostPerSegment = 10000.0;
 
 COffset operator+(const COffset& a, const COffset& b) { return {a.m_fX + b.m_fX, a.m_fY + b.m_fY}; }

@@ -19,9 +19,9 @@ namespace {
 // a side where there are 128 of them. The model alone decides which end is meant to reach the border, not what it was
 // drawn on, or one file would tear in one window and hold together in another.
 constexpr double kReach = 1.0 / 256;
-// Share of a side more: a file keeps places no better.
+// Added to it, as a share of a side too: a file keeps places no better.
 constexpr double kReachRounding = 1e-5;
-// Of the margin at which the border holds the cursor.
+// As a share of the margin at which the border holds the cursor.
 constexpr double kMarginRounding = 1e-5;
 
 // Whether an open end so far from a border is meant to reach it: nearer than a pixel, nearer than the lattice can show,

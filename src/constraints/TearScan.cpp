@@ -123,13 +123,13 @@ std::uint32_t CTearWalk::InnerMask(int row, int rowIn, int rowOut) const {
   return (row == rowIn) == (m_iStep > 0) ? m_Triangles.m_uUpperHalf : m_Triangles.m_uLowerHalf;
 }
 
-// An end on the border of the model reaches it also where it only touches the triangle there: at a corner of its cell.
+// An end on the border of the model reaches it even where it only touches the triangle there, at a corner of its cell.
 std::uint32_t CTearWalk::BorderTriangles(double x, double y) const {
   return (x == 0.0 ? m_Triangles.m_uBefore : 0U) | (x == m_iCells ? m_Triangles.m_uAfter : 0U) |
          (y == 0.0 ? m_Triangles.m_uBelow : 0U) | (y == m_iCells ? m_Triangles.m_uAbove : 0U);
 }
 
-// Relative to the cell's corner; rounding must not put a crossing outside of the cell.
+// Relative to the cell's corner; rounding must not put a crossing outside the cell.
 CPoint CTearWalk::WithinCell(double x, double y, int column, int row) {
   return {std::clamp(x - column, 0.0, 1.0), std::clamp(y - row, 0.0, 1.0)};
 }

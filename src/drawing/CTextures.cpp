@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::array kAll{CTextureImages::kPhotograph, CTextureImages::kKd, CTextureImages::kIllumination};
 
-// Errors made elsewhere before must not be laid at this upload's door.
+// Errors made elsewhere before this must not be laid at the upload's door.
 void ForgetErrors() {
   constexpr int kFlagsAtMost = 16;
   for (int k = 0; k < kFlagsAtMost && glGetError() != GL_NO_ERROR; ++k) {

@@ -32,7 +32,7 @@ double SizeUnit(const CGrid& grid) {
   return 0.01 * std::max(extent.x1 - extent.x0, extent.y1 - extent.y0);
 }
 
-// None that another normal has at the start.
+// A colour that no other normal has at the start.
 constexpr CColour kTexelNormalColour{0.5, 0.75, 1};
 
 bool HasActiveLight(const CLightSet& lights) {
@@ -281,7 +281,7 @@ void CModelPainter::DrawNormalsTexels(const CGrid& grid, double length) {
 
 void CModelPainter::Draw3DCntr(const CGrid& grid) {
   m_Curves.Refresh(grid);
-  // Of pieces as short as these nothing but soft ends would be left.
+  // Nothing but soft ends would be left of pieces as short as these.
   glDisable(GL_LINE_SMOOTH);
   glEnableClientState(GL_VERTEX_ARRAY);
   glVertexPointer(3, GL_FLOAT, 0, m_Curves.Vertices().data());

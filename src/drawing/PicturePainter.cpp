@@ -17,7 +17,7 @@
 
 namespace {
 
-// None that a constraint or a grid line has at the start.
+// A colour that no constraint or grid line has at the start.
 constexpr CColour kFrozenColour{0, 1, 1};
 
 // Lets the picture shine through.
@@ -57,7 +57,7 @@ void DrawPicture(const CGrid& grid, CTextures& textures) {
   const CExtent& e = grid.Surface().Lattice().Extent();
   const double s = static_cast<double>(images.PictureWidth()) / images.TextureWidth();
   const double t = static_cast<double>(images.PictureHeight()) / images.TextureHeight();
-  // The other view leaves a texture matrix of its own in its context only, but the mode in none.
+  // The texture matrix of the other view stays in that view's context; the mode has been set in neither.
   glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
   glEnable(GL_TEXTURE_2D);
   glColor3d(1, 1, 1);

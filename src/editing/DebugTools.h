@@ -30,7 +30,7 @@ struct CDebugReadOuts {
   bool m_bInterpolation;  ///< over both of them
 };
 
-/// The level of a point goes before its terms, the parts of an interpolation before the number of a point.
+/// The level of a point takes precedence over its terms, the parts of an interpolation over the number of a point.
 inline CDebugReadOuts ReadOutsOf(std::uint32_t debugFlags) {
   const bool interpolation = (debugFlags & DebugFlag::kInterpolation) != 0;
   const bool level = (debugFlags & DebugFlag::kHLevel) != 0;

@@ -29,7 +29,7 @@ struct CModelFormat {
   /// Writes the file, whose old contents stay until the new ones are complete. Nothing may be pending in the grid.
   Write* m_pWrite = nullptr;
   WriteSetting m_Setting = WriteSetting::None;
-  /// Where a JPEG of the photograph belongs that goes with such a file; null for a format without one.
+  /// Where the JPEG of the photograph that goes with such a file belongs; null for a format without one.
   std::string (*m_pPictureOf)(const std::string& filename) = nullptr;
 
   // In the window.

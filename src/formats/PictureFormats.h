@@ -17,7 +17,7 @@ struct CPictureFormat {
 /// The kinds, in the order in which a chooser offers them.
 std::span<const CPictureFormat> PictureFormats();
 
-/// Reads a picture. Nothing, with a console line, where the file holds none of a kind that is known.
+/// Reads a picture. Nothing, with a console line, where the file holds no picture of a known kind.
 std::optional<Global::CLoadedPicture> ReadPicture(const std::string& filename);
 /// The same for the contents of a file, which console lines call `name`; a PNG is read, too.
 std::optional<Global::CLoadedPicture> ReadPicture(std::string_view bytes, const std::string& name);

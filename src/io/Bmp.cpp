@@ -19,7 +19,7 @@ constexpr std::size_t kHeaderSize = 54;
 constexpr std::size_t kFileAlign = 4;
 // Far beyond what a graphics card takes as a texture, and small enough that a forged header cannot exhaust the memory.
 constexpr std::uint64_t kMaxPictureBytes = std::uint64_t{1} << 30;
-// A header may ask for this much, or for so many bytes for each that the file has, and no more. Short files are read as
+// A header may ask for this much, or for so many bytes per byte of the file, and no more. Short files are read as
 // far as they go, but a few bytes must not fill the memory.
 constexpr std::uint64_t kHarmlessBytes = std::uint64_t{64} << 20;
 constexpr std::uint64_t kMostPerFileByte = 16;

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 // As many links in a row as the system itself follows.
 constexpr int kMostLinks = 40;
-// Two names by chance hardly ever meet; whatever makes this many of them fail is no chance.
+// Two random names hardly ever collide; whatever makes this many of them fail is no accident.
 constexpr int kMostNames = 1000;
 
 /// The files that are beside their targets just now.

@@ -83,7 +83,7 @@ bool IsGridFile(std::string_view text) {
   return corners == 4 && levels == 2;
 }
 
-// Of a kind that is nearly right it tells what is wrong with it.
+// Of a kind that is nearly right it says what is wrong with it.
 std::string Needed(std::string_view kind) {
   if (kind.find("top row") != kind.npos) return "uncompressed 24-bit BMP with its bottom row first is needed";
   if (kind.find("header") != kind.npos) return "uncompressed 24-bit BMP with a header of version 3 is needed";

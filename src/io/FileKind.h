@@ -4,9 +4,9 @@
 #include <span>
 #include <string>
 
-// What a file is, for somebody who expected a picture. Looked at are the first bytes, never the name.
+// What a file is, for somebody who expected a picture. Judged by the first bytes, never by the name.
 
-/// The bytes of a file's beginning that `KindOfBytes` can make use of.
+/// How many of a file's first bytes `KindOfBytes` can make use of.
 inline constexpr std::size_t kKindBytes = 256;
 
 /// A noun with its article, such as "a JPEG" or "a BMP with 8 bits a pixel"; empty for what is not known. `bytes` is
@@ -14,5 +14,5 @@ inline constexpr std::size_t kKindBytes = 256;
 std::string KindOfBytes(std::span<const std::uint8_t> bytes);
 
 /// Why a file is no picture that can be read, and what would be: "this is a JPEG; uncompressed 24-bit BMP is needed".
-/// For what cannot even be opened, the reason of that. Nothing but a regular file is ever opened.
+/// For what cannot even be opened, the reason for that. Nothing but a regular file is ever opened.
 std::string WhyNoPicture(const std::string& filename);

@@ -12,7 +12,7 @@ struct CLightSet;
 struct CSketch;
 
 /// The first sections of a grid file: rectangle, constraints, levels and the wanted subdivision of the current
-/// resolution. What `out` is in locale and number format is the caller's, here and below.
+/// resolution. Locale and number format of `out` are up to the caller, here and below.
 void WriteSketch(std::ostream& out, const CSketch& sketch);
 /// The solved surface as a value: the points in use, in their order, and the height of each.
 struct CSolvedHeights {

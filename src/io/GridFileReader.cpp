@@ -77,7 +77,7 @@ GridFileState CGridReader::Read() {
     return Replace();
   } catch (const std::bad_alloc&) {
     LoadLog() << "The memory does not suffice\n";
-    // These have had room before.
+    // There was room for these before.
     g_iBaseLevel = baseLevel;
     g_iMaxLevel = maxLevel;
     StartFresh(extent);
@@ -85,7 +85,7 @@ GridFileState CGridReader::Read() {
   }
 }
 
-// Whether there is the memory for what has been read and for the lattice that it asks for.
+// Whether there is enough memory for what has been read and for the lattice that it asks for.
 bool CGridReader::ReadAhead() {
   m_HeadLines.copyfmt(Console());
   m_SubdivisionLines.copyfmt(Console());

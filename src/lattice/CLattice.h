@@ -17,7 +17,7 @@ struct CExtent {
   bool operator==(const CExtent&) const = default;
 };
 
-/// Whether a lattice of any level over the rectangle has cells of a size that can be calculated with.
+/// Whether the cells of a lattice of any level over the rectangle have a size that can be computed with.
 bool IsUsable(const CExtent& extent);
 
 /// How far inside the model its border holds the cursor while constraints are edited: 0.1, at most a tenth of the

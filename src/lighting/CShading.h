@@ -16,11 +16,11 @@ class CShading {
   /// Takes what the active lights of the set give; later changes of the set are not seen.
   explicit CShading(const CLightSet& lights);
 
-  /// Whether any light of the set is active, lit by it or not.
+  /// Whether any light of the set is active, whatever it shines on.
   bool IsAnyActive() const { return m_bAnyActive; }
 
-  /// Shading of a unit normal: over the directional lights it faces the colour times the cosine, and the colour of the
-  /// ambient light. Not a number where the normal is not and a directional light is active.
+  /// Shading of a unit normal: the sum of colour times cosine over the directional lights that it faces, and the colour
+  /// of the ambient light. Not a number where the normal is not and a directional light is active.
   Vector3 Of(const Vector3& normal) const {
     Vector3 sum;
     for (std::size_t k = 0; k < m_uDirectional; ++k) {

@@ -12,7 +12,7 @@ namespace {
 // The first of `count` texels along a side whose centre lies at or beyond lattice line `line`; `count` if none does.
 int FirstTexelFrom(int line, int count, int pointsPerSide) {
   const auto before = [=](int texel) { return CInterpCoefs::Coordinate(texel, count, pointsPerSide) < line; };
-  // The inverse of the texel's coordinate is off by a rounding at most, which the steps below take back.
+  // The inverse of the texel's coordinate is off by one rounding at most, which the steps below undo.
   const double place = static_cast<double>(line) / (pointsPerSide - 1) * count - 0.5;
   int texel = std::clamp(static_cast<int>(std::ceil(place)), 0, count);
   while (texel < count && before(texel)) ++texel;
@@ -73,7 +73,7 @@ bool CTexelMap::HasRecordsOf(const CInterpolation& surface) const {
   return m_uTreeOfRecords == surface.Tree().Revision();
 }
 
-// The walk hands each texel's leaf to the next one in the row, which mostly lies in the same.
+// The walk hands each texel's leaf to the next one in the row, which mostly lies in the same one.
 void CTexelMap::UpdateRecords(const CInterpolation& surface) {
   if (HasRecordsOf(surface)) return;
   WriteCoords();

@@ -8,7 +8,7 @@
 
 #include "base/CPicture.h"
 
-/// The photograph and the two images computed from it, padded to the sides that a graphics card takes.
+/// The photograph and the two images computed from it, padded to sizes that a graphics card takes.
 ///
 /// All three have the same size: the smallest powers of two not below the sides of the picture. The picture lies in the
 /// lower left corner, what is beside and above it is white. Rows run from the bottom, RGB bytes, TextureWidth() pixels

@@ -37,7 +37,7 @@ class CColourRatios {
   /// Channel `k` over channel `to` (0 red, 1 green, 2 blue); kUnknown where that was 0.
   double Ratio(std::size_t k, std::size_t to) const { return m_aafRatios[k][to]; }
   /// The colour that `value` in channel `moved` brings along, each other channel at most 1; nothing where a ratio
-  /// needed is unknown. The ratios stay, so that what the limit has bent comes back.
+  /// needed is unknown. The ratios stay, so that what the limit has bent can come back.
   std::optional<std::array<double, 3>> Follow(std::size_t moved, double value) const;
 
  private:

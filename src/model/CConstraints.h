@@ -56,7 +56,7 @@ class CConstraints {
   void UpdateActivity(CPtCstr& constraint) const;
   /// The same for all that the user has placed.
   void UpdateActivities();
-  /// Takes over what the rows just built of the user's and the generated constraints hold of each.
+  /// Notes for each of the user's and the generated constraints what the rows just built leave out of it.
   void MarkIdle(const CConstraintRows& rows);
   /// Why the system has no row for a constraint, or for one of its two kinds (see CPtCstr::m_uIdle); None where nothing
   /// is missing. The rows are those last built, or, for one added or moved since, those that it would get.
@@ -71,10 +71,10 @@ class CConstraints {
   void RefreshParallels(CCntrCtrl& curve) const;
   /// Deletes curves of fewer than two nodes, and refreshes the parallels of the others.
   void RefreshCurves();
-  /// Has every curve generate its constraints again, in the order of the list; one with which they would be more than
+  /// Has every curve generate its constraints again, in the order of the list; one that would bring them to more than
   /// CCntrCtrl::kMostGenerated is refused.
   void Generate();
-  /// Number of curves that were refused at the last time; logged. 0 where none was or the number has been taken before.
+  /// Number of curves refused the last time; logged. 0 if there were none or the number has been taken before.
   int TakeRefusedCurves();
 
  private:

@@ -33,7 +33,7 @@ void CCurveEdits::AppendPending(double x, double y) {
   m_Gate.Do(Edit::DrawCurve, [&] { m_Constraints.PendingCurve().Append(x, y); });
 }
 
-// Where the curve would end is no edit before it does.
+// Where the curve would end is no edit until it does.
 void CCurveEdits::HoverPending(double x, double y, double reach) { m_Constraints.PendingCurve().Hover(x, y, reach); }
 
 CCurveEdits::Validation CCurveEdits::ValidatePending(double x, double y, bool close, CurveType type) {

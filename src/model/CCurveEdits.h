@@ -12,12 +12,12 @@ class CSurface;
 class CWantedSubdivisions;
 
 /// What a user does to the curves of a model, finished or in progress: each edit changes the list, posts what it has
-/// made out of date and has what has changed shown. Where nothing is said, nothing is posted.
+/// made out of date and has what has changed shown. Unless something is said of it, nothing is posted.
 ///
 /// Masks are CurveType bits, `reach` is as for CPtCstrList.
 class CCurveEdits {
  public:
-  /// How the half-made curve ended.
+  /// How the curve in progress ended.
   enum class Validation {
     NeedsType,  ///< it is still in progress: no type has been chosen
     Dropped,    ///< fewer than two points make no curve
@@ -33,15 +33,15 @@ class CCurveEdits {
   void Add(std::span<const CPtCstr> points, CurveType type, bool closed);
   /// The same for a path from texel to texel, of which only the nodes that matter are kept.
   void AddTraced(std::span<const CPtCstr> points, CurveType type, bool closed);
-  /// Another point of the half-made curve, which begins with it where none is in progress.
+  /// Adds a point to the curve in progress, or begins one with it.
   void AppendPending(double x, double y);
-  /// The cursor is at (x, y), away from every other curve: the half-made one is to close if that is within reach of its
-  /// first point.
+  /// The cursor is at (x, y), away from every finished curve: the one in progress is to close if that is within reach
+  /// of its first point.
   void HoverPending(double x, double y, double reach);
-  /// Ends the half-made curve at the cursor (x, y) or, if it is to close, at its first point; `close` closes it in any
-  /// case. Unless a type is missing, nothing is in progress and nothing selected afterwards.
+  /// Ends the curve in progress at the cursor (x, y) or, if it is to close, at its first point. `close` closes it in
+  /// any case. Unless a type is missing, nothing is in progress and nothing selected afterwards.
   Validation ValidatePending(double x, double y, bool close, CurveType type);
-  /// Forgets the half-made curve and every selection.
+  /// Forgets the curve in progress and every selection.
   void CancelPending();
 
   /// Click selection of a node and its curve (see CCntrCtrlList::Pick); the type of the curve selected, kNone without

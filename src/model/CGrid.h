@@ -26,11 +26,11 @@
 /// The model: one height field over one picture, its constraints and its solution. There is one for the whole run; New
 /// Grid and Load Grid initialise it again in place. It owns a part for each of its jobs and hands its operations on to
 /// them; what an operation does is said there. Places (x, y), heights z and distances are in model units, slopes dz/dx
-/// and dz/dy; masks are PtCstrKind or CurveType bits. Picking reaches as far as the zoom of the image view says.
+/// and dz/dy; masks are PtCstrKind or CurveType bits. The reach of picking follows the zoom of the image view.
 class CGrid {
  public:
   /// The default grid: base level 5, no constraints, 0..100 by 0..100, the current resolution the normal one.
-  /// `seed` fixes the chance in the start values of the iteration.
+  /// `seed` fixes the random start values of the iteration.
   explicit CGrid(std::uint32_t seed = 1);
   CGrid(const CGrid&) = delete;
   CGrid& operator=(const CGrid&) = delete;
@@ -43,8 +43,8 @@ class CGrid {
   void Initialize(int level, bool keep, double x0, double y0, double x1, double y1);
   /// Frees the arrays and drops every constraint; `Initialize` must follow.
   void FreeAll();
-  /// Sets the memory aside that the next `Initialize` needs for this maximum level, while the present model stays as it
-  /// is; nothing if it has been. Throws std::bad_alloc; `DropReserve` then gives back what has been had by then.
+  /// Sets aside the memory that the next `Initialize` needs for this maximum level, while the present model stays as it
+  /// is; nothing if it is set aside already. Throws std::bad_alloc; `DropReserve` then gives back what was had so far.
   void Reserve(int maxLevel);
   void DropReserve();
   CSketch Sketch() const;
@@ -69,7 +69,7 @@ class CGrid {
   void UpdateGrid();
   /// Performs the pending operations at once, without iterating, and brings heights and normals up to date.
   void PerformPendingWork();
-  /// "Reset the grid": heights below 10 / points by chance, and a rebuild posted.
+  /// "Reset the grid": random heights below 10 / points, and a rebuild posted.
   void Reset();
 
   /// Surface and system (see CGridBuilder and CSurface; CGrid.cpp).
@@ -110,7 +110,7 @@ class CGrid {
 
   /// The picture and its light: what CRelighting does, on the present surface.
   const CLight* GetLightSource(int index, int type) const { return m_Relighting.GetLightSource(index, type); }
-  /// Nothing where there is no such light, or where it is so already.
+  /// Nothing where there is no such light, or where it is already like that.
   void SetLight(int index, int type, const CLight& light);
   void InitializeCoordsTexels() { m_Relighting.InitializeCoordsTexels(); }
   void TestTexelsInDiscontinuity() { m_Relighting.TestTexelsInDiscontinuity(); }

@@ -21,7 +21,7 @@ class CGridRun {
   /// The program around the model, or null. Must outlive the grid or be detached.
   void AttachHost(GridHost* host) { m_pHost = host == nullptr ? &m_NoHost : host; }
   bool HasHost() const { return m_pHost != &m_NoHost; }
-  /// Where there is none, one that shows nothing and only goes on after a change.
+  /// Where none is attached, one that shows nothing and only goes on after a change.
   GridHost& Host() const { return *m_pHost; }
 
   /// Whether ticks iterate.

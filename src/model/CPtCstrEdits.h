@@ -7,7 +7,7 @@ class CEditGate;
 struct CPtCstr;
 
 /// What a user does to the point constraints of a model: each edit changes the list, posts what it has made out of date
-/// and has what has changed shown. Adding and deleting posts Operation::kRebuild, changing kRestart; selecting nothing.
+/// and has what has changed shown. Adding and deleting post Operation::kRebuild, changing kRestart, selecting nothing.
 ///
 /// Masks are PtCstrKind bits, `reach` is as for CPtCstrList. Operations on "the selected" one take the first and do
 /// nothing without one.

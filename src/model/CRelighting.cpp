@@ -10,7 +10,7 @@
 
 namespace {
 
-// No padded side may leave the integers.
+// No padded side may be too large for an integer.
 constexpr int kLargestSide = 1 << 30;
 
 // Three textures, padded, and what is kept per texel. In floating point, where nothing overflows.

@@ -23,7 +23,7 @@ class CRelighting {
   /// and in no discontinuity. False, with nothing changed, for one that is empty or has not 3 * width * height bytes,
   /// and, with a console line, for one that `memory` bytes do not hold.
   bool SetPicture(const CPicture& picture, double memory = AvailableMemory());
-  /// Whether there is a picture and the texels are its.
+  /// Whether there is a picture and the texels are those of it.
   bool HasTexels() const;
 
   /// Light `index` (0 to 3 and, ambient, 4) of a set (kRemovedLights, kAddedLights). Null, with a console line, for
@@ -40,7 +40,7 @@ class CRelighting {
     m_AddedLights = added;
   }
 
-  /// Gives every texel of a picture taken up before its column and row and the normal (0, 0, 1) again.
+  /// Gives every texel of the picture its column and row and the normal (0, 0, 1) again.
   void InitializeCoordsTexels();
   /// Brings the places of the texels up to the subdivision, for what draws them; nothing without a picture.
   void LocateTexels();

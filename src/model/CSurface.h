@@ -19,9 +19,9 @@ class CRandom;
 /// The height field: the lattice, the tree over it, the numbers of the points in use and their heights, as coefficients
 /// of the hierarchical basis and as they are.
 ///
-/// Whatever is rebuilt, the surface stays as it is at every point in use afterwards: it is captured at all lattice
+/// Whatever is rebuilt, the surface stays as it was at every point in use afterwards: it is captured at all lattice
 /// points before the tree first changes, and taken from the capture by the next numbering. What the solver holds of a
-/// numbering or of a basis is the grid's to renew.
+/// numbering or of a basis is for the grid to renew.
 class CSurface {
  public:
   /// With a lattice of that level and nothing else: `Initialize` follows before any use.
@@ -41,7 +41,7 @@ class CSurface {
   void ResetTree(int baseLevel);
   /// Frees the arrays; `Initialize` must follow.
   void Free();
-  /// Sets the memory aside that the next `Initialize` needs for this maximum level, while the present surface stays as
+  /// Sets aside the memory that the next `Initialize` needs for this maximum level, while the present surface stays as
   /// it is. Throws std::bad_alloc, with nothing changed.
   void Reserve(int maxLevel);
   bool HasReserve(int maxLevel) const { return m_pReserve != nullptr && m_pReserve->m_Lattice.Level() == maxLevel; }
@@ -56,8 +56,8 @@ class CSurface {
   /// Numbers the points of the present subdivision and sets the coefficients from the surface captured or, where none
   /// is, from the height array.
   void BuildHNumerotation();
-  /// To the surface of the other resolution or, to `transfer`, to this one's in place of that; the other keeps what
-  /// this one was. A replay must follow, which takes its heights up.
+  /// Switches to the other resolution, with its own surface or, with `transfer`, with the present one; the resolution
+  /// left keeps its surface. A replay must follow, which takes up the heights.
   void SwapResolution(bool transfer);
   /// The surface of both resolutions as a value. Linear in the number of lattice points.
   CSurfaceState State() const;
@@ -76,7 +76,7 @@ class CSurface {
   /// Coefficients of the unknowns, in the point order.
   std::span<double> Coefficients() { return std::span(m_pfWaveCoefGrid).first(m_Order.Count()); }
   std::span<const double> Coefficients() const { return std::span(m_pfWaveCoefGrid).first(m_Order.Count()); }
-  /// Coefficients by chance in [0, limit], for as many points as the lattice has.
+  /// Random coefficients in [0, limit], for as many points as the lattice has.
   void Randomise(CRandom& random, double limit);
   /// Heights, normals and height range from the coefficients.
   void Reconstruct();

@@ -16,7 +16,7 @@ struct CLeaf;
 /// Each leaf is a closed fan of triangles around its centre, to all points on its sides, so that no gap opens beside a
 /// finer neighbour. Tearing opens the surface where triangles lie in a tear: these are listed apart.
 ///
-/// What the mesh is made of changes with the subdivision only. Positions are written to arrays of the caller's, of
+/// What the mesh is made of changes with the subdivision only. Positions are written to the caller's arrays, of
 /// float or double, so that another surface on the same subdivision costs no more than its heights. Everything is
 /// linear in the number of leaves. A `tree` given to a query must be the one last built from, unchanged since.
 class CSurfaceMesh {

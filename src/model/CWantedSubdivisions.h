@@ -16,7 +16,7 @@ class CWantedSubdivisions {
   /// finest level for the high one. Begins with what has been set aside for that level, and allocates otherwise only if
   /// the level is another.
   void Initialize(int maxLevel, int baseLevel, bool highRes);
-  /// Sets the memory aside that the next `Initialize` needs for this maximum level. Throws std::bad_alloc, with nothing
+  /// Sets aside the memory that the next `Initialize` needs for this maximum level. Throws std::bad_alloc, with nothing
   /// changed.
   void Reserve(int maxLevel);
   void DropReserve() { m_aReserve = {}; }

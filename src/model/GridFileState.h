@@ -5,10 +5,10 @@ enum class GridFileState {
   Whole,        ///< the grid holds all of it
   Damaged,      ///< the grid holds it but for records, heights or lights that could not be read
   Invalid,      ///< its format is not that of a grid file; the grid is a new one with the constraints read by then
-  OutOfMemory,  ///< the memory ended while it was read; the grid is the same as for Invalid
+  OutOfMemory,  ///< memory ran out while it was read; the grid is the same as for Invalid
   NotOpened,    ///< it could not be opened; the grid is as it was
   NoGridFile,   ///< it does not begin with a usable rectangle; the grid is as it was
-  TooLarge,     ///< there is not the memory for it, or it is too short for what it asks; the grid is as it was
+  TooLarge,     ///< there is not enough memory for it, or it is too short for what it asks; the grid is as it was
 };
 
 /// Whether the grid holds the model of the file.

@@ -34,7 +34,7 @@ class GridHost {
   /// The solver has converged and cleared the grid's running flag.
   virtual void PauseSolverConverged() {}
   /// The solver has cleared the flag without having converged, as it gets no nearer to the constraints: tell the user,
-  /// who else would take the surface for what the constraints ask for. The next change lets it go on all the same.
+  /// who would otherwise take the surface for what the constraints ask for. The next change lets it go on all the same.
   virtual void PauseSolverGaveUp() { PauseSolverConverged(); }
   /// The model has changed after the solver had stopped itself: set the grid's running flag and have it tick again. A
   /// host that does not leaves the surface behind the constraints.

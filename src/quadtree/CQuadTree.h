@@ -93,8 +93,8 @@ class CQuadTree {
   /// The cell that mirrors the wanted leaf at (x, y) (lattice coordinates). On entry `saved` is the record's root, on
   /// return that leaf. Null outside the tree, with a console line.
   CQuadT* getManualSetCell(double x, double y, CSaveQuadT*& saved);
-  /// Whether the lattice rectangle lies within the deepest cell that a descent through split cells, each step to a
-  /// child that holds the whole rectangle, comes to.
+  /// Whether the lattice rectangle lies within the deepest cell reached by a descent through split cells in which each
+  /// step goes to a child that holds the whole rectangle.
   bool IsRectInOneCell(int x0, int y0, int x1, int y1) const;
 
   /// The corners of the cells with CellFlag::kSelected, for drawing: x and y (lattice coordinates) of the lower left,

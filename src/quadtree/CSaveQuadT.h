@@ -72,7 +72,7 @@ class CSubdivisionRecord {
   /// `depth` must lie in 0..Depth().
   void SetStartLevel(int depth);
   /// Splits down to the finest level wherever the wanted leaf at (gx, gy) (lattice coordinates) is coarser; what is
-  /// split is selected no more. Nothing outside `tree`, whose cells the record mirrors, but a console line.
+  /// split is no longer selected. Nothing outside `tree`, whose cells the record mirrors, but a console line.
   void RefineAt(CQuadTree& tree, double gx, double gy);
   /// Splits every selected node one level; its children are selected in its place. One of the finest level is refused
   /// with a console line and stays selected.
@@ -82,7 +82,7 @@ class CSubdivisionRecord {
   /// Selects the wanted leaves whose cells meet the rectangle between two opposite corners (lattice coordinates, bounds
   /// included), as far as `tree` is subdivided. Leaves elsewhere keep their state.
   void SelectRectangle(const CQuadTree& tree, double gx0, double gy0, double gx1, double gy1);
-  /// On each way down from the root the first selected node is selected no more.
+  /// On each way down from the root, unselects the first selected node.
   void ClearSelection() { Root().ClearSelection(); }
   /// The selected nodes, by their place in the order level by level from the root; and exactly these selected.
   std::vector<std::uint32_t> SelectedNodes() const;

@@ -12,7 +12,7 @@
 namespace {
 
 // Barycentric coordinates are rounded to multiples of this, so that a point on a side of its triangle gets exactly 0
-// and not a tiny negative number that would refuse it.
+// and not a tiny negative number that would have it refused.
 constexpr double kCoefficientStep = 1e-10;
 
 double RoundedCoefficient(double c) { return std::floor(c * 1e10 + 0.5) * kCoefficientStep; }
@@ -163,7 +163,7 @@ std::optional<CTriangleStencil> CInterpolation::ShortStencil(double gx, double g
     }
     return found.has_value();
   };
-  // On its border the leaf shares the point with others, and which of them comes first is the tree's to say.
+  // On its border the leaf shares the point with others, and which of them comes first is for the tree to say.
   if (near != nullptr && near->X0() < gx && gx < near->X1() && near->Y0() < gy && gy < near->Y1()) {
     attempt(*near);
   } else {

@@ -34,7 +34,7 @@ struct CTriangleStencil {
   double m_fCb = 0.0;
   double m_fCCenter = 0.0;
 
-  /// The point is the leaf's centre, of which no side takes part: A and B mean nothing.
+  /// Whether the point is the leaf's centre, in which no side takes part: A and B then mean nothing.
   bool IsCentre() const { return m_fCa == 0 && m_fCb == 0; }
   bool HasNegative() const { return m_fCa < 0 || m_fCb < 0 || m_fCCenter < 0; }
 };

@@ -17,7 +17,7 @@ struct CExtent;
 /// Intelligent scissors without a window: the user sets key points, and from one to the next the contour follows the
 /// cheapest path along the edges of the picture.
 ///
-/// The paths to the last key point, the seed, are found in slices (`Advance`), so that a large picture does not hold
+/// The paths to the last key point, the seed, are found in slices (`Advance`), so that a large picture does not hold up
 /// the program. What needs a path before its slice has come finds it at once.
 class CScissorsTool {
  public:

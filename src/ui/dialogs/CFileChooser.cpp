@@ -163,7 +163,7 @@ void CFileChooser::List(const std::string& folder) {
   m_Listed = m_Chooser.directory();
 }
 
-// The first name in the list that begins as what is typed comes to the top; the very name is selected.
+// The first name in the list that begins with what is typed comes to the top; an exact match is selected.
 void CFileChooser::ShowMatches(const std::string& part) {
   m_pList->deselect();
   for (int line = 1; line <= m_pList->size(); ++line) {

@@ -50,8 +50,8 @@ class CFileChooser {
   Fl_File_Browser* m_pList = nullptr;
   Fl_Return_Button* m_pOk = nullptr;
   std::string m_Asked;         ///< kind and pattern of the last question
-  bool m_bRelative = false;    ///< whether the name was, when it was looked at last
-  std::string m_Folder;        ///< what a relative name is meant within while it is typed
-  std::string m_Listed;        ///< when the name was looked at last
-  std::string m_ListedByName;  ///< the folder for whose sake, as the name has it
+  bool m_bRelative = false;    ///< whether the name was relative when it was last looked at
+  std::string m_Folder;        ///< what a relative name is relative to while it is typed
+  std::string m_Listed;        ///< the folder listed when the name was last looked at
+  std::string m_ListedByName;  ///< the folder last listed for the name's sake, as the name has it
 };

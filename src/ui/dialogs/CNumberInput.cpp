@@ -20,7 +20,7 @@ void CNumberInput::Preset(double number) {
   value(number);
   std::array<char, kTextSize> text{};
   format(text.data());
-  // A value that was the same before has left in the input what the user typed.
+  // A value that is the same as before leaves what the user typed in the input.
   input.value(text.data());
   m_fPreset = number;
   m_sPresetText = text.data();

@@ -46,7 +46,7 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   void SetCurveType(::CurveType type);
 
   /// Takes up the picture in a bitmap file. A file that is refused, or a picture too large for the graphics card,
-  /// leaves picture and file name as they are, and the user is told; so is one that ends early, which is taken up all
+  /// leaves picture and file name as they are, and the user is told, as of one that ends early, which is taken up all
   /// the same. Whether there is a new picture. Needs an attached grid.
   bool LoadImage(const std::string& filename);
   /// File of the picture; empty while there is none.

@@ -80,7 +80,7 @@ void CGridView::draw() {
 }
 
 void CGridView::DrawScene() {
-  // As many texels take a moment to be located and given their normals.
+  // This many texels take a moment to be located and given their normals.
   constexpr std::size_t kManyTexels = 1'000'000;
   const bool texels = (m_View.m_uFlags & ModelFlag::kTexelNormals) != 0;
   const CBusyCursor busy(texels && m_pGrid->Relighting().Texels().Mask().size() > kManyTexels);

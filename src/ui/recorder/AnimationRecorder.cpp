@@ -18,7 +18,7 @@ namespace {
 constexpr int kWidth = 290;
 constexpr int kHeight = 100;
 
-// How long the toolkit may take over events that wait before an export.
+// How long the toolkit may take over waiting events before an export.
 constexpr double kEventTime = 0.1;
 
 }  // namespace

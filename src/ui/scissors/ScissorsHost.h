@@ -9,7 +9,7 @@ class ScissorsHost {
  public:
   virtual ~ScissorsHost() = default;
 
-  /// Make an open position discontinuity of the points, in model units. Whether it was made: a contour that is not
+  /// Make an open position discontinuity through the points, in model units. Whether it was made: a contour that is not
   /// taken stays with the scissors.
   virtual bool AddTracedCurve(const std::vector<CPlanePoint>& points) = 0;
   /// What the main window shows may be out of date.

@@ -9,7 +9,7 @@ void Show(Fl_Cursor cursor) {
   if (Fl::first_window() == nullptr) return;
   for (Fl_Window* window = Fl::first_window(); window != nullptr; window = Fl::next_window(window))
     window->cursor(cursor);
-  // A question, with which all that the toolkit holds back is sent: the display hears of nothing else until the work is
+  // A query, which sends all that the toolkit holds back: otherwise the display would hear of nothing until the work is
   // done.
   int x = 0;
   int y = 0;

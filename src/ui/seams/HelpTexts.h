@@ -61,7 +61,7 @@ enum Index : int {
   kModelView = 19,
   kFrameRecorded = 20,  ///< a format that takes the number of the frame
   kFirstMessage = 21,
-  kCurveTypeWanted = 21,  ///< a curve is to end whose type has not been chosen
+  kCurveTypeWanted = 21,  ///< a curve is to end, but its type has not been chosen
   kSolverGaveUp = 22,     ///< the solver has stopped itself without having converged
   kHeight = 23,           ///< what a position constraint asks for
   kHeightDragged = 24,    ///< the same, and what the surface had there when the drag began

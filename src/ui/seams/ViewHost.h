@@ -12,7 +12,7 @@ class ViewHost {
  public:
   virtual ~ViewHost() = default;
 
-  /// Hold the solver for the time of a drag or a command, and let it go on after it.
+  /// Hold the solver during a drag or a command, and let it go on afterwards.
   virtual void PauseSolverForCommand() = 0;
   virtual void ResumeAfterCommand() = 0;
 

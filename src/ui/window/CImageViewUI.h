@@ -112,7 +112,7 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   // CImageViewUI.cpp: what the window is made of.
   void BuildWidgets();
   void Relayout();
-  /// Activates what there is something to work with for, in the present mode.
+  /// Activates the controls that have something to work on in the present mode.
   void RefreshEnabled();
   void RefreshReadOuts();
   static void cb_Window(Fl_Widget* widget, void* data);
