@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# scripts/afternoon.sh [release|sanitize] [seed] [actions]: a long run of the whole program under actions by chance, on a
+# scripts/afternoon.sh [release|sanitize] [seed] [actions]: a long run of the whole program under random actions, on a
 # virtual display. With release the memory is measured at a new grid after every thousand actions, too.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -9,7 +9,7 @@ source scripts/display.sh
 preset=${1:-release}
 export RELIEVO_MONKEY_SEED=${2:-1} RELIEVO_MONKEY_ACTIONS=${3:-100000}
 if [[ $preset == release ]]; then export RELIEVO_MONKEY_NEW_GRIDS=1000; fi
-# The same as the tests are given by ctest.
+# The same options as ctest gives the tests.
 export LSAN_OPTIONS=suppressions=$PWD/tests/support/leaks.supp:print_suppressions=0 UBSAN_OPTIONS=print_stacktrace=1
 
 need_packages test

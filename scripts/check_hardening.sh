@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # scripts/check_hardening.sh <program>...
-# Fails unless each program may lie anywhere in memory, resolves its symbols before it begins and locks the tables of
-# them, has a stack that is not executable, and was compiled with guarded stacks and checked buffers.
+# Fails unless each program may lie anywhere in memory, resolves its symbols before it begins and locks their
+# tables, has a stack that is not executable, and was compiled with guarded stacks and checked buffers.
 set -euo pipefail
 
 failed=0

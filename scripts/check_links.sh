@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # scripts/check_links.sh
-# Fails on a link in a Markdown file that leads to a file which is not there.
+# Fails on a link in a Markdown file that leads to a missing file.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 

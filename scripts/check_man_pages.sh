@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # scripts/check_man_pages.sh page...
-# Fails, with the formatter's warnings, on a man page that is not formatted without one.
+# Fails on a man page that the formatter warns about, and shows its warnings.
 set -euo pipefail
 
 status=0

@@ -27,6 +27,6 @@ done
 
 mkdir -p docs/tutorial
 for picture in "$results"/*.bmp; do
-  # 256 colours keep the repository small and can hardly be told from all.
+  # 256 colours keep the repository small and can hardly be told from the full number.
   convert "$picture" -colors 256 -strip "docs/tutorial/$(basename "${picture%.bmp}").png"
 done

@@ -42,7 +42,7 @@ apt() {
     -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3 "$@" >>"$log" 2>&1
 }
 
-# need_packages run|test|ci: installs the packages that are missing. Where none is, one dpkg query and nothing else.
+# need_packages run|test|ci: installs the packages that are missing. If none is, it makes one dpkg query and no more.
 need_packages() {
   local -A present=()
   local -a packages

@@ -3,7 +3,7 @@
 # Runs clang-tidy over the given .cpp files, one by one and with every check of .clang-tidy.
 #
 # Without names it looks at the whole tree as the preset clang compiles it, several sources of a library or of a test
-# together: their headers, which take nearly all of the time, are then looked at once for all of them. Left out there is what
+# together: their headers, which take nearly all of the time, are then looked at only once for all of them. It leaves out what
 # depends on the sources being apart: the static analyzer and two more see nothing but the file named on the command line,
 # and one takes what any function of a neighbour may throw for an escape out of `main`.
 set -euo pipefail

@@ -1,4 +1,4 @@
-// The whole program under actions by chance. RELIEVO_MONKEY_ACTIONS and RELIEVO_MONKEY_SEED say how many and which;
+// The whole program under random actions. RELIEVO_MONKEY_ACTIONS and RELIEVO_MONKEY_SEED say how many and which;
 // RELIEVO_MONKEY_NEW_GRIDS, after how many of them the program is brought back to a new grid and its memory measured.
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// What a load leaves behind when the memory ends in the midst of it.
+// What a load leaves behind when memory runs out halfway through it.
 
 #include <cmath>
 #include <map>

@@ -98,7 +98,7 @@ TEST(GridCurvesTest, CurvesWithoutNodesGoWithTheRebuild) {
   EXPECT_EQ(Occurrences(test.m_Console.Take(), "Error"), 0);
 }
 
-// The half-made curve.
+// The curve in progress.
 
 TEST(PendingGridCurveTest, EnterAfterTwoClicksMakesThreeNodes) {
   CCurveGrid test;

@@ -52,7 +52,7 @@ TEST_F(GridUpdateTest, LaterTicksContinueTheIteration) {
   }
 }
 
-// A restart in between would take another course.
+// A restart in between would take a different course.
 TEST_F(GridUpdateTest, TicksDoNotRestart) {
   AddSome();
   Grid().UpdateGrid();

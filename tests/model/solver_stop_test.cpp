@@ -25,7 +25,7 @@ double Dot(const std::vector<double>& a, const std::vector<double>& b) {
 }
 
 // Iterations of the method on the system of a grid, with nothing added to it, until |r . A r| or |A p . A p| is below
-// 1e-30: from the flat surface, with multipliers by chance.
+// 1e-30: from the flat surface, with random multipliers.
 int PlainIterations(CGrid& grid) {
   CConstraintSystem system = grid.Solver().System();
   system.Prepare();
@@ -75,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& test) { return std::string(test.param.m_Name); });
 
 // What is gained after the first breakdown takes about as long as the way to it; where there is nothing to be gained,
-// it takes no time. Chance in the multipliers makes a difference of some iterations.
+// it takes no time. Random multipliers make a difference of a few iterations.
 TEST_P(SolverStopTest, SystemsThatLeavePlanesFreeStopSoonAfterThePlainIteration) {
   for (const CPtCstr& c : GetParam().m_aConstraints) Grid().AddPtCstr(c);
   Grid().PerformPendingWork();

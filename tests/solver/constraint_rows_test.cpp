@@ -205,7 +205,7 @@ TEST(ConstraintRowsTest, SlopeWithAProbeOnTheBorderMakesItsRows) {
   EXPECT_EQ(tree.Rows().Count(), 10U);
 }
 
-// How far beyond the border, as a share of the extent, the probe of a slope may come to lie.
+// How far beyond the border, as a share of the extent, the probe of a slope may lie.
 TEST(ConstraintRowsTest, ProbeThatRoundingPutsOutsideIsOnTheBorder) {
   for (const double share : {1e-16, 5e-13}) {
     CRowsTree tree(4, 2);

@@ -13,7 +13,7 @@ constexpr double kConstraintWeight = 10.0;
 constexpr double kAreaDivisor = 16.0;
 // How far a probe may lie outside and still count as on the border, as a share of the extent.
 constexpr double kBorderSlack = 1e-12;
-// How far, in barycentric coordinates, a point on a side of a triangle may seem to lie outside of it.
+// How far, in barycentric coordinates, a point on a side of a triangle may seem to lie outside it.
 constexpr double kTriangleSlack = 1e-9;
 
 void AddTo(CDirectSystem::CForm& form, const CDirectSystem::CForm& other, double factor) {
@@ -179,7 +179,7 @@ CDirectSystem::CForm CDirectSystem::CentreForm(const CRefLeaf& leaf) const {
   return form;
 }
 
-// Barycentric in the triangle of the segment with the leaf's centre; nothing outside of it.
+// Barycentric in the triangle of the segment with the leaf's centre; nothing outside it.
 std::optional<CDirectSystem::CForm> CDirectSystem::FormInTriangle(const CRefLeaf& leaf, const CSegment& segment,
                                                                   double gx, double gy) const {
   const double ax = segment.m_A[0] - leaf.CentreX();

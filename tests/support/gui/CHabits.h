@@ -15,7 +15,7 @@ class CHabits {
   /// Both must outlive the object.
   CHabits(CMonkey& monkey, CImageViewUI& window) : m_Monkey(monkey), m_Window(window) {}
 
-  /// One action, chosen by chance.
+  /// One action, chosen at random.
   void Act();
   /// Closes all windows beside the main one.
   void CloseTools();

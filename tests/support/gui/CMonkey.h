@@ -12,7 +12,7 @@ class Fl_Group;
 class Fl_Widget;
 class Fl_Window;
 
-/// Sends mouse and keyboard events by chance to the windows of this process, through the toolkit's own path, and goes
+/// Sends random mouse and keyboard events to the windows of this process, through the toolkit's own path, and goes
 /// on inside every loop in which a dialog or a menu waits for its answer. The same seed draws the same numbers, though
 /// what the program makes of them depends on its timers, too.
 class CMonkey {
@@ -22,14 +22,14 @@ class CMonkey {
   CMonkey(const CMonkey&) = delete;
   CMonkey& operator=(const CMonkey&) = delete;
 
-  /// One action by chance, which takes one or several events, at one of the open windows.
+  /// One random action, which takes one or several events, at one of the open windows.
   void Act();
   /// A click of the left button, with no key held, in the middle of a widget; nothing where it is hidden or inactive.
   void Press(Fl_Widget& widget);
   /// A click or a short drag of a button, with no key held, from a place in the window.
   void Stroke(Fl_Window& window, int x, int y, int button);
   void TypeKey(Fl_Window& window, int key, int modifiers, const std::string& text);
-  /// Whether dialogs are answered with Return, and no longer by chance.
+  /// Whether dialogs are answered with Return, and no longer at random.
   void SetObedient(bool obedient) { m_bObedient = obedient; }
   /// Answers dialogs until none is open.
   void EndDialogs();

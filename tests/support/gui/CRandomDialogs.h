@@ -9,7 +9,7 @@
 class CDeedLog;
 class CMonkey;
 
-/// Answers the questions of the program by chance: with good files, bad ones and none. Some are shown in the toolkit's
+/// Answers the questions of the program at random: with good files, bad ones and none. Some are shown in the toolkit's
 /// own dialogs, for the monkey to answer.
 class CRandomDialogs : public UserDialogs {
  public:

@@ -15,7 +15,7 @@
 #include "support/gui/CUser.h"
 
 /// Base of tests that work with the whole program as a user does: the photograph of the cup is loaded, the solver
-/// stopped, and files come to lie in the program's directory.
+/// stopped, and files go into the program's directory.
 class RunTest : public ::testing::Test {
  protected:
   void SetUp() override {
