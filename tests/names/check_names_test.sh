@@ -1,23 +1,8 @@
 #!/usr/bin/env bash
 # The check of names tells what is named otherwise, and leaves the rest alone.
 set -euo pipefail
-check=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)/scripts/check_names.sh
-scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
-status=0
-
-# expect told|clean header < text
-expect() {
-  local verdict=clean
-  cat >"$scratch/$2"
-  "$check" "$scratch" >"$scratch/log" 2>&1 || verdict=told
-  if [[ $verdict != "$1" ]]; then
-    printf '%s: expected "%s", was "%s"\n' "$2" "$1" "$verdict"
-    cat "$scratch/log"
-    status=1
-  fi
-  rm "$scratch/$2"
-}
+# shellcheck source=tests/support/header_checks.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../support/header_checks.sh" check_names.sh
 
 expect told Bare.h <<<$'class Bare {\n public:\n  int Count() const;\n};'
 expect told CMissing.h <<<$'class COther {\n};'
@@ -33,4 +18,4 @@ expect clean Thing.h <<<$'class CThing {\n};'
 expect clean ThingHost.h <<<$'class ThingHost {\n public:\n  virtual ~ThingHost() = default;\n  virtual void Show() = 0;\n};'
 expect clean Subject.h <<<$'class COne {\n};\n\nclass CTwo {\n};'
 expect clean Subject.h <<<$'struct COne {\n};\nCOne Made(int from);'
-exit $status
+finish
