@@ -67,10 +67,9 @@ class CLattice {
   /// The rectangle that the lattice covers, model units.
   const CExtent& Extent() const { return m_Extent; }
   void SetExtent(const CExtent& extent) { m_Extent = extent; }
-  /// Sides of a unit cell, in model units, and the smaller of the two.
+  /// Sides of a unit cell, in model units.
   double StepX() const { return (m_Extent.x1 - m_Extent.x0) / (m_iSide - 1); }
   double StepY() const { return (m_Extent.y1 - m_Extent.y0) / (m_iSide - 1); }
-  double CellSize() const { return StepX() < StepY() ? StepX() : StepY(); }
   /// Model units to lattice coordinates: 0 at x0 (y0), n - 1 at x1 (y1), linear also outside.
   double ColumnOf(double x) const { return (x - m_Extent.x0) / (m_Extent.x1 - m_Extent.x0) * (m_iSide - 1); }
   double RowOf(double y) const { return (y - m_Extent.y0) / (m_Extent.y1 - m_Extent.y0) * (m_iSide - 1); }

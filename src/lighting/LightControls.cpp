@@ -38,7 +38,7 @@ CColourRatios::CColourRatios(const std::array<double, 3>& rgb) {
 std::optional<std::array<double, 3>> CColourRatios::Follow(std::size_t moved, double value) const {
   std::array<double, 3> colour{};
   for (std::size_t k = 0; k < 3; ++k) {
-    const double ratio = m_aafRatios[k][moved];
+    const double ratio = Ratio(k, moved);
     if (ratio == kUnknown) return std::nullopt;
     colour[k] = k == moved ? value : std::min(1.0, value * ratio);
   }

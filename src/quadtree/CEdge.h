@@ -66,7 +66,7 @@ class CEdge {
   /// Clearing a whole edge therefore means clearing the parents before the halves.
   void Mark(std::uint32_t mark, bool on);
   bool HasMark(std::uint32_t mark) const { return (m_uMarks & mark) != 0; }
-  bool HasBothMarks() const { return (m_uMarks & EdgeMark::kBoth) == EdgeMark::kBoth; }
+  bool HasBothMarks() const { return HasMark(EdgeMark::kAboveOrLeft) && HasMark(EdgeMark::kBelowOrRight); }
   /// Whether the basis may predict across the edge. Always in the modes that ignore discontinuities; otherwise a leaf
   /// must not carry both marks and a split edge must have two continuous halves. Linear in the number of sub-edges.
   bool IsContinuous(WaveletMode mode) const;

@@ -124,7 +124,7 @@ void CCurveTermsBuilder::AddTerm(double weight, const std::array<CPlace, 3>& pla
   };
   const double d1 = distance(places[0], places[1]);
   const double d2 = distance(places[1], places[2]);
-  // d2 z0 - (d1 + d2) z1 + d1 z2, where z'' along the curve = that / ((d1 + d2) / 2 d1 d2), per model unit.
+  // d2 z0 - (d1 + d2) z1 + d1 z2, where z'' along the curve = that / (d1 d2 (d1 + d2) / 2), per model unit.
   const std::array<double, 3> factors{d2, -(d1 + d2), d1};
   std::array<CEnergyTerms::CEntry, 24> form;
   std::size_t count = 0;

@@ -124,8 +124,8 @@ void CGridTermsBuilder::AddSecondDifferences(std::uint32_t position) {
 }
 
 // The squared second difference on the points before, here and after, h1 and h2 model units apart. With
-// z'' = ((z_after - z_here) / h2 - (z_here - z_before) / h1) / ((h1 + h2) / 2) the form is z'' times (h1 + h2) / 2 h1
-// h2.
+// z'' = ((z_after - z_here) / h2 - (z_here - z_before) / h1) / ((h1 + h2) / 2) the form is z'' times h1 h2
+// (h1 + h2) / 2.
 void CGridTermsBuilder::AddSecondDifference(std::int32_t before, std::uint32_t here, std::int32_t after, double h1,
                                             double h2, double area) {
   m_pTerms->Add(

@@ -102,17 +102,13 @@ TEST(LatticeTest, MapsAreInverses) {
   }
 }
 
-TEST(LatticeTest, CellSizeIsTheSmallerSide) {
-  CLattice lattice = OblongLattice(5);
-  EXPECT_DOUBLE_EQ(lattice.CellSize(), 1);
-  lattice.SetExtent({0, 16, 0, 64});
-  EXPECT_DOUBLE_EQ(lattice.CellSize(), 0.5);
-}
-
 TEST(LatticeTest, StepsAreTheSidesOfALatticeCell) {
-  const CLattice lattice = OblongLattice(5);
+  CLattice lattice = OblongLattice(5);
   EXPECT_DOUBLE_EQ(lattice.StepX(), 4);
   EXPECT_DOUBLE_EQ(lattice.StepY(), 1);
+  lattice.SetExtent({0, 16, 0, 64});
+  EXPECT_DOUBLE_EQ(lattice.StepX(), 0.5);
+  EXPECT_DOUBLE_EQ(lattice.StepY(), 2);
 }
 
 TEST(LatticeTest, AllocateClearsWhatWasStored) {

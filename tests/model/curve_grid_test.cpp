@@ -139,7 +139,8 @@ TEST(PendingGridCurveTest, CursorOnTheFirstPointClosesTheClickedPoints) {
 TEST(PendingGridCurveTest, SinglePointMakesNoCurve) {
   CCurveGrid test;
   test.Click({{0, 21}});
-  CStaging::Constraints(test.m_Grid).PendingCurve().SetClosedOnValidate(true);
+  test.m_Grid.CurveEdits().HoverPending(0, 21, PickReach());
+  ASSERT_TRUE(test.m_Grid.Constraints().PendingCurve().ClosesOnValidate());
   EXPECT_EQ(test.m_Grid.CurveEdits().ValidatePending(0, 21, false, kTear), CCurveEdits::Validation::Dropped);
   EXPECT_TRUE(test.m_Grid.Constraints().Curves().empty());
   EXPECT_TRUE(test.m_Grid.Constraints().PendingCurve().IsIdle());

@@ -57,7 +57,8 @@ TEST(GridTest, StartsOnAHundredSquare) {
   EXPECT_EQ(grid.Surface().Lattice().Extent().x1, 100);
   EXPECT_EQ(grid.Surface().Lattice().Extent().y0, 0);
   EXPECT_EQ(grid.Surface().Lattice().Extent().y1, 100);
-  EXPECT_DOUBLE_EQ(grid.Surface().Lattice().CellSize(), 100.0 / 128);
+  EXPECT_DOUBLE_EQ(grid.Surface().Lattice().StepX(), 100.0 / 128);
+  EXPECT_DOUBLE_EQ(grid.Surface().Lattice().StepY(), 100.0 / 128);
 }
 
 TEST(GridTest, StartsRunningWithEverythingToDo) {
@@ -112,12 +113,15 @@ TEST(GridTest, InitializeTakesTwoCorners) {
   EXPECT_EQ(extent.y1, 36);
 }
 
-TEST(GridTest, CellSizeIsTheSmallerSideOfALatticeCell) {
+TEST(GridTest, StepsFollowTheRectangle) {
   CTestGrid test;
+  const CLattice& lattice = test.m_Grid.Surface().Lattice();
   test.m_Grid.Initialize(3, false, 10, 20, 74, 36);
-  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().Lattice().CellSize(), 1);
+  EXPECT_DOUBLE_EQ(lattice.StepX(), 4);
+  EXPECT_DOUBLE_EQ(lattice.StepY(), 1);
   test.m_Grid.Initialize(3, false, 10, 20, 18, 100);
-  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().Lattice().CellSize(), 0.5);
+  EXPECT_DOUBLE_EQ(lattice.StepX(), 0.5);
+  EXPECT_DOUBLE_EQ(lattice.StepY(), 5);
 }
 
 TEST(GridTest, RectangleSetterTakesTwoRanges) {
@@ -125,7 +129,8 @@ TEST(GridTest, RectangleSetterTakesTwoRanges) {
   test.m_Grid.Surface().SetExtent({-8, 24, 5, 9});
   EXPECT_EQ(test.m_Grid.Surface().Lattice().Extent().x1, 24);
   EXPECT_EQ(test.m_Grid.Surface().Lattice().Extent().y0, 5);
-  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().Lattice().CellSize(), 0.25);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().Lattice().StepX(), 2);
+  EXPECT_DOUBLE_EQ(test.m_Grid.Surface().Lattice().StepY(), 0.25);
   const CCellRect root = test.m_Grid.Surface().Tree().Root().ModelRect();
   EXPECT_EQ(root.x, -8);
   EXPECT_EQ(root.y, 5);

@@ -36,9 +36,8 @@ class CHelpLine : public CPassiveOutput {
   /// "Frame nb ... recorded.", until the current text is restored.
   void ShowFrameRecorded(int frame);
 
-  /// Indices of the text that belongs to the present state, and of the one on the screen.
+  /// Index of the text that belongs to the present state.
   int CurrentHelp() const { return m_iCurrent; }
-  int ShownHelp() const { return m_iShown; }
 
  private:
   static constexpr int kOther = -1;  ///< none of the numbered texts
