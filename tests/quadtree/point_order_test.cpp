@@ -137,7 +137,6 @@ TEST(PointOrderTest, ResetForgetsAllNumbersAndTakesTheLevel) {
   order.Reset(3);
   EXPECT_EQ(order.Count(), 0U);
   EXPECT_EQ(order.Level(), 3);
-  EXPECT_EQ(order.PointsPerSide(), 9);
   EXPECT_EQ(order.NumberOf(80), -1);
 }
 
