@@ -130,7 +130,7 @@ class MonkeyTest : public ::testing::Test {
     m_Monkey.SetObedient(false);
     m_Log.Look();
   }
-  // A graphics card in software keeps the geometry of former frames, tens of megabytes, for as long as a context lives.
+  // Drawing in software keeps the geometry of former frames, tens of megabytes, for as long as a context lives.
   void RenewContexts() {
     for (Fl_Window* view :
          {static_cast<Fl_Window*>(&m_Window.ImageView()), static_cast<Fl_Window*>(&m_Window.GridView())}) {

@@ -72,7 +72,7 @@ void CMonkey::Answer() {
   ActOn(*Fl::modal());
 }
 
-// One key at a time: the toolkit does not stand another one between the end of a menu and that of its loop.
+// One key at a time: the toolkit cannot bear another one between the end of a menu and that of its loop.
 void CMonkey::ChooseFromMenu(Fl_Window& menu, bool last) {
   constexpr std::array kSteps{FL_Down, FL_Down, FL_Down, FL_Right, FL_Left, FL_Up, FL_Enter};
   Fl::e_keysym = last ? FL_Escape : static_cast<int>(OneOf(kSteps));
