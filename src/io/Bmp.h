@@ -22,7 +22,7 @@ struct CLoadedPicture {
 ///
 /// Nothing, with a console line, where the file cannot be opened, is not such a bitmap (the signature is not looked
 /// at), has its top row first, or has a negative or an excessive size, which is found out before anything of that size
-/// is allocated: more than 1 GiB, than 64 MiB and 16 bytes for each byte of the file, or than there is memory for.
+/// is allocated: more than 1 GiB or than there is memory for, or above both 64 MiB and 16 bytes per byte of the file.
 /// A file that ends early is read as far as it goes: the rest of an incomplete row is that of the row before it (zeros
 /// in the first), and every further row repeats it.
 std::optional<CLoadedPicture> LoadBMP(const std::string& filename, int align);
