@@ -8,6 +8,7 @@
 #include "constraints/PtCstrText.h"
 #include "model/CGrid.h"
 #include "model/CSketch.h"
+#include "model/Globals.h"
 
 namespace {
 
@@ -62,7 +63,12 @@ CSolvedHeights SolvedHeights(const CGrid& grid) {
   return solved;
 }
 
-void WriteGrid(std::ostream& out, const CGrid& grid) { WriteGrid(out, grid.Sketch(), SolvedHeights(grid)); }
+void WriteGrid(std::ostream& out, const CGrid& grid) {
+  CSketch sketch = grid.Sketch();
+  // The levels of a file are those that a new grid would get now.
+  sketch.m_iMaxLevel = g_iMaxLevel;
+  WriteGrid(out, sketch, SolvedHeights(grid));
+}
 
 void WriteGrid(std::ostream& out, const CSketch& sketch, const CSolvedHeights& solved) {
   WriteSketch(out, sketch);

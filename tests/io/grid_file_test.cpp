@@ -155,6 +155,12 @@ TEST(GridFile, TheLevelsOfTheFileAreThoseOfNewGridsOnly) {
   EXPECT_EQ(other.m_Grid.Surface().ActivePointCount(), 81) << "as the saved subdivision says";
 }
 
+TEST(GridFile, HoldsTheLevelsOfNewGridsAsTheyAreNow) {
+  const CTestGrid test(4, 2);
+  const CResolutionScope levels(6, 3);
+  EXPECT_NE(GridText(test.m_Grid).find("\nL\n3\n6\n"), std::string::npos) << GridText(test.m_Grid);
+}
+
 TEST(GridFile, KeepsTheFirstNumberOfEachList) {
   const CFullModel model;
   CTestGrid other;
