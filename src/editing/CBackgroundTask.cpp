@@ -43,7 +43,7 @@ CBackgroundTask::~CBackgroundTask() {
 void CBackgroundTask::Begin(std::function<bool()> work) {
   m_bDone = false;
   const auto run = [this, work = std::move(work)](bool aside) {
-    // Of this thread alone; the system calls it a process.
+    // Of this thread alone, which the system calls a process.
     if (aside) setpriority(PRIO_PROCESS, 0, kNiceness);
     m_bAnswer = work();
     m_bDone = true;

@@ -5,7 +5,7 @@
 #include <optional>
 #include <thread>
 
-/// Work that is done aside, in one thread of its own, while the program goes on. All functions belong to the thread
+/// Work done in the background, in one thread of its own, while the program goes on. All functions belong to the thread
 /// that has made the object.
 class CBackgroundTask {
  public:
@@ -18,7 +18,7 @@ class CBackgroundTask {
   /// Begins `work`, which must touch nothing that anybody else changes, and throw nothing. Nothing else may be under
   /// way, or done and not taken. Where no thread can be had, it is done at once.
   void Begin(std::function<bool()> work);
-  /// Whether a work has begun whose answer has not been taken.
+  /// Whether work has begun whose answer has not been taken.
   bool IsBusy() const { return m_Thread.joinable() || m_bAtOnce; }
   /// Becomes readable when the work is done; -1 where the system has no descriptor left.
   int Descriptor() const { return m_iDone; }

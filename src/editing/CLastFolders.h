@@ -14,7 +14,7 @@ class CLastFolders {
   /// An empty path keeps nothing beyond the run. The file is read when the first folder is asked for or noted.
   explicit CLastFolders(std::filesystem::path file) : m_Lines(std::move(file), "list of last folders") {}
 
-  /// Empty where no file of the kind was chosen yet, or where the folder is no more.
+  /// Empty where no file of the kind was chosen yet, or where the folder is gone.
   std::string Of(const std::string& kind);
   /// A file of the kind, an absolute path, has been chosen.
   void Note(const std::string& kind, const std::string& file);

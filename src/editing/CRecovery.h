@@ -22,7 +22,7 @@ struct CUnsavedWork {
 /// little of it.
 ///
 /// A second after an edit, and every 15 seconds while edits go on, a copy of the work is taken, which another thread
-/// writes; not during a drag. The descriptors wake whoever looks after the object, by whatever means the program has
+/// writes; not during a drag. The descriptors wake whatever looks after the object, by whatever means the program has
 /// for that. Nothing is ever asked of the user, and nothing stops the program: what cannot be written is told once.
 class CRecovery {
  public:

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// A short name by chance for a file that is to lie beside another one for a moment.
+/// A short random name for a file that is to lie beside another one for a moment.
 inline std::string RandomName() {
   constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz234567";
   constexpr std::size_t kRandomLetters = 10;
