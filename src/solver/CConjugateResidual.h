@@ -4,17 +4,7 @@
 #include <span>
 #include <vector>
 
-class CConstraintSystem;
-
-/// How far a state is from solving the system, as lengths; H, B and C as in CConstraintSystem, z the heights.
-struct CImbalance {
-  double m_fForces = 0.0;     ///< B^T (H z + C^T l): what is left of the forces, 0 in a solution
-  double m_fPulls = 0.0;      ///< B^T C^T l: those of the constraints alone
-  double m_fMagnitude = 0.0;  ///< B^T |H| |z|: those of the smoothness, had nothing in them cancelled
-  double m_fReach = 0.0;      ///< |C| |z|: the values of the constraints, had nothing in them cancelled
-  double m_fMisses = 0.0;     ///< d - C z: what the constraints miss, 0 in a solution
-  double m_fTargets = 0.0;    ///< d
-};
+class CScaledSystem;
 
 /// The conjugate-residual iteration [Stiefel1955] on a symmetric, possibly indefinite or singular system
 /// [Luenberger1970].
@@ -34,22 +24,17 @@ class CConjugateResidual {
   };
 
   /// Starts anew from x (N coefficients) and l (M multipliers) towards the right-hand sides d of the constraints:
-  /// r = (0, d) - A (x, l), p = r, q = s = A r.
-  void Restart(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
+  /// r = (0, d) - A (x, l), p = r, q = s = A r, all of them scaled.
+  void Restart(CScaledSystem& system, std::span<const double> x, std::span<const double> multipliers,
                std::span<const double> targets);
   /// Takes up the residual that x and l really have [VanDerVorstYe2000]: rounding makes the recurrence believe in a
-  /// smaller one. The iteration then seeks the correction that this residual asks for, and kBreakdown is held against
-  /// it as if it were as large as the residual of the restart; the restart's figures stay.
-  void Refresh(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
+  /// smaller one. The iteration then seeks the correction that this residual asks for; the restart's figures stay.
+  void Refresh(CScaledSystem& system, std::span<const double> x, std::span<const double> multipliers,
                std::span<const double> targets);
-  /// Measures a state afresh, and takes up its residual as `Refresh` does. From then on until the next `Restart` the
-  /// iteration also ends (as SmallRho) where the residual has fallen below what rounding makes of such a state.
-  CImbalance Measure(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
-                     std::span<const double> targets);
-  /// One iteration: improves x and l in place.
-  Outcome Step(CConstraintSystem& system, std::span<double> x, std::span<double> multipliers);
+  /// One iteration: improves x in place and adds to the way that the scaled multipliers have gone so far (M entries).
+  Outcome Step(CScaledSystem& system, std::span<double> x, std::span<double> way);
 
-  /// Whether the recurrence is still among the finite numbers. After a step that left them, x and l may not be.
+  /// Whether the recurrence is still among the finite numbers. After a step that left them, x and the way may not be.
   bool IsFinite() const { return std::isfinite(m_fRho) && std::isfinite(m_fPi); }
   /// |r . A r| / (|r| |A r|) at a restart: 0 for a residual that the system turns into one perpendicular to it. Not a
   /// number for a residual that vanishes.
@@ -65,17 +50,13 @@ class CConjugateResidual {
   int StepsSinceProgress() const { return m_iSinceProgress; }
   /// |A r| / |r| now, as a share of the largest value that it has had since the system last changed its size.
   double ImageShare() const { return m_fGain / m_fLargestGain; }
-  /// The part of the residual that belongs to the M constraints: what each misses.
-  std::span<const double> ConstraintResidual(std::size_t unknowns) const { return std::span(m_afR).subspan(unknowns); }
   /// Length of the residual now and at the last restart.
   double ResidualNorm() const;
   double StartNorm() const { return m_fStartNorm; }
 
  private:
-  void TakeUpResidual(CConstraintSystem& system, std::span<const double> x, std::span<const double> multipliers,
+  void TakeUpResidual(CScaledSystem& system, std::span<const double> x, std::span<const double> multipliers,
                       std::span<const double> targets);
-  bool IsTooSmall(double product) const;
-  bool IsRounding() const { return m_fForces <= m_fForceRounding && m_fMisses <= m_fMissRounding; }
   double Advance(double beta);
   void NoteProgress(double image, double residual);
 
@@ -86,12 +67,7 @@ class CConjugateResidual {
   double m_fRho = 0.0;
   double m_fPi = 0.0;
   double m_fStartNorm = 0.0;
-  double m_fForces = 0.0;  ///< squared lengths of the two parts of the residual, and below what they are rounding
-  double m_fMisses = 0.0;
-  double m_fForceRounding = -1.0;
-  double m_fMissRounding = -1.0;
-  double m_fMagnification = 1.0;  ///< squared ratio of the restart's residual to the one taken up last
-  double m_fBestImage = 0.0;      ///< |A r|^2 when it was last found halved
+  double m_fBestImage = 0.0;  ///< |A r|^2 when it was last found halved
   int m_iSinceProgress = 0;
   double m_fGain = 0.0;  ///< |A r| / |r|
   double m_fLargestGain = 0.0;

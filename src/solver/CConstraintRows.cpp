@@ -56,6 +56,7 @@ bool FindProbes(const CPtCstr& constraint, const CQuadTree& tree, const CInterpo
 void CConstraintRows::Clear() {
   m_Rows.Clear();
   m_afTargets.clear();
+  m_abSlope.clear();
   m_auBuiltKinds.clear();
 }
 
@@ -84,7 +85,7 @@ bool CConstraintRows::AddPosition(const CPtCstr& constraint, const CInterpolatio
   CStencil stencil;
   if (!FindPlace(constraint, surface, stencil)) return false;
   AppendStencil(stencil, kWeight, surface.Order());
-  EndRow(kWeight * constraint.m_fZ);
+  EndRow(kWeight * constraint.m_fZ, false);
   return true;
 }
 
@@ -93,10 +94,10 @@ bool CConstraintRows::AddNormal(const CPtCstr& constraint, const CQuadTree& tree
   if (!FindProbes(constraint, tree, surface, probes)) return false;
   AppendStencil(probes.m_Above, kWeight / probes.m_fHeight, surface.Order());
   AppendStencil(probes.m_Below, -kWeight / probes.m_fHeight, surface.Order());
-  EndRow(kWeight * constraint.m_fQ);
+  EndRow(kWeight * constraint.m_fQ, true);
   AppendStencil(probes.m_Right, kWeight / probes.m_fWidth, surface.Order());
   AppendStencil(probes.m_Left, -kWeight / probes.m_fWidth, surface.Order());
-  EndRow(kWeight * constraint.m_fP);
+  EndRow(kWeight * constraint.m_fP, true);
   return true;
 }
 
@@ -107,7 +108,8 @@ void CConstraintRows::AppendStencil(const CStencil& stencil, double factor, cons
   }
 }
 
-void CConstraintRows::EndRow(double target) {
+void CConstraintRows::EndRow(double target, bool slope) {
   m_Rows.EndRow();
+  m_abSlope.push_back(slope);
   m_afTargets.push_back(target);
 }

@@ -36,15 +36,18 @@ class CConstraintRows {
   const CCompressedRows& Rows() const { return m_Rows; }
   /// Right-hand sides d.
   std::span<const double> Targets() const { return m_afTargets; }
+  /// Whether row `j` asks for a slope and not for a height.
+  bool IsSlope(std::size_t j) const { return m_abSlope[j]; }
 
  private:
   /// Whether rows were made.
   bool AddPosition(const CPtCstr& constraint, const CInterpolation& surface);
   bool AddNormal(const CPtCstr& constraint, const CQuadTree& tree, const CInterpolation& surface);
   void AppendStencil(const CStencil& stencil, double factor, const CPointOrder& order);
-  void EndRow(double target);
+  void EndRow(double target, bool slope);
 
   CCompressedRows m_Rows;
   std::vector<double> m_afTargets;
+  std::vector<bool> m_abSlope;
   std::vector<std::uint32_t> m_auBuiltKinds;
 };

@@ -26,6 +26,8 @@ class CConstraintSystem {
   CConstraintRows& Constraints() { return m_Constraints; }
   const CConstraintRows& Constraints() const { return m_Constraints; }
 
+  const CHierarchicalBasis& Basis() const { return *m_pBasis; }
+
   /// N, M, and N + M, the size of all vectors of the iteration: x first, then l.
   std::size_t UnknownCount() const { return m_pBasis->Size(); }
   std::size_t ConstraintCount() const { return m_Constraints.Count(); }
@@ -37,10 +39,19 @@ class CConstraintSystem {
     m_afForces.resize(UnknownCount());
   }
   /// out = (system) v. Both have `Size()` entries, the coefficients first, and must not overlap. Allocates nothing.
-  void ApplySystem(std::span<const double> v, std::span<double> out);
-  /// The magnitudes that rounding is to be held against, for heights z = B x: out = (B^T |H| |z|, |C| |z|), the forces
-  /// of the smoothness and the values of the constraints without what cancels in them. `x` has N entries, `out` Size().
+  void ApplySystem(std::span<const double> v, std::span<double> out) {
+    ApplySystem(v.first(UnknownCount()), v.subspan(UnknownCount()), out);
+  }
+  void ApplySystem(std::span<const double> x, std::span<const double> multipliers, std::span<double> out);
+  /// out = B^T |H| |B x|, both of N entries: the forces of the smoothness without what cancels in them.
   void ApplyMagnitudes(std::span<const double> x, std::span<double> out);
+  /// The same in coefficients x = D y, with a diagonal matrix D: out = D (B^T H B D y + B^T C^T l) and C B D y.
+  void ApplyScaled(std::span<const double> y, std::span<const double> scale, std::span<const double> multipliers,
+                   std::span<double> out);
+  /// out = B^T C^T l, N entries: the forces of the constraints.
+  void ApplyTransposedRows(std::span<const double> multipliers, std::span<double> out);
+  /// values = C B x, M entries: what the constraints have got.
+  void ApplyRows(std::span<const double> x, std::span<double> values);
 
  private:
   const CHierarchicalBasis* m_pBasis;

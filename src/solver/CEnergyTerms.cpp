@@ -61,7 +61,7 @@ void CEnergyTerms::Add(double weight, const CEntry* first, const CEntry* last) {
       m_afCoefs.push_back(first->second);
     }
   }
-  m_auFormStart.push_back(m_auUnknowns.size());
+  m_auFormStart.push_back(static_cast<std::uint32_t>(m_auUnknowns.size()));
 }
 
 void CEnergyTerms::Assemble(std::size_t unknowns, CCompressedRows& matrix) const {
@@ -69,16 +69,16 @@ void CEnergyTerms::Assemble(std::size_t unknowns, CCompressedRows& matrix) const
   // same products in the same order.
   struct COccurrence {
     std::uint32_t m_uTerm;
-    double m_fCoef;
+    std::uint32_t m_uEntry;
   };
-  std::vector<std::size_t> start(unknowns + 1, 0);
+  std::vector<std::uint32_t> start(unknowns + 1, 0);
   for (const std::uint32_t unknown : m_auUnknowns) ++start[unknown + 1];
   for (std::size_t k = 0; k < unknowns; ++k) start[k + 1] += start[k];
   std::vector<COccurrence> occurrences(m_auUnknowns.size());
-  std::vector<std::size_t> next(start.begin(), start.end() - 1);
+  std::vector<std::uint32_t> next(start.begin(), start.end() - 1);
   for (std::uint32_t term = 0; term < Count(); ++term) {
-    for (std::size_t e = m_auFormStart[term]; e < m_auFormStart[term + 1]; ++e) {
-      occurrences[next[m_auUnknowns[e]]++] = {term, m_afCoefs[e]};
+    for (std::uint32_t e = m_auFormStart[term]; e < m_auFormStart[term + 1]; ++e) {
+      occurrences[next[m_auUnknowns[e]]++] = {term, e};
     }
   }
 
@@ -87,7 +87,8 @@ void CEnergyTerms::Assemble(std::size_t unknowns, CCompressedRows& matrix) const
   for (std::size_t i = 0; i < unknowns; ++i) {
     row.Begin();
     for (std::size_t o = start[i]; o < start[i + 1]; ++o) {
-      const auto [term, coef] = occurrences[o];
+      const std::uint32_t term = occurrences[o].m_uTerm;
+      const double coef = m_afCoefs[occurrences[o].m_uEntry];
       for (std::size_t e = m_auFormStart[term]; e < m_auFormStart[term + 1]; ++e) {
         row.Add(m_auUnknowns[e], m_afWeights[term] * (coef * m_afCoefs[e]));
       }

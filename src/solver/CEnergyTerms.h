@@ -28,8 +28,8 @@ class CEnergyTerms {
   void Assemble(std::size_t unknowns, CCompressedRows& matrix) const;
 
  private:
-  std::vector<double> m_afWeights;            ///< by term
-  std::vector<std::size_t> m_auFormStart{0};  ///< by term, and the end
-  std::vector<std::uint32_t> m_auUnknowns;    ///< of all forms
+  std::vector<double> m_afWeights;              ///< by term
+  std::vector<std::uint32_t> m_auFormStart{0};  ///< by term, and the end
+  std::vector<std::uint32_t> m_auUnknowns;      ///< of all forms
   std::vector<double> m_afCoefs;
 };

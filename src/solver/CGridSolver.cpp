@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numeric>
 #include <utility>
 
 #include "base/Console.h"
 #include "constraints/CPtCstrList.h"
+#include "lattice/CLattice.h"
 #include "quadtree/CPointOrder.h"
 #include "quadtree/Interpolation.h"
+#include "solver/CEnergyTerms.h"
 #include "solver/CurveTerms.h"
 #include "solver/GridTerms.h"
 
@@ -32,9 +33,17 @@ constexpr double kRoundingFloor = 1e-14;
 // above.
 constexpr double kBadStart = 1e-8;
 
-// A surface is the solution when the forces left on it are this share of those that the constraints exert, or this
-// share of what cancels in those of the smoothness, which is rounding; and when its constraints miss this share of
-// their targets. Of rightly converged surfaces the shares are smaller by four orders and more, of wrong ones near 1.
+// Beyond this, and below its inverse, the right-hand side counts as not finite or 0: the square of a residual that
+// comes from such heights would leave the finite numbers once the heights are reasonable again.
+constexpr double kLargestNorm = 1e150;
+
+// A slope is taken over this share of the model's longer side, as a difference of heights.
+constexpr double kSlopeUnit = 0.01;
+
+// A surface is the solution when the forces left on it are this share of those that the constraints exert, or that
+// share of what cancels in those of the smoothness and of the targets, which is rounding; and when its constraints miss
+// this share of their targets. Of rightly converged surfaces the shares are smaller by four orders and more, of wrong
+// ones near 1. In scaled units forces and targets are of one kind.
 constexpr double kSolvedShare = 1e-6;
 constexpr double kRoundedShare = 1e-12;
 
@@ -42,17 +51,19 @@ constexpr double kRoundedShare = 1e-12;
 // leave a residual, so this must end.
 constexpr int kRetriesPerEdit = 2;
 
-// When a residual that is left will stay: after this many iterations without progress, in units of the side of the
-// grid, with the residual's image down to this share of its largest. Without the basis an iteration may make no
-// progress for as long on the way, but then its image is still large.
-constexpr double kStallFactor = 40.0;
-constexpr double kRoundingShare = 1e-9;
-// After this many the iteration will make no more progress at all.
-constexpr double kHopelessStallFactor = 400.0;
+// When a residual that is left will stay: after `m_fSides` iterations without progress, in units of the side of the
+// grid, with the residual's image down to `m_fImage` of its largest. Without the basis an iteration may make no
+// progress for as long on the way, but then its image is still larger; with it, rounding in the multipliers of rows
+// that are almost the same keeps the image of what they contradict above a tenth of the share here.
+struct CStall {
+  double m_fSides;
+  double m_fImage;
+  double m_fHopelessSides;  ///< after so many the iteration will make no more progress at all
+};
+constexpr CStall kStallOfHeights{40.0, 1e-9, 400.0};
+constexpr CStall kStallOfCoefficients{10.0, 1e-6, 100.0};
 
-double Norm(std::span<const double> values) {
-  return std::sqrt(std::transform_reduce(values.begin(), values.end(), values.begin(), 0.0));
-}
+const CStall& StallIn(WaveletMode mode) { return mode == WaveletMode::None ? kStallOfHeights : kStallOfCoefficients; }
 
 bool AllFinite(std::span<const double> values) {
   return std::ranges::all_of(values, [](double value) { return std::isfinite(value); });
@@ -71,11 +82,16 @@ void CGridSolver::RequestRestart() {
 }
 
 void CGridSolver::Assemble(CQuadTree& tree, const CInterpolation& surface, const CCntrCtrlList& curves) {
-  m_Terms.Clear();
-  AddGridTerms(tree, surface.Order(), m_Terms);
-  AddCurveTerms(curves, tree, surface, m_Terms);
-  m_Terms.Assemble(surface.Order().Count(), m_System.Smoothness());
-  m_System.Smoothness().FindRuns();
+  CCompressedRows matrix;
+  {
+    CEnergyTerms terms;
+    AddGridTerms(tree, surface.Order(), terms);
+    AddCurveTerms(curves, tree, surface, terms);
+    terms.Assemble(surface.Order().Count(), matrix);
+  }
+  // Most rebuilds are for a constraint that came or went.
+  if (!(matrix == m_System.Smoothness())) m_Scaled.ForgetBasis();
+  m_System.Smoothness() = std::move(matrix);
   m_iCounter = 0;
 }
 
@@ -83,18 +99,37 @@ void CGridSolver::SetConstraints(std::span<const CPtCstrList* const> lists, cons
                                  const CInterpolation& surface) {
   m_System.Constraints().Clear();
   m_System.Constraints().Add(lists, tree, surface);
+  m_Scaled.ScaleBasis();
+  const CExtent& e = surface.Lattice().Extent();
+  m_Scaled.ScaleRows(surface.Order(), kSlopeUnit * std::max(e.x1 - e.x0, e.y1 - e.y0));
   RequestRestart();
+}
+
+// The right-hand side shall have the length 1 once it is scaled; where nothing is asked for, what is to be removed.
+void CGridSolver::SetFactor(std::span<const double> x) {
+  m_Scaled.SetFactor(1.0);
+  const auto usable = [](double norm) { return norm > 1.0 / kLargestNorm && norm < kLargestNorm; };
+  double norm = m_Scaled.TargetNorm(m_afTargets);
+  if (!usable(norm)) {
+    norm = m_Scaled.ResidualNorm(x, m_afMultipliers, m_afTargets);
+  }
+  m_Scaled.SetFactor(usable(norm) ? 1.0 / norm : 1.0);
 }
 
 void CGridSolver::ResizeMultipliers() {
   const std::size_t old = m_afMultipliers.size();
   m_afMultipliers.resize(m_System.ConstraintCount());
   const double limit = 1.0 / static_cast<double>(m_System.UnknownCount());
-  for (std::size_t j = old; j < m_afMultipliers.size(); ++j) m_afMultipliers[j] = m_pRandom->UpTo(limit);
+  for (std::size_t j = old; j < m_afMultipliers.size(); ++j) DrawMultiplier(j, limit);
 }
 
 void CGridSolver::RandomiseMultipliers(double limit) {
-  for (double& multiplier : m_afMultipliers) multiplier = m_pRandom->UpTo(limit);
+  for (std::size_t j = 0; j < m_afMultipliers.size(); ++j) DrawMultiplier(j, limit);
+}
+
+// In the scaled unknowns, or the start would depend on the units.
+void CGridSolver::DrawMultiplier(std::size_t j, double limit) {
+  m_afMultipliers[j] = m_pRandom->UpTo(limit) * std::min(1.0, m_Scaled.MultiplierUnit(j));
 }
 
 // After convergence the residual of a changed target is (0, change), on which r . A r vanishes by symmetry: the
@@ -102,7 +137,13 @@ void CGridSolver::RandomiseMultipliers(double limit) {
 // heights.
 void CGridSolver::Shake() {
   const double limit = 1.0 / static_cast<double>(m_System.UnknownCount());
-  for (double& multiplier : m_afMultipliers) multiplier += m_pRandom->UpTo(limit);
+  for (double& value : m_afWay) value = m_pRandom->UpTo(limit);
+  TakeWay();
+}
+
+void CGridSolver::TakeWay() {
+  m_Scaled.AddStep(m_afWay, m_afMultipliers);
+  std::ranges::fill(m_afWay, 0.0);
 }
 
 bool CGridSolver::ModelChanged() {
@@ -131,20 +172,23 @@ void CGridSolver::Resume(const CSolverState& state, std::span<const double> x) {
 }
 
 void CGridSolver::Start(std::span<const double> x, const CSolverState* resumed) {
-  ResizeMultipliers();
+  m_Scaled.Prepare();
   const std::span<const double> targets = m_System.Constraints().Targets();
   m_afTargets.assign(targets.begin(), targets.end());
   if (resumed != nullptr) m_afTargets = resumed->m_afTargets;
+  m_Scaled.MakeConsistent(m_afTargets);
+  SetFactor(x);
+  ResizeMultipliers();
+  m_afWay.assign(m_System.ConstraintCount(), 0.0);
   if (m_bShakeDue) Shake();
-  m_Residual.Restart(m_System, x, m_afMultipliers, m_afTargets);
+  m_Residual.Restart(m_Scaled, x, m_afMultipliers, m_afTargets);
   // An edit shortly before the pause leaves the same kind of residual as one after it.
   if (resumed == nullptr && !m_bShakeDue && !m_Residual.HasBrokenDown() && m_Residual.Symmetry() < kBadStart) {
     Shake();
-    m_Residual.Restart(m_System, x, m_afMultipliers, m_afTargets);
+    m_Residual.Restart(m_Scaled, x, m_afMultipliers, m_afTargets);
   }
   m_bShakeDue = false;
   m_bVectorsValid = true;
-  m_pBreakdownMessage = nullptr;
   m_fTrueNorm = std::numeric_limits<double>::infinity();
   m_afLastX.resize(x.size());
   m_afLastMultipliers.resize(m_afMultipliers.size());
@@ -155,8 +199,10 @@ CGridSolver::Outcome CGridSolver::Tick(std::span<double> x, int limit, const std
   std::ranges::copy(x, m_afLastX.begin());
   std::ranges::copy(m_afMultipliers, m_afLastMultipliers.begin());
   const Outcome outcome = Iterate(x, limit, poll);
+  TakeWay();
   if (m_Residual.IsFinite() && AllFinite(x)) return outcome;
   std::ranges::copy(m_afLastX, x.begin());
+  std::ranges::fill(m_afWay, 0.0);
   std::ranges::copy(m_afLastMultipliers, m_afMultipliers.begin());
   return Stop("the iteration leaves the finite numbers, |r_rr| = ", m_Residual.Rho(), x);
 }
@@ -164,30 +210,27 @@ CGridSolver::Outcome CGridSolver::Tick(std::span<double> x, int limit, const std
 CGridSolver::Outcome CGridSolver::Iterate(std::span<double> x, int limit, const std::function<bool()>& poll) {
   for (int done = 0; done < limit && m_Residual.IsFinite(); ++done) {
     // An event may change the basis at once, without posting work; the vectors are out of date then.
+    if (poll) TakeWay();
     if (poll && (poll() || !m_bVectorsValid)) return Outcome::Interrupted;
     ++m_iCounter;
     if (HasStopped()) {
       Console() << m_pStopMessage << m_fStopValue << '\n';
       return m_End;
     }
-    const CConjugateResidual::Outcome step = m_Residual.Step(m_System, x, m_afMultipliers);
+    const CConjugateResidual::Outcome step = m_Residual.Step(m_Scaled, x, m_afWay);
     if (step == CConjugateResidual::Outcome::Stepped) continue;
     const bool smallRho = step == CConjugateResidual::Outcome::SmallRho;
-    // Where what has been refined is rounding, the breakdown that it began with is the one to tell of.
     const double value = smallRho ? m_Residual.Rho() : m_Residual.Pi();
-    if (std::abs(value) < CConjugateResidual::kBreakdown || m_pBreakdownMessage == nullptr) {
-      m_pBreakdownMessage = smallRho ? "|r_rr| is too small " : "|pp_pp| is too small ";
-      m_fBreakdownValue = value;
-    }
     if (IsContradictory()) {
       Reconcile(x);
     } else if (!Refine(x)) {
-      return Stop(m_pBreakdownMessage, m_fBreakdownValue, x);
+      return Stop(smallRho ? "|r_rr| is too small " : "|pp_pp| is too small ", value, x);
     }
   }
-  if (HasStalled(kStallFactor) && IsContradictory()) Reconcile(x);
+  const CStall& stall = StallIn(m_System.Basis().Mode());
+  if (HasStalled(stall.m_fSides) && IsContradictory()) Reconcile(x);
   // Either what is left is rounding, or the recurrence has lost its way and needs another start.
-  if (HasStalled(kHopelessStallFactor)) return Stop("|r_rr| stays at ", m_Residual.Rho(), x);
+  if (HasStalled(stall.m_fHopelessSides)) return Stop("|r_rr| stays at ", m_Residual.Rho(), x);
   return Outcome::TickDone;
 }
 
@@ -200,12 +243,11 @@ bool CGridSolver::IsFreeOfForces(const CImbalance& left) {
 // At a breakdown the residual of the recurrence has become small, the true one only as far as rounding let it. As long
 // as that can still be reduced, the iteration goes on from it.
 bool CGridSolver::Refine(std::span<const double> x) {
-  const CImbalance left = m_Residual.Measure(m_System, x, m_afMultipliers, m_afTargets);
+  TakeWay();
+  m_Residual.Refresh(m_Scaled, x, m_afMultipliers, m_afTargets);
   const double before = std::exchange(m_fTrueNorm, m_Residual.ResidualNorm());
-  if (IsFreeOfForces(left)) return false;
-  const double asked = Norm(m_afTargets);
-  const bool worthwhile =
-      m_fTrueNorm < kRefinement * before && m_fTrueNorm > kRoundingFloor * (asked > 0 ? asked : m_Residual.StartNorm());
+  if (IsFreeOfForces(m_Scaled.Measure(x, m_afMultipliers, m_afTargets))) return false;
+  const bool worthwhile = m_fTrueNorm < kRefinement * before && m_fTrueNorm > kRoundingFloor;
   return worthwhile && !m_Residual.HasBrokenDown();
 }
 
@@ -214,10 +256,10 @@ bool CGridSolver::Refine(std::span<const double> x) {
 // converges. Meanwhile the multipliers have run away against each other, so far that what is left of their sum would be
 // rounding: they begin again.
 void CGridSolver::Reconcile(std::span<const double> x) {
-  const std::span<const double> missed = m_Residual.ConstraintResidual(m_System.UnknownCount());
-  for (std::size_t j = 0; j < missed.size(); ++j) m_afTargets[j] -= missed[j];
+  TakeWay();
+  m_System.ApplyRows(x, m_afTargets);
   std::ranges::fill(m_afMultipliers, 0.0);
-  m_Residual.Refresh(m_System, x, m_afMultipliers, m_afTargets);
+  m_Residual.Refresh(m_Scaled, x, m_afMultipliers, m_afTargets);
 }
 
 bool CGridSolver::HasStalled(double sides) const {
@@ -225,7 +267,9 @@ bool CGridSolver::HasStalled(double sides) const {
   return m_Residual.StepsSinceProgress() > patience;
 }
 
-bool CGridSolver::IsContradictory() const { return m_Residual.ImageShare() < kRoundingShare && !IsResidualSmall(); }
+bool CGridSolver::IsContradictory() const {
+  return m_Residual.ImageShare() < StallIn(m_System.Basis().Mode()).m_fImage && !IsResidualSmall();
+}
 
 bool CGridSolver::IsResidualSmall() const {
   return m_Residual.ResidualNorm() <= kSmallResidual * m_Residual.StartNorm();
@@ -234,18 +278,21 @@ bool CGridSolver::IsResidualSmall() const {
 // Measured afresh, as the recurrence may believe in anything by now. The forces of the constraints say how large forces
 // are in this model; those that cancel in the smoothness, how small they can be told to be.
 bool CGridSolver::IsSolved(std::span<const double> x) {
-  const CImbalance left = m_Residual.Measure(m_System, x, m_afMultipliers, m_afTargets);
+  const CImbalance left = m_Scaled.Measure(x, m_afMultipliers, m_afTargets);
   // Where nothing but 0 is asked for there is no measure but the way that the iteration has come.
   if (left.m_fTargets == 0 && IsResidualSmall()) return true;
-  const bool balanced = left.m_fForces <= kSolvedShare * left.m_fPulls + kRoundedShare * left.m_fMagnitude;
+  const double rounding = kRoundedShare * (left.m_fMagnitude + left.m_fTargets);
+  const bool balanced = left.m_fForces <= kSolvedShare * left.m_fPulls + rounding;
   const bool met = left.m_fMisses <= kSolvedShare * left.m_fTargets;
   return balanced && met && std::isfinite(left.m_fPulls + left.m_fMagnitude + left.m_fTargets);
 }
 
 CGridSolver::Outcome CGridSolver::Stop(const char* message, double value, std::span<const double> x) {
+  TakeWay();
   m_pStopMessage = message;
   m_fStopValue = value;
   Console() << message << value << '\n';
+  m_Residual.Refresh(m_Scaled, x, m_afMultipliers, m_afTargets);
   const bool solved = IsSolved(x);
   if (!(solved && IsResidualSmall()) && m_iRetriesLeft > 0) {
     --m_iRetriesLeft;

@@ -7,8 +7,8 @@
 #include "base/CRandom.h"
 #include "solver/CConjugateResidual.h"
 #include "solver/CConstraintSystem.h"
-#include "solver/CEnergyTerms.h"
 #include "solver/CHierarchicalBasis.h"
+#include "solver/CScaledSystem.h"
 #include "solver/CSolverState.h"
 
 class CCntrCtrlList;
@@ -73,8 +73,11 @@ class CGridSolver {
 
  private:
   void Start(std::span<const double> x, const CSolverState* resumed = nullptr);
+  void SetFactor(std::span<const double> x);
   void ResizeMultipliers();
+  void DrawMultiplier(std::size_t j, double limit);
   void Shake();
+  void TakeWay();
   Outcome Iterate(std::span<double> x, int limit, const std::function<bool()>& poll);
   static bool IsFreeOfForces(const CImbalance& left);
   bool Refine(std::span<const double> x);
@@ -86,10 +89,11 @@ class CGridSolver {
   bool IsSolved(std::span<const double> x);
 
   CConstraintSystem m_System;
-  CEnergyTerms m_Terms;
+  CScaledSystem m_Scaled{m_System};
   CConjugateResidual m_Residual;
   std::vector<double> m_afMultipliers;  ///< one per constraint row
   std::vector<double> m_afTargets;      ///< right-hand sides, free of contradictions once those are known
+  std::vector<double> m_afWay;          ///< of the scaled multipliers, what the others do not hold yet
   std::vector<double> m_afLastX;        ///< the coefficients before the tick
   std::vector<double> m_afLastMultipliers;
   CRandom* m_pRandom;
@@ -98,8 +102,6 @@ class CGridSolver {
   Outcome m_End = Outcome::TickDone;  ///< of the last stop; TickDone while the iteration is to go on
   bool m_bShakeDue = false;
   int m_iRetriesLeft = 0;
-  const char* m_pBreakdownMessage = nullptr;  ///< of the last breakdown since the restart; null before there is one
-  double m_fBreakdownValue = 0.0;
   const char* m_pStopMessage = "";  ///< of the last stop
   double m_fStopValue = 0.0;
   double m_fTrueNorm = 0.0;  ///< length of the residual when it was last computed afresh at a breakdown

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdlib>
 #include <type_traits>
+#include <utility>
 
 #include "base/Console.h"
 #include "lattice/CLattice.h"
@@ -25,7 +26,7 @@ struct CParents {
 };
 
 // Codes 2k and 2k + 1 belong to cells of level L + 1 - k, whose halves are 2^(L - k) steps long.
-CParents ParentsOf(const CQuadTree& tree, int column, int row, int code) {
+CParents FindParents(const CQuadTree& tree, int column, int row, int code) {
   const int level = tree.Level() - std::abs(code) / 2;
   const int s = 1 << level;
   const CParent left{column - s, row, nullptr};
@@ -76,11 +77,23 @@ double Mean(const double* values, const std::uint32_t* parents) {
 void CHierarchicalBasis::Compile(const CPointOrder& order, const CQuadTree& tree, WaveletMode mode) {
   m_uSize = order.Count();
   m_Mode = mode;
-  m_aRuns.clear();
-  m_auParents.clear();
+  const std::vector<CRun> runs = std::exchange(m_aRuns, {});
+  const std::vector<std::uint32_t> places = std::exchange(m_auPlace, {});
+  const std::vector<std::uint32_t> parents = std::exchange(m_auParents, {});
+  m_auParents.reserve(parents.size());
+  LayOut(order, tree);
+  static std::uint64_t revisions = 0;
+  if (runs != m_aRuns || places != m_auPlace || parents != m_auParents) m_uRevision = ++revisions;
+}
+
+void CHierarchicalBasis::LayOut(const CPointOrder& order, const CQuadTree& tree) {
   m_auPlace.resize(m_uSize);
-  for (std::size_t k = 0; k < m_uSize; ++k) m_auPlace[k] = order.ScanOf(k);
-  if (mode == WaveletMode::None) {
+  m_auUnknown.resize(m_uSize);
+  for (std::uint32_t k = 0; k < m_uSize; ++k) {
+    m_auPlace[k] = order.ScanOf(k);
+    m_auUnknown[m_auPlace[k]] = k;
+  }
+  if (m_Mode == WaveletMode::None) {
     m_aRuns.push_back({0, static_cast<std::uint32_t>(m_uSize), 0, 0});
     return;
   }
@@ -92,12 +105,12 @@ void CHierarchicalBasis::Compile(const CPointOrder& order, const CQuadTree& tree
     if (std::abs(code) < std::abs(previous)) {
       Console() << "CGrid::invWTransposeTimes Error : level not decreasing " << previous << ' ' << code << '\n';
     }
-    const CParents parents = ParentsOf(tree, order.ColumnOf(k), order.RowOf(k), code);
+    const CParents parents = FindParents(tree, order.ColumnOf(k), order.RowOf(k), code);
     std::array<std::uint32_t, 4> counted{};
     std::size_t count = 0;
     for (std::size_t p = 0; p < parents.m_uCount; ++p) {
       const CParent& parent = parents.m_aParents[p];
-      if (!parent.m_pEdge->IsContinuous(mode)) continue;
+      if (!parent.m_pEdge->IsContinuous(m_Mode)) continue;
       const std::int32_t number = order.NumberOf(tree.Lattice().Index(parent.m_iColumn, parent.m_iRow));
       counted[count++] = order.ScanOf(static_cast<std::size_t>(number));
     }
@@ -126,24 +139,33 @@ void CHierarchicalBasis::W(std::span<const double> heights, std::span<double> co
   }
 }
 
-void CHierarchicalBasis::invW(std::span<const double> coefs, std::span<double> heights) const {
-  const double* c = coefs.data();
+template <typename Coefficient>
+void CHierarchicalBasis::Reconstruct(const Coefficient& coefficient, std::span<double> heights) const {
   double* z = heights.data();
   const std::uint32_t* place = m_auPlace.data();
   for (const CRun& run : m_aRuns) {
     WithParentCount(run.m_uParents, [&]<std::size_t kCount>(std::integral_constant<std::size_t, kCount>) {
       const std::uint32_t* parents = m_auParents.data() + run.m_uFirstParent;
       for (std::uint32_t k = run.m_uFirst; k < run.m_uEnd; ++k, parents += kCount) {
-        z[place[k]] = c[k] + Mean<kCount>(z, parents);
+        z[place[k]] = coefficient(k) + Mean<kCount>(z, parents);
       }
     });
   }
 }
 
+void CHierarchicalBasis::invW(std::span<const double> coefs, std::span<double> heights) const {
+  Reconstruct([c = coefs.data()](std::uint32_t k) { return c[k]; }, heights);
+}
+
+void CHierarchicalBasis::ScaledInvW(std::span<const double> coefs, std::span<const double> scale,
+                                    std::span<double> heights) const {
+  Reconstruct([c = coefs.data(), d = scale.data()](std::uint32_t k) { return d[k] * c[k]; }, heights);
+}
+
 // Backward, so that a point has collected the shares of all its children when its own turn comes.
-void CHierarchicalBasis::invWTransposeTimes(std::span<double> heights, std::span<double> coefs) const {
+template <typename Store>
+void CHierarchicalBasis::Collect(std::span<double> heights, const Store& store) const {
   double* z = heights.data();
-  double* c = coefs.data();
   const std::uint32_t* place = m_auPlace.data();
   for (std::size_t r = m_aRuns.size(); r-- > 0;) {
     const CRun& run = m_aRuns[r];
@@ -151,7 +173,7 @@ void CHierarchicalBasis::invWTransposeTimes(std::span<double> heights, std::span
       const std::uint32_t* parents = m_auParents.data() + run.m_uFirstParent + kCount * (run.m_uEnd - run.m_uFirst);
       for (std::uint32_t k = run.m_uEnd; k-- > run.m_uFirst;) {
         const double value = z[place[k]];
-        c[k] = value;
+        store(k, value);
         if constexpr (kCount > 0) {
           parents -= kCount;
           const double share = value * (1.0 / kCount);
@@ -160,4 +182,19 @@ void CHierarchicalBasis::invWTransposeTimes(std::span<double> heights, std::span
       }
     });
   }
+}
+
+void CHierarchicalBasis::invWTransposeTimes(std::span<double> heights, std::span<double> coefs) const {
+  Collect(heights, [c = coefs.data()](std::uint32_t k, double value) { c[k] = value; });
+}
+
+void CHierarchicalBasis::ScaledInvWTransposeTimes(std::span<double> heights, std::span<const double> scale,
+                                                  std::span<double> coefs) const {
+  Collect(heights, [c = coefs.data(), d = scale.data()](std::uint32_t k, double value) { c[k] = d[k] * value; });
+}
+
+std::span<const std::uint32_t> CHierarchicalBasis::ParentsOf(std::size_t k) const {
+  const auto run = std::ranges::upper_bound(m_aRuns, k, {}, &CRun::m_uEnd);
+  const std::size_t first = run->m_uFirstParent + (k - run->m_uFirst) * run->m_uParents;
+  return std::span(m_auParents).subspan(first, run->m_uParents);
 }

@@ -96,7 +96,8 @@ TEST(PostedWorkTest, EachPairIsPerformedInOneTick) {
       ExpectPerformed(second, test, text);
       EXPECT_EQ(Occurrences(text, "CGrid::SetDiscMap()"), MapRebuilds(first, second));
       EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
-      EXPECT_EQ(test.TickWith({}), "");
+      const std::string next = test.TickWith({});
+      EXPECT_TRUE(next.empty() || next.starts_with("|")) << "nothing but a stop of the solver: " << next;
     }
   }
 }

@@ -65,8 +65,29 @@ TEST_F(ResetTest, MultipliersAreDrawnLikewise) {
   AddAll(Grid(), SomeConstraints());
   Grid().UpdateGrid();
   Grid().Reset();
-  ASSERT_EQ(Grid().Solver().Multipliers().size(), 5U);
-  ExpectRandomUpToTheLimit(Copied(Grid().Solver().Multipliers()));
+  const std::vector<double> multipliers = Copied(Grid().Solver().Multipliers());
+  ASSERT_EQ(multipliers.size(), 5U);
+  EXPECT_TRUE(std::ranges::all_of(multipliers, [](double v) { return v > 0 && v <= kLimit; }));
+  EXPECT_NE(multipliers[0], multipliers[1]);
+}
+
+// They are drawn in scaled units, in which the model's own do not count.
+TEST_F(ResetTest, MultipliersOfATallModelAreAsSmallBesideItsOwn) {
+  const auto drawn = [](double scale) {
+    CTestGrid test(4, 2);
+    for (CPtCstr c : SomeConstraints()) {
+      c.m_fZ *= scale;
+      c.m_fP *= scale;
+      c.m_fQ *= scale;
+      test.m_Grid.AddPtCstr(c);
+    }
+    test.m_Grid.UpdateGrid();
+    test.m_Grid.Reset();
+    return Copied(test.m_Grid.Solver().Multipliers());
+  };
+  const std::vector<double> low = drawn(1.0 / 1024);
+  const std::vector<double> lower = drawn(1.0 / 4096);
+  for (std::size_t j = 0; j < low.size(); ++j) EXPECT_DOUBLE_EQ(lower[j], low[j] / 4);
 }
 
 TEST_F(ResetTest, HeightsNormalsAndRangeFollow) {

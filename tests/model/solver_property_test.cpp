@@ -29,11 +29,11 @@ bool AllFinite(const std::vector<double>& values) {
   return std::ranges::all_of(values, [](double value) { return std::isfinite(value); });
 }
 
-// Seven heights and three slopes on the 33 x 33 lattice, at least kApart units from each other, edited at random.
+// Seven heights and three slopes, at least kApart units from each other, edited at random.
 class CEditedModel : public CSolverGrid {
  public:
-  CEditedModel(int baseLevel, std::uint32_t seed)
-      : CSolverGrid(5, baseLevel), m_Random(seed), m_Direct(m_Grid.Surface().Tree()), m_fRim(100.0 / (1 << baseLevel)) {
+  CEditedModel(int maxLevel, int baseLevel, std::uint32_t seed)
+      : CSolverGrid(maxLevel, baseLevel), m_Random(seed), m_Direct(m_Grid.Surface().Tree()), m_fRim(100.0 / (1 << baseLevel)) {
     for (int k = 0; k < kHeights + kSlopes; ++k) {
       const auto [x, y] = FreePlace(nullptr);
       m_Grid.AddPtCstr(k < kHeights ? HeightCstr(x, y, Uniform(-30, 30))
@@ -87,15 +87,18 @@ constexpr int kEdits = 2;
 constexpr int kEdits = 20;
 #endif
 
-// The base level, and the seed. On all points of the lattice an edit takes about five times as long as on every other.
-class SolverEditTest : public testing::TestWithParam<std::tuple<int, std::uint32_t>> {};
+// The maximum level, the base level, and the seed.
+class SolverEditTest : public testing::TestWithParam<std::tuple<int, int, std::uint32_t>> {};
 
-INSTANTIATE_TEST_SUITE_P(AllPoints, SolverEditTest, testing::Combine(testing::Values(5), testing::Values(1U)));
+INSTANTIATE_TEST_SUITE_P(AllPoints, SolverEditTest,
+                         testing::Combine(testing::Values(5), testing::Values(5), testing::Range(1U, 11U)));
 INSTANTIATE_TEST_SUITE_P(EveryOtherPoint, SolverEditTest,
-                         testing::Combine(testing::Values(4), testing::Range(2U, 11U)));
+                         testing::Combine(testing::Values(5), testing::Values(4), testing::Range(2U, 11U)));
+INSTANTIATE_TEST_SUITE_P(LargeGrid, SolverEditTest,
+                         testing::Combine(testing::Values(7), testing::Values(7), testing::Values(1U)));
 
 TEST_P(SolverEditTest, EveryEditReachesTheExactSurface) {
-  CEditedModel model(std::get<int>(GetParam()), std::get<std::uint32_t>(GetParam()));
+  CEditedModel model(std::get<0>(GetParam()), std::get<1>(GetParam()), std::get<2>(GetParam()));
   ASSERT_TRUE(model.Converge());
   for (int edit = 0; edit < kEdits; ++edit) {
     model.EditAtRandom();

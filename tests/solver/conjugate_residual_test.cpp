@@ -10,6 +10,7 @@
 #include "solver/CConjugateResidual.h"
 #include "solver/CConstraintSystem.h"
 #include "solver/CEnergyTerms.h"
+#include "solver/CScaledSystem.h"
 #include "solver/GridTerms.h"
 #include "support/ConstraintBuilders.h"
 #include "support/DirectSolution.h"
@@ -38,8 +39,16 @@ struct CIteration : CTestTree {
     m_afX = RandomValues(1, m_afX.size());
     m_afMultipliers = RandomValues(2, m_afMultipliers.size());
   }
-  void Restart() { m_Residual.Restart(m_System, m_afX, m_afMultipliers, m_System.Constraints().Targets()); }
-  Outcome Step() { return m_Residual.Step(m_System, m_afX, m_afMultipliers); }
+  void Restart() {
+    m_Scaled.Prepare();
+    m_Residual.Restart(m_Scaled, m_afX, m_afMultipliers, m_System.Constraints().Targets());
+  }
+  Outcome Step() {
+    Values way(m_afMultipliers.size(), 0.0);
+    const Outcome outcome = m_Residual.Step(m_Scaled, m_afX, way);
+    m_Scaled.AddStep(way, m_afMultipliers);
+    return outcome;
+  }
 
   std::array<const CPtCstrList*, 1> Lists() const { return {&m_Points}; }
   Values State() const {
@@ -66,6 +75,7 @@ struct CIteration : CTestTree {
   CPtCstrList m_Points;
   CHierarchicalBasis m_Basis;
   CConstraintSystem m_System{m_Basis};
+  CScaledSystem m_Scaled{m_System};
   CConjugateResidual m_Residual;
   Values m_afX;
   Values m_afMultipliers;

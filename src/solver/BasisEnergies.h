@@ -1,0 +1,14 @@
+#pragma once
+
+#include <vector>
+
+class CCompressedRows;
+class CHierarchicalBasis;
+
+/// b^T H b for every function b of the basis: the diagonal of B^T H B, by unknown. H is the matrix of the smoothness
+/// over the heights, by scan position.
+///
+/// A function in which nothing but rounding is left has the energy 0. Level by level from the finest: on the points up
+/// to a level, a basis function of that level is 1 at its own point and 0 at all others, so that its energy is an
+/// entry of the matrix carried over to those points. Linear in the number of entries of H.
+std::vector<double> BasisEnergies(const CCompressedRows& smoothness, const CHierarchicalBasis& basis);

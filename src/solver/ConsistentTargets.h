@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "solver/CCompressedRows.h"
+#include "solver/CRowFactor.h"
+
+/// Replaces the right-hand sides d of constraint rows C by the nearest that some surface satisfies, both seen
+/// multiplied by a diagonal matrix R.
+///
+/// What a row that depends on its neighbours contradicts is taken out of them together, by a factor of R C C^T R; what
+/// then is left, by least squares with conjugate gradients [HestenesStiefel1952]. Targets that do not contradict each
+/// other stay as they are, to the last bit; so do those of rows so close to each other that the search does not end.
+class CConsistentTargets {
+ public:
+  /// For rows in blocks, as for CRowFactor.
+  void SetRows(const CCompressedRows& rows, std::span<const double> scale, std::span<const CRowBlock> blocks);
+  void Apply(std::span<double> targets);
+
+ private:
+  void FindDependentRows(std::span<const CRowBlock> blocks);
+  bool TakeOutDependent(std::vector<double>& values);
+  void AddNullVectors(std::span<const double> shares, double factor, std::span<double> values);
+  std::vector<double> OfNullVectors(std::span<const double> values);
+  bool FindContradiction(std::vector<double>& missed) const;
+
+  CCompressedRows m_Rows;  ///< multiplied by R, over those columns alone that occur in them
+  std::size_t m_uColumns = 0;
+  std::vector<double> m_afScale;
+  CRowFactor m_Factor;
+  std::vector<std::uint32_t> m_auDependent;  ///< rows that those before them almost make up
+  std::vector<double> m_afWork;
+};
