@@ -1,9 +1,12 @@
-// The solver beside the lean loop: one iteration, a tick, a rebuild; and how long it takes to converge.
+// The solver beside the lean loop: one iteration, a tick, a rebuild; and how long it takes to converge, in all units.
 
+#include <array>
 #include <cmath>
 #include <cstdio>
+#include <string>
 #include <vector>
 
+#include "solver/BasisEnergies.h"
 #include "support/BenchGrid.h"
 #include "support/LeanLoop.h"
 #include "support/Timing.h"
@@ -24,15 +27,15 @@ double TriadBytesPerSecond(std::size_t bytes) {
 }
 
 void ReportCosts() {
-  std::printf("%-6s %12s %10s %8s %8s %8s %8s %14s\n", "grid", "lean us", "iteration", "tick", "surface", "rebuild",
-              "maps", "GB/s (triad)");
-  for (const int level : {5, 7, 8, 9}) {
+  std::printf("%-6s %12s %10s %8s %8s %8s %8s %8s %14s\n", "grid", "lean us", "iteration", "tick", "surface", "rebuild",
+              "scale", "maps", "GB/s (triad)");
+  for (const int level : {5, 7, 8, 9, 10}) {
     const int calls = level <= 7 ? 100 : level == 8 ? 20 : 5;
     CLeanLoop lean(level);
     const double unit = SecondsPerCall(calls, [&] { lean.Iterate(); });
     CBenchGrid bench(level);
     CGrid& grid = bench.Grid();
-    bench.AddHeights(10, 3);
+    bench.AddHeights(25, 3);
     grid.UpdateGrid();
     const double tick = SecondsPerCall(calls / 5, [&] { grid.UpdateGrid(); });
     const double surface = SecondsPerCall(calls / 5, [&] {
@@ -45,13 +48,17 @@ void ReportCosts() {
         grid.PerformPendingWork();
       });
     };
+    const double scale =
+        SecondsPerCall(1, [&] { BasisEnergies(grid.Solver().System().Smoothness(), grid.Surface().Basis()); });
     const double iteration = (tick - surface) / (CGridRun::kIterationsPerTick + 1);
-    std::printf("%-6d %12.1f %10.2f %8.1f %8.1f %8.1f %8.1f %7.1f (%.1f)\n", (1 << level) + 1, unit * 1e6,
-                iteration / unit, tick / unit, surface / unit, rebuild(Operation::kRebuild) / unit,
+    std::printf("%-6d %12.1f %10.2f %8.1f %8.1f %8.1f %8.1f %8.1f %7.1f (%.1f)\n", (1 << level) + 1, unit * 1e6,
+                iteration / unit, tick / unit, surface / unit, rebuild(Operation::kRebuild) / unit, scale / unit,
                 rebuild(Operation::kRebuildMaps) / unit, lean.BytesPerIteration() / unit * 1e-9,
                 TriadBytesPerSecond(static_cast<std::size_t>(lean.BytesPerIteration())) * 1e-9);
   }
-  std::printf("iteration, tick, surface, rebuild and maps in units of one lean iteration\n\n");
+  std::printf(
+      "iteration, tick, surface, rebuild (for a constraint that comes or goes), scale (of the basis, where matrix or\n"
+      "basis have changed) and maps in units of one lean iteration; 25 constraints\n\n");
 }
 
 struct CCase {
@@ -92,6 +99,66 @@ CReached TimeTo(double share, const CCase& what, WaveletMode mode, int level, co
   return reached;
 }
 
+// Iterations to 1% and 0.1% of the range after a height has been moved by a tenth of it.
+void ReportMovedHeight(int level) {
+  const CCase what{"10 heights", 10, 0};
+  std::array<int, 2> iterations{};
+  for (std::size_t k = 0; k < iterations.size(); ++k) {
+    CBenchGrid bench(level);
+    AddConstraints(bench, what);
+    bench.Converge();
+    CGrid& grid = bench.Grid();
+    const double range = grid.Surface().MaxHeight() - grid.Surface().MinHeight();
+    CPtCstr& first = *grid.Constraints().Points().begin();
+    grid.UnselectAll();
+    first.SetState(PtCstrState::kSelected, true);
+    grid.SetSelectedHeight(first.m_fZ + range / 10);
+    bench.Converge();
+    const std::vector<double> exact = grid.Lattice().Heights();
+    grid.SetSelectedHeight(first.m_fZ - range / 10);
+    bench.Converge();
+    grid.SetSelectedHeight(first.m_fZ + range / 10);
+    do grid.UpdateGrid();
+    while (LargestDifference(grid.Lattice().Heights(), exact) > (k == 0 ? 0.01 : 0.001) * range && grid.IsRunning());
+    iterations[k] = grid.Solver().Counter();
+  }
+  std::printf("a height moved by a tenth of the range at %d^2: %d iterations to 1%%, %d to 0.1%%\n", (1 << level) + 1,
+              iterations[0], iterations[1]);
+}
+
+// Ticks a sample from a flat surface until the error is below the share, or to the pause where `exact` is empty.
+int FlatSample(const char* name, double share, double& range, std::vector<double>& exact) {
+  CBenchGrid bench(7, 5);
+  CGrid& grid = bench.Grid();
+  grid.Load(std::string(RELIEVO_SAMPLES "/") + name);
+  grid.PerformPendingWork();
+  grid.Builder().SetHeights(std::vector<double>(static_cast<std::size_t>(grid.Surface().ActivePointCount()), 0.0));
+  grid.SetRunning(true);
+  int ticks = 0;
+  do {
+    grid.UpdateGrid();
+    ++ticks;
+  } while (grid.IsRunning() && (exact.empty() || LargestDifference(grid.Lattice().Heights(), exact) > share * range));
+  if (exact.empty()) exact = grid.Lattice().Heights();
+  range = grid.Surface().MaxHeight() - grid.Surface().MinHeight();
+  return ticks * (CGridRun::kIterationsPerTick + 1);
+}
+
+void ReportSamples() {
+  for (const char* name : {"coffee.grid", "cat.grid"}) {
+    std::vector<double> exact;
+    double range = 0.0;
+    const int pause = FlatSample(name, 0, range, exact);
+    const double whole = range;
+    double ignored = whole;
+    const int percent = FlatSample(name, 0.01, ignored, exact);
+    ignored = whole;
+    const int permille = FlatSample(name, 0.001, ignored, exact);
+    std::printf("samples/%s from a flat surface: %d iterations to 1%%, %d to 0.1%%, %d to the pause\n", name, percent,
+                permille, pause);
+  }
+}
+
 void ReportConvergence(int level) {
   std::printf("convergence at %d^2 from the random start: iterations and seconds until the largest error is below\n",
               (1 << level) + 1);
@@ -113,9 +180,25 @@ void ReportConvergence(int level) {
   }
 }
 
+void ReportSizes() {
+  for (const int level : {8, 9}) {
+    const CCase what{"10 heights", 10, 0};
+    CBenchGrid bench(level);
+    AddConstraints(bench, what);
+    bench.Converge();
+    const std::vector<double> exact = bench.Grid().Lattice().Heights();
+    const double range = bench.Grid().Surface().MaxHeight() - bench.Grid().Surface().MinHeight();
+    const CReached percent = TimeTo(0.01, what, WaveletMode::New, level, exact, range);
+    std::printf("10 heights at %d^2: %d iterations to 1%%\n", (1 << level) + 1, percent.m_iIterations);
+  }
+}
+
 }  // namespace
 
 int main() {
   ReportCosts();
   ReportConvergence(7);
+  ReportSizes();
+  ReportMovedHeight(7);
+  ReportSamples();
 }

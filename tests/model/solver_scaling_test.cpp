@@ -34,7 +34,7 @@ class CModelInUnits : public CSolverGrid {
 
   void Refine() {
     for (int split = 0; split < 20; ++split) {
-      CSaveQuadT* node = &m_Grid.Subdivision().Root();
+      CSaveQuadT* node = &m_Grid.Wanted().Current().Root();
       while (!node->IsLeaf()) node = &node->Child(static_cast<int>(m_Random() % 4));
       if (node->HasChildren()) node->subdiv();
     }
@@ -76,7 +76,7 @@ RC_GTEST_PROP(SolverScalingProperty, SurfaceIsExactInAllUnitsWithinABound, ()) {
   RC_ASSERT(model.Converge());
   RC_ASSERT(model.m_Grid.Solver().HasConverged());
   RC_ASSERT(model.ErrorAgainst(model.DirectHeights()) < kTolerance);
-  RC_ASSERT(model.m_Grid.IterationCounter() < IterationBound(mode));
+  RC_ASSERT(model.m_Grid.Solver().Counter() < IterationBound(mode));
 }
 
 // The way of the same model from the same start without scale.
@@ -146,7 +146,7 @@ TEST_P(FreePlaneTest, IsTheNearestByItsCorners) {
     model.m_Grid.PerformPendingWork();
     std::vector<double> start = RandomValues(3, model.m_Grid.Order().Count());
     for (double& z : start) z *= kHigh;
-    model.m_Grid.SetHeights(start);
+    model.m_Grid.Builder().SetHeights(start);
     // The corners z of a plane: no twist, and the heights that are asked for.
     Eigen::MatrixXd conditions(1 + count, 4);
     Eigen::VectorXd wanted = Eigen::VectorXd::Zero(1 + count);
@@ -188,7 +188,7 @@ class ManyConstraintsTest : public testing::TestWithParam<WaveletMode> {
       m_Solver.m_Grid.AddPtCstr(HeightCstr(x, y, 10 * std::sin(x / 15) * std::cos(y / 12)));
     }
   }
-  CPtCstr& Record(int place) { return RecordAt(m_Solver.m_Grid.PointConstraints(), place); }
+  CPtCstr& Record(int place) { return RecordAt(m_Solver.m_Grid.Constraints().Points(), place); }
   double Uniform(double low, double high) { return std::uniform_real_distribution(low, high)(m_Random); }
 
   CSolverGrid m_Solver{5, 5, CExtent{}, GetParam()};
@@ -199,7 +199,7 @@ INSTANTIATE_TEST_SUITE_P(Modes, ManyConstraintsTest, testing::Values(WaveletMode
 
 TEST_P(ManyConstraintsTest, SurfaceIsExact) {
   AddHeights(2);
-  ASSERT_EQ(m_Solver.m_Grid.PointConstraints().size(), 256U);
+  ASSERT_EQ(m_Solver.m_Grid.Constraints().Points().size(), 256U);
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_TRUE(m_Solver.m_Grid.Solver().HasConverged());
   EXPECT_LT(m_Solver.ErrorAgainst(m_Solver.DirectHeights()), kTolerance);
@@ -253,7 +253,7 @@ TEST_P(CrowdTest, FiveThousandHeightsAreSoonMet) {
   }
   ASSERT_TRUE(solver.Converge());
   EXPECT_TRUE(solver.m_Grid.Solver().HasConverged());
-  EXPECT_LT(solver.m_Grid.IterationCounter(), kIterations);
+  EXPECT_LT(solver.m_Grid.Solver().Counter(), kIterations);
   EXPECT_LT(solver.m_Grid.Surface().MaxHeight(), 20);
 }
 
