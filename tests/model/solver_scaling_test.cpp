@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr double kTolerance = 1e-7;
+constexpr double kSmallShare = 1e-7;
 
 // Iterations to the pause that no model of at most 33 x 33 points needs; without scale they need a multiple of it.
 int IterationBound(WaveletMode mode) { return mode == WaveletMode::None ? 4000 : 800; }
@@ -75,7 +75,7 @@ RC_GTEST_PROP(SolverScalingProperty, SurfaceIsExactInAllUnitsWithinABound, ()) {
   model.AddConstraints();
   RC_ASSERT(model.Converge());
   RC_ASSERT(model.m_Grid.Solver().HasConverged());
-  RC_ASSERT(model.ErrorAgainst(model.DirectHeights()) < kTolerance);
+  RC_ASSERT(model.ErrorAgainst(model.DirectHeights()) < kSmallShare);
   RC_ASSERT(model.m_Grid.Solver().Counter() < IterationBound(mode));
 }
 
@@ -202,7 +202,7 @@ TEST_P(ManyConstraintsTest, SurfaceIsExact) {
   ASSERT_EQ(m_Solver.m_Grid.Constraints().Points().size(), 256U);
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_TRUE(m_Solver.m_Grid.Solver().HasConverged());
-  EXPECT_LT(m_Solver.ErrorAgainst(m_Solver.DirectHeights()), kTolerance);
+  EXPECT_LT(m_Solver.ErrorAgainst(m_Solver.DirectHeights()), kSmallShare);
 }
 
 // Each contradiction stands at a place of its own, and its two rows are far apart in the list.
@@ -229,11 +229,11 @@ TEST_P(ManyConstraintsTest, DraggedHeightIsReached) {
     Record(100).SetState(PtCstrState::kSelected, true);
     m_Solver.m_Grid.SetSelectedHeight(z);
     ASSERT_TRUE(m_Solver.Converge());
-    EXPECT_LT(m_Solver.ErrorAgainst(m_Solver.DirectHeights()), kTolerance) << z;
+    EXPECT_LT(m_Solver.ErrorAgainst(m_Solver.DirectHeights()), kSmallShare) << z;
   }
 }
 
-// Where they contradict each other, each third stands twice.
+// Where they contradict each other, each third stands twice, above and below the surface that all others are on.
 class CrowdTest : public testing::TestWithParam<bool> {};
 
 INSTANTIATE_TEST_SUITE_P(FreeOfContradictions, CrowdTest, testing::Bool());
@@ -246,9 +246,11 @@ TEST_P(CrowdTest, FiveThousandHeightsAreSoonMet) {
   for (int k = 0; k < 5000; ++k) {
     CPtCstr height = HeightCstr(place(random), place(random), 0);
     height.m_fZ = 10 * std::sin(height.m_fX / 8) * std::cos(height.m_fY / 11);
+    const double apart = !GetParam() && k % 3 == 0 ? 1.0 : 0.0;
+    height.m_fZ += apart;
     solver.m_Grid.AddPtCstr(height);
-    if (GetParam() || k % 3 != 0) continue;
-    height.m_fZ += 1;
+    if (apart == 0.0) continue;
+    height.m_fZ -= 2 * apart;
     solver.m_Grid.AddPtCstr(height);
   }
   ASSERT_TRUE(solver.Converge());
