@@ -109,17 +109,19 @@ void ReportMovedHeight(int level) {
     bench.Converge();
     CGrid& grid = bench.Grid();
     const double range = grid.Surface().MaxHeight() - grid.Surface().MinHeight();
-    CPtCstr& first = *grid.Constraints().Points().begin();
+    const CPtCstr& first = *grid.Constraints().Points().begin();
     grid.UnselectAll();
-    first.SetState(PtCstrState::kSelected, true);
-    grid.SetSelectedHeight(first.m_fZ + range / 10);
+    grid.SelectPtCstr(first.m_fX, first.m_fY, PtCstrKind::kPosition);
+    const double height = first.m_fZ;
+    grid.SetSelectedHeight(height + range / 10);
     bench.Converge();
-    const std::vector<double> exact = grid.Lattice().Heights();
-    grid.SetSelectedHeight(first.m_fZ - range / 10);
+    const std::vector<double> exact = grid.Surface().Lattice().Heights();
+    grid.SetSelectedHeight(height);
     bench.Converge();
-    grid.SetSelectedHeight(first.m_fZ + range / 10);
+    grid.SetSelectedHeight(height + range / 10);
     do grid.UpdateGrid();
-    while (LargestDifference(grid.Lattice().Heights(), exact) > (k == 0 ? 0.01 : 0.001) * range && grid.IsRunning());
+    while (LargestDifference(grid.Surface().Lattice().Heights(), exact) > (k == 0 ? 0.01 : 0.001) * range &&
+           grid.Run().IsRunning());
     iterations[k] = grid.Solver().Counter();
   }
   std::printf("a height moved by a tenth of the range at %d^2: %d iterations to 1%%, %d to 0.1%%\n", (1 << level) + 1,
@@ -133,13 +135,14 @@ int FlatSample(const char* name, double share, double& range, std::vector<double
   grid.Load(std::string(RELIEVO_SAMPLES "/") + name);
   grid.PerformPendingWork();
   grid.Builder().SetHeights(std::vector<double>(static_cast<std::size_t>(grid.Surface().ActivePointCount()), 0.0));
-  grid.SetRunning(true);
+  grid.Run().SetRunning(true);
   int ticks = 0;
   do {
     grid.UpdateGrid();
     ++ticks;
-  } while (grid.IsRunning() && (exact.empty() || LargestDifference(grid.Lattice().Heights(), exact) > share * range));
-  if (exact.empty()) exact = grid.Lattice().Heights();
+  } while (grid.Run().IsRunning() &&
+           (exact.empty() || LargestDifference(grid.Surface().Lattice().Heights(), exact) > share * range));
+  if (exact.empty()) exact = grid.Surface().Lattice().Heights();
   range = grid.Surface().MaxHeight() - grid.Surface().MinHeight();
   return ticks * (CGridRun::kIterationsPerTick + 1);
 }
@@ -186,7 +189,7 @@ void ReportSizes() {
     CBenchGrid bench(level);
     AddConstraints(bench, what);
     bench.Converge();
-    const std::vector<double> exact = bench.Grid().Lattice().Heights();
+    const std::vector<double> exact = bench.Grid().Surface().Lattice().Heights();
     const double range = bench.Grid().Surface().MaxHeight() - bench.Grid().Surface().MinHeight();
     const CReached percent = TimeTo(0.01, what, WaveletMode::New, level, exact, range);
     std::printf("10 heights at %d^2: %d iterations to 1%%\n", (1 << level) + 1, percent.m_iIterations);

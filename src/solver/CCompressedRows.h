@@ -16,6 +16,7 @@ class CCompressedRows {
   /// The columns of one row.
   class CColumns {
    public:
+    /// Goes through them one by one.
     class CIterator {
      public:
       using iterator_category = std::input_iterator_tag;
@@ -25,6 +26,7 @@ class CCompressedRows {
       using reference = std::uint32_t;
 
       CIterator() = default;
+      /// At an offset of that row; offsets follow each other.
       CIterator(const std::int32_t* offset, std::uint32_t row) : m_pOffset(offset), m_uRow(row) {}
       std::uint32_t operator*() const { return m_uRow + static_cast<std::uint32_t>(*m_pOffset); }
       CIterator& operator++() { return ++m_pOffset, *this; }
@@ -36,10 +38,11 @@ class CCompressedRows {
       std::uint32_t m_uRow = 0;
     };
 
+    /// Of the row of that number, from their offsets.
     CColumns(std::span<const std::int32_t> offsets, std::uint32_t row) : m_aiOffsets(offsets), m_uRow(row) {}
     std::size_t size() const { return m_aiOffsets.size(); }
     bool empty() const { return m_aiOffsets.empty(); }
-    // Modulo 2^32, which takes an offset back as well as forth.
+    /// That of entry `e`. Modulo 2^32, which takes an offset back as well as forth.
     std::uint32_t operator[](std::size_t e) const { return m_uRow + static_cast<std::uint32_t>(m_aiOffsets[e]); }
     std::uint32_t front() const { return (*this)[0]; }
     CIterator begin() const { return {m_aiOffsets.data(), m_uRow}; }
@@ -50,10 +53,11 @@ class CCompressedRows {
     std::uint32_t m_uRow;
   };
 
+  /// Rows; entries of all of them, however they are stored; and entries that are stored.
   std::size_t RowCount() const { return m_auClass.size(); }
-  /// Entries of all rows, however they are stored, and those that are stored.
   std::size_t EntryCount() const { return m_uEntries; }
   std::size_t StoredEntryCount() const { return m_afValues.size(); }
+  /// The entries of one row.
   CColumns Columns(std::size_t row) const;
   std::span<const double> Values(std::size_t row) const;
 

@@ -25,6 +25,7 @@ void CConjugateResidual::Restart(CScaledSystem& system, std::span<const double> 
   TakeUpResidual(system, x, multipliers, targets);
   m_fStartNorm = ResidualNorm();
   m_fBestImage = m_fPi;
+  // |A r| / |r|: here q is A r.
   m_fGain = std::sqrt(m_fPi) / m_fStartNorm;
   m_fLargestGain = std::max(m_fLargestGain, m_fGain);
   m_iSinceProgress = 0;
@@ -39,6 +40,7 @@ void CConjugateResidual::Refresh(CScaledSystem& system, std::span<const double> 
 
 void CConjugateResidual::TakeUpResidual(CScaledSystem& system, std::span<const double> x,
                                         std::span<const double> multipliers, std::span<const double> targets) {
+  // r = (0, d) - A (x, l), s = A r, and the first direction is the residual: p = r, q = A p = s.
   system.TakeResidual(x, multipliers, targets, m_afR);
   system.ApplySystem(m_afR, m_afS);
   std::ranges::copy(m_afR, m_afP.begin());
@@ -51,7 +53,7 @@ bool CConjugateResidual::HasBrokenDown() const { return IsTooSmall(m_fRho) || Is
 
 double CConjugateResidual::ResidualNorm() const { return std::sqrt(Dot(m_afR, m_afR)); }
 
-// Squared lengths of A r and r.
+// Of the squared lengths of A r and r. |A r| counts as halved when its square is down to a quarter.
 void CConjugateResidual::NoteProgress(double image, double residual) {
   m_fGain = std::sqrt(image / residual);
   m_fLargestGain = std::max(m_fLargestGain, m_fGain);
@@ -61,7 +63,7 @@ void CConjugateResidual::NoteProgress(double image, double residual) {
   m_iSinceProgress = 0;
 }
 
-// p = beta p + r, q = beta q + s; returns q . q.
+// The next direction and its image, p = beta p + r and q = A p = beta q + s. Returns q . q.
 double CConjugateResidual::Advance(double beta) {
   double pi = 0.0;
   for (std::size_t i = 0; i < m_afP.size(); ++i) {
@@ -76,13 +78,16 @@ double CConjugateResidual::Advance(double beta) {
 CConjugateResidual::Outcome CConjugateResidual::Step(CScaledSystem& system, std::span<double> x,
                                                      std::span<double> way) {
   if (HasBrokenDown()) return IsTooSmall(m_fRho) ? Outcome::SmallRho : Outcome::SmallPi;
+  // How far to go along p for the shortest residual.
   const double alpha = m_fRho / m_fPi;
   const std::size_t n = system.UnknownCount();
   const double* p = m_afP.data();
   const double* q = m_afQ.data();
   double* r = m_afR.data();
   const double* scale = system.BasisScale().data();
+  // The step along p, which is scaled, in the units of x.
   const double length = alpha / system.Factor();
+  // x += alpha p, r -= alpha q, over the coefficients and then over the multipliers.
   for (std::size_t i = 0; i < n; ++i) {
     x[i] += length * (scale[i] * p[i]);
     r[i] -= alpha * q[i];
@@ -91,6 +96,7 @@ CConjugateResidual::Outcome CConjugateResidual::Step(CScaledSystem& system, std:
     way[j] += alpha * p[n + j];
     r[n + j] -= alpha * q[n + j];
   }
+  // s = A r, and in one pass r . s, s . s and r . r.
   system.ApplySystem(m_afR, m_afS);
   double rho = 0.0;
   double image = 0.0;
@@ -101,6 +107,7 @@ CConjugateResidual::Outcome CConjugateResidual::Step(CScaledSystem& system, std:
     residual += m_afR[i] * m_afR[i];
   }
   NoteProgress(image, residual);
+  // So much of the old direction makes the new one's image perpendicular to the old one's.
   const double beta = rho / m_fRho;
   m_fRho = rho;
   m_fPi = Advance(beta);

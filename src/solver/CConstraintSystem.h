@@ -26,6 +26,7 @@ class CConstraintSystem {
   CConstraintRows& Constraints() { return m_Constraints; }
   const CConstraintRows& Constraints() const { return m_Constraints; }
 
+  /// B.
   const CHierarchicalBasis& Basis() const { return *m_pBasis; }
 
   /// N, M, and N + M, the size of all vectors of the iteration: x first, then l.

@@ -89,9 +89,7 @@ void CGridSolver::Assemble(CQuadTree& tree, const CInterpolation& surface, const
     AddCurveTerms(curves, tree, surface, terms);
     terms.Assemble(surface.Order().Count(), matrix);
   }
-  // Most rebuilds are for a constraint that came or went.
-  if (!(matrix == m_System.Smoothness())) m_Scaled.ForgetBasis();
-  m_System.Smoothness() = std::move(matrix);
+  m_Scaled.SetSmoothness(std::move(matrix));
   m_iCounter = 0;
 }
 

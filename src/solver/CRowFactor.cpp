@@ -27,21 +27,65 @@ void Add(double factor, const double* a, double* v, std::size_t count) {
 
 std::size_t RowStart(std::size_t row) { return row * (row + 1) / 2; }
 
+// Rows of G that are held at a time. At the finest level each takes about a kilobyte.
+constexpr std::size_t kHeldRows = 8192;
+
+// Rows of G as they are needed: held until there are too many, and then collected again.
+class CHeldRows {
+ public:
+  CHeldRows(std::size_t count, const CRowSource& source) : m_pSource(&source), m_auPlace(count, kNone) {}
+
+  // What was held before may be gone if there is no room for so many more.
+  void MakeRoom(std::size_t count) {
+    if (m_auHeld.size() + count <= kHeldRows) return;
+    for (const std::uint32_t j : m_auHeld) m_auPlace[j] = kNone;
+    m_auHeld.clear();
+    m_Rows.Clear();
+  }
+  void Hold(std::uint32_t j) {
+    if (m_auPlace[j] != kNone) return;
+    m_auPlace[j] = static_cast<std::uint32_t>(m_auHeld.size());
+    m_auHeld.push_back(j);
+    (*m_pSource)(j, m_Rows);
+  }
+  std::span<const std::uint32_t> Columns(std::uint32_t j) const { return OfRow(m_Rows.m_auColumns, j); }
+  std::span<const double> Values(std::uint32_t j) const { return OfRow(m_Rows.m_afValues, j); }
+
+ private:
+  static constexpr std::uint32_t kNone = ~0U;
+
+  template <typename T>
+  std::span<const T> OfRow(const std::vector<T>& entries, std::uint32_t j) const {
+    const std::size_t first = m_Rows.m_auStart[m_auPlace[j]];
+    return std::span(entries).subspan(first, m_Rows.m_auStart[m_auPlace[j] + 1] - first);
+  }
+
+  const CRowSource* m_pSource;
+  CPlainRows m_Rows;
+  std::vector<std::uint32_t> m_auPlace;  ///< in m_Rows, by row of G
+  std::vector<std::uint32_t> m_auHeld;   ///< the other way round
+};
+
 // Products of the rows of G, some with each other at a time.
 class CProducts {
  public:
-  CProducts(const CPlainRows& g, std::size_t columns) : m_pG(&g), m_afRow(columns, 0.0) {}
+  CProducts(std::size_t rows, const CRowSource& g, std::size_t columns) : m_Rows(rows, g), m_afRow(columns, 0.0) {}
 
-  double LargestSquare() const {
+  // Of the rows before `count`.
+  double LargestSquare(std::size_t count) {
     double largest = 0.0;
-    for (std::size_t j = 0; j < m_pG->RowCount(); ++j) {
-      const double* values = m_pG->m_afValues.data() + m_pG->m_auStart[j];
-      largest = std::max(largest, Dot(values, values, m_pG->m_auStart[j + 1] - m_pG->m_auStart[j]));
+    for (std::uint32_t j = 0; j < count; ++j) {
+      m_Rows.MakeRoom(1);
+      m_Rows.Hold(j);
+      const std::span<const double> values = m_Rows.Values(j);
+      largest = std::max(largest, Dot(values.data(), values.data(), values.size()));
     }
     return largest;
   }
   // The lower triangle for those rows, by rows.
   void Write(std::span<const std::uint32_t> rows, std::span<double> triangle) {
+    m_Rows.MakeRoom(rows.size());
+    for (const std::uint32_t j : rows) m_Rows.Hold(j);
     for (std::size_t i = 0; i < rows.size(); ++i) {
       ForEntries(rows[i], [&](std::uint32_t column, double value) { m_afRow[column] += value; });
       for (std::size_t k = 0; k <= i; ++k) {
@@ -56,11 +100,12 @@ class CProducts {
  private:
   template <typename Visit>
   void ForEntries(std::uint32_t row, const Visit& visit) const {
-    for (std::size_t e = m_pG->m_auStart[row]; e < m_pG->m_auStart[row + 1]; ++e)
-      visit(m_pG->m_auColumns[e], m_pG->m_afValues[e]);
+    const std::span<const std::uint32_t> columns = m_Rows.Columns(row);
+    const std::span<const double> values = m_Rows.Values(row);
+    for (std::size_t e = 0; e < columns.size(); ++e) visit(columns[e], values[e]);
   }
 
-  const CPlainRows* m_pG;
+  CHeldRows m_Rows;
   std::vector<double> m_afRow;  ///< one row of G in full
 };
 
@@ -80,7 +125,14 @@ void FactoriseTriangle(std::span<double> triangle, std::size_t count, double shi
 
 }  // namespace
 
-void CRowFactor::Factorise(std::span<const CRowBlock> blocks, const CPlainRows& g, std::size_t columns, double shift) {
+void CPlainRows::Clear() {
+  m_auStart.assign(1, 0);
+  m_auColumns.clear();
+  m_afValues.clear();
+}
+
+// Returns the rows of the largest block.
+std::size_t CRowFactor::LayOut(std::span<const CRowBlock> blocks) {
   m_aBlocks.clear();
   m_auRows.clear();
   std::size_t values = 0;
@@ -92,13 +144,18 @@ void CRowFactor::Factorise(std::span<const CRowBlock> blocks, const CPlainRows& 
     widest = std::max(widest, block.m_auRows.size());
   }
   m_afValues.assign(values, 0.0);
-  m_afDiagonal.assign(g.RowCount(), 1.0);
-  m_afShiftShare.assign(g.RowCount(), 0.0);
-  m_afResult.assign(g.RowCount(), 0.0);
   m_afOfBlock.assign(widest, 0.0);
-  CProducts products(g, columns);
-  const double added = shift * products.LargestSquare();
-  std::vector<double> triangle(RowStart(widest));
+  return widest;
+}
+
+void CRowFactor::Factorise(std::span<const CRowBlock> blocks, std::size_t rows, const CRowSource& g,
+                           std::size_t columns, double shift) {
+  std::vector<double> triangle(RowStart(LayOut(blocks)));
+  m_afDiagonal.assign(rows, 1.0);
+  m_afShiftShare.assign(rows, 0.0);
+  m_afResult.assign(rows, 0.0);
+  CProducts products(rows, g, columns);
+  const double added = shift * products.LargestSquare(rows);
   for (const CBlock& block : m_aBlocks) {
     products.Write(std::span(m_auRows).subspan(block.m_uFirst, block.m_uCount), triangle);
     FactoriseTriangle(triangle, block.m_uCount, added);

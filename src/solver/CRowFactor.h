@@ -2,24 +2,30 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
 #include "solver/RowBlocks.h"
 
-/// A matrix by rows, whose entries are written once.
+/// Rows of a matrix, one after the other, whose entries are written once.
 struct CPlainRows {
   std::vector<std::size_t> m_auStart{0};
   std::vector<std::uint32_t> m_auColumns;
   std::vector<double> m_afValues;
 
+  /// Adds an entry to the row being written, and ends that row; an empty one counts as well.
   void Append(std::uint32_t column, double value) {
     m_auColumns.push_back(column);
     m_afValues.push_back(value);
   }
   void EndRow() { m_auStart.push_back(m_auColumns.size()); }
-  std::size_t RowCount() const { return m_auStart.size() - 1; }
+  /// Forgets all rows, keeps the memory.
+  void Clear();
 };
+
+/// Where a matrix comes from that is too large to be held: writes its row `j` after the rows that there are.
+using CRowSource = std::function<void(std::uint32_t j, CPlainRows& rows)>;
 
 /// L^-1, where L L^T is close to a symmetric positive semidefinite matrix S = G G^T that has been shifted a little
 /// towards the identity, so that rows which depend on each other do no harm.
@@ -28,11 +34,14 @@ struct CPlainRows {
 /// has entries for the rows of its block alone, and among those is the best [KolotilinaYeremin1993].
 class CRowFactor {
  public:
-  /// Factorises G G^T, shifted by a share of its largest diagonal entry. Columns of G are numbers below `columns`.
-  void Factorise(std::span<const CRowBlock> blocks, const CPlainRows& g, std::size_t columns, double shift);
+  /// Factorises G G^T, shifted by a share of its largest diagonal entry. G has `rows` rows; its columns are numbers
+  /// below `columns`. Some thousand of its rows are held at a time, so that with more of them some are asked for more
+  /// often.
+  void Factorise(std::span<const CRowBlock> blocks, std::size_t rows, const CRowSource& g, std::size_t columns,
+                 double shift);
 
+  /// Rows of G, and entries that a product with L^-1 takes.
   std::size_t Count() const { return m_afDiagonal.size(); }
-  /// Entries that a product with L^-1 takes.
   std::size_t EntryCount() const { return m_afValues.size(); }
   /// v = L^-1 v and v = L^-T v. Allocate nothing.
   void Solve(std::span<double> v);
@@ -50,6 +59,7 @@ class CRowFactor {
     std::size_t m_uValues;   ///< position of its rows of L^-1 in m_afValues, each up to its diagonal
   };
 
+  std::size_t LayOut(std::span<const CRowBlock> blocks);
   void Invert(const CBlock& block, std::span<double> triangle, double shift);
 
   std::vector<CBlock> m_aBlocks;

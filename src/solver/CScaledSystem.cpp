@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <queue>
+#include <utility>
 
 #include "quadtree/CPointOrder.h"
 #include "solver/BasisEnergies.h"
@@ -45,6 +46,12 @@ double SafeNorm(std::span<const double> values) {
 }
 
 }  // namespace
+
+// Most rebuilds are for a constraint that came or went, and make the same matrix again.
+void CScaledSystem::SetSmoothness(CCompressedRows matrix) {
+  if (!(matrix == m_pSystem->Smoothness())) m_afBasisScale.clear();
+  m_pSystem->Smoothness() = std::move(matrix);
+}
 
 void CScaledSystem::ScaleBasis() {
   const std::uint64_t revision = m_pSystem->Basis().Revision();
@@ -92,11 +99,10 @@ void CScaledSystem::ScaleRows(const CPointOrder& order, double slopeUnit) {
   m_afRowScale.resize(ConstraintCount());
   for (std::size_t j = 0; j < m_afRowScale.size(); ++j) m_afRowScale[j] = constraints.IsSlope(j) ? slopeUnit : 1.0;
   m_afWork.assign(Size(), 0.0);
-  CPlainRows rows;
-  for (std::size_t j = 0; j < ConstraintCount(); ++j) CollectRow(j, rows);
   const CRowBlockSizes sizes = BlockSizes(ConstraintCount(), UnknownCount());
   const std::vector<CRowBlock> blocks = ChooseRowBlocks(RowPlaces(order), sizes);
-  m_Factor.Factorise(blocks, rows, UnknownCount(), kShift);
+  const auto collect = [this](std::uint32_t j, CPlainRows& rows) { CollectRow(j, rows); };
+  m_Factor.Factorise(blocks, ConstraintCount(), collect, UnknownCount(), kShift);
   m_Consistent.SetRows(constraints.Rows(), m_afRowScale, blocks);
   m_ScaledRows = constraints.Rows();
   m_fSlopeUnit = slopeUnit;

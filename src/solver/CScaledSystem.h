@@ -31,21 +31,25 @@ struct CImbalance {
 /// so that lengths mean the same in all units. Until they are set all of them are 1.
 class CScaledSystem {
  public:
+  /// The system must outlive this view of it.
   explicit CScaledSystem(CConstraintSystem& system) : m_pSystem(&system) {}
 
+  /// N, M and N + M, as of the system.
   std::size_t UnknownCount() const { return m_pSystem->UnknownCount(); }
   std::size_t ConstraintCount() const { return m_pSystem->ConstraintCount(); }
   std::size_t Size() const { return m_pSystem->Size(); }
 
+  /// Replaces H.
+  void SetSmoothness(CCompressedRows matrix);
   /// D, from the smoothness and the basis as they are. The functions of the corners, which have next to no energy, get
   /// the largest entry of all others, so that the planes that the constraints leave free are chosen by the heights of
-  /// the corners alone; so does a function without energy. Without prediction the corners have their own. Nothing where
-  /// the basis has not changed since, unless it is told to forget.
+  /// the corners alone; so does a function without energy. Without prediction the corners have their own. Nothing, not
+  /// even memory, where neither the basis nor H is another than before.
   void ScaleBasis();
-  void ForgetBasis() { m_afBasisScale.clear(); }
-  /// R, S and L, from D and the constraint rows as they are; `order` is that of their columns. Nothing where neither
-  /// has changed since.
+  /// R, S and L, from D and the constraint rows as they are; `order` is that of their columns. Nothing, not even
+  /// memory, where neither is another than before.
   void ScaleRows(const CPointOrder& order, double slopeUnit);
+  /// D by unknown, and f.
   std::span<const double> BasisScale() const { return m_afBasisScale; }
   void SetFactor(double factor) { m_fFactor = factor; }
   double Factor() const { return m_fFactor; }

@@ -3,29 +3,13 @@
 #include <algorithm>
 #include <bit>
 #include <numeric>
-#include <tuple>
 #include <utility>
 
 namespace {
 
-constexpr unsigned kBits = 16;
-
-// Column and row of a place on a fine lattice, bit by bit in turn, so that what is close in this order is close by.
-std::uint64_t Interleaved(const CRowPlace& place) {
-  const auto whole = [](double share) {
-    return static_cast<std::uint64_t>(std::clamp(share, 0.0, 1.0) * ((1U << kBits) - 1));
-  };
-  const std::uint64_t column = whole(place.m_fX);
-  const std::uint64_t row = whole(place.m_fY);
-  std::uint64_t bits = 0;
-  for (unsigned bit = 0; bit < kBits; ++bit)
-    bits |= ((column >> bit) & 1U) << (2 * bit) | ((row >> bit) & 1U) << (2 * bit + 1);
-  return bits;
-}
-
 // How often the model must be quartered until two places are in different parts.
 int Depth(std::uint64_t a, std::uint64_t b) {
-  const int same = std::countl_zero(a ^ b) - static_cast<int>(64 - 2 * kBits);
+  const int same = std::countl_zero(a ^ b) - static_cast<int>(64 - 2 * kPlaceBits);
   return same / 2;
 }
 
@@ -54,43 +38,31 @@ COrder FromCoarseToFine(std::span<const CRowPlace> places) {
   return order;
 }
 
-// The box around some places.
-class CBox {
- public:
-  CBox(std::span<const CRowPlace> places, std::span<const std::uint32_t> rows) {
-    for (const std::uint32_t j : rows) {
-      m_fX0 = std::min(m_fX0, places[j].m_fX);
-      m_fX1 = std::max(m_fX1, places[j].m_fX);
-      m_fY0 = std::min(m_fY0, places[j].m_fY);
-      m_fY1 = std::max(m_fY1, places[j].m_fY);
-    }
-  }
-  // Squared distance.
-  double DistanceTo(const CRowPlace& place) const {
-    const double dx = std::max({m_fX0 - place.m_fX, place.m_fX - m_fX1, 0.0});
-    const double dy = std::max({m_fY0 - place.m_fY, place.m_fY - m_fY1, 0.0});
-    return dx * dx + dy * dy;
-  }
+std::vector<CRowPlace> Ranked(std::span<const CRowPlace> places, std::span<const std::uint32_t> rows) {
+  std::vector<CRowPlace> ranked;
+  ranked.reserve(rows.size());
+  for (const std::uint32_t j : rows) ranked.push_back(places[j]);
+  return ranked;
+}
 
- private:
-  double m_fX0 = 2.0;
-  double m_fX1 = -1.0;
-  double m_fY0 = 2.0;
-  double m_fY1 = -1.0;
-};
-
+// The rank of a row is its place in the order.
 class CChoice {
  public:
   CChoice(std::span<const CRowPlace> places, const CRowBlockSizes& sizes)
-      : m_aPlaces(places), m_Sizes(sizes), m_Order(FromCoarseToFine(places)) {}
+      : m_Sizes(sizes),
+        m_Order(FromCoarseToFine(places)),
+        m_aPlaces(Ranked(places, m_Order.m_auRows)),
+        m_Tree(m_aPlaces) {}
 
   std::vector<CRowBlock> Choose() {
-    const std::size_t count = m_Order.m_auRows.size();
+    const std::size_t count = m_aPlaces.size();
     for (std::size_t first = 0; first < count;) {
       std::size_t end = std::min(count, first + m_Sizes.m_uFirst);
       if (first > 0) end = EndOfLevel(first, std::min(count, first + m_Sizes.m_uOwn));
+      FindEarlier(first, end);
       // Where many earlier rows lie in between, those that count for the one are not those for the other.
-      while (end - first > 1 && CountInside(first, end) > m_Sizes.m_uEarlier / 2) end = first + (end - first) / 2;
+      for (; end - first > 1 && FoundInside() > m_Sizes.m_uEarlier / 2; FindEarlier(first, end))
+        end = first + (end - first) / 2;
       Add(first, end);
       first = end;
     }
@@ -98,9 +70,6 @@ class CChoice {
   }
 
  private:
-  std::span<const std::uint32_t> Rows(std::size_t first, std::size_t end) const {
-    return std::span(m_Order.m_auRows).subspan(first, end - first);
-  }
   // A block of two levels would be all over the model.
   std::size_t EndOfLevel(std::size_t first, std::size_t end) const {
     for (std::size_t i = first + 1; i < end; ++i) {
@@ -108,32 +77,29 @@ class CChoice {
     }
     return end;
   }
-  // Notes how far the earlier rows are away, too.
-  std::size_t CountInside(std::size_t first, std::size_t end) {
-    const CBox box(m_aPlaces, Rows(first, end));
-    m_aEarlier.clear();
-    std::size_t inside = 0;
-    for (const std::uint32_t j : Rows(0, first)) {
-      const double distance = box.DistanceTo(m_aPlaces[j]);
-      if (distance == 0) ++inside;
-      m_aEarlier.emplace_back(distance, j);
-    }
-    return inside;
+  // The nearest to the box around some rows among those before them.
+  void FindEarlier(std::size_t first, std::size_t end) {
+    CRowBox box;
+    for (std::size_t i = first; i < end; ++i) box.Add(m_aPlaces[i]);
+    m_Tree.FindNearest(box, static_cast<std::uint32_t>(first), m_Sizes.m_uEarlier, m_aEarlier);
+  }
+  std::size_t FoundInside() const {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(m_aEarlier, [](const CRowTree::CFound& row) { return row.m_fDistance == 0.0; }));
   }
   void Add(std::size_t first, std::size_t end) {
-    CountInside(first, end);
-    CRowBlock block{{}, std::min(m_Sizes.m_uEarlier, first)};
-    std::ranges::nth_element(m_aEarlier, m_aEarlier.begin() + static_cast<std::ptrdiff_t>(block.m_uEarlier));
-    for (std::size_t k = 0; k < block.m_uEarlier; ++k) block.m_auRows.push_back(m_aEarlier[k].second);
-    block.m_auRows.insert(block.m_auRows.end(), m_Order.m_auRows.begin() + static_cast<std::ptrdiff_t>(first),
-                          m_Order.m_auRows.begin() + static_cast<std::ptrdiff_t>(end));
+    CRowBlock block{{}, m_aEarlier.size()};
+    block.m_auRows.reserve(m_aEarlier.size() + end - first);
+    for (const CRowTree::CFound& row : m_aEarlier) block.m_auRows.push_back(m_Order.m_auRows[row.m_uRank]);
+    for (std::size_t i = first; i < end; ++i) block.m_auRows.push_back(m_Order.m_auRows[i]);
     m_aBlocks.push_back(std::move(block));
   }
 
-  std::span<const CRowPlace> m_aPlaces;
   CRowBlockSizes m_Sizes;
   COrder m_Order;
-  std::vector<std::pair<double, std::uint32_t>> m_aEarlier;
+  std::vector<CRowPlace> m_aPlaces;  ///< by rank
+  CRowTree m_Tree;
+  std::vector<CRowTree::CFound> m_aEarlier;
   std::vector<CRowBlock> m_aBlocks;
 };
 

@@ -33,7 +33,10 @@ bool AllFinite(const std::vector<double>& values) {
 class CEditedModel : public CSolverGrid {
  public:
   CEditedModel(int maxLevel, int baseLevel, std::uint32_t seed)
-      : CSolverGrid(maxLevel, baseLevel), m_Random(seed), m_Direct(m_Grid.Surface().Tree()), m_fRim(100.0 / (1 << baseLevel)) {
+      : CSolverGrid(maxLevel, baseLevel),
+        m_Random(seed),
+        m_Direct(m_Grid.Surface().Tree()),
+        m_fRim(100.0 / (1 << baseLevel)) {
     for (int k = 0; k < kHeights + kSlopes; ++k) {
       const auto [x, y] = FreePlace(nullptr);
       m_Grid.AddPtCstr(k < kHeights ? HeightCstr(x, y, Uniform(-30, 30))

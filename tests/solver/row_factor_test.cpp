@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <random>
-#include <set>
 #include <vector>
 
 #include <Eigen/Cholesky>
@@ -41,6 +40,14 @@ CPlainRows RandomRows(std::uint32_t seed, std::size_t count, Matrix& full) {
     rows.EndRow();
   }
   return rows;
+}
+
+CRowSource SourceOf(const CPlainRows& all) {
+  return [&all](std::uint32_t j, CPlainRows& rows) {
+    for (std::size_t e = all.m_auStart[j]; e < all.m_auStart[j + 1]; ++e)
+      rows.Append(all.m_auColumns[e], all.m_afValues[e]);
+    rows.EndRow();
+  };
 }
 
 // The product of the rows, shifted.
@@ -85,7 +92,7 @@ TEST(RowFactorTest, WithAllEarlierRowsIsTheCholeskyFactor) {
     Matrix full;
     const CPlainRows rows = RandomRows(3, 5, full);
     CRowFactor factor;
-    factor.Factorise(blocks, rows, kColumns, kShift);
+    factor.Factorise(blocks, 5, SourceOf(rows), kColumns, kShift);
     ASSERT_EQ(factor.Count(), 5U);
     const Matrix l = Reordered(Shifted(full), order).llt().matrixL();
     const Matrix wanted = l.inverse();
@@ -103,7 +110,7 @@ RC_GTEST_PROP(RowFactorProperty, TransposeIsTheTransposeAndEveryRowIsScaled, ())
   std::vector<CRowPlace> places(count);
   for (CRowPlace& place : places) place = {*rc::gen::inRange(0, 9) / 8.0, *rc::gen::inRange(0, 9) / 8.0, false};
   CRowFactor factor;
-  factor.Factorise(ChooseRowBlocks(places, {3, 2, 2}), rows, kColumns, kShift);
+  factor.Factorise(ChooseRowBlocks(places, {3, 2, 2}), count, SourceOf(rows), kColumns, kShift);
   const Matrix inverse = InverseOf(factor, false);
   RC_ASSERT((InverseOf(factor, true) - inverse.transpose()).norm() <= 1e-12 * inverse.norm());
   const Matrix scaled = inverse * Shifted(full) * inverse.transpose();
@@ -121,60 +128,41 @@ TEST(RowFactorTest, DependentAndEmptyRowsAreNoProblem) {
   rows.EndRow();
   const std::vector<CRowBlock> blocks{{{0, 1, 2, 3}, 0}};
   CRowFactor factor;
-  factor.Factorise(blocks, rows, 2, kShift);
+  factor.Factorise(blocks, 4, SourceOf(rows), 2, kShift);
   Values v{1, 1, 1, 0};
   factor.Solve(v);
   EXPECT_TRUE(std::ranges::all_of(v, [](double value) { return std::isfinite(value); }));
   CPlainRows empty;
   for (int j = 0; j < 4; ++j) empty.EndRow();
-  factor.Factorise(blocks, empty, 2, kShift);
+  factor.Factorise(blocks, 4, SourceOf(empty), 2, kShift);
   v = {1, 2, 3, 4};
   factor.Solve(v);
   EXPECT_EQ(v, (Values{1, 2, 3, 4}));
 }
 
-double Distance(const CRowPlace& a, const CRowPlace& b) { return std::hypot(a.m_fX - b.m_fX, a.m_fY - b.m_fY); }
-
-RC_GTEST_PROP(RowBlocksProperty, EveryRowIsInOneBlockAfterTheNearestOfEarlierOnes, ()) {
-  const CRowBlockSizes sizes{4, 3, 5};
-  std::vector<CRowPlace> places(*rc::gen::inRange<std::size_t>(0, 40));
-  for (CRowPlace& place : places)
-    place = {*rc::gen::inRange(0, 65) / 64.0, *rc::gen::inRange(0, 65) / 64.0, *rc::gen::arbitrary<bool>()};
-  std::set<std::uint32_t> seen;
-  bool slopes = false;
-  for (const CRowBlock& block : ChooseRowBlocks(places, sizes)) {
-    RC_ASSERT(block.OwnCount() > 0 && block.OwnCount() <= (seen.empty() ? sizes.m_uFirst : sizes.m_uOwn));
-    RC_ASSERT(block.m_uEarlier == std::min(sizes.m_uEarlier, seen.size()));
-    const std::set<std::uint32_t> taken(block.m_auRows.begin(),
-                                        block.m_auRows.begin() + static_cast<std::ptrdiff_t>(block.m_uEarlier));
-    for (const std::uint32_t j : taken) RC_ASSERT(seen.contains(j));
-    if (block.OwnCount() == 1) {
-      const CRowPlace& own = places[block.m_auRows.back()];
-      double farthest = 0.0;
-      for (const std::uint32_t j : taken) farthest = std::max(farthest, Distance(own, places[j]));
-      for (const std::uint32_t j : seen) RC_ASSERT(taken.contains(j) || Distance(own, places[j]) >= farthest - 1e-12);
-    }
-    for (std::size_t k = block.m_uEarlier; k < block.m_auRows.size(); ++k) {
-      RC_ASSERT(seen.insert(block.m_auRows[k]).second);
-      RC_ASSERT(places[block.m_auRows[k]].m_bSlope || !slopes);
-      slopes = slopes || places[block.m_auRows[k]].m_bSlope;
-    }
-  }
-  RC_ASSERT(seen.size() == places.size());
-}
-
-TEST(RowBlocksTest, FirstRowsAreFarApart) {
-  std::vector<CRowPlace> places;
-  for (int i = 0; i < 16; ++i) {
-    for (int k = 0; k < 16; ++k) places.push_back({(i + 0.5) / 16, (k + 0.5) / 16, false});
-  }
-  const std::vector<CRowBlock> blocks = ChooseRowBlocks(places, {16, 8, 8});
-  const std::vector<std::uint32_t>& first = blocks.front().m_auRows;
-  ASSERT_EQ(first.size(), 16U);
-  for (const std::uint32_t a : first) {
-    for (const std::uint32_t b : first) {
-      EXPECT_TRUE(a == b || Distance(places[a], places[b]) >= 0.25 - 1e-12) << a << ' ' << b;
-    }
+// A chain of more rows than are held at a time, each with the one before it: the factor of two rows, written out.
+TEST(RowFactorTest, RowsAreAskedForAgainWhereTheyAreTooManyToBeHeld) {
+  constexpr std::size_t kCount = 20000;
+  Matrix full;
+  const CPlainRows rows = RandomRows(4, 29, full);
+  const CRowSource few = SourceOf(rows);
+  std::size_t asked = 0;
+  const CRowSource repeated = [&](std::uint32_t j, CPlainRows& written) {
+    ++asked;
+    few(j % 29, written);
+  };
+  std::vector<CRowBlock> blocks{{{0}, 0}};
+  for (std::uint32_t j = 1; j < kCount; ++j) blocks.push_back({{j - 1, j}, 1});
+  CRowFactor factor;
+  factor.Factorise(blocks, kCount, repeated, kColumns, kShift);
+  EXPECT_GT(asked, kCount);
+  EXPECT_LT(asked, 3 * kCount);
+  const Matrix s = Shifted(full);
+  for (std::size_t j = 1; j < kCount; ++j) {
+    const auto own = static_cast<Eigen::Index>(j % 29);
+    const auto before = static_cast<Eigen::Index>((j - 1) % 29);
+    const double wanted = std::sqrt(s(own, own) - s(own, before) * s(own, before) / s(before, before));
+    ASSERT_NEAR(factor.Diagonal(j), wanted, 1e-9) << j;
   }
 }
 

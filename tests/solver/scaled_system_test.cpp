@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <numeric>
+#include <utility>
 #include <vector>
 
 #include <Eigen/Cholesky>
@@ -18,6 +19,7 @@
 #include "solver/CScaledSystem.h"
 #include "solver/ConsistentTargets.h"
 #include "solver/GridTerms.h"
+#include "support/AllocationCount.h"
 #include "support/ConstraintBuilders.h"
 #include "support/DirectSolution.h"
 #include "support/TreeBuilders.h"
@@ -194,6 +196,77 @@ TEST(ScaledSystemTest, UnitsChangeNothingThatIsScaled) {
   EXPECT_EQ((one.Product(v) - thousand.Product(v)).norm(), 0.0) << "powers of two";
 }
 
+class ScaleIsKeptTest : public testing::Test {
+ protected:
+  ScaleIsKeptTest() {
+    for (const double x : {-3.0, 2.0, 11.0}) m_Tree.m_Points.Add(HeightAndSlopeCstr(x, 22.5 + x / 8, 1));
+    m_Tree.SetUp();
+  }
+  void Assemble(double weight = 1.0) {
+    CEnergyTerms terms;
+    AddGridTerms(m_Tree.m_Tree, m_Tree.m_Order, terms);
+    terms.Add(weight, {{3, 1.0}, {4, -1.0}});
+    terms.Add(-1.0, {{3, 1.0}, {4, -1.0}});
+    CCompressedRows matrix;
+    terms.Assemble(m_Tree.m_Order.Count(), matrix);
+    m_Tree.m_Scaled.SetSmoothness(std::move(matrix));
+  }
+  void MakeRows() {
+    m_Tree.m_System.Constraints().Clear();
+    m_Tree.m_System.Constraints().Add(std::array<const CPtCstrList*, 1>{&m_Tree.m_Points}, m_Tree.m_Tree,
+                                      m_Tree.m_Surface);
+  }
+  // Whatever is made anew takes memory.
+  bool IsBasisKept() {
+    const std::size_t before = AllocationCount();
+    m_Tree.m_Scaled.ScaleBasis();
+    return AllocationCount() == before;
+  }
+  bool AreRowsKept() {
+    const std::size_t before = AllocationCount();
+    m_Tree.m_Scaled.ScaleRows(m_Tree.m_Order, CScaledTree::kSlopeUnit);
+    return AllocationCount() == before;
+  }
+
+  CScaledTree m_Tree{3, WaveletMode::New};
+};
+
+TEST_F(ScaleIsKeptTest, WhereOnlyTargetsChange) {
+  for (CPtCstr& c : m_Tree.m_Points) c.m_fZ = c.m_fP = 7;
+  MakeRows();
+  EXPECT_TRUE(IsBasisKept());
+  EXPECT_TRUE(AreRowsKept());
+}
+
+TEST_F(ScaleIsKeptTest, ForTheBasisWhereAConstraintComesMovesOrGoes) {
+  const auto expectOtherRows = [this] {
+    m_Tree.m_Basis.Compile(m_Tree.m_Order, m_Tree.m_Tree, m_Tree.m_Mode);
+    Assemble();
+    MakeRows();
+    EXPECT_TRUE(IsBasisKept());
+    EXPECT_FALSE(AreRowsKept());
+    EXPECT_TRUE(AreRowsKept());
+  };
+  Assemble();
+  IsBasisKept();
+  m_Tree.m_Points.Add(HeightCstr(5, 24, 2));
+  expectOtherRows();
+  m_Tree.m_Points.begin()->m_fX += 0.5;
+  expectOtherRows();
+  m_Tree.m_Points.begin()->SetState(PtCstrState::kSelected, true);
+  ASSERT_TRUE(m_Tree.m_Points.DeleteSelected());
+  expectOtherRows();
+}
+
+TEST_F(ScaleIsKeptTest, ButNotWithAnotherMatrixOrBasis) {
+  Assemble(3.0);
+  EXPECT_FALSE(IsBasisKept());
+  EXPECT_FALSE(AreRowsKept());
+  m_Tree.m_Basis.Compile(m_Tree.m_Order, m_Tree.m_Tree, WaveletMode::None);
+  EXPECT_FALSE(IsBasisKept());
+  EXPECT_FALSE(AreRowsKept());
+}
+
 // A row matrix from full entries.
 CCompressedRows RowsOf(const Matrix& matrix) {
   CCompressedRows rows;
@@ -249,6 +322,43 @@ TEST(ConsistentTargetsTest, NothingAskedForStays) {
   Values targets{0, 0};
   MakeConsistent(RowsOf(c), Values{1, 1}, targets);
   EXPECT_EQ(targets, (Values{0, 0}));
+}
+
+// Blocks of a row each, in which no row depends on another.
+TEST(ConsistentTargetsTest, RowsThatDependOnEachOtherAcrossBlocksAreFound) {
+  Matrix c(4, 3);
+  c << 1, 2, 0, 0, 1, 0, 1, 2, 0, 0, 1, 5;
+  const CCompressedRows rows = RowsOf(c);
+  const std::vector<CRowBlock> blocks{{{0}, 0}, {{1}, 0}, {{2}, 0}, {{3}, 0}};
+  CConsistentTargets consistent;
+  consistent.SetRows(rows, Values{1, 1, 1, 1}, blocks);
+  for (const Values& free : {Values{0.1, -7.3, 0.1, 2}, Values{3, 1, 3, 1}}) {
+    Values targets = free;
+    consistent.Apply(targets);
+    EXPECT_EQ(targets, free);
+    targets[2] += 4;
+    consistent.Apply(targets);
+    EXPECT_NEAR(targets[0], free[0] + 2, 1e-12);
+    EXPECT_NEAR(targets[1], free[1], 1e-12);
+    EXPECT_NEAR(targets[2], free[2] + 2, 1e-12);
+    EXPECT_NEAR(targets[3], free[3], 1e-12);
+  }
+}
+
+// Three rows over two columns: each two of them are independent.
+TEST(ConsistentTargetsTest, MoreRowsThanColumnsAreContradictoryAcrossBlocks) {
+  Matrix c(3, 2);
+  c << 1, 0, 0, 1, 1, 1;
+  const Vector d = (Vector(3) << 1, 2, 9).finished();
+  const Vector best = Eigen::CompleteOrthogonalDecomposition<Matrix>(c).solve(d);
+  CConsistentTargets consistent;
+  consistent.SetRows(RowsOf(c), Values{1, 1, 1}, std::vector<CRowBlock>{{{0}, 0}, {{1}, 0}, {{2}, 0}});
+  Values targets(d.data(), d.data() + 3);
+  consistent.Apply(targets);
+  EXPECT_LT((Eigen::Map<const Vector>(targets.data(), 3) - c * best).norm(), 1e-10);
+  const Values met = targets;
+  consistent.Apply(targets);
+  EXPECT_LT(LargestDifference(targets, met), 1e-10);
 }
 
 }  // namespace
