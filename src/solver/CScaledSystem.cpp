@@ -16,7 +16,7 @@ constexpr std::size_t kCorners = 4;
 constexpr std::size_t kLargestBlock = 256;
 // ...with more, the factor takes at most so many products for each unknown in either direction: the rest of an
 // iteration takes about thirty...
-constexpr std::size_t kProductsPerUnknown = 16;
+constexpr std::size_t kProductsPerUnknown = 11;
 // ...but for as many rows as there may be never fewer for a row than the first figure, and no more than the second.
 constexpr std::size_t kFewestPerRow = 12;
 constexpr std::size_t kMostPerRow = 48;

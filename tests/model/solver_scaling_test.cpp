@@ -68,7 +68,7 @@ class CModelInUnits : public CSolverGrid {
   }
   void StartAtRandom() {
     m_Grid.PerformPendingWork();
-    std::vector<double> start = RandomValues(m_Random(), m_Grid.Surface().Order().Count());
+    std::vector<double> start = RandomValues(static_cast<std::uint32_t>(m_Random()), m_Grid.Surface().Order().Count());
     for (double& z : start) z *= m_fSize;
     m_Grid.Builder().SetHeights(start);
     m_Grid.Run().SetRunning(true);
