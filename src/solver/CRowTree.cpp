@@ -54,10 +54,7 @@ double CRowBox::DistanceTo(const CRowBox& box) const {
 }
 
 CRowTree::CRowTree(std::span<const CRowPlace> places) : m_aPlaces(places), m_auRanks(places.size()) {
-  std::vector<std::uint64_t> keys(places.size());
-  std::ranges::transform(places, keys.begin(), Interleaved);
   std::iota(m_auRanks.begin(), m_auRanks.end(), 0U);
-  std::ranges::stable_sort(m_auRanks, {}, [&](std::uint32_t rank) { return keys[rank]; });
   // A half is at most half a place larger than the other, so that the leaves fill at most one level more than they
   // need.
   const std::size_t leaves = std::bit_ceil(places.size() / kLeaf + 1);
@@ -67,21 +64,23 @@ CRowTree::CRowTree(std::span<const CRowPlace> places) : m_aPlaces(places), m_auR
 
 void CRowTree::Build(std::uint32_t node, std::uint32_t first, std::uint32_t end) {
   CNode made{{}, first, end, std::numeric_limits<std::uint32_t>::max()};
-  if (end - first > kLeaf) {
-    const std::uint32_t middle = first + (end - first) / 2;
-    Build(2 * node + 1, first, middle);
-    Build(2 * node + 2, middle, end);
-    for (const CNode* half : {&m_aNodes[2 * node + 1], &m_aNodes[2 * node + 2]}) {
-      made.m_Box.Add(half->m_Box);
-      made.m_uLowest = std::min(made.m_uLowest, half->m_uLowest);
-    }
-  } else {
-    for (std::uint32_t i = first; i < end; ++i) {
-      made.m_Box.Add(m_aPlaces[m_auRanks[i]]);
-      made.m_uLowest = std::min(made.m_uLowest, m_auRanks[i]);
-    }
+  CRowPlace low{2.0, 2.0, false};
+  CRowPlace high{-1.0, -1.0, false};
+  for (std::uint32_t i = first; i < end; ++i) {
+    const CRowPlace& place = m_aPlaces[m_auRanks[i]];
+    made.m_Box.Add(place);
+    made.m_uLowest = std::min(made.m_uLowest, m_auRanks[i]);
+    low = {std::min(low.m_fX, place.m_fX), std::min(low.m_fY, place.m_fY), false};
+    high = {std::max(high.m_fX, place.m_fX), std::max(high.m_fY, place.m_fY), false};
   }
   m_aNodes[node] = made;
+  if (end - first <= kLeaf) return;
+  const std::uint32_t middle = first + (end - first) / 2;
+  const auto side = high.m_fX - low.m_fX > high.m_fY - low.m_fY ? &CRowPlace::m_fX : &CRowPlace::m_fY;
+  std::nth_element(m_auRanks.begin() + first, m_auRanks.begin() + middle, m_auRanks.begin() + end,
+                   [&](std::uint32_t a, std::uint32_t b) { return m_aPlaces[a].*side < m_aPlaces[b].*side; });
+  Build(2 * node + 1, first, middle);
+  Build(2 * node + 2, middle, end);
 }
 
 void CRowTree::Push(const COpen& open) {

@@ -37,8 +37,9 @@ class CRowBox {
   double m_fY1 = -1.0;
 };
 
-/// Finds the places nearest to a box among those up to some rank: a balanced binary tree over places in interleaved
-/// order, searched from its nearest part [HjaltasonSamet1999]. Any number of places may coincide.
+/// Finds the places nearest to a box among those up to some rank: a balanced tree that halves the places along the
+/// longer side of their box [Bentley1975], searched from its nearest part [HjaltasonSamet1999]. Any number may
+/// coincide.
 class CRowTree {
  public:
   /// A place that has been found: its squared distance, and its rank.
@@ -56,7 +57,7 @@ class CRowTree {
   void FindNearest(const CRowBox& box, std::uint32_t limit, std::size_t count, std::vector<CFound>& found);
 
  private:
-  /// Some places that follow each other in interleaved order; the two halves of node k are nodes 2 k + 1 and 2 k + 2.
+  /// Some places that follow each other in m_auRanks; the two halves of node k are nodes 2 k + 1 and 2 k + 2.
   struct CNode {
     CRowBox m_Box;
     std::uint32_t m_uFirst = 0;
@@ -77,7 +78,7 @@ class CRowTree {
   void Push(const COpen& open);
 
   std::span<const CRowPlace> m_aPlaces;
-  std::vector<std::uint32_t> m_auRanks;  ///< in interleaved order
+  std::vector<std::uint32_t> m_auRanks;  ///< as the tree has halved them
   std::vector<CNode> m_aNodes;
   std::vector<COpen> m_aOpen;  ///< a heap, nearest first
 };

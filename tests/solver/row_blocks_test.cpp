@@ -75,7 +75,6 @@ RC_GTEST_PROP(RowTreeProperty, NearestAreThoseOfAComparisonOfAll, ()) {
   }
 }
 
-// The places of rows by rank, as far as they have been chosen.
 RC_GTEST_PROP(RowBlocksProperty, EveryRowIsInOneBlockAfterTheNearestOfEarlierOnes, ()) {
   const CRowBlockSizes sizes{4, 3, 5};
   Places places = RandomPlaces(*rc::gen::inRange(0, kArrangements), *rc::gen::inRange<std::size_t>(0, 60),
@@ -92,7 +91,8 @@ RC_GTEST_PROP(RowBlocksProperty, EveryRowIsInOneBlockAfterTheNearestOfEarlierOne
     const auto inside = std::ranges::count(nearest, 0.0, &CRowTree::CFound::m_fDistance);
     RC_ASSERT(own.size() == 1 || inside <= static_cast<std::ptrdiff_t>(sizes.m_uEarlier / 2));
     for (const std::uint32_t j : own) {
-      RC_ASSERT(order.empty() || places[j].m_bSlope || !ranked.back().m_bSlope);
+      const bool afterSlope = !ranked.empty() && ranked.back().m_bSlope;
+      RC_ASSERT(places[j].m_bSlope || !afterSlope);
       order.push_back(j);
       ranked.push_back(places[j]);
     }
