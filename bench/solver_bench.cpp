@@ -48,8 +48,8 @@ void ReportCosts() {
         grid.PerformPendingWork();
       });
     };
-    const double scale =
-        SecondsPerCall(1, [&] { BasisEnergies(grid.Solver().System().Smoothness(), grid.Surface().Basis()); });
+    const double scale = SecondsPerCall(
+        1, [&] { BasisEnergies(grid.Solver().System().Smoothness(), grid.Surface().Basis(), grid.Surface().Order()); });
     const double iteration = (tick - surface) / (CGridRun::kIterationsPerTick + 1);
     std::printf("%-6d %12.1f %10.2f %8.1f %8.1f %8.1f %8.1f %8.1f %7.1f (%.1f)\n", (1 << level) + 1, unit * 1e6,
                 iteration / unit, tick / unit, surface / unit, rebuild(Operation::kRebuild) / unit, scale / unit,
@@ -59,6 +59,46 @@ void ReportCosts() {
   std::printf(
       "iteration, tick, surface, rebuild (for a constraint that comes or goes), scale (of the basis, where matrix or\n"
       "basis have changed) and maps in units of one lean iteration; 25 constraints\n\n");
+}
+
+// A circle of tears, a crease and a fairness curve, each of so many nodes.
+void AddCurves(CGrid& grid) {
+  constexpr int kNodes = 24;
+  std::vector<CPtCstr> circle(kNodes);
+  std::vector<CPtCstr> crease(kNodes);
+  std::vector<CPtCstr> wave(kNodes);
+  for (std::size_t k = 0; k < kNodes; ++k) {
+    const double share = static_cast<double>(k) / kNodes;
+    const double angle = share * 2.0 * std::acos(-1.0);
+    circle[k].m_fX = 45.0 + 30.0 * std::cos(angle);
+    circle[k].m_fY = 55.0 + 25.0 * std::sin(angle);
+    crease[k].m_fX = 10.0 + 80.0 * share;
+    crease[k].m_fY = 12.0 + 10.0 * share;
+    wave[k].m_fX = 10.0 + 80.0 * share;
+    wave[k].m_fY = 50.0 + 8.0 * std::sin(2.0 * angle);
+  }
+  grid.AddCurve(circle, CurveType::kPosition, true);
+  grid.AddCurve(crease, CurveType::kNormal, false);
+  grid.AddCurve(wave, CurveType::kFairness, false);
+}
+
+// The basis of a tree that is refined along curves, against the lean iteration for each of its points.
+void ReportRefinedScale() {
+  for (const int level : {7, 9, 10}) {
+    CLeanLoop lean(level);
+    const double unit = SecondsPerCall(5, [&] { lean.Iterate(); }) / static_cast<double>(lean.Size());
+    CBenchGrid bench(level, 5);
+    CGrid& grid = bench.Grid();
+    AddCurves(grid);
+    grid.SetDiscMap();
+    const CSurface& surface = grid.Surface();
+    const double scale = SecondsPerCall(
+        1, [&] { BasisEnergies(grid.Solver().System().Smoothness(), surface.Basis(), surface.Order()); });
+    const auto points = static_cast<double>(surface.Order().Count());
+    std::printf("scale of a tree refined along curves from 33^2 to %d^2, %.0f points: %.1f\n", (1 << level) + 1, points,
+                scale / (unit * points));
+  }
+  std::printf("in units of one lean iteration on as many points\n\n");
 }
 
 struct CCase {
@@ -200,6 +240,7 @@ void ReportSizes() {
 
 int main() {
   ReportCosts();
+  ReportRefinedScale();
   ReportConvergence(7);
   ReportSizes();
   ReportMovedHeight(7);

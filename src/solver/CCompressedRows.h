@@ -57,6 +57,8 @@ class CCompressedRows {
   std::size_t RowCount() const { return m_auClass.size(); }
   std::size_t EntryCount() const { return m_uEntries; }
   std::size_t StoredEntryCount() const { return m_afValues.size(); }
+  /// The class of a row; they are numbered as they first occur.
+  std::uint32_t ClassOf(std::size_t row) const { return m_auClass[row]; }
   /// The entries of one row.
   CColumns Columns(std::size_t row) const;
   std::span<const double> Values(std::size_t row) const;

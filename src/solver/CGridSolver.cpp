@@ -97,7 +97,7 @@ void CGridSolver::SetConstraints(std::span<const CPtCstrList* const> lists, cons
                                  const CInterpolation& surface) {
   m_System.Constraints().Clear();
   m_System.Constraints().Add(lists, tree, surface);
-  m_Scaled.ScaleBasis();
+  m_Scaled.ScaleBasis(surface.Order());
   const CExtent& e = surface.Lattice().Extent();
   m_Scaled.ScaleRows(surface.Order(), kSlopeUnit * std::max(e.x1 - e.x0, e.y1 - e.y0));
   RequestRestart();

@@ -46,7 +46,7 @@ class CHierarchicalBasis {
   std::uint32_t PlaceOf(std::size_t k) const { return m_auPlace[k]; }
   std::uint32_t UnknownAt(std::size_t place) const { return m_auUnknown[place]; }
   /// Scan positions of the counted parents of unknown `k`, whose unknowns have smaller numbers; each has an equal share
-  /// in the mean.
+  /// in the mean. Those of the next unknown follow in memory.
   std::span<const std::uint32_t> ParentsOf(std::size_t k) const;
 
  private:

@@ -53,11 +53,11 @@ void CScaledSystem::SetSmoothness(CCompressedRows matrix) {
   m_pSystem->Smoothness() = std::move(matrix);
 }
 
-void CScaledSystem::ScaleBasis() {
+void CScaledSystem::ScaleBasis(const CPointOrder& order) {
   const std::uint64_t revision = m_pSystem->Basis().Revision();
   if (m_uBasisRevision == revision && m_afBasisScale.size() == UnknownCount()) return;
   m_uBasisRevision = revision;
-  m_afBasisScale = BasisEnergies(m_pSystem->Smoothness(), m_pSystem->Basis());
+  m_afBasisScale = BasisEnergies(m_pSystem->Smoothness(), m_pSystem->Basis(), order);
   for (double& value : m_afBasisScale) value = value > 0 && std::isfinite(value) ? 1.0 / std::sqrt(value) : 0.0;
   const bool predicts = m_pSystem->Basis().Mode() != WaveletMode::None;
   const std::span<double> corners = std::span(m_afBasisScale).first(std::min(kCorners, m_afBasisScale.size()));

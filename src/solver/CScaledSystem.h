@@ -43,9 +43,9 @@ class CScaledSystem {
   void SetSmoothness(CCompressedRows matrix);
   /// D, from the smoothness and the basis as they are. The functions of the corners, which have next to no energy, get
   /// the largest entry of all others, so that the planes that the constraints leave free are chosen by the heights of
-  /// the corners alone; so does a function without energy. Without prediction the corners have their own. Nothing, not
-  /// even memory, where neither the basis nor H is another than before.
-  void ScaleBasis();
+  /// the corners alone; so does a function without energy. Without prediction the corners have their own. `order` is
+  /// that of the unknowns. Nothing, not even memory, where neither the basis nor H is another than before.
+  void ScaleBasis(const CPointOrder& order);
   /// R, S and L, from D and the constraint rows as they are; `order` is that of their columns. Nothing, not even
   /// memory, where neither is another than before.
   void ScaleRows(const CPointOrder& order, double slopeUnit);

@@ -46,7 +46,7 @@ struct CScaledTree : CTestTree {
     terms.Assemble(m_Order.Count(), m_System.Smoothness());
     m_System.Constraints().Clear();
     m_System.Constraints().Add(std::array<const CPtCstrList*, 1>{&m_Points}, m_Tree, m_Surface);
-    m_Scaled.ScaleBasis();
+    m_Scaled.ScaleBasis(m_Order);
     m_Scaled.ScaleRows(m_Order, kSlopeUnit);
     m_Scaled.Prepare();
   }
@@ -105,7 +105,7 @@ RC_GTEST_PROP(BasisEnergiesProperty, AreTheDiagonalOfTheSmoothnessInTheBasis, ()
   const Matrix h = Dense(tree.m_System.Smoothness(), tree.m_Basis.Size());
   const Matrix wanted = basis.transpose() * h * basis;
   const Matrix magnitudes = basis.transpose() * h.cwiseAbs() * basis;
-  const Values energies = BasisEnergies(tree.m_System.Smoothness(), tree.m_Basis);
+  const Values energies = BasisEnergies(tree.m_System.Smoothness(), tree.m_Basis, tree.m_Order);
   for (Eigen::Index k = 0; k < wanted.rows(); ++k) {
     const double energy = energies[static_cast<std::size_t>(k)];
     RC_ASSERT(energy == 0.0 || energy > 1e-12 * magnitudes(k, k));
@@ -115,7 +115,7 @@ RC_GTEST_PROP(BasisEnergiesProperty, AreTheDiagonalOfTheSmoothnessInTheBasis, ()
 
 RC_GTEST_PROP(ScaledSystemProperty, EveryFunctionWithEnergyWeighsTheSame, ()) {
   const CRandomScaledTree tree;
-  const Values energies = BasisEnergies(tree.m_System.Smoothness(), tree.m_Basis);
+  const Values energies = BasisEnergies(tree.m_System.Smoothness(), tree.m_Basis, tree.m_Order);
   const std::size_t first = tree.m_Mode == WaveletMode::None ? 0 : 4;
   double largest = 0.0;
   for (std::size_t k = first; k < energies.size(); ++k) {
@@ -219,7 +219,7 @@ class ScaleIsKeptTest : public testing::Test {
   // Whatever is made anew takes memory.
   bool IsBasisKept() {
     const std::size_t before = AllocationCount();
-    m_Tree.m_Scaled.ScaleBasis();
+    m_Tree.m_Scaled.ScaleBasis(m_Tree.m_Order);
     return AllocationCount() == before;
   }
   bool AreRowsKept() {
