@@ -29,17 +29,15 @@ constexpr std::array<double, 5> kShares{0.0, 1.0, 1.0 / 2, 1.0 / 3, 1.0 / 4};
 // Adds up a row by column.
 class CRowSum {
  public:
-  explicit CRowSum(const CPointOrder& order)
-      : m_aSlots(static_cast<std::size_t>(order.PointsPerSide()) * static_cast<std::size_t>(order.PointsPerSide())) {}
+  explicit CRowSum(std::size_t unknowns) : m_aSlots(unknowns) {}
 
   void Begin() {
     ++m_uStamp;
     m_auSites.clear();
     m_afValues.clear();
   }
-  /// To the column of the point at a site, with its lattice index.
-  void Add(std::uint32_t site, std::size_t point, double value) {
-    CSlot& slot = m_aSlots[point];
+  void Add(std::uint32_t site, std::size_t unknown, double value) {
+    CSlot& slot = m_aSlots[unknown];
     if (slot.m_uStamp == m_uStamp) {
       m_afValues[slot.m_uPlace] += value;
       return;
@@ -159,7 +157,7 @@ CReduction::CReduction(const CCompressedRows& smoothness, const CHierarchicalBas
     : m_pBasis(&basis),
       m_pOrder(&order),
       m_Sites(order),
-      m_Sum(order),
+      m_Sum(order.Count()),
       m_auKind(m_Sites.End(), 0),
       m_afEnergies(order.Count()) {
   TakeRows(smoothness);
@@ -332,7 +330,9 @@ void CReduction::AddRow(const CPointBatch& batch, std::uint32_t site, double wei
   const std::uint32_t kind = Kind(site);
   const std::span<const std::uint32_t> offsets = m_Rows.Offsets(kind);
   const double* values = m_Rows.Values(kind);
-  const auto add = [this](std::uint32_t column, double value) { m_Sum.Add(column, m_Sites.PointAt(column), value); };
+  const auto add = [this](std::uint32_t column, double value) {
+    m_Sum.Add(column, static_cast<std::size_t>(m_pOrder->NumberOf(m_Sites.PointAt(column))), value);
+  };
   for (std::size_t e = 0; e < offsets.size(); ++e) {
     const std::uint32_t column = site + offsets[e];
     if (batch.Has(column))
