@@ -46,8 +46,8 @@ class CPointBatch {
 
   std::uint32_t m_uFirst;
   std::uint32_t m_uEnd;
-  bool m_bCentres;
-  std::uint32_t m_uRight;                  ///< half a side, as a difference of sites, which is a bit of them
-  std::uint32_t m_uUp;                     ///< the same
-  std::array<std::uint32_t, 4> m_auSteps;  ///< down, up, left, right
+  bool m_bCentres = false;
+  std::uint32_t m_uRight = 0;                ///< half a side, as a difference of sites, which is a bit of them
+  std::uint32_t m_uUp = 0;                   ///< the same
+  std::array<std::uint32_t, 4> m_auSteps{};  ///< down, up, left, right
 };
