@@ -39,7 +39,8 @@ class CPointOrder {
   int ColumnOf(std::size_t k) const { return static_cast<int>(m_auPoints[k]) % m_iSide; }
   int RowOf(std::size_t k) const { return static_cast<int>(m_auPoints[k]) / m_iSide; }
   int LevelCode(std::size_t k) const { return m_aiCodes[k]; }
-  /// Level of the lattice that is numbered.
+  /// Points per side and level of the lattice that is numbered.
+  int PointsPerSide() const { return m_iSide; }
   int Level() const { return m_iLevel; }
 
  private:
