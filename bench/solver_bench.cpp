@@ -1,8 +1,10 @@
 // The solver beside the lean loop: one iteration, a tick, a rebuild; and how long it takes to converge, in all units.
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -26,6 +28,20 @@ double TriadBytesPerSecond(std::size_t bytes) {
   return static_cast<double>(3 * sizeof(double) * count) / seconds;
 }
 
+// Of a tick in which the solver iterates: it begins again before it can have converged, and the first tick is left out.
+double SecondsPerTick(CGrid& grid, int ticks) {
+  constexpr int kTicksPerStart = 4;
+  double best = std::numeric_limits<double>::infinity();
+  for (int done = 0; done < ticks; done += kTicksPerStart) {
+    grid.Reset();
+    grid.UpdateGrid();
+    best = std::min(best, Seconds([&] {
+                            for (int tick = 0; tick < kTicksPerStart; ++tick) grid.UpdateGrid();
+                          }) / kTicksPerStart);
+  }
+  return best;
+}
+
 void ReportCosts() {
   std::printf("%-6s %12s %10s %8s %8s %8s %8s %8s %14s\n", "grid", "lean us", "iteration", "tick", "surface", "rebuild",
               "scale", "maps", "GB/s (triad)");
@@ -37,7 +53,7 @@ void ReportCosts() {
     CGrid& grid = bench.Grid();
     bench.AddHeights(25, 3);
     grid.UpdateGrid();
-    const double tick = SecondsPerCall(calls / 5, [&] { grid.UpdateGrid(); });
+    const double tick = SecondsPerTick(grid, calls);
     const double surface = SecondsPerCall(calls / 5, [&] {
       grid.Surface().Reconstruct();
       grid.RefreshNormalCstrHeights();
