@@ -42,3 +42,12 @@ for model in samples/*.grid "$many"; do
     fi
   done
 done
+
+for name in cup.relievo nameless_project; do
+  cp tests/fuzz/corpus/project_file/golden "$prefix/$name"
+  type=$(gio info --attributes standard::content-type "$prefix/$name" | sed -n 's/.*content-type: //p')
+  if [[ $type != application/x-relievo-project ]]; then
+    echo "a project called $name is taken for $type"
+    exit 1
+  fi
+done

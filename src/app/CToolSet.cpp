@@ -8,6 +8,7 @@
 #include "app/ScissorsTool.h"
 #include "drawing/DrawingSettings.h"
 #include "editing/GridCommands.h"
+#include "formats/ProjectFile.h"
 #include "model/CGrid.h"
 #include "ui/window/CImageViewUI.h"
 
@@ -26,6 +27,8 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
   };
   services.m_Model.m_LoadGrid = &CGrid::Load;
   services.m_Model.m_Write = WriteModel;
+  services.m_Model.m_ReadProject = ReadProject;
+  services.m_Model.m_SaveProject = SaveProject;
   services.m_Model.m_AskSize = [this](const std::function<void(int, int)>& write) { AskSize(write); };
   services.m_Model.m_AskContourAttributes = [this](const CContourAttributes& present, bool fairness) {
     return m_ContourAttributes.Ask(present, fairness);

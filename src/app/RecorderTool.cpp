@@ -2,7 +2,10 @@
 
 #include <chrono>
 #include <cstdint>
+#include <utility>
+#include <vector>
 
+#include "formats/CProject.h"
 #include "ui/modelview/CGridView.h"
 #include "ui/recorder/AnimationRecorder.h"
 #include "ui/recorder/RecorderHost.h"
@@ -67,6 +70,20 @@ class CRecorderTool : private CRecorderParts, public CAnimationRecorder {
       : CRecorderParts(window),
         CAnimationRecorder(CRecorderParts::m_View, CRecorderParts::m_Host, window, SteadyMilliseconds) {
     window.GridView().BeforeDrawing([this] { StoreFrame(); });
+  }
+
+  void AddTo(CProject& project) const override {
+    for (const CFrame& frame : Recorder().Frames()) {
+      const CFrameCamera& camera = frame.m_Camera;
+      project.m_aRecording.push_back(
+          {camera.m_Target, camera.m_Eye, camera.m_Up, camera.m_fHalfSize, frame.m_fSeconds});
+    }
+  }
+  void TakeFrom(const CProject& project) override {
+    std::vector<CFrame> frames;
+    for (const CProjectFrame& frame : project.m_aRecording)
+      frames.push_back({{frame.m_Target, frame.m_Eye, frame.m_Up, frame.m_fHalfSize}, frame.m_fSeconds});
+    TakeFrames(std::move(frames));
   }
 };
 

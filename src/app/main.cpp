@@ -7,6 +7,7 @@
 #include <FL/Fl.H>
 #include <FL/fl_ask.H>
 
+#include "app/CRecoveryTool.h"
 #include "app/CToolSet.h"
 #include "app/CommandLine.h"
 #include "app/Desktop.h"
@@ -41,10 +42,18 @@ void PrintSelfTest() {
   Console() << "3 / 2 = " << kIntOverInt << '\n';
 }
 
+/// What a signal finds: the signals, and what keeps the work as soon as there is any.
+struct CEnding {
+  CTerminationSignals m_Signals;
+  CRecoveryTool* m_pRecovery = nullptr;
+};
+
 // Between two events, so that no work is left half-done but a save whose question is open.
-void cb_Termination(int /*descriptor*/, void* signals) {
-  const int signal = static_cast<CTerminationSignals*>(signals)->Take();
+void cb_Termination(int /*descriptor*/, void* data) {
+  auto& ending = *static_cast<CEnding*>(data);
+  const int signal = ending.m_Signals.Take();
   if (signal == 0) return;
+  if (ending.m_pRecovery != nullptr) ending.m_pRecovery->End();
   CFileReplacement::RemoveUnfinished();
   CTerminationSignals::EndBy(signal);
 }
@@ -56,8 +65,9 @@ int main(int argc, char** argv) {
   if (commandLine.m_iExitStatus.has_value()) return *commandLine.m_iExitStatus;
   // Progress shows line by line in a pipe or a file, too.
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
-  CTerminationSignals signals;
-  if (signals.Descriptor() >= 0) Fl::add_fd(signals.Descriptor(), FL_READ, cb_Termination, &signals);
+  CEnding ending;
+  const int signals = ending.m_Signals.Descriptor();
+  if (signals >= 0) Fl::add_fd(signals, FL_READ, cb_Termination, &ending);
   PrintSelfTest();
   if (!HasOpenGL()) {
     std::fputs("relievo: this display has no OpenGL (GLX), with which the two views are drawn\n", stderr);
@@ -75,6 +85,8 @@ int main(int argc, char** argv) {
   window.show();
   window.AttachGrid(grid);
   const CToolSet tools(window, grid);
+  CRecoveryTool recovery(window, grid, StateFolder());
+  ending.m_pRecovery = &recovery;
   window.OpenFilesNow(commandLine.m_Files);
   RegisterSolverTimer(grid);
   // The end comes from the window's callback.

@@ -12,6 +12,7 @@
 
 #include "batch/ExitStatus.h"
 #include "batch/OutputConflict.h"
+#include "formats/ProjectFile.h"
 #include "io/HeightFieldExport.h"
 
 namespace {
@@ -137,7 +138,8 @@ void AddOutputs(CLI::App& app, CBatchOptions& options) {
 
 std::string CBatchOptions::PictureOf(std::size_t format) const {
   const auto pictureOf = ModelFormats()[format].m_pPictureOf;
-  if (pictureOf == nullptr || m_Image.empty() || m_asOutputs[format].empty()) return {};
+  const bool picture = !m_Image.empty() || IsProjectFile(m_Model);
+  if (pictureOf == nullptr || !picture || m_asOutputs[format].empty()) return {};
   return pictureOf(m_asOutputs[format]);
 }
 
@@ -145,9 +147,9 @@ CParsedOptions ParseOptions(int argc, const char* const* argv) {
   CParsedOptions parsed;
   CLI::App app{"Solves a relievo model without a window and exports its surface.", "relievo-batch"};
   app.set_version_flag("--version", "relievo-batch " RELIEVO_VERSION);
-  AddFile(app, "MODEL", parsed.m_Options.m_Model, "Grid file to read", "MODEL.grid")->required();
-  AddFile(app, "--image", parsed.m_Options.m_Image, "Photograph; becomes picture.jpg beside the VRML scene",
-          "PHOTO.bmp");
+  AddFile(app, "MODEL", parsed.m_Options.m_Model, "Grid file or project to read", "MODEL")->required();
+  AddFile(app, "--image", parsed.m_Options.m_Image,
+          "Photograph, instead of a project's; becomes picture.jpg beside the VRML scene", "PHOTO.bmp");
   app.add_flag("--strict", parsed.m_Options.m_bStrict, "Refuse a damaged model instead of going on with what is whole");
   AddSolving(app, parsed.m_Options);
   AddOutputs(app, parsed.m_Options);

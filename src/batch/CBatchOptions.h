@@ -15,7 +15,7 @@ struct CBatchOptions {
   /// What is written to standard output at the end: nothing, JSON, or lines of text.
   enum class Report { None, Json, Text };
 
-  std::string m_Model;                                             ///< grid file to read
+  std::string m_Model;                                             ///< grid file or project to read
   std::string m_Image;                                             ///< photograph; empty for none
   bool m_bStrict = false;                                          ///< a damaged model is refused
   std::optional<long> m_Iterations;                                ///< to do; until converged where there is no number

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <iostream>
+#include <new>
 #include <optional>
 #include <sstream>
 #include <utility>
@@ -13,6 +14,8 @@
 #include "formats/JpegFile.h"
 #include "formats/ModelFormats.h"
 #include "formats/PictureFormats.h"
+#include "formats/ProjectFile.h"
+#include "formats/ProjectPicture.h"
 #include "io/CFileReplacement.h"
 #include "io/FileKind.h"
 #include "io/GridFile.h"
@@ -72,6 +75,32 @@ int CBatchRun::StatusOfStop() const {
 
 bool CBatchRun::ReadInputs() {
   const CStopwatch watch(m_Result.m_Seconds.m_fLoad);
+  const bool read = IsProjectFile(m_Options.m_Model) ? ReadProjectFile() : ReadGridFile();
+  return read && (m_Options.m_Image.empty() || ReadPhotograph());
+}
+
+bool CBatchRun::ReadProjectFile() {
+  const CReadProject read = ReadProject(m_Options.m_Model);
+  if (!read.m_Project.has_value()) {
+    Complain(read.m_Trouble);
+    return false;
+  }
+  try {
+    m_Grid.RestoreState(read.m_Project->m_Model);
+  } catch (const std::bad_alloc&) {
+    Complain("The file " + m_Options.m_Model + " needs more memory than there is.");
+    return false;
+  }
+  if (const int refused = m_Grid.CurveEdits().TakeRefused(); refused != 0) CurvesRefused(refused);
+  const CProjectPicture& picture = read.m_Project->m_Picture;
+  if (!m_Options.m_Image.empty() || picture.m_pBytes == nullptr) return true;
+  std::optional<Global::CLoadedPicture> loaded = PixelsOf(picture);
+  if (!loaded.has_value()) Complain("The photograph in " + m_Options.m_Model + " cannot be read.");
+  if (loaded.has_value()) m_Picture = std::move(loaded->m_Picture);
+  return loaded.has_value();
+}
+
+bool CBatchRun::ReadGridFile() {
   const GridFileState state = m_Grid.Load(m_Options.m_Model);
   if (const std::string trouble = TroubleWith(state, m_Options.m_Model); !trouble.empty()) Complain(trouble);
   if (const int refused = m_Grid.CurveEdits().TakeRefused(); refused != 0) CurvesRefused(refused);
@@ -81,7 +110,10 @@ bool CBatchRun::ReadInputs() {
     Complain("A damaged model is refused, as --strict wants it; nothing is written.");
     return false;
   }
-  if (m_Options.m_Image.empty()) return true;
+  return true;
+}
+
+bool CBatchRun::ReadPhotograph() {
   std::optional<Global::CLoadedPicture> loaded = ReadPicture(m_Options.m_Image);
   if (!loaded.has_value() || loaded->m_Picture.m_aPixels.empty()) {
     Complain("The file " + m_Options.m_Image +
@@ -149,7 +181,8 @@ bool CBatchRun::WriteOutputs() {
 bool CBatchRun::WriteOutput(std::size_t format) {
   bool written =
       IsSaved(WriteModel(ModelFormats()[format], m_Grid, m_Options.m_asOutputs[format], m_Options.m_Writing));
-  if (const std::string jpeg = m_Options.PictureOf(format); !jpeg.empty() && !SaveJpeg(jpeg, m_Picture)) {
+  const std::string jpeg = m_Picture.m_aPixels.empty() ? std::string() : m_Options.PictureOf(format);
+  if (!jpeg.empty() && !SaveJpeg(jpeg, m_Picture)) {
     Complain("The file " + jpeg + " could not be written.");
     written = false;
   }

@@ -61,6 +61,11 @@ void CViewMapping::Pan(double dx, double dy) {
   m_Pan.y += dy;
 }
 
+void CViewMapping::Set(double zoom, const CPlanePoint& pan) {
+  g_fZoom = std::clamp(zoom, kMinZoom, kMaxZoom);
+  m_Pan = pan;
+}
+
 void CViewMapping::Reset() {
   g_fZoom = kStartZoom;
   m_Pan = {};

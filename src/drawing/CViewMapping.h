@@ -33,6 +33,9 @@ class CViewMapping {
   static void Zoom(int dx, int dy);
   /// Moves the pan.
   void Pan(double dx, double dy);
+  const CPlanePoint& PanNow() const { return m_Pan; }
+  /// Zoom and pan as they were somewhere else; the zoom is held to what can be reached here.
+  void Set(double zoom, const CPlanePoint& pan);
   /// Zoom and pan as at the start.
   void Reset();
 

@@ -1,5 +1,6 @@
 #include "editing/CEditHistory.h"
 
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -65,9 +66,13 @@ bool CEditHistory::CanUndo() const {
          (m_pGrid != nullptr && PerformsLater(m_pGrid->Run().NextOperation()));
 }
 
-CStepState CEditHistory::Present(bool whole) const {
-  if (whole) return {m_pGrid->State(), m_Host.Surroundings()};
+CStepState CEditHistory::Present(bool whole, bool work) const {
   CStepState present;
+  if (whole) {
+    present = {m_pGrid->State(), m_Host.Surroundings()};
+    if (work) present.m_Surroundings->m_pWork = std::make_shared<const CProject>(m_Host.Work());
+    return present;
+  }
   present.m_Model.m_Document = m_pGrid->Document();
   return present;
 }
@@ -75,7 +80,7 @@ CStepState CEditHistory::Present(bool whole) const {
 // The document is taken when something is about to change it, so that it knows what was selected by then.
 void CEditHistory::Open(Edit edit) {
   try {
-    m_Open = COpenStep{edit, Present(ReplacesSurface(edit)), m_pGrid->Surface().Revision()};
+    m_Open = COpenStep{edit, Present(ReplacesSurface(edit), ReplacesWork(edit)), m_pGrid->Surface().Revision()};
   } catch (const std::bad_alloc&) {
     // From here on there is no way back, and what was kept for it may be what is missing.
     Clear();
@@ -187,7 +192,8 @@ void CEditHistory::Take(UserStep step) {
   if (undo) DropEmptySteps();
   if (!(undo ? m_Steps.CanUndo() : m_Steps.CanRedo())) return;
   const CStepState target = undo ? m_Steps.UndoState() : m_Steps.RedoState();
-  CStepState present = Present(target.ReplacesSurface());
+  const bool work = target.ReplacesSurface() && target.m_Surroundings->m_pWork != nullptr;
+  CStepState present = Present(target.ReplacesSurface(), work);
   const CDocument before = present.m_Model.m_Document;
   if (!Restore(target)) return;
   const CDocument& reached = target.m_Model.m_Document;

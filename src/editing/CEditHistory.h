@@ -88,7 +88,7 @@ class CEditHistory : private EditObserver {
 
   void Open(Edit edit);
   void Close(bool typed);
-  CStepState Present(bool whole) const;
+  CStepState Present(bool whole, bool work) const;
   bool Continues(const COpenStep& step, const std::optional<CSeries>& series) const;
   std::optional<CSeries> SeriesOf(const COpenStep& step, const CDocument& after) const;
   void DropEmptySteps();

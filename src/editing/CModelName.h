@@ -6,6 +6,7 @@
 struct CModelName {
   std::string m_File;          ///< absolute; empty while the model has no name
   bool m_bWithLights = false;  ///< whether the file holds the lights
+  bool m_bProject = false;     ///< it is a project file
 
   bool operator==(const CModelName&) const = default;
 };

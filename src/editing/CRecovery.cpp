@@ -123,3 +123,8 @@ bool CRecovery::TakeUp(const std::filesystem::path& file) {
   if (std::ranges::find(m_aTakenUp, file) == m_aTakenUp.end()) m_aTakenUp.push_back(file);
   return true;
 }
+
+void CRecovery::PutBack() {
+  for (const std::filesystem::path& file : m_aTakenUp) m_Folder.Release(file);
+  m_aTakenUp.clear();
+}

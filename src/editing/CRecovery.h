@@ -59,6 +59,9 @@ class CRecovery {
   /// Takes one up: it stays until a file of the user's holds what has become of it, and is offered to no other program.
   /// False where another has been faster.
   bool TakeUp(const std::filesystem::path& file);
+  /// What was taken up has been given up again: it belongs to nobody.
+  void PutBack();
+  /// Deletes one for good; whether it is gone.
   bool Discard(const std::filesystem::path& file) { return m_Folder.Discard(file); }
 
  private:

@@ -89,7 +89,7 @@ fs::path NameOf(int number) {
 }  // namespace
 
 CRecoveryFolder::~CRecoveryFolder() {
-  if (!m_bWritten && m_OwnLock.has_value()) m_OwnLock->Remove();
+  if (!m_bWritten) Forget();
 }
 
 // The lock comes first: a file without one that is held is anybody's.
@@ -128,8 +128,12 @@ bool CRecoveryFolder::Write(std::span<const unsigned char> bytes) {
 
 void CRecoveryFolder::Forget() {
   const std::scoped_lock lock(m_Mutex);
-  if (!std::exchange(m_bWritten, false)) return;
-  unlink(m_Own.c_str());
+  if (m_bWritten) unlink(m_Own.c_str());
+  m_bWritten = false;
+  // The next writing begins another file.
+  if (m_OwnLock.has_value()) m_OwnLock->Remove();
+  m_OwnLock.reset();
+  m_Own.clear();
 }
 
 std::vector<fs::path> CRecoveryFolder::Left() {

@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "formats/ModelFormats.h"
+#include "formats/ProjectFile.h"
 #include "io/FileKind.h"
 #include "io/FileUri.h"
 #include "io/RegularFile.h"
@@ -27,7 +28,9 @@ bool SaysItIsAModel(const std::string& file) {
 }
 
 bool IsModel(const std::string& file) {
-  return fs::path(file).extension() == ModelFormats().front().m_pSuffix || SaysItIsAModel(file);
+  const fs::path suffix = fs::path(file).extension();
+  return suffix == ModelFormats().front().m_pSuffix || suffix == kProjectSuffix || IsProjectFile(file) ||
+         SaysItIsAModel(file);
 }
 
 std::string Absolute(const std::string& name) {

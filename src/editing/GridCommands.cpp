@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/Console.h"
+#include "editing/CCommandPause.h"
 #include "editing/CSolverControl.h"
 #include "formats/PictureFormats.h"
 #include "io/GridFile.h"
@@ -15,18 +16,6 @@
 namespace {
 
 std::string Pattern(const char* suffix) { return std::string("*") + suffix; }
-
-/// Holds the solver while a command works.
-class CCommandPause {
- public:
-  explicit CCommandPause(CSolverControl& solver) : m_Solver(solver) { m_Solver.PauseSolverForCommand(); }
-  ~CCommandPause() { m_Solver.ResumeAfterCommand(); }
-  CCommandPause(const CCommandPause&) = delete;
-  CCommandPause& operator=(const CCommandPause&) = delete;
-
- private:
-  CSolverControl& m_Solver;
-};
 
 }  // namespace
 
@@ -61,7 +50,7 @@ void CGridCommands::Perform(const CRequest& request) {
   if (m_pGrid == nullptr) return;
   const Operation operation = request.m_Operation;
   if (operation == Operation::kNewGrid) NewGrid();
-  if (operation == Operation::kLoadGrid) LoadGrid(request.m_File.m_File);
+  if (operation == Operation::kLoadGrid) LoadGrid(request);
   if (operation == Operation::kLoadImage) LoadImage(request.m_File.m_File);
   if (operation == Operation::kContourAttributes) EditCurveAttributes();
   for (const CModelFormat& format : ModelFormats()) {
@@ -80,7 +69,12 @@ void CGridCommands::OpenNow(const CWorkFiles& files) {
   if (!files.m_Picture.empty()) Perform({Operation::kLoadImage, {files.m_Picture}});
 }
 
-void CGridCommands::SaveAgain() { Request({Operation::kSaveGrid, m_Files.Model()}); }
+void CGridCommands::SaveAgain() {
+  CModelName name = m_Files.Model();
+  // Without a name it becomes one file for all of the work.
+  if (name.m_File.empty()) name.m_bProject = static_cast<bool>(m_Services.m_SaveProject);
+  Request({Operation::kSaveGrid, name});
+}
 
 void CGridCommands::NewGrid() {
   if (!m_Services.m_AskNewGrid) return;
@@ -98,25 +92,33 @@ void CGridCommands::NewGrid() {
   m_Host.GridReplaced();
 }
 
-void CGridCommands::LoadGrid(const std::string& named) {
+void CGridCommands::LoadGrid(const CRequest& request) {
   if (!m_Services.m_LoadGrid) return;
+  if (request.m_Chooser == Chooser::UnsavedWork) return RecoverWorkNow();
   m_Solver.PauseSolverForCommand();
-  std::optional<std::string> file = named;
-  if (named.empty()) {
-    const CModelFormat& format = ModelFormats().front();
-    const std::string pattern = Pattern(format.m_pSuffix);
-    file = m_Host.ChooseFile({.m_pTitle = format.m_pTitle, .m_pPattern = pattern.c_str(), .m_Kind = format.m_pSuffix});
-  }
+  std::optional<std::string> file = request.m_File.m_File;
+  if (file->empty()) file = ChooseModel(request.m_Chooser);
   if (file.has_value()) {
     OpenModel(*file);
-  } else {
+  } else if (request.m_Chooser == Chooser::Grid) {
     Console() << "CImageView::LoadGrid() : filename == NULL\n";
   }
   m_Solver.ResumeSolver();
 }
 
+std::optional<std::string> CGridCommands::ChooseModel(Chooser chooser) {
+  if (chooser == Chooser::Project) return ChooseProject(false);
+  const CModelFormat& format = ModelFormats().front();
+  const std::string pattern = Pattern(format.m_pSuffix);
+  return m_Host.ChooseFile({.m_pTitle = format.m_pTitle, .m_pPattern = pattern.c_str(), .m_Kind = format.m_pSuffix});
+}
+
 void CGridCommands::OpenModel(const std::string& file) {
   m_Host.EndDrags();
+  if (m_Services.m_ReadProject && IsProjectFile(file)) {
+    if (OpenProject(file, Edit::OpenProject)) NoteSaved();
+    return;
+  }
   GridFileState state = GridFileState::NotOpened;
   m_pGrid->Gate().Do(Edit::LoadGrid, [&] {
     state = m_Services.m_LoadGrid(*m_pGrid, file);
@@ -131,6 +133,7 @@ void CGridCommands::OpenModel(const std::string& file) {
   Tell(TroubleWith(state, file));
   if (state != GridFileState::NotOpened) TellRefusedCurves(m_pGrid->CurveEdits().TakeRefused());
   if (IsReplaced(state)) m_Host.GridReplaced();
+  if (state == GridFileState::Whole) NoteSaved();
 }
 
 void CGridCommands::LoadImage(const std::string& named) {
@@ -148,10 +151,14 @@ void CGridCommands::LoadImage(const std::string& named) {
 
 void CGridCommands::Save(const CModelFormat& format, const CModelName& named) {
   // While the request waited the model may have become another one.
-  if (named.m_File.empty() || named != m_Files.Model()) return WriteNow(format);
+  if (named.m_File.empty() || named != m_Files.Model()) return named.m_bProject ? SaveProjectAs() : WriteNow(format);
   if (!CanWrite(format)) return;
   const CCommandPause pause(m_Solver);
   m_Host.EndDrags();
+  if (named.m_bProject) {
+    if (WriteProject(named.m_File)) m_Host.TellSaved(named.m_File);
+    return;
+  }
   CWriteSettings settings;
   settings.m_WithLights = [&named] { return named.m_bWithLights; };
   if (WriteTo(named.m_File, format, settings)) m_Host.TellSaved(named.m_File);
@@ -220,6 +227,7 @@ CSaveOutcome CGridCommands::WriteTo(const std::string& file, const CModelFormat&
   });
   if (outcome && format.m_Operation == Operation::kSaveGrid) m_Files.ModelSaved({file, withLights});
   Tell(outcome.m_Trouble);
+  if (outcome && format.m_Operation == Operation::kSaveGrid) NoteSaved();
   return outcome;
 }
 

@@ -13,8 +13,11 @@
 #include "editing/CGridParameters.h"
 #include "editing/CWorkFiles.h"
 #include "editing/UserDialogs.h"
+#include "formats/CProject.h"
 #include "formats/ModelFormats.h"
+#include "formats/ProjectFile.h"
 #include "model/CPendingWork.h"
+#include "model/Edit.h"
 #include "model/GridFileState.h"
 
 class CGrid;
@@ -34,6 +37,11 @@ class CommandHost : public UserDialogs {
   virtual void GridReplaced() = 0;
   /// The model has been saved again without a question.
   virtual void TellSaved(const std::string& file) = 0;
+  /// What a project keeps beside the model is to be added to one, and shown of one whose model has been opened.
+  virtual void AddTo(CProject& /*project*/) const {}
+  virtual void ShowProject(const CProject& /*project*/) {}
+  /// Which work can be recovered may have changed.
+  virtual void UnsavedWorkChanged() {}
 };
 
 /// The work on files and the questions that the commands leave to others. An empty function makes its command
@@ -49,6 +57,22 @@ struct CModelServices {
   /// comes back to it.
   std::function<void(const std::function<void(int width, int height)>& write)> m_AskSize;
   std::function<std::optional<CContourAnswer>(const CContourAttributes& present, bool fairness)> m_AskContourAttributes;
+  /// See ReadProject and SaveProject.
+  std::function<CReadProject(const std::string& file)> m_ReadProject;
+  std::function<CSaveOutcome(const CProject& project, const std::string& file)> m_SaveProject;
+};
+
+/// What keeps the work that no file of the user's holds. Without it there is nothing to recover.
+struct CRecoveryServices {
+  /// Whether there is work of an earlier run that can be recovered; has the user choose some of it.
+  std::function<bool()> m_HasWork;
+  std::function<std::optional<std::string>()> m_ChooseWork;
+  /// A file of the user's holds the model as it is now.
+  std::function<void()> m_Saved;
+  /// A step back or forward has gone over the opening of a project, or over recovered work.
+  std::function<void()> m_SteppedOver;
+  /// The window is about to end the program.
+  std::function<void()> m_End;
 };
 
 /// The commands that replace the grid, read it or write it, and that which edits a curve in a dialog.
@@ -65,6 +89,8 @@ class CGridCommands {
   void SetServices(CModelServices services) { m_Services = std::move(services); }
   /// The files that they have been at; the name of the model is there.
   CFilesAtHand& Files() { return m_Files; }
+  void SetRecovery(CRecoveryServices recovery) { m_Recovery = std::move(recovery); }
+  const CRecoveryServices& Recovery() const { return m_Recovery; }
 
   /// Performs Operation::kNewGrid, kLoadGrid, kLoadImage or that of a format as soon as no step of the solver is under
   /// way.
@@ -83,6 +109,17 @@ class CGridCommands {
   /// Asks for what the format has to be told and for a file, and writes it; a format with a code of its own as soon as
   /// no step of the solver is under way.
   void Write(const CModelFormat& format);
+
+  // ProjectCommands.cpp: the work as a whole.
+  /// The work as it is, with the photograph only named.
+  CProject Project() const;
+  /// Asks for a file and writes the work into it, with the photograph's bytes.
+  void SaveProject();
+  /// Asks for a project, or for work of an earlier run that no file holds, and opens it as soon as no step of the
+  /// solver is under way.
+  void OpenProject() { Request({Operation::kLoadGrid, {}, Chooser::Project}); }
+  void RecoverWork() { Request({Operation::kLoadGrid, {}, Chooser::UnsavedWork}); }
+
   /// Tells the user of curves that generate no constraints any more.
   void TellRefusedCurves(int count);
   /// Lets the user edit the attributes of the curve at (x, y), model units, as soon as no step of the solver is under
@@ -92,19 +129,30 @@ class CGridCommands {
   void SwitchResolution();
 
  private:
+  /// Where the user looks for a model to open.
+  enum class Chooser { Grid, Project, UnsavedWork };
   /// A code that waits, with the file that it is about; where that has no name the user is asked.
   struct CRequest {
     Operation m_Operation;
     CModelName m_File;
+    Chooser m_Chooser = Chooser::Grid;
   };
 
   void Request(const CRequest& request);
   void Perform(const CRequest& request);
   void NewGrid();
-  void LoadGrid(const std::string& named);
+  void LoadGrid(const CRequest& request);
+  std::optional<std::string> ChooseModel(Chooser chooser);
   void OpenModel(const std::string& file);
+  void RecoverWorkNow();
+  /// Whether the work in the file has taken the place of that there was.
+  bool OpenProject(const std::string& file, Edit edit);
   void LoadImage(const std::string& named);
   void Save(const CModelFormat& format, const CModelName& named);
+  void SaveProjectAs();
+  std::optional<std::string> ChooseProject(bool saves);
+  CSaveOutcome WriteProject(const std::string& file);
+  void NoteSaved() const;
   void WriteNow(const CModelFormat& format);
   void AskFileAndWrite(const CModelFormat& format, const CWriteSettings& settings);
   std::optional<std::string> ChooseTarget(const CModelFormat& format);
@@ -116,6 +164,7 @@ class CGridCommands {
   CommandHost& m_Host;
   CSolverControl& m_Solver;
   CModelServices m_Services;
+  CRecoveryServices m_Recovery;
   CGrid* m_pGrid = nullptr;
   CFilesAtHand m_Files;
   std::vector<CRequest> m_aWaiting;  ///< one for each code that waits with the grid, in their order

@@ -24,6 +24,8 @@ class HistoryHost {
   virtual bool IsTyping() const = 0;
   /// What is kept with a step that replaces the surface.
   virtual CSurroundings Surroundings() const = 0;
+  /// And with one that replaces views, recording and photograph, too; only these are looked at.
+  virtual CProject Work() const { return {}; }
   /// Show the model as it is now, and tell the user of the step.
   virtual void StepTaken(const CTakenStep& step) = 0;
   /// A step needs more memory than there is, and the model stays.

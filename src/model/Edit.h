@@ -35,6 +35,9 @@ enum class Edit {
 /// Whether the surface is another one after it, which the iteration has not led to.
 constexpr bool ReplacesSurface(Edit edit) { return edit >= Edit::SwitchResolution; }
 
+/// Whether views, recording and photograph are others after it, too.
+constexpr bool ReplacesWork(Edit edit) { return edit == Edit::OpenProject || edit == Edit::RecoverWork; }
+
 /// What an edit leaves for the next tick.
 constexpr Operation PostedBy(Edit edit) {
   switch (edit) {

@@ -110,11 +110,16 @@ TEST_F(NamedFilesTest, SavingAgainAsksNothing) {
 }
 
 TEST_F(NamedFilesTest, SavingAgainWithoutANameAsksForOne) {
-  m_Host.m_File = "/a.grid";
+  m_Host.m_File = "/a.relievo";
   m_Commands.SaveAgain();
-  EXPECT_EQ(m_asDone, Done{"save /a.grid"});
-  EXPECT_EQ(m_Host.m_aChoosers.size(), 1U);
+  EXPECT_EQ(m_asDone, Done{"project /a.relievo"});
+  ASSERT_EQ(m_Host.m_aChoosers.size(), 1U);
+  EXPECT_EQ(m_Host.m_aChoosers.front().first, "please input project file name");
   EXPECT_TRUE(m_Host.m_asSaved.empty());
+  m_Commands.SaveAgain();
+  EXPECT_EQ(m_asDone, (Done{"project /a.relievo", "project /a.relievo"}));
+  EXPECT_EQ(m_Host.m_aChoosers.size(), 1U);
+  EXPECT_EQ(m_Host.m_asSaved, Done{"/a.relievo"});
 }
 
 TEST_F(NamedFilesTest, SavingAgainThatFailsIsTold) {

@@ -182,6 +182,19 @@ TEST_F(RecoveryTest, WhatIsTakenUpIsThereAgainIfNothingIsSaved) {
   EXPECT_EQ(CRecovery(m_Folder, Program()).List().size(), 1U);
 }
 
+TEST_F(RecoveryTest, WhatIsGivenUpAgainIsOfferedAgain) {
+  {
+    CRecovery recovery(m_Folder, Program());
+    recovery.NoteChanges(1);
+    recovery.End();
+  }
+  CRecovery next(m_Folder, Program());
+  ASSERT_TRUE(next.TakeUp(next.List().front().m_File));
+  next.PutBack();
+  next.NoteSaved(3);
+  EXPECT_EQ(CRecovery(m_Folder, Program()).List().size(), 1U);
+}
+
 TEST_F(RecoveryTest, WhereNothingCanBeWrittenThatIsToldOnce) {
   for (const fs::path& folder : {fs::path(), fs::path("/proc/none")}) {
     m_asTold.clear();

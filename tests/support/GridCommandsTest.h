@@ -52,6 +52,14 @@ class GridCommandsTest : public ::testing::Test {
               Note(fairness ? "fairness" : "curve");
               m_Attributes = present;
               return m_CurveAnswer;
+            },
+            [this](const std::string& file) {
+              Note("read " + file);
+              return m_Project;
+            },
+            [this](const CProject& /*project*/, const std::string& file) {
+              Note("project " + file);
+              return m_Saved;
             }};
   }
   void Note(const std::string& what) {
@@ -59,6 +67,7 @@ class GridCommandsTest : public ::testing::Test {
     m_bRanMeanwhile = m_bRanMeanwhile || Grid().Run().IsRunning();
   }
 
+  CReadProject m_Project;  ///< what is in a project file
   CTestSolver m_Test;
   ScriptedHost m_Host;
   CGridCommands m_Commands{m_Host, m_Test.m_Solver};

@@ -111,8 +111,9 @@ void CImageView::Unselect() {
   redraw();
 }
 
-bool CImageView::LoadImage(const std::string& filename) {
-  const std::optional<Global::CLoadedPicture> loaded = ReadPicture(filename);
+bool CImageView::LoadImage(const std::string& filename) { return TakePicture(ReadPicture(filename), filename); }
+
+bool CImageView::TakePicture(const std::optional<Global::CLoadedPicture>& loaded, const std::string& filename) {
   if (!loaded.has_value()) {
     m_pHost->Notice(("The picture " + filename + " cannot be read: " + WhyNoPicture(filename) + ".").c_str());
     return false;
@@ -150,6 +151,11 @@ bool CImageView::FitsGraphicsCard(int width, int height) {
 
 void CImageView::ResetView() {
   m_Mapping.Reset();
+  redraw();
+}
+
+void CImageView::SetZoomAndPan(double zoom, const CPlanePoint& pan) {
+  m_Mapping.Set(zoom, pan);
   redraw();
 }
 

@@ -9,6 +9,7 @@
 #include "drawing/CViewMapping.h"
 #include "drawing/DisplayFlags.h"
 #include "drawing/PicturePainter.h"
+#include "io/Bmp.h"
 #include "ui/imageview/CCellSelector.h"
 #include "ui/imageview/CDebugOverlay.h"
 #include "ui/imageview/CFreezeBrush.h"
@@ -49,11 +50,16 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   /// leaves picture and file name as they are, and the user is told, as of one that ends early, which is taken up all
   /// the same. Whether there is a new picture. Needs an attached grid.
   bool LoadImage(const std::string& filename);
+  /// The same for a picture that has been read, or nothing where that has failed. `filename` is what it is called.
+  bool TakePicture(const std::optional<Global::CLoadedPicture>& loaded, const std::string& filename);
   /// File of the picture; empty while there is none.
   const std::string& TextureFileName() const { return m_TextureFileName; }
 
   /// Zoom and pan as at the start.
   void ResetView();
+  /// Which part of the model the view shows.
+  const CViewMapping& Mapping() const { return m_Mapping; }
+  void SetZoomAndPan(double zoom, const CPlanePoint& pan);
   /// Ends the drag under way, if any, and lets the solver go on. For dialogs: they swallow the release of the button.
   void EndDrag();
   /// Shows what the interpolation traced last was made of.

@@ -81,6 +81,12 @@ void CAnimationRecorder::Close() {
   ReportClosed();
 }
 
+void CAnimationRecorder::TakeFrames(std::vector<CFrame> frames) {
+  m_Playback.EndTimer();
+  m_Recorder.Take(std::move(frames));
+  Refresh();
+}
+
 void CAnimationRecorder::StoreFrame() {
   if (!m_Recorder.Capture(m_View.Camera())) return;
   m_Host.ShowFrameRecorded(static_cast<int>(m_Recorder.Frames().size()));

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 #include <FL/Fl_Window.H>
 
@@ -32,6 +33,8 @@ class CAnimationRecorder : public Fl_Window, public ToolWindow {
 
   /// The frames and what is being done with them.
   const CFrameRecorder& Recorder() const { return m_Recorder; }
+  /// Ends recording and playback, and has these frames from now on. Not during an export.
+  void TakeFrames(std::vector<CFrame> frames);
 
  private:
   struct CButtonRow;

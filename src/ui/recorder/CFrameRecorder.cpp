@@ -31,6 +31,11 @@ void CFrameRecorder::Reset() {
   m_uMode = RecordMode::kIdle;
 }
 
+void CFrameRecorder::Take(std::vector<CFrame> frames) {
+  Reset();
+  m_aFrames = std::move(frames);
+}
+
 void CFrameRecorder::Play() {
   m_uMode = RecordMode::kPlaying;
   m_uCursor = 0;

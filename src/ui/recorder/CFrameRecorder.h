@@ -61,6 +61,8 @@ class CFrameRecorder {
   void Stop() { m_uMode = RecordMode::kIdle; }
   /// Idle, with no frame left.
   void Reset();
+  /// Idle, with these frames in place of those there are.
+  void Take(std::vector<CFrame> frames);
   /// Plays from the first frame.
   void Play();
 

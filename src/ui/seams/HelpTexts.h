@@ -46,6 +46,7 @@ inline constexpr std::array kHelpTexts{
     "%1. It has no effect, because it lies %2",
     "%1 is saved",
     "What was dropped is no file of this machine",
+    "Unsaved work of %1 is kept: File, Recover Unsaved Work",
 };
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
@@ -71,6 +72,7 @@ enum Index : int {
   kNoEffect = 28,  ///< what a constraint asks for, and why the system does not know it
   kSaved = 29,
   kNoFileDropped = 30,
+  kUnsavedWork = 31,  ///< when work of an earlier run was changed last that no file holds
 };
 }  // namespace HelpText
 

@@ -3,6 +3,8 @@
 #include <functional>
 #include <utility>
 
+struct CProject;
+
 /// A window of its own that a button of the main window opens and closes.
 class ToolWindow {
  public:
@@ -19,6 +21,9 @@ class ToolWindow {
   virtual void PictureLoaded() {}
   /// The grid has been reinitialised or read from a file.
   virtual void GridReplaced() {}
+  /// What a project keeps of the tool is to be added to one, and taken out of one that has been opened.
+  virtual void AddTo(CProject& /*project*/) const {}
+  virtual void TakeFrom(const CProject& /*project*/) {}
 
   /// What is to be done when the window has closed.
   void OnClosed(std::function<void()> action) { m_Closed = std::move(action); }

@@ -150,6 +150,11 @@ void CImageViewUI::SetServices(CWindowServices services) {
   RefreshEnabled();
 }
 
+void CImageViewUI::SetRecovery(CRecoveryServices recovery) {
+  m_Commands.SetRecovery(std::move(recovery));
+  RefreshEnabled();
+}
+
 void CImageViewUI::SetTool(Tool tool, std::unique_ptr<ToolWindow> window) {
   m_Tools.Set(tool, std::move(window), [this, tool] {
     // The recorder and the scissors leave the solver stopped.
@@ -165,6 +170,9 @@ void CImageViewUI::RefreshEnabled() {
   for (std::size_t k = 0; k < ModelFormats().size(); ++k)
     m_pMenu->Enable(WriteEntry(k), m_Commands.CanWrite(ModelFormats()[k]));
   m_pMenu->Enable(MenuEntry::SaveAgain, m_Commands.CanWrite(ModelFormats().front()));
+  m_pMenu->Enable(MenuEntry::OpenProject, static_cast<bool>(model.m_ReadProject));
+  m_pMenu->Enable(MenuEntry::SaveProject, static_cast<bool>(model.m_SaveProject));
+  m_pMenu->Enable(MenuEntry::RecoverWork, m_Commands.Recovery().m_HasWork && m_Commands.Recovery().m_HasWork());
   m_pMenu->Enable(MenuEntry::DrawingParameters, static_cast<bool>(m_Services.m_ShowDrawingOptions));
   m_pMenu->Enable(MenuEntry::ImagePicture, m_bPictureLoaded);
   m_pMenu->Enable(MenuEntry::ModelTexture, m_bPictureLoaded);
@@ -274,6 +282,8 @@ void CImageViewUI::cb_Window(Fl_Widget* widget, void* /*data*/) {
     widget->take_focus();
     return;
   }
+  const auto& window = static_cast<const CImageViewUI&>(*widget);
+  if (window.m_Commands.Recovery().m_End) window.m_Commands.Recovery().m_End();
   std::exit(EXIT_SUCCESS);
 }
 

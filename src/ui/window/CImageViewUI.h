@@ -12,6 +12,7 @@
 #include "editing/CEditingHost.h"
 #include "editing/CSolverControl.h"
 #include "editing/ModelDisplay.h"
+#include "formats/CProject.h"
 #include "ui/seams/ViewHost.h"
 #include "ui/window/CControlSet.h"
 #include "ui/window/CMainMenu.h"
@@ -42,6 +43,8 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   /// the window.
   void AttachGrid(CGrid& grid);
   void SetServices(CWindowServices services);
+  void SetRecovery(CRecoveryServices recovery);
+  void UnsavedWorkChanged() override { RefreshEnabled(); }
   /// The window that a button of "Interfaces" opens. Without one the button is inactive.
   void SetTool(Tool tool, std::unique_ptr<ToolWindow> window);
 
@@ -51,6 +54,7 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   CMainMenu& Menu() { return *m_pMenu; }
   CHelpLine& HelpLine() { return *m_pHelpLine; }
   CSolverControl& Solver() { return m_Solver; }
+  CGridCommands& Commands() { return m_Commands; }
   Fl_Widget& Widget(Control control) { return m_Controls.Widget(control); }
 
   /// What is kept from run to run about files lies in `folder`; without this call nothing is.
@@ -118,6 +122,14 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   static void cb_Window(Fl_Widget* widget, void* data);
   static void cb_PendingWork(void* data);
 
+  // ImageViewUIProject.cpp: what projects keep of it.
+  void AddTo(CProject& project) const override;
+  void ShowProject(const CProject& project) override;
+  void ShowProjectPicture(const CProjectPicture& picture);
+  void ShowProjectViews(const CProjectViews& views);
+  /// Another picture is on show.
+  void PictureTaken(const CProjectPicture& picture);
+
   // ImageViewUICommands.cpp: what its controls do.
   void ConnectCallbacks();
   void Chosen(MenuEntry entry);
@@ -176,5 +188,6 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   std::vector<CWorkFiles> m_aRecent;  ///< as the menu shows them
   bool m_bHelpLine = true;
   bool m_bPictureLoaded = false;
+  CProjectPicture m_Picture;  ///< where the photograph has come from
   bool m_bFreezing = false;
 };

@@ -43,6 +43,18 @@ void CToolButtons::GridReplaced() {
   }
 }
 
+void CToolButtons::AddTo(CProject& project) const {
+  for (const Window& window : m_apWindows) {
+    if (window != nullptr) window->AddTo(project);
+  }
+}
+
+void CToolButtons::TakeFrom(const CProject& project) {
+  for (const Window& window : m_apWindows) {
+    if (window != nullptr) window->TakeFrom(project);
+  }
+}
+
 void CToolButtons::ShowLamp(Tool tool, bool on) {
   m_Controls.Button(ButtonOf(tool)).value(on ? 1 : 0);
   // Until a picture is loaded one button lies over another and has to be drawn after it.

@@ -34,6 +34,8 @@ class CToolButtons {
   /// Each window is told, open or not.
   void PictureLoaded();
   void GridReplaced();
+  void AddTo(CProject& project) const;
+  void TakeFrom(const CProject& project);
 
  private:
   using Window = std::unique_ptr<ToolWindow>;

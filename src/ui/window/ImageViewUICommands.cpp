@@ -19,34 +19,9 @@
 #include "ui/seams/TimerInterval.h"
 #include "ui/window/CHelpLine.h"
 #include "ui/window/CImageViewUI.h"
+#include "ui/window/FlagEntries.h"
 
 namespace {
-
-/// A menu entry that shows or hides something in one of the views.
-struct CFlagRow {
-  MenuEntry m_Entry;
-  std::uint32_t m_uFlag;
-  bool m_bModelView;
-  bool m_bRedrawsBoth;
-};
-
-constexpr auto kFlags = std::to_array<CFlagRow>({
-    {MenuEntry::ImageGrid, ImageFlag::kGrid, false, false},
-    {MenuEntry::ImagePicture, ImageFlag::kImage, false, false},
-    {MenuEntry::ImagePoints, ImageFlag::kPointConstraints, false, false},
-    {MenuEntry::ImageCurves, ImageFlag::kCurves, false, false},
-    {MenuEntry::FreezeMap, ImageFlag::kFreezeMap, false, true},
-    {MenuEntry::DiscontinuityTexels, ImageFlag::kDiscontinuityTexels, false, true},
-    {MenuEntry::ModelGrid, ModelFlag::kGrid, true, false},
-    {MenuEntry::ModelTexture, ModelFlag::kTexturedModel, true, false},
-    {MenuEntry::ModelPoints, ModelFlag::kPointConstraints, true, false},
-    {MenuEntry::ModelCurves, ModelFlag::kCurves, true, false},
-    {MenuEntry::CellNormals, ModelFlag::kCellNormals, true, true},
-    {MenuEntry::PointNormals, ModelFlag::kPointNormals, true, true},
-    {MenuEntry::TexelNormals, ModelFlag::kTexelNormals, true, true},
-    {MenuEntry::DiscontinuityGap, ImageFlag::kDiscontinuityGap, false, false},
-    {MenuEntry::DiscontinuityEdges, ImageFlag::kDiscontinuityEdges, false, false},
-});
 
 /// What a button does; `on` is its value after the click.
 struct CActionRow {
@@ -123,7 +98,7 @@ void CImageViewUI::ConnectCallbacks() {
 }
 
 bool CImageViewUI::FlagChosen(MenuEntry entry) {
-  for (const CFlagRow& row : kFlags) {
+  for (const CFlagEntry& row : kFlagEntries) {
     if (row.m_Entry != entry) continue;
     const bool on = m_pMenu->IsChecked(entry);
     if (row.m_bModelView) {
@@ -163,6 +138,12 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       return Files().Recent().Clear();
     case MenuEntry::Quit:
       return do_callback();
+    case MenuEntry::OpenProject:
+      return m_Commands.OpenProject();
+    case MenuEntry::SaveProject:
+      return m_Commands.SaveProject();
+    case MenuEntry::RecoverWork:
+      return m_Commands.RecoverWork();
     case MenuEntry::ShootImage:
       return Shoot(*this, *m_pImageView, *m_pGridView);
     case MenuEntry::ShootModel:
@@ -307,6 +288,12 @@ void CImageViewUI::EndDrags() {
 
 bool CImageViewUI::LoadPicture(const std::string& file) {
   if (!m_pImageView->LoadImage(file)) return false;
+  PictureTaken({file, {}, nullptr});
+  return true;
+}
+
+void CImageViewUI::PictureTaken(const CProjectPicture& picture) {
+  m_Picture = picture;
   m_bPictureLoaded = true;
   if (m_Tools.IsOpen(Tool::Scissors)) m_Tools.Close(Tool::Scissors);
   m_Controls.Show(Control::LightSources, true);
@@ -317,7 +304,6 @@ bool CImageViewUI::LoadPicture(const std::string& file) {
   Relayout();
   RequestRedraw();
   m_Tools.PictureLoaded();
-  return true;
 }
 
 std::string CImageViewUI::TextureFile() const { return m_pImageView->TextureFileName(); }

@@ -47,6 +47,7 @@ std::optional<std::string> CRandomDialogs::ChooseFile(const CFileQuestion& quest
     return InDirectory(
         m_Monkey.OneOf(std::array{"small.bmp", "small.bmp", "small.bmp", "cup.bmp", "shot.bmp", "rubbish.bmp"}));
   }
+  if (wanted == "*.relievo") return InDirectory(m_Monkey.OneOf(std::array{"a.relievo", "b.relievo", "rubbish.grid"}));
   if (wanted == "*.wrl") return InDirectory("scene.wrl");
   return InDirectory(m_Monkey.OneOf(std::array{"a.grid", "b.grid", "a.grid", "b.grid", "rubbish.grid"}));
 }

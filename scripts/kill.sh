@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# scripts/kill.sh [times]: the program, killed in the middle of edits and of writing down unsaved work, on a virtual display.
+# After each time a whole state must be left that is no older than the one before.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+source scripts/setup.sh
+source scripts/display.sh
+
+export RELIEVO_KILLS=${1:-200}
+need_packages test
+build release run_test -DRELIEVO_BUILD_TESTS:BOOL=ON
+
+trap stop_all EXIT
+trap 'exit 129' HUP
+trap 'exit 130' INT
+trap 'exit 143' TERM
+start_display
+
+set -m
+build/release/tests/run_test --gtest_filter='RecoveryRunTest.KilledInTheMiddleOfEditsItLosesLittle' &
+tests_pid=$!
+set +m
+wait "$tests_pid"
