@@ -60,6 +60,7 @@ void CRecentFiles::Clear() { Write({}); }
 
 void CRecentFiles::Write(const std::vector<CWorkFiles>& list) {
   std::vector<std::string> lines;
+  lines.reserve(list.size());
   for (const CWorkFiles& work : list) lines.push_back(FieldOf(work.m_Model) + kBetween + FieldOf(work.m_Picture));
   m_bInMemory = !m_Lines.Write(lines);
   m_aInMemory = list;
