@@ -11,10 +11,10 @@
 namespace {
 
 constexpr const char* kUsage =
-    "Usage: relievo [MODEL.grid] [PICTURE]\n"
+    "Usage: relievo [MODEL.grid | PROJECT.relievo] [PICTURE]\n"
     "Make a textured 3D surface out of one photograph.\n"
     "\n"
-    "The model and the picture, in any order, are opened in the window.\n"
+    "The model or project and the picture, in any order, are opened in the window.\n"
     "\n"
     "  --help     show this and end\n"
     "  --version  show the version and end\n"

@@ -36,7 +36,7 @@ void CFilesAtHand::SetModel(const CModelName& name) {
 void CFilesAtHand::ModelOpened(const CModelName& name) {
   SetModel(name);
   m_Known.insert(Target(name.m_File));
-  if (m_bPictureFree) return NotePair();
+  if (m_bPictureFree || name.m_bProject) return NotePair();
   m_bModelFree = true;
   const std::vector<CWorkFiles> list = m_Recent.List();
   const auto known = std::ranges::find(list, name.m_File, &CWorkFiles::m_Model);
@@ -55,10 +55,16 @@ void CFilesAtHand::PictureOpened(const std::string& file) {
   m_Recent.Note({"", file});
 }
 
+void CFilesAtHand::PictureCame(const std::string& file) {
+  m_Picture = file;
+  m_bPictureFree = false;
+}
+
+// A project holds its picture.
 void CFilesAtHand::NotePair() {
   m_bModelFree = false;
   m_bPictureFree = false;
-  m_Recent.Note({m_Model.m_File, m_Picture});
+  m_Recent.Note({m_Model.m_File, m_Model.m_bProject ? "" : m_Picture});
 }
 
 std::string CFilesAtHand::Proposal(const std::string& suffix) const {

@@ -27,8 +27,9 @@ class CFilesAtHand {
   void ModelOpened(const CModelName& name);
   void ModelSaved(const CModelName& name);
   void ModelReplaced() { SetModel({}); }
-  /// Another picture is on show.
+  /// Another picture is on show; one that has come with a project.
   void PictureOpened(const std::string& file);
+  void PictureCame(const std::string& file);
   /// A model and a picture are about to be opened together: the picture on show does not belong to that model.
   void LeavePicture() { m_bPictureFree = false; }
 

@@ -103,6 +103,7 @@ bool CGridCommands::OpenProject(const std::string& file, Edit edit) {
     project.m_Picture = WithBytesOfItsProject(project.m_Picture);
   }
   m_Host.ShowProject(project);
+  m_Files.PictureCame(m_Host.TextureFile());
   TellRefusedCurves(m_pGrid->CurveEdits().TakeRefused());
   return true;
 }

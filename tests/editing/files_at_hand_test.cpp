@@ -88,6 +88,27 @@ TEST_F(FilesAtHandTest, SavingJoinsTheModelToWhatIsOnShow) {
   EXPECT_EQ(Recent(), (Works{{"/a.grid", "/b.bmp"}}));
 }
 
+TEST_F(FilesAtHandTest, AProjectIsOneEntryWithItsPicture) {
+  m_Files.PictureOpened("/loose.bmp");
+  m_Files.ModelOpened({.m_File = "/a.relievo", .m_bProject = true});
+  m_Files.PictureCame("/a.bmp");
+  EXPECT_EQ(Recent(), (Works{{"/a.relievo", ""}, {"", "/loose.bmp"}}));
+  m_Files.PictureOpened("/b.bmp");
+  m_Files.ModelSaved({.m_File = "/a.relievo", .m_bProject = true});
+  EXPECT_EQ(Recent(), (Works{{"/a.relievo", ""}, {"", "/b.bmp"}, {"", "/loose.bmp"}}));
+  m_Files.ModelSaved({.m_File = "/a.grid"});
+  EXPECT_EQ(Recent().front(), (CWorkFiles{"/a.grid", "/b.bmp"}));
+}
+
+TEST_F(FilesAtHandTest, APictureThatCameWithAProjectIsNoOtherModels) {
+  m_Files.ModelOpened({.m_File = "/a.relievo", .m_bProject = true});
+  m_Files.PictureCame("/a.bmp");
+  m_Files.ModelReplaced();
+  EXPECT_EQ(m_Files.Proposal(".grid"), "/a.grid");
+  m_Files.ModelOpened({.m_File = "/b.grid"});
+  EXPECT_EQ(Recent(), (Works{{"/b.grid", ""}, {"/a.relievo", ""}}));
+}
+
 // Names.
 
 TEST_F(FilesAtHandTest, TheModelHasTheNameOfItsLastFile) {

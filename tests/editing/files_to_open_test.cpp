@@ -62,6 +62,10 @@ TEST_F(FilesToOpenTest, AModelIsKnownByItsContentsToo) {
             (CWorkFiles{m_Scratch.File("cup"), m_Scratch.File("photo")}));
 }
 
+TEST_F(FilesToOpenTest, AProjectIsAModel) {
+  EXPECT_EQ(Open({"/a.bmp", "/a.grid", "/a.relievo"}), (CWorkFiles{"/a.relievo", "/a.bmp"}));
+}
+
 TEST_F(FilesToOpenTest, RelativeNamesBecomeAbsolute) {
   const std::string here = std::filesystem::current_path();
   EXPECT_EQ(Open({"a.grid", "../b.bmp"}),

@@ -1,11 +1,8 @@
 // The commands on files whose names are known, and the names that choosers propose.
 
-#include <array>
-#include <fstream>
-
 #include <gtest/gtest.h>
 
-#include "support/BmpBuilders.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
 #include "support/GridCommandsTest.h"
 

@@ -117,11 +117,11 @@ TEST_F(FilesRunTest, SavingAgainWritesTheModelThatWasOpened) {
   EXPECT_EQ(m_pProgram->Screen().WindowsOf(m_pProgram->Pid()).size(), 1U);
 }
 
-TEST_F(FilesRunTest, SavingAgainAsksForANameWhereThereIsNone) {
+TEST_F(FilesRunTest, SavingAgainAnswersTheSameAboutTheLights) {
   Start();
-  PressKey("ctrl+s");
+  m_pUser->ChooseEntry(MenuTitle::File, 3);
   ASSERT_TRUE(m_pUser->ChooseFile(kChooser, File("b.grid")));
-  ASSERT_TRUE(m_pUser->Answer(true)) << "the lights";
+  ASSERT_TRUE(m_pUser->Answer(true));
   ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(File("b.grid")); }));
   const std::string saved = BytesOf(File("b.grid"));
   std::filesystem::remove(File("b.grid"));
@@ -169,6 +169,34 @@ TEST_F(FilesRunTest, WithoutAPlaceToRememberTheProgramWorksAndSaysSoOnce) {
   EXPECT_TRUE(m_pUser->Reads(kPictureLine));
   EXPECT_TRUE(m_pProgram->Rests());
   EXPECT_TRUE(Quits());
+}
+
+// Projects.
+
+TEST_F(FilesRunTest, AProjectIsSavedAgainOpenedAgainAndNamedLikeAModel) {
+  Start({File("a.grid"), File("a.bmp")});
+  m_pUser->ChooseEntry(MenuTitle::File, 7);
+  ASSERT_TRUE(m_pUser->ChooseFile("please input project file name", File("a.relievo")));
+  ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(File("a.relievo")); }));
+  EXPECT_TRUE(Quits());
+  for (const Arguments& names : {Arguments{}, Arguments{File("a.relievo")}}) {
+    Start(names);
+    if (names.empty()) ChooseFromFile({"r", "Right", "Return"});
+    ASSERT_TRUE(m_pProgram->Rests());
+    std::filesystem::remove(File("a.relievo"));
+    PressKey("ctrl+s");
+    EXPECT_TRUE(m_pUser->Reads(File("a.relievo") + " is saved"));
+    EXPECT_TRUE(BytesOf(File("a.relievo")).starts_with("PK"));
+    EXPECT_TRUE(Quits());
+  }
+}
+
+TEST_F(FilesRunTest, SavingAgainWithoutANameProposesAProjectBesideThePicture) {
+  Start({File("a.bmp")});
+  PressKey("ctrl+s");
+  ASSERT_TRUE(m_pUser->OpenedChooser("please input project file name").has_value());
+  PressKey("Return");
+  EXPECT_TRUE(WaitUntil([&] { return std::filesystem::exists(File("a.relievo")); }));
 }
 
 // Drops.
