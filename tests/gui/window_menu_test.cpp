@@ -1,5 +1,6 @@
 // The menu of the main window: one table, its shortcuts, and the flags that it toggles.
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -143,17 +144,19 @@ TEST_F(WindowMenuTest, HasTheEntriesOfTheTable) {
   }
 }
 
-TEST_F(WindowMenuTest, OnlyWhatNeedsAPictureStartsInactive) {
+TEST_F(WindowMenuTest, OnlyWhatHasNothingToWorkWithStartsInactive) {
+  constexpr std::array kInactive{MenuEntry::ImagePicture, MenuEntry::ModelTexture, MenuEntry::RecoverWork};
   for (const CExpectedEntry& row : kEntries) {
-    const bool needsPicture = row.m_Entry == MenuEntry::ImagePicture || row.m_Entry == MenuEntry::ModelTexture;
-    EXPECT_EQ(Menu().IsActive(row.m_Entry), !needsPicture) << row.m_pPath;
+    const bool inactive = std::ranges::find(kInactive, row.m_Entry) != kInactive.end();
+    EXPECT_EQ(Menu().IsActive(row.m_Entry), !inactive) << row.m_pPath;
   }
 }
 
 TEST_F(WindowMenuTest, WhatNobodyBringsIsInactive) {
   m_Window.SetServices({});
-  for (const MenuEntry entry : {MenuEntry::NewGrid, MenuEntry::LoadGrid, kSaveGrid, kSaveVrml, kExportHeightField,
-                                MenuEntry::SaveAgain, MenuEntry::DrawingParameters}) {
+  for (const MenuEntry entry :
+       {MenuEntry::NewGrid, MenuEntry::LoadGrid, kSaveGrid, kSaveVrml, kExportHeightField, MenuEntry::SaveAgain,
+        MenuEntry::SaveProject, MenuEntry::OpenProject, MenuEntry::DrawingParameters}) {
     EXPECT_FALSE(Menu().IsActive(entry));
   }
   EXPECT_TRUE(Menu().IsActive(MenuEntry::LoadImage));

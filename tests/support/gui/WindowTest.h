@@ -139,6 +139,14 @@ class WindowTest : public ToolkitTest {
       note(&format == &VrmlFormat() ? "vrml" : "save");
       return CSaveOutcome();
     };
+    services.m_Model.m_ReadProject = [note](const std::string&) {
+      note("open project");
+      return CReadProject();
+    };
+    services.m_Model.m_SaveProject = [note](const CProject&, const std::string&) {
+      note("save project");
+      return CSaveOutcome();
+    };
     services.m_Model.m_AskSize = [note](const std::function<void(int, int)>&) { note("height field"); };
     services.m_ShowDrawingOptions = [note] { note("options"); };
     services.m_Model.m_AskContourAttributes = [note, this](const CContourAttributes& present, bool fairness) {
