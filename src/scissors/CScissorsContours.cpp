@@ -31,6 +31,14 @@ void CScissorsContours::Commit(const CMinimumPathTree& tree, CPixelPosition p) {
   std::reverse(pixels.begin() + known, pixels.end());
 }
 
+bool CScissorsContours::TakeBack() {
+  if (!IsInProgress()) return false;
+  std::vector<CPathPixel>& pixels = m_InProgress.m_aPixels;
+  pixels.pop_back();
+  while (!pixels.empty() && !pixels.back().m_bKeyPoint) pixels.pop_back();
+  return true;
+}
+
 void CScissorsContours::Finish(bool closed) {
   m_InProgress.m_bClosed = closed;
   m_aTraced.push_back(std::exchange(m_InProgress, {}));

@@ -44,6 +44,9 @@ class CScissorsContours {
   /// Appends the path of `tree`, whose seed is the contour's, to the pixel `p`, which becomes a key point and the seed.
   /// The tree must know a path of `p`.
   void Commit(const CMinimumPathTree& tree, CPixelPosition p);
+  /// Forgets the last key point with the path to it; the one before is the seed then, and without one no contour is in
+  /// progress. False where none is.
+  bool TakeBack();
   /// The contour in progress joins the traced ones.
   void Finish(bool closed);
 

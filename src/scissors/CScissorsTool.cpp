@@ -33,6 +33,12 @@ bool CScissorsTool::Enter(std::optional<CPixelPosition> cursor, bool close) {
   return true;
 }
 
+bool CScissorsTool::TakeBack() {
+  if (!m_Contours.TakeBack()) return false;
+  if (m_Contours.IsInProgress()) BuildFrom(m_Contours.Seed());
+  return true;
+}
+
 int CScissorsTool::PercentBuilt() const {
   const std::size_t pixels = m_Image.m_aPixels.size() / 3;
   return static_cast<int>(100 * m_Tree.ExpandedCount() / pixels);

@@ -40,6 +40,9 @@ class CScissorsTool {
   /// it stays in progress. False without a contour in progress.
   bool Enter(std::optional<CPixelPosition> cursor, bool close);
 
+  /// Takes the last key point back; the paths lead to the one before then. False without a contour in progress.
+  bool TakeBack();
+
   /// Whether the paths to the seed are still being looked for.
   bool IsBuilding() const { return m_Contours.IsInProgress() && !m_Tree.IsComplete(); }
   /// The share of the pixels whose path is known, in percent.

@@ -126,6 +126,32 @@ TEST_F(ScissorsToolTest, EnterWithoutAContourDoesNothing) {
   EXPECT_TRUE(m_Tool.Contours().Traced().empty());
 }
 
+TEST_F(ScissorsToolTest, TakesKeyPointsBackOneByOne) {
+  for (const CPixelPosition pixel : {CPixelPosition{7, 11}, {20, 5}, {25, 15}}) Press(pixel);
+  m_Console.Take();
+  EXPECT_TRUE(m_Tool.TakeBack());
+  EXPECT_EQ(m_Console.Take(), "current seed position: (   20 ,    5 ).\n");
+  EXPECT_EQ(m_Tool.Contours().Seed(), (CPixelPosition{20, 5}));
+  EXPECT_TRUE(m_Tool.IsBuilding());
+  EXPECT_TRUE(m_Tool.TakeBack());
+  EXPECT_EQ(m_Tool.Contours().InProgress().m_aPixels.size(), 1U);
+  EXPECT_TRUE(m_Tool.TakeBack());
+  EXPECT_FALSE(m_Tool.Contours().IsInProgress());
+  EXPECT_FALSE(m_Tool.IsBuilding());
+  EXPECT_FALSE(m_Tool.TakeBack());
+}
+
+TEST_F(ScissorsToolTest, AfterAKeyPointTakenBackTheContourGoesOnFromTheOneBefore) {
+  Press({7, 11});
+  Press({20, 5});
+  const CTracedContour wanted = m_Tool.Contours().InProgress();
+  Press({25, 15});
+  m_Tool.TakeBack();
+  EXPECT_EQ(m_Tool.Contours().InProgress().m_aPixels, wanted.m_aPixels);
+  EXPECT_TRUE(m_Tool.Enter(CPixelPosition{22, 9}, false));
+  EXPECT_EQ(m_Tool.Contours().Traced().back().m_aPixels.back().Position(), (CPixelPosition{22, 9}));
+}
+
 TEST_F(ScissorsToolTest, PathsAreThereBeforeTheTreeIsComplete) {
   Press({7, 11});
   EXPECT_FALSE(m_Tool.HasPath({7, 11}));

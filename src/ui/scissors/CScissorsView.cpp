@@ -159,6 +159,10 @@ bool CScissorsView::OnKey() {
   } else if (key == FL_Enter || key == FL_KP_Enter) {
     if (m_pTool->Enter(PixelUnderMouse(), control)) ExportContour();
     ScheduleSlices();
+  } else if (control && key == 'z' && Fl::event_state(FL_SHIFT | FL_ALT | FL_META) == 0) {
+    // Without a contour in progress, what is to be undone is the document's.
+    if (!m_pTool->TakeBack()) return false;
+    ScheduleSlices();
   } else if (key == FL_BackSpace) {
     if (!m_pTool->Contours().IsInProgress()) m_pTool->Contours().RemoveSelected();
   } else {

@@ -17,9 +17,9 @@ class ScissorsHost;
 /// The window of the intelligent scissors: a copy of the photograph on which contours are traced.
 ///
 /// Left click: next key point; with Ctrl the first one of a new contour. Enter: end the contour at the cursor; with
-/// Ctrl close it. Right drag: move the picture. Ctrl + "=" and Ctrl + "-": zoom. BackSpace: remove the selected
-/// contour. A status line shows the pixel under the mouse, and the progress while the paths of a large picture are
-/// being looked for.
+/// Ctrl close it. Ctrl + Z: take the last key point back. Right drag: move the picture. Ctrl + "=" and Ctrl + "-":
+/// zoom. BackSpace: remove the selected contour. A status line shows the pixel under the mouse, and the progress while
+/// the paths of a large picture are being looked for.
 class CScissorsView : public Fl_Window, public ToolWindow {
  public:
   /// Both must outlive the window. It is built closed.
