@@ -43,7 +43,7 @@ find "${1:-src}" -name '*.h' | LC_ALL=C sort | xargs awk '
     split("", bare)
     split("", seam)
   }
-  /^(template <.*> )?(class|struct|enum class) [A-Za-z0-9_]+.*\{/ && !/;$/ {
+  /^(template <.*> )?(class|struct|enum class) [A-Za-z0-9_]+.*(\{|,$)/ && !/;$/ {
     match($0, /(class|struct) [A-Za-z0-9_]+/)
     current = substr($0, RSTART, RLENGTH)
     sub(/.* /, "", current)
