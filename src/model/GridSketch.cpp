@@ -15,6 +15,14 @@ bool HaveSameKinds(const CPtCstrList& a, const CPtCstrList& b) {
   return std::ranges::equal(a, b, {}, kind, kind);
 }
 
+std::vector<std::size_t> FrozenPoints(const CLattice& lattice) {
+  std::vector<std::size_t> points;
+  for (std::size_t point = 0; point < lattice.PointCount(); ++point) {
+    if (lattice.Has(point, PointFlag::kFrozen)) points.push_back(point);
+  }
+  return points;
+}
+
 }  // namespace
 
 CSketch CGrid::Sketch() const {
@@ -82,8 +90,13 @@ void CGrid::RestoreDocument(const CDocument& document) {
 
 void CGrid::RestoreState(const CModelState& state) {
   const CDocument& document = state.m_Document;
+  CLattice& lattice = m_Surface.Lattice();
+  // What the brush has painted is no part of the document, and stays where it is.
+  const bool keep = lattice.Level() == document.m_Sketch.m_iMaxLevel && lattice.Extent() == document.m_Sketch.m_Extent;
+  const std::vector<std::size_t> frozen = keep ? FrozenPoints(lattice) : std::vector<std::size_t>();
   TakeOver(document.m_Sketch);
   m_Gate.NoteRestored();
+  for (const std::size_t point : frozen) lattice.Set(point, PointFlag::kFrozen);
   g_iMaxLevel = state.m_iNewMaxLevel;
   g_fPickTolerance = state.m_fPickTolerance;
   m_Relighting.SetLights(document.m_RemovedLights, document.m_AddedLights);
@@ -93,5 +106,6 @@ void CGrid::RestoreState(const CModelState& state) {
   m_Wanted.Current().ShowSelection(m_Surface.Tree());
   m_Surface.Reconstruct();
   if (state.m_pSolver != nullptr) m_Solver.Resume(*state.m_pSolver, m_Surface.Coefficients());
+  m_Run.Host().ShowIterations(m_Solver.Counter());
   m_Run.Host().RequestRedraw();
 }

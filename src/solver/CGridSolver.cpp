@@ -147,13 +147,16 @@ void CGridSolver::TakeWay() {
 bool CGridSolver::ModelChanged() {
   m_iRetriesLeft = kRetriesPerEdit;
   if (!HasStopped()) return false;
+  m_EndBefore = m_End;
   m_End = Outcome::TickDone;
   m_bShakeDue = true;
   return true;
 }
 
+// A command is told to the solver when it is posted, and what it is about to replace had stopped for good until then.
 CSolverState CGridSolver::State() const {
-  return {m_afMultipliers, m_afTargets, m_iCounter, m_End == Outcome::Converged, m_End == Outcome::GaveUp};
+  const Outcome end = m_bShakeDue && m_iCounter > 0 ? m_EndBefore : m_End;
+  return {m_afMultipliers, m_afTargets, m_iCounter, end == Outcome::Converged, end == Outcome::GaveUp};
 }
 
 void CGridSolver::Resume(const CSolverState& state, std::span<const double> x) {

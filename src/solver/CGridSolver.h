@@ -98,8 +98,9 @@ class CGridSolver {
   std::vector<double> m_afLastMultipliers;
   CRandom* m_pRandom;
   int m_iCounter = -1;
-  bool m_bVectorsValid = false;       ///< the iteration's vectors belong to the system as it is
-  Outcome m_End = Outcome::TickDone;  ///< of the last stop; TickDone while the iteration is to go on
+  bool m_bVectorsValid = false;             ///< the iteration's vectors belong to the system as it is
+  Outcome m_End = Outcome::TickDone;        ///< of the last stop; TickDone while the iteration is to go on
+  Outcome m_EndBefore = Outcome::TickDone;  ///< the same before the edit for which the iteration goes on
   bool m_bShakeDue = false;
   int m_iRetriesLeft = 0;
   const char* m_pStopMessage = "";  ///< of the last stop

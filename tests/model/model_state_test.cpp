@@ -149,6 +149,16 @@ TEST(ModelStateTest, BringsBothResolutionsInEveryMode) {
   }
 }
 
+TEST(ModelStateTest, LeavesWhatTheBrushHasPainted) {
+  CRichGrid test;
+  const CModelState state = test.m_Grid.State();
+  test.m_Grid.PaintFreezeMap(3, 22, true);
+  const std::size_t frozen = test.m_Grid.Surface().Lattice().Count(PointFlag::kFrozen);
+  ASSERT_GT(frozen, 0U);
+  test.m_Grid.RestoreState(state);
+  EXPECT_EQ(test.m_Grid.Surface().Lattice().Count(PointFlag::kFrozen), frozen);
+}
+
 TEST(ModelStateTest, CopiesShareTheSurface) {
   const CRichGrid test;
   const CModelState state = test.m_Grid.State();
