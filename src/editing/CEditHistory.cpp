@@ -161,7 +161,8 @@ void CEditHistory::DropEmptySteps() {
 
 void CEditHistory::Settle(bool held) {
   if (m_pGrid == nullptr || held || m_iDepth > 0) return;
-  if (!m_bGesture) Close(false);
+  m_bGesture = false;
+  Close(false);
   if (m_bUnsettled && !m_pGrid->Run().HasPending()) DropEmptySteps();
 }
 

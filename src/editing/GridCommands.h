@@ -89,6 +89,7 @@ class CGridCommands {
   void SetServices(CModelServices services) { m_Services = std::move(services); }
   /// The files that they have been at; the name of the model is there.
   CFilesAtHand& Files() { return m_Files; }
+  const CFilesAtHand& Files() const { return m_Files; }
   void SetRecovery(CRecoveryServices recovery) { m_Recovery = std::move(recovery); }
   const CRecoveryServices& Recovery() const { return m_Recovery; }
 

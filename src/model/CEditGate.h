@@ -44,11 +44,17 @@ class CEditGate {
   /// to be edited, which bring a rebuild of their own. Interrupted, a gesture does so only if it has changed anything.
   void EndGesture(GestureEnd end);
 
-  /// Makes a change by calling `change`.
+  /// Makes a change by calling `change`. Where that throws nothing is posted, and the observer hears of the end of an
+  /// edit that may have changed nothing.
   template <typename Change>
   void Do(Edit edit, Change&& change) {
     if (m_pObserver != nullptr) m_pObserver->BeforeEdit(edit);
-    std::forward<Change>(change)();
+    try {
+      std::forward<Change>(change)();
+    } catch (...) {
+      if (m_pObserver != nullptr) m_pObserver->AfterEdit(edit);
+      throw;
+    }
     Finish(edit);
     if (m_pObserver != nullptr) m_pObserver->AfterEdit(edit);
   }

@@ -48,7 +48,7 @@ class MenuKeysTest : public ToolkitTest {
     std::array<char, 200> path{};
     if (m_Menu.item_pathname(path.data(), path.size(), item) != 0) return "no path";
     std::string text;
-    for (const char c : std::string(path.data()).substr(1)) {
+    for (const char c : std::string(path.data())) {
       if (c == '/') text += ", ";
       if (c != '/' && c != '&') text += c;
     }

@@ -126,6 +126,8 @@ class MonkeyTest : public ::testing::Test {
     for (const MenuEntry entry : kDrawn) Check(entry, false);
     RenewContexts();
     WorkOff();
+    // Of as many megabytes as steps may take.
+    m_Window.History().Clear();
     m_Dialogs.SetObedient(false);
     m_Monkey.SetObedient(false);
     m_Log.Look();
@@ -152,7 +154,7 @@ class MonkeyTest : public ::testing::Test {
   }
   void WorkOff() {
     constexpr int kRounds = 20;
-    while (m_Grid.Run().NextOperation() != Operation::kNone) Fl::check();
+    while (m_Grid.Run().HasPending()) Fl::check();
     for (int round = 0; round < kRounds; ++round) Fl::check();
   }
   void Measure() {

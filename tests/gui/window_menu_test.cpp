@@ -61,6 +61,9 @@ const auto kEntries = std::to_array<CExpectedEntry>({
   {"A&dvanced/&Way of convergence/New &Wavelet Transformation - default mode", MenuEntry::NewWavelets, 0, Radio, true},
   {"A&dvanced/&Way of convergence/Simple Wavelet &Transformation", MenuEntry::SimpleWavelets, 0, Radio},
   {"A&dvanced/&Way of convergence/&No Wavelet Transformation", MenuEntry::NoWavelets, 0, Radio},
+  {"Edi&t/&Undo", MenuEntry::Undo, kCtrl | 'z', Command},
+  {"Edi&t/&Redo", MenuEntry::Redo, kCtrl | kShift | 'z', Command},
+  {"Edi&t/&Redo", MenuEntry::Redo, kCtrl | 'y', Command},
 });
 
 struct CFlag {

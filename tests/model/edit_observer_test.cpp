@@ -1,5 +1,6 @@
 // Who hears of edits, of what lies within them, and of gestures.
 
+#include <new>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,14 @@ TEST(EditObserverTest, HearsOfWhatLiesWithinAnEdit) {
   test.m_Grid.CurveEdits().ValidatePending(5, 24, false, kTear);
   EXPECT_EQ(listener.m_asHeard,
             (Lines{Before(Edit::EndCurve), Before(Edit::AddCurve), After(Edit::AddCurve), After(Edit::EndCurve)}));
+}
+
+TEST(EditObserverTest, HearsOfTheEndOfAnEditThatFails) {
+  CTestGrid test;
+  const CListener listener(test.m_Grid);
+  EXPECT_THROW(test.m_Grid.Gate().Do(Edit::AddPoint, [] { throw std::bad_alloc(); }), std::bad_alloc);
+  EXPECT_EQ(listener.m_asHeard, (Lines{Before(Edit::AddPoint), After(Edit::AddPoint)}));
+  EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
 }
 
 TEST(EditObserverTest, HearsOfGestures) {

@@ -159,6 +159,11 @@ void CImageView::SetZoomAndPan(double zoom, const CPlanePoint& pan) {
   redraw();
 }
 
+void CImageView::DocumentChanged() {
+  if (m_Mode == EditingMode::Curve) m_CurveHandler->DocumentChanged();
+  redraw();
+}
+
 void CImageView::ShowInterpolation(const CInterpolationTrace& trace) {
   m_Debug.ShowInterpolation(*m_pGrid, trace);
   redraw();

@@ -62,6 +62,8 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   void SetZoomAndPan(double zoom, const CPlanePoint& pan);
   /// Ends the drag under way, if any, and lets the solver go on. For dialogs: they swallow the release of the button.
   void EndDrag();
+  /// Takes note that the document is another one, with the mouse where it was.
+  void DocumentChanged();
   /// Shows what the interpolation traced last was made of.
   void ShowInterpolation(const CInterpolationTrace& trace);
   /// Saves the view as it would be drawn now; false while it is not shown or if that fails.

@@ -14,10 +14,15 @@
 int CCurveHandler::Hover() {
   m_Cursor = ClampedCursor();
   m_LooseEnd = m_Cursor;
-  if (!m_Grid.HighlightCurves(m_Cursor.x, m_Cursor.y, CurveType::kAll))
-    m_Grid.CurveEdits().HoverPending(m_Cursor.x, m_Cursor.y, PickReach());
+  Look();
   m_Host.RedrawImageView();
   return 1;
+}
+
+// What lies under the cursor, and how a curve in progress would end there.
+void CCurveHandler::Look() {
+  if (!m_Grid.HighlightCurves(m_Cursor.x, m_Cursor.y, CurveType::kAll))
+    m_Grid.CurveEdits().HoverPending(m_Cursor.x, m_Cursor.y, PickReach());
 }
 
 int CCurveHandler::Leave() {

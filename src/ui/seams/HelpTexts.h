@@ -47,6 +47,9 @@ inline constexpr std::array kHelpTexts{
     "%1 is saved",
     "What was dropped is no file of this machine",
     "Unsaved work of %1 is kept: File, Recover Unsaved Work",
+    "Undone: %1",
+    "Done again: %1",
+    "There is not the memory to go that step: the model stays as it is",
 };
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
@@ -73,6 +76,9 @@ enum Index : int {
   kSaved = 29,
   kNoFileDropped = 30,
   kUnsavedWork = 31,  ///< when work of an earlier run was changed last that no file holds
+  kStepUndone = 32,  ///< what has been taken back
+  kStepRedone = 33,  ///< what has been done again
+  kStepFailed = 34,
 };
 }  // namespace HelpText
 

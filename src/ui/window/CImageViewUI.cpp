@@ -49,6 +49,7 @@ CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* d
       m_Dialogs(dialogs != nullptr ? *dialogs : m_ToolkitDialogs),
       m_Solver(*this, startTimer),
       m_Commands(*this, m_Solver),
+      m_History(*this, m_Solver, CRedrawPacer::SteadySeconds),
       m_GridHost(*this, m_Solver, m_Commands),
       m_Tools(m_Controls),
       m_RedrawPacer(
@@ -61,7 +62,11 @@ CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* d
   end();
   // There they choose the lights that a drag turns.
   m_pMenu->LeaveDigitsWhile([this] { return Fl::pushed() != nullptr || IsMouseOver(*m_pGridView); });
-  m_pMenu->BeforeOpening([this] { RefreshRecent(); });
+  m_pMenu->BeforeOpening([this] {
+    RefreshSteps();
+    RefreshRecent();
+  });
+  m_pMenu->BeforeKeys([this] { RefreshSteps(); });
   resizable(nullptr);
   size_range(Scaled(kMinDesignWidth, m_fScale), Scaled(kMinDesignHeight, m_fScale));
   callback(cb_Window);
@@ -69,12 +74,15 @@ CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* d
   RefreshEnabled();
   Relayout();
   Fl::add_check(cb_PendingWork, this);
+  Fl::add_handler(cb_UnusedEvent);
 }
 
 CImageViewUI::~CImageViewUI() {
   // Hiding sends events to the views, which still need their host then.
   hide();
   Fl::remove_check(cb_PendingWork, this);
+  Fl::remove_handler(cb_UnusedEvent);
+  m_History.Detach();
   m_GridHost.Detach();
 }
 
@@ -137,6 +145,8 @@ void CImageViewUI::AttachGrid(CGrid& grid) {
   m_pGridView->AttachGrid(grid);
   m_pGridView->AttachHost(*this);
   m_GridHost.AttachGrid(grid);
+  m_GridHost.AttachHistory(m_History);
+  m_History.AttachGrid(grid);
   m_Solver.AttachGrid(grid);
   m_Commands.AttachGrid(grid);
   m_pGridView->SelectWaveletMode(WaveletMode::New);
@@ -290,5 +300,6 @@ void CImageViewUI::cb_Window(Fl_Widget* widget, void* /*data*/) {
 void CImageViewUI::cb_PendingWork(void* data) {
   auto& window = *static_cast<CImageViewUI*>(data);
   window.OpenWaitingFiles();
-  window.m_GridHost.PerformPendingWork(Fl::pushed() != nullptr);
+  window.m_GridHost.PerformPendingWork(window.IsDragging());
+  window.m_History.Settle(window.IsDragging());
 }

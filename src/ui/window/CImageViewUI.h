@@ -9,8 +9,10 @@
 
 #include "drawing/CTextures.h"
 #include "drawing/DisplayFlags.h"
+#include "editing/CEditHistory.h"
 #include "editing/CEditingHost.h"
 #include "editing/CSolverControl.h"
+#include "editing/HistoryHost.h"
 #include "editing/ModelDisplay.h"
 #include "formats/CProject.h"
 #include "ui/seams/ViewHost.h"
@@ -29,7 +31,12 @@ class CImageView;
 /// them, the help line. It shows what becomes of the grid attached to it and is the host of both views.
 ///
 /// Closing it ends the program with exit status 0; Escape does not close it. RELIEVO_SCALE scales it.
-class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, private SolverPanel, public CommandHost {
+class CImageViewUI : public Fl_Window,
+                     public ModelDisplay,
+                     public ViewHost,
+                     private SolverPanel,
+                     public CommandHost,
+                     private HistoryHost {
  public:
   using Tool = CToolButtons::Tool;
 
@@ -55,6 +62,7 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   CHelpLine& HelpLine() { return *m_pHelpLine; }
   CSolverControl& Solver() { return m_Solver; }
   CGridCommands& Commands() { return m_Commands; }
+  CEditHistory& History() { return m_History; }
   Fl_Widget& Widget(Control control) { return m_Controls.Widget(control); }
 
   /// What is kept from run to run about files lies in `folder`; without this call nothing is.
@@ -147,6 +155,9 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   void ShowHelpLine(bool show);
   static void cb_m_pbtnSwitchHR_LR(Fl_Widget* widget, void* data);
 
+  /// Shows what is in the window of a model that is another one: label, marks, read-outs, help.
+  void ShowModel();
+
   // ImageViewUIFiles.cpp: files.
   void OpenWaitingFiles();
   /// What was open last, as the menu "Open Recent" offers it from now on.
@@ -154,6 +165,18 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   void OpenRecent(std::size_t place);
   /// `text` is what the desktop hands over.
   void OpenDropped(std::string_view text);
+
+  // ImageViewUIHistory.cpp: steps back and forward.
+  void RequestStep(UserStep step);
+  void RefreshSteps();
+  void ShowPendingCurve();
+  bool IsDragging() const override;
+  bool IsTyping() const override;
+  CSurroundings Surroundings() const override;
+  CProject Work() const override;
+  void StepTaken(const CTakenStep& step) override;
+  void StepFailed() override;
+  static int cb_UnusedEvent(int event);
 
   // For the solver control and the commands.
   void ShowSolverRunning(bool running) override;
@@ -170,6 +193,7 @@ class CImageViewUI : public Fl_Window, public ModelDisplay, public ViewHost, pri
   UserDialogs& m_Dialogs;
   CSolverControl m_Solver;
   CGridCommands m_Commands;
+  CEditHistory m_History;
   CEditingHost m_GridHost;
   CWindowServices m_Services;
   CGrid* m_pGrid = nullptr;

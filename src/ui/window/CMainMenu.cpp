@@ -12,9 +12,9 @@
 
 namespace {
 
-/// A menu with its title, the end of the innermost open menu, an entry, a command for each of ModelFormats() with a
-/// line below the last one, or the menu of what was open last.
-enum class RowKind { Menu, End, Command, Toggle, Checked, Radio, CheckedRadio, Formats, RecentFiles };
+/// A menu with its title, the end of the innermost open menu, an entry, another key for one, a command for each of
+/// ModelFormats() with a line below the last one, or the menu of what was open last.
+enum class RowKind { Menu, End, Command, Toggle, Checked, Radio, CheckedRadio, OtherKey, Formats, RecentFiles };
 
 struct CMenuRow {
   RowKind m_Kind;
@@ -75,6 +75,11 @@ constexpr auto kRows = std::to_array<CMenuRow>({
   {Radio, "&No Wavelet Transformation", 0, MenuEntry::NoWavelets},
   {End, nullptr, 0, {}},
   {End, nullptr, 0, {}},
+  {Menu, "Edi&t", 0, {}},
+  {Command, "&Undo", FL_CTRL + 'z', MenuEntry::Undo},
+  {Command, "&Redo", FL_CTRL + FL_SHIFT + 'z', MenuEntry::Redo},
+  {OtherKey, "&Redo", FL_CTRL + 'y', MenuEntry::Redo},
+  {End, nullptr, 0, {}},
   {End, nullptr, 0, {}},
 });
 // clang-format on
@@ -90,6 +95,8 @@ int FlagsOf(RowKind kind) {
       return FL_MENU_TOGGLE | FL_MENU_VALUE;
     case Radio:
       return FL_MENU_RADIO;
+    case OtherKey:
+      return FL_MENU_INVISIBLE;
     case CheckedRadio:
       return FL_MENU_RADIO | FL_MENU_VALUE;
     default:
@@ -125,6 +132,7 @@ CMainMenu::CMainMenu(int x, int y, int w, int h, Action chosen) : Fl_Menu_Bar(x,
 void CMainMenu::BuildItems() {
   const std::span<const CModelFormat> formats = ModelFormats();
   m_auIndices.resize(static_cast<std::size_t>(WriteEntry(formats.size())));
+  m_asTexts.resize(m_auIndices.size());
   for (const CMenuRow& row : kRows) {
     switch (row.m_Kind) {
       case End:
@@ -140,6 +148,10 @@ void CMainMenu::BuildItems() {
         break;
       case RecentFiles:
         AddRecent(row.m_pText);
+        break;
+      case OtherKey:
+        m_aItems.push_back(MakeItem(row.m_pText, row.m_iShortcut, FlagsOf(row.m_Kind)));
+        m_aItems.back().callback(cb_Item, static_cast<long>(row.m_Entry));
         break;
       default:
         AddEntry(row.m_Entry, MakeItem(row.m_pText, row.m_iShortcut, FlagsOf(row.m_Kind)));
@@ -193,6 +205,12 @@ void CMainMenu::SetChecked(MenuEntry entry, bool checked) {
   }
 }
 
+void CMainMenu::SetText(MenuEntry entry, const std::string& text) {
+  std::string& kept = m_asTexts[static_cast<std::size_t>(entry)];
+  kept = text;
+  Item(entry).text = kept.c_str();
+}
+
 void CMainMenu::Enable(MenuEntry entry, bool enable) {
   if (enable) {
     Item(entry).activate();
@@ -201,17 +219,23 @@ void CMainMenu::Enable(MenuEntry entry, bool enable) {
   }
 }
 
+bool CMainMenu::TakeShortcut() {
+  if (m_BeforeKeys) m_BeforeKeys();
+  const int pressed = (Fl::event_state() & kModifiers) | Fl::event_key();
+  for (Fl_Menu_Item& item : m_aItems) {
+    if (item.text == nullptr || item.shortcut_ != pressed) continue;
+    if (item.active() != 0) picked(&item);
+    return true;
+  }
+  return false;
+}
+
 int CMainMenu::handle(int event) {
   const bool opens = event == FL_PUSH || (event == FL_SHORTCUT && (Fl::event_state() & kModifiers) == FL_ALT);
   if (opens && m_BeforeOpening) m_BeforeOpening();
   if (event != FL_SHORTCUT) return Fl_Menu_Bar::handle(event);
+  if (TakeShortcut()) return 1;
   const int modifiers = Fl::event_state() & kModifiers;
-  const int pressed = modifiers | Fl::event_key();
-  for (Fl_Menu_Item& item : m_aItems) {
-    if (item.text == nullptr || item.shortcut_ != pressed) continue;
-    if (item.active() != 0) picked(&item);
-    return 1;
-  }
   if (modifiers == FL_ALT && IsDigit(Fl::event_key()) && m_DigitsTaken && m_DigitsTaken()) return 1;
   // Titles of menus. The toolkit would also try the entries, and take some with modifiers that they do not have.
   return modifiers == FL_ALT ? Fl_Menu_Bar::handle(event) : 0;

@@ -47,6 +47,8 @@ enum class MenuEntry {
   Recent,  ///< what was open last; there is an entry for each of CRecentFiles::kMost
   ClearRecent = Recent + CRecentFiles::kMost,
   Quit,
+  Undo,
+  Redo,
   Write,  ///< the model in the first of ModelFormats(); those of the others follow
 };
 
@@ -77,6 +79,8 @@ class CMainMenu : public Fl_Menu_Bar {
   void SetChecked(MenuEntry entry, bool checked);
   bool IsActive(MenuEntry entry) const { return Item(entry).active() != 0; }
   void Enable(MenuEntry entry, bool enable);
+  /// Another text, in which "&" marks the shortcut.
+  void SetText(MenuEntry entry, const std::string& text);
   /// As if the user had chosen the entry, even if it is inactive.
   void Choose(MenuEntry entry) { picked(&Item(entry)); }
 
@@ -86,8 +90,12 @@ class CMainMenu : public Fl_Menu_Bar {
   /// Shows these in "Open Recent", at most CRecentFiles::kMost of them, with their texts as they are. Not while a menu
   /// is open.
   void SetRecent(const std::vector<CRecentText>& recent);
-  /// `action` is called before a menu opens.
+  /// `action` is called before a menu opens; before a key is looked for among the entries.
   void BeforeOpening(std::function<void()> action) { m_BeforeOpening = std::move(action); }
+  void BeforeKeys(std::function<void()> action) { m_BeforeKeys = std::move(action); }
+  /// Performs the entry that the key just typed belongs to; false where there is none. The titles are left alone, so
+  /// that a key which another window has not used may be offered.
+  bool TakeShortcut();
 
   int handle(int event) override;
 
@@ -102,8 +110,10 @@ class CMainMenu : public Fl_Menu_Bar {
   Action m_Chosen;
   std::function<bool()> m_DigitsTaken;
   std::function<void()> m_BeforeOpening;
+  std::function<void()> m_BeforeKeys;
   std::vector<std::string> m_asRecent;   ///< labels of what was open last
   std::size_t m_uRecentTitle = 0;        ///< place of "Open Recent" among the items
   std::vector<Fl_Menu_Item> m_aItems;    ///< as the toolkit wants them, with titles and ends of menus
   std::vector<std::size_t> m_auIndices;  ///< of the entries among the items
+  std::vector<std::string> m_asTexts;    ///< of entries that have been given another, by entry
 };

@@ -162,6 +162,10 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       return m_Services.m_ShowDrawingOptions();
     case MenuEntry::NewWavelets:
       return m_pGridView->SelectWaveletMode(WaveletMode::New);
+    case MenuEntry::Undo:
+      return RequestStep(UserStep::Undo);
+    case MenuEntry::Redo:
+      return RequestStep(UserStep::Redo);
     case MenuEntry::SimpleWavelets:
       return m_pGridView->SelectWaveletMode(WaveletMode::Simple);
     default:
@@ -308,7 +312,7 @@ void CImageViewUI::PictureTaken(const CProjectPicture& picture) {
 
 std::string CImageViewUI::TextureFile() const { return m_pImageView->TextureFileName(); }
 
-void CImageViewUI::GridReplaced() {
+void CImageViewUI::ShowModel() {
   m_pbtnSwitchHR_LR->label(g_bHighRes == 1 ? "Switch to LR" : "Switch to HR");
   const WaveletMode mode = m_pGrid->Surface().Mode();
   m_pMenu->SetChecked(mode == WaveletMode::New      ? MenuEntry::NewWavelets
@@ -319,6 +323,10 @@ void CImageViewUI::GridReplaced() {
   RefreshReadOuts();
   m_pHelpLine->SetCurrentHelp(CurrentHelp());
   Relayout();
+}
+
+void CImageViewUI::GridReplaced() {
+  ShowModel();
   m_pGridView->ResetCamera();
   RequestRedraw();
   m_Tools.GridReplaced();

@@ -46,10 +46,14 @@ constexpr std::array kPictureKeys{CKeyStroke{FL_Enter, 0, "\r"},
                                   CKeyStroke{FL_Delete, 0, ""},
                                   CKeyStroke{'=', 0, "="},
                                   CKeyStroke{'-', 0, "-"},
-                                  CKeyStroke{FL_BackSpace, 0, "\b"}};
-constexpr std::array kScissorsKeys{CKeyStroke{FL_Enter, 0, "\r"}, CKeyStroke{FL_Enter, FL_CTRL, "\r"},
-                                   CKeyStroke{'=', FL_CTRL, "="}, CKeyStroke{'-', FL_CTRL, "-"},
-                                   CKeyStroke{FL_BackSpace, 0, "\b"}};
+                                  CKeyStroke{FL_BackSpace, 0, "\b"},
+                                  CKeyStroke{'z', FL_CTRL, "\032"},
+                                  CKeyStroke{'z', FL_CTRL, "\032"},
+                                  CKeyStroke{'z', FL_CTRL | FL_SHIFT, "\032"},
+                                  CKeyStroke{'y', FL_CTRL, "\031"}};
+constexpr std::array kScissorsKeys{CKeyStroke{'z', FL_CTRL, "\032"},    CKeyStroke{FL_Enter, 0, "\r"},
+                                   CKeyStroke{FL_Enter, FL_CTRL, "\r"}, CKeyStroke{'=', FL_CTRL, "="},
+                                   CKeyStroke{'-', FL_CTRL, "-"},       CKeyStroke{FL_BackSpace, 0, "\b"}};
 
 bool IsTool(const Fl_Window& window, const Fl_Window& main) {
   return &window != &main && window.parent() == nullptr && window.border() != 0 && window.modal() == 0;

@@ -13,7 +13,7 @@
 namespace {
 
 // Middle of each title from the left edge, and of all from the upper one.
-constexpr std::array kTitles{20, 79, 152, 247, 350};
+constexpr std::array kTitles{20, 79, 152, 247, 350, 416};
 constexpr int kTitleHeight = 10;
 
 // How the toolkit shows text that a paste will replace.

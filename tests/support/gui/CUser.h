@@ -9,7 +9,7 @@
 #include "ui/window/Controls.h"
 
 /// Titles of the menu bar, from left to right.
-enum class MenuTitle : std::size_t { File, ImageView, ModelView, Shoot, Advanced };
+enum class MenuTitle : std::size_t { File, ImageView, ModelView, Shoot, Advanced, Edit };
 
 /// Somebody at the running program, with a mouse, a keyboard and a clipboard, who looks at what each step has done
 /// before the next one: a step ends when the program rests. The main window must keep its first size.
