@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/BmpBuilders.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
 #include "support/GridCommandsTest.h"

@@ -63,7 +63,6 @@ const auto kEntries = std::to_array<CExpectedEntry>({
   {"A&dvanced/&Way of convergence/&No Wavelet Transformation", MenuEntry::NoWavelets, 0, Radio},
   {"Edi&t/&Undo", MenuEntry::Undo, kCtrl | 'z', Command},
   {"Edi&t/&Redo", MenuEntry::Redo, kCtrl | kShift | 'z', Command},
-  {"Edi&t/&Redo", MenuEntry::Redo, kCtrl | 'y', Command},
 });
 
 struct CFlag {

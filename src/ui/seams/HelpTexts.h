@@ -76,8 +76,8 @@ enum Index : int {
   kSaved = 29,
   kNoFileDropped = 30,
   kUnsavedWork = 31,  ///< when work of an earlier run was changed last that no file holds
-  kStepUndone = 32,  ///< what has been taken back
-  kStepRedone = 33,  ///< what has been done again
+  kStepUndone = 32,   ///< what has been taken back
+  kStepRedone = 33,   ///< what has been done again
   kStepFailed = 34,
 };
 }  // namespace HelpText
