@@ -361,7 +361,8 @@ TEST(EditHistoryTest, AnAnswerWithConstraintsToExportIsOneStep) {
   answer.m_Attributes.m_bLeftAutoBump = true;
   answer.m_Attributes.m_aAutoBumps[0] = {1.0, 20.0};
   answer.m_bExport = true;
-  test.m_Commands.SetServices({{}, {}, {}, {}, [&](const CContourAttributes&, bool) { return answer; }});
+  test.m_Services.m_AskContourAttributes = [&](const CContourAttributes&, bool) { return answer; };
+  test.m_Commands.SetServices(test.m_Services);
   const std::size_t points = test.Grid().Constraints().Points().size();
   const CDocument before = test.Grid().Document();
   test.m_Commands.EditCurveAttributes(4, 22, kTear);

@@ -146,8 +146,9 @@ TEST_F(SurfaceStepsTest, WhatElseHasStoppedTheSolverStands) {
 
 TEST_F(SurfaceStepsTest, ALoadThatLeavesTheModelIsNone) {
   m_Test.m_CommandHost.m_File = "none.grid";
-  GridFileState state = GridFileState::NotOpened;
-  m_Test.m_Commands.SetServices({{}, [&](CGrid&, const std::string&) { return state; }, {}, {}, {}});
+  const GridFileState state = GridFileState::NotOpened;
+  m_Test.m_Services.m_LoadGrid = [&](CGrid&, const std::string&) { return state; };
+  m_Test.m_Commands.SetServices(m_Test.m_Services);
   m_Test.m_Commands.Request(Operation::kLoadGrid);
   EXPECT_EQ(m_Test.Count(), 0U);
   EXPECT_FALSE(m_Test.m_History.CanUndo());
@@ -155,14 +156,11 @@ TEST_F(SurfaceStepsTest, ALoadThatLeavesTheModelIsNone) {
 
 TEST_F(SurfaceStepsTest, ALoadedModelIsTakenBack) {
   m_Test.m_CommandHost.m_File = "some.grid";
-  m_Test.m_Commands.SetServices({{},
-                                 [](CGrid& grid, const std::string&) {
-                                   grid.Initialize(1, false, 0, 0, 3, 3);
-                                   return GridFileState::Whole;
-                                 },
-                                 {},
-                                 {},
-                                 {}});
+  m_Test.m_Services.m_LoadGrid = [](CGrid& grid, const std::string&) {
+    grid.Initialize(1, false, 0, 0, 3, 3);
+    return GridFileState::Whole;
+  };
+  m_Test.m_Commands.SetServices(m_Test.m_Services);
   m_Test.m_Commands.Request(Operation::kLoadGrid);
   EXPECT_EQ(m_Test.m_History.UndoName(), "Load Grid");
   m_Test.Undo();

@@ -53,7 +53,8 @@ class BlankDisplay : public ModelDisplay {
 struct CTestHistory {
   CTestHistory() {
     m_Commands.AttachGrid(Grid());
-    m_Commands.SetServices({[this](const CGrid&) { return m_NewGrid; }, {}, {}, {}, {}});
+    m_Services.m_AskNewGrid = [this](const CGrid&) { return m_NewGrid; };
+    m_Commands.SetServices(m_Services);
     m_GridHost.AttachGrid(Grid());
     m_GridHost.AttachHistory(m_History);
     m_History.AttachGrid(Grid());
@@ -90,6 +91,7 @@ struct CTestHistory {
   RecordingHistoryHost m_Host;
   double m_fTime = 0.0;
   std::optional<CGridParameters> m_NewGrid;
+  CModelServices m_Services;
   CGridCommands m_Commands{m_CommandHost, m_Test.m_Solver};
   CEditHistory m_History{m_Host, m_Test.m_Solver, [this] { return m_fTime; }};
   CEditingHost m_GridHost{m_Display, m_Test.m_Solver, m_Commands};
