@@ -134,7 +134,7 @@ class CGridCommands {
   enum class Chooser { Grid, Project, UnsavedWork };
   /// A code that waits, with the file that it is about; where that has no name the user is asked.
   struct CRequest {
-    Operation m_Operation;
+    Operation m_Operation = Operation::kNone;
     CModelName m_File;
     Chooser m_Chooser = Chooser::Grid;
   };

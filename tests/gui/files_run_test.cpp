@@ -174,10 +174,13 @@ TEST_F(FilesRunTest, WithoutAPlaceToRememberTheProgramWorksAndSaysSoOnce) {
 // Projects.
 
 TEST_F(FilesRunTest, AProjectIsSavedAgainOpenedAgainAndNamedLikeAModel) {
+  WriteText(File("a.relievo"), "theirs");
   Start({File("a.grid"), File("a.bmp")});
   m_pUser->ChooseEntry(MenuTitle::File, 7);
-  ASSERT_TRUE(m_pUser->ChooseFile("please input project file name", File("a.relievo")));
-  ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(File("a.relievo")); }));
+  ASSERT_TRUE(m_pUser->OpenedChooser("please input project file name").has_value());
+  PressKey("Return");
+  ASSERT_TRUE(WaitUntil([&] { return BytesOf(File("a.relievo")).starts_with("PK"); }));
+  EXPECT_EQ(BytesOf(File("a.relievo~")), "theirs");
   EXPECT_TRUE(Quits());
   for (const Arguments& names : {Arguments{}, Arguments{File("a.relievo")}}) {
     Start(names);
