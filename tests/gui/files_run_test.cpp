@@ -214,6 +214,16 @@ TEST_F(FilesRunTest, DroppedFilesOpen) {
   EXPECT_TRUE(m_pUser->Reads(File(kStrange) + " is saved"));
 }
 
+TEST_F(FilesRunTest, TakingALoadBackBringsTheNameBack) {
+  Start({File("a.grid")});
+  ASSERT_TRUE(Drop(UriOf(File(kStrange)) + "\r\n"));
+  ASSERT_TRUE(WaitUntil([this] { return Loads() == 2; }) && m_pProgram->Rests());
+  PressKey("ctrl+z");
+  ASSERT_TRUE(m_pProgram->Rests());
+  PressKey("ctrl+s");
+  EXPECT_TRUE(m_pUser->Reads(File("a.grid") + " is saved"));
+}
+
 TEST_F(FilesRunTest, TheyMayBeDroppedAnywhereInTheWindow) {
   Start();
   CDragSource source("text/uri-list", UriOf(File("a.bmp")) + "\r\n");
