@@ -1,10 +1,13 @@
 // The program itself, started as a user would.
 
 #include <csignal>
+#include <memory>
+#include <string>
 
 #include <sys/stat.h>
 
 #include "batch/BatchTest.h"
+#include "formats/ProjectFile.h"
 
 namespace {
 
@@ -16,6 +19,24 @@ TEST_F(Batch, SavesWithoutIteratingWhatTheModelItselfWouldSave) {
   ASSERT_EQ(Run("model.grid --iterations 0 --save batch.grid"), 0);
   EXPECT_EQ(Bytes("batch.grid"), Bytes("window.grid"));
   EXPECT_EQ(Bytes("batch.grid"), Bytes("model.grid"));
+}
+
+TEST_F(Batch, TakesAProjectWithItsPhotographLikeAModel) {
+  CTestGrid window;
+  window.m_Grid.Load(Path("model.grid"));
+  window.m_Grid.PerformPendingWork();
+  CProject project;
+  project.m_Model = window.m_Grid.State();
+  project.m_Heights = SolvedHeights(window.m_Grid);
+  project.m_Picture = {"/tmp/small.bmp", {}, std::make_shared<const std::string>(SmallBitmap())};
+  ASSERT_TRUE(SaveProject(project, Path("model.relievo")));
+  ASSERT_EQ(Run("model.relievo --iterations 0 --save batch.grid --vrml scene.wrl"), 0) << Bytes("err");
+  EXPECT_EQ(Bytes("batch.grid"), Bytes("model.grid"));
+  EXPECT_EQ(Bytes("picture.jpg").substr(0, 2), "\xFF\xD8");
+  EXPECT_EQ(Run("model.relievo --image picture.jpg --vrml other.wrl"), 2) << "of two photographs that named is taken";
+  std::filesystem::resize_file(Path("model.relievo"), 500);
+  EXPECT_EQ(Run("model.relievo --save batch.grid"), 2);
+  EXPECT_NE(Bytes("err").find("The file model.relievo is not a project file"), std::string::npos) << Bytes("err");
 }
 
 TEST_F(Batch, TearsUpToTheBorderWithAPictureAsWithout) {

@@ -70,7 +70,7 @@ class RecoveryRunTest : public ::testing::Test {
     const std::vector<std::string> lines = m_Program->ConsoleLines();
     return std::ranges::any_of(lines, [](const std::string& line) { return line.starts_with("Unsaved work of "); });
   }
-  void Recover() const {
+  void Recover() {
     m_User->ChooseEntry(MenuTitle::File, kRecoverWork);
     const std::optional<WindowId> list = m_Program->WaitForWindow("Recover Unsaved Work");
     ASSERT_TRUE(list.has_value());
@@ -80,7 +80,7 @@ class RecoveryRunTest : public ::testing::Test {
     m_Program->Rests();
   }
   /// The heights that the program has now, by way of a saved grid file.
-  std::size_t Present() const {
+  std::size_t Present() {
     const fs::path file = m_Program->Directory() / "present.relievo";
     fs::remove(file);
     m_User->ChooseEntry(MenuTitle::File, 7);

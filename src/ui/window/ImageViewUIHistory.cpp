@@ -56,7 +56,10 @@ void CImageViewUI::StepTaken(const CTakenStep& step) {
     if (step.m_bRectangleChanged) m_pGridView->SetCamera(step.m_pRestored->m_Camera);
     m_Commands.Files().SetModel(step.m_pRestored->m_Name);
     m_Tools.GridReplaced();
-    if (step.m_pRestored->m_pWork != nullptr) ShowProject(*step.m_pRestored->m_pWork);
+    if (step.m_pRestored->m_pWork != nullptr) {
+      ShowProject(*step.m_pRestored->m_pWork);
+      if (m_Commands.Recovery().m_SteppedOver) m_Commands.Recovery().m_SteppedOver();
+    }
   }
   if (step.m_bLightsChanged) LightsMoved();
   ShowPendingCurve();

@@ -18,6 +18,9 @@ constexpr int kTitleHeight = 10;
 
 // How the toolkit shows text that a paste will replace.
 constexpr CRgb kMarkedText{0, 0, 128};
+constexpr CRgb kPaper{255, 255, 255};
+// A field shows its paper for the most part; a window that is being moved or drawn may show anything.
+constexpr int kFieldPaper = 3000;
 
 }  // namespace
 
@@ -104,7 +107,11 @@ bool CUser::ChooseFile(const std::string& title, const std::filesystem::path& fi
   if (!chooser.has_value()) return false;
   const CClipboard clipboard(m_Program.Screen(), file.string());
   PressKey("ctrl+v");
-  if (!WaitUntil([&] { return SeeName(*chooser).Count(kMarkedText) == 0; })) return false;
+  const auto holdsPlainText = [&] {
+    const CScreenshot name = SeeName(*chooser);
+    return name.Count(kMarkedText) == 0 && name.Count(kPaper) > kFieldPaper;
+  };
+  if (!WaitUntil(holdsPlainText)) return false;
   PressKey("Return");
   return IsGone(*chooser);
 }
