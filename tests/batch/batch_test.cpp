@@ -33,7 +33,7 @@ TEST_F(Batch, TakesAProjectWithItsPhotographLikeAModel) {
   ASSERT_EQ(Run("model.relievo --iterations 0 --save batch.grid --vrml scene.wrl"), 0) << Bytes("err");
   EXPECT_EQ(Bytes("batch.grid"), Bytes("model.grid"));
   EXPECT_EQ(Bytes("picture.jpg").substr(0, 2), "\xFF\xD8");
-  EXPECT_EQ(Run("model.relievo --image picture.jpg --vrml other.wrl"), 2) << "of two photographs that named is taken";
+  EXPECT_EQ(Run("model.relievo --image missing.bmp --vrml other.wrl"), 2) << "of two photographs that named is taken";
   std::filesystem::resize_file(Path("model.relievo"), 500);
   EXPECT_EQ(Run("model.relievo --save batch.grid"), 2);
   EXPECT_NE(Bytes("err").find("The file model.relievo is not a project file"), std::string::npos) << Bytes("err");

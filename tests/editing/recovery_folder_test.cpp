@@ -13,6 +13,7 @@
 
 #include "editing/CRecoveryFolder.h"
 #include "support/BmpBuilders.h"
+#include "support/CFullDisk.h"
 #include "support/CTemporaryDirectory.h"
 
 namespace {
@@ -147,6 +148,22 @@ TEST_F(RecoveryFolderTest, WhatCannotBeWrittenLeavesWhatThereWas) {
       EXPECT_EQ(ReadBytes(entry.path()), Bytes("one"));
     }
   }
+}
+
+TEST_F(RecoveryFolderTest, AFullDiskLeavesTheOldFileWholeAndNothingElse) {
+  CRecoveryFolder program(m_Folder);
+  ASSERT_TRUE(program.Write(Bytes("one")));
+  {
+    const CFullDisk full(100);
+    EXPECT_FALSE(program.Write(CBytes(10'000, 'x')));
+  }
+  EXPECT_EQ(Count(".part"), 0U);
+  for (const auto& entry : fs::directory_iterator(m_Folder)) {
+    if (entry.path().extension() == ".relievo") {
+      EXPECT_EQ(ReadBytes(entry.path()), Bytes("one"));
+    }
+  }
+  EXPECT_TRUE(program.Write(Bytes("two")));
 }
 
 // What programs have left that were ended while they wrote.
