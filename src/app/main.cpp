@@ -81,13 +81,13 @@ int main(int argc, char** argv) {
 
   CGrid grid(static_cast<std::uint32_t>(std::time(nullptr)));
   CImageViewUI window(RegisterSolverTimer);
-  window.KeepFilesIn(StateFolder());
+  window.Files().KeepIn(StateFolder());
   window.show();
   window.AttachGrid(grid);
   const CToolSet tools(window, grid);
   CRecoveryTool recovery(window, grid, StateFolder());
   ending.m_pRecovery = &recovery;
-  window.OpenFilesNow(commandLine.m_Files);
+  window.Commands().OpenNow(commandLine.m_Files);
   RegisterSolverTimer(grid);
   // The end comes from the window's callback.
   for (;;) Fl::wait();

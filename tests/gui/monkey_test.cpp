@@ -64,7 +64,7 @@ class MonkeyTest : public ::testing::Test {
     m_Dialogs.ReportTo(m_Log);
     // As far as it gets, the end of the program is left out.
     m_Window.callback([](Fl_Widget*, void*) {});
-    m_Window.KeepFilesIn(m_State.Path());
+    m_Window.Files().KeepIn(m_State.Path());
     m_Window.show();
     m_Window.AttachGrid(m_Grid);
     RegisterSolverTimer(m_Grid);

@@ -21,8 +21,6 @@
 
 namespace {
 
-int Scaled(int length, double scale) { return static_cast<int>(std::lround(length * scale)); }
-
 // The toolkit remembers the last key typed, so a click on the title bar may find Escape as the key: the event must be
 // one of the keyboard, too.
 bool IsEscapeTyped() {
@@ -44,31 +42,25 @@ bool IsMouseOver(const Fl_Window& view) {
 }  // namespace
 
 CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* dialogs)
-    : Fl_Window(Scaled(kDesignWidth, UiScale()), Scaled(kDesignHeight, UiScale()), "Image View"),
-      m_fScale(UiScale()),
-      m_Dialogs(dialogs != nullptr ? *dialogs : m_ToolkitDialogs),
+    : m_Dialogs(dialogs != nullptr ? *dialogs : m_ToolkitDialogs),
       m_Solver(*this, startTimer),
       m_Commands(*this, m_Solver),
       m_History(*this, m_Solver, CRedrawPacer::SteadySeconds),
       m_GridHost(*this, m_Solver, m_Commands),
-      m_Tools(m_Controls),
+      m_Tools(Controls()),
       m_RedrawPacer(
           [this] {
             RedrawImageView();
             RedrawModelView();
           },
           [this] { return m_Solver.IsRunning(); }, CRedrawPacer::SteadySeconds) {
-  BuildWidgets();
-  end();
   // There they choose the lights that a drag turns.
-  m_pMenu->LeaveDigitsWhile([this] { return Fl::pushed() != nullptr || IsMouseOver(*m_pGridView); });
-  m_pMenu->BeforeOpening([this] {
+  Menu().LeaveDigitsWhile([this] { return Fl::pushed() != nullptr || IsMouseOver(GridView()); });
+  Menu().BeforeOpening([this] {
     RefreshSteps();
     RefreshRecent();
   });
-  m_pMenu->BeforeKeys([this] { RefreshSteps(); });
-  resizable(nullptr);
-  size_range(Scaled(kMinDesignWidth, m_fScale), Scaled(kMinDesignHeight, m_fScale));
+  Menu().BeforeKeys([this] { RefreshSteps(); });
   callback(cb_Window);
   ConnectCallbacks();
   RefreshEnabled();
@@ -86,72 +78,21 @@ CImageViewUI::~CImageViewUI() {
   m_GridHost.Detach();
 }
 
-void CImageViewUI::BuildWidgets() {
-  const auto rect = [](Control control) { return RowOf(control).m_Design; };
-  const auto [x, y, w, h] = rect(Control::MenuBar);
-  m_pMenu = new CMainMenu(x, y, w, h, [this](MenuEntry entry) { Chosen(entry); });
-  const CRect left = rect(Control::ImageView);
-  m_pImageView = new CImageView(left.x, left.y, left.w, left.h);
-  const CRect right = rect(Control::ModelView);
-  m_pGridView = new CGridView(right.x, right.y, right.w, right.h);
-  const CRect line = rect(Control::HelpLine);
-  m_pHelpLine = new CHelpLine(line.x, line.y, line.w, line.h);
-  for (const CControlRow& row : kControls) {
-    Fl_Widget* widget = nullptr;
-    switch (row.m_Kind) {
-      case ControlKind::MenuBar:
-        widget = m_pMenu;
-        break;
-      case ControlKind::ImageView:
-        widget = m_pImageView;
-        break;
-      case ControlKind::ModelView:
-        widget = m_pGridView;
-        break;
-      case ControlKind::HelpLine:
-        widget = m_pHelpLine;
-        break;
-      default:
-        widget = MakeControl(row, *m_pHelpLine);
-    }
-    m_Controls.Add(row, *widget, *this);
-  }
-  static_cast<Fl_Output&>(Widget(Control::CentreName)).value("Center");
-  m_pbtnSwitchHR_LR = &m_Controls.Button(Control::SwitchResolution);
-  m_pbtnSwitchHR_LR->callback(cb_m_pbtnSwitchHR_LR, this);
-}
-
-void CImageViewUI::Relayout() {
-  const CWindowLayout layout = ComputeLayout({w(), h(), m_fScale, ShowsDebugZone(), m_bHelpLine, m_bPictureLoaded});
-  Widget(Control::ResetImageView).label(layout.m_bRoomyReset ? "Reset\nthe 2D view" : "Reset\nthe\n2D view");
-  for (const CControlRow& row : kControls) {
-    const CRect& rect = layout.Of(row.m_Control);
-    Widget(row.m_Control).resize(rect.x, rect.y, rect.w, rect.h);
-  }
-  SetTextSizes(m_Controls.Widgets(), m_fScale);
-  redraw();
-}
-
-void CImageViewUI::resize(int x, int y, int width, int height) {
-  Fl_Window::resize(x, y, width, height);
-  Relayout();
-}
-
 void CImageViewUI::AttachGrid(CGrid& grid) {
   m_pGrid = &grid;
-  m_pImageView->AttachTextures(m_Textures);
-  m_pGridView->AttachTextures(m_Textures);
-  m_pImageView->AttachGrid(grid, *this);
-  m_pGridView->AttachGrid(grid);
-  m_pGridView->AttachHost(*this);
+  ImageView().AttachTextures(m_Textures);
+  GridView().AttachTextures(m_Textures);
+  ImageView().AttachGrid(grid, *this);
+  GridView().AttachGrid(grid);
+  GridView().AttachHost(*this);
   m_GridHost.AttachGrid(grid);
   m_GridHost.AttachHistory(m_History);
   m_History.AttachGrid(grid);
   m_Solver.AttachGrid(grid);
   m_Commands.AttachGrid(grid);
-  m_pGridView->SelectWaveletMode(WaveletMode::New);
-  RefreshReadOuts();
-  m_pGridView->EnableEvents();
+  GridView().SelectWaveletMode(WaveletMode::New);
+  ShowCounts(*m_pGrid);
+  GridView().EnableEvents();
 }
 
 void CImageViewUI::SetServices(CWindowServices services) {
@@ -175,117 +116,56 @@ void CImageViewUI::SetTool(Tool tool, std::unique_ptr<ToolWindow> window) {
 
 void CImageViewUI::RefreshEnabled() {
   const CModelServices& model = m_Services.m_Model;
-  m_pMenu->Enable(MenuEntry::NewGrid, static_cast<bool>(model.m_AskNewGrid));
-  m_pMenu->Enable(MenuEntry::LoadGrid, static_cast<bool>(model.m_LoadGrid));
+  Menu().Enable(MenuEntry::NewGrid, static_cast<bool>(model.m_AskNewGrid));
+  Menu().Enable(MenuEntry::LoadGrid, static_cast<bool>(model.m_LoadGrid));
   for (std::size_t k = 0; k < ModelFormats().size(); ++k)
-    m_pMenu->Enable(WriteEntry(k), m_Commands.CanWrite(ModelFormats()[k]));
-  m_pMenu->Enable(MenuEntry::SaveAgain, m_Commands.CanWrite(ModelFormats().front()));
-  m_pMenu->Enable(MenuEntry::OpenProject, static_cast<bool>(model.m_ReadProject));
-  m_pMenu->Enable(MenuEntry::SaveProject, static_cast<bool>(model.m_SaveProject));
-  m_pMenu->Enable(MenuEntry::RecoverWork, m_Commands.Recovery().m_HasWork && m_Commands.Recovery().m_HasWork());
-  m_pMenu->Enable(MenuEntry::DrawingParameters, static_cast<bool>(m_Services.m_ShowDrawingOptions));
-  m_pMenu->Enable(MenuEntry::ImagePicture, m_bPictureLoaded);
-  m_pMenu->Enable(MenuEntry::ModelTexture, m_bPictureLoaded);
-  m_pMenu->Enable(MenuEntry::FreezeMap, !m_bFreezing);
+    Menu().Enable(WriteEntry(k), m_Commands.CanWrite(ModelFormats()[k]));
+  Menu().Enable(MenuEntry::SaveAgain, m_Commands.CanWrite(ModelFormats().front()));
+  Menu().Enable(MenuEntry::OpenProject, static_cast<bool>(model.m_ReadProject));
+  Menu().Enable(MenuEntry::SaveProject, static_cast<bool>(model.m_SaveProject));
+  Menu().Enable(MenuEntry::RecoverWork, m_Commands.Recovery().m_HasWork && m_Commands.Recovery().m_HasWork());
+  Menu().Enable(MenuEntry::DrawingParameters, static_cast<bool>(m_Services.m_ShowDrawingOptions));
+  Menu().Enable(MenuEntry::ImagePicture, HasPicture());
+  Menu().Enable(MenuEntry::ModelTexture, HasPicture());
+  Menu().Enable(MenuEntry::FreezeMap, !m_bFreezing);
 
-  const EditingMode mode = m_pImageView->Mode();
-  m_Controls.Enable(Control::CurveType, mode != EditingMode::Position && mode != EditingMode::Normal);
-  m_Controls.Enable(Control::LightSources, m_Tools.Has(Tool::LightSources));
-  m_Controls.Enable(Control::Recorder, m_Tools.Has(Tool::Recorder) && !m_bFreezing);
-  m_Controls.Enable(Control::Scissors, m_Tools.Has(Tool::Scissors) && m_bPictureLoaded);
+  const EditingMode mode = ImageView().Mode();
+  Controls().Enable(Control::CurveType, mode != EditingMode::Position && mode != EditingMode::Normal);
+  Controls().Enable(Control::LightSources, m_Tools.Has(Tool::LightSources));
+  Controls().Enable(Control::Recorder, m_Tools.Has(Tool::Recorder) && !m_bFreezing);
+  Controls().Enable(Control::Scissors, m_Tools.Has(Tool::Scissors) && HasPicture());
 }
-
-void CImageViewUI::RefreshReadOuts() {
-  SetNumberOfCells(m_pGrid->Surface().Tree().LeafCount());
-  SetNumberOfPoints(m_pGrid->Surface().ActivePointCount());
-  SetNumberOfConstraints(m_pGrid->Constraints().ActiveCount());
-}
-
-void CImageViewUI::SetNumberIter(int n) {
-  m_Controls.ReadOut(Control::Iterations).value(n);
-  Console() << "CImageViewUI::SetNumberIter(" << n << ")\n";
-}
-
-void CImageViewUI::SetNumberOfConstraints(int n) { m_Controls.ReadOut(Control::ConstraintCount).value(n); }
-
-void CImageViewUI::SetNumberOfCells(int n) { m_Controls.ReadOut(Control::CellCount).value(n); }
-
-void CImageViewUI::SetNumberOfPoints(int n) { m_Controls.ReadOut(Control::PointCount).value(n); }
 
 void CImageViewUI::ShowInterpolation(const CInterpolationTrace& trace) {
-  m_pImageView->ShowInterpolation(trace);
+  ImageView().ShowInterpolation(trace);
   const CTriangleStencil& triangle = trace.m_Triangle;
   constexpr int kNone = -1;
   const bool centre = triangle.IsCentre();
-  m_Controls.ReadOut(Control::FirstNumber).value(centre ? kNone : m_pGrid->Surface().Order().NumberOf(triangle.m_uA));
-  m_Controls.ReadOut(Control::SecondNumber).value(centre ? kNone : m_pGrid->Surface().Order().NumberOf(triangle.m_uB));
-  m_Controls.ReadOut(Control::CentreCoef).value(triangle.m_fCCenter);
-  m_Controls.ReadOut(Control::FirstCoef).value(triangle.m_fCa);
-  m_Controls.ReadOut(Control::SecondCoef).value(triangle.m_fCb);
-}
-
-void CImageViewUI::ProcessEvents() { Fl::check(); }
-
-void CImageViewUI::ShowHelp(HelpText::Index index) { m_pHelpLine->ShowHelp(index); }
-
-void CImageViewUI::RestoreHelp() { m_pHelpLine->RestoreHelp(); }
-
-void CImageViewUI::SetCurrentHelp(HelpText::Index index) { m_pHelpLine->SetCurrentHelp(index); }
-
-void CImageViewUI::ShowMessage(const std::string& text) { m_pHelpLine->ShowMessage(text); }
-
-void CImageViewUI::Tell(const std::string& text) {
-  ShowMessage(text);
-  Console() << text << '\n';
-}
-
-void CImageViewUI::TellSolverGaveUp() { Tell(FormatHelp(HelpText::kSolverGaveUp)); }
-
-void CImageViewUI::TellSolverStopped() { Tell(FormatHelp(HelpText::kSolverStopped)); }
-
-void CImageViewUI::ShowCurveType(CurveType type) {
-  m_Controls.Button(Control::PositionDiscontinuity).value(type == CurveType::kPosition ? 1 : 0);
-  m_Controls.Button(Control::NormalDiscontinuity).value(type == CurveType::kNormal ? 1 : 0);
-  m_Controls.Button(Control::FairnessConstraint).value(type == CurveType::kFairness ? 1 : 0);
+  Controls().ReadOut(Control::FirstNumber).value(centre ? kNone : m_pGrid->Surface().Order().NumberOf(triangle.m_uA));
+  Controls().ReadOut(Control::SecondNumber).value(centre ? kNone : m_pGrid->Surface().Order().NumberOf(triangle.m_uB));
+  Controls().ReadOut(Control::CentreCoef).value(triangle.m_fCCenter);
+  Controls().ReadOut(Control::FirstCoef).value(triangle.m_fCa);
+  Controls().ReadOut(Control::SecondCoef).value(triangle.m_fCb);
 }
 
 void CImageViewUI::EditCurveAttributes(const CPlanePoint& place) {
-  m_Commands.EditCurveAttributes(place.x, place.y, m_pImageView->CurveType());
+  m_Commands.EditCurveAttributes(place.x, place.y, ImageView().CurveType());
 }
-
-void CImageViewUI::RedrawImageView() { m_pImageView->redraw(); }
-
-void CImageViewUI::RedrawModelView() { m_pGridView->redraw(); }
-
-void CImageViewUI::FocusImageView() { m_pImageView->take_focus(); }
 
 void CImageViewUI::LightsMoved() {
   if (m_Services.m_LightsMoved) m_Services.m_LightsMoved();
 }
 
-void CImageViewUI::ShowPointerInside(bool inside) { m_Controls.Button(Control::PointerInside).value(inside ? 1 : 0); }
-
-void CImageViewUI::ShowInfluence(double value) {
-  m_Controls.ReadOut(Control::Influence).value(value);
-  // It lies on top, and is to be drawn after what has changed below it.
-  m_Controls.ReadOut(Control::Level).redraw();
-}
-
-void CImageViewUI::ShowNumber(int number, int levelCode) {
-  m_Controls.ReadOut(Control::PointNumber).value(number);
-  m_Controls.ReadOut(Control::Level).value(levelCode);
-}
-
 void CImageViewUI::ShowSolverRunning(bool running) {
-  m_Controls.Button(running ? Control::ResumeSolver : Control::StopSolver).setonly();
+  Controls().Button(running ? Control::ResumeSolver : Control::StopSolver).setonly();
 }
 
 void CImageViewUI::EnableSolverControls(bool enable) {
-  m_Controls.Enable(Control::SwitchResolution, enable);
-  m_Controls.Enable(Control::SolverRun, enable);
+  Controls().Enable(Control::SwitchResolution, enable);
+  Controls().Enable(Control::SolverRun, enable);
 }
 
-void CImageViewUI::EnableEditing(bool enable) { m_Controls.Enable(Control::LeftPanel, enable); }
+void CImageViewUI::EnableEditing(bool enable) { Controls().Enable(Control::LeftPanel, enable); }
 
 void CImageViewUI::cb_Window(Fl_Widget* widget, void* /*data*/) {
   if (IsEscapeTyped()) {

@@ -5,46 +5,30 @@
 #include <string_view>
 #include <vector>
 
-#include <FL/Fl_Window.H>
-
 #include "drawing/CTextures.h"
 #include "drawing/DisplayFlags.h"
 #include "editing/CEditHistory.h"
 #include "editing/CEditingHost.h"
 #include "editing/CSolverControl.h"
 #include "editing/HistoryHost.h"
-#include "editing/ModelDisplay.h"
 #include "formats/CProject.h"
-#include "ui/seams/ViewHost.h"
-#include "ui/window/CControlSet.h"
-#include "ui/window/CMainMenu.h"
 #include "ui/window/CRedrawPacer.h"
 #include "ui/window/CToolButtons.h"
 #include "ui/window/CToolkitDialogs.h"
+#include "ui/window/CWindowFrame.h"
 #include "ui/window/CWindowServices.h"
 
-class CGridView;
-class CHelpLine;
-class CImageView;
-
-/// The main window: menu, the image view on the left and the model view on the right, two panels of controls below
-/// them, the help line. It shows what becomes of the grid attached to it and is the host of both views.
+/// The main window as it works: it shows what becomes of the grid attached to it, is the host of both views and does
+/// what its menu and its controls are for.
 ///
-/// Closing it ends the program with exit status 0; Escape does not close it. RELIEVO_SCALE scales it.
-class CImageViewUI : public Fl_Window,
-                     public ModelDisplay,
-                     public ViewHost,
-                     private SolverPanel,
-                     public CommandHost,
-                     private HistoryHost {
+/// Closing it ends the program with exit status 0; Escape does not close it.
+class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHost, private HistoryHost {
  public:
   using Tool = CToolButtons::Tool;
 
   /// `dialogs`, if given, must outlive the window; otherwise the questions are the toolkit's.
   explicit CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* dialogs = nullptr);
   ~CImageViewUI() override;
-  CImageViewUI(const CImageViewUI&) = delete;
-  CImageViewUI& operator=(const CImageViewUI&) = delete;
 
   /// Shows `grid` in both views, becomes its display and selects the default wavelet mode. The grid must outlive
   /// the window.
@@ -56,24 +40,14 @@ class CImageViewUI : public Fl_Window,
   void SetTool(Tool tool, std::unique_ptr<ToolWindow> window);
 
   /// Its parts, which live as long as the window.
-  CImageView& ImageView() { return *m_pImageView; }
-  CGridView& GridView() { return *m_pGridView; }
-  CMainMenu& Menu() { return *m_pMenu; }
-  CHelpLine& HelpLine() { return *m_pHelpLine; }
   CSolverControl& Solver() { return m_Solver; }
   CGridCommands& Commands() { return m_Commands; }
   CEditHistory& History() { return m_History; }
-  Fl_Widget& Widget(Control control) { return m_Controls.Widget(control); }
 
-  /// What is kept from run to run about files lies in `folder`; without this call nothing is.
-  void KeepFilesIn(const std::filesystem::path& folder) { m_Commands.Files().KeepIn(folder); }
-  /// Opens a model, a picture or both, once no button is held down and no dialog or menu is open; now, as long as no
-  /// tick of the solver is registered.
+  /// Opens a model, a picture or both, once no button is held down and no dialog or menu is open.
   void OpenFiles(const CWorkFiles& files);
-  void OpenFilesNow(const CWorkFiles& files) { m_Commands.OpenNow(files); }
   CFilesAtHand& Files() { return m_Commands.Files(); }
 
-  void resize(int x, int y, int w, int h) override;
   int handle(int event) override;
 
   // The model.
@@ -82,34 +56,12 @@ class CImageViewUI : public Fl_Window,
   void RequestRedraw() override { m_RedrawPacer.Request(); }
   /// The trace is shown over the picture only, and in its read-outs.
   void ShowInterpolation(const CInterpolationTrace& trace) override;
-  /// Number of iterations done; logged.
-  void SetNumberIter(int n) override;
-  void SetNumberOfConstraints(int n) override;
-  void SetNumberOfCells(int n) override;
-  void SetNumberOfPoints(int n) override;
-  void TellSolverGaveUp() override;
-  void TellSolverStopped() override;
-  void ProcessEvents() override;
 
   // For the views.
 
   void PauseSolverForCommand() override { m_Solver.PauseSolverForCommand(); }
   void ResumeAfterCommand() override { m_Solver.ResumeAfterCommand(); }
-  void ShowHelp(HelpText::Index index) override;
-  void RestoreHelp() override;
-  void SetCurrentHelp(HelpText::Index index) override;
-  void ShowMessage(const std::string& text) override;
-  void Tell(const std::string& text) override;
-  void ShowCurveType(CurveType type) override;
   void EditCurveAttributes(const CPlanePoint& place) override;
-  void RedrawImageView() override;
-  void ImageGridShown() override { m_pMenu->SetChecked(MenuEntry::ImageGrid, true); }
-  void RedrawModelView() override;
-  void FocusImageView() override;
-  bool ShowsDebugZone() const override { return m_Controls.ShowsDebugZone(); }
-  void ShowPointerInside(bool inside) override;
-  void ShowInfluence(double value) override;
-  void ShowNumber(int number, int levelCode) override;
   int CurrentLight() const override { return m_Services.m_CurrentLight ? m_Services.m_CurrentLight() : -1; }
   void LightsMoved() override;
 
@@ -121,12 +73,9 @@ class CImageViewUI : public Fl_Window,
   void Notice(const char* text) override;
 
  private:
-  // CImageViewUI.cpp: what the window is made of.
-  void BuildWidgets();
-  void Relayout();
+  // CImageViewUI.cpp
   /// Activates the controls that have something to work on in the present mode.
   void RefreshEnabled();
-  void RefreshReadOuts();
   static void cb_Window(Fl_Widget* widget, void* data);
   static void cb_PendingWork(void* data);
 
@@ -140,7 +89,7 @@ class CImageViewUI : public Fl_Window,
 
   // ImageViewUICommands.cpp: what its controls do.
   void ConnectCallbacks();
-  void Chosen(MenuEntry entry);
+  void Chosen(MenuEntry entry) override;
   bool FlagChosen(MenuEntry entry);
   void SetEditingMode(EditingMode mode);
   void SetCurveType(CurveType type);
@@ -152,7 +101,6 @@ class CImageViewUI : public Fl_Window,
   void ToggleSelect();
   void ToggleFreeze();
   void ToggleTool(Tool tool);
-  void ShowHelpLine(bool show);
   static void cb_m_pbtnSwitchHR_LR(Fl_Widget* widget, void* data);
 
   /// Shows what is in the window of a model that is another one: label, marks, read-outs, help.
@@ -188,7 +136,6 @@ class CImageViewUI : public Fl_Window,
   void TellSaved(const std::string& file) override;
   void EndDrags() override;
 
-  double m_fScale;
   CToolkitDialogs m_ToolkitDialogs;
   UserDialogs& m_Dialogs;
   CSolverControl m_Solver;
@@ -198,20 +145,13 @@ class CImageViewUI : public Fl_Window,
   CWindowServices m_Services;
   CGrid* m_pGrid = nullptr;
 
-  CControlSet m_Controls;
   CToolButtons m_Tools;
   CTextures m_Textures;
   CRedrawPacer m_RedrawPacer;
-  CMainMenu* m_pMenu = nullptr;
-  CImageView* m_pImageView = nullptr;
-  CGridView* m_pGridView = nullptr;
-  CHelpLine* m_pHelpLine = nullptr;
   Fl_Button* m_pbtnSwitchHR_LR = nullptr;
 
   CWorkFiles m_WaitingFiles;          ///< to be opened
   std::vector<CWorkFiles> m_aRecent;  ///< as the menu shows them
-  bool m_bHelpLine = true;
-  bool m_bPictureLoaded = false;
-  CProjectPicture m_Picture;  ///< where the photograph has come from
+  CProjectPicture m_Picture;          ///< where the photograph has come from
   bool m_bFreezing = false;
 };

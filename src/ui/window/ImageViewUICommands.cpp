@@ -69,13 +69,13 @@ void CImageViewUI::ConnectCallbacks() {
     {Control::NormalTest, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kNormalTest, on); }},
     {Control::Select, [](CImageViewUI& ui, bool) { ui.ToggleSelect(); }},
     {Control::Freeze, [](CImageViewUI& ui, bool) { ui.ToggleFreeze(); }},
-    {Control::ResetImageView, [](CImageViewUI& ui, bool) { ui.m_pImageView->ResetView(); }},
+    {Control::ResetImageView, [](CImageViewUI& ui, bool) { ui.ImageView().ResetView(); }},
     {Control::HorizontalCoefs, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kHorizontalCoefs, on); }},
     {Control::VerticalCoefs, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kVerticalCoefs, on); }},
     {Control::TorsionCells, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kTorsionCells, on); }},
     {Control::ShowLevel, [](CImageViewUI& ui, bool) { ui.CycleLevelTool(); }},
     {Control::TestInterpolation, [](CImageViewUI& ui, bool on) { ui.SetDebugFlag(DebugFlag::kInterpolation, on); }},
-    {Control::ResetModelView, [](CImageViewUI& ui, bool) { ui.m_pGridView->ResetCamera(); }},
+    {Control::ResetModelView, [](CImageViewUI& ui, bool) { ui.GridView().ResetCamera(); }},
     {Control::ResetSolver, [](CImageViewUI& ui, bool) { ui.m_pGrid->Reset(); ui.RedrawModelView(); }},
     {Control::TestWavelets, [](CImageViewUI& ui, bool) { ui.m_pGrid->Surface().TestWavelets(); ui.RedrawModelView(); }},
     {Control::LightSources, [](CImageViewUI& ui, bool) { ui.ToggleTool(Tool::LightSources); }},
@@ -94,18 +94,18 @@ void CImageViewUI::ConnectCallbacks() {
   };
   for (std::size_t k = 0; k < kRows.size(); ++k) Widget(kRows[k].m_Control).callback(perform, static_cast<long>(k));
   // The lamp is on as well while the solver only waits for an edit, and a click then has to stop it for good.
-  m_Controls.Button(Control::StopSolver).when(FL_WHEN_RELEASE | FL_WHEN_NOT_CHANGED);
+  Controls().Button(Control::StopSolver).when(FL_WHEN_RELEASE | FL_WHEN_NOT_CHANGED);
 }
 
 bool CImageViewUI::FlagChosen(MenuEntry entry) {
   for (const CFlagEntry& row : kFlagEntries) {
     if (row.m_Entry != entry) continue;
-    const bool on = m_pMenu->IsChecked(entry);
+    const bool on = Menu().IsChecked(entry);
     if (row.m_bModelView) {
-      m_pGridView->SetFlag(row.m_uFlag, on);
+      GridView().SetFlag(row.m_uFlag, on);
     } else {
-      const std::uint32_t flags = m_pImageView->DisplayFlags();
-      m_pImageView->SetDisplayFlags(on ? flags | row.m_uFlag : flags & ~row.m_uFlag);
+      const std::uint32_t flags = ImageView().DisplayFlags();
+      ImageView().SetDisplayFlags(on ? flags | row.m_uFlag : flags & ~row.m_uFlag);
     }
     if (row.m_bModelView || row.m_bRedrawsBoth) RedrawModelView();
     if (!row.m_bModelView || row.m_bRedrawsBoth) RedrawImageView();
@@ -116,7 +116,7 @@ bool CImageViewUI::FlagChosen(MenuEntry entry) {
 
 void CImageViewUI::Chosen(MenuEntry entry) {
   if (FlagChosen(entry)) {
-    if (entry == MenuEntry::FreezeMap) m_Controls.Show(Control::Freeze, m_pMenu->IsChecked(entry));
+    if (entry == MenuEntry::FreezeMap) Controls().Show(Control::Freeze, Menu().IsChecked(entry));
     return;
   }
   if (entry >= MenuEntry::Recent && entry < MenuEntry::ClearRecent)
@@ -145,51 +145,44 @@ void CImageViewUI::Chosen(MenuEntry entry) {
     case MenuEntry::RecoverWork:
       return m_Commands.RecoverWork();
     case MenuEntry::ShootImage:
-      return Shoot(*this, *m_pImageView, *m_pGridView);
+      return Shoot(*this, ImageView(), GridView());
     case MenuEntry::ShootModel:
-      return Shoot(*this, *m_pGridView, *m_pImageView);
+      return Shoot(*this, GridView(), ImageView());
     case MenuEntry::DebugInterface:
-      m_Controls.ShowDebugZone(m_pMenu->IsChecked(entry));
-      return Relayout();
+      return ShowDebugZone(Menu().IsChecked(entry));
     case MenuEntry::StatusBar:
-      return ShowHelpLine(m_pMenu->IsChecked(entry));
+      return ShowHelpLine(Menu().IsChecked(entry));
     case MenuEntry::SubdivisionColours:
-      g_DrawingSettings.m_bSpecificSubdivisionColours = m_pMenu->IsChecked(entry);
+      g_DrawingSettings.m_bSpecificSubdivisionColours = Menu().IsChecked(entry);
       RedrawImageView();
       return RedrawModelView();
     case MenuEntry::DrawingParameters:
       EndDrags();
       return m_Services.m_ShowDrawingOptions();
     case MenuEntry::NewWavelets:
-      return m_pGridView->SelectWaveletMode(WaveletMode::New);
+      return GridView().SelectWaveletMode(WaveletMode::New);
     case MenuEntry::Undo:
       return RequestStep(UserStep::Undo);
     case MenuEntry::Redo:
       return RequestStep(UserStep::Redo);
     case MenuEntry::SimpleWavelets:
-      return m_pGridView->SelectWaveletMode(WaveletMode::Simple);
+      return GridView().SelectWaveletMode(WaveletMode::Simple);
     default:
-      return m_pGridView->SelectWaveletMode(WaveletMode::None);
+      return GridView().SelectWaveletMode(WaveletMode::None);
   }
 }
 
-void CImageViewUI::ShowHelpLine(bool show) {
-  m_bHelpLine = show;
-  m_Controls.Show(Control::HelpLine, show);
-  Relayout();
-}
-
 void CImageViewUI::SetEditingMode(EditingMode mode) {
-  m_pImageView->SetMode(mode);
+  ImageView().SetMode(mode);
   m_pGrid->CurveEdits().CancelPending();
-  m_pHelpLine->SetCurrentHelp(CurrentHelp());
+  HelpLine().SetCurrentHelp(CurrentHelp());
   redraw();
   RefreshEnabled();
 }
 
 HelpText::Index CImageViewUI::CurrentHelp() const {
-  if ((m_pImageView->DebugFlags() & DebugFlag::kSelectCells) != 0) return HelpText::kSelectCells;
-  switch (m_pImageView->Mode()) {
+  if ((ImageView().DebugFlags() & DebugFlag::kSelectCells) != 0) return HelpText::kSelectCells;
+  switch (ImageView().Mode()) {
     case EditingMode::Position:
       return HelpText::kPositions;
     case EditingMode::Normal:
@@ -202,47 +195,47 @@ HelpText::Index CImageViewUI::CurrentHelp() const {
 }
 
 void CImageViewUI::SetCurveType(CurveType type) {
-  m_pImageView->SetCurveType(type);
+  ImageView().SetCurveType(type);
   RequestRedraw();
 }
 
 void CImageViewUI::SetDebugFlag(std::uint32_t flag, bool on) {
-  const std::uint32_t flags = m_pImageView->DebugFlags();
-  m_pImageView->SetDebugFlags(on ? flags | flag : flags & ~flag);
+  const std::uint32_t flags = ImageView().DebugFlags();
+  ImageView().SetDebugFlags(on ? flags | flag : flags & ~flag);
   UpdateDebugReadOuts();
 }
 
 void CImageViewUI::UpdateDebugReadOuts() {
-  const CDebugReadOuts shown = ReadOutsOf(m_pImageView->DebugFlags());
+  const CDebugReadOuts shown = ReadOutsOf(ImageView().DebugFlags());
   if (!shown.m_bInfluence) ShowInfluence(-1);
-  m_Controls.Show(Control::Influence, shown.m_bInfluence);
-  m_Controls.Show(Control::Level, shown.m_bLevel);
-  m_Controls.Show(Control::PointNumber, shown.m_bPointNumber);
-  m_Controls.Show(Control::PointCount, shown.m_bPointCount);
-  m_Controls.Show(Control::Interpolation, shown.m_bInterpolation);
+  Controls().Show(Control::Influence, shown.m_bInfluence);
+  Controls().Show(Control::Level, shown.m_bLevel);
+  Controls().Show(Control::PointNumber, shown.m_bPointNumber);
+  Controls().Show(Control::PointCount, shown.m_bPointCount);
+  Controls().Show(Control::Interpolation, shown.m_bInterpolation);
   redraw();
   RedrawImageView();
 }
 
 void CImageViewUI::CycleLevelTool() {
-  Fl_Button& button = m_Controls.Button(Control::ShowLevel);
-  const CLevelTool tool = NextLevelTool(m_pImageView->DebugFlags(), button.value() != 0);
-  m_pImageView->SetDebugFlags(tool.m_uDebugFlags);
+  Fl_Button& button = Controls().Button(Control::ShowLevel);
+  const CLevelTool tool = NextLevelTool(ImageView().DebugFlags(), button.value() != 0);
+  ImageView().SetDebugFlags(tool.m_uDebugFlags);
   button.label(tool.m_pLabel);
   button.value(tool.m_bButtonDown ? 1 : 0);
   UpdateDebugReadOuts();
 }
 
 void CImageViewUI::ToggleSelect() {
-  const bool on = m_Controls.Button(Control::Select).value() != 0;
+  const bool on = Controls().Button(Control::Select).value() != 0;
   SetDebugFlag(DebugFlag::kSelectCells, on);
-  m_pHelpLine->SetCurrentHelp(CurrentHelp());
+  HelpLine().SetCurrentHelp(CurrentHelp());
   RequestRedraw();
 }
 
 void CImageViewUI::ToggleFreeze() {
-  m_bFreezing = m_Controls.Button(Control::Freeze).value() != 0;
-  if (m_bFreezing && !m_pMenu->IsChecked(MenuEntry::FreezeMap)) m_pMenu->Choose(MenuEntry::FreezeMap);
+  m_bFreezing = Controls().Button(Control::Freeze).value() != 0;
+  if (m_bFreezing && !Menu().IsChecked(MenuEntry::FreezeMap)) Menu().Choose(MenuEntry::FreezeMap);
   SetDebugFlag(DebugFlag::kFreeze, m_bFreezing);
   if (m_bFreezing) {
     m_Solver.PauseForFreeze();
@@ -285,49 +278,48 @@ void CImageViewUI::Notice(const char* text) {
 
 // A dialog takes the release of the button from the view in which it was pressed.
 void CImageViewUI::EndDrags() {
-  m_pImageView->EndDrag();
-  m_pGridView->EndDrag();
-  if (Fl::pushed() == m_pImageView || Fl::pushed() == m_pGridView) Fl::pushed(nullptr);
+  ImageView().EndDrag();
+  GridView().EndDrag();
+  if (Fl::pushed() == &ImageView() || Fl::pushed() == &GridView()) Fl::pushed(nullptr);
 }
 
 bool CImageViewUI::LoadPicture(const std::string& file) {
-  if (!m_pImageView->LoadImage(file)) return false;
+  if (!ImageView().LoadImage(file)) return false;
   PictureTaken({file, {}, nullptr});
   return true;
 }
 
 void CImageViewUI::PictureTaken(const CProjectPicture& picture) {
   m_Picture = picture;
-  m_bPictureLoaded = true;
   if (m_Tools.IsOpen(Tool::Scissors)) m_Tools.Close(Tool::Scissors);
-  m_Controls.Show(Control::LightSources, true);
+  ShowPictureControls();
   RefreshEnabled();
   for (const MenuEntry entry : {MenuEntry::ImagePicture, MenuEntry::ModelTexture}) {
-    if (!m_pMenu->IsChecked(entry)) m_pMenu->Choose(entry);
+    if (!Menu().IsChecked(entry)) Menu().Choose(entry);
   }
   Relayout();
   RequestRedraw();
   m_Tools.PictureLoaded();
 }
 
-std::string CImageViewUI::TextureFile() const { return m_pImageView->TextureFileName(); }
+std::string CImageViewUI::TextureFile() const { return ImageView().TextureFileName(); }
 
 void CImageViewUI::ShowModel() {
   m_pbtnSwitchHR_LR->label(g_bHighRes == 1 ? "Switch to LR" : "Switch to HR");
   const WaveletMode mode = m_pGrid->Surface().Mode();
-  m_pMenu->SetChecked(mode == WaveletMode::New      ? MenuEntry::NewWavelets
-                      : mode == WaveletMode::Simple ? MenuEntry::SimpleWavelets
-                                                    : MenuEntry::NoWavelets,
-                      true);
-  m_pGridView->ShowWaveletMode(mode);
-  RefreshReadOuts();
-  m_pHelpLine->SetCurrentHelp(CurrentHelp());
+  Menu().SetChecked(mode == WaveletMode::New      ? MenuEntry::NewWavelets
+                    : mode == WaveletMode::Simple ? MenuEntry::SimpleWavelets
+                                                  : MenuEntry::NoWavelets,
+                    true);
+  GridView().ShowWaveletMode(mode);
+  ShowCounts(*m_pGrid);
+  HelpLine().SetCurrentHelp(CurrentHelp());
   Relayout();
 }
 
 void CImageViewUI::GridReplaced() {
   ShowModel();
-  m_pGridView->ResetCamera();
+  GridView().ResetCamera();
   RequestRedraw();
   m_Tools.GridReplaced();
 }

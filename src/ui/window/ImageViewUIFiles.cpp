@@ -34,7 +34,7 @@ void CImageViewUI::OpenWaitingFiles() {
 
 void CImageViewUI::RefreshRecent() {
   m_aRecent = m_Commands.Files().Recent().List();
-  m_pMenu->SetRecent(RecentTexts(m_aRecent));
+  Menu().SetRecent(RecentTexts(m_aRecent));
 }
 
 // A picture that has gone does not keep its model from being opened.

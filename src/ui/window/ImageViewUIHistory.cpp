@@ -30,10 +30,10 @@ void CImageViewUI::RequestStep(UserStep step) {
 }
 
 void CImageViewUI::RefreshSteps() {
-  m_pMenu->SetText(MenuEntry::Undo, StepText("&Undo", m_History.UndoName()));
-  m_pMenu->SetText(MenuEntry::Redo, StepText("&Redo", m_History.RedoName()));
-  m_pMenu->Enable(MenuEntry::Undo, m_History.CanUndo());
-  m_pMenu->Enable(MenuEntry::Redo, m_History.CanRedo());
+  Menu().SetText(MenuEntry::Undo, StepText("&Undo", m_History.UndoName()));
+  Menu().SetText(MenuEntry::Redo, StepText("&Redo", m_History.RedoName()));
+  Menu().Enable(MenuEntry::Undo, m_History.CanUndo());
+  Menu().Enable(MenuEntry::Redo, m_History.CanRedo());
 }
 
 bool CImageViewUI::IsDragging() const { return Fl::pushed() != nullptr; }
@@ -42,7 +42,7 @@ bool CImageViewUI::IsTyping() const {
   return Fl::event() == FL_KEYBOARD || Fl::event() == FL_SHORTCUT || Fl::event() == FL_MOUSEWHEEL;
 }
 
-CSurroundings CImageViewUI::Surroundings() const { return {m_pGridView->Camera(), m_Commands.Files().Model()}; }
+CSurroundings CImageViewUI::Surroundings() const { return {GridView().Camera(), m_Commands.Files().Model()}; }
 
 CProject CImageViewUI::Work() const {
   CProject work;
@@ -53,7 +53,7 @@ CProject CImageViewUI::Work() const {
 void CImageViewUI::StepTaken(const CTakenStep& step) {
   if (step.m_pRestored != nullptr) {
     ShowModel();
-    if (step.m_bRectangleChanged) m_pGridView->SetCamera(step.m_pRestored->m_Camera);
+    if (step.m_bRectangleChanged) GridView().SetCamera(step.m_pRestored->m_Camera);
     m_Commands.Files().SetModel(step.m_pRestored->m_Name);
     m_Tools.GridReplaced();
     if (step.m_pRestored->m_pWork != nullptr) {
@@ -63,17 +63,17 @@ void CImageViewUI::StepTaken(const CTakenStep& step) {
   }
   if (step.m_bLightsChanged) LightsMoved();
   ShowPendingCurve();
-  m_pImageView->DocumentChanged();
-  m_pHelpLine->SetCurrentHelp(CurrentHelp());
+  ImageView().DocumentChanged();
+  HelpLine().SetCurrentHelp(CurrentHelp());
   RequestRedraw();
   Tell(FormatHelp(step.m_bUndone ? HelpText::kStepUndone : HelpText::kStepRedone, {step.m_Name}));
 }
 
 // A curve that another mode had given up goes on in its own.
 void CImageViewUI::ShowPendingCurve() {
-  if (m_pGrid->Constraints().PendingCurve().IsIdle() || m_pImageView->Mode() == EditingMode::Curve) return;
-  m_Controls.Button(Control::CurveConstraint).setonly();
-  m_pImageView->SetMode(EditingMode::Curve);
+  if (m_pGrid->Constraints().PendingCurve().IsIdle() || ImageView().Mode() == EditingMode::Curve) return;
+  Controls().Button(Control::CurveConstraint).setonly();
+  ImageView().SetMode(EditingMode::Curve);
   RefreshEnabled();
 }
 
@@ -84,7 +84,7 @@ int CImageViewUI::cb_UnusedEvent(int event) {
   if (event != FL_SHORTCUT || Fl::modal() != nullptr) return 0;
   for (Fl_Window* window = Fl::first_window(); window != nullptr; window = Fl::next_window(window)) {
     const auto* main = dynamic_cast<CImageViewUI*>(window);
-    if (main != nullptr) return main->m_pMenu->takesevents() != 0 && main->m_pMenu->TakeShortcut() ? 1 : 0;
+    if (main != nullptr) return main->Menu().takesevents() != 0 && main->Menu().TakeShortcut() ? 1 : 0;
   }
   return 0;
 }

@@ -50,16 +50,16 @@ CurveType CurveTypeOf(std::uint32_t bits) {
 }  // namespace
 
 void CImageViewUI::AddTo(CProject& project) const {
-  const CCamera& camera = m_pGridView->Camera();
+  const CCamera& camera = GridView().Camera();
   CProjectViews& views = project.m_Views;
-  views.m_iEditingMode = static_cast<int>(m_pImageView->Mode());
-  views.m_uCurveType = static_cast<std::uint32_t>(m_pImageView->CurveType());
+  views.m_iEditingMode = static_cast<int>(ImageView().Mode());
+  views.m_uCurveType = static_cast<std::uint32_t>(ImageView().CurveType());
   for (const CFlagEntry& row : kFlagEntries) {
-    if (m_pMenu->IsChecked(row.m_Entry)) (row.m_bModelView ? views.m_uModelFlags : views.m_uImageFlags) |= row.m_uFlag;
+    if (Menu().IsChecked(row.m_Entry)) (row.m_bModelView ? views.m_uModelFlags : views.m_uImageFlags) |= row.m_uFlag;
   }
-  views.m_iTexture = m_pGridView->DrawTexture();
+  views.m_iTexture = GridView().DrawTexture();
   views.m_fZoom = g_fZoom;
-  views.m_Pan = m_pImageView->Mapping().PanNow();
+  views.m_Pan = ImageView().Mapping().PanNow();
   views.m_Centre = camera.m_Centre;
   views.m_Eye = camera.m_Eye;
   views.m_Up = camera.m_Up;
@@ -83,31 +83,31 @@ void CImageViewUI::ShowProject(const CProject& project) {
 void CImageViewUI::ShowProjectPicture(const CProjectPicture& picture) {
   const bool none = picture.m_File.empty() && picture.m_pBytes == nullptr;
   if (none || (picture.m_pBytes != nullptr && picture.m_pBytes == m_Picture.m_pBytes)) return;
-  if (m_pImageView->TakePicture(PixelsOf(picture), picture.m_File)) PictureTaken(picture);
+  if (ImageView().TakePicture(PixelsOf(picture), picture.m_File)) PictureTaken(picture);
 }
 
 void CImageViewUI::ShowProjectViews(const CProjectViews& views) {
   for (const CFlagEntry& row : kFlagEntries) {
     const bool on = ((row.m_bModelView ? views.m_uModelFlags : views.m_uImageFlags) & row.m_uFlag) != 0;
-    if (!m_pMenu->IsActive(row.m_Entry) || m_pMenu->IsChecked(row.m_Entry) == on) continue;
-    m_pMenu->SetChecked(row.m_Entry, on);
+    if (!Menu().IsActive(row.m_Entry) || Menu().IsChecked(row.m_Entry) == on) continue;
+    Menu().SetChecked(row.m_Entry, on);
     Chosen(row.m_Entry);
   }
-  m_pImageView->SetZoomAndPan(views.m_fZoom, views.m_Pan);
-  m_pGridView->SetCamera(CameraOf(views, m_pGridView->Camera()));
+  ImageView().SetZoomAndPan(views.m_fZoom, views.m_Pan);
+  GridView().SetCamera(CameraOf(views, GridView().Camera()));
   for (const auto& [control, mode] : kModes) {
     const bool chosen = views.m_iEditingMode == static_cast<int>(mode);
-    m_Controls.Button(control).value(chosen ? 1 : 0);
-    if (chosen) m_pImageView->SetMode(mode);
+    Controls().Button(control).value(chosen ? 1 : 0);
+    if (chosen) ImageView().SetMode(mode);
   }
   const CurveType type = CurveTypeOf(views.m_uCurveType);
-  m_pImageView->SetCurveType(type);
+  ImageView().SetCurveType(type);
   ShowCurveType(type);
-  m_pHelpLine->SetCurrentHelp(CurrentHelp());
+  HelpLine().SetCurrentHelp(CurrentHelp());
   RefreshEnabled();
   const bool computed =
       DrawnTexture::ImageOf(views.m_iTexture).value_or(CTextureImages::kPhotograph) != CTextureImages::kPhotograph;
   if (!computed || !m_pGrid->Relighting().HasTexels()) return;
   m_pGrid->GetKd();
-  m_pGridView->SetDrawTexture(views.m_iTexture);
+  GridView().SetDrawTexture(views.m_iTexture);
 }
