@@ -86,7 +86,7 @@ bool CBatchRun::ReadProjectFile() {
     return false;
   }
   try {
-    m_Grid.RestoreState(read.m_Project->m_Model);
+    CRestoration::RestoreState(m_Grid, read.m_Project->m_Model);
   } catch (const std::bad_alloc&) {
     Complain("The file " + m_Options.m_Model + " needs more memory than there is.");
     return false;

@@ -69,11 +69,11 @@ bool CEditHistory::CanUndo() const {
 CStepState CEditHistory::Present(bool whole, bool work) const {
   CStepState present;
   if (whole) {
-    present = {m_pGrid->State(), m_Host.Surroundings()};
+    present = {StateOf(*m_pGrid), m_Host.Surroundings()};
     if (work) present.m_Surroundings->m_pWork = std::make_shared<const CProject>(m_Host.Work());
     return present;
   }
-  present.m_Model.m_Document = m_pGrid->Document();
+  present.m_Model.m_Document = DocumentOf(*m_pGrid);
   return present;
 }
 
@@ -113,7 +113,7 @@ void CEditHistory::GestureEnds() {
 void CEditHistory::Close(bool typed) {
   const std::optional<COpenStep> step = std::exchange(m_Open, std::nullopt);
   if (!step.has_value()) return;
-  const CDocument after = m_pGrid->Document();
+  const CDocument after = DocumentOf(*m_pGrid);
   const CDocument& before = step->m_Before.m_Model.m_Document;
   const bool another = step->m_Before.ReplacesSurface() && m_pGrid->Surface().Revision() != step->m_uRevision;
   if (!another && after == before) return;
@@ -154,7 +154,7 @@ bool CEditHistory::Continues(const COpenStep& step, const std::optional<CSeries>
 
 void CEditHistory::DropEmptySteps() {
   while (m_Steps.CanUndo() && !m_Steps.UndoState().ReplacesSurface() &&
-         m_Steps.UndoState().m_Model.m_Document == m_pGrid->Document())
+         m_Steps.UndoState().m_Model.m_Document == DocumentOf(*m_pGrid))
     m_Steps.DropUndo();
   m_bUnsettled = false;
 }
@@ -172,11 +172,11 @@ void CEditHistory::Request(UserStep step) {
 
 bool CEditHistory::Restore(const CStepState& state) {
   if (!state.ReplacesSurface()) {
-    m_pGrid->RestoreDocument(state.m_Model.m_Document);
+    CRestoration::RestoreDocument(*m_pGrid, state.m_Model.m_Document);
     return true;
   }
   try {
-    m_pGrid->RestoreState(state.m_Model);
+    CRestoration::RestoreState(*m_pGrid, state.m_Model);
   } catch (const std::bad_alloc&) {
     m_Host.StepFailed();
     return false;

@@ -13,7 +13,7 @@
 
 CProject CGridCommands::Project() const {
   CProject project;
-  project.m_Model = m_pGrid->State();
+  project.m_Model = StateOf(*m_pGrid);
   project.m_Heights = SolvedHeights(*m_pGrid);
   project.m_ModelFile = m_Files.Model().m_File;
   m_Host.AddTo(project);
@@ -85,7 +85,7 @@ bool CGridCommands::OpenProject(const std::string& file, Edit edit) {
   CProject& project = *read.m_Project;
   try {
     m_pGrid->Gate().Do(edit, [&] {
-      m_pGrid->RestoreState(project.m_Model);
+      CRestoration::RestoreState(*m_pGrid, project.m_Model);
       if (edit == Edit::OpenProject) {
         m_Files.ModelOpened({.m_File = file, .m_bProject = true});
       } else {

@@ -34,6 +34,10 @@ void CGrid::SetLight(int index, int type, const CLight& light) {
   m_Gate.Do(Edit::SetLight, [&] { m_Relighting.SetLight(index, type, light); });
 }
 
+void CGrid::AddTracedCurve(std::span<const CPtCstr> points, CurveType type, bool closed) {
+  m_Curves.AddTraced(points, type, closed);
+}
+
 void CGrid::FreeAll() {
   m_Surface.Free();
   m_Constraints.Clear();

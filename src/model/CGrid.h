@@ -12,11 +12,11 @@
 #include "model/CEditGate.h"
 #include "model/CGridBuilder.h"
 #include "model/CGridRun.h"
-#include "model/CModelState.h"
 #include "model/CPointMarks.h"
 #include "model/CPtCstrEdits.h"
 #include "model/CRelighting.h"
 #include "model/CSaveOutcome.h"
+#include "model/CSketch.h"
 #include "model/CSurface.h"
 #include "model/CWantedSubdivisions.h"
 #include "model/Globals.h"
@@ -53,16 +53,6 @@ class CGrid {
   /// constraints and levels of the sketch and `Initialize` due.
   void TakeOver(CSketch sketch);
 
-  /// What the user has made, and all of the model: with both, one comes back to where it was.
-  CDocument Document() const;
-  CModelState State() const;
-  /// Makes a document of the present rectangle, levels and resolution the grid's own, with what was selected in it, and
-  /// posts what that has put out of date: kRebuildMaps, kRebuild, kRestart or nothing. The surface stays.
-  void RestoreDocument(const CDocument& document);
-  /// Replaces the whole model, for which nothing may wait: the surface is the one of the state at once, and stays where
-  /// the solver had done with it. The run flag is the caller's to set. Throws std::bad_alloc with the model as it was.
-  void RestoreState(const CModelState& state);
-
   // The run (see CGridRun) and its ticks (GridUpdate.cpp).
   /// One tick's work: the pending operations, the system as far as it is out of date, ten iterations, the surface.
   /// Allocates nothing unless the system changes.
@@ -98,9 +88,7 @@ class CGrid {
 
   /// Curves (see CCurveEdits).
   void AddCurve(std::span<const CPtCstr> points, CurveType type, bool closed) { m_Curves.Add(points, type, closed); }
-  void AddTracedCurve(std::span<const CPtCstr> points, CurveType type, bool closed) {
-    m_Curves.AddTraced(points, type, closed);
-  }
+  void AddTracedCurve(std::span<const CPtCstr> points, CurveType type, bool closed);
   CurveType PickCurve(double x, double y, CurveType mask) { return m_Curves.Pick(x, y, mask, PickReach()); }
   bool HighlightCurves(double x, double y, CurveType mask) { return m_Curves.Highlight(x, y, mask, PickReach()); }
   void MoveSelectedCurve(double dx, double dy, CurveType mask) { m_Curves.MoveSelected(dx, dy, mask); }
@@ -148,9 +136,7 @@ class CGrid {
 
  private:
   friend struct CStaging;  // of the tests, for states that no operation leads to
-  /// What has been done of what waited.
-  enum class Performed { Nothing, Operations, Step };
-
+  friend class CRestoration;  // makes the values of a model its own
   Performed PerformOperations();
   void Perform(const CPendingRound& round);
   void Dispatch(Operation operation);

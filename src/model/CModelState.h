@@ -38,6 +38,23 @@ struct CModelState {
   std::shared_ptr<const CSolverState> m_pSolver;
 };
 
+class CGrid;
+
+/// What the user has made, and all of the model: with both, one comes back to where it was.
+CDocument DocumentOf(const CGrid& grid);
+CModelState StateOf(const CGrid& grid);
+
+/// Makes such values a grid's own.
+class CRestoration {
+ public:
+  /// For a document of the present rectangle, levels and resolution, with what was selected in it; posts what that has
+  /// put out of date: kRebuildMaps, kRebuild, kRestart or nothing. The surface stays.
+  static void RestoreDocument(CGrid& grid, const CDocument& document);
+  /// Replaces the whole model, for which nothing may wait: the surface is the one of the state at once, and stays where
+  /// the solver had done with it. The run flag is the caller's to set. Throws std::bad_alloc with the model as it was.
+  static void RestoreState(CGrid& grid, const CModelState& state);
+};
+
 /// About how much memory they take.
 std::size_t BytesOf(const CDocument& document);
 std::size_t BytesOf(const CModelState& state);

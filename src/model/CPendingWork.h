@@ -36,6 +36,9 @@ constexpr bool Repeats(Operation operation) {
 /// A step on the way back through what the user has done, or forward again.
 enum class UserStep { None, Undo, Redo };
 
+/// What has been done of what waited.
+enum class Performed { Nothing, Operations, Step };
+
 /// Work in the order in which it is to be done: operations, then a step, if any.
 struct CPendingRound {
   std::vector<Operation> m_aOperations;

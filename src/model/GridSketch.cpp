@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "model/CGrid.h"
+#include "model/CModelState.h"
 #include "model/CSketch.h"
 #include "model/Globals.h"
 
@@ -50,62 +51,64 @@ void CGrid::TakeOver(CSketch sketch) {
   sketch.m_aSubdivisions.back().ApplyTo(m_Wanted.Other());
 }
 
-CDocument CGrid::Document() const {
-  return {Sketch(), m_Relighting.RemovedLights(), m_Relighting.AddedLights(), m_Wanted.SelectedCells()};
+CDocument DocumentOf(const CGrid& grid) {
+  const CRelighting& relighting = grid.Relighting();
+  return {grid.Sketch(), relighting.RemovedLights(), relighting.AddedLights(), grid.Wanted().SelectedCells()};
 }
 
-CModelState CGrid::State() const {
-  CSolverState solver = m_Solver.State();
+CModelState StateOf(const CGrid& grid) {
+  CSolverState solver = grid.Solver().State();
   // Rows that an edit has put out of date are no longer what the iteration is to go on with.
-  if (m_Run.NextOperation() != Operation::kNone) solver.m_iCounter = std::min(solver.m_iCounter, 0);
-  return {Document(), g_iMaxLevel, g_fPickTolerance, std::make_shared<const CSurfaceState>(m_Surface.State()),
+  if (grid.Run().NextOperation() != Operation::kNone) solver.m_iCounter = std::min(solver.m_iCounter, 0);
+  return {DocumentOf(grid), g_iMaxLevel, g_fPickTolerance,
+          std::make_shared<const CSurfaceState>(grid.Surface().State()),
           std::make_shared<const CSolverState>(std::move(solver))};
 }
 
-void CGrid::RestoreDocument(const CDocument& document) {
-  m_Gate.NoteRestored();
+void CRestoration::RestoreDocument(CGrid& grid, const CDocument& document) {
+  grid.m_Gate.NoteRestored();
   const CSketch& sketch = document.m_Sketch;
-  const bool cells =
-      m_Wanted.CurrentBits() != sketch.m_aSubdivisions.front() || m_Wanted.OtherBits() != sketch.m_aSubdivisions.back();
-  const bool maps = cells || m_Constraints.Curves() != sketch.m_Curves;
-  const bool rows = m_Constraints.Points() != sketch.m_Points;
-  const bool numbering = !HaveSameKinds(m_Constraints.Points(), sketch.m_Points);
-  m_Constraints.Restore(sketch);
-  m_Relighting.SetLights(document.m_RemovedLights, document.m_AddedLights);
+  const bool cells = grid.m_Wanted.CurrentBits() != sketch.m_aSubdivisions.front() ||
+                     grid.m_Wanted.OtherBits() != sketch.m_aSubdivisions.back();
+  const bool maps = cells || grid.m_Constraints.Curves() != sketch.m_Curves;
+  const bool rows = grid.m_Constraints.Points() != sketch.m_Points;
+  const bool numbering = !HaveSameKinds(grid.m_Constraints.Points(), sketch.m_Points);
+  grid.m_Constraints.Restore(sketch);
+  grid.m_Relighting.SetLights(document.m_RemovedLights, document.m_AddedLights);
   if (cells) {
-    sketch.m_aSubdivisions.front().ApplyTo(m_Wanted.Current());
-    sketch.m_aSubdivisions.back().ApplyTo(m_Wanted.Other());
-    m_Wanted.Current().SelectNodes(document.m_auSelectedCells);
-    m_Wanted.Current().ShowSelection(m_Surface.Tree());
+    sketch.m_aSubdivisions.front().ApplyTo(grid.m_Wanted.Current());
+    sketch.m_aSubdivisions.back().ApplyTo(grid.m_Wanted.Other());
+    grid.m_Wanted.Current().SelectNodes(document.m_auSelectedCells);
+    grid.m_Wanted.Current().ShowSelection(grid.m_Surface.Tree());
   }
-  if (rows && !maps) m_Constraints.UpdateActivities();
+  if (rows && !maps) grid.m_Constraints.UpdateActivities();
   if (maps) {
-    m_Run.Post(Operation::kRebuildMaps);
+    grid.m_Run.Post(Operation::kRebuildMaps);
   } else if (rows) {
-    m_Run.Post(numbering ? Operation::kRebuild : Operation::kRestart);
+    grid.m_Run.Post(numbering ? Operation::kRebuild : Operation::kRestart);
   }
-  m_Run.Host().ShowConstraints(m_Constraints.ActiveCount());
-  m_Run.Host().RequestRedraw();
+  grid.m_Run.Host().ShowConstraints(grid.m_Constraints.ActiveCount());
+  grid.m_Run.Host().RequestRedraw();
 }
 
-void CGrid::RestoreState(const CModelState& state) {
+void CRestoration::RestoreState(CGrid& grid, const CModelState& state) {
   const CDocument& document = state.m_Document;
-  CLattice& lattice = m_Surface.Lattice();
+  CLattice& lattice = grid.m_Surface.Lattice();
   // What the brush has painted is no part of the document, and stays where it is.
   const bool keep = lattice.Level() == document.m_Sketch.m_iMaxLevel && lattice.Extent() == document.m_Sketch.m_Extent;
   const std::vector<std::size_t> frozen = keep ? FrozenPoints(lattice) : std::vector<std::size_t>();
-  TakeOver(document.m_Sketch);
-  m_Gate.NoteRestored();
+  grid.TakeOver(document.m_Sketch);
+  grid.m_Gate.NoteRestored();
   for (const std::size_t point : frozen) lattice.Set(point, PointFlag::kFrozen);
   g_iMaxLevel = state.m_iNewMaxLevel;
   g_fPickTolerance = state.m_fPickTolerance;
-  m_Relighting.SetLights(document.m_RemovedLights, document.m_AddedLights);
-  m_Wanted.Current().SelectNodes(document.m_auSelectedCells);
-  if (state.m_pSurface != nullptr) m_Surface.Restore(*state.m_pSurface);
-  SetDiscMap();
-  m_Wanted.Current().ShowSelection(m_Surface.Tree());
-  m_Surface.Reconstruct();
-  if (state.m_pSolver != nullptr) m_Solver.Resume(*state.m_pSolver, m_Surface.Coefficients());
-  m_Run.Host().ShowIterations(m_Solver.Counter());
-  m_Run.Host().RequestRedraw();
+  grid.m_Relighting.SetLights(document.m_RemovedLights, document.m_AddedLights);
+  grid.m_Wanted.Current().SelectNodes(document.m_auSelectedCells);
+  if (state.m_pSurface != nullptr) grid.m_Surface.Restore(*state.m_pSurface);
+  grid.SetDiscMap();
+  grid.m_Wanted.Current().ShowSelection(grid.m_Surface.Tree());
+  grid.m_Surface.Reconstruct();
+  if (state.m_pSolver != nullptr) grid.m_Solver.Resume(*state.m_pSolver, grid.m_Surface.Coefficients());
+  grid.m_Run.Host().ShowIterations(grid.m_Solver.Counter());
+  grid.m_Run.Host().RequestRedraw();
 }

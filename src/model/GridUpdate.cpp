@@ -22,7 +22,7 @@ void CGrid::PerformPendingWork() {
   RefreshNormalCstrHeights();
 }
 
-CGrid::Performed CGrid::PerformOperations() {
+Performed CGrid::PerformOperations() {
   const std::vector<CPendingRound> rounds = m_Run.Take();
   for (const CPendingRound& round : rounds) Perform(round);
   // A mere restart leaves the surface as it is, to the last bit: what has been loaded is saved unchanged.

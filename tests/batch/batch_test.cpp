@@ -26,7 +26,7 @@ TEST_F(Batch, TakesAProjectWithItsPhotographLikeAModel) {
   window.m_Grid.Load(Path("model.grid"));
   window.m_Grid.PerformPendingWork();
   CProject project;
-  project.m_Model = window.m_Grid.State();
+  project.m_Model = StateOf(window.m_Grid);
   project.m_Heights = SolvedHeights(window.m_Grid);
   project.m_Picture = {"/tmp/small.bmp", {}, std::make_shared<const std::string>(SmallBitmap())};
   ASSERT_TRUE(SaveProject(project, Path("model.relievo")));

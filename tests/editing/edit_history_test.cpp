@@ -93,19 +93,19 @@ TEST(EditHistoryTest, EveryEditIsAStepThatIsTakenBackToTheLastBit) {
     SCOPED_TRACE(c.m_Name);
     CTestHistory test;
     Prepare(test);
-    const CDocument before = test.Grid().Document();
+    const CDocument before = DocumentOf(test.Grid());
     c.m_Edit(test);
     test.Round();
-    const CDocument after = test.Grid().Document();
+    const CDocument after = DocumentOf(test.Grid());
     ASSERT_EQ(test.Count(), 1U);
     EXPECT_EQ(test.m_History.UndoName(), c.m_Name);
     test.Undo();
-    EXPECT_TRUE(test.Grid().Document() == before);
+    EXPECT_TRUE(DocumentOf(test.Grid()) == before);
     EXPECT_EQ(test.m_History.RedoName(), c.m_Name);
     test.Redo();
-    EXPECT_TRUE(test.Grid().Document() == after);
+    EXPECT_TRUE(DocumentOf(test.Grid()) == after);
     test.Undo();
-    EXPECT_TRUE(test.Grid().Document() == before);
+    EXPECT_TRUE(DocumentOf(test.Grid()) == before);
     EXPECT_EQ(test.Taken(), (Lines{"undone " + c.m_Name, "done " + c.m_Name, "undone " + c.m_Name}));
     EXPECT_FALSE(test.Grid().Run().HasPending());
   }
@@ -114,14 +114,14 @@ TEST(EditHistoryTest, EveryEditIsAStepThatIsTakenBackToTheLastBit) {
 TEST(EditHistoryTest, WhatWasSelectedIsSelectedAgain) {
   CTestHistory test;
   Prepare(test);
-  const std::vector<std::uint32_t> cells = test.Grid().Document().m_auSelectedCells;
+  const std::vector<std::uint32_t> cells = DocumentOf(test.Grid()).m_auSelectedCells;
   ASSERT_FALSE(cells.empty());
   test.Grid().SetSelectedHeight(9);
   test.Grid().UnselectAll();
   test.Grid().CellEdits().SplitSelected();
   test.Round();
   test.Undo();
-  EXPECT_EQ(test.Grid().Document().m_auSelectedCells, cells);
+  EXPECT_EQ(DocumentOf(test.Grid()).m_auSelectedCells, cells);
   EXPECT_EQ(test.Grid().Constraints().Points().FirstSelected(), nullptr);
   test.Undo();
   ASSERT_NE(test.Grid().Constraints().Points().FirstSelected(), nullptr);
@@ -147,7 +147,7 @@ TEST(EditHistoryTest, SelectingAndLookingAreNoSteps) {
 TEST(EditHistoryTest, ADragIsOneStepWithTheNameOfItsBeginning) {
   CTestHistory test;
   Prepare(test);
-  const CDocument before = test.Grid().Document();
+  const CDocument before = DocumentOf(test.Grid());
   test.Grid().Gate().BeginGesture(CEditGate::Hold::Other);
   test.Grid().AddPtCstr(HeightCstr(7, 21.5, 2));
   test.m_Host.m_bDragging = true;
@@ -161,7 +161,7 @@ TEST(EditHistoryTest, ADragIsOneStepWithTheNameOfItsBeginning) {
   ASSERT_EQ(test.Count(), 1U);
   EXPECT_EQ(test.m_History.UndoName(), "add point");
   test.Undo();
-  EXPECT_TRUE(test.Grid().Document() == before);
+  EXPECT_TRUE(DocumentOf(test.Grid()) == before);
 }
 
 TEST(EditHistoryTest, ADraggedNodeIsOneStepWithWhatItTears) {
@@ -222,7 +222,7 @@ TEST(EditHistoryTest, KeysOnTheSameThingWithinASecondAreOneStep) {
   for (const double pause : {0.9, 1.1}) {
     CTestHistory test;
     Prepare(test);
-    const CDocument before = test.Grid().Document();
+    const CDocument before = DocumentOf(test.Grid());
     for (int k = 0; k < 2; ++k) {
       test.Grid().CellEdits().SplitSelected();
       test.Round();
@@ -230,7 +230,7 @@ TEST(EditHistoryTest, KeysOnTheSameThingWithinASecondAreOneStep) {
     }
     EXPECT_EQ(test.Count(), pause < 1 ? 1U : 2U);
     while (test.m_History.CanUndo()) test.Undo();
-    EXPECT_TRUE(test.Grid().Document() == before);
+    EXPECT_TRUE(DocumentOf(test.Grid()) == before);
   }
 }
 
@@ -274,10 +274,10 @@ TEST(EditHistoryTest, ANewEditAfterUndoDropsRedo) {
 
 TEST(EditHistoryTest, WhereThereIsNoStepNothingHappens) {
   CTestHistory test;
-  const CDocument before = test.Grid().Document();
+  const CDocument before = DocumentOf(test.Grid());
   test.Undo();
   test.Redo();
-  EXPECT_TRUE(test.Grid().Document() == before);
+  EXPECT_TRUE(DocumentOf(test.Grid()) == before);
   EXPECT_TRUE(test.Taken().empty());
   EXPECT_FALSE(test.m_History.CanUndo());
 }
@@ -313,16 +313,16 @@ TEST(EditHistoryTest, WithATickRegisteredAStepWaitsForIt) {
 TEST(EditHistoryTest, AKeyThatWaitsIsPerformedBeforeItIsTakenBack) {
   CTestHistory test;
   Prepare(test);
-  const CDocument before = test.Grid().Document();
+  const CDocument before = DocumentOf(test.Grid());
   g_nSolverTimers = 1;
   test.Grid().CellEdits().SplitSelected();
   EXPECT_TRUE(test.m_History.CanUndo());
   test.m_History.Request(UserStep::Undo);
   test.Grid().UpdateGrid();
-  EXPECT_TRUE(test.Grid().Document() == before);
+  EXPECT_TRUE(DocumentOf(test.Grid()) == before);
   EXPECT_EQ(test.Taken(), Lines{"undone split cells"});
   test.Grid().UpdateGrid();
-  EXPECT_TRUE(test.Grid().Document() == before);
+  EXPECT_TRUE(DocumentOf(test.Grid()) == before);
 }
 
 TEST(EditHistoryTest, ACurveThatTheRebuildOpensBelongsToItsStep) {
@@ -333,16 +333,16 @@ TEST(EditHistoryTest, ACurveThatTheRebuildOpensBelongsToItsStep) {
   attributes.m_bClosed = true;
   test.Grid().CurveEdits().SetAttributes(test.Grid().Constraints().FindCurve(4, 22, 1), 0, attributes, kTear, false);
   test.Round();
-  const CDocument closed = test.Grid().Document();
+  const CDocument closed = DocumentOf(test.Grid());
   Pick(test.Grid());
   test.Grid().DeleteSelectedCurveNode();
   test.Round();
   EXPECT_FALSE(test.Grid().Constraints().Curves().back().IsClosed());
-  const CDocument open = test.Grid().Document();
+  const CDocument open = DocumentOf(test.Grid());
   test.Undo();
-  EXPECT_TRUE(test.Grid().Document() == closed);
+  EXPECT_TRUE(DocumentOf(test.Grid()) == closed);
   test.Redo();
-  EXPECT_TRUE(test.Grid().Document() == open);
+  EXPECT_TRUE(DocumentOf(test.Grid()) == open);
 }
 
 TEST(EditHistoryTest, ACurveThatTheRebuildDropsLeavesNoStep) {
@@ -364,14 +364,14 @@ TEST(EditHistoryTest, AnAnswerWithConstraintsToExportIsOneStep) {
   test.m_Services.m_AskContourAttributes = [&](const CContourAttributes&, bool) { return answer; };
   test.m_Commands.SetServices(test.m_Services);
   const std::size_t points = test.Grid().Constraints().Points().size();
-  const CDocument before = test.Grid().Document();
+  const CDocument before = DocumentOf(test.Grid());
   test.m_Commands.EditCurveAttributes(4, 22, kTear);
   test.Round();
   EXPECT_GT(test.Grid().Constraints().Points().size(), points);
   EXPECT_EQ(test.Count(), 1U);
   EXPECT_EQ(test.m_History.UndoName(), "export constraints");
   test.Undo();
-  EXPECT_TRUE(test.Grid().Document() == before);
+  EXPECT_TRUE(DocumentOf(test.Grid()) == before);
 }
 
 TEST(EditHistoryTest, WhatIsKeptIsBounded) {

@@ -187,26 +187,26 @@ RC_GTEST_PROP(HistoryPropertyTest, TheWayBackAndForwardLeadsThroughTheSameDocume
   test.m_History.Clear();
   std::vector<CMilestone> milestones;
   for (int k = 0; k < 25; ++k) {
-    const CMilestone before{test.Grid().Document(), SurfaceOnLattice(test.Grid())};
+    const CMilestone before{DocumentOf(test.Grid()), SurfaceOnLattice(test.Grid())};
     user.Act();
     user.Wait();
     RC_ASSERT(test.Count() == milestones.size() || test.Count() == milestones.size() + 1);
     if (test.Count() > milestones.size()) milestones.push_back(before);
   }
-  const CDocument last = test.Grid().Document();
+  const CDocument last = DocumentOf(test.Grid());
   for (std::size_t k = milestones.size(); k-- > 0;) {
     const bool surface = test.m_History.Steps().UndoState().ReplacesSurface();
     user.Take(UserStep::Undo);
-    RC_ASSERT(test.Grid().Document() == milestones[k].m_Document);
+    RC_ASSERT(DocumentOf(test.Grid()) == milestones[k].m_Document);
     if (surface && g_nSolverTimers == 0) ExpectSurface(test.Grid(), milestones[k]);
     user.Wait();
-    RC_ASSERT(test.Grid().Document() == milestones[k].m_Document);
+    RC_ASSERT(DocumentOf(test.Grid()) == milestones[k].m_Document);
   }
   RC_ASSERT(!test.m_History.CanUndo());
   for (std::size_t k = 1; k <= milestones.size(); ++k) {
     user.Take(UserStep::Redo);
     user.Wait();
-    RC_ASSERT(test.Grid().Document() == (k < milestones.size() ? milestones[k].m_Document : last));
+    RC_ASSERT(DocumentOf(test.Grid()) == (k < milestones.size() ? milestones[k].m_Document : last));
   }
   RC_ASSERT(!test.m_History.CanRedo());
 }

@@ -21,7 +21,7 @@ class ProjectCommandsTest : public GridCommandsTest {
     other.m_Grid.AddPtCstr({30, 40, PtCstrKind::kPosition, 7});
     other.m_Grid.PerformPendingWork();
     CProject project;
-    project.m_Model = other.m_Grid.State();
+    project.m_Model = StateOf(other.m_Grid);
     return {project, {}};
   }
   /// A file that begins as project files do, and its name.

@@ -35,7 +35,7 @@ class RecoveryTest : public ::testing::Test {
     return {[this] {
               ++m_iTaken;
               CProject project;
-              project.m_Model = m_Test.m_Grid.State();
+              project.m_Model = StateOf(m_Test.m_Grid);
               project.m_Picture.m_File = "/tmp/cup.bmp";
               return project;
             },
@@ -79,7 +79,7 @@ TEST_F(RecoveryTest, ASecondAfterAnEditTheWorkIsKept) {
   ASSERT_EQ(Files().size(), 1U);
   const CReadProject read = ReadProject(Files().front());
   ASSERT_EQ(read.m_Trouble, "");
-  EXPECT_EQ(read.m_Project->m_Model.m_Document, m_Test.m_Grid.Document());
+  EXPECT_EQ(read.m_Project->m_Model.m_Document, DocumentOf(m_Test.m_Grid));
   EXPECT_EQ(read.m_Project->m_Picture.m_File, "/tmp/cup.bmp");
   EXPECT_EQ(read.m_Project->m_Picture.m_pBytes, nullptr);
 }

@@ -94,23 +94,23 @@ TEST_F(SurfaceStepsTest, WhatIsAroundTheModelComesBack) {
 }
 
 TEST_F(SurfaceStepsTest, EditsBeforeAndAfterAreTakenBackInTheirOrder) {
-  const CDocument first = Grid().Document();
+  const CDocument first = DocumentOf(Grid());
   Grid().AddPtCstr(HeightCstr(7, 21.5, 2));
   m_Test.Round();
-  const CDocument second = Grid().Document();
+  const CDocument second = DocumentOf(Grid());
   m_Test.NewGrid(3, {0, 7, 0, 9}, true);
   m_Test.Round();
-  const CDocument third = Grid().Document();
+  const CDocument third = DocumentOf(Grid());
   Grid().AddPtCstr(HeightCstr(3, 3, 2));
   m_Test.Round();
-  const CDocument fourth = Grid().Document();
+  const CDocument fourth = DocumentOf(Grid());
   for (const CDocument* wanted : {&third, &second, &first}) {
     m_Test.Undo();
-    EXPECT_TRUE(Grid().Document() == *wanted);
+    EXPECT_TRUE(DocumentOf(Grid()) == *wanted);
   }
   for (const CDocument* wanted : {&second, &third, &fourth}) {
     m_Test.Redo();
-    EXPECT_TRUE(Grid().Document() == *wanted);
+    EXPECT_TRUE(DocumentOf(Grid()) == *wanted);
   }
 }
 

@@ -80,7 +80,7 @@ void ExpectSame(const CProject& a, const CProject& b) {
 
 CProject ProjectOf(const CGrid& grid) {
   CProject project;
-  project.m_Model = grid.State();
+  project.m_Model = StateOf(grid);
   project.m_Heights = SolvedHeights(grid);
   project.m_Picture = {"/tmp/cup.bmp", "/tmp/old.relievo", std::make_shared<const std::string>("BM, as it were")};
   return project;
@@ -162,8 +162,8 @@ TEST_F(ProjectFileTest, BringsAGridBackToWhereItWas) {
   for (int tick = 0; tick < 20; ++tick) m_Test.m_Grid.UpdateGrid();
   WriteBytes(m_File, ProjectBytes(ProjectOf(m_Test.m_Grid), kTime));
   CTestGrid other(6, 2);
-  other.m_Grid.RestoreState(ReadProject(m_File).m_Project->m_Model);
-  EXPECT_EQ(other.m_Grid.Document(), m_Test.m_Grid.Document());
+  CRestoration::RestoreState(other.m_Grid, ReadProject(m_File).m_Project->m_Model);
+  EXPECT_EQ(DocumentOf(other.m_Grid), DocumentOf(m_Test.m_Grid));
   EXPECT_LT(LargestDifference(NodalHeights(other.m_Grid), NodalHeights(m_Test.m_Grid)), 1e-12);
 }
 

@@ -33,7 +33,7 @@ void RequireFiniteSurface(const CGrid& grid) {
 void TakeOver(const CModelState& model) {
   g_iMaxLevel = g_iBaseLevel = 3;
   CGrid grid;
-  grid.RestoreState(model);
+  CRestoration::RestoreState(grid, model);
   RequireFiniteSurface(grid);
   if (grid.Surface().ActivePointCount() <= kMostPointsToSolve) grid.UpdateGrid();
   RequireFiniteSurface(grid);

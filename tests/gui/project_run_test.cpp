@@ -28,7 +28,7 @@ class ProjectRunTest : public ::testing::Test {
     grid.AddPtCstr({30, 40, PtCstrKind::kPosition, 7});
     grid.PerformPendingWork();
     CProject project;
-    project.m_Model = grid.State();
+    project.m_Model = StateOf(grid);
     project.m_Heights = SolvedHeights(grid);
     project.m_Views.m_iEditingMode = static_cast<int>(EditingMode::Position);
     project.m_Views.m_uImageFlags = ImageFlag::kPointConstraints | ImageFlag::kImage;

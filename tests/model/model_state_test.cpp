@@ -52,13 +52,13 @@ struct CRichGrid : CCurveGrid {
 TEST(ModelStateTest, AConvergedSurfaceIsBackAtOnceAndStays) {
   CRichGrid test;
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));
-  const CModelState state = test.m_Grid.State();
+  const CModelState state = StateOf(test.m_Grid);
   const std::vector<double> heights = NodalHeights(test.m_Grid);
   const double range = RangeOf(heights);
   ASSERT_GT(range, 1.0);
   test.Ruin();
-  test.m_Grid.RestoreState(state);
-  EXPECT_TRUE(test.m_Grid.Document() == state.m_Document);
+  CRestoration::RestoreState(test.m_Grid, state);
+  EXPECT_TRUE(DocumentOf(test.m_Grid) == state.m_Document);
   EXPECT_LT(LargestDifference(NodalHeights(test.m_Grid), heights), 1e-12 * range);
   EXPECT_TRUE(test.m_Grid.Solver().HasConverged());
   for (int tick = 0; tick < 20; ++tick) test.m_Grid.UpdateGrid();
@@ -70,15 +70,15 @@ TEST(ModelStateTest, HoldsLevelsToleranceLightsAndSelections) {
   g_iMaxLevel = 5;
   g_iBaseLevel = 3;
   g_fPickTolerance = 0.25;
-  const CModelState state = test.m_Grid.State();
+  const CModelState state = StateOf(test.m_Grid);
   ASSERT_FALSE(state.m_Document.m_auSelectedCells.empty());
   test.Ruin();
-  test.m_Grid.RestoreState(state);
+  CRestoration::RestoreState(test.m_Grid, state);
   EXPECT_EQ(g_iMaxLevel, 5);
   EXPECT_EQ(g_iBaseLevel, 3);
   EXPECT_EQ(g_fPickTolerance, 0.25);
   EXPECT_TRUE(test.m_Grid.GetLightSource(1, kAddedLights)->m_bActive);
-  EXPECT_EQ(test.m_Grid.Document().m_auSelectedCells, state.m_Document.m_auSelectedCells);
+  EXPECT_EQ(DocumentOf(test.m_Grid).m_auSelectedCells, state.m_Document.m_auSelectedCells);
   ASSERT_NE(test.m_Grid.Constraints().Points().FirstSelected(), nullptr);
   EXPECT_EQ(test.m_Grid.Constraints().Points().FirstSelected()->m_fX, 10);
   EXPECT_EQ(test.m_Grid.Run().NextOperation(), Operation::kNone);
@@ -86,12 +86,12 @@ TEST(ModelStateTest, HoldsLevelsToleranceLightsAndSelections) {
 
 TEST(ModelStateTest, ASolverOnItsWayGoesOnToTheSameSurface) {
   CRichGrid test;
-  const CModelState state = test.m_Grid.State();
+  const CModelState state = StateOf(test.m_Grid);
   ASSERT_FALSE(test.m_Grid.Solver().HasConverged());
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));
   const std::vector<double> wanted = NodalHeights(test.m_Grid);
   test.Ruin();
-  test.m_Grid.RestoreState(state);
+  CRestoration::RestoreState(test.m_Grid, state);
   test.m_Grid.Run().SetRunning(true);
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));
   EXPECT_LT(LargestDifference(NodalHeights(test.m_Grid), wanted), 1e-6 * RangeOf(wanted));
@@ -103,12 +103,12 @@ TEST(ModelStateTest, ASurfaceBetweenContradictionsStays) {
   test.m_Grid.AddPtCstr(HeightCstr(3, 25, 5));
   test.m_Grid.Run().SetRunning(true);
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));
-  const CModelState state = test.m_Grid.State();
+  const CModelState state = StateOf(test.m_Grid);
   const std::vector<double> heights = NodalHeights(test.m_Grid);
   test.Initialize(2);
   test.m_Grid.Reset();
   test.m_Grid.UpdateGrid();
-  test.m_Grid.RestoreState(state);
+  CRestoration::RestoreState(test.m_Grid, state);
   for (int tick = 0; tick < 20; ++tick) test.m_Grid.UpdateGrid();
   EXPECT_LT(LargestDifference(NodalHeights(test.m_Grid), heights), 1e-9 * RangeOf(heights));
 }
@@ -117,9 +117,9 @@ TEST(ModelStateTest, AnEditThatWaitsIsNotForgotten) {
   CConvergedGrid test;
   test.m_Grid.SelectPtCstr(10, 22, PtCstrKind::kPosition);
   test.m_Grid.SetSelectedHeight(6);
-  const CModelState state = test.m_Grid.State();
+  const CModelState state = StateOf(test.m_Grid);
   test.Initialize(2);
-  test.m_Grid.RestoreState(state);
+  CRestoration::RestoreState(test.m_Grid, state);
   test.m_Grid.Run().SetRunning(true);
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));
   EXPECT_NEAR(SurfaceHeight(test.m_Grid, 10, 22), 6, 1e-6);
@@ -133,13 +133,13 @@ TEST(ModelStateTest, BringsBothResolutionsInEveryMode) {
     test.m_Grid.PerformPendingWork();
     SetRandomSurface(test.m_Grid, 3);
     const std::vector<double> high = SurfaceOnLattice(test.m_Grid);
-    const CModelState state = test.m_Grid.State();
+    const CModelState state = StateOf(test.m_Grid);
     test.m_Grid.Run().Post(Operation::kRestoreNormal);
     test.m_Grid.PerformPendingWork();
     const std::vector<double> normal = SurfaceOnLattice(test.m_Grid);
     test.m_Grid.Builder().SetWaveletMode(WaveletMode::New);
     test.Ruin();
-    test.m_Grid.RestoreState(state);
+    CRestoration::RestoreState(test.m_Grid, state);
     EXPECT_EQ(test.m_Grid.Surface().Mode(), mode);
     EXPECT_EQ(g_bHighRes, 1);
     EXPECT_LT(LargestDifference(SurfaceOnLattice(test.m_Grid), high), 1e-12);
@@ -151,17 +151,17 @@ TEST(ModelStateTest, BringsBothResolutionsInEveryMode) {
 
 TEST(ModelStateTest, LeavesWhatTheBrushHasPainted) {
   CRichGrid test;
-  const CModelState state = test.m_Grid.State();
+  const CModelState state = StateOf(test.m_Grid);
   test.m_Grid.PaintFreezeMap(3, 22, true);
   const std::size_t frozen = test.m_Grid.Surface().Lattice().Count(PointFlag::kFrozen);
   ASSERT_GT(frozen, 0U);
-  test.m_Grid.RestoreState(state);
+  CRestoration::RestoreState(test.m_Grid, state);
   EXPECT_EQ(test.m_Grid.Surface().Lattice().Count(PointFlag::kFrozen), frozen);
 }
 
 TEST(ModelStateTest, CopiesShareTheSurface) {
   const CRichGrid test;
-  const CModelState state = test.m_Grid.State();
+  const CModelState state = StateOf(test.m_Grid);
   const CModelState copy = state;
   EXPECT_EQ(copy.m_pSurface, state.m_pSurface);
   EXPECT_EQ(copy.m_pSolver, state.m_pSolver);
@@ -173,7 +173,7 @@ TEST(ModelStateTest, CopiesShareTheSurface) {
 
 TEST(ModelStateTest, DocumentsAreComparedToTheLastBit) {
   const CRichGrid test;
-  const CDocument document = test.m_Grid.Document();
+  const CDocument document = DocumentOf(test.m_Grid);
   CDocument other = document;
   EXPECT_TRUE(other == document);
   other.m_Sketch.m_Points.begin()->m_fP = -0.0;
@@ -240,22 +240,22 @@ TEST(RestoreDocumentTest, BringsBackEveryBitAndPostsAsEditsDo) {
       SCOPED_TRACE(c.m_pName);
       CRichGrid test;
       test.m_Grid.PerformPendingWork();
-      const CDocument before = test.m_Grid.Document();
+      const CDocument before = DocumentOf(test.m_Grid);
       const std::vector<std::uint32_t> kinds = KindsOf(test.m_Grid);
       const int points = test.m_Grid.Surface().ActivePointCount();
       c.m_Edit(test.m_Grid);
       if (performed) test.m_Grid.PerformPendingWork();
-      EXPECT_EQ(test.m_Grid.Document() == before,
+      EXPECT_EQ(DocumentOf(test.m_Grid) == before,
                 c.m_pName == std::string("nothing") || (!performed && c.m_pName == std::string("split")));
       test.m_Grid.Run().DropPending();
-      test.m_Grid.RestoreDocument(before);
+      CRestoration::RestoreDocument(test.m_Grid, before);
       if (performed) {
         EXPECT_EQ(test.m_Grid.Run().NextOperation(), c.m_Posted);
       }
-      EXPECT_TRUE(test.m_Grid.Document() == before);
-      EXPECT_EQ(test.m_Grid.Document().m_auSelectedCells, before.m_auSelectedCells);
+      EXPECT_TRUE(DocumentOf(test.m_Grid) == before);
+      EXPECT_EQ(DocumentOf(test.m_Grid).m_auSelectedCells, before.m_auSelectedCells);
       test.m_Grid.PerformPendingWork();
-      EXPECT_TRUE(test.m_Grid.Document() == before);
+      EXPECT_TRUE(DocumentOf(test.m_Grid) == before);
       EXPECT_EQ(KindsOf(test.m_Grid), kinds);
       EXPECT_EQ(test.m_Grid.Surface().ActivePointCount(), points);
     }
@@ -267,10 +267,10 @@ TEST(RestoreDocumentTest, SelectsAgainAndHighlightsNothing) {
   test.m_Grid.PickCurve(4, 22, CurveType::kAll);
   test.m_Grid.HighlightCurves(4, 22, CurveType::kAll);
   test.m_Grid.HighlightPtCstrs(10, 22, PtCstrKind::kPosition);
-  const CDocument document = test.m_Grid.Document();
+  const CDocument document = DocumentOf(test.m_Grid);
   test.m_Grid.UnselectAll();
   test.m_Grid.DeleteSelectedCurve();
-  test.m_Grid.RestoreDocument(document);
+  CRestoration::RestoreDocument(test.m_Grid, document);
   EXPECT_EQ(Selection(test.m_Grid.Constraints().Curves()), Selection(document.m_Sketch.m_Curves));
   EXPECT_EQ(Selection(test.m_Grid.Constraints().Curves()).find('1'), 0U);
   EXPECT_EQ(Highlights(test.m_Grid.Constraints().Curves()).find('1'), std::string::npos);
@@ -282,10 +282,10 @@ TEST(RestoreDocumentTest, SelectsAgainAndHighlightsNothing) {
 TEST(RestoreDocumentTest, LeavesTheSurface) {
   CRichGrid test;
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));
-  const CDocument before = test.m_Grid.Document();
+  const CDocument before = DocumentOf(test.m_Grid);
   const std::vector<double> heights = NodalHeights(test.m_Grid);
   test.m_Grid.AddPtCstr(HeightCstr(7, 21.5, 2));
-  test.m_Grid.RestoreDocument(before);
+  CRestoration::RestoreDocument(test.m_Grid, before);
   test.m_Grid.PerformPendingWork();
   EXPECT_LT(LargestDifference(NodalHeights(test.m_Grid), heights), 1e-12 * RangeOf(heights));
   EXPECT_FALSE(test.m_Grid.Solver().HasConverged());

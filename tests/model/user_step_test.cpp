@@ -68,10 +68,10 @@ TEST(UserStepTest, AnEditIsRebuiltOnceTogetherWithTheStep) {
 
 TEST(UserStepTest, WhatAStepPostsIsPerformedInTheSameTick) {
   CStepGrid test;
-  const CDocument before = test.m_Grid.Document();
+  const CDocument before = DocumentOf(test.m_Grid);
   test.m_Grid.AddPtCstr(HeightCstr(7, 21.5, 2));
   test.m_Grid.PerformPendingWork();
-  test.m_Host.m_OnStep = [&] { test.m_Grid.RestoreDocument(before); };
+  test.m_Host.m_OnStep = [&] { CRestoration::RestoreDocument(test.m_Grid, before); };
   test.m_Grid.Run().RequestStep(UserStep::Undo);
   test.m_Grid.UpdateGrid();
   EXPECT_FALSE(test.m_Grid.Run().HasPending());
@@ -82,13 +82,13 @@ TEST(UserStepTest, WhatAStepPostsIsPerformedInTheSameTick) {
 TEST(UserStepTest, WhereTheSolverHadDoneItsWorkItRests) {
   CStepGrid test;
   ASSERT_TRUE(RunUntilPaused(test.m_Grid));
-  const CModelState state = test.m_Grid.State();
+  const CModelState state = StateOf(test.m_Grid);
   const int pauses = test.m_Host.m_iPauses;
   test.m_Grid.Reset();
   test.m_Grid.Run().SetRunning(true);
   test.m_Grid.UpdateGrid();
   test.m_Host.m_OnStep = [&] {
-    test.m_Grid.RestoreState(state);
+    CRestoration::RestoreState(test.m_Grid, state);
     test.m_Grid.Run().SetRunning(false);
   };
   test.m_Grid.Run().RequestStep(UserStep::Undo);
