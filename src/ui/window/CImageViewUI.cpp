@@ -62,6 +62,8 @@ CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* d
   });
   Menu().BeforeKeys([this] { RefreshSteps(); });
   callback(cb_Window);
+  m_pbtnSwitchHR_LR = &Controls().Button(Control::SwitchResolution);
+  m_pbtnSwitchHR_LR->callback(cb_m_pbtnSwitchHR_LR, this);
   ConnectCallbacks();
   RefreshEnabled();
   Relayout();
