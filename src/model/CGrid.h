@@ -135,7 +135,7 @@ class CGrid {
   const CPointMarks& Marks() const { return m_Marks; }
 
  private:
-  friend struct CStaging;  // of the tests, for states that no operation leads to
+  friend struct CStaging;     // of the tests, for states that no operation leads to
   friend class CRestoration;  // makes the values of a model its own
   Performed PerformOperations();
   void Perform(const CPendingRound& round);
