@@ -85,9 +85,9 @@ void CRecovery::Attend() {
 
 void CRecovery::Begin() {
   m_uWritten = m_uChanges;
-  m_NextWriting = CClock::now() + kBetweenWritings;
   CProject project = m_Program.m_Take();
   if (!IsWork(project)) return;
+  m_NextWriting = CClock::now() + kBetweenWritings;
   m_Writing.Begin(
       [this, project = std::move(project), time = std::time(nullptr)] { return WriteInto(m_Folder, project, time); });
 }

@@ -145,6 +145,19 @@ TEST_F(RecoveryTest, AnEmptyModelIsNoWork) {
   EXPECT_EQ(ReadProject(Files().front()).m_Project->m_Model.m_Document.m_Sketch.m_Points.size(), 1U);
 }
 
+TEST_F(RecoveryTest, AnEmptyModelDelaysNoWork) {
+  m_Test.m_Grid.SelectNextPtCstr(PtCstrKind::kPosition);
+  m_Test.m_Grid.DeleteSelectedPtCstr();
+  CRecovery recovery(m_Folder, Program());
+  recovery.NoteChanges(1);
+  AttendFor(recovery, 1500ms);
+  EXPECT_TRUE(Files().empty());
+  m_Test.m_Grid.AddPtCstr({30, 40, PtCstrKind::kPosition, 7});
+  recovery.NoteChanges(2);
+  AttendFor(recovery, 2s);
+  EXPECT_EQ(Files().size(), 1U);
+}
+
 TEST_F(RecoveryTest, TheNextProgramIsOfferedIt) {
   {
     CRecovery recovery(m_Folder, Program());
