@@ -9,7 +9,7 @@
 namespace {
 
 // One line is a kind and the URI of its folder.
-constexpr char kBetween = '\t';
+constexpr char kBetweenKindAndFolder = '\t';
 
 }  // namespace
 
@@ -17,7 +17,7 @@ void CLastFolders::ReadOnce() {
   if (m_bRead) return;
   m_bRead = true;
   for (const std::string& line : m_Lines.Read()) {
-    const std::size_t between = line.find(kBetween);
+    const std::size_t between = line.find(kBetweenKindAndFolder);
     const std::optional<std::string> folder = PathOf(line.substr(between == line.npos ? line.size() : between + 1));
     if (folder.has_value()) {
       m_Folders[line.substr(0, between)] = *folder;
@@ -43,6 +43,6 @@ void CLastFolders::Note(const std::string& kind, const std::string& file) {
   known = folder;
   std::vector<std::string> lines;
   lines.reserve(m_Folders.size());
-  for (const auto& [each, where] : m_Folders) lines.push_back(each + kBetween + UriOf(where));
+  for (const auto& [each, where] : m_Folders) lines.push_back(each + kBetweenKindAndFolder + UriOf(where));
   m_Lines.Write(lines);
 }

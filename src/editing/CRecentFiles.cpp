@@ -10,7 +10,7 @@
 namespace {
 
 // One entry is a line: the URIs of model and picture with a tab between them, nothing for the one that is missing.
-constexpr char kBetween = '\t';
+constexpr char kBetweenPaths = '\t';
 
 std::string FieldOf(const std::string& path) { return path.empty() ? path : UriOf(path); }
 
@@ -19,7 +19,7 @@ std::optional<std::string> PathOfField(const std::string& field) {
 }
 
 std::optional<CWorkFiles> WorkOf(const std::string& line) {
-  const std::size_t between = line.find(kBetween);
+  const std::size_t between = line.find(kBetweenPaths);
   if (between == std::string::npos) return {};
   const std::optional<std::string> model = PathOfField(line.substr(0, between));
   const std::optional<std::string> picture = PathOfField(line.substr(between + 1));
@@ -61,7 +61,7 @@ void CRecentFiles::Clear() { Write({}); }
 void CRecentFiles::Write(const std::vector<CWorkFiles>& list) {
   std::vector<std::string> lines;
   lines.reserve(list.size());
-  for (const CWorkFiles& work : list) lines.push_back(FieldOf(work.m_Model) + kBetween + FieldOf(work.m_Picture));
+  for (const CWorkFiles& work : list) lines.push_back(FieldOf(work.m_Model) + kBetweenPaths + FieldOf(work.m_Picture));
   m_bInMemory = !m_Lines.Write(lines);
   m_aInMemory = list;
 }

@@ -45,7 +45,7 @@ CCompressedRows Condensed(const CCompressedRows& rows, std::span<const double> s
   for (std::size_t j = 0; j < rows.RowCount(); ++j)
     used.insert(used.end(), rows.Columns(j).begin(), rows.Columns(j).end());
   std::ranges::sort(used);
-  used.erase(std::ranges::unique(used).begin(), used.end());
+  used.erase(std::unique(used.begin(), used.end()), used.end());
   columns = used.size();
   CCompressedRows condensed;
   for (std::size_t j = 0; j < rows.RowCount(); ++j) {
