@@ -83,6 +83,7 @@ void CRecoveryTool::TellAtStart() {
 std::optional<std::string> CRecoveryTool::ChooseWork() {
   const std::vector<CUnsavedWork> works = m_Recovery.List();
   std::vector<CRecoveryDialog::CLine> lines;
+  lines.reserve(works.size());
   for (const CUnsavedWork& work : works) lines.push_back(LineOf(work));
   const std::optional<std::size_t> line =
       m_Dialog.Ask(lines, [&](std::size_t k) { return m_Recovery.Discard(works[k].m_File); });

@@ -146,6 +146,7 @@ std::vector<fs::path> CRecoveryFolder::Left() {
   }
   std::ranges::sort(found, std::greater{});
   std::vector<fs::path> files;
+  files.reserve(found.size());
   for (auto& [time, file] : found) files.push_back(std::move(file));
   return files;
 }

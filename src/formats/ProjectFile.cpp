@@ -227,13 +227,14 @@ std::vector<unsigned char> ProjectBytes(const CProject& project, std::int64_t ti
       {Member::kRecording, BytesOfRecording(project.m_aRecording)},
       {Member::kGrid, GridText(project)}};
   std::vector<CZipMember> members;
+  members.reserve(packed.size() + 1);
   for (const auto& [name, contents] : packed) members.push_back({name, contents});
   if (!photograph.empty()) members.push_back({photograph, *project.m_Picture.m_pBytes, false});
   return ZipOf(members);
 }
 
 CSaveOutcome SaveProject(const CProject& project, const std::string& filename) {
-  const CSaveOutcome failed{"The file " + filename + " could not be written. If it existed before, it is unchanged."};
+  CSaveOutcome failed{"The file " + filename + " could not be written. If it existed before, it is unchanged."};
   try {
     CFileReplacement file(filename);
     if (!file.IsOpen()) return failed;

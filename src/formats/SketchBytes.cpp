@@ -110,11 +110,11 @@ std::string BytesOf(const CPendingCurve& curve) {
 
 bool ReadBytes(std::string_view bytes, CPendingCurve& curve) {
   CByteReader in(bytes);
-  const bool closes = in.Get<bool>();
+  const auto closes = in.Get<bool>();
   const auto count = in.Get<std::uint64_t>();
   if (!in.Has(count, kPlaceBytes)) return false;
   for (std::uint64_t k = 0; k < count; ++k) {
-    const double x = in.Get<double>();
+    const auto x = in.Get<double>();
     curve.Append(x, in.Get<double>());
   }
   curve.SetClosedOnValidate(closes);

@@ -132,10 +132,11 @@ class CInput {
     std::error_code ignored;
     m_uSize = std::filesystem::file_size(filename, ignored);
   }
-  /// The bytes are read only, and must outlive the input.
-  explicit CInput(std::string_view bytes) : CInput(fmemopen(const_cast<char*>(bytes.data()), bytes.size(), "rb")) {
-    m_uSize = bytes.size();
-  }
+  /// Reads a copy of the bytes.
+  explicit CInput(std::string_view bytes)
+      : m_acBytes(bytes.begin(), bytes.end()),
+        m_pFile(fmemopen(m_acBytes.data(), m_acBytes.size(), "rb")),
+        m_uSize(bytes.size()) {}
   bool IsOpen() const { return m_pFile != nullptr; }
   std::uint64_t Size() const { return m_uSize; }
   /// False where the file ends early; the rest of `bytes` then stays as it is.
@@ -151,6 +152,7 @@ class CInput {
     if (IsOpen()) std::setvbuf(file, m_acBuffer.data(), _IOFBF, m_acBuffer.size());
   }
 
+  std::vector<char> m_acBytes;
   std::vector<char> m_acBuffer;  ///< outlives the file that uses it
   std::unique_ptr<std::FILE, CClose> m_pFile;
   std::uint64_t m_uSize = 0;

@@ -120,7 +120,7 @@ void CCompressedRows::GrowTable() {
 }
 
 std::uint32_t CCompressedRows::FindOrAddClass() {
-  if (2 * (ClassCount() + 1) > m_auTable.size()) GrowTable();
+  if (2 * (std::size_t{ClassCount()} + 1) > m_auTable.size()) GrowTable();
   const std::uint64_t hash = HashNewRow();
   std::size_t slot = hash & (m_auTable.size() - 1);
   for (; m_auTable[slot] != 0; slot = (slot + 1) & (m_auTable.size() - 1)) {

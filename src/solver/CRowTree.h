@@ -46,7 +46,11 @@ class CRowTree {
   struct CFound {
     double m_fDistance = 0.0;
     std::uint32_t m_uRank = 0;
-    auto operator<=>(const CFound&) const = default;
+    bool operator==(const CFound& other) const = default;
+    /// The nearer one comes first; of two as near, that of the lower rank.
+    bool operator<(const CFound& other) const {
+      return m_fDistance != other.m_fDistance ? m_fDistance < other.m_fDistance : m_uRank < other.m_uRank;
+    }
   };
 
   /// For places in the order of their ranks, from 0 on; they must outlive the tree.

@@ -83,7 +83,8 @@ std::vector<CRowPlace> CScaledSystem::RowPlaces(const CPointOrder& order) const 
     for (const std::uint32_t column : columns) {
       const std::uint32_t point = order.PointAtScan(column);
       places[j].m_fX += point % side;
-      places[j].m_fY += point / side;
+      const std::uint32_t row = point / side;
+      places[j].m_fY += row;
     }
     const double unit = 1.0 / (static_cast<double>(std::max<std::size_t>(columns.size(), 1)) * side);
     places[j].m_fX *= unit;

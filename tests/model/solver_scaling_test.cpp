@@ -45,8 +45,9 @@ class CModelInUnits : public CSolverGrid {
   // One in each of the first of sixteen cells, the slopes in every sixth.
   void AddConstraints(int count = 16) {
     for (int place = 0; place < count; ++place) {
+      const int row = place / 4;
       const double x = (place % 4 + Uniform(0.25, 0.75)) / 4;
-      const double y = (place / 4 + Uniform(0.25, 0.75)) / 4;
+      const double y = (row + Uniform(0.25, 0.75)) / 4;
       const CExtent& e = m_Grid.Surface().Lattice().Extent();
       if (place % 6 == 5) {
         m_Grid.AddPtCstr(SlopeCstr(e.x0 + x * m_fSize, e.y0 + y * m_fSize, Uniform(-1, 1), Uniform(-1, 1)));

@@ -53,7 +53,7 @@ std::vector<CRowTree::CFound> NearestOfAll(const Places& places, const CRowBox& 
   std::vector<CRowTree::CFound> all;
   for (std::uint32_t rank = 0; rank < std::min(limit, places.size()); ++rank)
     all.push_back({box.DistanceTo(places[rank]), rank});
-  std::ranges::sort(all);
+  std::sort(all.begin(), all.end());
   all.resize(std::min(count, all.size()));
   return all;
 }
@@ -97,7 +97,7 @@ RC_GTEST_PROP(RowBlocksProperty, EveryRowIsInOneBlockAfterTheNearestOfEarlierOne
       ranked.push_back(places[j]);
     }
   }
-  std::ranges::sort(order);
+  std::sort(order.begin(), order.end());
   RC_ASSERT(order.size() == places.size());
   for (std::uint32_t j = 0; j < order.size(); ++j) RC_ASSERT(order[j] == j);
 }

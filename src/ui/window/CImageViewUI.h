@@ -29,6 +29,8 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   /// `dialogs`, if given, must outlive the window; otherwise the questions are the toolkit's.
   explicit CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* dialogs = nullptr);
   ~CImageViewUI() override;
+  CImageViewUI(const CImageViewUI&) = delete;
+  CImageViewUI& operator=(const CImageViewUI&) = delete;
 
   /// Shows `grid` in both views, becomes its display and selects the default wavelet mode. The grid must outlive
   /// the window.

@@ -19,6 +19,7 @@ class CImageView;
 /// RELIEVO_SCALE scales it.
 class CWindowFrame : public Fl_Window, public ModelDisplay, public ViewHost {
  public:
+  ~CWindowFrame() override;
   CWindowFrame(const CWindowFrame&) = delete;
   CWindowFrame& operator=(const CWindowFrame&) = delete;
 
@@ -61,7 +62,6 @@ class CWindowFrame : public Fl_Window, public ModelDisplay, public ViewHost {
 
  protected:
   CWindowFrame();
-  ~CWindowFrame() override;
 
   /// What an entry of the menu does.
   virtual void Chosen(MenuEntry entry) = 0;
