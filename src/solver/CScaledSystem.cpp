@@ -218,5 +218,7 @@ void CScaledSystem::AddStep(std::span<double> step, std::span<double> multiplier
 }
 
 double CScaledSystem::MultiplierUnit(std::size_t j) const {
-  return IsScaled() ? m_afRowScale[j] / (m_fFactor * m_Factor.Diagonal(j)) : 1.0 / m_fFactor;
+  // A multiplier may be left of a row that has gone since.
+  const bool scaled = IsScaled() && j < ConstraintCount();
+  return scaled ? m_afRowScale[j] / (m_fFactor * m_Factor.Diagonal(j)) : 1.0 / m_fFactor;
 }
