@@ -20,6 +20,8 @@ constexpr auto kAfterEdit = 1s;
 constexpr auto kBetweenWritings = 15s;
 constexpr auto kAfterDrag = 250ms;
 
+constexpr const char* kNoMemory = "What is not saved cannot be kept for the next start: there is not enough memory.";
+
 // With nothing placed and no light set there is nothing to lose, and what was kept before may be worth more.
 bool IsWork(const CProject& project) {
   const CDocument& document = project.m_Model.m_Document;
@@ -85,28 +87,41 @@ void CRecovery::Attend() {
 
 void CRecovery::Begin() {
   m_uWritten = m_uChanges;
-  CProject project = m_Program.m_Take();
-  if (!IsWork(project)) return;
-  m_NextWriting = CClock::now() + kBetweenWritings;
-  m_Writing.Begin(
-      [this, project = std::move(project), time = std::time(nullptr)] { return WriteInto(m_Folder, project, time); });
+  try {
+    CProject project = m_Program.m_Take();
+    if (!IsWork(project)) return;
+    m_NextWriting = CClock::now() + kBetweenWritings;
+    m_Writing.Begin(
+        [this, project = std::move(project), time = std::time(nullptr)] { return WriteInto(m_Folder, project, time); });
+  } catch (const std::bad_alloc&) {
+    m_NextWriting = CClock::now() + kBetweenWritings;
+    NotKept(kNoMemory);
+    Wake(kBetweenWritings);
+  }
 }
 
 void CRecovery::Finish(bool written) {
   if (!IsUnsaved()) m_Folder.Forget();
-  if (written) return;
-  // It will be tried again in its time.
+  if (!written)
+    NotKept("What is not saved cannot be kept for the next start: its folder is missing, full or read-only.");
+}
+
+// It will be tried again in its time.
+void CRecovery::NotKept(const char* text) {
   m_uWritten = m_uSaved;
-  if (!std::exchange(m_bTold, true))
-    m_Program.m_Tell("What is not saved cannot be kept for the next start: its folder is missing, full or read-only.");
+  if (!std::exchange(m_bTold, true)) m_Program.m_Tell(text);
 }
 
 void CRecovery::End() {
   if (const std::optional<bool> written = m_Writing.Wait()) Finish(*written);
   if (!IsUnsaved() || m_uWritten == m_uChanges) return;
   m_uWritten = m_uChanges;
-  if (const CProject project = m_Program.m_Take(); IsWork(project))
-    Finish(WriteInto(m_Folder, project, std::time(nullptr)));
+  try {
+    if (const CProject project = m_Program.m_Take(); IsWork(project))
+      Finish(WriteInto(m_Folder, project, std::time(nullptr)));
+  } catch (const std::bad_alloc&) {
+    NotKept(kNoMemory);
+  }
 }
 
 std::vector<CUnsavedWork> CRecovery::List() {

@@ -70,6 +70,7 @@ class CRecovery {
   void Wake(CClock::duration delay);
   void Begin();
   void Finish(bool written);
+  void NotKept(const char* text);
   bool IsUnsaved() const { return m_uChanges != m_uSaved; }
 
   CProgram m_Program;

@@ -168,6 +168,9 @@ void CGridSolver::Resume(const CSolverState& state, std::span<const double> x) {
   if (m_iCounter < 0 || state.m_iCounter < 1 || !same) return;
   Start(x, &state);
   m_iCounter = state.m_iCounter;
+  // What the log is told of the stop once more; the run that has stopped may have been another.
+  m_pStopMessage = state.m_bGaveUp ? "|r_rr| stays at " : "|r_rr| is too small ";
+  m_fStopValue = m_Residual.Rho();
   if (state.m_bStopped) m_End = Outcome::Converged;
   if (state.m_bGaveUp) m_End = Outcome::GaveUp;
 }

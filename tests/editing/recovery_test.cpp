@@ -3,6 +3,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <new>
 #include <string>
 #include <thread>
 
@@ -156,6 +157,23 @@ TEST_F(RecoveryTest, AnEmptyModelDelaysNoWork) {
   recovery.NoteChanges(2);
   AttendFor(recovery, 2s);
   EXPECT_EQ(Files().size(), 1U);
+}
+
+TEST_F(RecoveryTest, AModelThatCannotBeCopiedEndsNothingAndIsToldOnce) {
+  CRecovery::CProgram program = Program();
+  program.m_Take = [this]() -> CProject {
+    ++m_iTaken;
+    throw std::bad_alloc();
+  };
+  CRecovery recovery(m_Folder, std::move(program));
+  recovery.NoteChanges(1);
+  AttendFor(recovery, 1500ms);
+  EXPECT_EQ(m_iTaken, 1);
+  recovery.End();
+  EXPECT_EQ(m_iTaken, 2) << "tried again";
+  EXPECT_TRUE(Files().empty());
+  EXPECT_EQ(m_asTold, std::vector<std::string>{
+                          "What is not saved cannot be kept for the next start: there is not enough memory."});
 }
 
 TEST_F(RecoveryTest, TheNextProgramIsOfferedIt) {

@@ -65,6 +65,21 @@ TEST(ModelStateTest, AConvergedSurfaceIsBackAtOnceAndStays) {
   EXPECT_LT(LargestDifference(NodalHeights(test.m_Grid), heights), 1e-9 * range);
 }
 
+TEST(ModelStateTest, AnotherGridTellsWhyTheSolverHadStopped) {
+  CModelState state;
+  {
+    CRichGrid test;
+    ASSERT_TRUE(RunUntilPaused(test.m_Grid));
+    state = StateOf(test.m_Grid);
+  }
+  CCurveGrid other;
+  CRestoration::RestoreState(other.m_Grid, state);
+  other.m_Console.Take();
+  other.m_Grid.UpdateGrid();
+  EXPECT_TRUE(other.m_Console.Take().starts_with("|r_rr| is too small "));
+  EXPECT_TRUE(other.m_Grid.Solver().HasConverged());
+}
+
 TEST(ModelStateTest, HoldsLevelsToleranceLightsAndSelections) {
   CRichGrid test;
   g_iMaxLevel = 5;
