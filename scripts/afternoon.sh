@@ -15,14 +15,4 @@ export LSAN_OPTIONS=suppressions=$PWD/tests/support/leaks.supp:print_suppression
 need_packages test
 build "$preset" monkey_test -DRELIEVO_BUILD_TESTS:BOOL=ON
 
-trap stop_all EXIT
-trap 'exit 129' HUP
-trap 'exit 130' INT
-trap 'exit 143' TERM
-start_display
-
-set -m
-"build/$preset/tests/monkey_test" &
-tests_pid=$!
-set +m
-wait "$tests_pid"
+run_on_display "build/$preset/tests/monkey_test"

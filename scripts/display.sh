@@ -48,3 +48,21 @@ stop_all() {
   done
   if [[ -n $session ]]; then rm -rf "$session"; fi
 }
+
+# run_on_display command...: starts a display and runs the command on it, in a process group of its own, so that stop_all
+# reaches it and what it has started. Its status.
+run_on_display() {
+  trap stop_all EXIT
+  trap 'exit 129' HUP
+  trap 'exit 130' INT
+  trap 'exit 143' TERM
+  start_display
+
+  set -m
+  "$@" &
+  tests_pid=$!
+  set +m
+  local status=0
+  wait "$tests_pid" || status=$?
+  return "$status"
+}

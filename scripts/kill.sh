@@ -10,14 +10,4 @@ export RELIEVO_KILLS=${1:-200}
 need_packages test
 build release run_test -DRELIEVO_BUILD_TESTS:BOOL=ON
 
-trap stop_all EXIT
-trap 'exit 129' HUP
-trap 'exit 130' INT
-trap 'exit 143' TERM
-start_display
-
-set -m
-build/release/tests/run_test --gtest_filter='RecoveryRunTest.KilledInTheMiddleOfEditsItLosesLittle' &
-tests_pid=$!
-set +m
-wait "$tests_pid"
+run_on_display build/release/tests/run_test --gtest_filter='RecoveryRunTest.KilledInTheMiddleOfEditsItLosesLittle'

@@ -5,13 +5,12 @@
 #include <system_error>
 #include <vector>
 
+#include "formats/ProjectFile.h"
 #include "io/CKeepOldFile.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* kProject = ".relievo";
 
 // One name for all that lead to the same file.
 fs::path Target(const std::string& file) {
@@ -71,7 +70,7 @@ std::string CFilesAtHand::Proposal(const std::string& suffix) const {
   fs::path file = m_Model.m_File.empty() ? m_Picture : m_Model.m_File;
   if (file.empty()) return {};
   // What is typed is what is written, so a model may have any suffix, but not that of the other kind.
-  const bool another = m_Model.m_File.empty() || (file.extension() == kProject) != (suffix == kProject);
+  const bool another = m_Model.m_File.empty() || (file.extension() == kProjectSuffix) != (suffix == kProjectSuffix);
   return another ? file.replace_extension(suffix) : file;
 }
 

@@ -14,11 +14,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "formats/ProjectFile.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kSuffix = ".relievo";
+constexpr std::string_view kSuffix = kProjectSuffix;
 constexpr std::string_view kPart = ".part";
 constexpr std::string_view kLock = ".lock";
 constexpr int kMostNames = 1000;
