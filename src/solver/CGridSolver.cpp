@@ -103,14 +103,12 @@ void CGridSolver::SetConstraints(std::span<const CPtCstrList* const> lists, cons
   RequestRestart();
 }
 
-// The right-hand side shall have the length 1 once it is scaled; where nothing is asked for, what is to be removed.
+// The right-hand side is to have the length 1 once it is scaled; where nothing is asked for, the residual is.
 void CGridSolver::SetFactor(std::span<const double> x) {
   m_Scaled.SetFactor(1.0);
   const auto usable = [](double norm) { return norm > 1.0 / kLargestNorm && norm < kLargestNorm; };
   double norm = m_Scaled.TargetNorm(m_afTargets);
-  if (!usable(norm)) {
-    norm = m_Scaled.ResidualNorm(x, m_afMultipliers, m_afTargets);
-  }
+  if (!usable(norm)) norm = m_Scaled.ResidualNorm(x, m_afMultipliers, m_afTargets);
   m_Scaled.SetFactor(usable(norm) ? 1.0 / norm : 1.0);
 }
 
