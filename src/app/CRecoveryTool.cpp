@@ -41,7 +41,6 @@ CRecoveryTool::CRecoveryTool(CImageViewUI& window, CGrid& grid, const std::files
                           [](const std::string& text) { Console() << text << '\n'; }}),
       m_Dialog(window, window) {
   Connect();
-  TellAtStart();
 }
 
 CRecoveryTool::~CRecoveryTool() {

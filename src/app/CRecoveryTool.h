@@ -15,19 +15,19 @@ class CImageViewUI;
 /// left.
 class CRecoveryTool {
  public:
-  /// Keeps it in `folder` (see CRecoveryFolder), and tells the user if there is something there. Window and grid must
-  /// outlive the object.
+  /// Keeps it in `folder` (see CRecoveryFolder). Window and grid must outlive the object.
   CRecoveryTool(CImageViewUI& window, CGrid& grid, const std::filesystem::path& folder);
   ~CRecoveryTool();
   CRecoveryTool(const CRecoveryTool&) = delete;
   CRecoveryTool& operator=(const CRecoveryTool&) = delete;
 
+  /// Tells the user if there is something in the folder, and offers it from then on.
+  void TellAtStart();
   /// The program ends: what no file holds is written now.
   void End();
 
  private:
   void Connect();
-  void TellAtStart();
   void RefreshList();
   void PutBack();
   std::optional<std::string> ChooseWork();

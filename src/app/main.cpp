@@ -88,6 +88,8 @@ int main(int argc, char** argv) {
   CRecoveryTool recovery(window, grid, StateFolder());
   ending.m_pRecovery = &recovery;
   window.Commands().OpenNow(commandLine.m_Files);
+  // What opening has to say matters less.
+  recovery.TellAtStart();
   RegisterSolverTimer(grid);
   // The end comes from the window's callback.
   for (;;) Fl::wait();

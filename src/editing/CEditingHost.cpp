@@ -64,6 +64,7 @@ void CEditingHost::CurvesRefused(int count) { m_Commands.TellRefusedCurves(count
 void CEditingHost::PerformCommand(Operation operation) { m_Commands.Perform(operation); }
 
 void CEditingHost::TakeStep(UserStep step) {
+  if (step == UserStep::FitPicture) return m_Commands.FitPicture();
   if (m_pHistory != nullptr) m_pHistory->Take(step);
 }
 

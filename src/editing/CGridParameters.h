@@ -5,6 +5,6 @@
 /// What a new grid starts from.
 struct CGridParameters {
   int m_iStartLevel = 5;
-  CExtent m_Extent;  ///< finite, x0 < x1, y0 < y1, nothing above 2000
+  CExtent m_Extent;  ///< finite, x0 < x1, y0 < y1
   bool m_bKeepConstraints = false;
 };

@@ -7,7 +7,6 @@
 #include "base/Console.h"
 #include "editing/CCommandPause.h"
 #include "editing/CSolverControl.h"
-#include "formats/PictureFormats.h"
 #include "io/GridFile.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
@@ -81,10 +80,14 @@ void CGridCommands::NewGrid() {
   const CCommandPause pause(m_Solver);
   m_Host.EndDrags();
   const std::optional<CGridParameters> chosen = m_Services.m_AskNewGrid(*m_pGrid);
-  if (!chosen.has_value()) return;
-  const CExtent& extent = chosen->m_Extent;
-  m_pGrid->Gate().Do(Edit::NewGrid, [&] {
-    m_pGrid->Initialize(chosen->m_iStartLevel, chosen->m_bKeepConstraints, extent.x0, extent.y0, extent.x1, extent.y1);
+  if (chosen.has_value()) StartOver(Edit::NewGrid, *chosen);
+}
+
+void CGridCommands::StartOver(Edit edit, const CGridParameters& parameters) {
+  const CExtent& extent = parameters.m_Extent;
+  m_pGrid->Gate().Do(edit, [&] {
+    m_pGrid->Initialize(parameters.m_iStartLevel, parameters.m_bKeepConstraints, extent.x0, extent.y0, extent.x1,
+                        extent.y1);
     m_pGrid->Reset();
     SetPickTolerance();
     m_Files.ModelReplaced();
@@ -134,19 +137,6 @@ void CGridCommands::OpenModel(const std::string& file) {
   if (state != GridFileState::NotOpened) TellRefusedCurves(m_pGrid->CurveEdits().TakeRefused());
   if (IsReplaced(state)) m_Host.GridReplaced();
   if (state == GridFileState::Whole) NoteSaved();
-}
-
-void CGridCommands::LoadImage(const std::string& named) {
-  const CCommandPause pause(m_Solver);
-  std::optional<std::string> file = named;
-  if (named.empty()) {
-    const std::string pattern = Pattern(PictureFormats().front().m_pSuffix);
-    file = m_Host.ChooseFile(
-        {.m_pTitle = "please input image file name", .m_pPattern = pattern.c_str(), .m_Kind = "picture"});
-  }
-  if (!file.has_value()) return;
-  m_Host.EndDrags();
-  if (m_Host.LoadPicture(*file)) m_Files.PictureOpened(*file);
 }
 
 void CGridCommands::Save(const CModelFormat& format, const CModelName& named) {

@@ -111,6 +111,15 @@ class CGridCommands {
   /// no step of the solver is under way.
   void Write(const CModelFormat& format);
 
+  // PictureCommands.cpp: the photograph.
+  /// Whether there is a picture and nothing that a new grid would lose: no constraint, no curve, none in progress; and
+  /// whether the grid then has other proportions than the picture.
+  bool CanFitPicture() const;
+  bool OffersFit() const;
+  /// Starts over with a grid in the picture's proportions, 100 along its shorter side, at the present base level; now.
+  /// Nothing where that cannot be.
+  void FitPicture();
+
   // ProjectCommands.cpp: the work as a whole.
   /// The work as it is, with the photograph only named.
   CProject Project() const;
@@ -142,6 +151,7 @@ class CGridCommands {
   void Request(const CRequest& request);
   void Perform(const CRequest& request);
   void NewGrid();
+  void StartOver(Edit edit, const CGridParameters& parameters);
   void LoadGrid(const CRequest& request);
   std::optional<std::string> ChooseModel(Chooser chooser);
   void OpenModel(const std::string& file);

@@ -59,6 +59,8 @@ const char* NameOf(Edit edit) {
       return "Reset the solver";
     case Edit::NewGrid:
       return "New Grid";
+    case Edit::FitPicture:
+      return "Grid in the Picture's Proportions";
     case Edit::LoadGrid:
       return "Load Grid";
     case Edit::OpenProject:

@@ -33,8 +33,9 @@ constexpr bool Repeats(Operation operation) {
   return operation == Operation::kSubdivide || operation == Operation::kMerge;
 }
 
-/// A step on the way back through what the user has done, or forward again.
-enum class UserStep { None, Undo, Redo };
+/// What a user asks for that has no code: a step on the way back through what was done, or forward again, or a new grid
+/// in the proportions of the picture.
+enum class UserStep { None, Undo, Redo, FitPicture };
 
 /// What has been done of what waited.
 enum class Performed { Nothing, Operations, Step };
@@ -48,7 +49,7 @@ struct CPendingRound {
 
 /// The work that commands and edits leave for the next tick: the code posted last, and what it was posted over.
 ///
-/// Beside the codes wait the steps back and forward that the user has asked for, each after the codes posted before it.
+/// Beside the codes wait the steps that the user has asked for, each after the codes posted before it.
 ///
 /// One code is visible at a time, the last; but no posted work is lost. Overwritten codes wait in the order in which
 /// they were posted, edits that follow each other merged into the most thorough one (maps over matrix over restart). A

@@ -27,6 +27,7 @@ enum class Edit {
   SwitchResolution,
   ResetSolver,
   NewGrid,
+  FitPicture,  ///< a new grid in the proportions of the picture
   LoadGrid,
   OpenProject,
   RecoverWork,

@@ -28,8 +28,9 @@ class GridHost {
   virtual void CurvesRefused(int /*count*/) {}
   /// Perform a command that is the program's and not the model's (such as Operation::kLoadGrid).
   virtual void PerformCommand(Operation /*operation*/) {}
-  /// Take the user's document a step back or forward (see CGrid::RestoreDocument and RestoreState). What waited when
-  /// the step was asked for has been performed, but for edits, whose code is posted.
+  /// Take the user's document a step back or forward (see CGrid::RestoreDocument and RestoreState), or begin a new one
+  /// in the picture's proportions. What waited when the step was asked for has been performed, but for edits, whose
+  /// code is posted.
   virtual void TakeStep(UserStep /*step*/) {}
   /// The solver has converged and cleared the grid's running flag.
   virtual void PauseSolverConverged() {}

@@ -192,6 +192,31 @@ TEST_F(WindowCommandsTest, WaveletTestLogs) {
   EXPECT_EQ(Console().rfind("CGrid::TestWavelets", 0), 0U);
 }
 
+// A grid in the proportions of the picture; the one of these tests is 16 by 8.
+
+TEST_F(WindowCommandsTest, APictureThatTheGridStretchesIsOfferedAnotherGrid) {
+  LoadPicture();
+  EXPECT_EQ(HelpLine().value(), FormatHelp(HelpText::kFitOffered));
+  EXPECT_TRUE(Menu().IsActive(MenuEntry::FitPicture));
+  Menu().Choose(MenuEntry::FitPicture);
+  EXPECT_TRUE(RunToolkitUntil([this] { return Grid().Surface().Lattice().Extent() == CExtent(); }));
+  LoadPicture();
+  EXPECT_NE(HelpLine().value(), FormatHelp(HelpText::kFitOffered)) << "it fits";
+}
+
+TEST_F(WindowCommandsTest, AGridInThePicturesProportionsIsForAnEmptyModel) {
+  Grid().AddPtCstr(HeightCstr(4, 22, 1));
+  LoadPicture();
+  EXPECT_NE(HelpLine().value(), FormatHelp(HelpText::kFitOffered));
+  const CExtent before = Grid().Surface().Lattice().Extent();
+  Menu().Choose(MenuEntry::FitPicture);
+  EXPECT_EQ(Grid().Surface().Lattice().Extent(), before);
+  Menu().Choose(MenuEntry::Undo);
+  ASSERT_TRUE(RunToolkitUntil([this] { return Grid().Constraints().Points().empty(); }));
+  Menu().TakeShortcut();
+  EXPECT_TRUE(Menu().IsActive(MenuEntry::FitPicture));
+}
+
 // The run of the solver.
 
 TEST_F(WindowCommandsTest, StopAndResumeRunTheSolver) {

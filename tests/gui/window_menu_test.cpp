@@ -36,6 +36,7 @@ const auto kEntries = std::to_array<CExpectedEntry>({
   {"&File/&Open Project...", MenuEntry::OpenProject, 0, Command},
   {"&File/Open &Recent/Clear list", MenuEntry::ClearRecent, 0, Command},
   {"&File/Recover Unsaved &Work", MenuEntry::RecoverWork, 0, Command},
+  {"&File/Grid in the Pic&ture's Proportions", MenuEntry::FitPicture, 0, Command},
   {"&File/&Quit", MenuEntry::Quit, kCtrl | 'q', Command},
   {"&2D View/Show &Grid", MenuEntry::ImageGrid, kCtrl | 'g', Toggle, true},
   {"&2D View/Show &Image", MenuEntry::ImagePicture, kCtrl | 'i', Toggle},
@@ -147,7 +148,8 @@ TEST_F(WindowMenuTest, HasTheEntriesOfTheTable) {
 }
 
 TEST_F(WindowMenuTest, OnlyWhatHasNothingToWorkWithStartsInactive) {
-  constexpr std::array kInactive{MenuEntry::ImagePicture, MenuEntry::ModelTexture, MenuEntry::RecoverWork};
+  constexpr std::array kInactive{MenuEntry::ImagePicture, MenuEntry::ModelTexture, MenuEntry::RecoverWork,
+                                 MenuEntry::FitPicture};
   for (const CExpectedEntry& row : kEntries) {
     const bool inactive = std::ranges::find(kInactive, row.m_Entry) != kInactive.end();
     EXPECT_EQ(Menu().IsActive(row.m_Entry), !inactive) << row.m_pPath;

@@ -50,6 +50,7 @@ inline constexpr std::array kHelpTexts{
     "Undone: %1",
     "Done again: %1",
     "There is not the memory to go that step: the model stays as it is",
+    "File, Grid in the Picture's Proportions, begins a grid that does not stretch this picture",
 };
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
@@ -79,6 +80,7 @@ enum Index : int {
   kStepUndone = 32,   ///< what has been taken back
   kStepRedone = 33,   ///< what has been done again
   kStepFailed = 34,
+  kFitOffered = 35,  ///< after a picture that the grid stretches
 };
 }  // namespace HelpText
 

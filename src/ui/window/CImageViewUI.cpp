@@ -126,6 +126,7 @@ void CImageViewUI::RefreshEnabled() {
   Menu().Enable(MenuEntry::OpenProject, static_cast<bool>(model.m_ReadProject));
   Menu().Enable(MenuEntry::SaveProject, static_cast<bool>(model.m_SaveProject));
   Menu().Enable(MenuEntry::RecoverWork, m_Commands.Recovery().m_HasWork && m_Commands.Recovery().m_HasWork());
+  Menu().Enable(MenuEntry::FitPicture, m_Commands.CanFitPicture());
   Menu().Enable(MenuEntry::DrawingParameters, static_cast<bool>(m_Services.m_ShowDrawingOptions));
   Menu().Enable(MenuEntry::ImagePicture, HasPicture());
   Menu().Enable(MenuEntry::ModelTexture, HasPicture());

@@ -118,6 +118,8 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
 
   // ImageViewUIHistory.cpp: steps back and forward.
   void RequestStep(UserStep step);
+  /// Has a grid in the picture's proportions begun at the next tick.
+  void RequestFit();
   void RefreshSteps();
   void ShowPendingCurve();
   bool IsDragging() const override;

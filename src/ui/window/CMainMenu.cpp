@@ -39,6 +39,7 @@ constexpr auto kRows = std::to_array<CMenuRow>({
   {Command, "&Open Project...", 0, MenuEntry::OpenProject},
   {RecentFiles, "Open &Recent", 0, {}},
   {Command, "Recover Unsaved &Work", 0, MenuEntry::RecoverWork},
+  {Command, "Grid in the Pic&ture's Proportions", 0, MenuEntry::FitPicture},
   {Command, "&Quit", FL_CTRL + 'q', MenuEntry::Quit},
   {End, nullptr, 0, {}},
   {Menu, "&2D View", 0, {}},

@@ -19,6 +19,7 @@ enum class MenuEntry {
   SaveProject,
   OpenProject,
   RecoverWork,
+  FitPicture,
   ImageGrid,
   ImagePicture,
   ImagePoints,

@@ -144,6 +144,8 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       return m_Commands.SaveProject();
     case MenuEntry::RecoverWork:
       return m_Commands.RecoverWork();
+    case MenuEntry::FitPicture:
+      return RequestFit();
     case MenuEntry::ShootImage:
       return Shoot(*this, ImageView(), GridView());
     case MenuEntry::ShootModel:
@@ -286,6 +288,7 @@ void CImageViewUI::EndDrags() {
 bool CImageViewUI::LoadPicture(const std::string& file) {
   if (!ImageView().LoadImage(file)) return false;
   PictureTaken({file, {}, nullptr});
+  if (m_Commands.OffersFit()) ShowMessage(FormatHelp(HelpText::kFitOffered));
   return true;
 }
 

@@ -29,11 +29,18 @@ void CImageViewUI::RequestStep(UserStep step) {
   m_GridHost.PerformPendingWork(IsDragging());
 }
 
+void CImageViewUI::RequestFit() {
+  if (!m_Commands.CanFitPicture()) return;
+  m_pGrid->Run().RequestStep(UserStep::FitPicture);
+  m_GridHost.PerformPendingWork(IsDragging());
+}
+
 void CImageViewUI::RefreshSteps() {
   Menu().SetText(MenuEntry::Undo, StepText("&Undo", m_History.UndoName()));
   Menu().SetText(MenuEntry::Redo, StepText("&Redo", m_History.RedoName()));
   Menu().Enable(MenuEntry::Undo, m_History.CanUndo());
   Menu().Enable(MenuEntry::Redo, m_History.CanRedo());
+  Menu().Enable(MenuEntry::FitPicture, m_Commands.CanFitPicture());
 }
 
 bool CImageViewUI::IsDragging() const { return Fl::pushed() != nullptr; }
