@@ -11,7 +11,8 @@ shaped by hand: heights and orientations at points, curves that smooth,
 crease or tear. The smoothest surface that obeys them converges beside the
 photograph while it is edited. It can be relit, filmed and exported.
 
-relievo-batch does the same without a display.")
+relievo-batch does the same without a display, and relievo-picture draws a
+model without one.")
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

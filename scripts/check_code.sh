@@ -10,7 +10,7 @@ say "shellcheck"
 find run test .ci bench scripts tests packaging -type f -exec grep -lE '^(#!.*sh$|# shellcheck shell=)' {} + \
   | LC_ALL=C sort | xargs shellcheck -x
 configure clang
-for program in relievo relievo-batch; do
+for program in relievo relievo-batch relievo-picture; do
   build clang "$program"
 done
 say "clang-tidy"

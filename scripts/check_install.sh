@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # scripts/check_install.sh <build tree>
-# Installs into an empty prefix and fails unless the list of files is complete, the batch program runs from there, and a
-# desktop that knows the prefix knows a model by its name and by its contents.
+# Installs into an empty prefix and fails unless the list of files is complete, the programs without a window run from
+# there, the one as a file manager would start it, and a desktop that knows the prefix knows a model by its name and by its
+# contents.
 set -euo pipefail
 
 prefix=$(mktemp -d)
@@ -10,15 +11,18 @@ cmake --install "$1" --prefix "$prefix" >/dev/null
 
 expected="bin/relievo
 bin/relievo-batch
+bin/relievo-picture
 share/applications/relievo.desktop
 share/doc/relievo/README.md
 share/doc/relievo/changelog.gz
 share/doc/relievo/copyright
 share/icons/hicolor/scalable/apps/relievo.svg
 share/man/man1/relievo-batch.1.gz
+share/man/man1/relievo-picture.1.gz
 share/man/man1/relievo.1.gz
 share/metainfo/io.github.relievo.relievo.metainfo.xml
 share/mime/packages/relievo.xml
+share/thumbnailers/relievo.thumbnailer
 share/relievo/samples/README.md
 $(find docs -type f -printf 'share/doc/relievo/%p\n')
 $(cd samples && find . -name '*.bmp' -printf 'share/relievo/samples/%P\n' -o -name '*.grid' -printf 'share/relievo/samples/%P\n')"
@@ -26,6 +30,14 @@ diff <(sort <<<"$expected") <(cd "$prefix" && find . -type f -printf '%P\n' | so
 
 "$prefix/bin/relievo-batch" --version
 "$prefix/bin/relievo-batch" "$prefix/share/relievo/samples/coffee.grid" --iterations 0 --quiet
+
+# What its entry says for a size, an output and an input.
+thumbnailer=$(sed -n 's/^Exec=//p' "$prefix/share/thumbnailers/relievo.thumbnailer")
+thumbnailer=${thumbnailer//%s/128}
+thumbnailer=${thumbnailer/\%i/samples\/cat.grid}
+thumbnailer=${thumbnailer/\%o/$prefix\/small.png}
+env -u DISPLAY sh -c "$prefix/bin/$thumbnailer"
+[[ $(identify -format "%m %wx%h" "$prefix/small.png") == "PNG 128x128" ]]
 
 export XDG_DATA_HOME=$prefix/home XDG_DATA_DIRS=$prefix/share:/usr/share
 update-mime-database "$prefix/share/mime"

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <limits>
 
 #include "base/Console.h"
 
@@ -26,12 +28,46 @@ double FullAngle(double cosine, double sine) {
   return sine >= kOnTheSeam ? angle : 360 - angle;
 }
 
+// The shortest interval that holds what was added.
+class CInterval {
+ public:
+  void Add(double place) {
+    m_fLow = std::min(m_fLow, place);
+    m_fHigh = std::max(m_fHigh, place);
+  }
+  double Middle() const { return 0.5 * (m_fLow + m_fHigh); }
+  double HalfLength() const { return 0.5 * (m_fHigh - m_fLow); }
+
+ private:
+  double m_fLow = std::numeric_limits<double>::infinity();
+  double m_fHigh = -std::numeric_limits<double>::infinity();
+};
+
 }  // namespace
 
 void CCamera::Reset(const Vector3& low, const Vector3& high) {
   *this = CCamera{};
   m_Centre = 0.5 * (low + high);
   m_fR = m_fR0 = 0.5 * Length(high - low);
+  UpdateEye();
+}
+
+void CCamera::Fit(std::span<const float> positions, double width, double height) {
+  if (positions.empty() || m_fR == 0) return;
+  const Vector3 up = Normalised(m_Up);
+  const Vector3 side = Cross(up, Normalised(m_Eye - m_Centre));
+  CInterval across;
+  CInterval upwards;
+  for (std::size_t k = 0; k + 2 < positions.size(); k += 3) {
+    const Vector3 point = Vector3{positions[k], positions[k + 1], positions[k + 2]} - m_Centre;
+    across.Add(Dot(point, side));
+    upwards.Add(Dot(point, up));
+  }
+  const double shorter = std::min(width, height);
+  const double r = std::max(across.HalfLength() * shorter / width, upwards.HalfLength() * shorter / height);
+  m_Centre += across.Middle() * side + upwards.Middle() * up;
+  // A surface seen as a point shows nothing at any size.
+  if (r > 0) m_fR = r;
   UpdateEye();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 #include "base/Vector3.h"
 
 /// The camera of the model view: it looks at the centre of the model from a sphere about it, without perspective.
@@ -21,6 +23,9 @@ struct CCamera {
 
   /// Looks at the box between two corners from +z with y up, just far enough to see all of it from anywhere.
   void Reset(const Vector3& low, const Vector3& high);
+  /// Moves centre and eye sideways and sets R so that the points, x, y and z each, just fill a view of that proportion
+  /// whose shorter side shows 2 R. The angles stay; without points nothing happens.
+  void Fit(std::span<const float> positions, double width, double height);
   /// Eye and up vector from the centre, R and the angles.
   void UpdateEye();
   /// The angles from the eye and the up vector, after those were moved directly; the inverse of `UpdateEye`. Logs the

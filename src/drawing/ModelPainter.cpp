@@ -5,8 +5,10 @@
 #include <span>
 
 #include <GL/gl.h>
+#include <GL/glu.h>
 
 #include "base/Console.h"
+#include "drawing/CCamera.h"
 #include "drawing/CTextures.h"
 #include "drawing/ConstraintDrawing.h"
 #include "drawing/CurveColours.h"
@@ -187,6 +189,28 @@ void DrawLightMarkers(const CGrid& grid, const CLightSet& lights) {
 CColour SubdivisionColour(int level) {
   constexpr std::array<CColour, 4> kColours{{{1, 0, 0}, {1, 0.5, 0.5}, {0.5, 1, 0.5}, {0.5, 0.5, 1}}};
   return kColours[std::min(static_cast<std::size_t>(level), kColours.size() - 1)];
+}
+
+void CModelPainter::DrawScene(const CGrid& grid, const CView& view, const CCamera& camera, const CHalfSizes& sizes) {
+  const auto [red, green, blue, alpha] = g_DrawingSettings.m_afBackground;
+  glEnable(GL_DEPTH_TEST);
+  glDepthFunc(GL_LEQUAL);
+  glClearColor(red, green, blue, alpha);
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  // Zoomed in to nothing, there is no projection.
+  const double r = camera.m_fR;
+  if (r == 0) return;
+  constexpr double kDepth = 100;
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  glOrtho(-sizes.m_fWidth, sizes.m_fWidth, -sizes.m_fHeight, sizes.m_fHeight, -kDepth * r, kDepth * r);
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+  const Vector3& centre = camera.m_Centre;
+  const Vector3& eye = camera.m_Eye;
+  const Vector3& up = camera.m_Up;
+  gluLookAt(eye.x, eye.y, eye.z, centre.x, centre.y, centre.z, up.x, up.y, up.z);
+  Draw(grid, view);
 }
 
 void CModelPainter::Draw(const CGrid& grid, const CView& view) {

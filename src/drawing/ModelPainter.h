@@ -10,6 +10,7 @@
 
 class CGrid;
 class CTextures;
+struct CCamera;
 
 /// Colour of the grid lines 2^level lattice steps long while levels have colours of their own.
 CColour SubdivisionColour(int level);
@@ -24,6 +25,14 @@ class CModelPainter {
     CTextures* m_pTextures = nullptr;  ///< none: the model is drawn without
   };
 
+  /// Half of what a view shows to either side of its middle, model units.
+  struct CHalfSizes {
+    double m_fWidth = 0.0;
+    double m_fHeight = 0.0;
+  };
+
+  /// Draws the model as a camera sees it on the cleared viewport, and nothing where the camera is zoomed in to nothing.
+  void DrawScene(const CGrid& grid, const CView& view, const CCamera& camera, const CHalfSizes& sizes);
   /// Leaves the context without lighting and texturing, the current colour white.
   void Draw(const CGrid& grid, const CView& view);
 

@@ -1,15 +1,14 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sys/wait.h>
 
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
+#include "support/ProgramRun.h"
 
 /// relievo-batch in a directory of its own, where a model lies.
 class Batch : public testing::Test {
@@ -21,10 +20,7 @@ class Batch : public testing::Test {
 
   /// Starts the program in the directory; its exit status.
   int Run(const std::string& arguments, const std::string& before = "") const {
-    const std::string command = "cd '" + m_Directory.Path().string() + "' && " + before + " '" RELIEVO_BATCH "' " +
-                                arguments + " >out 2>err </dev/null";
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return RunIn(m_Directory.Path(), before + " '" RELIEVO_BATCH "' " + arguments);
   }
   nlohmann::json Report() const { return nlohmann::json::parse(Bytes("out")); }
 

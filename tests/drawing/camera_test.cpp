@@ -1,5 +1,8 @@
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
+#include <span>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -292,4 +295,59 @@ TEST(CameraTest, HeightOfADragIsWhatItCoversOnAFlatSquareModel) {
 TEST(CameraTest, HeightOfADragInNoViewIsZero) {
   EXPECT_EQ(Camera().HeightOfDrag(10, 0, 100), 0);
   EXPECT_EQ(CCamera{}.HeightOfDrag(10, 430, 100), 0);
+}
+
+// Fitting.
+
+namespace {
+
+// What a view of that proportion shows of the points: from the middle, in halves of its width and height.
+struct CSeen {
+  double m_fLeft = 1e300;
+  double m_fRight = -1e300;
+  double m_fBottom = 1e300;
+  double m_fTop = -1e300;
+};
+CSeen SeenIn(const CCamera& camera, std::span<const float> points, double width, double height) {
+  const Vector3 up = Normalised(camera.m_Up);
+  const Vector3 side = Cross(up, Normalised(Offset(camera)));
+  const double shorter = std::min(width, height);
+  CSeen seen;
+  for (std::size_t k = 0; k < points.size(); k += 3) {
+    const Vector3 p = Vector3{points[k], points[k + 1], points[k + 2]} - camera.m_Centre;
+    const double x = Dot(p, side) / (camera.m_fR * width / shorter);
+    const double y = Dot(p, up) / (camera.m_fR * height / shorter);
+    seen = {std::min(seen.m_fLeft, x), std::max(seen.m_fRight, x), std::min(seen.m_fBottom, y),
+            std::max(seen.m_fTop, y)};
+  }
+  return seen;
+}
+
+constexpr std::array<float, 12> kPoints{0, 0, 0, 6, 1, 2, 5, 4, 12, 2, 3, 7};
+
+}  // namespace
+
+TEST(CameraTest, FittedItShowsAllPointsWithNoRoomLeft) {
+  for (const CAngles& angles : kAngles) {
+    for (const auto& [width, height] : {std::array{1.0, 1.0}, std::array{800.0, 600.0}, std::array{3.0, 10.0}}) {
+      CCamera camera = At(angles.m_fTheta, angles.m_fPhi, angles.m_fZeta);
+      camera.Fit(kPoints, width, height);
+      const CSeen seen = SeenIn(camera, kPoints, width, height);
+      EXPECT_NEAR(seen.m_fLeft, -seen.m_fRight, kTolerance) << "in the middle";
+      EXPECT_NEAR(seen.m_fBottom, -seen.m_fTop, kTolerance);
+      EXPECT_NEAR(std::max(seen.m_fRight, seen.m_fTop), 1, kTolerance);
+      EXPECT_EQ(camera.m_fTheta, angles.m_fTheta);
+      EXPECT_NEAR(Length(Offset(camera)), camera.m_fR, kTolerance);
+    }
+  }
+}
+
+TEST(CameraTest, NothingIsFittedWithoutPointsOrToOneAlone) {
+  CCamera camera = Camera();
+  camera.Fit({}, 4, 3);
+  ExpectNear(camera.m_Centre, {3, 2, 6});
+  EXPECT_EQ(camera.m_fR, 7);
+  camera.Fit(std::span(kPoints).first(3), 4, 3);
+  ExpectNear(camera.m_Centre, {0, 0, 6});
+  EXPECT_EQ(camera.m_fR, 7);
 }

@@ -3,8 +3,6 @@
 #include <algorithm>
 
 #include <FL/Fl.H>
-#include <GL/gl.h>
-#include <GL/glu.h>
 
 #include "base/Console.h"
 #include "drawing/CTextures.h"
@@ -85,25 +83,7 @@ void CGridView::DrawScene() {
   const bool texels = (m_View.m_uFlags & ModelFlag::kTexelNormals) != 0;
   const CBusyCursor busy(texels && m_pGrid->Relighting().Texels().Mask().size() > kManyTexels);
   if (texels) m_pGrid->Relighting().LocateTexels();
-  const auto [red, green, blue, alpha] = g_DrawingSettings.m_afBackground;
-  glEnable(GL_DEPTH_TEST);
-  glDepthFunc(GL_LEQUAL);
-  glClearColor(red, green, blue, alpha);
-  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-  // Zoomed in to nothing, there is no projection.
-  const double r = m_Camera.m_fR;
-  if (r == 0) return;
-  constexpr double kDepth = 100;
-  glMatrixMode(GL_PROJECTION);
-  glLoadIdentity();
-  glOrtho(-r, r, -r, r, -kDepth * r, kDepth * r);
-  glMatrixMode(GL_MODELVIEW);
-  glLoadIdentity();
-  const Vector3& centre = m_Camera.m_Centre;
-  const Vector3& eye = m_Camera.m_Eye;
-  const Vector3& up = m_Camera.m_Up;
-  gluLookAt(eye.x, eye.y, eye.z, centre.x, centre.y, centre.z, up.x, up.y, up.z);
-  m_Painter.Draw(*m_pGrid, m_View);
+  m_Painter.DrawScene(*m_pGrid, m_View, m_Camera, {m_Camera.m_fR, m_Camera.m_fR});
 }
 
 void CGridView::SetCamera(const CCamera& camera) {

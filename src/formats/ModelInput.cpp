@@ -1,0 +1,76 @@
+#include "formats/ModelInput.h"
+
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "formats/PictureFormats.h"
+#include "formats/ProjectFile.h"
+#include "formats/ProjectPicture.h"
+#include "io/FileKind.h"
+#include "io/GridFile.h"
+#include "model/CGrid.h"
+#include "model/CModelState.h"
+#include "model/RefusedCurves.h"
+
+namespace {
+
+void TellOfRefusedCurves(CGrid& grid, CModelInput& input) {
+  if (const int refused = grid.CurveEdits().TakeRefused(); refused != 0)
+    input.m_asNotices.push_back(RefusedCurvesText(refused));
+}
+
+bool ReadProjectInput(CGrid& grid, const std::string& model, bool photograph, CModelInput& input) {
+  const CReadProject read = ReadProject(model);
+  if (!read.m_Project.has_value()) {
+    input.m_asNotices.push_back(read.m_Trouble);
+    return false;
+  }
+  try {
+    CRestoration::RestoreState(grid, read.m_Project->m_Model);
+  } catch (const std::bad_alloc&) {
+    input.m_asNotices.push_back("The file " + model + " needs more memory than there is.");
+    return false;
+  }
+  TellOfRefusedCurves(grid, input);
+  const CProjectPicture& picture = read.m_Project->m_Picture;
+  if (!photograph || picture.m_pBytes == nullptr) return true;
+  std::optional<Global::CLoadedPicture> loaded = PixelsOf(picture);
+  if (!loaded.has_value()) {
+    input.m_asNotices.push_back("The photograph in " + model + " cannot be read.");
+    return false;
+  }
+  input.m_Photograph = std::move(loaded->m_Picture);
+  return true;
+}
+
+bool ReadGridInput(CGrid& grid, const std::string& model, CModelInput& input) {
+  const GridFileState state = grid.Load(model);
+  if (std::string trouble = TroubleWith(state, model); !trouble.empty())
+    input.m_asNotices.push_back(std::move(trouble));
+  TellOfRefusedCurves(grid, input);
+  input.m_bDamaged = state == GridFileState::Damaged;
+  return IsRead(state);
+}
+
+bool ReadPhotograph(const std::string& image, CModelInput& input) {
+  std::optional<Global::CLoadedPicture> loaded = ReadPicture(image);
+  if (!loaded.has_value() || loaded->m_Picture.m_aPixels.empty()) {
+    input.m_asNotices.push_back("The file " + image + " is not a picture that can be read: " + WhyNoPicture(image) +
+                                ".");
+    return false;
+  }
+  if (loaded->m_bEndsEarly) input.m_asNotices.push_back("The file " + image + " is shorter than its header says.");
+  input.m_Photograph = std::move(loaded->m_Picture);
+  return true;
+}
+
+}  // namespace
+
+CModelInput ReadModelInput(CGrid& grid, const std::string& model, const std::string& image) {
+  CModelInput input;
+  const bool read =
+      IsProjectFile(model) ? ReadProjectInput(grid, model, image.empty(), input) : ReadGridInput(grid, model, input);
+  input.m_bRead = read && (image.empty() || ReadPhotograph(image, input));
+  return input;
+}

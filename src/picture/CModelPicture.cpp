@@ -1,0 +1,88 @@
+#include "picture/CModelPicture.h"
+
+#include <algorithm>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "drawing/CCamera.h"
+#include "drawing/CTextures.h"
+#include "drawing/ModelPainter.h"
+#include "drawing/OpenGLDefaults.h"
+#include "formats/ModelInput.h"
+#include "formats/PngBytes.h"
+#include "io/CFileReplacement.h"
+#include "picture/COffscreenCanvas.h"
+#include "picture/PictureStatus.h"
+
+namespace {
+
+// Of the side of a picture that the surface fills.
+constexpr double kMargin = 1.04;
+
+void Complain(const std::string& text) { std::cerr << "relievo-picture: " << text << '\n'; }
+
+bool Save(const std::string& filename, const CPicture& picture) {
+  const std::string bytes = PngOf(picture);
+  CFileReplacement file(filename);
+  if (bytes.empty() || !file.IsOpen()) return false;
+  file.Write({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});
+  return file.Commit();
+}
+
+CCamera CameraOf(const CGrid& grid, const CPictureOptions& options) {
+  constexpr double kUpright = 90.0;
+  const CSurface& surface = grid.Surface();
+  const CExtent& extent = surface.Lattice().Extent();
+  CCamera camera;
+  camera.Reset({extent.x0, extent.y0, surface.MinHeight()}, {extent.x1, extent.y1, surface.MaxHeight()});
+  camera.m_fTheta = kUpright - options.m_fElevation;
+  camera.m_fPhi = options.m_fAzimuth;
+  camera.UpdateEye();
+  if (!options.m_bFit) return camera;
+  CSurfaceMesh mesh;
+  std::vector<float> positions;
+  mesh.Build(surface.Tree());
+  mesh.Place(surface.Tree(), positions);
+  mesh.Raise<float>(surface.Tree(), positions);
+  camera.Fit(positions, options.m_iWidth, options.m_iHeight);
+  camera.m_fR *= kMargin;
+  camera.UpdateEye();
+  return camera;
+}
+
+}  // namespace
+
+int CModelPicture::Make() {
+  if (!Read()) return PictureStatus::kInput;
+  const COffscreenCanvas canvas(m_Options.m_iWidth, m_Options.m_iHeight);
+  if (!canvas.Trouble().empty()) {
+    Complain(canvas.Trouble());
+    return PictureStatus::kDrawing;
+  }
+  Draw();
+  if (Save(m_Options.m_Output, canvas.Picture())) return PictureStatus::kDone;
+  Complain("The file " + m_Options.m_Output + " could not be written.");
+  return PictureStatus::kOutput;
+}
+
+bool CModelPicture::Read() {
+  const CModelInput input = ReadModelInput(m_Grid, m_Options.m_Model, m_Options.m_Image);
+  for (const std::string& notice : input.m_asNotices) Complain(notice);
+  if (!input.m_bRead) return false;
+  m_Grid.PerformPendingWork();
+  if (input.m_Photograph.m_aPixels.empty() || m_Grid.Relighting().SetPicture(input.m_Photograph)) return true;
+  Complain("There is not enough memory for the photograph.");
+  return false;
+}
+
+void CModelPicture::Draw() const {
+  SetOpenGLDefaults();
+  CTextures textures;
+  CModelPainter painter;
+  const CModelPainter::CView view{ModelFlag::kTexturedModel, DrawnTexture::kPhotograph, &textures};
+  const CCamera camera = CameraOf(m_Grid, m_Options);
+  const double shorter = std::min(m_Options.m_iWidth, m_Options.m_iHeight);
+  painter.DrawScene(m_Grid, view, camera,
+                    {camera.m_fR * m_Options.m_iWidth / shorter, camera.m_fR * m_Options.m_iHeight / shorter});
+}

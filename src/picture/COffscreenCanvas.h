@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+#include "base/CPicture.h"
+
+/// A picture to draw into with OpenGL, without a display: its context is current as long as the object lives. Every
+/// pixel is the mean of several samples.
+class COffscreenCanvas {
+ public:
+  /// Longest side of a picture.
+  static constexpr int kLargestSide = 8192;
+  /// Samples of every pixel.
+  static constexpr int kSamples = 4;
+
+  /// Sizes in pixels, 1 to kLargestSide. Where there is no such context or not enough memory `Trouble` says so, and
+  /// nothing may be drawn.
+  COffscreenCanvas(int width, int height);
+  ~COffscreenCanvas();
+  COffscreenCanvas(const COffscreenCanvas&) = delete;
+  COffscreenCanvas& operator=(const COffscreenCanvas&) = delete;
+
+  /// Why nothing can be drawn, as a sentence; empty if all is well.
+  const std::string& Trouble() const { return m_Trouble; }
+  /// What has been drawn.
+  CPicture Picture() const;
+
+ private:
+  bool MakeContext();
+  bool MakeBuffers();
+
+  const int m_iWidth;
+  const int m_iHeight;
+  void* m_pDisplay = nullptr;
+  void* m_pContext = nullptr;
+  unsigned m_uSampled = 0;   ///< frame buffer that is drawn into
+  unsigned m_uResolved = 0;  ///< and the one that its means go to
+  std::string m_Trouble;
+};
