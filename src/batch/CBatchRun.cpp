@@ -17,7 +17,6 @@
 #include "formats/ProjectFile.h"
 #include "formats/ProjectPicture.h"
 #include "io/CFileReplacement.h"
-#include "io/FileKind.h"
 #include "io/GridFile.h"
 #include "model/RefusedCurves.h"
 
@@ -94,10 +93,10 @@ bool CBatchRun::ReadProjectFile() {
   if (const int refused = m_Grid.CurveEdits().TakeRefused(); refused != 0) CurvesRefused(refused);
   const CProjectPicture& picture = read.m_Project->m_Picture;
   if (!m_Options.m_Image.empty() || picture.m_pBytes == nullptr) return true;
-  std::optional<Global::CLoadedPicture> loaded = PixelsOf(picture);
-  if (!loaded.has_value()) Complain("The photograph in " + m_Options.m_Model + " cannot be read.");
-  if (loaded.has_value()) m_Picture = std::move(loaded->m_Picture);
-  return loaded.has_value();
+  CReadPicture loaded = PixelsOf(picture);
+  if (!loaded) Complain("The photograph in " + m_Options.m_Model + " cannot be read.");
+  m_Picture = std::move(loaded.m_Picture);
+  return static_cast<bool>(loaded);
 }
 
 bool CBatchRun::ReadGridFile() {
@@ -114,14 +113,18 @@ bool CBatchRun::ReadGridFile() {
 }
 
 bool CBatchRun::ReadPhotograph() {
-  std::optional<Global::CLoadedPicture> loaded = ReadPicture(m_Options.m_Image);
-  if (!loaded.has_value() || loaded->m_Picture.m_aPixels.empty()) {
-    Complain("The file " + m_Options.m_Image +
-             " is not a picture that can be read: " + WhyNoPicture(m_Options.m_Image) + ".");
+  CReadPicture loaded = ReadPicture(m_Options.m_Image);
+  if (!loaded || loaded.m_Picture.m_aPixels.empty()) {
+    const std::string reason = loaded ? "it has no pixels" : loaded.m_Reason;
+    Complain("The file " + m_Options.m_Image + " is not a picture that can be read: " + reason + ".");
     return false;
   }
-  if (loaded->m_bEndsEarly) Complain("The file " + m_Options.m_Image + " is shorter than its header says.");
-  m_Picture = std::move(loaded->m_Picture);
+  if (loaded.m_bEndsEarly) {
+    Complain("The file " + m_Options.m_Image + " is shorter than its header says.");
+  } else if (!loaded.m_Notice.empty()) {
+    Complain("The file " + m_Options.m_Image + ' ' + loaded.m_Notice + '.');
+  }
+  m_Picture = std::move(loaded.m_Picture);
   return true;
 }
 

@@ -31,7 +31,7 @@ void CGridCommands::LoadImage(const std::string& named) {
   const CCommandPause pause(m_Solver);
   std::optional<std::string> file = named;
   if (named.empty()) {
-    const std::string pattern = std::string("*") + PictureFormats().front().m_pSuffix;
+    const std::string pattern = std::string("*") + PictureFormats().front().m_apSuffixes.front();
     file = m_Host.ChooseFile(
         {.m_pTitle = "please input image file name", .m_pPattern = pattern.c_str(), .m_Kind = "picture"});
   }

@@ -62,3 +62,15 @@ std::optional<CPicture> PictureOfPng(std::string_view bytes) {
     return {};
   return picture;
 }
+
+Decoding DecodePng(std::string_view bytes, RasterSink& sink) {
+  const std::optional<CPicture> picture = PictureOfPng(bytes);
+  if (!picture.has_value()) return Decoding::Unusable;
+  CRaster raster;
+  raster.m_iWidth = picture->m_iWidth;
+  raster.m_iHeight = picture->m_iHeight;
+  if (!sink.Begin(raster)) return Decoding::Refused;
+  for (std::size_t end = picture->m_aPixels.size(); end > 0; end -= raster.Stride())
+    sink.Row(&picture->m_aPixels[end - raster.Stride()]);
+  return Decoding::Whole;
+}

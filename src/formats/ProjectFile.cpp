@@ -13,7 +13,7 @@
 
 #include "formats/BinaryNumbers.h"
 #include "formats/CZipReader.h"
-#include "formats/PngBytes.h"
+#include "formats/PictureFormats.h"
 #include "formats/ProjectDocument.h"
 #include "formats/SketchBytes.h"
 #include "formats/ZipWriter.h"
@@ -74,7 +74,7 @@ std::string GridText(const CProject& project) {
 // Nobody need guess from the bytes what opens them.
 std::string PhotographName(const CProjectPicture& picture) {
   if (picture.m_pBytes == nullptr) return {};
-  return IsPng(*picture.m_pBytes) ? "photograph.png" : "photograph.bmp";
+  return std::string("photograph") + SuffixOfPicture(*picture.m_pBytes);
 }
 
 /// Reads the members of an archive into a project.

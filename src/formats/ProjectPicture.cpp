@@ -28,9 +28,8 @@ std::optional<std::string> Contents(const std::string& filename) {
 bool Shows(const std::string& bytes, const CPicture& shown) {
   std::ostream nowhere(nullptr);
   const CConsoleRedirect redirect(nowhere);
-  const std::optional<Global::CLoadedPicture> loaded = ReadPicture(bytes, {});
-  return loaded.has_value() && loaded->m_Picture.m_iWidth == shown.m_iWidth &&
-         loaded->m_Picture.m_aPixels == shown.m_aPixels;
+  const CReadPicture read = ReadPicture(bytes, {});
+  return read && read.m_Picture.m_iWidth == shown.m_iWidth && read.m_Picture.m_aPixels == shown.m_aPixels;
 }
 
 }  // namespace
@@ -50,6 +49,6 @@ CProjectPicture WithBytesOfItsProject(const CProjectPicture& picture) {
   return {picture.m_File, picture.m_Project, read.m_Project ? read.m_Project->m_Picture.m_pBytes : nullptr};
 }
 
-std::optional<Global::CLoadedPicture> PixelsOf(const CProjectPicture& picture) {
+CReadPicture PixelsOf(const CProjectPicture& picture) {
   return picture.m_pBytes != nullptr ? ReadPicture(*picture.m_pBytes, picture.m_File) : ReadPicture(picture.m_File);
 }

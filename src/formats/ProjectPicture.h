@@ -1,9 +1,7 @@
 #pragma once
 
-#include <optional>
-
 #include "formats/CProject.h"
-#include "io/Bmp.h"
+#include "formats/PictureFormats.h"
 
 /// The photograph with its bytes, for a project file. The bytes are those that it was loaded from, where they can be
 /// had again and still show what is `shown`, or else those of a PNG of that.
@@ -13,6 +11,5 @@ CProjectPicture WithBytes(const CProjectPicture& picture, const CPicture& shown)
 /// none. Without bytes where there is no such project.
 CProjectPicture WithBytesOfItsProject(const CProjectPicture& picture);
 
-/// The pixels of a photograph with bytes, or else those in its file; nothing, with a console line, where there are
-/// none.
-std::optional<Global::CLoadedPicture> PixelsOf(const CProjectPicture& picture);
+/// The pixels of a photograph with bytes, or else those in its file.
+CReadPicture PixelsOf(const CProjectPicture& picture);

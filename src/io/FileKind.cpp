@@ -2,11 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
-#include <cstdio>
-#include <filesystem>
-#include <memory>
 #include <string_view>
 #include <system_error>
 
@@ -83,17 +79,6 @@ bool IsGridFile(std::string_view text) {
   return corners == 4 && levels == 2;
 }
 
-// Of a kind that is nearly right it says what is wrong with it.
-std::string Needed(std::string_view kind) {
-  if (kind.find("top row") != kind.npos) return "uncompressed 24-bit BMP with its bottom row first is needed";
-  if (kind.find("header") != kind.npos) return "uncompressed 24-bit BMP with a header of version 3 is needed";
-  return "uncompressed 24-bit BMP is needed";
-}
-
-struct CClose {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
 }  // namespace
 
 std::string KindOfBytes(std::span<const std::uint8_t> bytes) {
@@ -103,20 +88,4 @@ std::string KindOfBytes(std::span<const std::uint8_t> bytes) {
   const auto* const magic = std::ranges::find_if(kMagic, [text](const CMagic& known) { return Holds(text, known); });
   if (magic != kMagic.end()) return magic->m_Kind;
   return IsGridFile(text) ? "a grid file" : "";
-}
-
-std::string WhyNoPicture(const std::string& filename) {
-  const auto notThis = [](const std::string& kind) { return "this is " + kind + "; " + Needed(kind); };
-  std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(filename, error);
-  if (status.type() == std::filesystem::file_type::not_found) return "there is no such file";
-  if (error) return error.message();
-  if (std::filesystem::is_directory(status)) return notThis("a folder");
-  if (!std::filesystem::is_regular_file(status)) return notThis("no ordinary file");
-  const std::unique_ptr<std::FILE, CClose> file(std::fopen(filename.c_str(), "rb"));
-  if (file == nullptr) return std::generic_category().message(errno);
-  std::array<std::uint8_t, kKindBytes> beginning{};
-  const std::size_t read = std::fread(beginning.data(), 1, beginning.size(), file.get());
-  const std::string kind = KindOfBytes(std::span(beginning).first(read));
-  return notThis(kind.empty() ? "no picture that is known here" : kind);
 }

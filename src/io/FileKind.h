@@ -12,7 +12,3 @@ inline constexpr std::size_t kKindBytes = 256;
 /// A noun with its article, such as "a JPEG" or "a BMP with 8 bits a pixel"; empty for what is not known. `bytes` is
 /// the beginning of the file, or all of it.
 std::string KindOfBytes(std::span<const std::uint8_t> bytes);
-
-/// Why a file is no picture that can be read, and what would be: "this is a JPEG; uncompressed 24-bit BMP is needed".
-/// For what cannot even be opened, the reason for that. Nothing but a regular file is ever opened.
-std::string WhyNoPicture(const std::string& filename);

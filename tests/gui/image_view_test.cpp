@@ -5,6 +5,7 @@
 
 #include <GL/gl.h>
 
+#include "formats/PictureFormats.h"
 #include "model/PointProbe.h"
 #include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"
@@ -306,9 +307,10 @@ TEST_F(LoadImageTest, RefusedFileLeavesThePictureAndIsNamed) {
   }
   EXPECT_FALSE(View().LoadImage(m_Scratch.File("missing.bmp")));
   EXPECT_EQ(m_Host.m_aNotices.size(), 2U);
-  EXPECT_FALSE(Load({0xFF, 0xD8, 0xFF, 0xE0}, "photo.jpg"));
-  EXPECT_EQ(m_Host.m_aNotices.back(), "The picture " + m_Scratch.File("photo.jpg") +
-                                          " cannot be read: this is a JPEG; uncompressed 24-bit BMP is needed.");
+  EXPECT_FALSE(Load({'G', 'I', 'F', '8', '9', 'a'}, "photo.gif"));
+  EXPECT_EQ(m_Host.m_aNotices.back(), "The picture " + m_Scratch.File("photo.gif") +
+                                          " cannot be read: this is a GIF; this build reads " + PictureFormatNames() +
+                                          ".");
   EXPECT_EQ(View().TextureFileName(), name);
   EXPECT_EQ(Grid().Relighting().Textures().PictureWidth(), 3);
 }

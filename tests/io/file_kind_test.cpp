@@ -1,12 +1,9 @@
-#include <filesystem>
 #include <string_view>
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include "io/FileKind.h"
 #include "support/BmpBuilders.h"
-#include "support/CTemporaryDirectory.h"
 
 namespace {
 
@@ -82,44 +79,3 @@ INSTANTIATE_TEST_SUITE_P(
         CBmpCase{22, 4, -2, "a BMP with its top row first"}, CBmpCase{26, 2, 2, "a BMP with a strange header"},
         CBmpCase{28, 2, 1, "a BMP with 1 bit a pixel"}, CBmpCase{28, 2, 8, "a BMP with 8 bits a pixel"},
         CBmpCase{28, 2, 32, "a BMP with 32 bits a pixel"}, CBmpCase{30, 4, 1, "a compressed BMP"}));
-
-namespace {
-
-class WhyNoPictureTest : public ::testing::Test {
- protected:
-  std::string WhyNot(std::string_view text) {
-    WriteBytes(m_File, CBytes(text.begin(), text.end()));
-    return WhyNoPicture(m_File);
-  }
-
-  CTemporaryDirectory m_Scratch;
-  std::string m_File = m_Scratch.File("picture.bmp");
-};
-
-}  // namespace
-
-TEST_F(WhyNoPictureTest, SaysWhatItIsAndWhatIsNeeded) {
-  EXPECT_EQ(WhyNot("\xFF\xD8\xFF\xE0"), "this is a JPEG; uncompressed 24-bit BMP is needed");
-  EXPECT_EQ(WhyNot(""), "this is an empty file; uncompressed 24-bit BMP is needed");
-  EXPECT_EQ(WhyNot("rubbish"), "this is no picture that is known here; uncompressed 24-bit BMP is needed");
-}
-
-TEST_F(WhyNoPictureTest, NamesTheDetailWhereTheRestIsRight) {
-  CBytes bytes = BmpHeader(3, -2);
-  WriteBytes(m_File, bytes);
-  EXPECT_EQ(WhyNoPicture(m_File),
-            "this is a BMP with its top row first; uncompressed 24-bit BMP with its bottom row first is needed");
-  bytes = BmpHeader(3, 2);
-  PutBytes(bytes, 14, 4, 124);
-  WriteBytes(m_File, bytes);
-  EXPECT_EQ(WhyNoPicture(m_File),
-            "this is a BMP with a header of version 5; uncompressed 24-bit BMP with a header of version 3 is needed");
-}
-
-TEST_F(WhyNoPictureTest, WhatCannotBeOpenedIsNotOpened) {
-  EXPECT_EQ(WhyNoPicture(m_File), "there is no such file");
-  EXPECT_EQ(WhyNoPicture(m_File + "/below"), "there is no such file");
-  EXPECT_EQ(WhyNoPicture(m_Scratch.Path().string()), "this is a folder; uncompressed 24-bit BMP is needed");
-  ASSERT_EQ(mkfifo(m_File.c_str(), 0600), 0);
-  EXPECT_EQ(WhyNoPicture(m_File), "this is no ordinary file; uncompressed 24-bit BMP is needed");
-}

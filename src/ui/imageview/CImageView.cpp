@@ -12,8 +12,6 @@
 #include "drawing/DrawingSettings.h"
 #include "drawing/FrameBuffer.h"
 #include "drawing/Quadrics.h"
-#include "formats/PictureFormats.h"
-#include "io/FileKind.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
 #include "ui/drawing/PrepareContext.h"
@@ -113,18 +111,18 @@ void CImageView::Unselect() {
 
 bool CImageView::LoadImage(const std::string& filename) { return TakePicture(ReadPicture(filename), filename); }
 
-bool CImageView::TakePicture(const std::optional<Global::CLoadedPicture>& loaded, const std::string& filename) {
-  if (!loaded.has_value()) {
-    m_pHost->Notice(("The picture " + filename + " cannot be read: " + WhyNoPicture(filename) + ".").c_str());
+bool CImageView::TakePicture(const CReadPicture& read, const std::string& filename) {
+  if (!read) {
+    m_pHost->Notice(("The picture " + filename + " cannot be read: " + read.m_Reason + ".").c_str());
     return false;
   }
-  const int width = CTextureImages::PaddedSide(loaded->m_Picture.m_iWidth);
-  const int height = CTextureImages::PaddedSide(loaded->m_Picture.m_iHeight);
+  const int width = CTextureImages::PaddedSide(read.m_Picture.m_iWidth);
+  const int height = CTextureImages::PaddedSide(read.m_Picture.m_iHeight);
   if (!FitsGraphicsCard(width, height)) {
     m_pHost->Notice(("The picture " + filename + " is too large for the graphics card.").c_str());
     return false;
   }
-  if (!m_pGrid->Relighting().SetPicture(loaded->m_Picture)) {
+  if (!m_pGrid->Relighting().SetPicture(read.m_Picture)) {
     m_pHost->Notice(("The picture " + filename + " is empty, or too large for the memory.").c_str());
     return false;
   }
@@ -137,7 +135,7 @@ bool CImageView::TakePicture(const std::optional<Global::CLoadedPicture>& loaded
   m_pGrid->TestTexelsInDiscontinuity();
   m_TextureFileName = filename;
   redraw();
-  if (loaded->m_bEndsEarly) m_pHost->Notice(("The picture " + filename + " ends early.").c_str());
+  if (!read.m_Notice.empty()) m_pHost->Notice(("The picture " + filename + ' ' + read.m_Notice + '.').c_str());
   return true;
 }
 

@@ -9,7 +9,7 @@
 #include "drawing/CViewMapping.h"
 #include "drawing/DisplayFlags.h"
 #include "drawing/PicturePainter.h"
-#include "io/Bmp.h"
+#include "formats/PictureFormats.h"
 #include "ui/imageview/CCellSelector.h"
 #include "ui/imageview/CDebugOverlay.h"
 #include "ui/imageview/CFreezeBrush.h"
@@ -46,12 +46,12 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   ::CurveType CurveType() const override { return m_CurveType; }
   void SetCurveType(::CurveType type);
 
-  /// Takes up the picture in a bitmap file. A file that is refused, or a picture too large for the graphics card,
-  /// leaves picture and file name as they are, and the user is told, as of one that ends early, which is taken up all
-  /// the same. Whether there is a new picture. Needs an attached grid.
+  /// Takes up the picture in a file. A file that is refused, or a picture too large for the graphics card,
+  /// leaves picture and file name as they are, and the user is told, as of one that ends early or is damaged, which is
+  /// taken up all the same. Whether there is a new picture. Needs an attached grid.
   bool LoadImage(const std::string& filename);
-  /// The same for a picture that has been read, or nothing where that has failed. `filename` is what it is called.
-  bool TakePicture(const std::optional<Global::CLoadedPicture>& loaded, const std::string& filename);
+  /// The same for a picture that has been read, or could not be. `filename` is what it is called.
+  bool TakePicture(const CReadPicture& read, const std::string& filename);
   /// File of the picture; empty while there is none.
   const std::string& TextureFileName() const { return m_TextureFileName; }
 

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "formats/RasterSink.h"
+
+/// Makes 8-bit sRGB on white of the rows of a raster with 8 or 16 bits a sample.
+class CRowConverter {
+ public:
+  CRowConverter() = default;
+  /// For the rows of such a raster.
+  explicit CRowConverter(const CRaster& raster);
+
+  /// Writes 3 * width bytes at `rgb`.
+  void Convert(const void* samples, std::uint8_t* rgb);
+
+ private:
+  template <typename Sample>
+  void Convert(const Sample* samples, std::uint8_t* rgb);
+  template <typename Sample>
+  const Sample* OnWhite(const Sample* samples);
+
+  std::size_t m_uPixels = 0;
+  std::size_t m_uColours = 3;
+  SampleAlpha m_Alpha = SampleAlpha::None;
+  int m_iBits = 8;
+  std::vector<std::uint16_t> m_auOpaque;  ///< a row without opacity, as samples of either size
+};
