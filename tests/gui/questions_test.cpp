@@ -2,6 +2,7 @@
 
 #include "ui/dialogs/Questions.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -34,6 +35,19 @@ TEST(LabelTextTest, EveryAtSignIsDoubled) {
   EXPECT_EQ(LabelText(""), "");
   EXPECT_EQ(LabelText("a plain name"), "a plain name");
   EXPECT_EQ(LabelText("@/home/me@work/@@.bmp@"), "@@/home/me@@work/@@@@.bmp@@");
+}
+
+// Somebody who looks for a question must not take a window for it that is just closing.
+TEST_F(QuestionsTest, HaveAnEmptyTitleOnTheScreenWhichIsNotThatOfAWindowThatHasGone) {
+  Fl_Window untitled(100, 100);
+  untitled.end();
+  untitled.show();
+  ASSERT_TRUE(WorkUntil([&] { return m_Screen.FindWindow(getpid(), "").has_value(); }));
+  const WindowId window = *m_Screen.FindWindow(getpid(), "");
+  EXPECT_EQ(m_Screen.TitleOf(window), "");
+  untitled.hide();
+  ASSERT_TRUE(WorkUntil([&] { return m_Screen.AreaOf(window).m_iWidth == 0; }));
+  EXPECT_EQ(m_Screen.TitleOf(window), std::nullopt);
 }
 
 TEST_F(QuestionsTest, NamesAreNotCutAtAnAtSign) {

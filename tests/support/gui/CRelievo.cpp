@@ -1,5 +1,6 @@
 #include "support/gui/CRelievo.h"
 
+#include <algorithm>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
@@ -28,10 +29,16 @@ CRelievo::CRelievo(const std::vector<std::string>& arguments, const std::filesys
   throw std::runtime_error(message);
 }
 
-// Drawing comes after what the window manager does to a new window, so no event of the start is on its way any more.
+bool CRelievo::HasKeyboard() const {
+  const std::vector<WindowId> windows = m_Screen.WindowsOf(Pid());
+  return std::any_of(windows.begin(), windows.end(), [this](WindowId window) { return m_Screen.HasFocus(window); });
+}
+
+// Drawing comes after what the window manager does to a new window, so no event of the start is on its way any more. A
+// question of the start may have the keyboard before the main window does.
 bool CRelievo::IsReady() const {
   const std::vector<CArea> views = ViewAreas();
-  if (views.empty() || !m_Screen.HasFocus(m_uMainWindow)) return false;
+  if (views.empty() || !HasKeyboard()) return false;
   const CPixel betweenViews = MainArea().At(views[0].At({views[0].m_iWidth + 2, views[0].m_iHeight / 2}));
   return !m_Screen.Capture({betweenViews.m_iX, betweenViews.m_iY, 1, 1}).IsAll(kBlack);
 }

@@ -16,8 +16,9 @@ class CRelievo {
   static constexpr const char* kTitle = "Image View";
 
   /// Starts the program with these arguments in an empty directory and waits until its main window has been drawn and
-  /// has the keyboard. What it remembers from run to run goes to `state`, or else no further than the object. Throws
-  /// std::runtime_error, with what the program wrote, if the window never comes.
+  /// has the keyboard, or a question that is asked at once has it. What it remembers from run to run goes to `state`,
+  /// or else no further than the object. Throws std::runtime_error, with what the program wrote, if the window never
+  /// comes.
   explicit CRelievo(const std::vector<std::string>& arguments = {}, const std::filesystem::path& state = {});
 
   CScreen& Screen() { return m_Screen; }
@@ -49,6 +50,7 @@ class CRelievo {
 
  private:
   bool IsReady() const;
+  bool HasKeyboard() const;
   std::optional<long> TimesRun() const;
 
   CScreen m_Screen;

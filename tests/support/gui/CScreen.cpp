@@ -98,11 +98,12 @@ std::optional<WindowId> CScreen::FindWindow(pid_t pid, std::string_view title) c
   return std::nullopt;
 }
 
-std::string CScreen::TitleOf(WindowId window) const {
+std::optional<std::string> CScreen::TitleOf(WindowId window) const {
   char* title = nullptr;
   XFetchName(m_pConnection->Get(), window, &title);
   const XMemory<char> memory(title);
-  return title == nullptr ? std::string() : title;
+  if (title == nullptr) return std::nullopt;
+  return title;
 }
 
 std::string CScreen::ClassOf(WindowId window) const {

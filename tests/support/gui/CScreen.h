@@ -36,7 +36,8 @@ class CScreen {
   /// The mapped main windows and dialogs of a process, the oldest first.
   std::vector<WindowId> WindowsOf(pid_t pid) const;
   std::optional<WindowId> FindWindow(pid_t pid, std::string_view title) const;
-  std::string TitleOf(WindowId window) const;
+  /// Nothing, which is not an empty title, once the window has gone.
+  std::optional<std::string> TitleOf(WindowId window) const;
   /// Where a window lies on the screen, without the window manager's frame.
   CArea AreaOf(WindowId window) const;
   /// The mapped windows directly inside a window, the lowest first: a view is one, a button is not.

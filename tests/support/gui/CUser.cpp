@@ -117,8 +117,13 @@ bool CUser::ChooseFile(const std::string& title, const std::filesystem::path& fi
 }
 
 std::optional<WindowId> CUser::FocusedQuestion() const {
-  const std::optional<WindowId> question = m_Program.WaitForWindow("");
-  if (!question.has_value() || !WaitUntil([&] { return m_Program.Screen().HasFocus(*question); })) return std::nullopt;
+  std::optional<WindowId> question;
+  // Looked for anew each time: the one before may still be on the screen while it closes.
+  const auto isAsked = [&] {
+    question = m_Program.Screen().FindWindow(m_Program.Pid(), "");
+    return question.has_value() && m_Program.Screen().HasFocus(*question);
+  };
+  if (!WaitUntil([&] { return isAsked() || !m_Program.IsRunning(); }) || !m_Program.IsRunning()) return std::nullopt;
   return question;
 }
 

@@ -52,7 +52,7 @@ class CUser {
   bool IsGone(WindowId window) const;
 
  private:
-  /// The open message or question; nothing if none comes.
+  /// The open message or question once it has the keyboard; nothing if none comes.
   std::optional<WindowId> FocusedQuestion() const;
   /// What the file chooser has in its field for the name.
   CScreenshot SeeName(WindowId chooser) const;
