@@ -21,8 +21,18 @@ int CCurveHandler::Hover() {
 
 // What lies under the cursor, and how a curve in progress would end there.
 void CCurveHandler::Look() {
-  if (!m_Grid.HighlightCurves(m_Cursor.x, m_Cursor.y, CurveType::kAll))
-    m_Grid.CurveEdits().HoverPending(m_Cursor.x, m_Cursor.y, PickReach());
+  if (!m_Grid.HighlightCurves(m_Cursor.x, m_Cursor.y, CurveType::kAll)) LookForEnd();
+}
+
+void CCurveHandler::LookForEnd() { m_Grid.CurveEdits().HoverPending(m_Cursor.x, m_Cursor.y, PickReach()); }
+
+// Nothing lies under a mouse that has left, though Enter would still end a curve where it was last.
+void CCurveHandler::DocumentChanged() {
+  if (m_LooseEnd.has_value()) {
+    Look();
+  } else {
+    LookForEnd();
+  }
 }
 
 int CCurveHandler::Leave() {

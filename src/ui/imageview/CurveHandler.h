@@ -16,8 +16,8 @@ class CCurveHandler final : public CPlaneHandler {
 
   /// Ends the drag under way, if any; what it has changed takes effect. The release that follows does nothing.
   void EndDrag();
-  /// The document has changed under a mouse that rests.
-  void DocumentChanged() { Look(); }
+  /// The document has changed under a mouse that rests, over the view or elsewhere.
+  void DocumentChanged();
   /// Where the line from the last point of the curve in progress leads: to the mouse, as far as it is over the view.
   const std::optional<CPlanePoint>& LooseEnd() const { return m_LooseEnd; }
 
@@ -29,6 +29,7 @@ class CCurveHandler final : public CPlaneHandler {
   void Release() override;
   int Key() override;
   void Look();
+  void LookForEnd();
   void Grab(int button, CurveType type);
   void Append();
   void ChooseType(CurveType type);
