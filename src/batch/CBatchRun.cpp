@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <iostream>
-#include <new>
 #include <optional>
 #include <sstream>
 #include <utility>
@@ -13,11 +12,8 @@
 #include "batch/ExitStatus.h"
 #include "formats/JpegFile.h"
 #include "formats/ModelFormats.h"
-#include "formats/PictureFormats.h"
-#include "formats/ProjectFile.h"
-#include "formats/ProjectPicture.h"
+#include "formats/ModelInput.h"
 #include "io/CFileReplacement.h"
-#include "io/GridFile.h"
 #include "model/RefusedCurves.h"
 
 namespace {
@@ -74,58 +70,15 @@ int CBatchRun::StatusOfStop() const {
 
 bool CBatchRun::ReadInputs() {
   const CStopwatch watch(m_Result.m_Seconds.m_fLoad);
-  const bool read = IsProjectFile(m_Options.m_Model) ? ReadProjectFile() : ReadGridFile();
-  return read && (m_Options.m_Image.empty() || ReadPhotograph());
-}
-
-bool CBatchRun::ReadProjectFile() {
-  const CReadProject read = ReadProject(m_Options.m_Model);
-  if (!read.m_Project.has_value()) {
-    Complain(read.m_Trouble);
-    return false;
-  }
-  try {
-    CRestoration::RestoreState(m_Grid, read.m_Project->m_Model);
-  } catch (const std::bad_alloc&) {
-    Complain("The file " + m_Options.m_Model + " needs more memory than there is.");
-    return false;
-  }
-  if (const int refused = m_Grid.CurveEdits().TakeRefused(); refused != 0) CurvesRefused(refused);
-  const CProjectPicture& picture = read.m_Project->m_Picture;
-  if (!m_Options.m_Image.empty() || picture.m_pBytes == nullptr) return true;
-  CReadPicture loaded = PixelsOf(picture);
-  if (!loaded) Complain("The photograph in " + m_Options.m_Model + " cannot be read.");
-  m_Picture = std::move(loaded.m_Picture);
-  return static_cast<bool>(loaded);
-}
-
-bool CBatchRun::ReadGridFile() {
-  const GridFileState state = m_Grid.Load(m_Options.m_Model);
-  if (const std::string trouble = TroubleWith(state, m_Options.m_Model); !trouble.empty()) Complain(trouble);
-  if (const int refused = m_Grid.CurveEdits().TakeRefused(); refused != 0) CurvesRefused(refused);
-  if (!IsRead(state)) return false;
-  m_Result.m_bDamaged = state == GridFileState::Damaged;
-  if (m_Result.m_bDamaged && m_Options.m_bStrict) {
+  CModelInput input = ReadModelInput(m_Grid, m_Options.m_Model, m_Options.m_Image);
+  for (const std::string& notice : input.m_asNotices) Complain(notice);
+  m_Result.m_bDamaged = input.m_bDamaged;
+  if (input.m_bDamaged && m_Options.m_bStrict) {
     Complain("A damaged model is refused, as --strict wants it; nothing is written.");
     return false;
   }
-  return true;
-}
-
-bool CBatchRun::ReadPhotograph() {
-  CReadPicture loaded = ReadPicture(m_Options.m_Image);
-  if (!loaded || loaded.m_Picture.m_aPixels.empty()) {
-    const std::string reason = loaded ? "it has no pixels" : loaded.m_Reason;
-    Complain("The file " + m_Options.m_Image + " is not a picture that can be read: " + reason + ".");
-    return false;
-  }
-  if (loaded.m_bEndsEarly) {
-    Complain("The file " + m_Options.m_Image + " is shorter than its header says.");
-  } else if (!loaded.m_Notice.empty()) {
-    Complain("The file " + m_Options.m_Image + ' ' + loaded.m_Notice + '.');
-  }
-  m_Picture = std::move(loaded.m_Picture);
-  return true;
+  m_Picture = std::move(input.m_Photograph.m_Picture);
+  return input.m_bRead;
 }
 
 void CBatchRun::Solve() {

@@ -29,9 +29,6 @@ class CBatchRun : private GridHost {
   void ResumeAfterChange() override { m_Grid.Run().SetRunning(true); }
 
   bool ReadInputs();
-  bool ReadProjectFile();
-  bool ReadGridFile();
-  bool ReadPhotograph();
   void Solve();
   bool IsAtBound(double seconds);
   void Tick();

@@ -1,13 +1,10 @@
 #include "formats/ModelInput.h"
 
 #include <new>
-#include <optional>
 #include <utility>
 
-#include "formats/PictureFormats.h"
 #include "formats/ProjectFile.h"
 #include "formats/ProjectPicture.h"
-#include "io/FileKind.h"
 #include "io/GridFile.h"
 #include "model/CGrid.h"
 #include "model/CModelState.h"
@@ -35,13 +32,9 @@ bool ReadProjectInput(CGrid& grid, const std::string& model, bool photograph, CM
   TellOfRefusedCurves(grid, input);
   const CProjectPicture& picture = read.m_Project->m_Picture;
   if (!photograph || picture.m_pBytes == nullptr) return true;
-  std::optional<Global::CLoadedPicture> loaded = PixelsOf(picture);
-  if (!loaded.has_value()) {
-    input.m_asNotices.push_back("The photograph in " + model + " cannot be read.");
-    return false;
-  }
-  input.m_Photograph = std::move(loaded->m_Picture);
-  return true;
+  input.m_Photograph = PixelsOf(picture);
+  if (!input.m_Photograph) input.m_asNotices.push_back("The photograph in " + model + " cannot be read.");
+  return static_cast<bool>(input.m_Photograph);
 }
 
 bool ReadGridInput(CGrid& grid, const std::string& model, CModelInput& input) {
@@ -54,14 +47,20 @@ bool ReadGridInput(CGrid& grid, const std::string& model, CModelInput& input) {
 }
 
 bool ReadPhotograph(const std::string& image, CModelInput& input) {
-  std::optional<Global::CLoadedPicture> loaded = ReadPicture(image);
-  if (!loaded.has_value() || loaded->m_Picture.m_aPixels.empty()) {
-    input.m_asNotices.push_back("The file " + image + " is not a picture that can be read: " + WhyNoPicture(image) +
-                                ".");
+  const auto tell = [&](const std::string& text) {
+    input.m_asNotices.push_back("The file " + image + ' ' + text + '.');
+  };
+  input.m_Photograph = ReadPicture(image);
+  const CReadPicture& read = input.m_Photograph;
+  if (!read || read.m_Picture.m_aPixels.empty()) {
+    tell("is not a picture that can be read: " + (read ? std::string("it has no pixels") : read.m_Reason));
     return false;
   }
-  if (loaded->m_bEndsEarly) input.m_asNotices.push_back("The file " + image + " is shorter than its header says.");
-  input.m_Photograph = std::move(loaded->m_Picture);
+  if (read.m_bEndsEarly) {
+    tell("is shorter than its header says");
+  } else if (!read.m_Notice.empty()) {
+    tell(read.m_Notice);
+  }
   return true;
 }
 

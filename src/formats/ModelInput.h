@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "base/CPicture.h"
+#include "formats/PictureFormats.h"
 
 class CGrid;
 
@@ -11,7 +11,7 @@ class CGrid;
 struct CModelInput {
   bool m_bRead = false;                  ///< the grid holds the model; nothing but the notices means anything else
   bool m_bDamaged = false;               ///< the model could be read in part only
-  CPicture m_Photograph;                 ///< empty for none
+  CReadPicture m_Photograph;             ///< without pixels for none
   std::vector<std::string> m_asNotices;  ///< what the user is to be told, sentences
 };
 

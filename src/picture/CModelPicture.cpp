@@ -71,7 +71,8 @@ bool CModelPicture::Read() {
   for (const std::string& notice : input.m_asNotices) Complain(notice);
   if (!input.m_bRead) return false;
   m_Grid.PerformPendingWork();
-  if (input.m_Photograph.m_aPixels.empty() || m_Grid.Relighting().SetPicture(input.m_Photograph)) return true;
+  const CPicture& photograph = input.m_Photograph.m_Picture;
+  if (photograph.m_aPixels.empty() || m_Grid.Relighting().SetPicture(photograph)) return true;
   Complain("There is not enough memory for the photograph.");
   return false;
 }
