@@ -1,5 +1,8 @@
 #include "drawing/CTextures.h"
 
+#include <algorithm>
+#include <new>
+
 #include <GL/gl.h>
 #include <GL/glu.h>
 
@@ -16,9 +19,23 @@ void ForgetErrors() {
   }
 }
 
+// How often a side is to be halved to be `most` at most.
+int Halvings(int side, int most) {
+  int halvings = 0;
+  for (; side > most; side /= 2) ++halvings;
+  return halvings;
+}
+
 }  // namespace
 
+int LargestTexture() {
+  GLint largest = 0;
+  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &largest);
+  return largest;
+}
+
 void CTextures::Load(const CTextureImages& images) {
+  m_Copies.Clear();
   glDeleteTextures(static_cast<GLsizei>(m_auNames.size()), m_auNames.data());
   glGenTextures(static_cast<GLsizei>(m_auNames.size()), m_auNames.data());
   ForgetErrors();
@@ -32,16 +49,49 @@ void CTextures::Load(const CTextureImages& images) {
   glEnable(GL_TEXTURE_2D);
 }
 
-bool CTextures::Bind(const CTextureImages& images, CTextureImages::Which which) {
+bool CTextures::Bind(const CTextureImages& images, CTextureImages::Which which, const CReduction& reduction) {
   if (!images.HasPicture()) return false;
-  if (glIsTexture(m_auNames[which]) == GL_FALSE) {
+  ForgetLostTextures();
+  const CReduction forced = ForcedReduction(images);
+  const CReduction wanted{std::min(std::max(reduction.m_iX, forced.m_iX), Halvings(images.TextureWidth(), 1)),
+                          std::min(std::max(reduction.m_iY, forced.m_iY), Halvings(images.TextureHeight(), 1))};
+  if (wanted != CReduction{} && BindCopy(images, which, wanted)) return true;
+  if (forced != CReduction{}) return false;
+  BindWhole(images, which);
+  return true;
+}
+
+CReduction CTextures::ForcedReduction(const CTextureImages& images) const {
+  const int largest = std::max(m_LargestTexture(), 1);
+  return {Halvings(images.TextureWidth(), largest), Halvings(images.TextureHeight(), largest)};
+}
+
+bool CTextures::BindCopy(const CTextureImages& images, CTextureImages::Which which, const CReduction& reduction) {
+  try {
+    m_Copies.Bind(images, which, reduction);
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+void CTextures::BindWhole(const CTextureImages& images, CTextureImages::Which which) {
+  if (m_auNames[which] == 0) {
     glGenTextures(1, &m_auNames[which]);
     Upload(images, which);
   } else if (m_auSent[which] != images.Revision(which)) {
     Upload(images, which);
   }
   glBindTexture(GL_TEXTURE_2D, m_auNames[which]);
-  return true;
+}
+
+// Textures go all at once. Names that have gone must not be kept, as new contexts give them out again.
+void CTextures::ForgetLostTextures() {
+  const auto* const name = std::ranges::find_if(m_auNames, [](unsigned n) { return n != 0; });
+  const unsigned known = name != m_auNames.end() ? *name : m_Copies.AnyName();
+  if (known == 0 || glIsTexture(known) != GL_FALSE) return;
+  m_auNames = {};
+  m_Copies.Forget();
 }
 
 void CTextures::Upload(const CTextureImages& images, CTextureImages::Which which) {

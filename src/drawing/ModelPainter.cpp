@@ -13,6 +13,7 @@
 #include "drawing/ConstraintDrawing.h"
 #include "drawing/CurveColours.h"
 #include "drawing/Quadrics.h"
+#include "drawing/ScreenAxes.h"
 #include "model/CGrid.h"
 
 namespace {
@@ -94,7 +95,7 @@ void EnableTexture(const CGrid& grid, CTextures& textures, int drawTexture) {
   const CTextureImages& images = grid.Relighting().Textures();
   if (!images.HasPicture()) return;
   if (const auto image = DrawnTexture::ImageOf(drawTexture)) {
-    textures.Bind(images, *image);
+    if (!textures.Bind(images, *image, PictureReductionNow(grid))) return;
   } else {
     Console() << "CGrid::DrawTexturedModel\t\t\tInvalid m_iDrawTexture\n";
   }

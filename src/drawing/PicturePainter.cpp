@@ -12,6 +12,7 @@
 #include "drawing/CurvePainter.h"
 #include "drawing/DisplayFlags.h"
 #include "drawing/DrawingSettings.h"
+#include "drawing/ScreenAxes.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
 
@@ -53,7 +54,8 @@ class CLatticeScope {
 
 void DrawPicture(const CGrid& grid, CTextures& textures) {
   const CTextureImages& images = grid.Relighting().Textures();
-  if (!textures.Bind(images, CTextureImages::kPhotograph)) return;
+  if (!images.HasPicture()) return;
+  if (!textures.Bind(images, CTextureImages::kPhotograph, PictureReductionNow(grid))) return;
   const CExtent& e = grid.Surface().Lattice().Extent();
   const double s = static_cast<double>(images.PictureWidth()) / images.TextureWidth();
   const double t = static_cast<double>(images.PictureHeight()) / images.TextureHeight();

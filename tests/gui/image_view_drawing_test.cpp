@@ -15,6 +15,7 @@
 #include "support/CTemporaryDirectory.h"
 #include "support/ConstraintBuilders.h"
 #include "support/gui/ImageViewTest.h"
+#include "support/gui/Pictures.h"
 
 namespace {
 
@@ -47,6 +48,13 @@ class ImageViewDrawingTest : public ImageViewTest {
   void Shoot(std::uint32_t flags) {
     View().SetDisplayFlags(flags);
     Shoot();
+  }
+  // Of the texture that the picture is drawn from, in texels.
+  int DrawnTextureWidth() {
+    Shoot(ImageFlag::kImage);
+    GLint width = 0;
+    glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width);
+    return width;
   }
   // Of the pixel whose centre is the place (x, y).
   CRgb At(double x, double y) const {
@@ -102,6 +110,51 @@ TEST_F(ImageViewDrawingTest, PictureFillsTheExtentTheRightWayUp) {
   EXPECT_EQ(At(1, 1), kRed);
   EXPECT_EQ(At(97, 97), kYellow);
   EXPECT_EQ(Count(kBlack), 0);
+}
+
+TEST_F(ImageViewDrawingTest, PictureOfAtMostTwoPixelsPerScreenPixelIsDrawnItself) {
+  LoadPicture(Quarters(2 * kSize));
+  EXPECT_EQ(DrawnTextureWidth(), 256);
+  LoadPicture(Quarters(2 * kSize + 2));
+  EXPECT_EQ(DrawnTextureWidth(), 128);
+  EXPECT_EQ(At(45, 45), kRed);
+  EXPECT_EQ(At(97, 97), kYellow);
+}
+
+TEST_F(ImageViewDrawingTest, ZoomChoosesTheCopyThatIsDrawn) {
+  LoadPicture(Quarters(4 * kSize));
+  EXPECT_EQ(DrawnTextureWidth(), 256);
+  g_fZoom = 2;
+  EXPECT_EQ(DrawnTextureWidth(), 128);
+  g_fZoom = 0.5;
+  EXPECT_EQ(DrawnTextureWidth(), 512);
+}
+
+TEST_F(ImageViewDrawingTest, StripesFinerThanTheScreenAreGreyWhereverTheyLie) {
+  constexpr int kSide = 5 * kSize + 3;
+  CPicture picture{kSide, kSide, {}};
+  for (int k = 0; k < kSide * kSide; ++k)
+    picture.m_aPixels.insert(picture.m_aPixels.end(), 3, k % kSide % 2 == 0 ? 255 : 0);
+  LoadPicture(picture);
+  Shoot(ImageFlag::kImage);
+  const CPicture before = m_Frame;
+  EXPECT_LE(Distance(At(50, 50), {128, 128, 128}), 1);
+  View().SetZoomAndPan(1, {0.3, 0});
+  Shoot(ImageFlag::kImage);
+  EXPECT_EQ(CountPixels(before,
+                        [&](int x, int y) {
+                          return x < kSize - 2 && Distance(PixelOf(before, x, y), PixelOf(m_Frame, x, y)) > 1;
+                        }),
+            0U);
+}
+
+TEST_F(ImageViewDrawingTest, PictureBeyondTheLimitOfTheDriverIsDrawnReduced) {
+  m_Textures.SetLargestTexture([] { return 32; });
+  LoadPicture(Quarters(64));
+  EXPECT_TRUE(m_Host.m_aNotices.empty());
+  EXPECT_EQ(DrawnTextureWidth(), 32);
+  EXPECT_EQ(At(20, 20), kRed);
+  EXPECT_EQ(At(80, 80), kYellow);
 }
 
 TEST_F(ImageViewDrawingTest, PictureNeedsItsFlag) {

@@ -315,15 +315,14 @@ TEST_F(LoadImageTest, RefusedFileLeavesThePictureAndIsNamed) {
   EXPECT_EQ(Grid().Relighting().Textures().PictureWidth(), 3);
 }
 
-TEST_F(LoadImageTest, PictureBeyondTheGraphicsCardIsRefused) {
+TEST_F(LoadImageTest, PictureBeyondTheGraphicsCardIsTakenUpAsAnyOther) {
   View().make_current();
   GLint limit = 0;
   glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
-  EXPECT_FALSE(Load(BmpHeader(limit + 1, 1)));
-  ASSERT_EQ(m_Host.m_aNotices.size(), 1U);
-  EXPECT_NE(m_Host.m_aNotices[0].find("picture.bmp is too large"), std::string::npos);
-  EXPECT_EQ(View().TextureFileName(), "");
-  EXPECT_FALSE(Grid().Relighting().Textures().HasPicture());
+  EXPECT_TRUE(Load(BmpFile(SomePicture(limit + 1, 1))));
+  EXPECT_TRUE(m_Host.m_aNotices.empty());
+  EXPECT_EQ(View().TextureFileName(), m_Scratch.File("picture.bmp"));
+  EXPECT_EQ(Grid().Relighting().Textures().PictureWidth(), limit + 1);
 }
 
 TEST_F(LoadImageTest, FileThatEndsEarlyIsTakenUpWithANotice) {

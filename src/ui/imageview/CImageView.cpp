@@ -118,10 +118,6 @@ bool CImageView::TakePicture(const CReadPicture& read, const std::string& filena
   }
   const int width = CTextureImages::PaddedSide(read.m_Picture.m_iWidth);
   const int height = CTextureImages::PaddedSide(read.m_Picture.m_iHeight);
-  if (!FitsGraphicsCard(width, height)) {
-    m_pHost->Notice(("The picture " + filename + " is too large for the graphics card.").c_str());
-    return false;
-  }
   if (!m_pGrid->Relighting().SetPicture(read.m_Picture)) {
     m_pHost->Notice(("The picture " + filename + " is empty, or too large for the memory.").c_str());
     return false;
@@ -137,14 +133,6 @@ bool CImageView::TakePicture(const CReadPicture& read, const std::string& filena
   redraw();
   if (!read.m_Notice.empty()) m_pHost->Notice(("The picture " + filename + ' ' + read.m_Notice + '.').c_str());
   return true;
-}
-
-bool CImageView::FitsGraphicsCard(int width, int height) {
-  if (shown() == 0) return true;
-  make_current();
-  GLint limit = 0;
-  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
-  return std::max(width, height) <= limit;
 }
 
 void CImageView::ResetView() {
