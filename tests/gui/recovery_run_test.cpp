@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
@@ -48,11 +49,11 @@ class RecoveryRunTest : public ::testing::Test {
       ++m_iPlaced;
     }
   }
-  std::vector<fs::path> Files() const {
+  std::vector<fs::path> Files(const char* suffix = kProjectSuffix) const {
     std::vector<fs::path> files;
     std::error_code none;
     for (const auto& entry : fs::directory_iterator(m_State.Path() / "relievo", none)) {
-      if (entry.path().extension() == kProjectSuffix) files.push_back(entry.path());
+      if (entry.path().extension() == suffix) files.push_back(entry.path());
     }
     return files;
   }
@@ -65,6 +66,10 @@ class RecoveryRunTest : public ::testing::Test {
     std::size_t most = 0;
     for (const fs::path& file : Files()) most = std::max(most, PointsIn(file));
     return most;
+  }
+  bool AllAreWhole() const {
+    return std::ranges::all_of(Files(),
+                               [](const fs::path& file) { return ReadProject(file.string()).m_Project.has_value(); });
   }
   bool TellsOfUnsavedWork() {
     const std::vector<std::string> lines = m_Program->ConsoleLines();
@@ -101,6 +106,8 @@ int Rounds() {
   const char* const wanted = std::getenv("RELIEVO_KILLS");
   return wanted == nullptr ? kRounds : std::atoi(wanted);
 }
+
+void Sleep(std::uint_fast32_t milliseconds) { std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds)); }
 
 class RecoverySignalTest : public RecoveryRunTest, public testing::WithParamInterface<int> {};
 
@@ -177,7 +184,7 @@ TEST_F(RecoveryRunTest, KilledInTheMiddleOfEditsItLosesLittle) {
     Place(1);
     ASSERT_TRUE(WaitUntil([this] { return Kept() >= 1; })) << round;
     Place(static_cast<int>(random() % 3));
-    std::this_thread::sleep_for(std::chrono::milliseconds(random() % 40));
+    Sleep(random() % 40);
     const std::size_t before = Kept();
     End(SIGKILL);
     ASSERT_EQ(Files().size(), 1U) << round;
@@ -186,5 +193,35 @@ TEST_F(RecoveryRunTest, KilledInTheMiddleOfEditsItLosesLittle) {
     EXPECT_TRUE(TellsOfUnsavedWork()) << round;
     End(SIGKILL);
     for (const fs::path& file : Files()) fs::remove(file);
+  }
+}
+
+// Each run goes on with what the one before has left, and is killed before, while or after it writes down one height
+// more.
+TEST_F(RecoveryRunTest, KilledWhileItWritesItOffersAWholeState) {
+  std::minstd_rand random(12);
+  Start();
+  Place(1);
+  ASSERT_TRUE(WaitUntil([this] { return Kept() == 1; }));
+  for (int round = 0; round < Rounds(); ++round) {
+    End(SIGKILL);
+    Start();
+    const std::size_t before = Kept();
+    Recover();
+    Place(1);
+    switch (random() % 3) {
+      case 0:
+        WaitUntil([&] { return !Files(".part").empty() || Kept() > before; });
+        break;
+      case 1:
+        Sleep(random() % 1500);
+        break;
+      default:
+        ASSERT_TRUE(WaitUntil([&] { return Kept() > before; })) << round;
+    }
+    End(SIGKILL);
+    ASSERT_TRUE(AllAreWhole()) << round;
+    ASSERT_GE(Kept(), before) << round;
+    ASSERT_LE(Files().size(), 10U) << round;
   }
 }
