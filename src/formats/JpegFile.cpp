@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int kQuality = 92;
+constexpr int kQuality = 95;
 
 /// The library's error handler, which must not return: it goes back to where the encoding was begun.
 struct CErrorHandler {
@@ -64,15 +64,20 @@ bool Encode(const CPicture& picture, std::vector<unsigned char>& row, CEncoded& 
 
 }  // namespace
 
-bool SaveJpeg(const std::string& filename, const CPicture& picture) {
+std::string JpegOf(const CPicture& picture) {
   constexpr int kMostPixels = JPEG_MAX_DIMENSION;
-  if (picture.m_aPixels.empty() || picture.m_iWidth > kMostPixels || picture.m_iHeight > kMostPixels) return false;
-  CFileReplacement file(filename);
+  if (picture.m_aPixels.empty() || picture.m_iWidth > kMostPixels || picture.m_iHeight > kMostPixels) return {};
   CEncoded encoded;
   std::vector<unsigned char> row(3 * static_cast<std::size_t>(picture.m_iWidth));
-  const bool ready = file.IsOpen() && Encode(picture, row, encoded);
+  const bool ready = Encode(picture, row, encoded);
   const std::unique_ptr<unsigned char, decltype(&std::free)> owner(encoded.m_pBytes, &std::free);
-  if (!ready) return false;
-  file.Write({encoded.m_pBytes, encoded.m_uSize});
+  return ready ? std::string(reinterpret_cast<const char*>(encoded.m_pBytes), encoded.m_uSize) : std::string();
+}
+
+bool SaveJpeg(const std::string& filename, const CPicture& picture) {
+  CFileReplacement file(filename);
+  const std::string bytes = file.IsOpen() ? JpegOf(picture) : std::string();
+  if (bytes.empty()) return false;
+  file.Write({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});
   return file.Commit();
 }
