@@ -21,7 +21,10 @@ struct CExtent;
 /// the program. What needs a path before its slice has come finds it at once.
 class CScissorsTool {
  public:
-  /// Takes the picture and computes its link costs; logs its size.
+  /// Of a picture; places in contours are kept in 16 bits.
+  static constexpr int kMostSide = 32767;
+
+  /// Takes the picture, whose sides are at most kMostSide, and computes its link costs; logs its size.
   explicit CScissorsTool(CTopDownImage image);
   ~CScissorsTool() = default;
   CScissorsTool(const CScissorsTool&) = delete;

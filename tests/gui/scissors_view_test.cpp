@@ -129,6 +129,19 @@ TEST_F(ScissorsViewTest, DoesNotOpenWithoutAPicture) {
   EXPECT_FALSE(view.shown());
 }
 
+TEST_F(ScissorsViewTest, OpensUpToTheLongestSideThatPlacesAreKeptFor) {
+  for (const int side : {CScissorsTool::kMostSide, CScissorsTool::kMostSide + 1}) {
+    const auto bytes = 3 * static_cast<std::size_t>(side);
+    for (const CPicture& picture :
+         {CPicture{side, 1, std::vector<std::uint8_t>(bytes)}, CPicture{1, side, std::vector<std::uint8_t>(bytes)}}) {
+      m_View.Close();
+      CStaging::Textures(Grid()).SetPicture(picture);
+      m_View.Open();
+      EXPECT_EQ(m_View.IsOpen(), side == CScissorsTool::kMostSide) << picture.m_iWidth << " x " << picture.m_iHeight;
+    }
+  }
+}
+
 TEST_F(ScissorsViewTest, ShowsThePictureUprightAndTheBackgroundBesideIt) {
   OpenWith(PictureOf(200, 150, [](int x, int y) { return y < 75 ? std::array{x, 0, 99} : std::array{0, x, 99}; }));
   EXPECT_TRUE(SeesAt({30, 10}, {30, 0, 99}));

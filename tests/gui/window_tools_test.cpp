@@ -107,6 +107,18 @@ TEST_F(WindowCommandsTest, ScissorsStopTheSolver) {
   EXPECT_FALSE(Grid().Run().IsRunning());
 }
 
+TEST_F(WindowCommandsTest, ScissorsThatDoNotTakeThePictureSaySoAndStopNothing) {
+  ShowWindow();
+  AddTool(Tool::Scissors).m_bOpens = false;
+  LoadPicture();
+  Grid().Run().SetRunning(true);
+  ClickOn(Control::Scissors);
+  EXPECT_EQ(m_Dialogs.m_asNotices, Texts{"The picture is too large for the scissors: its sides must not be longer than "
+                                         "32767 pixels, and the memory must hold it a second time."});
+  EXPECT_FALSE(IsOn(Control::Scissors));
+  EXPECT_TRUE(Grid().Run().IsRunning());
+}
+
 TEST_F(WindowCommandsTest, LightSourcesGoOnAndOffWithTheirButton) {
   ShowWindow();
   TestTool& lights = AddTool(Tool::LightSources);

@@ -1,6 +1,8 @@
 #include "ui/scissors/CScissorsView.h"
 
+#include <algorithm>
 #include <chrono>
+#include <new>
 
 #include <FL/Fl.H>
 #include <FL/Fl_Box.H>
@@ -49,8 +51,14 @@ CScissorsView::~CScissorsView() {
 }
 
 void CScissorsView::Open() {
-  if (IsOpen() || !m_Grid.Relighting().Textures().HasPicture()) return;
-  m_pTool = std::make_unique<CScissorsTool>(CopyPhotograph(m_Grid.Relighting().Textures()));
+  const CTextureImages& textures = m_Grid.Relighting().Textures();
+  if (IsOpen() || !textures.HasPicture()) return;
+  if (std::max(textures.PictureWidth(), textures.PictureHeight()) > CScissorsTool::kMostSide) return;
+  try {
+    m_pTool = std::make_unique<CScissorsTool>(CopyPhotograph(textures));
+  } catch (const std::bad_alloc&) {
+    return;
+  }
   m_Viewport.emplace(m_pTool->Image().m_iWidth, m_pTool->Image().m_iHeight);
   m_bMouseInside = false;
   m_bPanning = false;

@@ -29,7 +29,8 @@ class CScissorsView : public Fl_Window, public ToolWindow {
   CScissorsView& operator=(const CScissorsView&) = delete;
 
   bool IsOpen() const override { return m_pTool != nullptr; }
-  /// Takes the grid's photograph. Without one, and while it is open, nothing happens.
+  /// Takes the grid's photograph. Without one, with one that is too large (CScissorsTool::kMostSide, or for the
+  /// memory), and while it is open, nothing happens.
   void Open() override;
   void Close() override;
   /// Closes it: the contours belong to the picture that has gone.

@@ -251,7 +251,11 @@ void CImageViewUI::ToggleTool(Tool tool) {
   if (m_Tools.IsOpen(tool)) return m_Tools.Close(tool);
   EndDrags();
   m_Tools.Open(tool);
-  if (tool == Tool::Scissors) m_Solver.StopSolver();
+  if (tool != Tool::Scissors) return;
+  if (m_Tools.IsOpen(tool)) return m_Solver.StopSolver();
+  Notice(
+      "The picture is too large for the scissors: its sides must not be longer than 32767 pixels, and the memory must "
+      "hold it a second time.");
 }
 
 void CImageViewUI::cb_m_pbtnSwitchHR_LR(Fl_Widget* /*widget*/, void* data) {

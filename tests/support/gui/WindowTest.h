@@ -57,7 +57,7 @@ class ScriptedDialogs : public UserDialogs {
 class TestTool : public ToolWindow {
  public:
   bool IsOpen() const override { return m_bOpen; }
-  void Open() override { m_bOpen = true; }
+  void Open() override { m_bOpen = m_bOpens; }
   void Close() override {
     m_bOpen = false;
     ReportClosed();
@@ -65,6 +65,7 @@ class TestTool : public ToolWindow {
   void PictureLoaded() override { ++m_iPictures; }
 
   bool m_bOpen = false;
+  bool m_bOpens = true;
   int m_iPictures = 0;
 };
 
