@@ -25,7 +25,7 @@ share/mime/packages/relievo.xml
 share/thumbnailers/relievo.thumbnailer
 share/relievo/samples/README.md
 $(find docs -type f -printf 'share/doc/relievo/%p\n')
-$(cd samples && find . -name '*.bmp' -printf 'share/relievo/samples/%P\n' -o -name '*.grid' -printf 'share/relievo/samples/%P\n')"
+$(cd samples && find . -type f ! -name README.md -printf 'share/relievo/samples/%P\n')"
 diff <(sort <<<"$expected") <(cd "$prefix" && find . -type f -printf '%P\n' | sort)
 
 "$prefix/bin/relievo-batch" --version
