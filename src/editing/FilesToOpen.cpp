@@ -1,7 +1,6 @@
 #include "editing/FilesToOpen.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +8,7 @@
 #include <system_error>
 
 #include "formats/ModelFormats.h"
+#include "formats/PictureFormats.h"
 #include "formats/ProjectFile.h"
 #include "io/FileKind.h"
 #include "io/FileUri.h"
@@ -18,19 +18,33 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool SaysItIsAModel(const std::string& file) {
-  if (!IsRegularFile(file)) return false;
-  std::array<char, kKindBytes> beginning{};
+/// Empty for what is no regular file.
+std::string Beginning(const std::string& file) {
+  if (!IsRegularFile(file)) return {};
+  std::string bytes(kKindBytes, '\0');
   std::ifstream in(file, std::ios::binary);
-  in.read(beginning.data(), beginning.size());
-  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(beginning.data());
-  return KindOfBytes({bytes, static_cast<std::size_t>(in.gcount())}) == "a grid file";
+  in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  bytes.resize(static_cast<std::size_t>(in.gcount()));
+  return bytes;
 }
 
+bool SaysItIsAModel(std::string_view beginning) {
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(beginning.data());
+  return KindOfBytes({bytes, beginning.size()}) == "a grid file";
+}
+
+bool SaysItIsAPicture(std::string_view beginning) {
+  const std::string_view bitmap = PictureFormats().front().m_apSuffixes.front();
+  return beginning.starts_with("BM") || SuffixOfPicture(beginning) != bitmap;
+}
+
+// The name decides only where the contents say nothing, as of a file that is not there.
 bool IsModel(const std::string& file) {
+  const std::string beginning = Beginning(file);
+  if (SaysItIsAPicture(beginning)) return false;
+  if (IsProjectFile(file) || SaysItIsAModel(beginning)) return true;
   const fs::path suffix = fs::path(file).extension();
-  return suffix == ModelFormats().front().m_pSuffix || suffix == kProjectSuffix || IsProjectFile(file) ||
-         SaysItIsAModel(file);
+  return suffix == ModelFormats().front().m_pSuffix || suffix == kProjectSuffix;
 }
 
 std::string Absolute(const std::string& name) {

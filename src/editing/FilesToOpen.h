@@ -11,6 +11,6 @@
 /// path itself. Comments and all other lines are left out.
 std::vector<std::string> PathsIn(std::string_view dropped);
 
-/// What is to be opened of files, whether or not they exist: the last model and the last picture. A model is what says
-/// so in its first bytes or in its name. Names may be relative.
+/// What is to be opened of files, whether or not they exist: the last model and the last picture. What a file is
+/// is judged by its first bytes, and by its name where they say nothing. Names may be relative.
 CWorkFiles FilesToOpen(std::span<const std::string> names);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "editing/FilesToOpen.h"
+#include "formats/PngBytes.h"
 #include "io/FileUri.h"
 #include "support/BmpBuilders.h"
 #include "support/CTemporaryDirectory.h"
@@ -60,6 +61,20 @@ TEST_F(FilesToOpenTest, AModelIsKnownByItsContentsToo) {
   WriteBytes(m_Scratch.File("photo"), BmpFile(SomePicture(2, 2)));
   EXPECT_EQ(Open({m_Scratch.File("photo"), m_Scratch.File("cup")}),
             (CWorkFiles{m_Scratch.File("cup"), m_Scratch.File("photo")}));
+}
+
+TEST_F(FilesToOpenTest, APictureIsKnownByItsContentsUnderAnyName) {
+  const std::string png = PngOf(SomePicture(2, 2));
+  const CBytes bitmap = BmpFile(SomePicture(2, 2));
+  for (const std::string& name : {m_Scratch.File("photo.grid"), m_Scratch.File("photo.relievo")}) {
+    for (const std::string& contents :
+         {png, std::string("\xFF\xD8\xFF\xE0"), std::string(bitmap.begin(), bitmap.end())}) {
+      WriteText(name, contents);
+      EXPECT_EQ(Open({name}), (CWorkFiles{"", name}));
+    }
+    WriteText(name, "nothing that is known");
+    EXPECT_EQ(Open({name}), (CWorkFiles{name, ""}));
+  }
 }
 
 TEST_F(FilesToOpenTest, AProjectIsAModel) {
