@@ -25,6 +25,15 @@ CExtent ExtentOf(const CTextureImages& picture) {
   return {0.0, kShorterSide * width / shorter, 0.0, kShorterSide * height / shorter};
 }
 
+// With a name, as choosers want it; they do not care about capitals.
+std::string AllPictures() {
+  std::string suffixes;
+  for (const CPictureFormat& format : PictureFormats()) {
+    for (const char* suffix : format.m_apSuffixes) suffixes += std::string(suffixes.empty() ? "" : ",") + (suffix + 1);
+  }
+  return "Pictures (*.{" + suffixes + "})";
+}
+
 }  // namespace
 
 void CGridCommands::LoadImage(const std::string& named) {
@@ -32,8 +41,10 @@ void CGridCommands::LoadImage(const std::string& named) {
   std::optional<std::string> file = named;
   if (named.empty()) {
     const std::string pattern = std::string("*") + PictureFormats().front().m_apSuffixes.front();
-    file = m_Host.ChooseFile(
-        {.m_pTitle = "please input image file name", .m_pPattern = pattern.c_str(), .m_Kind = "picture"});
+    file = m_Host.ChooseFile({.m_pTitle = "please input image file name",
+                              .m_pPattern = pattern.c_str(),
+                              .m_Kind = "picture",
+                              .m_OtherPattern = AllPictures()});
   }
   if (!file.has_value()) return;
   m_Host.EndDrags();

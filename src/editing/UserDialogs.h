@@ -10,6 +10,9 @@ struct CFileQuestion {
   std::string m_Kind;                ///< the word by which the folder of the answer is remembered (CLastFolders)
   bool m_bSaves = false;             ///< a name that was chosen before is not offered again
   std::string m_Start = {};          ///< an existing folder to begin in, or a file that is proposed; empty for neither
+  /// A second pattern to choose from, with a name: "Pictures (*.{bmp,jpg})"; empty for none. The one used last for the
+  /// kind is in force again.
+  std::string m_OtherPattern = {};
 };
 
 /// Questions to the user that have to be answered before anything else goes on.

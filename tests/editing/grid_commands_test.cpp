@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "formats/PictureFormats.h"
 #include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 #include "support/GridCommandsTest.h"
@@ -50,6 +51,22 @@ TEST_F(GridCommandsTest, ChoosersHaveTheirTitlesAndPatterns) {
                                                       {"please input grid file name", "*.grid"},
                                                       {"please input image file name", "*.bmp"},
                                                       {"please input VRML file name", "*.wrl"}}));
+}
+
+TEST_F(GridCommandsTest, OnlyPicturesHaveAnotherPatternWhichListsAllThatCanBeRead) {
+  for (const Operation operation : {Operation::kSaveGrid, Operation::kLoadGrid, Operation::kLoadImage})
+    m_Commands.Perform(operation);
+  m_Commands.OpenProject();
+  ASSERT_EQ(m_Host.m_asOtherPatterns.size(), 4U);
+  const std::string pictures = std::exchange(m_Host.m_asOtherPatterns[2], "");
+  EXPECT_EQ(m_Host.m_asOtherPatterns, Done(4));
+  EXPECT_TRUE(pictures.starts_with("Pictures (*.{bmp,") && pictures.ends_with("})")) << pictures;
+  for (const CPictureFormat& format : PictureFormats()) {
+    for (const std::string suffix : format.m_apSuffixes)
+      EXPECT_TRUE(pictures.find(suffix.substr(1) + ',') != pictures.npos ||
+                  pictures.find(suffix.substr(1) + '}') != pictures.npos)
+          << suffix;
+  }
 }
 
 TEST_F(GridCommandsTest, CancelledChooserDoesNothing) {

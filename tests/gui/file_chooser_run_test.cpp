@@ -2,6 +2,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -41,6 +42,36 @@ class FileChooserRunTest : public ::testing::Test {
 
   CRelievo m_Program;
   CUser m_User{m_Program};
+};
+
+// The chooser for pictures, whose list follows a pattern, as completing a name shows.
+class PictureChooserTest : public FileChooserRunTest {
+ protected:
+  PictureChooserTest() { std::filesystem::copy_file(RELIEVO_SAMPLES "/coffee.jpg", File("photo.JPG")); }
+
+  std::optional<WindowId> OpenForPictures() {
+    PressKey("alt+shift+o");
+    return m_User.OpenedChooser("please input image file name");
+  }
+  /// Another entry of the list of patterns, by so many keys.
+  void ChoosePattern(WindowId chooser, const std::vector<std::string>& keys) {
+    constexpr CPixel kPatterns{150, 20};
+    m_User.ClickAt(m_Program.Screen().AreaOf(chooser).At(kPatterns));
+    for (const std::string& key : keys) PressKey(key);
+    m_Program.Rests();
+  }
+  /// Types the beginning of the picture's name into the field, has it completed and accepts what stands there.
+  void TypeCompleteAndAccept(WindowId chooser) {
+    constexpr int kNameFromBottom = 60;
+    const CArea area = m_Program.Screen().AreaOf(chooser);
+    m_User.ClickAt(area.At({area.m_iWidth / 2, area.m_iHeight - kNameFromBottom}));
+    PressKey("ctrl+a");
+    TypeText(File("pho").string() + "\t", 5);
+    PressKey("Return");
+  }
+  bool LoadsThePhotograph(std::size_t before) {
+    return m_User.Reads("CImageView::LoadImage\tNew texture generated. new_width : 1024, new_height : 512", before);
+  }
 };
 
 class FileChooserSpeedTest : public FileChooserRunTest, public ::testing::WithParamInterface<int> {};
@@ -98,4 +129,25 @@ TEST_F(FileChooserRunTest, EscapeChoosesNothing) {
   EXPECT_FALSE(std::filesystem::exists(File("a.grid")));
   // The folder stays.
   TypeBothWays("a.grid", File("a.grid"), 5);
+}
+
+TEST_F(PictureChooserTest, BitmapsAreListedAtFirst) {
+  const std::optional<WindowId> chooser = OpenForPictures();
+  ASSERT_TRUE(chooser.has_value());
+  TypeCompleteAndAccept(*chooser);
+  EXPECT_TRUE(m_User.Answer(true)) << "there is no such file, as the name was not completed";
+}
+
+TEST_F(PictureChooserTest, AllPicturesAreListedByAnotherPatternWhichStays) {
+  for (std::size_t round = 0; round < 2; ++round) {
+    const std::optional<WindowId> chooser = OpenForPictures();
+    ASSERT_TRUE(chooser.has_value());
+    if (round == 0) ChoosePattern(*chooser, {"Down", "Return"});
+    TypeCompleteAndAccept(*chooser);
+    EXPECT_TRUE(LoadsThePhotograph(round));
+    ASSERT_TRUE(m_Program.Rests());
+  }
+  ASSERT_TRUE(Open().has_value()) << "of a model, whose chooser is as ever";
+  TypeText("a.grid", 5);
+  EXPECT_TRUE(Saves(File("a.grid")));
 }

@@ -171,6 +171,30 @@ TEST_F(FilesRunTest, WithoutAPlaceToRememberTheProgramWorksAndSaysSoOnce) {
   EXPECT_TRUE(Quits());
 }
 
+// Photographs of other kinds.
+
+TEST_F(FilesRunTest, AJpegIsOpenedByArgumentAgainByTheMenuByDropAndFromItsProject) {
+  constexpr const char* kLine = "CImageView::LoadImage\tNew texture generated. new_width : 1024, new_height : 512";
+  const std::string photograph = File("photo of no kind");
+  std::filesystem::copy_file(RELIEVO_SAMPLES "/coffee.jpg", photograph);
+  Start({photograph});
+  EXPECT_TRUE(m_pUser->Reads(kLine));
+  PressKey("ctrl+s");
+  ASSERT_TRUE(m_pUser->ChooseFile("please input project file name", File("cup.relievo")));
+  ASSERT_TRUE(WaitUntil([&] { return BytesOf(File("cup.relievo")).starts_with("PK"); }) && m_pProgram->Rests());
+  ASSERT_TRUE(Drop(UriOf(photograph) + "\r\n"));
+  EXPECT_TRUE(m_pUser->Reads(kLine, 1));
+  EXPECT_TRUE(Quits());
+  Start();
+  ChooseFromFile({"r", "Right", "Return"});
+  EXPECT_TRUE(m_pUser->Reads(kLine));
+  EXPECT_TRUE(Quits());
+  std::filesystem::remove(photograph);
+  Start({File("cup.relievo")});
+  EXPECT_TRUE(m_pUser->Reads(kLine));
+  EXPECT_TRUE(Quits());
+}
+
 // Projects.
 
 TEST_F(FilesRunTest, AProjectIsSavedAgainOpenedAgainAndNamedLikeAModel) {

@@ -2,13 +2,16 @@
 #include <limits>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <GL/gl.h>
+#include <sys/stat.h>
 
 #include "formats/PictureFormats.h"
 #include "model/PointProbe.h"
 #include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"
+#include "support/FileBuilders.h"
 #include "support/gui/ImageViewTest.h"
 
 namespace {
@@ -268,6 +271,9 @@ class LoadImageTest : public ImageViewTest {
     return View().LoadImage(m_Scratch.File(name));
   }
 
+  /// That have come since this was asked last.
+  std::vector<std::string> Notices() { return std::exchange(m_Host.m_aNotices, {}); }
+
   CTemporaryDirectory m_Scratch;
 };
 
@@ -330,6 +336,31 @@ TEST_F(LoadImageTest, FileThatEndsEarlyIsTakenUpWithANotice) {
   ASSERT_EQ(m_Host.m_aNotices.size(), 1U);
   EXPECT_NE(m_Host.m_aNotices[0].find("picture.bmp ends early"), std::string::npos);
   EXPECT_EQ(Grid().Relighting().Textures().PictureWidth(), 4);
+}
+
+TEST_F(LoadImageTest, ACutPhotographIsShownAsFarAsItGoes) {
+  const std::string whole = BytesOf(RELIEVO_SAMPLES "/coffee.jpg");
+  EXPECT_TRUE(Load({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2)}, "cut.jpg"));
+  EXPECT_EQ(Notices(),
+            std::vector{"The picture " + m_Scratch.File("cut.jpg") + " ends early: it is shown as far as it goes."});
+  EXPECT_EQ(Grid().Relighting().Textures().PictureWidth(), 600);
+  EXPECT_FALSE(Load({whole.begin(), whole.begin() + 100}, "nothing.jpg"));
+  EXPECT_EQ(Notices(), std::vector{"The picture " + m_Scratch.File("nothing.jpg") +
+                                   " cannot be read: this JPEG ends before anything of it can be shown."});
+  EXPECT_EQ(Grid().Relighting().Textures().PictureWidth(), 600);
+  EXPECT_EQ(View().TextureFileName(), m_Scratch.File("cut.jpg"));
+}
+
+TEST_F(LoadImageTest, FoldersAndPipesAreNotReadAndToldOf) {
+  const std::string pipe = m_Scratch.File("pipe.jpg");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const std::string reads = "; this build reads " + PictureFormatNames() + ".";
+  for (const auto& [file, what] :
+       {std::pair{m_Scratch.Path().string(), "this is a folder"}, {pipe, "this is no ordinary file"}}) {
+    EXPECT_FALSE(View().LoadImage(file));
+    EXPECT_EQ(Notices(), std::vector{"The picture " + file + " cannot be read: " + what + reads});
+  }
+  EXPECT_FALSE(Grid().Relighting().Textures().HasPicture());
 }
 
 TEST_F(LoadImageTest, EmptyPictureLeavesThePreviousOne) {

@@ -50,6 +50,7 @@ class ScriptedHost : public CommandHost {
   std::optional<std::string> ChooseFile(const CFileQuestion& question) override {
     m_aChoosers.emplace_back(question.m_pTitle, question.m_pPattern == nullptr ? "none" : question.m_pPattern);
     m_asStarts.push_back(question.m_Start);
+    m_asOtherPatterns.push_back(question.m_OtherPattern);
     return m_File;
   }
   bool Ask(const char* question) override {
@@ -76,6 +77,7 @@ class ScriptedHost : public CommandHost {
   std::string m_Texture;
   std::vector<std::pair<std::string, std::string>> m_aChoosers;  ///< title and pattern
   std::vector<std::string> m_asStarts;                           ///< where they begin
+  std::vector<std::string> m_asOtherPatterns;
   std::vector<std::string> m_asQuestions;
   std::vector<std::string> m_asNotices;
   std::vector<std::string> m_asPictures;

@@ -60,6 +60,12 @@ void CModeller::NewGrid(int width, const std::string& shot) {
   m_User.Type("Return");
 }
 
+void CModeller::FitPicture() const {
+  ::PressKey("alt+f");
+  Expect(m_Program.Rests(), "the menu File");
+  m_User.Type("t");
+}
+
 void CModeller::Draw(const std::vector<CStroke>& strokes) const {
   ClickOn(Control::CurveConstraint);
   for (const CStroke& stroke : strokes) {

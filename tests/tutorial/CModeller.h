@@ -21,6 +21,8 @@ class CModeller {
   void LoadPicture(const CScene& scene);
   /// A grid with the proportions of the picture, 100 model units high. `shot` names the picture of the dialog, if any.
   void NewGrid(int width, const std::string& shot = "");
+  /// The same by the entry of the menu.
+  void FitPicture() const;
   void Draw(const std::vector<CStroke>& strokes) const;
   /// Traces with the scissors. `shot` names the picture of their window, if any.
   void Trace(const std::vector<CTrace>& traces, const std::string& shot = "") const;

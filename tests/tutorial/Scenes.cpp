@@ -159,7 +159,7 @@ CScene FirstScene() {
   constexpr int kRim = 38;
   constexpr int kDrink = 22;
   CScene scene;
-  scene.m_Picture = "coffee.bmp";
+  scene.m_Picture = "coffee.jpg";
   scene.m_iWidth = 600;
   scene.m_iHeight = 400;
   scene.m_aCreases = {{'p', false, CupOutline()}};
@@ -174,7 +174,7 @@ CScene FirstScene() {
 
 CScene CoffeeScene() {
   CScene scene;
-  scene.m_Picture = "coffee.bmp";
+  scene.m_Picture = "coffee.jpg";
   scene.m_iWidth = 600;
   scene.m_iHeight = 400;
   scene.m_aCreases = CoffeeCreases();
@@ -186,7 +186,7 @@ CScene CoffeeScene() {
 
 CScene CatScene() {
   CScene scene;
-  scene.m_Picture = "cat.bmp";
+  scene.m_Picture = "cat.jpg";
   scene.m_iWidth = 451;
   scene.m_iHeight = 300;
   const CStroke leftEye{

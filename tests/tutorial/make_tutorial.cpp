@@ -17,7 +17,7 @@ void MakeFirst(const std::string& results) {
   const CScene scene = FirstScene();
   CModeller modeller(results);
   modeller.LoadPicture(scene);
-  modeller.NewGrid(kGridWidth);
+  modeller.FitPicture();
   modeller.Drag(0, -120, 1);
   modeller.Draw(scene.m_aCreases);
   modeller.Raise(scene.m_aHeights);

@@ -85,6 +85,7 @@ std::optional<std::string> CFileChooser::Choose(const CFileQuestion& question) {
     Fl::wait();
     NoteName();
   }
+  if (!question.m_OtherPattern.empty()) m_Patterns[question.m_Kind] = m_Chooser.filter_value();
   if (Typed().empty()) return std::nullopt;
   const std::string file = Full();
   if (IsFolder(file)) return std::nullopt;
@@ -94,12 +95,21 @@ std::optional<std::string> CFileChooser::Choose(const CFileQuestion& question) {
 
 void CFileChooser::Prepare(const CFileQuestion& question) {
   const std::string asked = question.m_Kind + '\n' + (question.m_pPattern == nullptr ? "" : question.m_pPattern);
-  m_Chooser.filter(question.m_pPattern);
+  SetPatterns(question);
   m_Chooser.label(question.m_pTitle);
   const std::string left = m_Chooser.directory();
   const std::string start = question.m_Start.empty() ? left : question.m_Start;
   if (asked != m_Asked || question.m_bSaves || start != left) Begin(start);
   m_Asked = asked;
+}
+
+// After these the toolkit adds one for all files and one to be typed, which does not outlive the question.
+void CFileChooser::SetPatterns(const CFileQuestion& question) {
+  if (question.m_OtherPattern.empty()) return m_Chooser.filter(question.m_pPattern);
+  constexpr int kAllFiles = 2;
+  m_Chooser.filter((std::string(question.m_pPattern) + '\t' + question.m_OtherPattern).c_str());
+  const int last = m_Patterns[question.m_Kind];
+  if (last <= kAllFiles) m_Chooser.filter_value(last);
 }
 
 // When it shows an empty field the toolkit writes the folder into it.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,7 +23,8 @@ class CFileChooser {
 
   /// Shows the chooser until it is answered: the file named by the user, new or existing, with its whole path; nothing
   /// if none is. It opens where the question says, or else in the folder it was left in; with the same name if a file
-  /// of the same kind and pattern was asked for last, and nothing is to be saved.
+  /// of the same kind and pattern was asked for last, and nothing is to be saved. Of two patterns the first one is in
+  /// force at first.
   std::optional<std::string> Choose(const CFileQuestion& question);
 
   /// The toolkit's own window of the chooser.
@@ -31,6 +33,7 @@ class CFileChooser {
  private:
   void FindWidgets();
   void Prepare(const CFileQuestion& question);
+  void SetPatterns(const CFileQuestion& question);
   void Begin(const std::string& start);
   std::string Typed() const;
   std::string Full() const;
@@ -49,9 +52,10 @@ class CFileChooser {
   Fl_File_Input* m_pName = nullptr;
   Fl_File_Browser* m_pList = nullptr;
   Fl_Return_Button* m_pOk = nullptr;
-  std::string m_Asked;         ///< kind and pattern of the last question
-  bool m_bRelative = false;    ///< whether the name was relative when it was last looked at
-  std::string m_Folder;        ///< what a relative name is relative to while it is typed
-  std::string m_Listed;        ///< the folder listed when the name was last looked at
-  std::string m_ListedByName;  ///< the folder last listed for the name's sake, as the name has it
+  std::string m_Asked;                    ///< kind and pattern of the last question
+  std::map<std::string, int> m_Patterns;  ///< that were used last, by kind; counted from 0
+  bool m_bRelative = false;               ///< whether the name was relative when it was last looked at
+  std::string m_Folder;                   ///< what a relative name is relative to while it is typed
+  std::string m_Listed;                   ///< the folder listed when the name was last looked at
+  std::string m_ListedByName;             ///< the folder last listed for the name's sake, as the name has it
 };

@@ -1,6 +1,8 @@
 #include "ui/imageview/CImageView.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include <FL/Fl.H>
 #include <GL/gl.h>
@@ -15,6 +17,7 @@
 #include "model/CGrid.h"
 #include "model/Globals.h"
 #include "ui/drawing/PrepareContext.h"
+#include "ui/seams/CBusyCursor.h"
 #include "ui/seams/ViewHost.h"
 
 namespace {
@@ -109,7 +112,12 @@ void CImageView::Unselect() {
   redraw();
 }
 
-bool CImageView::LoadImage(const std::string& filename) { return TakePicture(ReadPicture(filename), filename); }
+bool CImageView::LoadImage(const std::string& filename) {
+  std::optional<CBusyCursor> busy(std::in_place);
+  const CReadPicture read = ReadPicture(filename);
+  busy.reset();
+  return TakePicture(read, filename);
+}
 
 bool CImageView::TakePicture(const CReadPicture& read, const std::string& filename) {
   if (!read) {

@@ -47,8 +47,8 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   void SetCurveType(::CurveType type);
 
   /// Takes up the picture in a file. A file that is refused leaves picture and file name as they are, and the user is
-  /// told, as of one that ends early or is damaged, which is taken up all the same. Whether there is a new picture. Needs
-  /// an attached grid.
+  /// told, as of one that ends early or is damaged, which is taken up all the same. Whether there is a new picture.
+  /// Needs an attached grid.
   bool LoadImage(const std::string& filename);
   /// The same for a picture that has been read, or could not be. `filename` is what it is called.
   bool TakePicture(const CReadPicture& read, const std::string& filename);

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -12,6 +13,7 @@
 #include "model/CGrid.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/modelview/CGridView.h"
+#include "ui/seams/CBusyCursor.h"
 #include "ui/window/CHelpLine.h"
 #include "ui/window/CImageViewUI.h"
 #include "ui/window/FlagEntries.h"
@@ -83,7 +85,10 @@ void CImageViewUI::ShowProject(const CProject& project) {
 void CImageViewUI::ShowProjectPicture(const CProjectPicture& picture) {
   const bool none = picture.m_File.empty() && picture.m_pBytes == nullptr;
   if (none || (picture.m_pBytes != nullptr && picture.m_pBytes == m_Picture.m_pBytes)) return;
-  if (ImageView().TakePicture(PixelsOf(picture), picture.m_File)) PictureTaken(picture);
+  std::optional<CBusyCursor> busy(std::in_place);
+  const CReadPicture pixels = PixelsOf(picture);
+  busy.reset();
+  if (ImageView().TakePicture(pixels, picture.m_File)) PictureTaken(picture);
 }
 
 void CImageViewUI::ShowProjectViews(const CProjectViews& views) {
