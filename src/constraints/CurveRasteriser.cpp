@@ -4,34 +4,18 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 
 #include "base/Console.h"
 #include "constraints/CCntrCtrl.h"
 #include "constraints/FinestCells.h"
 #include "constraints/GridSegment.h"
+#include "constraints/TearEnds.h"
 #include "constraints/TearScan.h"
 #include "lattice/CLattice.h"
 #include "quadtree/CQuadTree.h"
 
 namespace {
-
-// Nobody can draw up to the border: the outermost pixel of a picture or a view lies half a pixel inside, this share of
-// a side where there are 128 of them. The model alone decides which end is meant to reach the border, not what it was
-// drawn on, or one file would tear in one window and hold together in another.
-constexpr double kReach = 1.0 / 256;
-// Added to it, as a share of a side too: a file keeps places no better.
-constexpr double kReachRounding = 1e-5;
-// As a share of the margin at which the border holds the cursor.
-constexpr double kMarginRounding = 1e-5;
-
-// Whether an open end so far from a border is meant to reach it: nearer than a pixel, nearer than the lattice can show,
-// or just where the cursor is held, which in a small model is farther in than either.
-bool IsMeantForBorder(double distance, double low, double high, double step) {
-  const double side = high - low;
-  const double margin = BorderMargin(low, high);
-  return distance <= std::max(kReach * side, step / 2) + kReachRounding * side ||
-         std::abs(distance - margin) <= kMarginRounding * margin;
-}
 
 bool IsLongerInX(const CGridSegment& s) { return std::abs(s.x1 - s.x0) > std::abs(s.y1 - s.y0); }
 
@@ -76,29 +60,11 @@ void CCurveRasteriser::Crease(const CPtCstr& a, const CPtCstr& b) {
 
 // The shortest way from an open end next to the border, unless it lies there already.
 void CCurveRasteriser::TearToBorder(const CPtCstr& end) {
-  struct CWay {
-    double m_fLength;
-    double m_fX;
-    double m_fY;
-    bool m_bOpen;
-  };
-  const CLattice& lattice = m_pTree->Lattice();
-  const CExtent& e = lattice.Extent();
-  const auto alongX = [&](double length, double x) {
-    return CWay{length, x, end.m_fY, IsMeantForBorder(length, e.x0, e.x1, lattice.StepX())};
-  };
-  const auto alongY = [&](double length, double y) {
-    return CWay{length, end.m_fX, y, IsMeantForBorder(length, e.y0, e.y1, lattice.StepY())};
-  };
-  const std::array<CWay, 4> ways{alongX(end.m_fX - e.x0, e.x0), alongX(e.x1 - end.m_fX, e.x1),
-                                 alongY(end.m_fY - e.y0, e.y0), alongY(e.y1 - end.m_fY, e.y1)};
-  if (!std::ranges::all_of(ways, [](const CWay& way) { return way.m_fLength > 0.0; })) return;
-  const CWay& way =
-      *std::ranges::min_element(ways, {}, [](const CWay& w) { return w.m_bOpen ? w.m_fLength : HUGE_VAL; });
-  if (!way.m_bOpen) return;
+  const std::optional<CPlanePoint> beyond = BorderBeyond(m_pTree->Lattice(), {end.m_fX, end.m_fY});
+  if (!beyond) return;
   CPtCstr border;
-  border.m_fX = way.m_fX;
-  border.m_fY = way.m_fY;
+  border.m_fX = beyond->x;
+  border.m_fY = beyond->y;
   Tear(end, border);
 }
 
