@@ -1,0 +1,77 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "base/Vector3.h"
+#include "lattice/CLattice.h"
+#include "mesh/CMeshPlane.h"
+#include "model/CSurfaceMesh.h"
+
+class CCntrCtrlList;
+class CQuadTree;
+class CTearPatch;
+class CTornSurface;
+
+/// What lies between the two sides of a tear.
+enum class TearGap {
+  Open,  ///< nothing: both end on the curve
+  Wall,  ///< a vertical strip
+};
+
+/// How a surface becomes a clean mesh.
+struct CCleanMeshOptions {
+  TearGap m_Gap = TearGap::Open;
+  double m_fScale = 1.0;        ///< written units in a model unit, across the picture; positive
+  double m_fHeightScale = 1.0;  ///< and along z
+};
+
+/// The surface as a mesh whose tears end on their curves: what exports write and the model view may show.
+///
+/// The triangles of CSurfaceMesh outside of tears stay as they are, with their vertices under the same numbers. Those
+/// around tears are cut along the curves, and each side goes on to the curve at heights of its own. Seen from above the
+/// triangles of the surface cover the rectangle once; every edge is shared by two of them but for the border and the
+/// cuts, where the vertices of the two sides differ. None of them has zero area or is turned over, neither in doubles
+/// nor in the floats that a file holds. Made once for an export or a change of the surface; linear in the number of
+/// leaves.
+class CCleanMesh {
+ public:
+  /// A vertex.
+  struct CVertex {
+    CMeshPlace m_Place;
+    double m_fZ;                            ///< model units
+    CSurfaceMesh::CTexturePoint m_Picture;  ///< what it shows of the picture
+  };
+
+  /// `mesh` must have been built from `tree`, whose leaves must be listed and marked for `curves`.
+  CCleanMesh(const CQuadTree& tree, const CSurfaceMesh& mesh, const CCntrCtrlList& curves,
+             const CCleanMeshOptions& options = {});
+
+  /// Vertices, and where one lies in model units.
+  std::span<const CVertex> Vertices() const { return m_aVertices; }
+  Vector3 Position(std::size_t vertex) const;
+  /// The same as a file holds it: from the middle of the rectangle, scaled.
+  std::array<float, 3> Written(std::size_t vertex) const;
+
+  /// The surface: three vertices per triangle, counter-clockwise as seen from +z.
+  std::span<const std::uint32_t> Triangles() const { return m_auTriangles; }
+  /// The walls of the tears, empty unless they were asked for: vertical triangles between vertices of the surface.
+  std::span<const std::uint32_t> Walls() const { return m_auWalls; }
+
+ private:
+  void AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh);
+  void AddPlainTriangles(const CSurfaceMesh& mesh, const CTearPatch& patch);
+  void AddTorn(const class CTornSurface& torn, const CTearPatch& patch);
+  CVertex VertexAt(const CMeshPlace& place, double z) const;
+
+  CExtent m_Extent;
+  int m_iCells;
+  CCleanMeshOptions m_Options;
+  CMeshPlane m_Plane;
+  std::vector<CVertex> m_aVertices;
+  std::vector<std::uint32_t> m_auTriangles;
+  std::vector<std::uint32_t> m_auWalls;
+};

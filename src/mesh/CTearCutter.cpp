@@ -1,0 +1,169 @@
+#include "mesh/CTearCutter.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace {
+
+std::uint64_t KeyOf(const CMeshPlace& place) {
+  return static_cast<std::uint64_t>(static_cast<std::uint32_t>(place.x)) << 32 | static_cast<std::uint32_t>(place.y);
+}
+
+// Around one vertex, on the way of one line.
+constexpr int kMostTurns = 64;
+
+}  // namespace
+
+void CTearCutter::Cut(const CMeshPlace& from, const CMeshPlace& to) {
+  const std::uint32_t vertex = VertexAt(from);
+  if (vertex != kNone) CutFrom(vertex, to);
+}
+
+void CTearCutter::CutFrom(std::uint32_t vertex, const CMeshPlace& to) {
+  const auto known = m_Vertices.find(KeyOf(to));
+  const CMeshPlace target = known != m_Vertices.end() ? m_Triangles.Place(known->second) : to;
+  bool arrived = Between(vertex, target) < kOnePoint;
+  for (int turns = 0; !arrived;) {
+    const std::uint32_t next = Step(vertex, target, arrived);
+    // A side all but through the vertex has been turned out of the way.
+    if (next == vertex && !arrived && ++turns < kMostTurns) continue;
+    // Every step leads nearer, or rounding could send the line round in a ring.
+    if (next == kNone || Between(next, target) >= Between(vertex, target)) break;
+    m_Triangles.Cut(vertex, next);
+    vertex = next;
+    arrived = arrived || Between(vertex, target) < kOnePoint;
+  }
+  if (arrived) m_Vertices.emplace(KeyOf(to), vertex);
+}
+
+std::uint32_t CTearCutter::VertexAt(const CMeshPlace& place) {
+  const auto known = m_Vertices.find(KeyOf(place));
+  if (known != m_Vertices.end()) return known->second;
+  const std::uint32_t t = TriangleAt(place);
+  if (t == kNone) return kNone;
+  const std::uint32_t vertex = PlaceIn(t, place);
+  m_Vertices.emplace(KeyOf(place), vertex);
+  return vertex;
+}
+
+// Walks towards the place; the rim may stop it where the region has holes.
+std::uint32_t CTearCutter::TriangleAt(const CMeshPlace& place) {
+  const std::span<const CCutTriangulation::CTriangle> triangles = m_Triangles.Triangles();
+  const auto sideBefore = [&](std::uint32_t t) {
+    const auto& v = triangles[t].m_auVertices;
+    for (std::uint32_t k = 0; k < 3; ++k) {
+      if (Turn(m_Triangles.Place(v[k]), m_Triangles.Place(v[(k + 1) % 3]), place) < 0) return k;
+    }
+    return 3U;
+  };
+  std::uint32_t t = m_uLast;
+  for (std::size_t step = 0; step < triangles.size() && t != kNone; ++step) {
+    const std::uint32_t side = sideBefore(t);
+    if (side == 3) return m_uLast = t;
+    t = triangles[t].m_auNeighbours[side];
+  }
+  for (t = 0; t < triangles.size(); ++t) {
+    if (sideBefore(t) == 3) return m_uLast = t;
+  }
+  return kNone;
+}
+
+std::uint32_t CTearCutter::NearestCorner(std::uint32_t t, const CMeshPlace& place) const {
+  const auto& vertices = m_Triangles.Triangle(t).m_auVertices;
+  return *std::ranges::min_element(vertices, {}, [&](std::uint32_t v) { return Between(v, place); });
+}
+
+// The vertex for a place in a triangle: one of its corners, or a new one on a side or inside it.
+std::uint32_t CTearCutter::PlaceIn(std::uint32_t t, const CMeshPlace& place) {
+  const std::uint32_t corner = NearestCorner(t, place);
+  if (Between(corner, place) < kOnePoint) return corner;
+  const auto& v = m_Triangles.Triangle(t).m_auVertices;
+  const auto distance = [&](std::uint32_t k) {
+    return m_Plane.Distance(place, m_Triangles.Place(v[k]), m_Triangles.Place(v[(k + 1) % 3]));
+  };
+  const std::uint32_t side = std::ranges::min(std::array{0U, 1U, 2U}, {}, distance);
+  if (distance(side) < kOnePoint) return SplitNear(t, side, place);
+  return m_Triangles.SplitTriangle(t, place).value_or(corner);
+}
+
+// The corners opposite a side, in its triangle and in the one beyond.
+std::vector<std::uint32_t> CTearCutter::CornersBeside(std::uint32_t t, std::uint32_t side) const {
+  std::vector<std::uint32_t> corners{m_Triangles.Vertex({t, side}, 2)};
+  const std::uint32_t beyond = m_Triangles.Triangle(t).m_auNeighbours[side];
+  if (beyond != kNone) corners.push_back(m_Triangles.Vertex({beyond, m_Triangles.SideInNeighbour(t, side)}, 2));
+  return corners;
+}
+
+// A side on the border of the rectangle is split on it, whatever the place; another part of the rim is not split.
+std::uint32_t CTearCutter::SplitNear(std::uint32_t t, std::uint32_t side, const CMeshPlace& place) {
+  const auto& triangle = m_Triangles.Triangle(t);
+  const std::array<std::uint32_t, 2> ends{triangle.m_auVertices[side], triangle.m_auVertices[(side + 1) % 3]};
+  const std::uint32_t nearer = Between(ends[0], place) <= Between(ends[1], place) ? ends[0] : ends[1];
+  CMeshPlace at = place;
+  if (triangle.m_auNeighbours[side] == kNone) {
+    const CMeshPlace& a = m_Triangles.Place(ends[0]);
+    const CMeshPlace& b = m_Triangles.Place(ends[1]);
+    if (!m_Plane.AreOnOneBorder(a, b)) return nearer;
+    at = m_Plane.OntoBorder(place, a, b);
+  }
+  if (Between(nearer, at) < kOnePoint) return nearer;
+  for (const std::uint32_t corner : CornersBeside(t, side)) {
+    if (Between(corner, at) < kOnePoint && m_Triangles.Flip(t, side, corner)) return corner;
+  }
+  return m_Triangles.SplitSide(t, side, at).value_or(nearer);
+}
+
+// Goes on from a vertex: to the place, or to where the line meets the far side of the triangle that it enters first.
+std::uint32_t CTearCutter::Step(std::uint32_t from, const CMeshPlace& to, bool& arrived) {
+  const CCorner corner = CornerTowards(from, to);
+  if (corner.m_uTriangle == kNone) return kNone;
+  const std::uint32_t right = m_Triangles.Vertex(corner, 1);
+  const std::uint32_t left = m_Triangles.Vertex(corner, 2);
+  if (Turn(m_Triangles.Place(right), m_Triangles.Place(left), to) >= 0) {
+    arrived = true;
+    m_uLast = corner.m_uTriangle;
+    return PlaceIn(corner.m_uTriangle, to);
+  }
+  const auto off = [&](std::uint32_t v) { return m_Plane.Distance(m_Triangles.Place(v), m_Triangles.Place(from), to); };
+  const std::uint32_t nearer = off(right) <= off(left) ? right : left;
+  return off(nearer) < kOnePoint ? nearer : CrossSide(corner, to);
+}
+
+// The corner between whose sides the way to a place begins.
+CTearCutter::CCorner CTearCutter::CornerTowards(std::uint32_t from, const CMeshPlace& to) {
+  m_Triangles.CornersAround(from, m_aCorners);
+  const CMeshPlace& start = m_Triangles.Place(from);
+  for (const CCorner& corner : m_aCorners) {
+    const CMeshPlace& right = m_Triangles.Place(m_Triangles.Vertex(corner, 1));
+    const CMeshPlace& left = m_Triangles.Place(m_Triangles.Vertex(corner, 2));
+    if (Turn(start, right, to) >= 0 && Turn(start, left, to) <= 0) return corner;
+  }
+  return {};
+}
+
+std::uint32_t CTearCutter::CrossSide(const CCorner& corner, const CMeshPlace& to) {
+  const std::uint32_t from = m_Triangles.Vertex(corner, 0);
+  const std::uint32_t right = m_Triangles.Vertex(corner, 1);
+  const std::uint32_t left = m_Triangles.Vertex(corner, 2);
+  const CMeshPlace& a = m_Triangles.Place(right);
+  const CMeshPlace& b = m_Triangles.Place(left);
+  const auto before = static_cast<double>(-Turn(m_Triangles.Place(from), a, to));
+  const auto behind = static_cast<double>(Turn(m_Triangles.Place(from), b, to));
+  const double whole = before + behind;
+  const double share = whole != 0.0 ? before / whole : 0.5;
+  return SplitNear(corner.m_uTriangle, (corner.m_uPlace + 1) % 3, CMeshPlane::Between(a, b, share));
+}
+
+std::uint32_t CTearCutter::SplitBetween(std::uint32_t a, std::uint32_t b, double share) {
+  const CMeshPlace place = CMeshPlane::Between(m_Triangles.Place(a), m_Triangles.Place(b), share);
+  if (std::min(Between(a, place), Between(b, place)) < kOnePoint) return kNone;
+  m_Triangles.CornersAround(a, m_aCorners);
+  for (const CCorner& corner : m_aCorners) {
+    if (m_Triangles.Vertex(corner, 1) == b)
+      return m_Triangles.SplitSide(corner.m_uTriangle, corner.m_uPlace, place).value_or(kNone);
+    if (m_Triangles.Vertex(corner, 2) == b)
+      return m_Triangles.SplitSide(corner.m_uTriangle, (corner.m_uPlace + 2) % 3, place).value_or(kNone);
+  }
+  return kNone;
+}

@@ -1,0 +1,142 @@
+#include "mesh/CTornSurface.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "mesh/CTearCutter.h"
+#include "mesh/CTearPatch.h"
+#include "mesh/CTearSides.h"
+
+namespace {
+
+bool Holds(const CTornSurface::CCorners& corners, const std::array<std::uint32_t, 2>& copies) {
+  return std::ranges::all_of(copies,
+                             [&](std::uint32_t copy) { return std::ranges::find(corners, copy) != corners.end(); });
+}
+
+}  // namespace
+
+CTornSurface::CTornSurface(CTearPatch& patch, const CTearSides& sides, std::vector<double> heights, double scale)
+    : m_Patch(patch), m_afHeights(std::move(heights)), m_fScale(scale) {
+  for (std::uint32_t t = 0; t < patch.Triangles().Triangles().size(); ++t)
+    m_aCorners.push_back({sides.CopyOf(t, 0), sides.CopyOf(t, 1), sides.CopyOf(t, 2)});
+  for (std::uint32_t copy = 0; copy < sides.CopyCount(); ++copy) m_auVertices.push_back(sides.VertexOf(copy));
+}
+
+std::vector<CTornSurface::CCutSide> CTornSurface::CutSides() const {
+  const CCutTriangulation& triangles = m_Patch.Triangles();
+  std::vector<CCutSide> sides;
+  for (std::uint32_t t = 0; t < triangles.Triangles().size(); ++t) {
+    const auto& triangle = triangles.Triangle(t);
+    for (std::uint32_t k = 0; k < 3; ++k) {
+      const std::uint32_t beyond = triangle.m_auNeighbours[k];
+      if (!triangle.m_abCut[k] || beyond == CTearPatch::kNone || beyond < t) continue;
+      const std::uint32_t next = (k + 1) % 3;
+      const std::uint32_t there = triangles.SideInNeighbour(t, k);
+      sides.push_back({t,
+                       beyond,
+                       triangle.m_auVertices[k],
+                       triangle.m_auVertices[next],
+                       {m_aCorners[t][k], m_aCorners[t][next]},
+                       {m_aCorners[beyond][(there + 1) % 3], m_aCorners[beyond][there]}});
+    }
+  }
+  return sides;
+}
+
+// Where a side is too short to be split the heights become one at its end, which may bring about another change next
+// to it: each round leaves fewer.
+void CTornSurface::SplitAtChanges(CTearCutter& cutter) {
+  constexpr int kRounds = 16;
+  bool changed = true;
+  for (int round = 0; round < kRounds && changed; ++round) {
+    changed = false;
+    for (const CCutSide& side : CutSides()) changed = SplitAtChange(side, cutter) || changed;
+  }
+}
+
+bool CTornSurface::SplitAtChange(const CCutSide& side, CTearCutter& cutter) {
+  const auto step = [&](std::size_t end) { return Written(side.m_auLeft[end]) - Written(side.m_auRight[end]); };
+  const float from = step(0);
+  const float to = step(1);
+  if (!((from < 0 && to > 0) || (from > 0 && to < 0))) return false;
+  // What another split of this round has changed is left to the next one.
+  if (!Holds(m_aCorners[side.m_uLeft], side.m_auLeft) || !Holds(m_aCorners[side.m_uRight], side.m_auRight)) return true;
+  const double share = static_cast<double>(from) / (static_cast<double>(from) - to);
+  const std::size_t before = m_Patch.Triangles().Triangles().size();
+  const std::uint32_t vertex = cutter.SplitBetween(side.m_uFrom, side.m_uTo, share);
+  if (vertex == CTearCutter::kNone) {
+    const std::size_t end = share < 0.5 ? 0 : 1;
+    m_afHeights[side.m_auLeft[end]] = m_afHeights[side.m_auRight[end]];
+    return true;
+  }
+  const double z0 = m_afHeights[side.m_auLeft[0]];
+  TakeParts(side, vertex, z0 + share * (m_afHeights[side.m_auLeft[1]] - z0), before);
+  return true;
+}
+
+// The two triangles beside a side that has been split, and their second halves behind the others, get their copies.
+void CTornSurface::TakeParts(const CCutSide& side, std::uint32_t vertex, double z, std::size_t before) {
+  const CCutTriangulation& triangles = m_Patch.Triangles();
+  std::array<CCorners, 2> old{m_aCorners[side.m_uLeft], m_aCorners[side.m_uRight]};
+  const auto first = static_cast<std::uint32_t>(m_auVertices.size());
+  m_auVertices.insert(m_auVertices.end(), {vertex, vertex});
+  m_afHeights.insert(m_afHeights.end(), {z, z});
+  m_aCorners.resize(triangles.Triangles().size());
+  const auto copyIn = [&](std::size_t hand, std::uint32_t v) {
+    if (v == vertex) return first + static_cast<std::uint32_t>(hand);
+    for (const std::uint32_t copy : old[hand]) {
+      if (m_auVertices[copy] == v) return copy;
+    }
+    return CTearPatch::kNone;
+  };
+  const auto newest = static_cast<std::uint32_t>(before);
+  for (const std::uint32_t t : {side.m_uLeft, side.m_uRight, newest, newest + 1}) {
+    for (std::size_t hand = 0; hand < 2; ++hand) {
+      CCorners corners{};
+      for (std::size_t k = 0; k < 3; ++k) corners[k] = copyIn(hand, triangles.Triangle(t).m_auVertices[k]);
+      if (std::ranges::find(corners, CTearPatch::kNone) == corners.end()) m_aCorners[t] = corners;
+    }
+  }
+}
+
+// The copies of a vertex from one height to another.
+std::vector<std::uint32_t> CTornSurface::Chain(std::uint32_t low, std::uint32_t high,
+                                               std::span<const std::uint32_t> others) const {
+  const float a = Written(low);
+  const float b = Written(high);
+  std::vector<std::uint32_t> chain{low};
+  if (a == b) return chain;
+  for (const std::uint32_t copy : others) {
+    const float z = Written(copy);
+    if (std::min(a, b) < z && z < std::max(a, b)) chain.push_back(copy);
+  }
+  const bool rising = a < b;
+  std::ranges::sort(chain, [&](std::uint32_t p, std::uint32_t q) {
+    return rising ? Written(p) < Written(q) : Written(p) > Written(q);
+  });
+  const auto same = [this](std::uint32_t p, std::uint32_t q) { return Written(p) == Written(q); };
+  chain.erase(std::unique(chain.begin(), chain.end(), same), chain.end());
+  chain.push_back(high);
+  return chain;
+}
+
+std::vector<std::uint32_t> CTornSurface::Walls() const {
+  std::vector<std::vector<std::uint32_t>> copies(m_Patch.Triangles().VertexCount());
+  for (std::uint32_t copy = 0; copy < m_auVertices.size(); ++copy) copies[m_auVertices[copy]].push_back(copy);
+  std::vector<std::uint32_t> walls;
+  for (const CCutSide& side : CutSides()) {
+    const auto from = Chain(side.m_auRight[0], side.m_auLeft[0], copies[side.m_uFrom]);
+    const auto to = Chain(side.m_auRight[1], side.m_auLeft[1], copies[side.m_uTo]);
+    // Up both chains together, the one that has come less far first.
+    std::size_t i = 0;
+    std::size_t j = 0;
+    while (i + 1 < from.size() || j + 1 < to.size()) {
+      const bool second = j + 1 < to.size() && (i + 1 == from.size() || j * from.size() <= i * to.size());
+      const std::uint32_t next = second ? to[j + 1] : from[i + 1];
+      walls.insert(walls.end(), {from[i], to[j], next});
+      ++(second ? j : i);
+    }
+  }
+  return walls;
+}

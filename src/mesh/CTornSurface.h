@@ -1,0 +1,58 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+class CTearCutter;
+class CTearPatch;
+class CTearSides;
+
+/// A cut patch with its heights: each corner of a triangle is a copy of its vertex, each copy has a height.
+class CTornSurface {
+ public:
+  using CCorners = std::array<std::uint32_t, 3>;
+
+  /// A cut side with the surface to its left and to its right as one looks from `m_uFrom` to `m_uTo` (vertices): the
+  /// copies at both ends on either side.
+  struct CCutSide {
+    std::uint32_t m_uLeft;   ///< triangle
+    std::uint32_t m_uRight;  ///< triangle
+    std::uint32_t m_uFrom;
+    std::uint32_t m_uTo;
+    std::array<std::uint32_t, 2> m_auLeft;   ///< copies at the beginning and at the end
+    std::array<std::uint32_t, 2> m_auRight;  ///< copies at the beginning and at the end
+  };
+
+  /// `heights` by copy. `scale` is what heights are multiplied by when they are written as floats.
+  CTornSurface(CTearPatch& patch, const CTearSides& sides, std::vector<double> heights, double scale);
+
+  /// Splits cut sides at the places where the two heights change places, so that neither surface crosses the other
+  /// between two vertices.
+  void SplitAtChanges(CTearCutter& cutter);
+  /// The vertical strips between the two edges of each cut, three copies per triangle, facing as the surface does: a
+  /// side of the surface and that of its strip run in opposite directions. Nothing where both heights are the same when
+  /// written; vertical edges are split at all heights that their vertex has.
+  std::vector<std::uint32_t> Walls() const;
+
+  /// Copies by triangle, and vertices and heights by copy.
+  std::span<const CCorners> Corners() const { return m_aCorners; }
+  std::span<const std::uint32_t> Vertices() const { return m_auVertices; }
+  std::span<const double> Heights() const { return m_afHeights; }
+  float Written(std::uint32_t copy) const { return static_cast<float>(m_fScale * m_afHeights[copy]); }
+  /// Cut sides inside the patch, each once.
+  std::vector<CCutSide> CutSides() const;
+
+ private:
+  bool SplitAtChange(const CCutSide& side, CTearCutter& cutter);
+  void TakeParts(const CCutSide& side, std::uint32_t vertex, double z, std::size_t before);
+  std::vector<std::uint32_t> Chain(std::uint32_t low, std::uint32_t high, std::span<const std::uint32_t> others) const;
+
+  CTearPatch& m_Patch;
+  std::vector<CCorners> m_aCorners;         ///< by triangle
+  std::vector<std::uint32_t> m_auVertices;  ///< by copy
+  std::vector<double> m_afHeights;          ///< by copy
+  double m_fScale;
+};
