@@ -58,8 +58,13 @@ void CRecoveryTool::Connect() {
   CRecoveryServices services;
   services.m_HasWork = [this] { return m_bHasWork; };
   services.m_ChooseWork = [this] { return ChooseWork(); };
+  services.m_Replacing = [this] { End(); };
+  services.m_Replaced = [this] {
+    m_Recovery.SetAside();
+    RefreshList();
+  };
   services.m_Saved = [this] {
-    m_Recovery.NoteSaved(m_Grid.Gate().Edits());
+    m_Recovery.NoteSaved(m_Grid.Gate().Edits(), DocumentOf(m_Grid));
     if (m_bHasWork) RefreshList();
   };
   services.m_SteppedOver = [this] { PutBack(); };
@@ -105,7 +110,10 @@ void CRecoveryTool::RefreshList() {
   m_Window.UnsavedWorkChanged();
 }
 
-void CRecoveryTool::End() { m_Recovery.End(); }
+void CRecoveryTool::End() {
+  m_Recovery.NoteChanges(m_Grid.Gate().Edits());
+  m_Recovery.End();
+}
 
 void CRecoveryTool::cb_Attend(int /*descriptor*/, void* tool) {
   static_cast<CRecoveryTool*>(tool)->m_Recovery.Attend();

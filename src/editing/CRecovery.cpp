@@ -13,6 +13,7 @@
 
 namespace {
 
+namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 // One edit seldom comes alone.
@@ -66,9 +67,11 @@ void CRecovery::NoteChanges(std::uint64_t changes) {
   if (!m_bAwake) Wake(std::max<CClock::duration>(kAfterEdit, m_NextWriting - CClock::now()));
 }
 
-void CRecovery::NoteSaved(std::uint64_t changes) {
+void CRecovery::NoteSaved(std::uint64_t changes, CDocument document) {
   m_uChanges = changes;
   m_uSaved = changes;
+  DiscardAside(document);
+  m_Saved = std::move(document);
   for (const std::filesystem::path& file : m_aTakenUp) m_Folder.Discard(file);
   m_aTakenUp.clear();
   // What is being written goes when it is done.
@@ -85,14 +88,27 @@ void CRecovery::Attend() {
   Begin();
 }
 
-void CRecovery::Begin() {
+// Nothing where there is nothing to write: no work, or what a file of the user's holds.
+std::optional<CProject> CRecovery::TakeWork() {
   m_uWritten = m_uChanges;
+  CProject project = m_Program.m_Take();
+  if (project.m_Model.m_Document == m_Saved) {
+    m_uSaved = m_uChanges;
+    m_Folder.Forget();
+    return {};
+  }
+  if (!IsWork(project)) return {};
+  m_Taken = project.m_Model.m_Document;
+  return project;
+}
+
+void CRecovery::Begin() {
   try {
-    CProject project = m_Program.m_Take();
-    if (!IsWork(project)) return;
+    std::optional<CProject> project = TakeWork();
+    if (!project.has_value()) return;
     m_NextWriting = CClock::now() + kBetweenWritings;
     m_Writing.Begin(
-        [this, project = std::move(project), time = std::time(nullptr)] { return WriteInto(m_Folder, project, time); });
+        [this, work = std::move(*project), time = std::time(nullptr)] { return WriteInto(m_Folder, work, time); });
   } catch (const std::bad_alloc&) {
     m_NextWriting = CClock::now() + kBetweenWritings;
     NotKept(kNoMemory);
@@ -101,6 +117,7 @@ void CRecovery::Begin() {
 }
 
 void CRecovery::Finish(bool written) {
+  if (written) DiscardAside(m_Taken);
   if (!IsUnsaved()) m_Folder.Forget();
   if (!written)
     NotKept("What is not saved cannot be kept for the next start: its folder is missing, full or read-only.");
@@ -115,13 +132,25 @@ void CRecovery::NotKept(const char* text) {
 void CRecovery::End() {
   if (const std::optional<bool> written = m_Writing.Wait()) Finish(*written);
   if (!IsUnsaved() || m_uWritten == m_uChanges) return;
-  m_uWritten = m_uChanges;
   try {
-    if (const CProject project = m_Program.m_Take(); IsWork(project))
-      Finish(WriteInto(m_Folder, project, std::time(nullptr)));
+    if (const std::optional<CProject> project = TakeWork(); project.has_value())
+      Finish(WriteInto(m_Folder, *project, std::time(nullptr)));
   } catch (const std::bad_alloc&) {
     NotKept(kNoMemory);
   }
+}
+
+void CRecovery::SetAside() {
+  if (const std::optional<bool> written = m_Writing.Wait()) Finish(*written);
+  PutBack();
+  if (fs::path file = m_Folder.SetAside(); !file.empty()) m_aAside.emplace_back(std::move(file), std::move(m_Taken));
+  // The next work does not wait for its time because of this one.
+  m_NextWriting = {};
+}
+
+// What is held elsewhere need not be kept.
+void CRecovery::DiscardAside(const CDocument& held) {
+  std::erase_if(m_aAside, [&](const auto& aside) { return aside.second == held && m_Folder.Discard(aside.first); });
 }
 
 std::vector<CUnsavedWork> CRecovery::List() {
@@ -134,8 +163,10 @@ std::vector<CUnsavedWork> CRecovery::List() {
 }
 
 bool CRecovery::TakeUp(const std::filesystem::path& file) {
+  End();
+  SetAside();
   if (!m_Folder.Claim(file)) return false;
-  if (std::ranges::find(m_aTakenUp, file) == m_aTakenUp.end()) m_aTakenUp.push_back(file);
+  m_aTakenUp.push_back(file);
   return true;
 }
 

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "editing/CBackgroundTask.h"
@@ -49,15 +51,20 @@ class CRecovery {
   /// The work has been changed so many times since the program began. To be called often; does nothing where the number
   /// is the same.
   void NoteChanges(std::uint64_t changes);
-  /// A file of the user's holds the work as it is after so many changes.
-  void NoteSaved(std::uint64_t changes);
-  /// The program ends: what no file holds is written now; else nothing is left behind.
+  /// A file of the user's holds this document, which is the work as it is after so many changes. Undone to it the work
+  /// is saved again.
+  void NoteSaved(std::uint64_t changes, CDocument document);
+  /// The program ends, or other work may take the place of this: what no file holds is written now; else nothing is
+  /// left behind.
   void End();
+  /// Other work has taken the place of this: what was written of it since it was saved stays for the next start, unless
+  /// the user comes back to it. What was taken up belongs to nobody again.
+  void SetAside();
 
   /// The work that can be taken up, the newest first.
   std::vector<CUnsavedWork> List();
-  /// Takes one up: it stays until a file of the user's holds what has become of it, and is offered to no other program.
-  /// False where another has been faster.
+  /// Takes one up in place of the present work, which is set aside: it stays until a file of the user's holds what has
+  /// become of it, and is offered to no other program. False where another has been faster.
   bool TakeUp(const std::filesystem::path& file);
   /// What was taken up has been given up again: it belongs to nobody.
   void PutBack();
@@ -68,8 +75,10 @@ class CRecovery {
   using CClock = std::chrono::steady_clock;
 
   void Wake(CClock::duration delay);
+  std::optional<CProject> TakeWork();
   void Begin();
   void Finish(bool written);
+  void DiscardAside(const CDocument& held);
   void NotKept(const char* text);
   bool IsUnsaved() const { return m_uChanges != m_uSaved; }
 
@@ -84,4 +93,8 @@ class CRecovery {
   bool m_bAwake = false;  ///< the timer has been set
   bool m_bTold = false;
   std::vector<std::filesystem::path> m_aTakenUp;
+  std::optional<CDocument> m_Saved;  ///< what a file of the user's holds
+  CDocument m_Taken;                 ///< of the copy taken last
+  /// Files of work that other work has taken the place of, and what they hold.
+  std::vector<std::pair<std::filesystem::path, CDocument>> m_aAside;
 };

@@ -138,6 +138,15 @@ void CRecoveryFolder::Forget() {
   m_Own.clear();
 }
 
+fs::path CRecoveryFolder::SetAside() {
+  const std::scoped_lock lock(m_Mutex);
+  if (!m_bWritten) return {};
+  m_Claimed.emplace(m_Own, std::move(*m_OwnLock));
+  m_OwnLock.reset();
+  m_bWritten = false;
+  return std::exchange(m_Own, {});
+}
+
 std::vector<fs::path> CRecoveryFolder::Left() {
   const std::scoped_lock lock(m_Mutex);
   std::vector<std::pair<fs::file_time_type, fs::path>> found;

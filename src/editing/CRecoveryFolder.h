@@ -36,6 +36,10 @@ class CRecoveryFolder {
   /// This program's file goes. Not while it is being written.
   void Forget();
 
+  /// What this program's file holds is no longer what it works on: the file becomes one that it has claimed, and the
+  /// next writing begins another. Not while it is being written. Its name; empty where nothing has been written.
+  std::filesystem::path SetAside();
+
   /// The files that belong to nobody, and those that this program has claimed; the newest first.
   std::vector<std::filesystem::path> Left();
   /// Makes a file that belongs to nobody this program's, too, so that nobody else is offered it. Whether it is now.

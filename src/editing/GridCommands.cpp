@@ -85,6 +85,7 @@ void CGridCommands::NewGrid() {
 
 void CGridCommands::StartOver(Edit edit, const CGridParameters& parameters) {
   const CExtent& extent = parameters.m_Extent;
+  if (!parameters.m_bKeepConstraints) NoteReplacing();
   m_pGrid->Gate().Do(edit, [&] {
     m_pGrid->Initialize(parameters.m_iStartLevel, parameters.m_bKeepConstraints, extent.x0, extent.y0, extent.x1,
                         extent.y1);
@@ -93,6 +94,7 @@ void CGridCommands::StartOver(Edit edit, const CGridParameters& parameters) {
     m_Files.ModelReplaced();
   });
   m_Host.GridReplaced();
+  if (!parameters.m_bKeepConstraints) NoteReplaced();
 }
 
 void CGridCommands::LoadGrid(const CRequest& request) {
@@ -118,8 +120,11 @@ std::optional<std::string> CGridCommands::ChooseModel(Chooser chooser) {
 
 void CGridCommands::OpenModel(const std::string& file) {
   m_Host.EndDrags();
+  NoteReplacing();
   if (m_Services.m_ReadProject && IsProjectFile(file)) {
-    if (OpenProject(file, Edit::OpenProject)) NoteSaved();
+    if (!OpenProject(file, Edit::OpenProject)) return;
+    NoteReplaced();
+    NoteSaved();
     return;
   }
   GridFileState state = GridFileState::NotOpened;
@@ -135,7 +140,10 @@ void CGridCommands::OpenModel(const std::string& file) {
   });
   Tell(TroubleWith(state, file));
   if (state != GridFileState::NotOpened) TellRefusedCurves(m_pGrid->CurveEdits().TakeRefused());
-  if (IsReplaced(state)) m_Host.GridReplaced();
+  if (IsReplaced(state)) {
+    m_Host.GridReplaced();
+    NoteReplaced();
+  }
   if (state == GridFileState::Whole) NoteSaved();
 }
 

@@ -67,6 +67,9 @@ struct CRecoveryServices {
   /// Whether there is work of an earlier run that can be recovered; has the user choose some of it.
   std::function<bool()> m_HasWork;
   std::function<std::optional<std::string>()> m_ChooseWork;
+  /// Another model may take the place of this one; it has.
+  std::function<void()> m_Replacing;
+  std::function<void()> m_Replaced;
   /// A file of the user's holds the model as it is now.
   std::function<void()> m_Saved;
   /// A step back or forward has gone over the opening of a project, or over recovered work.
@@ -164,6 +167,8 @@ class CGridCommands {
   std::optional<std::string> ChooseProject(bool saves);
   CSaveOutcome WriteProject(const std::string& file);
   void NoteSaved() const;
+  void NoteReplacing() const;
+  void NoteReplaced() const;
   void WriteNow(const CModelFormat& format);
   void AskFileAndWrite(const CModelFormat& format, const CWriteSettings& settings);
   std::optional<std::string> ChooseTarget(const CModelFormat& format);

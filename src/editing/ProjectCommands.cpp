@@ -78,6 +78,14 @@ void CGridCommands::NoteSaved() const {
   if (m_Recovery.m_Saved) m_Recovery.m_Saved();
 }
 
+void CGridCommands::NoteReplacing() const {
+  if (m_Recovery.m_Replacing) m_Recovery.m_Replacing();
+}
+
+void CGridCommands::NoteReplaced() const {
+  if (m_Recovery.m_Replaced) m_Recovery.m_Replaced();
+}
+
 bool CGridCommands::OpenProject(const std::string& file, Edit edit) {
   CReadProject read = m_Services.m_ReadProject(file);
   Tell(read.m_Trouble);

@@ -32,6 +32,8 @@ class ProjectCommandsTest : public GridCommandsTest {
   }
   void NoteSaves() {
     CRecoveryServices recovery;
+    recovery.m_Replacing = [this] { m_asReplaced.push_back("replacing " + std::to_string(Heights())); };
+    recovery.m_Replaced = [this] { m_asReplaced.push_back("replaced " + std::to_string(Heights())); };
     recovery.m_Saved = [this] { ++m_iSaved; };
     recovery.m_ChooseWork = [this] { return m_Work; };
     m_Commands.SetRecovery(recovery);
@@ -40,6 +42,7 @@ class ProjectCommandsTest : public GridCommandsTest {
 
   CTemporaryDirectory m_Scratch;
   int m_iSaved = 0;
+  std::vector<std::string> m_asReplaced;
   std::optional<std::string> m_Work;
 };
 
@@ -86,6 +89,7 @@ TEST_F(ProjectCommandsTest, OpeningIsOneChangeThatAFileHolds) {
   m_Project = OneHeight();
   m_Commands.OpenProject();
   EXPECT_EQ(m_iSaved, 1);
+  EXPECT_EQ(m_asReplaced, (Done{"replacing 0", "replaced 1"}));
   EXPECT_EQ(m_Commands.Files().Model().m_File, SomeFile());
   EXPECT_TRUE(m_Commands.Files().Model().m_bProject);
 }
@@ -112,6 +116,7 @@ TEST_F(ProjectCommandsTest, OneThatIsRefusedChangesNothing) {
   EXPECT_EQ(Grid().Gate().Edits(), edits);
   EXPECT_EQ(m_Host.m_iReplaced, 0);
   EXPECT_EQ(m_iSaved, 0);
+  EXPECT_EQ(m_asReplaced, Done{"replacing 1"});
 }
 
 TEST_F(ProjectCommandsTest, RecoveredWorkIsAnEditWithoutAName) {

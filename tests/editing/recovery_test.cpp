@@ -50,6 +50,7 @@ class RecoveryTest : public ::testing::Test {
       if (poll(waiting, 2, 20) > 0) recovery.Attend();
     }
   }
+  CDocument Document() const { return DocumentOf(m_Test.m_Grid); }
   std::vector<fs::path> Files() const {
     std::vector<fs::path> files;
     if (!fs::exists(m_Folder)) return files;
@@ -117,7 +118,7 @@ TEST_F(RecoveryTest, WhatAFileHoldsIsKeptNoLonger) {
   recovery.NoteChanges(1);
   recovery.End();
   ASSERT_EQ(Files().size(), 1U);
-  recovery.NoteSaved(1);
+  recovery.NoteSaved(1, Document());
   EXPECT_TRUE(Files().empty());
   recovery.End();
   EXPECT_TRUE(Files().empty());
@@ -129,7 +130,7 @@ TEST_F(RecoveryTest, SavedWhileItIsWrittenItGoesWhenThatIsDone) {
   recovery.NoteChanges(1);
   ASSERT_TRUE(IsReadable(recovery.TimerDescriptor(), 5s));
   recovery.Attend();
-  recovery.NoteSaved(1);
+  recovery.NoteSaved(1, Document());
   recovery.End();
   EXPECT_TRUE(Files().empty());
 }
@@ -195,7 +196,7 @@ TEST_F(RecoveryTest, TheNextProgramIsOfferedIt) {
   CRecovery third(m_Folder, Program());
   EXPECT_EQ(third.List().size(), 1U);
   EXPECT_FALSE(third.TakeUp(works.front().m_File));
-  next.NoteSaved(1);
+  next.NoteSaved(1, Document());
   EXPECT_FALSE(fs::exists(works.front().m_File)) << "a file holds it";
   EXPECT_TRUE(fs::exists(works.back().m_File)) << "left alone";
 }
@@ -222,8 +223,84 @@ TEST_F(RecoveryTest, WhatIsGivenUpAgainIsOfferedAgain) {
   CRecovery next(m_Folder, Program());
   ASSERT_TRUE(next.TakeUp(next.List().front().m_File));
   next.PutBack();
-  next.NoteSaved(3);
+  next.NoteSaved(3, Document());
   EXPECT_EQ(CRecovery(m_Folder, Program()).List().size(), 1U);
+}
+
+TEST_F(RecoveryTest, UndoneToWhatAFileHoldsItIsKeptNoLonger) {
+  CRecovery recovery(m_Folder, Program());
+  const CDocument saved = Document();
+  recovery.NoteSaved(1, saved);
+  m_Test.m_Grid.AddPtCstr({60, 40, PtCstrKind::kPosition, 7});
+  recovery.NoteChanges(2);
+  AttendFor(recovery, 1500ms);
+  ASSERT_EQ(Files().size(), 1U);
+  CRestoration::RestoreDocument(m_Test.m_Grid, saved);
+  recovery.NoteChanges(3);
+  recovery.End();
+  EXPECT_TRUE(Files().empty());
+  m_Test.m_Grid.AddPtCstr({60, 40, PtCstrKind::kPosition, 7});
+  recovery.NoteChanges(4);
+  recovery.End();
+  EXPECT_EQ(Files().size(), 1U) << "changed again";
+}
+
+TEST_F(RecoveryTest, WorkThatAnotherModelReplacesStays) {
+  CRecovery recovery(m_Folder, Program());
+  recovery.NoteChanges(1);
+  recovery.End();
+  recovery.SetAside();
+  ASSERT_EQ(Files().size(), 1U);
+  const fs::path aside = Files().front();
+  m_Test.m_Grid.AddPtCstr({60, 40, PtCstrKind::kPosition, 7});
+  recovery.NoteSaved(2, Document());
+  EXPECT_TRUE(fs::exists(aside)) << "no file of the user's holds it";
+  EXPECT_EQ(recovery.List().size(), 1U) << "it can be taken up at once";
+  m_Test.m_Grid.AddPtCstr({60, 60, PtCstrKind::kPosition, 7});
+  recovery.NoteChanges(3);
+  recovery.End();
+  EXPECT_EQ(Files().size(), 2U);
+}
+
+TEST_F(RecoveryTest, WhoComesBackToWhatWasReplacedKeepsItOnce) {
+  CRecovery recovery(m_Folder, Program());
+  recovery.NoteChanges(1);
+  recovery.End();
+  recovery.SetAside();
+  recovery.NoteChanges(2);
+  recovery.End();
+  EXPECT_EQ(Files().size(), 1U);
+  recovery.SetAside();
+  recovery.NoteSaved(3, Document());
+  EXPECT_TRUE(Files().empty()) << "a file holds it now";
+}
+
+TEST_F(RecoveryTest, WhatWasTakenUpOutlivesAModelThatReplacesIt) {
+  {
+    CRecovery recovery(m_Folder, Program());
+    recovery.NoteChanges(1);
+    recovery.End();
+  }
+  CRecovery next(m_Folder, Program());
+  ASSERT_TRUE(next.TakeUp(next.List().front().m_File));
+  next.SetAside();
+  m_Test.m_Grid.AddPtCstr({60, 40, PtCstrKind::kPosition, 7});
+  next.NoteSaved(2, Document());
+  EXPECT_EQ(Files().size(), 1U);
+}
+
+TEST_F(RecoveryTest, WhatIsTakenUpReplacesUnsavedWork) {
+  {
+    CRecovery recovery(m_Folder, Program());
+    recovery.NoteChanges(1);
+    recovery.End();
+  }
+  CRecovery next(m_Folder, Program());
+  const fs::path earlier = next.List().front().m_File;
+  m_Test.m_Grid.AddPtCstr({60, 40, PtCstrKind::kPosition, 7});
+  next.NoteChanges(1);
+  ASSERT_TRUE(next.TakeUp(earlier));
+  EXPECT_EQ(Files().size(), 2U);
 }
 
 TEST_F(RecoveryTest, WhereNothingCanBeWrittenThatIsToldOnce) {

@@ -144,6 +144,21 @@ TEST_F(RecoveryRunTest, ClosingTheWindowKeepsTheWork) {
   EXPECT_EQ(Kept(), 3U);
 }
 
+TEST_F(RecoveryRunTest, WorkBeforeANewGridComesBackAtTheNextStart) {
+  Start();
+  Place(2);
+  PressKey("alt+n");
+  ASSERT_TRUE(m_Program->WaitForWindow("Grid Initial Parameters").has_value() && m_Program->Rests());
+  PressKey("Return");
+  ASSERT_TRUE(m_Program->Rests());
+  EXPECT_EQ(Kept(), 2U) << "without waiting";
+  End(SIGTERM);
+  Start();
+  EXPECT_TRUE(TellsOfUnsavedWork());
+  Recover();
+  EXPECT_EQ(Present(), 2U);
+}
+
 TEST_P(RecoverySignalTest, KeepsTheWork) {
   Start();
   Place(3);
