@@ -1,5 +1,7 @@
 #include <array>
 #include <limits>
+#include <ostream>
+#include <streambuf>
 #include <string>
 #include <utility>
 #include <vector>
@@ -7,12 +9,14 @@
 #include <GL/gl.h>
 #include <sys/stat.h>
 
+#include "base/Console.h"
 #include "formats/PictureFormats.h"
 #include "model/PointProbe.h"
 #include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
 #include "support/gui/ImageViewTest.h"
+#include "ui/seams/CBusyCursor.h"
 
 namespace {
 
@@ -22,6 +26,18 @@ constexpr std::array kAllEditingModes{EditingMode::Unset, EditingMode::Position,
 class ImageViewEventTest : public ImageViewTest {
  protected:
   ImageViewEventTest() { Attach(); }
+};
+
+/// Looks at the mouse whenever a line is written.
+class CCursorWatch : public std::streambuf {
+ public:
+  int overflow(int letter) override {
+    (CBusyCursor::IsShown() ? m_iBusy : m_iIdle) += letter == '\n' ? 1 : 0;
+    return 0;
+  }
+
+  int m_iBusy = 0;
+  int m_iIdle = 0;
 };
 
 // Forwards what the grid shows to the view, as the window does.
@@ -295,6 +311,17 @@ TEST_F(LoadImageTest, TextureSizesAreTheNextPowersOfTwo) {
     EXPECT_EQ(Grid().Relighting().Textures().PictureHeight(), height);
   }
   EXPECT_TRUE(m_Host.m_aNotices.empty());
+}
+
+TEST_F(LoadImageTest, TheMouseShowsThatAPictureIsBeingRead) {
+  CCursorWatch watch;
+  std::ostream stream(&watch);
+  const CConsoleRedirect redirect(stream);
+  WriteBytes(m_Scratch.File("picture.bmp"), BmpFile(SomePicture(3, 2)));
+  ASSERT_TRUE(View().LoadImage(m_Scratch.File("picture.bmp")));
+  EXPECT_GE(watch.m_iBusy, 3) << "from the first line on, which is that of the bitmap";
+  EXPECT_EQ(watch.m_iIdle, 0);
+  EXPECT_FALSE(CBusyCursor::IsShown());
 }
 
 TEST_F(LoadImageTest, FileNameIsKept) {

@@ -124,12 +124,21 @@ bool CImageView::TakePicture(const CReadPicture& read, const std::string& filena
     m_pHost->Notice(("The picture " + filename + " cannot be read: " + read.m_Reason + ".").c_str());
     return false;
   }
-  const int width = CTextureImages::PaddedSide(read.m_Picture.m_iWidth);
-  const int height = CTextureImages::PaddedSide(read.m_Picture.m_iHeight);
-  if (!m_pGrid->Relighting().SetPicture(read.m_Picture)) {
+  if (!ShowPicture(read.m_Picture)) {
     m_pHost->Notice(("The picture " + filename + " is empty, or too large for the memory.").c_str());
     return false;
   }
+  m_TextureFileName = filename;
+  redraw();
+  if (!read.m_Notice.empty()) m_pHost->Notice(("The picture " + filename + ' ' + read.m_Notice + '.').c_str());
+  return true;
+}
+
+bool CImageView::ShowPicture(const CPicture& picture) {
+  const CBusyCursor busy;
+  if (!m_pGrid->Relighting().SetPicture(picture)) return false;
+  const int width = CTextureImages::PaddedSide(picture.m_iWidth);
+  const int height = CTextureImages::PaddedSide(picture.m_iHeight);
   Console() << "CImageView::LoadImage\tNew texture generated. new_width : " << width << ", new_height : " << height
             << '\n';
   if (m_pTextures != nullptr && shown() != 0) {
@@ -137,9 +146,6 @@ bool CImageView::TakePicture(const CReadPicture& read, const std::string& filena
     m_pTextures->Load(m_pGrid->Relighting().Textures());
   }
   m_pGrid->TestTexelsInDiscontinuity();
-  m_TextureFileName = filename;
-  redraw();
-  if (!read.m_Notice.empty()) m_pHost->Notice(("The picture " + filename + ' ' + read.m_Notice + '.').c_str());
   return true;
 }
 

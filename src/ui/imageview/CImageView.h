@@ -75,6 +75,7 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   void draw() override;
 
  private:
+  bool ShowPicture(const CPicture& picture);
   void DrawScene();
   void DrawBrush() const;
   void DrawTools() const;
