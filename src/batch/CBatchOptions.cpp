@@ -149,7 +149,7 @@ CParsedOptions ParseOptions(int argc, const char* const* argv) {
   app.set_version_flag("--version", "relievo-batch " RELIEVO_VERSION);
   AddFile(app, "MODEL", parsed.m_Options.m_Model, "Grid file or project to read", "MODEL")->required();
   AddFile(app, "--image", parsed.m_Options.m_Image,
-          "Photograph, instead of a project's; becomes picture.jpg beside the VRML scene", "PHOTO.bmp");
+          "Photograph, instead of a project's; becomes picture.jpg beside the VRML scene", "PHOTO");
   app.add_flag("--strict", parsed.m_Options.m_bStrict, "Refuse a damaged model instead of going on with what is whole");
   AddSolving(app, parsed.m_Options);
   AddOutputs(app, parsed.m_Options);

@@ -77,7 +77,7 @@ bool CBatchRun::ReadInputs() {
     Complain("A damaged model is refused, as --strict wants it; nothing is written.");
     return false;
   }
-  m_Picture = std::move(input.m_Photograph.m_Picture);
+  m_Photograph = std::move(input.m_Photograph);
   return input.m_bRead;
 }
 
@@ -137,8 +137,8 @@ bool CBatchRun::WriteOutputs() {
 bool CBatchRun::WriteOutput(std::size_t format) {
   bool written =
       IsSaved(WriteModel(ModelFormats()[format], m_Grid, m_Options.m_asOutputs[format], m_Options.m_Writing));
-  const std::string jpeg = m_Picture.m_aPixels.empty() ? std::string() : m_Options.PictureOf(format);
-  if (!jpeg.empty() && !SaveJpeg(jpeg, m_Picture)) {
+  const std::string jpeg = m_Photograph.m_Picture.m_aPixels.empty() ? std::string() : m_Options.PictureOf(format);
+  if (!jpeg.empty() && !SaveJpeg(jpeg, m_Photograph)) {
     Complain("The file " + jpeg + " could not be written.");
     written = false;
   }

@@ -2,9 +2,9 @@
 
 #include <cstddef>
 
-#include "base/CPicture.h"
 #include "batch/BatchReport.h"
 #include "batch/CBatchOptions.h"
+#include "formats/PictureFormats.h"
 #include "model/CGrid.h"
 #include "model/GridHost.h"
 
@@ -40,6 +40,6 @@ class CBatchRun : private GridHost {
   const CBatchOptions m_Options;
   CTerminationSignals& m_Signals;
   CGrid m_Grid;
-  CPicture m_Picture;
+  CReadPicture m_Photograph;
   CBatchResult m_Result;
 };

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/Memory.h"
+#include "formats/Orientation.h"
 
 namespace {
 
@@ -26,30 +27,36 @@ std::string Gibibytes(double bytes) {
 
 }  // namespace
 
-bool CPictureSink::IsTooLarge(double bytes) {
+bool CPictureSink::IsTooLarge() {
   const std::string size = SizeInWords(m_Raster);
   if (std::max(m_Raster.m_iWidth, m_Raster.m_iHeight) > kMostPictureSide) {
     m_Reason = size + " are too many: a side may have " + std::to_string(kMostPictureSide);
-  } else if (bytes > kMostPictureBytes) {
-    m_Reason = size + " would take " + Gibibytes(bytes) + ", and 1 GiB is the most";
+  } else if (Bytes() > kMostPictureBytes) {
+    m_Reason = size + " would take " + Gibibytes(Bytes()) + ", and 1 GiB is the most";
   }
   if (!m_Reason.empty()) m_Trouble = PictureTrouble::TooLarge;
   return !m_Reason.empty();
 }
 
+bool CPictureSink::HasMemory() {
+  // To turn it takes a second picture.
+  if (Bytes() * (IsTransposed(m_iOrientation) ? 2 : 1) <= AvailableMemory()) return true;
+  m_Trouble = PictureTrouble::NoMemory;
+  m_Reason = "there is not enough memory for " + SizeInWords(m_Raster);
+  return false;
+}
+
 bool CPictureSink::Begin(const CRaster& raster) {
   m_Raster = raster;
-  const double bytes = 3.0 * raster.m_iWidth * raster.m_iHeight;
-  if (IsTooLarge(bytes)) return false;
-  if (bytes > AvailableMemory()) {
-    m_Trouble = PictureTrouble::NoMemory;
-    m_Reason = "there is not enough memory for " + SizeInWords(raster);
-    return false;
+  if (raster.m_iBits > 16) {
+    m_Trouble = PictureTrouble::Damaged;
+    m_Reason = "it holds floating-point numbers instead of colours";
   }
+  if (m_Trouble != PictureTrouble::None || IsTooLarge() || !HasMemory()) return false;
   m_Converter = CRowConverter(raster);
   m_acRow.resize(std::size_t{3} * static_cast<std::size_t>(raster.m_iWidth));
   m_Picture = {raster.m_iWidth, raster.m_iHeight, {}};
-  m_Picture.m_aPixels.reserve(static_cast<std::size_t>(bytes));
+  m_Picture.m_aPixels.reserve(static_cast<std::size_t>(Bytes()));
   return true;
 }
 
@@ -59,12 +66,15 @@ void CPictureSink::Row(const void* samples) {
   m_Picture.m_aPixels.insert(m_Picture.m_aPixels.end(), m_acRow.begin(), m_acRow.end());
 }
 
+bool CPictureSink::IsNearlyNothing(std::size_t length) const {
+  constexpr double kHarmless = 64 << 20;
+  constexpr double kMostPerFileByte = 4096;
+  const double missing = Bytes() - static_cast<double>(m_Picture.m_aPixels.size());
+  return missing > kHarmless && missing > kMostPerFileByte * static_cast<double>(length);
+}
+
 CPicture CPictureSink::Take() {
-  const std::size_t row = std::size_t{3} * static_cast<std::size_t>(m_Raster.m_iWidth);
-  m_Picture.m_aPixels.resize(row * static_cast<std::size_t>(m_Raster.m_iHeight), kWhite);
-  for (std::size_t top = 0, end = m_Picture.m_aPixels.size(); top + row < end; top += row) {
-    end -= row;
-    std::swap_ranges(&m_Picture.m_aPixels[top], &m_Picture.m_aPixels[top] + row, &m_Picture.m_aPixels[end]);
-  }
+  m_Picture.m_aPixels.resize(static_cast<std::size_t>(Bytes()), kWhite);
+  MakeUpright<3>(m_Picture.m_aPixels, m_Picture.m_iWidth, m_Picture.m_iHeight, m_iOrientation);
   return std::move(m_Picture);
 }

@@ -24,9 +24,10 @@ std::uint8_t Byte(std::uint32_t value) {
 
 CRowConverter::CRowConverter(const CRaster& raster)
     : m_uPixels(static_cast<std::size_t>(raster.m_iWidth)),
-      m_uColours(raster.Channels() - (raster.m_Alpha == SampleAlpha::None ? 0 : 1)),
+      m_uColours(raster.Colours()),
       m_Alpha(raster.m_Alpha),
-      m_iBits(raster.m_iBits) {
+      m_iBits(raster.m_iBits),
+      m_Profile(raster) {
   if (m_Alpha != SampleAlpha::None) m_auOpaque.resize(m_uPixels * m_uColours);
 }
 
@@ -55,6 +56,11 @@ const Sample* CRowConverter::OnWhite(const Sample* samples) {
 template <typename Sample>
 void CRowConverter::Convert(const Sample* samples, std::uint8_t* rgb) {
   const Sample* in = m_Alpha == SampleAlpha::None ? samples : OnWhite(samples);
+  if (m_Profile->Converts()) return m_Profile->Convert(in, rgb, m_uPixels);
+  if (m_uColours == 3 && sizeof(Sample) == 1) {
+    std::copy_n(in, 3 * m_uPixels, rgb);
+    return;
+  }
   for (std::size_t k = 0; k < m_uPixels; ++k, in += m_uColours, rgb += 3) {
     for (std::size_t c = 0; c < 3; ++c) {
       const std::uint32_t value = in[m_uColours == 1 ? 0 : c];

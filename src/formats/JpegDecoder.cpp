@@ -5,15 +5,25 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <vector>
 
 #include <jerror.h>
 #include <jpeglib.h>
 
+#include "formats/Orientation.h"
+
 namespace {
 
 // A forged file of a few bytes can hold so many scans that decoding takes hours; encoders make a dozen.
 constexpr int kMostScans = 200;
+constexpr int kExifMarker = JPEG_APP0 + 1;
+constexpr int kProfileMarker = JPEG_APP0 + 2;
+constexpr unsigned kMostInMarker = 0xFFFF;
+// Even a picture of one colour takes some bits for each of its blocks.
+constexpr double kMostPerFileByte = 4096;
+constexpr double kHarmless = 64 << 20;
 
 /// The library's error handler, which must not return: it goes back to where the call was made.
 struct CErrorHandler {
@@ -71,6 +81,8 @@ class CJpegReader {
   Decoding ReadRows(RasterSink& sink);
   Decoding Failed(Decoding otherwise) const;
   CRaster Raster() const;
+  int Orientation() const;
+  void ReadProfile(CRaster& raster);
   void Invert(std::vector<JSAMPLE>& row) const;
 
   std::string_view m_Bytes;
@@ -84,6 +96,8 @@ bool CJpegReader::ReadHeader() {
     jpeg_create_decompress(&m_Info);
     m_Info.progress = &m_Progress;
     jpeg_mem_src(&m_Info, reinterpret_cast<const unsigned char*>(m_Bytes.data()), m_Bytes.size());
+    jpeg_save_markers(&m_Info, kExifMarker, kMostInMarker);
+    jpeg_save_markers(&m_Info, kProfileMarker, kMostInMarker);
     jpeg_read_header(&m_Info, TRUE);
   });
 }
@@ -104,6 +118,22 @@ CRaster CJpegReader::Raster() const {
   return raster;
 }
 
+void CJpegReader::ReadProfile(CRaster& raster) {
+  JOCTET* profile = nullptr;
+  unsigned length = 0;
+  if (!Try([&] { jpeg_read_icc_profile(&m_Info, &profile, &length); }) || profile == nullptr) return;
+  const std::unique_ptr<JOCTET, decltype(&std::free)> owner(profile, &std::free);
+  raster.m_Profile.assign(reinterpret_cast<const char*>(profile), length);
+}
+
+int CJpegReader::Orientation() const {
+  for (const jpeg_marker_struct* marker = m_Info.marker_list; marker != nullptr; marker = marker->next) {
+    const std::string_view data(reinterpret_cast<const char*>(marker->data), marker->data_length);
+    if (marker->marker == kExifMarker && data.starts_with("Exif")) return ExifOrientation(data);
+  }
+  return 1;
+}
+
 Decoding CJpegReader::Failed(Decoding otherwise) const {
   if (m_Handler.m_Manager.msg_code == JERR_OUT_OF_MEMORY) return Decoding::NoMemory;
   return m_Handler.m_bEndsEarly ? Decoding::CutShort : otherwise;
@@ -112,8 +142,14 @@ Decoding CJpegReader::Failed(Decoding otherwise) const {
 Decoding CJpegReader::Decode(RasterSink& sink) {
   if (!ReadHeader()) return Failed(Decoding::Unusable);
   const bool hasScan = m_Info.src->bytes_in_buffer > 0 && !m_Handler.m_bEndsEarly;
-  if (!sink.Begin(Raster())) return Decoding::Refused;
-  if (!hasScan) return Decoding::CutShort;
+  CRaster raster = Raster();
+  ReadProfile(raster);
+  sink.SetOrientation(Orientation());
+  if (!sink.Begin(raster)) return Decoding::Refused;
+  // What is decoded over several scans is kept as a whole, so that the announced size must not be believed.
+  const double announced = 3.0 * raster.m_iWidth * raster.m_iHeight;
+  const double bytes = static_cast<double>(m_Bytes.size());
+  if (!hasScan || announced > std::max(kHarmless, kMostPerFileByte * bytes)) return Decoding::CutShort;
   if (!Start()) return Failed(Decoding::Unusable);
   return ReadRows(sink);
 }

@@ -74,9 +74,10 @@ std::string JpegOf(const CPicture& picture) {
   return ready ? std::string(reinterpret_cast<const char*>(encoded.m_pBytes), encoded.m_uSize) : std::string();
 }
 
-bool SaveJpeg(const std::string& filename, const CPicture& picture) {
+bool SaveJpeg(const std::string& filename, const CReadPicture& read) {
   CFileReplacement file(filename);
-  const std::string bytes = file.IsOpen() ? JpegOf(picture) : std::string();
+  if (!file.IsOpen()) return false;
+  const std::string bytes = read.m_pJpeg != nullptr ? *read.m_pJpeg : JpegOf(read.m_Picture);
   if (bytes.empty()) return false;
   file.Write({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});
   return file.Commit();

@@ -5,38 +5,20 @@
 #include <cstdint>
 #include <limits>
 #include <new>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "formats/CPictureSink.h"
 #include "formats/FileBytes.h"
 #include "formats/JpegDecoder.h"
-#include "formats/PngBytes.h"
+#include "formats/PictureDecoders.h"
 #include "io/Bmp.h"
 #include "io/FileKind.h"
 
 namespace {
 
-/// A kind of file and what reads it.
-struct CDecoder {
-  CPictureFormat m_Format;
-  bool (*m_pIsOne)(std::string_view bytes);
-  Decoding (*m_pDecode)(std::string_view bytes, RasterSink& sink);
-};
-
 constexpr std::array kBmpSuffixes{".bmp"};
-constexpr std::array kJpegSuffixes{".jpg", ".jpeg"};
-constexpr std::array kPngSuffixes{".png"};
-
-// All but the program's own kind.
-constexpr std::array kDecoders{CDecoder{{"JPEG", kJpegSuffixes}, IsJpeg, DecodeJpeg},
-                               CDecoder{{"PNG", kPngSuffixes}, IsPng, DecodePng}};
-
-const CDecoder* DecoderOf(std::string_view bytes) {
-  const auto* const known =
-      std::ranges::find_if(kDecoders, [bytes](const CDecoder& decoder) { return decoder.m_pIsOne(bytes); });
-  return known == kDecoders.end() ? nullptr : known;
-}
 
 // Of a bitmap that is nearly right it says what is wrong with it.
 std::string NamesForOneOf(std::string_view kind) {
@@ -82,10 +64,12 @@ CReadPicture Taken(Decoding decoding, CPictureSink& sink) {
   read.m_bEndsEarly = decoding == Decoding::EndsEarly;
   if (read.m_bEndsEarly) read.m_Notice = "ends early: it is shown as far as it goes";
   if (decoding == Decoding::Damaged) read.m_Notice = "is damaged: it is shown as far as it can be read";
+  if (decoding == Decoding::Whole && sink.AreColoursGuessed())
+    read.m_Notice = "has a colour profile that cannot be used: its colours are taken for sRGB";
   return read;
 }
 
-CReadPicture Decode(const CDecoder& decoder, std::string_view bytes) {
+CReadPicture Decode(const CPictureDecoder& decoder, std::string_view bytes) {
   CPictureSink sink;
   const Decoding decoding = decoder.m_pDecode(bytes, sink);
   const std::string name = std::string("this ") + decoder.m_Format.m_pName;
@@ -103,6 +87,8 @@ CReadPicture Decode(const CDecoder& decoder, std::string_view bytes) {
     case Decoding::NoMemory:
       return NoMemory();
   }
+  if (decoding != Decoding::Whole && sink.IsNearlyNothing(bytes.size()))
+    return Refused(PictureTrouble::CutShort, name + " ends before anything of it can be shown");
   CReadPicture read = Taken(decoding, sink);
   if (decoding == Decoding::Whole && decoder.m_pDecode == DecodeJpeg && sink.IsAsItCame())
     read.m_pJpeg = std::make_shared<const std::string>(bytes);
@@ -117,7 +103,7 @@ CReadPicture ReadFile(const std::string& filename) {
     const std::string reason = beginning.m_Reason + (isThere ? "; this build reads " + PictureFormatNames() : "");
     return BitmapOr(Global::LoadBMP(filename, 1), beginning.m_Trouble, reason);
   }
-  const CDecoder* const decoder = DecoderOf(*beginning.m_pBytes);
+  const CPictureDecoder* const decoder = DecoderOf(*beginning.m_pBytes);
   if (decoder == nullptr)
     return BitmapOr(Global::LoadBMP(filename, 1), PictureTrouble::Unknown, WhyNot(*beginning.m_pBytes));
   const CFileBytes whole = ReadFileBytes(filename, std::numeric_limits<std::size_t>::max());
@@ -130,7 +116,7 @@ CReadPicture ReadFile(const std::string& filename) {
 std::span<const CPictureFormat> PictureFormats() {
   static const std::vector<CPictureFormat> formats = [] {
     std::vector<CPictureFormat> all{{"BMP", kBmpSuffixes}};
-    for (const CDecoder& decoder : kDecoders) all.push_back(decoder.m_Format);
+    for (const CPictureDecoder& decoder : PictureDecoders()) all.push_back(decoder.m_Format);
     return all;
   }();
   return formats;
@@ -147,7 +133,7 @@ std::string PictureFormatNames() {
 }
 
 const char* SuffixOfPicture(std::string_view bytes) {
-  const CDecoder* const decoder = DecoderOf(bytes);
+  const CPictureDecoder* const decoder = DecoderOf(bytes);
   return decoder == nullptr ? kBmpSuffixes.front() : decoder->m_Format.m_apSuffixes.front();
 }
 
@@ -161,7 +147,7 @@ CReadPicture ReadPicture(const std::string& filename) {
 
 CReadPicture ReadPicture(std::string_view bytes, const std::string& name) {
   try {
-    if (const CDecoder* const decoder = DecoderOf(bytes)) return Decode(*decoder, bytes);
+    if (const CPictureDecoder* const decoder = DecoderOf(bytes)) return Decode(*decoder, bytes);
     return BitmapOr(Global::LoadBMP(bytes, name, 1), PictureTrouble::Unknown, WhyNot(bytes));
   } catch (const std::bad_alloc&) {
     return NoMemory();

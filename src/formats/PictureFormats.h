@@ -24,15 +24,16 @@ const char* SuffixOfPicture(std::string_view bytes);
 
 /// Why a file gives no picture.
 enum class PictureTrouble {
-  None,         ///< it gives one
-  NoFile,       ///< nothing of that name can be opened
-  Folder,       ///< it is a folder
-  NotOrdinary,  ///< it is a pipe, a device or the like, which is never opened
-  Unknown,      ///< it is of no kind that this build reads
-  TooLarge,     ///< a side above kMostPictureSide, or more than kMostPictureBytes as 8-bit RGB
-  CutShort,     ///< it ends before anything of it could be shown
-  Damaged,      ///< it is of a kind that is read, but its contents cannot be made use of
-  NoMemory,     ///< there is no memory for it
+  None,           ///< it gives one
+  NoFile,         ///< nothing of that name can be opened
+  Folder,         ///< it is a folder
+  NotOrdinary,    ///< it is a pipe, a device or the like, which is never opened
+  Unknown,        ///< it is of no kind that this build reads
+  TooLarge,       ///< a side above kMostPictureSide, or more than kMostPictureBytes as 8-bit RGB
+  CutShort,       ///< it ends before anything of it could be shown
+  Damaged,        ///< it is of a kind that is read, but its contents cannot be made use of
+  NotOneChannel,  ///< it holds colours where one channel is needed
+  NoMemory,       ///< there is no memory for it
 };
 
 inline constexpr int kMostPictureSide = 65535;

@@ -18,11 +18,10 @@ struct CRaster {
   int m_iBits = 8;        ///< of a sample: 8, 16, or 32 for a float
   std::string m_Profile;  ///< bytes of the embedded ICC profile; empty for sRGB
 
+  /// Samples of a pixel, but for its opacity.
+  std::size_t Colours() const { return m_Colour == SampleColour::Grey ? 1 : m_Colour == SampleColour::Rgb ? 3 : 4; }
   /// Samples of a pixel.
-  std::size_t Channels() const {
-    const std::size_t colours = m_Colour == SampleColour::Grey ? 1 : m_Colour == SampleColour::Rgb ? 3 : 4;
-    return colours + (m_Alpha == SampleAlpha::None ? 0 : 1);
-  }
+  std::size_t Channels() const { return Colours() + (m_Alpha == SampleAlpha::None ? 0 : 1); }
   /// Bytes of a row.
   std::size_t Stride() const {
     return static_cast<std::size_t>(m_iWidth) * Channels() * static_cast<std::size_t>(m_iBits / 8);

@@ -7,7 +7,10 @@
 #include <sys/stat.h>
 
 #include "batch/BatchTest.h"
+#include "formats/PictureFormats.h"
 #include "formats/ProjectFile.h"
+#include "support/PictureBuilders.h"
+#include "support/PictureEncoders.h"
 
 namespace {
 
@@ -239,6 +242,33 @@ TEST_F(Batch, PutsThePictureBesideTheScene) {
   const std::size_t frame = jpeg.find("\xFF\xC0");
   ASSERT_NE(frame, std::string::npos);
   EXPECT_EQ(jpeg.substr(frame + 5, 4), std::string("\0\x02\0\x03", 4));
+}
+
+TEST_F(Batch, CopiesAnUprightJpegByteByByte) {
+  const CPicture photograph = Squares();
+  CJpegSettings settings;
+  WriteText(Path("photo.heic"), TestJpeg(photograph, settings));
+  ASSERT_EQ(Run("model.grid --iterations 0 --image photo.heic --vrml o.wrl"), 0) << Bytes("err");
+  EXPECT_EQ(Bytes("picture.jpg"), Bytes("photo.heic"));
+  settings.m_iOrientation = 6;
+  WriteText(Path("portrait.jpg"), TestJpeg(photograph, settings));
+  ASSERT_EQ(Run("model.grid --iterations 0 --image portrait.jpg --vrml o.wrl"), 0) << Bytes("err");
+  const CReadPicture turned = ReadPicture(Path("picture.jpg"));
+  EXPECT_NE(turned.m_pJpeg, nullptr) << "upright now";
+  EXPECT_LE(MeanDifference(turned.m_Picture, ReadPicture(Path("portrait.jpg")).m_Picture), 4);
+}
+
+TEST_F(Batch, ReadsPhotographsOfEveryKindAndTellsOfACutOne) {
+  const std::string png = TestPng(Squares(), {});
+  WriteText(Path("photo"), png);
+  ASSERT_EQ(Run("model.grid --iterations 0 --image photo --vrml o.wrl"), 0) << Bytes("err");
+  EXPECT_LE(MeanDifference(ReadPicture(Path("picture.jpg")).m_Picture, Squares()), 4);
+  WriteText(Path("photo"), TestJpeg(Squares(), {}).substr(0, 800));
+  EXPECT_EQ(Run("model.grid --iterations 0 --image photo --vrml o.wrl"), 0);
+  EXPECT_NE(Bytes("err").find("The file photo is shorter than its header says."), std::string::npos);
+  WriteText(Path("photo"), png.substr(0, 40));
+  EXPECT_EQ(Run("model.grid --iterations 0 --image photo --vrml o.wrl"), 2);
+  EXPECT_NE(Bytes("err").find("can be read: this PNG ends before anything of it can be shown."), std::string::npos);
 }
 
 TEST_F(Batch, RefusesAPictureThatIsTooWideForItsFormat) {
