@@ -12,6 +12,8 @@ std::uint64_t KeyOf(const CMeshPlace& place) {
 
 // Around one vertex, on the way of one line.
 constexpr int kMostTurns = 64;
+// In cells; more than a triangle beside a tear is wide.
+constexpr double kAhead = 2.0;
 
 }  // namespace
 
@@ -23,9 +25,10 @@ void CTearCutter::Cut(const CMeshPlace& from, const CMeshPlace& to) {
 void CTearCutter::CutFrom(std::uint32_t vertex, const CMeshPlace& to) {
   const auto known = m_Vertices.find(KeyOf(to));
   const CMeshPlace target = known != m_Vertices.end() ? m_Triangles.Place(known->second) : to;
+  const CMeshPlace start = m_Triangles.Place(vertex);
   bool arrived = Between(vertex, target) < kOnePoint;
   for (int turns = 0; !arrived;) {
-    const std::uint32_t next = Step(vertex, target, arrived);
+    const std::uint32_t next = Step(vertex, {start, target}, arrived);
     // A side all but through the vertex has been turned out of the way.
     if (next == vertex && !arrived && ++turns < kMostTurns) continue;
     // Every step leads nearer, or rounding could send the line round in a ring.
@@ -114,8 +117,24 @@ std::uint32_t CTearCutter::SplitNear(std::uint32_t t, std::uint32_t side, const 
   return m_Triangles.SplitSide(t, side, at).value_or(nearer);
 }
 
-// Goes on from a vertex: to the place, or to where the line meets the far side of the triangle that it enters first.
-std::uint32_t CTearCutter::Step(std::uint32_t from, const CMeshPlace& to, bool& arrived) {
+// Where to go on from a vertex: a point of the line not far ahead, so that vertices that the cut has to pass through
+// beside it do not lead it away; near the end of the line, or in a triangle that reaches so far, the end.
+CMeshPlace CTearCutter::Aim(std::uint32_t from, const CLine& line) {
+  const auto& [start, end] = line;
+  const double length = m_Plane.Distance(start, end);
+  const double share = m_Plane.Nearest(m_Triangles.Place(from), start, end) + kAhead / length;
+  if (share >= 1.0) return end;
+  const CMeshPlace ahead = CMeshPlane::Between(start, end, share);
+  const CCorner corner = CornerTowards(from, ahead);
+  if (corner.m_uTriangle == kNone) return end;
+  const CMeshPlace& right = m_Triangles.Place(m_Triangles.Vertex(corner, 1));
+  const CMeshPlace& left = m_Triangles.Place(m_Triangles.Vertex(corner, 2));
+  return Turn(right, left, ahead) < 0 ? ahead : end;
+}
+
+// Goes on from a vertex: to the end, or to where the line meets the far side of the triangle that it enters first.
+std::uint32_t CTearCutter::Step(std::uint32_t from, const CLine& line, bool& arrived) {
+  const CMeshPlace to = Aim(from, line);
   const CCorner corner = CornerTowards(from, to);
   if (corner.m_uTriangle == kNone) return kNone;
   const std::uint32_t right = m_Triangles.Vertex(corner, 1);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <unordered_map>
 #include <vector>
@@ -33,12 +34,14 @@ class CTearCutter {
 
  private:
   using CCorner = CCutTriangulation::CCorner;
+  using CLine = std::array<CMeshPlace, 2>;
 
   std::uint32_t VertexAt(const CMeshPlace& place);
   std::uint32_t TriangleAt(const CMeshPlace& place);
   std::uint32_t PlaceIn(std::uint32_t t, const CMeshPlace& place);
   std::uint32_t NearestCorner(std::uint32_t t, const CMeshPlace& place) const;
-  std::uint32_t Step(std::uint32_t from, const CMeshPlace& to, bool& arrived);
+  CMeshPlace Aim(std::uint32_t from, const CLine& line);
+  std::uint32_t Step(std::uint32_t from, const CLine& line, bool& arrived);
   CCorner CornerTowards(std::uint32_t from, const CMeshPlace& to);
   std::uint32_t CrossSide(const CCorner& corner, const CMeshPlace& to);
   std::uint32_t SplitNear(std::uint32_t t, std::uint32_t side, const CMeshPlace& place);

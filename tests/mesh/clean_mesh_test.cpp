@@ -141,6 +141,13 @@ TEST_F(CleanMeshTest, SteepTearBesideLargeCellsToo) {
   EXPECT_LT(LargestError(), 1e-6);
 }
 
+TEST_F(CleanMeshTest, LongTearDoesNotDriftAwayFromItsCurve) {
+  // Through the vicinity of many lattice points, to which it is bent.
+  Build({{{{0.0, 20.0002}, {256.0, 148.0006}}}}, LeftOf(0.0, 20.0002, 256.0, 148.0006), 8, 3);
+  EXPECT_LT(LargestError(), 1e-6);
+  EXPECT_LT(LargestDistanceOfCutsFromLine(), 4.0 / 4096);
+}
+
 TEST_F(CleanMeshTest, TearThroughLatticePointsLeavesThemOnTheSideThatTheyAreJoinedTo) {
   // Cells are marked above each of them before the next column is entered.
   Build({{{{0.0, 2.5}, {16.0, 10.5}}}}, LeftOf(0.0, 2.5 + 1e-9, 16.0, 10.5 + 1e-9));
