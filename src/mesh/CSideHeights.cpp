@@ -23,9 +23,13 @@ std::vector<double> CSideHeights::Compute(std::span<const double> known) {
   for (std::uint32_t copy = 0; copy < m_Sides.CopyCount(); ++copy) {
     if (m_Sides.IsKnown(copy)) m_afHeights[copy] = known[m_Patch.MeshVertex(m_Sides.VertexOf(copy))];
   }
+  m_aPoints.clear();
+  for (std::uint32_t v = 0; v < m_Patch.Triangles().VertexCount(); ++v)
+    m_aPoints.push_back({m_Patch.ColumnOf(v), m_Patch.RowOf(v)});
   FindPlanes();
   FindFosters();
   FindEnds();
+  MakeNodes();
   m_auSeen.assign(m_Patch.Triangles().Triangles().size(), 0);
   m_uSearch = 0;
   for (std::uint32_t copy = 0; copy < m_Sides.CopyCount(); ++copy) {
@@ -38,16 +42,31 @@ std::array<std::uint32_t, 3> CSideHeights::CopiesOf(std::uint32_t t) const {
   return {m_Sides.CopyOf(t, 0), m_Sides.CopyOf(t, 1), m_Sides.CopyOf(t, 2)};
 }
 
+CSideHeights::CPlane CSideHeights::PlaneThrough(const std::array<std::uint32_t, 3>& copies) const {
+  const auto unknown = [this](std::uint32_t copy) { return !m_Sides.IsKnown(copy); };
+  if (std::ranges::any_of(copies, unknown)) return {};
+  const auto [a, b, c] = copies;
+  const CPoint& p = m_aPoints[m_Sides.VertexOf(a)];
+  const CPoint& q = m_aPoints[m_Sides.VertexOf(b)];
+  const CPoint& r = m_aPoints[m_Sides.VertexOf(c)];
+  const double bz = m_afHeights[b] - m_afHeights[a];
+  const double cz = m_afHeights[c] - m_afHeights[a];
+  const double area = (q.x - p.x) * (r.y - p.y) - (q.y - p.y) * (r.x - p.x);
+  if (area == 0.0) return {};
+  return {.m_bKnown = true,
+          .m_Middle = {(p.x + q.x + r.x) / 3.0, (p.y + q.y + r.y) / 3.0},
+          .m_fZ = (m_afHeights[a] + m_afHeights[b] + m_afHeights[c]) / 3.0,
+          .m_fSlopeX = (bz * (r.y - p.y) - cz * (q.y - p.y)) / area,
+          .m_fSlopeY = (cz * (q.x - p.x) - bz * (r.x - p.x)) / area};
+}
+
 // Two neighbouring triangles of a torn leaf that are in no tear lack the centre, but have three corners between them.
 void CSideHeights::FindPlanes() {
   const auto triangles = m_Patch.Triangles().Triangles();
-  m_aPlanes.assign(triangles.size(), {kNone, kNone, kNone});
-  const auto areKnown = [this](const std::array<std::uint32_t, 3>& copies) {
-    return std::ranges::all_of(copies, [this](std::uint32_t copy) { return m_Sides.IsKnown(copy); });
-  };
+  m_aNodes.assign(triangles.size(), {});
   for (std::uint32_t t = 0; t < triangles.size(); ++t) {
     const std::array<std::uint32_t, 3> copies = CopiesOf(t);
-    if (areKnown(copies)) m_aPlanes[t] = copies;
+    m_aNodes[t].m_Plane = PlaneThrough(copies);
     const auto& origin = m_Patch.OriginOf(t);
     if (origin.m_bTorn || origin.m_bWholeLeaf) continue;
     for (std::uint32_t k = 0; k < 3; ++k) {
@@ -57,9 +76,8 @@ void CSideHeights::FindPlanes() {
       if (other.m_uLeaf != origin.m_uLeaf || other.m_bTorn) continue;
       const std::uint32_t far = m_Sides.CopyOf(beyond, (m_Patch.Triangles().SideInNeighbour(t, k) + 2) % 3);
       const bool centreFirst = m_Sides.IsKnown(copies[(k + 1) % 3]);
-      const std::array<std::uint32_t, 3> corners{centreFirst ? copies[(k + 1) % 3] : copies[k], copies[(k + 2) % 3],
-                                                 far};
-      if (areKnown(corners)) m_aPlanes[t] = corners;
+      const CPlane plane = PlaneThrough({centreFirst ? copies[(k + 1) % 3] : copies[k], copies[(k + 2) % 3], far});
+      if (plane.m_bKnown) m_aNodes[t].m_Plane = plane;
     }
   }
 }
@@ -69,7 +87,7 @@ void CSideHeights::FindFosters() {
   const auto triangles = m_Patch.Triangles().Triangles();
   std::vector<bool> provided(m_Sides.PieceCount());
   for (std::uint32_t t = 0; t < triangles.size(); ++t) {
-    if (m_aPlanes[t][0] != kNone) provided[m_Sides.PieceOf(t)] = true;
+    if (m_aNodes[t].m_Plane.m_bKnown) provided[m_Sides.PieceOf(t)] = true;
   }
   m_auFosters.assign(m_Sides.PieceCount(), kNone);
   for (bool found = true; found;) {
@@ -116,6 +134,27 @@ void CSideHeights::FindEnds() {
   }
 }
 
+void CSideHeights::MakeNodes() {
+  const CCutTriangulation& triangles = m_Patch.Triangles();
+  for (std::uint32_t t = 0; t < m_aNodes.size(); ++t) {
+    const auto& triangle = triangles.Triangle(t);
+    CNode& node = m_aNodes[t];
+    node.m_Least = node.m_Most = m_aPoints[triangle.m_auVertices[0]];
+    for (std::uint32_t k = 0; k < 3; ++k) {
+      const CPoint& p = m_aPoints[triangle.m_auVertices[k]];
+      node.m_Least = {std::min(node.m_Least.x, p.x), std::min(node.m_Least.y, p.y)};
+      node.m_Most = {std::max(node.m_Most.x, p.x), std::max(node.m_Most.y, p.y)};
+      const std::uint32_t copy = m_Sides.CopyOf(t, k);
+      if (m_Sides.IsKnown(copy)) node.m_fLow = std::min(node.m_fLow, m_afHeights[copy]);
+      if (m_Sides.IsKnown(copy)) node.m_fHigh = std::max(node.m_fHigh, m_afHeights[copy]);
+      const std::uint32_t beyond = triangle.m_auNeighbours[k];
+      const bool isWay =
+          beyond != kNone && (!triangle.m_abCut[k] || m_auFosters[m_Sides.PieceOf(t)] == m_Sides.PieceOf(beyond));
+      node.m_auBeyond[k] = isWay ? beyond : kNone;
+    }
+  }
+}
+
 double CSideHeights::Continue(std::uint32_t copy) {
   CView view;
   double reach = kRing;
@@ -138,70 +177,41 @@ double CSideHeights::Continue(std::uint32_t copy) {
 // Through all triangles of the side that come as near as that.
 void CSideHeights::LookAround(std::uint32_t copy, double reach, CView& view) {
   const std::uint32_t vertex = m_Sides.VertexOf(copy);
-  view.m_fColumn = m_Patch.ColumnOf(vertex);
-  view.m_fRow = m_Patch.RowOf(vertex);
+  view.m_Point = m_aPoints[vertex];
   view.m_uBefore = m_auBefore[vertex];
+  const auto [x, y] = view.m_Point;
   ++m_uSearch;
   m_auQueue.assign(1, m_Sides.TriangleAt(copy));
   m_auSeen[m_auQueue.front()] = m_uSearch;
   for (std::size_t at = 0; at < m_auQueue.size(); ++at) {
-    const std::uint32_t t = m_auQueue[at];
-    LookAt(t, view);
-    const auto& triangle = m_Patch.Triangles().Triangle(t);
-    for (std::size_t k = 0; k < 3; ++k) {
-      const std::uint32_t beyond = triangle.m_auNeighbours[k];
+    const CNode& node = m_aNodes[m_auQueue[at]];
+    view.m_fLow = std::min(view.m_fLow, node.m_fLow);
+    view.m_fHigh = std::max(view.m_fHigh, node.m_fHigh);
+    if (node.m_Plane.m_bKnown) AddPlane(node.m_Plane, view);
+    for (const std::uint32_t beyond : node.m_auBeyond) {
       if (beyond == kNone || m_auSeen[beyond] == m_uSearch) continue;
-      if (triangle.m_abCut[k] && m_auFosters[m_Sides.PieceOf(t)] != m_Sides.PieceOf(beyond)) continue;
-      if (!IsNear(beyond, reach, view)) continue;
+      const CNode& next = m_aNodes[beyond];
+      if (next.m_Least.x >= x + reach || next.m_Most.x <= x - reach || next.m_Least.y >= y + reach ||
+          next.m_Most.y <= y - reach)
+        continue;
       m_auSeen[beyond] = m_uSearch;
       m_auQueue.push_back(beyond);
     }
   }
 }
 
-bool CSideHeights::IsNear(std::uint32_t t, double reach, const CView& view) const {
-  return std::ranges::any_of(m_Patch.Triangles().Triangle(t).m_auVertices, [&](std::uint32_t v) {
-    return std::abs(m_Patch.ColumnOf(v) - view.m_fColumn) < reach && std::abs(m_Patch.RowOf(v) - view.m_fRow) < reach;
-  });
-}
-
-void CSideHeights::LookAt(std::uint32_t t, CView& view) const {
-  for (const std::uint32_t copy : CopiesOf(t)) {
-    if (!m_Sides.IsKnown(copy)) continue;
-    const double z = m_afHeights[copy];
-    view.m_fLow = view.m_bRange ? std::min(view.m_fLow, z) : z;
-    view.m_fHigh = view.m_bRange ? std::max(view.m_fHigh, z) : z;
-    view.m_bRange = true;
-  }
-  if (m_aPlanes[t][0] != kNone) AddPlane(m_aPlanes[t], view);
-}
-
-// The plane through three heights, at the point in hand, by its distances from their middle.
-void CSideHeights::AddPlane(const std::array<std::uint32_t, 3>& copies, CView& view) const {
-  const auto [a, b, c] = copies;
-  const auto column = [this](std::uint32_t copy) { return m_Patch.ColumnOf(m_Sides.VertexOf(copy)); };
-  const auto row = [this](std::uint32_t copy) { return m_Patch.RowOf(m_Sides.VertexOf(copy)); };
-  const double bx = column(b) - column(a);
-  const double by = row(b) - row(a);
-  const double cx = column(c) - column(a);
-  const double cy = row(c) - row(a);
-  const double px = view.m_fColumn - column(a);
-  const double py = view.m_fRow - row(a);
-  const double area = bx * cy - by * cx;
-  if (area == 0.0) return;
-  const double shareB = (px * cy - py * cx) / area;
-  const double shareC = (bx * py - by * px) / area;
-  const double za = m_afHeights[a];
-  const double z = za + shareB * (m_afHeights[b] - za) + shareC * (m_afHeights[c] - za);
-  const double distance = std::hypot(px - (bx + cx) / 3.0, py - (by + cy) / 3.0);
-  const double weight = 1.0 / std::pow(distance * distance + kSoftening, 2.0);
+// By its distance from the middle of the triangle, and on the side of an open end that this lies on.
+void CSideHeights::AddPlane(const CPlane& plane, CView& view) const {
+  const double dx = view.m_Point.x - plane.m_Middle.x;
+  const double dy = view.m_Point.y - plane.m_Middle.y;
+  const double near = dx * dx + dy * dy + kSoftening;
+  const double weight = 1.0 / (near * near);
   bool isLeft = true;
   if (view.m_uBefore != kNone) {
-    const double dx = view.m_fColumn - m_Patch.ColumnOf(view.m_uBefore);
-    const double dy = view.m_fRow - m_Patch.RowOf(view.m_uBefore);
-    isLeft = dx * ((by + cy) / 3.0 - py) - dy * ((bx + cx) / 3.0 - px) > 0.0;
+    const CPoint& before = m_aPoints[view.m_uBefore];
+    isLeft = (view.m_Point.y - before.y) * dx - (view.m_Point.x - before.x) * dy > 0.0;
   }
   CSum& sum = isLeft ? view.m_Left : view.m_Right;
   sum.m_fWeight += weight;
-  sum.m_fValue += weight * z;
+  sum.m_fValue += weight * (plane.m_fZ + plane.m_fSlopeX * dx + plane.m_fSlopeY * dy);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -31,6 +32,28 @@ class CSideHeights {
   std::vector<double> Compute(std::span<const double> known);
 
  private:
+  // A vertex, in lattice coordinates.
+  struct CPoint {
+    double x = 0.0;
+    double y = 0.0;
+  };
+  // Through three heights of one side: the middle between them, the height there, and what it grows by per cell.
+  struct CPlane {
+    bool m_bKnown = false;
+    CPoint m_Middle;
+    double m_fZ = 0.0;
+    double m_fSlopeX = 0.0;
+    double m_fSlopeY = 0.0;
+  };
+  // All that a search reads of one triangle.
+  struct CNode {
+    std::array<std::uint32_t, 3> m_auBeyond{};  ///< the triangles that it leads on to; kNone for none
+    CPlane m_Plane;                             ///< that it gives, itself or with a neighbour
+    CPoint m_Least;                             ///< corners of the rectangle around it
+    CPoint m_Most;
+    double m_fLow = HUGE_VAL;  ///< least and greatest of its heights that the solver has
+    double m_fHigh = -HUGE_VAL;
+  };
   // Weighted heights that planes have at the point in hand, on either side of the line on which a cut ends there.
   struct CSum {
     double m_fWeight = 0.0;
@@ -38,31 +61,29 @@ class CSideHeights {
   };
   // What has been seen around the point in hand.
   struct CView {
-    double m_fColumn = 0.0;
-    double m_fRow = 0.0;
+    CPoint m_Point;
     CSum m_Left;
     CSum m_Right;
-    double m_fLow = 0.0;
-    double m_fHigh = 0.0;
-    bool m_bRange = false;
+    double m_fLow = HUGE_VAL;
+    double m_fHigh = -HUGE_VAL;
     std::uint32_t m_uBefore = CCutTriangulation::kNone;  ///< the vertex before an open end
   };
 
   void FindPlanes();
+  void MakeNodes();
   void FindFosters();
   void FindEnds();
   std::array<std::uint32_t, 3> CopiesOf(std::uint32_t t) const;
   double Continue(std::uint32_t copy);
   void LookAround(std::uint32_t copy, double reach, CView& view);
-  void LookAt(std::uint32_t t, CView& view) const;
-  void AddPlane(const std::array<std::uint32_t, 3>& copies, CView& view) const;
-  bool IsNear(std::uint32_t t, double reach, const CView& view) const;
+  CPlane PlaneThrough(const std::array<std::uint32_t, 3>& copies) const;
+  void AddPlane(const CPlane& plane, CView& view) const;
 
   const CTearPatch& m_Patch;
   const CTearSides& m_Sides;
-  std::vector<double> m_afHeights;  ///< by copy
-  /// By triangle: three copies with a height each, whose plane it gives; kNone first where it gives none.
-  std::vector<std::array<std::uint32_t, 3>> m_aPlanes;
+  std::vector<double> m_afHeights;         ///< by copy
+  std::vector<CPoint> m_aPoints;           ///< by vertex
+  std::vector<CNode> m_aNodes;             ///< by triangle
   std::vector<std::uint32_t> m_auFosters;  ///< by piece: that which lends it planes; kNone where it needs none
   std::vector<std::uint32_t> m_auBefore;   ///< by vertex: the vertex before an open end; kNone elsewhere
   std::vector<std::uint32_t> m_auSeen;     ///< by triangle: the last search that has seen it
