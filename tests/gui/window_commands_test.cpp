@@ -197,11 +197,20 @@ TEST_F(WindowCommandsTest, WaveletTestLogs) {
 TEST_F(WindowCommandsTest, APictureThatTheGridStretchesIsOfferedAnotherGrid) {
   LoadPicture();
   EXPECT_EQ(HelpLine().value(), FormatHelp(HelpText::kFitOffered));
+  HelpLine().ShowHelp(HelpText::kModelView);
+  HelpLine().RestoreHelp();
+  EXPECT_EQ(HelpLine().value(), FormatHelp(HelpText::kFitOffered)) << "the mouse has only passed over something";
   EXPECT_TRUE(Menu().IsActive(MenuEntry::FitPicture));
   Menu().Choose(MenuEntry::FitPicture);
   EXPECT_TRUE(RunToolkitUntil([this] { return Grid().Surface().Lattice().Extent() == CExtent(); }));
   LoadPicture();
   EXPECT_NE(HelpLine().value(), FormatHelp(HelpText::kFitOffered)) << "it fits";
+}
+
+TEST_F(WindowCommandsTest, TheOfferIsTakenBackWithTheFirstConstraint) {
+  LoadPicture();
+  Grid().AddPtCstr(HeightCstr(4, 22, 1));
+  EXPECT_TRUE(RunToolkitUntil([this] { return HelpLine().CurrentHelp() == HelpText::kNone; }));
 }
 
 TEST_F(WindowCommandsTest, AGridInThePicturesProportionsIsForAnEmptyModel) {

@@ -7,7 +7,7 @@
 #include <string_view>
 
 /// The texts of the help line, by index. Those from HelpText::kFirstMessage on are messages: they come up by
-/// themselves, leave open what %1, %2 and so on stand for, and never become the text that stays.
+/// themselves, leave open what %1, %2 and so on stand for, and never become the text that stays, but for an offer.
 inline constexpr std::array kHelpTexts{
     "",
     "Reset the left view",

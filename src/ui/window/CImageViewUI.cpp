@@ -185,4 +185,5 @@ void CImageViewUI::cb_PendingWork(void* data) {
   window.OpenWaitingFiles();
   window.m_GridHost.PerformPendingWork(window.IsDragging());
   window.m_History.Settle(window.IsDragging());
+  window.WithdrawOffer();
 }

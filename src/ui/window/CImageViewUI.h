@@ -97,6 +97,8 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   void SetCurveType(CurveType type);
   /// The help text that stays with what the mouse does in the image view.
   HelpText::Index CurrentHelp() const;
+  /// Takes the offer of another grid back as soon as there is something on this one.
+  void WithdrawOffer();
   void SetDebugFlag(std::uint32_t flag, bool on);
   void UpdateDebugReadOuts();
   void CycleLevelTool();

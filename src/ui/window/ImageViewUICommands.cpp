@@ -192,7 +192,7 @@ HelpText::Index CImageViewUI::CurrentHelp() const {
     case EditingMode::Curve:
       return m_pGrid->Constraints().PendingCurve().IsIdle() ? HelpText::kCurves : HelpText::kCurveInProgress;
     default:
-      return HelpText::kNone;
+      return m_Commands.OffersFit() ? HelpText::kFitOffered : HelpText::kNone;
   }
 }
 
@@ -292,8 +292,16 @@ void CImageViewUI::EndDrags() {
 bool CImageViewUI::LoadPicture(const std::string& file) {
   if (!ImageView().LoadImage(file)) return false;
   PictureTaken({file, {}, nullptr});
-  if (m_Commands.OffersFit()) ShowMessage(FormatHelp(HelpText::kFitOffered));
+  if (m_Commands.OffersFit()) {
+    HelpLine().SetCurrentHelp(CurrentHelp());
+    ShowMessage(FormatHelp(HelpText::kFitOffered));
+  }
   return true;
+}
+
+void CImageViewUI::WithdrawOffer() {
+  if (HelpLine().CurrentHelp() == HelpText::kFitOffered && !m_Commands.OffersFit())
+    HelpLine().SetCurrentHelp(CurrentHelp());
 }
 
 void CImageViewUI::PictureTaken(const CProjectPicture& picture) {
