@@ -57,11 +57,12 @@ void CLightTool::RelightWhenDue() {
 void CLightTool::Relight() {
   const CBusyCursor busy(m_fSeconds > kLongest);
   const double begin = CRedrawPacer::SteadySeconds();
-  m_Grid.GetKd();
+  const bool done = m_Grid.GetKd();
   const double end = CRedrawPacer::SteadySeconds();
   m_fSeconds = end - begin;
   m_fNext = end + std::max(m_fSeconds, kInterval);
   m_Window.RequestRedraw();
+  if (!done) m_Window.TellNoTexelMemory();
 }
 
 const CLight* CLightTool::GetLightSource(int index, int type) const { return m_Grid.GetLightSource(index, type); }
@@ -70,14 +71,16 @@ void CLightTool::SetLight(int index, int type, const CLight& light) { m_Grid.Set
 
 void CLightTool::UpdateTexelNormals() {
   ComputeNormals(m_Grid.Surface().Tree());
-  m_Grid.ComputeNormalsOnly();
+  const bool done = m_Grid.ComputeNormalsOnly();
   m_Window.RequestRedraw();
+  if (!done) m_Window.TellNoTexelMemory();
 }
 
 void CLightTool::UpdateTexelInterpolation() {
   ComputeNormals(m_Grid.Surface().Tree());
-  m_Grid.ComputeCoefsTexels();
+  const bool done = m_Grid.ComputeCoefsTexels();
   m_Window.RequestRedraw();
+  if (!done) m_Window.TellNoTexelMemory();
 }
 
 void CLightTool::UpdateKd() { Relight(); }

@@ -29,6 +29,7 @@ void CTexelArrays::RefreshMasked(const CGrid& grid) {
   m_MaskStamp = now;
   m_afMasked.clear();
   const std::span<const std::uint8_t> mask = texels.Mask();
+  if (mask.empty()) return;
   const auto width = static_cast<std::size_t>(texels.Width());
   for (int row = 0; row < texels.Height(); ++row) {
     const std::span<const std::uint8_t> line = mask.subspan(static_cast<std::size_t>(row) * width, width);

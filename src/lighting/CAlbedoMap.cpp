@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "base/Memory.h"
 #include "lighting/CShading.h"
 #include "lighting/CTextureImages.h"
 
@@ -36,8 +37,12 @@ std::uint8_t ClampedByte(double value) {
 
 }  // namespace
 
-CAlbedoMap::CAlbedoMap(int width, int height) {
+void CAlbedoMap::Reserve(int width, int height) {
   m_afKd.reserve(3 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+}
+
+void CAlbedoMap::ReleaseReserve() {
+  if (!IsComputed()) Release(m_afKd);
 }
 
 void CAlbedoMap::Compute(std::span<const Vector3> normals, const CShading& removed, const CShading& added,

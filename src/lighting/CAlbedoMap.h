@@ -16,12 +16,13 @@ class CAlbedoMap {
   /// What one texel takes up here.
   static constexpr std::size_t kBytesPerTexel = 3 * sizeof(double);
 
-  CAlbedoMap() = default;
-  /// For a picture of `width` x `height` texels. The memory is reserved and written only by `Compute`.
-  CAlbedoMap(int width, int height);
+  /// Asks for the memory for a picture of `width` x `height` texels, as `Compute` would. Throws std::bad_alloc.
+  void Reserve(int width, int height);
+  /// Gives back what was reserved and has not been computed.
+  void ReleaseReserve();
 
   /// Computes the map, the Kd image and the new illumination from the photograph of `images` and the unit normals of
-  /// its texels (row order, as many as the picture has texels). One pass, no allocation.
+  /// its texels (row order, as many as the picture has texels). One pass; it allocates only where nothing was reserved.
   ///
   /// Per channel, I the photograph's byte: Kd = I / 255 / shading under the removed lights, 0 where that is not
   /// positive. Its byte is 255 Kd truncated, modulo 256: an albedo above 1 wraps around, so that it shows. The new

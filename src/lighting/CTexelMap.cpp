@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "lattice/CLattice.h"
 #include "quadtree/CQuadT.h"
@@ -23,14 +24,26 @@ int FirstTexelFrom(int line, int count, int pointsPerSide) {
 }  // namespace
 
 CTexelMap::CTexelMap(int width, int height, const CInterpolation& surface)
-    : m_iWidth(width), m_iHeight(height), m_uTreeOfNormals(surface.Tree().Revision()) {
-  const std::size_t texels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-  m_aRecords.reserve(texels);
-  m_aNormals.reserve(texels);
-  m_auMask.resize(texels);
+    : m_iWidth(width), m_iHeight(height), m_uTreeOfNormals(surface.Tree().Revision()) {}
+
+double CTexelMap::Missing() const {
+  const std::size_t records = m_aRecords.capacity() == 0 ? sizeof(CInterpCoefs) : 0;
+  const std::size_t normals = m_aNormals.capacity() == 0 ? sizeof(Vector3) : 0;
+  return static_cast<double>(records + normals) * static_cast<double>(TexelCount());
+}
+
+void CTexelMap::Reserve() {
+  if (Missing() == 0) return;
+  std::vector<CInterpCoefs> records;
+  std::vector<Vector3> normals;
+  records.reserve(TexelCount());
+  normals.reserve(TexelCount());
+  m_aRecords = std::move(records);
+  m_aNormals = std::move(normals);
 }
 
 void CTexelMap::InitializeCoords(const CInterpolation& surface) {
+  Reserve();
   m_aRecords.clear();
   WriteCoords();
   m_uTreeOfRecords.reset();
@@ -40,6 +53,7 @@ void CTexelMap::InitializeCoords(const CInterpolation& surface) {
 
 void CTexelMap::WriteCoords() {
   if (!m_aRecords.empty()) return;
+  Reserve();
   for (int row = 0; row < m_iHeight; ++row) {
     for (int column = 0; column < m_iWidth; ++column) m_aRecords.emplace_back(column, row);
   }
@@ -50,9 +64,11 @@ void CTexelMap::WriteCoords() {
 // border; so the texels of a leaf are a rectangle and unmarked leaves need no look at all.
 void CTexelMap::TestDiscontinuities(const CInterpolation& surface) {
   const int side = surface.Lattice().PointsPerSide();
+  m_uTreeOfMask.reset();
   std::fill(m_auMask.begin(), m_auMask.end(), std::uint8_t{0});
   surface.Tree().ForEachLeaf([&](const CQuadT& leaf) {
     if (!leaf.HasFlag(CellFlag::kTriangles)) return;
+    if (m_auMask.empty()) m_auMask.resize(TexelCount());
     const int left = FirstTexelFrom(leaf.X0(), m_iWidth, side);
     const int right = FirstTexelFrom(leaf.X1(), m_iWidth, side);
     const int top = FirstTexelFrom(leaf.Y1(), m_iHeight, side);
@@ -86,15 +102,15 @@ void CTexelMap::UpdateRecords(const CInterpolation& surface) {
 }
 
 void CTexelMap::ComputeCoefs(const CInterpolation& surface) {
-  WriteCoords();
   UpdateMask(surface);
+  WriteCoords();
   const bool outOfDate = !HasRecordsOf(surface);
   const CQuadT* leaf = nullptr;
   for (std::size_t i = 0; i < m_aRecords.size(); ++i) {
     CInterpCoefs& record = m_aRecords[i];
     if (outOfDate) record = CInterpCoefs(record.Column(), record.Row());
     Vector3 normal;
-    if (m_auMask[i] == 0) {
+    if (!IsMasked(i)) {
       if (record.GetNormalTexPoint(&surface, m_iWidth, m_iHeight, leaf, normal) != nullptr) m_aNormals[i] = normal;
     } else if (outOfDate) {
       // Its normal stays, but the normals-only pass will read its coefficients.

@@ -13,13 +13,14 @@
 /// lies in a discontinuity. All in row order, index = row * width + column, row 0 at the bottom.
 ///
 /// Records and mask are of one subdivision. Every pass first brings them up to the present one, so that none reads
-/// coefficients of an earlier tree; as long as the tree does not change no pass touches it. All memory is reserved at
-/// construction, but records and normals are written only when a pass first needs them: most pictures are never
-/// relit, and filling the records of a large one takes longer than loading it.
+/// coefficients of an earlier tree; as long as the tree does not change no pass touches it. Records and normals are
+/// asked for when a pass first needs them, and the mask with the first texel in a discontinuity: most pictures are
+/// never relit, and the records of a large one take up much more than the picture. Where there is no memory the passes
+/// throw std::bad_alloc before they have changed anything.
 class CTexelMap {
  public:
-  /// What one texel takes up here.
-  static constexpr std::size_t kBytesPerTexel = sizeof(CInterpCoefs) + sizeof(Vector3) + sizeof(std::uint8_t);
+  /// What the record and the normal of one texel take up.
+  static constexpr std::size_t kBytesPerTexel = sizeof(CInterpCoefs) + sizeof(Vector3);
 
   CTexelMap() = default;
   /// For a picture of `width` x `height` texels, all with the normal (0, 0, 1), which stands for the present
@@ -30,9 +31,16 @@ class CTexelMap {
   int Width() const { return m_iWidth; }
   int Height() const { return m_iHeight; }
 
+  /// Asks for the memory of records and normals, as the passes would; none is taken where it does not do for both.
+  /// Throws std::bad_alloc.
+  void Reserve();
+  /// Bytes that `Reserve` would ask for.
+  double Missing() const;
+
   /// Puts records and normals back to what they were at construction.
   void InitializeCoords(const CInterpolation& surface);
-  /// Recomputes the mask: one step per leaf and one per texel in a discontinuity.
+  /// Recomputes the mask: one step per leaf and one per texel in a discontinuity. Throws std::bad_alloc, the mask empty
+  /// then, where its memory is not there.
   void TestDiscontinuities(const CInterpolation& surface);
   /// Coefficients and normal of every texel outside the mask. One that cannot be found keeps its normal, with two
   /// console lines. Linear in the number of texels, with one descent of the tree per leaf that a row crosses.
@@ -50,7 +58,7 @@ class CTexelMap {
   std::span<const CInterpCoefs> Records() const { return m_aRecords; }
   /// Unit normals; not a number where the surface has none.
   std::span<const Vector3> Normals() const { return m_aNormals; }
-  /// 1 for texels in a cell with a triangle in a discontinuity, else 0.
+  /// 1 for texels in a cell with a triangle in a discontinuity, else 0; empty as long as there has been none.
   std::span<const std::uint8_t> Mask() const { return m_auMask; }
   /// Grows with every change of the normals.
   unsigned Revision() const { return m_uRevision; }
@@ -60,6 +68,8 @@ class CTexelMap {
  private:
   void WriteCoords();
   void UpdateMask(const CInterpolation& surface);
+  bool IsMasked(std::size_t texel) const { return !m_auMask.empty() && m_auMask[texel] != 0; }
+  std::size_t TexelCount() const { return static_cast<std::size_t>(m_iWidth) * static_cast<std::size_t>(m_iHeight); }
   bool HasRecordsOf(const CInterpolation& surface) const;
 
   int m_iWidth = 0;

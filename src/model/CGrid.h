@@ -100,11 +100,11 @@ class CGrid {
   const CLight* GetLightSource(int index, int type) const { return m_Relighting.GetLightSource(index, type); }
   /// Nothing where there is no such light, or where it is already like that.
   void SetLight(int index, int type, const CLight& light);
-  void InitializeCoordsTexels() { m_Relighting.InitializeCoordsTexels(); }
+  bool InitializeCoordsTexels() { return m_Relighting.InitializeCoordsTexels(); }
   void TestTexelsInDiscontinuity() { m_Relighting.TestTexelsInDiscontinuity(); }
-  void ComputeCoefsTexels() { m_Relighting.ComputeCoefsTexels(); }
-  void ComputeNormalsOnly() { m_Relighting.ComputeNormalsOnly(); }
-  void GetKd() { m_Relighting.GetKd(); }
+  bool ComputeCoefsTexels() { return m_Relighting.ComputeCoefsTexels(); }
+  bool ComputeNormalsOnly() { return m_Relighting.ComputeNormalsOnly(); }
+  bool GetKd() { return m_Relighting.GetKd(); }
 
   // Files (GridFiles.cpp). What has failed is logged and told to the caller, who tells the user. A file that is written
   // keeps its old contents until the new ones are complete. Pending work must have been performed.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <new>
-#include <utility>
 
 #include "base/Console.h"
 #include "lighting/CShading.h"
@@ -13,15 +12,14 @@ namespace {
 // No padded side may be too large for an integer.
 constexpr int kLargestSide = 1 << 30;
 
-// Three textures, padded, and what is kept per texel. In floating point, where nothing overflows.
+// Three textures, padded. In floating point, where nothing overflows.
 double BytesFor(double width, double height) {
   const auto padded = [](double side) {
     double power = 1;
     while (power < side) power *= 2;
     return power;
   };
-  constexpr auto kPerTexel = static_cast<double>(CTexelMap::kBytesPerTexel + CAlbedoMap::kBytesPerTexel);
-  return kPerTexel * width * height + 3 * 3 * padded(width) * padded(height);
+  return 3 * 3 * padded(width) * padded(height);
 }
 
 bool IsWhole(const CPicture& picture) {
@@ -42,15 +40,49 @@ bool CRelighting::SetPicture(const CPicture& picture, double memory) {
   if (std::max(picture.m_iWidth, picture.m_iHeight) > kLargestSide) return refuse();
   if (BytesFor(picture.m_iWidth, picture.m_iHeight) > memory) return refuse();
   try {
-    CTexelMap texels(picture.m_iWidth, picture.m_iHeight, m_Surface.Interpolation());
-    CAlbedoMap albedo(picture.m_iWidth, picture.m_iHeight);
     m_Textures.SetPicture(picture);
-    m_Texels = std::move(texels);
-    m_Albedo = std::move(albedo);
   } catch (const std::bad_alloc&) {
     return refuse();
   }
+  m_Texels = CTexelMap(picture.m_iWidth, picture.m_iHeight, m_Surface.Interpolation());
+  m_Albedo = CAlbedoMap();
   return true;
+}
+
+// Both or none.
+bool CRelighting::Reserve(bool albedo) {
+  const int width = m_Texels.Width();
+  const int height = m_Texels.Height();
+  double missing = m_Texels.Missing();
+  if (albedo && !m_Albedo.IsComputed()) missing += CAlbedoMap::kBytesPerTexel * (1.0 * width * height);
+  if (missing == 0) return true;
+  try {
+    if (missing > m_Memory()) return false;
+    if (albedo) m_Albedo.Reserve(width, height);
+    m_Texels.Reserve();
+    return true;
+  } catch (const std::bad_alloc&) {
+    m_Albedo.ReleaseReserve();
+    return false;
+  }
+}
+
+template <typename Pass>
+bool CRelighting::WithMemory(bool albedo, const char* name, Pass&& pass) {
+  if (Reserve(albedo)) {
+    try {
+      pass();
+      return true;
+    } catch (const std::bad_alloc&) {
+      // Of the mask; nothing has been changed.
+      m_Albedo.ReleaseReserve();
+    }
+  }
+  if (name != nullptr) {
+    Console() << "Error CGrid::" << name << "()\t\tNot enough memory for " << m_Texels.Width() << " by "
+              << m_Texels.Height() << " texels\n";
+  }
+  return false;
 }
 
 bool CRelighting::HasTexels() const {
@@ -73,59 +105,74 @@ void CRelighting::SetLight(int index, int type, const CLight& light) {
   (type == kRemovedLights ? m_RemovedLights : m_AddedLights).m_aLights[static_cast<std::size_t>(index)] = light;
 }
 
-void CRelighting::InitializeCoordsTexels() {
+bool CRelighting::InitializeCoordsTexels() {
   if (!HasTexels()) {
     Console() << "Error CGrid::InitializeCoordsTexels()\tNo texture loaded\n";
-    return;
+    return true;
   }
-  m_Texels.InitializeCoords(m_Surface.Interpolation());
+  return WithMemory(false, "InitializeCoordsTexels", [&] { m_Texels.InitializeCoords(m_Surface.Interpolation()); });
 }
 
-void CRelighting::LocateTexels() {
-  if (HasTexels()) m_Texels.UpdateRecords(m_Surface.Interpolation());
+bool CRelighting::LocateTexels() {
+  if (!HasTexels()) return true;
+  return WithMemory(false, nullptr, [&] { m_Texels.UpdateRecords(m_Surface.Interpolation()); });
 }
 
 void CRelighting::TestTexelsInDiscontinuity() {
   if (!HasTexels()) return;
-  m_Texels.TestDiscontinuities(m_Surface.Interpolation());
+  UpdateMask();
   Console() << "CGrid::TestTexelsInDiscontinuity()\t\t\t...done\n";
 }
 
 void CRelighting::RefreshMask() {
-  if (HasTexels()) m_Texels.TestDiscontinuities(m_Surface.Interpolation());
+  if (HasTexels()) UpdateMask();
 }
 
-void CRelighting::ComputeCoefsTexels() {
+// Without memory for the mask none of it is shown; the passes that read it ask for it again.
+void CRelighting::UpdateMask() {
+  try {
+    m_Texels.TestDiscontinuities(m_Surface.Interpolation());
+  } catch (const std::bad_alloc&) {
+    Console() << "Error CGrid::TestTexelsInDiscontinuity()\tNot enough memory for " << m_Texels.Width() << " by "
+              << m_Texels.Height() << " texels\n";
+  }
+}
+
+bool CRelighting::ComputeCoefsTexels() {
   if (!HasTexels()) {
     Console() << "Error CGrid::ComputeCoefsTexels()\tNo texture loaded\n";
-    return;
+    return true;
   }
-  Console() << "CGrid::ComputeCoefsTexels()\t\t\tComputeCoefsTexels...\n";
-  m_Texels.ComputeCoefs(m_Surface.Interpolation());
-  Console() << "CGrid::ComputeCoefsTexels()\t\t\t...ComputeCoefsTexels\t\tdone\n";
+  return WithMemory(false, "ComputeCoefsTexels", [&] {
+    Console() << "CGrid::ComputeCoefsTexels()\t\t\tComputeCoefsTexels...\n";
+    m_Texels.ComputeCoefs(m_Surface.Interpolation());
+    Console() << "CGrid::ComputeCoefsTexels()\t\t\t...ComputeCoefsTexels\t\tdone\n";
+  });
 }
 
-void CRelighting::ComputeNormalsOnly() {
+bool CRelighting::ComputeNormalsOnly() {
   if (!HasTexels()) {
     Console() << "Error CGrid::ComputeNormalsOnly()\tNo texture loaded\n";
-    return;
+    return true;
   }
-  Console() << "CGrid::ComputeCoefsTexels()\t\t\tComputeNormalsOnly...\n";
-  m_Texels.ComputeNormals(m_Surface.Interpolation());
-  Console() << "CGrid::ComputeCoefsTexels()\t\t\t...ComputeNormalsOnly\t\tdone\n";
+  return WithMemory(false, "ComputeNormalsOnly", [&] {
+    Console() << "CGrid::ComputeCoefsTexels()\t\t\tComputeNormalsOnly...\n";
+    m_Texels.ComputeNormals(m_Surface.Interpolation());
+    Console() << "CGrid::ComputeCoefsTexels()\t\t\t...ComputeNormalsOnly\t\tdone\n";
+  });
 }
 
-void CRelighting::GetKd() {
+bool CRelighting::GetKd() {
   Console() << "CGrid::GetKd\t\t\t\tGetKd...\n";
   if (!HasTexels()) {
     Console() << "Error CGrid::GetKd\t\tNo texture loaded\n";
-    return;
+    return true;
   }
   const CShading removed(m_RemovedLights);
   const CShading added(m_AddedLights);
   if (!removed.IsAnyActive()) {
     Console() << "CGrid::GetKd\t\tNo lights to be removed\n";
-    return;
+    return true;
   }
   if (!added.IsAnyActive()) {
     Console() << "CGrid::GetKd\t\tNo light to be added ; the system will only show the Kd map\n";
@@ -133,7 +180,9 @@ void CRelighting::GetKd() {
   Console() << "CGrid::GetKd\t\twidth : " << m_Textures.PictureWidth() << "; height : " << m_Textures.PictureHeight()
             << "\nCGrid::GetKd\t\tnew_width : " << m_Textures.TextureWidth()
             << "; new_height : " << m_Textures.TextureHeight() << '\n';
-  m_Texels.UpdateNormals(m_Surface.Interpolation());
-  m_Albedo.Compute(m_Texels.Normals(), removed, added, m_Textures);
-  Console() << "CGrid::GetKd\t\t\t\t...GetKd\tdone\n";
+  return WithMemory(true, "GetKd", [&] {
+    m_Texels.UpdateNormals(m_Surface.Interpolation());
+    m_Albedo.Compute(m_Texels.Normals(), removed, added, m_Textures);
+    Console() << "CGrid::GetKd\t\t\t\t...GetKd\tdone\n";
+  });
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <utility>
+
 #include "base/Memory.h"
 #include "lighting/CAlbedoMap.h"
 #include "lighting/CLight.h"
@@ -13,15 +16,18 @@ class CSurface;
 ///
 /// Every pass takes the surface as it is: the present subdivision, with the normals of its points and cells. Without a
 /// picture the passes log a line and do nothing, but for those that say otherwise. All are linear in the number of
-/// texels and allocate nothing but `SetPicture`.
+/// texels.
+///
+/// What is kept per texel is asked for by the first pass over a picture that needs it; later ones allocate nothing.
+/// Where that memory is not there the pass logs a line, changes nothing and returns false; all else is true.
 class CRelighting {
  public:
   /// `surface` must outlive the relighting.
   explicit CRelighting(const CSurface& surface) : m_Surface(surface) {}
 
-  /// Takes up a picture: its textures, and memory for what is kept per texel, each with the normal (0, 0, 1), no albedo
-  /// and in no discontinuity. False, with nothing changed, for one that is empty or has not 3 * width * height bytes,
-  /// and, with a console line, for one that `memory` bytes do not hold.
+  /// Takes up a picture: its textures; each texel has the normal (0, 0, 1), no albedo and is in no discontinuity.
+  /// False, with nothing changed, for one that is empty or has not 3 * width * height bytes, and, with a console line,
+  /// for one that `memory` bytes do not hold.
   bool SetPicture(const CPicture& picture, double memory = AvailableMemory());
   /// Whether there is a picture and the texels are those of it.
   bool HasTexels() const;
@@ -40,20 +46,26 @@ class CRelighting {
     m_AddedLights = added;
   }
 
+  /// Takes this for the bytes that the first passes can have; AvailableMemory() at the start.
+  void SetMemory(std::function<double()> memory) { m_Memory = std::move(memory); }
+
+  /// Asks for the memory of places and normals, so that no later pass over them lacks it. True without a picture.
+  bool ReserveTexels() { return !HasTexels() || Reserve(false); }
   /// Gives every texel of the picture its column and row and the normal (0, 0, 1) again.
-  void InitializeCoordsTexels();
-  /// Brings the places of the texels up to the subdivision, for what draws them; nothing without a picture.
-  void LocateTexels();
+  bool InitializeCoordsTexels();
+  /// Brings the places of the texels up to the subdivision, for what draws them; nothing without a picture. False,
+  /// without a line, where there is no memory.
+  bool LocateTexels();
   /// Recomputes which texels lie in a discontinuity; nothing without a picture.
   void TestTexelsInDiscontinuity();
   /// The same without a word on the console.
   void RefreshMask();
   /// Place on the surface and normal of every texel in no discontinuity, from the normals of points and cells.
-  void ComputeCoefsTexels();
+  bool ComputeCoefsTexels();
   /// Normal of every texel from its place, which is found first if the subdivision has changed.
-  void ComputeNormalsOnly();
+  bool ComputeNormalsOnly();
   /// Albedo, Kd image and new illumination (see CAlbedoMap), from normals of the present subdivision.
-  void GetKd();
+  bool GetKd();
 
   /// What the lights made: images, places and normals of texels, albedo.
   const CTextureImages& Textures() const { return m_Textures; }
@@ -62,10 +74,17 @@ class CRelighting {
 
  private:
   friend struct CStaging;  // of the tests
+
+  void UpdateMask();
+  template <typename Pass>
+  bool WithMemory(bool albedo, const char* name, Pass&& pass);
+  bool Reserve(bool albedo);
+
   const CSurface& m_Surface;
   CLightSet m_RemovedLights = CLightSet::Removed();
   CLightSet m_AddedLights = CLightSet::Added();
   CTextureImages m_Textures;
   CTexelMap m_Texels;
   CAlbedoMap m_Albedo;
+  std::function<double()> m_Memory = AvailableMemory;
 };

@@ -221,6 +221,20 @@ TEST_F(ToolSetTest, UpdatesFirstTakeTheNormalsOfTheTree) {
   }
 }
 
+TEST_F(ToolSetTest, UpdatesWithoutMemoryForTheTexelsAreTold) {
+  LoadPicture();
+  OpenLights();
+  SwitchOn(CStaging::RemovedLights(Grid()), 0, {1, 1, 1});
+  Grid().Relighting().SetMemory([] { return 0.0; });
+  for (const char* label : {"Update\ntexels\nnormals", "Update\ntexels\nInterpolation", "Update\nKd"}) {
+    m_Dialogs.m_asNotices.clear();
+    Push(label);
+    ASSERT_EQ(m_Dialogs.m_asNotices.size(), 1U) << label;
+    EXPECT_NE(m_Dialogs.m_asNotices[0].find("not enough memory for the texels"), std::string::npos);
+  }
+  EXPECT_FALSE(Grid().Relighting().Albedo().IsComputed());
+}
+
 TEST_F(ToolSetTest, ImagesFollowALightTurnedInTheModelOnceTheyExist) {
   LoadPicture();
   OpenLights();

@@ -192,6 +192,27 @@ TEST_F(WindowCommandsTest, WaveletTestLogs) {
   EXPECT_EQ(Console().rfind("CGrid::TestWavelets", 0), 0U);
 }
 
+TEST_F(WindowCommandsTest, NormalsOfTexelsWithoutMemoryAreNotShown) {
+  LoadPicture();
+  Grid().Relighting().SetMemory([] { return 0.0; });
+  Menu().Choose(MenuEntry::TexelNormals);
+  EXPECT_FALSE(Menu().IsChecked(MenuEntry::TexelNormals));
+  EXPECT_EQ(m_Window.GridView().DisplayFlags() & ModelFlag::kTexelNormals, 0U);
+  ASSERT_EQ(m_Dialogs.m_asNotices.size(), 1U);
+  EXPECT_NE(m_Dialogs.m_asNotices[0].find("not enough memory for the texels"), std::string::npos);
+}
+
+TEST_F(WindowCommandsTest, NormalsOfTexelsAreHiddenWhenANewPictureHasNoMemoryForThem) {
+  LoadPicture();
+  Menu().Choose(MenuEntry::TexelNormals);
+  EXPECT_TRUE(Menu().IsChecked(MenuEntry::TexelNormals));
+  EXPECT_TRUE(m_Dialogs.m_asNotices.empty());
+  Grid().Relighting().SetMemory([] { return 0.0; });
+  LoadPicture();
+  EXPECT_FALSE(Menu().IsChecked(MenuEntry::TexelNormals));
+  EXPECT_EQ(m_Dialogs.m_asNotices.size(), 1U);
+}
+
 // A grid in the proportions of the picture; the one of these tests is 16 by 8.
 
 TEST_F(WindowCommandsTest, APictureThatTheGridStretchesIsOfferedAnotherGrid) {

@@ -19,8 +19,8 @@ constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 // The three images and the albedo of a picture under two sets of lights.
 struct CRelit {
-  CRelit(const CPicture& picture, const std::vector<Vector3>& normals, const CLightSet& removed, const CLightSet& added)
-      : m_Albedo(picture.m_iWidth, picture.m_iHeight) {
+  CRelit(const CPicture& picture, const std::vector<Vector3>& normals, const CLightSet& removed,
+         const CLightSet& added) {
     m_Images.SetPicture(picture);
     m_Albedo.Compute(normals, CShading(removed), CShading(added), m_Images);
   }
@@ -134,8 +134,8 @@ TEST(AlbedoMap, ThePhotographStaysAndTheOthersAreMarkedAsChanged) {
   const auto photograph = images.Image(CTextureImages::kPhotograph);
   const std::vector<std::uint8_t> before(photograph.begin(), photograph.end());
   const unsigned revision = images.Revision(CTextureImages::kPhotograph);
-  CAlbedoMap(2, 2).Compute(std::vector<Vector3>(4, {0, 0, 1}), CShading(AmbientLight(0.5, 0.5, 0.5)),
-                           CShading(CLightSet{}), images);
+  CAlbedoMap().Compute(std::vector<Vector3>(4, {0, 0, 1}), CShading(AmbientLight(0.5, 0.5, 0.5)), CShading(CLightSet{}),
+                       images);
   EXPECT_TRUE(std::ranges::equal(images.Image(CTextureImages::kPhotograph), before));
   EXPECT_EQ(images.Revision(CTextureImages::kPhotograph), revision);
   EXPECT_GT(images.Revision(CTextureImages::kKd), revision);
@@ -143,7 +143,8 @@ TEST(AlbedoMap, ThePhotographStaysAndTheOthersAreMarkedAsChanged) {
 }
 
 TEST(AlbedoMap, IsEmptyUntilComputed) {
-  CAlbedoMap albedo(3, 2);
+  CAlbedoMap albedo;
+  albedo.Reserve(3, 2);
   EXPECT_FALSE(albedo.IsComputed());
   EXPECT_TRUE(albedo.Kd().empty());
   const CRelit relit = RelitTexel(1, 1, 1);

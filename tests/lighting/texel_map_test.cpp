@@ -42,7 +42,7 @@ struct CTexels : CTestTree {
       for (int column = 0; column < m_Map.Width(); ++column) visit(column, row);
     }
   }
-  bool IsMasked(int column, int row) const { return m_Map.Mask()[Index(column, row)] != 0; }
+  bool IsMasked(int column, int row) const { return !m_Map.Mask().empty() && m_Map.Mask()[Index(column, row)] != 0; }
 
   CTexelMap m_Map;
 };
@@ -238,9 +238,10 @@ TEST(TexelMap, ATexelThatTheNewTreeDoesNotHoldIsNotReadFromTheOldOne) {
   EXPECT_EQ(test.Normal(29, 30), before);
 }
 
-TEST(TexelMap, NothingIsAllocatedAfterConstruction) {
+TEST(TexelMap, NothingIsAllocatedAfterTheFirstUse) {
   CTexels test(20, 20);
   MakeLeaf(test.m_Tree, 1, 2, 3, kOneTriangle);
+  test.m_Map.ComputeCoefs(test.m_Surface);
   const std::size_t before = AllocationCount();
   test.m_Map.InitializeCoords(test.m_Surface);
   test.m_Map.TestDiscontinuities(test.m_Surface);
@@ -248,6 +249,39 @@ TEST(TexelMap, NothingIsAllocatedAfterConstruction) {
   test.m_Map.ComputeNormals(test.m_Surface);
   test.m_Map.UpdateNormals(test.m_Surface);
   EXPECT_EQ(AllocationCount(), before);
+}
+
+TEST(TexelMap, NothingIsAllocatedBeforeTheFirstUse) {
+  CTexels test(20, 20);
+  const std::size_t before = AllocationCount();
+  const CTexelMap map(20, 20, test.m_Surface);
+  test.m_Map.TestDiscontinuities(test.m_Surface);
+  EXPECT_EQ(AllocationCount(), before);
+  EXPECT_EQ(map.Missing(), 400.0 * static_cast<double>(CTexelMap::kBytesPerTexel));
+}
+
+TEST(TexelMap, TheMaskComesWithTheFirstTexelInADiscontinuity) {
+  CTexels test(16, 16);
+  test.m_Map.TestDiscontinuities(test.m_Surface);
+  EXPECT_TRUE(test.m_Map.Mask().empty());
+  MakeLeaf(test.m_Tree, 2, 1, 2, kOneTriangle);
+  test.m_Map.TestDiscontinuities(test.m_Surface);
+  EXPECT_EQ(std::ranges::count(test.m_Map.Mask(), 1), 16);
+  EXPECT_EQ(test.m_Map.Mask().size(), 256U);
+}
+
+TEST(TexelMap, WithoutMemoryForBothNeitherRecordsNorNormalsAreTaken) {
+  for (long failing = 0; failing < 2; ++failing) {
+    CTexels test(16, 16);
+    const double missing = test.m_Map.Missing();
+    FailAllocation(failing);
+    EXPECT_THROW(test.m_Map.Reserve(), std::bad_alloc);
+    FailAllocation(-1);
+    EXPECT_EQ(test.m_Map.Missing(), missing);
+    test.m_Map.Reserve();
+    EXPECT_EQ(test.m_Map.Missing(), 0);
+    EXPECT_TRUE(test.m_Map.Records().empty());
+  }
 }
 
 }  // namespace

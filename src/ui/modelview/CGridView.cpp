@@ -79,9 +79,10 @@ void CGridView::draw() {
 
 void CGridView::DrawScene() {
   // This many texels take a moment to be located and given their normals.
-  constexpr std::size_t kManyTexels = 1'000'000;
+  constexpr double kManyTexels = 1e6;
   const bool texels = (m_View.m_uFlags & ModelFlag::kTexelNormals) != 0;
-  const CBusyCursor busy(texels && m_pGrid->Relighting().Texels().Mask().size() > kManyTexels);
+  const CTexelMap& map = m_pGrid->Relighting().Texels();
+  const CBusyCursor busy(texels && 1.0 * map.Width() * map.Height() > kManyTexels);
   if (texels) m_pGrid->Relighting().LocateTexels();
   m_Painter.DrawScene(*m_pGrid, m_View, m_Camera, {m_Camera.m_fR, m_Camera.m_fR});
 }

@@ -73,6 +73,8 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   bool Ask(const char* question) override;
   std::string AskText(const char* question) override;
   void Notice(const char* text) override;
+  /// The notice that the memory for the texels of the picture is not there.
+  void TellNoTexelMemory();
 
  private:
   // CImageViewUI.cpp
@@ -93,6 +95,7 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   void ConnectCallbacks();
   void Chosen(MenuEntry entry) override;
   bool FlagChosen(MenuEntry entry);
+  void RequireTexels();
   void SetEditingMode(EditingMode mode);
   void SetCurveType(CurveType type);
   /// The help text that stays with what the mouse does in the image view.

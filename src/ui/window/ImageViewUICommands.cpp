@@ -114,9 +114,24 @@ bool CImageViewUI::FlagChosen(MenuEntry entry) {
   return false;
 }
 
+// Normals of texels that there is no memory for are not shown. Asked for here, because a view that is being drawn can
+// open no notice.
+void CImageViewUI::RequireTexels() {
+  if (m_pGrid == nullptr || !Menu().IsChecked(MenuEntry::TexelNormals)) return;
+  if (m_pGrid->Relighting().ReserveTexels()) return;
+  Menu().SetChecked(MenuEntry::TexelNormals, false);
+  GridView().SetFlag(ModelFlag::kTexelNormals, false);
+  TellNoTexelMemory();
+}
+
+void CImageViewUI::TellNoTexelMemory() {
+  Notice("There is not enough memory for the texels of this picture, which relighting and their normals need.");
+}
+
 void CImageViewUI::Chosen(MenuEntry entry) {
   if (FlagChosen(entry)) {
     if (entry == MenuEntry::FreezeMap) Controls().Show(Control::Freeze, Menu().IsChecked(entry));
+    if (entry == MenuEntry::TexelNormals) RequireTexels();
     return;
   }
   if (entry >= MenuEntry::Recent && entry < MenuEntry::ClearRecent)
@@ -315,6 +330,7 @@ void CImageViewUI::PictureTaken(const CProjectPicture& picture) {
   Relayout();
   RequestRedraw();
   m_Tools.PictureLoaded();
+  RequireTexels();
 }
 
 std::string CImageViewUI::TextureFile() const { return ImageView().TextureFileName(); }

@@ -113,6 +113,6 @@ void CImageViewUI::ShowProjectViews(const CProjectViews& views) {
   const bool computed =
       DrawnTexture::ImageOf(views.m_iTexture).value_or(CTextureImages::kPhotograph) != CTextureImages::kPhotograph;
   if (!computed || !m_pGrid->Relighting().HasTexels()) return;
-  m_pGrid->GetKd();
+  if (!m_pGrid->GetKd()) return TellNoTexelMemory();
   GridView().SetDrawTexture(views.m_iTexture);
 }
