@@ -163,9 +163,11 @@ std::vector<CUnsavedWork> CRecovery::List() {
 }
 
 bool CRecovery::TakeUp(const std::filesystem::path& file) {
+  if (!m_Folder.Claim(file)) return false;
+  // It is claimed throughout, so that it does not go where there are too many.
+  std::erase(m_aTakenUp, file);
   End();
   SetAside();
-  if (!m_Folder.Claim(file)) return false;
   m_aTakenUp.push_back(file);
   return true;
 }

@@ -141,7 +141,6 @@ void CRecoveryFolder::Forget() {
 fs::path CRecoveryFolder::SetAside() {
   const std::scoped_lock lock(m_Mutex);
   if (!m_bWritten) return {};
-  m_Claimed.emplace(m_Own, std::move(*m_OwnLock));
   m_OwnLock.reset();
   m_bWritten = false;
   return std::exchange(m_Own, {});

@@ -36,8 +36,8 @@ class CRecoveryFolder {
   /// This program's file goes. Not while it is being written.
   void Forget();
 
-  /// What this program's file holds is no longer what it works on: the file becomes one that it has claimed, and the
-  /// next writing begins another. Not while it is being written. Its name; empty where nothing has been written.
+  /// What this program's file holds is no longer what it works on: the file belongs to nobody from now on, and
+  /// the next writing begins another. Not while it is being written. Its name; empty where nothing has been written.
   std::filesystem::path SetAside();
 
   /// The files that belong to nobody, and those that this program has claimed; the newest first.

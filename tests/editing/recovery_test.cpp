@@ -289,6 +289,27 @@ TEST_F(RecoveryTest, WhatWasTakenUpOutlivesAModelThatReplacesIt) {
   EXPECT_EQ(Files().size(), 1U);
 }
 
+TEST_F(RecoveryTest, WhatIsTakenUpIsNotOneTooMany) {
+  for (std::size_t k = 0; k < CRecoveryFolder::kMostFiles; ++k) {
+    CRecovery recovery(m_Folder, Program());
+    recovery.NoteChanges(1);
+    recovery.End();
+  }
+  CRecovery next(m_Folder, Program());
+  const fs::path oldest = next.List().back().m_File;
+  next.NoteChanges(1);
+  ASSERT_TRUE(next.TakeUp(oldest));
+  EXPECT_TRUE(fs::exists(oldest));
+  EXPECT_EQ(Files().size(), CRecoveryFolder::kMostFiles);
+  for (std::uint64_t change = 2; change < 5; ++change) {
+    m_Test.m_Grid.AddPtCstr({60, 10.0 * static_cast<double>(change), PtCstrKind::kPosition, 7});
+    next.NoteChanges(change);
+    next.End();
+    next.SetAside();
+  }
+  EXPECT_EQ(Files().size(), CRecoveryFolder::kMostFiles) << "nor are those that are set aside";
+}
+
 TEST_F(RecoveryTest, WhatIsTakenUpReplacesUnsavedWork) {
   {
     CRecovery recovery(m_Folder, Program());

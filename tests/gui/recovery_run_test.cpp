@@ -237,6 +237,7 @@ TEST_F(RecoveryRunTest, KilledWhileItWritesItOffersAWholeState) {
     End(SIGKILL);
     ASSERT_TRUE(AllAreWhole()) << round;
     ASSERT_GE(Kept(), before) << round;
-    ASSERT_LE(Files().size(), 10U) << round;
+    // The oldest goes after the newest has come, if there is time for that.
+    ASSERT_LE(Files().size(), 11U) << round;
   }
 }
