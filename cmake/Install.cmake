@@ -17,9 +17,16 @@ function(install_compressed file directory name)
   install(FILES "${compressed}" DESTINATION "${directory}")
 endfunction()
 
+# A desktop must not offer what this build does not read.
+file(READ "${packaging}/relievo.desktop" desktop_entry)
+if(NOT RELIEVO_HEIF)
+  string(REPLACE "image/heic;image/heif;image/avif;" "" desktop_entry "${desktop_entry}")
+endif()
+file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/packaging/relievo.desktop" CONTENT "${desktop_entry}" @ONLY)
+
 if(TARGET relievo)
   install(TARGETS relievo)
-  install(FILES "${packaging}/relievo.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
+  install(FILES "${PROJECT_BINARY_DIR}/packaging/relievo.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
   install(FILES "${packaging}/io.github.relievo.relievo.metainfo.xml"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo")
   install(FILES "${packaging}/relievo.svg"
