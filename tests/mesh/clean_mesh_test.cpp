@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <memory>
@@ -222,6 +223,46 @@ TEST_F(CleanMeshTest, EndHalfACellFromAnotherTearIsLedToIt) {
 TEST_F(CleanMeshTest, TwoEndsNearEachOtherAreJoined) {
   Build({{{{0.0, 7.4}, {7.8, 7.4}}}, {{{8.3, 7.4}, {16.0, 7.4}}}}, LeftOf(0.0, 7.4, 16.0, 7.4));
   EXPECT_LT(LargestError(), 1e-6);
+}
+
+TEST_F(CleanMeshTest, CrossingTearsPartFourSides) {
+  Build({{{{0.0, 7.4}, {16.0, 7.4}}}, {{{8.3, 0.0}, {8.3, 16.0}}}}, LeftOf(0.0, 7.4, 16.0, 7.4));
+  m_pGrid->Raise([](int column, int row) { return (column < 8.3 ? 1.0 : 2.0) + (row < 7.4 ? 0.0 : 5.0); });
+  const CCleanMesh mesh = m_pGrid->Mesh();
+  const CMeshJudge judge(*m_pGrid, mesh);
+  std::vector<double> atCrossing;
+  for (std::uint32_t v = 0; v < mesh.Vertices().size(); ++v) {
+    const auto& [column, row] = judge.At(v);
+    if (std::hypot(column - 8.3, row - 7.4) < 1e-5) atCrossing.push_back(judge.ZAt(v));
+  }
+  std::ranges::sort(atCrossing);
+  ASSERT_EQ(atCrossing.size(), 4U);
+  const std::array<double, 4> sides{1.0, 2.0, 6.0, 7.0};
+  for (std::size_t k = 0; k < sides.size(); ++k) EXPECT_NEAR(atCrossing[k], sides[k], 1e-9);
+}
+
+TEST_F(CleanMeshTest, WallIsAsLargeAsTheStepAndEndsWhereTheHeightsMeet) {
+  // 2 above 0 on the left, 2 below it on the right, the same in the middle.
+  Build({{{{0.0, 7.4}, {16.0, 7.4}}}}, LeftOf(0.0, 7.4, 16.0, 7.4));
+  m_pGrid->Raise([](int column, int row) { return row < 7.4 ? 0.0 : (8.0 - column) / 4; });
+  const CCleanMesh mesh = m_pGrid->Mesh({.m_Gap = TearGap::Wall});
+  double area = 0.0;
+  double farthest = 0.0;
+  for (std::size_t t = 0; t < mesh.Walls().size(); t += 3) {
+    const auto at = [&](std::size_t k) { return mesh.Position(mesh.Walls()[t + k]); };
+    const Vector3 twice = Cross(at(1) - at(0), at(2) - at(0));
+    area += Length(twice) / 2;
+    farthest = std::max(farthest, std::abs(twice.z));
+  }
+  const double width = kOblong.x1 - kOblong.x0;
+  EXPECT_NEAR(area, 2 * (2.0 * width / 2 / 2), 1e-4);
+  EXPECT_LT(farthest, 1e-5);
+}
+
+TEST_F(CleanMeshTest, NoWallWhereBothHeightsAreTheSame) {
+  Build({{{{0.0, 7.4}, {16.0, 7.4}}}}, LeftOf(0.0, 7.4, 16.0, 7.4));
+  m_pGrid->Raise([](int /*column*/, int /*row*/) { return 1.0; });
+  EXPECT_TRUE(m_pGrid->Mesh({.m_Gap = TearGap::Wall}).Walls().empty());
 }
 
 TEST_F(CleanMeshTest, HeightsStayNearThoseOfTheirSide) {

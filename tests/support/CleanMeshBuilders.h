@@ -186,8 +186,8 @@ inline std::vector<CTestTear> RandomTears(std::uint32_t seed, int cells) {
       if (kind == 3) node = {std::round(node[0]) + 1e-4, std::round(node[1]) - 2e-4};
       if (kind == 4 && k > 0) node = {tear.m_aNodes.back()[0] + 0.3 * (node[0] / cells - 0.5) * cells / 4, node[1]};
       if (kind == 5 && k > 0) {
-        node = {std::clamp(tear.m_aNodes.back()[0] + (node[0] / cells - 0.5), 0.0, double(cells)),
-                std::clamp(tear.m_aNodes.back()[1] + (node[1] / cells - 0.5), 0.0, double(cells))};
+        node = {std::clamp(tear.m_aNodes.back()[0] + (node[0] / cells - 0.5), 0.0, static_cast<double>(cells)),
+                std::clamp(tear.m_aNodes.back()[1] + (node[1] / cells - 0.5), 0.0, static_cast<double>(cells))};
       }
       tear.m_aNodes.push_back(node);
     }
