@@ -58,9 +58,10 @@ std::string ProfileIn(const heif_image_handle* handle) {
   if (!bytes.empty() && heif_image_handle_get_raw_color_profile(handle, bytes.data()).code == heif_error_Ok)
     return bytes;
   heif_color_profile_nclx* found = nullptr;
-  if (heif_image_handle_get_nclx_color_profile(handle, &found).code != heif_error_Ok) return {};
+  const heif_error error = heif_image_handle_get_nclx_color_profile(handle, &found);
   const Owned<heif_color_profile_nclx> colours(found);
-  if (colours->color_primaries == heif_color_primaries_unspecified) return {};
+  if (error.code != heif_error_Ok || colours == nullptr || colours->color_primaries == heif_color_primaries_unspecified)
+    return {};
   const auto& c = *colours;
   return ProfileOf({c.color_primary_red_x, c.color_primary_red_y, c.color_primary_green_x, c.color_primary_green_y,
                     c.color_primary_blue_x, c.color_primary_blue_y, c.color_primary_white_x, c.color_primary_white_y},

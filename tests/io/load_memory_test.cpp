@@ -5,12 +5,15 @@
 
 #include <gtest/gtest.h>
 
+#include "formats/PictureFormats.h"
 #include "io/Bmp.h"
 #include "support/AllocationCount.h"
 #include "support/BmpBuilders.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/ConsoleCapture.h"
 #include "support/FileBuilders.h"
+#include "support/PictureBuilders.h"
+#include "support/PictureEncoders.h"
 
 namespace {
 
@@ -71,6 +74,31 @@ TEST(StarvedPicture, IsRefused) {
     if (failed) ++refused;
   }
   EXPECT_GE(refused, 3);
+}
+
+TEST(StarvedPicture, IsRefusedInOtherFormatsToo) {
+  CJpegSettings portrait;
+  portrait.m_iOrientation = 6;
+  portrait.m_Profile = ProfileNamed("Adobe RGB");
+  CTiffSettings tiled;
+  tiled.m_bTiled = true;
+  for (const std::string& bytes :
+       {TestJpeg(Squares(), portrait), TestPng(Squares(), {}), TestTiff(Squares(), tiled), TestWebp(Squares(), {})}) {
+    const CPicture whole = ReadPicture(bytes, "picture").m_Picture;
+    int refused = 0;
+    bool failed = true;
+    for (long count = 0; failed; ++count) {
+      FailAllocation(count);
+      const CReadPicture read = ReadPicture(bytes, "picture");
+      failed = HasAllocationFailed();
+      FailAllocation(-1);
+      // Streams can do without some of theirs.
+      EXPECT_EQ(read.m_Trouble, read ? PictureTrouble::None : PictureTrouble::NoMemory) << count;
+      EXPECT_EQ(read.m_Picture.m_aPixels, read ? whole.m_aPixels : CBytes{}) << count;
+      if (!read) ++refused;
+    }
+    EXPECT_GE(refused, 3);
+  }
 }
 
 }  // namespace
