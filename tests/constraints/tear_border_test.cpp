@@ -160,11 +160,11 @@ class CTracer {
     m_Console.Take();
     return PlacesOf(m_Grid.Constraints().Curves().back());
   }
-  void ExpectDivided(CPixelPosition from, CPixelPosition to, bool upright) {
+  void ExpectDividedAlong(CPixelPosition from, CPixelPosition to, bool upright) {
     SCOPED_TRACE(testing::Message() << "from " << from.m_iColumn << ", " << from.m_iRow << " to " << to.m_iColumn
                                     << ", " << to.m_iRow);
     const CPlaces tear = Trace(from, to);
-    ::ExpectDivided(m_Grid.Surface().Tree(), tear, upright);
+    ExpectDivided(m_Grid.Surface().Tree(), tear, upright);
   }
 
  private:
@@ -184,29 +184,29 @@ constexpr int kHeight = 140;
 
 TEST_P(TracedTearTest, FromTheFirstToTheLastRowDividesTheModelInEveryPhaseOfTheColumns) {
   CTracer tracer(kWidth, kHeight, GetParam());
-  for (int column = 0; column < 25; ++column) tracer.ExpectDivided({column, 0}, {column, kHeight - 1}, true);
-  tracer.ExpectDivided({kWidth - 1, 0}, {kWidth - 1, kHeight - 1}, true);
+  for (int column = 0; column < 25; ++column) tracer.ExpectDividedAlong({column, 0}, {column, kHeight - 1}, true);
+  tracer.ExpectDividedAlong({kWidth - 1, 0}, {kWidth - 1, kHeight - 1}, true);
 }
 
 TEST_P(TracedTearTest, FromTheFirstToTheLastColumnDividesTheModel) {
   CTracer tracer(kWidth, kHeight, GetParam());
-  for (int row = 0; row < kHeight; row += 9) tracer.ExpectDivided({kWidth - 1, row}, {0, row}, false);
+  for (int row = 0; row < kHeight; row += 9) tracer.ExpectDividedAlong({kWidth - 1, row}, {0, row}, false);
 }
 
 TEST_P(TracedTearTest, OnASlantDividesTheModel) {
   CTracer tracer(kWidth, kHeight, GetParam());
   for (const int slant : {1, 30, 77, kHeight - 1}) {
-    tracer.ExpectDivided({20, 0}, {20 + slant, kHeight - 1}, true);
-    tracer.ExpectDivided({kWidth - 30, 0}, {kWidth - 30 - slant, kHeight - 1}, true);
+    tracer.ExpectDividedAlong({20, 0}, {20 + slant, kHeight - 1}, true);
+    tracer.ExpectDividedAlong({kWidth - 30, 0}, {kWidth - 30 - slant, kHeight - 1}, true);
   }
   CTracer square(128, 128, GetParam());
-  square.ExpectDivided({0, 0}, {127, 127}, true);
-  square.ExpectDivided({0, 127}, {127, 0}, true);
+  square.ExpectDividedAlong({0, 0}, {127, 127}, true);
+  square.ExpectDividedAlong({0, 127}, {127, 0}, true);
 }
 
 TEST(TracedTearTest, EveryColumnOfTheSmallestPictureDividesTheModel) {
   CTracer tracer(128, 128, 100);
-  for (int column = 0; column < 128; ++column) tracer.ExpectDivided({column, 0}, {column, 127}, true);
+  for (int column = 0; column < 128; ++column) tracer.ExpectDividedAlong({column, 0}, {column, 127}, true);
 }
 
 // Surfaces.

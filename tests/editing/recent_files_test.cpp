@@ -25,7 +25,7 @@ class RecentFilesTest : public ::testing::Test {
 }  // namespace
 
 // So that a failure shows names.
-static void PrintTo(const CWorkFiles& work, std::ostream* out) { *out << work.m_Model << " + " << work.m_Picture; }
+void PrintTo(const CWorkFiles& work, std::ostream* out) { *out << work.m_Model << " + " << work.m_Picture; }
 
 TEST_F(RecentFilesTest, TheLatestComesFirst) {
   EXPECT_EQ(m_Recent.List(), CList());

@@ -28,9 +28,7 @@ class RecentTextsTest : public ::testing::Test {
 }  // namespace
 
 // So that a failure shows texts.
-static void PrintTo(const CRecentText& text, std::ostream* out) {
-  *out << text.m_Text << (text.m_bThere ? "" : " (grey)");
-}
+void PrintTo(const CRecentText& text, std::ostream* out) { *out << text.m_Text << (text.m_bThere ? "" : " (grey)"); }
 
 TEST_F(RecentTextsTest, NamesAreThoseOfTheFiles) {
   EXPECT_EQ(Of({{File("a.grid"), File("a.bmp")}, {"", File("b.bmp")}, {File("c.grid"), ""}}),

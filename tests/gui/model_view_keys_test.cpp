@@ -13,7 +13,7 @@
 namespace {
 
 // With the second light in the panel.
-class CPanelHost : public CRecordingViewHost {
+class CPanelHost : public CModelViewHost {
  public:
   int CurrentLight() const override { return 1; }
 };

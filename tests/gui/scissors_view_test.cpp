@@ -143,7 +143,7 @@ TEST_F(ScissorsViewTest, OpensUpToTheLongestSideThatPlacesAreKeptFor) {
 }
 
 TEST_F(ScissorsViewTest, ShowsThePictureUprightAndTheBackgroundBesideIt) {
-  OpenWith(PictureOf(200, 150, [](int x, int y) { return y < 75 ? std::array{x, 0, 99} : std::array{0, x, 99}; }));
+  OpenWith(TopDownImageOf(200, 150, [](int x, int y) { return y < 75 ? std::array{x, 0, 99} : std::array{0, x, 99}; }));
   EXPECT_TRUE(SeesAt({30, 10}, {30, 0, 99}));
   EXPECT_TRUE(SeesAt({180, 140}, {0, 180, 99}));
   EXPECT_TRUE(SeesAt({201, 20}, kBackground));
@@ -272,7 +272,7 @@ TEST_F(ScissorsViewTest, BackSpaceKeepsTheContoursWhileOneIsInProgress) {
 }
 
 TEST_F(ScissorsViewTest, KeysZoomAroundTheMouse) {
-  OpenWith(RandomPicture(900, 800, 3));
+  OpenWith(RandomTopDownImage(900, 800, 3));
   Point({200, 160});
   for (int zoom = 2; zoom <= 17; ++zoom) {
     ASSERT_TRUE(TypeUntil("ctrl+equal", [&] { return m_View.Viewport().Zoom() == std::min(zoom, 16); }));
@@ -285,14 +285,14 @@ TEST_F(ScissorsViewTest, KeysZoomAroundTheMouse) {
 }
 
 TEST_F(ScissorsViewTest, SignsOfTheNumberPadZoomToo) {
-  OpenWith(RandomPicture(900, 800, 3));
+  OpenWith(RandomTopDownImage(900, 800, 3));
   Point({200, 160});
   EXPECT_TRUE(TypeUntil("ctrl+KP_Add", [&] { return m_View.Viewport().Zoom() == 2; }));
   EXPECT_TRUE(TypeUntil("ctrl+KP_Subtract", [&] { return m_View.Viewport().Zoom() == 1; }));
 }
 
 TEST_F(ScissorsViewTest, RightDragMovesThePicture) {
-  const CTopDownImage picture = RandomPicture(900, 800, 3);
+  const CTopDownImage picture = RandomTopDownImage(900, 800, 3);
   OpenWith(picture);
   Drag(OnScreen({200, 160}), OnScreen({150, 140}), 3);
   EXPECT_TRUE(RunToolkitUntil([&] { return m_View.Viewport().First() == CPixelPosition{50, 20}; }));
@@ -302,7 +302,7 @@ TEST_F(ScissorsViewTest, RightDragMovesThePicture) {
 }
 
 TEST_F(ScissorsViewTest, LargeTreeGrowsInSlicesAndShowsItsProgress) {
-  OpenWith(RandomPicture(1600, 1200, 3));
+  OpenWith(RandomTopDownImage(1600, 1200, 3));
   ClickAt({20, 30});
   EXPECT_TRUE(Tool().IsBuilding());
   bool showedProgress = false;
@@ -315,7 +315,7 @@ TEST_F(ScissorsViewTest, LargeTreeGrowsInSlicesAndShowsItsProgress) {
 }
 
 TEST_F(ScissorsViewTest, NextClickNeedNotWaitForTheTree) {
-  OpenWith(RandomPicture(1600, 1200, 3));
+  OpenWith(RandomTopDownImage(1600, 1200, 3));
   ClickAt({20, 30});
   ClickAt({400, 380});
   EXPECT_TRUE(Tool().IsBuilding());

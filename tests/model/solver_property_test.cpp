@@ -156,7 +156,7 @@ class SolverSymmetryTest : public testing::TestWithParam<CSymmetry> {
     EXPECT_TRUE(solver.Converge());
     return SurfaceOnLattice(solver.m_Grid);
   }
-  static std::vector<double> Image(const CLattice& lattice, const std::vector<double>& surface) {
+  static std::vector<double> SurfaceImage(const CLattice& lattice, const std::vector<double>& surface) {
     const int last = lattice.PointsPerSide() - 1;
     std::vector<double> image(surface.size());
     for (int row = 0; row <= last; ++row) {
@@ -182,13 +182,13 @@ TEST_P(SolverSymmetryTest, ImageOfTheConstraintsGivesTheImageOfTheSurface) {
       HeightCstr(55, 66, 0),   SlopeCstr(-3, 37, 0.4, -0.6), SlopeCstr(44, 43, -0.2, 1)};
   std::vector<CPtCstr> images;
   images.reserve(constraints.size());
-  for (const CPtCstr& c : constraints) images.push_back(::Image(symmetry, extent, c));
+  for (const CPtCstr& c : constraints) images.push_back(Image(symmetry, extent, c));
   CSolverGrid solver(5, 3, extent);
   CSolverGrid mirrored(5, 3, symmetry.m_bTransposed ? CExtent{10, 70, -20, 60} : extent);
   RandomiseRecord(CStaging::Subdivision(solver.m_Grid), 21, 40);
   CopyImage(symmetry, CStaging::Subdivision(solver.m_Grid).Root(), CStaging::Subdivision(mirrored.m_Grid).Root());
   const std::vector<double> surface = Solved(solver, constraints);
-  const std::vector<double> wanted = Image(solver.m_Grid.Surface().Lattice(), surface);
+  const std::vector<double> wanted = SurfaceImage(solver.m_Grid.Surface().Lattice(), surface);
   const auto [lowest, highest] = std::ranges::minmax(surface);
   EXPECT_LT(LargestDifference(Solved(mirrored, images), wanted), kTolerance * (highest - lowest));
 }

@@ -83,12 +83,12 @@ TEST(LinkStepsTest, NeighboursGoRoundFromTheRight) {
 
 TEST(LinkCostsTest, RandomPicturesFollowTheRule) {
   for (const auto& [width, height] : {std::pair{9, 7}, {5, 5}, {5, 12}, {17, 6}, {6, 6}, {33, 20}}) {
-    ExpectCostsByTheRule(RandomPicture(width, height, static_cast<unsigned>(width)));
+    ExpectCostsByTheRule(RandomTopDownImage(width, height, static_cast<unsigned>(width)));
   }
 }
 
 TEST(LinkCostsTest, StraightDerivativeSetsThePairsOnBothSidesAgainstEachOther) {
-  const CTopDownImage image = PictureOf(7, 7, [](int, int row) {
+  const CTopDownImage image = TopDownImageOf(7, 7, [](int, int row) {
     return row < 3 ? std::array{200, 100, 40} : std::array{0, 0, 0};
   });
   const CLinkCosts costs = ComputeLinkCosts(image);
@@ -99,7 +99,7 @@ TEST(LinkCostsTest, StraightDerivativeSetsThePairsOnBothSidesAgainstEachOther) {
 }
 
 TEST(LinkCostsTest, LinkCostsTheSameFromBothOfItsInnerPixels) {
-  const CTopDownImage image = RandomPicture(12, 11, 3);
+  const CTopDownImage image = RandomTopDownImage(12, 11, 3);
   const CLinkCosts costs = ComputeLinkCosts(image);
   ForEachPixel(image, [&](CPixelPosition p) {
     for (int link = 0; link < kLinkCount; ++link) {
@@ -112,14 +112,14 @@ TEST(LinkCostsTest, LinkCostsTheSameFromBothOfItsInnerPixels) {
 }
 
 TEST(LinkCostsTest, StrongEdgeOfTheMarginCountsFromItsInnerPixelOnly) {
-  const CTopDownImage image = RandomPicture(8, 8, 5);
+  const CTopDownImage image = RandomTopDownImage(8, 8, 5);
   const CLinkCosts costs = ComputeLinkCosts(image);
   EXPECT_EQ(costs.Cost({1, 4}, 0), costs.PlainCost(0));
   EXPECT_LT(costs.Cost({2, 4}, 4), costs.PlainCost(4));
 }
 
 TEST(LinkCostsTest, MarginCostsTheMaximumTimesTheLength) {
-  const CLinkCosts costs = ComputeLinkCosts(RandomPicture(10, 9, 1));
+  const CLinkCosts costs = ComputeLinkCosts(RandomTopDownImage(10, 9, 1));
   for (const CPixelPosition p : {CPixelPosition{0, 0}, {1, 4}, {8, 4}, {5, 1}, {5, 7}, {9, 8}}) {
     for (int link = 0; link < kLinkCount; ++link) {
       const double length = link % 2 == 0 ? 1 / std::numbers::sqrt2 : 1;
@@ -141,7 +141,7 @@ TEST(LinkCostsTest, UniformPictureCostsTheSameEverywhere) {
 
 TEST(LinkCostsTest, PictureWithoutAnInsideIsUniform) {
   for (const auto& [width, height] : {std::pair{1, 1}, {4, 9}, {9, 4}, {1, 20}, {3, 2}}) {
-    const CLinkCosts costs = ComputeLinkCosts(RandomPicture(width, height, 2));
+    const CLinkCosts costs = ComputeLinkCosts(RandomTopDownImage(width, height, 2));
     EXPECT_EQ(costs.Cost({0, 0}, 0), costs.PlainCost(0));
     EXPECT_EQ(costs.m_fMaximum, 1.0F);
   }

@@ -117,7 +117,7 @@ class MinimumPathTreeTest : public ::testing::Test {
 }  // namespace
 
 TEST_F(MinimumPathTreeTest, PathsAddUpToTheirCosts) {
-  const CLinkCosts costs = ComputeLinkCosts(RandomPicture(25, 22, 8));
+  const CLinkCosts costs = ComputeLinkCosts(RandomTopDownImage(25, 22, 8));
   const CMinimumPathTree tree = CompleteTree(costs, {4, 9});
   ForEachPixel(costs, [&](CPixelPosition p) {
     const auto previous = tree.Previous(p);
@@ -132,7 +132,7 @@ TEST_F(MinimumPathTreeTest, PathsAddUpToTheirCosts) {
 TEST_F(MinimumPathTreeTest, TiesFallAsInTheDescribedHeap) {
   for (const int levels : {2, 3, 256}) {
     for (unsigned seed = 0; seed < 6; ++seed) {
-      const CLinkCosts costs = ComputeLinkCosts(RandomPicture(31, 24, seed, levels));
+      const CLinkCosts costs = ComputeLinkCosts(RandomTopDownImage(31, 24, seed, levels));
       const CPixelPosition start{static_cast<int>(5 * seed), static_cast<int>(4 * seed)};
       const CPlainTree plain(costs, start);
       const CMinimumPathTree tree = CompleteTree(costs, start);
@@ -148,7 +148,7 @@ TEST_F(MinimumPathTreeTest, TiesFallAsInTheDescribedHeap) {
 }
 
 TEST_F(MinimumPathTreeTest, PixelsAreExpandedInTheOrderOfTheDescribedHeap) {
-  const CLinkCosts costs = ComputeLinkCosts(RandomPicture(18, 15, 1, 2));
+  const CLinkCosts costs = ComputeLinkCosts(RandomTopDownImage(18, 15, 1, 2));
   const CPlainTree plain(costs, {3, 2});
   CMinimumPathTree tree(costs);
   tree.Start({3, 2}, PixelCount(costs));
@@ -162,7 +162,7 @@ TEST_F(MinimumPathTreeTest, PixelsAreExpandedInTheOrderOfTheDescribedHeap) {
 }
 
 TEST_F(MinimumPathTreeTest, SlicesGrowTheSameTree) {
-  const CLinkCosts costs = ComputeLinkCosts(RandomPicture(40, 30, 4, 3));
+  const CLinkCosts costs = ComputeLinkCosts(RandomTopDownImage(40, 30, 4, 3));
   CMinimumPathTree tree(costs);
   tree.Start({7, 7}, PixelCount(costs));
   for (std::size_t slice = 1; !tree.IsComplete(); slice = slice % 7 + 1) tree.Advance(slice);
@@ -170,7 +170,7 @@ TEST_F(MinimumPathTreeTest, SlicesGrowTheSameTree) {
 }
 
 TEST_F(MinimumPathTreeTest, SecondTreeForgetsTheFirst) {
-  const CLinkCosts costs = ComputeLinkCosts(RandomPicture(16, 16, 4));
+  const CLinkCosts costs = ComputeLinkCosts(RandomTopDownImage(16, 16, 4));
   CMinimumPathTree tree(costs);
   tree.Start({2, 3}, PixelCount(costs));
   tree.Advance(100);
@@ -182,7 +182,7 @@ TEST_F(MinimumPathTreeTest, SecondTreeForgetsTheFirst) {
 }
 
 TEST_F(MinimumPathTreeTest, CompleteTreeNamesItsSizeOnce) {
-  const CLinkCosts costs = ComputeLinkCosts(RandomPicture(12, 10, 4));
+  const CLinkCosts costs = ComputeLinkCosts(RandomTopDownImage(12, 10, 4));
   CMinimumPathTree tree(costs);
   tree.Start({2, 3}, 120);
   tree.Advance(119);
@@ -195,7 +195,7 @@ TEST_F(MinimumPathTreeTest, CompleteTreeNamesItsSizeOnce) {
 }
 
 TEST_F(MinimumPathTreeTest, LimitEndsTheTree) {
-  const CLinkCosts costs = ComputeLinkCosts(RandomPicture(12, 10, 4));
+  const CLinkCosts costs = ComputeLinkCosts(RandomTopDownImage(12, 10, 4));
   CMinimumPathTree tree(costs);
   tree.Start({2, 3}, 30);
   tree.Advance(1000);
@@ -207,7 +207,7 @@ TEST_F(MinimumPathTreeTest, LimitEndsTheTree) {
 }
 
 TEST_F(MinimumPathTreeTest, AdvanceToEndsWithThePixel) {
-  const CLinkCosts costs = ComputeLinkCosts(RandomPicture(30, 30, 4));
+  const CLinkCosts costs = ComputeLinkCosts(RandomTopDownImage(30, 30, 4));
   CMinimumPathTree tree(costs);
   tree.Start({2, 3}, PixelCount(costs));
   tree.AdvanceTo({12, 12});
@@ -220,7 +220,7 @@ TEST_F(MinimumPathTreeTest, AdvanceToEndsWithThePixel) {
 }
 
 TEST_F(MinimumPathTreeTest, AdvanceToStopsAtTheLimit) {
-  const CLinkCosts costs = ComputeLinkCosts(RandomPicture(30, 30, 4));
+  const CLinkCosts costs = ComputeLinkCosts(RandomTopDownImage(30, 30, 4));
   CMinimumPathTree tree(costs);
   tree.Start({2, 3}, 10);
   tree.AdvanceTo({25, 25});
@@ -238,7 +238,7 @@ TEST_F(MinimumPathTreeTest, TreeWithoutASeedHasNothingToDo) {
 }
 
 TEST_F(MinimumPathTreeTest, SeedsInTheCornersReachEveryPixel) {
-  const CLinkCosts costs = ComputeLinkCosts(RandomPicture(11, 9, 6));
+  const CLinkCosts costs = ComputeLinkCosts(RandomTopDownImage(11, 9, 6));
   for (const CPixelPosition seed : {CPixelPosition{0, 0}, {10, 0}, {0, 8}, {10, 8}, {1, 1}}) {
     const CMinimumPathTree tree = CompleteTree(costs, seed);
     EXPECT_EQ(tree.ExpandedCount(), 99U);

@@ -23,7 +23,7 @@ class ScissorsToolTest : public ::testing::Test {
   }
 
   ConsoleCapture m_Console;
-  CScissorsTool m_Tool{RandomPicture(30, 20, 1)};
+  CScissorsTool m_Tool{RandomTopDownImage(30, 20, 1)};
   CPixelViewport m_View{30, 20};
 };
 
@@ -173,7 +173,7 @@ TEST_F(ScissorsToolTest, NothingIsBuiltWithoutAContour) {
 }
 
 TEST_F(ScissorsToolTest, StatusNamesPlaceAndColour) {
-  CScissorsTool tool(PictureOf(5, 5, [](int x, int y) { return std::array{10 * x, 20 * y, 7}; }));
+  CScissorsTool tool(TopDownImageOf(5, 5, [](int x, int y) { return std::array{10 * x, 20 * y, 7}; }));
   EXPECT_EQ(tool.StatusText(31, 42, CPixelPosition{2, 4}), "x = 31 y = 42 r = 20 g = 80 b = 7");
   EXPECT_EQ(tool.StatusText(-3, 500, std::nullopt), "x = -3 y = 500 r = 212 g = 208 b = 200");
 }

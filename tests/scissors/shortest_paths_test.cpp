@@ -94,7 +94,7 @@ class ShortestPathsTest : public ::testing::Test {
 TEST_F(ShortestPathsTest, TreeHasTheCostsOfDijkstraOnRandomPictures) {
   for (unsigned seed = 0; seed < 12; ++seed) {
     const int width = 20 + static_cast<int>(seed);
-    const CTopDownImage picture = RandomPicture(width, 17, seed, 2 + static_cast<int>(seed) * 20);
+    const CTopDownImage picture = RandomTopDownImage(width, 17, seed, 2 + static_cast<int>(seed) * 20);
     EXPECT_EQ(CountDifferences(picture, {static_cast<int>(seed), static_cast<int>(seed)}), 0U) << seed;
   }
 }

@@ -12,7 +12,7 @@
 
 /// A picture whose colours are `colour(column, row)`.
 template <typename Colour>
-CTopDownImage PictureOf(int width, int height, Colour&& colour) {
+CTopDownImage TopDownImageOf(int width, int height, Colour&& colour) {
   CTopDownImage image{width, height, {}};
   for (int row = 0; row < height; ++row) {
     for (int column = 0; column < width; ++column) {
@@ -24,19 +24,19 @@ CTopDownImage PictureOf(int width, int height, Colour&& colour) {
 }
 
 inline CTopDownImage GreyPicture(int width, int height, int grey = 90) {
-  return PictureOf(width, height, [grey](int, int) { return std::array{grey, grey, grey}; });
+  return TopDownImageOf(width, height, [grey](int, int) { return std::array{grey, grey, grey}; });
 }
 
 /// Few levels make many paths of equal cost.
-inline CTopDownImage RandomPicture(int width, int height, unsigned seed, int levels = 256) {
+inline CTopDownImage RandomTopDownImage(int width, int height, unsigned seed, int levels = 256) {
   std::mt19937 engine(seed);
   const auto value = [&] { return static_cast<int>(engine() % static_cast<unsigned>(levels)) * (255 / (levels - 1)); };
-  return PictureOf(width, height, [&](int, int) { return std::array{value(), value(), value()}; });
+  return TopDownImageOf(width, height, [&](int, int) { return std::array{value(), value(), value()}; });
 }
 
 /// Black left of `column`, white from there on.
 inline CTopDownImage StepPicture(int width, int height, int column) {
-  return PictureOf(width, height, [column](int x, int) {
+  return TopDownImageOf(width, height, [column](int x, int) {
     const int grey = x < column ? 0 : 255;
     return std::array{grey, grey, grey};
   });

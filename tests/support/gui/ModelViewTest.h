@@ -21,7 +21,7 @@
 #include "ui/seams/ViewHost.h"
 
 /// A window around a view that counts what it is asked for.
-class CRecordingViewHost : public ViewHost {
+class CModelViewHost : public ViewHost {
  public:
   void PauseSolverForCommand() override { ++m_iPauses; }
   void ResumeAfterCommand() override { ++m_iResumptions; }
@@ -129,7 +129,7 @@ class ModelViewTest : public ToolkitTest {
                    static_cast<int>(std::floor((y - camera.m_Centre.y) * scale + kSize / 2.0)));
   }
 
-  CRecordingViewHost m_Host;
+  CModelViewHost m_Host;
   CTextures m_Textures;
   Fl_Window m_Window{kSize, kSize};
   CGridView* m_pView = nullptr;  ///< owned by the window
