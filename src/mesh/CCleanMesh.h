@@ -42,7 +42,7 @@ class CCleanMesh {
   /// A vertex.
   struct CVertex {
     CMeshPlace m_Place;
-    double m_fZ;                            ///< model units
+    double m_fZ = 0.0;                      ///< model units
     CSurfaceMesh::CTexturePoint m_Picture;  ///< what it shows of the picture
   };
 

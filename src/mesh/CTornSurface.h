@@ -18,12 +18,12 @@ class CTornSurface {
   /// A cut side with the surface to its left and to its right as one looks from `m_uFrom` to `m_uTo` (vertices): the
   /// copies at both ends on either side.
   struct CCutSide {
-    std::uint32_t m_uLeft;   ///< triangle
-    std::uint32_t m_uRight;  ///< triangle
-    std::uint32_t m_uFrom;
-    std::uint32_t m_uTo;
-    std::array<std::uint32_t, 2> m_auLeft;   ///< copies at the beginning and at the end
-    std::array<std::uint32_t, 2> m_auRight;  ///< copies at the beginning and at the end
+    std::uint32_t m_uLeft = 0;   ///< triangle
+    std::uint32_t m_uRight = 0;  ///< triangle
+    std::uint32_t m_uFrom = 0;
+    std::uint32_t m_uTo = 0;
+    std::array<std::uint32_t, 2> m_auLeft{};   ///< copies at the beginning and at the end
+    std::array<std::uint32_t, 2> m_auRight{};  ///< copies at the beginning and at the end
   };
 
   /// `heights` by copy. `scale` is what heights are multiplied by when they are written as floats.

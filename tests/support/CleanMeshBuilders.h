@@ -72,8 +72,8 @@ class CMeshJudge {
   using CPoint = std::array<double, 2>;
   using CPlaceKey = std::array<std::int32_t, 2>;
   struct CSide {
-    std::uint32_t m_uFrom;
-    std::uint32_t m_uTo;
+    std::uint32_t m_uFrom = 0;
+    std::uint32_t m_uTo = 0;
   };
 
   /// The sum of the areas over the number of cells; -1 where one is not positive.
@@ -177,7 +177,7 @@ inline std::vector<CTestTear> RandomTears(std::uint32_t seed, int cells) {
   std::vector<CTestTear> tears(1 + random() % 4);
   for (CTestTear& tear : tears) {
     const std::size_t nodes = 2 + random() % 6;
-    const std::uint32_t kind = static_cast<std::uint32_t>(random() % 6);
+    const auto kind = static_cast<std::uint32_t>(random() % 6);
     for (std::size_t k = 0; k < nodes; ++k) {
       std::array<double, 2> node{anywhere(random), anywhere(random)};
       // On lattice points, on centres and midpoints, next to them.
