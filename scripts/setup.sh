@@ -7,8 +7,8 @@ packages_for() {
   printf '%s\n' cmake g++ ninja-build libcli11-dev libegl-dev libfltk1.3-dev libgl-dev libglu1-mesa-dev libheif-dev libjpeg62-turbo-dev liblcms2-dev libpng-dev libtiff-dev libwebp-dev libzip-dev nlohmann-json3-dev
   printf '%s\n' libgl1-mesa-dri fonts-dejavu-core x11-utils
   if [[ $1 != run ]]; then
-    printf '%s\n' clang-format-14 libbenchmark-dev libboost-dev libcoin-dev libeigen3-dev libgtest-dev librapidcheck-dev libx11-dev
-    printf '%s\n' imagemagick openbox xclip xdotool xvfb
+    printf '%s\n' clang-format-14 libbenchmark-dev libboost-dev libcoin-dev libeigen3-dev libgtest-dev librapidcheck-dev libtinygltf-dev libtinyobjloader-dev libx11-dev
+    printf '%s\n' admesh imagemagick openbox xclip xdotool xvfb
     # To judge what desktops and package managers read.
     printf '%s\n' appstream desktop-file-utils dpkg-dev libglib2.0-bin librsvg2-bin libxml2-utils lintian man-db shared-mime-info
   fi

@@ -1,0 +1,64 @@
+#include "formats/PlyFile.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstring>
+#include <iterator>
+
+#include "base/NumberText.h"
+
+namespace {
+
+static_assert(std::endian::native == std::endian::little, "the format's numbers are copied as they are in memory");
+
+std::string Header(const CFileMesh& mesh, bool colours) {
+  std::string text = "ply\nformat binary_little_endian 1.0\ncomment made by relievo\n";
+  text += "comment middle " + ShortestText(mesh.m_afMiddle[0]) + ' ' + ShortestText(mesh.m_afMiddle[1]) +
+          "\ncomment scale " + ShortestText(mesh.m_fScale) + '\n';
+  text += "element vertex " + std::to_string(mesh.m_aPositions.size()) + '\n';
+  for (const char* name : {"x", "y", "z", "nx", "ny", "nz", "s", "t"})
+    text += std::string("property float ") + name + '\n';
+  if (colours) text += "property uchar red\nproperty uchar green\nproperty uchar blue\n";
+  text += "element face " + std::to_string(mesh.m_aTriangles.size()) +
+          "\nproperty list uchar int vertex_indices\nend_header\n";
+  return text;
+}
+
+// The pixel at a place from 0 to 1 along a side of so many.
+std::size_t PixelAt(float place, int side) {
+  return static_cast<std::size_t>(std::clamp(static_cast<int>(place * static_cast<float>(side)), 0, side - 1));
+}
+
+template <typename Row>
+char* Put(const Row& row, char* out) {
+  std::memcpy(out, row.data(), sizeof(row));
+  return out + sizeof(row);
+}
+
+}  // namespace
+
+std::string PlyOf(const CFileMesh& mesh, const CPicture& picture, UpAxis up) {
+  constexpr std::size_t kNumbers = 8 * sizeof(float);
+  constexpr std::size_t kFace = 1 + 3 * sizeof(std::uint32_t);
+  const bool colours = !picture.m_aPixels.empty();
+  std::string bytes = Header(mesh, colours);
+  const std::size_t begin = bytes.size();
+  bytes.resize(begin + mesh.m_aPositions.size() * (kNumbers + (colours ? 3 : 0)) + mesh.m_aTriangles.size() * kFace);
+  char* out = bytes.data() + begin;
+  for (std::size_t v = 0; v < mesh.m_aPositions.size(); ++v) {
+    out = Put(Turned(mesh.m_aPositions[v], up), out);
+    out = Put(Turned(mesh.m_aNormals[v], up), out);
+    const std::array<float, 2>& place = mesh.m_aPicturePlaces[v];
+    out = Put(place, out);
+    if (!colours) continue;
+    const std::size_t pixel = PixelAt(place[1], picture.m_iHeight) * static_cast<std::size_t>(picture.m_iWidth) +
+                              PixelAt(place[0], picture.m_iWidth);
+    out = std::copy_n(&picture.m_aPixels[3 * pixel], 3, out);
+  }
+  for (const std::array<std::uint32_t, 3>& triangle : mesh.m_aTriangles) {
+    *out++ = 3;
+    out = Put(triangle, out);
+  }
+  return bytes;
+}

@@ -1,0 +1,348 @@
+// Meshes in files, as readers that are not this program see them.
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <tiny_gltf.h>
+#include <tiny_obj_loader.h>
+
+#include "formats/GlbFile.h"
+#include "formats/ObjFile.h"
+#include "formats/PlyFile.h"
+#include "formats/PngBytes.h"
+#include "formats/StlFile.h"
+#include "support/BmpBuilders.h"
+#include "support/CTemporaryDirectory.h"
+#include "support/FileBuilders.h"
+#include "support/ProgramRun.h"
+
+namespace {
+
+using CPoint = std::array<float, 3>;
+
+// A roof over a rectangle of 4 by 2: its ridge runs up the picture.
+CFileMesh Roof() {
+  const float s = std::sqrt(0.5F);
+  CFileMesh mesh;
+  mesh.m_aPositions = {{-2, -1, 0}, {0, -1, 2}, {2, -1, 0}, {-2, 1, 0}, {0, 1, 2}, {2, 1, 0}};
+  mesh.m_aNormals = {{-s, 0, s}, {0, 0, 1}, {s, 0, s}, {-s, 0, s}, {0, 0, 1}, {s, 0, s}};
+  mesh.m_aPicturePlaces = {{0, 0}, {0.5, 0}, {1, 0}, {0, 1}, {0.5, 1}, {1, 1}};
+  mesh.m_aTriangles = {{0, 1, 3}, {1, 4, 3}, {1, 2, 4}, {2, 5, 4}};
+  mesh.m_afMiddle = {10.5, -3};
+  mesh.m_fScale = 0.25;
+  return mesh;
+}
+
+// Red, green, blue, white from the lower left corner on, in rows.
+CPicture FourColours() { return {2, 2, {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255}}; }
+
+// With the third coordinate upwards; a format that has the second one upwards mirrors the third.
+CPoint Upright(const CPoint& p) { return {p[0], p[2], -p[1]}; }
+
+}  // namespace
+
+// Binary glTF.
+
+namespace {
+
+struct CReadGlb {
+  tinygltf::Model m_Model;
+  std::string m_Trouble;
+};
+CReadGlb ReadGlb(const std::string& bytes) {
+  CReadGlb read;
+  tinygltf::TinyGLTF reader;
+  std::string warning;
+  const bool good = reader.LoadBinaryFromMemory(&read.m_Model, &read.m_Trouble, &warning,
+                                                reinterpret_cast<const unsigned char*>(bytes.data()),
+                                                static_cast<unsigned>(bytes.size()), "", tinygltf::REQUIRE_ALL);
+  read.m_Trouble += warning;
+  if (!good && read.m_Trouble.empty()) read.m_Trouble = "not read";
+  return read;
+}
+
+// The numbers of an accessor, one after the other.
+template <typename Number>
+std::vector<Number> NumbersOf(const tinygltf::Model& model, int accessor, std::size_t perRow) {
+  const tinygltf::Accessor& a = model.accessors.at(static_cast<std::size_t>(accessor));
+  const tinygltf::BufferView& view = model.bufferViews.at(static_cast<std::size_t>(a.bufferView));
+  std::vector<Number> numbers(a.count * perRow);
+  std::memcpy(numbers.data(), &model.buffers.at(0).data.at(view.byteOffset + a.byteOffset),
+              numbers.size() * sizeof(Number));
+  return numbers;
+}
+
+}  // namespace
+
+TEST(GlbTest, HoldsTheMeshWithTheHeightUpwards) {
+  const CFileMesh mesh = Roof();
+  const CReadGlb read = ReadGlb(*GlbOf(mesh, {}, "roof"));
+  ASSERT_EQ(read.m_Trouble, "");
+  const tinygltf::Primitive& surface = read.m_Model.meshes.at(0).primitives.at(0);
+  const auto positions = NumbersOf<float>(read.m_Model, surface.attributes.at("POSITION"), 3);
+  const auto normals = NumbersOf<float>(read.m_Model, surface.attributes.at("NORMAL"), 3);
+  const auto places = NumbersOf<float>(read.m_Model, surface.attributes.at("TEXCOORD_0"), 2);
+  ASSERT_EQ(positions.size(), 3 * mesh.m_aPositions.size());
+  for (std::size_t v = 0; v < mesh.m_aPositions.size(); ++v) {
+    EXPECT_EQ((CPoint{positions[3 * v], positions[3 * v + 1], positions[3 * v + 2]}), Upright(mesh.m_aPositions[v]));
+    EXPECT_EQ((CPoint{normals[3 * v], normals[3 * v + 1], normals[3 * v + 2]}), Upright(mesh.m_aNormals[v]));
+    EXPECT_EQ(places[2 * v], mesh.m_aPicturePlaces[v][0]);
+    EXPECT_EQ(places[2 * v + 1], 1 - mesh.m_aPicturePlaces[v][1]) << "rows of pictures run from the top";
+  }
+  const auto indices = NumbersOf<std::uint32_t>(read.m_Model, surface.indices, 1);
+  EXPECT_EQ(indices, (std::vector<std::uint32_t>{0, 1, 3, 1, 4, 3, 1, 2, 4, 2, 5, 4}));
+  EXPECT_EQ(surface.mode, TINYGLTF_MODE_TRIANGLES);
+  EXPECT_EQ(read.m_Model.nodes.at(0).name, "roof");
+  EXPECT_EQ(read.m_Model.nodes.at(0).extras.Get("middle").Get(0).GetNumberAsDouble(), 10.5);
+  EXPECT_EQ(read.m_Model.nodes.at(0).extras.Get("scale").GetNumberAsDouble(), 0.25);
+}
+
+TEST(GlbTest, WithoutAPictureHasNoImage) {
+  const CReadGlb read = ReadGlb(*GlbOf(Roof(), {}, "roof"));
+  EXPECT_TRUE(read.m_Model.images.empty() && read.m_Model.textures.empty() && read.m_Model.samplers.empty());
+  EXPECT_EQ(read.m_Model.materials.at(0).pbrMetallicRoughness.baseColorTexture.index, -1);
+  EXPECT_TRUE(read.m_Model.materials.at(0).doubleSided);
+}
+
+TEST(GlbTest, CarriesThePicturesOwnBytes) {
+  const std::string png = PngOf(FourColours());
+  const CReadGlb read = ReadGlb(*GlbOf(Roof(), {png, "image/png"}, "roof"));
+  ASSERT_EQ(read.m_Trouble, "");
+  const tinygltf::Image& image = read.m_Model.images.at(0);
+  EXPECT_EQ(image.width, 2);
+  EXPECT_EQ(image.mimeType, "image/png");
+  EXPECT_EQ(image.image.at(0), 0) << "the top left pixel is blue";
+  EXPECT_EQ(image.image.at(2), 255);
+  const tinygltf::BufferView& view = read.m_Model.bufferViews.at(static_cast<std::size_t>(image.bufferView));
+  const std::vector<unsigned char>& buffer = read.m_Model.buffers.at(0).data;
+  EXPECT_EQ(view.byteLength, png.size());
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(&buffer.at(view.byteOffset)), png.size()), png);
+  const tinygltf::Material& material = read.m_Model.materials.at(0);
+  EXPECT_EQ(read.m_Model.textures.at(0).source, 0);
+  EXPECT_EQ(material.pbrMetallicRoughness.baseColorTexture.index, 0);
+  EXPECT_EQ(material.pbrMetallicRoughness.metallicFactor, 0);
+  EXPECT_EQ(read.m_Model.samplers.at(0).wrapS, TINYGLTF_TEXTURE_WRAP_CLAMP_TO_EDGE);
+  EXPECT_EQ(read.m_Model.samplers.at(0).wrapT, TINYGLTF_TEXTURE_WRAP_CLAMP_TO_EDGE);
+}
+
+// What the format asks of every file, beyond what a reader needs.
+TEST(GlbTest, KeepsTheRulesOfTheFormat) {
+  for (const std::size_t extra : {0U, 1U, 2U, 3U}) {
+    std::string picture = PngOf(FourColours());
+    picture.append(extra, '\0');
+    const std::string bytes = *GlbOf(Roof(), {picture, "image/png"},
+                                     std::string("r\xC3\xB6"
+                                                 "f\xFF") +
+                                         std::string(extra, 'x'));
+    const auto number = [&bytes](std::size_t at) {
+      std::uint32_t value = 0;
+      std::memcpy(&value, &bytes.at(at), sizeof(value));
+      return value;
+    };
+    EXPECT_EQ(bytes.substr(0, 4), "glTF");
+    EXPECT_EQ(number(4), 2U);
+    EXPECT_EQ(number(8), bytes.size());
+    const std::uint32_t text = number(12);
+    EXPECT_EQ(text % 4, 0U);
+    EXPECT_EQ(bytes.substr(16, 4), "JSON");
+    const std::uint32_t binary = number(20 + text);
+    EXPECT_EQ(binary % 4, 0U);
+    EXPECT_EQ(bytes.substr(24 + text, 4), std::string("BIN\0", 4));
+    EXPECT_EQ(28 + text + binary, bytes.size());
+    const CReadGlb read = ReadGlb(bytes);
+    ASSERT_EQ(read.m_Trouble, "");
+    EXPECT_TRUE(
+        read.m_Model.nodes.at(0).name.starts_with("r\xC3\xB6"
+                                                  "f\xEF\xBF\xBD"))
+        << "always UTF-8";
+    EXPECT_EQ(read.m_Model.buffers.at(0).data.size(), binary);
+    EXPECT_TRUE(read.m_Model.buffers.at(0).uri.empty());
+    for (const tinygltf::BufferView& view : read.m_Model.bufferViews) {
+      EXPECT_EQ(view.byteOffset % 4, 0U);
+      EXPECT_LE(view.byteOffset + view.byteLength, binary);
+      EXPECT_EQ(view.byteStride, 0U) << "packed";
+    }
+    const tinygltf::Accessor& positions = read.m_Model.accessors.at(0);
+    EXPECT_EQ(positions.minValues, (std::vector<double>{-2, 0, -1}));
+    EXPECT_EQ(positions.maxValues, (std::vector<double>{2, 2, 1}));
+  }
+}
+
+// OBJ.
+
+namespace {
+
+struct CReadObj {
+  tinyobj::attrib_t m_Attributes;
+  std::vector<tinyobj::shape_t> m_Shapes;
+  std::vector<tinyobj::material_t> m_Materials;
+  std::string m_Trouble;
+};
+CReadObj ReadObj(const CObjTexts& texts) {
+  CReadObj read;
+  std::istringstream model(texts.m_Model);
+  std::istringstream material(texts.m_Material);
+  tinyobj::MaterialStreamReader materials(material);
+  std::string warning;
+  const bool good = tinyobj::LoadObj(&read.m_Attributes, &read.m_Shapes, &read.m_Materials, &warning, &read.m_Trouble,
+                                     &model, &materials, false);
+  read.m_Trouble += warning;
+  if (!good && read.m_Trouble.empty()) read.m_Trouble = "not read";
+  return read;
+}
+
+}  // namespace
+
+TEST(ObjTest, HoldsTheMeshInEitherDirection) {
+  const CFileMesh mesh = Roof();
+  for (const UpAxis up : {UpAxis::Y, UpAxis::Z}) {
+    const CReadObj read = ReadObj(ObjOf(mesh, "roof.mtl", "roof.jpg", up));
+    ASSERT_EQ(read.m_Trouble, "");
+    ASSERT_EQ(read.m_Attributes.vertices.size(), 3 * mesh.m_aPositions.size());
+    for (std::size_t v = 0; v < mesh.m_aPositions.size(); ++v) {
+      const std::vector<float>& p = read.m_Attributes.vertices;
+      const std::vector<float>& n = read.m_Attributes.normals;
+      const bool turned = up == UpAxis::Y;
+      EXPECT_EQ((CPoint{p[3 * v], p[3 * v + 1], p[3 * v + 2]}),
+                turned ? Upright(mesh.m_aPositions[v]) : mesh.m_aPositions[v]);
+      EXPECT_EQ((CPoint{n[3 * v], n[3 * v + 1], n[3 * v + 2]}),
+                turned ? Upright(mesh.m_aNormals[v]) : mesh.m_aNormals[v]);
+      EXPECT_EQ(read.m_Attributes.texcoords[2 * v], mesh.m_aPicturePlaces[v][0]);
+      EXPECT_EQ(read.m_Attributes.texcoords[2 * v + 1], mesh.m_aPicturePlaces[v][1]);
+    }
+    std::vector<int> indices;
+    for (const tinyobj::index_t& index : read.m_Shapes.at(0).mesh.indices) {
+      indices.push_back(index.vertex_index);
+      EXPECT_EQ(index.texcoord_index, index.vertex_index);
+      EXPECT_EQ(index.normal_index, index.vertex_index);
+    }
+    EXPECT_EQ(indices, (std::vector<int>{0, 1, 3, 1, 4, 3, 1, 2, 4, 2, 5, 4}));
+    EXPECT_EQ(read.m_Materials.at(0).diffuse_texname, "roof.jpg");
+    EXPECT_EQ(read.m_Materials.at(0).diffuse[1], 1);
+  }
+}
+
+TEST(ObjTest, NamesItsMaterialAndWithoutAPictureNoImage) {
+  const CObjTexts texts = ObjOf(Roof(),
+                                "d\xC3\xA4"
+                                "ch.mtl",
+                                "", UpAxis::Y);
+  EXPECT_NE(texts.m_Model.find("\nmtllib d\xC3\xA4"
+                               "ch.mtl\n"),
+            std::string::npos);
+  EXPECT_NE(texts.m_Model.find("# middle 10.5 -3\n# scale 0.25\n"), std::string::npos);
+  EXPECT_EQ(ReadObj(texts).m_Materials.at(0).diffuse_texname, "");
+}
+
+TEST(ObjTest, KeepsEveryBitOfItsNumbers) {
+  CFileMesh mesh = Roof();
+  mesh.m_aPositions[0] = {1.0F / 3, 1e-30F, -16777215.0F};
+  const CReadObj read = ReadObj(ObjOf(mesh, "m", "", UpAxis::Z));
+  for (std::size_t k = 0; k < 3; ++k) EXPECT_FLOAT_EQ(read.m_Attributes.vertices[k], mesh.m_aPositions[0][k]);
+}
+
+// PLY, read by a dozen lines.
+
+namespace {
+
+template <typename Value>
+Value Take(const std::string& bytes, std::size_t& at) {
+  Value value{};
+  std::memcpy(&value, bytes.data() + at, sizeof(value));
+  at += sizeof(value);
+  return value;
+}
+
+}  // namespace
+
+TEST(PlyTest, HoldsTheMeshWithItsColours) {
+  const CFileMesh mesh = Roof();
+  const std::string bytes = PlyOf(mesh, FourColours(), UpAxis::Z);
+  std::size_t at = bytes.find("end_header\n") + 11;
+  EXPECT_EQ(
+      bytes.substr(0, at),
+      "ply\nformat binary_little_endian 1.0\ncomment made by relievo\ncomment middle 10.5 -3\ncomment scale 0.25\n"
+      "element vertex 6\nproperty float x\nproperty float y\nproperty float z\nproperty float nx\nproperty float ny\n"
+      "property float nz\nproperty float s\nproperty float t\nproperty uchar red\nproperty uchar green\nproperty uchar "
+      "blue\nelement face 4\nproperty list uchar int vertex_indices\nend_header\n");
+  using Bytes = std::array<std::uint8_t, 3>;
+  // The middle of the picture belongs to its right half.
+  const std::array<Bytes, 6> colours{Bytes{255, 0, 0}, {0, 255, 0},     {0, 255, 0},
+                                     {0, 0, 255},      {255, 255, 255}, {255, 255, 255}};
+  for (std::size_t v = 0; v < mesh.m_aPositions.size(); ++v) {
+    EXPECT_EQ(Take<CPoint>(bytes, at), mesh.m_aPositions[v]);
+    EXPECT_EQ(Take<CPoint>(bytes, at), mesh.m_aNormals[v]);
+    EXPECT_EQ((Take<std::array<float, 2>>(bytes, at)), mesh.m_aPicturePlaces[v]);
+    EXPECT_EQ(Take<Bytes>(bytes, at), colours[v]);
+  }
+  for (const auto& triangle : mesh.m_aTriangles) {
+    EXPECT_EQ(Take<std::uint8_t>(bytes, at), 3);
+    EXPECT_EQ((Take<std::array<std::uint32_t, 3>>(bytes, at)), triangle);
+  }
+  EXPECT_EQ(at, bytes.size());
+}
+
+TEST(PlyTest, WithoutAPictureHasNoColours) {
+  const std::string bytes = PlyOf(Roof(), {}, UpAxis::Y);
+  EXPECT_EQ(bytes.find("uchar red"), std::string::npos);
+  std::size_t at = bytes.find("end_header\n") + 11;
+  EXPECT_EQ(bytes.size() - at, 6 * 32U + 4 * 13U);
+  EXPECT_EQ(Take<CPoint>(bytes, at), Upright(Roof().m_aPositions[0]));
+}
+
+// STL.
+
+namespace {
+
+// The roof closed to a solid.
+CFileMesh House() {
+  CFileMesh mesh = Roof();
+  mesh.m_aTriangles = {{0, 1, 3}, {1, 4, 3}, {1, 2, 4}, {2, 5, 4}, {0, 2, 1}, {3, 4, 5}, {0, 3, 2}, {2, 3, 5}};
+  return mesh;
+}
+
+// A text with one blank behind each word.
+std::string WordsOf(const std::string& text) {
+  std::istringstream in(text);
+  std::string words;
+  for (std::string word; in >> word;) words += word + ' ';
+  return words;
+}
+
+}  // namespace
+
+TEST(StlTest, IsAClosedSolidForAnotherProgram) {
+  const CTemporaryDirectory directory;
+  for (const UpAxis up : {UpAxis::Y, UpAxis::Z}) {
+    WriteText(directory.File("house.stl"), StlOf(House(), up));
+    ASSERT_EQ(RunIn(directory.Path(), "admesh house.stl"), 0);
+    const std::string report = WordsOf(BytesOf(directory.File("out")));
+    const auto says = [&report](const std::string& words) { return report.find(words) != std::string::npos; };
+    EXPECT_TRUE(says("Number of facets : 8 8 ")) << report;
+    EXPECT_TRUE(says("Total disconnected facets : 0 0 ")) << report;
+    EXPECT_TRUE(says("Number of parts : 1 Volume : 8.000000 ")) << report;
+    EXPECT_TRUE(
+        says("Degenerate facets : 0 Edges fixed : 0 Facets removed : 0 Facets added : 0 Facets reversed : 0 "
+             "Backwards edges : 0 Normals fixed : 0 "))
+        << report;
+    EXPECT_TRUE(says(up == UpAxis::Z ? "Max Z = 2.000000" : "Max Y = 2.000000")) << report;
+  }
+}
+
+TEST(StlTest, SaysNothingOfTheDirectionOfATriangleWithoutArea) {
+  CFileMesh mesh = Roof();
+  mesh.m_aTriangles = {{0, 0, 1}};
+  const std::string bytes = StlOf(mesh, UpAxis::Z);
+  std::size_t at = 84;
+  EXPECT_EQ(Take<CPoint>(bytes, at), (CPoint{0, 0, 0}));
+  EXPECT_EQ(bytes.size(), 84U + 50U);
+}
