@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <functional>
 #include <limits>
 #include <map>
 #include <string_view>
@@ -23,6 +24,8 @@ const std::map<std::string, WaveletMode> kModes{
     {"new", WaveletMode::New}, {"simple", WaveletMode::Simple}, {"no", WaveletMode::None}};
 const std::map<std::string, CBatchOptions::Report> kReports{{"json", CBatchOptions::Report::Json},
                                                             {"text", CBatchOptions::Report::Text}};
+const std::map<std::string, TearGap> kGaps{{"open", TearGap::Open}, {"wall", TearGap::Wall}};
+const std::map<std::string, UpAxis> kAxes{{"y", UpAxis::Y}, {"z", UpAxis::Z}};
 
 // Digits and nothing else, of a number that the type holds.
 template <typename Whole>
@@ -33,9 +36,9 @@ bool ReadNumber(std::string_view text, Whole& number) {
 }
 
 // Plain digits; above 0 and finite.
-bool ReadSeconds(std::string_view text, double& seconds) {
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
-  return error == std::errc() && end == text.data() + text.size() && std::isfinite(seconds) && seconds > 0;
+bool ReadPositive(std::string_view text, double& number) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size() && std::isfinite(number) && number > 0;
 }
 
 // "200x100"
@@ -84,7 +87,7 @@ void AddSolving(CLI::App& app, CBatchOptions& options) {
       ->default_str(std::to_string(options.m_iMaxIterations))
       ->excludes(iterations);
   const auto readSeconds = [&options](const std::string& text) {
-    if (!ReadSeconds(text, options.m_fMaxSeconds))
+    if (!ReadPositive(text, options.m_fMaxSeconds))
       throw CLI::ValidationError("--max-seconds", "a number above 0 is expected, not " + text);
   };
   app.add_option_function<std::string>("--max-seconds", readSeconds, "Bound of the time that solving may take")
@@ -123,6 +126,52 @@ void AddSetting(CLI::App& app, CWriteSettings& settings, WriteSetting setting, C
   }
 }
 
+void AddFactor(CLI::App& app, const std::string& name, const std::string& description,
+               const std::function<void(double)>& set, CLI::Option& output) {
+  const auto read = [name, set](const std::string& text) {
+    double value = 0;
+    if (!ReadPositive(text, value))
+      throw CLI::ValidationError(name, "a number above 0 is expected, not '" + text + "'");
+    set(value);
+  };
+  app.add_option_function<std::string>(name, read, description)->type_name("F")->needs(&output);
+}
+
+// What is wrong with the name of an export; empty where it tells the format.
+std::string UnknownFormat(const std::string& filename) {
+  if (ExportFormatOf(filename) != nullptr) return {};
+  std::string text = "the name of a file is expected that ends with";
+  for (const CExportFormat& format : ExportFormats())
+    text += std::string(&format == ExportFormats().data() ? " " : ", ") + format.m_pSuffix;
+  return text;
+}
+
+void AddExports(CLI::App& app, CBatchOptions& options) {
+  CExportSettings& settings = options.m_Exporting;
+  std::string formats = "Write the surface for other programs, in the format of the name:";
+  for (const CExportFormat& format : ExportFormats())
+    formats += std::string(" ") + format.m_pSuffix + " (" + format.m_pName + ')';
+  CLI::Option* output = app.add_option("--export", options.m_asExports, formats + ". May be given several times")
+                            ->type_name("FILE")
+                            ->check(UnknownFormat)
+                            ->expected(1)
+                            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  AddChoice(app, "--tears", settings.m_Gap, kGaps, "What lies between the sides of a tear: open (default) or wall")
+      ->needs(output);
+  app.add_option_function<std::string>(
+         "--up", [&settings](const std::string& text) { settings.m_Up = kAxes.at(text); },
+         "Axis that points up in .obj, .ply and .stl: y or z, instead of that of the format")
+      ->check(CLI::IsMember(kAxes))
+      ->needs(output);
+  const auto scale = [&settings](double value) { settings.m_fScale = value; };
+  AddFactor(app, "--scale", "Units of the file in a model unit (default 0.01 metres in a .glb, else 1)", scale,
+            *output);
+  const auto heights = [&settings](double value) { settings.m_fHeightScale = value; };
+  AddFactor(app, "--height-scale", "Factor for heights (default 1)", heights, *output);
+  const auto base = [&settings](double value) { settings.m_fBase = value; };
+  AddFactor(app, "--base", "Thickness of a solid below its lowest point, units of the file (default 2)", base, *output);
+}
+
 void AddOutputs(CLI::App& app, CBatchOptions& options) {
   for (std::size_t k = 0; k < ModelFormats().size(); ++k) {
     const CModelFormat& format = ModelFormats()[k];
@@ -130,6 +179,7 @@ void AddOutputs(CLI::App& app, CBatchOptions& options) {
                                   std::string("OUT") + format.m_pSuffix);
     AddSetting(app, options.m_Writing, format.m_Setting, *output);
   }
+  AddExports(app, options);
   AddChoice(app, "--report", options.m_Report, kReports, "Report on standard output: json or text");
   app.add_flag("--quiet", options.m_bQuiet, "No progress and no lines of the model on standard error");
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "formats/ModelFormats.h"
+#include "formats/SurfaceExport.h"
 #include "lattice/WaveletMode.h"
 
 /// What a run without a window is asked to do.
@@ -25,8 +26,10 @@ struct CBatchOptions {
   bool m_bHighRes = false;  ///< solve at the highest resolution, starting from the surface read
   /// The file to write in each of ModelFormats(); empty for none.
   std::vector<std::string> m_asOutputs = std::vector<std::string>(ModelFormats().size());
-  CWriteSettings m_Writing;   ///< for all of them
-  std::uint32_t m_uSeed = 1;  ///< of the random start
+  CWriteSettings m_Writing;              ///< for all of them
+  std::vector<std::string> m_asExports;  ///< files for other programs, each in the format of its suffix
+  CExportSettings m_Exporting;           ///< for all of them; the photograph comes later
+  std::uint32_t m_uSeed = 1;             ///< of the random start
   Report m_Report = Report::None;
   bool m_bQuiet = false;
 

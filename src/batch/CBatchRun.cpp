@@ -131,6 +131,12 @@ bool CBatchRun::WriteOutputs() {
     if (!m_Options.m_asOutputs[k].empty()) written = WriteOutput(k) && written;
     EndIfAsked();
   }
+  CExportSettings exporting = m_Options.m_Exporting;
+  exporting.m_pPhotograph = &m_Photograph;
+  for (const std::string& file : m_Options.m_asExports) {
+    written = IsSaved(ExportSurface(m_Grid, file, exporting)) && written;
+    EndIfAsked();
+  }
   return written;
 }
 

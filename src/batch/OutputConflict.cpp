@@ -41,6 +41,12 @@ std::vector<CNamedFile> OutputsOf(const CBatchOptions& options) {
     add(option, options.m_asOutputs[k]);
     add("the picture of " + option, options.PictureOf(k));
   }
+  for (const std::string& file : options.m_asExports) {
+    add("--export", file);
+    const CExportFormat* format = ExportFormatOf(file);
+    if (format->m_pCompanions == nullptr) continue;
+    for (const std::string& companion : format->m_pCompanions(file)) add("a file beside --export " + file, companion);
+  }
   return outputs;
 }
 

@@ -149,12 +149,17 @@ void CFileReplacement::Write(std::span<const unsigned char> bytes) {
   m_bFailed = m_bFailed || std::fwrite(bytes.data(), 1, bytes.size(), m_pFile.get()) != bytes.size();
 }
 
-bool CFileReplacement::Commit() {
+bool CFileReplacement::Complete() {
+  if (m_pFile == nullptr) return !m_bFailed && !m_Beside.empty();
   // What is still in the buffer may find the disk full. The contents must be on the disk before the name is: after a
   // loss of power there would be neither the old file nor the new one.
   m_bFailed = std::fflush(m_pFile.get()) != 0 || !Synchronise(fileno(m_pFile.get())) || m_bFailed;
   m_bFailed = std::fclose(m_pFile.release()) != 0 || m_bFailed;
-  if (m_bFailed) return false;
+  return !m_bFailed;
+}
+
+bool CFileReplacement::Commit() {
+  if (!Complete()) return false;
   std::optional<CBackup> old;
   if (m_bKeepsOld) old.emplace(m_Target);
   if (std::rename(m_Beside.c_str(), m_Target.c_str()) != 0) return false;

@@ -27,6 +27,9 @@ class CFileReplacement {
   bool IsOpen() const { return m_pFile != nullptr; }
   /// Appends bytes. A failure shows in `Commit`.
   void Write(std::span<const unsigned char> bytes);
+  /// Brings the contents on the disk, for files of which all or none are to be put in place. Nothing may be written
+  /// afterwards; false where anything went wrong.
+  bool Complete();
   /// Completes the file and puts it in place, and all of that on the disk; false, with the target as it was, where
   /// anything went wrong.
   bool Commit();

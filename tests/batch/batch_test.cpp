@@ -408,7 +408,7 @@ TEST_F(Batch, IsDescribedByItsManualPage) {
     ++options;
     EXPECT_NE(manual.find(word.substr(dashes, word.find_first_of(",:=", dashes) - dashes)), std::string::npos) << word;
   }
-  EXPECT_GE(options, 17);
+  EXPECT_GE(options, 23);
   for (const char* status : {"0", "1", "2", "3", "4", "5"})
     EXPECT_NE(manual.find(std::string(".TP\n.B ") + status + "\n"), std::string::npos) << status;
 }

@@ -1,0 +1,198 @@
+#include "formats/CleanFileMesh.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <limits>
+#include <map>
+#include <span>
+#include <utility>
+
+#include "model/CGrid.h"
+
+namespace {
+
+using CTriangle = std::array<std::uint32_t, 3>;
+using CPoint = std::array<float, 3>;
+
+CCleanMesh CleanMeshOf(const CGrid& grid, const CCleanMeshOptions& options) {
+  CSurfaceMesh mesh;
+  mesh.Build(grid.Surface().Tree());
+  return {grid.Surface().Tree(), mesh, grid.Constraints().Curves(), options};
+}
+
+std::vector<CTriangle> TrianglesOf(std::span<const std::uint32_t> corners) {
+  std::vector<CTriangle> triangles(corners.size() / 3);
+  for (std::size_t t = 0; t < triangles.size(); ++t)
+    triangles[t] = {corners[3 * t], corners[3 * t + 1], corners[3 * t + 2]};
+  return triangles;
+}
+
+CFileMesh EmptyMesh(const CGrid& grid, const CCleanMeshOptions& options) {
+  const CExtent& e = grid.Surface().Lattice().Extent();
+  CFileMesh mesh;
+  mesh.m_afMiddle = {0.5 * (e.x0 + e.x1), 0.5 * (e.y0 + e.y1)};
+  mesh.m_fScale = options.m_fScale;
+  return mesh;
+}
+
+// Twice the area of a triangle times its normal.
+Vector3 AreaOf(const CFileMesh& mesh, const CTriangle& triangle) {
+  const auto at = [&mesh](std::uint32_t v) {
+    const CPoint& p = mesh.m_aPositions[v];
+    return Vector3{p[0], p[1], p[2]};
+  };
+  const Vector3 first = at(triangle[0]);
+  return Cross(at(triangle[1]) - first, at(triangle[2]) - first);
+}
+
+CPoint Written(const Vector3& normal) {
+  return {static_cast<float>(normal.x), static_cast<float>(normal.y), static_cast<float>(normal.z)};
+}
+
+// Those of the triangles around each vertex, the larger ones counting more. Upwards where there is no triangle.
+void AddSmoothNormals(CFileMesh& mesh) {
+  std::vector<Vector3> sums(mesh.m_aPositions.size());
+  for (const CTriangle& triangle : mesh.m_aTriangles) {
+    const Vector3 area = AreaOf(mesh, triangle);
+    for (const std::uint32_t v : triangle) sums[v] += area;
+  }
+  mesh.m_aNormals.reserve(sums.size());
+  for (const Vector3& sum : sums)
+    mesh.m_aNormals.push_back(Length(sum) > 0 ? Written(Normalised(sum)) : CPoint{0, 0, 1});
+}
+
+// Each with corners of its own, so that the edge between surface and wall stays sharp.
+void AddWalls(std::span<const std::uint32_t> walls, CFileMesh& mesh) {
+  for (const CTriangle& wall : TrianglesOf(walls)) {
+    const Vector3 area = AreaOf(mesh, wall);
+    const CPoint normal = Length(area) > 0 ? Written(Normalised(area)) : CPoint{0, 0, 1};
+    const auto first = static_cast<std::uint32_t>(mesh.m_aPositions.size());
+    for (const std::uint32_t v : wall) {
+      const CPoint position = mesh.m_aPositions[v];
+      const std::array<float, 2> place = mesh.m_aPicturePlaces[v];
+      mesh.m_aPositions.push_back(position);
+      mesh.m_aPicturePlaces.push_back(place);
+      mesh.m_aNormals.push_back(normal);
+    }
+    mesh.m_aTriangles.push_back({first, first + 1, first + 2});
+  }
+}
+
+/// Adds the sides and the base of a solid to its upper surface.
+class CSolidCloser {
+ public:
+  CSolidCloser(CFileMesh& mesh, double base) : m_Mesh(mesh) {
+    float low = std::numeric_limits<float>::max();
+    for (const CPoint& p : mesh.m_aPositions) {
+      low = std::min(low, p[2]);
+      m_fX = std::max(m_fX, p[0]);
+      m_fY = std::max(m_fY, p[1]);
+    }
+    m_fBase = static_cast<float>(low - base);
+  }
+
+  /// `surface` are the triangles whose sides on the border are to be closed.
+  void Close(const std::vector<CTriangle>& surface) {
+    for (const CTriangle& triangle : surface) {
+      for (std::size_t k = 0; k < triangle.size(); ++k) {
+        if (IsOnBorder(triangle[k], triangle[(k + 1) % 3])) m_aBorder.emplace_back(triangle[k], triangle[(k + 1) % 3]);
+        // A piece between two tears may meet the border in one point.
+        if (IsOnBorder(triangle[k], triangle[k])) m_HeightsAt[PlaceOf(triangle[k])].push_back(HeightOf(triangle[k]));
+      }
+    }
+    const std::uint32_t middle = AddVertex({0, 0, m_fBase});
+    for (const auto& [from, to] : m_aBorder) AddSide(from, to, middle);
+  }
+
+ private:
+  using CPlace = std::pair<float, float>;
+
+  float HeightOf(std::uint32_t v) const { return m_Mesh.m_aPositions[v][2]; }
+  CPlace PlaceOf(std::uint32_t v) const { return {m_Mesh.m_aPositions[v][0], m_Mesh.m_aPositions[v][1]}; }
+  // The middle is 0, so that opposite sides have opposite coordinates.
+  bool IsOnBorder(std::uint32_t a, std::uint32_t b) const {
+    const auto [ax, ay] = PlaceOf(a);
+    const auto [bx, by] = PlaceOf(b);
+    return (ax == bx && std::abs(ax) == m_fX) || (ay == by && std::abs(ay) == m_fY);
+  }
+  std::uint32_t AddVertex(const CPoint& position) {
+    m_Mesh.m_aPositions.push_back(position);
+    return static_cast<std::uint32_t>(m_Mesh.m_aPositions.size() - 1);
+  }
+
+  // From a vertex down to the base, by way of all heights that its place has below it: a tear that ends there has walls
+  // between them.
+  std::vector<std::uint32_t> Chain(std::uint32_t v) {
+    const CPoint top = m_Mesh.m_aPositions[v];
+    std::vector<float> heights = m_HeightsAt[PlaceOf(v)];
+    std::ranges::sort(heights, std::greater());
+    heights.erase(std::unique(heights.begin(), heights.end()), heights.end());
+    std::vector<std::uint32_t> chain{v};
+    for (const float z : heights) {
+      if (z < top[2]) chain.push_back(AddVertex({top[0], top[1], z}));
+    }
+    chain.push_back(AddVertex({top[0], top[1], m_fBase}));
+    return chain;
+  }
+
+  // The wall below a side of the surface that runs along the border with the solid to its left, and its part of the
+  // base.
+  void AddSide(std::uint32_t from, std::uint32_t to, std::uint32_t middle) {
+    const std::vector<std::uint32_t> left = Chain(from);
+    const std::vector<std::uint32_t> right = Chain(to);
+    std::size_t i = 0;
+    std::size_t j = 0;
+    while (i + 1 < left.size() || j + 1 < right.size()) {
+      const bool leftNext =
+          j + 1 == right.size() || (i + 1 < left.size() && HeightOf(left[i + 1]) >= HeightOf(right[j + 1]));
+      if (leftNext) {
+        m_Mesh.m_aTriangles.push_back({right[j], left[i], left[i + 1]});
+        ++i;
+      } else {
+        m_Mesh.m_aTriangles.push_back({right[j], left[i], right[j + 1]});
+        ++j;
+      }
+    }
+    m_Mesh.m_aTriangles.push_back({middle, right[j], left[i]});
+  }
+
+  CFileMesh& m_Mesh;
+  float m_fX = 0;  ///< of the right side
+  float m_fY = 0;  ///< of the upper side
+  float m_fBase = 0;
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> m_aBorder;  ///< sides, counter-clockwise
+  std::map<CPlace, std::vector<float>> m_HeightsAt;                ///< of the vertices on the border
+};
+
+}  // namespace
+
+CFileMesh CleanFileMesh(const CGrid& grid, const CCleanMeshOptions& options) {
+  const CCleanMesh clean = CleanMeshOf(grid, options);
+  CFileMesh mesh = EmptyMesh(grid, options);
+  mesh.m_aPositions.reserve(clean.Vertices().size());
+  mesh.m_aPicturePlaces.reserve(clean.Vertices().size());
+  for (std::size_t v = 0; v < clean.Vertices().size(); ++v) {
+    const auto& [u, w] = clean.Vertices()[v].m_Picture;
+    mesh.m_aPositions.push_back(clean.Written(v));
+    mesh.m_aPicturePlaces.push_back({static_cast<float>(u), static_cast<float>(w)});
+  }
+  mesh.m_aTriangles = TrianglesOf(clean.Triangles());
+  AddSmoothNormals(mesh);
+  AddWalls(clean.Walls(), mesh);
+  return mesh;
+}
+
+CFileMesh CleanSolid(const CGrid& grid, const CCleanMeshOptions& options, double base) {
+  CCleanMeshOptions closed = options;
+  closed.m_Gap = TearGap::Wall;
+  const CCleanMesh clean = CleanMeshOf(grid, closed);
+  CFileMesh mesh = EmptyMesh(grid, options);
+  for (std::size_t v = 0; v < clean.Vertices().size(); ++v) mesh.m_aPositions.push_back(clean.Written(v));
+  const std::vector<CTriangle> surface = TrianglesOf(clean.Triangles());
+  mesh.m_aTriangles = surface;
+  const std::vector<CTriangle> walls = TrianglesOf(clean.Walls());
+  mesh.m_aTriangles.insert(mesh.m_aTriangles.end(), walls.begin(), walls.end());
+  CSolidCloser(mesh, base).Close(surface);
+  return mesh;
+}

@@ -1,0 +1,130 @@
+#include "formats/SurfaceExport.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <string_view>
+#include <utility>
+
+#include "formats/CleanFileMesh.h"
+#include "formats/GlbFile.h"
+#include "formats/JpegFile.h"
+#include "formats/ObjFile.h"
+#include "formats/PlyFile.h"
+#include "formats/PngBytes.h"
+#include "formats/StlFile.h"
+#include "io/SaveTogether.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The bytes that any other program shows as the photograph.
+CEncodedPicture Encoded(const CExportSettings& settings) {
+  if (settings.m_pPhotograph == nullptr || settings.m_pPhotograph->m_Picture.m_aPixels.empty()) return {};
+  if (settings.m_pPhotograph->m_pJpeg != nullptr) return {*settings.m_pPhotograph->m_pJpeg, "image/jpeg"};
+  // A picture too large for a JPEG is none for a PNG.
+  std::string jpeg = JpegOf(settings.m_pPhotograph->m_Picture);
+  if (!jpeg.empty()) return {std::move(jpeg), "image/jpeg"};
+  return {PngOf(settings.m_pPhotograph->m_Picture), "image/png"};
+}
+
+bool IsFinite(const CFileMesh& mesh) {
+  const auto isFinite = [](float coordinate) { return std::isfinite(coordinate); };
+  return std::ranges::all_of(mesh.m_aPositions, [&](const auto& p) { return std::ranges::all_of(p, isFinite); });
+}
+
+CSaveOutcome NotFinite(const std::string& filename) {
+  return {"The surface has coordinates that are no finite numbers. The file " + filename + " is not written."};
+}
+
+CCleanMeshOptions MeshOptions(const CExportSettings& settings) {
+  return {settings.m_Gap, settings.m_fScale.value_or(1), settings.m_fScale.value_or(1) * settings.m_fHeightScale};
+}
+
+CSaveOutcome WriteGlb(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
+  const CFileMesh mesh = CleanFileMesh(grid, MeshOptions(settings));
+  if (!IsFinite(mesh)) return NotFinite(filename);
+  std::optional<std::string> bytes = GlbOf(mesh, Encoded(settings), fs::path(filename).stem());
+  if (!bytes.has_value()) return {"The model is too large for the format. The file " + filename + " is not written."};
+  return SaveTogether(std::array{CNewFile{filename, std::move(*bytes)}});
+}
+
+// Other programs take a blank for the end of a name.
+std::string CompanionOf(const std::string& filename, const char* suffix) {
+  fs::path path(filename);
+  std::string stem = path.stem();
+  std::ranges::replace(stem, ' ', '_');
+  return path.replace_filename(stem + suffix);
+}
+
+std::vector<std::string> CompanionsOfObj(const std::string& filename) {
+  return {CompanionOf(filename, ".mtl"), CompanionOf(filename, ".jpg")};
+}
+
+CSaveOutcome WriteObj(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
+  const CFileMesh mesh = CleanFileMesh(grid, MeshOptions(settings));
+  if (!IsFinite(mesh)) return NotFinite(filename);
+  CEncodedPicture picture = Encoded(settings);
+  const std::vector<std::string> companions = CompanionsOfObj(filename);
+  const std::string pictureName = picture.m_Bytes.empty() ? "" : fs::path(companions[1]).filename().string();
+  CObjTexts texts = ObjOf(mesh, fs::path(companions[0]).filename(), pictureName, *settings.m_Up);
+  std::vector<CNewFile> files;
+  if (!picture.m_Bytes.empty()) files.push_back({companions[1], std::move(picture.m_Bytes)});
+  files.push_back({companions[0], std::move(texts.m_Material)});
+  files.push_back({filename, std::move(texts.m_Model)});
+  return SaveTogether(files);
+}
+
+CSaveOutcome WritePly(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
+  const CFileMesh mesh = CleanFileMesh(grid, MeshOptions(settings));
+  if (!IsFinite(mesh)) return NotFinite(filename);
+  const CPicture none;
+  const CPicture& picture = settings.m_pPhotograph != nullptr ? settings.m_pPhotograph->m_Picture : none;
+  return SaveTogether(std::array{CNewFile{filename, PlyOf(mesh, picture, *settings.m_Up)}});
+}
+
+CSaveOutcome WriteStl(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
+  const CFileMesh mesh = CleanSolid(grid, MeshOptions(settings), settings.m_fBase);
+  if (!IsFinite(mesh)) return NotFinite(filename);
+  return SaveTogether(std::array{CNewFile{filename, StlOf(mesh, *settings.m_Up)}});
+}
+
+bool EndsWith(std::string_view name, std::string_view suffix) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return name.size() > suffix.size() &&
+         std::ranges::equal(name.substr(name.size() - suffix.size()), suffix, {}, lower, lower);
+}
+
+}  // namespace
+
+std::span<const CExportFormat> ExportFormats() {
+  constexpr double kMetres = 0.01;
+  static constexpr auto kFormats = std::to_array<CExportFormat>({
+      {".glb", "binary glTF", kMetres, UpAxis::Y, WriteGlb},
+      {".obj", "Wavefront OBJ", 1, UpAxis::Y, WriteObj, CompanionsOfObj},
+      {".ply", "PLY", 1, UpAxis::Z, WritePly},
+      {".stl", "solid for printing", 1, UpAxis::Z, WriteStl},
+  });
+  return kFormats;
+}
+
+const CExportFormat* ExportFormatOf(const std::string& filename) {
+  const CExportFormat* found = nullptr;
+  for (const CExportFormat& format : ExportFormats()) {
+    const std::string_view suffix = format.m_pSuffix;
+    if (EndsWith(filename, suffix) && (found == nullptr || suffix.size() > std::string_view(found->m_pSuffix).size()))
+      found = &format;
+  }
+  return found;
+}
+
+CSaveOutcome ExportSurface(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
+  const CExportFormat* format = ExportFormatOf(filename);
+  if (format == nullptr) return {"The name " + filename + " has the suffix of no format."};
+  CExportSettings all = settings;
+  if (!all.m_fScale.has_value()) all.m_fScale = format->m_fScale;
+  if (!all.m_Up.has_value()) all.m_Up = format->m_Up;
+  return format->m_pWrite(grid, filename, all);
+}

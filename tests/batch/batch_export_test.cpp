@@ -1,0 +1,105 @@
+// The program itself writes the surface for other programs.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "batch/BatchTest.h"
+#include "formats/SurfaceExport.h"
+
+namespace {
+
+class BatchExport : public Batch {
+ protected:
+  BatchExport() { WriteText(Path("photo.bmp"), SmallBitmap()); }
+
+  void ExpectRefused(const std::string& arguments, const std::string& message) const {
+    EXPECT_EQ(Run(arguments), 1) << arguments;
+    EXPECT_NE(Bytes("err").find(message), std::string::npos) << arguments << '\n' << Bytes("err");
+    EXPECT_EQ(Bytes("err").find("CGrid"), std::string::npos) << arguments << ": the model has been read";
+  }
+};
+
+// The largest coordinate along an axis of the triangles of a binary STL.
+float LargestIn(const std::string& stl, std::size_t axis) {
+  float largest = -1e30F;
+  for (std::size_t at = 84; at + 50 <= stl.size(); at += 50) {
+    for (std::size_t corner = 1; corner <= 3; ++corner) {
+      float value = 0;
+      std::memcpy(&value, &stl[at + 12 * corner + 4 * axis], sizeof(value));
+      largest = std::max(largest, value);
+    }
+  }
+  return largest;
+}
+
+TEST_F(BatchExport, WritesEveryFormatInOneRun) {
+  std::string arguments = "model.grid --image photo.bmp --iterations 0";
+  for (const CExportFormat& format : ExportFormats()) arguments += std::string(" --export m") + format.m_pSuffix;
+  ASSERT_EQ(Run(arguments), 0) << Bytes("err");
+  EXPECT_EQ(Bytes("m.glb").substr(0, 4), "glTF");
+  EXPECT_NE(Bytes("m.glb").find("\xFF\xD8\xFF"), std::string::npos) << "with the photograph";
+  EXPECT_NE(Bytes("m.obj").find("\nmtllib m.mtl\n"), std::string::npos);
+  EXPECT_NE(Bytes("m.mtl").find("\nmap_Kd m.jpg\n"), std::string::npos);
+  EXPECT_EQ(Bytes("m.jpg").substr(0, 2), "\xFF\xD8");
+  EXPECT_NE(Bytes("m.ply").find("\nproperty uchar blue\n"), std::string::npos);
+  EXPECT_GT(Bytes("m.stl").size(), 1000U);
+}
+
+TEST_F(BatchExport, TakesTheSizesAndTheAxisThatAreAskedFor) {
+  ASSERT_EQ(Run("model.grid --iterations 0 --export m.stl"), 0) << Bytes("err");
+  const std::string plain = Bytes("m.stl");
+  EXPECT_NEAR(LargestIn(plain, 0), 8, 1e-5) << "half of the model's width";
+  EXPECT_NEAR(LargestIn(plain, 1), 3, 1e-5);
+  ASSERT_EQ(Run("model.grid --iterations 0 --export m.stl --scale 2.5 --height-scale 3 --base 7 --up y"), 0);
+  const std::string scaled = Bytes("m.stl");
+  EXPECT_NEAR(LargestIn(scaled, 0), 20, 1e-4);
+  EXPECT_NEAR(LargestIn(scaled, 2), 7.5, 1e-4);
+  EXPECT_NEAR(LargestIn(scaled, 1), 7.5 * LargestIn(plain, 2), 1e-3);
+}
+
+TEST_F(BatchExport, ClosesTearsWithWallsWhereItIsAskedTo) {
+  ASSERT_EQ(Run("model.grid --iterations 0 --export open.ply"), 0);
+  ASSERT_EQ(Run("model.grid --iterations 0 --export wall.ply --tears wall"), 0);
+  EXPECT_GT(Bytes("wall.ply").size(), Bytes("open.ply").size());
+}
+
+TEST_F(BatchExport, RefusesNamesOfNoFormatAndOptionsWithoutOne) {
+  for (const char* name : {"m", "m.grid", ".glb", "m.glb.bak", "''"})
+    ExpectRefused(std::string("model.grid --export ") + name,
+                  "the name of a file is expected that ends with .glb, .obj, .ply, .stl");
+  for (const char* option : {"--tears wall", "--up y", "--scale 2", "--height-scale 2", "--base 2"})
+    ExpectRefused(std::string("model.grid ") + option, "--export");
+  for (const char* number : {"0", "-1", "x", "''", "inf", "nan", "1e999", "2mm"}) {
+    for (const char* option : {"--scale", "--height-scale", "--base"})
+      ExpectRefused(std::string("model.grid --export m.stl ") + option + ' ' + number, "a number above 0 is expected");
+  }
+  ExpectRefused("model.grid --export m.glb --tears closed", "--tears");
+  ExpectRefused("model.grid --export m.glb --up x", "--up");
+}
+
+TEST_F(BatchExport, OverwritesNeitherAnInputNorAnotherOutput) {
+  WriteText(Path("model.obj"), Bytes("model.grid"));
+  ExpectRefused("model.grid --export a.glb --export ./a.glb", "are one file");
+  ExpectRefused("model.grid --save a.glb --export a.glb", "--save and --export are one file");
+  ExpectRefused("model.obj --export model.obj", "--export and MODEL are one file");
+  ExpectRefused("model.grid --image a.jpg --export a.obj", "are one file: a.jpg");
+  ExpectRefused("model.grid --export 'a b.obj' --export a_b.obj", "are one file");
+  EXPECT_EQ(Bytes("model.obj"), Bytes("model.grid"));
+}
+
+TEST_F(BatchExport, TellsWhatCouldNotBeWrittenAndWritesTheOthers) {
+  EXPECT_EQ(Run("model.grid --iterations 0 --export nowhere/m.glb --export m.ply"), 4);
+  EXPECT_NE(Bytes("err").find("relievo-batch: The file nowhere/m.glb could not be written."), std::string::npos);
+  EXPECT_TRUE(std::filesystem::exists(Path("m.ply")));
+  // Beyond what a float holds.
+  for (const char* scale : {"--scale 1e300", "--scale 1e38", "--height-scale 1e300"}) {
+    EXPECT_EQ(Run(std::string("model.grid --iterations 0 --export m.stl ") + scale), 4) << scale;
+    EXPECT_NE(Bytes("err").find("no finite numbers"), std::string::npos) << scale << Bytes("err");
+    EXPECT_FALSE(std::filesystem::exists(Path("m.stl")));
+  }
+}
+
+}  // namespace
