@@ -35,4 +35,4 @@ option(RELIEVO_BUILD_FUZZ "Build the fuzzers (needs clang and its libFuzzer)" OF
 # Off unless a preset turns it on: a package must build with compilers that warn of other things.
 option(RELIEVO_WERROR "Take warnings for errors" OFF)
 option(RELIEVO_UNITY_TESTS "Compile the tests of a room together" ON)
-option(RELIEVO_TIDY_GROUPS "Write the files in which clang-tidy reads tests and benchmarks" OFF)
+option(RELIEVO_TIDY_GROUPS "Write the files in which clang-tidy reads tests" OFF)

@@ -7,8 +7,8 @@
 # depends on the sources being apart: the static analyzer and two more see nothing but the file named on the command line,
 # and one takes what any function of a neighbour may throw for an escape out of `main`.
 #
-# Tests and benchmarks it reads two dozen at a time at first (cmake/TidyGroups.cmake). Where that leaves anything to say, be it
-# only that two of them share a name, it reads them again as they are compiled, and what it says then counts.
+# Tests it reads two dozen at a time at first (cmake/TidyGroups.cmake). Where that leaves anything to say, be it only that two
+# of them share a name, it reads them again as they are compiled, and what it says then counts.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -25,7 +25,7 @@ each() { xargs -r -0 -n 1 -P "$(nproc)" "$@"; }
 clean_members() {
   local group
   # shellcheck disable=SC2016 # the inner shell's
-  printf '%s\0' "$1"/{tests,bench}/tidy_*.cpp \
+  printf '%s\0' "$1"/tests/tidy_*.cpp \
     | each bash -c 'if clang-tidy-14 --quiet -p "$1" --checks="$2" "$3" >/dev/null 2>&1; then printf "%s\n" "$3"; fi' - "$1" "$2" \
     | while read -r group; do members_of "$group"; done
 }
