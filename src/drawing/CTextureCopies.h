@@ -27,7 +27,7 @@ class CTextureCopies {
 
  private:
   struct CCopy {
-    CTextureImages::Which m_Which;
+    CTextureImages::Which m_Which{};
     CReduction m_Reduction;
     unsigned m_uName = 0;
     unsigned m_uSent = 0;  ///< revision of the image

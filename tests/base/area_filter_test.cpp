@@ -62,7 +62,8 @@ RC_GTEST_PROP(AreaFilterProperty, EachPixelIsTheMeanOfWhatItCovers, ()) {
 
 // A picture of one colour, wide or high.
 std::vector<std::uint8_t> Plain(int pixels, std::uint8_t shade) {
-  return std::vector<std::uint8_t>(3 * static_cast<std::size_t>(pixels), shade);
+  std::vector<std::uint8_t> picture(3 * static_cast<std::size_t>(pixels), shade);
+  return picture;
 }
 
 TEST(AreaFilter, SumsOfManyRowsDoNotOverflow) {
