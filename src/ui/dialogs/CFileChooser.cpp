@@ -105,7 +105,7 @@ void CFileChooser::Prepare(const CFileQuestion& question) {
 
 // After these the toolkit adds one for all files and one to be typed, which does not outlive the question.
 void CFileChooser::SetPatterns(const CFileQuestion& question) {
-  if (question.m_OtherPattern.empty()) return m_Chooser.filter(question.m_pPattern);
+  if (question.m_pPattern == nullptr || question.m_OtherPattern.empty()) return m_Chooser.filter(question.m_pPattern);
   constexpr int kAllFiles = 2;
   m_Chooser.filter((std::string(question.m_pPattern) + '\t' + question.m_OtherPattern).c_str());
   const int last = m_Patterns[question.m_Kind];
