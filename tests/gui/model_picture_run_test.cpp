@@ -5,8 +5,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "formats/PngBytes.h"
-#include "support/FileBuilders.h"
+#include "formats/PictureFormats.h"
 #include "support/ProgramRun.h"
 #include "support/SamplePhotograph.h"
 #include "support/gui/RunTest.h"
@@ -35,7 +34,7 @@ class ModelPictureRunTest : public RunTest {
     EXPECT_EQ(RunIn(m_Program.Directory(), "'" RELIEVO_PICTURE "' model.grid --image '" + std::string(kPhotograph) +
                                                "' --size 430x430 -o drawn.png --turn " + turn),
               0);
-    return PictureOfPng(BytesOf(File("drawn.png"))).value_or(CPicture{});
+    return ReadPicture(File("drawn.png").string()).m_Picture;
   }
 };
 

@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "formats/PngBytes.h"
+#include "formats/PictureFormats.h"
 #include "formats/ProjectFile.h"
 #include "support/BmpBuilders.h"
 #include "support/CTemporaryDirectory.h"
@@ -59,7 +59,7 @@ class ModelPicture : public testing::Test {
     return RunIn(m_Directory.Path(), "env -u DISPLAY -u WAYLAND_DISPLAY '" RELIEVO_PICTURE "' " + arguments);
   }
   /// The picture that a run has written.
-  CPicture Result(const std::string& name = "out.png") const { return PictureOfPng(Bytes(name)).value_or(CPicture{}); }
+  CPicture Result(const std::string& name = "out.png") const { return ReadPicture(Bytes(name), name).m_Picture; }
 
   CTemporaryDirectory m_Directory;
 };
