@@ -27,8 +27,8 @@ CTiffBands::CTiffBands(const CTiffFile& file, const CTiffLayout& layout)
   if (m_uRows == 0 || m_uColumns == 0 || m_uBlock == 0) return;
   if (static_cast<double>(m_uBlock) > kMostBytes || band > kMostBytes) return;
   // Nothing is written into them before there is something to show.
-  m_pBlock = std::make_unique_for_overwrite<std::uint8_t[]>(m_uBlock);
-  m_pBand = std::make_unique_for_overwrite<std::uint8_t[]>(m_uStride * m_uRows);
+  m_pBlock = MakeRawBytes(m_uBlock);
+  m_pBand = MakeRawBytes(m_uStride * m_uRows);
 }
 
 CBandParts CTiffBands::Read(std::uint32_t row) {

@@ -2,9 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 
 #include "formats/CTiffFile.h"
+#include "formats/RawBytes.h"
 
 /// How the samples of a TIFF are stored.
 struct CTiffLayout {
@@ -54,6 +54,6 @@ class CTiffBands {
   std::size_t m_uStored;  ///< samples of a pixel in a block
   std::size_t m_uStride;  ///< bytes of a row of the band
   std::size_t m_uBlock;   ///< bytes of a block
-  std::unique_ptr<std::uint8_t[]> m_pBlock;
-  std::unique_ptr<std::uint8_t[]> m_pBand;
+  RawBytes m_pBlock;
+  RawBytes m_pBand;
 };

@@ -148,7 +148,7 @@ Decoding CJpegReader::Decode(RasterSink& sink) {
   if (!sink.Begin(raster)) return Decoding::Refused;
   // What is decoded over several scans is kept as a whole, so that the announced size must not be believed.
   const double announced = 3.0 * raster.m_iWidth * raster.m_iHeight;
-  const double bytes = static_cast<double>(m_Bytes.size());
+  const auto bytes = static_cast<double>(m_Bytes.size());
   if (!hasScan || announced > std::max(kHarmless, kMostPerFileByte * bytes)) return Decoding::CutShort;
   if (!Start()) return Failed(Decoding::Unusable);
   return ReadRows(sink);

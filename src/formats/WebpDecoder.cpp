@@ -9,6 +9,7 @@
 #include <webp/demux.h>
 
 #include "formats/Orientation.h"
+#include "formats/RawBytes.h"
 
 namespace {
 
@@ -56,7 +57,7 @@ Decoding DecodeFrame(std::string_view frame, const CRaster& raster, RasterSink& 
   // Nothing is written into it before there is a row.
   const std::size_t stride = raster.Stride();
   const std::size_t size = stride * static_cast<std::size_t>(raster.m_iHeight);
-  const auto pixels = std::make_unique_for_overwrite<std::uint8_t[]>(size);
+  const RawBytes pixels = MakeRawBytes(size);
   WebPDecBuffer target{};
   WebPInitDecBuffer(&target);
   target.colorspace = raster.m_Alpha == SampleAlpha::None ? MODE_RGB : MODE_RGBA;
