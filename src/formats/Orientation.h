@@ -19,7 +19,7 @@ namespace Turning {
 
 /// Stored rows become columns; by square blocks, so that neither side of the copy leaves the cache.
 /// The first row comes to the left or to the right, the first column to the top or to the bottom.
-template <std::size_t Channels, typename Sample>
+template <std::size_t kChannels, typename Sample>
 std::vector<Sample> Transposed(const std::vector<Sample>& samples, std::size_t width, std::size_t height,
                                bool firstRowRight, bool firstColumnBottom) {
   constexpr std::size_t kBlock = 32;
@@ -30,7 +30,7 @@ std::vector<Sample> Transposed(const std::vector<Sample>& samples, std::size_t w
         const std::size_t x = firstRowRight ? height - 1 - row : row;
         for (std::size_t column = left; column < std::min(left + kBlock, width); ++column) {
           const std::size_t y = firstColumnBottom ? column : width - 1 - column;
-          std::copy_n(&samples[(row * width + column) * Channels], Channels, &turned[(y * height + x) * Channels]);
+          std::copy_n(&samples[(row * width + column) * kChannels], kChannels, &turned[(y * height + x) * kChannels]);
         }
       }
     }
@@ -39,17 +39,17 @@ std::vector<Sample> Transposed(const std::vector<Sample>& samples, std::size_t w
 }
 
 /// Exchanges left and right.
-template <std::size_t Channels, typename Sample>
+template <std::size_t kChannels, typename Sample>
 void MirrorRow(Sample* row, std::size_t width) {
   for (std::size_t left = 0, right = width; left + 1 < right; ++left)
-    --right, std::swap_ranges(row + left * Channels, row + (left + 1) * Channels, row + right * Channels);
+    --right, std::swap_ranges(row + left * kChannels, row + (left + 1) * kChannels, row + right * kChannels);
 }
 
 }  // namespace Turning
 
-/// Turns rows that came from the top of a stored picture, `Channels` samples a pixel, into an upright one with its
+/// Turns rows that came from the top of a stored picture, `kChannels` samples a pixel, into an upright one with its
 /// bottom row first. `width` and `height` are those of the stored picture and become those of the upright one.
-template <std::size_t Channels, typename Sample>
+template <std::size_t kChannels, typename Sample>
 void MakeUpright(std::vector<Sample>& samples, int& width, int& height, int orientation) {
   const auto columns = static_cast<std::size_t>(width);
   const auto rows = static_cast<std::size_t>(height);
@@ -57,14 +57,14 @@ void MakeUpright(std::vector<Sample>& samples, int& width, int& height, int orie
   if (IsTransposed(orientation)) {
     const bool right = orientation == 6 || orientation == 7;
     const bool bottom = orientation == 7 || orientation == 8;
-    samples = Turning::Transposed<Channels>(samples, columns, rows, right, bottom);
+    samples = Turning::Transposed<kChannels>(samples, columns, rows, right, bottom);
     std::swap(width, height);
     return;
   }
   const bool topFirst = orientation == 1 || orientation == 2;
-  const auto rowAt = [&](std::size_t row) { return samples.data() + row * columns * Channels; };
+  const auto rowAt = [&](std::size_t row) { return samples.data() + row * columns * kChannels; };
   for (std::size_t row = 0; topFirst && row < rows / 2; ++row)
     std::swap_ranges(rowAt(row), rowAt(row + 1), rowAt(rows - 1 - row));
   if (orientation != 2 && orientation != 3) return;
-  for (std::size_t row = 0; row < rows; ++row) Turning::MirrorRow<Channels>(rowAt(row), columns);
+  for (std::size_t row = 0; row < rows; ++row) Turning::MirrorRow<kChannels>(rowAt(row), columns);
 }

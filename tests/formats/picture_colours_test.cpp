@@ -94,7 +94,7 @@ TEST(PictureColoursTest, SrgbStaysAsItIs) {
 }
 
 TEST(PictureColoursTest, GreyProfilesAreConverted) {
-  CPngSettings settings = WithProfile<CPngSettings>("linear grey");
+  auto settings = WithProfile<CPngSettings>("linear grey");
   settings.m_Kind = PngKind::Grey;
   const CPicture source = Pastels();
   const CPicture read = Read(TestPng(source, settings)).m_Picture;
@@ -104,7 +104,7 @@ TEST(PictureColoursTest, GreyProfilesAreConverted) {
 
 // A profile of colours for a grey picture is used for its curve.
 TEST(PictureColoursTest, GreyWithAProfileOfColoursStaysGrey) {
-  CJpegSettings settings = WithProfile<CJpegSettings>("Adobe RGB");
+  auto settings = WithProfile<CJpegSettings>("Adobe RGB");
   settings.m_Kind = JpegKind::Grey;
   const CReadPicture read = Read(TestJpeg(Pastels(), settings));
   EXPECT_EQ(read.m_Notice, "");
@@ -117,9 +117,9 @@ TEST(PictureColoursTest, InksAreConvertedByTheirProfile) {
     return x < 8 ? CRgb{255, 0, 255} : CRgb{255, 255, 255};
   });
   for (const bool tiff : {false, true}) {
-    CJpegSettings jpeg = WithProfile<CJpegSettings>("CMYK");
+    auto jpeg = WithProfile<CJpegSettings>("CMYK");
     jpeg.m_Kind = JpegKind::AdobeCmyk;
-    CTiffSettings settings = WithProfile<CTiffSettings>("CMYK");
+    auto settings = WithProfile<CTiffSettings>("CMYK");
     settings.m_Kind = TiffKind::Cmyk;
     const CReadPicture read = Read(tiff ? TestTiff(magenta, settings) : TestJpeg(magenta, jpeg));
     EXPECT_EQ(read.m_Notice, "");

@@ -166,7 +166,7 @@ TEST(CleanSolidTest, OfAPlateHasAFlatBase) {
 TEST(SurfaceExportTest, ChoosesTheFormatByTheSuffix) {
   for (const CExportFormat& format : ExportFormats())
     EXPECT_EQ(ExportFormatOf(std::string("a b.grid") + format.m_pSuffix), &format);
-  EXPECT_EQ(ExportFormatOf("MODEL.GLB"), &ExportFormats()[0]);
+  EXPECT_EQ(ExportFormatOf("MODEL.GLB"), ExportFormats().data());
   for (const char* name : {"", ".glb", "model", "model.grid", "model.glb.txt", "glb"})
     EXPECT_EQ(ExportFormatOf(name), nullptr) << name;
 }
