@@ -6,7 +6,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
+#include <memory>
 #include <vector>
 
 #include <jpeglib.h>
@@ -141,9 +141,8 @@ std::string TestJpeg(const CPicture& picture, const CJpegSettings& settings) {
   }
   jpeg_finish_compress(&info);
   jpeg_destroy_compress(&info);
-  std::string file(reinterpret_cast<const char*>(bytes), length);
-  std::free(bytes);
-  return file;
+  const std::unique_ptr<unsigned char, decltype(&std::free)> owner(bytes, &std::free);
+  return {reinterpret_cast<const char*>(bytes), length};
 }
 
 namespace {
