@@ -40,7 +40,7 @@ std::size_t ChannelsOf(void* profile) {
 
 cmsUInt32Number FormatOf(std::size_t channels, int bits) {
   const std::size_t bytes = static_cast<std::size_t>(bits) / 8;
-  const int colour = channels == 1 ? PT_GRAY : channels == 3 ? PT_RGB : PT_CMYK;
+  const unsigned colour = channels == 1 ? PT_GRAY : channels == 3 ? PT_RGB : PT_CMYK;
   return static_cast<cmsUInt32Number>(COLORSPACE_SH(colour) | CHANNELS_SH(channels) | BYTES_SH(bytes));
 }
 
