@@ -17,8 +17,8 @@ class CLines {
  public:
   explicit CLines(std::string& text) : m_Text(text) {}
 
-  template <std::size_t Count>
-  void Put(const char* kind, const std::array<float, Count>& numbers) {
+  template <std::size_t kCount>
+  void Put(const char* kind, const std::array<float, kCount>& numbers) {
     m_pEnd = std::copy_n(kind, std::char_traits<char>::length(kind), m_acLine.data());
     for (const float number : numbers) {
       *m_pEnd++ = ' ';

@@ -40,7 +40,7 @@ std::string StlOf(const CFileMesh& mesh, UpAxis up) {
   bytes.resize(kHeader + sizeof(std::uint32_t) + mesh.m_aTriangles.size() * kTriangle);
   char* out = Put(static_cast<std::uint32_t>(mesh.m_aTriangles.size()), bytes.data() + kHeader);
   for (const std::array<std::uint32_t, 3>& triangle : mesh.m_aTriangles) {
-    std::array<std::array<float, 3>, 3> corners;
+    std::array<std::array<float, 3>, 3> corners{};
     for (std::size_t k = 0; k < corners.size(); ++k) corners[k] = Turned(mesh.m_aPositions[triangle[k]], up);
     out = Put(NormalOf(corners), out);
     out = Put(corners, out) + sizeof(std::uint16_t);
