@@ -197,7 +197,9 @@ void ReportCopies(int width, int height) {
   const CPicture picture = Photograph(width, height);
   const CPixelRows rows{picture.m_aPixels, width, height, 3 * static_cast<std::size_t>(width)};
   const double texels = 1e-9 * width * height;
-  for (const auto& [x, y] : {std::pair{2, 2}, {4, 4}, {8, 8}, {16, 8}}) {
+  for (const auto& factors : {std::pair{2, 2}, {4, 4}, {8, 8}, {16, 8}}) {
+    const int x = factors.first;
+    const int y = factors.second;
     double lean = 1e9;
     double copy = 1e9;
     for (int round = 0; round < 7; ++round) {
