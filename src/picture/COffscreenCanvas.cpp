@@ -32,12 +32,12 @@ COffscreenCanvas::COffscreenCanvas(int width, int height) : m_iWidth(width), m_i
   }
 }
 
-// The buffers go with their context.
+// The buffers go with their context. The display stays open until the process ends: closed, it would unload the driver,
+// and what that keeps could no longer be told from what we lose.
 COffscreenCanvas::~COffscreenCanvas() {
   if (m_pDisplay == EGL_NO_DISPLAY) return;
   eglMakeCurrent(m_pDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
   if (m_pContext != EGL_NO_CONTEXT) eglDestroyContext(m_pDisplay, m_pContext);
-  eglTerminate(m_pDisplay);
 }
 
 bool COffscreenCanvas::MakeContext() {
