@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <filesystem>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -126,5 +127,9 @@ CSaveOutcome ExportSurface(const CGrid& grid, const std::string& filename, const
   CExportSettings all = settings;
   if (!all.m_fScale.has_value()) all.m_fScale = format->m_fScale;
   if (!all.m_Up.has_value()) all.m_Up = format->m_Up;
-  return format->m_pWrite(grid, filename, all);
+  try {
+    return format->m_pWrite(grid, filename, all);
+  } catch (const std::bad_alloc&) {
+    return {"The file " + filename + " needs more memory than there is. It is not written."};
+  }
 }

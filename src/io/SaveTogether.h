@@ -12,5 +12,6 @@ struct CNewFile {
 };
 
 /// Writes files that belong together: the contents of all are on the disk before the first takes its place, the last
-/// one's last. Where one cannot be written, the old contents of all stay.
+/// one's last. Where the contents of one cannot be written, the old ones of all stay; a failure after that, which takes
+/// a folder that changes under the program's hands, leaves those in place that came before.
 CSaveOutcome SaveTogether(std::span<const CNewFile> files);

@@ -61,7 +61,7 @@ int CModelPicture::Make() {
     return PictureStatus::kDrawing;
   }
   Draw();
-  if (Save(m_Options.m_Output, canvas.Picture())) return PictureStatus::kDone;
+  if (Save(m_Options.m_Output, canvas.Picture())) return m_bDamaged ? PictureStatus::kDamaged : PictureStatus::kDone;
   Complain("The file " + m_Options.m_Output + " could not be written.");
   return PictureStatus::kOutput;
 }
@@ -70,6 +70,7 @@ bool CModelPicture::Read() {
   const CModelInput input = ReadModelInput(m_Grid, m_Options.m_Model, m_Options.m_Image);
   for (const std::string& notice : input.m_asNotices) Complain(notice);
   if (!input.m_bRead) return false;
+  m_bDamaged = input.m_bDamaged;
   m_Grid.PerformPendingWork();
   const CPicture& photograph = input.m_Photograph.m_Picture;
   if (photograph.m_aPixels.empty() || m_Grid.Relighting().SetPicture(photograph)) return true;

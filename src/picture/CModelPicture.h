@@ -20,4 +20,5 @@ class CModelPicture {
 
   const CPictureOptions m_Options;
   CGrid m_Grid{1};
+  bool m_bDamaged = false;  ///< the model could be read in part only
 };
