@@ -1,6 +1,6 @@
 # relievo_add_test(<name> <source>...)      tests of the model, label "core": all of them together take a moment
 # relievo_add_slow_test(<name> <source>...) the same for tests that solve, search or start programs, label "slow"
-# relievo_add_gui_test(<name> <source>...)  tests that need a display, label "gui", never two at once
+# relievo_add_gui_test(<name> <source>...)  tests that need a display, label "gui", each on a display of its own
 #
 # One executable per room. A test finds the builders of tests/support/ as "support/...". Under ctest the properties
 # are always tried with the same random cases; the executable started by hand takes new ones.
@@ -46,8 +46,8 @@ function(relievo_add_gui_test name)
   add_test_executable(${name} ${ARGN})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_link_libraries(${name} PRIVATE
-    relievo_app relievo_gui_support relievo_warnings GTest::gtest_main)
+    relievo_app relievo_gui_main relievo_gui_support relievo_warnings)
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
-    PROPERTIES LABELS gui RESOURCE_LOCK display TIMEOUT 120)
+    PROPERTIES LABELS gui TIMEOUT 120)
 endfunction()

@@ -15,4 +15,4 @@ export LSAN_OPTIONS=suppressions=$PWD/tests/support/leaks.supp:print_suppression
 need_packages test
 build "$preset" monkey_test -DRELIEVO_BUILD_TESTS:BOOL=ON
 
-run_on_display "build/$preset/tests/monkey_test"
+run_on_displays 1 "build/$preset/tests/monkey_test"

@@ -10,4 +10,4 @@ export RELIEVO_KILLS=${1:-200}
 need_packages test
 build release run_test -DRELIEVO_BUILD_TESTS:BOOL=ON
 
-run_on_display build/release/tests/run_test --gtest_filter='RecoveryRunTest.Killed*'
+run_on_displays 1 build/release/tests/run_test --gtest_filter='RecoveryRunTest.Killed*'
