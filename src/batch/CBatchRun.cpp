@@ -1,6 +1,7 @@
 #include "batch/CBatchRun.h"
 
 #include <chrono>
+#include <functional>
 #include <iostream>
 #include <optional>
 #include <sstream>
@@ -34,6 +35,26 @@ class CStopwatch {
 };
 
 void Complain(const std::string& text) { std::cerr << "relievo-batch: " << text << '\n'; }
+
+/// Shows how far the exports are, and looks at the signals that end the process.
+class CShownProgress : public ExportProgress {
+ public:
+  CShownProgress(bool wanted, std::function<void()> endIfAsked)
+      : m_Progress(wanted), m_EndIfAsked(std::move(endIfAsked)) {}
+
+  void Begin(const std::string& filename) { m_Filename = filename; }
+  void End() { m_Progress.Erase(); }
+  bool Goes(double share) override {
+    m_Progress.Update(m_Filename, share);
+    m_EndIfAsked();
+    return true;
+  }
+
+ private:
+  CProgress m_Progress;
+  std::function<void()> m_EndIfAsked;
+  std::string m_Filename;
+};
 
 // Whether the file was written; if not, the user is told.
 bool IsSaved(const CSaveOutcome& outcome) {
@@ -133,8 +154,13 @@ bool CBatchRun::WriteOutputs() {
   }
   CExportSettings exporting = m_Options.m_Exporting;
   exporting.m_pPhotograph = &m_Photograph;
+  CShownProgress progress(!m_Options.m_bQuiet, [this] { EndIfAsked(); });
+  exporting.m_pProgress = &progress;
   for (const std::string& file : m_Options.m_asExports) {
-    written = IsSaved(ExportSurface(m_Grid, file, exporting)) && written;
+    progress.Begin(file);
+    const CSaveOutcome outcome = ExportSurface(m_Grid, file, exporting);
+    progress.End();
+    written = IsSaved(outcome) && written;
     EndIfAsked();
   }
   return written;

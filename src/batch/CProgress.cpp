@@ -13,12 +13,24 @@ constexpr const char* kEraseLine = "\r\x1b[K";
 
 CProgress::CProgress(bool wanted) : m_bShown(wanted && isatty(STDERR_FILENO) == 1) {}
 
-void CProgress::Update(long iterations) {
+bool CProgress::IsDue() {
   const auto now = std::chrono::steady_clock::now();
-  if (!m_bShown || now < m_Next) return;
+  if (!m_bShown || now < m_Next) return false;
   m_Next = now + kInterval;
+  return true;
+}
+
+void CProgress::Show(const std::string& text) {
   m_bOnScreen = true;
-  std::cerr << kEraseLine << iterations << " iterations" << std::flush;
+  std::cerr << kEraseLine << text << std::flush;
+}
+
+void CProgress::Update(long iterations) {
+  if (IsDue()) Show(std::to_string(iterations) + " iterations");
+}
+
+void CProgress::Update(const std::string& filename, double share) {
+  if (IsDue()) Show(filename + ": " + std::to_string(static_cast<int>(100 * share)) + " %");
 }
 
 void CProgress::Erase() {

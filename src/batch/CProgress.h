@@ -1,8 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <string>
 
-/// The line on a terminal that says how far the solver is. Elsewhere nothing is shown.
+/// The line on a terminal that says how far the solver or an export is. Elsewhere nothing is shown.
 class CProgress {
  public:
   /// Shown on standard error if that is a terminal and `wanted`.
@@ -16,10 +17,15 @@ class CProgress {
   bool IsShown() const { return m_bShown; }
   /// Shows the number of iterations, a few times per second at most.
   void Update(long iterations);
+  /// Shows the share of a file that is done, as often.
+  void Update(const std::string& filename, double share);
   /// Makes room for another line.
   void Erase();
 
  private:
+  bool IsDue();
+  void Show(const std::string& text);
+
   bool m_bShown;
   bool m_bOnScreen = false;
   std::chrono::steady_clock::time_point m_Next;

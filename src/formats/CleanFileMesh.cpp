@@ -51,12 +51,15 @@ CPoint Written(const Vector3& normal) {
 }
 
 // Those of the triangles around each vertex, the larger ones counting more. Upwards where there is no triangle.
-void AddSmoothNormals(CFileMesh& mesh) {
+void AddSmoothNormals(CFileMesh& mesh, const CExportSteps& steps) {
   std::vector<Vector3> sums(mesh.m_aPositions.size());
-  for (const CTriangle& triangle : mesh.m_aTriangles) {
-    const Vector3 area = AreaOf(mesh, triangle);
-    for (const std::uint32_t v : triangle) sums[v] += area;
-  }
+  const bool goes = steps.ForBlocks(mesh.m_aTriangles.size(), [&](std::size_t begin, std::size_t end) {
+    for (const CTriangle& triangle : std::span(mesh.m_aTriangles).subspan(begin, end - begin)) {
+      const Vector3 area = AreaOf(mesh, triangle);
+      for (const std::uint32_t v : triangle) sums[v] += area;
+    }
+  });
+  if (!goes) return;
   mesh.m_aNormals.reserve(sums.size());
   for (const Vector3& sum : sums)
     mesh.m_aNormals.push_back(Length(sum) > 0 ? Written(Normalised(sum)) : CPoint{0, 0, 1});
@@ -167,9 +170,11 @@ class CSolidCloser {
 
 }  // namespace
 
-CFileMesh CleanFileMesh(const CGrid& grid, const CCleanMeshOptions& options) {
+CFileMesh CleanFileMesh(const CGrid& grid, const CCleanMeshOptions& options, const CExportSteps& steps) {
+  constexpr double kCleanShare = 0.6;
   const CCleanMesh clean = CleanMeshOf(grid, options);
   CFileMesh mesh = EmptyMesh(grid, options);
+  if (!steps.Goes(kCleanShare)) return mesh;
   mesh.m_aPositions.reserve(clean.Vertices().size());
   mesh.m_aPicturePlaces.reserve(clean.Vertices().size());
   for (std::size_t v = 0; v < clean.Vertices().size(); ++v) {
@@ -178,16 +183,19 @@ CFileMesh CleanFileMesh(const CGrid& grid, const CCleanMeshOptions& options) {
     mesh.m_aPicturePlaces.push_back({static_cast<float>(u), static_cast<float>(w)});
   }
   mesh.m_aTriangles = TrianglesOf(clean.Triangles());
-  AddSmoothNormals(mesh);
+  AddSmoothNormals(mesh, steps.Part(kCleanShare, 1));
+  if (!steps.Goes(1)) return mesh;
   AddWalls(clean.Walls(), mesh);
   return mesh;
 }
 
-CFileMesh CleanSolid(const CGrid& grid, const CCleanMeshOptions& options, double base) {
+CFileMesh CleanSolid(const CGrid& grid, const CCleanMeshOptions& options, double base, const CExportSteps& steps) {
+  constexpr double kCleanShare = 0.8;
   CCleanMeshOptions closed = options;
   closed.m_Gap = TearGap::Wall;
   const CCleanMesh clean = CleanMeshOf(grid, closed);
   CFileMesh mesh = EmptyMesh(grid, options);
+  if (!steps.Goes(kCleanShare)) return mesh;
   for (std::size_t v = 0; v < clean.Vertices().size(); ++v) mesh.m_aPositions.push_back(clean.Written(v));
   const std::vector<CTriangle> surface = TrianglesOf(clean.Triangles());
   mesh.m_aTriangles = surface;

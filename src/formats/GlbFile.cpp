@@ -94,7 +94,8 @@ void AddPicture(const CEncodedPicture& picture, CBinaryChunk& chunk, json& docum
   document["materials"][0]["pbrMetallicRoughness"]["baseColorTexture"] = {{"index", 0}};
 }
 
-json Document(const CFileMesh& mesh, const CEncodedPicture& picture, const std::string& name, CBinaryChunk& chunk) {
+// The numbers of the mesh and what the document says of each kind; not whole where it has been cancelled.
+json AddNumbers(const CFileMesh& mesh, const CExportSteps& steps, CBinaryChunk& chunk) {
   std::vector<std::array<float, 3>> turned(mesh.m_aPositions.size());
   const auto turn = [](const std::array<float, 3>& p) { return Turned(p, UpAxis::Y); };
   std::ranges::transform(mesh.m_aPositions, turned.begin(), turn);
@@ -102,8 +103,10 @@ json Document(const CFileMesh& mesh, const CEncodedPicture& picture, const std::
   json accessors = json::array();
   accessors.push_back(Accessor(chunk.Add(rows, kVertices), kFloats, rows.size(), "VEC3"));
   AddBounds(rows, accessors.back());
+  if (!steps.Goes(0.2)) return accessors;
   std::ranges::transform(mesh.m_aNormals, turned.begin(), turn);
   accessors.push_back(Accessor(chunk.Add(rows, kVertices), kFloats, rows.size(), "VEC3"));
+  if (!steps.Goes(0.4)) return accessors;
   // Rows of a picture run from the top there.
   std::vector<std::array<float, 2>> places(mesh.m_aPicturePlaces.size());
   std::ranges::transform(mesh.m_aPicturePlaces, places.begin(), [](const std::array<float, 2>& p) {
@@ -113,6 +116,11 @@ json Document(const CFileMesh& mesh, const CEncodedPicture& picture, const std::
       Accessor(chunk.Add(std::span<const std::array<float, 2>>(places), kVertices), kFloats, places.size(), "VEC2"));
   const std::span<const std::array<std::uint32_t, 3>> triangles(mesh.m_aTriangles);
   accessors.push_back(Accessor(chunk.Add(triangles, kIndices), kUnsigned, 3 * triangles.size(), "SCALAR"));
+  return accessors;
+}
+
+json Document(const CFileMesh& mesh, const CEncodedPicture& picture, const std::string& name, json accessors,
+              CBinaryChunk& chunk) {
   // An array of one thing is named as such: in braces alone compilers take it for the thing.
   json document;
   document["asset"] = {{"version", "2.0"}, {"generator", "relievo"}};
@@ -134,12 +142,16 @@ json Document(const CFileMesh& mesh, const CEncodedPicture& picture, const std::
 
 }  // namespace
 
-std::optional<std::string> GlbOf(const CFileMesh& mesh, const CEncodedPicture& picture, const std::string& name) {
+std::optional<std::string> GlbOf(const CFileMesh& mesh, const CEncodedPicture& picture, const std::string& name,
+                                 const CExportSteps& steps) {
   CBinaryChunk chunk;
   chunk.Reserve(mesh.m_aPositions.size() * (3 + 3 + 2) * sizeof(float) +
                 mesh.m_aTriangles.size() * sizeof(mesh.m_aTriangles[0]) + Aligned(picture.m_Bytes.size()));
+  json accessors = AddNumbers(mesh, steps, chunk);
+  if (!steps.Goes(0.7)) return {};
   // What is no UTF-8 in the name of a file is replaced: the format allows nothing else.
-  std::string text = Document(mesh, picture, name, chunk).dump(-1, ' ', false, json::error_handler_t::replace);
+  std::string text =
+      Document(mesh, picture, name, std::move(accessors), chunk).dump(-1, ' ', false, json::error_handler_t::replace);
   text.resize(Aligned(text.size()), ' ');
   constexpr std::size_t kHeaders = 12 + 8 + 8;
   const std::size_t length = kHeaders + text.size() + chunk.Bytes().size();

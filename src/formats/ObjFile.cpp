@@ -56,18 +56,33 @@ class CLines {
   char* m_pEnd = m_acLine.data();
 };
 
+// The lines of all points and faces; those that follow the place where it was cancelled are missing.
+void PutMesh(const CFileMesh& mesh, UpAxis up, const CExportSteps& steps, CLines& lines) {
+  double share = 0;
+  const auto putAll = [&](double until, const auto& rows, const auto& put) {
+    const CExportSteps part = steps.Part(share, until);
+    share = until;
+    return part.ForBlocks(rows.size(), [&](std::size_t begin, std::size_t end) {
+      for (std::size_t k = begin; k < end; ++k) put(rows[k]);
+    });
+  };
+  using CPoint = std::array<float, 3>;
+  putAll(0.25, mesh.m_aPositions, [&](const CPoint& p) { lines.Put("v", Turned(p, up)); }) &&
+      putAll(0.4, mesh.m_aPicturePlaces, [&](const std::array<float, 2>& p) { lines.Put("vt", p); }) &&
+      putAll(0.7, mesh.m_aNormals, [&](const CPoint& n) { lines.Put("vn", Turned(n, up)); }) &&
+      putAll(1, mesh.m_aTriangles, [&](const std::array<std::uint32_t, 3>& t) { lines.PutFace(t); });
+}
+
 }  // namespace
 
-CObjTexts ObjOf(const CFileMesh& mesh, const std::string& material, const std::string& picture, UpAxis up) {
+CObjTexts ObjOf(const CFileMesh& mesh, const std::string& material, const std::string& picture, UpAxis up,
+                const CExportSteps& steps) {
   CObjTexts texts;
   std::string& text = texts.m_Model;
   text = "# made by relievo\n# middle " + ShortestText(mesh.m_afMiddle[0]) + ' ' + ShortestText(mesh.m_afMiddle[1]) +
          "\n# scale " + ShortestText(mesh.m_fScale) + "\nmtllib " + material + "\nusemtl photograph\n";
   CLines lines(text);
-  for (const std::array<float, 3>& p : mesh.m_aPositions) lines.Put("v", Turned(p, up));
-  for (const std::array<float, 2>& p : mesh.m_aPicturePlaces) lines.Put("vt", p);
-  for (const std::array<float, 3>& n : mesh.m_aNormals) lines.Put("vn", Turned(n, up));
-  for (const std::array<std::uint32_t, 3>& triangle : mesh.m_aTriangles) lines.PutFace(triangle);
+  PutMesh(mesh, up, steps, lines);
   texts.m_Material = "newmtl photograph\nKa 0 0 0\nKd 1 1 1\nKs 0 0 0\nillum 1\n";
   if (!picture.empty()) texts.m_Material += "map_Kd " + picture + '\n';
   return texts;

@@ -36,29 +36,38 @@ char* Put(const Row& row, char* out) {
   return out + sizeof(row);
 }
 
+// The numbers of a vertex, and its colours where there is a picture.
+char* PutVertex(const CFileMesh& mesh, std::size_t v, const CPicture& picture, UpAxis up, char* out) {
+  out = Put(Turned(mesh.m_aPositions[v], up), out);
+  out = Put(Turned(mesh.m_aNormals[v], up), out);
+  const std::array<float, 2>& place = mesh.m_aPicturePlaces[v];
+  out = Put(place, out);
+  if (picture.m_aPixels.empty()) return out;
+  const std::size_t pixel = PixelAt(place[1], picture.m_iHeight) * static_cast<std::size_t>(picture.m_iWidth) +
+                            PixelAt(place[0], picture.m_iWidth);
+  return std::copy_n(&picture.m_aPixels[3 * pixel], 3, out);
+}
+
 }  // namespace
 
-std::string PlyOf(const CFileMesh& mesh, const CPicture& picture, UpAxis up) {
+std::string PlyOf(const CFileMesh& mesh, const CPicture& picture, UpAxis up, const CExportSteps& steps) {
   constexpr std::size_t kNumbers = 8 * sizeof(float);
   constexpr std::size_t kFace = 1 + 3 * sizeof(std::uint32_t);
   const bool colours = !picture.m_aPixels.empty();
   std::string bytes = Header(mesh, colours);
-  const std::size_t begin = bytes.size();
-  bytes.resize(begin + mesh.m_aPositions.size() * (kNumbers + (colours ? 3 : 0)) + mesh.m_aTriangles.size() * kFace);
-  char* out = bytes.data() + begin;
-  for (std::size_t v = 0; v < mesh.m_aPositions.size(); ++v) {
-    out = Put(Turned(mesh.m_aPositions[v], up), out);
-    out = Put(Turned(mesh.m_aNormals[v], up), out);
-    const std::array<float, 2>& place = mesh.m_aPicturePlaces[v];
-    out = Put(place, out);
-    if (!colours) continue;
-    const std::size_t pixel = PixelAt(place[1], picture.m_iHeight) * static_cast<std::size_t>(picture.m_iWidth) +
-                              PixelAt(place[0], picture.m_iWidth);
-    out = std::copy_n(&picture.m_aPixels[3 * pixel], 3, out);
-  }
-  for (const std::array<std::uint32_t, 3>& triangle : mesh.m_aTriangles) {
-    *out++ = 3;
-    out = Put(triangle, out);
-  }
+  const std::size_t header = bytes.size();
+  bytes.resize(header + mesh.m_aPositions.size() * (kNumbers + (colours ? 3 : 0)) + mesh.m_aTriangles.size() * kFace);
+  char* out = bytes.data() + header;
+  const auto putVertices = [&](std::size_t begin, std::size_t end) {
+    for (std::size_t v = begin; v < end; ++v) out = PutVertex(mesh, v, picture, up, out);
+  };
+  const auto putFaces = [&](std::size_t begin, std::size_t end) {
+    for (std::size_t t = begin; t < end; ++t) {
+      *out++ = 3;
+      out = Put(mesh.m_aTriangles[t], out);
+    }
+  };
+  if (steps.Part(0, 0.5).ForBlocks(mesh.m_aPositions.size(), putVertices))
+    steps.Part(0.5, 1).ForBlocks(mesh.m_aTriangles.size(), putFaces);
   return bytes;
 }

@@ -33,17 +33,21 @@ char* Put(const Value& value, char* out) {
 
 }  // namespace
 
-std::string StlOf(const CFileMesh& mesh, UpAxis up) {
+std::string StlOf(const CFileMesh& mesh, UpAxis up, const CExportSteps& steps) {
   constexpr std::size_t kTriangle = 12 * sizeof(float) + sizeof(std::uint16_t);
   // It must not begin with "solid", which is the mark of the text form.
   std::string bytes = "relievo";
   bytes.resize(kHeader + sizeof(std::uint32_t) + mesh.m_aTriangles.size() * kTriangle);
   char* out = Put(static_cast<std::uint32_t>(mesh.m_aTriangles.size()), bytes.data() + kHeader);
-  for (const std::array<std::uint32_t, 3>& triangle : mesh.m_aTriangles) {
-    std::array<std::array<float, 3>, 3> corners{};
-    for (std::size_t k = 0; k < corners.size(); ++k) corners[k] = Turned(mesh.m_aPositions[triangle[k]], up);
-    out = Put(NormalOf(corners), out);
-    out = Put(corners, out) + sizeof(std::uint16_t);
-  }
+  const auto put = [&](std::size_t begin, std::size_t end) {
+    for (std::size_t t = begin; t < end; ++t) {
+      std::array<std::array<float, 3>, 3> corners{};
+      for (std::size_t k = 0; k < corners.size(); ++k)
+        corners[k] = Turned(mesh.m_aPositions[mesh.m_aTriangles[t][k]], up);
+      out = Put(NormalOf(corners), out);
+      out = Put(corners, out) + sizeof(std::uint16_t);
+    }
+  };
+  steps.ForBlocks(mesh.m_aTriangles.size(), put);
   return bytes;
 }

@@ -44,12 +44,31 @@ CCleanMeshOptions MeshOptions(const CExportSettings& settings) {
   return {settings.m_Gap, settings.m_fScale.value_or(1), settings.m_fScale.value_or(1) * settings.m_fHeightScale};
 }
 
-CSaveOutcome WriteGlb(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
-  const CFileMesh mesh = CleanFileMesh(grid, MeshOptions(settings));
+// What the parts of every export take: the mesh, the bytes of its files, and writing them.
+CExportSteps Steps(const CExportSettings& settings) { return CExportSteps(settings.m_pProgress); }
+CExportSteps MakingMesh(const CExportSettings& settings) { return Steps(settings).Part(0, 0.4); }
+CExportSteps Encoding(const CExportSettings& settings) { return Steps(settings).Part(0.4, 0.7); }
+
+CSaveOutcome Save(std::span<const CNewFile> files, const CExportSettings& settings) {
+  const CExportSteps writing = Steps(settings).Part(0.7, 1);
+  return SaveTogether(files, [&writing](double share) { return writing.Goes(share); });
+}
+
+// What is wrong with a mesh; nothing where it may be written.
+std::optional<CSaveOutcome> Refused(const CFileMesh& mesh, const std::string& filename,
+                                    const CExportSettings& settings) {
+  if (!Encoding(settings).Goes(0)) return Cancelled(filename);
   if (!IsFinite(mesh)) return NotFinite(filename);
-  std::optional<std::string> bytes = GlbOf(mesh, Encoded(settings), fs::path(filename).stem());
+  return {};
+}
+
+CSaveOutcome WriteGlb(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
+  const CFileMesh mesh = CleanFileMesh(grid, MeshOptions(settings), MakingMesh(settings));
+  if (const auto refused = Refused(mesh, filename, settings)) return *refused;
+  std::optional<std::string> bytes = GlbOf(mesh, Encoded(settings), fs::path(filename).stem(), Encoding(settings));
+  if (!Encoding(settings).Goes(1)) return Cancelled(filename);
   if (!bytes.has_value()) return {"The model is too large for the format. The file " + filename + " is not written."};
-  return SaveTogether(std::array{CNewFile{filename, std::move(*bytes)}});
+  return Save(std::array{CNewFile{filename, std::move(*bytes)}}, settings);
 }
 
 // Other programs take a blank for the end of a name.
@@ -65,31 +84,31 @@ std::vector<std::string> CompanionsOfObj(const std::string& filename) {
 }
 
 CSaveOutcome WriteObj(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
-  const CFileMesh mesh = CleanFileMesh(grid, MeshOptions(settings));
-  if (!IsFinite(mesh)) return NotFinite(filename);
+  const CFileMesh mesh = CleanFileMesh(grid, MeshOptions(settings), MakingMesh(settings));
+  if (const auto refused = Refused(mesh, filename, settings)) return *refused;
   CEncodedPicture picture = Encoded(settings);
   const std::vector<std::string> companions = CompanionsOfObj(filename);
   const std::string pictureName = picture.m_Bytes.empty() ? "" : fs::path(companions[1]).filename().string();
-  CObjTexts texts = ObjOf(mesh, fs::path(companions[0]).filename(), pictureName, *settings.m_Up);
+  CObjTexts texts = ObjOf(mesh, fs::path(companions[0]).filename(), pictureName, *settings.m_Up, Encoding(settings));
   std::vector<CNewFile> files;
   if (!picture.m_Bytes.empty()) files.push_back({companions[1], std::move(picture.m_Bytes)});
   files.push_back({companions[0], std::move(texts.m_Material)});
   files.push_back({filename, std::move(texts.m_Model)});
-  return SaveTogether(files);
+  return Save(files, settings);
 }
 
 CSaveOutcome WritePly(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
-  const CFileMesh mesh = CleanFileMesh(grid, MeshOptions(settings));
-  if (!IsFinite(mesh)) return NotFinite(filename);
+  const CFileMesh mesh = CleanFileMesh(grid, MeshOptions(settings), MakingMesh(settings));
+  if (const auto refused = Refused(mesh, filename, settings)) return *refused;
   const CPicture none;
   const CPicture& picture = settings.m_pPhotograph != nullptr ? settings.m_pPhotograph->m_Picture : none;
-  return SaveTogether(std::array{CNewFile{filename, PlyOf(mesh, picture, *settings.m_Up)}});
+  return Save(std::array{CNewFile{filename, PlyOf(mesh, picture, *settings.m_Up, Encoding(settings))}}, settings);
 }
 
 CSaveOutcome WriteStl(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
-  const CFileMesh mesh = CleanSolid(grid, MeshOptions(settings), settings.m_fBase);
-  if (!IsFinite(mesh)) return NotFinite(filename);
-  return SaveTogether(std::array{CNewFile{filename, StlOf(mesh, *settings.m_Up)}});
+  const CFileMesh mesh = CleanSolid(grid, MeshOptions(settings), settings.m_fBase, MakingMesh(settings));
+  if (const auto refused = Refused(mesh, filename, settings)) return *refused;
+  return Save(std::array{CNewFile{filename, StlOf(mesh, *settings.m_Up, Encoding(settings))}}, settings);
 }
 
 bool EndsWith(std::string_view name, std::string_view suffix) {

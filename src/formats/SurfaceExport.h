@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "formats/CFileMesh.h"
+#include "formats/ExportProgress.h"
 #include "formats/PictureFormats.h"
 #include "mesh/CCleanMesh.h"
 #include "model/CSaveOutcome.h"
@@ -20,6 +21,7 @@ struct CExportSettings {
   double m_fBase = 2.0;                         ///< thickness of a solid below its lowest point, units of the file
   std::optional<UpAxis> m_Up;                   ///< instead of that of the format
   const CReadPicture* m_pPhotograph = nullptr;  ///< null for none
+  ExportProgress* m_pProgress = nullptr;        ///< told how far the export is; null where nobody asks
 };
 
 /// One format for other programs.
@@ -42,5 +44,6 @@ std::span<const CExportFormat> ExportFormats();
 const CExportFormat* ExportFormatOf(const std::string& filename);
 
 /// Writes the surface as it is. Nothing may be pending in the grid. Old files stay until the new ones are complete, and
-/// of several files all are written or none. Refused, with a word, where a height is not finite.
+/// of several files all are written or none. Refused, with a word, where a height is not finite. An export that its
+/// progress cancels leaves nothing behind, and says so.
 CSaveOutcome ExportSurface(const CGrid& grid, const std::string& filename, const CExportSettings& settings);

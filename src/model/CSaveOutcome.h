@@ -7,5 +7,6 @@ struct CSaveOutcome {
   /// Whether the file was written.
   explicit operator bool() const { return m_Trouble.empty(); }
 
-  std::string m_Trouble;  ///< what the user is to be told; empty where all is well
+  std::string m_Trouble;      ///< what the user is to be told; empty where all is well
+  bool m_bCancelled = false;  ///< because the user wanted it no more; the trouble says so
 };

@@ -12,6 +12,7 @@
 #include <random>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
@@ -248,4 +249,63 @@ TEST(SurfaceExportTest, HasOneSurfaceInAllFormats) {
     ++compared;
   }
   EXPECT_GT(compared, 200);
+}
+
+// Progress.
+
+namespace {
+
+// Says no from some question on.
+class CPatience : public ExportProgress {
+ public:
+  explicit CPatience(int questions = std::numeric_limits<int>::max()) : m_iLeft(questions) {}
+  bool Goes(double share) override {
+    m_afShares.push_back(share);
+    return m_iLeft-- > 0;
+  }
+
+  int m_iLeft;
+  std::vector<double> m_afShares;
+};
+
+// An export to such a file that is cancelled at the given question.
+CSaveOutcome ExportCancelledAt(int question, const CGrid& grid, const std::string& file) {
+  const CReadPicture photograph = Photograph();
+  CPatience patience(question);
+  CExportSettings settings;
+  settings.m_pPhotograph = &photograph;
+  settings.m_pProgress = &patience;
+  return ExportSurface(grid, file, settings);
+}
+
+}  // namespace
+
+TEST(SurfaceExportTest, TellsItsSharesInOrder) {
+  const CTemporaryDirectory directory;
+  CTornGrid grid({});
+  for (const CExportFormat& format : ExportFormats()) {
+    CPatience patience;
+    CExportSettings settings;
+    settings.m_pProgress = &patience;
+    ASSERT_TRUE(ExportSurface(grid.m_Grid, directory.File(std::string("a") + format.m_pSuffix), settings));
+    EXPECT_TRUE(std::ranges::is_sorted(patience.m_afShares)) << format.m_pSuffix;
+    EXPECT_GE(patience.m_afShares.front(), 0);
+    EXPECT_NEAR(patience.m_afShares.back(), 1, 1e-12) << format.m_pSuffix;
+  }
+}
+
+TEST(SurfaceExportTest, LeavesNothingBehindWhereverItIsCancelled) {
+  CTornGrid grid({});
+  for (const CExportFormat& format : ExportFormats()) {
+    const CTemporaryDirectory directory;
+    const std::string file = directory.File(std::string("a") + format.m_pSuffix);
+    int question = 0;
+    CSaveOutcome outcome = ExportCancelledAt(question, grid.m_Grid, file);
+    for (; !outcome; outcome = ExportCancelledAt(++question, grid.m_Grid, file)) {
+      EXPECT_EQ(outcome.m_Trouble, "Cancelled. The file " + file + " is not written.");
+      EXPECT_TRUE(outcome.m_bCancelled);
+      EXPECT_TRUE(std::filesystem::is_empty(directory.Path())) << format.m_pSuffix << " at " << question;
+    }
+    EXPECT_GT(question, 3) << format.m_pSuffix;
+  }
 }

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+/// Whom a long export tells how far it is, and asks whether it is still wanted.
+class ExportProgress {
+ public:
+  ExportProgress() = default;
+  ExportProgress(const ExportProgress&) = delete;
+  ExportProgress& operator=(const ExportProgress&) = delete;
+  virtual ~ExportProgress() = default;
+
+  /// A share of the export, from 0 to 1, is done. False once the export has been cancelled, and from then on: the
+  /// writer leaves nothing behind. Called several times a second.
+  virtual bool Goes(double share) = 0;
+};
+
+/// The whole of an export or a part of it that follows others, for the function that does it.
+class CExportSteps {
+ public:
+  /// A null progress is never cancelled.
+  CExportSteps() = default;
+  explicit CExportSteps(ExportProgress* progress) : m_pProgress(progress) {}
+
+  /// The part between two shares of this one.
+  CExportSteps Part(double from, double to) const {
+    CExportSteps part(m_pProgress);
+    part.m_fFrom = m_fFrom + from * m_fLength;
+    part.m_fLength = (to - from) * m_fLength;
+    return part;
+  }
+
+  /// That a share of this part is done; false where the export has been cancelled.
+  bool Goes(double share) const { return m_pProgress == nullptr || m_pProgress->Goes(m_fFrom + share * m_fLength); }
+
+  /// Does a count of like things in blocks, `work(begin, end)` for each, and asks before each; false where the export
+  /// has been cancelled.
+  template <typename Work>
+  bool ForBlocks(std::size_t count, const Work& work) const {
+    constexpr std::size_t kBlock = std::size_t{1} << 16;
+    for (std::size_t begin = 0; begin < count; begin += kBlock) {
+      if (!Goes(static_cast<double>(begin) / static_cast<double>(count))) return false;
+      work(begin, std::min(count, begin + kBlock));
+    }
+    return Goes(1);
+  }
+
+ private:
+  ExportProgress* m_pProgress = nullptr;
+  double m_fFrom = 0.0;
+  double m_fLength = 1.0;
+};
