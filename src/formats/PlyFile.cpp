@@ -1,16 +1,13 @@
 #include "formats/PlyFile.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
-#include <cstring>
 #include <iterator>
 
 #include "base/NumberText.h"
+#include "formats/RawNumbers.h"
 
 namespace {
-
-static_assert(std::endian::native == std::endian::little, "the format's numbers are copied as they are in memory");
 
 std::string Header(const CFileMesh& mesh, bool colours) {
   std::string text = "ply\nformat binary_little_endian 1.0\ncomment made by relievo\n";
@@ -30,18 +27,12 @@ std::size_t PixelAt(float place, int side) {
   return static_cast<std::size_t>(std::clamp(static_cast<int>(place * static_cast<float>(side)), 0, side - 1));
 }
 
-template <typename Row>
-char* Put(const Row& row, char* out) {
-  std::memcpy(out, row.data(), sizeof(row));
-  return out + sizeof(row);
-}
-
 // The numbers of a vertex, and its colours where there is a picture.
 char* PutVertex(const CFileMesh& mesh, std::size_t v, const CPicture& picture, UpAxis up, char* out) {
-  out = Put(Turned(mesh.m_aPositions[v], up), out);
-  out = Put(Turned(mesh.m_aNormals[v], up), out);
+  out = PutRaw(Turned(mesh.m_aPositions[v], up), out);
+  out = PutRaw(Turned(mesh.m_aNormals[v], up), out);
   const std::array<float, 2>& place = mesh.m_aPicturePlaces[v];
-  out = Put(place, out);
+  out = PutRaw(place, out);
   if (picture.m_aPixels.empty()) return out;
   const std::size_t pixel = PixelAt(place[1], picture.m_iHeight) * static_cast<std::size_t>(picture.m_iWidth) +
                             PixelAt(place[0], picture.m_iWidth);
@@ -64,7 +55,7 @@ std::string PlyOf(const CFileMesh& mesh, const CPicture& picture, UpAxis up, con
   const auto putFaces = [&](std::size_t begin, std::size_t end) {
     for (std::size_t t = begin; t < end; ++t) {
       *out++ = 3;
-      out = Put(mesh.m_aTriangles[t], out);
+      out = PutRaw(mesh.m_aTriangles[t], out);
     }
   };
   if (steps.Part(0, 0.5).ForBlocks(mesh.m_aPositions.size(), putVertices))

@@ -1,15 +1,12 @@
 #include "formats/StlFile.h"
 
-#include <bit>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 
 #include "base/Vector3.h"
+#include "formats/RawNumbers.h"
 
 namespace {
-
-static_assert(std::endian::native == std::endian::little, "the format's numbers are copied as they are in memory");
 
 constexpr std::size_t kHeader = 80;
 
@@ -25,12 +22,6 @@ std::array<float, 3> NormalOf(const std::array<std::array<float, 3>, 3>& corners
           static_cast<float>(normal.z / length)};
 }
 
-template <typename Value>
-char* Put(const Value& value, char* out) {
-  std::memcpy(out, &value, sizeof(value));
-  return out + sizeof(value);
-}
-
 }  // namespace
 
 std::string StlOf(const CFileMesh& mesh, UpAxis up, const CExportSteps& steps) {
@@ -38,14 +29,14 @@ std::string StlOf(const CFileMesh& mesh, UpAxis up, const CExportSteps& steps) {
   // It must not begin with "solid", which is the mark of the text form.
   std::string bytes = "relievo";
   bytes.resize(kHeader + sizeof(std::uint32_t) + mesh.m_aTriangles.size() * kTriangle);
-  char* out = Put(static_cast<std::uint32_t>(mesh.m_aTriangles.size()), bytes.data() + kHeader);
+  char* out = PutRaw(static_cast<std::uint32_t>(mesh.m_aTriangles.size()), bytes.data() + kHeader);
   const auto put = [&](std::size_t begin, std::size_t end) {
     for (std::size_t t = begin; t < end; ++t) {
       std::array<std::array<float, 3>, 3> corners{};
       for (std::size_t k = 0; k < corners.size(); ++k)
         corners[k] = Turned(mesh.m_aPositions[mesh.m_aTriangles[t][k]], up);
-      out = Put(NormalOf(corners), out);
-      out = Put(corners, out) + sizeof(std::uint16_t);
+      out = PutRaw(NormalOf(corners), out);
+      out = PutRaw(corners, out) + sizeof(std::uint16_t);
     }
   };
   steps.ForBlocks(mesh.m_aTriangles.size(), put);
