@@ -21,16 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The bytes that any other program shows as the photograph.
-CEncodedPicture Encoded(const CExportSettings& settings) {
-  if (settings.m_pPhotograph == nullptr || settings.m_pPhotograph->m_Picture.m_aPixels.empty()) return {};
-  if (settings.m_pPhotograph->m_pJpeg != nullptr) return {*settings.m_pPhotograph->m_pJpeg, "image/jpeg"};
-  // A picture too large for a JPEG is none for a PNG.
-  std::string jpeg = JpegOf(settings.m_pPhotograph->m_Picture);
-  if (!jpeg.empty()) return {std::move(jpeg), "image/jpeg"};
-  return {PngOf(settings.m_pPhotograph->m_Picture), "image/png"};
-}
-
 bool IsFinite(const CFileMesh& mesh) {
   const auto isFinite = [](float coordinate) { return std::isfinite(coordinate); };
   return std::ranges::all_of(mesh.m_aPositions, [&](const auto& p) { return std::ranges::all_of(p, isFinite); });
@@ -63,9 +53,9 @@ std::optional<CSaveOutcome> Refused(const CFileMesh& mesh, const std::string& fi
 }
 
 CSaveOutcome WriteGlb(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
-  const CFileMesh mesh = CleanFileMesh(grid, MeshOptions(settings), MakingMesh(settings));
+  const CFileMesh mesh = MeshOf(grid, ExportContent::Surface, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
-  std::optional<std::string> bytes = GlbOf(mesh, Encoded(settings), fs::path(filename).stem(), Encoding(settings));
+  std::optional<std::string> bytes = GlbOf(mesh, TextureOf(settings), fs::path(filename).stem(), Encoding(settings));
   if (!Encoding(settings).Goes(1)) return Cancelled(filename);
   if (!bytes.has_value()) return {"The model is too large for the format. The file " + filename + " is not written."};
   return Save(std::array{CNewFile{filename, std::move(*bytes)}}, settings);
@@ -84,9 +74,9 @@ std::vector<std::string> CompanionsOfObj(const std::string& filename) {
 }
 
 CSaveOutcome WriteObj(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
-  const CFileMesh mesh = CleanFileMesh(grid, MeshOptions(settings), MakingMesh(settings));
+  const CFileMesh mesh = MeshOf(grid, ExportContent::Surface, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
-  CEncodedPicture picture = Encoded(settings);
+  CEncodedPicture picture = TextureOf(settings);
   const std::vector<std::string> companions = CompanionsOfObj(filename);
   const std::string pictureName = picture.m_Bytes.empty() ? "" : fs::path(companions[1]).filename().string();
   CObjTexts texts = ObjOf(mesh, fs::path(companions[0]).filename(), pictureName, *settings.m_Up, Encoding(settings));
@@ -98,7 +88,7 @@ CSaveOutcome WriteObj(const CGrid& grid, const std::string& filename, const CExp
 }
 
 CSaveOutcome WritePly(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
-  const CFileMesh mesh = CleanFileMesh(grid, MeshOptions(settings), MakingMesh(settings));
+  const CFileMesh mesh = MeshOf(grid, ExportContent::Surface, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
   const CPicture none;
   const CPicture& picture = settings.m_pPhotograph != nullptr ? settings.m_pPhotograph->m_Picture : none;
@@ -106,7 +96,7 @@ CSaveOutcome WritePly(const CGrid& grid, const std::string& filename, const CExp
 }
 
 CSaveOutcome WriteStl(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
-  const CFileMesh mesh = CleanSolid(grid, MeshOptions(settings), settings.m_fBase, MakingMesh(settings));
+  const CFileMesh mesh = MeshOf(grid, ExportContent::Solid, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
   return Save(std::array{CNewFile{filename, StlOf(mesh, *settings.m_Up, Encoding(settings))}}, settings);
 }
@@ -119,13 +109,52 @@ bool EndsWith(std::string_view name, std::string_view suffix) {
 
 }  // namespace
 
+CFileMesh MeshOf(const CGrid& grid, ExportContent content, const CExportSettings& settings, const CExportSteps& steps) {
+  return content == ExportContent::Solid ? CleanSolid(grid, MeshOptions(settings), settings.m_fBase, steps)
+                                         : CleanFileMesh(grid, MeshOptions(settings), steps);
+}
+
+CEncodedPicture TextureOf(const CExportSettings& settings) {
+  if (settings.m_pPhotograph == nullptr || settings.m_pPhotograph->m_Picture.m_aPixels.empty()) return {};
+  if (settings.m_pPhotograph->m_pJpeg != nullptr) return {*settings.m_pPhotograph->m_pJpeg, "image/jpeg"};
+  // A picture too large for a JPEG is none for a PNG.
+  std::string jpeg = JpegOf(settings.m_pPhotograph->m_Picture);
+  if (!jpeg.empty()) return {std::move(jpeg), "image/jpeg"};
+  return {PngOf(settings.m_pPhotograph->m_Picture), "image/png"};
+}
+
 std::span<const CExportFormat> ExportFormats() {
   constexpr double kMetres = 0.01;
+  constexpr unsigned kSize = ExportSetting::kScale | ExportSetting::kHeightScale;
+  constexpr unsigned kMesh = ExportSetting::kTears | ExportSetting::kTexture | kSize;
   static constexpr auto kFormats = std::to_array<CExportFormat>({
-      {".glb", "binary glTF", kMetres, UpAxis::Y, WriteGlb},
-      {".obj", "Wavefront OBJ", 1, UpAxis::Y, WriteObj, CompanionsOfObj},
-      {".ply", "PLY", 1, UpAxis::Z, WritePly},
-      {".stl", "solid for printing", 1, UpAxis::Z, WriteStl},
+      {.m_pSuffix = ".glb",
+       .m_pName = "binary glTF",
+       .m_fScale = kMetres,
+       .m_Up = UpAxis::Y,
+       .m_pWrite = WriteGlb,
+       .m_uReads = kMesh,
+       .m_pUnit = "m",
+       .m_Bytes = {.m_fFile = 1100, .m_fVertex = 32, .m_fTriangle = 12, .m_fPicture = 1}},
+      {.m_pSuffix = ".obj",
+       .m_pName = "Wavefront OBJ",
+       .m_Up = UpAxis::Y,
+       .m_pWrite = WriteObj,
+       .m_uReads = kMesh | ExportSetting::kUp,
+       .m_Bytes = {.m_fFile = 200, .m_fVertex = 88, .m_fTriangle = 11, .m_fDigit = 9, .m_fPicture = 1},
+       .m_pCompanions = CompanionsOfObj},
+      {.m_pSuffix = ".ply",
+       .m_pName = "PLY",
+       .m_pWrite = WritePly,
+       .m_uReads = kMesh | ExportSetting::kUp,
+       .m_Bytes = {.m_fFile = 400, .m_fVertex = 35, .m_fTriangle = 13}},
+      {.m_pSuffix = ".stl",
+       .m_pName = "solid for printing",
+       .m_pWrite = WriteStl,
+       .m_Content = ExportContent::Solid,
+       .m_uReads = kSize | ExportSetting::kUp | ExportSetting::kBase,
+       .m_pUnit = "mm",
+       .m_Bytes = {.m_fFile = 84, .m_fTriangle = 50}},
   });
   return kFormats;
 }

@@ -24,6 +24,31 @@ struct CExportSettings {
   ExportProgress* m_pProgress = nullptr;        ///< told how far the export is; null where nobody asks
 };
 
+/// What a format looks at of the settings; the window offers no more than that.
+namespace ExportSetting {
+inline constexpr unsigned kTears = 1;
+inline constexpr unsigned kUp = 2;
+inline constexpr unsigned kScale = 4;
+inline constexpr unsigned kHeightScale = 8;
+inline constexpr unsigned kBase = 16;
+inline constexpr unsigned kTexture = 32;
+inline constexpr unsigned kResolution = 64;
+inline constexpr unsigned kGreen = 128;
+}  // namespace ExportSetting
+
+/// What a format holds: the surface as triangles, a solid below it, or a picture with a sample of it in each pixel.
+enum class ExportContent { Surface, Solid, Samples };
+
+/// How many bytes the parts of a file take, in the mean where numbers are text or bytes are packed.
+struct CExportBytes {
+  double m_fFile = 0.0;  ///< whatever is in it
+  double m_fVertex = 0.0;
+  double m_fTriangle = 0.0;
+  double m_fDigit = 0.0;  ///< for each triangle and each digit of the number of vertices
+  double m_fSample = 0.0;
+  double m_fPicture = 0.0;  ///< for each byte of the encoded texture; 0 where it is left out
+};
+
 /// One format for other programs.
 struct CExportFormat {
   using Write = CSaveOutcome(const CGrid& grid, const std::string& filename, const CExportSettings& settings);
@@ -33,9 +58,20 @@ struct CExportFormat {
   double m_fScale = 1.0;  ///< units of the file in a model unit, where the user says nothing
   UpAxis m_Up = UpAxis::Z;
   Write* m_pWrite = nullptr;
+  ExportContent m_Content = ExportContent::Surface;
+  unsigned m_uReads = 0;     ///< ExportSetting bits
+  const char* m_pUnit = "";  ///< that its lengths are in
+  CExportBytes m_Bytes = {};
   /// The files that such an export makes beside its own; null for none.
   std::vector<std::string> (*m_pCompanions)(const std::string& filename) = nullptr;
 };
+
+/// The mesh that a format with triangles writes.
+CFileMesh MeshOf(const CGrid& grid, ExportContent content, const CExportSettings& settings,
+                 const CExportSteps& steps = {});
+
+/// The texture as the bytes of a file that any other program shows; none where there is no photograph.
+CEncodedPicture TextureOf(const CExportSettings& settings);
 
 /// The formats.
 std::span<const CExportFormat> ExportFormats();
