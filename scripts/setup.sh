@@ -4,7 +4,7 @@
 # packages_for run|test|ci: what the command needs beyond a bare Debian 12, one name per line.
 packages_for() {
   # To build; then to show a window: software rendering, a font, xdpyinfo.
-  printf '%s\n' cmake g++ ninja-build libcli11-dev libegl-dev libfltk1.3-dev libgl-dev libglu1-mesa-dev libheif-dev libjpeg62-turbo-dev liblcms2-dev libpng-dev libtiff-dev libwebp-dev libzip-dev nlohmann-json3-dev
+  printf '%s\n' cmake g++ ninja-build libcli11-dev libegl-dev libfltk1.3-dev libgl-dev libglu1-mesa-dev libheif-dev libjpeg62-turbo-dev libjs-three liblcms2-dev libpng-dev libtiff-dev libwebp-dev libzip-dev nlohmann-json3-dev
   printf '%s\n' libgl1-mesa-dri fonts-dejavu-core x11-utils
   if [[ $1 != run ]]; then
     printf '%s\n' clang-format-14 libbenchmark-dev libboost-dev libcoin-dev libeigen3-dev libgtest-dev librapidcheck-dev libtinygltf-dev libtinyobjloader-dev libx11-dev
@@ -71,6 +71,20 @@ need_packages() {
     tail -n 15 "$log" >&2
     rm -f "$log"
     die "installing packages failed (see above); is the network reachable?"
+  fi
+  rm -f "$log"
+}
+
+# want_package package purpose: installs one that some tests use and pass over without. Whatever fails is said and no more.
+want_package() {
+  local status log
+  status=$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) || status=
+  if [[ $status == installed ]]; then return; fi
+  say "installing $1, $2"
+  log=$(mktemp)
+  if ! command -v apt-get >/dev/null || { apt "$log" update || true; ! apt "$log" install --no-install-recommends "$1"; }; then
+    tail -n 3 "$log" >&2
+    say "$1 could not be installed: the tests that use it are passed over"
   fi
   rm -f "$log"
 }

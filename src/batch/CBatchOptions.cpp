@@ -164,7 +164,7 @@ void AddExports(CLI::App& app, CBatchOptions& options) {
       ->check(CLI::IsMember(kAxes))
       ->needs(output);
   const auto scale = [&settings](double value) { settings.m_fScale = value; };
-  AddFactor(app, "--scale", "Units of the file in a model unit (default 0.01 metres in a .glb, else 1)", scale,
+  AddFactor(app, "--scale", "Units of the file in a model unit (default 0.01 metres in a .glb or .html, else 1)", scale,
             *output);
   const auto heights = [&settings](double value) { settings.m_fHeightScale = value; };
   AddFactor(app, "--height-scale", "Factor for heights (default 1)", heights, *output);

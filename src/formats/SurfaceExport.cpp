@@ -10,6 +10,7 @@
 
 #include "formats/CleanFileMesh.h"
 #include "formats/GlbFile.h"
+#include "formats/HtmlFile.h"
 #include "formats/JpegFile.h"
 #include "formats/ObjFile.h"
 #include "formats/PlyFile.h"
@@ -60,6 +61,21 @@ CSaveOutcome WriteGlb(const CGrid& grid, const std::string& filename, const CExp
   if (!bytes.has_value()) return {"The model is too large for the format. The file " + filename + " is not written."};
   return Save(std::array{CNewFile{filename, std::move(*bytes)}}, settings);
 }
+
+#ifdef RELIEVO_PAGE
+CSaveOutcome WriteHtml(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
+  const CFileMesh mesh = MeshOf(grid, ExportContent::Surface, settings, MakingMesh(settings));
+  if (const auto refused = Refused(mesh, filename, settings)) return *refused;
+  const std::string title = fs::path(filename).stem();
+  std::optional<std::string> glb = GlbOf(mesh, TextureOf(settings), title, Encoding(settings).Part(0, 0.5));
+  std::optional<std::string> page;
+  if (glb.has_value()) page = HtmlOf({title, std::move(*glb), "Photograph", {}}, Encoding(settings).Part(0.5, 0.95));
+  if (!Encoding(settings).Goes(1)) return Cancelled(filename);
+  if (!page.has_value())
+    return {"The model has more than the 300 MB that a page may hold. The file " + filename + " is not written."};
+  return Save(std::array{CNewFile{filename, std::move(*page)}}, settings);
+}
+#endif
 
 // Other programs take a blank for the end of a name.
 std::string CompanionOf(const std::string& filename, const char* suffix) {
@@ -155,6 +171,17 @@ std::span<const CExportFormat> ExportFormats() {
        .m_uReads = kSize | ExportSetting::kUp | ExportSetting::kBase,
        .m_pUnit = "mm",
        .m_Bytes = {.m_fFile = 84, .m_fTriangle = 50}},
+#ifdef RELIEVO_PAGE
+      // Base64 takes four characters for three bytes of a .glb.
+      {.m_pSuffix = ".html",
+       .m_pName = "web page",
+       .m_fScale = kMetres,
+       .m_Up = UpAxis::Y,
+       .m_pWrite = WriteHtml,
+       .m_uReads = kMesh,
+       .m_pUnit = "m",
+       .m_Bytes = {.m_fFile = 969000, .m_fVertex = 128.0 / 3, .m_fTriangle = 16, .m_fPicture = 4.0 / 3}},
+#endif
   });
   return kFormats;
 }
