@@ -25,6 +25,11 @@ const std::map<std::string, WaveletMode> kModes{
 const std::map<std::string, CBatchOptions::Report> kReports{{"json", CBatchOptions::Report::Json},
                                                             {"text", CBatchOptions::Report::Text}};
 const std::map<std::string, TearGap> kGaps{{"open", TearGap::Open}, {"wall", TearGap::Wall}};
+const std::map<std::string, ExportTexture> kTextures{{"photograph", ExportTexture::Photograph},
+                                                     {"albedo", ExportTexture::Albedo},
+                                                     {"relit", ExportTexture::Relit},
+                                                     {"none", ExportTexture::None}};
+const std::map<std::string, bool> kGreenDown{{"up", false}, {"down", true}};
 const std::map<std::string, UpAxis> kAxes{{"y", UpAxis::Y}, {"z", UpAxis::Z}};
 
 // Digits and nothing else, of a number that the type holds.
@@ -146,6 +151,36 @@ std::string UnknownFormat(const std::string& filename) {
   return text;
 }
 
+// What pictures are made for an export, and of how many samples.
+void AddPictures(CLI::App& app, CExportSettings& settings, CLI::Option& output) {
+  AddChoice(app, "--texture", settings.m_Texture, kTextures,
+            "Picture on the surface in .glb, .obj and .ply: photograph (default), albedo, relit or none")
+      ->needs(&output);
+  const auto readResolution = [&settings](const std::string& text) {
+    CSampleGrid grid;
+    if (!ReadSize(text, grid.m_iWidth, grid.m_iHeight) || std::max(grid.m_iWidth, grid.m_iHeight) > CSampleGrid::kMost)
+      throw CLI::ValidationError("--resolution", "WxH with whole numbers from 2 to " +
+                                                     std::to_string(CSampleGrid::kMost) + " is expected, not '" + text +
+                                                     "'");
+    settings.m_Resolution = grid;
+  };
+  const std::string resolution = "Samples of maps of heights and normals, instead of the points of the lattice";
+  app.add_option_function<std::string>("--resolution", readResolution, resolution)->type_name("WxH")->needs(&output);
+  AddChoice(app, "--green", settings.m_bGreenDown, kGreenDown,
+            "Where green looks in a map of normals: up (default) or down")
+      ->needs(&output);
+}
+
+// Why a resolution cannot be had: meshes keep that of the grid, whose leaves end at its tears.
+std::string UselessResolution(const CBatchOptions& options) {
+  const auto isMap = [](const std::string& filename) {
+    return (ExportFormatOf(filename)->m_uReads & ExportSetting::kResolution) != 0;
+  };
+  if (!options.m_Exporting.m_Resolution.has_value() || std::ranges::any_of(options.m_asExports, isMap)) return {};
+  return "--resolution is for maps of heights and normals (.png, .tif, .pfm, -normal.png); a mesh has the grid's own "
+         "leaves";
+}
+
 void AddExports(CLI::App& app, CBatchOptions& options) {
   CExportSettings& settings = options.m_Exporting;
   std::string formats = "Write the surface for other programs, in the format of the name:";
@@ -170,6 +205,7 @@ void AddExports(CLI::App& app, CBatchOptions& options) {
   AddFactor(app, "--height-scale", "Factor for heights (default 1)", heights, *output);
   const auto base = [&settings](double value) { settings.m_fBase = value; };
   AddFactor(app, "--base", "Thickness of a solid below its lowest point, units of the file (default 2)", base, *output);
+  AddPictures(app, settings, *output);
 }
 
 void AddOutputs(CLI::App& app, CBatchOptions& options) {
@@ -207,6 +243,8 @@ CParsedOptions ParseOptions(int argc, const char* const* argv) {
     app.parse(argc, argv);
     if (const std::string conflict = OutputConflict(parsed.m_Options); !conflict.empty())
       throw CLI::ValidationError(conflict);
+    if (const std::string useless = UselessResolution(parsed.m_Options); !useless.empty())
+      throw CLI::ValidationError(useless);
   } catch (const CLI::ParseError& end) {
     parsed.m_ExitStatus = app.exit(end) == 0 ? ExitStatus::kDone : ExitStatus::kUsage;
   }

@@ -154,6 +154,8 @@ bool CBatchRun::WriteOutputs() {
   }
   CExportSettings exporting = m_Options.m_Exporting;
   exporting.m_pPhotograph = &m_Photograph;
+  CExportPictures pictures(m_Grid, &m_Photograph);
+  exporting.m_pPictures = &pictures;
   CShownProgress progress(!m_Options.m_bQuiet, [this] { EndIfAsked(); });
   exporting.m_pProgress = &progress;
   for (const std::string& file : m_Options.m_asExports) {

@@ -45,7 +45,8 @@ std::vector<CNamedFile> OutputsOf(const CBatchOptions& options) {
     add("--export", file);
     const CExportFormat* format = ExportFormatOf(file);
     if (format->m_pCompanions == nullptr) continue;
-    for (const std::string& companion : format->m_pCompanions(file)) add("a file beside --export " + file, companion);
+    for (const std::string& companion : format->m_pCompanions(file, options.m_Exporting))
+      add("a file beside --export " + file, companion);
   }
   return outputs;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 /// Whom a long export tells how far it is, and asks whether it is still wanted.
@@ -26,13 +27,13 @@ class CExportSteps {
   /// The part between two shares of this one.
   CExportSteps Part(double from, double to) const {
     CExportSteps part(m_pProgress);
-    part.m_fFrom = m_fFrom + from * m_fLength;
-    part.m_fLength = (to - from) * m_fLength;
+    part.m_fFrom = At(from);
+    part.m_fTo = At(to);
     return part;
   }
 
   /// That a share of this part is done; false where the export has been cancelled.
-  bool Goes(double share) const { return m_pProgress == nullptr || m_pProgress->Goes(m_fFrom + share * m_fLength); }
+  bool Goes(double share) const { return m_pProgress == nullptr || m_pProgress->Goes(At(share)); }
 
   /// Does a count of like things in blocks, `work(begin, end)` for each, and asks before each; false where the export
   /// has been cancelled.
@@ -47,7 +48,10 @@ class CExportSteps {
   }
 
  private:
+  // Exact at both ends, so that a part ends where the next one begins and no share is below the one before.
+  double At(double share) const { return std::lerp(m_fFrom, m_fTo, share); }
+
   ExportProgress* m_pProgress = nullptr;
   double m_fFrom = 0.0;
-  double m_fLength = 1.0;
+  double m_fTo = 1.0;
 };

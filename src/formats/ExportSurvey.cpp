@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "formats/MapExport.h"
 #include "model/CGrid.h"
 
 namespace {
@@ -67,9 +68,14 @@ const CExportSurvey::CCounts& CExportSurvey::Counts(ExportContent content, const
   return m_Counts.emplace(key, counts).first->second;
 }
 
-double CExportSurvey::TextureBytes(const CExportSettings& settings) {
-  if (!m_fTextureBytes.has_value()) m_fTextureBytes = static_cast<double>(TextureOf(settings).m_Bytes.size());
-  return *m_fTextureBytes;
+CExportPictures& CExportSurvey::Pictures(const CExportSettings& settings) {
+  if (settings.m_pPictures != nullptr) return *settings.m_pPictures;
+  if (!m_Pictures.has_value()) m_Pictures.emplace(m_Grid, settings.m_pPhotograph);
+  return *m_Pictures;
+}
+
+double CExportSurvey::PictureBytes(ExportTexture which, const CExportSettings& settings) {
+  return static_cast<double>(Pictures(settings).Encoded(which).m_Bytes.size());
 }
 
 void CExportSurvey::DescribeMesh(const CExportFormat& format, const CExportSettings& settings,
@@ -85,17 +91,24 @@ void CExportSurvey::DescribeMesh(const CExportFormat& format, const CExportSetti
   description.m_bFinite = counts.m_bFinite;
 }
 
-void CExportSurvey::DescribeSamples(const CExportSettings& /*settings*/, CExportDescription& description) const {
+void CExportSurvey::DescribeSamples(const CExportFormat& format, const CExportSettings& settings,
+                                    CExportDescription& description) {
   const CLattice& lattice = m_Grid.Surface().Lattice();
-  description.m_aiSamples = {lattice.PointsPerSide(), lattice.PointsPerSide()};
   description.m_bFinite = std::ranges::all_of(lattice.Heights(), [](double z) { return std::isfinite(z); });
+  if (format.m_Picture != ExportTexture::None) {
+    const CPicture& photograph = Pictures(settings).Pixels(ExportTexture::Photograph);
+    description.m_aiSamples = {photograph.m_iWidth, photograph.m_iHeight};
+    return;
+  }
+  const CSampleGrid grid = SamplesOf(m_Grid, settings);
+  description.m_aiSamples = {grid.m_iWidth, grid.m_iHeight};
 }
 
 CExportDescription CExportSurvey::DescribeExport(const CExportFormat& format, const CExportSettings& settings) {
   CExportDescription description;
   description.m_pUnit = format.m_pUnit;
   if (format.m_Content == ExportContent::Samples) {
-    DescribeSamples(settings, description);
+    DescribeSamples(format, settings, description);
   } else {
     DescribeMesh(format, settings, description);
   }
@@ -105,6 +118,9 @@ CExportDescription CExportSurvey::DescribeExport(const CExportFormat& format, co
   description.m_fBytes = bytes.m_fFile + bytes.m_fVertex * vertices +
                          (bytes.m_fTriangle + digits * bytes.m_fDigit) * static_cast<double>(description.m_uTriangles) +
                          bytes.m_fSample * description.m_aiSamples[0] * description.m_aiSamples[1];
-  if (bytes.m_fPicture > 0) description.m_fBytes += bytes.m_fPicture * TextureBytes(settings);
+  const ExportTexture shown = format.m_Picture != ExportTexture::None ? format.m_Picture : settings.m_Texture;
+  if (bytes.m_fPicture > 0) description.m_fBytes += bytes.m_fPicture * PictureBytes(shown, settings);
+  if (bytes.m_fRelit > 0 && IsRelitBeside(shown))
+    description.m_fBytes += bytes.m_fRelit * PictureBytes(ExportTexture::Relit, settings);
   return description;
 }

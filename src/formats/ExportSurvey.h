@@ -47,11 +47,12 @@ class CExportSurvey {
   using CKey = std::pair<ExportContent, TearGap>;
 
   const CCounts& Counts(ExportContent content, const CExportSettings& settings);
-  double TextureBytes(const CExportSettings& settings);
+  CExportPictures& Pictures(const CExportSettings& settings);
+  double PictureBytes(ExportTexture which, const CExportSettings& settings);
   void DescribeMesh(const CExportFormat& format, const CExportSettings& settings, CExportDescription& description);
-  void DescribeSamples(const CExportSettings& settings, CExportDescription& description) const;
+  void DescribeSamples(const CExportFormat& format, const CExportSettings& settings, CExportDescription& description);
 
   const CGrid& m_Grid;
   std::map<CKey, CCounts> m_Counts;
-  std::optional<double> m_fTextureBytes;
+  std::optional<CExportPictures> m_Pictures;
 };

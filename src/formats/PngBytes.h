@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -8,5 +9,6 @@
 /// Whether the bytes begin as those of a PNG do.
 bool IsPng(std::string_view bytes);
 
-/// A picture as the bytes of a PNG, which lose nothing of it. Empty for an empty picture and where they cannot be had.
-std::string PngOf(const CPicture& picture);
+/// A picture as the bytes of a PNG, which lose nothing of it. `goes` is told the share that is done, row by row. Empty
+/// for an empty picture, where its answer is false, and where there is not enough memory.
+std::string PngOf(const CPicture& picture, const std::function<bool(double)>& goes = {});

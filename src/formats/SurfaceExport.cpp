@@ -2,78 +2,66 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <filesystem>
 #include <new>
 #include <string_view>
 #include <utility>
 
 #include "formats/CleanFileMesh.h"
+#include "formats/ExportWriting.h"
 #include "formats/GlbFile.h"
 #include "formats/HtmlFile.h"
-#include "formats/JpegFile.h"
+#include "formats/MapExport.h"
 #include "formats/ObjFile.h"
 #include "formats/PlyFile.h"
-#include "formats/PngBytes.h"
 #include "formats/StlFile.h"
-#include "io/SaveTogether.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-bool IsFinite(const CFileMesh& mesh) {
-  const auto isFinite = [](float coordinate) { return std::isfinite(coordinate); };
-  return std::ranges::all_of(mesh.m_aPositions, [&](const auto& p) { return std::ranges::all_of(p, isFinite); });
-}
-
-CSaveOutcome NotFinite(const std::string& filename) {
-  return {"The surface has coordinates that are no finite numbers. The file " + filename + " is not written."};
-}
-
-CCleanMeshOptions MeshOptions(const CExportSettings& settings) {
-  return {settings.m_Gap, settings.m_fScale.value_or(1), settings.m_fScale.value_or(1) * settings.m_fHeightScale};
-}
-
-// What the parts of every export take: the mesh, the bytes of its files, and writing them.
-CExportSteps Steps(const CExportSettings& settings) { return CExportSteps(settings.m_pProgress); }
-CExportSteps MakingMesh(const CExportSettings& settings) { return Steps(settings).Part(0, 0.4); }
-CExportSteps Encoding(const CExportSettings& settings) { return Steps(settings).Part(0.4, 0.7); }
-
-CSaveOutcome Save(std::span<const CNewFile> files, const CExportSettings& settings) {
-  const CExportSteps writing = Steps(settings).Part(0.7, 1);
-  return SaveTogether(files, [&writing](double share) { return writing.Goes(share); });
-}
-
-// What is wrong with a mesh; nothing where it may be written.
-std::optional<CSaveOutcome> Refused(const CFileMesh& mesh, const std::string& filename,
-                                    const CExportSettings& settings) {
-  if (!Encoding(settings).Goes(0)) return Cancelled(filename);
-  if (!IsFinite(mesh)) return NotFinite(filename);
-  return {};
-}
+// The picture's share of making the bytes of files, and the mesh's.
+CExportSteps EncodingPicture(const CExportSettings& settings) { return Encoding(settings).Part(0, 0.5); }
+CExportSteps EncodingMesh(const CExportSettings& settings) { return Encoding(settings).Part(0.5, 1); }
 
 CSaveOutcome WriteGlb(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
+  if (const auto refused = Refused(settings.m_Texture, filename, settings)) return *refused;
   const CFileMesh mesh = MeshOf(grid, ExportContent::Surface, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
-  std::optional<std::string> bytes = GlbOf(mesh, TextureOf(settings), fs::path(filename).stem(), Encoding(settings));
+  const CEncodedPicture& picture = settings.m_pPictures->Encoded(settings.m_Texture, EncodingPicture(settings));
+  std::optional<std::string> bytes = GlbOf(mesh, picture, fs::path(filename).stem(), EncodingMesh(settings));
   if (!Encoding(settings).Goes(1)) return Cancelled(filename);
   if (!bytes.has_value()) return {"The model is too large for the format. The file " + filename + " is not written."};
-  return Save(std::array{CNewFile{filename, std::move(*bytes)}}, settings);
+  return SaveExport(std::array{CNewFile{filename, std::move(*bytes)}}, settings);
 }
 
 #ifdef RELIEVO_PAGE
+// As the switch of the page calls it.
+const char* NameOf(ExportTexture texture) {
+  if (texture == ExportTexture::Albedo) return "Albedo";
+  return texture == ExportTexture::Relit ? "Relit" : "Photograph";
+}
+
 CSaveOutcome WriteHtml(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
+  if (const auto refused = Refused(settings.m_Texture, filename, settings)) return *refused;
   const CFileMesh mesh = MeshOf(grid, ExportContent::Surface, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
+  const CEncodedPicture& picture =
+      settings.m_pPictures->Encoded(settings.m_Texture, EncodingPicture(settings).Part(0, 0.5));
+  CEncodedPicture relit;
+  if (IsRelitBeside(settings.m_Texture))
+    relit = settings.m_pPictures->Encoded(ExportTexture::Relit, EncodingPicture(settings).Part(0.5, 1));
   const std::string title = fs::path(filename).stem();
-  std::optional<std::string> glb = GlbOf(mesh, TextureOf(settings), title, Encoding(settings).Part(0, 0.5));
+  std::optional<std::string> glb = GlbOf(mesh, picture, title, EncodingMesh(settings).Part(0, 0.5));
   std::optional<std::string> page;
-  if (glb.has_value()) page = HtmlOf({title, std::move(*glb), "Photograph", {}}, Encoding(settings).Part(0.5, 0.95));
+  if (glb.has_value()) {
+    page = HtmlOf({title, std::move(*glb), NameOf(settings.m_Texture), std::move(relit)},
+                  EncodingMesh(settings).Part(0.5, 0.95));
+  }
   if (!Encoding(settings).Goes(1)) return Cancelled(filename);
   if (!page.has_value())
     return {"The model has more than the 300 MB that a page may hold. The file " + filename + " is not written."};
-  return Save(std::array{CNewFile{filename, std::move(*page)}}, settings);
+  return SaveExport(std::array{CNewFile{filename, std::move(*page)}}, settings);
 }
 #endif
 
@@ -85,36 +73,48 @@ std::string CompanionOf(const std::string& filename, const char* suffix) {
   return path.replace_filename(stem + suffix);
 }
 
-std::vector<std::string> CompanionsOfObj(const std::string& filename) {
-  return {CompanionOf(filename, ".mtl"), CompanionOf(filename, ".jpg")};
+constexpr const char* kMaterial = ".mtl";
+constexpr const char* kJpeg = ".jpg";
+// A map of heights beside it may have the plain name.
+constexpr const char* kPng = "-texture.png";
+
+std::vector<std::string> CompanionsOfObj(const std::string& filename, const CExportSettings& settings) {
+  std::vector<std::string> companions{CompanionOf(filename, kMaterial)};
+  // A photograph may be too large for a JPEG.
+  if (settings.m_Texture == ExportTexture::Photograph) companions.push_back(CompanionOf(filename, kJpeg));
+  if (settings.m_Texture != ExportTexture::None) companions.push_back(CompanionOf(filename, kPng));
+  return companions;
 }
 
 CSaveOutcome WriteObj(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
+  if (const auto refused = Refused(settings.m_Texture, filename, settings)) return *refused;
   const CFileMesh mesh = MeshOf(grid, ExportContent::Surface, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
-  CEncodedPicture picture = TextureOf(settings);
-  const std::vector<std::string> companions = CompanionsOfObj(filename);
-  const std::string pictureName = picture.m_Bytes.empty() ? "" : fs::path(companions[1]).filename().string();
-  CObjTexts texts = ObjOf(mesh, fs::path(companions[0]).filename(), pictureName, *settings.m_Up, Encoding(settings));
+  const CEncodedPicture& picture = settings.m_pPictures->Encoded(settings.m_Texture, EncodingPicture(settings));
+  const std::string material = CompanionOf(filename, kMaterial);
   std::vector<CNewFile> files;
-  if (!picture.m_Bytes.empty()) files.push_back({companions[1], std::move(picture.m_Bytes)});
-  files.push_back({companions[0], std::move(texts.m_Material)});
+  if (!picture.m_Bytes.empty())
+    files.push_back({CompanionOf(filename, picture.m_MimeType == "image/jpeg" ? kJpeg : kPng), picture.m_Bytes});
+  const std::string pictureName = files.empty() ? "" : fs::path(files.front().m_Name).filename().string();
+  CObjTexts texts = ObjOf(mesh, fs::path(material).filename(), pictureName, *settings.m_Up, EncodingMesh(settings));
+  files.push_back({material, std::move(texts.m_Material)});
   files.push_back({filename, std::move(texts.m_Model)});
-  return Save(files, settings);
+  return SaveExport(files, settings);
 }
 
 CSaveOutcome WritePly(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
+  if (const auto refused = Refused(settings.m_Texture, filename, settings)) return *refused;
   const CFileMesh mesh = MeshOf(grid, ExportContent::Surface, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
-  const CPicture none;
-  const CPicture& picture = settings.m_pPhotograph != nullptr ? settings.m_pPhotograph->m_Picture : none;
-  return Save(std::array{CNewFile{filename, PlyOf(mesh, picture, *settings.m_Up, Encoding(settings))}}, settings);
+  const CPicture& picture = settings.m_pPictures->Pixels(settings.m_Texture, EncodingPicture(settings));
+  return SaveExport(std::array{CNewFile{filename, PlyOf(mesh, picture, *settings.m_Up, EncodingMesh(settings))}},
+                    settings);
 }
 
 CSaveOutcome WriteStl(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
   const CFileMesh mesh = MeshOf(grid, ExportContent::Solid, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
-  return Save(std::array{CNewFile{filename, StlOf(mesh, *settings.m_Up, Encoding(settings))}}, settings);
+  return SaveExport(std::array{CNewFile{filename, StlOf(mesh, *settings.m_Up, Encoding(settings))}}, settings);
 }
 
 bool EndsWith(std::string_view name, std::string_view suffix) {
@@ -130,19 +130,11 @@ CFileMesh MeshOf(const CGrid& grid, ExportContent content, const CExportSettings
                                          : CleanFileMesh(grid, MeshOptions(settings), steps);
 }
 
-CEncodedPicture TextureOf(const CExportSettings& settings) {
-  if (settings.m_pPhotograph == nullptr || settings.m_pPhotograph->m_Picture.m_aPixels.empty()) return {};
-  if (settings.m_pPhotograph->m_pJpeg != nullptr) return {*settings.m_pPhotograph->m_pJpeg, "image/jpeg"};
-  // A picture too large for a JPEG is none for a PNG.
-  std::string jpeg = JpegOf(settings.m_pPhotograph->m_Picture);
-  if (!jpeg.empty()) return {std::move(jpeg), "image/jpeg"};
-  return {PngOf(settings.m_pPhotograph->m_Picture), "image/png"};
-}
-
 std::span<const CExportFormat> ExportFormats() {
   constexpr double kMetres = 0.01;
   constexpr unsigned kSize = ExportSetting::kScale | ExportSetting::kHeightScale;
   constexpr unsigned kMesh = ExportSetting::kTears | ExportSetting::kTexture | kSize;
+  constexpr unsigned kMap = kSize | ExportSetting::kResolution;
   static constexpr auto kFormats = std::to_array<CExportFormat>({
       {.m_pSuffix = ".glb",
        .m_pName = "binary glTF",
@@ -180,8 +172,46 @@ std::span<const CExportFormat> ExportFormats() {
        .m_pWrite = WriteHtml,
        .m_uReads = kMesh,
        .m_pUnit = "m",
-       .m_Bytes = {.m_fFile = 969000, .m_fVertex = 128.0 / 3, .m_fTriangle = 16, .m_fPicture = 4.0 / 3}},
+       .m_Bytes =
+           {.m_fFile = 969000, .m_fVertex = 128.0 / 3, .m_fTriangle = 16, .m_fPicture = 4.0 / 3, .m_fRelit = 4.0 / 3}},
 #endif
+      {.m_pSuffix = ".png",
+       .m_pName = "heights, 16 bits",
+       .m_pWrite = WriteHeightPng,
+       .m_Content = ExportContent::Samples,
+       .m_uReads = kMap,
+       .m_Bytes = {.m_fFile = 420, .m_fSample = 2},
+       .m_pCompanions = CompanionsOfHeightPng},
+      {.m_pSuffix = ".tif",
+       .m_pName = "heights, 32-bit floats",
+       .m_pWrite = WriteHeightTiff,
+       .m_Content = ExportContent::Samples,
+       .m_uReads = kMap,
+       .m_Bytes = {.m_fFile = 300, .m_fSample = 4}},
+      {.m_pSuffix = ".pfm",
+       .m_pName = "heights, 32-bit floats",
+       .m_pWrite = WriteHeightPfm,
+       .m_Content = ExportContent::Samples,
+       .m_uReads = kMap,
+       .m_Bytes = {.m_fFile = 20, .m_fSample = 4}},
+      {.m_pSuffix = "-normal.png",
+       .m_pName = "normal map",
+       .m_pWrite = WriteNormalMap,
+       .m_Content = ExportContent::Samples,
+       .m_uReads = ExportSetting::kHeightScale | ExportSetting::kResolution | ExportSetting::kGreen,
+       .m_Bytes = {.m_fFile = 100, .m_fSample = 3}},
+      {.m_pSuffix = "-albedo.png",
+       .m_pName = "the photograph without its removed lights",
+       .m_pWrite = WriteAlbedo,
+       .m_Content = ExportContent::Samples,
+       .m_Bytes = {.m_fPicture = 1},
+       .m_Picture = ExportTexture::Albedo},
+      {.m_pSuffix = "-relit.png",
+       .m_pName = "the photograph in the added lights",
+       .m_pWrite = WriteRelit,
+       .m_Content = ExportContent::Samples,
+       .m_Bytes = {.m_fPicture = 1},
+       .m_Picture = ExportTexture::Relit},
   });
   return kFormats;
 }
@@ -202,6 +232,8 @@ CSaveOutcome ExportSurface(const CGrid& grid, const std::string& filename, const
   CExportSettings all = settings;
   if (!all.m_fScale.has_value()) all.m_fScale = format->m_fScale;
   if (!all.m_Up.has_value()) all.m_Up = format->m_Up;
+  CExportPictures pictures(grid, settings.m_pPhotograph);
+  if (all.m_pPictures == nullptr) all.m_pPictures = &pictures;
   try {
     return format->m_pWrite(grid, filename, all);
   } catch (const std::bad_alloc&) {

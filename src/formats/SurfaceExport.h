@@ -5,9 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "formats/CExportPictures.h"
 #include "formats/CFileMesh.h"
 #include "formats/ExportProgress.h"
 #include "formats/PictureFormats.h"
+#include "formats/SurfaceSamples.h"
 #include "mesh/CCleanMesh.h"
 #include "model/CSaveOutcome.h"
 
@@ -21,7 +23,12 @@ struct CExportSettings {
   double m_fBase = 2.0;                         ///< thickness of a solid below its lowest point, units of the file
   std::optional<UpAxis> m_Up;                   ///< instead of that of the format
   const CReadPicture* m_pPhotograph = nullptr;  ///< null for none
-  ExportProgress* m_pProgress = nullptr;        ///< told how far the export is; null where nobody asks
+  ExportTexture m_Texture = ExportTexture::Photograph;
+  std::optional<CSampleGrid> m_Resolution;  ///< of maps, instead of the lattice's own points; meshes have none
+  bool m_bGreenDown = false;                ///< in a map of normals green is y turned round
+  /// Of the same photograph, kept from one export of a run to the next; null for none.
+  CExportPictures* m_pPictures = nullptr;
+  ExportProgress* m_pProgress = nullptr;  ///< told how far the export is; null where nobody asks
 };
 
 /// What a format looks at of the settings; the window offers no more than that.
@@ -47,6 +54,7 @@ struct CExportBytes {
   double m_fDigit = 0.0;  ///< for each triangle and each digit of the number of vertices
   double m_fSample = 0.0;
   double m_fPicture = 0.0;  ///< for each byte of the encoded texture; 0 where it is left out
+  double m_fRelit = 0.0;    ///< for each byte of the picture in the added lights that is there besides
 };
 
 /// One format for other programs.
@@ -62,16 +70,14 @@ struct CExportFormat {
   unsigned m_uReads = 0;     ///< ExportSetting bits
   const char* m_pUnit = "";  ///< that its lengths are in
   CExportBytes m_Bytes = {};
-  /// The files that such an export makes beside its own; null for none.
-  std::vector<std::string> (*m_pCompanions)(const std::string& filename) = nullptr;
+  /// The files that such an export may make beside its own; null for none.
+  std::vector<std::string> (*m_pCompanions)(const std::string& filename, const CExportSettings& settings) = nullptr;
+  ExportTexture m_Picture = ExportTexture::None;  ///< the picture that the file is, for samples of nothing else
 };
 
 /// The mesh that a format with triangles writes.
 CFileMesh MeshOf(const CGrid& grid, ExportContent content, const CExportSettings& settings,
                  const CExportSteps& steps = {});
-
-/// The texture as the bytes of a file that any other program shows; none where there is no photograph.
-CEncodedPicture TextureOf(const CExportSettings& settings);
 
 /// The formats.
 std::span<const CExportFormat> ExportFormats();

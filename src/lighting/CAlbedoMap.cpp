@@ -6,19 +6,11 @@
 #include <cstdint>
 
 #include "base/Memory.h"
+#include "lighting/AlbedoBytes.h"
 #include "lighting/CShading.h"
 #include "lighting/CTextureImages.h"
 
 namespace {
-
-// The bytes of the photograph as intensities.
-std::array<double, 256> Intensities() {
-  std::array<double, 256> intensities{};
-  for (std::size_t k = 0; k < intensities.size(); ++k) intensities[k] = static_cast<double>(k) / 255;
-  return intensities;
-}
-
-double Albedo(double intensity, double shading) { return shading > 0 ? intensity / shading : 0.0; }
 
 // The low byte of the truncated value, which must not be negative. No integer type holds every double, so large ones
 // take the remainder first.
@@ -27,12 +19,6 @@ std::uint8_t WrappedByte(double value) {
   if (value < kIntegerLimit) return static_cast<std::uint8_t>(static_cast<std::int32_t>(value));
   if (!std::isfinite(value)) return 0;
   return static_cast<std::uint8_t>(static_cast<std::int32_t>(std::fmod(value, 256.0)));
-}
-
-std::uint8_t ClampedByte(double value) {
-  // Not-a-number and what is negative fail the first test.
-  if (value > 0 && value < 256) return static_cast<std::uint8_t>(static_cast<std::int32_t>(value));
-  return value > 0 && std::isfinite(value) ? 255 : 0;
 }
 
 }  // namespace
@@ -47,7 +33,7 @@ void CAlbedoMap::ReleaseReserve() {
 
 void CAlbedoMap::Compute(std::span<const Vector3> normals, const CShading& removed, const CShading& added,
                          CTextureImages& images) {
-  const std::array<double, 256> intensities = Intensities();
+  const std::array<double, 256> intensities = PhotographIntensities();
   const auto width = static_cast<std::size_t>(images.PictureWidth());
   const auto height = static_cast<std::size_t>(images.PictureHeight());
   const std::size_t imageRow = 3 * static_cast<std::size_t>(images.TextureWidth());
@@ -65,9 +51,9 @@ void CAlbedoMap::Compute(std::span<const Vector3> normals, const CShading& remov
       const Vector3 s = before.Of(*normal);
       const Vector3 t = after.Of(*normal);
       ++normal;
-      const std::array<double, 3> albedo{Albedo(intensities[photograph[0]], s.x),
-                                         Albedo(intensities[photograph[1]], s.y),
-                                         Albedo(intensities[photograph[2]], s.z)};
+      const std::array<double, 3> albedo{AlbedoOf(intensities[photograph[0]], s.x),
+                                         AlbedoOf(intensities[photograph[1]], s.y),
+                                         AlbedoOf(intensities[photograph[2]], s.z)};
       std::copy_n(albedo.data(), 3, kd);
       kdByte[0] = WrappedByte(albedo[0] * 255);
       kdByte[1] = WrappedByte(albedo[1] * 255);

@@ -8,12 +8,17 @@
 
 #include "batch/BatchTest.h"
 #include "formats/SurfaceExport.h"
+#include "support/ExportBuilders.h"
 
 namespace {
 
 class BatchExport : public Batch {
  protected:
-  BatchExport() { WriteText(Path("photo.bmp"), SmallBitmap()); }
+  BatchExport() {
+    WriteText(Path("photo.bmp"), SmallBitmap());
+    SwitchOnLights(m_Model.m_Grid);
+    m_Model.m_Grid.Save(Path("lit.grid"), [] { return true; });
+  }
 
   void ExpectRefused(const std::string& arguments, const std::string& message) const {
     EXPECT_EQ(Run(arguments), 1) << arguments;
@@ -36,7 +41,7 @@ float LargestIn(const std::string& stl, std::size_t axis) {
 }
 
 TEST_F(BatchExport, WritesEveryFormatInOneRun) {
-  std::string arguments = "model.grid --image photo.bmp --iterations 0";
+  std::string arguments = "lit.grid --image photo.bmp --iterations 0";
   for (const CExportFormat& format : ExportFormats()) arguments += std::string(" --export m") + format.m_pSuffix;
   ASSERT_EQ(Run(arguments), 0) << Bytes("err");
   EXPECT_EQ(Bytes("m.glb").substr(0, 4), "glTF");
@@ -46,6 +51,55 @@ TEST_F(BatchExport, WritesEveryFormatInOneRun) {
   EXPECT_EQ(Bytes("m.jpg").substr(0, 2), "\xFF\xD8");
   EXPECT_NE(Bytes("m.ply").find("\nproperty uchar blue\n"), std::string::npos);
   EXPECT_GT(Bytes("m.stl").size(), 1000U);
+  for (const char* name : {"m.png", "m-normal.png", "m-albedo.png", "m-relit.png"})
+    EXPECT_EQ(Bytes(name).substr(1, 3), "PNG") << name;
+  EXPECT_NE(Bytes("m.png.json").find("\"scale\""), std::string::npos);
+  EXPECT_EQ(Bytes("m.tif").substr(0, 2), "II");
+  EXPECT_EQ(Bytes("m.pfm").substr(0, 9), "Pf\n17 17\n");
+}
+
+TEST_F(BatchExport, TakesTheSamplesAndTheDirectionThatAreAskedFor) {
+  ASSERT_EQ(Run("model.grid --iterations 0 --export m.pfm --export m-normal.png --resolution 30x20"), 0)
+      << Bytes("err");
+  EXPECT_EQ(Bytes("m.pfm").substr(0, 9), "Pf\n30 20\n");
+  EXPECT_EQ(Bytes("m.pfm").size(), 9 + 5 + 4 * 30 * 20U);
+  const std::string up = Bytes("m-normal.png");
+  ASSERT_EQ(Run("model.grid --iterations 0 --export m-normal.png --resolution 30x20 --green down"), 0);
+  EXPECT_NE(Bytes("m-normal.png"), up);
+  ASSERT_EQ(Run("model.grid --iterations 0 --export m-normal.png --resolution 30x20 --green up"), 0);
+  EXPECT_EQ(Bytes("m-normal.png"), up);
+}
+
+TEST_F(BatchExport, ShowsThePictureThatIsAskedFor) {
+  const std::string run = "lit.grid --image photo.bmp --iterations 0 --export m.ply --export m.obj --texture ";
+  ASSERT_EQ(Run(run + "none"), 0) << Bytes("err");
+  EXPECT_EQ(Bytes("m.ply").find("uchar blue"), std::string::npos);
+  EXPECT_EQ(Bytes("m.mtl").find("map_Kd"), std::string::npos);
+  ASSERT_EQ(Run(run + "photograph"), 0);
+  const std::string photograph = Bytes("m.ply");
+  EXPECT_NE(Bytes("m.mtl").find("\nmap_Kd m.jpg\n"), std::string::npos);
+  for (const char* texture : {"albedo", "relit"}) {
+    ASSERT_EQ(Run(run + texture + " --export m-" + texture + ".png"), 0) << Bytes("err");
+    EXPECT_NE(Bytes("m.ply"), photograph);
+    EXPECT_NE(Bytes("m.mtl").find("\nmap_Kd m-texture.png\n"), std::string::npos);
+    EXPECT_EQ(Bytes("m-texture.png"), Bytes(std::string("m-") + texture + ".png"));
+  }
+}
+
+TEST_F(BatchExport, TellsWhatThereIsNoPictureFor) {
+  EXPECT_EQ(Run("model.grid --image photo.bmp --iterations 0 --export m-albedo.png --export m.tif"), 4);
+  EXPECT_NE(
+      Bytes("err").find("relievo-batch: None of the removed lights is active, so that there is no albedo. The file "
+                        "m-albedo.png is not written."),
+      std::string::npos)
+      << Bytes("err");
+  EXPECT_TRUE(std::filesystem::exists(Path("m.tif")));
+  EXPECT_EQ(Run("lit.grid --iterations 0 --export m-relit.png"), 4);
+  EXPECT_NE(Bytes("err").find("Without a photograph there is no picture in other lights. The file m-relit.png"),
+            std::string::npos)
+      << Bytes("err");
+  EXPECT_EQ(Run("model.grid --image photo.bmp --iterations 0 --export m.glb --texture albedo"), 4);
+  EXPECT_FALSE(std::filesystem::exists(Path("m.glb")));
 }
 
 TEST_F(BatchExport, TakesTheSizesAndTheAxisThatAreAskedFor) {
@@ -70,7 +124,8 @@ TEST_F(BatchExport, RefusesNamesOfNoFormatAndOptionsWithoutOne) {
   for (const char* name : {"m", "m.grid", ".glb", "m.glb.bak", "''"})
     ExpectRefused(std::string("model.grid --export ") + name,
                   "the name of a file is expected that ends with .glb, .obj, .ply, .stl");
-  for (const char* option : {"--tears wall", "--up y", "--scale 2", "--height-scale 2", "--base 2"})
+  for (const char* option : {"--tears wall", "--up y", "--scale 2", "--height-scale 2", "--base 2", "--texture none",
+                             "--resolution 2x2", "--green down"})
     ExpectRefused(std::string("model.grid ") + option, "--export");
   for (const char* number : {"0", "-1", "x", "''", "inf", "nan", "1e999", "2mm"}) {
     for (const char* option : {"--scale", "--height-scale", "--base"})
@@ -78,6 +133,19 @@ TEST_F(BatchExport, RefusesNamesOfNoFormatAndOptionsWithoutOne) {
   }
   ExpectRefused("model.grid --export m.glb --tears closed", "--tears");
   ExpectRefused("model.grid --export m.glb --up x", "--up");
+  ExpectRefused("model.grid --export m.glb --texture kd", "--texture");
+  ExpectRefused("model.grid --export m-normal.png --green left", "--green");
+}
+
+TEST_F(BatchExport, RefusesAResolutionThatNoExportHas) {
+  for (const char* size : {"1x2", "2x8193", "8193x2", "x", "2", "2x", "2x2x2", "0x0", "-2x2", "2.5x2", "''"})
+    ExpectRefused(std::string("model.grid --export m.png --resolution ") + size,
+                  "WxH with whole numbers from 2 to 8192 is expected");
+  ExpectRefused(
+      "lit.grid --image photo.bmp --export m.glb --export m-relit.png --resolution 20x20",
+      "--resolution is for maps of heights and normals (.png, .tif, .pfm, -normal.png); a mesh has the grid's "
+      "own leaves");
+  EXPECT_EQ(Run("model.grid --iterations 0 --export m.glb --export m.png --resolution 20x20"), 0) << Bytes("err");
 }
 
 TEST_F(BatchExport, OverwritesNeitherAnInputNorAnotherOutput) {
@@ -87,6 +155,8 @@ TEST_F(BatchExport, OverwritesNeitherAnInputNorAnotherOutput) {
   ExpectRefused("model.obj --export model.obj", "--export and MODEL are one file");
   ExpectRefused("model.grid --image a.jpg --export a.obj", "are one file: a.jpg");
   ExpectRefused("model.grid --export 'a b.obj' --export a_b.obj", "are one file");
+  ExpectRefused("model.grid --image a.png.json --export a.png", "are one file: a.png.json");
+  ExpectRefused("model.grid --export a.obj --texture relit --export a-texture.png", "are one file");
   EXPECT_EQ(Bytes("model.obj"), Bytes("model.grid"));
 }
 

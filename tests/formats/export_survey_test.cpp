@@ -13,6 +13,7 @@
 #include "support/BmpBuilders.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/CleanMeshBuilders.h"
+#include "support/ExportBuilders.h"
 
 namespace {
 
@@ -20,6 +21,7 @@ namespace {
 struct CSurveyed {
   CSurveyed() {
     SetRandomHeights(m_Grid.Lattice(), 3);
+    SwitchOnLights(m_Grid.m_Grid);
     m_Photograph.m_Picture = PlainPicture(40, 30, 10, 200, 30);
     m_Settings.m_pPhotograph = &m_Photograph;
   }

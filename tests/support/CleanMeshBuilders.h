@@ -55,6 +55,22 @@ struct CTornGrid {
         Lattice().Heights()[Lattice().Index(column, row)] = height(column, row);
     }
   }
+  /// Whether a leaf at the place, lattice coordinates, has a triangle in a tear or is next to one that has: a tear may
+  /// end on its side.
+  bool IsNearTear(double column, double row) {
+    const auto isAround = [](const CQuadT& leaf, double x, double y, double margin) {
+      return x >= leaf.X0() - margin && x <= leaf.X1() + margin && y >= leaf.Y0() - margin && y <= leaf.Y1() + margin;
+    };
+    return std::ranges::any_of(Tree().Leaves(), [&](const CLeaf& here) {
+      const CQuadT& leaf = *here.m_pCell;
+      if (!isAround(leaf, column, row, 0)) return false;
+      return std::ranges::any_of(Tree().Leaves(), [&](const CLeaf& torn) {
+        const double x = std::clamp<double>(torn.m_pCell->X0() + 0.5 * torn.m_uSize, leaf.X0(), leaf.X1());
+        const double y = std::clamp<double>(torn.m_pCell->Y0() + 0.5 * torn.m_uSize, leaf.Y0(), leaf.Y1());
+        return torn.m_uMarked != 0 && isAround(*torn.m_pCell, x, y, 1);
+      });
+    });
+  }
 
   ConsoleCapture m_Console;
   CResolutionScope m_Scope;

@@ -1,0 +1,48 @@
+#include "formats/ExportWriting.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "formats/CExportPictures.h"
+
+namespace {
+
+CExportSteps Steps(const CExportSettings& settings) { return CExportSteps(settings.m_pProgress); }
+
+bool IsFinite(const CFileMesh& mesh) {
+  const auto isFinite = [](float coordinate) { return std::isfinite(coordinate); };
+  return std::ranges::all_of(mesh.m_aPositions, [&](const auto& p) { return std::ranges::all_of(p, isFinite); });
+}
+
+}  // namespace
+
+CSaveOutcome NotFinite(const std::string& filename) {
+  return {"The surface has coordinates that are no finite numbers. The file " + filename + " is not written."};
+}
+
+CCleanMeshOptions MeshOptions(const CExportSettings& settings) {
+  return {settings.m_Gap, settings.m_fScale.value_or(1), settings.m_fScale.value_or(1) * settings.m_fHeightScale};
+}
+
+CExportSteps MakingMesh(const CExportSettings& settings) { return Steps(settings).Part(0, 0.4); }
+
+CExportSteps Encoding(const CExportSettings& settings) { return Steps(settings).Part(0.4, 0.7); }
+
+std::optional<CSaveOutcome> Refused(const CFileMesh& mesh, const std::string& filename,
+                                    const CExportSettings& settings) {
+  if (!Encoding(settings).Goes(0)) return Cancelled(filename);
+  if (!IsFinite(mesh)) return NotFinite(filename);
+  return {};
+}
+
+std::optional<CSaveOutcome> Refused(ExportTexture texture, const std::string& filename,
+                                    const CExportSettings& settings) {
+  const std::string trouble = settings.m_pPictures->TroubleWith(texture);
+  if (trouble.empty()) return {};
+  return CSaveOutcome{trouble + " The file " + filename + " is not written."};
+}
+
+CSaveOutcome SaveExport(std::span<const CNewFile> files, const CExportSettings& settings) {
+  const CExportSteps writing = Steps(settings).Part(0.7, 1);
+  return SaveTogether(files, [&writing](double share) { return writing.Goes(share); });
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "formats/CFileMesh.h"
+#include "formats/ExportProgress.h"
+
+/// A regular grid of places over the whole rectangle, its border included: column 0 lies on the left side, the last one
+/// on the right, row 0 on the lower one.
+struct CSampleGrid {
+  static constexpr int kFewest = 2;
+  static constexpr int kMost = 8192;
+
+  int m_iWidth = kFewest;
+  int m_iHeight = kFewest;
+  bool operator==(const CSampleGrid&) const = default;
+};
+
+/// A surface at the places of such a grid, row by row.
+struct CSurfaceSamples {
+  CSampleGrid m_Grid;
+  std::vector<float> m_afHeights;                       ///< in the unit of the mesh
+  std::vector<std::array<std::uint8_t, 3>> m_aNormals;  ///< see SampleNormals; empty without
+};
+
+/// The heights of a surface, whose triangles cover the rectangle once and have no walls. Where a place lies exactly on
+/// a tear it belongs to the higher side. Linear in triangles and samples. Not whole where it has been cancelled. Throws
+/// std::bad_alloc, also where the system has not got the memory.
+CSurfaceSamples SampleHeights(const CFileMesh& mesh, const CSampleGrid& grid, const CExportSteps& steps = {});
+
+/// The same with normals, blended between those of the vertices: x, y and z as bytes from 0 for -1 to 255 for 1, 128
+/// for 0. `down` turns the sign of y.
+CSurfaceSamples SampleNormals(const CFileMesh& mesh, const CSampleGrid& grid, bool down,
+                              const CExportSteps& steps = {});

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+/// The bytes of a photograph as intensities from 0 to 1.
+inline std::array<double, 256> PhotographIntensities() {
+  std::array<double, 256> intensities{};
+  for (std::size_t k = 0; k < intensities.size(); ++k) intensities[k] = static_cast<double>(k) / 255;
+  return intensities;
+}
+
+/// What a surface of that shading must reflect to have that intensity; 0 where the shading is not positive.
+inline double AlbedoOf(double intensity, double shading) { return shading > 0 ? intensity / shading : 0.0; }
+
+/// A value truncated and held to 0..255; what is not finite gives 0.
+inline std::uint8_t ClampedByte(double value) {
+  // Not-a-number and what is negative fail the first test.
+  if (value > 0 && value < 256) return static_cast<std::uint8_t>(static_cast<std::int32_t>(value));
+  return value > 0 && std::isfinite(value) ? 255 : 0;
+}
