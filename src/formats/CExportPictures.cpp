@@ -2,11 +2,14 @@
 
 #include <cstddef>
 #include <new>
+#include <span>
 #include <utility>
 
+#include "formats/CleanFileMesh.h"
 #include "formats/JpegFile.h"
 #include "formats/PictureFormats.h"
 #include "formats/PngBytes.h"
+#include "formats/SurfaceSamples.h"
 #include "lighting/CShading.h"
 #include "lighting/LitPicture.h"
 #include "model/CGrid.h"
@@ -40,10 +43,16 @@ const CPicture& CExportPictures::Pixels(ExportTexture which, const CExportSteps&
   if (!HasPhotograph() || which == ExportTexture::None || !TroubleWith(which).empty()) return pixels;
   if (which == ExportTexture::Photograph) return m_pPhotograph->m_Picture;
   if (!pixels.m_aPixels.empty()) return pixels;
+  const CPicture& photograph = m_pPhotograph->m_Picture;
+  const CInterpolation surface = m_Grid.Surface().Interpolation();
+  // The albedo of a texel in a tear is that of its own side, as its triangle is in a mesh.
+  const auto normalsOf = [&](std::span<const std::size_t> texels) {
+    return NormalsAtPixels(CleanFileMesh(m_Grid, {}), photograph.m_iWidth, photograph.m_iHeight, texels);
+  };
   const CRelighting& lights = m_Grid.Relighting();
-  pixels = LitPictureOf(which == ExportTexture::Albedo ? LitPicture::Albedo : LitPicture::Relit,
-                        m_pPhotograph->m_Picture, lights.RemovedLights(), lights.AddedLights(),
-                        m_Grid.Surface().Interpolation(), [&steps](double share) { return steps.Goes(share); });
+  const CLitScene scene{photograph, lights.RemovedLights(), lights.AddedLights(), surface, normalsOf};
+  pixels = LitPictureOf(which == ExportTexture::Albedo ? LitPicture::Albedo : LitPicture::Relit, scene,
+                        [&steps](double share) { return steps.Goes(share); });
   return pixels;
 }
 

@@ -84,19 +84,31 @@ void SampleTriangle(const std::array<CCrossing<kCount>, 3>& corners, int width, 
   }
 }
 
+/// Where the samples lie: places of 0 and 1 across the rectangle, counted in columns and in rows.
+struct CSampleFrame {
+  int m_iWidth = 0;
+  double m_fColumns = 0.0;  ///< from side to side
+  double m_fRows = 0.0;
+  double m_fFirst = 0.0;  ///< of the left and lower side
+};
+
+CSampleFrame FrameOf(const CSampleGrid& grid) {
+  return {grid.m_iWidth, static_cast<double>(grid.m_iWidth - 1), static_cast<double>(grid.m_iHeight - 1), 0.0};
+}
+
 // `valuesOf(vertex)` are blended; `put(sample, values)` is called for each sample of each triangle, those on its sides
 // included.
 template <std::size_t kCount, typename Values, typename Put>
-void SampleMesh(const CFileMesh& mesh, const CSampleGrid& grid, const CExportSteps& steps, const Values& valuesOf,
+void SampleMesh(const CFileMesh& mesh, const CSampleFrame& frame, const CExportSteps& steps, const Values& valuesOf,
                 const Put& put) {
   const auto cornerAt = [&](std::uint32_t v) {
     const auto& [u, w] = mesh.m_aPicturePlaces[v];
-    return CCrossing<kCount>{double{u} * (grid.m_iWidth - 1), double{w} * (grid.m_iHeight - 1), valuesOf(v)};
+    return CCrossing<kCount>{frame.m_fFirst + u * frame.m_fColumns, frame.m_fFirst + w * frame.m_fRows, valuesOf(v)};
   };
   const auto sample = [&](std::size_t begin, std::size_t end) {
     for (std::size_t t = begin; t < end; ++t) {
       const auto& [a, b, c] = mesh.m_aTriangles[t];
-      SampleTriangle<kCount>({cornerAt(a), cornerAt(b), cornerAt(c)}, grid.m_iWidth, put);
+      SampleTriangle<kCount>({cornerAt(a), cornerAt(b), cornerAt(c)}, frame.m_iWidth, put);
     }
   };
   steps.ForBlocks(mesh.m_aTriangles.size(), sample);
@@ -123,7 +135,7 @@ std::uint8_t ByteOf(double direction) {
 CSurfaceSamples SampleHeights(const CFileMesh& mesh, const CSampleGrid& grid, const CExportSteps& steps) {
   CSurfaceSamples samples = Unsampled(grid, false);
   const auto heightOf = [&](std::uint32_t v) { return std::array{double{mesh.m_aPositions[v][2]}}; };
-  SampleMesh<1>(mesh, grid, steps, heightOf, [&](std::size_t sample, const std::array<double, 1>& height) {
+  SampleMesh<1>(mesh, FrameOf(grid), steps, heightOf, [&](std::size_t sample, const std::array<double, 1>& height) {
     float& highest = samples.m_afHeights[sample];
     highest = std::max(highest, static_cast<float>(height[0]));
   });
@@ -136,7 +148,7 @@ CSurfaceSamples SampleNormals(const CFileMesh& mesh, const CSampleGrid& grid, bo
     const auto& [x, y, z] = mesh.m_aNormals[v];
     return std::array<double, 4>{mesh.m_aPositions[v][2], x, down ? -y : y, z};
   };
-  SampleMesh<4>(mesh, grid, steps, valuesOf, [&](std::size_t sample, const std::array<double, 4>& values) {
+  SampleMesh<4>(mesh, FrameOf(grid), steps, valuesOf, [&](std::size_t sample, const std::array<double, 4>& values) {
     float& highest = samples.m_afHeights[sample];
     const auto height = static_cast<float>(values[0]);
     if (!(height > highest)) return;
@@ -145,4 +157,26 @@ CSurfaceSamples SampleNormals(const CFileMesh& mesh, const CSampleGrid& grid, bo
     samples.m_aNormals[sample] = {ByteOf(normal.x), ByteOf(normal.y), ByteOf(normal.z)};
   });
   return samples;
+}
+
+std::vector<Vector3> NormalsAtPixels(const CFileMesh& mesh, int width, int height,
+                                     std::span<const std::size_t> pixels) {
+  std::vector<bool> wanted(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+  for (const std::size_t pixel : pixels) wanted[pixel] = true;
+  std::vector<Vector3> normals(pixels.size(), {0, 0, 1});
+  std::vector<double> heights(pixels.size(), -std::numeric_limits<double>::infinity());
+  constexpr double kHalf = 0.5;
+  const CSampleFrame frame{width, static_cast<double>(width), static_cast<double>(height), -kHalf};
+  const auto valuesOf = [&](std::uint32_t v) {
+    const auto& [x, y, z] = mesh.m_aNormals[v];
+    return std::array<double, 4>{mesh.m_aPositions[v][2], x, y, z};
+  };
+  SampleMesh<4>(mesh, frame, {}, valuesOf, [&](std::size_t pixel, const std::array<double, 4>& values) {
+    if (!wanted[pixel]) return;
+    const auto k = static_cast<std::size_t>(std::ranges::lower_bound(pixels, pixel) - pixels.begin());
+    if (!(values[0] > heights[k])) return;
+    heights[k] = values[0];
+    normals[k] = Normalised({values[1], values[2], values[3]});
+  });
+  return normals;
 }

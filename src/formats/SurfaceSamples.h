@@ -1,9 +1,12 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
+#include "base/Vector3.h"
 #include "formats/CFileMesh.h"
 #include "formats/ExportProgress.h"
 
@@ -34,3 +37,7 @@ CSurfaceSamples SampleHeights(const CFileMesh& mesh, const CSampleGrid& grid, co
 /// for 0. `down` turns the sign of y.
 CSurfaceSamples SampleNormals(const CFileMesh& mesh, const CSampleGrid& grid, bool down,
                               const CExportSteps& steps = {});
+
+/// Unit normals of the same kind at the centres of some pixels of a picture that is stretched over the rectangle.
+/// Pixels are row * width + column, row 0 at the bottom, in rising order. Throws std::bad_alloc.
+std::vector<Vector3> NormalsAtPixels(const CFileMesh& mesh, int width, int height, std::span<const std::size_t> pixels);

@@ -1,8 +1,9 @@
 #include "lighting/LitPicture.h"
 
 #include <array>
-#include <cstddef>
+#include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "lattice/CLattice.h"
 #include "lighting/AlbedoBytes.h"
@@ -11,30 +12,41 @@
 
 namespace {
 
-/// One pass over the texels.
+/// The texels of a picture in the making.
 class CLitTexels {
  public:
-  CLitTexels(const CPicture& photograph, const CLightSet& removed, const CLightSet& added,
-             const CInterpolation& surface)
-      : m_Photograph(photograph),
-        m_Removed(removed),
-        m_Added(added),
-        m_Surface(surface),
-        m_afIntensities(PhotographIntensities()) {}
+  CLitTexels(LitPicture which, const CLitScene& scene)
+      : m_bRelit(which == LitPicture::Relit),
+        m_Photograph(scene.m_Photograph),
+        m_Removed(scene.m_Removed),
+        m_Added(scene.m_Added),
+        m_Surface(scene.m_Surface),
+        m_afIntensities(PhotographIntensities()) {
+    m_Picture = {m_Photograph.m_iWidth, m_Photograph.m_iHeight, {}};
+    m_Picture.m_aPixels.resize(m_Photograph.m_aPixels.size());
+  }
 
-  /// Puts the bytes of a row where `to` points; `relit` for those in the added lights.
-  void WriteRow(int row, bool relit, std::uint8_t* to) {
-    const std::size_t first = 3 * static_cast<std::size_t>(row) * static_cast<std::size_t>(m_Photograph.m_iWidth);
-    const std::uint8_t* from = &m_Photograph.m_aPixels[first];
-    for (int column = 0; column < m_Photograph.m_iWidth; ++column, from += 3, to += 3) {
+  void LightRow(int row) {
+    std::size_t texel = static_cast<std::size_t>(row) * static_cast<std::size_t>(m_Photograph.m_iWidth);
+    for (int column = 0; column < m_Photograph.m_iWidth; ++column, ++texel) {
       const Vector3 normal = NormalAt(column, row);
-      const Vector3 before = m_Removed.Of(normal);
-      const Vector3 after = relit ? m_Added.Of(normal) : Vector3{1, 1, 1};
-      to[0] = ClampedByte(AlbedoOf(m_afIntensities[from[0]], before.x) * after.x * 255);
-      to[1] = ClampedByte(AlbedoOf(m_afIntensities[from[1]], before.y) * after.y * 255);
-      to[2] = ClampedByte(AlbedoOf(m_afIntensities[from[2]], before.z) * after.z * 255);
+      if (std::isnan(normal.x)) m_auWithout.push_back(texel);
+      Light(texel, normal);
     }
   }
+  void Light(std::size_t texel, const Vector3& normal) {
+    const std::uint8_t* from = &m_Photograph.m_aPixels[3 * texel];
+    std::uint8_t* to = &m_Picture.m_aPixels[3 * texel];
+    const Vector3 before = m_Removed.Of(normal);
+    const Vector3 after = m_bRelit ? m_Added.Of(normal) : Vector3{1, 1, 1};
+    to[0] = ClampedByte(AlbedoOf(m_afIntensities[from[0]], before.x) * after.x * 255);
+    to[1] = ClampedByte(AlbedoOf(m_afIntensities[from[1]], before.y) * after.y * 255);
+    to[2] = ClampedByte(AlbedoOf(m_afIntensities[from[2]], before.z) * after.z * 255);
+  }
+
+  /// The texels without a normal.
+  const std::vector<std::size_t>& Without() const { return m_auWithout; }
+  CPicture Take() { return std::move(m_Picture); }
 
  private:
   // Beside the surface, which no texel should be, it looks up.
@@ -44,25 +56,28 @@ class CLitTexels {
     return texel.NormalOn(m_Surface.Lattice().PointNormals(), m_Surface.Lattice().CellNormals());
   }
 
+  bool m_bRelit;
   const CPicture& m_Photograph;
   CShading m_Removed;
   CShading m_Added;
   CInterpolation m_Surface;
   std::array<double, 256> m_afIntensities;
   const CQuadT* m_pLeaf = nullptr;  ///< of the last texel, where the next one mostly lies, too
+  std::vector<std::size_t> m_auWithout;
+  CPicture m_Picture;
 };
 
 }  // namespace
 
-CPicture LitPictureOf(LitPicture which, const CPicture& photograph, const CLightSet& removed, const CLightSet& added,
-                      const CInterpolation& surface, const std::function<bool(double)>& goes) {
-  CPicture picture{photograph.m_iWidth, photograph.m_iHeight, {}};
-  picture.m_aPixels.resize(photograph.m_aPixels.size());
-  CLitTexels texels(photograph, removed, added, surface);
-  for (int row = 0; row < photograph.m_iHeight; ++row) {
-    if (goes && !goes(static_cast<double>(row) / photograph.m_iHeight)) return {};
-    const std::size_t first = 3 * static_cast<std::size_t>(row) * static_cast<std::size_t>(photograph.m_iWidth);
-    texels.WriteRow(row, which == LitPicture::Relit, &picture.m_aPixels[first]);
+CPicture LitPictureOf(LitPicture which, const CLitScene& scene, const std::function<bool(double)>& goes) {
+  CLitTexels texels(which, scene);
+  const int height = scene.m_Photograph.m_iHeight;
+  for (int row = 0; row < height; ++row) {
+    if (goes && !goes(static_cast<double>(row) / height)) return {};
+    texels.LightRow(row);
   }
-  return picture;
+  if (!scene.m_NormalsOf || texels.Without().empty()) return texels.Take();
+  const std::vector<Vector3> normals = scene.m_NormalsOf(texels.Without());
+  for (std::size_t k = 0; k < normals.size(); ++k) texels.Light(texels.Without()[k], normals[k]);
+  return texels.Take();
 }

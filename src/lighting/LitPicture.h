@@ -1,8 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
+#include <span>
+#include <vector>
 
 #include "base/CPicture.h"
+#include "base/Vector3.h"
 #include "quadtree/Interpolation.h"
 
 struct CLightSet;
@@ -13,10 +17,20 @@ enum class LitPicture {
   Relit,   ///< and it is put into the added ones
 };
 
-/// One of these pictures, computed afresh from the normals of the surface as they are, with a place of its own for each
-/// texel, in tears, too. An albedo above 1 is white instead of wrapping around; all else is as CAlbedoMap has it. Takes
-/// no memory beyond the result; linear in the number of texels, with a descent of the tree for each leaf that a row
-/// crosses. `goes` is told the share that is done, row by row; its false ends the work with an empty picture. Throws
-/// std::bad_alloc.
-CPicture LitPictureOf(LitPicture which, const CPicture& photograph, const CLightSet& removed, const CLightSet& added,
-                      const CInterpolation& surface, const std::function<bool(double)>& goes = {});
+/// What such a picture is made of. All that is named must outlive the making.
+struct CLitScene {
+  const CPicture& m_Photograph;
+  const CLightSet& m_Removed;
+  const CLightSet& m_Added;
+  const CInterpolation& m_Surface;  ///< with its normals as they are
+  /// Unit normals for the texels that have none there, beside tears; their numbers are row * width + column and rise.
+  /// Without it they are black.
+  std::function<std::vector<Vector3>(std::span<const std::size_t> texels)> m_NormalsOf;
+};
+
+/// One of these pictures, computed afresh, with a place of its own on the surface for each texel, in tears, too. An
+/// albedo above 1 is white instead of wrapping around; all else is as CAlbedoMap has it. Takes no memory beyond the
+/// result and what texels without normals need; linear in the number of texels, with a descent of the tree for each
+/// leaf that a row crosses. `goes` is told the share that is done, row by row; its false ends the work with an empty
+/// picture. Throws std::bad_alloc.
+CPicture LitPictureOf(LitPicture which, const CLitScene& scene, const std::function<bool(double)>& goes = {});

@@ -1,8 +1,8 @@
 // The pictures that exported surfaces show.
 
-#include <filesystem>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 

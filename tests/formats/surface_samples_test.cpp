@@ -121,3 +121,17 @@ TEST(NormalSamplesTest, FollowTheScaleOfTheHeightsAlone) {
   EXPECT_EQ(CInclined(-0.5, 0).NormalAt({TearGap::Open, 7, 14}), (CNormalBytes{218, 128, 218}));
   EXPECT_EQ(CInclined(-0.5, 0).NormalAt({TearGap::Open, 7, 7}), CInclined(-0.5, 0).NormalAt({}));
 }
+
+TEST(NormalsAtPixelsTest, AreThoseOfTheSideOfEachCentre) {
+  // A flat upper part, and a lower one that falls to the right.
+  CTornGrid grid({{{{-1, 8.5}, {17, 8.5}}}});
+  grid.Raise([&](int column, int row) { return row > 8 ? 9.0 : -grid.Lattice().XOf(column); });
+  // Of five by four pixels, whose two lower rows lie below the tear.
+  const std::vector<std::size_t> pixels{0, 2, 11, 12, 19};
+  const std::vector<Vector3> normals = NormalsAtPixels(CleanFileMesh(grid.m_Grid, {}), 5, 4, pixels);
+  for (const std::size_t k : {0U, 1U}) {
+    EXPECT_NEAR(normals[k].x, std::sqrt(0.5), 1e-4);
+    EXPECT_NEAR(normals[k].z, std::sqrt(0.5), 1e-4);
+  }
+  for (const std::size_t k : {2U, 3U, 4U}) EXPECT_NEAR(normals[k].z, 1, 1e-6);
+}

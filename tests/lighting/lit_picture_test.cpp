@@ -6,12 +6,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "lighting/LitPicture.h"
 #include "support/CStaging.h"
+#include "support/FileBuilders.h"
 #include "support/LightingBuilders.h"
 
 namespace {
@@ -28,8 +30,16 @@ struct CLitGrid : CPictureGrid {
     SwitchOn(CStaging::AddedLights(m_Grid), 1, {0.9, 0.8, 1.0}, {1, 1, 1});
   }
   CPicture Computed(LitPicture which, const std::function<bool(double)>& goes = {}) {
-    return LitPictureOf(which, RandomPicture(kWidth, kHeight), CStaging::RemovedLights(m_Grid),
-                        CStaging::AddedLights(m_Grid), m_Grid.Surface().Interpolation(), goes);
+    const CInterpolation surface = m_Grid.Surface().Interpolation();
+    const CPicture photograph = RandomPicture(kWidth, kHeight);
+    return LitPictureOf(
+        which, {photograph, CStaging::RemovedLights(m_Grid), CStaging::AddedLights(m_Grid), surface, m_NormalsOf},
+        goes);
+  }
+  void Tear() {
+    AddCurveThrough(m_Grid, CurveType::kPosition, {{-1.5, 21}, {4.25, 23}, {9, 23.5}});
+    m_Grid.PerformPendingWork();
+    SetRandomSurface(m_Grid, 5);
   }
   // The bytes of an image of the model, without what is beside the picture.
   std::vector<std::uint8_t> Image(CTextureImages::Which which) {
@@ -41,6 +51,8 @@ struct CLitGrid : CPictureGrid {
     }
     return bytes;
   }
+
+  std::function<std::vector<Vector3>(std::span<const std::size_t>)> m_NormalsOf;
 };
 
 }  // namespace
@@ -62,6 +74,33 @@ TEST(LitPictureTest, IsWhatTheModelMakesButForAlbedosAboveOne) {
     ++kinds[kd >= 1 ? 0 : kd > 0 ? 1 : 2];
   }
   EXPECT_GT(*std::ranges::min_element(kinds), 10) << "above 1, below, and none at all";
+}
+
+// The model shows gaps there.
+TEST(LitPictureTest, TakesNormalsBesideTearsFromElsewhere) {
+  CLitGrid lit;
+  lit.Tear();
+  const CPicture without = lit.Computed(LitPicture::Relit);
+  lit.m_Grid.ComputeNormalsOnly();
+  lit.m_Grid.ComputeCoefsTexels();
+  lit.m_Grid.GetKd();
+  EXPECT_EQ(without.m_aPixels, lit.Image(CTextureImages::kIllumination));
+  std::vector<std::size_t> asked;
+  lit.m_NormalsOf = [&asked](std::span<const std::size_t> texels) {
+    asked.assign(texels.begin(), texels.end());
+    return std::vector<Vector3>(texels.size(), {0, 0, 1});
+  };
+  const CPicture with = lit.Computed(LitPicture::Relit);
+  EXPECT_GT(asked.size(), 5U);
+  EXPECT_TRUE(std::ranges::is_sorted(asked));
+  EXPECT_NE(with.m_aPixels, without.m_aPixels);
+  const std::span<const Vector3> normals = lit.m_Grid.Relighting().Texels().Normals();
+  for (std::size_t texel = 0; texel < normals.size(); ++texel) {
+    const bool isAsked = std::ranges::binary_search(asked, texel);
+    EXPECT_EQ(isAsked, std::isnan(normals[texel].x)) << texel;
+    const std::uint8_t blue = without.m_aPixels[3 * texel + 2];
+    EXPECT_TRUE(isAsked ? blue == 0 : with.m_aPixels[3 * texel + 2] == blue) << texel;
+  }
 }
 
 TEST(LitPictureTest, NeedsNoPictureOfTheModel) {
