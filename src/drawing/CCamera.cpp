@@ -16,6 +16,10 @@ constexpr double kPi = 3.1415926;
 // short constant leaves of a whole turn. Without this 0 degrees might come back as 360.
 constexpr double kOnTheSeam = -1e-6;
 
+// How far R goes when it is zoomed by factors, in units of its value after the last reset.
+constexpr double kMinScale = 1e-3;
+constexpr double kMaxScale = 1e3;
+
 double Radians(double degrees) { return kPi * degrees / 180; }
 double Degrees(double radians) { return radians * 180 / kPi; }
 
@@ -55,7 +59,7 @@ void CCamera::Reset(const Vector3& low, const Vector3& high) {
 void CCamera::Fit(std::span<const float> positions, double width, double height) {
   if (positions.empty() || m_fR == 0) return;
   const Vector3 up = Normalised(m_Up);
-  const Vector3 side = Cross(up, Normalised(m_Eye - m_Centre));
+  const Vector3 side = Side();
   CInterval across;
   CInterval upwards;
   for (std::size_t k = 0; k + 2 < positions.size(); k += 3) {
@@ -126,6 +130,37 @@ void CCamera::Zoom(double dx, double dy) {
 void CCamera::Roll(double dx, double dy) {
   m_fZeta += (dx + dy) / m_fRollDivisor;
   UpdateEye();
+}
+
+Vector3 CCamera::Side() const { return Cross(Normalised(m_Up), Normalised(m_Eye - m_Centre)); }
+
+void CCamera::Pan(double across, double upwards) {
+  if (m_fR == 0) return;
+  m_Centre += across * Side() + upwards * Normalised(m_Up);
+  UpdateEye();
+}
+
+void CCamera::ZoomAbout(double factor, const Vector3& point) {
+  if (m_fR == 0) return;
+  const double r = std::copysign(std::clamp(std::abs(m_fR) * factor, kMinScale * m_fR0, kMaxScale * m_fR0), m_fR);
+  const Vector3 up = Normalised(m_Up);
+  const Vector3 side = Side();
+  const Vector3 offset = m_Centre - point;
+  m_Centre = point + r / m_fR * (Dot(offset, side) * side + Dot(offset, up) * up);
+  m_fR = r;
+  UpdateEye();
+}
+
+CHalfSizes CCamera::HalfSizes(int width, int height, bool proportional) const {
+  if (!proportional) return {m_fR, m_fR};
+  const double shorter = std::min(width, height);
+  return {m_fR * width / shorter, m_fR * height / shorter};
+}
+
+CSightLine CCamera::SightLine(double x, double y, int width, int height, const CHalfSizes& sizes) const {
+  const Vector3 across = (2 * (x + 0.5) / width - 1) * sizes.m_fWidth * Side();
+  const Vector3 upwards = (1 - 2 * (y + 0.5) / height) * sizes.m_fHeight * Normalised(m_Up);
+  return {m_Centre + across + upwards, Normalised(m_Centre - m_Eye)};
 }
 
 Vector3 CCamera::RotateDirection(const Vector3& direction, double dx, double dy) const {

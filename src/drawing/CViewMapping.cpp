@@ -24,19 +24,26 @@ void CViewMapping::SetSize(int width, int height) {
   m_iHeight = std::max(height, 1);
 }
 
+CPlanePoint CViewMapping::HalfSizes() const {
+  const double width = (m_Extent.x1 - m_Extent.x0) * g_fZoom;
+  const double height = (m_Extent.y1 - m_Extent.y0) * g_fZoom;
+  if (!m_bProportional) return {width / 2, height / 2};
+  const double perPixel = std::max(width / m_iWidth, height / m_iHeight);
+  return {perPixel * m_iWidth / 2, perPixel * m_iHeight / 2};
+}
+
 CExtent CViewMapping::Visible() const {
   const double cx = (m_Extent.x0 + m_Extent.x1) / 2 + m_Pan.x;
   const double cy = (m_Extent.y0 + m_Extent.y1) / 2 + m_Pan.y;
-  const double hw = (m_Extent.x1 - m_Extent.x0) * g_fZoom / 2;
-  const double hh = (m_Extent.y1 - m_Extent.y0) * g_fZoom / 2;
-  return {cx - hw, cx + hw, cy - hh, cy + hh};
+  const CPlanePoint half = HalfSizes();
+  return {cx - half.x, cx + half.x, cy - half.y, cy + half.y};
 }
 
 CPlanePoint CViewMapping::ToModelPanned(double x, double y, const CPlanePoint& pan) const {
   const double cx = (m_Extent.x0 + m_Extent.x1) / 2 + pan.x;
   const double cy = (m_Extent.y0 + m_Extent.y1) / 2 + pan.y;
-  return {cx + (m_Extent.x1 - m_Extent.x0) * g_fZoom * ((x + 0.5) / m_iWidth - 0.5),
-          cy + (m_Extent.y1 - m_Extent.y0) * g_fZoom * (0.5 - (y + 0.5) / m_iHeight)};
+  const CPlanePoint half = HalfSizes();
+  return {cx + 2 * half.x * ((x + 0.5) / m_iWidth - 0.5), cy + 2 * half.y * (0.5 - (y + 0.5) / m_iHeight)};
 }
 
 CPlanePoint CViewMapping::ToModel(double x, double y) const { return ToModelPanned(x, y, m_Pan); }
@@ -54,6 +61,13 @@ bool CViewMapping::IsInside(const CPlanePoint& place) const {
 void CViewMapping::Zoom(int dx, int dy) {
   const int step = std::clamp(dx - dy, -kMaxZoomStep, kMaxZoomStep);
   g_fZoom = std::clamp(g_fZoom * (1 + kZoomPerPixel * step), kMinZoom, kMaxZoom);
+}
+
+void CViewMapping::ZoomAbout(double factor, double x, double y) {
+  const CPlanePoint before = ToModel(x, y);
+  g_fZoom = std::clamp(g_fZoom * factor, kMinZoom, kMaxZoom);
+  const CPlanePoint after = ToModel(x, y);
+  Pan(before.x - after.x, before.y - after.y);
 }
 
 void CViewMapping::Pan(double dx, double dy) {

@@ -15,6 +15,9 @@ class CViewMapping {
   /// Of the view, in pixels; both above 0.
   void SetSize(int width, int height);
 
+  /// Whether x and y are to have one scale.
+  void KeepProportions(bool keep) { m_bProportional = keep; }
+
   /// The rectangle of the model, whatever the zoom.
   const CExtent& Extent() const { return m_Extent; }
   /// What the view shows.
@@ -31,6 +34,9 @@ class CViewMapping {
   /// Zoom for a mouse movement in pixels (y downwards): right and up show more, left and down show less, by half a per
   /// cent per pixel and at most 20 pixels at a time. Stops where rounding would spoil the mapping.
   static void Zoom(int dx, int dy);
+  /// Multiplies the zoom, as far as it goes, and moves the pan so that the place under the centre of pixel (x, y)
+  /// stays.
+  void ZoomAbout(double factor, double x, double y);
   /// Moves the pan.
   void Pan(double dx, double dy);
   const CPlanePoint& PanNow() const { return m_Pan; }
@@ -40,10 +46,13 @@ class CViewMapping {
   void Reset();
 
  private:
+  /// Half of what the view shows.
+  CPlanePoint HalfSizes() const;
   CPlanePoint ToModelPanned(double x, double y, const CPlanePoint& pan) const;
 
   CExtent m_Extent;
   int m_iWidth = 1;
   int m_iHeight = 1;
   CPlanePoint m_Pan;
+  bool m_bProportional = false;
 };

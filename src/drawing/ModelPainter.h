@@ -11,6 +11,7 @@
 class CGrid;
 class CTextures;
 struct CCamera;
+struct CHalfSizes;
 
 /// Colour of the grid lines 2^level lattice steps long while levels have colours of their own.
 CColour SubdivisionColour(int level);
@@ -23,12 +24,6 @@ class CModelPainter {
     std::uint32_t m_uFlags = 0;  ///< ModelFlag bits
     int m_iDrawTexture = DrawnTexture::kPhotograph;
     CTextures* m_pTextures = nullptr;  ///< none: the model is drawn without
-  };
-
-  /// Half of what a view shows to either side of its middle, model units.
-  struct CHalfSizes {
-    double m_fWidth = 0.0;
-    double m_fHeight = 0.0;
   };
 
   /// Draws the model as a camera sees it on the cleared viewport, and nothing where the camera is zoomed in to nothing.

@@ -1,6 +1,5 @@
 #include "picture/CModelPicture.h"
 
-#include <algorithm>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -84,7 +83,5 @@ void CModelPicture::Draw() const {
   CModelPainter painter;
   const CModelPainter::CView view{ModelFlag::kTexturedModel, DrawnTexture::kPhotograph, &textures};
   const CCamera camera = CameraOf(m_Grid, m_Options);
-  const double shorter = std::min(m_Options.m_iWidth, m_Options.m_iHeight);
-  painter.DrawScene(m_Grid, view, camera,
-                    {camera.m_fR * m_Options.m_iWidth / shorter, camera.m_fR * m_Options.m_iHeight / shorter});
+  painter.DrawScene(m_Grid, view, camera, camera.HalfSizes(m_Options.m_iWidth, m_Options.m_iHeight, true));
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include "drawing/CCamera.h"
 #include "support/ConsoleCapture.h"
@@ -350,4 +351,86 @@ TEST(CameraTest, NothingIsFittedWithoutPointsOrToOneAlone) {
   camera.Fit(std::span(kPoints).first(3), 4, 3);
   ExpectNear(camera.m_Centre, {0, 0, 6});
   EXPECT_EQ(camera.m_fR, 7);
+}
+
+namespace {
+
+// Where the view shows a point, in pixels from the top left, as the projection and the look-at matrix say; and how far
+// it lies before the centre.
+Vector3 OnScreen(const CCamera& camera, const CHalfSizes& sizes, int width, int height, const Vector3& point) {
+  const Vector3 forward = Normalised(camera.m_Centre - camera.m_Eye);
+  const Vector3 side = Normalised(Cross(forward, camera.m_Up));
+  const Vector3 up = Cross(side, forward);
+  const Vector3 offset = point - camera.m_Eye;
+  return {(Dot(offset, side) / sizes.m_fWidth + 1) / 2 * width - 0.5,
+          (1 - Dot(offset, up) / sizes.m_fHeight) / 2 * height - 0.5, Dot(camera.m_Centre - point, forward)};
+}
+
+struct CRandomView {
+  CRandomView() {
+    m_Camera.Zoom(*rc::gen::element(0, 300, -700, -1500), 0);
+    m_Camera.Pan(*rc::gen::inRange(-9, 9), *rc::gen::inRange(-9, 9));
+  }
+  Vector3 OnScreen(const Vector3& point) const { return ::OnScreen(m_Camera, Sizes(), m_iWidth, m_iHeight, point); }
+  CHalfSizes Sizes() const { return m_Camera.HalfSizes(m_iWidth, m_iHeight, m_bProportional); }
+
+  CCamera m_Camera = At(*rc::gen::inRange(1, 180), *rc::gen::inRange(0, 360), *rc::gen::inRange(0, 360));
+  int m_iWidth = *rc::gen::inRange(1, 3000);
+  int m_iHeight = *rc::gen::inRange(1, 3000);
+  bool m_bProportional = *rc::gen::arbitrary<bool>();
+  int m_iX = *rc::gen::inRange(0, m_iWidth);
+  int m_iY = *rc::gen::inRange(0, m_iHeight);
+};
+
+}  // namespace
+
+RC_GTEST_PROP(CameraProperty, LinesOfSightEndUnderTheirPixels, ()) {
+  const CRandomView view;
+  const CSightLine line = view.m_Camera.SightLine(view.m_iX, view.m_iY, view.m_iWidth, view.m_iHeight, view.Sizes());
+  const Vector3 shown = view.OnScreen(line.m_Point + *rc::gen::inRange(-50, 50) * line.m_Direction);
+  RC_ASSERT(std::abs(shown.x - view.m_iX) < 1e-6);
+  RC_ASSERT(std::abs(shown.y - view.m_iY) < 1e-6);
+  RC_ASSERT(Dot(line.m_Direction, view.m_Camera.m_Centre - view.m_Camera.m_Eye) > 0);
+}
+
+RC_GTEST_PROP(CameraProperty, APointZoomedAboutStaysAndComesToTheCentresDepth, ()) {
+  CRandomView view;
+  const Vector3 point{1.0 * *rc::gen::inRange(-9, 9), 1.0 * *rc::gen::inRange(-9, 9), 1.0 * *rc::gen::inRange(-9, 9)};
+  const Vector3 before = view.OnScreen(point);
+  const double factor = *rc::gen::element(0.8, 1.25, 0.3);
+  const double r = view.m_Camera.m_fR;
+  view.m_Camera.ZoomAbout(factor, point);
+  const Vector3 after = view.OnScreen(point);
+  RC_ASSERT(std::abs(view.m_Camera.m_fR - factor * r) < 1e-9);
+  RC_ASSERT(std::abs(after.x - before.x) < 1e-4 && std::abs(after.y - before.y) < 1e-4);
+  RC_ASSERT(std::abs(after.z) < 1e-6);
+}
+
+TEST(CameraTest, ZoomByFactorsIsHeldToAThousandTimes) {
+  CCamera camera = Camera();
+  camera.ZoomAbout(1e-9, {1, 2, 3});
+  EXPECT_EQ(camera.m_fR, 7 * 1e-3);
+  camera.ZoomAbout(1e9, {1, 2, 3});
+  EXPECT_EQ(camera.m_fR, 7 * 1e3);
+  camera.m_fR = 0;
+  camera.ZoomAbout(2, {1, 2, 3});
+  camera.Pan(1, 1);
+  EXPECT_EQ(camera.m_fR, 0);
+}
+
+TEST(CameraTest, PanningMovesCentreAndEyeTogether) {
+  CCamera camera = Camera();
+  camera.Pan(2, -1);
+  ExpectNear(camera.m_Centre, {5, 1, 6});
+  ExpectNear(Offset(camera), {0, 0, 7});
+  EXPECT_EQ(camera.m_fTheta, 90);
+}
+
+TEST(CameraTest, InTrueProportionsTheShorterSideShowsTwoR) {
+  const CCamera camera = Camera();
+  EXPECT_EQ(camera.HalfSizes(400, 200, true).m_fWidth, 14);
+  EXPECT_EQ(camera.HalfSizes(400, 200, true).m_fHeight, 7);
+  EXPECT_EQ(camera.HalfSizes(100, 200, true).m_fHeight, 14);
+  EXPECT_EQ(camera.HalfSizes(400, 200, false).m_fWidth, 7);
+  EXPECT_EQ(camera.HalfSizes(400, 200, false).m_fHeight, 7);
 }

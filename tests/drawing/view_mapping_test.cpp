@@ -1,6 +1,8 @@
 #include <array>
+#include <cmath>
 
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include "model/Globals.h"
 #include "support/MappingBuilders.h"
@@ -118,4 +120,48 @@ TEST_F(ViewMappingTest, PictureIncludesItsBorder) {
 TEST_F(ViewMappingTest, ViewWithoutPixelsIsHarmless) {
   m_Mapping.SetSize(0, -5);
   ExpectPlace(m_Mapping.ToModel(0, 0), 4.5, 23);
+}
+
+TEST_F(ViewMappingTest, InTrueProportionsTheNarrowerDirectionShowsMore) {
+  m_Mapping.KeepProportions(true);
+  ExpectPlace({m_Mapping.Visible().x0, m_Mapping.Visible().x1}, -3.5, 12.5);
+  ExpectPlace({m_Mapping.Visible().y0, m_Mapping.Visible().y1}, 23 - 6, 23 + 6);
+  m_Mapping.SetSize(800, 100);
+  ExpectPlace({m_Mapping.Visible().x0, m_Mapping.Visible().x1}, 4.5 - 24, 4.5 + 24);
+  ExpectPlace({m_Mapping.Visible().y0, m_Mapping.Visible().y1}, 20, 26);
+  m_Mapping.KeepProportions(false);
+  ExpectPlace({m_Mapping.Visible().x0, m_Mapping.Visible().x1}, -3.5, 12.5);
+}
+
+RC_GTEST_PROP(ViewMappingProperty, PlacesStayUnderTheirPixels, ()) {
+  const CGlobalScope<double> zoom{g_fZoom, *rc::gen::map(rc::gen::inRange(1, 500), [](int z) { return z / 100.0; })};
+  CViewMapping mapping;
+  mapping.SetExtent(kOblong);
+  const int width = *rc::gen::inRange(1, 3000);
+  const int height = *rc::gen::inRange(1, 3000);
+  mapping.SetSize(width, height);
+  const bool proportional = *rc::gen::arbitrary<bool>();
+  mapping.KeepProportions(proportional);
+  mapping.Pan(*rc::gen::inRange(-20, 20), *rc::gen::inRange(-20, 20));
+  const int x = *rc::gen::inRange(0, width);
+  const int y = *rc::gen::inRange(0, height);
+  const CPlanePoint place = mapping.ToModel(x, y);
+
+  const auto isUnderThePixel = [&] {
+    const CPlanePoint pixel = ToPixel(mapping, width, height, place);
+    return std::abs(pixel.x - x) < 1e-6 && std::abs(pixel.y - y) < 1e-6;
+  };
+  RC_ASSERT(isUnderThePixel());
+  mapping.ZoomAbout(*rc::gen::element(0.8, 1.25, 0.1, 7.0), x, y);
+  RC_ASSERT(isUnderThePixel());
+  const CExtent shown = mapping.Visible();
+  if (proportional)
+    RC_ASSERT(std::abs((shown.x1 - shown.x0) / width - (shown.y1 - shown.y0) / height) < 1e-9 * (shown.x1 - shown.x0));
+}
+
+TEST_F(ViewMappingTest, ZoomAboutAPixelIsHeldToItsBounds) {
+  m_Mapping.ZoomAbout(1e-9, 10, 10);
+  EXPECT_EQ(g_fZoom, 1e-6);
+  m_Mapping.ZoomAbout(1e20, 10, 10);
+  EXPECT_EQ(g_fZoom, 1e6);
 }
