@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -22,6 +23,14 @@ class CEnergyTerms {
 
   /// Terms added since the last `Clear`.
   std::size_t Count() const { return m_afWeights.size(); }
+  /// One of them: its weight, and its form as unknown numbers and their coefficients, each unknown once.
+  double Weight(std::size_t term) const { return m_afWeights[term]; }
+  std::span<const std::uint32_t> Unknowns(std::size_t term) const {
+    return std::span(m_auUnknowns).subspan(m_auFormStart[term], m_auFormStart[term + 1] - m_auFormStart[term]);
+  }
+  std::span<const double> Coefs(std::size_t term) const {
+    return std::span(m_afCoefs).subspan(m_auFormStart[term], m_auFormStart[term + 1] - m_auFormStart[term]);
+  }
 
   /// The matrix H of the energy over `unknowns` unknowns: one row each, every column once, exactly symmetric.
   /// Row by row with an accumulator for one row [Gustavson1978]. Linear in the number of products a_i a_j of all terms.

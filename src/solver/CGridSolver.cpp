@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 #include "base/Console.h"
@@ -81,16 +82,36 @@ void CGridSolver::RequestRestart() {
   m_bVectorsValid = false;
 }
 
-void CGridSolver::Assemble(CQuadTree& tree, const CInterpolation& surface, const CCntrCtrlList& curves) {
+void CGridSolver::Assemble(CQuadTree& tree, const CInterpolation& surface, const CCntrCtrlList& curves,
+                           std::span<const double> restValues) {
   CCompressedRows matrix;
   {
     CEnergyTerms terms;
     AddGridTerms(tree, surface.Order(), terms);
+    m_Rest.Clear();
+    if (!restValues.empty()) m_Rest.Collect(terms, restValues);
+    SetRestShape({});
     AddCurveTerms(curves, tree, surface, terms);
     terms.Assemble(surface.Order().Count(), matrix);
   }
   m_Scaled.SetSmoothness(std::move(matrix));
   m_iCounter = 0;
+}
+
+void CGridSolver::SetRestShape(const CRestShape& shape) {
+  m_RestShape = shape;
+  m_Rest.MakeLoad(shape, m_System.Load());
+  RequestRestart();
+}
+
+// With H = G + F, where F is along fairness curves: (z - p)^T G (z - p) + z^T F z = z^T H z - 2 z^T G p + p^T G p.
+double CGridSolver::RestEnergy(std::span<const double> heights) const {
+  std::vector<double> forces(heights.size());
+  m_System.Smoothness().Times(heights, forces);
+  for (std::size_t i = 0; i < m_System.Load().size(); ++i) forces[i] -= 2 * m_System.Load()[i];
+  const double energy = std::inner_product(heights.begin(), heights.end(), forces.begin(), m_Rest.Energy(m_RestShape));
+  // What is left of a surface that is the shape is rounding, of either sign.
+  return std::max(energy, 0.0) / 2;
 }
 
 void CGridSolver::SetConstraints(std::span<const CPtCstrList* const> lists, const CQuadTree& tree,
@@ -107,7 +128,7 @@ void CGridSolver::SetConstraints(std::span<const CPtCstrList* const> lists, cons
 void CGridSolver::SetFactor(std::span<const double> x) {
   m_Scaled.SetFactor(1.0);
   const auto usable = [](double norm) { return norm > 1.0 / kLargestNorm && norm < kLargestNorm; };
-  double norm = m_Scaled.TargetNorm(m_afTargets);
+  double norm = m_Scaled.RightSideNorm(m_afTargets);
   if (!usable(norm)) norm = m_Scaled.ResidualNorm(x, m_afMultipliers, m_afTargets);
   m_Scaled.SetFactor(usable(norm) ? 1.0 / norm : 1.0);
 }
@@ -239,7 +260,8 @@ CGridSolver::Outcome CGridSolver::Iterate(std::span<double> x, int limit, const 
 // Constraints that a plane meets pull at nothing, and what the forces are told to be is rounding, on either side.
 bool CGridSolver::IsFreeOfForces(const CImbalance& left) {
   const double rounding = kRoundedShare * left.m_fMagnitude;
-  return left.m_fForces <= rounding && left.m_fPulls <= rounding && left.m_fMisses <= kRoundedShare * left.m_fTargets;
+  return left.m_fForces <= rounding && left.m_fPulls + left.m_fLoad <= rounding &&
+         left.m_fMisses <= kRoundedShare * left.m_fTargets;
 }
 
 // At a breakdown the residual of the recurrence has become small, the true one only as far as rounding let it. As long
@@ -277,16 +299,17 @@ bool CGridSolver::IsResidualSmall() const {
   return m_Residual.ResidualNorm() <= kSmallResidual * m_Residual.StartNorm();
 }
 
-// Measured afresh, as the recurrence may believe in anything by now. The forces of the constraints say how large forces
-// are in this model; those that cancel in the smoothness, how small they can be told to be.
+// Measured afresh, as the recurrence may believe in anything by now. The forces of the constraints and the load say how
+// large forces are in this model; those that cancel in the smoothness, how small they can be told to be.
 bool CGridSolver::IsSolved(std::span<const double> x) {
   const CImbalance left = m_Scaled.Measure(x, m_afMultipliers, m_afTargets);
   // Where nothing but 0 is asked for there is no measure but the way that the iteration has come.
-  if (left.m_fTargets == 0 && IsResidualSmall()) return true;
-  const double rounding = kRoundedShare * (left.m_fMagnitude + left.m_fTargets);
-  const bool balanced = left.m_fForces <= kSolvedShare * left.m_fPulls + rounding;
-  const bool met = left.m_fMisses <= kSolvedShare * left.m_fTargets;
-  return balanced && met && std::isfinite(left.m_fPulls + left.m_fMagnitude + left.m_fTargets);
+  const double asked = left.m_fTargets + left.m_fLoad;
+  if (asked == 0 && IsResidualSmall()) return true;
+  const double rounding = kRoundedShare * (left.m_fMagnitude + asked);
+  const bool balanced = left.m_fForces <= kSolvedShare * (left.m_fPulls + left.m_fLoad) + rounding;
+  const bool met = left.m_fMisses <= kSolvedShare * asked;
+  return balanced && met && std::isfinite(left.m_fPulls + left.m_fMagnitude + asked);
 }
 
 CGridSolver::Outcome CGridSolver::Stop(const char* message, double value, std::span<const double> x) {

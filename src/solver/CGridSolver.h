@@ -8,6 +8,7 @@
 #include "solver/CConjugateResidual.h"
 #include "solver/CConstraintSystem.h"
 #include "solver/CHierarchicalBasis.h"
+#include "solver/CRestForces.h"
 #include "solver/CScaledSystem.h"
 #include "solver/CSolverState.h"
 
@@ -41,8 +42,16 @@ class CGridSolver {
   void RequestRestart();
 
   /// The matrix of the smoothness energy, that along fairness curves included, for a numbering just made; the iteration
-  /// then starts afresh.
-  void Assemble(CQuadTree& tree, const CInterpolation& surface, const CCntrCtrlList& curves);
+  /// then starts afresh. `restValues` (by scan position, not a number for none; empty for none at all) are those that
+  /// `SetRestShape` makes heights of; none are taken for such until then.
+  void Assemble(CQuadTree& tree, const CInterpolation& surface, const CCntrCtrlList& curves,
+                std::span<const double> restValues = {});
+  /// The smoothness of the grid, without that along curves, counts from this shape on. The iteration then starts
+  /// afresh.
+  void SetRestShape(const CRestShape& shape);
+  /// What a surface minimises, for its heights by scan position: half of the energy counted from the shape. Takes
+  /// memory.
+  double RestEnergy(std::span<const double> heights) const;
   /// The constraint rows of all records in the lists.
   void SetConstraints(std::span<const CPtCstrList* const> lists, const CQuadTree& tree, const CInterpolation& surface);
 
@@ -89,6 +98,8 @@ class CGridSolver {
   bool IsSolved(std::span<const double> x);
 
   CConstraintSystem m_System;
+  CRestForces m_Rest;
+  CRestShape m_RestShape;
   CScaledSystem m_Scaled{m_System};
   CConjugateResidual m_Residual;
   std::vector<double> m_afMultipliers;  ///< one per constraint row

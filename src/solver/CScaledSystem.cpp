@@ -173,7 +173,7 @@ void CScaledSystem::UnscaleMultipliers(std::span<double> multipliers) {
 void CScaledSystem::TakeResidual(std::span<const double> x, std::span<const double> multipliers,
                                  std::span<const double> targets, std::span<double> r) {
   const std::size_t n = UnknownCount();
-  m_pSystem->ApplySystem(x.first(n), multipliers, r);
+  m_pSystem->ApplyLoaded(x.first(n), multipliers, r);
   for (std::size_t i = 0; i < n; ++i) r[i] = -r[i];
   ScaleForces(r.first(n));
   for (std::size_t j = 0; j < targets.size(); ++j) r[n + j] = m_fFactor * (targets[j] - r[n + j]);
@@ -186,12 +186,26 @@ double CScaledSystem::TargetNorm(std::span<const double> targets) {
   return SafeNorm(m_afMultipliers);
 }
 
+double CScaledSystem::LoadNorm() {
+  if (m_pSystem->Load().empty()) return 0.0;
+  const std::span<double> forces = std::span(m_afWork).first(UnknownCount());
+  m_pSystem->ApplyLoad(forces);
+  ScaleForces(forces);
+  return SafeNorm(forces);
+}
+
+double CScaledSystem::RightSideNorm(std::span<const double> targets) {
+  const double norm = TargetNorm(targets);
+  return m_pSystem->Load().empty() ? norm : std::hypot(norm, LoadNorm());
+}
+
 CImbalance CScaledSystem::Measure(std::span<const double> x, std::span<const double> multipliers,
                                   std::span<const double> targets) {
   const std::size_t n = UnknownCount();
   const std::span<double> forces = std::span(m_afWork).first(n);
   CImbalance found;
   found.m_fTargets = TargetNorm(targets);
+  found.m_fLoad = LoadNorm();
   TakeResidual(x, multipliers, targets, m_afWork);
   found.m_fForces = SafeNorm(forces);
   found.m_fMisses = SafeNorm(std::span(m_afWork).subspan(n));

@@ -11,12 +11,13 @@
 
 class CPointOrder;
 
-/// How far a state is from solving the system, as lengths in scaled units; H, B and C as in CConstraintSystem, D, R and
-/// L as in CScaledSystem, z the heights.
+/// How far a state is from solving the system, as lengths in scaled units; H, B, C and g as in CConstraintSystem, D, R
+/// and L as in CScaledSystem, z the heights.
 struct CImbalance {
-  double m_fForces = 0.0;     ///< D B^T (H z + C^T l): what is left of the forces, 0 in a solution
+  double m_fForces = 0.0;     ///< D B^T (H z - g + C^T l): what is left of the forces, 0 in a solution
   double m_fPulls = 0.0;      ///< D B^T C^T l: those of the constraints alone
-  double m_fMagnitude = 0.0;  ///< D B^T |H| |z|: those of the smoothness, had nothing in them cancelled
+  double m_fLoad = 0.0;       ///< D B^T g: the load; 0 without one
+  double m_fMagnitude = 0.0;  ///< D B^T (|H| |z| + |g|): those of the smoothness, had nothing in them cancelled
   double m_fMisses = 0.0;     ///< L^-1 R (d - C z): what the constraints miss, 0 in a solution
   double m_fTargets = 0.0;    ///< L^-1 R d
 };
@@ -66,8 +67,9 @@ class CScaledSystem {
   /// r = the scaled residual of x (N coefficients) and l (M multipliers) towards the right-hand sides d.
   void TakeResidual(std::span<const double> x, std::span<const double> multipliers, std::span<const double> targets,
                     std::span<double> r);
-  /// Length of the right-hand side, scaled but for f.
+  /// Length of the right-hand side, scaled but for f: of the targets alone, and with the load.
   double TargetNorm(std::span<const double> targets);
+  double RightSideNorm(std::span<const double> targets);
   /// Adds to l what a step of the scaled multipliers means to it; the step is used up.
   void AddStep(std::span<double> step, std::span<double> multipliers);
   /// What multiplier `j` is where the scaled one is 1 and no other counts.
@@ -78,6 +80,7 @@ class CScaledSystem {
   double ResidualNorm(std::span<const double> x, std::span<const double> multipliers, std::span<const double> targets);
 
  private:
+  double LoadNorm();
   void ScaleForces(std::span<double> forces) const;
   void ScaleRowValues(std::span<double> values);
   void UnscaleMultipliers(std::span<double> multipliers);

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/CShapeSolver.h"
 #include "support/CStaging.h"
 #include "support/ConstraintBuilders.h"
 #include "support/DirectSolution.h"
@@ -111,6 +112,19 @@ TEST_P(DirectSolutionTest, ConvergedSurfaceIsTheExactOne) {
   for (const CPtCstr& c : Case().m_Constraints(Case().m_Extent)) m_Solver.m_Grid.AddPtCstr(c);
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_LT(m_Solver.ErrorAgainst(m_Solver.DirectHeights()), kTolerance);
+}
+
+TEST_P(DirectSolutionTest, ConvergedSurfaceOverAShapeIsTheExactOne) {
+  for (const CPtCstr& c : Case().m_Constraints(Case().m_Extent)) m_Solver.m_Grid.AddPtCstr(c);
+  CShapeSolver solver(m_Solver.m_Grid);
+  for (const std::uint32_t seed : {1U, 2U}) {
+    std::vector<double> shape = RandomValues(seed, solver.PointCount());
+    for (double& height : shape) height *= 20;
+    solver.SetShape(shape, {1.0, 0.0});
+    solver.Solver().ModelChanged();
+    ASSERT_TRUE(solver.Converge());
+    EXPECT_LT(ErrorOf(solver.Heights(), solver.DirectHeights(shape)), kTolerance) << seed;
+  }
 }
 
 class SolvedSurfaceTest : public testing::TestWithParam<WaveletMode> {

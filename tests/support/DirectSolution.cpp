@@ -104,7 +104,7 @@ void CDirectSystem::AddAreas(const CRefLeaf& leaf, const CSegment& segment) {
   m_afAreas[Index(segment.m_B)] += area / 2;
 }
 
-void CDirectSystem::AddTwist(const CRefLeaf& leaf, CEntries& entries) const {
+void CDirectSystem::AddTwist(const CRefLeaf& leaf) {
   if ((leaf.m_uFlags & 63U) != 0) return;
   const int x1 = leaf.m_iX0 + leaf.m_iSize;
   const int y1 = leaf.m_iY0 + leaf.m_iSize;
@@ -115,10 +115,10 @@ void CDirectSystem::AddTwist(const CRefLeaf& leaf, CEntries& entries) const {
                    {Number({x1, y1}), 1.0},
                    {Number({x1, leaf.m_iY0}), -1.0},
                    {Number({leaf.m_iX0, y1}), -1.0}};
-  AddSquare(weight, form, entries);
+  m_aTerms.push_back({weight, form});
 }
 
-void CDirectSystem::AddSecondDifference(const CSegment& before, const CSegment& after, CEntries& entries) const {
+void CDirectSystem::AddSecondDifference(const CSegment& before, const CSegment& after) {
   const CPoint& here = before.m_B;
   if (m_abCrease[Index(here)]) return;
   const bool inX = before.IsHorizontal();
@@ -126,16 +126,15 @@ void CDirectSystem::AddSecondDifference(const CSegment& before, const CSegment& 
   const double h2 = inX ? X(after.m_B[0]) - X(here[0]) : Y(after.m_B[1]) - Y(here[1]);
   const double m = (h1 + h2) * 0.5;
   const double weight = 1.0 / (m * m * std::pow(h1 * h2, 2)) * (m_afAreas[Index(here)] / kAreaDivisor);
-  AddSquare(weight, {{Number(after.m_B), h1}, {Number(here), -(h1 + h2)}, {Number(before.m_A), h2}}, entries);
+  m_aTerms.push_back({weight, {{Number(after.m_B), h1}, {Number(here), -(h1 + h2)}, {Number(before.m_A), h2}}});
 }
 
 void CDirectSystem::FormEnergy(const CQuadTree& tree) {
-  CEntries entries;
   // The uncut segments by the point where they begin and end, for each of the two directions.
   std::array<std::map<CPoint, CSegment>, 2> beginning;
   std::array<std::map<CPoint, CSegment>, 2> ending;
   for (const CRefLeaf& leaf : m_aLeaves) {
-    AddTwist(leaf, entries);
+    AddTwist(leaf);
     for (int side = 0; side < 4; ++side) {
       for (const CSegment& segment : SegmentsOfSide(leaf, side)) {
         AddAreas(leaf, segment);
@@ -149,9 +148,11 @@ void CDirectSystem::FormEnergy(const CQuadTree& tree) {
   for (const std::size_t direction : {0U, 1U}) {
     for (const auto& [point, after] : beginning[direction]) {
       const auto before = ending[direction].find(point);
-      if (before != ending[direction].end()) AddSecondDifference(before->second, after, entries);
+      if (before != ending[direction].end()) AddSecondDifference(before->second, after);
     }
   }
+  CEntries entries;
+  for (const CTerm& term : m_aTerms) AddSquare(term.m_fWeight, term.m_Form, entries);
   m_H.resize(m_iUnknowns, m_iUnknowns);
   m_H.setFromTriplets(entries.begin(), entries.end());
 }
@@ -278,6 +279,16 @@ void CDirectSystem::SetConstraints(std::span<const CPtCstrList* const> lists) {
   m_C.setFromTriplets(entries.begin(), entries.end());
 }
 
+void CDirectSystem::SetShape(std::span<const double> heights) {
+  m_Load = Eigen::VectorXd::Zero(m_iUnknowns);
+  for (const CTerm& term : m_aTerms) {
+    double form = 0.0;
+    for (const auto& [unknown, coef] : term.m_Form) form += coef * heights[static_cast<std::size_t>(unknown)];
+    if (std::isnan(form)) continue;
+    for (const auto& [unknown, coef] : term.m_Form) m_Load[unknown] += term.m_fWeight * form * coef;
+  }
+}
+
 Eigen::SparseMatrix<double> CDirectSystem::Bordered() const {
   using CEntry = Eigen::SparseMatrix<double>::InnerIterator;
   CEntries entries;
@@ -299,6 +310,7 @@ std::vector<double> CDirectSystem::Solve() const {
   if (factors.info() != Eigen::Success) return {};
   Eigen::VectorXd right = Eigen::VectorXd::Zero(bordered.rows());
   right.tail(m_Targets.size()) = m_Targets;
+  if (m_Load.size() != 0) right.head(m_iUnknowns) = m_Load;
   Eigen::VectorXd solution = factors.solve(right);
   solution += factors.solve(right - bordered * solution);
   return {solution.data(), solution.data() + m_iUnknowns};

@@ -38,6 +38,11 @@ class CDirectSystem {
   /// The height at (x, y), model units, as a form of the unknowns; nothing outside.
   std::optional<CForm> HeightForm(double x, double y) const;
 
+  /// The energy counts from a shape with these heights (one per unknown, not a number for none): terms with a point
+  /// that has none count from the plane.
+  void SetShape(std::span<const double> heights);
+  const Eigen::VectorXd& Load() const { return m_Load; }
+
   /// [H C^T; C 0], over the heights and the multipliers.
   Eigen::SparseMatrix<double> Bordered() const;
   /// The heights that minimise the energy under the constraints. The rows must be independent of each
@@ -64,6 +69,10 @@ class CDirectSystem {
     CForm m_Form;
     double m_fTarget;
   };
+  struct CTerm {
+    double m_fWeight;
+    CForm m_Form;
+  };
 
   std::size_t Index(const CPoint& p) const {
     return static_cast<std::size_t>(p[1]) * static_cast<std::size_t>(m_iSide) + static_cast<std::size_t>(p[0]);
@@ -80,8 +89,8 @@ class CDirectSystem {
   bool IsCut(const CQuadTree& tree, const CSegment& segment) const;
 
   void AddAreas(const CRefLeaf& leaf, const CSegment& segment);
-  void AddTwist(const CRefLeaf& leaf, CEntries& entries) const;
-  void AddSecondDifference(const CSegment& before, const CSegment& after, CEntries& entries) const;
+  void AddTwist(const CRefLeaf& leaf);
+  void AddSecondDifference(const CSegment& before, const CSegment& after);
   void FormEnergy(const CQuadTree& tree);
 
   CForm CentreForm(const CRefLeaf& leaf) const;
@@ -98,7 +107,9 @@ class CDirectSystem {
   std::vector<bool> m_abCrease;
   std::vector<int> m_aiNumbers;  ///< of the unknown; meaningful at corners of leaves
   std::vector<double> m_afAreas;
+  std::vector<CTerm> m_aTerms;
   Eigen::SparseMatrix<double> m_H;
+  Eigen::VectorXd m_Load;
   Eigen::SparseMatrix<double> m_C;
   Eigen::VectorXd m_Targets;
 };
