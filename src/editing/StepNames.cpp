@@ -53,6 +53,15 @@ const char* NameOf(Edit edit) {
       return "merge cells";
     case Edit::SetLight:
       return "light";
+    case Edit::LoadReference:
+      return "load reference depth";
+    case Edit::RemoveReference:
+      return "remove reference depth";
+    case Edit::SetReferenceStrength:
+      return "strength of reference depth";
+    case Edit::SetReferenceOption:
+    case Edit::SetReferenceValues:
+      return "reference depth";
     case Edit::SwitchResolution:
       return "switch resolution";
     case Edit::ResetSolver:

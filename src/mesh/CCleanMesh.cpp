@@ -2,13 +2,13 @@
 
 #include <utility>
 
+#include "constraints/TearLines.h"
 #include "mesh/CEndLeader.h"
 #include "mesh/CSideHeights.h"
 #include "mesh/CTearCutter.h"
 #include "mesh/CTearPatch.h"
 #include "mesh/CTearSides.h"
 #include "mesh/CTornSurface.h"
-#include "mesh/TearLines.h"
 #include "quadtree/CQuadTree.h"
 
 namespace {

@@ -7,6 +7,7 @@
 #include "model/EditObserver.h"
 
 class CConstraints;
+class CGridReference;
 class CGridRun;
 
 /// The gate through which a hand changes the document: every edit of the model's parts is made in here, which then
@@ -24,8 +25,9 @@ class CEditGate {
     Interrupted,  ///< by a key, a dialog or another mode
   };
 
-  /// Both must outlive the gate.
-  CEditGate(const CConstraints& constraints, CGridRun& run) : m_Constraints(constraints), m_Run(run) {}
+  /// All of them must outlive the gate.
+  CEditGate(const CConstraints& constraints, CGridReference& reference, CGridRun& run)
+      : m_Constraints(constraints), m_Reference(reference), m_Run(run) {}
   CEditGate(const CEditGate&) = delete;
   CEditGate& operator=(const CEditGate&) = delete;
   ~CEditGate() = default;
@@ -42,6 +44,7 @@ class CEditGate {
   void BeginGesture(Hold hold);
   /// Nothing is held afterwards. A curve that was held takes effect: kRebuildMaps is posted, unless its attributes are
   /// to be edited, which bring a rebuild of their own. Interrupted, a gesture does so only if it has changed anything.
+  /// A reference whose response would be another one by now is fitted again: kRestart is posted.
   void EndGesture(GestureEnd end);
 
   /// Makes a change by calling `change`. Where that throws nothing is posted, and the observer hears of the end of an
@@ -63,6 +66,7 @@ class CEditGate {
   void Finish(Edit edit);
 
   const CConstraints& m_Constraints;
+  CGridReference& m_Reference;
   CGridRun& m_Run;
   EditObserver* m_pObserver = nullptr;
   std::uint64_t m_uEdits = 0;

@@ -14,15 +14,17 @@ int SupportedMaxLevel() { return std::clamp(g_iMaxLevel, CLattice::kMinLevel, CL
 CGrid::CGrid(std::uint32_t seed)
     : m_Surface(SupportedMaxLevel()),
       m_Constraints(m_Surface),
+      m_Reference(m_Surface, m_Constraints),
       m_Relighting(m_Surface),
       m_Random(seed),
       m_Solver(m_Surface.Basis(), m_Random),
       m_Run(m_Solver),
-      m_Builder(m_Surface, m_Wanted, m_Constraints, m_Solver, m_Run),
-      m_Gate(m_Constraints, m_Run),
+      m_Builder(m_Surface, m_Wanted, m_Constraints, m_Reference, m_Solver, m_Run),
+      m_Gate(m_Constraints, m_Reference, m_Run),
       m_Points(m_Constraints, m_Gate),
       m_Curves(m_Surface, m_Wanted, m_Constraints, m_Gate),
       m_Cells(m_Surface, m_Wanted, m_Run, m_Gate),
+      m_ReferenceEdits(m_Reference, m_Gate),
       m_Marks(m_Surface, m_Run) {
   g_bHighRes = 0;
   Initialize(g_iBaseLevel, false, 0, 0, 100, 100);
@@ -41,6 +43,7 @@ void CGrid::AddTracedCurve(std::span<const CPtCstr> points, CurveType type, bool
 void CGrid::FreeAll() {
   m_Surface.Free();
   m_Constraints.Clear();
+  m_Reference.Set({});
 }
 
 void CGrid::Reserve(int maxLevel) {

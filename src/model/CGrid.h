@@ -11,9 +11,11 @@
 #include "model/CCurveEdits.h"
 #include "model/CEditGate.h"
 #include "model/CGridBuilder.h"
+#include "model/CGridReference.h"
 #include "model/CGridRun.h"
 #include "model/CPointMarks.h"
 #include "model/CPtCstrEdits.h"
+#include "model/CReferenceEdits.h"
 #include "model/CRelighting.h"
 #include "model/CSaveOutcome.h"
 #include "model/CSketch.h"
@@ -129,6 +131,8 @@ class CGrid {
   const CConstraints& Constraints() const { return m_Constraints; }
   CCurveEdits& CurveEdits() { return m_Curves; }
   CCellEdits& CellEdits() { return m_Cells; }
+  const CGridReference& Reference() const { return m_Reference; }
+  CReferenceEdits& ReferenceEdits() { return m_ReferenceEdits; }
   CEditGate& Gate() { return m_Gate; }
   const CWantedSubdivisions& Wanted() const { return m_Wanted; }
   CPointMarks& Marks() { return m_Marks; }
@@ -146,6 +150,7 @@ class CGrid {
   CSurface m_Surface;
   CWantedSubdivisions m_Wanted;
   CConstraints m_Constraints;
+  CGridReference m_Reference;
   CRelighting m_Relighting;
   CRandom m_Random;
   CGridSolver m_Solver;
@@ -155,5 +160,6 @@ class CGrid {
   CPtCstrEdits m_Points;
   CCurveEdits m_Curves;
   CCellEdits m_Cells;
+  CReferenceEdits m_ReferenceEdits;
   CPointMarks m_Marks;
 };

@@ -6,6 +6,7 @@
 #include "constraints/CurveRasteriser.h"
 #include "constraints/FinestCells.h"
 #include "model/CConstraints.h"
+#include "model/CGridReference.h"
 #include "model/CGridRun.h"
 #include "model/CSurface.h"
 #include "model/CWantedSubdivisions.h"
@@ -51,10 +52,11 @@ void CGridBuilder::SetSparseH() {
     Console() << "*** SetSparseH ***\n";
     BuildHNumerotation();
     m_Surface.Tree().ListLeaves();
-    m_Solver.Assemble(m_Surface.Tree(), m_Surface.Interpolation(), m_Constraints.Curves());
+    m_Solver.Assemble(m_Surface.Tree(), m_Surface.Interpolation(), m_Constraints.Curves(), m_Reference.Sample());
   }
   const std::array<const CPtCstrList*, 2> lists{&m_Constraints.Points(), &m_Constraints.Generated()};
   m_Solver.SetConstraints(lists, m_Surface.Tree(), m_Surface.Interpolation());
+  if (m_Reference.HasMap()) m_Solver.SetRestShape(m_Reference.Fit());
   m_Constraints.MarkIdle(m_Solver.System().Constraints());
   m_Run.Host().ShowConstraints(m_Constraints.ActiveCount());
 }

@@ -5,6 +5,7 @@
 #include "lattice/WaveletMode.h"
 
 class CConstraints;
+class CGridReference;
 class CGridRun;
 class CGridSolver;
 class CSurface;
@@ -16,9 +17,14 @@ class CWantedSubdivisions;
 class CGridBuilder {
  public:
   /// All of them must outlive the builder.
-  CGridBuilder(CSurface& surface, const CWantedSubdivisions& wanted, CConstraints& constraints, CGridSolver& solver,
-               CGridRun& run)
-      : m_Surface(surface), m_Wanted(wanted), m_Constraints(constraints), m_Solver(solver), m_Run(run) {}
+  CGridBuilder(CSurface& surface, const CWantedSubdivisions& wanted, CConstraints& constraints,
+               CGridReference& reference, CGridSolver& solver, CGridRun& run)
+      : m_Surface(surface),
+        m_Wanted(wanted),
+        m_Constraints(constraints),
+        m_Reference(reference),
+        m_Solver(solver),
+        m_Run(run) {}
 
   /// Rebuilds the tree from the wanted subdivision, the discontinuity maps and the whole system.
   void SetDiscMap();
@@ -27,7 +33,7 @@ class CGridBuilder {
   /// Numbers the points of the present subdivision and sets the coefficients from the height array.
   void BuildHNumerotation();
   /// Sets up the system: with the solver's counter at -1 renumbers the points, assembles the matrix and sets the
-  /// counter to 0; in any case rebuilds the constraint rows.
+  /// counter to 0; in any case rebuilds the constraint rows and fits the reference to the heights.
   void SetSparseH();
   /// Converts the coefficients to the basis of `mode`.
   void SetWaveletMode(WaveletMode mode);
@@ -40,6 +46,7 @@ class CGridBuilder {
   CSurface& m_Surface;
   const CWantedSubdivisions& m_Wanted;
   CConstraints& m_Constraints;
+  CGridReference& m_Reference;
   CGridSolver& m_Solver;
   CGridRun& m_Run;
 };

@@ -8,6 +8,7 @@
 #include "lattice/CLattice.h"
 #include "model/Globals.h"
 #include "quadtree/CSubdivisionBits.h"
+#include "reference/CReference.h"
 
 /// A number before each list of a grid file, without meaning, that is kept from loading to saving.
 struct CListHeaders {
@@ -35,6 +36,7 @@ struct CSketch {
   CPtCstrList m_Points;
   CCntrCtrlList m_Curves;
   CPendingCurve m_PendingCurve;
+  CReference m_Reference;  ///< not in grid files
 
   bool operator==(const CSketch&) const = default;
 };

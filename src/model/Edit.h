@@ -24,6 +24,11 @@ enum class Edit {
   SplitCells,
   MergeCells,
   SetLight,
+  LoadReference,
+  RemoveReference,
+  SetReferenceStrength,
+  SetReferenceOption,
+  SetReferenceValues,  ///< what counts as one of its values
   SwitchResolution,
   ResetSolver,
   NewGrid,
@@ -45,9 +50,14 @@ constexpr Operation PostedBy(Edit edit) {
     case Edit::MovePoint:
     case Edit::MoveHeight:
     case Edit::TurnSlope:
+    case Edit::SetReferenceStrength:
+    case Edit::SetReferenceOption:
       return Operation::kRestart;
     case Edit::AddPoint:
     case Edit::DeletePoint:
+    case Edit::LoadReference:
+    case Edit::RemoveReference:
+    case Edit::SetReferenceValues:
       return Operation::kRebuild;
     case Edit::AddCurve:
       return Operation::kNewCurve;

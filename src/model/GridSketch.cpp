@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "model/CGrid.h"
 #include "model/CModelState.h"
@@ -35,6 +36,7 @@ CSketch CGrid::Sketch() const {
   sketch.m_bHighRes = g_bHighRes == 1;
   sketch.m_aSubdivisions = {m_Wanted.CurrentBits(), m_Wanted.OtherBits()};
   m_Constraints.AddTo(sketch);
+  sketch.m_Reference = m_Reference.Value();
   return sketch;
 }
 
@@ -42,6 +44,7 @@ void CGrid::TakeOver(CSketch sketch) {
   Reserve(sketch.m_iMaxLevel);
   FreeAll();
   m_Constraints.TakeFrom(sketch);
+  m_Reference.Set(std::move(sketch.m_Reference));
   g_iBaseLevel = sketch.m_iNewBaseLevel;
   g_iMaxLevel = sketch.m_iMaxLevel;
   g_bHighRes = sketch.m_bHighRes ? 1 : 0;
@@ -73,7 +76,10 @@ void CRestoration::RestoreDocument(CGrid& grid, const CDocument& document) {
   const bool maps = cells || grid.m_Constraints.Curves() != sketch.m_Curves;
   const bool rows = grid.m_Constraints.Points() != sketch.m_Points;
   const bool numbering = !HaveSameKinds(grid.m_Constraints.Points(), sketch.m_Points);
+  const bool values = !grid.m_Reference.Value().HasSameValues(sketch.m_Reference);
+  const bool reference = !(grid.m_Reference.Value() == sketch.m_Reference);
   grid.m_Constraints.Restore(sketch);
+  if (reference) grid.m_Reference.Set(sketch.m_Reference);
   grid.m_Relighting.SetLights(document.m_RemovedLights, document.m_AddedLights);
   if (cells) {
     sketch.m_aSubdivisions.front().ApplyTo(grid.m_Wanted.Current());
@@ -84,8 +90,8 @@ void CRestoration::RestoreDocument(CGrid& grid, const CDocument& document) {
   if (rows && !maps) grid.m_Constraints.UpdateActivities();
   if (maps) {
     grid.m_Run.Post(Operation::kRebuildMaps);
-  } else if (rows) {
-    grid.m_Run.Post(numbering ? Operation::kRebuild : Operation::kRestart);
+  } else if (rows || reference) {
+    grid.m_Run.Post(numbering || values ? Operation::kRebuild : Operation::kRestart);
   }
   grid.m_Run.Host().ShowConstraints(grid.m_Constraints.ActiveCount());
   grid.m_Run.Host().RequestRedraw();

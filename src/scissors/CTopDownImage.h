@@ -8,6 +8,7 @@
 #include "scissors/PixelPosition.h"
 
 class CTextureImages;
+struct CPicture;
 
 /// RGB pixels with the top row first, as the scissors see the photograph; rows follow each other without gaps.
 struct CTopDownImage {
@@ -25,3 +26,5 @@ struct CTopDownImage {
 
 /// A copy of the photograph alone, without its padding, rows reversed. Empty where there is no picture.
 CTopDownImage CopyPhotograph(const CTextureImages& images);
+/// The same of a picture.
+CTopDownImage TopDown(const CPicture& picture);

@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "mesh/TearLines.h"
+#include "constraints/TearLines.h"
 #include "support/CleanMeshBuilders.h"
 
 namespace {

@@ -6,6 +6,7 @@
 /// nor shown.
 struct CStaging {
   static CConstraints& Constraints(CGrid& grid) { return grid.m_Constraints; }
+  static CGridReference& Reference(CGrid& grid) { return grid.m_Reference; }
   static CSubdivisionRecord& Subdivision(CGrid& grid) { return grid.m_Wanted.Current(); }
   static CLightSet& RemovedLights(CGrid& grid) { return grid.m_Relighting.m_RemovedLights; }
   static CLightSet& AddedLights(CGrid& grid) { return grid.m_Relighting.m_AddedLights; }

@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "constraints/TearLines.h"
 #include "mesh/CCleanMesh.h"
-#include "mesh/TearLines.h"
 #include "model/CGrid.h"
 #include "support/CStaging.h"
 #include "support/ConsoleCapture.h"

@@ -1,4 +1,4 @@
-#include "mesh/TearLines.h"
+#include "constraints/TearLines.h"
 
 #include <optional>
 #include <utility>

@@ -1,0 +1,144 @@
+// Made scenes with known gaps, and what is proposed for them.
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <numbers>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "lattice/CLattice.h"
+#include "reference/CDepthMap.h"
+#include "reference/SuggestTears.h"
+#include "scissors/CLinkCosts.h"
+#include "scissors/CTopDownImage.h"
+#include "support/DepthBuilders.h"
+
+namespace {
+
+using Places = std::vector<CPlanePoint>;
+
+constexpr int kSize = 300;
+constexpr double kPixel = 100.0 / kSize;
+
+// A floor that rises, a disc and an oblique board in front of it; shares of the sides.
+constexpr CPlanePoint kDisc{0.35, 0.6};
+constexpr double kRadius = 0.2;
+bool IsInDisc(double u, double v) { return std::hypot(u - kDisc.x, v - kDisc.y) < kRadius; }
+bool IsOnBoard(double u, double v) { return u > 0.62 && u < 0.88 && v - 0.3 * u > 0.05 && v - 0.3 * u < 0.6; }
+double SceneAt(double u, double v) {
+  if (IsInDisc(u, v)) return 6 + u;
+  return IsOnBoard(u, v) ? 8 - v : 1.5 * v;
+}
+
+// The places where the scene has its gaps, every tenth of a pixel, model units.
+Places TrueGaps() {
+  Places gaps;
+  constexpr double kStep = 0.1 / kSize;
+  for (double angle = 0; angle < 2 * std::numbers::pi; angle += kStep / kRadius)
+    gaps.push_back({100 * (kDisc.x + kRadius * std::cos(angle)), 100 * (kDisc.y + kRadius * std::sin(angle))});
+  for (double u = 0.62; u < 0.88; u += kStep)
+    for (const double low : {0.05, 0.6}) gaps.push_back({100 * u, 100 * (low + 0.3 * u)});
+  for (double v = 0.05; v < 0.6; v += kStep)
+    for (const double u : {0.62, 0.88}) gaps.push_back({100 * u, 100 * (v + 0.3 * u)});
+  return gaps;
+}
+
+// The same for what is proposed.
+Places Traced(const std::vector<CTearProposal>& proposals) {
+  Places places;
+  for (const CTearProposal& proposal : proposals) {
+    const Places& points = proposal.m_aPoints;
+    for (std::size_t k = proposal.m_bClosed ? 0 : 1; k < points.size(); ++k) {
+      const CPlanePoint& a = k == 0 ? points.back() : points[k - 1];
+      const double length = std::hypot(points[k].x - a.x, points[k].y - a.y);
+      for (double t = 0; t < length; t += 0.1 * kPixel)
+        places.push_back({a.x + t / length * (points[k].x - a.x), a.y + t / length * (points[k].y - a.y)});
+    }
+  }
+  return places;
+}
+
+// The share of `places` that lies within two pixels of one of `others`.
+double ShareNear(const Places& places, const Places& others) {
+  std::size_t near = 0;
+  for (const CPlanePoint& p : places) {
+    const auto isNear = [&](const CPlanePoint& o) { return std::hypot(o.x - p.x, o.y - p.y) <= 2 * kPixel; };
+    near += std::ranges::any_of(others, isNear) ? 1 : 0;
+  }
+  return places.empty() ? 0.0 : static_cast<double>(near) / static_cast<double>(places.size());
+}
+
+std::vector<CTearProposal> Suggest(const CDepthMap& map, int count, const CLinkCosts* photograph = nullptr) {
+  return SuggestTears(CDepthReading(map, false), {.m_iCount = count}, CExtent{}, photograph);
+}
+
+TEST(SuggestTearsTest, CoversTheGapsOfAMadeScene) {
+  for (const double blur : {0.5, 1.5}) {
+    const std::vector<CTearProposal> proposals = Suggest(Blurred(DepthMapOf(kSize, kSize, SceneAt), blur), 15);
+    EXPECT_GE(ShareNear(TrueGaps(), Traced(proposals)), 0.8) << blur;
+    EXPECT_GE(ShareNear(Traced(proposals), TrueGaps()), 0.8) << blur;
+  }
+}
+
+TEST(SuggestTearsTest, ASmoothMapHasNone) {
+  const CDepthMap map =
+      DepthMapOf(kSize, kSize, [](double u, double v) { return std::sin(3 * u) * std::cos(4 * v) + u * u; });
+  EXPECT_TRUE(Suggest(map, 100).empty());
+  EXPECT_TRUE(Suggest(DepthMapOf(kSize, kSize, [](double, double) { return 3; }), 100).empty());
+}
+
+TEST(SuggestTearsTest, TheLongestComesFirstAndTheCountIsKept) {
+  const CDepthMap map = DepthMapOf(kSize, kSize, SceneAt);
+  const std::vector<CTearProposal> two = Suggest(map, 2);
+  ASSERT_EQ(two.size(), 2U);
+  EXPECT_GE(Traced({two[0]}).size(), Traced({two[1]}).size());
+  EXPECT_TRUE(Suggest(map, 0).empty());
+  EXPECT_LE(Suggest(map, 100).size(), 100U);
+}
+
+// A step from border to border, and a loop.
+TEST(SuggestTearsTest, StepsReachTheBorderAndLoopsClose) {
+  const std::vector<CTearProposal> step =
+      Suggest(DepthMapOf(60, 60, [](double u, double) { return u < 0.42 ? 0 : 1; }), 1);
+  ASSERT_EQ(step.size(), 1U);
+  EXPECT_FALSE(step[0].m_bClosed);
+  const auto [low, high] = std::ranges::minmax(step[0].m_aPoints, {}, &CPlanePoint::y);
+  EXPECT_DOUBLE_EQ(low.y, 0);
+  EXPECT_DOUBLE_EQ(high.y, 100);
+  for (const CPlanePoint& p : step[0].m_aPoints) EXPECT_NEAR(p.x, 42, 100.0 / 60);
+  const auto disc = [](double u, double v) { return IsInDisc(u, v) ? 1 : 0; };
+  const std::vector<CTearProposal> loop = Suggest(Blurred(DepthMapOf(kSize, kSize, disc), 1), 1);
+  ASSERT_EQ(loop.size(), 1U);
+  EXPECT_TRUE(loop[0].m_bClosed);
+}
+
+// The map's step lies a pixel beside that of the photograph, which has four times its pixels a side.
+TEST(SuggestTearsTest, APhotographSaysWhereTheEdgeIs) {
+  const auto at = [](double edge) { return [edge](double u, double) { return u < edge ? 0 : 1; }; };
+  const CDepthMap map = Blurred(DepthMapOf(kSize, kSize, at(0.5)), 1);
+  CTopDownImage photograph{4 * kSize, 4 * kSize, {}};
+  constexpr double kEdge = 0.5033;
+  for (int row = 0; row < photograph.m_iHeight; ++row)
+    for (int column = 0; column < photograph.m_iWidth; ++column)
+      photograph.m_aPixels.insert(photograph.m_aPixels.end(), 3,
+                                  (column + 0.5) / photograph.m_iWidth < kEdge ? 40 : 90);
+  const CLinkCosts costs = ComputeLinkCosts(photograph);
+  const std::vector<CTearProposal> proposals = Suggest(map, 1, &costs);
+  ASSERT_EQ(proposals.size(), 1U);
+  std::size_t onEdge = 0;
+  for (const CPlanePoint& p : proposals[0].m_aPoints) onEdge += std::abs(p.x - 100 * kEdge) < 0.12 ? 1 : 0;
+  EXPECT_GT(onEdge, proposals[0].m_aPoints.size() * 9 / 10);
+  const std::vector<CTearProposal> bare = Suggest(map, 1);
+  for (const CPlanePoint& p : bare[0].m_aPoints) EXPECT_NEAR(p.x, 50, 0.12);
+}
+
+TEST(SuggestTearsTest, HolesHaveNoGapsAroundThem) {
+  const auto hole = [](double u, double v) { return IsInDisc(u, v) ? std::numeric_limits<double>::quiet_NaN() : u; };
+  EXPECT_TRUE(Suggest(DepthMapOf(kSize, kSize, hole), 10).empty());
+}
+
+}  // namespace
