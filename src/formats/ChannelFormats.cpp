@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr const char* kColours = "it holds colours; one channel is needed";
-
 CReadChannel Refused(PictureTrouble trouble, std::string reason) {
   CReadChannel none;
   none.m_Trouble = trouble;
@@ -25,7 +23,7 @@ CReadChannel Refused(PictureTrouble trouble, std::string reason) {
 CReadChannel Taken(CChannelSink& sink, Decoding decoding) {
   const CRaster& raster = sink.Raster();
   const std::size_t count = static_cast<std::size_t>(raster.m_iWidth) * static_cast<std::size_t>(raster.m_iHeight);
-  if (!sink.IsOneChannel()) return Refused(PictureTrouble::NotOneChannel, kColours);
+  if (!sink.IsOneChannel()) return Refused(PictureTrouble::NotOneChannel, kColoursInsteadOfOne);
   // Of heights that are missing nothing can be shown in their place.
   if (decoding != Decoding::Whole || sink.Values().size() != count)
     return Refused(PictureTrouble::Damaged, "it is damaged, or ends early");
@@ -50,10 +48,17 @@ CReadChannel ChannelOf(CReadPicture read) {
   channel.m_afValues.reserve(pixels.size() / 3);
   for (std::size_t k = 0; k < pixels.size(); k += 3) {
     if (pixels[k] != pixels[k + 1] || pixels[k] != pixels[k + 2])
-      return Refused(PictureTrouble::NotOneChannel, kColours);
+      return Refused(PictureTrouble::NotOneChannel, kColoursInsteadOfOne);
     channel.m_afValues.push_back(pixels[k]);
   }
   return channel;
+}
+
+CReadChannel Decoded(const CPictureDecoder& decoder, std::string_view bytes) {
+  CChannelSink sink;
+  const Decoding decoding = decoder.m_pDecode(bytes, sink);
+  if (decoding == Decoding::Refused) return Refused(sink.Trouble(), sink.Reason());
+  return Taken(sink, decoding);
 }
 
 CReadChannel Read(const std::string& filename) {
@@ -62,18 +67,29 @@ CReadChannel Read(const std::string& filename) {
   if (decoder == nullptr) return ChannelOf(ReadPicture(filename));
   const CFileBytes whole = ReadFileBytes(filename, std::numeric_limits<std::size_t>::max());
   if (whole.m_pBytes == nullptr) return Refused(whole.m_Trouble, whole.m_Reason);
-  CChannelSink sink;
-  const Decoding decoding = decoder->m_pDecode(*whole.m_pBytes, sink);
-  if (decoding == Decoding::Refused) return Refused(sink.Trouble(), sink.Reason());
-  return Taken(sink, decoding);
+  return Decoded(*decoder, *whole.m_pBytes);
+}
+
+CReadChannel ReadBytes(std::string_view bytes, const std::string& name) {
+  const CPictureDecoder* const decoder = DecoderOf(bytes);
+  return decoder == nullptr ? ChannelOf(ReadPicture(bytes, name)) : Decoded(*decoder, bytes);
+}
+
+template <typename Reading>
+CReadChannel Guarded(const Reading& read) {
+  try {
+    return read();
+  } catch (const std::bad_alloc&) {
+    return Refused(PictureTrouble::NoMemory, "there is not enough memory to read it");
+  }
 }
 
 }  // namespace
 
 CReadChannel ReadChannel(const std::string& filename) {
-  try {
-    return Read(filename);
-  } catch (const std::bad_alloc&) {
-    return Refused(PictureTrouble::NoMemory, "there is not enough memory to read it");
-  }
+  return Guarded([&] { return Read(filename); });
+}
+
+CReadChannel ReadChannel(std::string_view bytes, const std::string& name) {
+  return Guarded([&] { return ReadBytes(bytes, name); });
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "formats/PictureFormats.h"
@@ -22,3 +23,8 @@ struct CReadChannel {
 /// Reads a picture of any kind that ReadPicture knows as one channel: grey, or colours of equal channels. It is turned
 /// upright; neither profile nor opacity changes a number. Floats may be of any value, also not numbers. Does not throw.
 CReadChannel ReadChannel(const std::string& filename);
+/// The same for the contents of a file, which console lines call `name`.
+CReadChannel ReadChannel(std::string_view bytes, const std::string& name);
+
+/// What is wrong with a picture in colour where one channel is needed, as the end of a sentence.
+inline constexpr const char* kColoursInsteadOfOne = "it holds colours; one channel is needed";

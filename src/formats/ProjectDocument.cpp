@@ -10,6 +10,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "formats/PictureFormats.h"
 #include "io/FileUri.h"
 
 using CJson = nlohmann::ordered_json;
@@ -194,6 +195,54 @@ void ReadViews(const CJson& value, CProjectViews& views) {
   views.m_fZeta = NumberOf(camera.at("zeta"));
 }
 
+const char* NameOf(ReferenceResponse response) {
+  switch (response) {
+    case ReferenceResponse::Straight:
+      return "straight";
+    case ReferenceResponse::Bent:
+      return "bent";
+    default:
+      return "automatic";
+  }
+}
+
+CJson Reference(const CReference& reference) {
+  const CReferenceSettings& settings = reference.m_Settings;
+  const CDepthMap& map = *reference.m_pMap;
+  CJson json{{"file", FileName(reference.m_File)},
+             {"width", map.Width()},
+             {"height", map.Height()},
+             {"bits", map.Bits()},
+             {"strength", settings.m_fStrength},
+             {"near_is_bright", settings.m_bNearIsBright},
+             {"zero_is_unknown", settings.m_bZeroIsUnknown},
+             {"response", NameOf(settings.m_Response)}};
+  if (settings.m_SceneDepth.has_value()) json["scene_depth"] = *settings.m_SceneDepth;
+  return json;
+}
+
+void ReadReference(const CJson& value, CDocumentText& document) {
+  CReference& reference = document.m_Project.m_Model.m_Document.m_Sketch.m_Reference;
+  CReferenceSettings& settings = reference.m_Settings;
+  reference.m_File = FileNameOf(value.at("file"));
+  document.m_iReferenceWidth = WholeOf(value.at("width"), 2, kMostPictureSide);
+  document.m_iReferenceHeight = WholeOf(value.at("height"), 2, kMostPictureSide);
+  document.m_iReferenceBits = WholeOf(value.at("bits"), 8, 32);
+  Require(document.m_iReferenceBits == 8 || document.m_iReferenceBits == 16 || document.m_iReferenceBits == 32);
+  settings.m_fStrength = NumberOf(value.at("strength"));
+  Require(settings.m_fStrength >= 0 && settings.m_fStrength <= 1);
+  settings.m_bNearIsBright = value.at("near_is_bright").get<bool>();
+  settings.m_bZeroIsUnknown = value.at("zero_is_unknown").get<bool>();
+  const auto response = value.at("response").get<std::string>();
+  settings.m_Response = response == "straight" ? ReferenceResponse::Straight
+                        : response == "bent"   ? ReferenceResponse::Bent
+                                               : ReferenceResponse::Automatic;
+  Require(response == NameOf(settings.m_Response));
+  if (!value.contains("scene_depth")) return;
+  settings.m_SceneDepth = NumberOf(value.at("scene_depth"));
+  Require(*settings.m_SceneDepth > 0);
+}
+
 CJson Photograph(const CProjectPicture& picture, const std::string& member) {
   if (member.empty() && picture.m_File.empty()) return {};
   CJson json{{"file", FileName(picture.m_File)}, {"project", FileName(picture.m_Project)}};
@@ -217,6 +266,7 @@ void ReadAll(const CJson& json, CDocumentText& document) {
   ReadLights(json.at("lights").at("added"), project.m_Model.m_Document.m_AddedLights);
   ReadViews(json.at("views"), project.m_Views);
   ReadPhotograph(json.at("photograph"), document);
+  if (json.contains("reference")) ReadReference(json.at("reference"), document);
   document.m_Note.m_Model = project.m_ModelFile;
   document.m_Note.m_Picture = project.m_Picture.m_File;
 }
@@ -231,6 +281,7 @@ std::string DocumentText(const CProject& project, std::int64_t time, const std::
   json["lights"] = {{"removed", Lights(document.m_RemovedLights)}, {"added", Lights(document.m_AddedLights)}};
   json["views"] = Views(project.m_Views);
   json["photograph"] = Photograph(project.m_Picture, photograph);
+  if (document.m_Sketch.m_Reference.m_pMap != nullptr) json["reference"] = Reference(document.m_Sketch.m_Reference);
   return json.dump(1) + '\n';
 }
 

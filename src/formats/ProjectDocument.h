@@ -29,6 +29,10 @@ struct CDocumentText {
   CProject m_Project;  ///< with its surface's mode and its solver's counter, but no numbers of them
   CProjectNote m_Note;
   std::string m_Photograph;  ///< name of the member; empty for none
+  // Of the map of the reference, which has a member of its own; 0 for none.
+  int m_iReferenceWidth = 0;
+  int m_iReferenceHeight = 0;
+  int m_iReferenceBits = 0;
 };
 
 /// Reads a text. Never throws but std::bad_alloc.

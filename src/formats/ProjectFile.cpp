@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -36,6 +37,7 @@ constexpr const char* kMultipliers = "multipliers";
 constexpr const char* kTargets = "targets";
 constexpr const char* kRecording = "recording";
 constexpr const char* kGrid = "model.grid";
+constexpr const char* kReferenceMap = "reference_map";
 }  // namespace Member
 
 constexpr std::size_t kMostText = std::size_t{1} << 20;
@@ -50,6 +52,26 @@ std::string BytesOfNumbers(const std::vector<double>& numbers) {
   CByteWriter out;
   out.PutAll(numbers);
   return out.Take();
+}
+
+// As they were read: whole numbers of 8 or 16 bits, or floats, values that are no numbers included.
+std::string BytesOfMap(const CDepthMap& map) {
+  CByteWriter out;
+  for (const float value : map.Values()) {
+    if (map.Bits() == 8) {
+      out.Put(static_cast<std::uint8_t>(value));
+    } else if (map.Bits() == 16) {
+      out.Put(static_cast<std::uint16_t>(value));
+    } else {
+      out.Put(std::bit_cast<std::uint32_t>(value));
+    }
+  }
+  return out.Take();
+}
+
+float TakeValue(CByteReader& in, int bits) {
+  if (bits == 8) return in.Get<std::uint8_t>();
+  return bits == 16 ? in.Get<std::uint16_t>() : std::bit_cast<float>(in.Get<std::uint32_t>());
 }
 
 std::string BytesOfRecording(const std::vector<CProjectFrame>& frames) {
@@ -102,6 +124,7 @@ class CProjectReader {
   const char* ReadSurface(CModelState& model) const;
   const char* ReadSolver(CModelState& model) const;
   bool ReadRecording(std::vector<CProjectFrame>& frames) const;
+  bool ReadReference(CDocumentText& document) const;
 
   CZipReader m_Zip;
   std::size_t m_uSize = 0;
@@ -163,12 +186,29 @@ bool CProjectReader::ReadRecording(std::vector<CProjectFrame>& frames) const {
   return true;
 }
 
+bool CProjectReader::ReadReference(CDocumentText& document) const {
+  const auto width = static_cast<std::size_t>(document.m_iReferenceWidth);
+  const std::size_t count = width * static_cast<std::size_t>(document.m_iReferenceHeight);
+  // It is never packed, either.
+  const std::optional<std::string> bytes = m_Zip.Read(Member::kReferenceMap, m_uSize);
+  const int bits = document.m_iReferenceBits;
+  if (!bytes.has_value() || bytes->size() != count * static_cast<std::size_t>(bits / 8)) return false;
+  CByteReader in(*bytes);
+  std::vector<float> values(count);
+  for (float& value : values) value = TakeValue(in, bits);
+  CReference& reference = document.m_Project.m_Model.m_Document.m_Sketch.m_Reference;
+  reference.m_pMap = std::make_shared<const CDepthMap>(document.m_iReferenceWidth, document.m_iReferenceHeight, bits,
+                                                       std::move(values));
+  return true;
+}
+
 const char* CProjectReader::ReadMembers(CDocumentText& document) const {
   CProject& project = document.m_Project;
   if (const char* bad = ReadSketch(project.m_Model.m_Document.m_Sketch)) return bad;
   if (const char* bad = ReadSurface(project.m_Model)) return bad;
   if (const char* bad = ReadSolver(project.m_Model)) return bad;
   if (!ReadRecording(project.m_aRecording)) return Member::kRecording;
+  if (document.m_iReferenceWidth > 0 && !ReadReference(document)) return Member::kReferenceMap;
   if (document.m_Photograph.empty()) return nullptr;
   // It is never packed, and so cannot be larger than the file.
   std::optional<std::string> photograph = m_Zip.Read(document.m_Photograph, m_uSize);
@@ -213,6 +253,7 @@ std::vector<unsigned char> ProjectBytes(const CProject& project, std::int64_t ti
   const CSurfaceState& surface = *project.m_Model.m_pSurface;
   const CSolverState& solver = *project.m_Model.m_pSolver;
   const std::string photograph = PhotographName(project.m_Picture);
+  const std::string map = sketch.m_Reference.m_pMap == nullptr ? std::string() : BytesOfMap(*sketch.m_Reference.m_pMap);
   const std::vector<std::pair<const char*, std::string>> packed{
       {Member::kDocument, DocumentText(project, time, photograph)},
       {Member::kPoints, BytesOf(sketch.m_Points)},
@@ -227,8 +268,9 @@ std::vector<unsigned char> ProjectBytes(const CProject& project, std::int64_t ti
       {Member::kRecording, BytesOfRecording(project.m_aRecording)},
       {Member::kGrid, GridText(project)}};
   std::vector<CZipMember> members;
-  members.reserve(packed.size() + 1);
+  members.reserve(packed.size() + 2);
   for (const auto& [name, contents] : packed) members.push_back({name, contents});
+  if (!map.empty()) members.push_back({Member::kReferenceMap, map, false});
   if (!photograph.empty()) members.push_back({photograph, *project.m_Picture.m_pBytes, false});
   return ZipOf(members);
 }

@@ -1,6 +1,7 @@
 // Project files: what is written comes back to the last bit, and what others have made of one is refused.
 
 #include <array>
+#include <cmath>
 #include <functional>
 #include <sstream>
 #include <string>
@@ -165,6 +166,55 @@ TEST_F(ProjectFileTest, BringsAGridBackToWhereItWas) {
   CRestoration::RestoreState(other.m_Grid, ReadProject(m_File).m_Project->m_Model);
   EXPECT_EQ(DocumentOf(other.m_Grid), DocumentOf(m_Test.m_Grid));
   EXPECT_LT(LargestDifference(NodalHeights(other.m_Grid), NodalHeights(m_Test.m_Grid)), 1e-12);
+}
+
+// As floats, with a hole, and as whole numbers.
+TEST_F(ProjectFileTest, KeepsTheReference) {
+  for (const int bits : {8, 16, 32}) {
+    CReference reference;
+    const float other = bits == 32 ? std::nanf("") : 200;
+    reference.m_pMap = std::make_shared<const CDepthMap>(3, 2, bits, std::vector<float>{1, 2, 3, 4, other, 250});
+    reference.m_File = "/maps/cup depth.pfm";
+    reference.m_Settings = {0.625, false, true, ReferenceResponse::Bent, 17.25};
+    m_Project.m_Model.m_Document.m_Sketch.m_Reference = reference;
+    WriteBytes(m_File, ProjectBytes(m_Project, kTime));
+    const CReadProject read = ReadProject(m_File);
+    ASSERT_EQ(read.m_Trouble, "");
+    EXPECT_TRUE(read.m_Project->m_Model.m_Document.m_Sketch.m_Reference == reference) << bits;
+  }
+  const CZipReader zip(m_File);
+  EXPECT_EQ(zip.Read("model.grid", kProjectBytes)->find("maps"), std::string::npos);
+}
+
+TEST_F(ProjectFileTest, WithoutAReferenceThereIsNoWordOfOne) {
+  EXPECT_EQ(Members().front().second.find("reference"), std::string::npos);
+  EXPECT_FALSE(CZipReader(m_File).Read("reference_map", kProjectBytes).has_value());
+}
+
+TEST_F(ProjectFileTest, ADamagedReferenceIsRefused) {
+  const nlohmann::ordered_json sound{{"file", nullptr},
+                                     {"width", 3},
+                                     {"height", 2},
+                                     {"bits", 8},
+                                     {"strength", 0.5},
+                                     {"near_is_bright", true},
+                                     {"zero_is_unknown", false},
+                                     {"response", "straight"}};
+  EXPECT_EQ(TroubleAfter([&](auto& json) { json["reference"] = sound; }),
+            Damaged("its part \"reference_map\" cannot be read."));
+  const auto changed = [&](const char* name, const nlohmann::ordered_json& value) {
+    return TroubleAfter([&](auto& json) {
+      json["reference"] = sound;
+      json["reference"][name] = value;
+    });
+  };
+  const std::string text = Damaged("its document.json cannot be understood.");
+  EXPECT_EQ(changed("width", 1), text);
+  EXPECT_EQ(changed("height", 70000), text);
+  EXPECT_EQ(changed("bits", 12), text);
+  EXPECT_EQ(changed("strength", 1.5), text);
+  EXPECT_EQ(changed("response", "crooked"), text);
+  EXPECT_EQ(changed("scene_depth", -1), text);
 }
 
 TEST_F(ProjectFileTest, IsReplacedSafely) {
