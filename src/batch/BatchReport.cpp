@@ -34,6 +34,26 @@ double Energy(const CGrid& grid) {
   return std::inner_product(heights.begin(), heights.end(), forces.begin(), 0.0) / 2;
 }
 
+// What the surface minimises where it follows a depth map.
+double ReferenceEnergy(const CGrid& grid) { return grid.Solver().RestEnergy(ScannedHeights(grid)); }
+
+nlohmann::ordered_json ReferenceOf(const CGridReference& reference) {
+  const CReferenceFit& fit = reference.Fitted();
+  const CDepthReading& reading = reference.Reading();
+  nlohmann::ordered_json json;
+  json["strength"] = reference.Value().m_Settings.m_fStrength;
+  json["response"] = fit.m_bBent ? "bent" : "straight";
+  json["fitted"] = fit.m_bFitted;
+  json["near_is_bright"] = fit.m_bNearIsBright;
+  json["scale"] = fit.Scale(reading);
+  json["offset"] = fit.OffsetAtZero(reading);
+  json["heights"] = fit.m_iHeights;
+  json["misfit_rms"] = fit.m_fRms;
+  json["misfit_worst"] = fit.m_fWorst;
+  if (fit.m_iWorst >= 0) json["worst_constraint"] = fit.m_iWorst;
+  return json;
+}
+
 // In the constraints' own units: heights and slopes.
 double LargestResidual(const CGrid& grid) {
   const CConstraintRows& constraints = grid.Solver().System().Constraints();
@@ -83,11 +103,15 @@ nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
   report["seconds"] = {
       {"load", result.m_Seconds.m_fLoad}, {"solve", result.m_Seconds.m_fSolve}, {"write", result.m_Seconds.m_fWrite}};
   report["energy"] = Energy(grid);
+  const bool follows = grid.Reference().Value().IsActive();
+  if (follows) report["reference_energy"] = ReferenceEnergy(grid);
   report["largest_constraint_residual"] = LargestResidual(grid);
   report["z_range"] = {grid.Surface().MinHeight(), grid.Surface().MaxHeight()};
   report["converged"] = result.m_Stopped == StopReason::Converged;
   report["stopped"] = NameOf(result.m_Stopped);
   report["damaged"] = result.m_bDamaged;
+  if (follows) report["reference"] = ReferenceOf(grid.Reference());
+  if (result.m_iSuggestedTears > 0) report["suggested_tears"] = result.m_iSuggestedTears;
   report[kInactive] = InactiveConstraints(grid);
   return report;
 }

@@ -21,7 +21,8 @@ enum class StopReason { Converged, GaveUp, Bound, Time };
 struct CBatchResult {
   long m_iIterations = 0;
   StopReason m_Stopped = StopReason::Bound;
-  bool m_bDamaged = false;  ///< the model could be read in part only
+  bool m_bDamaged = false;    ///< the model could be read in part only
+  int m_iSuggestedTears = 0;  ///< taken from the depth map
   CPhases m_Seconds;
 };
 

@@ -103,6 +103,35 @@ void AddSolving(CLI::App& app, CBatchOptions& options) {
       ->default_str(std::to_string(options.m_uSeed));
 }
 
+// From 0 to 1.
+bool ReadShare(std::string_view text, double& number) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size() && number >= 0 && number <= 1;
+}
+
+void AddReference(CLI::App& app, CBatchOptions& options) {
+  AddFile(app, "--reference-depth", options.m_Reference,
+          "Depth map that gives the shape between the constraints, instead of a project's", "MAP");
+  const auto readStrength = [&options](const std::string& text) {
+    double strength = 0;
+    if (!ReadShare(text, strength))
+      throw CLI::ValidationError("--reference-strength", "a number from 0 to 1 is expected, not '" + text + "'");
+    options.m_ReferenceStrength = strength;
+  };
+  app.add_option_function<std::string>("--reference-strength", readStrength,
+                                       "How much the depth map counts, 0 to 1 (default 0.8)")
+      ->type_name("S");
+  AddNumber<int>(app, "--suggest-tears", options.m_iSuggestedTears,
+                 "Take the N longest gaps of the depth map for tears, before solving");
+}
+
+// What counts for a depth map needs one; only a project may have brought its own.
+std::string MissingReference(const CBatchOptions& options) {
+  if (!options.m_Reference.empty() || IsProjectFile(options.m_Model)) return {};
+  if (options.m_ReferenceStrength.has_value()) return "--reference-strength requires --reference-depth";
+  return options.m_iSuggestedTears > 0 ? "--suggest-tears requires --reference-depth" : "";
+}
+
 void AddSize(CLI::App& app, CWriteSettings& settings, CLI::Option& output) {
   const auto readSize = [&settings](const std::string& text) {
     if (!ReadSize(text, settings.m_iWidth, settings.m_iHeight))
@@ -237,6 +266,7 @@ CParsedOptions ParseOptions(int argc, const char* const* argv) {
   AddFile(app, "--image", parsed.m_Options.m_Image,
           "Photograph, instead of a project's; becomes picture.jpg beside the VRML scene", "PHOTO");
   app.add_flag("--strict", parsed.m_Options.m_bStrict, "Refuse a damaged model instead of going on with what is whole");
+  AddReference(app, parsed.m_Options);
   AddSolving(app, parsed.m_Options);
   AddOutputs(app, parsed.m_Options);
   try {
@@ -245,6 +275,8 @@ CParsedOptions ParseOptions(int argc, const char* const* argv) {
       throw CLI::ValidationError(conflict);
     if (const std::string useless = UselessResolution(parsed.m_Options); !useless.empty())
       throw CLI::ValidationError(useless);
+    if (const std::string missing = MissingReference(parsed.m_Options); !missing.empty())
+      throw CLI::ValidationError(missing);
   } catch (const CLI::ParseError& end) {
     parsed.m_ExitStatus = app.exit(end) == 0 ? ExitStatus::kDone : ExitStatus::kUsage;
   }

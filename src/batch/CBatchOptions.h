@@ -23,7 +23,10 @@ struct CBatchOptions {
   long m_iMaxIterations = 200000;                                  ///< bound of going on until converged
   double m_fMaxSeconds = std::numeric_limits<double>::infinity();  ///< bound of solving, whatever else ends it
   WaveletMode m_Mode = WaveletMode::New;                           ///< to solve in
-  bool m_bHighRes = false;  ///< solve at the highest resolution, starting from the surface read
+  bool m_bHighRes = false;                    ///< solve at the highest resolution, starting from the surface read
+  std::string m_Reference;                    ///< depth map that the surface follows; empty for that of a project
+  std::optional<double> m_ReferenceStrength;  ///< 0 to 1; that of a project, or of the beginning, where there is none
+  int m_iSuggestedTears = 0;                  ///< tears to be taken from the depth map, at most
   /// The file to write in each of ModelFormats(); empty for none.
   std::vector<std::string> m_asOutputs = std::vector<std::string>(ModelFormats().size());
   CWriteSettings m_Writing;              ///< for all of them

@@ -1,21 +1,27 @@
 #include "batch/CBatchRun.h"
 
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <optional>
 #include <sstream>
 #include <utility>
+#include <vector>
 
 #include "base/CTerminationSignals.h"
 #include "base/Console.h"
 #include "batch/CProgress.h"
 #include "batch/ExitStatus.h"
+#include "formats/DepthMapFile.h"
 #include "formats/JpegFile.h"
 #include "formats/ModelFormats.h"
 #include "formats/ModelInput.h"
 #include "io/CFileReplacement.h"
 #include "model/RefusedCurves.h"
+#include "reference/SuggestTears.h"
+#include "scissors/CLinkCosts.h"
+#include "scissors/CTopDownImage.h"
 
 namespace {
 
@@ -99,7 +105,44 @@ bool CBatchRun::ReadInputs() {
     return false;
   }
   m_Photograph = std::move(input.m_Photograph);
-  return input.m_bRead;
+  if (!input.m_bRead || !ReadReference()) return false;
+  TakeSuggestedTears();
+  return true;
+}
+
+bool CBatchRun::ReadReference() {
+  CReferenceEdits& edits = m_Grid.ReferenceEdits();
+  if (!m_Options.m_Reference.empty()) {
+    const std::string file = "The file " + m_Options.m_Reference;
+    CReadDepthMap read = ReadDepthMap(m_Options.m_Reference);
+    if (!read) {
+      Complain(file + " is not a depth map that can be read: " + read.m_Reason + '.');
+      return false;
+    }
+    if (!read.m_Notice.empty()) Complain(file + ' ' + read.m_Notice + '.');
+    const CPicture& photograph = m_Photograph.m_Picture;
+    const CExtent& e = m_Grid.Surface().Lattice().Extent();
+    const std::string proportions = photograph.m_aPixels.empty()
+                                        ? ProportionsNotice(*read.m_pMap, e.x1 - e.x0, e.y1 - e.y0)
+                                        : ProportionsNotice(*read.m_pMap, photograph.m_iWidth, photograph.m_iHeight);
+    if (!proportions.empty()) Complain(file + ' ' + proportions + '.');
+    edits.Load(std::move(read.m_pMap), std::filesystem::absolute(m_Options.m_Reference).string());
+  }
+  if (m_Grid.Reference().HasMap() && m_Options.m_ReferenceStrength.has_value())
+    edits.SetStrength(*m_Options.m_ReferenceStrength);
+  return true;
+}
+
+void CBatchRun::TakeSuggestedTears() {
+  if (m_Options.m_iSuggestedTears == 0 || !m_Grid.Reference().HasMap()) return;
+  std::optional<CLinkCosts> costs;
+  if (!m_Photograph.m_Picture.m_aPixels.empty()) costs = ComputeLinkCosts(TopDown(m_Photograph.m_Picture));
+  const std::vector<CTearProposal> proposals =
+      SuggestTears(m_Grid.Reference().Reading(), {.m_iCount = m_Options.m_iSuggestedTears},
+                   m_Grid.Surface().Lattice().Extent(), costs.has_value() ? &*costs : nullptr);
+  for (const CTearProposal& proposal : proposals)
+    m_Grid.AddTracedCurve(NodesOf(proposal), CurveType::kPosition, proposal.m_bClosed);
+  m_Result.m_iSuggestedTears = static_cast<int>(proposals.size());
 }
 
 void CBatchRun::Solve() {

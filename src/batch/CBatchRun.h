@@ -29,6 +29,8 @@ class CBatchRun : private GridHost {
   void ResumeAfterChange() override { m_Grid.Run().SetRunning(true); }
 
   bool ReadInputs();
+  bool ReadReference();
+  void TakeSuggestedTears();
   void Solve();
   bool IsAtBound(double seconds);
   void Tick();

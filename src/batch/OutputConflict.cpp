@@ -66,6 +66,8 @@ std::string OutputConflict(const CBatchOptions& options) {
     }
     if (!options.m_Image.empty() && IsOneFile(a->m_Path, options.m_Image))
       return Conflict(*a, {"--image", options.m_Image});
+    if (!options.m_Reference.empty() && IsOneFile(a->m_Path, options.m_Reference))
+      return Conflict(*a, {"--reference-depth", options.m_Reference});
     if (a->m_Option != own && IsOneFile(a->m_Path, options.m_Model)) return Conflict(*a, {"MODEL", options.m_Model});
   }
   return {};
