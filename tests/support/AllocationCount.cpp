@@ -7,11 +7,12 @@ namespace {
 
 std::size_t g_uAllocations = 0;
 long g_iUntilFailure = -1;
+std::size_t g_uFailingFrom = 0;
 bool g_bFailed = false;
 
 void* Counted(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) noexcept {
   ++g_uAllocations;
-  if (g_iUntilFailure >= 0 && g_iUntilFailure-- == 0) {
+  if (size >= g_uFailingFrom && g_iUntilFailure >= 0 && g_iUntilFailure-- == 0) {
     g_bFailed = true;
     return nullptr;
   }
@@ -28,8 +29,9 @@ std::size_t Of(std::align_val_t alignment) { return static_cast<std::size_t>(ali
 
 std::size_t AllocationCount() { return g_uAllocations; }
 
-void FailAllocation(long count) {
+void FailAllocation(long count, std::size_t fromSize) {
   g_iUntilFailure = count;
+  g_uFailingFrom = fromSize;
   g_bFailed = false;
 }
 
