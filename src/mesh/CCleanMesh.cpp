@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/Memory.h"
 #include "constraints/TearLines.h"
 #include "mesh/CEndLeader.h"
 #include "mesh/CSideHeights.h"
@@ -48,10 +49,12 @@ CCleanMesh::CVertex CCleanMesh::VertexAt(const CMeshPlace& place, double z) cons
 }
 
 void CCleanMesh::AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh) {
-  std::vector<double> positions(3 * mesh.VertexCount());
+  std::vector<double> positions;
+  ReserveLarge(positions, 3 * mesh.VertexCount());
+  positions.resize(3 * mesh.VertexCount());
   mesh.Raise(tree, std::span(positions));
   const int side = m_iCells + 1;
-  m_aVertices.reserve(mesh.VertexCount());
+  ReserveLarge(m_aVertices, mesh.VertexCount());
   const auto add = [&](double column, double row) {
     m_aVertices.push_back(VertexAt(m_Plane.At(column, row), positions[3 * m_aVertices.size() + 2]));
   };
@@ -65,9 +68,10 @@ void CCleanMesh::AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh) {
 }
 
 void CCleanMesh::AddPlainTriangles(const CSurfaceMesh& mesh, const CTearPatch& patch) {
-  m_auTriangles.reserve(mesh.Triangles().size());
+  ReserveLarge(m_auTriangles, mesh.Triangles().size());
   mesh.ForEachTriangle([&](std::uint32_t a, std::uint32_t b, std::uint32_t centre, bool /*torn*/) {
-    if (!patch.HoldsLeaf(centre - mesh.CornerCount())) m_auTriangles.insert(m_auTriangles.end(), {a, b, centre});
+    if (patch.HoldsLeaf(centre - mesh.CornerCount())) return;
+    for (const std::uint32_t corner : {a, b, centre}) m_auTriangles.push_back(corner);
   });
 }
 
