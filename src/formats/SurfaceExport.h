@@ -72,6 +72,8 @@ struct CExportFormat {
   CExportBytes m_Bytes = {};
   /// The files that such an export may make beside its own; null for none.
   std::vector<std::string> (*m_pCompanions)(const std::string& filename, const CExportSettings& settings) = nullptr;
+  /// About the bytes of packed samples, instead of so many for each; null where these tell.
+  double (*m_pPackedBytes)(const CGrid& grid, const CExportSettings& settings) = nullptr;
   ExportTexture m_Picture = ExportTexture::None;  ///< the picture that the file is, for samples of nothing else
 };
 
