@@ -191,6 +191,8 @@ CFileMesh CleanFileMesh(const CGrid& grid, const CCleanMeshOptions& options, con
     mesh.m_aPicturePlaces.push_back({static_cast<float>(u), static_cast<float>(w)});
   }
   mesh.m_aTriangles = TrianglesOf(clean.Triangles());
+  const std::vector<CTriangle> strips = TrianglesOf(clean.Strips());
+  mesh.m_aTriangles.insert(mesh.m_aTriangles.end(), strips.begin(), strips.end());
   AddSmoothNormals(mesh, steps.Part(kCleanShare, 1));
   if (!steps.Goes(1)) return mesh;
   AddWalls(clean.Walls(), mesh);

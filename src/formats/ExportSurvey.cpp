@@ -51,7 +51,8 @@ std::string DescriptionText(const CExportDescription& description) {
 }
 
 const CExportSurvey::CCounts& CExportSurvey::Counts(ExportContent content, const CExportSettings& settings) {
-  const CKey key{content, content == ExportContent::Solid ? TearGap::Wall : settings.m_Gap};
+  const TearGap gap = content == ExportContent::Solid ? TearGap::Wall : settings.m_Gap;
+  const CKey key{content, gap, gap == TearGap::Under ? settings.m_fUnderWidth.value_or(0) : 0};
   if (const auto known = m_Counts.find(key); known != m_Counts.end()) return known->second;
   CExportSettings plain = settings;
   plain.m_fScale = 1;

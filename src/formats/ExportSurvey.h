@@ -44,7 +44,7 @@ class CExportSurvey {
     double m_fHeight = 0.0;  ///< from its lowest point to its highest
     bool m_bFinite = true;
   };
-  using CKey = std::pair<ExportContent, TearGap>;
+  using CKey = std::tuple<ExportContent, TearGap, double>;  ///< with the width of what runs on beneath a tear
 
   const CCounts& Counts(ExportContent content, const CExportSettings& settings);
   double SampleBytes(const CExportFormat& format, const CExportSettings& settings,
