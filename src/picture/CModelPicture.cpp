@@ -2,12 +2,12 @@
 
 #include <iostream>
 #include <string>
-#include <vector>
 
 #include "drawing/CCamera.h"
 #include "drawing/CTextures.h"
 #include "drawing/ModelPainter.h"
 #include "drawing/OpenGLDefaults.h"
+#include "drawing/SurfaceFit.h"
 #include "formats/ModelInput.h"
 #include "formats/PngBytes.h"
 #include "io/CFileReplacement.h"
@@ -15,9 +15,6 @@
 #include "picture/PictureStatus.h"
 
 namespace {
-
-// Of the side of a picture that the surface fills.
-constexpr double kMargin = 1.04;
 
 void Complain(const std::string& text) { std::cerr << "relievo-picture: " << text << '\n'; }
 
@@ -38,15 +35,7 @@ CCamera CameraOf(const CGrid& grid, const CPictureOptions& options) {
   camera.m_fTheta = kUpright - options.m_fElevation;
   camera.m_fPhi = options.m_fAzimuth;
   camera.UpdateEye();
-  if (!options.m_bFit) return camera;
-  CSurfaceMesh mesh;
-  std::vector<float> positions;
-  mesh.Build(surface.Tree());
-  mesh.Place(surface.Tree(), positions);
-  mesh.Raise<float>(surface.Tree(), positions);
-  camera.Fit(positions, options.m_iWidth, options.m_iHeight);
-  camera.m_fR *= kMargin;
-  camera.UpdateEye();
+  if (options.m_bFit) FitSurface(camera, grid, options.m_iWidth, options.m_iHeight);
   return camera;
 }
 

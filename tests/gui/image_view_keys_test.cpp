@@ -57,8 +57,9 @@ class ImageViewKeysTest : public ImageViewTest {
   std::string State() {
     std::ostringstream out;
     out << GridText(Grid()) << CodeOf(Grid().Run().NextOperation()) << ' ' << g_fZoom << ' '
-        << m_Host.m_aAttributePlaces.size() << ' ' << static_cast<int>(View().CurveType()) << ' '
-        << Grid().Constraints().PendingCurve().Points().size() << ' ';
+        << View().Mapping().PanNow().x << ' ' << View().Mapping().PanNow().y << ' ' << m_Host.m_aAttributePlaces.size()
+        << ' ' << static_cast<int>(View().CurveType()) << ' ' << Grid().Constraints().PendingCurve().Points().size()
+        << ' ';
     for (const CPtCstr& point : Grid().Constraints().Points()) out << point.HasState(PtCstrState::kSelected);
     for (const CCntrCtrl& curve : Grid().Constraints().Curves()) {
       for (const CCntrNode& node : curve.Nodes()) out << node.HasState(PtCstrState::kSelected);
@@ -83,7 +84,9 @@ class ImageViewKeysTest : public ImageViewTest {
     const std::string after = State();
     return after == before ? "" : after;
   }
+  // Where there is more to see than the view shows.
   std::string Type(const CTypedKey& key) {
+    View().SetZoomAndPan(0.5, {});
     return Outcome([&] { WithTypedKey(key, [this] { return View().handle(FL_KEYBOARD) != 0; }); });
   }
   std::string Perform(const CKeyInput& input) {
@@ -100,7 +103,7 @@ class ImageViewKeysTest : public ImageViewTest {
 
 class PointKeysTest : public ImageViewKeysTest, public testing::WithParamInterface<EditingMode> {
  protected:
-  const std::vector<CKeyInput> m_aListed = InputsAt({"positions and normals"});
+  const std::vector<CKeyInput> m_aListed = InputsAt({"both views", "positions and normals"});
   const std::vector<CKeyInput> m_aListedForMouse = InputsAt({"left view", "positions and normals"});
 };
 INSTANTIATE_TEST_SUITE_P(Modes, PointKeysTest, testing::Values(EditingMode::Position, EditingMode::Normal));
@@ -130,7 +133,7 @@ TEST_P(PointKeysTest, WheelIsListed) {
 
 // Some keys need a curve in progress, some a selected one.
 TEST_F(ImageViewKeysTest, KeysForCurvesAreThoseListed) {
-  ExpectKeysAreThoseListed(InputsAt({"curves"}), [this](const CTypedKey& key) {
+  ExpectKeysAreThoseListed(InputsAt({"both views", "curves"}), [this](const CTypedKey& key) {
     SetUpCurve();
     Grid().PickCurve(kSomething.x, kSomething.y, CurveType::kAll);
     const std::string ofSelected = Type(key);
@@ -147,6 +150,21 @@ TEST_F(ImageViewKeysTest, ClicksAndDragsForCurvesAreThoseListed) {
   });
 }
 
+TEST_F(ImageViewKeysTest, WheelWithCtrlIsListedEverywhere) {
+  EXPECT_TRUE(IsCovered(InputsAt({"both views"}), ParseInput("Ctrl+wheel")));
+  for (const std::uint32_t flags : {0U, std::uint32_t{DebugFlag::kSelectCells}, std::uint32_t{DebugFlag::kFreeze}}) {
+    for (const EditingMode mode : {EditingMode::Position, EditingMode::Normal, EditingMode::Curve}) {
+      Clear(mode, flags);
+      EXPECT_NE(Outcome([this] {
+                  Move(30, 40, FL_CTRL);
+                  Wheel(-1);
+                }),
+                "");
+      EXPECT_DOUBLE_EQ(g_fZoom, 0.8);
+    }
+  }
+}
+
 TEST_F(ImageViewKeysTest, WheelIsNotListedForCurves) {
   SetUpCurve();
   EXPECT_FALSE(IsCovered(InputsAt({"curves"}), ParseInput("wheel")));
@@ -154,7 +172,7 @@ TEST_F(ImageViewKeysTest, WheelIsNotListedForCurves) {
 }
 
 TEST_F(ImageViewKeysTest, KeysForCellsAreThoseListed) {
-  ExpectKeysAreThoseListed(InputsAt({"Select (resolution by hand)"}), [this](const CTypedKey& key) {
+  ExpectKeysAreThoseListed(InputsAt({"both views", "Select (resolution by hand)"}), [this](const CTypedKey& key) {
     Clear(EditingMode::Position, DebugFlag::kSelectCells);
     CStaging::Subdivision(Grid()).SelectRectangle(Grid().Surface().Tree(), 1, 1, 7, 7);
     return Type(key);

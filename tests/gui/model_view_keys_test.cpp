@@ -69,6 +69,7 @@ class ModelViewKeysTest : public ModelViewTest {
 
 }  // namespace
 
+// The image view has the focus, also while the pointer is over this one, and passes on what is meant for it.
 TEST_F(ModelViewKeysTest, NoKeyDoesAnything) {
   for (const CKeyInput& input : InputsAt({"right view"})) EXPECT_EQ(input.m_Kind, CKeyInput::Kind::Drag);
   ExpectKeysAreThoseListed({}, [this](const CTypedKey& key) {

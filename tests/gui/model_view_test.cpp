@@ -134,6 +134,64 @@ TEST_F(ModelViewEventsTest, KeysAndTheWheelAreNotUsed) {
   for (const int event : {FL_KEYBOARD, FL_SHORTCUT, FL_MOUSEWHEEL, FL_FOCUS}) EXPECT_EQ(Send(event), 0) << event;
 }
 
+TEST_F(ModelViewEventsTest, WheelWithCtrlZoomsAboutThePointOfTheSurface) {
+  SetSurface(Grid(), CRamp{});
+  View().ResetCamera();
+  Fl::e_x = 300;
+  Fl::e_y = 180;
+  Fl::e_state = FL_CTRL;
+  Fl::e_dy = -1;
+  const CCamera before = View().Camera();
+  const auto underPointer = [&] {
+    const CSightLine line = View().Camera().SightLine(300, 180, kSize, kSize, View().Camera().HalfSizes(1, 1, false));
+    const CSurface& surface = Grid().Surface();
+    return FirstSeen(surface.Interpolation(), line, surface.MinHeight(), surface.MaxHeight());
+  };
+  const auto point = underPointer();
+  ASSERT_TRUE(point) << "the surface lies there";
+  EXPECT_EQ(View().handle(FL_MOUSEWHEEL), 1);
+  EXPECT_DOUBLE_EQ(View().Camera().m_fR, 0.8 * before.m_fR);
+  ASSERT_TRUE(underPointer());
+  EXPECT_LT(Length(*underPointer() - *point), 1e-6);
+  EXPECT_NEAR(View().Camera().m_Centre.z, point->z, 1e-6) << "turning keeps it in view";
+
+  Fl::e_state = FL_CTRL | FL_BUTTON1;
+  const double r = View().Camera().m_fR;
+  EXPECT_EQ(View().handle(FL_MOUSEWHEEL), 1);
+  EXPECT_EQ(View().Camera().m_fR, r) << "not with a button held";
+  Fl::e_state = FL_CTRL;
+  Fl::e_x = kSize;
+  EXPECT_EQ(View().handle(FL_MOUSEWHEEL), 0) << "outside";
+  Fl::e_state = 0;
+  Fl::e_x = 300;
+  EXPECT_EQ(View().handle(FL_MOUSEWHEEL), 0);
+  View().ResetCamera();
+  EXPECT_EQ(View().Camera().m_Centre, before.m_Centre);
+}
+
+TEST_F(ModelViewEventsTest, MovesBySteps) {
+  const CCamera start = View().Camera();
+  View().MoveView(ViewMove::Right);
+  View().MoveView(ViewMove::Up);
+  EXPECT_NEAR(View().Camera().m_Centre.x - start.m_Centre.x, 0.2 * start.m_fR, 1e-6);
+  EXPECT_NEAR(View().Camera().m_Centre.y - start.m_Centre.y, 0.2 * start.m_fR, 1e-6);
+  View().MoveView(ViewMove::Left);
+  View().MoveView(ViewMove::Down);
+  EXPECT_LT(Length(View().Camera().m_Centre - start.m_Centre), 1e-6);
+}
+
+TEST_F(ModelViewEventsTest, ShowsAllOfTheSurfaceAtItsAngle) {
+  CCamera camera = View().Camera();
+  camera.m_fPhi = 30;
+  camera.m_fR = 0;
+  View().SetCamera(camera);
+  View().MoveView(ViewMove::All);
+  EXPECT_EQ(View().Camera().m_fPhi, 30);
+  const double diagonal = std::hypot(kOblong.x1 - kOblong.x0, kOblong.y1 - kOblong.y0);
+  EXPECT_GT(View().Camera().m_fR, 0.3 * (kOblong.y1 - kOblong.y0));
+  EXPECT_LT(View().Camera().m_fR, 0.6 * diagonal);
+}
+
 TEST_F(ModelViewEventsTest, SolverRestsFromThePressToTheRelease) {
   Drag(FL_LEFT_MOUSE, 3, 3);
   EXPECT_EQ(m_Host.m_iPauses, 1);

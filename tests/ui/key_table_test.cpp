@@ -16,13 +16,13 @@ TEST(KeyTable, ManPageSaysTheSameAsTheList) {
 TEST(KeyTable, EveryPlaceIsCompared) {
   std::set<std::string> places;
   for (const CKeyRow& row : ListedKeyTable()) places.insert(row.m_Where);
-  EXPECT_EQ(places, (std::set<std::string>{"left view", "positions and normals", "curves",
+  EXPECT_EQ(places, (std::set<std::string>{"both views", "left view", "positions and normals", "curves",
                                            "Select (resolution by hand)", "Freeze (debugging)", "right view",
                                            "scissors", "menus", "dialogs and tool windows", "dialogs"}));
 }
 
 TEST(KeyTable, EveryInputIsUnderstood) {
-  const std::set<std::string> names{"Tab", "Enter", "Escape", "Delete", "BackSpace"};
+  const std::set<std::string> names{"Tab", "Enter", "Escape", "Delete", "BackSpace", "Left", "Right", "Up", "Down"};
   for (const CKeyRow& row : ListedKeyTable()) {
     EXPECT_FALSE(row.m_Effect.empty()) << row.m_Inputs;
     for (const CKeyInput& input : row.Inputs()) {

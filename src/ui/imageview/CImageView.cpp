@@ -236,7 +236,7 @@ int CImageView::handle(int event) {
   UpdateMapping();
   if (event == FL_ENTER || event == FL_PUSH) take_focus();
   ShowPointer();
-  if (HandleUsed(event)) return 1;
+  if (HandleWheelZoom(event) || HandleUsed(event) || HandleViewMove(event)) return 1;
   const bool kept =
       event == FL_ENTER || event == FL_LEAVE || event == FL_MOVE || (event == FL_KEYBOARD && IsNavigationKey());
   return kept ? 1 : Fl_Gl_Window::handle(event);
@@ -269,6 +269,30 @@ bool CImageView::HandleUsed(int event) {
     default:
       return HandlePtNormCstr(event) != 0;
   }
+}
+
+bool CImageView::HandleWheelZoom(int event) {
+  if (event != FL_MOUSEWHEEL || !IsWheelZoom(w(), h())) return false;
+  m_Mapping.ZoomAbout(WheelZoomFactor(), Fl::event_x(), Fl::event_y());
+  redraw();
+  return true;
+}
+
+// Keys come to this view wherever the pointer is.
+bool CImageView::HandleViewMove(int event) {
+  if (event != FL_KEYBOARD) return false;
+  const std::optional<ViewMove> move = TypedViewMove();
+  if (!move) return false;
+  if (!m_pHost->MoveModelView(*move)) MoveView(*move);
+  return true;
+}
+
+void CImageView::MoveView(ViewMove move) {
+  if (move == ViewMove::All) return ResetView();
+  const CExtent shown = m_Mapping.Visible();
+  const CViewStep step = StepOf(move, shown.x1 - shown.x0, shown.y1 - shown.y0);
+  m_Mapping.Pan(step.m_fAcross, step.m_fUpwards);
+  redraw();
 }
 
 int CImageView::HandlePtPosCstr(int event) { return m_PositionHandler->Handle(event); }

@@ -16,6 +16,7 @@
 #include "ui/imageview/CurveHandler.h"
 #include "ui/imageview/HandlerView.h"
 #include "ui/imageview/PtCstrHandlers.h"
+#include "ui/seams/ViewMoves.h"
 
 class CGrid;
 class CTextures;
@@ -57,6 +58,8 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
 
   /// Zoom and pan as at the start.
   void ResetView();
+  /// Goes a tenth of what it shows to one side, or back to the start.
+  void MoveView(ViewMove move);
   /// Which part of the model the view shows.
   const CViewMapping& Mapping() const { return m_Mapping; }
   void SetZoomAndPan(double zoom, const CPlanePoint& pan);
@@ -83,6 +86,8 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   void Unselect();
   void ShowPointer();
   bool HandleUsed(int event);
+  bool HandleWheelZoom(int event);
+  bool HandleViewMove(int event);
   bool HandleViewDrag(int event);
   void BeginViewDrag();
   void ContinueViewDrag();

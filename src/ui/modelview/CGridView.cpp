@@ -7,6 +7,7 @@
 #include "base/Console.h"
 #include "drawing/CTextures.h"
 #include "drawing/FrameBuffer.h"
+#include "drawing/SurfaceFit.h"
 #include "model/CGrid.h"
 #include "ui/drawing/PrepareContext.h"
 #include "ui/seams/CBusyCursor.h"
@@ -84,7 +85,7 @@ void CGridView::DrawScene() {
   const CTexelMap& map = m_pGrid->Relighting().Texels();
   const CBusyCursor busy(texels && 1.0 * map.Width() * map.Height() > kManyTexels);
   if (texels) m_pGrid->Relighting().LocateTexels();
-  m_Painter.DrawScene(*m_pGrid, m_View, m_Camera, {m_Camera.m_fR, m_Camera.m_fR});
+  m_Painter.DrawScene(*m_pGrid, m_View, m_Camera, m_Camera.HalfSizes(w(), h(), false));
 }
 
 void CGridView::SetCamera(const CCamera& camera) {
@@ -124,9 +125,39 @@ int CGridView::handle(int event) {
     case FL_RELEASE:
       EndDrag();
       return 1;
+    case FL_MOUSEWHEEL:
+      return HandleWheelZoom() ? 1 : Fl_Gl_Window::handle(event);
     default:
       return Fl_Gl_Window::handle(event);
   }
+}
+
+bool CGridView::HandleWheelZoom() {
+  if (!IsWheelZoom(w(), h())) return false;
+  if (m_pGrid == nullptr) return true;
+  m_Camera.ZoomAbout(WheelZoomFactor(), PointUnderMouse());
+  redraw();
+  return true;
+}
+
+// Beside the surface it is one as deep as the centre.
+Vector3 CGridView::PointUnderMouse() const {
+  const CSurface& surface = m_pGrid->Surface();
+  const CSightLine line =
+      m_Camera.SightLine(Fl::event_x(), Fl::event_y(), w(), h(), m_Camera.HalfSizes(w(), h(), false));
+  return FirstSeen(surface.Interpolation(), line, surface.MinHeight(), surface.MaxHeight()).value_or(line.m_Point);
+}
+
+void CGridView::MoveView(ViewMove move) {
+  if (m_pGrid == nullptr) return;
+  if (move == ViewMove::All) {
+    FitSurface(m_Camera, *m_pGrid, 1, 1);
+  } else {
+    const CHalfSizes sizes = m_Camera.HalfSizes(w(), h(), false);
+    const CViewStep step = StepOf(move, 2 * sizes.m_fWidth, 2 * sizes.m_fHeight);
+    m_Camera.Pan(step.m_fAcross, step.m_fUpwards);
+  }
+  redraw();
 }
 
 void CGridView::BeginDrag() {

@@ -13,6 +13,7 @@
 #include "drawing/ModelPainter.h"
 #include "lattice/WaveletMode.h"
 #include "ui/seams/CValueMessages.h"
+#include "ui/seams/ViewMoves.h"
 
 class CGrid;
 class CTextures;
@@ -52,6 +53,8 @@ class CGridView : public Fl_Gl_Window {
   void SetCamera(const CCamera& camera);
   /// Looks at the whole model from the front.
   void ResetCamera();
+  /// Goes a tenth of what it shows to one side, or to where it shows all of the surface at this angle.
+  void MoveView(ViewMove move);
   /// Ends the drag under way, if any, and lets the solver go on. For dialogs: they swallow the release of the button.
   void EndDrag();
   bool IsDragging() const { return m_iDragButton != 0; }
@@ -67,6 +70,8 @@ class CGridView : public Fl_Gl_Window {
  private:
   void ConnectMessages();
   void DrawScene();
+  bool HandleWheelZoom();
+  Vector3 PointUnderMouse() const;
   void BeginDrag();
   void Drag();
   void DragLeft(int dx, int dy);

@@ -4,6 +4,7 @@
 
 #include "constraints/CCntrCtrl.h"
 #include "ui/seams/HelpTexts.h"
+#include "ui/seams/ViewMoves.h"
 
 struct CPlanePoint;
 
@@ -37,6 +38,8 @@ class ViewHost {
   virtual void ImageGridShown() {}
   virtual void RedrawModelView() = 0;
   virtual void FocusImageView() = 0;
+  /// A key that moves a view was typed: true where the pointer is over the right view, which then has gone there.
+  virtual bool MoveModelView(ViewMove /*move*/) { return false; }
 
   /// Whether the debug zone is on show, so that its read-outs are worth keeping up to date.
   virtual bool ShowsDebugZone() const = 0;

@@ -146,6 +146,12 @@ void CWindowFrame::RedrawModelView() { m_pGridView->redraw(); }
 
 void CWindowFrame::FocusImageView() { m_pImageView->take_focus(); }
 
+bool CWindowFrame::MoveModelView(ViewMove move) {
+  if (Fl::belowmouse() != m_pGridView) return false;
+  m_pGridView->MoveView(move);
+  return true;
+}
+
 void CWindowFrame::ShowPointerInside(bool inside) { m_Controls.Button(Control::PointerInside).value(inside ? 1 : 0); }
 
 void CWindowFrame::ShowInfluence(double value) {

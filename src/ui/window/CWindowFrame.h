@@ -55,6 +55,7 @@ class CWindowFrame : public Fl_Window, public ModelDisplay, public ViewHost {
   void ImageGridShown() override;
   void RedrawModelView() override;
   void FocusImageView() override;
+  bool MoveModelView(ViewMove move) override;
   bool ShowsDebugZone() const override { return m_Controls.ShowsDebugZone(); }
   void ShowPointerInside(bool inside) override;
   void ShowInfluence(double value) override;

@@ -52,12 +52,10 @@ std::filesystem::path LockOfScreen() {
          ("relievo-test-display-" + std::to_string(std::hash<std::string>{}(screen)));
 }
 
-}  // namespace
+// Set for what the process starts: tests of how it ends run in a copy of it.
+constexpr const char* kClaimed = "RELIEVO_TEST_DISPLAY_CLAIMED";
 
-void ClaimDisplay() {
-  const char* const folder = std::getenv("RELIEVO_TEST_DISPLAYS");
-  if (folder == nullptr) return WaitFor([screen = LockOfScreen()] { return Lock(screen); });
-
+void ClaimOneOf(const char* folder) {
   WaitFor([displays = Displays(folder)] {
     const auto free =
         std::find_if(displays.begin(), displays.end(), [](const auto& display) { return Lock(display / "lock"); });
@@ -65,4 +63,17 @@ void ClaimDisplay() {
     Use(*free);
     return true;
   });
+}
+
+}  // namespace
+
+void ClaimDisplay() {
+  if (std::getenv(kClaimed) != nullptr) return;
+  const char* const folder = std::getenv("RELIEVO_TEST_DISPLAYS");
+  if (folder != nullptr) {
+    ClaimOneOf(folder);
+  } else {
+    WaitFor([screen = LockOfScreen()] { return Lock(screen); });
+  }
+  setenv(kClaimed, "yes", 1);
 }
