@@ -24,7 +24,7 @@ const std::map<std::string, WaveletMode> kModes{
     {"new", WaveletMode::New}, {"simple", WaveletMode::Simple}, {"no", WaveletMode::None}};
 const std::map<std::string, CBatchOptions::Report> kReports{{"json", CBatchOptions::Report::Json},
                                                             {"text", CBatchOptions::Report::Text}};
-const std::map<std::string, TearGap> kGaps{{"open", TearGap::Open}, {"wall", TearGap::Wall}};
+const std::map<std::string, TearGap> kGaps{{"open", TearGap::Open}, {"wall", TearGap::Wall}, {"under", TearGap::Under}};
 const std::map<std::string, ExportTexture> kTextures{{"photograph", ExportTexture::Photograph},
                                                      {"albedo", ExportTexture::Albedo},
                                                      {"relit", ExportTexture::Relit},
@@ -220,13 +220,20 @@ void AddExports(CLI::App& app, CBatchOptions& options) {
                             ->check(UnknownFormat)
                             ->expected(1)
                             ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  AddChoice(app, "--tears", settings.m_Gap, kGaps, "What lies between the sides of a tear: open (default) or wall")
+  AddChoice(app, "--tears", settings.m_Gap, kGaps,
+            "What lies between the sides of a tear: open (default), wall or under")
       ->needs(output);
   app.add_option_function<std::string>(
          "--up", [&settings](const std::string& text) { settings.m_Up = kAxes.at(text); },
          "Axis that points up in .obj, .ply and .stl: y or z, instead of that of the format")
       ->check(CLI::IsMember(kAxes))
       ->needs(output);
+  const auto width = [&settings](double value) { settings.m_fUnderWidth = value; };
+  AddFactor(
+      app, "--under-width",
+      "How far the lower side runs on beneath the higher one with --tears under, model units (default a sixteenth "
+      "of the larger side)",
+      width, *output);
   const auto scale = [&settings](double value) { settings.m_fScale = value; };
   AddFactor(app, "--scale", "Units of the file in a model unit (default 0.01 metres in a .glb or .html, else 1)", scale,
             *output);

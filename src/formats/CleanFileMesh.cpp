@@ -8,6 +8,7 @@
 #include <span>
 #include <utility>
 
+#include "base/Memory.h"
 #include "model/CGrid.h"
 
 namespace {
@@ -22,9 +23,10 @@ CCleanMesh CleanMeshOf(const CGrid& grid, const CCleanMeshOptions& options) {
 }
 
 std::vector<CTriangle> TrianglesOf(std::span<const std::uint32_t> corners) {
-  std::vector<CTriangle> triangles(corners.size() / 3);
-  for (std::size_t t = 0; t < triangles.size(); ++t)
-    triangles[t] = {corners[3 * t], corners[3 * t + 1], corners[3 * t + 2]};
+  std::vector<CTriangle> triangles;
+  ReserveLarge(triangles, corners.size() / 3);
+  for (std::size_t c = 0; c + 3 <= corners.size(); c += 3)
+    triangles.push_back({corners[c], corners[c + 1], corners[c + 2]});
   return triangles;
 }
 
@@ -52,7 +54,9 @@ CPoint Written(const Vector3& normal) {
 
 // Those of the triangles around each vertex, the larger ones counting more. Upwards where there is no triangle.
 void AddSmoothNormals(CFileMesh& mesh, const CExportSteps& steps) {
-  std::vector<Vector3> sums(mesh.m_aPositions.size());
+  std::vector<Vector3> sums;
+  ReserveLarge(sums, mesh.m_aPositions.size());
+  sums.resize(mesh.m_aPositions.size());
   const bool goes = steps.ForBlocks(mesh.m_aTriangles.size(), [&](std::size_t begin, std::size_t end) {
     for (const CTriangle& triangle : std::span(mesh.m_aTriangles).subspan(begin, end - begin)) {
       const Vector3 area = AreaOf(mesh, triangle);
@@ -60,7 +64,7 @@ void AddSmoothNormals(CFileMesh& mesh, const CExportSteps& steps) {
     }
   });
   if (!goes) return;
-  mesh.m_aNormals.reserve(sums.size());
+  ReserveLarge(mesh.m_aNormals, sums.size());
   for (const Vector3& sum : sums)
     mesh.m_aNormals.push_back(Length(sum) > 0 ? Written(Normalised(sum)) : CPoint{0, 0, 1});
 }
@@ -95,13 +99,17 @@ class CSolidCloser {
     m_fBase = static_cast<float>(low - base);
   }
 
-  /// `surface` are the triangles whose sides on the border are to be closed.
-  void Close(const std::vector<CTriangle>& surface) {
-    for (const CTriangle& triangle : surface) {
+  /// Closes the sides of the first triangles that lie on the border: those of the surface.
+  void Close(std::size_t surface) {
+    std::vector<bool> onBorder;
+    onBorder.reserve(m_Mesh.m_aPositions.size());
+    for (std::uint32_t v = 0; v < m_Mesh.m_aPositions.size(); ++v) onBorder.push_back(IsOnBorder(v, v));
+    for (const CTriangle& triangle : std::span(m_Mesh.m_aTriangles).first(surface)) {
+      if (std::ranges::none_of(triangle, [&](std::uint32_t v) { return onBorder[v]; })) continue;
       for (std::size_t k = 0; k < triangle.size(); ++k) {
         if (IsOnBorder(triangle[k], triangle[(k + 1) % 3])) m_aBorder.emplace_back(triangle[k], triangle[(k + 1) % 3]);
         // A piece between two tears may meet the border in one point.
-        if (IsOnBorder(triangle[k], triangle[k])) m_HeightsAt[PlaceOf(triangle[k])].push_back(HeightOf(triangle[k]));
+        if (onBorder[triangle[k]]) m_HeightsAt[PlaceOf(triangle[k])].push_back(HeightOf(triangle[k]));
       }
     }
     const std::uint32_t middle = AddVertex({0, 0, m_fBase});
@@ -175,14 +183,16 @@ CFileMesh CleanFileMesh(const CGrid& grid, const CCleanMeshOptions& options, con
   const CCleanMesh clean = CleanMeshOf(grid, options);
   CFileMesh mesh = EmptyMesh(grid, options);
   if (!steps.Goes(kCleanShare)) return mesh;
-  mesh.m_aPositions.reserve(clean.Vertices().size());
-  mesh.m_aPicturePlaces.reserve(clean.Vertices().size());
+  ReserveLarge(mesh.m_aPositions, clean.Vertices().size());
+  ReserveLarge(mesh.m_aPicturePlaces, clean.Vertices().size());
   for (std::size_t v = 0; v < clean.Vertices().size(); ++v) {
     const auto& [u, w] = clean.Vertices()[v].m_Picture;
     mesh.m_aPositions.push_back(clean.Written(v));
     mesh.m_aPicturePlaces.push_back({static_cast<float>(u), static_cast<float>(w)});
   }
   mesh.m_aTriangles = TrianglesOf(clean.Triangles());
+  const std::vector<CTriangle> strips = TrianglesOf(clean.Strips());
+  mesh.m_aTriangles.insert(mesh.m_aTriangles.end(), strips.begin(), strips.end());
   AddSmoothNormals(mesh, steps.Part(kCleanShare, 1));
   if (!steps.Goes(1)) return mesh;
   AddWalls(clean.Walls(), mesh);
@@ -196,9 +206,10 @@ CFileMesh CleanSolid(const CGrid& grid, const CCleanMeshOptions& options, double
   const CCleanMesh clean = CleanMeshOf(grid, closed);
   CFileMesh mesh = EmptyMesh(grid, options);
   if (!steps.Goes(kCleanShare)) return mesh;
+  ReserveLarge(mesh.m_aPositions, clean.Vertices().size());
   for (std::size_t v = 0; v < clean.Vertices().size(); ++v) mesh.m_aPositions.push_back(clean.Written(v));
-  const std::vector<CTriangle> surface = TrianglesOf(clean.Triangles());
-  mesh.m_aTriangles = surface;
+  mesh.m_aTriangles = TrianglesOf(clean.Triangles());
+  const std::size_t surface = mesh.m_aTriangles.size();
   const std::vector<CTriangle> walls = TrianglesOf(clean.Walls());
   mesh.m_aTriangles.insert(mesh.m_aTriangles.end(), walls.begin(), walls.end());
   CSolidCloser(mesh, base).Close(surface);

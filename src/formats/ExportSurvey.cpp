@@ -5,7 +5,9 @@
 #include <cmath>
 #include <limits>
 
+#include "formats/CExportPictures.h"
 #include "formats/MapExport.h"
+#include "formats/PackedBytes.h"
 #include "model/CGrid.h"
 
 namespace {
@@ -49,7 +51,8 @@ std::string DescriptionText(const CExportDescription& description) {
 }
 
 const CExportSurvey::CCounts& CExportSurvey::Counts(ExportContent content, const CExportSettings& settings) {
-  const CKey key{content, content == ExportContent::Solid ? TearGap::Wall : settings.m_Gap};
+  const TearGap gap = content == ExportContent::Solid ? TearGap::Wall : settings.m_Gap;
+  const CKey key{content, gap, gap == TearGap::Under ? settings.m_fUnderWidth.value_or(0) : 0};
   if (const auto known = m_Counts.find(key); known != m_Counts.end()) return known->second;
   CExportSettings plain = settings;
   plain.m_fScale = 1;
@@ -68,14 +71,26 @@ const CExportSurvey::CCounts& CExportSurvey::Counts(ExportContent content, const
   return m_Counts.emplace(key, counts).first->second;
 }
 
-CExportPictures& CExportSurvey::Pictures(const CExportSettings& settings) {
-  if (settings.m_pPictures != nullptr) return *settings.m_pPictures;
-  if (!m_Pictures.has_value()) m_Pictures.emplace(m_Grid, settings.m_pPhotograph);
-  return *m_Pictures;
+double CExportSurvey::PictureBytes(ExportTexture which, const CExportSettings& settings) {
+  if (which == ExportTexture::None) return 0;
+  const auto [known, isNew] = m_PictureBytes.try_emplace(which);
+  if (isNew && which != ExportTexture::Photograph) known->second = PackedLitBytes(m_Grid, settings, which);
+  if (isNew && which == ExportTexture::Photograph) {
+    CExportPictures pictures(m_Grid, settings.m_pPhotograph);
+    known->second = static_cast<double>(pictures.Encoded(which).m_Bytes.size());
+  }
+  return known->second;
 }
 
-double CExportSurvey::PictureBytes(ExportTexture which, const CExportSettings& settings) {
-  return static_cast<double>(Pictures(settings).Encoded(which).m_Bytes.size());
+double CExportSurvey::SampleBytes(const CExportFormat& format, const CExportSettings& settings,
+                                  const CExportDescription& description) {
+  const auto [width, height] = description.m_aiSamples;
+  if (format.m_pPackedBytes == nullptr) return format.m_Bytes.m_fSample * width * height;
+  if (!description.m_bFinite) return 0;
+  const CMapKey key{&format, width, height, settings.m_fHeightScale, settings.m_bGreenDown};
+  const auto [known, isNew] = m_MapBytes.try_emplace(key);
+  if (isNew) known->second = format.m_pPackedBytes(m_Grid, settings);
+  return known->second;
 }
 
 void CExportSurvey::DescribeMesh(const CExportFormat& format, const CExportSettings& settings,
@@ -96,8 +111,9 @@ void CExportSurvey::DescribeSamples(const CExportFormat& format, const CExportSe
   const CLattice& lattice = m_Grid.Surface().Lattice();
   description.m_bFinite = std::ranges::all_of(lattice.Heights(), [](double z) { return std::isfinite(z); });
   if (format.m_Picture != ExportTexture::None) {
-    const CPicture& photograph = Pictures(settings).Pixels(ExportTexture::Photograph);
-    description.m_aiSamples = {photograph.m_iWidth, photograph.m_iHeight};
+    if (settings.m_pPhotograph != nullptr)
+      description.m_aiSamples = {settings.m_pPhotograph->m_Picture.m_iWidth,
+                                 settings.m_pPhotograph->m_Picture.m_iHeight};
     return;
   }
   const CSampleGrid grid = SamplesOf(m_Grid, settings);
@@ -117,7 +133,7 @@ CExportDescription CExportSurvey::DescribeExport(const CExportFormat& format, co
   const double digits = std::log10(std::max(vertices, 1.0));
   description.m_fBytes = bytes.m_fFile + bytes.m_fVertex * vertices +
                          (bytes.m_fTriangle + digits * bytes.m_fDigit) * static_cast<double>(description.m_uTriangles) +
-                         bytes.m_fSample * description.m_aiSamples[0] * description.m_aiSamples[1];
+                         SampleBytes(format, settings, description);
   const ExportTexture shown = format.m_Picture != ExportTexture::None ? format.m_Picture : settings.m_Texture;
   if (bytes.m_fPicture > 0) description.m_fBytes += bytes.m_fPicture * PictureBytes(shown, settings);
   if (bytes.m_fRelit > 0 && IsRelitBeside(shown))

@@ -3,8 +3,8 @@
 #include <array>
 #include <cstddef>
 #include <map>
-#include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "formats/SurfaceExport.h"
@@ -32,8 +32,8 @@ class CExportSurvey {
   /// The grid must outlive the object and not change meanwhile. Nothing may be pending in it.
   explicit CExportSurvey(const CGrid& grid) : m_Grid(grid) {}
 
-  /// Takes as long as making the mesh at the first call for a way to treat tears, and no time after that. Throws
-  /// std::bad_alloc.
+  /// Takes as long as making the mesh at the first call for a way to treat tears, or as packing some rows at the first
+  /// one for a map of some kind, and no time after that. Throws std::bad_alloc.
   CExportDescription DescribeExport(const CExportFormat& format, const CExportSettings& settings);
 
  private:
@@ -44,15 +44,19 @@ class CExportSurvey {
     double m_fHeight = 0.0;  ///< from its lowest point to its highest
     bool m_bFinite = true;
   };
-  using CKey = std::pair<ExportContent, TearGap>;
+  using CKey = std::tuple<ExportContent, TearGap, double>;  ///< with the width of what runs on beneath a tear
 
   const CCounts& Counts(ExportContent content, const CExportSettings& settings);
-  CExportPictures& Pictures(const CExportSettings& settings);
+  double SampleBytes(const CExportFormat& format, const CExportSettings& settings,
+                     const CExportDescription& description);
   double PictureBytes(ExportTexture which, const CExportSettings& settings);
   void DescribeMesh(const CExportFormat& format, const CExportSettings& settings, CExportDescription& description);
   void DescribeSamples(const CExportFormat& format, const CExportSettings& settings, CExportDescription& description);
 
   const CGrid& m_Grid;
   std::map<CKey, CCounts> m_Counts;
-  std::optional<CExportPictures> m_Pictures;
+  /// By format, samples across and up, height scale, and whether green is down.
+  using CMapKey = std::tuple<const CExportFormat*, int, int, double, bool>;
+  std::map<CMapKey, double> m_MapBytes;
+  std::map<ExportTexture, double> m_PictureBytes;
 };

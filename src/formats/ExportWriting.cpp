@@ -21,7 +21,8 @@ CSaveOutcome NotFinite(const std::string& filename) {
 }
 
 CCleanMeshOptions MeshOptions(const CExportSettings& settings) {
-  return {settings.m_Gap, settings.m_fScale.value_or(1), settings.m_fScale.value_or(1) * settings.m_fHeightScale};
+  return {settings.m_Gap, settings.m_fScale.value_or(1), settings.m_fScale.value_or(1) * settings.m_fHeightScale,
+          settings.m_fUnderWidth.value_or(0)};
 }
 
 CExportSteps MakingMesh(const CExportSettings& settings) { return Steps(settings).Part(0, 0.4); }

@@ -19,13 +19,6 @@ namespace {
 CExportSteps Sampling(const CExportSettings& settings) { return Encoding(settings).Part(0, 0.5); }
 CExportSteps Packing(const CExportSettings& settings) { return Encoding(settings).Part(0.5, 1); }
 
-// Seen from above, walls are nothing and what lies behind a tear is hidden.
-CFileMesh OpenMesh(const CGrid& grid, const CExportSettings& settings) {
-  CCleanMeshOptions options = MeshOptions(settings);
-  options.m_Gap = TearGap::Open;
-  return CleanFileMesh(grid, options, MakingMesh(settings));
-}
-
 // Empty bytes are a lack of memory where the export has not been cancelled.
 CSaveOutcome SaveMap(CNewFile file, const CExportSettings& settings) {
   if (!Packing(settings).Goes(1)) return Cancelled(file.m_Name);
@@ -72,6 +65,13 @@ CSaveOutcome WritePicture(const CGrid& grid, ExportTexture which, const std::str
 }
 
 }  // namespace
+
+// Seen from above, walls are nothing and what lies behind a tear is hidden.
+CFileMesh OpenMesh(const CGrid& grid, const CExportSettings& settings) {
+  CCleanMeshOptions options = MeshOptions(settings);
+  options.m_Gap = TearGap::Open;
+  return CleanFileMesh(grid, options, MakingMesh(settings));
+}
 
 CSampleGrid SamplesOf(const CGrid& grid, const CExportSettings& settings) {
   const int side = grid.Surface().Lattice().PointsPerSide();

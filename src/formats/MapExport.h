@@ -9,6 +9,8 @@
 // top, as in every picture, but for the portable float map, whose rows run from the bottom: in any reader the
 // photograph's upper side is at the top.
 
+/// The mesh that maps are sampled from.
+CFileMesh OpenMesh(const CGrid& grid, const CExportSettings& settings);
 /// The samples of a map: those of the settings, or the points of the lattice.
 CSampleGrid SamplesOf(const CGrid& grid, const CExportSettings& settings);
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <iterator>
 
+#include "base/Memory.h"
 #include "base/NumberText.h"
 #include "formats/RawNumbers.h"
 
@@ -45,20 +46,17 @@ std::string PlyOf(const CFileMesh& mesh, const CPicture& picture, UpAxis up, con
   constexpr std::size_t kNumbers = 8 * sizeof(float);
   constexpr std::size_t kFace = 1 + 3 * sizeof(std::uint32_t);
   const bool colours = !picture.m_aPixels.empty();
-  std::string bytes = Header(mesh, colours);
-  const std::size_t header = bytes.size();
-  bytes.resize(header + mesh.m_aPositions.size() * (kNumbers + (colours ? 3 : 0)) + mesh.m_aTriangles.size() * kFace);
-  char* out = bytes.data() + header;
-  const auto putVertices = [&](std::size_t begin, std::size_t end) {
-    for (std::size_t v = begin; v < end; ++v) out = PutVertex(mesh, v, picture, up, out);
+  const std::size_t vertex = kNumbers + (colours ? 3 : 0);
+  const std::string header = Header(mesh, colours);
+  std::string bytes;
+  ReserveLarge(bytes, header.size() + mesh.m_aPositions.size() * vertex + mesh.m_aTriangles.size() * kFace);
+  bytes = header;
+  const auto putVertex = [&](std::size_t v, char* out) { return PutVertex(mesh, v, picture, up, out); };
+  const auto putFace = [&](std::size_t t, char* out) {
+    *out = 3;
+    return PutRaw(mesh.m_aTriangles[t], out + 1);
   };
-  const auto putFaces = [&](std::size_t begin, std::size_t end) {
-    for (std::size_t t = begin; t < end; ++t) {
-      *out++ = 3;
-      out = PutRaw(mesh.m_aTriangles[t], out);
-    }
-  };
-  if (steps.Part(0, 0.5).ForBlocks(mesh.m_aPositions.size(), putVertices))
-    steps.Part(0.5, 1).ForBlocks(mesh.m_aTriangles.size(), putFaces);
+  if (AppendRecords(mesh.m_aPositions.size(), vertex, steps.Part(0, 0.5), putVertex, bytes))
+    AppendRecords(mesh.m_aTriangles.size(), kFace, steps.Part(0.5, 1), putFace, bytes);
   return bytes;
 }

@@ -13,6 +13,7 @@
 #include "formats/HtmlFile.h"
 #include "formats/MapExport.h"
 #include "formats/ObjFile.h"
+#include "formats/PackedBytes.h"
 #include "formats/PlyFile.h"
 #include "formats/StlFile.h"
 
@@ -180,8 +181,9 @@ std::span<const CExportFormat> ExportFormats() {
        .m_pWrite = WriteHeightPng,
        .m_Content = ExportContent::Samples,
        .m_uReads = kMap,
-       .m_Bytes = {.m_fFile = 420, .m_fSample = 2},
-       .m_pCompanions = CompanionsOfHeightPng},
+       .m_Bytes = {.m_fFile = 220},
+       .m_pCompanions = CompanionsOfHeightPng,
+       .m_pPackedBytes = PackedHeightBytes},
       {.m_pSuffix = ".tif",
        .m_pName = "heights, 32-bit floats",
        .m_pWrite = WriteHeightTiff,
@@ -199,7 +201,7 @@ std::span<const CExportFormat> ExportFormats() {
        .m_pWrite = WriteNormalMap,
        .m_Content = ExportContent::Samples,
        .m_uReads = ExportSetting::kHeightScale | ExportSetting::kResolution | ExportSetting::kGreen,
-       .m_Bytes = {.m_fFile = 100, .m_fSample = 3}},
+       .m_pPackedBytes = PackedNormalBytes},
       {.m_pSuffix = "-albedo.png",
        .m_pName = "the photograph without its removed lights",
        .m_pWrite = WriteAlbedo,

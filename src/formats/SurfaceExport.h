@@ -18,6 +18,7 @@ class CGrid;
 /// What the user may say of a surface that goes to another program; each format looks at its own part of it.
 struct CExportSettings {
   TearGap m_Gap = TearGap::Open;                ///< what lies between the sides of a tear; a solid always has walls
+  std::optional<double> m_fUnderWidth;          ///< with TearGap::Under: how far, model units; none: UnderWidthOf
   std::optional<double> m_fScale;               ///< units of the file in a model unit, instead of those of the format
   double m_fHeightScale = 1.0;                  ///< what heights are multiplied by besides
   double m_fBase = 2.0;                         ///< thickness of a solid below its lowest point, units of the file
@@ -72,6 +73,8 @@ struct CExportFormat {
   CExportBytes m_Bytes = {};
   /// The files that such an export may make beside its own; null for none.
   std::vector<std::string> (*m_pCompanions)(const std::string& filename, const CExportSettings& settings) = nullptr;
+  /// About the bytes of packed samples, instead of so many for each; null where these tell.
+  double (*m_pPackedBytes)(const CGrid& grid, const CExportSettings& settings) = nullptr;
   ExportTexture m_Picture = ExportTexture::None;  ///< the picture that the file is, for samples of nothing else
 };
 

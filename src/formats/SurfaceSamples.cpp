@@ -71,29 +71,37 @@ class CSpan {
   CCrossing<kCount> m_Right{-1};  ///< as long as there is none, no sample lies in between
 };
 
+/// Where the samples lie: what 0 and 1 across the rectangle are in columns and in rows.
+struct CSampleFrame {
+  int m_iWidth = 0;
+  int m_iRows = 0;
+  std::array<double, 2> m_afFirst{};  ///< column of the left side, row of the lower one
+  std::array<double, 2> m_afSize{};   ///< columns and rows from side to side
+};
+
+int CountOf(const CSampleGrid& grid, const CSampleRows& rows) {
+  return rows.m_Count.value_or(grid.m_iHeight - rows.m_iFirst);
+}
+
+CSampleFrame FrameOf(const CSampleGrid& grid, const CSampleRows& rows) {
+  return {grid.m_iWidth,
+          CountOf(grid, rows),
+          {0.0, static_cast<double>(-rows.m_iFirst)},
+          {static_cast<double>(grid.m_iWidth - 1), static_cast<double>(grid.m_iHeight - 1)}};
+}
+
 template <std::size_t kCount, typename Put>
-void SampleTriangle(const std::array<CCrossing<kCount>, 3>& corners, int width, const Put& put) {
+void SampleTriangle(const std::array<CCrossing<kCount>, 3>& corners, const CSampleFrame& frame, const Put& put) {
   const auto [low, high] = std::minmax({corners[0].y, corners[1].y, corners[2].y});
-  for (double row = std::ceil(low); row <= high; ++row) {
+  const double last = std::min(high, static_cast<double>(frame.m_iRows - 1));
+  for (double row = std::ceil(std::max(low, 0.0)); row <= last; ++row) {
     CSpan<kCount> span(row);
     for (std::size_t k = 0; k < corners.size(); ++k) span.AddSide(corners[k], corners[(k + 1) % 3]);
-    const std::size_t first = static_cast<std::size_t>(row) * static_cast<std::size_t>(width);
+    const std::size_t first = static_cast<std::size_t>(row) * static_cast<std::size_t>(frame.m_iWidth);
     span.ForEachSample([&](int column, const std::array<double, kCount>& values) {
       put(first + static_cast<std::size_t>(column), values);
     });
   }
-}
-
-/// Where the samples lie: places of 0 and 1 across the rectangle, counted in columns and in rows.
-struct CSampleFrame {
-  int m_iWidth = 0;
-  double m_fColumns = 0.0;  ///< from side to side
-  double m_fRows = 0.0;
-  double m_fFirst = 0.0;  ///< of the left and lower side
-};
-
-CSampleFrame FrameOf(const CSampleGrid& grid) {
-  return {grid.m_iWidth, static_cast<double>(grid.m_iWidth - 1), static_cast<double>(grid.m_iHeight - 1), 0.0};
 }
 
 // `valuesOf(vertex)` are blended; `put(sample, values)` is called for each sample of each triangle, those on its sides
@@ -103,20 +111,22 @@ void SampleMesh(const CFileMesh& mesh, const CSampleFrame& frame, const CExportS
                 const Put& put) {
   const auto cornerAt = [&](std::uint32_t v) {
     const auto& [u, w] = mesh.m_aPicturePlaces[v];
-    return CCrossing<kCount>{frame.m_fFirst + u * frame.m_fColumns, frame.m_fFirst + w * frame.m_fRows, valuesOf(v)};
+    return CCrossing<kCount>{frame.m_afFirst[0] + u * frame.m_afSize[0], frame.m_afFirst[1] + w * frame.m_afSize[1],
+                             valuesOf(v)};
   };
   const auto sample = [&](std::size_t begin, std::size_t end) {
     for (std::size_t t = begin; t < end; ++t) {
       const auto& [a, b, c] = mesh.m_aTriangles[t];
-      SampleTriangle<kCount>({cornerAt(a), cornerAt(b), cornerAt(c)}, frame.m_iWidth, put);
+      SampleTriangle<kCount>({cornerAt(a), cornerAt(b), cornerAt(c)}, frame, put);
     }
   };
   steps.ForBlocks(mesh.m_aTriangles.size(), sample);
 }
 
-CSurfaceSamples Unsampled(const CSampleGrid& grid, bool normals) {
-  CSurfaceSamples samples{grid, {}, {}};
-  const std::size_t count = static_cast<std::size_t>(grid.m_iWidth) * static_cast<std::size_t>(grid.m_iHeight);
+CSurfaceSamples Unsampled(const CSampleGrid& grid, const CSampleRows& rows, bool normals) {
+  CSurfaceSamples samples{{grid.m_iWidth, CountOf(grid, rows)}, {}, {}};
+  const std::size_t count =
+      static_cast<std::size_t>(grid.m_iWidth) * static_cast<std::size_t>(samples.m_Grid.m_iHeight);
   // The system grants more than it has, and would end the process later.
   const double needed = static_cast<double>(count) * (sizeof(float) + (normals ? 3 : 0));
   if (needed > AvailableMemory()) throw std::bad_alloc();
@@ -132,30 +142,34 @@ std::uint8_t ByteOf(double direction) {
 
 }  // namespace
 
-CSurfaceSamples SampleHeights(const CFileMesh& mesh, const CSampleGrid& grid, const CExportSteps& steps) {
-  CSurfaceSamples samples = Unsampled(grid, false);
+CSurfaceSamples SampleHeights(const CFileMesh& mesh, const CSampleGrid& grid, const CExportSteps& steps,
+                              const CSampleRows& rows) {
+  CSurfaceSamples samples = Unsampled(grid, rows, false);
   const auto heightOf = [&](std::uint32_t v) { return std::array{double{mesh.m_aPositions[v][2]}}; };
-  SampleMesh<1>(mesh, FrameOf(grid), steps, heightOf, [&](std::size_t sample, const std::array<double, 1>& height) {
-    float& highest = samples.m_afHeights[sample];
-    highest = std::max(highest, static_cast<float>(height[0]));
-  });
+  SampleMesh<1>(mesh, FrameOf(grid, rows), steps, heightOf,
+                [&](std::size_t sample, const std::array<double, 1>& height) {
+                  float& highest = samples.m_afHeights[sample];
+                  highest = std::max(highest, static_cast<float>(height[0]));
+                });
   return samples;
 }
 
-CSurfaceSamples SampleNormals(const CFileMesh& mesh, const CSampleGrid& grid, bool down, const CExportSteps& steps) {
-  CSurfaceSamples samples = Unsampled(grid, true);
+CSurfaceSamples SampleNormals(const CFileMesh& mesh, const CSampleGrid& grid, bool down, const CExportSteps& steps,
+                              const CSampleRows& rows) {
+  CSurfaceSamples samples = Unsampled(grid, rows, true);
   const auto valuesOf = [&](std::uint32_t v) {
     const auto& [x, y, z] = mesh.m_aNormals[v];
     return std::array<double, 4>{mesh.m_aPositions[v][2], x, down ? -y : y, z};
   };
-  SampleMesh<4>(mesh, FrameOf(grid), steps, valuesOf, [&](std::size_t sample, const std::array<double, 4>& values) {
-    float& highest = samples.m_afHeights[sample];
-    const auto height = static_cast<float>(values[0]);
-    if (!(height > highest)) return;
-    highest = height;
-    const Vector3 normal = Normalised({values[1], values[2], values[3]});
-    samples.m_aNormals[sample] = {ByteOf(normal.x), ByteOf(normal.y), ByteOf(normal.z)};
-  });
+  SampleMesh<4>(mesh, FrameOf(grid, rows), steps, valuesOf,
+                [&](std::size_t sample, const std::array<double, 4>& values) {
+                  float& highest = samples.m_afHeights[sample];
+                  const auto height = static_cast<float>(values[0]);
+                  if (!(height > highest)) return;
+                  highest = height;
+                  const Vector3 normal = Normalised({values[1], values[2], values[3]});
+                  samples.m_aNormals[sample] = {ByteOf(normal.x), ByteOf(normal.y), ByteOf(normal.z)};
+                });
   return samples;
 }
 
@@ -166,7 +180,7 @@ std::vector<Vector3> NormalsAtPixels(const CFileMesh& mesh, int width, int heigh
   std::vector<Vector3> normals(pixels.size(), {0, 0, 1});
   std::vector<double> heights(pixels.size(), -std::numeric_limits<double>::infinity());
   constexpr double kHalf = 0.5;
-  const CSampleFrame frame{width, static_cast<double>(width), static_cast<double>(height), -kHalf};
+  const CSampleFrame frame{width, height, {-kHalf, -kHalf}, {static_cast<double>(width), static_cast<double>(height)}};
   const auto valuesOf = [&](std::uint32_t v) {
     const auto& [x, y, z] = mesh.m_aNormals[v];
     return std::array<double, 4>{mesh.m_aPositions[v][2], x, y, z};

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -21,9 +22,15 @@ struct CSampleGrid {
   bool operator==(const CSampleGrid&) const = default;
 };
 
+/// Some rows of such a grid, one after the other.
+struct CSampleRows {
+  int m_iFirst = 0;
+  std::optional<int> m_Count;  ///< all up to the last one where there is no number
+};
+
 /// A surface at the places of such a grid, row by row.
 struct CSurfaceSamples {
-  CSampleGrid m_Grid;
+  CSampleGrid m_Grid;                                   ///< of as many rows as there are here
   std::vector<float> m_afHeights;                       ///< in the unit of the mesh
   std::vector<std::array<std::uint8_t, 3>> m_aNormals;  ///< see SampleNormals; empty without
 };
@@ -31,12 +38,13 @@ struct CSurfaceSamples {
 /// The heights of a surface, whose triangles cover the rectangle once and have no walls. Where a place lies exactly on
 /// a tear it belongs to the higher side. Linear in triangles and samples. Not whole where it has been cancelled. Throws
 /// std::bad_alloc, also where the system has not got the memory.
-CSurfaceSamples SampleHeights(const CFileMesh& mesh, const CSampleGrid& grid, const CExportSteps& steps = {});
+CSurfaceSamples SampleHeights(const CFileMesh& mesh, const CSampleGrid& grid, const CExportSteps& steps = {},
+                              const CSampleRows& rows = {});
 
 /// The same with normals, blended between those of the vertices: x, y and z as bytes from 0 for -1 to 255 for 1, 128
 /// for 0. `down` turns the sign of y.
-CSurfaceSamples SampleNormals(const CFileMesh& mesh, const CSampleGrid& grid, bool down,
-                              const CExportSteps& steps = {});
+CSurfaceSamples SampleNormals(const CFileMesh& mesh, const CSampleGrid& grid, bool down, const CExportSteps& steps = {},
+                              const CSampleRows& rows = {});
 
 /// Unit normals of the same kind at the centres of some pixels of a picture that is stretched over the rectangle.
 /// Pixels are row * width + column, row 0 at the bottom, in rising order. Throws std::bad_alloc.

@@ -15,15 +15,18 @@ namespace {
 /// The texels of a picture in the making.
 class CLitTexels {
  public:
-  CLitTexels(LitPicture which, const CLitScene& scene)
+  // Of so many rows, the first of which is that one of the photograph.
+  CLitTexels(LitPicture which, const CLitScene& scene, int first, int count)
       : m_bRelit(which == LitPicture::Relit),
         m_Photograph(scene.m_Photograph),
         m_Removed(scene.m_Removed),
         m_Added(scene.m_Added),
         m_Surface(scene.m_Surface),
         m_afIntensities(PhotographIntensities()) {
-    m_Picture = {m_Photograph.m_iWidth, m_Photograph.m_iHeight, {}};
-    m_Picture.m_aPixels.resize(m_Photograph.m_aPixels.size());
+    const std::size_t row = 3 * static_cast<std::size_t>(m_Photograph.m_iWidth);
+    m_uFirst = row * static_cast<std::size_t>(first);
+    m_Picture = {m_Photograph.m_iWidth, count, {}};
+    m_Picture.m_aPixels.resize(row * static_cast<std::size_t>(count));
   }
 
   void LightRow(int row) {
@@ -36,7 +39,7 @@ class CLitTexels {
   }
   void Light(std::size_t texel, const Vector3& normal) {
     const std::uint8_t* from = &m_Photograph.m_aPixels[3 * texel];
-    std::uint8_t* to = &m_Picture.m_aPixels[3 * texel];
+    std::uint8_t* to = &m_Picture.m_aPixels[3 * texel - m_uFirst];
     const Vector3 before = m_Removed.Of(normal);
     const Vector3 after = m_bRelit ? m_Added.Of(normal) : Vector3{1, 1, 1};
     to[0] = ClampedByte(AlbedoOf(m_afIntensities[from[0]], before.x) * after.x * 255);
@@ -65,13 +68,20 @@ class CLitTexels {
   const CQuadT* m_pLeaf = nullptr;  ///< of the last texel, where the next one mostly lies, too
   std::vector<std::size_t> m_auWithout;
   CPicture m_Picture;
+  std::size_t m_uFirst = 0;  ///< byte of the photograph where it begins
 };
 
 }  // namespace
 
+CPicture LitRowsOf(LitPicture which, const CLitScene& scene, int first, int count) {
+  CLitTexels texels(which, scene, first, count);
+  for (int row = first; row < first + count; ++row) texels.LightRow(row);
+  return texels.Take();
+}
+
 CPicture LitPictureOf(LitPicture which, const CLitScene& scene, const std::function<bool(double)>& goes) {
-  CLitTexels texels(which, scene);
   const int height = scene.m_Photograph.m_iHeight;
+  CLitTexels texels(which, scene, 0, height);
   for (int row = 0; row < height; ++row) {
     if (goes && !goes(static_cast<double>(row) / height)) return {};
     texels.LightRow(row);

@@ -28,6 +28,10 @@ struct CLitScene {
   std::function<std::vector<Vector3>(std::span<const std::size_t> texels)> m_NormalsOf;
 };
 
+/// Rows `first` to `first + count` - 1 of such a picture, row 0 at the bottom, for those who want to see some of it.
+/// Texels without a normal are black.
+CPicture LitRowsOf(LitPicture which, const CLitScene& scene, int first, int count);
+
 /// One of these pictures, computed afresh, with a place of its own on the surface for each texel, in tears, too. An
 /// albedo above 1 is white instead of wrapping around; all else is as CAlbedoMap has it. Takes no memory beyond the
 /// result and what texels without normals need; linear in the number of texels, with a descent of the tree for each

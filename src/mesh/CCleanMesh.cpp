@@ -1,13 +1,17 @@
 #include "mesh/CCleanMesh.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
+#include "base/Memory.h"
 #include "constraints/TearLines.h"
 #include "mesh/CEndLeader.h"
 #include "mesh/CSideHeights.h"
 #include "mesh/CTearCutter.h"
 #include "mesh/CTearPatch.h"
 #include "mesh/CTearSides.h"
+#include "mesh/CTearStrips.h"
 #include "mesh/CTornSurface.h"
 #include "quadtree/CQuadTree.h"
 
@@ -19,28 +23,42 @@ void CutAll(CTearPatch& patch, CTearCutter& cutter, const std::vector<CGridSegme
   CEndLeader(patch, cutter).LeadAll();
 }
 
+// The area around the tears that is looked at.
+int ReachOf(const CCleanMeshOptions& options, const std::array<double, 2>& cell, int cells) {
+  if (options.m_Gap != TearGap::Under) return CTearPatch::kReach;
+  const double reach = std::ceil(options.m_fUnderWidth / std::min(cell[0], cell[1])) + 2.0;
+  return std::max(CTearPatch::kReach, static_cast<int>(std::min(reach, static_cast<double>(cells))));
+}
+
 }  // namespace
+
+double UnderWidthOf(const CExtent& extent) { return std::max(extent.x1 - extent.x0, extent.y1 - extent.y0) / 16.0; }
 
 CCleanMesh::CCleanMesh(const CQuadTree& tree, const CSurfaceMesh& mesh, const CCntrCtrlList& curves,
                        const CCleanMeshOptions& options)
     : m_Extent(tree.Lattice().Extent()),
       m_iCells(tree.Lattice().PointsPerSide() - 1),
+      m_afCell{(m_Extent.x1 - m_Extent.x0) / m_iCells, (m_Extent.y1 - m_Extent.y0) / m_iCells},
       m_Options(options),
       m_Plane(m_iCells, options.m_fScale * (m_Extent.x1 - m_Extent.x0),
               options.m_fScale * (m_Extent.y1 - m_Extent.y0)) {
+  if (m_Options.m_fUnderWidth <= 0.0) m_Options.m_fUnderWidth = UnderWidthOf(m_Extent);
   AddVertices(tree, mesh);
-  CTearPatch patch(tree, mesh, m_Plane);
+  CTearPatch patch(tree, mesh, m_Plane, ReachOf(m_Options, m_afCell, m_iCells));
   AddPlainTriangles(mesh, patch);
   if (patch.Triangles().Triangles().empty()) return;
   CTearCutter cutter(patch.Triangles(), m_Plane);
   CutAll(patch, cutter, TearLines(curves, tree.Lattice()));
-  std::vector<double> known;
-  known.reserve(m_aVertices.size());
-  for (const CVertex& vertex : m_aVertices) known.push_back(vertex.m_fZ);
+  std::vector<double> meshHeights;
+  meshHeights.reserve(m_aVertices.size());
+  for (const CVertex& vertex : m_aVertices) meshHeights.push_back(vertex.m_fZ);
   const CTearSides sides(patch);
-  CTornSurface torn(patch, sides, CSideHeights(patch, sides).Compute(known), options.m_fHeightScale);
+  const CSideHeights side(patch, sides, options.m_Gap == TearGap::Under);
+  const std::vector<double> known = side.KnownOf(meshHeights);
+  CTornSurface torn(patch, sides, side.Raised(known), options.m_fHeightScale);
   if (options.m_Gap == TearGap::Wall) torn.SplitAtChanges(cutter);
-  AddTorn(torn, patch);
+  const std::vector<std::uint32_t> numbers = AddTorn(torn, patch);
+  if (options.m_Gap == TearGap::Under) AddStrips(patch, sides, side, known, numbers);
 }
 
 CCleanMesh::CVertex CCleanMesh::VertexAt(const CMeshPlace& place, double z) const {
@@ -48,10 +66,12 @@ CCleanMesh::CVertex CCleanMesh::VertexAt(const CMeshPlace& place, double z) cons
 }
 
 void CCleanMesh::AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh) {
-  std::vector<double> positions(3 * mesh.VertexCount());
+  std::vector<double> positions;
+  ReserveLarge(positions, 3 * mesh.VertexCount());
+  positions.resize(3 * mesh.VertexCount());
   mesh.Raise(tree, std::span(positions));
   const int side = m_iCells + 1;
-  m_aVertices.reserve(mesh.VertexCount());
+  ReserveLarge(m_aVertices, mesh.VertexCount());
   const auto add = [&](double column, double row) {
     m_aVertices.push_back(VertexAt(m_Plane.At(column, row), positions[3 * m_aVertices.size() + 2]));
   };
@@ -65,14 +85,15 @@ void CCleanMesh::AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh) {
 }
 
 void CCleanMesh::AddPlainTriangles(const CSurfaceMesh& mesh, const CTearPatch& patch) {
-  m_auTriangles.reserve(mesh.Triangles().size());
+  ReserveLarge(m_auTriangles, mesh.Triangles().size());
   mesh.ForEachTriangle([&](std::uint32_t a, std::uint32_t b, std::uint32_t centre, bool /*torn*/) {
-    if (!patch.HoldsLeaf(centre - mesh.CornerCount())) m_auTriangles.insert(m_auTriangles.end(), {a, b, centre});
+    if (patch.HoldsLeaf(centre - mesh.CornerCount())) return;
+    for (const std::uint32_t corner : {a, b, centre}) m_auTriangles.push_back(corner);
   });
 }
 
 // A vertex of the mesh keeps its number for its first copy.
-void CCleanMesh::AddTorn(const CTornSurface& torn, const CTearPatch& patch) {
+std::vector<std::uint32_t> CCleanMesh::AddTorn(const CTornSurface& torn, const CTearPatch& patch) {
   const std::span<const std::uint32_t> vertices = torn.Vertices();
   std::vector<std::uint32_t> numbers(vertices.size(), CTearPatch::kNone);
   std::vector<bool> taken(patch.Triangles().VertexCount());
@@ -93,8 +114,35 @@ void CCleanMesh::AddTorn(const CTornSurface& torn, const CTearPatch& patch) {
   for (const auto& corners : torn.Corners()) {
     for (const std::uint32_t copy : corners) m_auTriangles.push_back(numbers[copy]);
   }
-  if (m_Options.m_Gap != TearGap::Wall) return;
+  if (m_Options.m_Gap != TearGap::Wall) return numbers;
   for (const std::uint32_t copy : torn.Walls()) m_auWalls.push_back(numbers[copy]);
+  return numbers;
+}
+
+void CCleanMesh::AddStrips(const CTearPatch& patch, const CTearSides& sides, const CSideHeights& side,
+                           std::span<const double> known, std::span<const std::uint32_t> numbers) {
+  const std::vector<double> heights = side.Raised(known);
+  const CFarSides farSides(patch, sides, m_Options.m_fUnderWidth, m_afCell);
+  const CTearStrips strips(patch, sides, farSides.Lower(heights, m_Options.m_fHeightScale), m_Options.m_fUnderWidth,
+                           m_afCell);
+  std::vector<double> z(strips.Vertices().size());
+  strips.Raise(side, heights, side.RaisedPlanes(known, heights), z);
+  std::vector<std::uint32_t> stripNumbers;
+  for (std::size_t v = 0; v < z.size(); ++v) {
+    const CTearStrips::CVertex& vertex = strips.Vertices()[v];
+    const std::uint32_t joined = strips.JoinedTo(vertex);
+    stripNumbers.push_back(joined == CTearStrips::kNone ? static_cast<std::uint32_t>(m_aVertices.size())
+                                                        : numbers[joined]);
+    if (joined != CTearStrips::kNone) continue;
+    const CCellPoint shown = strips.PictureOf(vertex);
+    const CCellPoint& place = vertex.m_Above.m_Place;
+    m_aVertices.push_back({m_Plane.At(place.x, place.y),
+                           z[v],
+                           {std::clamp(shown.x / m_iCells, 0.0, 1.0), std::clamp(shown.y / m_iCells, 0.0, 1.0)}});
+  }
+  for (const auto& corners : strips.Triangles()) {
+    for (const std::uint32_t v : corners) m_auStrips.push_back(stripNumbers[v]);
+  }
 }
 
 Vector3 CCleanMesh::Position(std::size_t vertex) const {

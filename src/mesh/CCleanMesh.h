@@ -13,13 +13,16 @@
 
 class CCntrCtrlList;
 class CQuadTree;
+class CSideHeights;
 class CTearPatch;
+class CTearSides;
 class CTornSurface;
 
 /// What lies between the two sides of a tear.
 enum class TearGap {
-  Open,  ///< nothing: both end on the curve
-  Wall,  ///< a vertical strip
+  Open,   ///< nothing: both end on the curve
+  Wall,   ///< a vertical strip
+  Under,  ///< the lower side runs on beneath the higher one and borrows its own part of the picture
 };
 
 /// How a surface becomes a clean mesh.
@@ -27,7 +30,11 @@ struct CCleanMeshOptions {
   TearGap m_Gap = TearGap::Open;
   double m_fScale = 1.0;        ///< written units in a model unit, across the picture; positive
   double m_fHeightScale = 1.0;  ///< and along z
+  double m_fUnderWidth = 0.0;   ///< how far the lower side runs on, model units; 0 for `UnderWidthOf`
 };
+
+/// How far the lower side of a tear runs on where nothing else is said: a sixteenth of the larger side of the model.
+double UnderWidthOf(const CExtent& extent);
 
 /// The surface as a mesh whose tears end on their curves: what exports write and the model view may show.
 ///
@@ -60,18 +67,25 @@ class CCleanMesh {
   std::span<const std::uint32_t> Triangles() const { return m_auTriangles; }
   /// The walls of the tears, empty unless they were asked for: vertical triangles between vertices of the surface.
   std::span<const std::uint32_t> Walls() const { return m_auWalls; }
+  /// What runs on beneath the higher sides, empty unless it was asked for: triangles that face as the surface does, and
+  /// share the vertices of the lower side along the tear. Nothing where both heights are the same when written.
+  std::span<const std::uint32_t> Strips() const { return m_auStrips; }
 
  private:
   void AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh);
   void AddPlainTriangles(const CSurfaceMesh& mesh, const CTearPatch& patch);
-  void AddTorn(const class CTornSurface& torn, const CTearPatch& patch);
+  std::vector<std::uint32_t> AddTorn(const CTornSurface& torn, const CTearPatch& patch);
+  void AddStrips(const CTearPatch& patch, const CTearSides& sides, const CSideHeights& side,
+                 std::span<const double> known, std::span<const std::uint32_t> numbers);
   CVertex VertexAt(const CMeshPlace& place, double z) const;
 
   CExtent m_Extent;
   int m_iCells;
+  std::array<double, 2> m_afCell;  ///< lengths of a cell, model units
   CCleanMeshOptions m_Options;
   CMeshPlane m_Plane;
   std::vector<CVertex> m_aVertices;
   std::vector<std::uint32_t> m_auTriangles;
   std::vector<std::uint32_t> m_auWalls;
+  std::vector<std::uint32_t> m_auStrips;
 };

@@ -1,13 +1,9 @@
 #pragma once
 
-#include <array>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
-
-#include "mesh/CCutTriangulation.h"
 
 class CTearPatch;
 class CTearSides;
@@ -19,74 +15,74 @@ class CTearSides;
 /// in the cells that come nearer than `kRing`, widened at both ends by half its length. Where a cut ends inside the
 /// surface its end gets the mean of what both sides give. A piece without a triangle of that kind takes the planes of
 /// the one that it has the longest cut in common with.
+///
+/// All of that but the heights is found out once: a continued height is a sum of heights with weights. Other heights on
+/// the same cuts cost no more than these sums, linear in the length of the cuts.
 class CSideHeights {
  public:
   /// In cells one lattice step wide. A point of a cut may lie nearly a cell beyond the last height of its side, which
   /// the widened range of three lattice points in a row just holds.
   static constexpr double kRing = 3.0;
 
-  /// `sides` must have been found in `patch` as it is.
-  CSideHeights(const CTearPatch& patch, const CTearSides& sides) : m_Patch(patch), m_Sides(sides) {}
+  /// How the surface of a side goes on beyond the edge that it has at a cut.
+  struct CPlane {
+    double m_fZ = 0.0;       ///< at the copy
+    double m_fSlopeX = 0.0;  ///< what it grows by per cell, along columns and rows
+    double m_fSlopeY = 0.0;
+    double m_fLow = 0.0;  ///< where it stops falling or rising
+    double m_fHigh = 0.0;
+  };
 
-  /// By copy; `known` holds the heights of the vertices of the mesh. Linear in the length of the cuts.
-  std::vector<double> Compute(std::span<const double> known);
+  /// `sides` must have been found in `patch` as it is; neither is needed afterwards. Planes cost as much again.
+  CSideHeights(const CTearPatch& patch, const CTearSides& sides, bool planes = false);
+
+  /// The vertices of the mesh whose heights all others are found from.
+  std::span<const std::uint32_t> KnownVertices() const { return m_auKnown; }
+  /// Sets the heights of all copies; `known` are those of `KnownVertices`, in their order. Allocates nothing.
+  void Raise(std::span<const double> known, std::span<double> heights) const;
+  /// What `Raise` is given, from the heights of all vertices of the mesh; and what it makes of that.
+  std::vector<double> KnownOf(std::span<const double> meshHeights) const;
+  std::vector<double> Raised(std::span<const double> known) const;
+
+  /// The planes at cuts are the rows of what is continued there, in no order: how many there are, and which is that of
+  /// a copy; kNone for none.
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+  std::size_t PlaneCount() const { return m_aRows.size(); }
+  std::uint32_t PlaneOf(std::uint32_t copy) const { return m_auRows[copy]; }
+  /// Sets the planes at cuts, after `Raise` has set `heights`. Allocates nothing.
+  void RaisePlanes(std::span<const double> known, std::span<const double> heights, std::span<CPlane> planes) const;
+  std::vector<CPlane> RaisedPlanes(std::span<const double> known, std::span<const double> heights) const;
 
  private:
-  // A vertex, in lattice coordinates.
-  struct CPoint {
-    double x = 0.0;
-    double y = 0.0;
+  friend class CSideSearch;
+
+  // What a copy is continued from: its terms, and where its slopes begin.
+  struct CRow {
+    std::uint32_t m_uCopy = 0;
+    std::uint32_t m_uEnd = 0;         ///< of its terms, which begin where those of the row before end
+    std::uint32_t m_uSlopes = kNone;  ///< kNone where it lies at no cut, or no planes were asked for
   };
-  // Through three heights of one side: the middle between them, the height there, and what it grows by per cell.
-  struct CPlane {
-    bool m_bKnown = false;
-    CPoint m_Middle;
-    double m_fZ = 0.0;
-    double m_fSlopeX = 0.0;
-    double m_fSlopeY = 0.0;
-  };
-  // All that a search reads of one triangle.
-  struct CNode {
-    std::array<std::uint32_t, 3> m_auBeyond{};  ///< the triangles that it leads on to; kNone for none
-    CPlane m_Plane;                             ///< that it gives, itself or with a neighbour
-    CPoint m_Least;                             ///< corners of the rectangle around it
-    CPoint m_Most;
-    double m_fLow = HUGE_VAL;  ///< least and greatest of its heights that the solver has
-    double m_fHigh = -HUGE_VAL;
-  };
-  // Weighted heights that planes have at the point in hand, on either side of the line on which a cut ends there.
-  struct CSum {
+  // A height that the solver has, by its place in m_auKnown, and what it counts; nothing where it only widens the
+  // range.
+  struct CTerm {
+    std::uint32_t m_uKnown = 0;
     double m_fWeight = 0.0;
-    double m_fValue = 0.0;
   };
-  // What has been seen around the point in hand.
-  struct CView {
-    CPoint m_Point;
-    CSum m_Left;
-    CSum m_Right;
-    double m_fLow = HUGE_VAL;
-    double m_fHigh = -HUGE_VAL;
-    std::uint32_t m_uBefore = CCutTriangulation::kNone;  ///< the vertex before an open end
+  struct CSlope {
+    double m_fX = 0.0;
+    double m_fY = 0.0;
   };
+  struct CRange {
+    double m_fLow = 0.0;
+    double m_fHigh = 0.0;
+  };
+  static CRange RangeOf(std::span<const CTerm> terms, std::span<const double> known);
+  std::span<const CTerm> Terms(std::size_t row) const;
 
-  void FindPlanes();
-  void MakeNodes();
-  void FindFosters();
-  void FindEnds();
-  std::array<std::uint32_t, 3> CopiesOf(std::uint32_t t) const;
-  double Continue(std::uint32_t copy);
-  void LookAround(std::uint32_t copy, double reach, CView& view);
-  CPlane PlaneThrough(const std::array<std::uint32_t, 3>& copies) const;
-  void AddPlane(const CPlane& plane, CView& view) const;
-
-  const CTearPatch& m_Patch;
-  const CTearSides& m_Sides;
-  std::vector<double> m_afHeights;         ///< by copy
-  std::vector<CPoint> m_aPoints;           ///< by vertex
-  std::vector<CNode> m_aNodes;             ///< by triangle
-  std::vector<std::uint32_t> m_auFosters;  ///< by piece: that which lends it planes; kNone where it needs none
-  std::vector<std::uint32_t> m_auBefore;   ///< by vertex: the vertex before an open end; kNone elsewhere
-  std::vector<std::uint32_t> m_auSeen;     ///< by triangle: the last search that has seen it
-  std::uint32_t m_uSearch = 0;
-  std::vector<std::uint32_t> m_auQueue;
+  std::vector<std::uint32_t> m_auKnown;    ///< vertices of the mesh
+  std::vector<std::uint32_t> m_auKnownAt;  ///< place in m_auKnown by copy; kNone for those that are continued
+  std::vector<std::uint32_t> m_auRows;     ///< by copy
+  std::vector<CRow> m_aRows;
+  std::vector<CTerm> m_aTerms;
+  std::vector<CSlope> m_aSlopes;
 };

@@ -6,33 +6,55 @@
 #include "model/CSurfaceMesh.h"
 #include "quadtree/CQuadTree.h"
 
-CTearPatch::CTearPatch(const CQuadTree& tree, const CSurfaceMesh& mesh, const CMeshPlane& plane)
+namespace {
+
+// Marks all cells of a line as far as `reach` from a marked one; they lie `stride` apart.
+void Widen(std::uint8_t* line, int stride, int cells, int reach) {
+  const auto at = [&](int k) -> std::uint8_t& { return line[static_cast<std::ptrdiff_t>(k) * stride]; };
+  // Up to where cells behind the last marked one belong to it, and from where those before the next one do.
+  int end = 0;
+  for (int k = 0; k < cells; ++k) {
+    if (at(k) == 1) end = k + reach + 1;
+    if (k < end && at(k) == 0) at(k) = 2;
+  }
+  int begin = cells;
+  for (int k = cells - 1; k >= 0; --k) {
+    if (at(k) == 1) begin = k - reach;
+    if (k >= begin && at(k) == 0) at(k) = 2;
+  }
+  for (int k = 0; k < cells; ++k) at(k) = at(k) != 0 ? 1 : 0;
+}
+
+}  // namespace
+
+CTearPatch::CTearPatch(const CQuadTree& tree, const CSurfaceMesh& mesh, const CMeshPlane& plane, int reach)
     : m_Plane(plane), m_uCorners(mesh.CornerCount()), m_abLeaves(tree.Leaves().size()) {
-  ChooseLeaves(tree);
+  ChooseLeaves(tree, reach);
   if (std::ranges::find(m_abLeaves, true) == m_abLeaves.end()) return;
   AddTriangles(tree, mesh);
   m_Triangles.Link();
 }
 
-void CTearPatch::ChooseLeaves(const CQuadTree& tree) {
+void CTearPatch::ChooseLeaves(const CQuadTree& tree, int reach) {
   const int cells = tree.Lattice().PointsPerSide() - 1;
-  std::vector<bool> near(static_cast<std::size_t>(cells) * static_cast<std::size_t>(cells));
-  const auto forEachCell = [&](const CLeaf& leaf, int reach, const auto& visit) {
+  const auto side = static_cast<std::size_t>(cells);
+  std::vector<std::uint8_t> marked(side * side);
+  const auto forEachCell = [&](const CLeaf& leaf, const auto& visit) {
     const CQuadT& c = *leaf.m_pCell;
-    for (int j = std::max(c.Y0() - reach, 0); j < std::min(c.Y1() + reach, cells); ++j) {
-      for (int i = std::max(c.X0() - reach, 0); i < std::min(c.X1() + reach, cells); ++i)
-        visit(tree.Lattice().CellIndex(i, j));
+    for (int j = c.Y0(); j < c.Y1(); ++j) {
+      for (int i = c.X0(); i < c.X1(); ++i)
+        visit(marked[static_cast<std::size_t>(j) * side + static_cast<std::size_t>(i)]);
     }
   };
-  for (const CLeaf& leaf : tree.Leaves()) {
-    if (leaf.m_uMarked != 0) forEachCell(leaf, kReach, [&](std::size_t cell) { near[cell] = true; });
+  const std::span<const CLeaf> leaves = tree.Leaves();
+  for (const CLeaf& leaf : leaves) {
+    if (leaf.m_uMarked != 0) forEachCell(leaf, [](std::uint8_t& cell) { cell = 1; });
   }
-  std::size_t number = 0;
-  for (const CLeaf& leaf : tree.Leaves()) {
-    bool isNear = false;
-    forEachCell(leaf, 0, [&](std::size_t cell) { isNear = isNear || near[cell]; });
-    m_abLeaves[number++] = isNear;
-  }
+  // Along the rows, then along the columns.
+  for (std::size_t k = 0; k < side; ++k) Widen(&marked[k * side], 1, cells, reach);
+  for (std::size_t k = 0; k < side; ++k) Widen(&marked[k], cells, cells, reach);
+  for (std::size_t number = 0; number < leaves.size(); ++number)
+    forEachCell(leaves[number], [&](std::uint8_t cell) { m_abLeaves[number] = m_abLeaves[number] || cell != 0; });
 }
 
 void CTearPatch::AddTriangles(const CQuadTree& tree, const CSurfaceMesh& mesh) {

@@ -13,9 +13,9 @@ class CSurfaceMesh;
 
 /// The triangles of a surface mesh in and around its tears, to be cut along them.
 ///
-/// Leaves as far as `kReach` cells from one with a marked triangle belong to it, so that all that a tear may touch, and
-/// all that the heights on both sides of it are found from, lies in it. Without a tear it is empty. Linear in the
-/// number of leaves.
+/// Leaves as far as `kReach` cells or more from one with a marked triangle belong to it, so that all that a tear may
+/// touch, and all that the heights on both sides of it are found from, lies in it. Without a tear it is empty. Linear
+/// in the number of leaves.
 class CTearPatch {
  public:
   /// In cells one lattice step wide.
@@ -30,8 +30,8 @@ class CTearPatch {
     bool m_bWholeLeaf = false;  ///< no triangle of the leaf does
   };
 
-  /// `mesh` must have been built from `tree`.
-  CTearPatch(const CQuadTree& tree, const CSurfaceMesh& mesh, const CMeshPlane& plane);
+  /// `mesh` must have been built from `tree`; `reach` is at least kReach.
+  CTearPatch(const CQuadTree& tree, const CSurfaceMesh& mesh, const CMeshPlane& plane, int reach = kReach);
 
   /// The triangles, whose origins are numbers in `Origin`.
   CCutTriangulation& Triangles() { return m_Triangles; }
@@ -52,7 +52,7 @@ class CTearPatch {
   const CMeshPlane& Plane() const { return m_Plane; }
 
  private:
-  void ChooseLeaves(const CQuadTree& tree);
+  void ChooseLeaves(const CQuadTree& tree, int reach);
   void AddTriangles(const CQuadTree& tree, const CSurfaceMesh& mesh);
   void AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh, std::vector<std::uint32_t>& numbers);
 

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "base/Memory.h"
 #include "lattice/CLattice.h"
 #include "quadtree/CQuadTree.h"
 
@@ -20,6 +21,7 @@ void CSurfaceMesh::Build(const CQuadTree& tree) {
   NumberCorners(tree);
   m_uCentres = tree.Leaves().size();
   m_auTriangles.clear();
+  ReserveLarge(m_auTriangles, 12 * m_uCentres);  // four a leaf, unless it has smaller neighbours
   m_aTorn.clear();
   auto centre = static_cast<std::uint32_t>(CornerCount());
   for (const CLeaf& leaf : tree.Leaves()) {
@@ -59,7 +61,7 @@ void CSurfaceMesh::AddSide(const CEdge& edge, bool backwards, bool torn, std::ui
   if (torn) {
     m_aTorn.push_back({m_auTriangles.size(), a, b, centre});
   } else {
-    m_auTriangles.insert(m_auTriangles.end(), {a, b, centre});
+    for (const std::uint32_t corner : {a, b, centre}) m_auTriangles.push_back(corner);
   }
 }
 

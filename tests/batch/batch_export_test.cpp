@@ -118,17 +118,24 @@ TEST_F(BatchExport, ClosesTearsWithWallsWhereItIsAskedTo) {
   ASSERT_EQ(Run("model.grid --iterations 0 --export open.ply"), 0);
   ASSERT_EQ(Run("model.grid --iterations 0 --export wall.ply --tears wall"), 0);
   EXPECT_GT(Bytes("wall.ply").size(), Bytes("open.ply").size());
+  for (const char* format : {"glb", "obj", "ply"}) {
+    const std::string name = std::string("under.") + format;
+    ASSERT_EQ(Run("model.grid --iterations 0 --export " + name + " --tears under"), 0);
+    const std::size_t usual = Bytes(name).size();
+    ASSERT_EQ(Run("model.grid --iterations 0 --export " + name + " --tears under --under-width 0.1"), 0);
+    EXPECT_NE(usual, Bytes(name).size());
+  }
 }
 
 TEST_F(BatchExport, RefusesNamesOfNoFormatAndOptionsWithoutOne) {
   for (const char* name : {"m", "m.grid", ".glb", "m.glb.bak", "''"})
     ExpectRefused(std::string("model.grid --export ") + name,
                   "the name of a file is expected that ends with .glb, .obj, .ply, .stl");
-  for (const char* option : {"--tears wall", "--up y", "--scale 2", "--height-scale 2", "--base 2", "--texture none",
-                             "--resolution 2x2", "--green down"})
+  for (const char* option : {"--tears wall", "--under-width 2", "--up y", "--scale 2", "--height-scale 2", "--base 2",
+                             "--texture none", "--resolution 2x2", "--green down"})
     ExpectRefused(std::string("model.grid ") + option, "--export");
   for (const char* number : {"0", "-1", "x", "''", "inf", "nan", "1e999", "2mm"}) {
-    for (const char* option : {"--scale", "--height-scale", "--base"})
+    for (const char* option : {"--scale", "--height-scale", "--base", "--under-width"})
       ExpectRefused(std::string("model.grid --export m.stl ") + option + ' ' + number, "a number above 0 is expected");
   }
   ExpectRefused("model.grid --export m.glb --tears closed", "--tears");

@@ -1,5 +1,6 @@
 // What is told of an export before it is written.
 
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <filesystem>
@@ -14,13 +15,14 @@
 #include "support/CTemporaryDirectory.h"
 #include "support/CleanMeshBuilders.h"
 #include "support/ExportBuilders.h"
+#include "support/PictureBuilders.h"
 
 namespace {
 
 // A noisy surface with a tear, and a photograph.
 struct CSurveyed {
   CSurveyed() {
-    SetRandomHeights(m_Grid.Lattice(), 3);
+    SetRandomSurface(m_Grid.m_Grid, 3);
     SwitchOnLights(m_Grid.m_Grid);
     m_Photograph.m_Picture = PlainPicture(40, 30, 10, 200, 30);
     m_Settings.m_pPhotograph = &m_Photograph;
@@ -85,6 +87,29 @@ TEST(ExportSurveyTest, ForetellsTheBytesOfAllFormats) {
     const double written = model.BytesWritten(format);
     EXPECT_NEAR(model.Describe(format.m_pSuffix).m_fBytes, written, 0.06 * written) << format.m_pSuffix;
   }
+}
+
+// Of large maps and pictures some bands of rows are packed.
+TEST(ExportSurveyTest, ForetellsTheBytesOfLargePictures) {
+  CSurveyed model;
+  model.m_Settings.m_Resolution = {700, 500};
+  model.m_Photograph.m_Picture = Squares(640, 480);
+  for (const char* suffix : {".png", ".tif", ".pfm", "-normal.png", "-albedo.png", "-relit.png"}) {
+    const double written = model.BytesWritten(*ExportFormatOf(std::string("a") + suffix));
+    EXPECT_NEAR(model.Describe(suffix).m_fBytes, written, 0.1 * written) << suffix;
+  }
+  EXPECT_EQ(model.Describe(".png").m_aiSamples, (std::array{700, 500}));
+  EXPECT_EQ(model.Describe("-relit.png").m_aiSamples, (std::array{640, 480}));
+}
+
+TEST(ExportSurveyTest, CountsThePictureThatIsShown) {
+  CSurveyed model;
+  const double photograph = model.Describe(".glb").m_fBytes;
+  model.m_Settings.m_Texture = ExportTexture::None;
+  EXPECT_LT(model.Describe(".glb").m_fBytes, photograph);
+  const CExportFormat& glb = *ExportFormatOf("a.glb");
+  model.m_Settings.m_Texture = ExportTexture::Relit;
+  EXPECT_NEAR(model.Describe(".glb").m_fBytes, model.BytesWritten(glb), 0.01 * model.BytesWritten(glb));
 }
 
 TEST(ExportSurveyTest, TellsHeightsThatAreNotFinite) {

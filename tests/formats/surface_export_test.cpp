@@ -125,6 +125,21 @@ TEST(CleanFileMeshTest, GivesWallsNormalsOfTheirOwn) {
     EXPECT_EQ(walled.m_aNormals[v], (CPoint{-1, 0, 0})) << "towards the lower side";
 }
 
+TEST(CleanFileMeshTest, LetsTheLowerSideRunOnBeneathTheHigherOne) {
+  CTornGrid grid({{{{8.5, -1}, {8.5, 17}}}});
+  grid.Raise([](int column, int /*row*/) { return column > 8 ? 5.0 : 0.0; });
+  const CFileMesh open = CleanFileMesh(grid.m_Grid, {});
+  const CFileMesh under = CleanFileMesh(grid.m_Grid, {.m_Gap = TearGap::Under, .m_fUnderWidth = 3.0});
+  ASSERT_GT(under.m_aTriangles.size(), open.m_aTriangles.size() + 16);
+  ASSERT_EQ(under.m_aNormals.size(), under.m_aPositions.size());
+  for (std::size_t v = 0; v < under.m_aPositions.size(); ++v) {
+    EXPECT_EQ(under.m_aNormals[v], (CPoint{0, 0, 1}));
+    EXPECT_TRUE(under.m_aPositions[v][2] == 0.0F || under.m_aPositions[v][2] == 5.0F);
+  }
+  const CFileMesh solid = CleanSolid(grid.m_Grid, {.m_Gap = TearGap::Under}, 1);
+  EXPECT_EQ(solid.m_aTriangles.size(), CleanSolid(grid.m_Grid, {}, 1).m_aTriangles.size()) << "it has walls";
+}
+
 RC_GTEST_PROP(CleanFileMeshTest, HasUnitNormalsThatLookUp, (std::uint32_t seed)) {
   CRandomTornGrid grid(seed);
   const CFileMesh mesh = CleanFileMesh(grid.m_Grid, {});

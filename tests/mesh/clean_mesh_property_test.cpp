@@ -13,6 +13,7 @@
 #include <rapidcheck/gtest.h>
 
 #include "constraints/TearLines.h"
+#include "support/CStripJudge.h"
 #include "support/CleanMeshBuilders.h"
 
 namespace {
@@ -79,6 +80,59 @@ int UnbalancedSides(const CCleanMesh& mesh, const CMeshJudge& judge) {
   return static_cast<int>(std::ranges::count_if(balance, [](const auto& side) { return side.second != 0; }));
 }
 
+// Of `kCells` of a cell, at random.
+double WidthOf(std::uint32_t seed, CTornGrid& grid) {
+  constexpr std::array kCells{0.3, 1.0, 2.5, 6.0};
+  return kCells[seed / 7 % kCells.size()] * (grid.Lattice().XOf(1) - grid.Lattice().XOf(0));
+}
+
+// A point in a triangle: its middle, or one next to a corner.
+struct CInside {
+  CMeshJudge::CPoint m_At{};
+  double m_fZ = 0.0;
+};
+CInside PointIn(const CTriangleFinder& finder, std::span<const std::uint32_t> corners, std::size_t nextTo) {
+  CInside inside;
+  for (std::size_t k = 0; k < 3; ++k) {
+    const double share = nextTo == 3 ? 1.0 / 3 : nextTo == k ? 0.98 : 0.01;
+    for (std::size_t axis = 0; axis < 2; ++axis) inside.m_At[axis] += share * finder.At(corners[k])[axis];
+    inside.m_fZ += share * finder.ZAt(corners[k]);
+  }
+  return inside;
+}
+
+// Strip triangles that rise above the surface somewhere, or lie outside of it. What rounding moves a vertex by shows in
+// the heights of the steepest triangles, between points of two cuts next to each other.
+int RisingAbove(const CCleanMesh& mesh, const CTriangleFinder& surface, const CTriangleFinder& strips) {
+  constexpr double kRounding = 5e-3;
+  int rising = 0;
+  for (std::size_t t = 0; t < mesh.Strips().size(); t += 3) {
+    for (std::size_t nextTo = 0; nextTo <= 3; ++nextTo) {
+      const CInside inside = PointIn(strips, mesh.Strips().subspan(t, 3), nextTo);
+      const auto above = surface.Over(inside.m_At);
+      if (!above || inside.m_fZ > above->m_fHigh + kRounding) ++rising;
+    }
+  }
+  return rising;
+}
+
+// Points behind a tear and within the width from it that nothing lies below. Round a bend, an end inside the surface
+// stops a strip from twice as far.
+int Uncovered(const CCutSides& cuts, const CTriangleFinder& strips, double width) {
+  int uncovered = 0;
+  for (const auto& cut : cuts.Cuts()) {
+    for (const double share : {0.1, 0.5, 0.9}) {
+      const auto there = [share](const std::array<double, 2>& ends) { return ends[0] + share * (ends[1] - ends[0]); };
+      if (there(cut.m_afStep) < 1e-3 || std::min(cut.m_afToEnd[0], cut.m_afToEnd[1]) < 2 * width) continue;
+      for (const double part : {0.02, 0.4, 0.8, 0.95}) {
+        const auto p = cuts.Behind(cut, share, part * width);
+        if (p && !strips.Over(*p)) ++uncovered;
+      }
+    }
+  }
+  return uncovered;
+}
+
 }  // namespace
 
 RC_GTEST_PROP(CleanMeshProperty, SurfaceCoversTheRectangleOnceAndIsCutAlongTheCurves, (std::uint32_t seed)) {
@@ -101,4 +155,31 @@ RC_GTEST_PROP(CleanMeshProperty, WallsCloseTheTears, (std::uint32_t seed)) {
   RC_ASSERT(judge.BadAsWritten() == 0);
   RC_ASSERT(judge.SharedTwice() == 0);
   RC_ASSERT(UnbalancedSides(mesh, judge) == 0);
+}
+
+RC_GTEST_PROP(CleanMeshProperty, LowerSideRunsOnBeneathTheHigherOne, (std::uint32_t seed)) {
+  CRandomGrid grid(seed);
+  const double width = WidthOf(seed, grid);
+  const CCleanMesh mesh = grid.Mesh({.m_Gap = TearGap::Under, .m_fUnderWidth = width});
+  const CMeshJudge judge(grid, mesh);
+  const CTriangleFinder surface(grid, mesh, mesh.Triangles());
+  const CTriangleFinder strips(grid, mesh, mesh.Strips());
+  for (const CCleanMesh::CVertex& v : mesh.Vertices()) {
+    RC_ASSERT(std::isfinite(v.m_fZ));
+    RC_ASSERT(v.m_Picture.u >= 0 && v.m_Picture.u <= 1 && v.m_Picture.v >= 0 && v.m_Picture.v <= 1);
+  }
+  RC_ASSERT(RisingAbove(mesh, surface, strips) == 0);
+  RC_ASSERT(Uncovered(CCutSides(grid, judge), strips, width) == 0);
+}
+
+RC_GTEST_PROP(CleanMeshProperty, StripsLeaveTheSurfaceAsItIs, (std::uint32_t seed)) {
+  CRandomGrid grid(seed);
+  const CCleanMesh open = grid.Mesh();
+  const CCleanMesh under = grid.Mesh({.m_Gap = TearGap::Under});
+  RC_ASSERT(open.Triangles().size() == under.Triangles().size());
+  const CMeshJudge judge(grid, under);
+  RC_ASSERT(std::abs(judge.Covered() - 1.0) < 1e-9);
+  RC_ASSERT(judge.BadAsWritten() == 0);
+  RC_ASSERT(judge.SharedTwice() == 0);
+  RC_ASSERT(judge.Cracks() == 0);
 }

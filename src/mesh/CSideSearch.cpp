@@ -1,0 +1,251 @@
+#include "mesh/CSideSearch.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "mesh/CTearPatch.h"
+#include "mesh/CTearSides.h"
+
+namespace {
+
+// In cells: keeps the weight of a triangle around the point itself finite.
+constexpr double kSoftening = 0.25;
+// Farther than any lattice is wide.
+constexpr double kEverywhere = 4096.0;
+
+}  // namespace
+
+void CSideSearch::FindAll(bool planes) {
+  NumberKnown();
+  for (std::uint32_t v = 0; v < m_Patch.Triangles().VertexCount(); ++v)
+    m_aPoints.push_back({m_Patch.ColumnOf(v), m_Patch.RowOf(v)});
+  m_aNodes.resize(m_Patch.Triangles().Triangles().size());
+  FindPlanes();
+  FindFosters();
+  FindEnds();
+  MakeNodes();
+  m_auTermAt.resize(m_Found.m_auKnown.size());
+  const std::vector<bool> atCut = planes ? CopiesAtCuts() : std::vector<bool>(m_Sides.CopyCount());
+  m_Found.m_auRows.assign(m_Sides.CopyCount(), kNone);
+  for (std::uint32_t copy = 0; copy < m_Sides.CopyCount(); ++copy) {
+    if (!m_Sides.IsKnown(copy) || atCut[copy]) Continue(copy, atCut[copy]);
+  }
+}
+
+void CSideSearch::NumberKnown() {
+  for (std::uint32_t copy = 0; copy < m_Sides.CopyCount(); ++copy) {
+    const bool known = m_Sides.IsKnown(copy);
+    m_Found.m_auKnownAt.push_back(known ? static_cast<std::uint32_t>(m_Found.m_auKnown.size()) : kNone);
+    if (known) m_Found.m_auKnown.push_back(m_Patch.MeshVertex(m_Sides.VertexOf(copy)));
+  }
+}
+
+std::vector<bool> CSideSearch::CopiesAtCuts() const {
+  const auto triangles = m_Patch.Triangles().Triangles();
+  std::vector<bool> atCut(m_Sides.CopyCount());
+  for (std::uint32_t t = 0; t < triangles.size(); ++t) {
+    for (std::uint32_t k = 0; k < 3; ++k) {
+      if (triangles[t].m_abCut[k]) atCut[m_Sides.CopyOf(t, k)] = atCut[m_Sides.CopyOf(t, (k + 1) % 3)] = true;
+    }
+  }
+  return atCut;
+}
+
+// kNone where a height is not known, or all lie on one line.
+std::uint32_t CSideSearch::AddPlane(const std::array<std::uint32_t, 3>& copies) {
+  const auto unknown = [this](std::uint32_t copy) { return !m_Sides.IsKnown(copy); };
+  if (std::ranges::any_of(copies, unknown)) return kNone;
+  const CPoint& p = m_aPoints[m_Sides.VertexOf(copies[0])];
+  const CPoint& q = m_aPoints[m_Sides.VertexOf(copies[1])];
+  const CPoint& r = m_aPoints[m_Sides.VertexOf(copies[2])];
+  const double area = (q.x - p.x) * (r.y - p.y) - (q.y - p.y) * (r.x - p.x);
+  if (area == 0.0) return kNone;
+  CPlane plane{.m_Middle = {(p.x + q.x + r.x) / 3.0, (p.y + q.y + r.y) / 3.0},
+               .m_afSlopeX = {(q.y - r.y) / area, (r.y - p.y) / area, (p.y - q.y) / area},
+               .m_afSlopeY = {(r.x - q.x) / area, (p.x - r.x) / area, (q.x - p.x) / area}};
+  for (std::size_t k = 0; k < copies.size(); ++k) plane.m_auKnown[k] = m_Found.m_auKnownAt[copies[k]];
+  m_aPlanes.push_back(plane);
+  return static_cast<std::uint32_t>(m_aPlanes.size() - 1);
+}
+
+// Two neighbouring triangles of a torn leaf that are in no tear lack the centre, but have three corners between them.
+void CSideSearch::FindPlanes() {
+  const auto triangles = m_Patch.Triangles().Triangles();
+  for (std::uint32_t t = 0; t < triangles.size(); ++t) {
+    const std::array<std::uint32_t, 3> copies{m_Sides.CopyOf(t, 0), m_Sides.CopyOf(t, 1), m_Sides.CopyOf(t, 2)};
+    m_aNodes[t].m_uPlane = AddPlane(copies);
+    const auto& origin = m_Patch.OriginOf(t);
+    if (origin.m_bTorn || origin.m_bWholeLeaf) continue;
+    for (std::uint32_t k = 0; k < 3; ++k) {
+      const std::uint32_t beyond = triangles[t].m_auNeighbours[k];
+      if (beyond == kNone || triangles[t].m_abCut[k]) continue;
+      const auto& other = m_Patch.OriginOf(beyond);
+      if (other.m_uLeaf != origin.m_uLeaf || other.m_bTorn) continue;
+      const std::uint32_t far = m_Sides.CopyOf(beyond, (m_Patch.Triangles().SideInNeighbour(t, k) + 2) % 3);
+      const bool centreFirst = m_Sides.IsKnown(copies[(k + 1) % 3]);
+      const std::uint32_t plane = AddPlane({centreFirst ? copies[(k + 1) % 3] : copies[k], copies[(k + 2) % 3], far});
+      if (plane != kNone) m_aNodes[t].m_uPlane = plane;
+    }
+  }
+}
+
+// Pieces that have no plane of their own borrow from a neighbour that has, or that has borrowed already.
+void CSideSearch::FindFosters() {
+  const auto triangles = m_Patch.Triangles().Triangles();
+  std::vector<bool> provided(m_Sides.PieceCount());
+  for (std::uint32_t t = 0; t < triangles.size(); ++t) {
+    if (m_aNodes[t].m_uPlane != kNone) provided[m_Sides.PieceOf(t)] = true;
+  }
+  m_auFosters.assign(m_Sides.PieceCount(), kNone);
+  for (bool found = true; found;) {
+    std::map<std::pair<std::uint32_t, std::uint32_t>, double> shared;
+    for (std::uint32_t t = 0; t < triangles.size(); ++t) {
+      const std::uint32_t piece = m_Sides.PieceOf(t);
+      if (provided[piece]) continue;
+      for (std::size_t k = 0; k < 3; ++k) {
+        const std::uint32_t beyond = triangles[t].m_auNeighbours[k];
+        if (beyond == kNone || !triangles[t].m_abCut[k] || !provided[m_Sides.PieceOf(beyond)]) continue;
+        const auto& v = triangles[t].m_auVertices;
+        shared[{piece, m_Sides.PieceOf(beyond)}] +=
+            m_Patch.Plane().Distance(m_Patch.Triangles().Place(v[k]), m_Patch.Triangles().Place(v[(k + 1) % 3]));
+      }
+    }
+    std::vector<double> most(m_Sides.PieceCount(), 0.0);
+    for (const auto& [pieces, length] : shared) {
+      provided[pieces.first] = true;
+      if (length <= most[pieces.first]) continue;
+      most[pieces.first] = length;
+      m_auFosters[pieces.first] = pieces.second;
+    }
+    found = !shared.empty();
+  }
+}
+
+// Where a single cut side begins or ends inside the surface.
+void CSideSearch::FindEnds() {
+  const CCutTriangulation& triangles = m_Patch.Triangles();
+  std::vector<std::uint8_t> cuts(triangles.VertexCount());
+  m_auBefore.assign(triangles.VertexCount(), kNone);
+  for (std::uint32_t t = 0; t < triangles.Triangles().size(); ++t) {
+    const auto& triangle = triangles.Triangle(t);
+    for (std::uint32_t k = 0; k < 3; ++k) {
+      const std::uint32_t beyond = triangle.m_auNeighbours[k];
+      if (!triangle.m_abCut[k] || (beyond != kNone && beyond < t)) continue;
+      const std::uint32_t a = triangle.m_auVertices[k];
+      const std::uint32_t b = triangle.m_auVertices[(k + 1) % 3];
+      for (const auto& [end, other] : {std::pair{a, b}, std::pair{b, a}}) {
+        cuts[end] = static_cast<std::uint8_t>(std::min(cuts[end] + 1, 2));
+        m_auBefore[end] = cuts[end] == 1 ? other : kNone;
+      }
+    }
+  }
+}
+
+void CSideSearch::MakeNodes() {
+  const CCutTriangulation& triangles = m_Patch.Triangles();
+  for (std::uint32_t t = 0; t < m_aNodes.size(); ++t) {
+    const auto& triangle = triangles.Triangle(t);
+    CNode& node = m_aNodes[t];
+    for (std::uint32_t k = 0; k < 3; ++k) {
+      const CPoint& p = m_aPoints[triangle.m_auVertices[k]];
+      const std::array place{static_cast<float>(p.x), static_cast<float>(p.y)};
+      for (std::size_t axis = 0; axis < place.size(); ++axis) {
+        node.m_afLeast[axis] = k == 0 ? place[axis] : std::min(node.m_afLeast[axis], place[axis]);
+        node.m_afMost[axis] = k == 0 ? place[axis] : std::max(node.m_afMost[axis], place[axis]);
+      }
+      node.m_auKnown[k] = m_Found.m_auKnownAt[m_Sides.CopyOf(t, k)];
+      const std::uint32_t beyond = triangle.m_auNeighbours[k];
+      const bool isWay =
+          beyond != kNone && (!triangle.m_abCut[k] || m_auFosters[m_Sides.PieceOf(t)] == m_Sides.PieceOf(beyond));
+      node.m_auBeyond[k] = isWay ? beyond : kNone;
+    }
+  }
+}
+
+void CSideSearch::Continue(std::uint32_t copy, bool slopes) {
+  const std::uint32_t vertex = m_Sides.VertexOf(copy);
+  m_Point = m_aPoints[vertex];
+  m_uBefore = m_auBefore[vertex];
+  double reach = CSideHeights::kRing;
+  LookAround(copy, reach);
+  while (m_afWeights[0] + m_afWeights[1] == 0.0 && reach < kEverywhere) {
+    reach *= 2.0;
+    LookAround(copy, reach);
+  }
+  AddRow(copy, slopes);
+}
+
+// Through all triangles of the side that come as near as that.
+void CSideSearch::LookAround(std::uint32_t copy, double reach) {
+  const std::array least{static_cast<float>(m_Point.x - reach), static_cast<float>(m_Point.y - reach)};
+  const std::array most{static_cast<float>(m_Point.x + reach), static_cast<float>(m_Point.y + reach)};
+  ++m_uSearch;
+  m_aTerms.clear();
+  m_afWeights = {};
+  m_auQueue.assign(1, m_Sides.TriangleAt(copy));
+  m_aNodes[m_auQueue.front()].m_uSeen = m_uSearch;
+  for (std::size_t at = 0; at < m_auQueue.size(); ++at) {
+    const CNode& node = m_aNodes[m_auQueue[at]];
+    for (const std::uint32_t known : node.m_auKnown) {
+      if (known != kNone) TermOf(known);
+    }
+    if (node.m_uPlane != kNone) Count(m_aPlanes[node.m_uPlane]);
+    for (const std::uint32_t beyond : node.m_auBeyond) {
+      if (beyond == kNone || m_aNodes[beyond].m_uSeen == m_uSearch) continue;
+      CNode& next = m_aNodes[beyond];
+      if (next.m_afLeast[0] >= most[0] || next.m_afMost[0] <= least[0] || next.m_afLeast[1] >= most[1] ||
+          next.m_afMost[1] <= least[1])
+        continue;
+      next.m_uSeen = m_uSearch;
+      m_auQueue.push_back(beyond);
+    }
+  }
+}
+
+CSideSearch::CTerm& CSideSearch::TermOf(std::uint32_t known) {
+  std::uint32_t& at = m_auTermAt[known];
+  if (at >= m_aTerms.size() || m_aTerms[at].m_uKnown != known) {
+    at = static_cast<std::uint32_t>(m_aTerms.size());
+    m_aTerms.push_back({.m_uKnown = known});
+  }
+  return m_aTerms[at];
+}
+
+// By its distance from the middle of the triangle, and on the side of an open end that this lies on.
+void CSideSearch::Count(const CPlane& plane) {
+  const double dx = m_Point.x - plane.m_Middle.x;
+  const double dy = m_Point.y - plane.m_Middle.y;
+  const double near = dx * dx + dy * dy + kSoftening;
+  const double weight = 1.0 / (near * near);
+  std::size_t hand = 0;
+  if (m_uBefore != kNone) {
+    const CPoint& before = m_aPoints[m_uBefore];
+    hand = (m_Point.y - before.y) * dx - (m_Point.x - before.x) * dy > 0.0 ? 0 : 1;
+  }
+  m_afWeights[hand] += weight;
+  for (std::size_t k = 0; k < plane.m_auKnown.size(); ++k) {
+    CTerm& term = TermOf(plane.m_auKnown[k]);
+    term.m_afWeight[hand] += weight * (1.0 / 3.0 + plane.m_afSlopeX[k] * dx + plane.m_afSlopeY[k] * dy);
+    term.m_afSlopeX[hand] += weight * plane.m_afSlopeX[k];
+    term.m_afSlopeY[hand] += weight * plane.m_afSlopeY[k];
+  }
+}
+
+// The mean of each side's planes, and of the two sides.
+void CSideSearch::AddRow(std::uint32_t copy, bool slopes) {
+  const bool both = m_afWeights[0] > 0.0 && m_afWeights[1] > 0.0;
+  std::array<double, 2> share{};
+  for (std::size_t hand = 0; hand < share.size(); ++hand) {
+    if (m_afWeights[hand] > 0.0) share[hand] = (both ? 0.5 : 1.0) / m_afWeights[hand];
+  }
+  const auto mean = [&share](const std::array<double, 2>& sums) { return share[0] * sums[0] + share[1] * sums[1]; };
+  m_Found.m_auRows[copy] = static_cast<std::uint32_t>(m_Found.m_aRows.size());
+  const auto first = static_cast<std::uint32_t>(m_Found.m_aSlopes.size());
+  for (const CTerm& term : m_aTerms) {
+    m_Found.m_aTerms.push_back({term.m_uKnown, mean(term.m_afWeight)});
+    if (slopes) m_Found.m_aSlopes.push_back({mean(term.m_afSlopeX), mean(term.m_afSlopeY)});
+  }
+  m_Found.m_aRows.push_back(
+      {copy, static_cast<std::uint32_t>(m_Found.m_aTerms.size()), slopes ? first : CSideHeights::kNone});
+}

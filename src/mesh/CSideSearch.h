@@ -1,0 +1,87 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "mesh/CSideHeights.h"
+
+class CTearPatch;
+class CTearSides;
+
+/// Finds what the heights beside the cuts of a patch are continued from: the terms of a CSideHeights.
+///
+/// From each copy it goes through the triangles of its side that come near enough. Linear in the length of the cuts.
+class CSideSearch {
+ public:
+  /// Fills `found`, which must be empty; `sides` must have been found in `patch` as it is.
+  CSideSearch(const CTearPatch& patch, const CTearSides& sides, CSideHeights& found)
+      : m_Patch(patch), m_Sides(sides), m_Found(found) {}
+
+  /// Once; `planes` also for the copies at cuts, with slopes.
+  void FindAll(bool planes);
+
+ private:
+  // A vertex, in lattice coordinates.
+  struct CPoint {
+    double x = 0.0;
+    double y = 0.0;
+  };
+  // Through three heights of one side: the middle between them, and what the plane grows by per cell and unit of each.
+  struct CPlane {
+    std::array<std::uint32_t, 3> m_auKnown{};
+    CPoint m_Middle;
+    std::array<double, 3> m_afSlopeX{};
+    std::array<double, 3> m_afSlopeY{};
+  };
+  // All that a search reads of a triangle on its way: small, as it meets some hundred of them.
+  struct CNode {
+    std::array<std::uint32_t, 3> m_auBeyond{};  ///< the triangles that it leads on to; kNone for none
+    std::array<std::uint32_t, 3> m_auKnown{};   ///< its heights that the solver has; kNone for none
+    std::array<float, 2> m_afLeast{};           ///< corners of the rectangle around it
+    std::array<float, 2> m_afMost{};
+    std::uint32_t m_uPlane = 0;  ///< that it gives, itself or with a neighbour; kNone for none
+    std::uint32_t m_uSeen = 0;   ///< the last search that has seen it
+  };
+  // What a height counts in the mean of the planes on either side of the line on which a cut ends at the point in hand.
+  struct CTerm {
+    std::uint32_t m_uKnown = 0;
+    std::array<double, 2> m_afWeight{};
+    std::array<double, 2> m_afSlopeX{};
+    std::array<double, 2> m_afSlopeY{};
+  };
+
+  static constexpr std::uint32_t kNone = CSideHeights::kNone;
+
+  void NumberKnown();
+  void FindPlanes();
+  std::uint32_t AddPlane(const std::array<std::uint32_t, 3>& copies);
+  void FindFosters();
+  void FindEnds();
+  void MakeNodes();
+  std::vector<bool> CopiesAtCuts() const;
+  void Continue(std::uint32_t copy, bool slopes);
+  void LookAround(std::uint32_t copy, double reach);
+  CTerm& TermOf(std::uint32_t known);
+  void Count(const CPlane& plane);
+  void AddRow(std::uint32_t copy, bool slopes);
+
+  const CTearPatch& m_Patch;
+  const CTearSides& m_Sides;
+  CSideHeights& m_Found;
+  std::vector<CPoint> m_aPoints;  ///< by vertex
+  std::vector<CPlane> m_aPlanes;
+  std::vector<CNode> m_aNodes;             ///< by triangle
+  std::vector<std::uint32_t> m_auFosters;  ///< by piece: that which lends it planes; kNone where it needs none
+  std::vector<std::uint32_t> m_auBefore;   ///< by vertex: the vertex before an open end; kNone elsewhere
+
+  // The search in hand.
+  std::uint32_t m_uSearch = 0;
+  std::vector<std::uint32_t> m_auQueue;
+  CPoint m_Point;
+  std::uint32_t m_uBefore = kNone;      ///< the vertex before an open end
+  std::array<double, 2> m_afWeights{};  ///< of the planes on either side
+  std::vector<CTerm> m_aTerms;
+  std::vector<std::uint32_t> m_auTermAt;  ///< by known height, where one of m_aTerms is its own
+};

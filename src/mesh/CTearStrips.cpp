@@ -1,0 +1,209 @@
+#include "mesh/CTearStrips.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <map>
+#include <queue>
+#include <utility>
+
+namespace {
+
+// Of the step at the tear: how far a strip that would rise above the surface over it stays below. Two surfaces in one
+// place would flicker.
+constexpr double kClear = 1.0 / 64.0;
+// Of a cell: what a strip is wider, as its outer edge is straight within a triangle.
+constexpr double kRim = 0.125;
+
+double Between(const std::array<double, 2>& ends, double share) { return ends[0] + share * (ends[1] - ends[0]); }
+
+CCellPoint Between(const std::array<CCellPoint, 2>& ends, double share) {
+  return {ends[0].x + share * (ends[1].x - ends[0].x), ends[0].y + share * (ends[1].y - ends[0].y)};
+}
+
+}  // namespace
+
+// Of two that a strip reaches the point from, the nearer one; else that which reaches closer.
+bool CTearStrips::CNearest::IsBetterThan(const CNearest& other) const {
+  if (m_uSide == kNone || other.m_uSide == kNone) return other.m_uSide == kNone && m_uSide != kNone;
+  if (Beyond() < 0.0 && other.Beyond() < 0.0) return m_fDistance < other.m_fDistance;
+  return Beyond() < other.Beyond();
+}
+
+CTearStrips::CTearStrips(const CTearPatch& patch, const CTearSides& sides, std::vector<CFarSide> cuts, double width,
+                         const std::array<double, 2>& cell)
+    : m_aSides(std::move(cuts)), m_fWidth(width), m_afCell(cell) {
+  if (m_aSides.empty()) return;
+  CStripMesh mesh(patch, sides, m_aSides, width, cell);
+  LinkSides(mesh.VertexCount());
+  Spread(mesh);
+  Cover(mesh);
+}
+
+// Along a piece the side behind another begins at the copy where that ends.
+void CTearStrips::LinkSides(std::size_t copies) {
+  std::vector<std::uint32_t> from(copies, kNone);
+  for (std::uint32_t s = 0; s < m_aSides.size(); ++s) from[m_aSides[s].m_auNear[0]] = s;
+  m_auBeside.assign(m_aSides.size(), {kNone, kNone});
+  for (std::uint32_t s = 0; s < m_aSides.size(); ++s) {
+    const std::uint32_t behind = from[m_aSides[s].m_auNear[1]];
+    if (behind == kNone) continue;
+    m_auBeside[s][1] = behind;
+    m_auBeside[behind][0] = s;
+  }
+}
+
+// A point to the right of the side belongs to the piece beyond. Where the nearest place is an end that says nothing.
+CTearStrips::CNearest CTearStrips::NearestOn(std::uint32_t side, const CCellPoint& p) const {
+  constexpr double kRounding = 1e-9;
+  const CFarSide& cut = m_aSides[side];
+  const auto [a, b] = cut.m_aEnds;
+  const double dx = (b.x - a.x) * m_afCell[0];
+  const double dy = (b.y - a.y) * m_afCell[1];
+  const double px = (p.x - a.x) * m_afCell[0];
+  const double py = (p.y - a.y) * m_afCell[1];
+  const double square = dx * dx + dy * dy;
+  const double along = (px * dx + py * dy) / square;
+  const double share = std::clamp(along, cut.m_afRange[0], cut.m_afRange[1]);
+  const bool isBeyond = along == share && dx * py - dy * px < -kRounding * square;
+  return {isBeyond ? kNone : side, share, std::hypot(px - share * dx, py - share * dy), Between(cut.m_afWidths, share)};
+}
+
+// From a side on along its piece, as long as that leads nearer.
+CTearStrips::CNearest CTearStrips::NearestAlong(std::uint32_t side, const CCellPoint& p) const {
+  const CNearest first = NearestOn(side, p);
+  CNearest best = first;
+  for (std::size_t way = 0; way < 2; ++way) {
+    double least = first.m_fDistance;
+    for (std::uint32_t s = m_auBeside[side][way]; s != kNone && s != side; s = m_auBeside[s][way]) {
+      const CNearest next = NearestOn(s, p);
+      if (next.m_fDistance > least) break;
+      least = next.m_fDistance;
+      if (next.m_uSide != kNone) best = next;
+    }
+  }
+  return best;
+}
+
+// Positive outside of the strips, which are somewhat wider where they have their full width. A triangle at a corner
+// that no side is nearest to belongs to them up to there.
+double CTearStrips::Outside(const CNearest& nearest) const {
+  if (nearest.m_uSide == kNone) return 1e-3 * m_fWidth;
+  const double cell = std::max(m_afCell[0], m_afCell[1]);
+  const double rim = kRim * std::min(cell, cell * cell / m_fWidth);
+  return nearest.Beyond() - rim * nearest.m_fWidth / m_fWidth;
+}
+
+// From the tears on through their pieces, from a vertex to those with which it shares a triangle.
+void CTearStrips::Spread(const CStripMesh& mesh) {
+  m_aNearest.assign(mesh.VertexCount(), {});
+  using CReached = std::pair<double, std::uint32_t>;
+  std::priority_queue<CReached, std::vector<CReached>, std::greater<>> queue;
+  const auto reach = [&](std::uint32_t v, std::uint32_t side) {
+    const CNearest nearest = NearestAlong(side, mesh.Vertex(v).m_Place);
+    if (!nearest.IsBetterThan(m_aNearest[v])) return;
+    m_aNearest[v] = nearest;
+    if (Outside(nearest) < 0.0) queue.emplace(nearest.m_fDistance, v);
+  };
+  for (std::uint32_t s = 0; s < m_aSides.size(); ++s) {
+    for (std::size_t end = 0; end < 2; ++end) reach(m_aSides[s].m_auNear[end], s);
+    const std::uint32_t split = mesh.SplitOf(m_aSides[s].m_auNear[0], m_aSides[s].m_auNear[1]);
+    if (split != CStripMesh::kNone) reach(split, s);
+  }
+  while (!queue.empty()) {
+    const auto [distance, v] = queue.top();
+    queue.pop();
+    if (distance != m_aNearest[v].m_fDistance) continue;
+    for (const std::uint32_t t : mesh.Around(v)) {
+      for (const std::uint32_t corner : mesh.Triangles()[t]) reach(corner, m_aNearest[v].m_uSide);
+    }
+  }
+}
+
+void CTearStrips::Cover(CStripMesh& mesh) {
+  const std::size_t count = mesh.Triangles().size();
+  for (std::size_t t = 0; t < count; ++t) {
+    const CStripMesh::CCorners corners = mesh.Triangles()[t];
+    const auto isInside = [this](std::uint32_t v) { return Outside(m_aNearest[v]) < 0.0; };
+    if (std::ranges::any_of(corners, isInside)) AddClipped(mesh, corners);
+  }
+  Number(mesh);
+}
+
+// What of a triangle lies inside: all of it, or a corner, or what a corner is cut from.
+void CTearStrips::AddClipped(CStripMesh& mesh, const CStripMesh::CCorners& corners) {
+  std::vector<std::uint32_t> inside;
+  for (std::size_t k = 0; k < corners.size(); ++k) {
+    const std::uint32_t a = corners[k];
+    const std::uint32_t b = corners[(k + 1) % 3];
+    const double from = Outside(m_aNearest[a]);
+    const double to = Outside(m_aNearest[b]);
+    if (from <= 0.0) inside.push_back(a);
+    if (!((from < 0.0 && to > 0.0) || (from > 0.0 && to < 0.0))) continue;
+    std::uint32_t rim = mesh.RimOf(a, b);
+    if (rim == CStripMesh::kNone) {
+      rim = mesh.AddRim(a, b, from / (from - to));
+      const CNearest first = NearestAlong(m_aNearest[from < 0.0 ? a : b].m_uSide, mesh.Vertex(rim).m_Place);
+      m_aNearest.push_back(first.m_uSide != kNone ? first : m_aNearest[from < 0.0 ? a : b]);
+    }
+    inside.push_back(rim);
+  }
+  for (std::size_t k = 2; k < inside.size(); ++k) m_aTriangles.push_back({inside[0], inside[k - 1], inside[k]});
+}
+
+// Leaves out the vertices in no triangle.
+void CTearStrips::Number(const CStripMesh& mesh) {
+  std::vector<std::uint32_t> numbers(mesh.VertexCount(), kNone);
+  for (CStripMesh::CCorners& corners : m_aTriangles) {
+    for (std::uint32_t& v : corners) {
+      std::uint32_t& number = numbers[v];
+      if (number == kNone) {
+        number = static_cast<std::uint32_t>(m_aVertices.size());
+        m_aVertices.push_back({mesh.Vertex(v), m_aNearest[v].m_uSide, m_aNearest[v].m_fShare});
+      }
+      v = number;
+    }
+  }
+  m_aNearest = {};
+}
+
+void CTearStrips::Raise(const CSideHeights& side, std::span<const double> heights,
+                        std::span<const CSideHeights::CPlane> planes, std::span<double> strips) const {
+  for (std::size_t v = 0; v < m_aVertices.size(); ++v) {
+    const CVertex& vertex = m_aVertices[v];
+    const CFarSide& cut = m_aSides[vertex.m_uSide];
+    std::array<double, 2> z{};
+    std::array<double, 2> low{};
+    std::array<double, 2> high{};
+    std::array<double, 2> step{};
+    for (std::size_t end = 0; end < z.size(); ++end) {
+      const CSideHeights::CPlane& plane = planes[side.PlaneOf(cut.m_auFar[end])];
+      z[end] = plane.m_fZ + plane.m_fSlopeX * (vertex.m_Above.m_Place.x - cut.m_aEnds[end].x) +
+               plane.m_fSlopeY * (vertex.m_Above.m_Place.y - cut.m_aEnds[end].y);
+      low[end] = plane.m_fLow;
+      high[end] = plane.m_fHigh;
+      step[end] = heights[cut.m_auNear[end]] - heights[cut.m_auFar[end]];
+    }
+    double above = 0.0;
+    for (std::size_t k = 0; k < vertex.m_Above.m_auCopies.size(); ++k)
+      above += vertex.m_Above.m_afShares[k] * heights[vertex.m_Above.m_auCopies[k]];
+    const double s = vertex.m_fShare;
+    const double continued = std::min(std::max(Between(z, s), Between(low, s)), Between(high, s));
+    strips[v] = std::min(continued, above - kClear * std::max(Between(step, s), 0.0));
+  }
+}
+
+std::uint32_t CTearStrips::JoinedTo(const CVertex& vertex) const {
+  const CFarSide& cut = m_aSides[vertex.m_uSide];
+  for (std::size_t end = 0; end < 2; ++end) {
+    const bool isThere = vertex.m_fShare == static_cast<double>(end) && vertex.m_Above.m_afShares[0] == 1.0 &&
+                         vertex.m_Above.m_auCopies[0] == cut.m_auNear[end];
+    if (isThere) return cut.m_auFar[end];
+  }
+  return kNone;
+}
+
+CCellPoint CTearStrips::PictureOf(const CVertex& vertex) const {
+  const CCellPoint at = Between(m_aSides[vertex.m_uSide].m_aEnds, vertex.m_fShare);
+  return {2.0 * at.x - vertex.m_Above.m_Place.x, 2.0 * at.y - vertex.m_Above.m_Place.y};
+}
