@@ -91,6 +91,10 @@ class CComparison {
     m_Grid.AddHeights(20, 7);
     if (torn) m_Grid.Grid().AddCurve(Circle(), CurveType::kPosition, true);
     for (int tick = 0; tick < 3; ++tick) m_Grid.Grid().UpdateGrid();
+    // The albedo and the relit picture need some.
+    CLightSet lights;
+    lights.m_aLights[CLightSet::kAmbient].m_bActive = true;
+    m_Grid.Grid().Relighting().SetLights(lights, lights);
     m_Photograph.m_Picture = Gradient(1024, 768);
     m_Photograph.m_pJpeg = std::make_shared<const std::string>(JpegOf(m_Photograph.m_Picture));
     std::string name = (fs::temp_directory_path() / "relievo-bench-XXXXXX").string();
