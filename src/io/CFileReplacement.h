@@ -23,6 +23,8 @@ class CFileReplacement {
   CFileReplacement(const CFileReplacement&) = delete;
   CFileReplacement& operator=(const CFileReplacement&) = delete;
 
+  /// The file behind all links that is to be replaced.
+  const std::filesystem::path& Target() const { return m_Target; }
   /// Whether the target may be written and there is room for a file beside it. Nothing may be written otherwise.
   bool IsOpen() const { return m_pFile != nullptr; }
   /// Appends bytes. A failure shows in `Commit`.

@@ -2,16 +2,64 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
+#include <filesystem>
 #include <list>
 #include <string_view>
+#include <system_error>
+#include <utility>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "io/CFileReplacement.h"
+#include "io/RandomName.h"
 
 namespace {
+
+namespace fs = std::filesystem;
 
 CSaveOutcome NotWritten(const CNewFile& file) {
   return {"The file " + file.m_Name + " could not be written. If it existed before, it is unchanged."};
 }
+
+/// What a file was before it was replaced, under a second name beside it until the object goes.
+class COldFile {
+ public:
+  explicit COldFile(fs::path target) : m_Target(std::move(target)) {
+    struct stat present {};
+    m_bExisted = lstat(m_Target.c_str(), &present) == 0;
+    if (!m_bExisted) return;
+    m_Second = m_Target.parent_path() / RandomName();
+    if (link(m_Target.c_str(), m_Second.c_str()) == 0) return;
+    // Some file systems know no second names.
+    std::error_code error;
+    m_bKept = fs::copy_file(m_Target, m_Second, error);
+  }
+  ~COldFile() {
+    if (!m_Second.empty()) unlink(m_Second.c_str());
+  }
+  COldFile(const COldFile&) = delete;
+  COldFile& operator=(const COldFile&) = delete;
+
+  /// Whether it can come back.
+  bool IsKept() const { return m_bKept; }
+  bool Existed() const { return m_bExisted; }
+  /// The file is again what it was.
+  void TakeBack() const {
+    if (m_bExisted) {
+      [[maybe_unused]] const int done = std::rename(m_Second.c_str(), m_Target.c_str());
+    } else {
+      unlink(m_Target.c_str());
+    }
+  }
+
+ private:
+  fs::path m_Target;
+  fs::path m_Second;  ///< empty where there was no file
+  bool m_bExisted = false;
+  bool m_bKept = true;
+};
 
 /// Tells how much of all files is written.
 class CWrittenShare {
@@ -44,6 +92,24 @@ bool WriteInBlocks(std::string_view bytes, CFileReplacement& replacement, CWritt
   return share.Goes();
 }
 
+CSaveOutcome CommitAll(std::span<const CNewFile> files, std::list<CFileReplacement>& replacements) {
+  std::list<COldFile> olds;
+  auto file = files.begin();
+  for (CFileReplacement& replacement : replacements) {
+    // A single one cannot be left half done.
+    const bool kept = files.size() == 1 || olds.emplace_back(replacement.Target()).IsKept();
+    if (!kept || !replacement.Commit()) {
+      // The last one may be in place without being on the disk. Where there was none, what is there now may be
+      // another's.
+      if (!olds.empty() && !(kept && olds.back().Existed())) olds.pop_back();
+      for (const COldFile& old : olds) old.TakeBack();
+      return NotWritten(*file);
+    }
+    ++file;
+  }
+  return {};
+}
+
 }  // namespace
 
 CSaveOutcome Cancelled(const std::string& filename) {
@@ -59,10 +125,5 @@ CSaveOutcome SaveTogether(std::span<const CNewFile> files, const std::function<b
     if (!WriteInBlocks(file.m_Bytes, replacement, share)) return Cancelled(files.back().m_Name);
     if (!replacement.Complete()) return NotWritten(file);
   }
-  auto file = files.begin();
-  for (CFileReplacement& replacement : replacements) {
-    if (!replacement.Commit()) return NotWritten(*file);
-    ++file;
-  }
-  return {};
+  return CommitAll(files, replacements);
 }

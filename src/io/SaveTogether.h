@@ -16,8 +16,7 @@ struct CNewFile {
 CSaveOutcome Cancelled(const std::string& filename);
 
 /// Writes files that belong together: the contents of all are on the disk before the first takes its place, the last
-/// one's last. Where the contents of one cannot be written, the old ones of all stay; a failure after that, which takes
-/// a folder that changes under the program's hands, leaves those in place that came before. `goes` is told the share of
-/// the bytes that are written, now and then before the first file takes its place; its false leaves all as it was, with
-/// an outcome that says so.
+/// one's last. Where one cannot be written or put in place, the old ones of all stay, or come back. `goes` is told the
+/// share of the bytes that are written, now and then before the first file takes its place; its false leaves all as it
+/// was, with an outcome that says so.
 CSaveOutcome SaveTogether(std::span<const CNewFile> files, const std::function<bool(double)>& goes = {});

@@ -3,6 +3,7 @@
 #include <iostream>
 #include <string>
 
+#include "base/CTerminationSignals.h"
 #include "drawing/CCamera.h"
 #include "drawing/CTextures.h"
 #include "drawing/ModelPainter.h"
@@ -18,12 +19,25 @@ namespace {
 
 void Complain(const std::string& text) { std::cerr << "relievo-picture: " << text << '\n'; }
 
+void EndIfAsked(const CTerminationSignals& signals) {
+  const int signal = signals.Take();
+  if (signal == 0) return;
+  CFileReplacement::RemoveUnfinished();
+  CTerminationSignals::EndBy(signal);
+}
+
 bool Save(const std::string& filename, const CPicture& picture) {
   const std::string bytes = PngOf(picture);
+  // Before there is an unfinished file a signal may end the program as it likes.
+  const CTerminationSignals signals;
   CFileReplacement file(filename);
   if (bytes.empty() || !file.IsOpen()) return false;
   file.Write({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});
-  return file.Commit();
+  const bool complete = file.Complete();
+  EndIfAsked(signals);
+  const bool saved = complete && file.Commit();
+  EndIfAsked(signals);
+  return saved;
 }
 
 CCamera CameraOf(const CGrid& grid, const CPictureOptions& options) {

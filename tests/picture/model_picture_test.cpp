@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -199,4 +200,29 @@ TEST_F(ModelPicture, PrintsHelpAndVersion) {
   }
   for (const char* status : {"0", "1", "2", "3", "4", "5"})
     EXPECT_NE(manual.find(std::string(".TP\n.B ") + status + "\n"), std::string::npos) << status;
+}
+
+TEST_F(ModelPicture, LeavesNothingUnfinishedWhereTheFileMayNotGrow) {
+  const std::string limited = "(ulimit -f 1; env -u DISPLAY -u WAYLAND_DISPLAY '" RELIEVO_PICTURE
+                              "' flat.grid --image photo.bmp --turn 20,30 --size 1500x1500 -o limited.png)";
+  EXPECT_EQ(RunIn(m_Directory.Path(), limited), 4) << Bytes("err");
+  EXPECT_FALSE(std::filesystem::exists(Path("limited.png")));
+  for (const std::string& name : m_Directory.Names()) EXPECT_FALSE(name.starts_with(".relievo-")) << name;
+}
+
+TEST_F(ModelPicture, EndsByASignalWithTheWholeFileOrWithout) {
+  // The signal comes as soon as there is an unfinished file, or a moment after it was one.
+  const std::string command = "{ env -u DISPLAY -u WAYLAND_DISPLAY '" RELIEVO_PICTURE
+                              "' flat.grid --image photo.bmp --turn 20,30 --size 1500x1500 -o out.png & program=$!;"
+                              " until ls -A | grep -q '^[.]relievo-' || test -e out.png; do :; done;"
+                              " kill -TERM $program; wait $program; }";
+  for (int k = 0; k < 5; ++k) {
+    std::filesystem::remove(Path("out.png"));
+    const int status = RunIn(m_Directory.Path(), command);
+    EXPECT_TRUE(status == 128 + SIGTERM || status == 0) << status << Bytes("err");
+    if (std::filesystem::exists(Path("out.png"))) {
+      EXPECT_EQ(Result().m_iWidth, 1500);
+    }
+    for (const std::string& name : m_Directory.Names()) EXPECT_FALSE(name.starts_with(".relievo-")) << name;
+  }
 }
