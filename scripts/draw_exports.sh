@@ -32,8 +32,9 @@ draw() {
   convert "$results/drawn.png" "$@" -colors 256 -strip "docs/tutorial/$picture"
 }
 
-build/release/relievo-batch samples/coffee.grid --image samples/coffee.jpg --quiet --high-res --base 5 \
-  --export "$results/cup.glb" --export "$results/cup.stl"
+build/release/relievo-batch samples/coffee.grid --image samples/coffee.jpg --quiet --high-res \
+  --tears under --export "$results/cup.glb"
+build/release/relievo-batch samples/coffee.grid --quiet --high-res --export "$results/cup.stl" --base 5
 # Its lamp leaves textures darker than they are.
 draw "$results/cup.glb" Y -0.6,2.2,1.5 0.03,0.05,0.1 10-glb.png -level 0,62%
 draw "$results/cup.stl" Z -95,-215,195 3,-8,-10 10-solid.png -level 0,85% +dither
