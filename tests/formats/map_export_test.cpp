@@ -154,9 +154,12 @@ TEST_F(MapExport, NormalsAreAPngOfThreeBytes) {
 TEST_F(MapExport, TearsAreOpenWhateverIsAskedFor) {
   Exported("open.tif");
   Exported("open-normal.png");
-  m_Settings.m_Gap = TearGap::Wall;
-  Exported("wall.tif");
-  Exported("wall-normal.png");
-  EXPECT_EQ(BytesOf(File("open.tif")), BytesOf(File("wall.tif")));
-  EXPECT_EQ(BytesOf(File("open-normal.png")), BytesOf(File("wall-normal.png")));
+  for (const TearGap gap : {TearGap::Wall, TearGap::Under}) {
+    m_Settings.m_Gap = gap;
+    m_Settings.m_fUnderWidth = 2;
+    Exported("other.tif");
+    Exported("other-normal.png");
+    EXPECT_EQ(BytesOf(File("open.tif")), BytesOf(File("other.tif")));
+    EXPECT_EQ(BytesOf(File("open-normal.png")), BytesOf(File("other-normal.png")));
+  }
 }
