@@ -28,6 +28,24 @@ struct CPngSource {
   bool m_bEnded = false;  ///< more was wanted than there is
 };
 
+// The bytes up to a chunk that says to be longer than what is left. For a remark, a profile and the like the library
+// would set aside whatever they say, before it looks for the bytes; the end of the pixels may be missing.
+std::string_view UpToLyingChunk(std::string_view bytes) {
+  constexpr std::size_t kSignature = 8;
+  constexpr std::size_t kAround = 12;  // length and name before, checksum behind
+  std::size_t at = kSignature;
+  while (bytes.size() >= at + kAround) {
+    std::size_t length = 0;
+    for (std::size_t k = 0; k < 4; ++k) length = length << 8 | static_cast<unsigned char>(bytes[at + k]);
+    const std::string_view name = bytes.substr(at + 4, 4);
+    const bool fits = length <= bytes.size() - at - kAround;
+    if (!fits) return name == "IDAT" ? bytes : bytes.substr(0, at);
+    if (name == "IEND") break;
+    at += kAround + length;
+  }
+  return bytes;
+}
+
 void Read(png_structp png, png_bytep to, std::size_t length) {
   auto& source = *static_cast<CPngSource*>(png_get_io_ptr(png));
   if (length > source.m_Rest.size()) {
@@ -48,7 +66,7 @@ class CPngReader {
  public:
   explicit CPngReader(std::string_view bytes)
       : m_uSize(bytes.size()),
-        m_Source{bytes},
+        m_Source{UpToLyingChunk(bytes)},
         m_pPng(png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, GiveUp, SayNothing)),
         m_pInfo(m_pPng == nullptr ? nullptr : png_create_info_struct(m_pPng)) {}
   ~CPngReader() { png_destroy_read_struct(&m_pPng, &m_pInfo, nullptr); }

@@ -229,6 +229,10 @@ TEST(LyingHeader, TakesNoMemory) {
     settings.m_bTiled = true;
     EXPECT_LT(PeakOfReading(TiffThatSays(kWidth, kHeight, settings)), kLittle) << "TIFF in tiles " << second;
   }
+  // A remark of 1 GiB in a file of some hundred bytes, between header and pixels.
+  std::string remark = TestPng(Squares(), {});
+  remark.insert(33, std::string("\x3F\0\0\x0AtEXtscale", 13));
+  EXPECT_LT(PeakOfReading(remark), kLittle) << "PNG with a remark";
   std::string webp = TestWebp(Squares(), {});
   // 14 bits each for width and height of a lossless picture, without 1.
   for (std::size_t k = webp.find("VP8L") + 9; k < webp.find("VP8L") + 12; ++k) webp[k] = '\xFF';
