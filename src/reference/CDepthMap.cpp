@@ -94,7 +94,7 @@ std::vector<float> CDepthReading::Filled() const {
         if (std::isnan(filled[n])) next.push_back(n);
       });
     std::ranges::sort(next);
-    next.erase(std::ranges::unique(next).begin(), next.end());
+    next.erase(std::unique(next.begin(), next.end()), next.end());
     means.clear();
     for (const std::size_t k : next) {
       float sum = 0.0F;

@@ -67,7 +67,7 @@ std::vector<CIsoline> FarParts(CIsoline line, const CTakenPlaces& taken) {
   const auto first = std::ranges::find_if(line.m_aPlaces, isNear);
   if (first == line.m_aPlaces.end()) return {std::move(line)};
   // A closed line begins anew where it is cut, so that no part of it lies around its old beginning.
-  if (line.m_bClosed) std::ranges::rotate(line.m_aPlaces, first);
+  if (line.m_bClosed) std::rotate(line.m_aPlaces.begin(), first, line.m_aPlaces.end());
   std::vector<CIsoline> parts(1);
   for (const CPlanePoint& place : line.m_aPlaces) {
     if (!isNear(place)) {

@@ -10,8 +10,10 @@
 #include <gtest/gtest.h>
 
 #include "formats/DepthMapFile.h"
+#include "formats/SurfaceExport.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
+#include "support/GridBuilders.h"
 #include "support/PictureBuilders.h"
 #include "support/PictureEncoders.h"
 
@@ -150,6 +152,28 @@ TEST(DepthMapFileTest, FilesAreReadByTheirContents) {
   EXPECT_EQ(MapValues(ReadDepthMap(file)), (std::vector<float>{1, 2, 3, 4}));
   EXPECT_EQ(ReadDepthMap(scratch.File("none.pfm")).m_Reason, "there is no such file");
   EXPECT_TRUE(ReadDepthMap(scratch.Path().string()).m_Reason.starts_with("this is a folder"));
+}
+
+// A sample for each lattice point; the PNG has whole numbers.
+TEST(DepthMapFileTest, TheProgramsOwnHeightMapsAreRead) {
+  CTestGrid test(4, 4);
+  SetSurface(test.m_Grid, CBump());
+  const CSurface& surface = test.m_Grid.Surface();
+  const CTemporaryDirectory scratch;
+  for (const char* name : {"map.png", "map.tif", "map.pfm"}) {
+    ASSERT_TRUE(ExportSurface(test.m_Grid, scratch.File(name), {})) << name;
+    const CReadDepthMap read = ReadDepthMap(scratch.File(name));
+    ASSERT_TRUE(read) << name << ' ' << read.m_Reason;
+    ASSERT_EQ(read.m_pMap->Width(), 17) << name;
+    const CDepthReading reading(*read.m_pMap, false);
+    for (int row = 0; row < 17; ++row) {
+      for (int column = 0; column < 17; ++column) {
+        const double share =
+            (test.m_Grid.GetHeightAt(column, row) - surface.MinHeight()) / (surface.MaxHeight() - surface.MinHeight());
+        ASSERT_NEAR(reading.At(column, row), 2 * share - 1, 1e-4) << name << ' ' << column << ' ' << row;
+      }
+    }
+  }
 }
 
 TEST(DepthMapFileTest, OtherProportionsAreTold) {
