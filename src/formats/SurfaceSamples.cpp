@@ -22,7 +22,7 @@ struct CCrossing {
 
 template <std::size_t kCount>
 std::array<double, kCount> Blended(const std::array<double, kCount>& a, const std::array<double, kCount>& b, double t) {
-  std::array<double, kCount> blended;
+  std::array<double, kCount> blended{};
   for (std::size_t k = 0; k < kCount; ++k) blended[k] = a[k] + t * (b[k] - a[k]);
   return blended;
 }
@@ -93,8 +93,8 @@ CSampleFrame FrameOf(const CSampleGrid& grid, const CSampleRows& rows) {
 template <std::size_t kCount, typename Put>
 void SampleTriangle(const std::array<CCrossing<kCount>, 3>& corners, const CSampleFrame& frame, const Put& put) {
   const auto [low, high] = std::minmax({corners[0].y, corners[1].y, corners[2].y});
-  const double last = std::min(high, static_cast<double>(frame.m_iRows - 1));
-  for (double row = std::ceil(std::max(low, 0.0)); row <= last; ++row) {
+  const int last = static_cast<int>(std::floor(std::min(high, static_cast<double>(frame.m_iRows - 1))));
+  for (int row = static_cast<int>(std::ceil(std::max(low, 0.0))); row <= last; ++row) {
     CSpan<kCount> span(row);
     for (std::size_t k = 0; k < corners.size(); ++k) span.AddSide(corners[k], corners[(k + 1) % 3]);
     const std::size_t first = static_cast<std::size_t>(row) * static_cast<std::size_t>(frame.m_iWidth);
@@ -137,7 +137,7 @@ CSurfaceSamples Unsampled(const CSampleGrid& grid, const CSampleRows& rows, bool
 
 std::uint8_t ByteOf(double direction) {
   constexpr double kHalf = 127.5;
-  return static_cast<std::uint8_t>(kHalf * direction + kHalf + 0.5);
+  return static_cast<std::uint8_t>(std::lround(kHalf * direction + kHalf));
 }
 
 }  // namespace
