@@ -4,8 +4,11 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "base/CRandom.h"
+#include "insight/CSettler.h"
 #include "model/CCellEdits.h"
 #include "model/CConstraints.h"
 #include "model/CCurveEdits.h"
@@ -63,6 +66,12 @@ class CGrid {
   void PerformPendingWork();
   /// "Reset the grid": random heights below 10 / points, and a rebuild posted.
   void Reset();
+  /// Whether every tick ends with regions that nothing settles in a definite place (see CSettler); off at first.
+  /// Switched on, they are moved there at once, if the system has been built.
+  void SetSettling(bool on);
+  bool IsSettling() const { return m_bSettling; }
+  /// What they are near to instead of each other, where it is not empty (see CSettler::SetReference).
+  void SetSettlingReference(std::vector<double> heights) { m_Settler.SetReference(std::move(heights)); }
 
   /// Surface and system (see CGridBuilder and CSurface; CGrid.cpp).
   void SetDiscMap();
@@ -146,6 +155,7 @@ class CGrid {
   void Dispatch(Operation operation);
   void SwapResolution(bool high, bool transfer);
   void SubdivisionChanged();
+  void Settle();
 
   CSurface m_Surface;
   CWantedSubdivisions m_Wanted;
@@ -154,6 +164,8 @@ class CGrid {
   CRelighting m_Relighting;
   CRandom m_Random;
   CGridSolver m_Solver;
+  CSettler m_Settler;
+  bool m_bSettling = false;
   CGridRun m_Run;
   CGridBuilder m_Builder;
   CEditGate m_Gate;

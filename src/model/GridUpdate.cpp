@@ -106,6 +106,7 @@ void CGrid::UpdateGrid() {
                                            ? CGridSolver::Outcome::TickDone
                                            : m_Solver.Tick(m_Surface.Coefficients(), CGridRun::kIterationsPerTick + 1,
                                                            polling ? std::function<bool()>(poll) : nullptr);
+  if (m_bSettling && !resting) Settle();
   m_Surface.Reconstruct();
   RefreshNormalCstrHeights();
   const bool stopped = outcome == CGridSolver::Outcome::Converged || outcome == CGridSolver::Outcome::GaveUp;
@@ -121,6 +122,22 @@ void CGrid::UpdateGrid() {
   m_Run.Host().ShowIterations(m_Solver.Counter());
   // Not within the rebuild: the host may have the user read a notice.
   if (const int refused = m_Constraints.TakeRefusedCurves(); refused != 0) m_Run.Host().CurvesRefused(refused);
+}
+
+void CGrid::Settle() {
+  // An event within the tick may have put the system out of date.
+  if (m_Solver.Counter() < 0) return;
+  m_Settler.Prepare(m_Surface.Tree(), m_Surface.Order(), m_Solver);
+  m_Settler.Settle(m_Surface.Basis(), m_Surface.Coefficients());
+}
+
+void CGrid::SetSettling(bool on) {
+  m_bSettling = on;
+  if (!on || m_Solver.Counter() < 0) return;
+  Settle();
+  m_Surface.Reconstruct();
+  RefreshNormalCstrHeights();
+  m_Run.Host().RequestRedraw();
 }
 
 void CGrid::Reset() {

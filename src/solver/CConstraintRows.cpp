@@ -56,7 +56,7 @@ bool FindProbes(const CPtCstr& constraint, const CQuadTree& tree, const CInterpo
 void CConstraintRows::Clear() {
   m_Rows.Clear();
   m_afTargets.clear();
-  m_abSlope.clear();
+  m_afSpans.clear();
   m_auBuiltKinds.clear();
 }
 
@@ -85,7 +85,7 @@ bool CConstraintRows::AddPosition(const CPtCstr& constraint, const CInterpolatio
   CStencil stencil;
   if (!FindPlace(constraint, surface, stencil)) return false;
   AppendStencil(stencil, kWeight, surface.Order());
-  EndRow(kWeight * constraint.m_fZ, false);
+  EndRow(kWeight * constraint.m_fZ, 0.0);
   return true;
 }
 
@@ -94,10 +94,10 @@ bool CConstraintRows::AddNormal(const CPtCstr& constraint, const CQuadTree& tree
   if (!FindProbes(constraint, tree, surface, probes)) return false;
   AppendStencil(probes.m_Above, kWeight / probes.m_fHeight, surface.Order());
   AppendStencil(probes.m_Below, -kWeight / probes.m_fHeight, surface.Order());
-  EndRow(kWeight * constraint.m_fQ, true);
+  EndRow(kWeight * constraint.m_fQ, probes.m_fHeight);
   AppendStencil(probes.m_Right, kWeight / probes.m_fWidth, surface.Order());
   AppendStencil(probes.m_Left, -kWeight / probes.m_fWidth, surface.Order());
-  EndRow(kWeight * constraint.m_fP, true);
+  EndRow(kWeight * constraint.m_fP, probes.m_fWidth);
   return true;
 }
 
@@ -108,8 +108,8 @@ void CConstraintRows::AppendStencil(const CStencil& stencil, double factor, cons
   }
 }
 
-void CConstraintRows::EndRow(double target, bool slope) {
+void CConstraintRows::EndRow(double target, double span) {
   m_Rows.EndRow();
-  m_abSlope.push_back(slope);
+  m_afSpans.push_back(span);
   m_afTargets.push_back(target);
 }

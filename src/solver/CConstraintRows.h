@@ -37,17 +37,21 @@ class CConstraintRows {
   /// Right-hand sides d.
   std::span<const double> Targets() const { return m_afTargets; }
   /// Whether row `j` asks for a slope and not for a height.
-  bool IsSlope(std::size_t j) const { return m_abSlope[j]; }
+  bool IsSlope(std::size_t j) const { return m_afSpans[j] > 0.0; }
+  /// Over how many model units row `j` takes its slope, the side of the cell; 0 for a height.
+  double Span(std::size_t j) const { return m_afSpans[j]; }
+  /// Other right-hand sides for the same rows, one each.
+  void SetTargets(std::span<const double> targets) { m_afTargets.assign(targets.begin(), targets.end()); }
 
  private:
   /// Whether rows were made.
   bool AddPosition(const CPtCstr& constraint, const CInterpolation& surface);
   bool AddNormal(const CPtCstr& constraint, const CQuadTree& tree, const CInterpolation& surface);
   void AppendStencil(const CStencil& stencil, double factor, const CPointOrder& order);
-  void EndRow(double target, bool slope);
+  void EndRow(double target, double span);
 
   CCompressedRows m_Rows;
   std::vector<double> m_afTargets;
-  std::vector<bool> m_abSlope;
+  std::vector<double> m_afSpans;
   std::vector<std::uint32_t> m_auBuiltKinds;
 };

@@ -1,6 +1,8 @@
 #include "solver/CEnergyTerms.h"
 
 #include <algorithm>
+#include <cmath>
+#include <iterator>
 
 #include "solver/CCompressedRows.h"
 
@@ -46,12 +48,16 @@ void CEnergyTerms::Clear() {
   m_auFormStart.assign(1, 0);
   m_auUnknowns.clear();
   m_afCoefs.clear();
+  m_aMerged.clear();
 }
 
 void CEnergyTerms::Add(double weight, const CEntry* first, const CEntry* last) {
   m_afWeights.push_back(weight);
   const auto form = static_cast<std::ptrdiff_t>(m_auFormStart.back());
+  const auto given = last - first;
+  double magnitude = 0.0;
   for (; first != last; ++first) {
+    magnitude += std::abs(first->second);
     // Each unknown once: the products of two coefficients then sum in the same order in both triangles of the matrix.
     const auto known = std::find(m_auUnknowns.begin() + form, m_auUnknowns.end(), first->first);
     if (known != m_auUnknowns.end()) {
@@ -62,6 +68,30 @@ void CEnergyTerms::Add(double weight, const CEntry* first, const CEntry* last) {
     }
   }
   m_auFormStart.push_back(static_cast<std::uint32_t>(m_auUnknowns.size()));
+  if (std::ssize(m_auUnknowns) - form < given) m_aMerged.emplace_back(Count() - 1, magnitude);
+}
+
+double CEnergyTerms::Magnitude(std::size_t t) const {
+  using CMerged = std::pair<std::size_t, double>;
+  const auto merged = std::ranges::lower_bound(m_aMerged, t, {}, &CMerged::first);
+  if (merged != m_aMerged.end() && merged->first == t) return merged->second;
+  double sum = 0.0;
+  for (const double coef : Coefs(t)) sum += std::abs(coef);
+  return sum;
+}
+
+CEnergyTerms CEnergyTerms::From(std::size_t first) const {
+  CEnergyTerms rest;
+  std::vector<CEntry> form;
+  for (std::size_t t = first; t < Count(); ++t) {
+    form.clear();
+    for (std::size_t e = 0; e < Coefs(t).size(); ++e) form.emplace_back(Unknowns(t)[e], Coefs(t)[e]);
+    rest.Add(m_afWeights[t], form.data(), form.data() + form.size());
+  }
+  for (const auto& [term, magnitude] : m_aMerged) {
+    if (term >= first) rest.m_aMerged.emplace_back(term - first, magnitude);
+  }
+  return rest;
 }
 
 void CEnergyTerms::Assemble(std::size_t unknowns, CCompressedRows& matrix) const {

@@ -31,6 +31,11 @@ class CEnergyTerms {
   std::span<const double> Coefs(std::size_t term) const {
     return std::span(m_afCoefs).subspan(m_auFormStart[term], m_auFormStart[term + 1] - m_auFormStart[term]);
   }
+  /// The sum of the magnitudes of the coefficients of term `t` as they were added. What an unknown that occurred more
+  /// than once keeps may be next to nothing beside that, and rounding.
+  double Magnitude(std::size_t t) const;
+  /// A copy of the terms from number `first` on.
+  CEnergyTerms From(std::size_t first) const;
 
   /// The matrix H of the energy over `unknowns` unknowns: one row each, every column once, exactly symmetric.
   /// Row by row with an accumulator for one row [Gustavson1978]. Linear in the number of products a_i a_j of all terms.
@@ -41,4 +46,5 @@ class CEnergyTerms {
   std::vector<std::uint32_t> m_auFormStart{0};  ///< by term, and the end
   std::vector<std::uint32_t> m_auUnknowns;      ///< of all forms
   std::vector<double> m_afCoefs;
+  std::vector<std::pair<std::size_t, double>> m_aMerged;  ///< terms in which one did, and their magnitudes
 };

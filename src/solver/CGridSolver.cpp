@@ -11,7 +11,6 @@
 #include "lattice/CLattice.h"
 #include "quadtree/CPointOrder.h"
 #include "quadtree/Interpolation.h"
-#include "solver/CEnergyTerms.h"
 #include "solver/CurveTerms.h"
 #include "solver/GridTerms.h"
 
@@ -72,6 +71,15 @@ bool AllFinite(std::span<const double> values) {
 
 }  // namespace
 
+CGridSolver::CGridSolver(const CGridSolver& other, const CHierarchicalBasis& basis, CRandom& random,
+                         std::span<const double> targets)
+    : m_System(basis), m_Scaled(other.m_Scaled, m_System), m_pRandom(&random), m_iCounter(0) {
+  m_System.Smoothness() = other.m_System.Smoothness();
+  m_System.Constraints() = other.m_System.Constraints();
+  m_System.Constraints().SetTargets(targets);
+  m_iRetriesLeft = kRetriesPerEdit;
+}
+
 void CGridSolver::RequestRebuild() {
   m_iCounter = -1;
   m_bVectorsValid = false;
@@ -91,7 +99,9 @@ void CGridSolver::Assemble(CQuadTree& tree, const CInterpolation& surface, const
     m_Rest.Clear();
     if (!restValues.empty()) m_Rest.Collect(terms, restValues);
     SetRestShape({});
+    const std::size_t ofGrid = terms.Count();
     AddCurveTerms(curves, tree, surface, terms);
+    m_CurveTerms = terms.From(ofGrid);
     terms.Assemble(surface.Order().Count(), matrix);
   }
   m_Scaled.SetSmoothness(std::move(matrix));

@@ -7,6 +7,7 @@
 #include "base/CRandom.h"
 #include "solver/CConjugateResidual.h"
 #include "solver/CConstraintSystem.h"
+#include "solver/CEnergyTerms.h"
 #include "solver/CHierarchicalBasis.h"
 #include "solver/CRestForces.h"
 #include "solver/CScaledSystem.h"
@@ -34,6 +35,13 @@ class CGridSolver {
 
   /// Both must outlive the solver.
   CGridSolver(const CHierarchicalBasis& basis, CRandom& random) : m_System(basis), m_pRandom(&random) {}
+  /// For the system of another solver, which must have been built, with other right-hand sides, one per row. `basis` is
+  /// equal to that of the other; the iteration starts afresh.
+  CGridSolver(const CGridSolver& other, const CHierarchicalBasis& basis, CRandom& random,
+              std::span<const double> targets);
+  CGridSolver(const CGridSolver&) = delete;
+  CGridSolver& operator=(const CGridSolver&) = delete;
+  ~CGridSolver() = default;
 
   /// Iterations since the last restart; 0 where one is due, below 0 where a rebuild is.
   int Counter() const { return m_iCounter; }
@@ -79,6 +87,8 @@ class CGridSolver {
   /// The system as it was built last, and its multipliers, one per row of the constraints.
   const CConstraintSystem& System() const { return m_System; }
   std::span<const double> Multipliers() const { return m_afMultipliers; }
+  /// Those terms of its smoothness that fairness curves bring, over scan positions.
+  const CEnergyTerms& CurveTerms() const { return m_CurveTerms; }
 
  private:
   void Start(std::span<const double> x, const CSolverState* resumed = nullptr);
@@ -100,6 +110,7 @@ class CGridSolver {
   CConstraintSystem m_System;
   CRestForces m_Rest;
   CRestShape m_RestShape;
+  CEnergyTerms m_CurveTerms;
   CScaledSystem m_Scaled{m_System};
   CConjugateResidual m_Residual;
   std::vector<double> m_afMultipliers;  ///< one per constraint row

@@ -34,6 +34,8 @@ class CScaledSystem {
  public:
   /// The system must outlive this view of it.
   explicit CScaledSystem(CConstraintSystem& system) : m_pSystem(&system) {}
+  /// The scale of another view, for a system with the same basis, smoothness and rows.
+  CScaledSystem(const CScaledSystem& other, CConstraintSystem& system) : CScaledSystem(other) { m_pSystem = &system; }
 
   /// N, M and N + M, as of the system.
   std::size_t UnknownCount() const { return m_pSystem->UnknownCount(); }

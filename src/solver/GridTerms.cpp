@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <initializer_list>
+#include <span>
 #include <vector>
 
 #include "lattice/CLattice.h"
@@ -27,9 +29,10 @@ struct CPointSurroundings {
 
 // Builds the terms point after point in scan order, so that points with like surroundings get like rows, entry for
 // entry.
+template <typename Terms>
 class CGridTermsBuilder {
  public:
-  CGridTermsBuilder(CQuadTree& tree, const CPointOrder& order, CEnergyTerms& terms)
+  CGridTermsBuilder(const CQuadTree& tree, const CPointOrder& order, Terms& terms)
       : m_pTree(&tree), m_pOrder(&order), m_pTerms(&terms), m_aPoints(order.Count()) {}
 
   void SurveyLeaves();
@@ -46,29 +49,36 @@ class CGridTermsBuilder {
   void AddSecondDifference(std::int32_t before, std::uint32_t here, std::int32_t after, double h1, double h2,
                            double area);
 
-  CQuadTree* m_pTree;
+  const CQuadTree* m_pTree;
   const CPointOrder* m_pOrder;
-  CEnergyTerms* m_pTerms;
+  Terms* m_pTerms;
   std::vector<CPointSurroundings> m_aPoints;
 };
 
-// One pass over the leaves: who is joined to whom, which leaf stands where, and the area around every point.
-void CGridTermsBuilder::SurveyLeaves() {
-  CLattice& lattice = m_pTree->Lattice();
+// The area around every point.
+void MeasureAreas(CQuadTree& tree) {
+  CLattice& lattice = tree.Lattice();
   std::ranges::fill(lattice.Smoothness(), 0.0);
-  for (const CLeaf& leaf : m_pTree->Leaves()) {
+  for (const CLeaf& leaf : tree.Leaves()) {
     const CQuadT& cell = *leaf.m_pCell;
     const double cx = (cell.X0() + cell.X1()) / 2.0;
     const double cy = (cell.Y0() + cell.Y1()) / 2.0;
-    for (int side = 0; side < 4; ++side) {
-      Join(cell.Edge(side));
-      cell.Edge(side).AddAreaTerm(cx, cy, lattice);
-    }
+    for (int side = 0; side < 4; ++side) cell.Edge(side).AddAreaTerm(cx, cy, lattice);
+  }
+}
+
+// One pass over the leaves: who is joined to whom, and which leaf stands where.
+template <typename Terms>
+void CGridTermsBuilder<Terms>::SurveyLeaves() {
+  for (const CLeaf& leaf : m_pTree->Leaves()) {
+    const CQuadT& cell = *leaf.m_pCell;
+    for (int side = 0; side < 4; ++side) Join(cell.Edge(side));
     m_aPoints[static_cast<std::size_t>(ScanAt(cell.X0(), cell.Y0()))].m_pCell = &cell;
   }
 }
 
-void CGridTermsBuilder::Join(const CEdge& edge) {
+template <typename Terms>
+void CGridTermsBuilder<Terms>::Join(const CEdge& edge) {
   if (!edge.IsLeaf()) {
     Join(edge.Half(0));
     Join(edge.Half(1));
@@ -83,7 +93,8 @@ void CGridTermsBuilder::Join(const CEdge& edge) {
   (edge.IsHorizontal() ? atB.m_iLeft : atB.m_iBelow) = a;
 }
 
-void CGridTermsBuilder::AddTerms() {
+template <typename Terms>
+void CGridTermsBuilder<Terms>::AddTerms() {
   for (std::uint32_t position = 0; position < m_aPoints.size(); ++position) {
     const CQuadT* cell = m_aPoints[position].m_pCell;
     if (cell != nullptr && !cell->HasFlag(CellFlag::kMarkable)) AddTwist(*cell);
@@ -92,7 +103,8 @@ void CGridTermsBuilder::AddTerms() {
 }
 
 // z00 + z11 - z10 - z01, model units: z_xy times the area of the cell, which is in the weight.
-void CGridTermsBuilder::AddTwist(const CQuadT& cell) {
+template <typename Terms>
+void CGridTermsBuilder<Terms>::AddTwist(const CQuadT& cell) {
   const auto corner = [this](int column, int row) { return static_cast<std::uint32_t>(ScanAt(column, row)); };
   m_pTerms->Add(MixedDifferenceWeight(cell, m_pTree->Lattice()), {{corner(cell.X0(), cell.Y0()), 1.0},
                                                                   {corner(cell.X1(), cell.Y1()), 1.0},
@@ -100,7 +112,8 @@ void CGridTermsBuilder::AddTwist(const CQuadT& cell) {
                                                                   {corner(cell.X0(), cell.Y1()), -1.0}});
 }
 
-void CGridTermsBuilder::AddSecondDifferences(std::uint32_t position) {
+template <typename Terms>
+void CGridTermsBuilder<Terms>::AddSecondDifferences(std::uint32_t position) {
   const CLattice& lattice = m_pTree->Lattice();
   const CPointSurroundings& p = m_aPoints[position];
   const std::uint32_t point = m_pOrder->PointAtScan(position);
@@ -126,12 +139,35 @@ void CGridTermsBuilder::AddSecondDifferences(std::uint32_t position) {
 // The squared second difference on the points before, here and after, h1 and h2 model units apart. With
 // z'' = ((z_after - z_here) / h2 - (z_here - z_before) / h1) / ((h1 + h2) / 2) the form is z'' times h1 h2
 // (h1 + h2) / 2.
-void CGridTermsBuilder::AddSecondDifference(std::int32_t before, std::uint32_t here, std::int32_t after, double h1,
-                                            double h2, double area) {
+template <typename Terms>
+void CGridTermsBuilder<Terms>::AddSecondDifference(std::int32_t before, std::uint32_t here, std::int32_t after,
+                                                   double h1, double h2, double area) {
   m_pTerms->Add(
       SecondDifferenceWeight(h1, h2, area),
       {{static_cast<std::uint32_t>(after), h1}, {here, -(h1 + h2)}, {static_cast<std::uint32_t>(before), h2}});
 }
+
+// Where the energy of each term sits: that of a second difference at its middle point, that of a mixed difference at
+// the four corners alike.
+class CEnergyShares {
+ public:
+  CEnergyShares(std::span<const double> heights, std::span<double> shares) : m_afHeights(heights), m_afShares(shares) {}
+
+  void Add(double weight, std::initializer_list<CEnergyTerms::CEntry> form) {
+    double value = 0.0;
+    for (const auto& [position, coef] : form) value += coef * m_afHeights[position];
+    const double energy = weight * value * value / 2;
+    if (form.size() == 3) {
+      m_afShares[form.begin()[1].first] += energy;
+    } else {
+      for (const auto& [position, coef] : form) m_afShares[position] += energy / static_cast<double>(form.size());
+    }
+  }
+
+ private:
+  std::span<const double> m_afHeights;
+  std::span<double> m_afShares;
+};
 
 }  // namespace
 
@@ -149,7 +185,17 @@ double MixedDifferenceWeight(const CQuadT& leaf, const CLattice& lattice) {
 }
 
 void AddGridTerms(CQuadTree& tree, const CPointOrder& order, CEnergyTerms& terms) {
+  MeasureAreas(tree);
   CGridTermsBuilder builder(tree, order, terms);
   builder.SurveyLeaves();
   builder.AddTerms();
+}
+
+std::vector<double> GridEnergyShares(const CQuadTree& tree, const CPointOrder& order, std::span<const double> heights) {
+  std::vector<double> shares(order.Count(), 0.0);
+  CEnergyShares terms(heights, shares);
+  CGridTermsBuilder builder(tree, order, terms);
+  builder.SurveyLeaves();
+  builder.AddTerms();
+  return shares;
 }

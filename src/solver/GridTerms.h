@@ -1,5 +1,8 @@
 #pragma once
 
+#include <span>
+#include <vector>
+
 class CEnergyTerms;
 class CLattice;
 class CPointOrder;
@@ -23,3 +26,9 @@ double MixedDifferenceWeight(const CQuadT& leaf, const CLattice& lattice);
 /// both areas are divided by 16. It is the energy of a thin plate [Duchon1977] but for the mixed term, which counts
 /// once here and twice there. Linear in the number of active leaves.
 void AddGridTerms(CQuadTree& tree, const CPointOrder& order, CEnergyTerms& terms);
+
+/// The energy of those terms on a surface, half of the weighted squares, by the point where each sits: a second
+/// difference at its middle point, a mixed difference in equal parts at the corners of its cell. `heights` and the
+/// answer are by scan position. The system must have been assembled for the present subdivision, whose leaves are
+/// listed.
+std::vector<double> GridEnergyShares(const CQuadTree& tree, const CPointOrder& order, std::span<const double> heights);

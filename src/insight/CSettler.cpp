@@ -1,0 +1,254 @@
+#include "insight/CSettler.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "insight/PlacingOrder.h"
+#include "quadtree/CPointOrder.h"
+#include "quadtree/CQuadTree.h"
+#include "solver/CGridSolver.h"
+#include "solver/CHierarchicalBasis.h"
+
+namespace {
+
+// Of the mean squared slope over the squared diagonal, against the mean squared difference across a tear. Where a tear
+// is one straight line it decides the tilt across that line; more, and regions would be level that should follow.
+constexpr double kSteepness = 1e-4;
+
+// Directions that what is minimised makes less of than this share of the usual are open. Rounding makes 1e-15 of it.
+constexpr double kOpen = 1e-10;
+
+CExtent BoxAround(const CFreedom& freedom, const CFreeGroup& group) {
+  CExtent box = freedom.Pieces()[group.m_auPieces.front()].m_Box;
+  for (const std::uint32_t piece : group.m_auPieces) {
+    const CExtent& other = freedom.Pieces()[piece].m_Box;
+    box = {std::min(box.x0, other.x0), std::max(box.x1, other.x1), std::min(box.y0, other.y0),
+           std::max(box.y1, other.y1)};
+  }
+  return box;
+}
+
+void AddScaled(double factor, const CSmallMatrix& from, CSmallMatrix& to) {
+  for (std::size_t i = 0; i < to.Rows(); ++i) {
+    for (std::size_t j = 0; j < to.Columns(); ++j) to.At(i, j) += factor * from.At(i, j);
+  }
+}
+
+CSmallMatrix Product(const CSmallMatrix& a, const CSmallMatrix& b) {
+  CSmallMatrix product(a.Rows(), b.Columns());
+  for (std::size_t j = 0; j < b.Columns(); ++j) a.Times(b.Column(j), product.Column(j));
+  return product;
+}
+
+// Adds the square of a form of the step, given by what each direction makes of it.
+template <typename Form>
+void AddSquare(double weight, const Form& form, CSmallMatrix& square) {
+  for (std::size_t i = 0; i < square.Rows(); ++i) {
+    for (std::size_t j = 0; j < square.Columns(); ++j) square.At(i, j) += weight * form(i) * form(j);
+  }
+}
+
+}  // namespace
+
+bool CSettler::IsPrepared(const CQuadTree& tree, const CGridSolver& solver) const {
+  return m_uTreeRevision == tree.Revision() && m_afHeights.size() == solver.System().UnknownCount() &&
+         m_Rows == solver.System().Constraints().Rows();
+}
+
+void CSettler::Prepare(const CQuadTree& tree, const CPointOrder& order, const CGridSolver& solver) {
+  if (IsPrepared(tree, solver)) return;
+  const CConstraintRows& rows = solver.System().Constraints();
+  m_uTreeRevision = tree.Revision();
+  m_Rows = rows.Rows();
+  m_Freedom.Build(tree, order, rows, solver.CurveTerms());
+  m_auPlaceInGroup.assign(m_Freedom.Pieces().Count(), 0);
+  for (const CFreeGroup& group : m_Freedom.Groups()) {
+    for (std::size_t k = 0; k < group.m_auPieces.size(); ++k) m_auPlaceInGroup[group.m_auPieces[k]] = k;
+  }
+  AddSteps(RanksOfPieces(m_Freedom));
+  AddSlopes(tree, order);
+  for (CStep& step : m_aSteps) FormMatrices(step);
+  for (std::vector<double>* values : {&m_afHeights, &m_afMoves, &m_afCoefs}) values->assign(order.Count(), 0.0);
+}
+
+void CSettler::AddSteps(std::span<const std::uint32_t> ranks) {
+  const CPieces& pieces = m_Freedom.Pieces();
+  m_aSteps.clear();
+  for (std::size_t g = 0; g < m_Freedom.Groups().size(); ++g) {
+    const std::size_t directions = m_Freedom.Groups()[g].DirectionCount();
+    m_aSteps.emplace_back().m_uGroup = g;
+    for (std::vector<double>* values :
+         {&m_aSteps.back().m_afGradient, &m_aSteps.back().m_afOfEdges, &m_aSteps.back().m_afStep})
+      values->assign(directions, 0.0);
+  }
+  const auto rankOf = [&](const CStep& step) {
+    std::uint32_t rank = kNotPlaced;
+    for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) rank = std::min(rank, ranks[piece]);
+    return rank;
+  };
+  std::ranges::sort(m_aSteps, {}, rankOf);
+  // Which step a piece belongs to, none for what is settled.
+  std::vector<CStep*> stepOf(pieces.Count(), nullptr);
+  for (CStep& step : m_aSteps) {
+    for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) stepOf[piece] = &step;
+  }
+  for (const CPieces::CJoint& cut : pieces.Cuts()) {
+    const std::uint32_t a = pieces.PieceAt(cut.m_uA);
+    const std::uint32_t b = pieces.PieceAt(cut.m_uB);
+    if (ranks[a] == kNotPlaced || ranks[b] == kNotPlaced || ranks[a] == ranks[b]) continue;
+    CStep* later = stepOf[ranks[a] > ranks[b] ? a : b];
+    later->m_aEdges.push_back(ranks[a] > ranks[b] ? cut : CPieces::CJoint{cut.m_uB, cut.m_uA});
+  }
+}
+
+void CSettler::AddSlopes(const CQuadTree& tree, const CPointOrder& order) {
+  if (m_aSteps.empty()) return;
+  const CPieces& pieces = m_Freedom.Pieces();
+  std::vector<CStep*> stepOf(pieces.Count(), nullptr);
+  for (CStep& step : m_aSteps) {
+    for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) {
+      stepOf[piece] = &step;
+      step.m_fArea += pieces[piece].m_fArea;
+    }
+  }
+  CPieces::ForEachSlope(tree, order, [&](const CPieces::CSlope& slope) {
+    CStep* step = stepOf[pieces.PieceAt(slope.m_Ends.m_uA)];
+    if (step != nullptr) step->m_aSlopes.push_back(slope);
+  });
+}
+
+const CPlane& CSettler::PlaneOf(const CStep& step, std::size_t direction, std::uint32_t point) const {
+  const std::size_t place = m_auPlaceInGroup[m_Freedom.Pieces().PieceAt(point)];
+  return m_Freedom.Groups()[step.m_uGroup].PlaneOf(direction, place);
+}
+
+double CSettler::SlopeOf(const CStep& step, std::size_t direction, const CPieces::CSlope& slope) const {
+  const CPlane& plane = PlaneOf(step, direction, slope.m_Ends.m_uA);
+  return slope.m_bAlongX ? plane.m_fP : plane.m_fQ;
+}
+
+void CSettler::FormMatrices(CStep& step) const {
+  const CFreeGroup& group = m_Freedom.Groups()[step.m_uGroup];
+  const std::size_t n = group.DirectionCount();
+  CSmallMatrix level(n, n);
+  for (const std::uint32_t piece : group.m_auPieces) {
+    const CPieces::CPiece& of = m_Freedom.Pieces()[piece];
+    const std::size_t k = m_auPlaceInGroup[piece];
+    AddSquare(
+        of.m_fAlongX / step.m_fArea, [&](std::size_t d) { return group.PlaneOf(d, k).m_fP; }, level);
+    AddSquare(
+        of.m_fAlongY / step.m_fArea, [&](std::size_t d) { return group.PlaneOf(d, k).m_fQ; }, level);
+  }
+  step.m_Near = CSmallMatrix(n, n);
+  const double share = 1.0 / static_cast<double>(std::max<std::size_t>(step.m_aEdges.size(), 1));
+  for (const CPieces::CJoint& edge : step.m_aEdges) {
+    const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(edge.m_uA);
+    AddSquare(
+        share, [&](std::size_t d) { return PlaneOf(step, d, edge.m_uA).At(place); }, step.m_Near);
+  }
+  const CExtent box = BoxAround(m_Freedom, group);
+  const double diagonal = std::hypot(box.x1 - box.x0, box.y1 - box.y0);
+  step.m_fSteepness = group.m_bFollowsAnyPlane ? kSteepness * diagonal * diagonal : 0.0;
+  step.m_Refine = CSmallMatrix(n, n);
+  if (group.m_bFollowsAnyPlane) {
+    CSmallMatrix both = step.m_Near;
+    AddScaled(step.m_fSteepness, level, both);
+    // Without an edge to go by it stays.
+    step.m_Choose = step.m_aEdges.empty() ? CSmallMatrix(n, n) : PseudoInverse(both, kOpen);
+  } else {
+    step.m_Choose = PseudoInverse(level, kOpen / (diagonal * diagonal));
+    CSmallMatrix open(n, n);
+    for (std::size_t k = 0; k < n; ++k) open.At(k, k) = 1.0;
+    AddScaled(-1.0, Product(step.m_Choose, level), open);
+    step.m_Refine = PseudoInverse(Product(open, Product(step.m_Near, open)), kOpen);
+  }
+  FormFollowing(step);
+}
+
+void CSettler::FormFollowing(CStep& step) const {
+  const CFreeGroup& group = m_Freedom.Groups()[step.m_uGroup];
+  const std::size_t n = group.DirectionCount();
+  CSmallMatrix squares(n, n);
+  std::size_t points = 0;
+  for (const std::uint32_t piece : group.m_auPieces) {
+    for (const std::uint32_t point : m_Freedom.Pieces().PointsOf(piece)) {
+      const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(point);
+      AddSquare(
+          1.0, [&](std::size_t d) { return PlaneOf(step, d, point).At(place); }, squares);
+      ++points;
+    }
+  }
+  step.m_Follow = PseudoInverse(squares, kOpen * static_cast<double>(points));
+}
+
+void CSettler::FindStep(CStep& step) const {
+  const std::size_t n = step.m_afStep.size();
+  std::ranges::fill(step.m_afGradient, 0.0);
+  std::ranges::fill(step.m_afOfEdges, 0.0);
+  for (const CPieces::CSlope& slope : step.m_aSlopes) {
+    const double rise = m_afHeights[slope.m_Ends.m_uB] - m_afHeights[slope.m_Ends.m_uA];
+    const double weighted = slope.m_fArea / step.m_fArea * rise / slope.m_fLength;
+    for (std::size_t d = 0; d < n; ++d) step.m_afGradient[d] += weighted * SlopeOf(step, d, slope);
+  }
+  const double share = 1.0 / static_cast<double>(std::max<std::size_t>(step.m_aEdges.size(), 1));
+  for (const CPieces::CJoint& edge : step.m_aEdges) {
+    const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(edge.m_uA);
+    const double difference = share * (m_afHeights[edge.m_uA] - m_afHeights[edge.m_uB]);
+    for (std::size_t d = 0; d < n; ++d) step.m_afOfEdges[d] += difference * PlaneOf(step, d, edge.m_uA).At(place);
+  }
+  if (step.m_fSteepness > 0.0) {
+    for (std::size_t d = 0; d < n; ++d)
+      step.m_afGradient[d] = step.m_fSteepness * step.m_afGradient[d] + step.m_afOfEdges[d];
+    step.m_Choose.Times(step.m_afGradient, step.m_afStep);
+    return;
+  }
+  // The step is subtracted, and so is what it does to the edges.
+  step.m_Choose.Times(step.m_afGradient, step.m_afStep);
+  step.m_Near.Times(step.m_afStep, step.m_afGradient);
+  for (std::size_t d = 0; d < n; ++d) step.m_afOfEdges[d] -= step.m_afGradient[d];
+  step.m_Refine.AddTimes(step.m_afOfEdges, step.m_afStep);
+}
+
+void CSettler::FindStepToReference(CStep& step) const {
+  std::ranges::fill(step.m_afGradient, 0.0);
+  for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) {
+    for (const std::uint32_t point : m_Freedom.Pieces().PointsOf(piece)) {
+      const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(point);
+      const double difference = m_afHeights[point] - m_afReference[point];
+      for (std::size_t d = 0; d < step.m_afStep.size(); ++d)
+        step.m_afGradient[d] += difference * PlaneOf(step, d, point).At(place);
+    }
+  }
+  step.m_Follow.Times(step.m_afGradient, step.m_afStep);
+}
+
+void CSettler::Take(const CStep& step) {
+  for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) {
+    for (const std::uint32_t point : m_Freedom.Pieces().PointsOf(piece)) {
+      const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(point);
+      double move = 0.0;
+      for (std::size_t d = 0; d < step.m_afStep.size(); ++d)
+        move -= step.m_afStep[d] * PlaneOf(step, d, point).At(place);
+      m_afMoves[point] += move;
+      m_afHeights[point] += move;
+    }
+  }
+}
+
+void CSettler::Settle(const CHierarchicalBasis& basis, std::span<double> x) {
+  if (m_aSteps.empty()) return;
+  basis.invW(x, m_afHeights);
+  std::ranges::fill(m_afMoves, 0.0);
+  const bool follows = m_afReference.size() == m_afHeights.size();
+  for (CStep& step : m_aSteps) {
+    if (follows) {
+      FindStepToReference(step);
+    } else {
+      FindStep(step);
+    }
+    const bool finite = std::ranges::all_of(step.m_afStep, [](double value) { return std::isfinite(value); });
+    if (finite) Take(step);
+  }
+  basis.W(m_afMoves, m_afCoefs);
+  for (std::size_t k = 0; k < x.size(); ++k) x[k] += m_afCoefs[k];
+}

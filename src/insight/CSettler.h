@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "insight/CFreedom.h"
+#include "insight/SmallMatrix.h"
+#include "solver/CCompressedRows.h"
+
+class CGridSolver;
+class CHierarchicalBasis;
+
+/// Gives regions whose heights nothing settles a definite place, by moving the coefficients along their free
+/// directions, which neither the energy nor a constraint notices.
+///
+/// A region that no row acts on takes the plane for which the mean of (z_u - z_v)^2 over the cut leaf edges between it
+/// (u) and what is placed before it (v), plus 1e-4 d^2 times the mean of |grad z|^2 over it, is least, d being the
+/// diagonal of its box; it stays where there is no such edge. Placed are the regions that are settled, or, where none
+/// is, the one with most points; the others follow in the order of the number of tears between, the larger first. A
+/// region that something holds in part takes the plane with the least mean of |grad z|^2; where that leaves its offset
+/// open, the edges choose it, too. With a reference all of them take the plane nearest to that. What curves join is
+/// placed as one.
+class CSettler {
+ public:
+  /// Finds out what can move in the system that the solver has built last, unless it knows already. Its numbering is
+  /// `order`, in the subdivision of `tree`, whose leaves must have been listed.
+  void Prepare(const CQuadTree& tree, const CPointOrder& order, const CGridSolver& solver);
+  /// Heights by point that all free planes are to be near to, in the sum of squares, such as a scaled reference depth;
+  /// none where empty, or for another number of points than there are.
+  void SetReference(std::vector<double> heights) { m_afReference = std::move(heights); }
+  /// Moves the coefficients `x`, which belong to `basis`. Allocates nothing. Those of regions that are settled keep
+  /// every bit unless the basis predicts across tears.
+  void Settle(const CHierarchicalBasis& basis, std::span<double> x);
+  /// Whether there is anything to be moved.
+  bool IsNeeded() const { return !m_aSteps.empty(); }
+  /// What was found out.
+  const CFreedom& Freedom() const { return m_Freedom; }
+
+ private:
+  /// One group of pieces that is placed, after those it refers to. Matrices are over its directions.
+  struct CStep {
+    std::size_t m_uGroup;
+    std::vector<CPieces::CJoint> m_aEdges;  ///< from the group to what is placed before it
+    std::vector<CPieces::CSlope> m_aSlopes;
+    double m_fArea = 0.0;
+    double m_fSteepness = 0.0;  ///< factor of the mean of |grad z|^2; 0 where that is minimised first
+    CSmallMatrix m_Near;        ///< what a step makes of the mean squared difference across the edges
+    // From half the gradient of what is minimised to the step that is taken against it:
+    CSmallMatrix m_Choose;  ///< of edges and slopes together or, where slopes come first, of slopes...
+    CSmallMatrix m_Refine;  ///< ...and then of edges, within what slopes leave open
+    CSmallMatrix m_Follow;  ///< of the squared distance from the reference
+    // Work space of a tick.
+    std::vector<double> m_afGradient;
+    std::vector<double> m_afOfEdges;
+    std::vector<double> m_afStep;
+  };
+
+  bool IsPrepared(const CQuadTree& tree, const CGridSolver& solver) const;
+  void AddSteps(std::span<const std::uint32_t> ranks);
+  void AddSlopes(const CQuadTree& tree, const CPointOrder& order);
+  void FormMatrices(CStep& step) const;
+  void FormFollowing(CStep& step) const;
+  const CPlane& PlaneOf(const CStep& step, std::size_t direction, std::uint32_t point) const;
+  double SlopeOf(const CStep& step, std::size_t direction, const CPieces::CSlope& slope) const;
+  void FindStep(CStep& step) const;
+  void FindStepToReference(CStep& step) const;
+  void Take(const CStep& step);
+
+  CFreedom m_Freedom;
+  std::vector<CStep> m_aSteps;
+  std::vector<std::size_t> m_auPlaceInGroup;  ///< by piece of a group
+  std::vector<double> m_afReference;
+  // What it was prepared for.
+  std::uint64_t m_uTreeRevision = 0;
+  CCompressedRows m_Rows;
+  // Work space, by point.
+  std::vector<double> m_afHeights;
+  std::vector<double> m_afMoves;
+  std::vector<double> m_afCoefs;
+};
