@@ -169,6 +169,7 @@ void CConstraints::RefreshCurves() {
 void CConstraints::Generate() {
   Console() << "CGrid::UpdateConstraintsFormCurves\n";
   m_Generated.clear();
+  m_auGeneratedEnd.clear();
   m_iRefusedCurves = 0;
   for (const CCntrCtrl& curve : m_Curves) {
     if (static_cast<double>(m_Generated.size()) + curve.GeneratedCount() > CCntrCtrl::kMostGenerated) {
@@ -176,8 +177,13 @@ void CConstraints::Generate() {
     } else {
       curve.AddAutoBumpConstraints(m_Generated);
     }
+    m_auGeneratedEnd.push_back(m_Generated.size());
   }
   m_iToldCurves = std::min(m_iToldCurves, m_iRefusedCurves);
+}
+
+std::size_t CConstraints::CurveOfGenerated(std::size_t j) const {
+  return static_cast<std::size_t>(std::ranges::upper_bound(m_auGeneratedEnd, j) - m_auGeneratedEnd.begin());
 }
 
 int CConstraints::TakeRefusedCurves() {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <vector>
+
 #include "constraints/CCntrCtrlList.h"
 #include "constraints/CPendingCurve.h"
 #include "constraints/CPtCstrList.h"
@@ -28,6 +31,8 @@ class CConstraints {
   const CPendingCurve& PendingCurve() const { return m_PendingCurve; }
   CPtCstrList& Generated() { return m_Generated; }
   const CPtCstrList& Generated() const { return m_Generated; }
+  /// The number, in the list as it was then, of the curve that has generated number `j` of them.
+  std::size_t CurveOfGenerated(std::size_t j) const;
   CListHeaders& Headers() { return m_Headers; }
   const CListHeaders& Headers() const { return m_Headers; }
   /// Copies everything that a sketch holds of constraints into one.
@@ -85,6 +90,7 @@ class CConstraints {
   const CSurface& m_Surface;
   CPtCstrList m_Points;
   CPtCstrList m_Generated;
+  std::vector<std::size_t> m_auGeneratedEnd;  ///< by curve: how many there are up to its last one
   CCntrCtrlList m_Curves;
   int m_iRefusedCurves = 0;  ///< whose constraints would have been too many
   int m_iToldCurves = 0;     ///< and how many of them the user knows of

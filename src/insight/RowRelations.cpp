@@ -1,0 +1,216 @@
+#include "insight/RowRelations.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <queue>
+#include <utility>
+
+#include "solver/CConstraintRows.h"
+
+namespace {
+
+// Of the largest entry: below it a combination of rows is 0.
+constexpr double kVanishes = 1e-8;
+// Of the largest entry: what is left of a row that may depend on those before it. A combination with factors that large
+// is looked at closely, no other.
+constexpr double kSuspicious = 1e-4;
+// Rows with less than this share of the largest factor have no say in a relation.
+constexpr double kNamed = 0.01;
+// Some tenths of a second.
+constexpr std::size_t kMostProducts = 100'000'000;
+
+constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+// From a row as the solver has it to heights.
+double UnitOf(const CConstraintRows& rows, std::size_t j) {
+  return (rows.IsSlope(j) ? rows.Span(j) : 1.0) / CConstraintRows::kWeight;
+}
+
+using CEntry = std::pair<std::uint32_t, double>;
+using CEntries = std::vector<CEntry>;
+
+// Numbers in ascending or descending order, each once.
+template <typename Order>
+class CQueue {
+ public:
+  void Push(std::uint32_t number) { m_Queue.push(number); }
+  bool Pop(std::uint32_t& number) {
+    if (m_Queue.empty()) return false;
+    number = m_Queue.top();
+    while (!m_Queue.empty() && m_Queue.top() == number) m_Queue.pop();
+    return true;
+  }
+
+ private:
+  std::priority_queue<std::uint32_t, std::vector<std::uint32_t>, Order> m_Queue;
+};
+
+class CElimination {
+ public:
+  explicit CElimination(const CConstraintRows& rows);
+
+  std::vector<CRowRelation> Run();
+
+ private:
+  // A row without what those before it make up of it.
+  struct CReduced {
+    CEntries m_aEntries;
+    CEntries m_aEarlier;  ///< rows, as reduced, and the factors with which they were taken out
+    std::uint32_t m_uPivot = kNone;
+    double m_fPivot = 0.0;
+  };
+
+  void Load(std::uint32_t row);
+  void Reduce(std::uint32_t row);
+  void AddTo(std::uint32_t column, double value, CQueue<std::greater<>>& open);
+  CEntries CombinationOf(std::uint32_t row);
+  bool Vanishes(const CEntries& factors);
+  CRowRelation RelationOf(const CEntries& factors) const;
+  void KeepPivot(std::uint32_t row);
+  double LargestLeft() const;
+
+  const CConstraintRows& m_Rows;
+  std::vector<CReduced> m_aReduced;        ///< by row
+  std::vector<std::uint32_t> m_auPivotOf;  ///< by column: the row
+  std::vector<double> m_afWork;            ///< by column; 0 between two rows
+  std::vector<std::uint32_t> m_auTouched;  ///< columns with something in the work
+  std::vector<double> m_afFactors;         ///< by row; 0 between two combinations
+  std::size_t m_uProducts = 0;
+};
+
+CElimination::CElimination(const CConstraintRows& rows)
+    : m_Rows(rows), m_aReduced(rows.Count()), m_afFactors(rows.Count(), 0.0) {
+  std::uint32_t columns = 0;
+  for (std::size_t j = 0; j < rows.Count(); ++j) {
+    for (const std::uint32_t column : rows.Rows().Columns(j)) columns = std::max(columns, column + 1);
+  }
+  m_auPivotOf.assign(columns, kNone);
+  m_afWork.assign(columns, 0.0);
+}
+
+void CElimination::AddTo(std::uint32_t column, double value, CQueue<std::greater<>>& open) {
+  if (m_afWork[column] == 0.0) {
+    m_auTouched.push_back(column);
+    if (m_auPivotOf[column] != kNone) open.Push(m_auPivotOf[column]);
+  }
+  m_afWork[column] += value;
+}
+
+// What comes in with a row that is taken out has its pivots in later ones.
+void CElimination::Reduce(std::uint32_t row) {
+  CQueue<std::greater<>> open;
+  const std::span<const double> values = m_Rows.Rows().Values(row);
+  for (std::size_t e = 0; e < values.size(); ++e)
+    AddTo(m_Rows.Rows().Columns(row)[e], UnitOf(m_Rows, row) * values[e], open);
+  for (std::uint32_t earlier = 0; open.Pop(earlier);) {
+    const CReduced& by = m_aReduced[earlier];
+    const double factor = m_afWork[by.m_uPivot] / by.m_fPivot;
+    if (factor == 0.0) continue;
+    m_aReduced[row].m_aEarlier.emplace_back(earlier, factor);
+    for (const auto& [column, value] : by.m_aEntries) AddTo(column, -factor * value, open);
+    m_afWork[by.m_uPivot] = 0.0;
+    m_uProducts += by.m_aEntries.size();
+  }
+}
+
+double CElimination::LargestLeft() const {
+  double largest = 0.0;
+  for (const std::uint32_t column : m_auTouched) largest = std::max(largest, std::abs(m_afWork[column]));
+  return largest;
+}
+
+void CElimination::KeepPivot(std::uint32_t row) {
+  CReduced& kept = m_aReduced[row];
+  std::ranges::sort(m_auTouched);
+  for (const std::uint32_t column : m_auTouched) {
+    const double value = std::exchange(m_afWork[column], 0.0);
+    if (value == 0.0) continue;
+    kept.m_aEntries.emplace_back(column, value);
+    if (std::abs(value) <= std::abs(kept.m_fPivot)) continue;
+    kept.m_fPivot = value;
+    kept.m_uPivot = column;
+  }
+  if (kept.m_uPivot != kNone) m_auPivotOf[kept.m_uPivot] = row;
+}
+
+// The row as it is, and with what factors those before it, as they are, make it up: in a combination that is next to 0.
+CEntries CElimination::CombinationOf(std::uint32_t row) {
+  CQueue<std::less<>> open;
+  m_afFactors[row] = 1.0;
+  open.Push(row);
+  CEntries factors;
+  for (std::uint32_t of = 0; open.Pop(of);) {
+    const double weight = std::exchange(m_afFactors[of], 0.0);
+    factors.emplace_back(of, weight);
+    for (const auto& [earlier, factor] : m_aReduced[of].m_aEarlier) {
+      m_afFactors[earlier] -= weight * factor;
+      open.Push(earlier);
+    }
+    m_uProducts += m_aReduced[of].m_aEarlier.size();
+  }
+  std::ranges::sort(factors);
+  double largest = 0.0;
+  for (const auto& [of, factor] : factors) largest = std::max(largest, std::abs(factor));
+  for (auto& [of, factor] : factors) factor /= largest;
+  return factors;
+}
+
+bool CElimination::Vanishes(const CEntries& factors) {
+  double largest = 0.0;
+  std::vector<std::uint32_t> columns;
+  for (const auto& [row, factor] : factors) {
+    const std::span<const double> values = m_Rows.Rows().Values(row);
+    for (std::size_t e = 0; e < values.size(); ++e) {
+      const double value = UnitOf(m_Rows, row) * values[e];
+      columns.push_back(m_Rows.Rows().Columns(row)[e]);
+      m_afWork[columns.back()] += factor * value;
+      largest = std::max(largest, std::abs(value));
+    }
+  }
+  double left = 0.0;
+  for (const std::uint32_t column : columns) left = std::max(left, std::abs(std::exchange(m_afWork[column], 0.0)));
+  return left <= kVanishes * largest;
+}
+
+CRowRelation CElimination::RelationOf(const CEntries& factors) const {
+  CRowRelation relation;
+  for (const auto& [row, factor] : factors) {
+    relation.m_fGap += factor * UnitOf(m_Rows, row) * m_Rows.Targets()[row];
+    if (!(std::abs(factor) > kNamed)) continue;
+    relation.m_auRows.push_back(row);
+    relation.m_afFactors.push_back(factor);
+  }
+  return relation;
+}
+
+std::vector<CRowRelation> CElimination::Run() {
+  std::vector<CRowRelation> relations;
+  for (std::uint32_t row = 0; row < m_Rows.Count() && m_uProducts < kMostProducts; ++row) {
+    double entry = 0.0;
+    for (const double value : m_Rows.Rows().Values(row)) entry = std::max(entry, std::abs(UnitOf(m_Rows, row) * value));
+    Reduce(row);
+    // The work holds what is left of the row; a combination is looked at in the same place.
+    CEntries left;
+    if (LargestLeft() <= kSuspicious * entry) {
+      for (const std::uint32_t column : m_auTouched) left.emplace_back(column, std::exchange(m_afWork[column], 0.0));
+      const CEntries factors = CombinationOf(row);
+      if (Vanishes(factors)) {
+        relations.push_back(RelationOf(factors));
+        left.clear();
+      }
+      for (const auto& [column, value] : left) m_afWork[column] += value;
+    }
+    KeepPivot(row);
+    m_auTouched.clear();
+  }
+  return relations;
+}
+
+}  // namespace
+
+std::vector<CRowRelation> FindRowRelations(const CConstraintRows& rows) { return CElimination(rows).Run(); }
+
+double MissedHeight(const CConstraintRows& rows, std::size_t j, double value) {
+  return UnitOf(rows, j) * (value - rows.Targets()[j]);
+}
