@@ -4,7 +4,6 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <numeric>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -12,30 +11,18 @@
 
 #include <nlohmann/json.hpp>
 
+#include "batch/CFindings.h"
 #include "model/CGrid.h"
+#include "report/SurfaceHeights.h"
 
 namespace {
 
 constexpr const char* kInactive = "inactive_constraints";
-
-// Heights by scan position, in which the system is written.
-std::vector<double> ScannedHeights(const CGrid& grid) {
-  std::vector<double> heights(grid.Surface().Order().Count());
-  for (std::size_t i = 0; i < heights.size(); ++i)
-    heights[i] = grid.Surface().Lattice().Heights()[grid.Surface().Order().PointAtScan(i)];
-  return heights;
-}
-
-// Half of z^T H z, which the surface minimises.
-double Energy(const CGrid& grid) {
-  const std::vector<double> heights = ScannedHeights(grid);
-  std::vector<double> forces(heights.size());
-  grid.Solver().System().Smoothness().Times(heights, forces);
-  return std::inner_product(heights.begin(), heights.end(), forces.begin(), 0.0) / 2;
-}
+constexpr const char* kContradictions = "contradictions";
+constexpr const char* kFloating = "floating_regions";
 
 // What the surface minimises where it follows a depth map.
-double ReferenceEnergy(const CGrid& grid) { return grid.Solver().RestEnergy(ScannedHeights(grid)); }
+double ReferenceEnergy(const CGrid& grid) { return grid.Solver().RestEnergy(HeightsByScan(grid)); }
 
 nlohmann::ordered_json ReferenceOf(const CGridReference& reference) {
   const CReferenceFit& fit = reference.Fitted();
@@ -58,7 +45,7 @@ nlohmann::ordered_json ReferenceOf(const CGridReference& reference) {
 double LargestResidual(const CGrid& grid) {
   const CConstraintRows& constraints = grid.Solver().System().Constraints();
   std::vector<double> reached(constraints.Count());
-  constraints.Rows().Times(ScannedHeights(grid), reached);
+  constraints.Rows().Times(HeightsByScan(grid), reached);
   double largest = 0.0;
   for (std::size_t k = 0; k < reached.size(); ++k)
     largest = std::max(largest, std::abs(reached[k] - constraints.Targets()[k]) / CConstraintRows::kWeight);
@@ -93,7 +80,7 @@ const char* NameOf(StopReason reason) {
   return "";
 }
 
-nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
+nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result, const CFindings& findings) {
   nlohmann::ordered_json report;
   report["points"] = grid.Surface().ActivePointCount();
   report["cells"] = grid.Surface().Tree().LeafCount();
@@ -102,7 +89,7 @@ nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
   report["iterations"] = result.m_iIterations;
   report["seconds"] = {
       {"load", result.m_Seconds.m_fLoad}, {"solve", result.m_Seconds.m_fSolve}, {"write", result.m_Seconds.m_fWrite}};
-  report["energy"] = Energy(grid);
+  report["energy"] = EnergyOf(grid);
   const bool follows = grid.Reference().Value().IsActive();
   if (follows) report["reference_energy"] = ReferenceEnergy(grid);
   report["largest_constraint_residual"] = LargestResidual(grid);
@@ -113,6 +100,8 @@ nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result) {
   if (follows) report["reference"] = ReferenceOf(grid.Reference());
   if (result.m_iSuggestedTears > 0) report["suggested_tears"] = result.m_iSuggestedTears;
   report[kInactive] = InactiveConstraints(grid);
+  report[kContradictions] = ContradictionsOf(findings);
+  report[kFloating] = FloatingRegionsOf(findings);
   return report;
 }
 
@@ -125,7 +114,7 @@ void PrintInactive(std::ostream& out, const nlohmann::ordered_json& inactive) {
 
 bool IsNonFinite(const nlohmann::ordered_json& value) {
   if (value.is_number_float()) return !std::isfinite(value.get<double>());
-  return value.is_array() && std::ranges::any_of(value, IsNonFinite);
+  return value.is_structured() && std::ranges::any_of(value, IsNonFinite);
 }
 
 // JSON has no word for numbers beyond the finite ones: such a field is named instead.
@@ -162,6 +151,8 @@ void PrintText(std::ostream& out, const std::string& name, const nlohmann::order
     return;
   }
   if (name == kInactive) return PrintInactive(out, value);
+  if (name == kContradictions) return PrintContradictions(out, value);
+  if (name == kFloating) return PrintFloatingRegions(out, value);
   std::string words = name;
   std::ranges::replace(words, '_', ' ');
   out << words << ": ";
@@ -191,9 +182,10 @@ std::string InactiveSummary(const CGrid& grid) {
          " (" + reasons + ").";
 }
 
-void PrintReport(std::ostream& out, CBatchOptions::Report form, const CGrid& grid, const CBatchResult& result) {
+void PrintReport(std::ostream& out, CBatchOptions::Report form, const CGrid& grid, const CBatchResult& result,
+                 const CFindings& findings) {
   if (form == CBatchOptions::Report::None) return;
-  const nlohmann::ordered_json report = WithoutNonFinite(ReportOf(grid, result));
+  const nlohmann::ordered_json report = WithoutNonFinite(ReportOf(grid, result, findings));
   if (form == CBatchOptions::Report::Json) {
     out << report.dump(2) << '\n';
   } else {

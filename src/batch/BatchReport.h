@@ -6,6 +6,7 @@
 #include "batch/CBatchOptions.h"
 
 class CGrid;
+struct CFindings;
 
 /// Seconds that the phases of a run took.
 struct CPhases {
@@ -30,4 +31,5 @@ struct CBatchResult {
 std::string InactiveSummary(const CGrid& grid);
 
 /// Prints the report on the model as it is; nothing for Report::None.
-void PrintReport(std::ostream& out, CBatchOptions::Report form, const CGrid& grid, const CBatchResult& result);
+void PrintReport(std::ostream& out, CBatchOptions::Report form, const CGrid& grid, const CBatchResult& result,
+                 const CFindings& findings);

@@ -98,6 +98,7 @@ void AddSolving(CLI::App& app, CBatchOptions& options) {
   app.add_option_function<std::string>("--max-seconds", readSeconds, "Bound of the time that solving may take")
       ->type_name("SECONDS");
   AddChoice(app, "--wavelets", options.m_Mode, kModes, "Basis to solve in: new (default), simple or no");
+  app.add_flag("--settle", options.m_bSettle, "Give regions whose heights nothing settles a definite place");
   app.add_flag("--high-res", options.m_bHighRes, "Transfer to the highest resolution before solving");
   AddNumber<std::uint32_t>(app, "--seed", options.m_uSeed, "Seed of the random start")
       ->default_str(std::to_string(options.m_uSeed));
@@ -272,7 +273,9 @@ CParsedOptions ParseOptions(int argc, const char* const* argv) {
   AddFile(app, "MODEL", parsed.m_Options.m_Model, "Grid file or project to read", "MODEL")->required();
   AddFile(app, "--image", parsed.m_Options.m_Image,
           "Photograph, instead of a project's; becomes picture.jpg beside the VRML scene", "PHOTO");
-  app.add_flag("--strict", parsed.m_Options.m_bStrict, "Refuse a damaged model instead of going on with what is whole");
+  app.add_flag("--strict", parsed.m_Options.m_bStrict,
+               "Refuse a damaged model instead of going on with what is whole; end with 6 where constraints contradict "
+               "each other or a region floats");
   AddReference(app, parsed.m_Options);
   AddSolving(app, parsed.m_Options);
   AddOutputs(app, parsed.m_Options);

@@ -16,13 +16,15 @@ struct CBatchOptions {
   /// What is written to standard output at the end: nothing, JSON, or lines of text.
   enum class Report { None, Json, Text };
 
-  std::string m_Model;                                             ///< grid file or project to read
-  std::string m_Image;                                             ///< photograph; empty for none
-  bool m_bStrict = false;                                          ///< a damaged model is refused
+  std::string m_Model;  ///< grid file or project to read
+  std::string m_Image;  ///< photograph; empty for none
+  bool m_bStrict =
+      false;  ///< a damaged model is refused, and what is wrong with constraints ends with a status of its own
   std::optional<long> m_Iterations;                                ///< to do; until converged where there is no number
   long m_iMaxIterations = 200000;                                  ///< bound of going on until converged
   double m_fMaxSeconds = std::numeric_limits<double>::infinity();  ///< bound of solving, whatever else ends it
   WaveletMode m_Mode = WaveletMode::New;                           ///< to solve in
+  bool m_bSettle = false;                                          ///< floating regions take a definite place
   bool m_bHighRes = false;                    ///< solve at the highest resolution, starting from the surface read
   std::string m_Reference;                    ///< depth map that the surface follows; empty for that of a project
   std::optional<double> m_ReferenceStrength;  ///< 0 to 1; that of a project, or of the beginning, where there is none

@@ -11,6 +11,7 @@
 
 #include "base/CTerminationSignals.h"
 #include "base/Console.h"
+#include "batch/CFindings.h"
 #include "batch/CProgress.h"
 #include "batch/ExitStatus.h"
 #include "formats/DepthMapFile.h"
@@ -81,11 +82,16 @@ int CBatchRun::Run() {
   if (!ReadInputs()) return ExitStatus::kInput;
   Solve();
   const bool written = WriteOutputs();
+  const CFindings findings(m_Grid);
+  for (const std::string& summary : SummariesOf(findings)) {
+    if (!m_Options.m_bQuiet) Complain(summary);
+  }
   if (const std::string inactive = InactiveSummary(m_Grid); !inactive.empty() && !m_Options.m_bQuiet)
     Complain(inactive);
-  PrintReport(std::cout, m_Options.m_Report, m_Grid, m_Result);
+  PrintReport(std::cout, m_Options.m_Report, m_Grid, m_Result, findings);
   if (!written || !std::cout.flush()) return ExitStatus::kOutput;
   if (m_Result.m_bDamaged) return ExitStatus::kDamaged;
+  if (m_Options.m_bStrict && !findings.IsEmpty()) return ExitStatus::kUnsettled;
   return StatusOfStop();
 }
 
@@ -151,6 +157,7 @@ void CBatchRun::Solve() {
   if (m_Options.m_bHighRes) m_Grid.Run().Post(Operation::kTransferToHigh);
   m_Grid.PerformPendingWork();
   if (m_Grid.Surface().Mode() != m_Options.m_Mode) m_Grid.Builder().SetWaveletMode(m_Options.m_Mode);
+  if (m_Options.m_bSettle) m_Grid.SetSettling(true);
   CProgress progress(!m_Options.m_bQuiet);
   while (m_Grid.Run().IsRunning() && !IsAtBound(watch.Seconds())) {
     // Lines of the model must not end up behind the number.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "insight/PlacingOrder.h"
 #include "quadtree/CPointOrder.h"
@@ -68,6 +69,7 @@ void CSettler::Prepare(const CQuadTree& tree, const CPointOrder& order, const CG
   AddSteps(RanksOfPieces(m_Freedom));
   AddSlopes(tree, order);
   for (CStep& step : m_aSteps) FormMatrices(step);
+  m_bFollowingStale = true;
   for (std::vector<double>* values : {&m_afHeights, &m_afMoves, &m_afCoefs}) values->assign(order.Count(), 0.0);
 }
 
@@ -162,7 +164,23 @@ void CSettler::FormMatrices(CStep& step) const {
     AddScaled(-1.0, Product(step.m_Choose, level), open);
     step.m_Refine = PseudoInverse(Product(open, Product(step.m_Near, open)), kOpen);
   }
-  FormFollowing(step);
+}
+
+void CSettler::Follow(std::span<const double> values, double offset, double linear, double square) {
+  if (values.size() != m_afHeights.size() || (offset == 0.0 && linear == 0.0 && square == 0.0)) {
+    m_afReference.clear();
+    return;
+  }
+  m_bFollowingStale = m_bFollowingStale || m_afReference.size() != values.size();
+  m_afReference.resize(values.size(), 0.0);
+  for (std::size_t k = 0; k < values.size(); ++k) {
+    const double height = offset + values[k] * (linear + values[k] * square);
+    const double before = std::exchange(m_afReference[k], height);
+    m_bFollowingStale = m_bFollowingStale || std::isnan(before) != std::isnan(height);
+  }
+  if (!m_bFollowingStale) return;
+  for (CStep& step : m_aSteps) FormFollowing(step);
+  m_bFollowingStale = false;
 }
 
 void CSettler::FormFollowing(CStep& step) const {
@@ -172,6 +190,7 @@ void CSettler::FormFollowing(CStep& step) const {
   std::size_t points = 0;
   for (const std::uint32_t piece : group.m_auPieces) {
     for (const std::uint32_t point : m_Freedom.Pieces().PointsOf(piece)) {
+      if (std::isnan(m_afReference[point])) continue;
       const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(point);
       AddSquare(
           1.0, [&](std::size_t d) { return PlaneOf(step, d, point).At(place); }, squares);
@@ -213,6 +232,7 @@ void CSettler::FindStepToReference(CStep& step) const {
   std::ranges::fill(step.m_afGradient, 0.0);
   for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) {
     for (const std::uint32_t point : m_Freedom.Pieces().PointsOf(piece)) {
+      if (std::isnan(m_afReference[point])) continue;
       const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(point);
       const double difference = m_afHeights[point] - m_afReference[point];
       for (std::size_t d = 0; d < step.m_afStep.size(); ++d)
@@ -239,7 +259,7 @@ void CSettler::Settle(const CHierarchicalBasis& basis, std::span<double> x) {
   if (m_aSteps.empty()) return;
   basis.invW(x, m_afHeights);
   std::ranges::fill(m_afMoves, 0.0);
-  const bool follows = m_afReference.size() == m_afHeights.size();
+  const bool follows = !m_afReference.empty();
   for (CStep& step : m_aSteps) {
     if (follows) {
       FindStepToReference(step);

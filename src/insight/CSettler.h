@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <utility>
 #include <vector>
 
 #include "insight/CFreedom.h"
@@ -28,9 +27,10 @@ class CSettler {
   /// Finds out what can move in the system that the solver has built last, unless it knows already. Its numbering is
   /// `order`, in the subdivision of `tree`, whose leaves must have been listed.
   void Prepare(const CQuadTree& tree, const CPointOrder& order, const CGridSolver& solver);
-  /// Heights by point that all free planes are to be near to, in the sum of squares, such as a scaled reference depth;
-  /// none where empty, or for another number of points than there are.
-  void SetReference(std::vector<double> heights) { m_afReference = std::move(heights); }
+  /// Gives all free planes a reference to be near to, in the sum of squares: the height over a value v of `values` (by
+  /// point, not a number for none) is offset + linear * v + square * v * v. None where the values are empty or all
+  /// heights are 0. To be called after `Prepare`; allocates only where other points have values than before.
+  void Follow(std::span<const double> values, double offset, double linear, double square);
   /// Moves the coefficients `x`, which belong to `basis`. Allocates nothing. Those of regions that are settled keep
   /// every bit unless the basis predicts across tears.
   void Settle(const CHierarchicalBasis& basis, std::span<double> x);
@@ -72,7 +72,8 @@ class CSettler {
   CFreedom m_Freedom;
   std::vector<CStep> m_aSteps;
   std::vector<std::size_t> m_auPlaceInGroup;  ///< by piece of a group
-  std::vector<double> m_afReference;
+  std::vector<double> m_afReference;          ///< heights by point, not a number for none; empty without a reference
+  bool m_bFollowingStale = true;              ///< the steps know nothing of the reference
   // What it was prepared for.
   std::uint64_t m_uTreeRevision = 0;
   CCompressedRows m_Rows;

@@ -166,13 +166,17 @@ void CConstraints::RefreshCurves() {
   for (CCntrCtrl& curve : m_Curves) RefreshParallels(curve);
 }
 
+bool CConstraints::IsRefused(const CCntrCtrl& curve, std::size_t generated) {
+  return static_cast<double>(generated) + curve.GeneratedCount() > CCntrCtrl::kMostGenerated;
+}
+
 void CConstraints::Generate() {
   Console() << "CGrid::UpdateConstraintsFormCurves\n";
   m_Generated.clear();
   m_auGeneratedEnd.clear();
   m_iRefusedCurves = 0;
   for (const CCntrCtrl& curve : m_Curves) {
-    if (static_cast<double>(m_Generated.size()) + curve.GeneratedCount() > CCntrCtrl::kMostGenerated) {
+    if (IsRefused(curve, m_Generated.size())) {
       ++m_iRefusedCurves;
     } else {
       curve.AddAutoBumpConstraints(m_Generated);

@@ -79,6 +79,8 @@ class CConstraints {
   /// Has every curve generate its constraints again, in the order of the list; one that would bring them to more than
   /// CCntrCtrl::kMostGenerated is refused.
   void Generate();
+  /// Whether a curve is, where there are `generated` constraints already.
+  static bool IsRefused(const CCntrCtrl& curve, std::size_t generated);
   /// Number of curves refused the last time; logged. 0 if there were none or the number has been taken before.
   int TakeRefusedCurves();
 

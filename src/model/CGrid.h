@@ -70,8 +70,6 @@ class CGrid {
   /// Switched on, they are moved there at once, if the system has been built.
   void SetSettling(bool on);
   bool IsSettling() const { return m_bSettling; }
-  /// What they are near to instead of each other, where it is not empty (see CSettler::SetReference).
-  void SetSettlingReference(std::vector<double> heights) { m_Settler.SetReference(std::move(heights)); }
 
   /// Surface and system (see CGridBuilder and CSurface; CGrid.cpp).
   void SetDiscMap();

@@ -128,6 +128,9 @@ void CGrid::Settle() {
   // An event within the tick may have put the system out of date.
   if (m_Solver.Counter() < 0) return;
   m_Settler.Prepare(m_Surface.Tree(), m_Surface.Order(), m_Solver);
+  const CReferenceFit& fit = m_Reference.Fitted();
+  const double strength = m_Reference.HasMap() ? m_Reference.Value().m_Settings.m_fStrength : 0.0;
+  m_Settler.Follow(m_Reference.Sample(), strength * fit.m_fOffset, strength * fit.m_fLinear, strength * fit.m_fSquare);
   m_Settler.Settle(m_Surface.Basis(), m_Surface.Coefficients());
 }
 

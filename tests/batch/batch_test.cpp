@@ -116,7 +116,7 @@ TEST_F(Batch, ReportsInText) {
   EXPECT_EQ(names, (std::vector<std::string>{"points", "cells", "constraints", "curves", "iterations", "seconds load",
                                              "seconds solve", "seconds write", "energy", "largest constraint residual",
                                              "z range", "converged", "stopped", "damaged", "inactive constraints",
-                                             "inactive constraint 3"}));
+                                             "inactive constraint 3", "contradictions", "floating regions"}));
   EXPECT_NE(Bytes("out").find("\nstopped: bound\n"), std::string::npos);
 }
 

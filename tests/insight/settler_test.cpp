@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "insight/CFreedom.h"
+#include "insight/CSettler.h"
 #include "support/AllocationCount.h"
 #include "support/CStaging.h"
 #include "support/CurveBuilders.h"
@@ -318,21 +319,29 @@ TEST(Settler, TakesWhatAFairnessCurveJoinsForOneProblem) {
   EXPECT_NEAR(test.At(80, 70) - test.At(80, 30), 0, 0.01);
 }
 
+// The reference has no value over a corner of the right half.
 TEST(Settler, FollowsAReferenceWhereThereIsOne) {
   CHalves test;
-  test.m_Grid.PerformPendingWork();
+  test.Solve();
   std::vector<double> reference(test.m_Grid.Surface().Order().Count());
   const auto side = static_cast<std::uint32_t>(test.m_Grid.Surface().Lattice().PointsPerSide());
   for (std::size_t k = 0; k < reference.size(); ++k) {
     const std::uint32_t point = test.m_Grid.Surface().Order().PointAtScan(k);
-    reference[k] = 3 - 0.5 * (point % side) + 0.25 * (point / side);
+    const bool corner = point % side > 28 && point / side > 28;
+    reference[k] = corner ? std::nan("") : -1.0 * (point % side) + 0.5 * (point / side);
   }
-  test.m_Grid.SetSettlingReference(reference);
-  test.m_Grid.SetSettling(true);
-  test.Solve();
+  CSettler settler;
+  settler.Prepare(test.m_Grid.Surface().Tree(), test.m_Grid.Surface().Order(), test.m_Grid.Solver());
+  settler.Follow(reference, 3, 0.5, 0);
+  settler.Settle(test.m_Grid.Surface().Basis(), test.m_Grid.Surface().Coefficients());
+  test.m_Grid.Surface().Reconstruct();
   EXPECT_NEAR(test.At(20, 50), 19, kExact);
   EXPECT_NEAR(test.At(75, 50), 3 - 0.5 * 24 + 0.25 * 16, 1e-6);
   EXPECT_NEAR(test.At(100, 100), 3 - 0.5 * 32 + 0.25 * 32, 1e-6);
+  settler.Follow({}, 0, 0, 0);
+  settler.Settle(test.m_Grid.Surface().Basis(), test.m_Grid.Surface().Coefficients());
+  test.m_Grid.Surface().Reconstruct();
+  EXPECT_NEAR(test.At(60, 50), 22, 0.01);
 }
 
 // Neither energy nor rows notice: the solver comes to the end that it comes to without.

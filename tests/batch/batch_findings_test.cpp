@@ -1,0 +1,108 @@
+// What the report, standard error and the exit status say of constraints that contradict each other and regions that
+// float.
+
+#include <sstream>
+#include <string>
+
+#include "batch/BatchTest.h"
+#include "support/CurveBuilders.h"
+
+namespace {
+
+using nlohmann::json;
+
+// Three heights that settle the surface, one against another at its place, and a closed tear with nothing inside.
+class WrongBatch : public Batch {
+ protected:
+  WrongBatch() {
+    CTestGrid test(4, 4);
+    AddAll(test.m_Grid, {HeightCstr(-3, 20.5, 1), HeightCstr(12, 20.5, 2), HeightCstr(-3, 25.5, 3)});
+    Write(test, "settled.grid");
+    AddAll(test.m_Grid, {HeightCstr(11, 25.5, 4), HeightCstr(11, 25.5, 6)});
+    Write(test, "contradicted.grid");
+    test.m_Grid.AddCurve(PointsAt({{1, 21.5}, {8, 21.5}, {8, 24.5}, {1, 24.5}}), kTear, true);
+    Write(test, "wrong.grid");
+  }
+  void Write(CTestGrid& test, const std::string& name) const {
+    test.m_Grid.PerformPendingWork();
+    WriteText(Path(name), GridText(test.m_Grid));
+  }
+};
+
+TEST_F(WrongBatch, ReportsThatNothingIsWrong) {
+  ASSERT_EQ(Run("settled.grid --strict --report json"), 0);
+  EXPECT_EQ(Report()["contradictions"], json::array());
+  EXPECT_EQ(Report()["floating_regions"], json::array());
+  EXPECT_EQ(Bytes("err").find("ontradict"), std::string::npos);
+  EXPECT_EQ(Bytes("err").find("loating"), std::string::npos);
+  ASSERT_EQ(Run("settled.grid --report text"), 0);
+  EXPECT_NE(Bytes("out").find("\ncontradictions: 0\nfloating regions: 0\n"), std::string::npos) << Bytes("out");
+}
+
+TEST_F(WrongBatch, NamesContradictionsWithWhatTheyMiss) {
+  Run("contradicted.grid --report json");
+  const json contradictions = Report()["contradictions"];
+  ASSERT_EQ(contradictions.size(), 1U);
+  EXPECT_NEAR(contradictions[0]["gap"].get<double>(), 2, 1e-6);
+  const json constraints = contradictions[0]["constraints"];
+  ASSERT_EQ(constraints.size(), 2U);
+  EXPECT_EQ(constraints[0]["index"], 3);
+  EXPECT_EQ(constraints[0]["kind"], "position");
+  EXPECT_NEAR(constraints[0]["missed"].get<double>(), 1, 1e-3);
+  EXPECT_EQ(constraints[1]["index"], 4);
+  EXPECT_NEAR(constraints[1]["missed"].get<double>(), 1, 1e-3);
+}
+
+TEST_F(WrongBatch, NamesFloatingRegions) {
+  Run("wrong.grid --report json");
+  const json regions = Report()["floating_regions"];
+  ASSERT_EQ(regions.size(), 1U);
+  EXPECT_EQ(regions[0]["free"], 3);
+  EXPECT_EQ(regions[0]["missing"], "needs 3 heights");
+  EXPECT_GT(regions[0]["points"], 20);
+  EXPECT_GE(regions[0]["box"]["x"][0], 1);
+  EXPECT_LE(regions[0]["box"]["x"][1], 8);
+  EXPECT_GE(regions[0]["box"]["y"][0], 21.5);
+  EXPECT_LE(regions[0]["box"]["y"][1], 24.5);
+}
+
+TEST_F(WrongBatch, TellsBothInTextAndOnStandardError) {
+  Run("wrong.grid --report text --iterations 100");
+  EXPECT_NE(Bytes("out").find("\ncontradictions: 1\ncontradiction 0: constraint 3 position misses "),
+            std::string::npos);
+  EXPECT_NE(Bytes("out").find(", constraint 4 position misses "), std::string::npos);
+  EXPECT_NE(Bytes("out").find("\nfloating regions: 1\nfloating region 0: "), std::string::npos);
+  EXPECT_NE(Bytes("out").find("), needs 3 heights\n"), std::string::npos);
+  EXPECT_NE(Bytes("err").find("relievo-batch: Constraints that contradict each other: 3 and 4.\n"), std::string::npos);
+  EXPECT_NE(Bytes("err").find("relievo-batch: Floating regions: 1 (needs 3 heights).\n"), std::string::npos);
+  Run("wrong.grid --iterations 100 --quiet");
+  EXPECT_EQ(Bytes("err"), "");
+}
+
+TEST_F(WrongBatch, EndsWithAStatusOfItsOwnWhereItIsStrict) {
+  EXPECT_EQ(Run("wrong.grid --iterations 100"), 0);
+  EXPECT_EQ(Run("wrong.grid --iterations 100 --strict --save o.grid"), 6);
+  EXPECT_NE(Bytes("o.grid"), "");
+  EXPECT_EQ(Run("contradicted.grid --iterations 100 --strict"), 6);
+  EXPECT_EQ(Run("wrong.grid --max-iterations 10 --strict"), 6);
+  EXPECT_EQ(Run("wrong.grid --max-iterations 10"), 3);
+  EXPECT_EQ(Run("wrong.grid --iterations 10 --strict --save none/o.grid"), 4);
+}
+
+// The surface in the file is at 0 everywhere; the inside of the tear follows what is around it.
+TEST_F(WrongBatch, SettlesFloatingRegionsWhenAsked) {
+  const auto middle = [this] {
+    const std::string text = Bytes("o.txt");
+    double value = 0;
+    std::istringstream heights(text);
+    for (int k = 0; k < 41; ++k) heights >> value;
+    return value;
+  };
+  Run("wrong.grid --height-field o.txt --size 9x9 --seed 3");
+  EXPECT_LT(middle(), 1);
+  Run("wrong.grid --height-field o.txt --size 9x9 --seed 3 --settle");
+  EXPECT_GT(middle(), 1.5);
+  EXPECT_LT(middle(), 5);
+}
+
+}  // namespace
