@@ -97,14 +97,15 @@ std::vector<float> CDepthReading::Filled() const {
     next.erase(std::unique(next.begin(), next.end()), next.end());
     means.clear();
     for (const std::size_t k : next) {
-      float sum = 0.0F;
-      float count = 0.0F;
+      // A float would not hold the sum of the largest ones.
+      double sum = 0.0;
+      double count = 0.0;
       forNeighbours(k, [&](std::size_t n) {
         if (std::isnan(filled[n])) return;
         sum += filled[n];
-        count += 1.0F;
+        count += 1.0;
       });
-      means.push_back(sum / count);
+      means.push_back(static_cast<float>(sum / count));
     }
     for (std::size_t k = 0; k < next.size(); ++k) filled[next[k]] = means[k];
   }

@@ -73,6 +73,13 @@ TEST(DepthMapTest, HolesAreFilledFromTheirNeighbours) {
   EXPECT_EQ(CDepthReading(none, false).Filled(), std::vector<float>(4, 0.0F));
 }
 
+TEST(DepthMapTest, TheLargestNumbersAreFilledInAsWell) {
+  constexpr float kLarge = 3e38F;
+  const CDepthMap map(2, 2, 32, {kLarge, kNotANumber, kNotANumber, kLarge});
+  EXPECT_EQ(CDepthReading(map, false).Filled(), std::vector<float>(4, kLarge));
+  EXPECT_DOUBLE_EQ(CDepthReading(map, false).Mean(), 0.0);
+}
+
 TEST(DepthMapTest, MapsAreComparedBitByBit) {
   const CDepthMap map(2, 1, 32, {kNotANumber, 1});
   EXPECT_TRUE(map == CDepthMap(2, 1, 32, {kNotANumber, 1}));
