@@ -23,7 +23,7 @@ endfunction()
 add_codec(JPEG jpeglib.h libjpeg62-turbo-dev jpeg)
 add_codec(PNG png.h libpng-dev png)
 add_codec(TIFF tiffio.h libtiff-dev tiff)
-add_codec(WEBP webp/demux.h libwebp-dev webp webpdemux)
+add_codec(WEBP webp/demux.h libwebp-dev webp webpdemux webpmux)
 add_codec(LCMS lcms2.h liblcms2-dev lcms2)
 add_codec(ZIP zip.h libzip-dev zip)
 

@@ -8,7 +8,7 @@ packages_for() {
   printf '%s\n' libgl1-mesa-dri fonts-dejavu-core x11-utils
   if [[ $1 != run ]]; then
     printf '%s\n' clang-format-14 libbenchmark-dev libboost-dev libcoin-dev libeigen3-dev libgtest-dev librapidcheck-dev libtinygltf-dev libtinyobjloader-dev libx11-dev
-    printf '%s\n' admesh imagemagick openbox parallel xclip xdotool xvfb
+    printf '%s\n' admesh imagemagick openbox parallel webp xclip xdotool xvfb
     # To judge what desktops and package managers read.
     printf '%s\n' appstream desktop-file-utils dpkg-dev libglib2.0-bin librsvg2-bin libxml2-utils lintian man-db shared-mime-info
   fi

@@ -10,13 +10,18 @@
 #include "editing/GridCommands.h"
 #include "formats/ProjectFile.h"
 #include "model/CGrid.h"
+#include "ui/dialogs/CProgressDialog.h"
+#include "ui/modelview/CGridView.h"
+#include "ui/seams/TimerInterval.h"
 #include "ui/window/CImageViewUI.h"
 
 CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
     : m_DrawingOptions(g_DrawingSettings, window, window),
       m_GridParameters(window, window),
       m_ContourAttributes(window, window),
-      m_HeightField(window, window, [this](int width, int height) { m_SizeChosen(width, height); }) {
+      m_HeightField(window, window, [this](int width, int height) { m_SizeChosen(width, height); }),
+      m_ExportModel(window, window),
+      m_ExportFilm(window, window) {
   auto lights = std::make_unique<CLightTool>(window, grid);
   CWindowServices services;
   services.m_ShowDrawingOptions = [this] { m_DrawingOptions.Open(); };
@@ -33,10 +38,28 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
   services.m_Model.m_AskContourAttributes = [this](const CContourAttributes& present, bool fairness) {
     return m_ContourAttributes.Ask(present, fairness);
   };
+  services.m_Model.m_Export = ExportServices(window);
   window.SetServices(std::move(services));
   window.SetTool(CImageViewUI::Tool::LightSources, std::move(lights));
   window.SetTool(CImageViewUI::Tool::Recorder, MakeRecorderTool(window));
   window.SetTool(CImageViewUI::Tool::Scissors, MakeScissorsTool(window, grid));
+}
+
+CExportServices CToolSet::ExportServices(CImageViewUI& window) {
+  CExportServices services;
+  services.m_AskModel = [this](CExportSurvey& survey, const CExportSettings& given) {
+    return m_ExportModel.Ask(survey, given);
+  };
+  services.m_ShowProgress = [&window](const std::string& title,
+                                      const std::function<CSaveOutcome(ExportProgress&)>& work) {
+    CProgressDialog progress(title, window);
+    return work(progress);
+  };
+  services.m_AskFilm = [this](std::size_t recorded) { return m_ExportFilm.Ask(recorded, g_fTimerInterval); };
+  services.m_DrawModels = [&view = window.GridView()](int width, int height) {
+    return view.DrawPictures(width, height);
+  };
+  return services;
 }
 
 void CToolSet::AskSize(const std::function<void(int width, int height)>& write) {

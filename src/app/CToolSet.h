@@ -4,6 +4,8 @@
 
 #include "ui/dialogs/CContourAttributesDialog.h"
 #include "ui/dialogs/CDrawingOptionsDialog.h"
+#include "ui/dialogs/CExportDialog.h"
+#include "ui/dialogs/CFilmDialog.h"
 #include "ui/dialogs/CGridParametersDialog.h"
 #include "ui/dialogs/CHeightFieldDialog.h"
 
@@ -17,6 +19,7 @@ class CToolSet {
   CToolSet(CImageViewUI& window, CGrid& grid);
 
  private:
+  CExportServices ExportServices(CImageViewUI& window);
   void AskSize(const std::function<void(int width, int height)>& write);
 
   CDrawingOptionsDialog m_DrawingOptions;
@@ -24,4 +27,6 @@ class CToolSet {
   CContourAttributesDialog m_ContourAttributes;
   std::function<void(int width, int height)> m_SizeChosen;
   CHeightFieldDialog m_HeightField;
+  CExportDialog m_ExportModel;
+  CFilmDialog m_ExportFilm;
 };

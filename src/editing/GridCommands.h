@@ -12,6 +12,7 @@
 #include "editing/CFilesAtHand.h"
 #include "editing/CGridParameters.h"
 #include "editing/CWorkFiles.h"
+#include "editing/ExportServices.h"
 #include "editing/UserDialogs.h"
 #include "formats/CProject.h"
 #include "formats/ModelFormats.h"
@@ -37,6 +38,8 @@ class CommandHost : public UserDialogs {
   virtual void GridReplaced() = 0;
   /// The model has been saved again without a question.
   virtual void TellSaved(const std::string& file) = 0;
+  /// An export has been cancelled by the user.
+  virtual void TellCancelled(const std::string& /*file*/) {}
   /// What a project keeps beside the model is to be added to one, and shown of one whose model has been opened.
   virtual void AddTo(CProject& /*project*/) const {}
   virtual void ShowProject(const CProject& /*project*/) {}
@@ -60,6 +63,7 @@ struct CModelServices {
   /// See ReadProject and SaveProject.
   std::function<CReadProject(const std::string& file)> m_ReadProject;
   std::function<CSaveOutcome(const CProject& project, const std::string& file)> m_SaveProject;
+  CExportServices m_Export = {};
 };
 
 /// What keeps the work that no file of the user's holds. Without it there is nothing to recover.
@@ -123,6 +127,15 @@ class CGridCommands {
   /// Nothing where that cannot be.
   void FitPicture();
 
+  // ExportCommands.cpp: files for other programs.
+  /// Whether the services have what it takes to export the surface.
+  bool CanExportModel() const;
+  /// Asks how to export the surface and where to, and writes it. The photograph itself is never overwritten.
+  void ExportModel();
+  /// The same for films. FilmCommands.cpp.
+  bool CanExportFilm() const;
+  void ExportFilm();
+
   // ProjectCommands.cpp: the work as a whole.
   /// The work as it is, with the photograph only named.
   CProject Project() const;
@@ -173,6 +186,12 @@ class CGridCommands {
   void AskFileAndWrite(const CModelFormat& format, const CWriteSettings& settings);
   std::optional<std::string> ChooseTarget(const CModelFormat& format);
   CSaveOutcome WriteTo(const std::string& file, const CModelFormat& format, const CWriteSettings& settings);
+  CReadPicture Photograph() const;
+  void ExportTo(const std::string& file, const CExportChoice& choice);
+  std::optional<std::string> ChooseExport(const char* title, const char* suffix,
+                                          const std::function<bool(const std::string&)>& isFree);
+  bool IsPhotograph(const std::string& file) const;
+  void TellExported(const std::string& file, const CSaveOutcome& outcome);
   void EditCurveAttributes();
   void SetPickTolerance();
   void Tell(const std::string& trouble);

@@ -25,11 +25,14 @@ std::optional<std::string> Contents(const std::string& filename) {
   return bytes;
 }
 
+bool IsSame(const CReadPicture& read, const CPicture& shown) {
+  return read && read.m_Picture.m_iWidth == shown.m_iWidth && read.m_Picture.m_aPixels == shown.m_aPixels;
+}
+
 bool Shows(const std::string& bytes, const CPicture& shown) {
   std::ostream nowhere(nullptr);
   const CConsoleRedirect redirect(nowhere);
-  const CReadPicture read = ReadPicture(bytes, {});
-  return read && read.m_Picture.m_iWidth == shown.m_iWidth && read.m_Picture.m_aPixels == shown.m_aPixels;
+  return IsSame(ReadPicture(bytes, {}), shown);
 }
 
 }  // namespace
@@ -51,4 +54,14 @@ CProjectPicture WithBytesOfItsProject(const CProjectPicture& picture) {
 
 CReadPicture PixelsOf(const CProjectPicture& picture) {
   return picture.m_pBytes != nullptr ? ReadPicture(*picture.m_pBytes, picture.m_File) : ReadPicture(picture.m_File);
+}
+
+CReadPicture WithPixels(const CProjectPicture& picture, const CPicture& shown) {
+  std::ostream nowhere(nullptr);
+  const CConsoleRedirect redirect(nowhere);
+  CReadPicture read = PixelsOf(picture);
+  if (IsSame(read, shown)) return read;
+  read = {};
+  read.m_Picture = shown;
+  return read;
 }

@@ -13,3 +13,7 @@ CProjectPicture WithBytesOfItsProject(const CProjectPicture& picture);
 
 /// The pixels of a photograph with bytes, or else those in its file.
 CReadPicture PixelsOf(const CProjectPicture& picture);
+
+/// The photograph on show as it was read, where that can be had again and still is what is `shown`; or else only those
+/// pixels.
+CReadPicture WithPixels(const CProjectPicture& picture, const CPicture& shown);

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "base/CPicture.h"
+#include "drawing/CSampledBuffer.h"
 
 /// A picture to draw into with OpenGL, without a display: its context is current as long as the object lives. Every
 /// pixel is the mean of several samples.
@@ -10,8 +12,6 @@ class COffscreenCanvas {
  public:
   /// Longest side of a picture.
   static constexpr int kLargestSide = 8192;
-  /// Samples of every pixel.
-  static constexpr int kSamples = 4;
 
   /// Sizes in pixels, 1 to kLargestSide. Where there is no such context or not enough memory `Trouble` says so, and
   /// nothing may be drawn.
@@ -22,18 +22,14 @@ class COffscreenCanvas {
 
   /// Why nothing can be drawn, as a sentence; empty if all is well.
   const std::string& Trouble() const { return m_Trouble; }
-  /// What has been drawn.
+  /// What has been drawn. To be called once.
   CPicture Picture() const;
 
  private:
   bool MakeContext();
-  bool MakeBuffers();
 
-  const int m_iWidth;
-  const int m_iHeight;
   void* m_pDisplay = nullptr;
   void* m_pContext = nullptr;
-  unsigned m_uSampled = 0;   ///< frame buffer that is drawn into
-  unsigned m_uResolved = 0;  ///< and the one that its means go to
+  std::unique_ptr<CSampledBuffer> m_pBuffer;
   std::string m_Trouble;
 };

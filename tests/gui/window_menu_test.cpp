@@ -37,6 +37,8 @@ const auto kEntries = std::to_array<CExpectedEntry>({
   {"&File/Open &Recent/Clear list", MenuEntry::ClearRecent, 0, Command},
   {"&File/Recover Unsaved &Work", MenuEntry::RecoverWork, 0, Command},
   {"&File/Grid in the Pic&ture's Proportions", MenuEntry::FitPicture, 0, Command},
+  {"&File/Export &Model...", MenuEntry::ExportModel, 0, Command},
+  {"&File/Export &Film...", MenuEntry::ExportFilm, 0, Command},
   {"&File/&Quit", MenuEntry::Quit, kCtrl | 'q', Command},
   {"&2D View/Show &Grid", MenuEntry::ImageGrid, kCtrl | 'g', Toggle, true},
   {"&2D View/Show &Image", MenuEntry::ImagePicture, kCtrl | 'i', Toggle},

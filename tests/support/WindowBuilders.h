@@ -69,7 +69,12 @@ class ScriptedHost : public CommandHost {
   std::string TextureFile() const override { return m_Texture; }
   void GridReplaced() override { ++m_iReplaced; }
   void TellSaved(const std::string& file) override { m_asSaved.push_back(file); }
+  void TellCancelled(const std::string& file) override { m_asCancelled.push_back(file); }
   void EndDrags() override { ++m_iDragEnds; }
+  void AddTo(CProject& project) const override {
+    project.m_Views = m_Views;
+    project.m_aRecording = m_aRecording;
+  }
 
   std::optional<std::string> m_File;
   bool m_bYes = false;
@@ -82,6 +87,9 @@ class ScriptedHost : public CommandHost {
   std::vector<std::string> m_asNotices;
   std::vector<std::string> m_asPictures;
   std::vector<std::string> m_asSaved;  ///< again, as the user was told
+  std::vector<std::string> m_asCancelled;
+  CProjectViews m_Views;
+  std::vector<CProjectFrame> m_aRecording;
   int m_iReplaced = 0;
   int m_iDragEnds = 0;
 };

@@ -11,8 +11,8 @@ CModalDialog::CModalDialog(int width, int height, const char* title, ViewHost& v
   set_modal();
 }
 
-void CModalDialog::AddOk(int x, int y, int w, int h) {
-  auto* button = new Fl_Return_Button(x, y, w, h, "OK");
+void CModalDialog::AddOk(int x, int y, int w, int h, const char* label) {
+  auto* button = new Fl_Return_Button(x, y, w, h, label);
   button->callback(cb_Ok, this);
   add(button);
 }

@@ -14,8 +14,8 @@ class CModalDialog : public Fl_Double_Window {
   /// `views` and `mainWindow` must outlive the dialog.
   CModalDialog(int width, int height, const char* title, ViewHost& views, const Fl_Window& mainWindow);
 
-  /// Buttons for the derived dialog to place.
-  void AddOk(int x, int y, int w, int h);
+  /// Buttons for the derived dialog to place; the first one accepts.
+  void AddOk(int x, int y, int w, int h, const char* label = "OK");
   void AddCancel(int x, int y, int w, int h);
 
   /// Shows the dialog and lets the toolkit work until it has ended; whether it was accepted.

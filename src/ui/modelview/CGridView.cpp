@@ -1,10 +1,12 @@
 #include "ui/modelview/CGridView.h"
 
 #include <algorithm>
+#include <memory>
 
 #include <FL/Fl.H>
 
 #include "base/Console.h"
+#include "drawing/CSampledBuffer.h"
 #include "drawing/CTextures.h"
 #include "drawing/FrameBuffer.h"
 #include "drawing/SurfaceFit.h"
@@ -75,17 +77,17 @@ void CGridView::draw() {
   PrepareContext(*this);
   if (m_pGrid == nullptr) return;
   if (m_BeforeDrawing) m_BeforeDrawing();
-  DrawScene();
+  DrawScene(m_Camera, m_Camera.HalfSizes(w(), h(), false));
 }
 
-void CGridView::DrawScene() {
+void CGridView::DrawScene(const CCamera& camera, const CHalfSizes& sizes) {
   // This many texels take a moment to be located and given their normals.
   constexpr double kManyTexels = 1e6;
   const bool texels = (m_View.m_uFlags & ModelFlag::kTexelNormals) != 0;
   const CTexelMap& map = m_pGrid->Relighting().Texels();
   const CBusyCursor busy(texels && 1.0 * map.Width() * map.Height() > kManyTexels);
   if (texels) m_pGrid->Relighting().LocateTexels();
-  m_Painter.DrawScene(*m_pGrid, m_View, m_Camera, m_Camera.HalfSizes(w(), h(), false));
+  m_Painter.DrawScene(*m_pGrid, m_View, camera, sizes);
 }
 
 void CGridView::SetCamera(const CCamera& camera) {
@@ -98,6 +100,24 @@ bool CGridView::SaveFrame(const std::string& filename) {
   make_current();
   draw();
   return Global::SaveFrameBuffer(filename);
+}
+
+std::function<std::optional<CPicture>(const CCamera& camera)> CGridView::DrawPictures(int width, int height) {
+  make_current();
+  // The buffer belongs to the context of the view.
+  const auto remove = [this](const CSampledBuffer* buffer) {
+    make_current();
+    delete buffer;
+  };
+  const std::shared_ptr<CSampledBuffer> buffer(new CSampledBuffer(width, height), remove);
+  return [this, buffer, width, height](const CCamera& camera) -> std::optional<CPicture> {
+    if (shown() == 0 || m_pGrid == nullptr || !buffer->IsComplete()) return {};
+    make_current();
+    PrepareContext(*this);
+    buffer->Begin();
+    DrawScene(camera, camera.HalfSizes(width, height, true));
+    return buffer->End();
+  };
 }
 
 int CGridView::handle(int event) {

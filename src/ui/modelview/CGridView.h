@@ -8,6 +8,7 @@
 
 #include <FL/Fl_Gl_Window.H>
 
+#include "base/CPicture.h"
 #include "drawing/CCamera.h"
 #include "drawing/DisplayFlags.h"
 #include "drawing/ModelPainter.h"
@@ -61,6 +62,10 @@ class CGridView : public Fl_Gl_Window {
 
   /// Saves the view as it would be drawn now; false while it is not shown or if that fails.
   bool SaveFrame(const std::string& filename);
+  /// What the view shows, as another camera would see it, in a picture of another size, whose shorter side shows 2 R:
+  /// drawn by the answer, which the view must outlive. Nothing while the view is not shown, or where OpenGL cannot draw
+  /// such pictures. The screen stays as it is.
+  std::function<std::optional<CPicture>(const CCamera& camera)> DrawPictures(int width, int height);
 
   int handle(int event) override;
 
@@ -69,7 +74,7 @@ class CGridView : public Fl_Gl_Window {
 
  private:
   void ConnectMessages();
-  void DrawScene();
+  void DrawScene(const CCamera& camera, const CHalfSizes& sizes);
   bool HandleWheelZoom();
   Vector3 PointUnderMouse() const;
   void BeginDrag();

@@ -51,6 +51,7 @@ inline constexpr std::array kHelpTexts{
     "Done again: %1",
     "There is not the memory to go that step: the model stays as it is",
     "File, Grid in the Picture's Proportions, begins a grid that does not stretch this picture",
+    "Cancelled: %1 is not written",
 };
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
@@ -81,6 +82,7 @@ enum Index : int {
   kStepRedone = 33,   ///< what has been done again
   kStepFailed = 34,
   kFitOffered = 35,  ///< after a picture that the grid stretches
+  kCancelled = 36,   ///< an export that the user wanted no more
 };
 }  // namespace HelpText
 

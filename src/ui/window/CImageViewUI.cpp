@@ -127,6 +127,8 @@ void CImageViewUI::RefreshEnabled() {
   Menu().Enable(MenuEntry::SaveProject, static_cast<bool>(model.m_SaveProject));
   Menu().Enable(MenuEntry::RecoverWork, m_Commands.Recovery().m_HasWork && m_Commands.Recovery().m_HasWork());
   Menu().Enable(MenuEntry::FitPicture, m_Commands.CanFitPicture());
+  Menu().Enable(MenuEntry::ExportModel, m_Commands.CanExportModel());
+  Menu().Enable(MenuEntry::ExportFilm, m_Commands.CanExportFilm());
   Menu().Enable(MenuEntry::DrawingParameters, static_cast<bool>(m_Services.m_ShowDrawingOptions));
   Menu().Enable(MenuEntry::ImagePicture, HasPicture());
   Menu().Enable(MenuEntry::ModelTexture, HasPicture());

@@ -143,6 +143,7 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   std::string TextureFile() const override;
   void GridReplaced() override;
   void TellSaved(const std::string& file) override;
+  void TellCancelled(const std::string& file) override;
   void EndDrags() override;
 
   CToolkitDialogs m_ToolkitDialogs;

@@ -40,6 +40,8 @@ constexpr auto kRows = std::to_array<CMenuRow>({
   {RecentFiles, "Open &Recent", 0, {}},
   {Command, "Recover Unsaved &Work", 0, MenuEntry::RecoverWork},
   {Command, "Grid in the Pic&ture's Proportions", 0, MenuEntry::FitPicture},
+  {Command, "Export &Model...", 0, MenuEntry::ExportModel},
+  {Command, "Export &Film...", 0, MenuEntry::ExportFilm},
   {Command, "&Quit", FL_CTRL + 'q', MenuEntry::Quit},
   {End, nullptr, 0, {}},
   {Menu, "&2D View", 0, {}},

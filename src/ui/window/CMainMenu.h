@@ -20,6 +20,8 @@ enum class MenuEntry {
   OpenProject,
   RecoverWork,
   FitPicture,
+  ExportModel,
+  ExportFilm,
   ImageGrid,
   ImagePicture,
   ImagePoints,

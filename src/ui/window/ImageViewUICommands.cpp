@@ -159,6 +159,10 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       return m_Commands.SaveProject();
     case MenuEntry::RecoverWork:
       return m_Commands.RecoverWork();
+    case MenuEntry::ExportModel:
+      return m_Commands.ExportModel();
+    case MenuEntry::ExportFilm:
+      return m_Commands.ExportFilm();
     case MenuEntry::FitPicture:
       return RequestFit();
     case MenuEntry::ShootImage:

@@ -22,6 +22,8 @@ std::optional<std::string> CImageViewUI::ChooseFile(const CFileQuestion& questio
 
 void CImageViewUI::TellSaved(const std::string& file) { Tell(FormatHelp(HelpText::kSaved, {file})); }
 
+void CImageViewUI::TellCancelled(const std::string& file) { Tell(FormatHelp(HelpText::kCancelled, {file})); }
+
 void CImageViewUI::OpenFiles(const CWorkFiles& files) {
   if (!files.m_Model.empty()) m_WaitingFiles.m_Model = files.m_Model;
   if (!files.m_Picture.empty()) m_WaitingFiles.m_Picture = files.m_Picture;
