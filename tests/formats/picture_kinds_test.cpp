@@ -82,12 +82,14 @@ std::function<std::string(const CPicture&)> Webp(bool lossless, bool alpha) {
   return [settings](const CPicture& picture) { return TestWebp(picture, settings); };
 }
 
+#ifdef RELIEVO_HEIF
 std::function<std::string(const CPicture&)> Heif(bool avif, bool alpha) {
   CHeifSettings settings;
   settings.m_bAvif = avif;
   settings.m_bAlpha = alpha;
   return [settings](const CPicture& picture) { return TestHeif(picture, settings); };
 }
+#endif
 
 class PictureKindTest : public ::testing::TestWithParam<CKindCase> {};
 

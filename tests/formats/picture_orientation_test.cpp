@@ -48,6 +48,7 @@ std::string PngWithOrientationLast(const CPicture& picture, int orientation) {
   return TestPng(picture, settings);
 }
 
+#ifdef RELIEVO_HEIF
 // Exif, which contradicts the boxes, is not to be looked at.
 std::string TurnedHeif(const CPicture& picture, int turn, bool avif) {
   auto settings = Turned<CHeifSettings>(turn == 3 ? 6 : 3);
@@ -55,6 +56,7 @@ std::string TurnedHeif(const CPicture& picture, int turn, bool avif) {
   settings.m_bAvif = avif;
   return TestHeif(picture, settings);
 }
+#endif
 
 bool IsNear(const CRgb& a, const CRgb& b) {
   constexpr int kLoss = 40;
