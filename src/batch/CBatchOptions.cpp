@@ -230,11 +230,10 @@ void AddExports(CLI::App& app, CBatchOptions& options) {
       ->check(CLI::IsMember(kAxes))
       ->needs(output);
   const auto width = [&settings](double value) { settings.m_fUnderWidth = value; };
-  AddFactor(
-      app, "--under-width",
-      "How far the lower side runs on beneath the higher one with --tears under, model units (default a sixteenth "
-      "of the larger side)",
-      width, *output);
+  AddFactor(app, "--under-width",
+            "How far the lower side runs on beneath the higher one with --tears under, model units (default an eighth "
+            "of the larger side)",
+            width, *output);
   const auto scale = [&settings](double value) { settings.m_fScale = value; };
   AddFactor(app, "--scale", "Units of the file in a model unit (default 0.01 metres in a .glb or .html, else 1)", scale,
             *output);

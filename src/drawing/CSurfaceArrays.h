@@ -36,6 +36,8 @@ class CSurfaceArrays {
   std::span<const float> Normals() const { return m_afNormals; }
   /// Three vertices per triangle, counter-clockwise as seen from +z: the mesh without what lies in a discontinuity.
   std::span<const std::uint32_t> Triangles() const { return m_Mesh.Triangles(); }
+  /// The mesh that they are numbered by.
+  const CSurfaceMesh& Mesh() const { return m_Mesh; }
   /// Two vertices per line: the sides of the leaves 2^level lattice steps long, each once, without those inside a
   /// discontinuity.
   std::span<const std::uint32_t> Lines(int level) const { return m_aauLines[static_cast<std::size_t>(level)]; }

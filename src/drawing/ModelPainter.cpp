@@ -237,16 +237,12 @@ void CModelPainter::DrawTexturedModel(const CGrid& grid, const CView& view) {
     EnableLighting(grid.Relighting().AddedLights());
     m_Arrays.RefreshNormals(grid);
     glEnableClientState(GL_NORMAL_ARRAY);
-    glNormalPointer(GL_FLOAT, 0, m_Arrays.Normals().data());
   } else {
     m_Arrays.RefreshSurface(grid);
   }
   if (view.m_pTextures != nullptr) EnableTexture(grid, *view.m_pTextures, view.m_iDrawTexture);
-  constexpr GLsizei kStride = 3 * sizeof(float);
   glEnableClientState(GL_VERTEX_ARRAY);
   glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-  glVertexPointer(3, GL_FLOAT, kStride, m_Arrays.Positions().data());
-  glTexCoordPointer(2, GL_FLOAT, kStride, m_Arrays.Positions().data());
   // The surface is opaque, and a little behind what is drawn on it.
   glDisable(GL_BLEND);
   glDepthRange(kBehind, 1);
@@ -256,7 +252,7 @@ void CModelPainter::DrawTexturedModel(const CGrid& grid, const CView& view) {
     glEnable(GL_POLYGON_OFFSET_FILL);
     glPolygonOffset(SlopeOffset(g_DrawingSettings.m_ModelView.m_fGridThickness), 0);
   }
-  DrawElements(GL_TRIANGLES, m_Arrays.Triangles());
+  DrawSurface(grid, view, lit);
   glDisable(GL_POLYGON_OFFSET_FILL);
   glDepthRange(0, 1);
   glEnable(GL_BLEND);
@@ -266,6 +262,26 @@ void CModelPainter::DrawTexturedModel(const CGrid& grid, const CView& view) {
   glDisable(GL_LIGHTING);
   glDisable(GL_TEXTURE_2D);
   glColor4f(1, 1, 1, 1);
+}
+
+// With the arrays that are enabled.
+void CModelPainter::DrawSurface(const CGrid& grid, const CView& view, bool lit) {
+  constexpr GLsizei kStride = 3 * sizeof(float);
+  if (lit) glNormalPointer(GL_FLOAT, 0, m_Arrays.Normals().data());
+  glVertexPointer(3, GL_FLOAT, kStride, m_Arrays.Positions().data());
+  glTexCoordPointer(2, GL_FLOAT, kStride, m_Arrays.Positions().data());
+  if ((view.m_uFlags & (ModelFlag::kClosedTears | ModelFlag::kBehindTears)) == 0) {
+    DrawElements(GL_TRIANGLES, m_Arrays.Triangles());
+    return;
+  }
+  m_Closed.Refresh(grid, m_Arrays, (view.m_uFlags & ModelFlag::kBehindTears) != 0, lit);
+  const CClosedTears& tears = m_Closed.Tears();
+  DrawElements(GL_TRIANGLES, tears.PlainTriangles());
+  if (lit) glNormalPointer(GL_FLOAT, 0, tears.Normals().data());
+  glVertexPointer(3, GL_FLOAT, kStride, tears.Positions().data());
+  glTexCoordPointer(2, GL_FLOAT, 0, tears.Shown().data());
+  DrawElements(GL_TRIANGLES, tears.Triangles());
+  DrawElements(GL_TRIANGLES, tears.Strips());
 }
 
 void CModelPainter::DrawGridLines(const CGrid& grid) {

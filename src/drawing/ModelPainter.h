@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "drawing/CClosedArrays.h"
 #include "drawing/CCurveArrays.h"
 #include "drawing/CSurfaceArrays.h"
 #include "drawing/CTexelArrays.h"
@@ -33,12 +34,14 @@ class CModelPainter {
 
  private:
   void DrawTexturedModel(const CGrid& grid, const CView& view);
+  void DrawSurface(const CGrid& grid, const CView& view, bool lit);
   void DrawGridLines(const CGrid& grid);
   void DrawNormals(const CGrid& grid, std::uint32_t flags);
   void DrawNormalsTexels(const CGrid& grid, double length);
   void Draw3DCntr(const CGrid& grid);
 
   CSurfaceArrays m_Arrays;
+  CClosedArrays m_Closed;
   CCurveArrays m_Curves;
   CTexelArrays m_Texels;
 };

@@ -1,38 +1,19 @@
 #include "mesh/CCleanMesh.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "base/Memory.h"
-#include "constraints/TearLines.h"
-#include "mesh/CEndLeader.h"
 #include "mesh/CSideHeights.h"
 #include "mesh/CTearCutter.h"
 #include "mesh/CTearPatch.h"
 #include "mesh/CTearSides.h"
 #include "mesh/CTearStrips.h"
 #include "mesh/CTornSurface.h"
+#include "mesh/TearCuts.h"
 #include "quadtree/CQuadTree.h"
 
-namespace {
-
-// Cuts the patch along all curves and the ways that join their ends.
-void CutAll(CTearPatch& patch, CTearCutter& cutter, const std::vector<CGridSegment>& lines) {
-  for (const CGridSegment& s : lines) cutter.Cut(patch.Plane().At(s.x0, s.y0), patch.Plane().At(s.x1, s.y1));
-  CEndLeader(patch, cutter).LeadAll();
-}
-
-// The area around the tears that is looked at.
-int ReachOf(const CCleanMeshOptions& options, const std::array<double, 2>& cell, int cells) {
-  if (options.m_Gap != TearGap::Under) return CTearPatch::kReach;
-  const double reach = std::ceil(options.m_fUnderWidth / std::min(cell[0], cell[1])) + 2.0;
-  return std::max(CTearPatch::kReach, static_cast<int>(std::min(reach, static_cast<double>(cells))));
-}
-
-}  // namespace
-
-double UnderWidthOf(const CExtent& extent) { return std::max(extent.x1 - extent.x0, extent.y1 - extent.y0) / 16.0; }
+double UnderWidthOf(const CExtent& extent) { return std::max(extent.x1 - extent.x0, extent.y1 - extent.y0) / 8.0; }
 
 CCleanMesh::CCleanMesh(const CQuadTree& tree, const CSurfaceMesh& mesh, const CCntrCtrlList& curves,
                        const CCleanMeshOptions& options)
@@ -44,11 +25,12 @@ CCleanMesh::CCleanMesh(const CQuadTree& tree, const CSurfaceMesh& mesh, const CC
               options.m_fScale * (m_Extent.y1 - m_Extent.y0)) {
   if (m_Options.m_fUnderWidth <= 0.0) m_Options.m_fUnderWidth = UnderWidthOf(m_Extent);
   AddVertices(tree, mesh);
-  CTearPatch patch(tree, mesh, m_Plane, ReachOf(m_Options, m_afCell, m_iCells));
+  const double width = options.m_Gap == TearGap::Under ? m_Options.m_fUnderWidth : 0.0;
+  CTearPatch patch(tree, mesh, m_Plane, ReachOf(width, m_afCell, m_iCells));
   AddPlainTriangles(mesh, patch);
   if (patch.Triangles().Triangles().empty()) return;
   CTearCutter cutter(patch.Triangles(), m_Plane);
-  CutAll(patch, cutter, TearLines(curves, tree.Lattice()));
+  CutAlongCurves(patch, cutter, curves, tree.Lattice());
   std::vector<double> meshHeights;
   meshHeights.reserve(m_aVertices.size());
   for (const CVertex& vertex : m_aVertices) meshHeights.push_back(vertex.m_fZ);

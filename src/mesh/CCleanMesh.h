@@ -33,7 +33,7 @@ struct CCleanMeshOptions {
   double m_fUnderWidth = 0.0;   ///< how far the lower side runs on, model units; 0 for `UnderWidthOf`
 };
 
-/// How far the lower side of a tear runs on where nothing else is said: a sixteenth of the larger side of the model.
+/// How far the lower side of a tear runs on where nothing else is said: an eighth of the larger side of the model.
 double UnderWidthOf(const CExtent& extent);
 
 /// The surface as a mesh whose tears end on their curves: what exports write and the model view may show.

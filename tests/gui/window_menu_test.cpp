@@ -66,6 +66,8 @@ const auto kEntries = std::to_array<CExpectedEntry>({
   {"A&dvanced/&Way of convergence/&No Wavelet Transformation", MenuEntry::NoWavelets, 0, Radio},
   {"Edi&t/&Undo", MenuEntry::Undo, kCtrl | 'z', Command},
   {"Edi&t/&Redo", MenuEntry::Redo, kCtrl | kShift | 'z', Command},
+  {"&Inspect/Close the &gaps of tears", MenuEntry::ClosedTears, 0, Toggle},
+  {"&Inspect/Continue &behind tears", MenuEntry::BehindTears, 0, Toggle},
 });
 
 struct CFlag {
@@ -88,6 +90,8 @@ constexpr auto kFlags = std::to_array<CFlag>({
   {MenuEntry::CellNormals, true, 0x10000, true},
   {MenuEntry::PointNormals, true, 0x20000, true},
   {MenuEntry::TexelNormals, true, 0x40000, true},
+  {MenuEntry::ClosedTears, true, 128, false},
+  {MenuEntry::BehindTears, true, 256, false},
   {MenuEntry::DiscontinuityGap, false, 128, false},
   {MenuEntry::DiscontinuityEdges, false, 256, false},
 });

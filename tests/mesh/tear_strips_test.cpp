@@ -127,7 +127,7 @@ TEST(TearStripsTest, SharesTheVerticesOfTheLowerSideAlongTheTear) {
   EXPECT_GE(shared, 16U);
 }
 
-TEST(TearStripsTest, RunsASixteenthOfTheLargerSideWhereNothingElseIsSaid) {
-  EXPECT_DOUBLE_EQ(UnderWidthOf({.x0 = 0.0, .x1 = 32.0, .y0 = 0.0, .y1 = 6.0}), 2.0);
-  EXPECT_DOUBLE_EQ(UnderWidthOf({.x0 = -1.0, .x1 = 0.0, .y0 = 0.0, .y1 = 64.0}), 4.0);
+TEST(TearStripsTest, RunsAnEighthOfTheLargerSideWhereNothingElseIsSaid) {
+  EXPECT_DOUBLE_EQ(UnderWidthOf({.x0 = 0.0, .x1 = 32.0, .y0 = 0.0, .y1 = 6.0}), 4.0);
+  EXPECT_DOUBLE_EQ(UnderWidthOf({.x0 = -1.0, .x1 = 0.0, .y0 = 0.0, .y1 = 64.0}), 8.0);
 }

@@ -83,6 +83,10 @@ constexpr auto kRows = std::to_array<CMenuRow>({
   {Command, "&Redo", FL_CTRL + FL_SHIFT + 'z', MenuEntry::Redo},
   {OtherKey, "&Redo", FL_CTRL + 'y', MenuEntry::Redo},
   {End, nullptr, 0, {}},
+  {Menu, "&Inspect", 0, {}},
+  {Toggle, "Close the &gaps of tears", 0, MenuEntry::ClosedTears},
+  {Toggle, "Continue &behind tears", 0, MenuEntry::BehindTears},
+  {End, nullptr, 0, {}},
   {End, nullptr, 0, {}},
 });
 // clang-format on

@@ -52,6 +52,8 @@ enum class MenuEntry {
   Quit,
   Undo,
   Redo,
+  ClosedTears,
+  BehindTears,
   Write,  ///< the model in the first of ModelFormats(); those of the others follow
 };
 

@@ -28,6 +28,8 @@ inline constexpr auto kFlagEntries = std::to_array<CFlagEntry>({
     {MenuEntry::CellNormals, ModelFlag::kCellNormals, true, true},
     {MenuEntry::PointNormals, ModelFlag::kPointNormals, true, true},
     {MenuEntry::TexelNormals, ModelFlag::kTexelNormals, true, true},
+    {MenuEntry::ClosedTears, ModelFlag::kClosedTears, true, false},
+    {MenuEntry::BehindTears, ModelFlag::kBehindTears, true, false},
     {MenuEntry::DiscontinuityGap, ImageFlag::kDiscontinuityGap, false, false},
     {MenuEntry::DiscontinuityEdges, ImageFlag::kDiscontinuityEdges, false, false},
 });
