@@ -144,8 +144,8 @@ CEntries CElimination::CombinationOf(std::uint32_t row) {
     const double weight = std::exchange(m_afFactors[of], 0.0);
     factors.emplace_back(of, weight);
     for (const auto& [earlier, factor] : m_aReduced[of].m_aEarlier) {
+      if (m_afFactors[earlier] == 0.0) open.Push(earlier);
       m_afFactors[earlier] -= weight * factor;
-      open.Push(earlier);
     }
     m_uProducts += m_aReduced[of].m_aEarlier.size();
   }

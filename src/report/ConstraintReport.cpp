@@ -143,10 +143,17 @@ std::vector<std::size_t> CReporter::LinesOf(const CRowRelation& relation) const 
   return lines;
 }
 
-void AddOthers(CConstraintLine& line, std::size_t own, const std::vector<std::size_t>& lines) {
-  for (const std::size_t other : lines) {
-    if (other != own && std::ranges::find(line.m_auOthers, other) == line.m_auOthers.end())
-      line.m_auOthers.push_back(other);
+void AddOthers(CConstraintLine& line, const std::vector<std::size_t>& lines) {
+  line.m_auOthers.insert(line.m_auOthers.end(), lines.begin(), lines.end());
+}
+
+// Each once, and without the line itself.
+void SortOthers(std::vector<CConstraintLine>& lines) {
+  for (std::size_t k = 0; k < lines.size(); ++k) {
+    std::vector<std::size_t>& others = lines[k].m_auOthers;
+    std::ranges::sort(others);
+    others.erase(std::unique(others.begin(), others.end()), others.end());
+    std::erase(others, k);
   }
 }
 
@@ -177,15 +184,16 @@ void CReporter::TakeRelations() {
   for (const CContradiction& contradiction : m_Report.m_aContradictions) {
     for (const std::size_t line : contradiction.m_auLines) {
       m_Report.m_aLines[line].m_State = ConstraintState::Contradicts;
-      AddOthers(m_Report.m_aLines[line], line, contradiction.m_auLines);
+      AddOthers(m_Report.m_aLines[line], contradiction.m_auLines);
     }
   }
   for (const auto& [line, lines] : repetitions) {
     CConstraintLine& of = m_Report.m_aLines[line];
     if (of.m_State == ConstraintState::Contradicts || repeated[line] < m_auRowsOfLine[line]) continue;
     of.m_State = ConstraintState::Repeats;
-    AddOthers(of, line, lines);
+    AddOthers(of, lines);
   }
+  SortOthers(m_Report.m_aLines);
 }
 
 CConstraintReport CReporter::Report() {
