@@ -1,7 +1,6 @@
 #include "reference/CDepthMap.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -20,6 +19,30 @@ struct CBetween {
   int m_iFirst;
   double m_fShare;
 };
+
+// Calls `visit` with the index of each pixel beside, above and below one.
+template <typename Visit>
+void ForNeighbours(std::size_t pixel, int width, int height, const Visit& visit) {
+  const auto stride = static_cast<std::size_t>(width);
+  const std::size_t column = pixel % stride;
+  const std::size_t row = pixel / stride;
+  if (column + 1 < stride) visit(pixel + 1);
+  if (column > 0) visit(pixel - 1);
+  if (row + 1 < static_cast<std::size_t>(height)) visit(pixel + stride);
+  if (row > 0) visit(pixel - stride);
+}
+
+// Of those that have a value. A float would not hold the sum of the largest ones.
+float MeanOfNeighbours(std::size_t pixel, int width, int height, const std::vector<float>& values) {
+  double sum = 0.0;
+  double count = 0.0;
+  ForNeighbours(pixel, width, height, [&](std::size_t neighbour) {
+    if (std::isnan(values[neighbour])) return;
+    sum += values[neighbour];
+    count += 1.0;
+  });
+  return static_cast<float>(sum / count);
+}
 
 }  // namespace
 
@@ -76,37 +99,18 @@ std::vector<float> CDepthReading::Filled() const {
     filled[k] = IsValue(m_Map.Values()[k]) ? m_Map.Values()[k] : m_fNone;
     if (!std::isnan(filled[k])) ring.push_back(k);
   }
-  constexpr std::array<std::pair<int, int>, 4> kNeighbours{{{1, 0}, {0, 1}, {-1, 0}, {0, -1}}};
-  const auto forNeighbours = [&](std::size_t k, const auto& visit) {
-    const auto width = static_cast<std::size_t>(Width());
-    for (const auto& [dx, dy] : kNeighbours) {
-      const int column = static_cast<int>(k % width) + dx;
-      const int row = static_cast<int>(k / width) + dy;
-      if (column >= 0 && row >= 0 && column < Width() && row < Height()) visit(Index(column, row));
-    }
-  };
   std::vector<std::size_t> next;
   std::vector<float> means;
   for (; !ring.empty(); ring.swap(next)) {
     next.clear();
     for (const std::size_t k : ring)
-      forNeighbours(k, [&](std::size_t n) {
+      ForNeighbours(k, Width(), Height(), [&](std::size_t n) {
         if (std::isnan(filled[n])) next.push_back(n);
       });
     std::ranges::sort(next);
     next.erase(std::unique(next.begin(), next.end()), next.end());
     means.clear();
-    for (const std::size_t k : next) {
-      // A float would not hold the sum of the largest ones.
-      double sum = 0.0;
-      double count = 0.0;
-      forNeighbours(k, [&](std::size_t n) {
-        if (std::isnan(filled[n])) return;
-        sum += filled[n];
-        count += 1.0;
-      });
-      means.push_back(static_cast<float>(sum / count));
-    }
+    for (const std::size_t k : next) means.push_back(MeanOfNeighbours(k, Width(), Height(), filled));
     for (std::size_t k = 0; k < next.size(); ++k) filled[next[k]] = means[k];
   }
   return filled;
