@@ -8,10 +8,9 @@
 
 #include "drawing/DisplayFlags.h"
 #include "formats/ProjectFile.h"
-#include "model/CGrid.h"
 #include "support/CTemporaryDirectory.h"
-#include "support/ConsoleCapture.h"
 #include "support/FileBuilders.h"
+#include "support/ProjectBuilders.h"
 #include "support/SamplePhotograph.h"
 #include "support/gui/CRelievo.h"
 #include "support/gui/CUser.h"
@@ -23,18 +22,10 @@ class ProjectRunTest : public ::testing::Test {
  protected:
   /// A project of one height on the photograph, without lines of the grid, in which clicks add heights.
   void Write() const {
-    const ConsoleCapture console;
-    CGrid grid;
-    grid.AddPtCstr({30, 40, PtCstrKind::kPosition, 7});
-    grid.PerformPendingWork();
-    CProject project;
-    project.m_Model = StateOf(grid);
-    project.m_Heights = SolvedHeights(grid);
+    CProject project = ProjectOfOneHeight();
     project.m_Views.m_iEditingMode = static_cast<int>(EditingMode::Position);
     project.m_Views.m_uImageFlags = ImageFlag::kPointConstraints | ImageFlag::kImage;
     project.m_Views.m_uModelFlags = ModelFlag::kTexturedModel;
-    project.m_Views.m_Eye = {50, 50, 200};
-    project.m_Views.m_Up = {0, 70, 0};
     project.m_Views.m_fR = project.m_Views.m_fR0 = 70;
     project.m_Picture = {"/photos/cup.bmp", {}, std::make_shared<const std::string>(BytesOf(kPhotograph))};
     ASSERT_TRUE(SaveProject(project, m_File));

@@ -8,8 +8,8 @@
 #include "drawing/DisplayFlags.h"
 #include "formats/ProjectFile.h"
 #include "support/BmpBuilders.h"
-#include "support/ConsoleCapture.h"
 #include "support/FileBuilders.h"
+#include "support/ProjectBuilders.h"
 #include "support/gui/CLightPanelUser.h"
 #include "support/gui/Input.h"
 #include "support/gui/UndoTest.h"
@@ -58,18 +58,10 @@ class UndoToolsRunTest : public UndoTest {
   }
   // Another model over another picture, seen from elsewhere.
   std::string OtherProject() const {
-    const ConsoleCapture console;
-    CGrid grid;
-    grid.AddPtCstr({30, 40, PtCstrKind::kPosition, 7});
-    grid.PerformPendingWork();
-    CProject project;
-    project.m_Model = StateOf(grid);
-    project.m_Heights = SolvedHeights(grid);
+    CProject project = ProjectOfOneHeight();
     project.m_Views.m_iEditingMode = static_cast<int>(EditingMode::Normal);
     project.m_Views.m_uImageFlags = ImageFlag::kImage;
     project.m_Views.m_uModelFlags = ModelFlag::kGrid;
-    project.m_Views.m_Eye = {50, 50, 200};
-    project.m_Views.m_Up = {0, 70, 0};
     project.m_Views.m_fR = project.m_Views.m_fR0 = 50;
     WriteBytes(File("other.bmp"), BmpFile(SomePicture(30, 20)));
     project.m_Picture = {File("other.bmp"), {}, std::make_shared<const std::string>(BytesOf(File("other.bmp")))};

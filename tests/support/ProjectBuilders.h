@@ -10,7 +10,23 @@
 
 #include "formats/CProject.h"
 #include "quadtree/CSaveQuadT.h"
+#include "support/ConsoleCapture.h"
 #include "support/GridBuilders.h"
+
+/// A small model as the window saves it, seen from straight above its middle: one height, no picture. The rest of the
+/// views is for the caller to fill in.
+inline CProject ProjectOfOneHeight() {
+  const ConsoleCapture console;
+  CGrid grid;
+  grid.AddPtCstr({30, 40, PtCstrKind::kPosition, 7});
+  grid.PerformPendingWork();
+  CProject project;
+  project.m_Model = StateOf(grid);
+  project.m_Heights = SolvedHeights(grid);
+  project.m_Views.m_Eye = {50, 50, 200};
+  project.m_Views.m_Up = {0, 70, 0};
+  return project;
+}
 
 // Documents and projects by chance: every value that one may have, whether or not it makes sense as a model.
 
