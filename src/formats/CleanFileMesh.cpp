@@ -203,6 +203,7 @@ CFileMesh CleanSolid(const CGrid& grid, const CCleanMeshOptions& options, double
   constexpr double kCleanShare = 0.8;
   CCleanMeshOptions closed = options;
   closed.m_Gap = TearGap::Wall;
+  closed.m_bOpenEdges = true;
   const CCleanMesh clean = CleanMeshOf(grid, closed);
   CFileMesh mesh = EmptyMesh(grid, options);
   if (!steps.Goes(kCleanShare)) return mesh;

@@ -39,6 +39,7 @@ CCleanMesh::CCleanMesh(const CQuadTree& tree, const CSurfaceMesh& mesh, const CC
   const std::vector<double> known = side.KnownOf(meshHeights);
   CTornSurface torn(patch, sides, side.Raised(known), options.m_fHeightScale);
   if (options.m_Gap == TearGap::Wall) torn.SplitAtChanges(cutter);
+  if (options.m_bOpenEdges) torn.OpenEdges();
   const std::vector<std::uint32_t> numbers = AddTorn(torn, patch);
   if (options.m_Gap == TearGap::Under) AddStrips(patch, sides, side, known, numbers);
 }
@@ -85,13 +86,14 @@ std::vector<std::uint32_t> CCleanMesh::AddTorn(const CTornSurface& torn, const C
     if (number == CTearPatch::kNone || taken[vertex]) return;
     taken[vertex] = true;
     numbers[copy] = number;
+    m_aVertices[number].m_Place = torn.PlaceOf(copy);
     m_aVertices[number].m_fZ = torn.Heights()[copy];
   };
   for (std::uint32_t copy = 0; copy < vertices.size(); ++copy) keep(copy);
   for (std::uint32_t copy = 0; copy < vertices.size(); ++copy) {
     if (numbers[copy] != CTearPatch::kNone) continue;
     numbers[copy] = static_cast<std::uint32_t>(m_aVertices.size());
-    m_aVertices.push_back(VertexAt(patch.Triangles().Place(vertices[copy]), torn.Heights()[copy]));
+    m_aVertices.push_back(VertexAt(torn.PlaceOf(copy), torn.Heights()[copy]));
   }
   for (const auto& corners : torn.Corners()) {
     for (const std::uint32_t copy : corners) m_auTriangles.push_back(numbers[copy]);

@@ -31,6 +31,7 @@ struct CCleanMeshOptions {
   double m_fScale = 1.0;        ///< written units in a model unit, across the picture; positive
   double m_fHeightScale = 1.0;  ///< and along z
   double m_fUnderWidth = 0.0;   ///< how far the lower side runs on, model units; 0 for `UnderWidthOf`
+  bool m_bOpenEdges = false;    ///< no edge has four walls: corners at crossing tears are moved by 1/1000 of a cell
 };
 
 /// How far the lower side of a tear runs on where nothing else is said: an eighth of the larger side of the model.

@@ -1,6 +1,7 @@
 #include "mesh/CTornSurface.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "mesh/CTearCutter.h"
@@ -100,6 +101,89 @@ void CTornSurface::TakeParts(const CCutSide& side, std::uint32_t vertex, double 
   }
 }
 
+CMeshPlace CTornSurface::PlaceOf(std::uint32_t copy) const {
+  const auto moved = m_Moved.find(copy);
+  return moved != m_Moved.end() ? moved->second.m_Place : m_Patch.Triangles().Place(m_auVertices[copy]);
+}
+
+void CTornSurface::OpenEdges() {
+  std::vector<std::uint8_t> copies(m_Patch.Triangles().VertexCount());
+  for (const std::uint32_t vertex : m_auVertices)
+    copies[vertex] = static_cast<std::uint8_t>(std::min(copies[vertex] + 1, 4));
+  std::vector<CCutTriangulation::CCorner> ring;
+  for (std::uint32_t vertex = 0; vertex < copies.size(); ++vertex) {
+    if (copies[vertex] < 4) continue;
+    m_Patch.Triangles().CornersAround(vertex, ring);
+    const auto& [first, place] = ring.front();
+    if (m_Patch.Triangles().Triangle(first).m_auNeighbours[place] != CTearPatch::kNone) OpenEdge(ring);
+  }
+}
+
+// `ring` are the corners once around a vertex.
+void CTornSurface::OpenEdge(std::span<const CCutTriangulation::CCorner> ring) {
+  std::vector<std::uint32_t> around;
+  for (const auto& [t, place] : ring) {
+    const std::uint32_t copy = m_aCorners[t][place];
+    if (around.empty() || around.back() != copy) around.push_back(copy);
+  }
+  if (around.front() == around.back()) around.pop_back();
+  const std::size_t count = around.size();
+  std::map<std::uint32_t, CMoved> moved;
+  for (std::size_t k = 0; k < count; ++k) {
+    const float foot = std::max(Written(around[(k + 1) % count]), Written(around[(k + count - 1) % count]));
+    CMeshPlace place;
+    if (Written(around[k]) > foot && MoveIn(around[k], ring, place)) moved[around[k]] = {place, foot};
+  }
+  if (moved.size() > 1) m_Moved.merge(moved);
+}
+
+// A thousandth of a cell towards the middle of the corner's triangles, or as much less as they need to keep their area.
+bool CTornSurface::MoveIn(std::uint32_t copy, std::span<const CCutTriangulation::CCorner> ring,
+                          CMeshPlace& place) const {
+  constexpr double kStep = 1e-3;
+  constexpr int kHalvings = 4;
+  const CCutTriangulation& triangles = m_Patch.Triangles();
+  const CMeshPlace from = triangles.Place(m_auVertices[copy]);
+  double x = 0.0;
+  double y = 0.0;
+  const auto forEach = [&](const auto& visit) {
+    for (const CCutTriangulation::CCorner& corner : ring) {
+      if (m_aCorners[corner.m_uTriangle][corner.m_uPlace] == copy)
+        visit(triangles.Place(triangles.Vertex(corner, 1)), triangles.Place(triangles.Vertex(corner, 2)));
+    }
+  };
+  // Each side counts once for its length, however short the others are.
+  forEach([&](const CMeshPlace& a, const CMeshPlace& b) {
+    for (const CMeshPlace& p : {a, b}) {
+      const double length = m_Patch.Plane().Distance(from, p);
+      x += (static_cast<double>(p.x) - from.x) / length;
+      y += (static_cast<double>(p.y) - from.y) / length;
+    }
+  });
+  const auto towards = [&](double share) {
+    return CMeshPlace{static_cast<std::int32_t>(std::lround(from.x + share * x)),
+                      static_cast<std::int32_t>(std::lround(from.y + share * y))};
+  };
+  double share = kStep / std::max(m_Patch.Plane().Distance(from, towards(1.0)), kStep);
+  for (int halving = 0; halving <= kHalvings; ++halving, share /= 2.0) {
+    place = towards(share);
+    bool keeps = place != from;
+    forEach([&](const CMeshPlace& a, const CMeshPlace& b) { keeps = keeps && Turn(a, b, place) > 0; });
+    if (keeps) return true;
+  }
+  return false;
+}
+
+// Whether the wall between two copies has to meet another copy of their vertex.
+bool CTornSurface::IsInChain(std::uint32_t copy, std::uint32_t low, std::uint32_t high) const {
+  if (m_Moved.count(copy) != 0) return false;
+  for (const std::uint32_t end : {low, high}) {
+    const auto moved = m_Moved.find(end);
+    if (moved != m_Moved.end() && Written(copy) > moved->second.m_fFoot) return false;
+  }
+  return true;
+}
+
 // The copies of a vertex from one height to another.
 std::vector<std::uint32_t> CTornSurface::Chain(std::uint32_t low, std::uint32_t high,
                                                std::span<const std::uint32_t> others) const {
@@ -109,7 +193,7 @@ std::vector<std::uint32_t> CTornSurface::Chain(std::uint32_t low, std::uint32_t 
   if (a == b) return chain;
   for (const std::uint32_t copy : others) {
     const float z = Written(copy);
-    if (std::min(a, b) < z && z < std::max(a, b)) chain.push_back(copy);
+    if (std::min(a, b) < z && z < std::max(a, b) && IsInChain(copy, low, high)) chain.push_back(copy);
   }
   const bool rising = a < b;
   std::ranges::sort(chain, [&](std::uint32_t p, std::uint32_t q) {

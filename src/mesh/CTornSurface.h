@@ -3,8 +3,12 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <span>
 #include <vector>
+
+#include "mesh/CCutTriangulation.h"
+#include "mesh/CMeshPlane.h"
 
 class CTearCutter;
 class CTearPatch;
@@ -32,6 +36,9 @@ class CTornSurface {
   /// Splits cut sides at the places where the two heights change places, so that neither surface crosses the other
   /// between two vertices.
   void SplitAtChanges(CTearCutter& cutter);
+  /// Moves the corners of the higher surfaces in, by a thousandth of a cell, where two of them meet in a vertex across
+  /// two lower ones: four walls would share their edge. Before `Walls`, after all splits.
+  void OpenEdges();
   /// The vertical strips between the two edges of each cut, three copies per triangle, facing as the surface does: a
   /// side of the surface and that of its strip run in opposite directions. Nothing where both heights are the same when
   /// written; vertical edges are split at all heights that their vertex has.
@@ -41,6 +48,8 @@ class CTornSurface {
   std::span<const CCorners> Corners() const { return m_aCorners; }
   std::span<const std::uint32_t> Vertices() const { return m_auVertices; }
   std::span<const double> Heights() const { return m_afHeights; }
+  /// Where a copy lies, which is where its vertex does but for corners that have been moved.
+  CMeshPlace PlaceOf(std::uint32_t copy) const;
   float Written(std::uint32_t copy) const { return static_cast<float>(m_fScale * m_afHeights[copy]); }
   /// Cut sides inside the patch, each once.
   std::vector<CCutSide> CutSides() const;
@@ -48,6 +57,14 @@ class CTornSurface {
  private:
   bool SplitAtChange(const CCutSide& side, CTearCutter& cutter);
   void TakeParts(const CCutSide& side, std::uint32_t vertex, double z, std::size_t before);
+  // A corner that has been moved.
+  struct CMoved {
+    CMeshPlace m_Place;
+    float m_fFoot = 0.0F;  ///< where its slanted edge begins: the higher one of its two neighbours
+  };
+  void OpenEdge(std::span<const CCutTriangulation::CCorner> ring);
+  bool MoveIn(std::uint32_t copy, std::span<const CCutTriangulation::CCorner> ring, CMeshPlace& place) const;
+  bool IsInChain(std::uint32_t copy, std::uint32_t low, std::uint32_t high) const;
   std::vector<std::uint32_t> Chain(std::uint32_t low, std::uint32_t high, std::span<const std::uint32_t> others) const;
 
   CTearPatch& m_Patch;
@@ -55,4 +72,5 @@ class CTornSurface {
   std::vector<std::uint32_t> m_auVertices;  ///< by copy
   std::vector<double> m_afHeights;          ///< by copy
   double m_fScale;
+  std::map<std::uint32_t, CMoved> m_Moved;  ///< by copy
 };

@@ -15,6 +15,7 @@
 #include <tiny_gltf.h>
 #include <tiny_obj_loader.h>
 
+#include "formats/CleanFileMesh.h"
 #include "formats/GlbFile.h"
 #include "formats/ObjFile.h"
 #include "formats/PlyFile.h"
@@ -22,6 +23,7 @@
 #include "formats/StlFile.h"
 #include "support/BmpBuilders.h"
 #include "support/CTemporaryDirectory.h"
+#include "support/CleanMeshBuilders.h"
 #include "support/FileBuilders.h"
 #include "support/ProgramRun.h"
 
@@ -335,6 +337,26 @@ TEST(StlTest, IsAClosedSolidForAnotherProgram) {
              "Backwards edges : 0 Normals fixed : 0 "))
         << report;
     EXPECT_TRUE(says(up == UpAxis::Z ? "Max Z = 2.000000" : "Max Y = 2.000000")) << report;
+  }
+}
+
+TEST(StlTest, IsASolidForAnotherProgramWhereHighAndLowQuartersMeetInOnePoint) {
+  const CTemporaryDirectory directory;
+  for (const double crossing : {7.4, 8.0, 7.75}) {
+    CTornGrid grid({{{{0.0, crossing}, {16.0, crossing}}}, {{{8.3, 0.0}, {8.3, 16.0}}}});
+    grid.Raise([&](int column, int row) {
+      const bool right = column > 8.3;
+      const bool upper = row > crossing;
+      return right == upper ? (right ? 7.0 : 5.0) : (right ? 1.0 : 2.0);
+    });
+    WriteText(directory.File("quarters.stl"), StlOf(CleanSolid(grid.m_Grid, {}, 2.0), UpAxis::Z));
+    ASSERT_EQ(RunIn(directory.Path(), "admesh quarters.stl"), 0);
+    const std::string report = WordsOf(BytesOf(directory.File("out")));
+    const auto says = [&report](const std::string& words) { return report.find(words) != std::string::npos; };
+    EXPECT_TRUE(says("Total disconnected facets : 0 0 ")) << report;
+    EXPECT_TRUE(says("Facets removed : 0 Facets added : 0 Facets reversed : 0 Backwards edges : 0 ")) << report;
+    EXPECT_TRUE(says("Number of parts : 1 Volume : ")) << report;
+    EXPECT_FALSE(says("Volume : -")) << report;
   }
 }
 
