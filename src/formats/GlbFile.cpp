@@ -156,11 +156,12 @@ std::optional<std::string> GlbOf(const CFileMesh& mesh, const CEncodedPicture& p
     head.Put(static_cast<std::uint32_t>(number));
   std::string bytes;
   ReserveLarge(bytes, length);
-  bytes += head.Take();
-  bytes += text;
-  head.Put(static_cast<std::uint32_t>(chunk.Size()));
-  head.Put(kBinaryChunk);
   bytes += head.Bytes();
+  bytes += text;
+  CByteWriter binary;
+  binary.Put(static_cast<std::uint32_t>(chunk.Size()));
+  binary.Put(kBinaryChunk);
+  bytes += binary.Bytes();
   if (!AppendNumbers(mesh, steps, bytes)) return {};
   bytes += picture.m_Bytes;
   bytes.resize(length);
