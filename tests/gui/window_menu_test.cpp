@@ -164,9 +164,9 @@ TEST_F(WindowMenuTest, OnlyWhatHasNothingToWorkWithStartsInactive) {
 
 TEST_F(WindowMenuTest, WhatNobodyBringsIsInactive) {
   m_Window.SetServices({});
-  for (const MenuEntry entry :
-       {MenuEntry::NewGrid, MenuEntry::LoadGrid, kSaveGrid, kSaveVrml, kExportHeightField, MenuEntry::SaveAgain,
-        MenuEntry::SaveProject, MenuEntry::OpenProject, MenuEntry::DrawingParameters}) {
+  for (const MenuEntry entry : {MenuEntry::NewGrid, MenuEntry::LoadGrid, kSaveGrid, kSaveVrml, kExportHeightField,
+                                MenuEntry::SaveAgain, MenuEntry::SaveProject, MenuEntry::OpenProject,
+                                MenuEntry::ExportModel, MenuEntry::ExportFilm, MenuEntry::DrawingParameters}) {
     EXPECT_FALSE(Menu().IsActive(entry));
   }
   EXPECT_TRUE(Menu().IsActive(MenuEntry::LoadImage));
@@ -197,6 +197,11 @@ TEST_F(WindowMenuTest, ShortcutsReachTheCommands) {
   EXPECT_EQ(m_asDone, (std::vector<std::string>{"ask", "load", "save", "height field"}));
   TypeShortcut(kAlt | kShift | 'o');
   EXPECT_EQ(Grid().Run().NextOperation(), Operation::kLoadImage) << "waits for the solver, which the first one resumed";
+}
+
+TEST_F(WindowMenuTest, ExportsReachTheCommands) {
+  for (const MenuEntry entry : {MenuEntry::ExportModel, MenuEntry::ExportFilm}) Menu().Choose(entry);
+  EXPECT_EQ(m_asDone, (std::vector<std::string>{"export model", "export film"}));
 }
 
 TEST_F(WindowMenuTest, ShortcutOfAnInactiveEntryDoesNothing) {

@@ -124,6 +124,23 @@ class WindowTest : public ToolkitTest {
     Fl::e_length = 0;
   }
 
+  // The user cancels, so that no more than the questions is asked.
+  CExportServices ExportServices() {
+    CExportServices services;
+    services.m_AskModel = [this](CExportSurvey&, const CExportSettings&) {
+      m_asDone.emplace_back("export model");
+      return std::optional<CExportChoice>();
+    };
+    services.m_AskFilm = [this](std::size_t) {
+      m_asDone.emplace_back("export film");
+      return std::optional<CFilmChoice>();
+    };
+    services.m_DrawModels = [](int, int) { return CExportServices::DrawModel(); };
+    services.m_ShowProgress = [](const std::string&, const std::function<CSaveOutcome(ExportProgress&)>&) {
+      return CSaveOutcome();
+    };
+    return services;
+  }
   CWindowServices Services() {
     CWindowServices services;
     const auto note = [this](const char* what) { m_asDone.emplace_back(what); };
@@ -148,6 +165,7 @@ class WindowTest : public ToolkitTest {
       note("save project");
       return CSaveOutcome();
     };
+    services.m_Model.m_Export = ExportServices();
     services.m_Model.m_AskSize = [note](const std::function<void(int, int)>&) { note("height field"); };
     services.m_ShowDrawingOptions = [note] { note("options"); };
     services.m_Model.m_AskContourAttributes = [note, this](const CContourAttributes& present, bool fairness) {
