@@ -84,9 +84,10 @@ CFilmProgram::CFilmProgram(int width, int height, const std::vector<std::string>
   if (OpenAll(theirs)) Start(Arguments(width, height, encoding), theirs.Get());
 }
 
-void CFilmProgram::Start(const std::vector<std::string>& arguments, int theirs) {
+void CFilmProgram::Start(std::vector<std::string> arguments, int theirs) {
   std::vector<char*> pointers;
-  for (const std::string& argument : arguments) pointers.push_back(const_cast<char*>(argument.c_str()));
+  pointers.reserve(arguments.size() + 1);
+  for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);

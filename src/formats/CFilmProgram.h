@@ -55,7 +55,7 @@ class CFilmProgram {
 
   static void OpenUnnamed(CDescriptor& file);
   bool OpenAll(CDescriptor& theirs);
-  void Start(const std::vector<std::string>& arguments, int theirs);
+  void Start(std::vector<std::string> arguments, int theirs);
   void End();
 
   CDescriptor m_Frames;  ///< our end of what it reads
