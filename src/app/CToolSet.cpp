@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/CLightTool.h"
+#include "app/CReferenceTool.h"
 #include "app/RecorderTool.h"
 #include "app/ScissorsTool.h"
 #include "drawing/DrawingSettings.h"
@@ -43,6 +44,7 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
   window.SetTool(CImageViewUI::Tool::LightSources, std::move(lights));
   window.SetTool(CImageViewUI::Tool::Recorder, MakeRecorderTool(window));
   window.SetTool(CImageViewUI::Tool::Scissors, MakeScissorsTool(window, grid));
+  window.SetTool(CImageViewUI::Tool::ReferenceDepth, std::make_unique<CReferenceTool>(window, grid));
 }
 
 CExportServices CToolSet::ExportServices(CImageViewUI& window) {

@@ -159,7 +159,9 @@ void CGridCommands::Save(const CModelFormat& format, const CModelName& named) {
   }
   CWriteSettings settings;
   settings.m_WithLights = [&named] { return named.m_bWithLights; };
-  if (WriteTo(named.m_File, format, settings)) m_Host.TellSaved(named.m_File);
+  if (!WriteTo(named.m_File, format, settings)) return;
+  m_Host.TellSaved(named.m_File);
+  TellWhatIsNotKept(named.m_File, format);
 }
 
 bool CGridCommands::CanWrite(const CModelFormat& format) const {
@@ -199,6 +201,11 @@ void CGridCommands::AskFileAndWrite(const CModelFormat& format, const CWriteSett
   if (!file.has_value()) return;
   const CSaveOutcome outcome = WriteTo(*file, format, settings);
   if (outcome && format.m_pDone != nullptr) m_Host.Notice(format.m_pDone);
+  if (outcome) TellWhatIsNotKept(*file, format);
+}
+
+void CGridCommands::TellWhatIsNotKept(const std::string& file, const CModelFormat& format) {
+  if (format.m_Operation == Operation::kSaveGrid && m_pGrid->Reference().HasMap()) m_Host.TellNoReference(file);
 }
 
 std::optional<std::string> CGridCommands::ChooseTarget(const CModelFormat& format) {

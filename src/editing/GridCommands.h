@@ -40,6 +40,8 @@ class CommandHost : public UserDialogs {
   virtual void TellSaved(const std::string& file) = 0;
   /// An export has been cancelled by the user.
   virtual void TellCancelled(const std::string& /*file*/) {}
+  /// The model has been saved to a grid file, which does not keep the depth map that it follows.
+  virtual void TellNoReference(const std::string& /*file*/) {}
   /// What a project keeps beside the model is to be added to one, and shown of one whose model has been opened.
   virtual void AddTo(CProject& /*project*/) const {}
   virtual void ShowProject(const CProject& /*project*/) {}
@@ -183,6 +185,7 @@ class CGridCommands {
   void NoteReplacing() const;
   void NoteReplaced() const;
   void WriteNow(const CModelFormat& format);
+  void TellWhatIsNotKept(const std::string& file, const CModelFormat& format);
   void AskFileAndWrite(const CModelFormat& format, const CWriteSettings& settings);
   std::optional<std::string> ChooseTarget(const CModelFormat& format);
   CSaveOutcome WriteTo(const std::string& file, const CModelFormat& format, const CWriteSettings& settings);

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include <FL/Fl_Choice.H>
+#include <FL/Fl_Output.H>
 #include <FL/Fl_Value_Slider.H>
 
 #include "app/CToolSet.h"
@@ -91,6 +93,42 @@ class ToolSetTest : public WindowTest {
 };
 
 }  // namespace
+
+// The reference depth.
+
+TEST_F(ToolSetTest, ReferenceDepthIsLoadedSetAndRemoved) {
+  Menu().Choose(MenuEntry::ReferenceDepth);
+  Fl_Window& panel = Panel("Reference depth");
+  EXPECT_FALSE(Find<Fl_Button>(panel, "Remove").active());
+  WriteText(Path("ramp.pfm"), "Pf\n2 2\n-1\n" + std::string(8, '\0') + std::string("\0\0\x80\x3f\0\0\x80\x3f", 8));
+  m_Dialogs.m_File = Path("ramp.pfm");
+  Press(Find<Fl_Button>(panel, "Load..."));
+  ASSERT_TRUE(Grid().Reference().HasMap());
+  const auto& file = Find<Fl_Output>(panel, "Depth map");
+  EXPECT_TRUE(RunToolkitUntil([&] { return std::string(file.value()) == "ramp.pfm"; }));
+  EXPECT_FALSE(Find<Fl_Choice>(panel, "0 in the map is").active()) << "floats have no such 0";
+  auto& strength = Find<Fl_Value_Slider>(panel, "Strength");
+  EXPECT_EQ(strength.value(), 0.8);
+  strength.value(0.25);
+  strength.do_callback();
+  EXPECT_EQ(Grid().Reference().Value().m_Settings.m_fStrength, 0.25);
+  Press(Find<Fl_Button>(panel, "Remove"));
+  EXPECT_FALSE(Grid().Reference().HasMap());
+  EXPECT_TRUE(RunToolkitUntil([&] { return std::string(file.value()).empty(); }));
+  panel.hide();
+}
+
+TEST_F(ToolSetTest, FileThatIsNoDepthMapIsToldAndNothingChanges) {
+  Menu().Choose(MenuEntry::ReferenceDepth);
+  Fl_Window& panel = Panel("Reference depth");
+  WriteText(Path("rubbish.pfm"), "rubbish");
+  m_Dialogs.m_File = Path("rubbish.pfm");
+  Press(Find<Fl_Button>(panel, "Load..."));
+  ASSERT_EQ(m_Dialogs.m_asNotices.size(), 1U);
+  EXPECT_TRUE(m_Dialogs.m_asNotices[0].starts_with("The file " + Path("rubbish.pfm") + " is not a depth map"));
+  EXPECT_FALSE(Grid().Reference().HasMap());
+  panel.hide();
+}
 
 // Files.
 

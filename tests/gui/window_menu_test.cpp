@@ -66,6 +66,7 @@ const auto kEntries = std::to_array<CExpectedEntry>({
   {"A&dvanced/&Way of convergence/&No Wavelet Transformation", MenuEntry::NoWavelets, 0, Radio},
   {"Edi&t/&Undo", MenuEntry::Undo, kCtrl | 'z', Command},
   {"Edi&t/&Redo", MenuEntry::Redo, kCtrl | kShift | 'z', Command},
+  {"Edi&t/Reference &Depth...", MenuEntry::ReferenceDepth, 0, Command},
   {"&Inspect/Close the &gaps of tears", MenuEntry::ClosedTears, 0, Toggle},
   {"&Inspect/Continue &behind tears", MenuEntry::BehindTears, 0, Toggle},
 });
@@ -155,7 +156,7 @@ TEST_F(WindowMenuTest, HasTheEntriesOfTheTable) {
 
 TEST_F(WindowMenuTest, OnlyWhatHasNothingToWorkWithStartsInactive) {
   constexpr std::array kInactive{MenuEntry::ImagePicture, MenuEntry::ModelTexture, MenuEntry::RecoverWork,
-                                 MenuEntry::FitPicture};
+                                 MenuEntry::FitPicture, MenuEntry::ReferenceDepth};
   for (const CExpectedEntry& row : kEntries) {
     const bool inactive = std::ranges::find(kInactive, row.m_Entry) != kInactive.end();
     EXPECT_EQ(Menu().IsActive(row.m_Entry), !inactive) << row.m_pPath;

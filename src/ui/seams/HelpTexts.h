@@ -52,6 +52,7 @@ inline constexpr std::array kHelpTexts{
     "There is not the memory to go that step: the model stays as it is",
     "File, Grid in the Picture's Proportions, begins a grid that does not stretch this picture",
     "Cancelled: %1 is not written",
+    "%1 is saved without the reference depth, which a project keeps",
 };
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
@@ -83,6 +84,7 @@ enum Index : int {
   kStepFailed = 34,
   kFitOffered = 35,  ///< after a picture that the grid stretches
   kCancelled = 36,   ///< an export that the user wanted no more
+  kSavedWithoutReference = 37,
 };
 }  // namespace HelpText
 

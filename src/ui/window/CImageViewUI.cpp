@@ -111,7 +111,7 @@ void CImageViewUI::SetRecovery(CRecoveryServices recovery) {
 void CImageViewUI::SetTool(Tool tool, std::unique_ptr<ToolWindow> window) {
   m_Tools.Set(tool, std::move(window), [this, tool] {
     // The recorder and the scissors leave the solver stopped.
-    if (tool != Tool::LightSources && m_Solver.IsStoppedByUser()) TellSolverStopped();
+    if ((tool == Tool::Recorder || tool == Tool::Scissors) && m_Solver.IsStoppedByUser()) TellSolverStopped();
   });
   RefreshEnabled();
 }
@@ -129,6 +129,7 @@ void CImageViewUI::RefreshEnabled() {
   Menu().Enable(MenuEntry::FitPicture, m_Commands.CanFitPicture());
   Menu().Enable(MenuEntry::ExportModel, m_Commands.CanExportModel());
   Menu().Enable(MenuEntry::ExportFilm, m_Commands.CanExportFilm());
+  Menu().Enable(MenuEntry::ReferenceDepth, m_Tools.Has(Tool::ReferenceDepth));
   Menu().Enable(MenuEntry::DrawingParameters, static_cast<bool>(m_Services.m_ShowDrawingOptions));
   Menu().Enable(MenuEntry::ImagePicture, HasPicture());
   Menu().Enable(MenuEntry::ModelTexture, HasPicture());

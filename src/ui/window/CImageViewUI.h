@@ -144,6 +144,7 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   void GridReplaced() override;
   void TellSaved(const std::string& file) override;
   void TellCancelled(const std::string& file) override;
+  void TellNoReference(const std::string& file) override;
   void EndDrags() override;
 
   CToolkitDialogs m_ToolkitDialogs;

@@ -82,6 +82,7 @@ constexpr auto kRows = std::to_array<CMenuRow>({
   {Command, "&Undo", FL_CTRL + 'z', MenuEntry::Undo},
   {Command, "&Redo", FL_CTRL + FL_SHIFT + 'z', MenuEntry::Redo},
   {OtherKey, "&Redo", FL_CTRL + 'y', MenuEntry::Redo},
+  {Command, "Reference &Depth...", 0, MenuEntry::ReferenceDepth},
   {End, nullptr, 0, {}},
   {Menu, "&Inspect", 0, {}},
   {Toggle, "Close the &gaps of tears", 0, MenuEntry::ClosedTears},

@@ -54,6 +54,7 @@ enum class MenuEntry {
   Redo,
   ClosedTears,
   BehindTears,
+  ReferenceDepth,
   Write,  ///< the model in the first of ModelFormats(); those of the others follow
 };
 

@@ -6,9 +6,10 @@
 
 #include "ui/window/CControlSet.h"
 
-Control CToolButtons::ButtonOf(Tool tool) {
+std::optional<Control> CToolButtons::ButtonOf(Tool tool) {
   constexpr std::array kButtons{Control::LightSources, Control::Recorder, Control::Scissors};
-  return kButtons[static_cast<std::size_t>(tool)];
+  const auto index = static_cast<std::size_t>(tool);
+  return index < kButtons.size() ? std::optional(kButtons[index]) : std::nullopt;
 }
 
 void CToolButtons::Set(Tool tool, std::unique_ptr<ToolWindow> window, const std::function<void()>& closed) {
@@ -56,7 +57,9 @@ void CToolButtons::TakeFrom(const CProject& project) {
 }
 
 void CToolButtons::ShowLamp(Tool tool, bool on) {
-  m_Controls.Button(ButtonOf(tool)).value(on ? 1 : 0);
+  const std::optional<Control> button = ButtonOf(tool);
+  if (!button.has_value()) return;
+  m_Controls.Button(*button).value(on ? 1 : 0);
   // Until a picture is loaded one button lies over another and has to be drawn after it.
   m_Controls.Widget(Control::Interfaces).redraw();
 }

@@ -3,24 +3,25 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "ui/seams/ToolWindow.h"
 #include "ui/window/Controls.h"
 
 class CControlSet;
 
-/// The tools whose windows the buttons of "Interfaces" open and close, and the lamps of these buttons.
+/// The tools whose windows the buttons of "Interfaces" or the menu open and close, and the lamps of these buttons.
 class CToolButtons {
  public:
-  /// In the order of their buttons.
-  enum class Tool { LightSources, Recorder, Scissors };
-  static constexpr std::array kTools{Tool::LightSources, Tool::Recorder, Tool::Scissors};
+  /// In the order of their buttons, then those of the menu.
+  enum class Tool { LightSources, Recorder, Scissors, ReferenceDepth };
+  static constexpr std::array kTools{Tool::LightSources, Tool::Recorder, Tool::Scissors, Tool::ReferenceDepth};
 
   /// The controls must outlive the object.
   explicit CToolButtons(CControlSet& controls) : m_Controls(controls) {}
 
-  /// The button that opens the tool's window.
-  static Control ButtonOf(Tool tool);
+  /// The button that opens the tool's window; nothing for those of the menu.
+  static std::optional<Control> ButtonOf(Tool tool);
 
   /// Takes over the window of a tool, or none. `closed` is called once it has closed, no matter what closed it.
   void Set(Tool tool, std::unique_ptr<ToolWindow> window, const std::function<void()>& closed);

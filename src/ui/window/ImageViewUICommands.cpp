@@ -186,6 +186,10 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       return RequestStep(UserStep::Undo);
     case MenuEntry::Redo:
       return RequestStep(UserStep::Redo);
+    case MenuEntry::ReferenceDepth:
+      EndDrags();
+      if (m_Tools.Has(Tool::ReferenceDepth)) m_Tools.Open(Tool::ReferenceDepth);
+      return;
     case MenuEntry::SimpleWavelets:
       return GridView().SelectWaveletMode(WaveletMode::Simple);
     default:

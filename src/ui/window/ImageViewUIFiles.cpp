@@ -24,6 +24,10 @@ void CImageViewUI::TellSaved(const std::string& file) { Tell(FormatHelp(HelpText
 
 void CImageViewUI::TellCancelled(const std::string& file) { Tell(FormatHelp(HelpText::kCancelled, {file})); }
 
+void CImageViewUI::TellNoReference(const std::string& file) {
+  Tell(FormatHelp(HelpText::kSavedWithoutReference, {file}));
+}
+
 void CImageViewUI::OpenFiles(const CWorkFiles& files) {
   if (!files.m_Model.empty()) m_WaitingFiles.m_Model = files.m_Model;
   if (!files.m_Picture.empty()) m_WaitingFiles.m_Picture = files.m_Picture;

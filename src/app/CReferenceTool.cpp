@@ -1,0 +1,96 @@
+#include "app/CReferenceTool.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include <FL/Fl.H>
+
+#include "constraints/CPtCstrList.h"
+#include "editing/CCommandPause.h"
+#include "formats/DepthMapFile.h"
+#include "model/CGrid.h"
+#include "ui/window/CImageViewUI.h"
+
+namespace {
+
+bool IsSame(const CReferenceFit& a, const CReferenceFit& b) {
+  return a.m_fOffset == b.m_fOffset && a.m_fLinear == b.m_fLinear && a.m_fSquare == b.m_fSquare &&
+         a.m_bFitted == b.m_bFitted && a.m_bBent == b.m_bBent && a.m_bNearIsBright == b.m_bNearIsBright &&
+         a.m_iHeights == b.m_iHeights && a.m_fRms == b.m_fRms && a.m_fWorst == b.m_fWorst && a.m_iWorst == b.m_iWorst;
+}
+
+// Heights before one in the list that stepping through them comes to, and itself.
+std::size_t StepsTo(const CPtCstrList& points, std::size_t number) {
+  std::size_t steps = 0;
+  auto point = points.begin();
+  for (std::size_t k = 0; k <= number; ++k, ++point) {
+    if (point->HasKind(PtCstrKind::kPosition)) ++steps;
+  }
+  return steps;
+}
+
+}  // namespace
+
+CReferenceTool::CReferenceTool(CImageViewUI& window, CGrid& grid)
+    : m_Window(window), m_Grid(grid), m_Panel(grid, *this, window, [this] {
+        Fl::remove_check(cb_Check, this);
+        ReportClosed();
+      }) {}
+
+CReferenceTool::~CReferenceTool() { Fl::remove_check(cb_Check, this); }
+
+void CReferenceTool::Open() {
+  if (!IsOpen()) Fl::add_check(cb_Check, this);
+  m_Panel.Open();
+}
+
+void CReferenceTool::cb_Check(void* tool) { static_cast<CReferenceTool*>(tool)->Follow(); }
+
+// Looked at each time the toolkit goes round, as rebuilds fit the map anew whoever has caused them.
+void CReferenceTool::Follow() {
+  const CGridReference& reference = m_Grid.Reference();
+  if (reference.Value() == m_Shown && IsSame(reference.Fitted(), m_ShownFit)) return;
+  m_Shown = reference.Value();
+  m_ShownFit = reference.Fitted();
+  m_Panel.Refresh(m_Grid);
+}
+
+void CReferenceTool::LoadReference() {
+  const CCommandPause pause(m_Window.Solver());
+  const std::optional<std::string> file = m_Window.ChooseFile(
+      {.m_pTitle = "please input depth map file name", .m_pPattern = "*.{png,pfm,tif,tiff}", .m_Kind = "depth map"});
+  if (file.has_value()) Load(*file);
+}
+
+void CReferenceTool::Load(const std::string& file) {
+  CReadDepthMap read = ReadDepthMap(file);
+  if (!read) {
+    const std::string text = "The file " + file + " is not a depth map that can be read: " + read.m_Reason + '.';
+    return m_Window.Notice(text.c_str());
+  }
+  const CTextureImages& textures = m_Grid.Relighting().Textures();
+  const CExtent& extent = m_Grid.Surface().Lattice().Extent();
+  const std::string proportions =
+      textures.HasPicture() ? ProportionsNotice(*read.m_pMap, textures.PictureWidth(), textures.PictureHeight())
+                            : ProportionsNotice(*read.m_pMap, extent.x1 - extent.x0, extent.y1 - extent.y0);
+  for (const std::string& notice : {read.m_Notice, proportions}) {
+    if (!notice.empty()) m_Window.Tell("The file " + file + ' ' + notice + '.');
+  }
+  m_Grid.ReferenceEdits().Load(std::move(read.m_pMap), std::filesystem::absolute(file).string());
+}
+
+void CReferenceTool::SelectWorst() {
+  // The heights that the fit knows are those of the last rebuild.
+  m_Grid.PerformPendingWork();
+  const int worst = m_Grid.Reference().Fitted().m_iWorst;
+  const CPtCstrList& points = m_Grid.Constraints().Points();
+  if (worst < 0 || static_cast<std::size_t>(worst) >= points.size()) return;
+  m_Grid.UnselectAll();
+  // By its number: several may lie within reach of its place.
+  const std::size_t steps = StepsTo(points, static_cast<std::size_t>(worst));
+  for (std::size_t k = 0; k < steps; ++k) m_Grid.SelectNextPtCstr(PtCstrKind::kPosition);
+  m_Window.RequestRedraw();
+}

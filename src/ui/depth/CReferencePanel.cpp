@@ -1,0 +1,233 @@
+#include "ui/depth/CReferencePanel.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <filesystem>
+#include <initializer_list>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include <FL/Fl_Check_Button.H>
+#include <FL/Fl_Choice.H>
+#include <FL/Fl_Float_Input.H>
+#include <FL/Fl_Output.H>
+#include <FL/Fl_Value_Slider.H>
+
+#include "model/CGrid.h"
+#include "reference/CReferenceFit.h"
+#include "ui/depth/ReferenceCommands.h"
+#include "ui/drawing/DialogPlacement.h"
+#include "ui/drawing/ScaleWidgets.h"
+#include "ui/seams/HelpTexts.h"
+
+namespace {
+
+constexpr int kFieldLeft = 140;
+constexpr int kFieldWidth = 230;
+constexpr int kHalfWidth = 110;
+constexpr int kFieldHeight = 24;
+constexpr int kFloatBits = 32;
+
+template <class Widget>
+Widget* AddField(int y, int width, const char* label) {
+  auto* widget = new Widget(kFieldLeft, y, width, kFieldHeight, label);
+  widget->align(FL_ALIGN_LEFT);
+  widget->labelsize(12);
+  widget->textsize(12);
+  return widget;
+}
+
+Fl_Output* AddReadOut(int y, int width, const char* label) {
+  auto* output = AddField<Fl_Output>(y, width, label);
+  output->color(FL_BACKGROUND_COLOR);
+  output->clear_visible_focus();
+  return output;
+}
+
+Fl_Choice* AddChoice(int y, const char* label, std::initializer_list<const char*> texts) {
+  auto* choice = AddField<Fl_Choice>(y, kFieldWidth, label);
+  for (const char* text : texts) choice->add(text);
+  return choice;
+}
+
+void SetActive(Fl_Widget& widget, bool active) {
+  if (active) {
+    widget.activate();
+  } else {
+    widget.deactivate();
+  }
+}
+
+double LargerSide(const CGrid& grid) {
+  const CExtent& extent = grid.Surface().Lattice().Extent();
+  return std::max(extent.x1 - extent.x0, extent.y1 - extent.y0);
+}
+
+// Nothing where the text is not a number above 0.
+std::optional<double> DepthIn(std::string_view text) {
+  double value = 0.0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  const bool whole = error == std::errc() && end == text.data() + text.size();
+  return whole && std::isfinite(value) && value > 0 ? std::optional(value) : std::nullopt;
+}
+
+std::string FittedText(const CReferenceFit& fit, bool nearIsBright) {
+  std::string text = fit.m_bFitted ? "to " + std::to_string(fit.m_iHeights) + " heights" : "by the depth of the scene";
+  text += fit.m_bBent ? ", bent" : ", straight";
+  if (fit.m_bNearIsBright != nearIsBright) text += fit.m_bNearIsBright ? ", near is bright" : ", near is dark";
+  return text;
+}
+
+CReferencePanel& Panel(void* panel) { return *static_cast<CReferencePanel*>(panel); }
+
+}  // namespace
+
+CReferencePanel::CReferencePanel(CGrid& grid, ReferenceCommands& commands, const Fl_Window& mainWindow,
+                                 std::function<void()> closed)
+    : Fl_Double_Window(390, 398, "Reference depth"),
+      m_Grid(grid),
+      m_Commands(commands),
+      m_MainWindow(mainWindow),
+      m_Closed(std::move(closed)) {
+  BuildMap();
+  BuildSettings();
+  BuildFit();
+  end();
+  ScaleWidgets(*this);
+  set_non_modal();
+  Refresh(grid);
+}
+
+void CReferencePanel::BuildMap() {
+  m_pFile = AddReadOut(10, kFieldWidth, "Depth map");
+  auto* load = new Fl_Button(kFieldLeft, 40, kHalfWidth, 26, "Load...");
+  load->callback(cb_Load, this);
+  m_pRemove = new Fl_Button(kFieldLeft + kFieldWidth - kHalfWidth, 40, kHalfWidth, 26, "Remove");
+  m_pRemove->callback(cb_Remove, this);
+}
+
+void CReferencePanel::BuildSettings() {
+  m_pStrength = AddField<Fl_Value_Slider>(78, kFieldWidth, "Strength");
+  m_pStrength->type(FL_HOR_NICE_SLIDER);
+  m_pStrength->box(FL_FLAT_BOX);
+  m_pStrength->bounds(0, 1);
+  m_pStrength->step(0.01);
+  m_pStrength->callback(cb_Strength, this);
+  m_pNearIsBright = new Fl_Check_Button(kFieldLeft, 108, kFieldWidth, kFieldHeight, "Near is bright");
+  m_pNearIsBright->callback(cb_NearIsBright, this);
+  m_pZero = AddChoice(138, "0 in the map is", {"a depth", "unknown"});
+  m_pZero->callback(cb_Zero, this);
+  m_pResponse = AddChoice(168, "Response", {"automatic", "straight", "bent"});
+  m_pResponse->callback(cb_Response, this);
+  m_pSceneDepth = AddField<Fl_Float_Input>(198, kHalfWidth, "Depth of the scene");
+  m_pSceneDepth->when(FL_WHEN_ENTER_KEY | FL_WHEN_RELEASE);
+  m_pSceneDepth->callback(cb_SceneDepth, this);
+}
+
+void CReferencePanel::BuildFit() {
+  m_pFitted = AddReadOut(236, kFieldWidth, "Fitted");
+  m_pScale = AddReadOut(266, kHalfWidth, "Scale");
+  m_pOffset = AddReadOut(296, kHalfWidth, "Offset");
+  m_pRms = AddReadOut(326, kHalfWidth, "Misfit (RMS)");
+  m_pWorst = AddReadOut(356, kHalfWidth, "Worst misfit");
+  m_pSelectWorst = new Fl_Button(kFieldLeft + kFieldWidth - kHalfWidth, 355, kHalfWidth, 26, "Select worst");
+  m_pSelectWorst->callback(cb_SelectWorst, this);
+}
+
+void CReferencePanel::Open() {
+  Refresh(m_Grid);
+  OpenBeside(*this, m_MainWindow);
+}
+
+void CReferencePanel::hide() {
+  const bool wasShown = shown() != 0;
+  Fl_Double_Window::hide();
+  if (wasShown) m_Closed();
+}
+
+void CReferencePanel::Refresh(const CGrid& grid) {
+  const CGridReference& reference = grid.Reference();
+  const bool there = reference.HasMap();
+  m_pFile->value(there ? std::filesystem::path(reference.Value().m_File).filename().c_str() : "");
+  const bool whole = there && reference.Reading().Map().Bits() < kFloatBits;
+  for (Fl_Widget* widget : std::initializer_list<Fl_Widget*>{m_pRemove, m_pStrength, m_pNearIsBright, m_pResponse})
+    SetActive(*widget, there);
+  SetActive(*m_pSceneDepth, there);
+  SetActive(*m_pZero, whole);
+  RefreshSettings(grid);
+  if (there) {
+    RefreshFit(grid);
+  } else {
+    ClearFit();
+  }
+}
+
+void CReferencePanel::RefreshSettings(const CGrid& grid) {
+  const CReferenceSettings& settings = grid.Reference().Value().m_Settings;
+  const double side = LargerSide(grid);
+  m_pStrength->value(settings.m_fStrength);
+  m_pNearIsBright->value(settings.m_bNearIsBright ? 1 : 0);
+  m_pZero->value(settings.m_bZeroIsUnknown ? 1 : 0);
+  m_pResponse->value(static_cast<int>(settings.m_Response));
+  ShowSceneDepth(HelpNumber(settings.m_SceneDepth.value_or(side / 3), side));
+}
+
+void CReferencePanel::ShowSceneDepth(const std::string& text) {
+  if (text == m_SceneDepth) return;
+  m_SceneDepth = text;
+  m_pSceneDepth->value(text.c_str());
+}
+
+void CReferencePanel::RefreshFit(const CGrid& grid) {
+  const CGridReference& reference = grid.Reference();
+  const CReferenceFit& fit = reference.Fitted();
+  const double side = LargerSide(grid);
+  m_pFitted->value(FittedText(fit, reference.Value().m_Settings.m_bNearIsBright).c_str());
+  m_pScale->value(HelpNumber(fit.Scale(reference.Reading()), 0).c_str());
+  m_pOffset->value(HelpNumber(fit.OffsetAtZero(reference.Reading()), side).c_str());
+  const bool heights = fit.m_iHeights > 0;
+  m_pRms->value(heights ? HelpNumber(fit.m_fRms, side).c_str() : "");
+  m_pWorst->value(heights ? HelpNumber(fit.m_fWorst, side).c_str() : "");
+  SetActive(*m_pSelectWorst, fit.m_iWorst >= 0);
+}
+
+void CReferencePanel::ClearFit() {
+  for (Fl_Output* output : {m_pFitted, m_pScale, m_pOffset, m_pRms, m_pWorst}) output->value("");
+  m_pSelectWorst->deactivate();
+}
+
+void CReferencePanel::cb_Load(Fl_Widget* /*widget*/, void* panel) { Panel(panel).m_Commands.LoadReference(); }
+
+void CReferencePanel::cb_Remove(Fl_Widget* /*widget*/, void* panel) { Panel(panel).m_Grid.ReferenceEdits().Remove(); }
+
+void CReferencePanel::cb_Strength(Fl_Widget* /*widget*/, void* panel) {
+  Panel(panel).m_Grid.ReferenceEdits().SetStrength(Panel(panel).m_pStrength->value());
+}
+
+void CReferencePanel::cb_NearIsBright(Fl_Widget* /*widget*/, void* panel) {
+  Panel(panel).m_Grid.ReferenceEdits().SetNearIsBright(Panel(panel).m_pNearIsBright->value() != 0);
+}
+
+void CReferencePanel::cb_Zero(Fl_Widget* /*widget*/, void* panel) {
+  Panel(panel).m_Grid.ReferenceEdits().SetZeroIsUnknown(Panel(panel).m_pZero->value() != 0);
+}
+
+void CReferencePanel::cb_Response(Fl_Widget* /*widget*/, void* panel) {
+  const auto response = static_cast<ReferenceResponse>(Panel(panel).m_pResponse->value());
+  Panel(panel).m_Grid.ReferenceEdits().SetResponse(response);
+}
+
+// A text that is no depth goes back to that of the model's size. One that nobody has changed is the rounded number
+// of the model.
+void CReferencePanel::cb_SceneDepth(Fl_Widget* /*widget*/, void* panel) {
+  CReferencePanel& self = Panel(panel);
+  const std::string text = self.m_pSceneDepth->value();
+  if (text == self.m_SceneDepth) return;
+  self.m_SceneDepth = text;
+  self.m_Grid.ReferenceEdits().SetSceneDepth(DepthIn(text));
+  self.RefreshSettings(self.m_Grid);
+}
+
+void CReferencePanel::cb_SelectWorst(Fl_Widget* /*widget*/, void* panel) { Panel(panel).m_Commands.SelectWorst(); }
