@@ -26,10 +26,10 @@ constexpr double kDefaultDepth = 1.0 / 3;
 
 /// a + b v + c v^2
 struct CParabola {
-  double a = 0.0;
-  double b = 0.0;
-  double c = 0.0;
-  double At(double v) const { return a + v * (b + v * c); }
+  double m_fA = 0.0;
+  double m_fB = 0.0;
+  double m_fC = 0.0;
+  double At(double v) const { return m_fA + v * (m_fB + v * m_fC); }
 };
 
 /// Sums over heights of powers of v, and of these times z.
@@ -48,8 +48,9 @@ struct CMoments {
   }
   double Error(const CParabola& p) const {
     const auto& s = m_afV;
-    return m_fZZ - 2 * (p.a * m_afZ[0] + p.b * m_afZ[1] + p.c * m_afZ[2]) + p.a * p.a * s[0] + 2 * p.a * p.b * s[1] +
-           (2 * p.a * p.c + p.b * p.b) * s[2] + 2 * p.b * p.c * s[3] + p.c * p.c * s[4];
+    return m_fZZ - 2 * (p.m_fA * m_afZ[0] + p.m_fB * m_afZ[1] + p.m_fC * m_afZ[2]) + p.m_fA * p.m_fA * s[0] +
+           2 * p.m_fA * p.m_fB * s[1] + (2 * p.m_fA * p.m_fC + p.m_fB * p.m_fB) * s[2] + 2 * p.m_fB * p.m_fC * s[3] +
+           p.m_fC * p.m_fC * s[4];
   }
 };
 
@@ -87,16 +88,18 @@ std::optional<CParabola> FitFree(const CMoments& m) {
 // The slope must not turn within -1..1. Where the best parabola's does at one end, the best with no slope at that end
 // is the nearest; where neither of these will do, nothing that bends is better than a constant.
 std::optional<CParabola> FitBent(const CMoments& m, double sign) {
-  const auto rises = [sign](const CParabola& p) { return sign * (p.b + 2 * p.c) >= 0 && sign * (p.b - 2 * p.c) >= 0; };
+  const auto rises = [sign](const CParabola& p) {
+    return sign * (p.m_fB + 2 * p.m_fC) >= 0 && sign * (p.m_fB - 2 * p.m_fC) >= 0;
+  };
   const std::optional<CParabola> best = FitFree(m);
   if (!best.has_value() || rises(*best)) return best;
   std::optional<CParabola> found;
   for (const double end : {-1.0, 1.0}) {
-    if (sign * (best->b + 2 * end * best->c) >= 0) continue;
+    if (sign * (best->m_fB + 2 * end * best->m_fC) >= 0) continue;
     const std::optional<CParabola> flat = FitMultiple(m, -2 * end, 1.0);
     if (!flat.has_value()) continue;
-    const double tolerance = kOneValue * std::abs(flat->c);
-    const bool sound = sign * (flat->b - 2 * end * flat->c) >= -tolerance;
+    const double tolerance = kOneValue * std::abs(flat->m_fC);
+    const bool sound = sign * (flat->m_fB - 2 * end * flat->m_fC) >= -tolerance;
     if (sound && (!found.has_value() || m.Error(*flat) < m.Error(*found))) found = flat;
   }
   return found;
@@ -104,8 +107,8 @@ std::optional<CParabola> FitBent(const CMoments& m, double sign) {
 
 std::optional<CParabola> FitBentTo(const CMoments& m) {
   const std::optional<CParabola> line = FitLine(m);
-  if (!line.has_value() || line->b == 0.0) return std::nullopt;
-  return FitBent(m, line->b);
+  if (!line.has_value() || line->m_fB == 0.0) return std::nullopt;
+  return FitBent(m, line->m_fB);
 }
 
 CMoments MomentsOf(std::span<const CHeightOverMap> heights, double level) {
@@ -134,9 +137,8 @@ bool HasValuesForBent(std::span<const CHeightOverMap> heights) {
   std::array<double, kFewestValuesForBent> values{};
   std::size_t count = 0;
   for (const CHeightOverMap& height : heights) {
-    const auto known = values.begin() + static_cast<std::ptrdiff_t>(count);
     const auto isSame = [&](double value) { return std::abs(value - height.m_fValue) <= kOneValue; };
-    if (std::find_if(values.begin(), known, isSame) != known) continue;
+    if (std::ranges::any_of(std::span(values).first(count), isSame)) continue;
     values[count++] = height.m_fValue;
     if (count == values.size()) return true;
   }
@@ -232,12 +234,12 @@ CReferenceFit FitReference(std::span<const CHeightOverMap> heights, const CRefer
     const std::optional<CParabola> bent = wanted ? FitBentTo(all) : std::nullopt;
     fit.m_bBent = bent.has_value();
     p = bent.value_or(*line);
-    p.a += level;
+    p.m_fA += level;
   }
-  fit.m_fOffset = p.a;
-  fit.m_fLinear = p.b;
-  fit.m_fSquare = p.c;
-  fit.m_bNearIsBright = line.has_value() ? line->b >= 0 : settings.m_bNearIsBright;
+  fit.m_fOffset = p.m_fA;
+  fit.m_fLinear = p.m_fB;
+  fit.m_fSquare = p.m_fC;
+  fit.m_bNearIsBright = line.has_value() ? line->m_fB >= 0 : settings.m_bNearIsBright;
   MeasureMisfit(heights, fit);
   return fit;
 }

@@ -31,10 +31,13 @@ CTearSight::CTearSight(std::span<const CGridSegment> lines, double side)
     const int right = BucketOf(std::max(s.x0, s.x1));
     const int top = BucketOf(std::max(s.y0, s.y1));
     for (int j = BucketOf(std::min(s.y0, s.y1)); j <= top; ++j) {
-      for (int i = BucketOf(std::min(s.x0, s.x1)); i <= right; ++i)
-        m_aauBuckets[static_cast<std::size_t>(j * kBuckets + i)].push_back(k);
+      for (int i = BucketOf(std::min(s.x0, s.x1)); i <= right; ++i) m_aauBuckets[NumberOf(i, j)].push_back(k);
     }
   }
+}
+
+std::size_t CTearSight::NumberOf(int column, int row) {
+  return static_cast<std::size_t>(row) * kBuckets + static_cast<std::size_t>(column);
 }
 
 int CTearSight::BucketOf(double place) const {
@@ -46,7 +49,7 @@ void CTearSight::CollectNear(const CPlanePoint& low, const CPlanePoint& high, st
   if (IsEmpty()) return;
   for (int j = BucketOf(low.y); j <= BucketOf(high.y); ++j) {
     for (int i = BucketOf(low.x); i <= BucketOf(high.x); ++i) {
-      for (const std::uint32_t k : m_aauBuckets[static_cast<std::size_t>(j * kBuckets + i)]) {
+      for (const std::uint32_t k : m_aauBuckets[NumberOf(i, j)]) {
         const CGridSegment& s = m_aLines[k];
         const bool apart = std::max(s.x0, s.x1) < low.x || std::min(s.x0, s.x1) > high.x ||
                            std::max(s.y0, s.y1) < low.y || std::min(s.y0, s.y1) > high.y;

@@ -23,6 +23,7 @@ class CTearSight {
  private:
   /// Buckets a side.
   static constexpr int kBuckets = 64;
+  static std::size_t NumberOf(int column, int row);
   int BucketOf(double place) const;
 
   std::vector<CGridSegment> m_aLines;

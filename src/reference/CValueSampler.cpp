@@ -152,7 +152,9 @@ double CValueSampler::ValueAt(std::uint32_t position) {
   const double side = m_Tree.Lattice().PointsPerSide() - 1;
   const std::uint32_t index = m_Order.PointAtScan(position);
   const auto pointsPerSide = static_cast<std::uint32_t>(m_Tree.Lattice().PointsPerSide());
-  const CPlanePoint place{static_cast<double>(index % pointsPerSide), static_cast<double>(index / pointsPerSide)};
+  const std::uint32_t latticeColumn = index % pointsPerSide;
+  const std::uint32_t latticeRow = index / pointsPerSide;
+  const CPlanePoint place{static_cast<double>(latticeColumn), static_cast<double>(latticeRow)};
   const CPoint& point = m_aPoints[position];
   const double column = m_Reading.ColumnOf(place.x / side);
   const double row = m_Reading.RowOf(place.y / side);

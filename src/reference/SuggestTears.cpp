@@ -124,7 +124,9 @@ double WayToLargest(const CPlanePoint& place, const CPlanePoint& direction, doub
   constexpr double kBetter = 1 + 1e-9;
   double best = 0.0;
   double largest = measure(place);
-  for (double way = kStride; way <= reach; way += kStride) {
+  const int strides = static_cast<int>(reach / kStride);
+  for (int stride = 1; stride <= strides; ++stride) {
+    const double way = stride * kStride;
     for (const double along : {way, -way}) {
       const double value = measure({place.x + along * direction.x, place.y + along * direction.y});
       if (!(value > kBetter * largest)) continue;
