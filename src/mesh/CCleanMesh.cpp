@@ -118,11 +118,9 @@ void CCleanMesh::AddStrips(const CTearPatch& patch, const CTearSides& sides, con
     stripNumbers.push_back(joined == CTearStrips::kNone ? static_cast<std::uint32_t>(m_aVertices.size())
                                                         : numbers[joined]);
     if (joined != CTearStrips::kNone) continue;
-    const CCellPoint shown = strips.PictureOf(vertex);
+    const CCellPoint shown = strips.PictureOf(vertex, m_iCells);
     const CCellPoint& place = vertex.m_Above.m_Place;
-    m_aVertices.push_back({m_Plane.At(place.x, place.y),
-                           z[v],
-                           {std::clamp(shown.x / m_iCells, 0.0, 1.0), std::clamp(shown.y / m_iCells, 0.0, 1.0)}});
+    m_aVertices.push_back({m_Plane.At(place.x, place.y), z[v], {shown.x / m_iCells, shown.y / m_iCells}});
   }
   for (const auto& corners : strips.Triangles()) {
     for (const std::uint32_t v : corners) m_auStrips.push_back(stripNumbers[v]);

@@ -75,10 +75,8 @@ void CClosedTears::MakeStrips() {
   m_afShown.resize(2 * (copies + vertices));
   for (std::size_t v = 0; v < vertices; ++v) {
     const CTearStrips::CVertex& vertex = m_Strips->Vertices()[v];
-    const CCellPoint shown = m_Strips->PictureOf(vertex);
     Put(m_afPositions, 3 * (copies + v), ModelPoint(vertex.m_Above.m_Place));
-    Put(m_afShown, 2 * (copies + v),
-        ModelPoint({std::clamp(shown.x, 0.0, 1.0 * m_iCells), std::clamp(shown.y, 0.0, 1.0 * m_iCells)}));
+    Put(m_afShown, 2 * (copies + v), ModelPoint(m_Strips->PictureOf(vertex, m_iCells)));
   }
   m_auStrips.clear();
   for (const auto& corners : m_Strips->Triangles()) {

@@ -203,7 +203,12 @@ std::uint32_t CTearStrips::JoinedTo(const CVertex& vertex) const {
   return kNone;
 }
 
-CCellPoint CTearStrips::PictureOf(const CVertex& vertex) const {
+CCellPoint CTearStrips::PictureOf(const CVertex& vertex, int cells) const {
+  // Held to the border instead, all that is outside would show the same pixel.
+  const auto inside = [cells](double place) {
+    const double last = cells;
+    return std::clamp(place > last ? 2.0 * last - place : std::abs(place), 0.0, last);
+  };
   const CCellPoint at = Between(m_aSides[vertex.m_uSide].m_aEnds, vertex.m_fShare);
-  return {2.0 * at.x - vertex.m_Above.m_Place.x, 2.0 * at.y - vertex.m_Above.m_Place.y};
+  return {inside(2.0 * at.x - vertex.m_Above.m_Place.x), inside(2.0 * at.y - vertex.m_Above.m_Place.y)};
 }

@@ -39,8 +39,9 @@ class CTearStrips {
   /// The copy of the lower side that a vertex on the tear joins; kNone for other vertices.
   static constexpr std::uint32_t kNone = 0xFFFFFFFF;
   std::uint32_t JoinedTo(const CVertex& vertex) const;
-  /// Where in the plane the picture is that a vertex shows, lattice coordinates; may lie outside.
-  CCellPoint PictureOf(const CVertex& vertex) const;
+  /// Where in the picture lies what a vertex shows, lattice coordinates of a square of `cells` by `cells`: mirrored at
+  /// the curve, and once more at the border where that is outside.
+  CCellPoint PictureOf(const CVertex& vertex, int cells) const;
 
  private:
   // The nearest place of a cut side.

@@ -54,12 +54,24 @@ TEST(TearStripsTest, ContinuesThePlaneOfTheLowerSideAndMirrorsItsPicture) {
   for (const CStripPoint& p : strips) {
     EXPECT_NEAR(p.m_fZ, 0.5 * p.m_fColumn, 1e-5);
     EXPECT_NEAR(p.m_fShownColumn, p.m_fColumn, 1e-5);
-    EXPECT_NEAR(p.m_fShownRow, std::max(2 * kRow - p.m_fRow, 0.0), 1e-5);
+    EXPECT_NEAR(p.m_fShownRow, 2 * kRow - p.m_fRow, 1e-5);
   }
   EXPECT_NEAR(LeastRow(strips), kRow, 1e-5);
   // It is an eighth of a cell wider, and less where the width is more than that.
   EXPECT_GE(LargestRow(strips), kRow + kWidth / 0.375);
   EXPECT_LE(LargestRow(strips), kRow + (kWidth + 0.125 / kWidth) / 0.375 + 1e-5);
+}
+
+// Held to the border of the picture, all beyond it would show the same pixels, drawn out to streaks.
+TEST(TearStripsTest, WhatLiesBeyondTheBorderShowsThePictureMirroredThere) {
+  CTornGrid grid({{{{0.0, kRow}, {16.0, kRow}}}});
+  grid.Raise([](int /*column*/, int row) { return row < kRow ? 0.0 : 4.0; });
+  double farthest = 0.0;
+  for (const CStripPoint& p : StripsOf(grid, 4.0)) {
+    EXPECT_NEAR(p.m_fShownRow, std::abs(2 * kRow - p.m_fRow), 1e-5);
+    farthest = std::min(farthest, 2 * kRow - p.m_fRow);
+  }
+  EXPECT_LT(farthest, -1.0);
 }
 
 TEST(TearStripsTest, EndsWhereTheHigherPieceEnds) {
