@@ -96,7 +96,7 @@ TEST_F(WindowKeysTest, NoOtherKeyIsTakenThanThoseOfTheImageView) {
   ShowWindow();
   m_Window.ImageView().SetMode(EditingMode::Position);
   m_Window.ImageView().take_focus();
-  std::vector<CKeyInput> listed = InputsAt({"positions and normals"});
+  std::vector<CKeyInput> listed = InputsAt({"both views", "positions and normals"});
   for (const char* key : {"Left", "Right", "Up", "Down"}) listed.push_back(ParseInput(key));
   ExpectKeysAreThoseListed(listed, [this](const CTypedKey& key) {
     const bool used = WithTypedKey(key, [this] { return Fl::handle(FL_KEYBOARD, &m_Window) != 0; });
