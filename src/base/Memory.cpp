@@ -20,14 +20,15 @@ double AvailableMemory() {
   return std::numeric_limits<double>::infinity();
 }
 
-void AskForLargePages(const void* begin, std::size_t bytes) {
+void AskForLargePages(void* begin, std::size_t bytes) {
   constexpr std::size_t kLeast = std::size_t{1} << 22;
   if (bytes < kLeast) return;
 #ifdef MADV_HUGEPAGE
-  const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-  const std::uintptr_t first = (reinterpret_cast<std::uintptr_t>(begin) + page - 1) / page * page;
-  const std::uintptr_t last = (reinterpret_cast<std::uintptr_t>(begin) + bytes) / page * page;
+  // From the first whole page to the last one.
+  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  const std::size_t before = (page - reinterpret_cast<std::uintptr_t>(begin) % page) % page;
+  const std::size_t length = (bytes - before) / page * page;
   // Without such pages, everything is as it was.
-  [[maybe_unused]] const int asked = madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+  [[maybe_unused]] const int asked = madvise(static_cast<char*>(begin) + before, length, MADV_HUGEPAGE);
 #endif
 }

@@ -11,7 +11,7 @@ void Release(std::vector<Value>& values) {
 
 /// Asks the system to lay memory that has not been used yet into large pages: filling it takes a third of the time
 /// then. A request, which may be in vain; below some megabytes it is not made.
-void AskForLargePages(const void* begin, std::size_t bytes);
+void AskForLargePages(void* begin, std::size_t bytes);
 
 /// Makes room in an empty vector or string, in large pages where there are some.
 template <typename Values>
