@@ -26,7 +26,7 @@ constexpr int kFarthest = 64;
 // guess.
 constexpr double kInALine = 0.01;
 
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
 
 // The integral up to t of the tent that is 1 at 0 and 0 from 1 on: linear interpolation between pixels, summed.
 double TentBelow(double t) {
@@ -198,7 +198,7 @@ double CValueSampler::MeanInSight(const CPlanePoint& eye, const CPlanePoint& pla
     }
   }
   if (!(seen > 0.0)) return HUGE_VAL;
-  if (known < kEnough * seen) return kNone;
+  if (known < kEnough * seen) return kNoValue;
   return m_aNear.empty() ? plane.Mean() : plane.AtOrigin();
 }
 
@@ -208,7 +208,7 @@ double CValueSampler::NearestInSight(const CPlanePoint& eye, const CPlanePoint& 
   m_Sight.CollectNear(LatticePlace(place.x - kReach, place.y - kReach),
                       LatticePlace(place.x + kReach, place.y + kReach), m_aNear);
   double best = HUGE_VAL;
-  double value = kNone;
+  double value = kNoValue;
   const int column = static_cast<int>(std::lround(place.x));
   const int row = static_cast<int>(std::lround(place.y));
   for (int radius = 0; radius <= kFarthest && (radius - 1) < best; ++radius) {

@@ -121,7 +121,7 @@ CPlanePoint GradientAt(const CDepthReading& reading, const CPlanePoint& p) {
 // How far along `direction` (unit length) from `place` a measure is largest; the nearest place of several.
 template <typename Measure>
 double WayToLargest(const CPlanePoint& place, const CPlanePoint& direction, double reach, const Measure& measure) {
-  constexpr double kBetter = 1 + 1e-9;
+  constexpr double kMuchLarger = 1 + 1e-9;
   double best = 0.0;
   double largest = measure(place);
   const int strides = static_cast<int>(reach / kStride);
@@ -129,7 +129,7 @@ double WayToLargest(const CPlanePoint& place, const CPlanePoint& direction, doub
     const double way = stride * kStride;
     for (const double along : {way, -way}) {
       const double value = measure({place.x + along * direction.x, place.y + along * direction.y});
-      if (!(value > kBetter * largest)) continue;
+      if (!(value > kMuchLarger * largest)) continue;
       largest = value;
       best = along;
     }
