@@ -31,6 +31,7 @@ class CClosedTears {
   CClosedTears(const CQuadTree& tree, const CSurfaceMesh& mesh, const CCntrCtrlList& curves, bool under);
   CClosedTears(const CClosedTears&) = delete;
   CClosedTears& operator=(const CClosedTears&) = delete;
+  ~CClosedTears() = default;
 
   /// The triangles of the mesh that stay, of its vertices.
   std::span<const std::uint32_t> PlainTriangles() const { return m_auPlain; }

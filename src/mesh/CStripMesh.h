@@ -23,9 +23,9 @@ class CStripMesh {
 
   /// A vertex, in a triangle of the patch.
   struct CVertex {
-    CCellPoint m_Place;                ///< lattice coordinates
-    CCorners m_auCopies{};             ///< between these copies of the patch, ...
-    std::array<double, 3> m_afShares;  ///< ... which count that much; their sum is 1
+    CCellPoint m_Place;                  ///< lattice coordinates
+    CCorners m_auCopies{};               ///< between these copies of the patch, ...
+    std::array<double, 3> m_afShares{};  ///< ... which count that much; their sum is 1
   };
 
   /// Width and lengths of a cell along both axes in model units. Linear in the patch and in the number of cells that it

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "solver/CConstraintSystem.h"
@@ -35,7 +36,9 @@ class CScaledSystem {
   /// The system must outlive this view of it.
   explicit CScaledSystem(CConstraintSystem& system) : m_pSystem(&system) {}
   /// The scale of another view, for a system with the same basis, smoothness and rows.
-  CScaledSystem(const CScaledSystem& other, CConstraintSystem& system) : CScaledSystem(other) { m_pSystem = &system; }
+  CScaledSystem(CScaledSystem other, CConstraintSystem& system) : CScaledSystem(std::move(other)) {
+    m_pSystem = &system;
+  }
 
   /// N, M and N + M, as of the system.
   std::size_t UnknownCount() const { return m_pSystem->UnknownCount(); }
