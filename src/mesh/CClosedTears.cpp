@@ -56,8 +56,8 @@ void CClosedTears::AddTriangles() {
   for (std::uint32_t copy = 0; copy < copies; ++copy) {
     const std::uint32_t vertex = m_Sides->VertexOf(copy);
     const CCellPoint place = ModelPoint({m_Patch.ColumnOf(vertex), m_Patch.RowOf(vertex)});
-    Put(m_afPositions, 3 * copy, place);
-    Put(m_afShown, 2 * copy, place);
+    Put(m_afPositions, 3 * std::size_t{copy}, place);
+    Put(m_afShown, 2 * std::size_t{copy}, place);
   }
   for (std::uint32_t t = 0; t < m_Patch.Triangles().Triangles().size(); ++t) {
     for (std::uint32_t k = 0; k < 3; ++k) m_auTriangles.push_back(m_Sides->CopyOf(t, k));
