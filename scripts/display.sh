@@ -40,6 +40,13 @@ start_display() {
   die "the window manager did not start"
 }
 
+# end_by_signals: has this shell run what it is to do on EXIT when a signal ends it.
+end_by_signals() {
+  trap 'exit 129' HUP
+  trap 'exit 130' INT
+  trap 'exit 143' TERM
+}
+
 # stop_all: ends the tests (with all they started), window managers and servers. Harmless at any moment.
 stop_all() {
   trap '' HUP INT TERM
@@ -59,9 +66,7 @@ run_on_displays() {
   local count=$1
   shift
   trap stop_all EXIT
-  trap 'exit 129' HUP
-  trap 'exit 130' INT
-  trap 'exit 143' TERM
+  end_by_signals
   local i
   for ((i = 0; i < count; ++i)); do start_display; done
   export RELIEVO_TEST_DISPLAYS=$session/displays

@@ -14,9 +14,7 @@ build release relievo-batch -DRELIEVO_BUILD_BATCH:BOOL=ON
 
 results=$(mktemp -d)
 trap 'stop_all; rm -rf "$results"' EXIT
-trap 'exit 129' HUP
-trap 'exit 130' INT
-trap 'exit 143' TERM
+end_by_signals
 start_display
 export LIBGL_ALWAYS_SOFTWARE=1
 

@@ -12,9 +12,7 @@ build release make_tutorial -DRELIEVO_BUILD_TESTS:BOOL=ON
 
 results=$(mktemp -d)
 trap 'stop_all; rm -rf "$results"' EXIT
-trap 'exit 129' HUP
-trap 'exit 130' INT
-trap 'exit 143' TERM
+end_by_signals
 start_display
 
 say "making the first cup"

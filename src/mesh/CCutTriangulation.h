@@ -53,6 +53,17 @@ class CCutTriangulation {
   void CornersAround(std::uint32_t vertex, std::vector<CCorner>& corners) const;
   /// The place of side `k` in the list of its neighbour.
   std::uint32_t SideInNeighbour(std::uint32_t t, std::uint32_t k) const;
+  /// Calls `visit(t, k, beyond, there)` once for every cut between two triangles: side `k` of triangle `t` is side
+  /// `there` of triangle `beyond`, which has the larger number.
+  template <typename Visit>
+  void ForEachCut(Visit&& visit) const {
+    for (std::uint32_t t = 0; t < m_aTriangles.size(); ++t) {
+      for (std::uint32_t k = 0; k < 3; ++k) {
+        const std::uint32_t beyond = m_aTriangles[t].m_auNeighbours[k];
+        if (m_aTriangles[t].m_abCut[k] && beyond != kNone && beyond > t) visit(t, k, beyond, SideInNeighbour(t, k));
+      }
+    }
+  }
 
   /// Splits side `k` of a triangle, and the triangle beyond it, by a new vertex at or near the side; its parts are as
   /// cut as it was. Nothing, and no vertex, where one of the parts would have no area.

@@ -29,21 +29,16 @@ CFarSides::CFarSides(const CTearPatch& patch, const CTearSides& sides, double wi
                      const std::array<double, 2>& cell) {
   const CCutTriangulation& triangles = patch.Triangles();
   std::vector<std::array<std::uint32_t, 2>> vertices;
-  for (std::uint32_t t = 0; t < triangles.Triangles().size(); ++t) {
-    const auto& triangle = triangles.Triangle(t);
-    for (std::uint32_t k = 0; k < 3; ++k) {
-      const std::uint32_t beyond = triangle.m_auNeighbours[k];
-      if (!triangle.m_abCut[k] || beyond == CTearPatch::kNone || beyond < t) continue;
-      const std::uint32_t next = (k + 1) % 3;
-      const std::uint32_t there = triangles.SideInNeighbour(t, k);
-      const std::array ends{triangle.m_auVertices[k], triangle.m_auVertices[next]};
-      m_aSides.push_back({{sides.CopyOf(t, k), sides.CopyOf(t, next)},
-                          {sides.CopyOf(beyond, (there + 1) % 3), sides.CopyOf(beyond, there)},
-                          {CCellPoint{patch.ColumnOf(ends[0]), patch.RowOf(ends[0])},
-                           CCellPoint{patch.ColumnOf(ends[1]), patch.RowOf(ends[1])}}});
-      vertices.push_back(ends);
-    }
-  }
+  triangles.ForEachCut([&](std::uint32_t t, std::uint32_t k, std::uint32_t beyond, std::uint32_t there) {
+    const std::uint32_t next = (k + 1) % 3;
+    const auto& corners = triangles.Triangle(t).m_auVertices;
+    const std::array ends{corners[k], corners[next]};
+    m_aSides.push_back({{sides.CopyOf(t, k), sides.CopyOf(t, next)},
+                        {sides.CopyOf(beyond, (there + 1) % 3), sides.CopyOf(beyond, there)},
+                        {CCellPoint{patch.ColumnOf(ends[0]), patch.RowOf(ends[0])},
+                         CCellPoint{patch.ColumnOf(ends[1]), patch.RowOf(ends[1])}}});
+    vertices.push_back(ends);
+  });
   FindWidths(patch, width, cell, vertices);
 }
 

@@ -27,21 +27,16 @@ CTornSurface::CTornSurface(CTearPatch& patch, const CTearSides& sides, std::vect
 std::vector<CTornSurface::CCutSide> CTornSurface::CutSides() const {
   const CCutTriangulation& triangles = m_Patch.Triangles();
   std::vector<CCutSide> sides;
-  for (std::uint32_t t = 0; t < triangles.Triangles().size(); ++t) {
-    const auto& triangle = triangles.Triangle(t);
-    for (std::uint32_t k = 0; k < 3; ++k) {
-      const std::uint32_t beyond = triangle.m_auNeighbours[k];
-      if (!triangle.m_abCut[k] || beyond == CTearPatch::kNone || beyond < t) continue;
-      const std::uint32_t next = (k + 1) % 3;
-      const std::uint32_t there = triangles.SideInNeighbour(t, k);
-      sides.push_back({t,
-                       beyond,
-                       triangle.m_auVertices[k],
-                       triangle.m_auVertices[next],
-                       {m_aCorners[t][k], m_aCorners[t][next]},
-                       {m_aCorners[beyond][(there + 1) % 3], m_aCorners[beyond][there]}});
-    }
-  }
+  triangles.ForEachCut([&](std::uint32_t t, std::uint32_t k, std::uint32_t beyond, std::uint32_t there) {
+    const auto& vertices = triangles.Triangle(t).m_auVertices;
+    const std::uint32_t next = (k + 1) % 3;
+    sides.push_back({t,
+                     beyond,
+                     vertices[k],
+                     vertices[next],
+                     {m_aCorners[t][k], m_aCorners[t][next]},
+                     {m_aCorners[beyond][(there + 1) % 3], m_aCorners[beyond][there]}});
+  });
   return sides;
 }
 

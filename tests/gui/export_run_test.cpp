@@ -13,9 +13,9 @@
 #include "drawing/DisplayFlags.h"
 #include "formats/ExportSurvey.h"
 #include "formats/ProjectFile.h"
-#include "support/ConsoleCapture.h"
 #include "support/FileBuilders.h"
 #include "support/ProgramRun.h"
+#include "support/ProjectBuilders.h"
 #include "support/SamplePhotograph.h"
 #include "support/gui/Input.h"
 #include "support/gui/RunTest.h"
@@ -71,13 +71,7 @@ class FilmRunTest : public ::testing::Test {
  protected:
   /// A project of the photograph on a raised surface, with a recording of so many frames.
   void Write(int frames) const {
-    const ConsoleCapture console;
-    CGrid grid;
-    grid.AddPtCstr({30, 40, PtCstrKind::kPosition, 20});
-    grid.PerformPendingWork();
-    CProject project;
-    project.m_Model = StateOf(grid);
-    project.m_Heights = SolvedHeights(grid);
+    CProject project = ProjectOfOneHeight(20);
     project.m_Views.m_uModelFlags = ModelFlag::kTexturedModel;
     project.m_Views.m_Centre = {50, 50, 0};
     project.m_Views.m_Eye = {50, 50, 80};

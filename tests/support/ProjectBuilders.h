@@ -15,10 +15,10 @@
 
 /// A small model as the window saves it, seen from straight above its middle: one height, no picture. The rest of the
 /// views is for the caller to fill in.
-inline CProject ProjectOfOneHeight() {
+inline CProject ProjectOfOneHeight(double height = 7) {
   const ConsoleCapture console;
   CGrid grid;
-  grid.AddPtCstr({30, 40, PtCstrKind::kPosition, 7});
+  grid.AddPtCstr({30, 40, PtCstrKind::kPosition, height});
   grid.PerformPendingWork();
   CProject project;
   project.m_Model = StateOf(grid);
