@@ -76,8 +76,9 @@ void CReferenceTool::Load(const std::string& file) {
   const std::string proportions =
       textures.HasPicture() ? ProportionsNotice(*read.m_pMap, textures.PictureWidth(), textures.PictureHeight())
                             : ProportionsNotice(*read.m_pMap, extent.x1 - extent.x0, extent.y1 - extent.y0);
+  const std::string subject = "The file " + file + ' ';
   for (const std::string& notice : {read.m_Notice, proportions}) {
-    if (!notice.empty()) m_Window.Tell("The file " + file + ' ' + notice + '.');
+    if (!notice.empty()) m_Window.Tell(subject + notice + '.');
   }
   m_Grid.ReferenceEdits().Load(std::move(read.m_pMap), std::filesystem::absolute(file).string());
 }

@@ -124,6 +124,90 @@ bool EndsWith(std::string_view name, std::string_view suffix) {
          std::ranges::equal(name.substr(name.size() - suffix.size()), suffix, {}, lower, lower);
 }
 
+constexpr double kMetres = 0.01;
+constexpr unsigned kSize = ExportSetting::kScale | ExportSetting::kHeightScale;
+constexpr unsigned kMesh = ExportSetting::kTears | ExportSetting::kTexture | kSize;
+constexpr unsigned kMap = kSize | ExportSetting::kResolution;
+constexpr auto kFormats = std::to_array<CExportFormat>({
+    {.m_pSuffix = ".glb",
+     .m_pName = "binary glTF",
+     .m_fScale = kMetres,
+     .m_Up = UpAxis::Y,
+     .m_pWrite = WriteGlb,
+     .m_uReads = kMesh,
+     .m_pUnit = "m",
+     .m_Bytes = {.m_fFile = 1100, .m_fVertex = 32, .m_fTriangle = 12, .m_fPicture = 1}},
+    {.m_pSuffix = ".obj",
+     .m_pName = "Wavefront OBJ",
+     .m_Up = UpAxis::Y,
+     .m_pWrite = WriteObj,
+     .m_uReads = kMesh | ExportSetting::kUp,
+     .m_Bytes = {.m_fFile = 200, .m_fVertex = 88, .m_fTriangle = 11, .m_fDigit = 9, .m_fPicture = 1},
+     .m_pCompanions = CompanionsOfObj},
+    {.m_pSuffix = ".ply",
+     .m_pName = "PLY",
+     .m_pWrite = WritePly,
+     .m_uReads = kMesh | ExportSetting::kUp,
+     .m_Bytes = {.m_fFile = 400, .m_fVertex = 35, .m_fTriangle = 13}},
+    {.m_pSuffix = ".stl",
+     .m_pName = "solid for printing",
+     .m_pWrite = WriteStl,
+     .m_Content = ExportContent::Solid,
+     .m_uReads = kSize | ExportSetting::kUp | ExportSetting::kBase,
+     .m_pUnit = "mm",
+     .m_Bytes = {.m_fFile = 84, .m_fTriangle = 50}},
+#ifdef RELIEVO_PAGE
+    // Base64 takes four characters for three bytes of a .glb.
+    {.m_pSuffix = ".html",
+     .m_pName = "web page",
+     .m_fScale = kMetres,
+     .m_Up = UpAxis::Y,
+     .m_pWrite = WriteHtml,
+     .m_uReads = kMesh,
+     .m_pUnit = "m",
+     .m_Bytes =
+         {.m_fFile = 969000, .m_fVertex = 128.0 / 3, .m_fTriangle = 16, .m_fPicture = 4.0 / 3, .m_fRelit = 4.0 / 3}},
+#endif
+    {.m_pSuffix = ".png",
+     .m_pName = "heights, 16 bits",
+     .m_pWrite = WriteHeightPng,
+     .m_Content = ExportContent::Samples,
+     .m_uReads = kMap,
+     .m_Bytes = {.m_fFile = 220},
+     .m_pCompanions = CompanionsOfHeightPng,
+     .m_pPackedBytes = PackedHeightBytes},
+    {.m_pSuffix = ".tif",
+     .m_pName = "heights, 32-bit floats",
+     .m_pWrite = WriteHeightTiff,
+     .m_Content = ExportContent::Samples,
+     .m_uReads = kMap,
+     .m_Bytes = {.m_fFile = 300, .m_fSample = 4}},
+    {.m_pSuffix = ".pfm",
+     .m_pName = "heights, 32-bit floats",
+     .m_pWrite = WriteHeightPfm,
+     .m_Content = ExportContent::Samples,
+     .m_uReads = kMap,
+     .m_Bytes = {.m_fFile = 20, .m_fSample = 4}},
+    {.m_pSuffix = "-normal.png",
+     .m_pName = "normal map",
+     .m_pWrite = WriteNormalMap,
+     .m_Content = ExportContent::Samples,
+     .m_uReads = ExportSetting::kHeightScale | ExportSetting::kResolution | ExportSetting::kGreen,
+     .m_pPackedBytes = PackedNormalBytes},
+    {.m_pSuffix = "-albedo.png",
+     .m_pName = "the photograph without its removed lights",
+     .m_pWrite = WriteAlbedo,
+     .m_Content = ExportContent::Samples,
+     .m_Bytes = {.m_fPicture = 1},
+     .m_Picture = ExportTexture::Albedo},
+    {.m_pSuffix = "-relit.png",
+     .m_pName = "the photograph in the added lights",
+     .m_pWrite = WriteRelit,
+     .m_Content = ExportContent::Samples,
+     .m_Bytes = {.m_fPicture = 1},
+     .m_Picture = ExportTexture::Relit},
+});
+
 }  // namespace
 
 CFileMesh MeshOf(const CGrid& grid, ExportContent content, const CExportSettings& settings, const CExportSteps& steps) {
@@ -131,92 +215,7 @@ CFileMesh MeshOf(const CGrid& grid, ExportContent content, const CExportSettings
                                          : CleanFileMesh(grid, MeshOptions(settings), steps);
 }
 
-std::span<const CExportFormat> ExportFormats() {
-  constexpr double kMetres = 0.01;
-  constexpr unsigned kSize = ExportSetting::kScale | ExportSetting::kHeightScale;
-  constexpr unsigned kMesh = ExportSetting::kTears | ExportSetting::kTexture | kSize;
-  constexpr unsigned kMap = kSize | ExportSetting::kResolution;
-  static constexpr auto kFormats = std::to_array<CExportFormat>({
-      {.m_pSuffix = ".glb",
-       .m_pName = "binary glTF",
-       .m_fScale = kMetres,
-       .m_Up = UpAxis::Y,
-       .m_pWrite = WriteGlb,
-       .m_uReads = kMesh,
-       .m_pUnit = "m",
-       .m_Bytes = {.m_fFile = 1100, .m_fVertex = 32, .m_fTriangle = 12, .m_fPicture = 1}},
-      {.m_pSuffix = ".obj",
-       .m_pName = "Wavefront OBJ",
-       .m_Up = UpAxis::Y,
-       .m_pWrite = WriteObj,
-       .m_uReads = kMesh | ExportSetting::kUp,
-       .m_Bytes = {.m_fFile = 200, .m_fVertex = 88, .m_fTriangle = 11, .m_fDigit = 9, .m_fPicture = 1},
-       .m_pCompanions = CompanionsOfObj},
-      {.m_pSuffix = ".ply",
-       .m_pName = "PLY",
-       .m_pWrite = WritePly,
-       .m_uReads = kMesh | ExportSetting::kUp,
-       .m_Bytes = {.m_fFile = 400, .m_fVertex = 35, .m_fTriangle = 13}},
-      {.m_pSuffix = ".stl",
-       .m_pName = "solid for printing",
-       .m_pWrite = WriteStl,
-       .m_Content = ExportContent::Solid,
-       .m_uReads = kSize | ExportSetting::kUp | ExportSetting::kBase,
-       .m_pUnit = "mm",
-       .m_Bytes = {.m_fFile = 84, .m_fTriangle = 50}},
-#ifdef RELIEVO_PAGE
-      // Base64 takes four characters for three bytes of a .glb.
-      {.m_pSuffix = ".html",
-       .m_pName = "web page",
-       .m_fScale = kMetres,
-       .m_Up = UpAxis::Y,
-       .m_pWrite = WriteHtml,
-       .m_uReads = kMesh,
-       .m_pUnit = "m",
-       .m_Bytes =
-           {.m_fFile = 969000, .m_fVertex = 128.0 / 3, .m_fTriangle = 16, .m_fPicture = 4.0 / 3, .m_fRelit = 4.0 / 3}},
-#endif
-      {.m_pSuffix = ".png",
-       .m_pName = "heights, 16 bits",
-       .m_pWrite = WriteHeightPng,
-       .m_Content = ExportContent::Samples,
-       .m_uReads = kMap,
-       .m_Bytes = {.m_fFile = 220},
-       .m_pCompanions = CompanionsOfHeightPng,
-       .m_pPackedBytes = PackedHeightBytes},
-      {.m_pSuffix = ".tif",
-       .m_pName = "heights, 32-bit floats",
-       .m_pWrite = WriteHeightTiff,
-       .m_Content = ExportContent::Samples,
-       .m_uReads = kMap,
-       .m_Bytes = {.m_fFile = 300, .m_fSample = 4}},
-      {.m_pSuffix = ".pfm",
-       .m_pName = "heights, 32-bit floats",
-       .m_pWrite = WriteHeightPfm,
-       .m_Content = ExportContent::Samples,
-       .m_uReads = kMap,
-       .m_Bytes = {.m_fFile = 20, .m_fSample = 4}},
-      {.m_pSuffix = "-normal.png",
-       .m_pName = "normal map",
-       .m_pWrite = WriteNormalMap,
-       .m_Content = ExportContent::Samples,
-       .m_uReads = ExportSetting::kHeightScale | ExportSetting::kResolution | ExportSetting::kGreen,
-       .m_pPackedBytes = PackedNormalBytes},
-      {.m_pSuffix = "-albedo.png",
-       .m_pName = "the photograph without its removed lights",
-       .m_pWrite = WriteAlbedo,
-       .m_Content = ExportContent::Samples,
-       .m_Bytes = {.m_fPicture = 1},
-       .m_Picture = ExportTexture::Albedo},
-      {.m_pSuffix = "-relit.png",
-       .m_pName = "the photograph in the added lights",
-       .m_pWrite = WriteRelit,
-       .m_Content = ExportContent::Samples,
-       .m_Bytes = {.m_fPicture = 1},
-       .m_Picture = ExportTexture::Relit},
-  });
-  return kFormats;
-}
+std::span<const CExportFormat> ExportFormats() { return kFormats; }
 
 const CExportFormat* ExportFormatOf(const std::string& filename) {
   const CExportFormat* found = nullptr;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "insight/CGroups.h"
 #include "quadtree/CPointOrder.h"
@@ -92,7 +93,7 @@ void CPieces::Number(std::span<const std::uint32_t> roots) {
   m_auPoints.resize(roots.size());
   for (std::uint32_t point = 0; point < roots.size(); ++point) m_auPoints[m_aPieces[m_auPiece[point]].m_uEnd++] = point;
   std::erase_if(m_aCuts, [this](const CJoint& cut) { return m_auPiece[cut.m_uA] == m_auPiece[cut.m_uB]; });
-  std::ranges::sort(m_aCuts);
+  std::ranges::sort(m_aCuts, {}, [](const CJoint& cut) { return std::pair(cut.m_uA, cut.m_uB); });
   m_aCuts.erase(std::unique(m_aCuts.begin(), m_aCuts.end()), m_aCuts.end());
 }
 

@@ -38,7 +38,7 @@ class CPieces {
   struct CJoint {
     std::uint32_t m_uA;
     std::uint32_t m_uB;
-    auto operator<=>(const CJoint&) const = default;
+    bool operator==(const CJoint&) const = default;
   };
   /// The outer side of a triangle in no tear, from its left or lower end.
   struct CSlope {

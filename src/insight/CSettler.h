@@ -42,7 +42,7 @@ class CSettler {
  private:
   /// One group of pieces that is placed, after those it refers to. Matrices are over its directions.
   struct CStep {
-    std::size_t m_uGroup;
+    std::size_t m_uGroup = 0;
     std::vector<CPieces::CJoint> m_aEdges;  ///< from the group to what is placed before it
     std::vector<CPieces::CSlope> m_aSlopes;
     double m_fArea = 0.0;

@@ -68,10 +68,11 @@ std::string MissingTo(const CRegion& region, const CExtent& box) {
     return "can tilt about the line from " + Text(from) + " to " + Text(to);
   }
   if (free.size() == 1) return "needs 1 height";
-  const std::string heights = "needs " + std::to_string(free.size()) + " heights";
-  if (free.size() != 2) return heights;
+  std::string missing = "needs " + std::to_string(free.size()) + " heights";
+  if (free.size() != 2) return missing;
   const std::optional<CPlanePoint> pivot = ZeroPoint(free[0], free[1], box);
-  return pivot ? heights + ", can tilt about the point " + Text(*pivot) : heights;
+  if (pivot) missing += ", can tilt about the point " + Text(*pivot);
+  return missing;
 }
 
 }  // namespace

@@ -45,8 +45,8 @@ CPicture FrameOf(std::size_t number) {
 
 // Sixty recorded frames at the recorder's first interval.
 CFilm RecordedFilm() {
-  static const std::vector<std::size_t> s_aFrames = ResampledFrames(60, 0.02);
-  return {kFrameWidth, kFrameHeight, s_aFrames.size(), [](std::size_t k) { return FrameOf(s_aFrames[k]); }};
+  static const std::vector<std::size_t> frames = ResampledFrames(60, 0.02);
+  return {kFrameWidth, kFrameHeight, frames.size(), [](std::size_t k) { return FrameOf(frames[k]); }};
 }
 
 const CFilmFormat& FormatOf(const std::string& suffix) {

@@ -43,7 +43,7 @@ std::string PageOf(const std::string& glb) { return *HtmlOf({"cup", glb, "Photog
 
 TEST(PageTest, HoldsTheModelInBase64) {
   const auto coded = [](const std::string& glb) {
-    return Between(PageOf(glb), "<script id=\"model\" type=\"text/plain\">", "</script>");
+    return Between(PageOf(glb), R"(<script id="model" type="text/plain">)", "</script>");
   };
   EXPECT_EQ(coded("light work."), "bGlnaHQgd29yay4=");
   EXPECT_EQ(coded("light work"), "bGlnaHQgd29yaw==");
@@ -91,7 +91,8 @@ TEST(PageTest, KeepsTheLicenceOfItsScripts) {
 }
 
 TEST(PageTest, HoldsThreeHundredMegabytesAtMost) {
-  CPageContents contents{"cup", std::string(300'000'001, '\0'), "Photograph", {}};
+  CPageContents contents{"cup", "", "Photograph", {}};
+  contents.m_Glb.resize(300'000'001);
   EXPECT_FALSE(HtmlOf(contents).has_value());
 }
 
@@ -167,9 +168,8 @@ class PageInBrowserTest : public testing::Test {
     const std::string file = m_Directory.File("my \"c\u00FCp\" %41#1?.html");
     WriteText(file, *HtmlOf({"my \"c\u00FCp\"", glb, "Photograph", relit}));
     m_Browser.emplace(file, kWidth, kHeight);
-    AwaitShot([this](const CPicture&) {
-      return m_Browser->Evaluate("document.documentElement.dataset.state") != nlohmann::json();
-    });
+    AwaitShot(
+        [this](const CPicture&) { return !m_Browser->Evaluate("document.documentElement.dataset.state").is_null(); });
     ASSERT_EQ(m_Browser->Evaluate("document.getElementById('word').textContent"), "");
     for (const char* id : {"front", "textures"})
       m_Browser->Evaluate(std::string("document.getElementById('") + id + "').style.visibility = 'hidden'");

@@ -54,8 +54,9 @@ TEST(Bending, IsNoneOnAPlaneAndSitsWhereAHillIs) {
   const auto most = static_cast<std::size_t>(std::ranges::max_element(bending) - bending.begin());
   const std::uint32_t point = test.m_Grid.Surface().Order().PointAtScan(most);
   // About (4, 23), in steps of 1 and 0.375.
+  const std::uint32_t row = point / 17;
   EXPECT_NEAR(test.m_Grid.Surface().Lattice().XOf(point % 17), 4, 3);
-  EXPECT_NEAR(test.m_Grid.Surface().Lattice().YOf(point / 17), 23, 3);
+  EXPECT_NEAR(test.m_Grid.Surface().Lattice().YOf(row), 23, 3);
 }
 
 }  // namespace

@@ -64,7 +64,8 @@ struct CRandomModel {
   CPlanePoint PlaceOf(std::size_t k) const {
     const std::uint32_t point = m_Test.m_Order.PointAtScan(k);
     const auto side = static_cast<std::uint32_t>(m_Test.m_Lattice.PointsPerSide());
-    return {m_Test.m_Lattice.XOf(point % side), m_Test.m_Lattice.YOf(static_cast<double>(point / side))};
+    const std::uint32_t row = point / side;
+    return {m_Test.m_Lattice.XOf(point % side), m_Test.m_Lattice.YOf(row)};
   }
   std::size_t Count() const { return m_Test.m_Order.Count(); }
 
@@ -110,7 +111,7 @@ Matrix PlanesOf(const CRandomModel& model, const std::vector<std::vector<std::si
         mean += column[At(point)] / static_cast<double>(piece.size());
       }
       for (const std::size_t point : piece) column[At(point)] -= k == 0 ? 0.0 : mean;
-      if (column.norm() > 1e-9) columns.push_back(column / column.cwiseAbs().maxCoeff());
+      if (column.norm() > 1e-9) columns.emplace_back(column / column.cwiseAbs().maxCoeff());
     }
   }
   Matrix planes(At(model.Count()), At(columns.size()));

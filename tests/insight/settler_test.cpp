@@ -327,8 +327,9 @@ TEST(Settler, FollowsAReferenceWhereThereIsOne) {
   const auto side = static_cast<std::uint32_t>(test.m_Grid.Surface().Lattice().PointsPerSide());
   for (std::size_t k = 0; k < reference.size(); ++k) {
     const std::uint32_t point = test.m_Grid.Surface().Order().PointAtScan(k);
-    const bool corner = point % side > 28 && point / side > 28;
-    reference[k] = corner ? std::nan("") : -1.0 * (point % side) + 0.5 * (point / side);
+    const std::uint32_t column = point % side;
+    const std::uint32_t row = point / side;
+    reference[k] = column > 28 && row > 28 ? std::nan("") : 0.5 * row - 1.0 * column;
   }
   CSettler settler;
   settler.Prepare(test.m_Grid.Surface().Tree(), test.m_Grid.Surface().Order(), test.m_Grid.Solver());

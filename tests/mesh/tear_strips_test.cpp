@@ -76,7 +76,7 @@ TEST(TearStripsTest, WhatLiesBeyondTheBorderShowsThePictureMirroredThere) {
 
 TEST(TearStripsTest, EndsWhereTheHigherPieceEnds) {
   CTornGrid grid({{{{0.0, 7.4}, {16.0, 7.4}}}, {{{0.0, 10.7}, {16.0, 10.7}}}});
-  grid.Raise([](int /*column*/, int row) { return row < 7.4 ? 0.0 : row < 10.7 ? 5.0 : 5.0; });
+  grid.Raise([](int /*column*/, int row) { return row < 7.4 ? 0.0 : 5.0; });
   const std::vector<CStripPoint> strips = StripsOf(grid);
   EXPECT_NEAR(LeastRow(strips), 7.4, 1e-5);
   EXPECT_NEAR(LargestRow(strips), 10.7, 1e-5);

@@ -136,8 +136,9 @@ TEST_P(SlantedTearTest, MissesByNextToNothing) {
   const CPointOrder& order = grid.Surface().Order();
   for (std::size_t i = 0; i < order.Count(); ++i) {
     const std::uint32_t point = order.PointAtScan(i);
-    const double missed =
-        grid.Surface().Lattice().Heights()[point] - scene.At(point % 129 / 128.0, point / 129 / 128.0);
+    const std::uint32_t column = point % 129;
+    const std::uint32_t row = point / 129;
+    const double missed = grid.Surface().Lattice().Heights()[point] - scene.At(column / 128.0, row / 128.0);
     worst = std::max(worst, std::abs(missed));
   }
   RecordProperty("share of the gap", std::to_string(worst / scene.m_fGap));

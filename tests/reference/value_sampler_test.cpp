@@ -31,7 +31,8 @@ struct CSampledTree : CTestTree {
     return static_cast<double>(m_Order.PointAtScan(position) % static_cast<std::uint32_t>(m_Order.PointsPerSide()));
   }
   double RowOf(std::size_t position) const {
-    return static_cast<double>(m_Order.PointAtScan(position) / static_cast<std::uint32_t>(m_Order.PointsPerSide()));
+    const std::uint32_t row = m_Order.PointAtScan(position) / static_cast<std::uint32_t>(m_Order.PointsPerSide());
+    return row;
   }
 };
 

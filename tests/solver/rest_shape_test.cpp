@@ -58,7 +58,9 @@ Heights PlaneOf(const CGrid& grid, double a, double b, double c) {
   for (std::size_t i = 0; i < heights.size(); ++i) {
     const std::uint32_t point = grid.Surface().Order().PointAtScan(i);
     const auto side = static_cast<std::uint32_t>(lattice.PointsPerSide());
-    heights[i] = a * lattice.XOf(point % side) + b * lattice.YOf(point / side) + c;
+    const std::uint32_t column = point % side;
+    const std::uint32_t row = point / side;
+    heights[i] = a * lattice.XOf(column) + b * lattice.YOf(row) + c;
   }
   return heights;
 }
