@@ -12,8 +12,10 @@ namespace {
 // Of the step at the tear: how far a strip that would rise above the surface over it stays below. Two surfaces in one
 // place would flicker.
 constexpr double kClear = 1.0 / 64.0;
-// Of a cell: what a strip is wider, as its outer edge is straight within a triangle.
-constexpr double kRim = 0.125;
+// Of a cell squared over the width: what a strip is wider, as its outer edge is straight within a triangle. What lies
+// as far as the width from a point bends by one over that, so that from corners at most h apart it is seen at most h *
+// h / (6 * width) farther than it is; no side of a triangle is longer than one and a half cells.
+constexpr double kRim = 1.5 * 1.5 / 6.0;
 
 double Between(const std::array<double, 2>& ends, double share) { return ends[0] + share * (ends[1] - ends[0]); }
 

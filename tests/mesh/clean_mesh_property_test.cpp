@@ -124,7 +124,7 @@ int Uncovered(const CCutSides& cuts, const CTriangleFinder& strips, double width
     for (const double share : {0.1, 0.5, 0.9}) {
       const auto there = [share](const std::array<double, 2>& ends) { return ends[0] + share * (ends[1] - ends[0]); };
       if (there(cut.m_afStep) < 1e-3 || std::min(cut.m_afToEnd[0], cut.m_afToEnd[1]) < 2 * width) continue;
-      for (const double part : {0.02, 0.4, 0.8, 0.95}) {
+      for (const double part : {0.02, 0.4, 0.8, 0.99, 0.9999}) {
         const auto p = cuts.Behind(cut, share, part * width);
         if (p && !strips.Over(*p)) ++uncovered;
       }
@@ -170,6 +170,17 @@ RC_GTEST_PROP(CleanMeshProperty, LowerSideRunsOnBeneathTheHigherOne, (std::uint3
   }
   RC_ASSERT(RisingAbove(mesh, surface, strips) == 0);
   RC_ASSERT(Uncovered(CCutSides(grid, judge), strips, width) == 0);
+}
+
+// Where the outer edge of a strip, straight within each triangle, once fell short of the width.
+TEST(CleanMeshProperty, StripsReachTheirWholeWidthRoundBendsToo) {
+  for (const std::uint32_t seed : {142U, 421U, 622U, 746U, 25496U, 2881732U}) {
+    CRandomGrid grid(seed);
+    const double width = WidthOf(seed, grid);
+    const CCleanMesh mesh = grid.Mesh({.m_Gap = TearGap::Under, .m_fUnderWidth = width});
+    const CMeshJudge judge(grid, mesh);
+    EXPECT_EQ(Uncovered(CCutSides(grid, judge), CTriangleFinder(grid, mesh, mesh.Strips()), width), 0) << seed;
+  }
 }
 
 RC_GTEST_PROP(CleanMeshProperty, StripsLeaveTheSurfaceAsItIs, (std::uint32_t seed)) {
