@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
 
 #include <FL/Fl.H>
 #include <FL/fl_ask.H>
@@ -82,6 +83,8 @@ int main(int argc, char** argv) {
   CGrid grid(static_cast<std::uint32_t>(std::time(nullptr)));
   CImageViewUI window(RegisterSolverTimer);
   window.Files().KeepIn(StateFolder());
+  const std::filesystem::path settings = SettingsFolder();
+  window.Settings().KeepIn(settings.empty() ? settings : settings / "settings.json");
   window.show();
   window.AttachGrid(grid);
   const CToolSet tools(window, grid);

@@ -17,6 +17,7 @@ class StateFolderTest : public ::testing::Test {
   StateFolderTest() {
     setenv("HOME", m_Scratch.Path().c_str(), 1);
     unsetenv("XDG_STATE_HOME");
+    unsetenv("XDG_CONFIG_HOME");
   }
 
   CTemporaryDirectory m_Scratch;
@@ -54,4 +55,19 @@ TEST_F(StateFolderTest, WithoutAHomeThereIsNone) {
   EXPECT_EQ(StateFolder(), fs::path());
   setenv("HOME", "/dev/null", 1);
   EXPECT_EQ(StateFolder(), fs::path());
+}
+
+TEST_F(StateFolderTest, SettingsLieWhereUsersLookForThem) {
+  EXPECT_EQ(SettingsFolder(), fs::path(m_Scratch.Path()) / ".config/relievo");
+  setenv("XDG_CONFIG_HOME", m_Scratch.File("other").c_str(), 1);
+  EXPECT_EQ(SettingsFolder(), fs::path(m_Scratch.File("other")) / "relievo");
+  setenv("XDG_CONFIG_HOME", "config", 1);
+  EXPECT_EQ(SettingsFolder(), fs::path(m_Scratch.Path()) / ".config/relievo");
+  setenv("HOME", "home", 1);
+  EXPECT_EQ(SettingsFolder(), fs::path());
+}
+
+TEST_F(StateFolderTest, NoFolderIsMadeForSettingsThatNobodyHas) {
+  SettingsFolder();
+  EXPECT_FALSE(fs::exists(m_Scratch.File(".config")));
 }

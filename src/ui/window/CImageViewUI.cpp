@@ -42,7 +42,8 @@ bool IsMouseOver(const Fl_Window& view) {
 }  // namespace
 
 CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* dialogs)
-    : m_Dialogs(dialogs != nullptr ? *dialogs : m_ToolkitDialogs),
+    : m_Settings([this](const std::string& text) { Tell(text); }),
+      m_Dialogs(dialogs != nullptr ? *dialogs : m_ToolkitDialogs),
       m_Solver(*this, startTimer),
       m_Commands(*this, m_Solver),
       m_History(*this, m_Solver, CRedrawPacer::SteadySeconds),

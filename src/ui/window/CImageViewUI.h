@@ -9,6 +9,7 @@
 #include "drawing/DisplayFlags.h"
 #include "editing/CEditHistory.h"
 #include "editing/CEditingHost.h"
+#include "editing/CSettings.h"
 #include "editing/CSolverControl.h"
 #include "editing/HistoryHost.h"
 #include "formats/CProject.h"
@@ -49,6 +50,8 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   /// Opens a model, a picture or both, once no button is held down and no dialog or menu is open.
   void OpenFiles(const CWorkFiles& files);
   CFilesAtHand& Files() { return m_Commands.Files(); }
+  /// Kept nowhere until it is told where. Trouble goes to the help line and the console.
+  CSettings& Settings() { return m_Settings; }
 
   int handle(int event) override;
 
@@ -147,6 +150,7 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   void TellNoReference(const std::string& file) override;
   void EndDrags() override;
 
+  CSettings m_Settings;
   CToolkitDialogs m_ToolkitDialogs;
   UserDialogs& m_Dialogs;
   CSolverControl m_Solver;

@@ -11,7 +11,8 @@
 namespace {
 
 std::vector<std::string> Command(const std::vector<std::string>& arguments, const std::filesystem::path& state) {
-  std::vector<std::string> command{"env", "XDG_STATE_HOME=" + state.native(), RELIEVO_PROGRAM};
+  std::vector<std::string> command{"env", "XDG_STATE_HOME=" + state.native(),
+                                   "XDG_CONFIG_HOME=" + (state / "config").native(), RELIEVO_PROGRAM};
   command.insert(command.end(), arguments.begin(), arguments.end());
   return command;
 }
