@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <queue>
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -96,16 +97,25 @@ double CTearStrips::Outside(const CNearest& nearest) const {
   return nearest.Beyond() - rim * nearest.m_fWidth / m_fWidth;
 }
 
-// From the tears on through their pieces, from a vertex to those with which it shares a triangle.
+// From the tears on through their pieces, from a vertex to those with which it shares a triangle. A strip that narrows
+// towards an end may be the nearer one where another reaches farther.
 void CTearStrips::Spread(const CStripMesh& mesh) {
   m_aNearest.assign(mesh.VertexCount(), {});
-  using CReached = std::pair<double, std::uint32_t>;
+  m_afOutside.assign(mesh.VertexCount(), HUGE_VAL);
+  std::vector<std::uint32_t> deepest(mesh.VertexCount(), kNone);
+  using CReached = std::tuple<double, std::uint32_t, std::uint32_t>;
   std::priority_queue<CReached, std::vector<CReached>, std::greater<>> queue;
   const auto reach = [&](std::uint32_t v, std::uint32_t side) {
     const CNearest nearest = NearestAlong(side, mesh.Vertex(v).m_Place);
-    if (!nearest.IsBetterThan(m_aNearest[v])) return;
-    m_aNearest[v] = nearest;
-    if (Outside(nearest) < 0.0) queue.emplace(nearest.m_fDistance, v);
+    const double outside = Outside(nearest);
+    const bool isDeeper = outside < m_afOutside[v];
+    const bool isBetter = nearest.IsBetterThan(m_aNearest[v]);
+    if (isDeeper) {
+      m_afOutside[v] = outside;
+      deepest[v] = nearest.m_uSide;
+    }
+    if (isBetter) m_aNearest[v] = nearest;
+    if ((isBetter || isDeeper) && outside < 0.0) queue.emplace(nearest.m_fDistance, v, nearest.m_uSide);
   };
   for (std::uint32_t s = 0; s < m_aSides.size(); ++s) {
     for (std::size_t end = 0; end < 2; ++end) reach(m_aSides[s].m_auNear[end], s);
@@ -113,11 +123,11 @@ void CTearStrips::Spread(const CStripMesh& mesh) {
     if (split != CStripMesh::kNone) reach(split, s);
   }
   while (!queue.empty()) {
-    const auto [distance, v] = queue.top();
+    const auto [distance, v, side] = queue.top();
     queue.pop();
-    if (distance != m_aNearest[v].m_fDistance) continue;
+    if (side != m_aNearest[v].m_uSide && side != deepest[v]) continue;
     for (const std::uint32_t t : mesh.Around(v)) {
-      for (const std::uint32_t corner : mesh.Triangles()[t]) reach(corner, m_aNearest[v].m_uSide);
+      for (const std::uint32_t corner : mesh.Triangles()[t]) reach(corner, side);
     }
   }
 }
@@ -126,7 +136,7 @@ void CTearStrips::Cover(CStripMesh& mesh) {
   const std::size_t count = mesh.Triangles().size();
   for (std::size_t t = 0; t < count; ++t) {
     const CStripMesh::CCorners corners = mesh.Triangles()[t];
-    const auto isInside = [this](std::uint32_t v) { return Outside(m_aNearest[v]) < 0.0; };
+    const auto isInside = [this](std::uint32_t v) { return m_afOutside[v] < 0.0; };
     if (std::ranges::any_of(corners, isInside)) AddClipped(mesh, corners);
   }
   Number(mesh);
@@ -138,8 +148,8 @@ void CTearStrips::AddClipped(CStripMesh& mesh, const CStripMesh::CCorners& corne
   for (std::size_t k = 0; k < corners.size(); ++k) {
     const std::uint32_t a = corners[k];
     const std::uint32_t b = corners[(k + 1) % 3];
-    const double from = Outside(m_aNearest[a]);
-    const double to = Outside(m_aNearest[b]);
+    const double from = m_afOutside[a];
+    const double to = m_afOutside[b];
     if (from <= 0.0) inside.push_back(a);
     if (!((from < 0.0 && to > 0.0) || (from > 0.0 && to < 0.0))) continue;
     std::uint32_t rim = mesh.RimOf(a, b);
@@ -167,6 +177,7 @@ void CTearStrips::Number(const CStripMesh& mesh) {
     }
   }
   m_aNearest = {};
+  m_afOutside = {};
 }
 
 void CTearStrips::Raise(const CSideHeights& side, std::span<const double> heights,

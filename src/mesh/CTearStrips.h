@@ -68,6 +68,7 @@ class CTearStrips {
   std::array<double, 2> m_afCell;
   std::vector<std::array<std::uint32_t, 2>> m_auBeside;  ///< by side: the sides before and behind it along its piece
   std::vector<CNearest> m_aNearest;                      ///< by vertex of the mesh
+  std::vector<double> m_afOutside;                       ///< by vertex: of the strip that reaches farthest over it
   std::vector<CVertex> m_aVertices;
   std::vector<CStripMesh::CCorners> m_aTriangles;
 };

@@ -159,7 +159,7 @@ class CCutSides {
     };
     const CPoint p = off(distance);
     if (p[0] <= 0 || p[1] <= 0 || p[0] >= m_iCells || p[1] >= m_iCells) return std::nullopt;
-    const CPoint start = off(1e-4 * length);
+    const CPoint start = off(1e-7 * length);
     const auto crosses = [&](const CCut& other) { return &other != &cut && Cross(start, p, other.m_From, other.m_To); };
     if (std::ranges::any_of(m_aCuts, crosses)) return std::nullopt;
     return p;
