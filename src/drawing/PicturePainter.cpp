@@ -7,6 +7,7 @@
 
 #include <GL/gl.h>
 
+#include "drawing/COverlayPainter.h"
 #include "drawing/CTextures.h"
 #include "drawing/ConstraintDrawing.h"
 #include "drawing/CurvePainter.h"
@@ -88,6 +89,7 @@ void DrawPointMarks(const CGrid& grid) {
 
 void CPicturePainter::Draw(const CGrid& grid, const CView& view) {
   if ((view.m_uFlags & ImageFlag::kImage) != 0 && view.m_pTextures != nullptr) DrawPicture(grid, *view.m_pTextures);
+  if (view.m_pOverlay != nullptr) view.m_pOverlay->Draw(grid.Surface().Lattice().Extent());
   if ((view.m_uFlags & ImageFlag::kDiscontinuityTexels) != 0) DrawMaskedTexels(grid);
   DrawSubdivision(grid, view);
   if ((view.m_uFlags & ImageFlag::kFreezeMap) != 0) DrawFrozen(grid);

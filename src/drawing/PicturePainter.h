@@ -6,6 +6,7 @@
 #include "drawing/CTexelArrays.h"
 
 class CGrid;
+class COverlayPainter;
 class CTextures;
 
 /// Draws the picture, and what lies on it, into the current context under the projection and the view that are set: the
@@ -17,6 +18,7 @@ class CPicturePainter {
     std::uint32_t m_uFlags = 0;        ///< ImageFlag bits
     bool m_bSelectedCells = false;     ///< the cells selected for subdivision
     CTextures* m_pTextures = nullptr;  ///< none: no picture
+    COverlayPainter* m_pOverlay = nullptr;
   };
 
   /// Leaves the context without texturing, the current colour white.

@@ -38,6 +38,8 @@ class CommandHost : public UserDialogs {
   virtual void GridReplaced() = 0;
   /// The model has been saved again without a question.
   virtual void TellSaved(const std::string& file) = 0;
+  /// A file of the user's holds the model as it is now.
+  virtual void ModelSaved() {}
   /// An export has been cancelled by the user.
   virtual void TellCancelled(const std::string& /*file*/) {}
   /// The model has been saved to a grid file, which does not keep the depth map that it follows.

@@ -75,6 +75,7 @@ void CGridCommands::RecoverWorkNow() {
 }
 
 void CGridCommands::NoteSaved() const {
+  m_Host.ModelSaved();
   if (m_Recovery.m_Saved) m_Recovery.m_Saved();
 }
 

@@ -91,7 +91,11 @@ void CSurfaceMesh::Place(const CQuadTree& tree, std::vector<Number>& positions) 
 
 template <typename Number>
 void CSurfaceMesh::Raise(const CQuadTree& tree, std::span<Number> positions) const {
-  const std::span<const double> heights = tree.Lattice().Heights();
+  Raise(tree, positions, tree.Lattice().Heights());
+}
+
+template <typename Number>
+void CSurfaceMesh::Raise(const CQuadTree& tree, std::span<Number> positions, std::span<const double> heights) const {
   for (std::size_t v = 0; v < CornerCount(); ++v) positions[3 * v + 2] = static_cast<Number>(heights[m_auPoints[v]]);
   std::size_t v = CornerCount();
   for (const CLeaf& leaf : tree.Leaves()) {
@@ -108,6 +112,7 @@ template void CSurfaceMesh::Place(const CQuadTree&, std::vector<float>&) const;
 template void CSurfaceMesh::Place(const CQuadTree&, std::vector<double>&) const;
 template void CSurfaceMesh::Raise(const CQuadTree&, std::span<float>) const;
 template void CSurfaceMesh::Raise(const CQuadTree&, std::span<double>) const;
+template void CSurfaceMesh::Raise(const CQuadTree&, std::span<double>, std::span<const double>) const;
 
 std::vector<CSurfaceMesh::CTexturePoint> CSurfaceMesh::TextureCoordinates(const CQuadTree& tree) const {
   const int steps = tree.Lattice().PointsPerSide() - 1;

@@ -64,6 +64,9 @@ class CSurfaceMesh {
   /// Sets the z of every vertex of `positions` from the heights of the lattice. Allocates nothing.
   template <typename Number>
   void Raise(const CQuadTree& tree, std::span<Number> positions) const;
+  /// The same with other values, by lattice point, in place of the heights.
+  template <typename Number>
+  void Raise(const CQuadTree& tree, std::span<Number> positions, std::span<const double> values) const;
   /// What every vertex shows of the picture, which lies over all of the model.
   std::vector<CTexturePoint> TextureCoordinates(const CQuadTree& tree) const;
 

@@ -69,6 +69,9 @@ const auto kEntries = std::to_array<CExpectedEntry>({
   {"Edi&t/Reference &Depth...", MenuEntry::ReferenceDepth, 0, Command},
   {"&Inspect/Close the &gaps of tears", MenuEntry::ClosedTears, 0, Toggle},
   {"&Inspect/Continue &behind tears", MenuEntry::BehindTears, 0, Toggle},
+  {"&Inspect/Show &misfit", MenuEntry::Misfit, 0, Toggle},
+  {"&Inspect/Show b&ending", MenuEntry::Bending, 0, Toggle},
+  {"&Inspect/Save &Overlay as PNG...", MenuEntry::SaveOverlay, 0, Command},
 });
 
 struct CFlag {
@@ -155,8 +158,8 @@ TEST_F(WindowMenuTest, HasTheEntriesOfTheTable) {
 }
 
 TEST_F(WindowMenuTest, OnlyWhatHasNothingToWorkWithStartsInactive) {
-  constexpr std::array kInactive{MenuEntry::ImagePicture, MenuEntry::ModelTexture, MenuEntry::RecoverWork,
-                                 MenuEntry::FitPicture, MenuEntry::ReferenceDepth};
+  constexpr std::array kInactive{MenuEntry::ImagePicture, MenuEntry::ModelTexture,   MenuEntry::RecoverWork,
+                                 MenuEntry::FitPicture,   MenuEntry::ReferenceDepth, MenuEntry::SaveOverlay};
   for (const CExpectedEntry& row : kEntries) {
     const bool inactive = std::ranges::find(kInactive, row.m_Entry) != kInactive.end();
     EXPECT_EQ(Menu().IsActive(row.m_Entry), !inactive) << row.m_pPath;

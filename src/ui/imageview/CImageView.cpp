@@ -9,6 +9,8 @@
 #include <GL/glu.h>
 
 #include "base/Console.h"
+#include "drawing/COverlay.h"
+#include "drawing/CSampledBuffer.h"
 #include "drawing/CTextures.h"
 #include "drawing/CurvePainter.h"
 #include "drawing/DrawingSettings.h"
@@ -18,6 +20,7 @@
 #include "model/Globals.h"
 #include "ui/drawing/PrepareContext.h"
 #include "ui/seams/CBusyCursor.h"
+#include "ui/seams/UiScale.h"
 #include "ui/seams/ViewHost.h"
 
 namespace {
@@ -55,7 +58,7 @@ bool IsNavigationKey() {
 
 }  // namespace
 
-CImageView::CImageView(int x, int y, int w, int h) : Fl_Gl_Window(x, y, w, h) {}
+CImageView::CImageView(int x, int y, int w, int h) : Fl_Gl_Window(x, y, w, h), m_Legend(UiScale()) {}
 
 void CImageView::AttachGrid(CGrid& grid, ViewHost& host) {
   m_pGrid = &grid;
@@ -169,6 +172,27 @@ void CImageView::ShowInterpolation(const CInterpolationTrace& trace) {
   redraw();
 }
 
+void CImageView::ShowOverlay(std::shared_ptr<const COverlay> made) {
+  if (made == nullptr && Overlay() == nullptr) return;
+  m_Legend.Set(made);
+  m_Overlay.Set(std::move(made), std::as_const(*m_pGrid).Surface().Tree(), m_pGrid->Surface().Order());
+  redraw();
+}
+
+std::optional<CPicture> CImageView::DrawnPicture() {
+  if (shown() == 0 || m_pGrid == nullptr) return std::nullopt;
+  make_current();
+  PrepareContext(*this);
+  CSampledBuffer buffer(w(), h());
+  if (!buffer.IsComplete()) {
+    DrawScene();
+    return Global::ReadFrameBuffer();
+  }
+  buffer.Begin();
+  DrawScene();
+  return buffer.End();
+}
+
 bool CImageView::SaveFrame(const std::string& filename) {
   if (shown() == 0) return false;
   make_current();
@@ -203,9 +227,10 @@ void CImageView::DrawScene() {
   gluLookAt(0, 0, 1, 0, 0, 0, 0, 1, 0);
 
   const bool selecting = (m_uDebugFlags & DebugFlag::kSelectCells) != 0;
-  m_Painter.Draw(*m_pGrid, {m_uDisplayFlags, selecting, m_pTextures});
+  m_Painter.Draw(*m_pGrid, {m_uDisplayFlags, selecting, m_pTextures, &m_Overlay});
   m_Debug.Draw(*m_pGrid, m_uDebugFlags);
   DrawTools();
+  m_Legend.Draw(*this);
 }
 
 // What follows the mouse.

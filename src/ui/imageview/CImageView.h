@@ -1,11 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include <FL/Fl_Gl_Window.H>
 
+#include "base/CPicture.h"
+#include "drawing/COverlayPainter.h"
 #include "drawing/CViewMapping.h"
 #include "drawing/DisplayFlags.h"
 #include "drawing/PicturePainter.h"
@@ -13,6 +16,7 @@
 #include "ui/imageview/CCellSelector.h"
 #include "ui/imageview/CDebugOverlay.h"
 #include "ui/imageview/CFreezeBrush.h"
+#include "ui/imageview/CLegend.h"
 #include "ui/imageview/CurveHandler.h"
 #include "ui/imageview/HandlerView.h"
 #include "ui/imageview/PtCstrHandlers.h"
@@ -69,6 +73,14 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   void DocumentChanged();
   /// Shows what the interpolation traced last was made of.
   void ShowInterpolation(const CInterpolationTrace& trace);
+  /// Shows an overlay and its legend over the photograph; null for none. One over points belongs to the present
+  /// subdivision, whose leaves are listed. Needs an attached grid.
+  void ShowOverlay(std::shared_ptr<const COverlay> made);
+  /// The overlay on show, or null.
+  const COverlay* Overlay() const { return m_Overlay.Shown(); }
+
+  /// The view as it would be drawn now, whatever lies over it on the screen; nothing while it is not shown.
+  std::optional<CPicture> DrawnPicture();
   /// Saves the view as it would be drawn now; false while it is not shown or if that fails.
   bool SaveFrame(const std::string& filename);
 
@@ -115,6 +127,8 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   CFreezeBrush m_Brush;
   CDebugOverlay m_Debug;
   CPicturePainter m_Painter;
+  COverlayPainter m_Overlay;
+  CLegend m_Legend;
 
   int m_iDragButton = 0;  ///< that drags the view, as it was pressed; 0 while none does
   int m_iMouseX = 0;

@@ -54,7 +54,9 @@ CImageViewUI::CImageViewUI(CSolverControl::StartTimer startTimer, UserDialogs* d
             RedrawImageView();
             RedrawModelView();
           },
-          [this] { return m_Solver.IsRunning(); }, CRedrawPacer::SteadySeconds) {
+          [this] { return m_Solver.IsRunning(); }, CRedrawPacer::SteadySeconds),
+      m_Overlays([this](std::shared_ptr<const COverlay> overlay) { ShowOverlay(std::move(overlay)); },
+                 CRedrawPacer::SteadySeconds) {
   // There they choose the lights that a drag turns.
   Menu().LeaveDigitsWhile([this] { return Fl::pushed() != nullptr || IsMouseOver(GridView()); });
   Menu().BeforeOpening([this] {
@@ -96,6 +98,7 @@ void CImageViewUI::AttachGrid(CGrid& grid) {
   GridView().SelectWaveletMode(WaveletMode::New);
   ShowCounts(*m_pGrid);
   GridView().EnableEvents();
+  m_OverlayEntries.emplace(grid, Menu(), m_Overlays);
 }
 
 void CImageViewUI::SetServices(CWindowServices services) {
@@ -131,6 +134,7 @@ void CImageViewUI::RefreshEnabled() {
   Menu().Enable(MenuEntry::ExportModel, m_Commands.CanExportModel());
   Menu().Enable(MenuEntry::ExportFilm, m_Commands.CanExportFilm());
   Menu().Enable(MenuEntry::ReferenceDepth, m_Tools.Has(Tool::ReferenceDepth));
+  Menu().Enable(MenuEntry::SaveOverlay, ImageView().Overlay() != nullptr);
   Menu().Enable(MenuEntry::DrawingParameters, static_cast<bool>(m_Services.m_ShowDrawingOptions));
   Menu().Enable(MenuEntry::ImagePicture, HasPicture());
   Menu().Enable(MenuEntry::ModelTexture, HasPicture());
@@ -190,4 +194,6 @@ void CImageViewUI::cb_PendingWork(void* data) {
   window.m_GridHost.PerformPendingWork(window.IsDragging());
   window.m_History.Settle(window.IsDragging());
   window.WithdrawOffer();
+  if (window.m_OverlayEntries) window.m_OverlayEntries->Follow();
+  window.m_Overlays.Follow();
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -13,6 +14,8 @@
 #include "editing/CSolverControl.h"
 #include "editing/HistoryHost.h"
 #include "formats/CProject.h"
+#include "ui/window/COverlayEntries.h"
+#include "ui/window/COverlays.h"
 #include "ui/window/CRedrawPacer.h"
 #include "ui/window/CToolButtons.h"
 #include "ui/window/CToolkitDialogs.h"
@@ -46,6 +49,7 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   CSolverControl& Solver() { return m_Solver; }
   CGridCommands& Commands() { return m_Commands; }
   CEditHistory& History() { return m_History; }
+  COverlays& Overlays() { return m_Overlays; }
 
   /// Opens a model, a picture or both, once no button is held down and no dialog or menu is open.
   void OpenFiles(const CWorkFiles& files);
@@ -124,6 +128,11 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   /// `text` is what the desktop hands over.
   void OpenDropped(std::string_view text);
 
+  // ImageViewUIOverlays.cpp: the overlays over the photograph.
+  void ShowOverlay(std::shared_ptr<const COverlay> overlay);
+  void SaveOverlay();
+  void ModelSaved() override;
+
   // ImageViewUIHistory.cpp: steps back and forward.
   void RequestStep(UserStep step);
   /// Has a grid in the picture's proportions begun at the next tick.
@@ -163,6 +172,8 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   CToolButtons m_Tools;
   CTextures m_Textures;
   CRedrawPacer m_RedrawPacer;
+  COverlays m_Overlays;
+  std::optional<COverlayEntries> m_OverlayEntries;  ///< as soon as there is a grid
   Fl_Button* m_pbtnSwitchHR_LR = nullptr;
 
   CWorkFiles m_WaitingFiles;          ///< to be opened

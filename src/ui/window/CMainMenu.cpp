@@ -87,6 +87,9 @@ constexpr auto kRows = std::to_array<CMenuRow>({
   {Menu, "&Inspect", 0, {}},
   {Toggle, "Close the &gaps of tears", 0, MenuEntry::ClosedTears},
   {Toggle, "Continue &behind tears", 0, MenuEntry::BehindTears},
+  {Toggle, "Show &misfit", 0, MenuEntry::Misfit},
+  {Toggle, "Show b&ending", 0, MenuEntry::Bending},
+  {Command, "Save &Overlay as PNG...", 0, MenuEntry::SaveOverlay},
   {End, nullptr, 0, {}},
   {End, nullptr, 0, {}},
 });

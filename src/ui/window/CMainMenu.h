@@ -55,6 +55,9 @@ enum class MenuEntry {
   ClosedTears,
   BehindTears,
   ReferenceDepth,
+  Misfit,
+  Bending,
+  SaveOverlay,
   Write,  ///< the model in the first of ModelFormats(); those of the others follow
 };
 

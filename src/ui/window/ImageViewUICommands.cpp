@@ -134,6 +134,7 @@ void CImageViewUI::Chosen(MenuEntry entry) {
     if (entry == MenuEntry::TexelNormals) RequireTexels();
     return;
   }
+  if (m_OverlayEntries && m_OverlayEntries->Chosen(entry)) return;
   if (entry >= MenuEntry::Recent && entry < MenuEntry::ClearRecent)
     return OpenRecent(static_cast<std::size_t>(entry) - static_cast<std::size_t>(MenuEntry::Recent));
   if (entry >= MenuEntry::Write) {
@@ -190,6 +191,8 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       EndDrags();
       if (m_Tools.Has(Tool::ReferenceDepth)) m_Tools.Open(Tool::ReferenceDepth);
       return;
+    case MenuEntry::SaveOverlay:
+      return SaveOverlay();
     case MenuEntry::SimpleWavelets:
       return GridView().SelectWaveletMode(WaveletMode::Simple);
     default:
@@ -358,6 +361,7 @@ void CImageViewUI::ShowModel() {
 
 void CImageViewUI::GridReplaced() {
   ShowModel();
+  if (m_OverlayEntries) m_OverlayEntries->SurfaceReplaced();
   GridView().ResetCamera();
   RequestRedraw();
   m_Tools.GridReplaced();

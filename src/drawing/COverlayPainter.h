@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "drawing/COverlay.h"
+#include "lattice/CLattice.h"
+
+class CQuadTree;
+class CPointOrder;
+
+/// Draws an overlay, without its legend. What is drawn is made when the overlay is taken up: values at points are
+/// interpolated over the triangles of the leaves, those in a tear left out, and a redraw neither walks the tree nor
+/// makes anything.
+class COverlayPainter {
+ public:
+  COverlayPainter() = default;
+  /// The texture goes with the contexts that share it.
+  ~COverlayPainter() = default;
+  COverlayPainter(const COverlayPainter&) = delete;
+  COverlayPainter& operator=(const COverlayPainter&) = delete;
+
+  /// Takes up an overlay; null for none. One over the points of another subdivision than `tree` shows nothing; leaves
+  /// must be listed. Linear in the number of leaves, or of the raster's pixels.
+  void Set(std::shared_ptr<const COverlay> overlay, const CQuadTree& tree, const CPointOrder& order);
+  /// The overlay that is shown, or null.
+  const COverlay* Shown() const { return m_pOverlay.get(); }
+  /// Into the current context, in model units, over the rectangle `extent`.
+  void Draw(const CExtent& extent);
+
+  /// Three floats per vertex, of which the last means nothing; how far along the map each is, 0 to 1; and the
+  /// triangles.
+  std::span<const float> Positions() const { return m_afPositions; }
+  std::span<const float> Places() const { return m_afPlaces; }
+  std::span<const std::uint32_t> Triangles() const { return m_auTriangles; }
+
+ private:
+  void Clear();
+  void MakeTriangles(const CQuadTree& tree, const CPointOrder& order);
+  void MakeTexels();
+  void DrawTriangles() const;
+  void DrawRaster(const CExtent& extent);
+
+  std::shared_ptr<const COverlay> m_pOverlay;
+  std::vector<float> m_afPositions;
+  std::vector<float> m_afPlaces;
+  std::vector<std::uint32_t> m_auTriangles;
+  std::vector<std::uint8_t> m_auTexels;  ///< of the raster, red, green, blue and opacity
+  int m_iTexelSide = 0;
+  unsigned m_uTexture = 0;
+  bool m_bTexelsDue = false;  ///< to be sent to the card
+};

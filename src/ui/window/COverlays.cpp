@@ -1,0 +1,57 @@
+#include "ui/window/COverlays.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include <FL/Fl.H>
+
+#include "drawing/COverlay.h"
+#include "ui/seams/OverlaySource.h"
+
+namespace {
+
+constexpr double kLeastPause = 0.2;
+constexpr double kShare = 4;  // of pauses to work
+
+}  // namespace
+
+COverlays::COverlays(std::function<void(std::shared_ptr<const COverlay>)> show, std::function<double()> now)
+    : m_Show(std::move(show)), m_Now(std::move(now)) {}
+
+COverlays::~COverlays() { Fl::remove_timeout(cb_Wake, this); }
+
+void COverlays::Show(OverlaySource* source) {
+  if (source == m_pSource) return;
+  OverlaySource* before = std::exchange(m_pSource, source);
+  m_fNext = -std::numeric_limits<double>::infinity();
+  if (source != nullptr) source->Begin();
+  if (before != nullptr) before->End();
+  if (source == nullptr) {
+    m_Show(nullptr);
+  } else {
+    Follow();
+  }
+}
+
+void COverlays::Hide(const OverlaySource& source) {
+  if (m_pSource == &source) Show(nullptr);
+}
+
+void COverlays::Follow() {
+  if (m_pSource == nullptr) return;
+  const double began = m_Now();
+  if (began < m_fNext) {
+    // The toolkit may have nothing else to go round for.
+    if (Fl::has_timeout(cb_Wake, this) == 0) Fl::add_timeout(m_fNext - began, cb_Wake, this);
+    return;
+  }
+  std::shared_ptr<const COverlay> overlay = m_pSource->Update();
+  if (overlay == nullptr) return;
+  m_Show(std::move(overlay));
+  const double ended = m_Now();
+  m_fNext = ended + std::max(kLeastPause, kShare * (ended - began));
+}
+
+// Going round is all that is needed.
+void COverlays::cb_Wake(void* /*data*/) {}

@@ -1,0 +1,157 @@
+// Colour maps, and what an overlay is drawn from.
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <memory>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "drawing/COverlayPainter.h"
+#include "drawing/OverlayValues.h"
+#include "model/CSurfaceMesh.h"
+#include "report/CSavedSurface.h"
+#include "report/SurfaceHeights.h"
+#include "support/ConstraintBuilders.h"
+#include "support/CurveBuilders.h"
+#include "support/UpdateBuilders.h"
+
+namespace {
+
+const double kNoValue = std::numeric_limits<double>::quiet_NaN();
+
+// The lightness that eyes see, from the linear light of the colour [0, 1].
+double Lightness(const std::array<std::uint8_t, 3>& colour) {
+  constexpr std::array kShares{0.2126, 0.7152, 0.0722};
+  double light = 0;
+  for (std::size_t k = 0; k < colour.size(); ++k) light += kShares[k] * std::pow(colour[k] / 255.0, 2.2);
+  return std::cbrt(light);
+}
+
+TEST(ColourMaps, PerceptualOneGrowsLighterAtAnEvenPace) {
+  for (int k = 1; k <= 20; ++k) {
+    const double step = Lightness(ColourAt(ColourMap::Perceptual, k / 20.0)) -
+                        Lightness(ColourAt(ColourMap::Perceptual, (k - 1) / 20.0));
+    EXPECT_NEAR(step, 0.035, 0.015) << k;
+  }
+}
+
+TEST(ColourMaps, BlueWhiteRedIsWhiteInTheMiddleAndDarkAtBothEnds) {
+  EXPECT_EQ(ColourAt(ColourMap::BlueWhiteRed, 0.5), (std::array<std::uint8_t, 3>{255, 255, 255}));
+  const auto low = ColourAt(ColourMap::BlueWhiteRed, 0.0);
+  const auto high = ColourAt(ColourMap::BlueWhiteRed, 1.0);
+  EXPECT_GT(low[2], low[0] + 100);
+  EXPECT_GT(high[0], high[2] + 100);
+}
+
+TEST(ColourMaps, WhatLiesBeyondIsTheNearestEnd) {
+  for (const ColourMap map : {ColourMap::Perceptual, ColourMap::BlueWhiteRed}) {
+    EXPECT_EQ(ColourAt(map, -3), ColourAt(map, 0));
+    EXPECT_EQ(ColourAt(map, 7), ColourAt(map, 1));
+    EXPECT_EQ(ColourAt(map, kNoValue), ColourAt(map, 0));
+  }
+}
+
+class OverlayPainterTest : public ::testing::Test {
+ protected:
+  const CGrid& Grid() const { return m_Grid.m_Grid; }
+  void Prepare() { m_Grid.m_Grid.PerformPendingWork(); }
+  // The columns of the points over all of the lattice.
+  COverlay Columns() const {
+    COverlay overlay;
+    overlay.m_fHigh = Grid().Surface().Lattice().PointsPerSide() - 1;
+    overlay.m_uTree = Grid().Surface().Tree().Revision();
+    const auto side = static_cast<std::uint32_t>(Grid().Surface().Lattice().PointsPerSide());
+    for (std::size_t k = 0; k < Grid().Surface().Order().Count(); ++k)
+      overlay.m_afAtPoints.push_back(Grid().Surface().Order().PointAtScan(k) % side);
+    return overlay;
+  }
+  void Show(const COverlay& overlay) {
+    m_Painter.Set(std::make_shared<const COverlay>(overlay), Grid().Surface().Tree(), Grid().Surface().Order());
+  }
+
+  CTestGrid m_Grid;
+  COverlayPainter m_Painter;
+};
+
+TEST_F(OverlayPainterTest, InterpolatesOverTheLeaves) {
+  Prepare();
+  Show(Columns());
+  const CLattice& lattice = Grid().Surface().Lattice();
+  EXPECT_EQ(m_Painter.Triangles().size(), 12 * Grid().Surface().Tree().Leaves().size());
+  for (std::size_t v = 0; v < m_Painter.Places().size(); ++v)
+    EXPECT_NEAR(m_Painter.Places()[v], lattice.ColumnOf(m_Painter.Positions()[3 * v]) / 16, 1e-6);
+}
+
+TEST_F(OverlayPainterTest, LeavesOutWhatLiesInATear) {
+  m_Grid.m_Grid.AddCurve(PointsAt({{0, 21}, {6, 24}}), kTear, false);
+  Prepare();
+  std::size_t torn = 0;
+  for (const CLeaf& leaf : Grid().Surface().Tree().Leaves()) torn += std::popcount(leaf.m_uMarked);
+  ASSERT_GT(torn, 0U);
+  Show(Columns());
+  CSurfaceMesh mesh;
+  mesh.Build(Grid().Surface().Tree());
+  EXPECT_EQ(m_Painter.Triangles().size(), mesh.Triangles().size());
+}
+
+TEST_F(OverlayPainterTest, LeavesOutWhatHasNoValue) {
+  Prepare();
+  COverlay overlay = Columns();
+  overlay.m_afAtPoints.front() = kNoValue;
+  Show(overlay);
+  // The corner of one leaf, whose centre is the mean of all four.
+  EXPECT_EQ(m_Painter.Triangles().size(), 12 * (Grid().Surface().Tree().Leaves().size() - 1));
+}
+
+TEST_F(OverlayPainterTest, ValuesOfAnotherSubdivisionAreNotShown) {
+  Prepare();
+  COverlay overlay = Columns();
+  --overlay.m_uTree;
+  Show(overlay);
+  EXPECT_TRUE(m_Painter.Triangles().empty());
+  EXPECT_NE(m_Painter.Shown(), nullptr);
+}
+
+TEST(OverlayValues, MisfitIsNoneRightAfterSavingAndThenWhatHasChanged) {
+  CConvergedGrid test;
+  CSavedSurface saved;
+  EXPECT_FALSE(MisfitOverlay(test.m_Grid, saved).m_bHasBar);
+  saved.Take(test.m_Grid);
+  for (const double value : MisfitOverlay(test.m_Grid, saved).m_afAtPoints) EXPECT_EQ(value, 0.0);
+  const double before = SurfaceHeight(test.m_Grid, 3, 25);
+  test.m_Grid.AddPtCstr(HeightCstr(3.5, 24.5, 8));
+  ASSERT_TRUE(RunUntilPaused(test.m_Grid));
+  const COverlay overlay = MisfitOverlay(test.m_Grid, saved);
+  EXPECT_EQ(overlay.m_fLow, -overlay.m_fHigh);
+  EXPECT_EQ(overlay.m_Map, ColourMap::BlueWhiteRed);
+  EXPECT_NEAR(SurfaceHeight(test.m_Grid, 3, 25), before, 1e-4);
+  EXPECT_GT(overlay.m_fHigh, 1.0);
+}
+
+TEST(OverlayValues, SurfaceOfAnotherExtentIsNotCompared) {
+  CConvergedGrid test;
+  CSavedSurface saved;
+  saved.Take(test.m_Grid);
+  EXPECT_TRUE(saved.IsComparable(test.m_Grid));
+  test.m_Grid.Initialize(2, false, 0, 0, 7, 7);
+  EXPECT_FALSE(saved.IsComparable(test.m_Grid));
+}
+
+TEST(OverlayValues, BendingIsTheDensityAndItsColoursLeaveOutTheSharpestPoints) {
+  CConvergedGrid test(5, 4);
+  const COverlay overlay = BendingOverlay(test.m_Grid);
+  EXPECT_EQ(overlay.m_afAtPoints, BendingDensity(test.m_Grid));
+  EXPECT_EQ(overlay.m_Map, ColourMap::Perceptual);
+  EXPECT_EQ(overlay.m_fLow, 0.0);
+  const auto above = std::ranges::count_if(overlay.m_afAtPoints, [&](double v) { return v > overlay.m_fHigh; });
+  EXPECT_GT(above, 0);
+  EXPECT_LE(above, static_cast<std::ptrdiff_t>(overlay.m_afAtPoints.size() / 100 + 1));
+  EXPECT_TRUE(overlay.m_bHighIsOpen);
+}
+
+}  // namespace

@@ -1,0 +1,121 @@
+// The overlays of the menu.
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <memory>
+#include <string>
+
+#include "drawing/COverlay.h"
+#include "support/UpdateBuilders.h"
+#include "support/gui/WindowTest.h"
+#include "ui/seams/OverlaySource.h"
+
+namespace {
+
+class CTestSource : public OverlaySource {
+ public:
+  std::shared_ptr<const COverlay> Update() override {
+    ++m_iUpdates;
+    return m_iUpdates == 1 ? std::make_shared<const COverlay>() : nullptr;
+  }
+  void Begin() override { m_iUpdates = 0; }
+  void End() override { ++m_iEnds; }
+
+  int m_iUpdates = 0;
+  int m_iEnds = 0;
+};
+
+class WindowOverlaysTest : public WindowTest {
+ protected:
+  WindowOverlaysTest() {
+    CWindowServices services = Services();
+    services.m_Model.m_Write = [](const CModelFormat&, const CGrid&, const std::string&, const CWriteSettings&) {
+      return CSaveOutcome();
+    };
+    m_Window.SetServices(std::move(services));
+    AddAll(Grid(), SomeConstraints());
+    Tick();
+  }
+  ~WindowOverlaysTest() override { m_Window.Overlays().Show(nullptr); }
+  void Tick() {
+    for (int k = 0; k < 3; ++k) Grid().UpdateGrid();
+    Fl::check();
+  }
+  const COverlay* Shown() const { return m_Window.ImageView().Overlay(); }
+  double Largest() const {
+    double most = 0;
+    for (const double value : Shown()->m_afAtPoints) most = std::max(most, std::abs(value));
+    return most;
+  }
+};
+
+}  // namespace
+
+TEST_F(WindowOverlaysTest, AtMostOneIsShown) {
+  EXPECT_EQ(Shown(), nullptr);
+  EXPECT_FALSE(Menu().IsActive(MenuEntry::SaveOverlay));
+  Menu().Choose(MenuEntry::Bending);
+  ASSERT_NE(Shown(), nullptr);
+  EXPECT_EQ(Shown()->m_Title, "Bending");
+  EXPECT_TRUE(Menu().IsActive(MenuEntry::SaveOverlay));
+  Menu().Choose(MenuEntry::Misfit);
+  EXPECT_NE(Shown()->m_Title, "Bending");
+  EXPECT_FALSE(Menu().IsChecked(MenuEntry::Bending));
+  EXPECT_TRUE(Menu().IsChecked(MenuEntry::Misfit));
+  Menu().Choose(MenuEntry::Misfit);
+  EXPECT_EQ(Shown(), nullptr);
+  EXPECT_FALSE(Menu().IsActive(MenuEntry::SaveOverlay));
+}
+
+TEST_F(WindowOverlaysTest, OverlayOfATool) {
+  Menu().Choose(MenuEntry::Bending);
+  CTestSource source;
+  m_Window.Overlays().Show(&source);
+  EXPECT_FALSE(Menu().IsChecked(MenuEntry::Bending));
+  EXPECT_EQ(Shown()->m_Title, "");
+  Menu().Choose(MenuEntry::Bending);
+  EXPECT_EQ(source.m_iEnds, 1);
+  EXPECT_EQ(m_Window.Overlays().Shown() == &source, false);
+}
+
+TEST_F(WindowOverlaysTest, FollowsTheSurfaceWithinHalfASecond) {
+  Menu().Choose(MenuEntry::Bending);
+  const std::vector<double> before = Shown()->m_afAtPoints;
+  Grid().AddPtCstr(HeightCstr(5, 23, 40));
+  Tick();
+  EXPECT_TRUE(RunToolkitUntil([&] { return Shown()->m_afAtPoints != before; }));
+}
+
+TEST_F(WindowOverlaysTest, MisfitIsNoneRightAfterSaving) {
+  Menu().Choose(MenuEntry::Misfit);
+  EXPECT_FALSE(Shown()->m_bHasBar) << "nothing has been saved yet";
+  m_Dialogs.m_File = (m_Directory.Path() / "model.grid").string();
+  Menu().Choose(kSaveGrid);
+  ASSERT_TRUE(RunToolkitUntil([this] { return Shown()->m_bHasBar; }));
+  EXPECT_LT(Largest(), 0.5);
+  Grid().AddPtCstr(HeightCstr(5, 23, 40));
+  ASSERT_TRUE(RunToolkitUntil([this] {
+    Tick();
+    return Largest() > 20;
+  }));
+  Menu().Choose(kSaveGrid);
+  EXPECT_TRUE(RunToolkitUntil([this] { return Largest() < 1; }));
+}
+
+TEST_F(WindowOverlaysTest, SavesTheOverlayAsPng) {
+  ShowWindow();
+  Menu().Choose(MenuEntry::Bending);
+  m_Dialogs.m_File = (m_Directory.Path() / "overlay.png").string();
+  Menu().Choose(MenuEntry::SaveOverlay);
+  const CReadPicture read = ReadPicture(*m_Dialogs.m_File);
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read.m_Picture.m_iWidth, m_Window.ImageView().w());
+  EXPECT_EQ(read.m_Picture.m_iHeight, m_Window.ImageView().h());
+  EXPECT_EQ(read.m_Picture.m_aPixels, m_Window.ImageView().DrawnPicture()->m_aPixels);
+  EXPECT_EQ(m_Dialogs.m_aChoosers.back().second, "*.png");
+  // A folder cannot be replaced.
+  m_Dialogs.m_File = m_Directory.Path().string();
+  Menu().Choose(MenuEntry::SaveOverlay);
+  EXPECT_EQ(m_Dialogs.m_asNotices.size(), 1U);
+}
