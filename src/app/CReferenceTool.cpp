@@ -35,22 +35,36 @@ std::size_t StepsTo(const CPtCstrList& points, std::size_t number) {
 }  // namespace
 
 CReferenceTool::CReferenceTool(CImageViewUI& window, CGrid& grid)
-    : m_Window(window), m_Grid(grid), m_Panel(grid, *this, window, [this] {
-        Fl::remove_check(cb_Check, this);
-        ReportClosed();
-      }) {}
+    : m_Window(window),
+      m_Grid(grid),
+      m_Estimate(window, grid, [this](CReadDepthMap map, const std::string& file) { Take(std::move(map), file); }),
+      m_Tears(window, grid),
+      m_Panel(grid, *this, window, [this] { Closed(); }) {}
 
 CReferenceTool::~CReferenceTool() { Fl::remove_check(cb_Check, this); }
 
 void CReferenceTool::Open() {
-  if (!IsOpen()) Fl::add_check(cb_Check, this);
+  if (!IsOpen()) {
+    Fl::add_check(cb_Check, this);
+    m_Panel.Estimate().SetCommandLine(m_Estimate.CommandLine());
+  }
   m_Panel.Open();
+  Follow();
+}
+
+void CReferenceTool::Closed() {
+  Fl::remove_check(cb_Check, this);
+  m_Tears.Take();
+  ReportClosed();
 }
 
 void CReferenceTool::cb_Check(void* tool) { static_cast<CReferenceTool*>(tool)->Follow(); }
 
 // Looked at each time the toolkit goes round, as rebuilds fit the map anew whoever has caused them.
 void CReferenceTool::Follow() {
+  m_Tears.Follow();
+  m_Panel.Estimate().Show(m_Estimate.State());
+  m_Panel.Tears().Show(m_Tears.State());
   const CGridReference& reference = m_Grid.Reference();
   if (reference.Value() == m_Shown && IsSame(reference.Fitted(), m_ShownFit)) return;
   m_Shown = reference.Value();
@@ -71,6 +85,10 @@ void CReferenceTool::Load(const std::string& file) {
     const std::string text = "The file " + file + " is not a depth map that can be read: " + read.m_Reason + '.';
     return m_Window.Notice(text.c_str());
   }
+  Take(std::move(read), std::filesystem::absolute(file).string());
+}
+
+void CReferenceTool::Take(CReadDepthMap read, const std::string& file) {
   const CTextureImages& textures = m_Grid.Relighting().Textures();
   const CExtent& extent = m_Grid.Surface().Lattice().Extent();
   const std::string proportions =
@@ -80,7 +98,7 @@ void CReferenceTool::Load(const std::string& file) {
   for (const std::string& notice : {read.m_Notice, proportions}) {
     if (!notice.empty()) m_Window.Tell(subject + notice + '.');
   }
-  m_Grid.ReferenceEdits().Load(std::move(read.m_pMap), std::filesystem::absolute(file).string());
+  m_Grid.ReferenceEdits().Load(std::move(read.m_pMap), file);
 }
 
 void CReferenceTool::SelectWorst() {

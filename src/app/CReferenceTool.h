@@ -1,7 +1,9 @@
 #pragma once
 
-#include <utility>
+#include <string>
 
+#include "app/CEstimateRun.h"
+#include "app/CTearSuggestions.h"
 #include "reference/CReference.h"
 #include "reference/CReferenceFit.h"
 #include "ui/depth/CReferencePanel.h"
@@ -24,12 +26,21 @@ class CReferenceTool : public ToolWindow, private ReferenceCommands {
   void Open() override;
   void Close() override { m_Panel.hide(); }
   void GridReplaced() override { m_Panel.Refresh(m_Grid); }
+  /// What is estimated belongs to the photograph before.
+  void PictureLoaded() override { m_Estimate.Cancel(); }
 
  private:
   void LoadReference() override;
   void SelectWorst() override;
+  void Estimate(const std::string& commandLine) override { m_Estimate.Begin(commandLine); }
+  void CancelEstimate() override { m_Estimate.Cancel(); }
+  void SuggestTears(const CTearWishes& wishes) override { m_Tears.Suggest(wishes); }
+  void TakeTears() override { m_Tears.Take(); }
+  void DropTears() override { m_Tears.Drop(); }
 
+  void Closed();
   void Load(const std::string& file);
+  void Take(CReadDepthMap read, const std::string& file);
   void Follow();
   static void cb_Check(void* tool);
 
@@ -37,5 +48,7 @@ class CReferenceTool : public ToolWindow, private ReferenceCommands {
   CGrid& m_Grid;
   CReference m_Shown;        ///< with
   CReferenceFit m_ShownFit;  ///< this fit, in the panel
+  CEstimateRun m_Estimate;
+  CTearSuggestions m_Tears;
   CReferencePanel m_Panel;
 };

@@ -17,6 +17,7 @@
 #include "app/SolverTimer.h"
 #include "base/CTerminationSignals.h"
 #include "base/Console.h"
+#include "editing/CEstimate.h"
 #include "io/CFileReplacement.h"
 #include "io/StateFolder.h"
 #include "model/CGrid.h"
@@ -55,6 +56,7 @@ void cb_Termination(int /*descriptor*/, void* data) {
   const int signal = ending.m_Signals.Take();
   if (signal == 0) return;
   if (ending.m_pRecovery != nullptr) ending.m_pRecovery->End();
+  CEstimate::CancelAll();
   CFileReplacement::RemoveUnfinished();
   CTerminationSignals::EndBy(signal);
 }
@@ -66,6 +68,7 @@ int main(int argc, char** argv) {
   if (commandLine.m_iExitStatus.has_value()) return *commandLine.m_iExitStatus;
   // Progress shows line by line in a pipe or a file, too.
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+  std::atexit(CEstimate::CancelAll);
   CEnding ending;
   const int signals = ending.m_Signals.Descriptor();
   if (signals >= 0) Fl::add_fd(signals, FL_READ, cb_Termination, &ending);

@@ -12,11 +12,11 @@
 #include <FL/Fl_Check_Button.H>
 #include <FL/Fl_Choice.H>
 #include <FL/Fl_Float_Input.H>
-#include <FL/Fl_Output.H>
 #include <FL/Fl_Value_Slider.H>
 
 #include "model/CGrid.h"
 #include "reference/CReferenceFit.h"
+#include "ui/depth/PanelFields.h"
 #include "ui/depth/ReferenceCommands.h"
 #include "ui/drawing/DialogPlacement.h"
 #include "ui/drawing/ScaleWidgets.h"
@@ -24,40 +24,17 @@
 
 namespace {
 
-constexpr int kFieldLeft = 140;
-constexpr int kFieldWidth = 230;
-constexpr int kHalfWidth = 110;
-constexpr int kFieldHeight = 24;
+constexpr int kEstimateTop = 74;
+constexpr int kSettingsTop = kEstimateTop + CEstimateFields::kHeight + 10;
+constexpr int kFitTop = kSettingsTop + 158;
+constexpr int kTearsTop = kFitTop + 158;
+constexpr int kPanelHeight = kTearsTop + CTearFields::kHeight + 10;
 constexpr int kFloatBits = 32;
 
-template <class Widget>
-Widget* AddField(int y, int width, const char* label) {
-  auto* widget = new Widget(kFieldLeft, y, width, kFieldHeight, label);
-  widget->align(FL_ALIGN_LEFT);
-  widget->labelsize(12);
-  widget->textsize(12);
-  return widget;
-}
-
-Fl_Output* AddReadOut(int y, int width, const char* label) {
-  auto* output = AddField<Fl_Output>(y, width, label);
-  output->color(FL_BACKGROUND_COLOR);
-  output->clear_visible_focus();
-  return output;
-}
-
 Fl_Choice* AddChoice(int y, const char* label, std::initializer_list<const char*> texts) {
-  auto* choice = AddField<Fl_Choice>(y, kFieldWidth, label);
+  auto* choice = AddField<Fl_Choice>(y, PanelField::kWidth, label);
   for (const char* text : texts) choice->add(text);
   return choice;
-}
-
-void SetActive(Fl_Widget& widget, bool active) {
-  if (active) {
-    widget.activate();
-  } else {
-    widget.deactivate();
-  }
 }
 
 double LargerSide(const CGrid& grid) {
@@ -86,14 +63,16 @@ CReferencePanel& Panel(void* panel) { return *static_cast<CReferencePanel*>(pane
 
 CReferencePanel::CReferencePanel(CGrid& grid, ReferenceCommands& commands, const Fl_Window& mainWindow,
                                  std::function<void()> closed)
-    : Fl_Double_Window(390, 398, "Reference depth"),
+    : Fl_Double_Window(PanelField::kPanelWidth, kPanelHeight, "Reference depth"),
       m_Grid(grid),
       m_Commands(commands),
       m_MainWindow(mainWindow),
       m_Closed(std::move(closed)) {
   BuildMap();
-  BuildSettings();
-  BuildFit();
+  m_pEstimate = new CEstimateFields(kEstimateTop, commands);
+  BuildSettings(kSettingsTop);
+  BuildFit(kFitTop);
+  m_pTears = new CTearFields(kTearsTop, commands);
   end();
   ScaleWidgets(*this);
   set_non_modal();
@@ -101,38 +80,41 @@ CReferencePanel::CReferencePanel(CGrid& grid, ReferenceCommands& commands, const
 }
 
 void CReferencePanel::BuildMap() {
-  m_pFile = AddReadOut(10, kFieldWidth, "Depth map");
-  auto* load = new Fl_Button(kFieldLeft, 40, kHalfWidth, 26, "Load...");
+  m_pFile = AddReadOut(10, PanelField::kWidth, "Depth map");
+  auto* load = new Fl_Button(PanelField::kLeft, 40, PanelField::kHalfWidth, 26, "Load...");
   load->callback(cb_Load, this);
-  m_pRemove = new Fl_Button(kFieldLeft + kFieldWidth - kHalfWidth, 40, kHalfWidth, 26, "Remove");
+  m_pRemove = new Fl_Button(PanelField::kLeft + PanelField::kWidth - PanelField::kHalfWidth, 40, PanelField::kHalfWidth,
+                            26, "Remove");
   m_pRemove->callback(cb_Remove, this);
 }
 
-void CReferencePanel::BuildSettings() {
-  m_pStrength = AddField<Fl_Value_Slider>(78, kFieldWidth, "Strength");
+void CReferencePanel::BuildSettings(int y) {
+  m_pStrength = AddField<Fl_Value_Slider>(y, PanelField::kWidth, "Strength");
   m_pStrength->type(FL_HOR_NICE_SLIDER);
   m_pStrength->box(FL_FLAT_BOX);
   m_pStrength->bounds(0, 1);
   m_pStrength->step(0.01);
   m_pStrength->callback(cb_Strength, this);
-  m_pNearIsBright = new Fl_Check_Button(kFieldLeft, 108, kFieldWidth, kFieldHeight, "Near is bright");
+  m_pNearIsBright =
+      new Fl_Check_Button(PanelField::kLeft, y + 30, PanelField::kWidth, PanelField::kHeight, "Near is bright");
   m_pNearIsBright->callback(cb_NearIsBright, this);
-  m_pZero = AddChoice(138, "0 in the map is", {"a depth", "unknown"});
+  m_pZero = AddChoice(y + 60, "0 in the map is", {"a depth", "unknown"});
   m_pZero->callback(cb_Zero, this);
-  m_pResponse = AddChoice(168, "Response", {"automatic", "straight", "bent"});
+  m_pResponse = AddChoice(y + 90, "Response", {"automatic", "straight", "bent"});
   m_pResponse->callback(cb_Response, this);
-  m_pSceneDepth = AddField<Fl_Float_Input>(198, kHalfWidth, "Depth of the scene");
+  m_pSceneDepth = AddField<Fl_Float_Input>(y + 120, PanelField::kHalfWidth, "Depth of the scene");
   m_pSceneDepth->when(FL_WHEN_ENTER_KEY | FL_WHEN_RELEASE);
   m_pSceneDepth->callback(cb_SceneDepth, this);
 }
 
-void CReferencePanel::BuildFit() {
-  m_pFitted = AddReadOut(236, kFieldWidth, "Fitted");
-  m_pScale = AddReadOut(266, kHalfWidth, "Scale");
-  m_pOffset = AddReadOut(296, kHalfWidth, "Offset");
-  m_pRms = AddReadOut(326, kHalfWidth, "Misfit (RMS)");
-  m_pWorst = AddReadOut(356, kHalfWidth, "Worst misfit");
-  m_pSelectWorst = new Fl_Button(kFieldLeft + kFieldWidth - kHalfWidth, 355, kHalfWidth, 26, "Select worst");
+void CReferencePanel::BuildFit(int y) {
+  m_pFitted = AddReadOut(y, PanelField::kWidth, "Fitted");
+  m_pScale = AddReadOut(y + 30, PanelField::kHalfWidth, "Scale");
+  m_pOffset = AddReadOut(y + 60, PanelField::kHalfWidth, "Offset");
+  m_pRms = AddReadOut(y + 90, PanelField::kHalfWidth, "Misfit (RMS)");
+  m_pWorst = AddReadOut(y + 120, PanelField::kHalfWidth, "Worst misfit");
+  m_pSelectWorst = new Fl_Button(PanelField::kLeft + PanelField::kWidth - PanelField::kHalfWidth, y + 119,
+                                 PanelField::kHalfWidth, 26, "Select worst");
   m_pSelectWorst->callback(cb_SelectWorst, this);
 }
 

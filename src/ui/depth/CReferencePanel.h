@@ -5,6 +5,9 @@
 
 #include <FL/Fl_Double_Window.H>
 
+#include "ui/depth/CEstimateFields.h"
+#include "ui/depth/CTearFields.h"
+
 class CGrid;
 class Fl_Button;
 class Fl_Check_Button;
@@ -27,11 +30,14 @@ class CReferencePanel : public Fl_Double_Window {
 
   /// Brings all widgets up to date with a model; a number that is being typed stays while the model has the same one.
   void Refresh(const CGrid& grid);
+  /// Its parts that are about more than the model.
+  CEstimateFields& Estimate() { return *m_pEstimate; }
+  CTearFields& Tears() { return *m_pTears; }
 
  private:
   void BuildMap();
-  void BuildSettings();
-  void BuildFit();
+  void BuildSettings(int y);
+  void BuildFit(int y);
   void RefreshSettings(const CGrid& grid);
   void RefreshFit(const CGrid& grid);
   void ClearFit();
@@ -54,6 +60,7 @@ class CReferencePanel : public Fl_Double_Window {
 
   Fl_Output* m_pFile = nullptr;
   Fl_Button* m_pRemove = nullptr;
+  CEstimateFields* m_pEstimate = nullptr;
   Fl_Value_Slider* m_pStrength = nullptr;
   Fl_Check_Button* m_pNearIsBright = nullptr;
   Fl_Choice* m_pZero = nullptr;
@@ -65,4 +72,5 @@ class CReferencePanel : public Fl_Double_Window {
   Fl_Output* m_pRms = nullptr;
   Fl_Output* m_pWorst = nullptr;
   Fl_Button* m_pSelectWorst = nullptr;
+  CTearFields* m_pTears = nullptr;
 };

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <string>
+
+struct CTearWishes;
+
 /// What the panel of the reference depth asks of the program around it.
 class ReferenceCommands {
  public:
@@ -9,4 +13,17 @@ class ReferenceCommands {
   virtual void LoadReference() = 0;
   /// Selects the height that the fitted map misses by most. Nothing without one.
   virtual void SelectWorst() = 0;
+
+  /// Starts the user's own estimator, whose command line is kept for later runs; takes what it writes once it has
+  /// ended.
+  virtual void Estimate(const std::string& commandLine) = 0;
+  /// Ends it. Nothing if none runs.
+  virtual void CancelEstimate() = 0;
+
+  /// Shows tears in the image view, all of them taken until clicks drop them, in place of those that are shown.
+  virtual void SuggestTears(const CTearWishes& wishes) = 0;
+  /// Makes curves of those that are taken, in one step; none is shown afterwards.
+  virtual void TakeTears() = 0;
+  /// Shows them no more.
+  virtual void DropTears() = 0;
 };

@@ -15,6 +15,7 @@
 #include "drawing/CurvePainter.h"
 #include "drawing/DrawingSettings.h"
 #include "drawing/FrameBuffer.h"
+#include "drawing/ProposalPainter.h"
 #include "drawing/Quadrics.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
@@ -193,6 +194,16 @@ std::optional<CPicture> CImageView::DrawnPicture() {
   return buffer.End();
 }
 
+void CImageView::ShowProposals(CTearProposals* proposals) {
+  m_Proposals.Show(proposals);
+  redraw();
+}
+
+bool CImageView::HasProposals() const {
+  return m_Proposals.Shown() != nullptr && (m_uDebugFlags & DebugFlag::kSelectCells) == 0 &&
+         m_pGrid->Constraints().PendingCurve().IsIdle();
+}
+
 bool CImageView::SaveFrame(const std::string& filename) {
   if (shown() == 0) return false;
   make_current();
@@ -235,6 +246,7 @@ void CImageView::DrawScene() {
 
 // What follows the mouse.
 void CImageView::DrawTools() const {
+  if (HasProposals()) DrawProposals(*m_Proposals.Shown());
   if (m_Mode == EditingMode::Curve) DrawPendingCurve(*m_pGrid, m_CurveHandler->LooseEnd());
   if (const std::optional<CExtent> rect = m_Selector->Rectangle()) {
     glColor3d(1, 1, 1);
@@ -282,6 +294,10 @@ void CImageView::ShowPointer() {
 
 bool CImageView::HandleUsed(int event) {
   if ((m_uDebugFlags & DebugFlag::kSelectCells) != 0) return m_Selector->Handle(event) != 0;
+  if (HasProposals() && m_Proposals.Handle(event, m_Mapping)) {
+    redraw();
+    return true;
+  }
   const bool freezing = (m_uDebugFlags & DebugFlag::kFreeze) != 0;
   const bool painted = freezing && m_Brush.Handle(event, *m_pGrid, m_Mapping);
   if (freezing) redraw();
@@ -377,6 +393,7 @@ void CImageView::EndDrag() {
   if (m_pGrid == nullptr) return;
   EndViewDrag();
   m_Brush.EndDrag();
+  m_Proposals.EndDrag();
   m_PositionHandler->EndDrag();
   m_NormalHandler->EndDrag();
   m_CurveHandler->EndDrag();

@@ -17,12 +17,14 @@
 #include "ui/imageview/CDebugOverlay.h"
 #include "ui/imageview/CFreezeBrush.h"
 #include "ui/imageview/CLegend.h"
+#include "ui/imageview/CProposalPicker.h"
 #include "ui/imageview/CurveHandler.h"
 #include "ui/imageview/HandlerView.h"
 #include "ui/imageview/PtCstrHandlers.h"
 #include "ui/seams/ViewMoves.h"
 
 class CGrid;
+class CTearProposals;
 class CTextures;
 class ViewHost;
 struct CInterpolationTrace;
@@ -81,6 +83,9 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
 
   /// The view as it would be drawn now, whatever lies over it on the screen; nothing while it is not shown.
   std::optional<CPicture> DrawnPicture();
+  /// Shows tears that the mouse takes and drops; null for none. They must live until others are shown or none. While
+  /// cells are selected or a curve is in progress they are neither seen nor found.
+  void ShowProposals(CTearProposals* proposals);
   /// Saves the view as it would be drawn now; false while it is not shown or if that fails.
   bool SaveFrame(const std::string& filename);
 
@@ -94,6 +99,7 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   void DrawScene();
   void DrawBrush() const;
   void DrawTools() const;
+  bool HasProposals() const;
   void UpdateMapping();
   void Unselect();
   void ShowPointer();
@@ -125,6 +131,7 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   std::optional<CCurveHandler> m_CurveHandler;
   std::optional<CCellSelector> m_Selector;
   CFreezeBrush m_Brush;
+  CProposalPicker m_Proposals;
   CDebugOverlay m_Debug;
   CPicturePainter m_Painter;
   COverlayPainter m_Overlay;

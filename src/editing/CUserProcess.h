@@ -1,0 +1,43 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <sys/types.h>
+
+/// A program of the user's own, run beside this one without a shell.
+///
+/// It and all that it starts are a process group, which ends with the object, with the call of `Kill`, and with this
+/// process, however that ends; its first process only when that has ended do the others. It gets no input; output and
+/// errors are read together. All functions belong to one thread, which must live as long as the program runs.
+class CUserProcess {
+ public:
+  CUserProcess() = default;
+  ~CUserProcess() { Kill(); }
+  CUserProcess(const CUserProcess&) = delete;
+  CUserProcess& operator=(const CUserProcess&) = delete;
+
+  /// Starts a program (looked up in PATH) with its arguments; nothing may be running. False where the system has no
+  /// process left. A program that cannot be started ends with status 127 and a line that says why.
+  bool Start(const std::vector<std::string>& words);
+  bool IsRunning() const { return m_iPid > 0; }
+  /// Reads what has been written, without waiting. When the program has ended: its status as a shell counts it, 128
+  /// plus the signal for one that was killed; what is left of its group is ended, too.
+  std::optional<int> Attend();
+  /// The last line that is not blank, complete or not, at most some hundred bytes of it.
+  const std::string& LastLine() const { return m_LastLine; }
+  /// Ends all of it at once. Nothing if nothing runs.
+  void Kill();
+
+ private:
+  void ReadOutput();
+  void TakeOutput(std::string_view text);
+  void End();
+
+  pid_t m_iPid = -1;
+  int m_iOutput = -1;
+  std::string m_Line;  ///< that is being written
+  std::string m_LastLine;
+};
