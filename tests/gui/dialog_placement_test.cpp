@@ -36,6 +36,31 @@ TEST_F(DialogPlacementTest, OverTheMiddleWithoutRoomBeside) {
   EXPECT_EQ(m_Dialog.x() + m_Dialog.w() / 2, m_MainWindow.x() + m_MainWindow.w() / 2);
 }
 
+// A panel stays open, so it must not lie over the middle of a view.
+
+TEST_F(DialogPlacementTest, APanelGoesBelowWithoutRoomBeside) {
+  m_Dialog.set_non_modal();
+  Open({50, 100, Fl::w() - 100, 400});
+  EXPECT_GE(m_Dialog.y(), 500);
+  EXPECT_EQ(m_Dialog.x() + m_Dialog.w() / 2, m_MainWindow.x() + m_MainWindow.w() / 2);
+}
+
+TEST_F(DialogPlacementTest, APanelGoesAboveWithoutRoomBelow) {
+  m_Dialog.set_non_modal();
+  Open({50, Fl::h() - 500, Fl::w() - 100, 480});
+  EXPECT_LE(m_Dialog.y() + m_Dialog.h(), m_MainWindow.y());
+  EXPECT_GE(m_Dialog.y(), 0);
+}
+
+TEST_F(DialogPlacementTest, APanelGoesToTheCornerWithoutAnyRoom) {
+  m_Dialog.set_non_modal();
+  Open({50, 60, Fl::w() - 100, Fl::h() - 100});
+  EXPECT_LE(RightOf(m_Dialog), Fl::w());
+  EXPECT_GT(RightOf(m_Dialog), Fl::w() - 40);
+  EXPECT_LE(m_Dialog.y() + m_Dialog.h(), Fl::h());
+  EXPECT_GT(m_Dialog.y() + m_Dialog.h(), Fl::h() - 60);
+}
+
 TEST_F(DialogPlacementTest, StaysOnTheScreen) {
   for (const CArea area : {CArea{-200, -300, 300, 100}, CArea{Fl::w() - 100, Fl::h() - 100, 600, 400}}) {
     Open(area);
