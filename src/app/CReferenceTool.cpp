@@ -39,6 +39,7 @@ CReferenceTool::CReferenceTool(CImageViewUI& window, CGrid& grid)
       m_Grid(grid),
       m_Estimate(window, grid, [this](CReadDepthMap map, const std::string& file) { Take(std::move(map), file); }),
       m_Tears(window, grid),
+      m_Overlay(window, grid),
       m_Panel(grid, *this, window, [this] { Closed(); }) {}
 
 CReferenceTool::~CReferenceTool() { Fl::remove_check(cb_Check, this); }
@@ -55,6 +56,7 @@ void CReferenceTool::Open() {
 void CReferenceTool::Closed() {
   Fl::remove_check(cb_Check, this);
   m_Tears.Take();
+  m_Overlay.Show(false);
   ReportClosed();
 }
 
@@ -63,6 +65,8 @@ void CReferenceTool::cb_Check(void* tool) { static_cast<CReferenceTool*>(tool)->
 // Looked at each time the toolkit goes round, as rebuilds fit the map anew whoever has caused them.
 void CReferenceTool::Follow() {
   m_Tears.Follow();
+  m_Overlay.Follow();
+  m_Panel.ShowMapShown(m_Overlay.IsShown());
   m_Panel.Estimate().Show(m_Estimate.State());
   m_Panel.Tears().Show(m_Tears.State());
   const CGridReference& reference = m_Grid.Reference();

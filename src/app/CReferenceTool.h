@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "app/CDepthOverlay.h"
 #include "app/CEstimateRun.h"
 #include "app/CTearSuggestions.h"
 #include "reference/CReference.h"
@@ -31,6 +32,7 @@ class CReferenceTool : public ToolWindow, private ReferenceCommands {
 
  private:
   void LoadReference() override;
+  void ShowMap(bool shown) override { m_Overlay.Show(shown); }
   void SelectWorst() override;
   void Estimate(const std::string& commandLine) override { m_Estimate.Begin(commandLine); }
   void CancelEstimate() override { m_Estimate.Cancel(); }
@@ -50,5 +52,6 @@ class CReferenceTool : public ToolWindow, private ReferenceCommands {
   CReferenceFit m_ShownFit;  ///< this fit, in the panel
   CEstimateRun m_Estimate;
   CTearSuggestions m_Tears;
+  CDepthOverlay m_Overlay;
   CReferencePanel m_Panel;
 };

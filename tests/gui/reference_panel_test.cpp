@@ -6,12 +6,14 @@
 #include <stdexcept>
 #include <string>
 
+#include <FL/Fl_Check_Button.H>
 #include <FL/Fl_Input.H>
 #include <FL/Fl_Output.H>
 #include <FL/Fl_Spinner.H>
 #include <FL/Fl_Value_Slider.H>
 
 #include "app/CReferenceTool.h"
+#include "drawing/COverlay.h"
 #include "support/DepthBuilders.h"
 #include "support/FileBuilders.h"
 #include "support/gui/Widgets.h"
@@ -176,6 +178,50 @@ TEST_F(ReferencePanelTest, AnotherMapDropsThoseOfTheFormer) {
   EXPECT_TRUE(RunToolkitUntil([this] { return !IsActive("Take"); }));
   Panel().hide();
   EXPECT_EQ(Curves(), 0U);
+}
+
+TEST_F(ReferencePanelTest, TheMapIsShownOverThePhotograph) {
+  Open();
+  LoadStep();
+  const auto& check = Find<Fl_Check_Button>(Panel(), "Show over the photograph");
+  ASSERT_TRUE(RunToolkitUntil([&] { return check.active() != 0; }));
+  EXPECT_EQ(m_Window.ImageView().Overlay(), nullptr);
+  Push("Show over the photograph");
+  const COverlay* overlay = m_Window.ImageView().Overlay();
+  ASSERT_NE(overlay, nullptr);
+  EXPECT_EQ(overlay->m_Raster.m_iWidth, 64);
+  EXPECT_EQ(overlay->m_fLow, 0);
+  EXPECT_EQ(overlay->m_fHigh, 1);
+  EXPECT_EQ(overlay->m_fOpacity, 0.5);
+  Push("Show over the photograph");
+  EXPECT_EQ(m_Window.ImageView().Overlay(), nullptr);
+}
+
+TEST_F(ReferencePanelTest, TheShownMapIsThatOfTheModel) {
+  Open();
+  LoadStep();
+  const auto& check = Find<Fl_Check_Button>(Panel(), "Show over the photograph");
+  ASSERT_TRUE(RunToolkitUntil([&] { return check.active() != 0; }));
+  Push("Show over the photograph");
+  Grid().ReferenceEdits().Load(SharedDepthMap(8, 4, [](double x, double /*y*/) { return 3 + x; }), "/maps/ramp.pfm");
+  EXPECT_TRUE(RunToolkitUntil([this] { return m_Window.ImageView().Overlay()->m_Raster.m_iWidth == 8; }));
+  Push("Remove");
+  EXPECT_TRUE(RunToolkitUntil([this] { return m_Window.ImageView().Overlay() == nullptr; }));
+  EXPECT_EQ(check.value(), 0);
+}
+
+TEST_F(ReferencePanelTest, AnotherOverlayOrClosingThePanelEndsIt) {
+  Open();
+  LoadStep();
+  auto& check = Find<Fl_Check_Button>(Panel(), "Show over the photograph");
+  ASSERT_TRUE(RunToolkitUntil([&] { return check.active() != 0; }));
+  Push("Show over the photograph");
+  Menu().Choose(MenuEntry::Misfit);
+  EXPECT_TRUE(RunToolkitUntil([&] { return check.value() == 0; }));
+  Push("Show over the photograph");
+  EXPECT_FALSE(Menu().IsChecked(MenuEntry::Misfit));
+  Panel().hide();
+  EXPECT_EQ(m_Window.ImageView().Overlay(), nullptr);
 }
 
 TEST_F(ReferencePanelTest, ANumberOfTearsIsTheMost) {

@@ -24,7 +24,7 @@
 
 namespace {
 
-constexpr int kEstimateTop = 74;
+constexpr int kEstimateTop = 104;
 constexpr int kSettingsTop = kEstimateTop + CEstimateFields::kHeight + 10;
 constexpr int kFitTop = kSettingsTop + 158;
 constexpr int kTearsTop = kFitTop + 158;
@@ -86,6 +86,9 @@ void CReferencePanel::BuildMap() {
   m_pRemove = new Fl_Button(PanelField::kLeft + PanelField::kWidth - PanelField::kHalfWidth, 40, PanelField::kHalfWidth,
                             26, "Remove");
   m_pRemove->callback(cb_Remove, this);
+  m_pShowMap =
+      new Fl_Check_Button(PanelField::kLeft, 72, PanelField::kWidth, PanelField::kHeight, "Show over the photograph");
+  m_pShowMap->callback(cb_ShowMap, this);
 }
 
 void CReferencePanel::BuildSettings(int y) {
@@ -137,6 +140,7 @@ void CReferencePanel::Refresh(const CGrid& grid) {
   for (Fl_Widget* widget : std::initializer_list<Fl_Widget*>{m_pRemove, m_pStrength, m_pNearIsBright, m_pResponse})
     SetActive(*widget, there);
   SetActive(*m_pSceneDepth, there);
+  SetActive(*m_pShowMap, there);
   SetActive(*m_pZero, whole);
   RefreshSettings(grid);
   if (there) {
@@ -145,6 +149,8 @@ void CReferencePanel::Refresh(const CGrid& grid) {
     ClearFit();
   }
 }
+
+void CReferencePanel::ShowMapShown(bool shown) { m_pShowMap->value(shown ? 1 : 0); }
 
 void CReferencePanel::RefreshSettings(const CGrid& grid) {
   const CReferenceSettings& settings = grid.Reference().Value().m_Settings;
@@ -181,6 +187,10 @@ void CReferencePanel::ClearFit() {
 }
 
 void CReferencePanel::cb_Load(Fl_Widget* /*widget*/, void* panel) { Panel(panel).m_Commands.LoadReference(); }
+
+void CReferencePanel::cb_ShowMap(Fl_Widget* /*widget*/, void* panel) {
+  Panel(panel).m_Commands.ShowMap(Panel(panel).m_pShowMap->value() != 0);
+}
 
 void CReferencePanel::cb_Remove(Fl_Widget* /*widget*/, void* panel) { Panel(panel).m_Grid.ReferenceEdits().Remove(); }
 

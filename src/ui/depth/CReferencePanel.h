@@ -30,6 +30,8 @@ class CReferencePanel : public Fl_Double_Window {
 
   /// Brings all widgets up to date with a model; a number that is being typed stays while the model has the same one.
   void Refresh(const CGrid& grid);
+  /// Whether the map lies over the photograph.
+  void ShowMapShown(bool shown);
   /// Its parts that are about more than the model.
   CEstimateFields& Estimate() { return *m_pEstimate; }
   CTearFields& Tears() { return *m_pTears; }
@@ -44,6 +46,7 @@ class CReferencePanel : public Fl_Double_Window {
   void ShowSceneDepth(const std::string& text);
 
   static void cb_Load(Fl_Widget* widget, void* panel);
+  static void cb_ShowMap(Fl_Widget* widget, void* panel);
   static void cb_Remove(Fl_Widget* widget, void* panel);
   static void cb_Strength(Fl_Widget* widget, void* panel);
   static void cb_NearIsBright(Fl_Widget* widget, void* panel);
@@ -60,6 +63,7 @@ class CReferencePanel : public Fl_Double_Window {
 
   Fl_Output* m_pFile = nullptr;
   Fl_Button* m_pRemove = nullptr;
+  Fl_Check_Button* m_pShowMap = nullptr;
   CEstimateFields* m_pEstimate = nullptr;
   Fl_Value_Slider* m_pStrength = nullptr;
   Fl_Check_Button* m_pNearIsBright = nullptr;
