@@ -21,6 +21,8 @@ const char* NameOf(Edit edit) {
   switch (edit) {
     case Edit::AddPoint:
       return "add point";
+    case Edit::AddAlongCurve:
+      return "heights along a curve";
     case Edit::MovePoint:
       return "move point";
     case Edit::MoveHeight:

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -91,6 +92,10 @@ class CGrid {
   double GetSelectedHeight() const { return m_Points.SelectedHeight(); }
   void SetSelectedHeight(double z) { m_Points.SetSelectedHeight(z); }
   void ChangeSelectedNormal(double dp, double dq) { m_Points.ChangeSelectedNormal(dp, dq); }
+  void AddHeightsAlongCurve(std::span<const CPtCstr> heights, std::optional<double> asked) {
+    m_Points.AddAlongCurve(heights, asked);
+  }
+  std::optional<double> LastHeight() const { return m_Points.LastHeight(); }
   void DeleteSelectedPtCstr() { m_Points.DeleteSelected(); }
   void RefreshNormalCstrHeights() { m_Constraints.RefreshHeights(); }
   void UnselectAll() { m_Constraints.UnselectAll(); }

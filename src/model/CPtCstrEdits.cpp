@@ -7,6 +7,14 @@ void CPtCstrEdits::Add(const CPtCstr& record) {
   m_Gate.Do(Edit::AddPoint, [&] { m_Constraints.UpdateActivity(m_Constraints.Points().Add(record)); });
 }
 
+void CPtCstrEdits::AddAlongCurve(std::span<const CPtCstr> heights, std::optional<double> asked) {
+  if (heights.empty()) return;
+  m_Gate.Do(Edit::AddAlongCurve, [&] {
+    for (const CPtCstr& height : heights) m_Constraints.UpdateActivity(m_Constraints.Points().Add(height));
+  });
+  if (asked.has_value()) m_LastHeight = asked;
+}
+
 bool CPtCstrEdits::Highlight(double x, double y, std::uint32_t mask, double reach) {
   return m_Constraints.Points().Highlight(x, y, mask, reach);
 }
@@ -38,7 +46,9 @@ double CPtCstrEdits::SelectedHeight() const {
 
 void CPtCstrEdits::SetSelectedHeight(double z) {
   CPtCstr* selected = m_Constraints.Points().FirstSelected(PtCstrKind::kPosition);
-  if (selected != nullptr) m_Gate.Do(Edit::MoveHeight, [&] { selected->m_fZ = z; });
+  if (selected == nullptr) return;
+  m_Gate.Do(Edit::MoveHeight, [&] { selected->m_fZ = z; });
+  m_LastHeight = z;
 }
 
 void CPtCstrEdits::ChangeSelectedNormal(double dp, double dq) {

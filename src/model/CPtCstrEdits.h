@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <span>
 
 class CConstraints;
 class CEditGate;
@@ -18,6 +20,9 @@ class CPtCstrEdits {
 
   /// Appends a copy of the record and posts a rebuild.
   void Add(const CPtCstr& record);
+  /// The same for several heights along a curve, as one edit; nothing without any. `asked`: the last of those that were
+  /// asked for, where they are not those of the surface.
+  void AddAlongCurve(std::span<const CPtCstr> heights, std::optional<double> asked);
   /// Whether any constraint of the kind lies within reach of (x, y); those that do are highlighted, no others.
   bool Highlight(double x, double y, std::uint32_t mask, double reach);
   void Select(double x, double y, std::uint32_t mask, double reach);
@@ -27,6 +32,9 @@ class CPtCstrEdits {
   /// 0 without a selected position constraint.
   double SelectedHeight() const;
   void SetSelectedHeight(double z);
+  /// The height that was asked for last, by whatever edit; none until there has been one. Where the surface gives it,
+  /// as for a new constraint, nobody has asked.
+  std::optional<double> LastHeight() const { return m_LastHeight; }
   /// Adds to the slopes of the selected normal constraint. Posts kRestart even without one.
   void ChangeSelectedNormal(double dp, double dq);
   void DeleteSelected();
@@ -34,4 +42,5 @@ class CPtCstrEdits {
  private:
   CConstraints& m_Constraints;
   CEditGate& m_Gate;
+  std::optional<double> m_LastHeight;
 };

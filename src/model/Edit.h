@@ -5,6 +5,7 @@
 /// The edits that a hand or a command makes of a document, by what its owner would call them.
 enum class Edit {
   AddPoint,
+  AddAlongCurve,  ///< heights along a curve
   MovePoint,
   MoveHeight,
   TurnSlope,
@@ -54,6 +55,7 @@ constexpr Operation PostedBy(Edit edit) {
     case Edit::SetReferenceOption:
       return Operation::kRestart;
     case Edit::AddPoint:
+    case Edit::AddAlongCurve:
     case Edit::DeletePoint:
     case Edit::LoadReference:
     case Edit::RemoveReference:
@@ -75,6 +77,6 @@ constexpr Operation PostedBy(Edit edit) {
 
 /// Whether there may be another number of active point constraints after it.
 constexpr bool ChangesPointCount(Edit edit) {
-  return edit == Edit::AddPoint || edit == Edit::MovePoint || edit == Edit::DeletePoint ||
-         edit == Edit::ExportConstraints;
+  return edit == Edit::AddPoint || edit == Edit::AddAlongCurve || edit == Edit::MovePoint ||
+         edit == Edit::DeletePoint || edit == Edit::ExportConstraints;
 }
