@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "app/CHeightsTool.h"
 #include "app/CLightTool.h"
 #include "app/CReferenceTool.h"
 #include "app/RecorderTool.h"
@@ -45,6 +46,7 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
   window.SetTool(CImageViewUI::Tool::Recorder, MakeRecorderTool(window));
   window.SetTool(CImageViewUI::Tool::Scissors, MakeScissorsTool(window, grid));
   window.SetTool(CImageViewUI::Tool::ReferenceDepth, std::make_unique<CReferenceTool>(window, grid));
+  window.SetTool(CImageViewUI::Tool::HeightsAlongCurve, std::make_unique<CHeightsTool>(window, grid));
 }
 
 CExportServices CToolSet::ExportServices(CImageViewUI& window) {

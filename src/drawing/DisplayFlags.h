@@ -15,6 +15,7 @@ inline constexpr std::uint32_t kDiscontinuityGap = 128;    ///< triangles in a p
 inline constexpr std::uint32_t kDiscontinuityEdges = 256;  ///< edges inside a position discontinuity
 inline constexpr std::uint32_t kFreezeMap = 32768;
 inline constexpr std::uint32_t kDiscontinuityTexels = 0x80000;
+inline constexpr std::uint32_t kProportions = 0x100000;  ///< x and y have one scale
 inline constexpr std::uint32_t kAtStart = kGrid | kPointConstraints | kCurves;
 }  // namespace ImageFlag
 
@@ -44,6 +45,7 @@ inline constexpr std::uint32_t kBehindTears = 256;  ///< the same, and the lower
 inline constexpr std::uint32_t kCellNormals = 0x10000;
 inline constexpr std::uint32_t kPointNormals = 0x20000;
 inline constexpr std::uint32_t kTexelNormals = 0x40000;
+inline constexpr std::uint32_t kProportions = 0x100000;  ///< x and y have one scale
 }  // namespace ModelFlag
 
 /// The numbers by which the model view knows the image that it lays over the surface.

@@ -73,11 +73,13 @@ void DrawPicture(const CGrid& grid, CTextures& textures) {
   glDisable(GL_TEXTURE_2D);
 }
 
-// In hundredths of what the view shows, so that a constraint keeps its size on the screen.
-void DrawPointMarks(const CGrid& grid) {
+// In hundredths of what the view shows, so that a constraint keeps its size on the screen; round where the scales are
+// the same.
+void DrawPointMarks(const CGrid& grid, bool proportional) {
   const CExtent& e = grid.Surface().Lattice().Extent();
   const CViewDrawing& drawing = g_DrawingSettings.m_ImageView;
-  const Vector3 unit{(e.x1 - e.x0) / 100 * g_fZoom, (e.y1 - e.y0) / 100 * g_fZoom, 0};
+  Vector3 unit{(e.x1 - e.x0) / 100 * g_fZoom, (e.y1 - e.y0) / 100 * g_fZoom, 0};
+  if (proportional) unit.x = unit.y = std::min(unit.x, unit.y);
   for (const CPtCstr& c : grid.Constraints().Points()) {
     const Vector3 place{c.m_fX, c.m_fY, 0};
     if (c.HasKind(PtCstrKind::kPosition)) DrawPosition(c, drawing, place, unit);
@@ -94,7 +96,8 @@ void CPicturePainter::Draw(const CGrid& grid, const CView& view) {
   DrawSubdivision(grid, view);
   if ((view.m_uFlags & ImageFlag::kFreezeMap) != 0) DrawFrozen(grid);
   if ((view.m_uFlags & ImageFlag::kCurves) != 0) DrawCurves(grid);
-  if ((view.m_uFlags & ImageFlag::kPointConstraints) != 0) DrawPointMarks(grid);
+  if ((view.m_uFlags & ImageFlag::kPointConstraints) != 0)
+    DrawPointMarks(grid, (view.m_uFlags & ImageFlag::kProportions) != 0);
   glColor3d(1, 1, 1);
 }
 

@@ -68,6 +68,23 @@ class ImageViewDrawingTest : public ImageViewTest {
     }
     return count;
   }
+  struct CPixels {
+    int m_iLeft = kSize;
+    int m_iRight = -1;
+    int m_iBottom = kSize;
+    int m_iTop = -1;
+  };
+  // Around all that is not black.
+  CPixels Box() const {
+    CPixels box;
+    for (int k = 0; k < kSize * kSize; ++k) {
+      const int x = k % kSize;
+      const int y = k / kSize;
+      if (At(x, y) == kBlack) continue;
+      box = {std::min(box.m_iLeft, x), std::max(box.m_iRight, x), std::min(box.m_iBottom, y), std::max(box.m_iTop, y)};
+    }
+    return box;
+  }
   int CountOfOthers(const CRgb& colour) const { return kSize * kSize - Count(colour); }
   void LoadPicture(const CPicture& picture) {
     WriteBytes(m_Scratch.File("picture.bmp"), BmpFile(picture));
@@ -289,6 +306,36 @@ TEST_F(ImageViewDrawingTest, ConstraintsKeepTheirSizeOnTheScreen) {
   g_fZoom = 0.1;
   Shoot();
   EXPECT_NEAR(CountOfOthers(kBlack), count, 2);
+}
+
+TEST_F(ImageViewDrawingTest, PictureOfAWideModelHasBarsInTrueProportions) {
+  Grid().Initialize(2, false, 0, 0, 200, 100);
+  LoadPicture(Quarters(64));
+  Shoot(ImageFlag::kImage);
+  EXPECT_EQ(At(20, 2), kRed);
+  Shoot(ImageFlag::kImage | ImageFlag::kProportions);
+  for (const int x : {2, 20, 45}) {
+    EXPECT_EQ(At(x, 23), kBlack);
+    EXPECT_EQ(At(x, 27), kRed);
+    EXPECT_EQ(At(x, 72), kBlue);
+    EXPECT_EQ(At(x, 76), kBlack);
+  }
+}
+
+TEST_F(ImageViewDrawingTest, ConstraintsAreRoundAndUnderThePressInTrueProportions) {
+  Grid().Initialize(2, false, 0, 0, 200, 100);
+  View().SetDisplayFlags(ImageFlag::kPointConstraints | ImageFlag::kProportions);
+  View().SetMode(EditingMode::Position);
+  Push(FL_LEFT_MOUSE, 30.5, 40.5);
+  Release();
+  const CPtCstr& made = *Grid().Constraints().Points().begin();
+  EXPECT_DOUBLE_EQ(made.m_fX, 61);
+  EXPECT_DOUBLE_EQ(made.m_fY, 31);
+  Shoot();
+  const CPixels drawn = Box();
+  EXPECT_EQ(drawn.m_iRight - drawn.m_iLeft, drawn.m_iTop - drawn.m_iBottom);
+  EXPECT_NEAR((drawn.m_iRight + drawn.m_iLeft) / 2.0, 30, 1);
+  EXPECT_NEAR((drawn.m_iTop + drawn.m_iBottom) / 2.0, 40, 1);
 }
 
 TEST_F(ImageViewDrawingTest, NormalLeansAsItsSlopesSay) {

@@ -297,6 +297,57 @@ TEST_F(ModelViewEventsTest, ShiftDragMovesTheHeightOfTheSelectedPosition) {
   EXPECT_NEAR(Grid().GetSelectedHeight(), 2 - 0.1 * 16 * 16 / camera.m_fR, 1e-9);
 }
 
+// The shorter side shows 2 R.
+TEST_F(ModelViewEventsTest, ShiftDragGoesByTheShorterSideInTrueProportions) {
+  Grid().AddPtCstr(HeightCstr(5, 22, 2));
+  RecordAt(CStaging::Constraints(Grid()).Points(), 0).SetState(PtCstrState::kSelected, true);
+  const CCamera camera = CameraAtStart();
+  View().resize(0, 0, kSize / 2, kSize);
+  Drag(FL_LEFT_MOUSE, 50, 43, FL_SHIFT);
+  EXPECT_NEAR(Grid().GetSelectedHeight(), 2 + 0.1 * 16 * 16 / camera.m_fR, 1e-9);
+  View().SetFlag(ModelFlag::kProportions, true);
+  Drag(FL_LEFT_MOUSE, 50, -43, FL_SHIFT);
+  EXPECT_NEAR(Grid().GetSelectedHeight(), 2 - 0.1 * 16 * 16 / camera.m_fR, 1e-9) << "twice as far";
+}
+
+TEST_F(ModelViewEventsTest, SurfaceHasItsShapeInAnyViewInTrueProportions) {
+  LoadPicture(PlainPicture(kYellow));
+  ShowOnly(ModelFlag::kTexturedModel);
+  View().SetFlag(ModelFlag::kGrid, false);
+  CameraAtStart();
+  View().resize(0, 0, kSize, kSize / 2);
+  ASSERT_TRUE(WaitUntilDrawn());
+  const double perUnit = 0.5 * kSize / (2 * View().Camera().m_fR);
+  const double area = 16 * 6 * perUnit * perUnit;
+  EXPECT_NEAR(CountPixels(FrameOf(View()), kYellow), 2 * area, 0.03 * area) << "twice as wide as it is";
+  View().SetFlag(ModelFlag::kProportions, true);
+  EXPECT_NEAR(CountPixels(FrameOf(View()), kYellow), area, 0.03 * area);
+  View().MoveView(ViewMove::All);
+  const double ofAll = 0.5 * kSize / (2 * View().Camera().m_fR);
+  EXPECT_NEAR(16 * ofAll, kSize / 1.04, 2) << "as large as fits";
+}
+
+TEST_F(ModelViewEventsTest, WheelWithCtrlZoomsAboutThePointOfTheSurfaceInTrueProportions) {
+  SetSurface(Grid(), CRamp{});
+  View().ResetCamera();
+  View().resize(0, 0, kSize, kSize / 3);
+  View().SetFlag(ModelFlag::kProportions, true);
+  const auto underPointer = [&] {
+    const CCamera& camera = View().Camera();
+    const CHalfSizes sizes = camera.HalfSizes(View().w(), View().h(), true);
+    const CSurface& surface = Grid().Surface();
+    return FirstSeen(surface.Interpolation(), camera.SightLine(250, 60, View().w(), View().h(), sizes),
+                     surface.MinHeight(), surface.MaxHeight());
+  };
+  const auto point = underPointer();
+  ASSERT_TRUE(point);
+  Fl::e_state = FL_CTRL;
+  Fl::e_dy = -1;
+  EXPECT_EQ(Send(FL_MOUSEWHEEL, 250, 60), 1);
+  ASSERT_TRUE(underPointer());
+  EXPECT_LT(Length(*underPointer() - *point), 1e-6);
+}
+
 TEST_F(ModelViewEventsTest, ShiftDragWithoutASelectedPositionDoesNothing) {
   Grid().AddPtCstr(HeightCstr(5, 22, 2));
   Grid().AddPtCstr(SlopeCstr(6, 23));

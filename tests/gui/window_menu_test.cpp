@@ -67,11 +67,14 @@ const auto kEntries = std::to_array<CExpectedEntry>({
   {"Edi&t/&Undo", MenuEntry::Undo, kCtrl | 'z', Command},
   {"Edi&t/&Redo", MenuEntry::Redo, kCtrl | kShift | 'z', Command},
   {"Edi&t/Reference &Depth...", MenuEntry::ReferenceDepth, 0, Command},
+  {"Edi&t/&Heights Along Curve...", MenuEntry::HeightsAlongCurve, 0, Command},
+  {"Edi&t/&New Heights at the Last Value", MenuEntry::NewHeightsAtLast, 0, Toggle},
   {"&Inspect/Close the &gaps of tears", MenuEntry::ClosedTears, 0, Toggle},
   {"&Inspect/Continue &behind tears", MenuEntry::BehindTears, 0, Toggle},
   {"&Inspect/Show &misfit", MenuEntry::Misfit, 0, Toggle},
   {"&Inspect/Show b&ending", MenuEntry::Bending, 0, Toggle},
   {"&Inspect/Save &Overlay as PNG...", MenuEntry::SaveOverlay, 0, Command},
+  {"&Inspect/&Keep proportions", MenuEntry::KeepProportions, 0, Toggle},
 });
 
 struct CFlag {
@@ -158,8 +161,9 @@ TEST_F(WindowMenuTest, HasTheEntriesOfTheTable) {
 }
 
 TEST_F(WindowMenuTest, OnlyWhatHasNothingToWorkWithStartsInactive) {
-  constexpr std::array kInactive{MenuEntry::ImagePicture, MenuEntry::ModelTexture,   MenuEntry::RecoverWork,
-                                 MenuEntry::FitPicture,   MenuEntry::ReferenceDepth, MenuEntry::SaveOverlay};
+  constexpr std::array kInactive{MenuEntry::ImagePicture,     MenuEntry::ModelTexture,   MenuEntry::RecoverWork,
+                                 MenuEntry::FitPicture,       MenuEntry::ReferenceDepth, MenuEntry::SaveOverlay,
+                                 MenuEntry::HeightsAlongCurve};
   for (const CExpectedEntry& row : kEntries) {
     const bool inactive = std::ranges::find(kInactive, row.m_Entry) != kInactive.end();
     EXPECT_EQ(Menu().IsActive(row.m_Entry), !inactive) << row.m_pPath;
@@ -245,6 +249,21 @@ TEST_F(WindowMenuTest, TogglesFlipTheirFlag) {
     Menu().Choose(row.m_Entry);
     EXPECT_EQ(Flags(row.m_bModelView), before);
   }
+}
+
+TEST_F(WindowMenuTest, ProportionsAreKeptInBothViewsOrInNone) {
+  ShowWindow();
+  const std::uint32_t image = Flags(false);
+  const std::uint32_t model = Flags(true);
+  DrawBoth();
+  Menu().Choose(MenuEntry::KeepProportions);
+  EXPECT_EQ(Flags(false), image | ImageFlag::kProportions);
+  EXPECT_EQ(Flags(true), model | ModelFlag::kProportions);
+  EXPECT_NE(m_Window.ImageView().damage(), 0);
+  EXPECT_NE(m_Window.GridView().damage(), 0);
+  Menu().Choose(MenuEntry::KeepProportions);
+  EXPECT_EQ(Flags(false), image);
+  EXPECT_EQ(Flags(true), model);
 }
 
 TEST_F(WindowMenuTest, CheckMarkFollowsTheGridThatNormalConstraintsSwitchOn) {

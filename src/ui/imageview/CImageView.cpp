@@ -64,7 +64,7 @@ CImageView::CImageView(int x, int y, int w, int h) : Fl_Gl_Window(x, y, w, h), m
 void CImageView::AttachGrid(CGrid& grid, ViewHost& host) {
   m_pGrid = &grid;
   m_pHost = &host;
-  m_PositionHandler.emplace(grid, m_Mapping, host);
+  m_PositionHandler.emplace(grid, m_Mapping, host, m_bHeightsAtLast);
   m_NormalHandler.emplace(grid, m_Mapping, host, static_cast<HandlerView&>(*this));
   m_CurveHandler.emplace(grid, m_Mapping, host, static_cast<HandlerView&>(*this));
   m_Selector.emplace(grid, m_Mapping, host);
@@ -168,6 +168,11 @@ void CImageView::DocumentChanged() {
   redraw();
 }
 
+void CImageView::ShowPreview(CPlacePreview preview) {
+  m_Preview = std::move(preview);
+  redraw();
+}
+
 void CImageView::ShowInterpolation(const CInterpolationTrace& trace) {
   m_Debug.ShowInterpolation(*m_pGrid, trace);
   redraw();
@@ -214,6 +219,7 @@ bool CImageView::SaveFrame(const std::string& filename) {
 void CImageView::UpdateMapping() {
   m_Mapping.SetExtent(m_pGrid->Surface().Lattice().Extent());
   m_Mapping.SetSize(w(), h());
+  m_Mapping.KeepProportions((m_uDisplayFlags & ImageFlag::kProportions) != 0);
 }
 
 void CImageView::draw() {
@@ -257,6 +263,7 @@ void CImageView::DrawTools() const {
     glEnd();
   }
   if ((m_uDebugFlags & DebugFlag::kFreeze) != 0 && m_Brush.IsPlaced()) DrawBrush();
+  DrawPlaces(m_Preview);
 }
 
 void CImageView::DrawBrush() const {

@@ -20,6 +20,7 @@
 #include "ui/imageview/CProposalPicker.h"
 #include "ui/imageview/CurveHandler.h"
 #include "ui/imageview/HandlerView.h"
+#include "ui/imageview/PlacePreview.h"
 #include "ui/imageview/PtCstrHandlers.h"
 #include "ui/seams/ViewMoves.h"
 
@@ -75,6 +76,11 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   void DocumentChanged();
   /// Shows what the interpolation traced last was made of.
   void ShowInterpolation(const CInterpolationTrace& trace);
+  /// Whether new position constraints begin at the height that was asked for last, where there has been one, instead of
+  /// the surface's.
+  void StartHeightsAtLast(bool on) { m_bHeightsAtLast = on; }
+  /// Shows these places over all else, until others are given.
+  void ShowPreview(CPlacePreview preview);
   /// Shows an overlay and its legend over the photograph; null for none. One over points belongs to the present
   /// subdivision, whose leaves are listed. Needs an attached grid.
   void ShowOverlay(std::shared_ptr<const COverlay> made);
@@ -136,6 +142,8 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   CPicturePainter m_Painter;
   COverlayPainter m_Overlay;
   CLegend m_Legend;
+  CPlacePreview m_Preview;
+  bool m_bHeightsAtLast = false;
 
   int m_iDragButton = 0;  ///< that drags the view, as it was pressed; 0 while none does
   int m_iMouseX = 0;

@@ -1,5 +1,6 @@
 #include "ui/imageview/PtCstrHandlers.h"
 
+#include <optional>
 #include <utility>
 
 #include <FL/Fl.H>
@@ -124,8 +125,13 @@ void CPtCstrHandler::SelectNeighbour(bool next) {
   RedrawBoth();
 }
 
-CPtPosCstrHandler::CPtPosCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host)
-    : CPtCstrHandler(grid, mapping, host, PtCstrKind::kPosition) {}
+CPtPosCstrHandler::CPtPosCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, const bool& startAtLast)
+    : CPtCstrHandler(grid, mapping, host, PtCstrKind::kPosition), m_bStartAtLast(startAtLast) {}
+
+double CPtPosCstrHandler::HeightOfNew(const CPlanePoint& place) const {
+  const std::optional<double> last = m_bStartAtLast ? m_Grid.LastHeight() : std::nullopt;
+  return last.has_value() ? *last : SurfaceHeightAt(place);
+}
 
 void CPtPosCstrHandler::Hovered() {}
 
@@ -136,7 +142,7 @@ void CPtPosCstrHandler::Grab(int button, const CPlanePoint& press) {
 }
 
 void CPtPosCstrHandler::Create(const CPlanePoint& press) {
-  CPtCstr constraint{press.x, press.y, PtCstrKind::kPosition, SurfaceHeightAt(press)};
+  CPtCstr constraint{press.x, press.y, PtCstrKind::kPosition, HeightOfNew(press)};
   m_Grid.AddPtCstr(constraint);
   m_Last = press;
   m_Grid.SelectPtCstr(press.x, press.y, PtCstrKind::kPosition);

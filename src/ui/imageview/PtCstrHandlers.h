@@ -53,8 +53,8 @@ class CPtCstrHandler : public CPlaneHandler {
 /// Position constraints: dragging right or up raises the height.
 class CPtPosCstrHandler : public CPtCstrHandler {
  public:
-  /// All three must outlive the object.
-  CPtPosCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host);
+  /// All must outlive the object. `startAtLast`: whether new ones begin at the height that was asked for last.
+  CPtPosCstrHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host, const bool& startAtLast);
 
  private:
   void Hovered() override;
@@ -62,7 +62,9 @@ class CPtPosCstrHandler : public CPtCstrHandler {
   void Create(const CPlanePoint& press) override;
   void Edit(const CPlanePoint& cursor) override;
   void KeyTyped() const override;
+  double HeightOfNew(const CPlanePoint& place) const;
 
+  const bool& m_bStartAtLast;
   double m_fHeightAtPress = 0.0;
 };
 

@@ -77,8 +77,10 @@ void CGridView::draw() {
   PrepareContext(*this);
   if (m_pGrid == nullptr) return;
   if (m_BeforeDrawing) m_BeforeDrawing();
-  DrawScene(m_Camera, m_Camera.HalfSizes(w(), h(), false));
+  DrawScene(m_Camera, Shown());
 }
+
+CHalfSizes CGridView::Shown() const { return m_Camera.HalfSizes(w(), h(), IsProportional()); }
 
 void CGridView::DrawScene(const CCamera& camera, const CHalfSizes& sizes) {
   // This many texels take a moment to be located and given their normals.
@@ -163,17 +165,16 @@ bool CGridView::HandleWheelZoom() {
 // Beside the surface it is one as deep as the centre.
 Vector3 CGridView::PointUnderMouse() const {
   const CSurface& surface = m_pGrid->Surface();
-  const CSightLine line =
-      m_Camera.SightLine(Fl::event_x(), Fl::event_y(), w(), h(), m_Camera.HalfSizes(w(), h(), false));
+  const CSightLine line = m_Camera.SightLine(Fl::event_x(), Fl::event_y(), w(), h(), Shown());
   return FirstSeen(surface.Interpolation(), line, surface.MinHeight(), surface.MaxHeight()).value_or(line.m_Point);
 }
 
 void CGridView::MoveView(ViewMove move) {
   if (m_pGrid == nullptr) return;
   if (move == ViewMove::All) {
-    FitSurface(m_Camera, *m_pGrid, 1, 1);
+    FitSurface(m_Camera, *m_pGrid, IsProportional() ? w() : 1, IsProportional() ? h() : 1);
   } else {
-    const CHalfSizes sizes = m_Camera.HalfSizes(w(), h(), false);
+    const CHalfSizes sizes = Shown();
     const CViewStep step = StepOf(move, 2 * sizes.m_fWidth, 2 * sizes.m_fHeight);
     m_Camera.Pan(step.m_fAcross, step.m_fUpwards);
   }
@@ -258,7 +259,9 @@ void CGridView::RaiseSelected(int dy) {
   if (m_pGrid == nullptr || m_pGrid->Constraints().Points().FirstSelected(PtCstrKind::kPosition) == nullptr) return;
   const CExtent& extent = m_pGrid->Surface().Lattice().Extent();
   const double side = std::max(extent.x1 - extent.x0, extent.y1 - extent.y0);
-  m_pGrid->SetSelectedHeight(m_pGrid->GetSelectedHeight() + m_Camera.HeightOfDrag(dy, h(), side));
+  // As many pixels as 2 R are high.
+  const int pixels = IsProportional() ? std::min(w(), h()) : h();
+  m_pGrid->SetSelectedHeight(m_pGrid->GetSelectedHeight() + m_Camera.HeightOfDrag(dy, pixels, side));
   m_Values->Dragged();
   m_pHost->RedrawImageView();
 }

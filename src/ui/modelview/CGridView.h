@@ -75,6 +75,9 @@ class CGridView : public Fl_Gl_Window {
  private:
   void ConnectMessages();
   void DrawScene(const CCamera& camera, const CHalfSizes& sizes);
+  /// Of what the view shows on the screen.
+  CHalfSizes Shown() const;
+  bool IsProportional() const { return (m_View.m_uFlags & ModelFlag::kProportions) != 0; }
   bool HandleWheelZoom();
   Vector3 PointUnderMouse() const;
   void BeginDrag();

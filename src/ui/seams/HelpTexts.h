@@ -53,6 +53,8 @@ inline constexpr std::array kHelpTexts{
     "File, Grid in the Picture's Proportions, begins a grid that does not stretch this picture",
     "Cancelled: %1 is not written",
     "%1 is saved without the reference depth, which a project keeps",
+    "%1 heights placed along the curve",
+    "%1 heights placed along the curve, %2 left out",
 };
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
@@ -85,6 +87,8 @@ enum Index : int {
   kFitOffered = 35,  ///< after a picture that the grid stretches
   kCancelled = 36,   ///< an export that the user wanted no more
   kSavedWithoutReference = 37,
+  kHeightsAlong = 38,     ///< how many have been placed
+  kHeightsAlongBut = 39,  ///< and how many would have had no effect
 };
 }  // namespace HelpText
 

@@ -135,6 +135,7 @@ void CImageViewUI::RefreshEnabled() {
   Menu().Enable(MenuEntry::ExportFilm, m_Commands.CanExportFilm());
   Menu().Enable(MenuEntry::ReferenceDepth, m_Tools.Has(Tool::ReferenceDepth));
   Menu().Enable(MenuEntry::SaveOverlay, ImageView().Overlay() != nullptr);
+  Menu().Enable(MenuEntry::HeightsAlongCurve, m_Tools.Has(Tool::HeightsAlongCurve));
   Menu().Enable(MenuEntry::DrawingParameters, static_cast<bool>(m_Services.m_ShowDrawingOptions));
   Menu().Enable(MenuEntry::ImagePicture, HasPicture());
   Menu().Enable(MenuEntry::ModelTexture, HasPicture());

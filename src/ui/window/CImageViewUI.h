@@ -115,6 +115,8 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   void ToggleSelect();
   void ToggleFreeze();
   void ToggleTool(Tool tool);
+  /// One that the menu opens.
+  void OpenTool(Tool tool);
   static void cb_m_pbtnSwitchHR_LR(Fl_Widget* widget, void* data);
 
   /// Shows what is in the window of a model that is another one: label, marks, read-outs, help.

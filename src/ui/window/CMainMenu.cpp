@@ -83,6 +83,8 @@ constexpr auto kRows = std::to_array<CMenuRow>({
   {Command, "&Redo", FL_CTRL + FL_SHIFT + 'z', MenuEntry::Redo},
   {OtherKey, "&Redo", FL_CTRL + 'y', MenuEntry::Redo},
   {Command, "Reference &Depth...", 0, MenuEntry::ReferenceDepth},
+  {Command, "&Heights Along Curve...", 0, MenuEntry::HeightsAlongCurve},
+  {Toggle, "&New Heights at the Last Value", 0, MenuEntry::NewHeightsAtLast},
   {End, nullptr, 0, {}},
   {Menu, "&Inspect", 0, {}},
   {Toggle, "Close the &gaps of tears", 0, MenuEntry::ClosedTears},
@@ -90,6 +92,7 @@ constexpr auto kRows = std::to_array<CMenuRow>({
   {Toggle, "Show &misfit", 0, MenuEntry::Misfit},
   {Toggle, "Show b&ending", 0, MenuEntry::Bending},
   {Command, "Save &Overlay as PNG...", 0, MenuEntry::SaveOverlay},
+  {Toggle, "&Keep proportions", 0, MenuEntry::KeepProportions},
   {End, nullptr, 0, {}},
   {End, nullptr, 0, {}},
 });

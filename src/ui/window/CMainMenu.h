@@ -54,10 +54,13 @@ enum class MenuEntry {
   Redo,
   ClosedTears,
   BehindTears,
+  KeepProportions,
   ReferenceDepth,
   Misfit,
   Bending,
   SaveOverlay,
+  HeightsAlongCurve,
+  NewHeightsAtLast,
   Write,  ///< the model in the first of ModelFormats(); those of the others follow
 };
 

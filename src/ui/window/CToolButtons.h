@@ -14,8 +14,9 @@ class CControlSet;
 class CToolButtons {
  public:
   /// In the order of their buttons, then those of the menu.
-  enum class Tool { LightSources, Recorder, Scissors, ReferenceDepth };
-  static constexpr std::array kTools{Tool::LightSources, Tool::Recorder, Tool::Scissors, Tool::ReferenceDepth};
+  enum class Tool { LightSources, Recorder, Scissors, ReferenceDepth, HeightsAlongCurve };
+  static constexpr std::array kTools{Tool::LightSources, Tool::Recorder, Tool::Scissors, Tool::ReferenceDepth,
+                                     Tool::HeightsAlongCurve};
 
   /// The controls must outlive the object.
   explicit CToolButtons(CControlSet& controls) : m_Controls(controls) {}

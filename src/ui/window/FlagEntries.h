@@ -6,7 +6,7 @@
 #include "drawing/DisplayFlags.h"
 #include "ui/window/CMainMenu.h"
 
-/// A menu entry that shows or hides something in one of the views.
+/// A menu entry that shows or hides something in one of the views; one for both views has a row for each.
 struct CFlagEntry {
   MenuEntry m_Entry;
   std::uint32_t m_uFlag;
@@ -30,6 +30,8 @@ inline constexpr auto kFlagEntries = std::to_array<CFlagEntry>({
     {MenuEntry::TexelNormals, ModelFlag::kTexelNormals, true, true},
     {MenuEntry::ClosedTears, ModelFlag::kClosedTears, true, false},
     {MenuEntry::BehindTears, ModelFlag::kBehindTears, true, false},
+    {MenuEntry::KeepProportions, ImageFlag::kProportions, false, false},
+    {MenuEntry::KeepProportions, ModelFlag::kProportions, true, false},
     {MenuEntry::DiscontinuityGap, ImageFlag::kDiscontinuityGap, false, false},
     {MenuEntry::DiscontinuityEdges, ImageFlag::kDiscontinuityEdges, false, false},
 });

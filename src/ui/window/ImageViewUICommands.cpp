@@ -98,6 +98,7 @@ void CImageViewUI::ConnectCallbacks() {
 }
 
 bool CImageViewUI::FlagChosen(MenuEntry entry) {
+  bool found = false;
   for (const CFlagEntry& row : kFlagEntries) {
     if (row.m_Entry != entry) continue;
     const bool on = Menu().IsChecked(entry);
@@ -109,9 +110,9 @@ bool CImageViewUI::FlagChosen(MenuEntry entry) {
     }
     if (row.m_bModelView || row.m_bRedrawsBoth) RedrawModelView();
     if (!row.m_bModelView || row.m_bRedrawsBoth) RedrawImageView();
-    return true;
+    found = true;
   }
-  return false;
+  return found;
 }
 
 // Normals of texels that there is no memory for are not shown. Asked for here, because a view that is being drawn can
@@ -188,9 +189,11 @@ void CImageViewUI::Chosen(MenuEntry entry) {
     case MenuEntry::Redo:
       return RequestStep(UserStep::Redo);
     case MenuEntry::ReferenceDepth:
-      EndDrags();
-      if (m_Tools.Has(Tool::ReferenceDepth)) m_Tools.Open(Tool::ReferenceDepth);
-      return;
+      return OpenTool(Tool::ReferenceDepth);
+    case MenuEntry::HeightsAlongCurve:
+      return OpenTool(Tool::HeightsAlongCurve);
+    case MenuEntry::NewHeightsAtLast:
+      return ImageView().StartHeightsAtLast(Menu().IsChecked(entry));
     case MenuEntry::SaveOverlay:
       return SaveOverlay();
     case MenuEntry::SimpleWavelets:
@@ -271,6 +274,11 @@ void CImageViewUI::ToggleFreeze() {
     m_Solver.EndFreeze();
   }
   RefreshEnabled();
+}
+
+void CImageViewUI::OpenTool(Tool tool) {
+  EndDrags();
+  if (m_Tools.Has(tool)) m_Tools.Open(tool);
 }
 
 void CImageViewUI::ToggleTool(Tool tool) {

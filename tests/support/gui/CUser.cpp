@@ -13,7 +13,7 @@
 namespace {
 
 // Middle of each title from the left edge, and of all from the upper one.
-constexpr std::array kTitles{20, 79, 152, 247, 350, 416};
+constexpr std::array kTitles{20, 79, 152, 247, 350, 416, 461};
 constexpr int kTitleHeight = 10;
 
 // How the toolkit shows text that a paste will replace.
@@ -74,6 +74,11 @@ void CUser::ChooseEntry(MenuTitle title, int entry) const {
   Click(m_Program.MainArea().At({kTitles[static_cast<std::size_t>(title)], kTitleHeight}));
   for (int k = 0; k <= entry; ++k) PressKey("Down");
   PressKey("Return");
+}
+
+void CUser::ChooseEntry(MenuTitle title, const std::string& letter) const {
+  Click(m_Program.MainArea().At({kTitles[static_cast<std::size_t>(title)], kTitleHeight}));
+  Type(letter);
 }
 
 bool CUser::IsGone(WindowId window) const {

@@ -9,7 +9,7 @@
 #include "ui/window/Controls.h"
 
 /// Titles of the menu bar, from left to right.
-enum class MenuTitle : std::size_t { File, ImageView, ModelView, Shoot, Advanced, Edit };
+enum class MenuTitle : std::size_t { File, ImageView, ModelView, Shoot, Advanced, Edit, Inspect };
 
 /// Somebody at the running program, with a mouse, a keyboard and a clipboard, who looks at what each step has done
 /// before the next one: a step ends when the program rests. The main window must keep its first size.
@@ -32,6 +32,8 @@ class CUser {
 
   /// Chooses an entry of a menu, counted from 0 among the active ones.
   void ChooseEntry(MenuTitle title, int entry) const;
+  /// The same by the letter that is underlined in it.
+  void ChooseEntry(MenuTitle title, const std::string& letter) const;
   /// The file chooser of this title once it has the keyboard and its name is selected; nothing if it never is.
   std::optional<WindowId> OpenedChooser(const std::string& title) const;
   /// Answers the file chooser of this title.
