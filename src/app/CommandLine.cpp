@@ -16,9 +16,10 @@ constexpr const char* kUsage =
     "\n"
     "The model or project and the picture, in any order, are opened in the window.\n"
     "\n"
-    "  --help     show this and end\n"
-    "  --version  show the version and end\n"
-    "  --         what follows is a file, whatever it begins with\n";
+    "  --defaults  start without what was remembered of windows and switches\n"
+    "  --help      show this and end\n"
+    "  --version   show the version and end\n"
+    "  --          what follows is a file, whatever it begins with\n";
 
 int Show(const char* text) {
   return std::fputs(text, stdout) < 0 || std::fflush(stdout) != 0 ? EXIT_FAILURE : EXIT_SUCCESS;
@@ -39,15 +40,18 @@ int Answer(const std::string& option) {
 CCommandLine ReadCommandLine(int count, const char* const* arguments) {
   std::vector<std::string> files;
   bool options = true;
+  bool defaults = false;
   for (int k = 1; k < count; ++k) {
     const std::string argument = arguments[k];
     if (options && argument == "--") {
       options = false;
+    } else if (options && argument == "--defaults") {
+      defaults = true;
     } else if (options && IsOption(argument)) {
-      return {{}, Answer(argument)};
+      return {false, {}, Answer(argument)};
     } else {
       files.push_back(argument);
     }
   }
-  return {FilesToOpen(files), std::nullopt};
+  return {defaults, FilesToOpen(files), std::nullopt};
 }

@@ -47,6 +47,7 @@ void PrintSelfTest() {
 /// What a signal finds: the signals, and what keeps the work as soon as there is any.
 struct CEnding {
   CTerminationSignals m_Signals;
+  CImageViewUI* m_pWindow = nullptr;
   CRecoveryTool* m_pRecovery = nullptr;
 };
 
@@ -55,6 +56,7 @@ void cb_Termination(int /*descriptor*/, void* data) {
   auto& ending = *static_cast<CEnding*>(data);
   const int signal = ending.m_Signals.Take();
   if (signal == 0) return;
+  if (ending.m_pWindow != nullptr) ending.m_pWindow->KeepPlace();
   if (ending.m_pRecovery != nullptr) ending.m_pRecovery->End();
   CEstimate::CancelAll();
   CFileReplacement::RemoveUnfinished();
@@ -88,11 +90,15 @@ int main(int argc, char** argv) {
   window.Files().KeepIn(StateFolder());
   const std::filesystem::path settings = SettingsFolder();
   window.Settings().KeepIn(settings.empty() ? settings : settings / "settings.json");
+  if (!commandLine.m_bDefaults) window.RestorePlace();
   window.show();
   window.AttachGrid(grid);
   const CToolSet tools(window, grid);
   CRecoveryTool recovery(window, grid, StateFolder());
   ending.m_pRecovery = &recovery;
+  ending.m_pWindow = &window;
+  if (!commandLine.m_bDefaults) window.RestoreSwitches();
+  window.ShowFirstStep();
   window.Commands().OpenNow(commandLine.m_Files);
   // What opening has to say matters less.
   recovery.TellAtStart();

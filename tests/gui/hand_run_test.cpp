@@ -157,3 +157,47 @@ TEST(TrueProportionsRunTest, AreKeptWithTheProject) {
     EXPECT_NEAR(made.m_fY, 50 + (215 - press.m_iY - 0.5) * kPerPixel, 1e-3) << "a pixel is as high as it is wide";
   }
 }
+
+namespace {
+
+class RememberedRunTest : public ::testing::Test {
+ protected:
+  // Until it has ended.
+  static void Quit(CRelievo& program) {
+    PressKey("ctrl+q");
+    ASSERT_EQ(program.WaitForExit(), 0);
+  }
+  static bool HasSize(const CRelievo& program, int width, int height) {
+    return WaitUntil([&] {
+      const CArea area = program.MainArea();
+      return area.m_iWidth == width && area.m_iHeight == height;
+    });
+  }
+
+  CTemporaryDirectory m_State;
+};
+
+}  // namespace
+
+TEST_F(RememberedRunTest, TheNextStartHasTheSameWindowAndOneByDefaultsHasNot) {
+  CArea area;
+  {
+    CRelievo program({}, m_State.Path());
+    const CUser user(program);
+    user.ChooseEntry(MenuTitle::Edit, "m");
+    program.Screen().AskForSize(program.MainWindow(), 1000, 720);
+    ASSERT_TRUE(HasSize(program, 1000, 720) && program.Rests());
+    area = program.MainArea();
+    Quit(program);
+  }
+  for (int run = 0; run < 2; ++run) {
+    CRelievo program({}, m_State.Path());
+    EXPECT_TRUE(WaitUntil([&] { return program.MainArea() == area; })) << "run " << run << ": " << program.MainArea();
+    Quit(program);
+  }
+  CRelievo program({"--defaults"}, m_State.Path());
+  EXPECT_TRUE(HasSize(program, kDesignWidth, kDesignHeight));
+  Quit(program);
+  CRelievo again({}, m_State.Path());
+  EXPECT_TRUE(WaitUntil([&] { return again.MainArea() == area; })) << "it is still remembered";
+}

@@ -69,6 +69,7 @@ const auto kEntries = std::to_array<CExpectedEntry>({
   {"Edi&t/Reference &Depth...", MenuEntry::ReferenceDepth, 0, Command},
   {"Edi&t/&Heights Along Curve...", MenuEntry::HeightsAlongCurve, 0, Command},
   {"Edi&t/&New Heights at the Last Value", MenuEntry::NewHeightsAtLast, 0, Toggle},
+  {"Edi&t/Re&member Window and Switches", MenuEntry::Remember, 0, Toggle},
   {"&Inspect/Close the &gaps of tears", MenuEntry::ClosedTears, 0, Toggle},
   {"&Inspect/Continue &behind tears", MenuEntry::BehindTears, 0, Toggle},
   {"&Inspect/Show &misfit", MenuEntry::Misfit, 0, Toggle},

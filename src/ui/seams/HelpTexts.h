@@ -55,6 +55,7 @@ inline constexpr std::array kHelpTexts{
     "%1 is saved without the reference depth, which a project keeps",
     "%1 heights placed along the curve",
     "%1 heights placed along the curve, %2 left out",
+    "Open a photograph (Alt+Shift+O, or drop it here), choose Position constraint, and click",
 };
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
@@ -89,6 +90,7 @@ enum Index : int {
   kSavedWithoutReference = 37,
   kHeightsAlong = 38,     ///< how many have been placed
   kHeightsAlongBut = 39,  ///< and how many would have had no effect
+  kFirstStep = 40,        ///< what to do at the start
 };
 }  // namespace HelpText
 

@@ -8,6 +8,12 @@ void CHelpLine::SetCurrentHelp(int index) {
   RestoreHelp();
 }
 
+void CHelpLine::ReplaceCurrentHelp(int index) {
+  const bool shown = m_iShown == m_iCurrent;
+  m_iCurrent = index;
+  if (shown) Show(index);
+}
+
 void CHelpLine::ShowHelp(int index) {
   if (index == m_iAsked) return;
   m_iAsked = index;

@@ -27,6 +27,8 @@ class CHelpLine : public CPassiveOutput {
 
   /// Shows a text and makes it the one that stays.
   void SetCurrentHelp(int index);
+  /// Another text stays from now on; what has come up in place of the present one stays on show.
+  void ReplaceCurrentHelp(int index);
   /// Shows a text until the current one is restored. A message that has come up since the same text was asked for
   /// stays: the mouse over a control asks again at every motion.
   void ShowHelp(int index);

@@ -101,6 +101,21 @@ void CImageViewUI::AttachGrid(CGrid& grid) {
   m_OverlayEntries.emplace(grid, Menu(), m_Overlays);
 }
 
+void CImageViewUI::RestoreSwitches() {
+  m_Remembered.Look();
+  for (const MenuEntry entry : m_Remembered.ToBeSwitched()) {
+    if (!Menu().IsActive(entry)) continue;
+    Menu().SetChecked(entry, !Menu().IsChecked(entry));
+    Chosen(entry);
+  }
+  m_Remembered.Look();
+}
+
+void CImageViewUI::ShowFirstStep() {
+  m_bFirstStep = true;
+  HelpLine().SetCurrentHelp(CurrentHelp());
+}
+
 void CImageViewUI::SetServices(CWindowServices services) {
   m_Services = std::move(services);
   m_Commands.SetServices(m_Services.m_Model);
@@ -184,7 +199,8 @@ void CImageViewUI::cb_Window(Fl_Widget* widget, void* /*data*/) {
     widget->take_focus();
     return;
   }
-  const auto& window = static_cast<const CImageViewUI&>(*widget);
+  auto& window = static_cast<CImageViewUI&>(*widget);
+  window.KeepPlace();
   if (window.m_Commands.Recovery().m_End) window.m_Commands.Recovery().m_End();
   std::exit(EXIT_SUCCESS);
 }

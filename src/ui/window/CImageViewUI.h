@@ -17,6 +17,7 @@
 #include "ui/window/COverlayEntries.h"
 #include "ui/window/COverlays.h"
 #include "ui/window/CRedrawPacer.h"
+#include "ui/window/CRemembered.h"
 #include "ui/window/CToolButtons.h"
 #include "ui/window/CToolkitDialogs.h"
 #include "ui/window/CWindowFrame.h"
@@ -56,6 +57,14 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   CFilesAtHand& Files() { return m_Commands.Files(); }
   /// Kept nowhere until it is told where. Trouble goes to the help line and the console.
   CSettings& Settings() { return m_Settings; }
+  /// What is remembered of the run before: the place of the window before it is shown, the rest when it has its grid
+  /// and its tools.
+  void RestorePlace() { m_Remembered.RestorePlace(); }
+  void RestoreSwitches();
+  /// The window is about to go, by whatever means.
+  void KeepPlace() { m_Remembered.KeepPlace(); }
+  /// Says in the help line what to do first, until something of it has been done.
+  void ShowFirstStep();
 
   int handle(int event) override;
 
@@ -101,14 +110,17 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   // ImageViewUICommands.cpp: what its controls do.
   void ConnectCallbacks();
   void Chosen(MenuEntry entry) override;
+  void ChosenByUser(MenuEntry entry) override { m_Remembered.Chosen(entry); }
   bool FlagChosen(MenuEntry entry);
   void RequireTexels();
   void SetEditingMode(EditingMode mode);
   void SetCurveType(CurveType type);
   /// The help text that stays with what the mouse does in the image view.
   HelpText::Index CurrentHelp() const;
-  /// Takes the offer of another grid back as soon as there is something on this one.
+  /// Takes what the help line offers back: another grid as soon as there is something on this one, the first step when
+  /// one has been made.
   void WithdrawOffer();
+  bool IsBegun() const;
   void SetDebugFlag(std::uint32_t flag, bool on);
   void UpdateDebugReadOuts();
   void CycleLevelTool();
@@ -162,6 +174,7 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   void EndDrags() override;
 
   CSettings m_Settings;
+  CRemembered m_Remembered{Menu(), m_Settings, *this};
   CToolkitDialogs m_ToolkitDialogs;
   UserDialogs& m_Dialogs;
   CSolverControl m_Solver;
@@ -182,4 +195,5 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   std::vector<CWorkFiles> m_aRecent;  ///< as the menu shows them
   CProjectPicture m_Picture;          ///< where the photograph has come from
   bool m_bFreezing = false;
+  bool m_bFirstStep = false;  ///< is on offer
 };

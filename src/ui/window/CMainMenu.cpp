@@ -4,6 +4,7 @@
 #include <array>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <FL/Fl.H>
@@ -24,6 +25,9 @@ struct CMenuRow {
 };
 
 using enum RowKind;
+
+constexpr std::string_view kEditTitle = "Edi&t";
+constexpr std::string_view kInspectTitle = "&Inspect";
 
 constexpr int kModifiers = FL_SHIFT | FL_CTRL | FL_ALT | FL_META;
 
@@ -85,6 +89,7 @@ constexpr auto kRows = std::to_array<CMenuRow>({
   {Command, "Reference &Depth...", 0, MenuEntry::ReferenceDepth},
   {Command, "&Heights Along Curve...", 0, MenuEntry::HeightsAlongCurve},
   {Toggle, "&New Heights at the Last Value", 0, MenuEntry::NewHeightsAtLast},
+  {Toggle, "Re&member Window and Switches", 0, MenuEntry::Remember},
   {End, nullptr, 0, {}},
   {Menu, "&Inspect", 0, {}},
   {Toggle, "Close the &gaps of tears", 0, MenuEntry::ClosedTears},
@@ -217,6 +222,27 @@ void CMainMenu::SetChecked(MenuEntry entry, bool checked) {
   } else {
     item.clear();
   }
+}
+
+std::string CMainMenu::TextOf(MenuEntry entry) {
+  const auto hasText = [entry](const CMenuRow& row) {
+    return row.m_Entry == entry && row.m_Kind != Menu && row.m_Kind != End && row.m_pText != nullptr;
+  };
+  const auto* const row = std::ranges::find_if(kRows, hasText);
+  std::string text = row == kRows.end() ? "" : row->m_pText;
+  std::erase(text, '&');
+  return text;
+}
+
+std::vector<MenuEntry> CMainMenu::Switches() {
+  std::vector<MenuEntry> switches{MenuEntry::DebugInterface, MenuEntry::StatusBar};
+  bool kept = false;
+  for (const CMenuRow& row : kRows) {
+    if (row.m_Kind == Menu) kept = row.m_pText == kEditTitle || row.m_pText == kInspectTitle;
+    const bool ticked = row.m_Kind == Toggle || row.m_Kind == Checked;
+    if (kept && ticked && row.m_Entry != MenuEntry::Remember) switches.push_back(row.m_Entry);
+  }
+  return switches;
 }
 
 void CMainMenu::SetText(MenuEntry entry, const std::string& text) {

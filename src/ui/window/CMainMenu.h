@@ -61,6 +61,7 @@ enum class MenuEntry {
   SaveOverlay,
   HeightsAlongCurve,
   NewHeightsAtLast,
+  Remember,
   Write,  ///< the model in the first of ModelFormats(); those of the others follow
 };
 
@@ -93,6 +94,11 @@ class CMainMenu : public Fl_Menu_Bar {
   void Enable(MenuEntry entry, bool enable);
   /// Another text, in which "&" marks the shortcut.
   void SetText(MenuEntry entry, const std::string& text);
+  /// Its text in the table of the menu, without the mark of its letter.
+  static std::string TextOf(MenuEntry entry);
+  /// The entries with a tick that outlive a run where the user wants that: those of "Edit" and "Inspect" but for the
+  /// one that says so, and what else the window shows or hides of itself.
+  static std::vector<MenuEntry> Switches();
   /// As if the user had chosen the entry, even if it is inactive.
   void Choose(MenuEntry entry) { picked(&Item(entry)); }
 

@@ -34,7 +34,10 @@ CWindowFrame::~CWindowFrame() = default;
 void CWindowFrame::BuildWidgets() {
   const auto rect = [](Control control) { return RowOf(control).m_Design; };
   const auto [x, y, w, h] = rect(Control::MenuBar);
-  m_pMenu = new CMainMenu(x, y, w, h, [this](MenuEntry entry) { Chosen(entry); });
+  m_pMenu = new CMainMenu(x, y, w, h, [this](MenuEntry entry) {
+    Chosen(entry);
+    ChosenByUser(entry);
+  });
   const CRect left = rect(Control::ImageView);
   m_pImageView = new CImageView(left.x, left.y, left.w, left.h);
   const CRect right = rect(Control::ModelView);

@@ -66,6 +66,8 @@ class CWindowFrame : public Fl_Window, public ModelDisplay, public ViewHost {
 
   /// What an entry of the menu does.
   virtual void Chosen(MenuEntry entry) = 0;
+  /// It was the user who has chosen it, and it is done.
+  virtual void ChosenByUser(MenuEntry entry) = 0;
 
   CControlSet& Controls() { return m_Controls; }
   bool HasPicture() const { return m_bPicture; }

@@ -196,6 +196,8 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       return ImageView().StartHeightsAtLast(Menu().IsChecked(entry));
     case MenuEntry::SaveOverlay:
       return SaveOverlay();
+    case MenuEntry::Remember:
+      return;
     case MenuEntry::SimpleWavelets:
       return GridView().SelectWaveletMode(WaveletMode::Simple);
     default:
@@ -221,7 +223,8 @@ HelpText::Index CImageViewUI::CurrentHelp() const {
     case EditingMode::Curve:
       return m_pGrid->Constraints().PendingCurve().IsIdle() ? HelpText::kCurves : HelpText::kCurveInProgress;
     default:
-      return m_Commands.OffersFit() ? HelpText::kFitOffered : HelpText::kNone;
+      if (m_Commands.OffersFit()) return HelpText::kFitOffered;
+      return m_bFirstStep && !IsBegun() ? HelpText::kFirstStep : HelpText::kNone;
   }
 }
 
@@ -336,6 +339,13 @@ bool CImageViewUI::LoadPicture(const std::string& file) {
 void CImageViewUI::WithdrawOffer() {
   if (HelpLine().CurrentHelp() == HelpText::kFitOffered && !m_Commands.OffersFit())
     HelpLine().SetCurrentHelp(CurrentHelp());
+  if (!m_bFirstStep || !IsBegun()) return;
+  m_bFirstStep = false;
+  if (HelpLine().CurrentHelp() == HelpText::kFirstStep) HelpLine().ReplaceCurrentHelp(CurrentHelp());
+}
+
+bool CImageViewUI::IsBegun() const {
+  return HasPicture() || ImageView().Mode() != EditingMode::Unset || m_pGrid->Gate().Edits() != 0;
 }
 
 void CImageViewUI::PictureTaken(const CProjectPicture& picture) {

@@ -98,6 +98,7 @@ void CImageViewUI::ShowProjectViews(const CProjectViews& views) {
     Menu().SetChecked(row.m_Entry, on);
     Chosen(row.m_Entry);
   }
+  m_Remembered.Look();
   ImageView().SetZoomAndPan(views.m_fZoom, views.m_Pan);
   GridView().SetCamera(CameraOf(views, GridView().Camera()));
   for (const auto& [control, mode] : kModes) {
