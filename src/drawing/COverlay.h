@@ -19,8 +19,9 @@ struct COverlay {
     std::vector<float> m_afValues;
   };
 
-  std::string m_Title;  ///< of the legend
-  std::string m_Unit;   ///< of the values; empty where they have none
+  std::string m_Title;                 ///< of the legend
+  std::vector<std::string> m_asNotes;  ///< lines below the title
+  std::string m_Unit;                  ///< of the values; empty where they have none
   ColourMap m_Map = ColourMap::Perceptual;
   double m_fLow = 0.0;  ///< the values of the ends of the map, in ascending order
   double m_fHigh = 1.0;

@@ -131,10 +131,10 @@ void COverlayPainter::Draw(const CExtent& extent) {
 
 // The map is a texture, so that values and not colours are interpolated.
 void COverlayPainter::DrawTriangles() const {
-  std::array<std::uint8_t, 3 * kMapTexels> map{};
-  for (int k = 0; k < kMapTexels; ++k) {
-    const std::array<std::uint8_t, 3> colour = ColourAt(m_pOverlay->m_Map, k / (kMapTexels - 1.0));
-    std::ranges::copy(colour, map.begin() + std::ptrdiff_t{3} * k);
+  std::array<std::uint8_t, std::size_t{3} * kMapTexels> map{};
+  for (std::size_t k = 0; k < kMapTexels; ++k) {
+    const double place = static_cast<double>(k) / (kMapTexels - 1.0);
+    std::ranges::copy(ColourAt(m_pOverlay->m_Map, place), map.begin() + static_cast<std::ptrdiff_t>(3 * k));
   }
   glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
   glTexImage1D(GL_TEXTURE_1D, 0, GL_RGB, kMapTexels, 0, GL_RGB, GL_UNSIGNED_BYTE, map.data());

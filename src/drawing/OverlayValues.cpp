@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "model/CGrid.h"
 #include "report/CSavedSurface.h"
+#include "report/FloatingRegions.h"
 #include "report/SurfaceHeights.h"
 
 namespace {
@@ -66,5 +69,28 @@ COverlay MisfitOverlay(const CGrid& grid, const CSavedSurface& saved) {
   COverlay overlay = OverPoints(grid, follows ? DifferenceFromReference(grid) : saved.DifferenceOf(grid));
   overlay.m_Title = follows ? "Height over the reference depth" : "Height over the surface last saved";
   SetEvenRange(overlay, kNoise * LargerSide(grid));
+  return overlay;
+}
+
+COverlay FloatingOverlay(const CGrid& grid) {
+  // More would cover the photograph.
+  constexpr std::size_t kMostNotes = 4;
+  const CFreedom freedom = FreedomOf(grid);
+  const std::vector<CFloatingRegion> floating = FloatingRegions(freedom);
+  COverlay overlay =
+      OverPoints(grid, std::vector<double>(grid.Surface().Order().Count(), std::numeric_limits<double>::quiet_NaN()));
+  overlay.m_fLow = 0.0;
+  // Up to 3 there are darker colours than those of constraints and most photographs.
+  overlay.m_fHigh = 6.0;
+  overlay.m_bHasBar = false;
+  for (const CFloatingRegion& region : floating) {
+    for (const std::uint32_t point : freedom.Pieces().PointsOf(region.m_uPiece))
+      overlay.m_afAtPoints[point] = static_cast<double>(region.m_uFree);
+    if (overlay.m_asNotes.size() < kMostNotes) overlay.m_asNotes.push_back(region.m_Missing);
+  }
+  overlay.m_Title = floating.empty()       ? "No region floats"
+                    : floating.size() == 1 ? "1 region floats:"
+                                           : std::to_string(floating.size()) + " regions float:";
+  if (floating.size() > kMostNotes) overlay.m_asNotes.emplace_back("...");
   return overlay;
 }

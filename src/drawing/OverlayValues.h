@@ -15,6 +15,9 @@ COverlay BendingOverlay(const CGrid& grid);
 /// white at 0. Without either nothing is coloured, and the legend says so.
 COverlay MisfitOverlay(const CGrid& grid, const CSavedSurface& saved);
 
+/// The regions that float, by their free directions, of one colour each; the legend says what they need.
+COverlay FloatingOverlay(const CGrid& grid);
+
 /// Colours from -m to m, where m is the largest of the values in amount; at least `least`, so that rounding is no
 /// colour.
 void SetEvenRange(COverlay& overlay, double least);

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -140,6 +141,30 @@ TEST(OverlayValues, SurfaceOfAnotherExtentIsNotCompared) {
   EXPECT_TRUE(saved.IsComparable(test.m_Grid));
   test.m_Grid.Initialize(2, false, 0, 0, 7, 7);
   EXPECT_FALSE(saved.IsComparable(test.m_Grid));
+}
+
+TEST(OverlayValues, FloatingRegionsAreColouredByTheirFreeDirections) {
+  CConvergedGrid test(5, 4);
+  EXPECT_EQ(FloatingOverlay(test.m_Grid).m_Title, "No region floats");
+  test.m_Grid.AddCurve(PointsAt({{3, 22}, {9, 22}, {9, 24.5}, {3, 24.5}}), kTear, true);
+  test.m_Grid.PerformPendingWork();
+  const COverlay overlay = FloatingOverlay(test.m_Grid);
+  EXPECT_EQ(overlay.m_Title, "1 region floats:");
+  // There is a slope in it.
+  EXPECT_EQ(overlay.m_asNotes, std::vector<std::string>{"needs 1 height"});
+  const CLattice& lattice = test.m_Grid.Surface().Lattice();
+  const auto side = static_cast<std::uint32_t>(lattice.PointsPerSide());
+  int inside = 0;
+  for (std::size_t k = 0; k < overlay.m_afAtPoints.size(); ++k) {
+    if (std::isnan(overlay.m_afAtPoints[k])) continue;
+    const std::uint32_t point = test.m_Grid.Surface().Order().PointAtScan(k);
+    const std::uint32_t row = point / side;
+    EXPECT_EQ(overlay.m_afAtPoints[k], 1.0);
+    EXPECT_NEAR(lattice.XOf(point % side), 6, 3.1);
+    EXPECT_NEAR(lattice.YOf(row), 23.25, 1.3);
+    ++inside;
+  }
+  EXPECT_GT(inside, 20);
 }
 
 TEST(OverlayValues, BendingIsTheDensityAndItsColoursLeaveOutTheSharpestPoints) {

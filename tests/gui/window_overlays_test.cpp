@@ -103,6 +103,71 @@ TEST_F(WindowOverlaysTest, MisfitIsNoneRightAfterSaving) {
   EXPECT_TRUE(RunToolkitUntil([this] { return Largest() < 1; }));
 }
 
+TEST_F(WindowOverlaysTest, FloatingRegionsFollowEdits) {
+  Menu().Choose(MenuEntry::FloatingRegions);
+  EXPECT_EQ(Shown()->m_Title, "No region floats");
+  Grid().AddCurve(
+      std::vector{HeightCstr(3, 22, 0), HeightCstr(9, 22, 0), HeightCstr(9, 24.5, 0), HeightCstr(3, 24.5, 0)},
+      CurveType::kPosition, true);
+  Tick();
+  EXPECT_TRUE(RunToolkitUntil([this] { return Shown()->m_Title == "1 region floats:"; }));
+  EXPECT_EQ(Shown()->m_asNotes.front(), "needs 1 height");
+}
+
+TEST_F(WindowOverlaysTest, SettlingIsSwitchedInTheMenu) {
+  Menu().Choose(MenuEntry::SettleFloating);
+  EXPECT_TRUE(Grid().IsSettling());
+  EXPECT_EQ(Shown(), nullptr);
+  Menu().Choose(MenuEntry::SettleFloating);
+  EXPECT_FALSE(Grid().IsSettling());
+}
+
+TEST_F(WindowOverlaysTest, InfluenceIsThatOfTheSelectedConstraint) {
+  m_Window.ImageView().SetMode(EditingMode::Position);
+  ASSERT_TRUE(RunToolkitUntil([this] {
+    Tick();
+    return !Grid().Run().HasPending();
+  }));
+  Menu().Choose(MenuEntry::InfluenceMap);
+  EXPECT_EQ(Shown()->m_Title, "Influence: select a constraint to see it");
+  Grid().SelectPtCstr(10, 22, PtCstrKind::kPosition);
+  ASSERT_TRUE(RunToolkitUntil([this] { return Shown()->m_bHasBar; }));
+  EXPECT_EQ(Shown()->m_Title, "Influence of a height larger by 1");
+  EXPECT_GE(Shown()->m_fHigh, 1.0 - 1e-6);
+  const COverlay* shown = Shown();
+  for (int k = 0; k < 20; ++k) Tick();
+  EXPECT_EQ(Shown(), shown) << "nothing has changed";
+  Menu().Choose(MenuEntry::InfluenceMap);
+  EXPECT_EQ(Shown(), nullptr);
+}
+
+TEST_F(WindowOverlaysTest, InfluenceOfASlopeIsThatOfEitherPart) {
+  m_Window.ImageView().SetMode(EditingMode::Normal);
+  Grid().SelectPtCstr(6, 23.5, PtCstrKind::kNormal);
+  Menu().Choose(MenuEntry::InfluenceMap);
+  ASSERT_TRUE(RunToolkitUntil([this] { return Shown() != nullptr && Shown()->m_bHasBar; }));
+  EXPECT_EQ(Shown()->m_Title, "Influence of a slope dz/dx larger by 1");
+  const std::vector<double> ofX = Shown()->m_afAtPoints;
+  Menu().Choose(MenuEntry::InfluenceMap);
+  EXPECT_TRUE(Menu().IsChecked(MenuEntry::InfluenceMap));
+  ASSERT_TRUE(RunToolkitUntil(
+      [this] { return Shown()->m_bHasBar && Shown()->m_Title == "Influence of a slope dz/dy larger by 1"; }));
+  EXPECT_NE(Shown()->m_afAtPoints, ofX);
+  Menu().Choose(MenuEntry::InfluenceMap);
+  EXPECT_EQ(Shown(), nullptr);
+}
+
+TEST_F(WindowOverlaysTest, CurveWithoutAutoBumpHasNoInfluence) {
+  m_Window.ImageView().SetMode(EditingMode::Curve);
+  Grid().AddCurve(std::vector{HeightCstr(3, 22, 0), HeightCstr(9, 22, 0)}, CurveType::kNormal, false);
+  Tick();
+  Grid().PickCurve(3, 22, CurveType::kNormal);
+  Menu().Choose(MenuEntry::InfluenceMap);
+  ASSERT_TRUE(RunToolkitUntil([this] { return Shown() != nullptr; }));
+  EXPECT_EQ(Shown()->m_Title, "Influence: none, the curve has no auto bump");
+  EXPECT_STREQ(HelpLine().value(), HelpTextOf(HelpText::kNoInfluence));
+}
+
 TEST_F(WindowOverlaysTest, SavesTheOverlayAsPng) {
   ShowWindow();
   Menu().Choose(MenuEntry::Bending);

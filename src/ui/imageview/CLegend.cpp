@@ -98,13 +98,15 @@ void CLegend::Make(Fl_Window& view) {
   fl_font(FL_HELVETICA, Scaled(kFontSize));
   const int line = fl_height();
   int inner = WidthOf(TitleOf(*m_pOverlay));
+  for (const std::string& note : m_pOverlay->m_asNotes) inner = std::max(inner, WidthOf(note));
+  const int text = line * static_cast<int>(1 + m_pOverlay->m_asNotes.size());
   if (m_pOverlay->m_bHasBar) {
     int values = 2 * Scaled(kPadding);
-    for (const std::string& text : ValueTexts(*m_pOverlay)) values += WidthOf(text);
+    for (const std::string& value : ValueTexts(*m_pOverlay)) values += WidthOf(value);
     inner = std::max({inner, values, Scaled(kBarWidth)});
   }
   m_iWidth = inner + 2 * Scaled(kPadding);
-  m_iHeight = line + 2 * Scaled(kPadding);
+  m_iHeight = text + 2 * Scaled(kPadding);
   if (m_pOverlay->m_bHasBar) m_iHeight += Scaled(kBarHeight) + line + Scaled(kPadding) / 2;
   Fl_Image_Surface surface(m_iWidth, m_iHeight);
   surface.set_current();
@@ -125,8 +127,13 @@ void CLegend::Paint(int line, int descent) const {
   fl_color(FL_WHITE);
   fl_font(FL_HELVETICA, Scaled(kFontSize));
   fl_draw(TitleOf(*m_pOverlay).c_str(), left, left + line - descent);
+  int bottom = left + line;
+  for (const std::string& note : m_pOverlay->m_asNotes) {
+    bottom += line;
+    fl_draw(note.c_str(), left, bottom - descent);
+  }
   if (!m_pOverlay->m_bHasBar) return;
-  const int top = left + line + left / 2;
+  const int top = bottom + left / 2;
   for (int x = 0; x < inner; ++x) {
     const auto [red, green, blue] = ColourAt(m_pOverlay->m_Map, x / (inner - 1.0));
     fl_rectf(left + x, top, 1, Scaled(kBarHeight), red, green, blue);

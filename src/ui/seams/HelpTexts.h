@@ -56,6 +56,7 @@ inline constexpr std::array kHelpTexts{
     "%1 heights placed along the curve",
     "%1 heights placed along the curve, %2 left out",
     "Open a photograph (Alt+Shift+O, or drop it here), choose Position constraint, and click",
+    "This curve has no influence of its own: only heights, slopes and curves with auto bump have one",
 };
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
@@ -91,6 +92,7 @@ enum Index : int {
   kHeightsAlong = 38,     ///< how many have been placed
   kHeightsAlongBut = 39,  ///< and how many would have had no effect
   kFirstStep = 40,        ///< what to do at the start
+  kNoInfluence = 41,
 };
 }  // namespace HelpText
 

@@ -13,6 +13,9 @@ class OverlaySource {
   /// The overlay as it is now; null where it is what this has answered last since `Begin`. That must be cheap to find
   /// out. Called between two events, when the leaves of the tree are listed.
   virtual std::shared_ptr<const COverlay> Update() = 0;
+  /// Whether the answer is still being worked out: it is then asked without a pause, and works for a few milliseconds
+  /// each time.
+  virtual bool IsBusy() const { return false; }
   /// Its overlay is to be shown from now on: the next answer is not null.
   virtual void Begin() = 0;
   /// It is shown no more: another one is, or none.

@@ -98,7 +98,9 @@ void CImageViewUI::AttachGrid(CGrid& grid) {
   GridView().SelectWaveletMode(WaveletMode::New);
   ShowCounts(*m_pGrid);
   GridView().EnableEvents();
-  m_OverlayEntries.emplace(grid, Menu(), m_Overlays);
+  m_OverlayEntries.emplace(grid, Menu(), m_Overlays,
+                           CInfluenceOverlay::CWindow{[this] { return ImageView().Mode() == EditingMode::Normal; },
+                                                      [this](const std::string& text) { Tell(text); }});
 }
 
 void CImageViewUI::RestoreSwitches() {

@@ -1,9 +1,6 @@
 #include "ui/window/COverlayEntries.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <functional>
-#include <optional>
 #include <utility>
 
 #include "drawing/COverlay.h"
@@ -11,57 +8,17 @@
 #include "model/CGrid.h"
 #include "ui/window/COverlays.h"
 
-namespace {
-
-// Whether tree, numbering and system belong to the constraints as they are.
-bool IsWhole(const CGrid& grid) { return grid.Solver().Counter() >= 0 && !grid.Run().HasPending(); }
-
-}  // namespace
-
-/// One entry: its overlay is made anew for another surface.
-class COverlayEntries::CEntry : public OverlaySource {
- public:
-  using Make = std::function<COverlay()>;
-
-  CEntry(MenuEntry entry, const CGrid& grid, CMainMenu& menu, Make make)
-      : m_Entry(entry), m_Grid(grid), m_Menu(menu), m_Make(std::move(make)) {}
-
-  MenuEntry Entry() const { return m_Entry; }
-  void MakeAnew() { m_Stamp.reset(); }
-
-  std::shared_ptr<const COverlay> Update() override {
-    const CStamp now{m_Grid.Surface().Tree().Revision(), m_Grid.Surface().Revision()};
-    if (m_Stamp == now || !IsWhole(m_Grid)) return nullptr;
-    m_Stamp = now;
-    return std::make_shared<const COverlay>(m_Make());
-  }
-  void Begin() override {
-    MakeAnew();
-    m_Menu.SetChecked(m_Entry, true);
-  }
-  void End() override { m_Menu.SetChecked(m_Entry, false); }
-
- private:
-  struct CStamp {
-    std::uint64_t m_uTree;
-    std::uint64_t m_uSurface;
-    bool operator==(const CStamp&) const = default;
-  };
-
-  MenuEntry m_Entry;
-  const CGrid& m_Grid;
-  CMainMenu& m_Menu;
-  Make m_Make;
-  std::optional<CStamp> m_Stamp;  ///< of what was made last
-};
-
-COverlayEntries::COverlayEntries(CGrid& grid, CMainMenu& menu, COverlays& overlays)
+COverlayEntries::COverlayEntries(CGrid& grid, CMainMenu& menu, COverlays& overlays, CInfluenceOverlay::CWindow window)
     : m_Grid(grid), m_Menu(menu), m_Overlays(overlays) {
-  const auto add = [this](MenuEntry entry, CEntry::Make make) {
-    m_apEntries.push_back(std::make_unique<CEntry>(entry, m_Grid, m_Menu, std::move(make)));
+  const auto add = [this](MenuEntry entry, const CPlainOverlay::Revision& revision, const CPlainOverlay::Make& make) {
+    m_apEntries.push_back(std::make_unique<CPlainOverlay>(entry, m_Menu, m_Grid, revision, make));
   };
-  add(MenuEntry::Misfit, [this] { return MisfitOverlay(m_Grid, m_Saved); });
-  add(MenuEntry::Bending, [this] { return BendingOverlay(m_Grid); });
+  const auto surface = [this] { return m_Grid.Surface().Revision(); };
+  const auto edits = [this] { return m_Grid.Gate().Edits(); };
+  add(MenuEntry::FloatingRegions, edits, [this] { return FloatingOverlay(m_Grid); });
+  m_apEntries.push_back(std::make_unique<CInfluenceOverlay>(m_Menu, m_Grid, std::move(window)));
+  add(MenuEntry::Misfit, surface, [this] { return MisfitOverlay(m_Grid, m_Saved); });
+  add(MenuEntry::Bending, surface, [this] { return BendingOverlay(m_Grid); });
 }
 
 COverlayEntries::~COverlayEntries() {
@@ -69,14 +26,20 @@ COverlayEntries::~COverlayEntries() {
 }
 
 bool COverlayEntries::Chosen(MenuEntry entry) {
-  const auto found = std::ranges::find(m_apEntries, entry, [](const auto& source) { return source->Entry(); });
+  const auto found = std::ranges::find(m_apEntries, entry, [](const auto& overlay) { return overlay->Entry(); });
   if (found == m_apEntries.end()) return false;
   if (m_Menu.IsChecked(entry)) {
     m_Overlays.Show(found->get());
+  } else if ((*found)->ShowsMore()) {
+    m_Menu.SetChecked(entry, true);
   } else {
     m_Overlays.Hide(**found);
   }
   return true;
+}
+
+void COverlayEntries::MakeAnew() {
+  for (const auto& entry : m_apEntries) entry->MakeAnew();
 }
 
 // At once where it can be, as the tick under way may go on to change it.
@@ -88,12 +51,12 @@ void COverlayEntries::SurfaceSaved() {
 void COverlayEntries::SurfaceReplaced() {
   m_Saved.Forget();
   m_bTakeDue = false;
-  for (const auto& entry : m_apEntries) entry->MakeAnew();
+  MakeAnew();
 }
 
 void COverlayEntries::Follow() {
   if (!m_bTakeDue || !IsWhole(m_Grid)) return;
   m_bTakeDue = false;
   m_Saved.Take(m_Grid);
-  for (const auto& entry : m_apEntries) entry->MakeAnew();
+  MakeAnew();
 }

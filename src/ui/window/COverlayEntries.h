@@ -4,17 +4,16 @@
 #include <vector>
 
 #include "report/CSavedSurface.h"
-#include "ui/seams/OverlaySource.h"
-#include "ui/window/CMainMenu.h"
+#include "ui/window/CInfluenceOverlay.h"
 
 class CGrid;
 class COverlays;
 
-/// The overlays that entries of the menu show: what makes them, and the ticks before the entries.
+/// The overlays that entries of the menu show.
 class COverlayEntries {
  public:
   /// All of them must outlive the object.
-  COverlayEntries(CGrid& grid, CMainMenu& menu, COverlays& overlays);
+  COverlayEntries(CGrid& grid, CMainMenu& menu, COverlays& overlays, CInfluenceOverlay::CWindow window);
   ~COverlayEntries();
   COverlayEntries(const COverlayEntries&) = delete;
   COverlayEntries& operator=(const COverlayEntries&) = delete;
@@ -30,12 +29,12 @@ class COverlayEntries {
   void Follow();
 
  private:
-  class CEntry;
+  void MakeAnew();
 
   CGrid& m_Grid;
   CMainMenu& m_Menu;
   COverlays& m_Overlays;
   CSavedSurface m_Saved;
   bool m_bTakeDue = false;  ///< the surface is to be kept as soon as it is whole
-  std::vector<std::unique_ptr<CEntry>> m_apEntries;
+  std::vector<std::unique_ptr<CMenuOverlay>> m_apEntries;
 };

@@ -19,7 +19,10 @@ constexpr double kShare = 4;  // of pauses to work
 COverlays::COverlays(std::function<void(std::shared_ptr<const COverlay>)> show, std::function<double()> now)
     : m_Show(std::move(show)), m_Now(std::move(now)) {}
 
-COverlays::~COverlays() { Fl::remove_timeout(cb_Wake, this); }
+COverlays::~COverlays() {
+  Fl::remove_timeout(cb_Wake, this);
+  Fl::remove_idle(cb_Wake, this);
+}
 
 void COverlays::Show(OverlaySource* source) {
   if (source == m_pSource) return;
@@ -27,11 +30,9 @@ void COverlays::Show(OverlaySource* source) {
   m_fNext = -std::numeric_limits<double>::infinity();
   if (source != nullptr) source->Begin();
   if (before != nullptr) before->End();
-  if (source == nullptr) {
-    m_Show(nullptr);
-  } else {
-    Follow();
-  }
+  // Until there is something to show.
+  m_Show(nullptr);
+  Follow();
 }
 
 void COverlays::Hide(const OverlaySource& source) {
@@ -39,9 +40,21 @@ void COverlays::Hide(const OverlaySource& source) {
 }
 
 void COverlays::Follow() {
+  Ask();
+  // The toolkit does not wait for events while there is something to work out.
+  const bool busy = m_pSource != nullptr && m_pSource->IsBusy();
+  if (busy == (Fl::has_idle(cb_Wake, this) != 0)) return;
+  if (busy) {
+    Fl::add_idle(cb_Wake, this);
+  } else {
+    Fl::remove_idle(cb_Wake, this);
+  }
+}
+
+void COverlays::Ask() {
   if (m_pSource == nullptr) return;
   const double began = m_Now();
-  if (began < m_fNext) {
+  if (began < m_fNext && !m_pSource->IsBusy()) {
     // The toolkit may have nothing else to go round for.
     if (Fl::has_timeout(cb_Wake, this) == 0) Fl::add_timeout(m_fNext - began, cb_Wake, this);
     return;

@@ -9,7 +9,8 @@ struct COverlay;
 /// The overlays of the image view, of which at most one is shown: beginning one ends the one before.
 ///
 /// The source of the one that is shown is asked once per round of the toolkit, but after an answer not before a fifth
-/// of a second has passed, and four times as long as the answer took: the solver must not wait for colours.
+/// of a second has passed, and four times as long as the answer took: the solver must not wait for colours. One that
+/// is still at work is asked in every round.
 class COverlays {
  public:
   /// `show` brings an overlay, or null for none, to the view; `now` is the time in seconds, from any start.
@@ -27,6 +28,7 @@ class COverlays {
   void Follow();
 
  private:
+  void Ask();
   static void cb_Wake(void* data);
 
   std::function<void(std::shared_ptr<const COverlay>)> m_Show;

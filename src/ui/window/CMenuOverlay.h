@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <utility>
+
+#include "ui/seams/OverlaySource.h"
+#include "ui/window/CMainMenu.h"
+
+class CGrid;
+
+/// An overlay that an entry of the menu shows, whose tick follows it.
+class CMenuOverlay : public OverlaySource {
+ public:
+  /// The menu must outlive the object.
+  CMenuOverlay(MenuEntry entry, CMainMenu& menu) : m_Entry(entry), m_Menu(menu) {}
+
+  /// The entry that shows it.
+  MenuEntry Entry() const { return m_Entry; }
+  /// What it was made of has changed in a way that it does not look for.
+  virtual void MakeAnew() = 0;
+  /// The entry has been chosen while the overlay is shown: whether it goes on, with something else.
+  virtual bool ShowsMore() { return false; }
+
+  void Begin() override {
+    MakeAnew();
+    m_Menu.SetChecked(m_Entry, true);
+  }
+  void End() override { m_Menu.SetChecked(m_Entry, false); }
+
+ private:
+  MenuEntry m_Entry;
+  CMainMenu& m_Menu;
+};
+
+/// Whether tree, numbering and system of a grid belong to its constraints as they are.
+bool IsWhole(const CGrid& grid);
+
+/// One that is made at once, whenever a number that stands for the model has changed: a surface is another, or an edit
+/// was made.
+class CPlainOverlay : public CMenuOverlay {
+ public:
+  using Make = std::function<COverlay()>;
+  using Revision = std::function<std::uint64_t()>;
+
+  /// `grid` must outlive the object; `revision` is looked at beside the revision of its tree.
+  CPlainOverlay(MenuEntry entry, CMainMenu& menu, const CGrid& grid, Revision revision, Make make)
+      : CMenuOverlay(entry, menu), m_Grid(grid), m_Revision(std::move(revision)), m_Make(std::move(make)) {}
+
+  std::shared_ptr<const COverlay> Update() override;
+  void MakeAnew() override { m_Made.reset(); }
+
+ private:
+  const CGrid& m_Grid;
+  Revision m_Revision;
+  Make m_Make;
+  std::optional<std::pair<std::uint64_t, std::uint64_t>> m_Made;  ///< tree and revision of what was made last
+};
