@@ -72,6 +72,7 @@ const auto kEntries = std::to_array<CExpectedEntry>({
   {"Edi&t/Re&member Window and Switches", MenuEntry::Remember, 0, Toggle},
   {"&Inspect/Close the &gaps of tears", MenuEntry::ClosedTears, 0, Toggle},
   {"&Inspect/Continue &behind tears", MenuEntry::BehindTears, 0, Toggle},
+  {"&Inspect/Show &coordinates", MenuEntry::Coordinates, 0, Toggle},
   {"&Inspect/Show &floating regions", MenuEntry::FloatingRegions, 0, Toggle},
   {"&Inspect/Se&ttle floating regions", MenuEntry::SettleFloating, 0, Toggle},
   {"&Inspect/Show &Influence", MenuEntry::InfluenceMap, 0, Toggle},

@@ -152,6 +152,24 @@ TEST(WindowLayoutTest, ViewsTakeTheRoomThatIsLeft) {
   EXPECT_EQ(viewHeight(660, false, false), 505);
 }
 
+TEST(WindowLayoutTest, CoordinatesTakeEighteenPixelsFromTheViewsAndNothingElse) {
+  for (const double scale : {1.0, 2.0}) {
+    CLayoutOptions options{static_cast<int>(870 * scale), static_cast<int>(660 * scale), scale};
+    const CWindowLayout without = ComputeLayout(options);
+    EXPECT_EQ(without.m_Coordinates.h, 0);
+    options.m_bCoordinates = true;
+    const CWindowLayout with = ComputeLayout(options);
+    for (const CControlRow& row : kControls) {
+      const bool view = row.m_Control == Control::ImageView || row.m_Control == Control::ModelView;
+      CRect expected = without.Of(row.m_Control);
+      if (view) expected.h -= static_cast<int>(18 * scale);
+      EXPECT_EQ(with.Of(row.m_Control), expected) << row.m_pLabel;
+      EXPECT_FALSE(Overlap(with.m_Coordinates, with.Of(row.m_Control)) && row.m_Parent == Control::Window);
+    }
+    EXPECT_GE(with.m_Coordinates.h, 15 * scale);
+  }
+}
+
 TEST(WindowLayoutTest, LowWindowsLoseTheViewsFirstAndThenTheBottom) {
   const int fits = FittingHeight({});
   EXPECT_EQ(fits, 230);

@@ -280,7 +280,9 @@ int CImageView::handle(int event) {
   UpdateMapping();
   if (event == FL_ENTER || event == FL_PUSH) take_focus();
   ShowPointer();
-  if (HandleWheelZoom(event) || HandleUsed(event) || HandleViewMove(event)) return 1;
+  const bool used = HandleWheelZoom(event) || HandleUsed(event) || HandleViewMove(event);
+  if (m_pHost->ShowsCoordinates()) ShowCoordinates(event);
+  if (used) return 1;
   const bool kept =
       event == FL_ENTER || event == FL_LEAVE || event == FL_MOVE || (event == FL_KEYBOARD && IsNavigationKey());
   return kept ? 1 : Fl_Gl_Window::handle(event);
@@ -297,6 +299,13 @@ void CImageView::ShowPointer() {
   m_Debug.Look(*m_pGrid, m_uDebugFlags, m_Mapping.ToModel(x, y), *m_pHost);
   redraw();
   m_pHost->RedrawModelView();
+}
+
+// Keys come from anywhere, and with places of other windows.
+void CImageView::ShowCoordinates(int event) const {
+  if (event == FL_KEYBOARD) return;
+  const CPlanePoint place = m_Mapping.ToModel(Fl::event_x(), Fl::event_y());
+  m_pHost->ShowCoordinates(event == FL_LEAVE ? nullptr : &place);
 }
 
 bool CImageView::HandleUsed(int event) {

@@ -109,6 +109,7 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   void UpdateMapping();
   void Unselect();
   void ShowPointer();
+  void ShowCoordinates(int event) const;
   bool HandleUsed(int event);
   bool HandleWheelZoom(int event);
   bool HandleViewMove(int event);

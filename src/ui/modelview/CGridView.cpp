@@ -5,6 +5,7 @@
 
 #include <FL/Fl.H>
 
+#include "base/CPlanePoint.h"
 #include "base/Console.h"
 #include "drawing/CSampledBuffer.h"
 #include "drawing/CTextures.h"
@@ -127,6 +128,12 @@ int CGridView::handle(int event) {
     Console() << "Default:\n";
     return Fl_Gl_Window::handle(event);
   }
+  const int handled = HandleInput(event);
+  if (m_pGrid != nullptr && m_pHost->ShowsCoordinates()) ShowCoordinates(event);
+  return handled;
+}
+
+int CGridView::HandleInput(int event) {
   switch (event) {
     case FL_ENTER:
       m_pHost->ShowHelp(HelpText::kModelView);
@@ -162,12 +169,38 @@ bool CGridView::HandleWheelZoom() {
   return true;
 }
 
-// Beside the surface it is one as deep as the centre.
-Vector3 CGridView::PointUnderMouse() const {
-  const CSurface& surface = m_pGrid->Surface();
-  const CSightLine line = m_Camera.SightLine(Fl::event_x(), Fl::event_y(), w(), h(), Shown());
-  return FirstSeen(surface.Interpolation(), line, surface.MinHeight(), surface.MaxHeight()).value_or(line.m_Point);
+void CGridView::ShowCoordinates(int event) const {
+  switch (event) {
+    case FL_ENTER:
+    case FL_MOVE:
+    case FL_PUSH:
+    case FL_DRAG:
+    case FL_RELEASE:
+    case FL_MOUSEWHEEL:
+      if (const std::optional<Vector3> point = SurfaceUnderMouse()) {
+        const CPlanePoint place{point->x, point->y};
+        return m_pHost->ShowCoordinates(&place);
+      }
+      return m_pHost->ShowCoordinates(nullptr);
+    case FL_LEAVE:
+      return m_pHost->ShowCoordinates(nullptr);
+    default:
+      return;
+  }
 }
+
+CSightLine CGridView::LineUnderMouse() const {
+  return m_Camera.SightLine(Fl::event_x(), Fl::event_y(), w(), h(), Shown());
+}
+
+// From above or from below; nothing beside it.
+std::optional<Vector3> CGridView::SurfaceUnderMouse() const {
+  const CSurface& surface = m_pGrid->Surface();
+  return FirstSeen(surface.Interpolation(), LineUnderMouse(), surface.MinHeight(), surface.MaxHeight());
+}
+
+// Beside the surface it is one as deep as the centre.
+Vector3 CGridView::PointUnderMouse() const { return SurfaceUnderMouse().value_or(LineUnderMouse().m_Point); }
 
 void CGridView::MoveView(ViewMove move) {
   if (m_pGrid == nullptr) return;

@@ -79,6 +79,10 @@ class CGridView : public Fl_Gl_Window {
   CHalfSizes Shown() const;
   bool IsProportional() const { return (m_View.m_uFlags & ModelFlag::kProportions) != 0; }
   bool HandleWheelZoom();
+  int HandleInput(int event);
+  void ShowCoordinates(int event) const;
+  CSightLine LineUnderMouse() const;
+  std::optional<Vector3> SurfaceUnderMouse() const;
   Vector3 PointUnderMouse() const;
   void BeginDrag();
   void Drag();

@@ -52,6 +52,10 @@ class ViewHost {
   virtual int CurrentLight() const { return -1; }
   /// A drag has turned lights of the grid: what was computed from them is out of date.
   virtual void LightsMoved() {}
+  /// Whether the place under the mouse is shown; the mouse is over a place of the model (model units), or over none of
+  /// it where this is null.
+  virtual bool ShowsCoordinates() const { return false; }
+  virtual void ShowCoordinates(const CPlanePoint* /*place*/) {}
   /// A message box that the user has to acknowledge; ends every drag.
   virtual void Notice(const char* text) = 0;
 };

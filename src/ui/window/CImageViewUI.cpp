@@ -15,6 +15,7 @@
 #include "ui/imageview/CImageView.h"
 #include "ui/modelview/CGridView.h"
 #include "ui/seams/UiScale.h"
+#include "ui/window/CCoordinateLine.h"
 #include "ui/window/CHelpLine.h"
 #include "ui/window/ControlWidgets.h"
 #include "ui/window/WindowLayout.h"
@@ -183,6 +184,10 @@ void CImageViewUI::EditCurveAttributes(const CPlanePoint& place) {
 
 void CImageViewUI::LightsMoved() {
   if (m_Services.m_LightsMoved) m_Services.m_LightsMoved();
+}
+
+void CImageViewUI::ShowCoordinates(const CPlanePoint* place) {
+  if (m_pGrid != nullptr) CoordinateLine().Show(*m_pGrid, place);
 }
 
 void CImageViewUI::ShowSolverRunning(bool running) {

@@ -82,6 +82,7 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   void EditCurveAttributes(const CPlanePoint& place) override;
   int CurrentLight() const override { return m_Services.m_CurrentLight ? m_Services.m_CurrentLight() : -1; }
   void LightsMoved() override;
+  void ShowCoordinates(const CPlanePoint* place) override;
 
   // Questions to the user, for all of them. Every dialog ends the drag under way.
 

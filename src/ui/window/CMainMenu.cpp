@@ -94,6 +94,7 @@ constexpr auto kRows = std::to_array<CMenuRow>({
   {Menu, "&Inspect", 0, {}},
   {Toggle, "Close the &gaps of tears", 0, MenuEntry::ClosedTears},
   {Toggle, "Continue &behind tears", 0, MenuEntry::BehindTears},
+  {Toggle, "Show &coordinates", 0, MenuEntry::Coordinates},
   {Toggle, "Show &floating regions", 0, MenuEntry::FloatingRegions},
   {Toggle, "Se&ttle floating regions", 0, MenuEntry::SettleFloating},
   {Toggle, "Show &Influence", 0, MenuEntry::InfluenceMap},

@@ -56,6 +56,7 @@ enum class MenuEntry {
   BehindTears,
   KeepProportions,
   ReferenceDepth,
+  Coordinates,
   FloatingRegions,
   SettleFloating,
   InfluenceMap,

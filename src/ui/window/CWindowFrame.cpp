@@ -11,11 +11,14 @@
 #include "ui/imageview/CImageView.h"
 #include "ui/modelview/CGridView.h"
 #include "ui/seams/UiScale.h"
+#include "ui/window/CCoordinateLine.h"
 #include "ui/window/CHelpLine.h"
 #include "ui/window/ControlWidgets.h"
 #include "ui/window/WindowLayout.h"
 
 namespace {
+
+constexpr int kCoordinateSize = 11;  // of letters, pixels of the design
 
 int Scaled(int length, double scale) { return static_cast<int>(std::lround(length * scale)); }
 
@@ -65,16 +68,22 @@ void CWindowFrame::BuildWidgets() {
     m_Controls.Add(row, *widget, *this);
   }
   static_cast<Fl_Output&>(Widget(Control::CentreName)).value("Center");
+  m_pCoordinates = new CCoordinateLine;
+  add(m_pCoordinates);
 }
 
 void CWindowFrame::Relayout() {
-  const CWindowLayout layout = ComputeLayout({w(), h(), m_fScale, ShowsDebugZone(), m_bHelpLine, m_bPicture});
+  const CWindowLayout layout =
+      ComputeLayout({w(), h(), m_fScale, ShowsDebugZone(), m_bHelpLine, m_bPicture, m_bCoordinates});
   Widget(Control::ResetImageView).label(layout.m_bRoomyReset ? "Reset\nthe 2D view" : "Reset\nthe\n2D view");
   for (const CControlRow& row : kControls) {
     const CRect& rect = layout.Of(row.m_Control);
     Widget(row.m_Control).resize(rect.x, rect.y, rect.w, rect.h);
   }
   SetTextSizes(m_Controls.Widgets(), m_fScale);
+  const CRect& line = layout.m_Coordinates;
+  m_pCoordinates->resize(line.x, line.y, line.w, line.h);
+  m_pCoordinates->labelsize(Scaled(kCoordinateSize, m_fScale));
   redraw();
 }
 
@@ -91,6 +100,12 @@ void CWindowFrame::ShowPictureControls() {
 void CWindowFrame::ShowHelpLine(bool show) {
   m_bHelpLine = show;
   m_Controls.Show(Control::HelpLine, show);
+  Relayout();
+}
+
+void CWindowFrame::ShowCoordinateLine(bool show) {
+  m_bCoordinates = show;
+  show ? m_pCoordinates->show() : m_pCoordinates->hide();
   Relayout();
 }
 

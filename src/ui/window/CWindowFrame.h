@@ -10,6 +10,7 @@
 #include "ui/window/CMainMenu.h"
 
 class CGrid;
+class CCoordinateLine;
 class CGridView;
 class CHelpLine;
 class CImageView;
@@ -28,6 +29,7 @@ class CWindowFrame : public Fl_Window, public ModelDisplay, public ViewHost {
   CGridView& GridView() const { return *m_pGridView; }
   CMainMenu& Menu() const { return *m_pMenu; }
   CHelpLine& HelpLine() const { return *m_pHelpLine; }
+  CCoordinateLine& CoordinateLine() const { return *m_pCoordinates; }
   Fl_Widget& Widget(Control control) { return m_Controls.Widget(control); }
 
   void resize(int x, int y, int w, int h) override;
@@ -60,6 +62,7 @@ class CWindowFrame : public Fl_Window, public ModelDisplay, public ViewHost {
   void ShowPointerInside(bool inside) override;
   void ShowInfluence(double value) override;
   void ShowNumber(int number, int levelCode) override;
+  bool ShowsCoordinates() const override { return m_bCoordinates; }
 
  protected:
   CWindowFrame();
@@ -74,6 +77,7 @@ class CWindowFrame : public Fl_Window, public ModelDisplay, public ViewHost {
   /// Makes room for what works on a picture.
   void ShowPictureControls();
   void ShowHelpLine(bool show);
+  void ShowCoordinateLine(bool show);
   void ShowDebugZone(bool show);
   /// The numbers of a model.
   void ShowCounts(const CGrid& grid);
@@ -88,6 +92,8 @@ class CWindowFrame : public Fl_Window, public ModelDisplay, public ViewHost {
   CImageView* m_pImageView = nullptr;
   CGridView* m_pGridView = nullptr;
   CHelpLine* m_pHelpLine = nullptr;
+  CCoordinateLine* m_pCoordinates = nullptr;
   bool m_bHelpLine = true;
+  bool m_bCoordinates = false;
   bool m_bPicture = false;
 };

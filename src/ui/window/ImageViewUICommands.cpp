@@ -194,6 +194,9 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       return OpenTool(Tool::HeightsAlongCurve);
     case MenuEntry::NewHeightsAtLast:
       return ImageView().StartHeightsAtLast(Menu().IsChecked(entry));
+    case MenuEntry::Coordinates:
+      ShowCoordinates(nullptr);
+      return ShowCoordinateLine(Menu().IsChecked(entry));
     case MenuEntry::SettleFloating:
       if (m_pGrid != nullptr) m_pGrid->SetSettling(Menu().IsChecked(entry));
       return;

@@ -14,6 +14,7 @@ constexpr int kPanelBottom = 636;
 constexpr int kPanelBottomWithoutDebugZone = 584;
 constexpr int kHelpLineBottom = 659;
 constexpr int kMargin = 1;  // below the lowest bar
+constexpr int kCoordinates = 18;
 
 // Shares of the columns in the two lower panels, and the pixels between and around them.
 constexpr float kConstraintsShare = 163.0F / 421.0F;
@@ -47,6 +48,7 @@ class CLayouter {
   /// The control in the design as it is with these bars and tools, so that only stretching is left to do.
   CRect Arranged(const CControlRow& row) const;
   CRect View(Control control) const;
+  CRect Coordinates() const;
   CRect Bar(int top, int bottom) const;
   int BelowViews(int y) const { return m_iViewBottom + Rounded((y - kViewBottom) * m_Options.m_fScale); }
 
@@ -109,7 +111,13 @@ CRect CLayouter::View(Control control) const {
   const int width = half - Scaled(3) - Scaled(2);
   const int left = control == Control::ImageView ? Scaled(2) : m_Options.m_iWidth - Scaled(2) - width;
   const int top = Scaled(kViewTop);
-  return {left, top, width, m_iViewBottom - top};
+  const int line = m_Options.m_bCoordinates ? Scaled(kCoordinates) : 0;
+  return {left, top, width, std::max(0, m_iViewBottom - line - top)};
+}
+
+CRect CLayouter::Coordinates() const {
+  const CRect view = View(Control::ImageView);
+  return {view.x, view.Bottom() + 1, m_Options.m_iWidth - 2 * view.x, std::max(0, m_iViewBottom - view.Bottom() - 1)};
 }
 
 CRect CLayouter::Bar(int top, int bottom) const { return {0, top, m_Options.m_iWidth, bottom - top}; }
@@ -133,6 +141,7 @@ CWindowLayout CLayouter::Layout() const {
       rect = View(row.m_Control);
     }
   }
+  if (m_Options.m_bCoordinates) layout.m_Coordinates = Coordinates();
   const CRect& reset = layout.Of(Control::ResetImageView);
   const CRect& design = RowOf(Control::ResetImageView).m_Design;
   layout.m_bRoomyReset = reset.w > Scaled(design.w) || reset.h > Scaled(design.h);

@@ -12,11 +12,14 @@ struct CLayoutOptions {
   bool m_bDebugZone = true;
   bool m_bHelpLine = true;
   bool m_bPictureLoaded = false;  ///< the tools that need a picture have a row of their own each
+  bool m_bCoordinates = false;    ///< the views leave 18 pixels of the design to a line below them
 };
 
 /// Where every control lies.
 struct CWindowLayout {
   std::array<CRect, kControlCount> m_aRects;
+  /// The line below the views; of no height where there is none.
+  CRect m_Coordinates{};
   /// Whether "Reset the 2D view" has more room than in the design, where its label takes three lines.
   bool m_bRoomyReset = false;
 
