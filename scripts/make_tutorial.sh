@@ -17,6 +17,8 @@ start_display
 
 say "making the first cup"
 build/release/tests/make_tutorial first "$results"
+say "making the lip of a cup in two ways"
+build/release/tests/make_tutorial along "$results"
 for model in coffee cat; do
   say "making the $model"
   build/release/tests/make_tutorial "$model" "$results"

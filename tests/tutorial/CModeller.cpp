@@ -137,6 +137,29 @@ void CModeller::Raise(const std::vector<CHeight>& heights) const {
   }
 }
 
+void CModeller::RaiseAlong(CPixel node, int count, int height, const std::string& beside,
+                           const std::string& shot) const {
+  const std::string title = "Heights along a curve";
+  ClickOn(Control::CurveConstraint);
+  m_User.ClickAt(m_User.OnPhotograph(node));
+  m_User.ChooseEntry(MenuTitle::Edit, "h");
+  const auto panel = m_Program.WaitForWindow(title);
+  Expect(panel.has_value() && WaitUntil([&] { return m_Program.Screen().HasFocus(*panel); }), title);
+  for (const int number : {count, height, height}) {
+    ::PressKey("ctrl+a");
+    TypeText(std::to_string(number));
+    ::PressKey("Tab");
+  }
+  // Over "Follow the surface" and the side.
+  for (int field = 0; field < 2; ++field) ::PressKey("Tab");
+  ::PressKey("ctrl+a");
+  TypeText(beside);
+  Expect(m_Program.Rests(), title);
+  if (!shot.empty()) Shoot(shot);
+  m_User.Type("Return");
+  Expect(m_User.Reads(std::to_string(count) + " heights placed along the curve"), title);
+}
+
 void CModeller::PutUpright(const std::vector<CPixel>& places) const {
   ClickOn(Control::NormalConstraint);
   for (const CPixel place : places) m_User.ClickAt(m_User.OnPhotograph(place));

@@ -27,6 +27,9 @@ class CModeller {
   /// Traces with the scissors. `shot` names the picture of their window, if any.
   void Trace(const std::vector<CTrace>& traces, const std::string& shot = "") const;
   void Raise(const std::vector<CHeight>& heights) const;
+  /// Selects the curve that has a node at a pixel of the picture and places so many heights of one value along it, so
+  /// far to its left. `shot` names the picture of the panel, if any.
+  void RaiseAlong(CPixel node, int count, int height, const std::string& beside, const std::string& shot = "") const;
   void PutUpright(const std::vector<CPixel>& places) const;
   /// Sets the weight of a fair line that passes through a pixel of the picture. `shot` names the picture of the dialog.
   void SetCurvatureWeight(CPixel onCurve, const std::string& weight, const std::string& shot) const;
