@@ -291,6 +291,92 @@ TEST_F(ScissorsViewTest, SignsOfTheNumberPadZoomToo) {
   EXPECT_TRUE(TypeUntil("ctrl+KP_Subtract", [&] { return m_View.Viewport().Zoom() == 1; }));
 }
 
+TEST_F(ScissorsViewTest, WholeLargePictureIsShownReducedAndTracedAsItIs) {
+  OpenWith(TopDownImageOf(1780, 1000, [](int x, int /*y*/) { return std::array{x % 4 == 0 ? 200 : 0, 80, 99}; }));
+  Point({100, 50});
+  ASSERT_TRUE(TypeUntil("ctrl+0", [&] { return m_View.Viewport().Reduction() == 4; }));
+  EXPECT_TRUE(SeesAt({300, 200}, {50, 80, 99}));
+  EXPECT_TRUE(SeesAt({300, 251}, kBackground));
+  ClickAt({100, 50});
+  EXPECT_EQ(Contours().Seed(), (CPixelPosition{402, 202}));
+  ClickAt({110, 50});
+  EXPECT_EQ(Contours().Seed(), (CPixelPosition{442, 202}));
+  EXPECT_GT(Contours().InProgress().m_aPixels.size(), 40U);
+  EXPECT_TRUE(SeesAt({105, 50}, kInProgress));
+  Point({100, 60});
+  ASSERT_TRUE(TypeUntil("ctrl+0", [&] { return m_View.Viewport().Reduction() == 1; }));
+  EXPECT_EQ(m_View.Viewport().PixelAt(100, 60), (CPixelPosition{402, 242}));
+}
+
+TEST_F(ScissorsViewTest, FromTheReducedPictureKeysLeadToZoomOneOnly) {
+  OpenWith(RandomTopDownImage(900, 800, 3));
+  Point({100, 50});
+  ASSERT_TRUE(TypeUntil("ctrl+0", [&] { return m_View.Viewport().Reduction() == 3; }));
+  PressKey("ctrl+minus");
+  ASSERT_TRUE(TypeUntil("ctrl+equal", [&] { return m_View.Viewport().Reduction() == 1; }));
+  EXPECT_EQ(m_View.Viewport().Zoom(), 1);
+  EXPECT_EQ(m_View.Viewport().PixelAt(100, 50), (CPixelPosition{301, 151}));
+}
+
+TEST_F(ScissorsViewTest, WheelWithCtrlZoomsAroundTheMouse) {
+  OpenWith(RandomTopDownImage(900, 800, 3));
+  Point({200, 160});
+  const auto turn = [this](int button, const char* keys) {
+    HoldKeys(keys);
+    Click(OnScreen({200, 160}), button);
+    LetGoOfKeys(keys);
+  };
+  turn(4, "ctrl");
+  EXPECT_TRUE(RunToolkitUntil([&] { return m_View.Viewport().Zoom() == 2; }));
+  turn(4, "ctrl");
+  EXPECT_TRUE(RunToolkitUntil([&] { return m_View.Viewport().Zoom() == 3; }));
+  EXPECT_EQ(m_View.Viewport().PixelAt(200, 160), (CPixelPosition{200, 160}));
+  turn(5, "ctrl");
+  EXPECT_TRUE(RunToolkitUntil([&] { return m_View.Viewport().Zoom() == 2; }));
+  turn(4, "shift");
+  turn(5, "ctrl");
+  EXPECT_TRUE(RunToolkitUntil([&] { return m_View.Viewport().Zoom() == 1; }));
+}
+
+TEST_F(ScissorsViewTest, CurvesOfTheModelAreShownAndHiddenBelowTheContours) {
+  const CExtent& extent = Grid().Surface().Lattice().Extent();
+  const auto place = [&](double column, double row) {
+    CPtCstr point;
+    point.m_fX = extent.x0 + (extent.x1 - extent.x0) * (column + 0.5) / 200;
+    point.m_fY = extent.y1 - (extent.y1 - extent.y0) * (row + 0.5) / 150;
+    return point;
+  };
+  Grid().AddCurve(std::vector{place(20, 60), place(150, 60)}, CurveType::kNormal, false);
+  Point({100, 100});
+  EXPECT_TRUE(SeesAt({80, 60}, {90, 90, 90})) << "off at the opening";
+  ASSERT_TRUE(TypeUntil("c", [&] { return m_View.ShowsCurves(); }));
+  const CRgb crease{255, 128, 0};
+  EXPECT_TRUE(SeesAt({80, 60}, crease));
+  EXPECT_TRUE(SeesAt({80, 61}, {90, 90, 90})) << "thin";
+  TraceAndKeep(60);
+  EXPECT_TRUE(SeesAt({40, 60}, kTraced));
+  Grid().AddCurve(std::vector{place(20, 120), place(150, 120)}, CurveType::kNormal, false);
+  EXPECT_TRUE(SeesAt({80, 120}, crease)) << "it follows the model";
+  Point({100, 100});
+  PressKey("ctrl+c");
+  PressKey("alt+c");
+  ASSERT_TRUE(TypeUntil("c", [&] { return !m_View.ShowsCurves(); }));
+  EXPECT_TRUE(SeesAt({80, 120}, {90, 90, 90}));
+  ASSERT_TRUE(TypeUntil("c", [&] { return m_View.ShowsCurves(); }));
+  m_View.Close();
+  m_View.Open();
+  EXPECT_FALSE(m_View.ShowsCurves());
+}
+
+TEST_F(ScissorsViewTest, SizeIsKeptForTheNextOpening) {
+  m_Screen.AskForSize(*Window(), 700, 600);
+  ASSERT_TRUE(RunToolkitUntil([&] { return m_View.w() == 700; }));
+  OpenWith(GreyPicture(900, 800, 50));
+  EXPECT_EQ(m_Screen.AreaOf(*Window()).m_iWidth, 700);
+  EXPECT_EQ(m_Screen.AreaOf(*Window()).m_iHeight, 600);
+  EXPECT_EQ(m_View.Viewport().VisibleSize(), (CPixelPosition{700, 578}));
+}
+
 TEST_F(ScissorsViewTest, RightDragMovesThePicture) {
   const CTopDownImage picture = RandomTopDownImage(900, 800, 3);
   OpenWith(picture);
@@ -378,7 +464,8 @@ class ScissorsKeysTest : public ScissorsViewTest {
       out << contour.m_bClosed << '\n';
     };
     const CPixelViewport& viewport = m_View.Viewport();
-    out << viewport.Zoom() << ' ' << viewport.First().m_iColumn << ' ' << viewport.First().m_iRow << '\n';
+    out << viewport.Zoom() << ' ' << viewport.Reduction() << m_View.ShowsCurves() << ' ' << viewport.First().m_iColumn
+        << ' ' << viewport.First().m_iRow << '\n';
     put(Contours().InProgress());
     for (const CTracedContour& contour : Contours().Traced()) put(contour);
     for (const auto& curve : m_Host.m_aaCurves) out << curve.size() << ' ' << curve.back().x << '\n';
@@ -395,6 +482,7 @@ class ScissorsKeysTest : public ScissorsViewTest {
   }
   // The window shows the picture twice as large, and a contour is in progress or one is selected.
   void Prepare(bool inProgress) {
+    if (m_View.ShowsCurves()) Type({'c', 0, "c"});
     while (m_View.Viewport().Zoom() < 2) Type({'=', FL_CTRL, "="});
     while (m_View.Viewport().Zoom() > 2) Type({'-', FL_CTRL, "-"});
     while (!Contours().Traced().empty()) Tool().Contours().SelectAt(kFirst), Tool().Contours().RemoveSelected();

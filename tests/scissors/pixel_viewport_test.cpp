@@ -72,6 +72,78 @@ TEST(PixelViewportTest, ZoomKeepsThePixelUnderTheCursor) {
   }
 }
 
+TEST(PixelViewportTest, WholePictureIsReducedAsLittleAsItTakes) {
+  CPixelViewport view = PannedTo({150, 100});
+  view.ToggleWhole(10, 10);
+  EXPECT_EQ(view.Reduction(), 2);
+  EXPECT_EQ(view.Zoom(), 1);
+  EXPECT_EQ(view.First(), (CPixelPosition{0, 0}));
+  EXPECT_EQ(view.VisibleSize(), (CPixelPosition{600, 400}));
+  view.Resize(300, 100);
+  EXPECT_EQ(view.Reduction(), 4);
+  view.Resize(599, 400);
+  EXPECT_EQ(view.Reduction(), 2);
+  view.Resize(600, 400);
+  EXPECT_EQ(view.Reduction(), 1) << "it fits";
+  view.Resize(100, 100);
+  EXPECT_EQ(view.Reduction(), 6);
+}
+
+TEST(PixelViewportTest, PlacesOfTheReducedPictureAreThePixelsInTheirMiddle) {
+  CPixelViewport view(601, 403);
+  view.Resize(151, 200);
+  view.ToggleWhole(0, 0);
+  ASSERT_EQ(view.Reduction(), 4);
+  EXPECT_EQ(view.PixelAt(0, 0), (CPixelPosition{2, 2}));
+  EXPECT_EQ(view.PixelAt(149, 99), (CPixelPosition{598, 398}));
+  EXPECT_EQ(view.PixelAt(150, 100), (CPixelPosition{600, 402})) << "the last ones share it with none or one";
+  EXPECT_FALSE(view.PixelAt(150, 101).has_value());
+  EXPECT_TRUE(view.Shows({600, 402}));
+  view.BeginPan(100, 100);
+  view.PanTo(20, 30);
+  EXPECT_EQ(view.First(), (CPixelPosition{0, 0})) << "there is nowhere to move it";
+}
+
+TEST(PixelViewportTest, FromTheWholePictureItGoesBackToTheZoomBeforeAtThePlace) {
+  CPixelViewport view = View();
+  view.ZoomBy(4, 0, 0);
+  view.ToggleWhole(10, 10);
+  const auto pixel = view.PixelAt(120, 90);
+  view.ToggleWhole(120, 90);
+  EXPECT_EQ(view.Zoom(), 5);
+  EXPECT_EQ(view.Reduction(), 1);
+  EXPECT_EQ(view.PixelAt(120, 90), pixel);
+}
+
+TEST(PixelViewportTest, FromTheReducedPictureZoomLeadsToOneAndNoFartherAway) {
+  CPixelViewport view = View();
+  view.ZoomBy(4, 0, 0);
+  view.ToggleWhole(10, 10);
+  view.ZoomBy(-1, 120, 90);
+  EXPECT_EQ(view.Reduction(), 2);
+  const auto pixel = view.PixelAt(120, 90);
+  view.ZoomBy(1, 120, 90);
+  EXPECT_EQ(view.Zoom(), 1);
+  EXPECT_EQ(view.Reduction(), 1);
+  EXPECT_EQ(view.PixelAt(120, 90), pixel);
+  view.ToggleWhole(0, 0);
+  EXPECT_EQ(view.Reduction(), 2) << "the way back is forgotten";
+}
+
+TEST(PixelViewportTest, PictureThatFitsIsShownWholeAtZoomOne) {
+  CPixelViewport view(200, 100);
+  view.Resize(300, 200);
+  view.ZoomBy(3, 0, 0);
+  view.ToggleWhole(50, 50);
+  EXPECT_EQ(view.Zoom(), 1);
+  EXPECT_EQ(view.Reduction(), 1);
+  view.ToggleWhole(50, 50);
+  EXPECT_EQ(view.Zoom(), 4);
+  view.ToggleWhole(50, 50);
+  view.ZoomBy(1, 50, 50);
+  EXPECT_EQ(view.Zoom(), 2);
+}
+
 TEST(PixelViewportTest, EachPixelIsASquareOfTheZoom) {
   CPixelViewport view = View();
   view.ZoomBy(4, 0, 0);

@@ -6,9 +6,11 @@
 
 #include <FL/Fl_Gl_Window.H>
 
+#include "base/CPicture.h"
 #include "scissors/CPixelViewport.h"
 
 class CScissorsTool;
+class CGrid;
 struct CTracedContour;
 
 /// The picture under the scissors, and over it everything that is being traced, each in a colour of its own.
@@ -22,6 +24,9 @@ class CScissorsCanvas : public Fl_Gl_Window {
   void Show(const CScissorsTool* tool, const CPixelViewport* view);
   /// The pixel from which the live wire runs to the seed; none where there is no live wire.
   void SetCursor(std::optional<CPixelPosition> cursor);
+  /// Whose curves are drawn below the contours, thin and each in the colour of its type; null for none. It must outlive
+  /// the next call.
+  void ShowCurvesOf(const CGrid* grid);
 
   int handle(int event) override;
 
@@ -42,6 +47,8 @@ class CScissorsCanvas : public Fl_Gl_Window {
 
   static void SetColour(CColour colour);
   void DrawPicture();
+  void TakeReduced(int reduction);
+  void DrawCurves() const;
   void DrawContour(const CTracedContour& contour, CColour colour) const;
   void DrawLiveWire() const;
   void DrawKeyPoints() const;
@@ -52,4 +59,7 @@ class CScissorsCanvas : public Fl_Gl_Window {
   const CScissorsTool* m_pTool = nullptr;
   const CPixelViewport* m_pView = nullptr;
   std::optional<CPixelPosition> m_Cursor;
+  const CGrid* m_pGrid = nullptr;  ///< whose curves are shown
+  CPicture m_Reduced;              ///< the tool's picture, area-filtered
+  int m_iReduction = 1;            ///< of m_Reduced, which is empty for 1
 };

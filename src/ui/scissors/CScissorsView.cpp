@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <new>
+#include <utility>
 
 #include <FL/Fl.H>
 #include <FL/Fl_Box.H>
@@ -45,6 +46,7 @@ CScissorsView::CScissorsView(CGrid& grid, ScissorsHost& host)
 // The canvas goes first, because it sends its last events here.
 CScissorsView::~CScissorsView() {
   Fl::remove_idle(cb_Idle, this);
+  Fl::remove_check(cb_Check, this);
   m_pTool.reset();
   hide();
   clear();
@@ -72,6 +74,7 @@ void CScissorsView::Open() {
 void CScissorsView::Close() {
   if (!IsOpen()) return;
   hide();
+  ShowCurves(false);
   m_pCanvas->Show(nullptr, nullptr);
   m_pTool.reset();
   ScheduleSlices();
@@ -115,6 +118,8 @@ bool CScissorsView::OnEvent(int event) {
       return true;
     case FL_KEYBOARD:
       return OnKey();
+    case FL_MOUSEWHEEL:
+      return OnWheel();
     default:
       return false;
   }
@@ -159,12 +164,34 @@ bool CScissorsView::OnKey() {
   FindMouse();
   const int key = Fl::event_key();
   const bool control = Fl::event_ctrl() != 0;
-  // The sign may be typed on either part of the keyboard.
+  const bool bare = Fl::event_state(FL_CTRL | FL_ALT | FL_META) == 0;
+  if (key == 'c' && bare) {
+    ShowCurves(!m_bCurves);
+  } else if (!(control && OnZoomKey(key)) && !OnContourKey(key, control)) {
+    return false;
+  }
+  ShowCursor();
+  ShowStatus();
+  m_pCanvas->redraw();
+  return true;
+}
+
+bool CScissorsView::OnZoomKey(int key) {
+  // The signs may be typed on either part of the keyboard.
   const bool closer = key == '=' || key == '+' || key == FL_KP + '=' || key == FL_KP + '+';
   const bool farther = key == '-' || key == FL_KP + '-';
-  if (control && (closer || farther)) {
+  if (closer || farther) {
     m_Viewport->ZoomBy(closer ? 1 : -1, m_Mouse.m_iColumn, m_Mouse.m_iRow);
-  } else if (key == FL_Enter || key == FL_KP_Enter) {
+  } else if (key == '0' || key == FL_KP + '0') {
+    m_Viewport->ToggleWhole(m_Mouse.m_iColumn, m_Mouse.m_iRow);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+bool CScissorsView::OnContourKey(int key, bool control) {
+  if (key == FL_Enter || key == FL_KP_Enter) {
     if (m_pTool->Enter(PixelUnderMouse(), control)) ExportContour();
     ScheduleSlices();
   } else if (control && key == 'z' && Fl::event_state(FL_SHIFT | FL_ALT | FL_META) == 0) {
@@ -176,10 +203,36 @@ bool CScissorsView::OnKey() {
   } else {
     return false;
   }
-  ShowCursor();
-  ShowStatus();
+  return true;
+}
+
+bool CScissorsView::OnWheel() {
+  if (Fl::event_ctrl() == 0 || Fl::event_dy() == 0) return false;
+  OnMove();
+  m_Viewport->ZoomBy(-Fl::event_dy(), m_Mouse.m_iColumn, m_Mouse.m_iRow);
+  OnMove();
   m_pCanvas->redraw();
   return true;
+}
+
+// They may change by an undo in the main window or by what a contour becomes.
+void CScissorsView::ShowCurves(bool shown) {
+  if (shown == m_bCurves) return;
+  m_bCurves = shown;
+  m_uEdits = m_Grid.Gate().Edits();
+  m_pCanvas->ShowCurvesOf(shown ? &m_Grid : nullptr);
+  if (shown) {
+    Fl::add_check(cb_Check, this);
+  } else {
+    Fl::remove_check(cb_Check, this);
+  }
+}
+
+void CScissorsView::cb_Check(void* view) {
+  auto& self = *static_cast<CScissorsView*>(view);
+  const std::uint64_t edits = self.m_Grid.Gate().Edits();
+  if (edits == std::exchange(self.m_uEdits, edits)) return;
+  self.m_pCanvas->redraw();
 }
 
 void CScissorsView::ExportContour() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,8 +19,9 @@ class ScissorsHost;
 ///
 /// Left click: next key point; with Ctrl the first one of a new contour. Enter: end the contour at the cursor; with
 /// Ctrl close it. Ctrl + Z: take the last key point back. Right drag: move the picture. Ctrl + "=" and Ctrl + "-":
-/// zoom. BackSpace: remove the selected contour. A status line shows the pixel under the mouse, and the progress while
-/// the paths of a large picture are being looked for.
+/// zoom, as does Ctrl + wheel; Ctrl + "0": the whole picture, reduced if it is large, and back. "c": show and hide the
+/// curves that the model has. BackSpace: remove the selected contour. A status line shows the pixel under the mouse,
+/// and the progress while the paths of a large picture are being looked for.
 class CScissorsView : public Fl_Window, public ToolWindow {
  public:
   /// Both must outlive the window. It is built closed.
@@ -39,16 +41,23 @@ class CScissorsView : public Fl_Window, public ToolWindow {
   /// Nothing while the window is closed.
   CScissorsTool* Tool() { return m_pTool.get(); }
   const CPixelViewport& Viewport() const { return *m_Viewport; }
+  bool ShowsCurves() const { return m_bCurves; }
   const char* StatusText() const { return m_Status.c_str(); }
 
+  /// It keeps its size for the next opening.
   void resize(int x, int y, int w, int h) override;
 
  private:
   static void cb_Window(Fl_Widget* widget, void* data);
   static void cb_Idle(void* view);
+  static void cb_Check(void* view);
 
   bool OnEvent(int event);
   bool OnKey();
+  bool OnWheel();
+  bool OnZoomKey(int key);
+  bool OnContourKey(int key, bool control);
+  void ShowCurves(bool shown);
   void FindMouse();
   void OnPush();
   void OnMove();
@@ -74,4 +83,6 @@ class CScissorsView : public Fl_Window, public ToolWindow {
   bool m_bMouseInside = false;
   bool m_bPanning = false;
   bool m_bScheduled = false;
+  bool m_bCurves = false;      ///< those of the model are shown
+  std::uint64_t m_uEdits = 0;  ///< of the model whose curves were drawn
 };
