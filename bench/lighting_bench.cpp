@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -215,6 +217,40 @@ void ReportCopies(int width, int height) {
   }
 }
 
+// A light that moves with "Live" on: the answer on the smaller copy, and the pieces in which the picture follows. What
+// a piece takes includes the memory that the first ones are the first to touch.
+void ReportLive(int width, int height) {
+  CBenchGrid bench(7);
+  CGrid& grid = bench.Grid();
+  RaiseHill(grid);
+  LightUp(grid);
+  grid.Relighting().SetPicture(Photograph(width, height));
+  // So that the texels have to be found.
+  grid.SetDiscMap();
+  constexpr double kPiece = 0.015;
+  for (const std::string change : {"first", "second", "soft"}) {
+    grid.SetTone(change == "soft" ? Tone::Soft : Tone::Clipped);
+    const double answer = Seconds([&] { grid.Relighting().PreviewKd(); });
+    double longest = 0;
+    double total = 0;
+    bool going = true;
+    int pieces = 0;
+    for (; going; ++pieces) {
+      const double piece = Seconds([&] {
+        const auto begin = std::chrono::steady_clock::now();
+        const auto goes = [&] {
+          return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count() < kPiece;
+        };
+        going = grid.Relighting().ContinueKd(goes) == CRelighting::KdProgress::Going;
+      });
+      longest = std::max(longest, piece);
+      total += piece;
+    }
+    std::printf("%4d x %-4d %-7s %8.1f %8d %8.1f %8.0f\n", width, height, change.c_str(), answer * 1e3, pieces,
+                longest * 1e3, total * 1e3);
+  }
+}
+
 }  // namespace
 
 int main() {
@@ -227,4 +263,7 @@ int main() {
   std::printf("\narea-filtered copies: nanoseconds per pixel of the picture\n");
   std::printf("%-11s %-11s %8s %8s %8s %8s\n", "picture", "copy", "bare sum", "copy", "ratio", "ms");
   ReportCopies(4000, 3000);
+  std::printf("\na light that moves: milliseconds\n%-11s %-7s %8s %8s %8s %8s\n", "picture", "change", "answer",
+              "pieces", "longest", "total");
+  ReportLive(4000, 3000);
 }

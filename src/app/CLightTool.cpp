@@ -21,13 +21,18 @@ constexpr double kLongest = 0.1;
 }  // namespace
 
 CLightTool::CLightTool(CImageViewUI& window, CGrid& grid)
-    : m_Window(window), m_Grid(grid), m_Panel(window, window, [this](bool visible) {
-        if (!visible) ReportClosed();
-      }) {
+    : m_Window(window),
+      m_Grid(grid),
+      m_Panel(window, window,
+              [this](bool visible) {
+                if (!visible) ReportClosed();
+              }),
+      m_Live(window, grid, [this](bool computed) { LiveEnded(computed); }) {
   m_Panel.AttachGrid(*this);
 }
 
 void CLightTool::PictureLoaded() {
+  m_Live.Stop();
   // The computed images of the former picture have gone.
   ShowTexture(CTextureImages::kPhotograph);
   m_Panel.Refresh();
@@ -38,6 +43,11 @@ CLightTool::~CLightTool() { Fl::remove_check(cb_Check, this); }
 void CLightTool::LightsMoved() {
   m_Panel.Refresh();
   m_Window.RequestRedraw();
+  FollowLights();
+}
+
+void CLightTool::FollowLights() {
+  if (m_bLive) return m_Live.Request();
   if (!HasKd() || m_bOwed) return;
   m_bOwed = true;
   Fl::add_check(cb_Check, this);
@@ -55,6 +65,7 @@ void CLightTool::RelightWhenDue() {
 }
 
 void CLightTool::Relight() {
+  m_Live.Stop();
   const CBusyCursor busy(m_fSeconds > kLongest);
   const double begin = CRedrawPacer::SteadySeconds();
   const bool done = m_Grid.GetKd();
@@ -67,7 +78,12 @@ void CLightTool::Relight() {
 
 const CLight* CLightTool::GetLightSource(int index, int type) const { return m_Grid.GetLightSource(index, type); }
 
-void CLightTool::SetLight(int index, int type, const CLight& light) { m_Grid.SetLight(index, type, light); }
+void CLightTool::SetLight(int index, int type, const CLight& light) {
+  const CLight* present = m_Grid.GetLightSource(index, type);
+  const bool changed = present != nullptr && !(*present == light);
+  m_Grid.SetLight(index, type, light);
+  if (m_bLive && changed) m_Live.Request();
+}
 
 void CLightTool::UpdateTexelNormals() {
   ComputeNormals(m_Grid.Surface().Tree());
@@ -86,6 +102,28 @@ void CLightTool::UpdateTexelInterpolation() {
 void CLightTool::UpdateKd() { Relight(); }
 
 bool CLightTool::HasKd() const { return m_Grid.Relighting().Albedo().IsComputed(); }
+
+// Switched on, it catches up with what has changed before. What is under way is finished in any case, as half of it
+// would be no image of any lights.
+void CLightTool::SetLive(bool live) {
+  m_bLive = live;
+  if (live) m_Live.Request();
+}
+
+// Without memory it is told once, and not with every change of a light.
+void CLightTool::LiveEnded(bool computed) {
+  if (computed) return m_Panel.RefreshTextures();
+  m_bLive = false;
+  m_Panel.Refresh();
+  m_Window.TellNoTexelMemory();
+}
+
+Tone CLightTool::RelitTone() const { return m_Grid.Relighting().RelitTone(); }
+
+void CLightTool::SetTone(Tone tone) {
+  m_Grid.SetTone(tone);
+  FollowLights();
+}
 
 CTextureImages::Which CLightTool::ShownTexture() const {
   return DrawnTexture::ImageOf(m_Window.GridView().DrawTexture()).value_or(CTextureImages::kPhotograph);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/CLiveRelighting.h"
 #include "ui/lights/CLightUI.h"
 #include "ui/lights/LightingCommands.h"
 #include "ui/seams/ToolWindow.h"
@@ -25,7 +26,8 @@ class CLightTool : public ToolWindow, private LightingCommands {
   /// The light being edited, 0 to 4; -1 while the panel is closed.
   int CurrentLight() const { return IsOpen() ? m_Panel.current_light() : -1; }
   /// Lights were turned elsewhere, perhaps in a drag under way. The computed images, if there are any, follow: during
-  /// the drag for at most half of the time and only where one time is short, and always at its end.
+  /// the drag for at most half of the time and only where one time is short, and always at its end. Where "Live" is on
+  /// they follow as they do the panel.
   void LightsMoved();
 
  private:
@@ -35,9 +37,15 @@ class CLightTool : public ToolWindow, private LightingCommands {
   void UpdateTexelInterpolation() override;
   void UpdateKd() override;
   bool HasKd() const override;
+  bool IsLive() const override { return m_bLive; }
+  void SetLive(bool live) override;
+  Tone RelitTone() const override;
+  void SetTone(Tone tone) override;
   CTextureImages::Which ShownTexture() const override;
   void ShowTexture(CTextureImages::Which image) override;
 
+  void FollowLights();
+  void LiveEnded(bool computed);
   void Relight();
   void RelightWhenDue();
   static void cb_Check(void* tool);
@@ -47,5 +55,7 @@ class CLightTool : public ToolWindow, private LightingCommands {
   bool m_bOwed = false;     ///< the computed images are those of former lights
   double m_fSeconds = 0.0;  ///< that relighting took the last time
   double m_fNext = 0.0;     ///< no relighting during a drag before this time
+  bool m_bLive = false;
   CLightUI m_Panel;
+  CLiveRelighting m_Live;
 };

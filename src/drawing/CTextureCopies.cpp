@@ -11,11 +11,12 @@ namespace {
 // Enough for both views to turn and zoom to and fro. Each is at most half as large as its image.
 constexpr std::size_t kMostCopies = 8;
 
+// Where smaller images are shown instead there is less to reduce.
 CPicture Reduced(const CTextureImages& images, CTextureImages::Which which, const CReduction& reduction) {
-  constexpr std::size_t kChannels = 3;
-  const CPixelRows picture{images.Image(which), images.PictureWidth(), images.PictureHeight(),
-                           kChannels * static_cast<std::size_t>(images.TextureWidth())};
-  return AreaFiltered(picture, 1 << reduction.m_iX, 1 << reduction.m_iY);
+  const CTextureImages* preview = images.PreviewOf(which);
+  if (preview == nullptr) return AreaFiltered(images.Pixels(which), 1 << reduction.m_iX, 1 << reduction.m_iY);
+  return AreaFiltered(preview->Pixels(which), 1 << (reduction.m_iX - images.PreviewHalvings().m_iX),
+                      1 << (reduction.m_iY - images.PreviewHalvings().m_iY));
 }
 
 // Pixels [x0, x1) by [y0, y1) of the copy, to column `x` and row `y` of the bound texture.

@@ -14,7 +14,8 @@ class CTextureCopies {
  public:
   /// Makes a copy the bound texture; the first time, and after a change of the image, it is computed and sent. One pass
   /// over the picture then; else nothing is done but the binding. No side of the texture
-  /// may be halved below one pixel. Throws std::bad_alloc, with the bound texture as it was.
+  /// may be halved below one pixel, and where smaller images are shown instead the copy must be no larger than these.
+  /// Throws std::bad_alloc, with the bound texture as it was.
   void Bind(const CTextureImages& images, CTextureImages::Which which, const CReduction& reduction);
   /// Gives all copies back.
   void Clear();

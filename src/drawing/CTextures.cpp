@@ -53,8 +53,10 @@ bool CTextures::Bind(const CTextureImages& images, CTextureImages::Which which, 
   if (!images.HasPicture()) return false;
   ForgetLostTextures();
   const CReduction forced = ForcedReduction(images);
-  const CReduction wanted{std::min(std::max(reduction.m_iX, forced.m_iX), Halvings(images.TextureWidth(), 1)),
-                          std::min(std::max(reduction.m_iY, forced.m_iY), Halvings(images.TextureHeight(), 1))};
+  const CReduction least = images.PreviewOf(which) != nullptr ? images.PreviewHalvings() : CReduction{};
+  const CReduction wanted{
+      std::min(std::max({reduction.m_iX, forced.m_iX, least.m_iX}), Halvings(images.TextureWidth(), 1)),
+      std::min(std::max({reduction.m_iY, forced.m_iY, least.m_iY}), Halvings(images.TextureHeight(), 1))};
   if (wanted != CReduction{} && BindCopy(images, which, wanted)) return true;
   if (forced != CReduction{}) return false;
   BindWhole(images, which);

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "base/CPlanePoint.h"
+#include "lighting/CTextureImages.h"
 
 /// Where the axes of the model lead on the screen: to the right and up, in screen pixels per model unit. For views
 /// without perspective, which show each unit alike.
@@ -16,13 +17,8 @@ struct CScreenAxes {
                         int height);
 };
 
-/// How often the sides of a picture are halved: each pixel of the copy stands for 2^m_iX by 2^m_iY.
-struct CReduction {
-  int m_iX = 0;
-  int m_iY = 0;
-
-  friend bool operator==(const CReduction&, const CReduction&) = default;
-};
+/// How often the sides of a picture are halved to be drawn.
+using CReduction = CHalvings;
 
 /// How many picture pixels fall on one screen pixel, along either side of the picture, where the picture lies in the
 /// plane of x and y: the sides of the box around what that screen pixel covers. `pixel` is the size of a picture pixel,

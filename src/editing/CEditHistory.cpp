@@ -198,11 +198,11 @@ void CEditHistory::Take(UserStep step) {
   const CDocument before = present.m_Model.m_Document;
   if (!Restore(target)) return;
   const CDocument& reached = target.m_Model.m_Document;
-  const CTakenStep taken{
-      undo, undo ? m_Steps.UndoName() : m_Steps.RedoName(),
-      !(before.m_RemovedLights == reached.m_RemovedLights) || !(before.m_AddedLights == reached.m_AddedLights),
-      !(before.m_Sketch.m_Extent == reached.m_Sketch.m_Extent),
-      target.ReplacesSurface() ? &*target.m_Surroundings : nullptr};
+  const CTakenStep taken{undo, undo ? m_Steps.UndoName() : m_Steps.RedoName(),
+                         !(before.m_RemovedLights == reached.m_RemovedLights) ||
+                             !(before.m_AddedLights == reached.m_AddedLights) || before.m_Tone != reached.m_Tone,
+                         !(before.m_Sketch.m_Extent == reached.m_Sketch.m_Extent),
+                         target.ReplacesSurface() ? &*target.m_Surroundings : nullptr};
   if (undo) {
     m_Steps.Undo(std::move(present));
   } else {

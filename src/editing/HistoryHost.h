@@ -8,7 +8,7 @@
 struct CTakenStep {
   bool m_bUndone = false;                      ///< or else done again
   std::string m_Name;                          ///< in words
-  bool m_bLightsChanged = false;               ///< any light is another now
+  bool m_bLightsChanged = false;               ///< any light is another now, or how bright it may be
   bool m_bRectangleChanged = false;            ///< the model lies elsewhere than before
   const CSurroundings* m_pRestored = nullptr;  ///< of a step that has replaced the surface; null for others
 };

@@ -55,6 +55,8 @@ const char* NameOf(Edit edit) {
       return "merge cells";
     case Edit::SetLight:
       return "light";
+    case Edit::SetTone:
+      return "soft light";
     case Edit::LoadReference:
       return "load reference depth";
     case Edit::RemoveReference:

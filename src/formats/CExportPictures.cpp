@@ -50,7 +50,8 @@ const CPicture& CExportPictures::Pixels(ExportTexture which, const CExportSteps&
     return NormalsAtPixels(CleanFileMesh(m_Grid, {}), photograph.m_iWidth, photograph.m_iHeight, texels);
   };
   const CRelighting& lights = m_Grid.Relighting();
-  const CLitScene scene{photograph, lights.RemovedLights(), lights.AddedLights(), surface, normalsOf};
+  const CLitScene scene{photograph, lights.RemovedLights(), lights.AddedLights(), surface,
+                        normalsOf,  lights.RelitTone()};
   pixels = LitPictureOf(which == ExportTexture::Albedo ? LitPicture::Albedo : LitPicture::Relit, scene,
                         [&steps](double share) { return steps.Goes(share); });
   return pixels;

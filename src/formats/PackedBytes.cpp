@@ -54,7 +54,7 @@ double PackedLitBytes(const CGrid& grid, const CExportSettings& settings, Export
   const CPicture& photograph = settings.m_pPhotograph->m_Picture;
   const CInterpolation surface = grid.Surface().Interpolation();
   const CRelighting& lights = grid.Relighting();
-  const CLitScene scene{photograph, lights.RemovedLights(), lights.AddedLights(), surface, {}};
+  const CLitScene scene{photograph, lights.RemovedLights(), lights.AddedLights(), surface, {}, lights.RelitTone()};
   const LitPicture lit = which == ExportTexture::Albedo ? LitPicture::Albedo : LitPicture::Relit;
   return FromBands(photograph.m_iHeight,
                    [&](int first, int count) { return PngOf(LitRowsOf(lit, scene, first, count)); });

@@ -264,6 +264,8 @@ void ReadAll(const CJson& json, CDocumentText& document) {
   ReadModel(json.at("model"), project.m_Model);
   ReadLights(json.at("lights").at("removed"), project.m_Model.m_Document.m_RemovedLights);
   ReadLights(json.at("lights").at("added"), project.m_Model.m_Document.m_AddedLights);
+  if (json.at("lights").contains("soft") && json.at("lights").at("soft").get<bool>())
+    project.m_Model.m_Document.m_Tone = Tone::Soft;
   ReadViews(json.at("views"), project.m_Views);
   ReadPhotograph(json.at("photograph"), document);
   if (json.contains("reference")) ReadReference(json.at("reference"), document);
@@ -279,6 +281,7 @@ std::string DocumentText(const CProject& project, std::int64_t time, const std::
   json["model"] = Model(project.m_Model);
   const CDocument& document = project.m_Model.m_Document;
   json["lights"] = {{"removed", Lights(document.m_RemovedLights)}, {"added", Lights(document.m_AddedLights)}};
+  if (document.m_Tone == Tone::Soft) json["lights"]["soft"] = true;
   json["views"] = Views(project.m_Views);
   json["photograph"] = Photograph(project.m_Picture, photograph);
   if (document.m_Sketch.m_Reference.m_pMap != nullptr) json["reference"] = Reference(document.m_Sketch.m_Reference);

@@ -21,6 +21,44 @@ std::uint8_t WrappedByte(double value) {
   return static_cast<std::uint8_t>(static_cast<std::int32_t>(std::fmod(value, 256.0)));
 }
 
+// Where the texels of a row lie in the arrays.
+struct CRow {
+  const Vector3* m_pNormal;
+  const std::uint8_t* m_puPhotograph;
+  double* m_pfKd;
+  std::uint8_t* m_puKd;
+  std::uint8_t* m_puNew;
+};
+
+template <Tone kTone>
+double NewIllumination(double value) {
+  return kTone == Tone::Soft ? Shouldered(value) : value;
+}
+
+template <Tone kTone>
+void LightRow(CRow row, std::size_t width, const std::array<double, 256>& intensities, const CShading& before,
+              const CShading& after) {
+  for (std::size_t column = 0; column < width; ++column) {
+    const Vector3 s = before.Of(*row.m_pNormal);
+    const Vector3 t = after.Of(*row.m_pNormal);
+    ++row.m_pNormal;
+    const std::array<double, 3> albedo{AlbedoOf(intensities[row.m_puPhotograph[0]], s.x),
+                                       AlbedoOf(intensities[row.m_puPhotograph[1]], s.y),
+                                       AlbedoOf(intensities[row.m_puPhotograph[2]], s.z)};
+    std::copy_n(albedo.data(), 3, row.m_pfKd);
+    row.m_puKd[0] = WrappedByte(albedo[0] * 255);
+    row.m_puKd[1] = WrappedByte(albedo[1] * 255);
+    row.m_puKd[2] = WrappedByte(albedo[2] * 255);
+    row.m_puNew[0] = ClampedByte(NewIllumination<kTone>(albedo[0] * t.x) * 255);
+    row.m_puNew[1] = ClampedByte(NewIllumination<kTone>(albedo[1] * t.y) * 255);
+    row.m_puNew[2] = ClampedByte(NewIllumination<kTone>(albedo[2] * t.z) * 255);
+    row.m_puPhotograph += 3;
+    row.m_pfKd += 3;
+    row.m_puKd += 3;
+    row.m_puNew += 3;
+  }
+}
+
 }  // namespace
 
 void CAlbedoMap::Reserve(int width, int height) {
@@ -31,42 +69,28 @@ void CAlbedoMap::ReleaseReserve() {
   if (!IsComputed()) Release(m_afKd);
 }
 
-void CAlbedoMap::Compute(std::span<const Vector3> normals, const CShading& removed, const CShading& added,
-                         CTextureImages& images) {
-  const std::array<double, 256> intensities = PhotographIntensities();
-  const auto width = static_cast<std::size_t>(images.PictureWidth());
-  const auto height = static_cast<std::size_t>(images.PictureHeight());
-  const std::size_t imageRow = 3 * static_cast<std::size_t>(images.TextureWidth());
-  // Copies that no byte written to an image can alias, so that the lights stay in registers.
-  const CShading before = removed;
-  const CShading after = added;
-  m_afKd.resize(3 * width * height);
-  const Vector3* normal = normals.data();
-  double* kd = m_afKd.data();
-  for (std::size_t row = 0; row < height; ++row) {
-    const std::uint8_t* photograph = images.Image(CTextureImages::kPhotograph).data() + row * imageRow;
-    std::uint8_t* kdByte = images.Image(CTextureImages::kKd).data() + row * imageRow;
-    std::uint8_t* newByte = images.Image(CTextureImages::kIllumination).data() + row * imageRow;
-    for (std::size_t column = 0; column < width; ++column) {
-      const Vector3 s = before.Of(*normal);
-      const Vector3 t = after.Of(*normal);
-      ++normal;
-      const std::array<double, 3> albedo{AlbedoOf(intensities[photograph[0]], s.x),
-                                         AlbedoOf(intensities[photograph[1]], s.y),
-                                         AlbedoOf(intensities[photograph[2]], s.z)};
-      std::copy_n(albedo.data(), 3, kd);
-      kdByte[0] = WrappedByte(albedo[0] * 255);
-      kdByte[1] = WrappedByte(albedo[1] * 255);
-      kdByte[2] = WrappedByte(albedo[2] * 255);
-      newByte[0] = ClampedByte(albedo[0] * t.x * 255);
-      newByte[1] = ClampedByte(albedo[1] * t.y * 255);
-      newByte[2] = ClampedByte(albedo[2] * t.z * 255);
-      photograph += 3;
-      kd += 3;
-      kdByte += 3;
-      newByte += 3;
-    }
-  }
+void CAlbedoMap::Compute(std::span<const Vector3> normals, const CRelightingLights& lights, CTextureImages& images) {
+  ComputeRows(normals, lights, images, 0, images.PictureHeight());
   images.MarkChanged(CTextureImages::kKd);
   images.MarkChanged(CTextureImages::kIllumination);
+}
+
+void CAlbedoMap::ComputeRows(std::span<const Vector3> normals, const CRelightingLights& lights, CTextureImages& images,
+                             int first, int count) {
+  const std::array<double, 256> intensities = PhotographIntensities();
+  const auto width = static_cast<std::size_t>(images.PictureWidth());
+  const auto end = static_cast<std::size_t>(first + count);
+  const std::size_t imageRow = 3 * static_cast<std::size_t>(images.TextureWidth());
+  // Copies that no byte written to an image can alias, so that the lights stay in registers.
+  const CShading before = lights.m_Removed;
+  const CShading after = lights.m_Added;
+  if (m_afKd.size() < 3 * width * end) m_afKd.resize(3 * width * end);
+  const auto light = lights.m_Tone == Tone::Soft ? LightRow<Tone::Soft> : LightRow<Tone::Clipped>;
+  for (auto row = static_cast<std::size_t>(first); row < end; ++row) {
+    light({normals.data() + row * width, images.Image(CTextureImages::kPhotograph).data() + row * imageRow,
+           m_afKd.data() + 3 * width * row, images.Image(CTextureImages::kKd).data() + row * imageRow,
+           images.Image(CTextureImages::kIllumination).data() + row * imageRow},
+          width, intensities, before, after);
+  }
+  m_bComputed = m_bComputed || first + count == images.PictureHeight();
 }

@@ -5,9 +5,17 @@
 #include <vector>
 
 #include "base/Vector3.h"
+#include "lighting/CLight.h"
 
 class CShading;
 class CTextureImages;
+
+/// The lights with which a picture is relit. All that is named must outlive the computing.
+struct CRelightingLights {
+  const CShading& m_Removed;
+  const CShading& m_Added;
+  Tone m_Tone = Tone::Clipped;
+};
 
 /// The diffuse albedo (Kd) of the picture: what is left of the photograph when the shading of the surface is divided
 /// out.
@@ -18,6 +26,10 @@ class CAlbedoMap {
 
   /// Asks for the memory for a picture of `width` x `height` texels, as `Compute` would. Throws std::bad_alloc.
   void Reserve(int width, int height);
+  /// Bytes that `Reserve` would ask for.
+  double Missing(int width, int height) const {
+    return m_afKd.capacity() == 0 ? static_cast<double>(kBytesPerTexel) * width * height : 0;
+  }
   /// Gives back what was reserved and has not been computed.
   void ReleaseReserve();
 
@@ -26,16 +38,21 @@ class CAlbedoMap {
   ///
   /// Per channel, I the photograph's byte: Kd = I / 255 / shading under the removed lights, 0 where that is not
   /// positive. Its byte is 255 Kd truncated, modulo 256: an albedo above 1 wraps around, so that it shows. The new
-  /// illumination is 255 Kd times the shading under the added lights, truncated and held to 0..255; black with no
-  /// added light active. What is not finite gives the byte 0. The margins of the images stay as they are.
-  void Compute(std::span<const Vector3> normals, const CShading& removed, const CShading& added,
-               CTextureImages& images);
+  /// illumination is 255 Kd times the shading under the added lights, under the shoulder if the tone is soft,
+  /// truncated and held to 0..255; black with no added light active. What is not finite gives the byte 0. The margins
+  /// of the images stay as they are.
+  void Compute(std::span<const Vector3> normals, const CRelightingLights& lights, CTextureImages& images);
+  /// The same for `count` rows from `first` on, without marking the images as changed. The map is computed as soon as
+  /// every row has been, row 0 first.
+  void ComputeRows(std::span<const Vector3> normals, const CRelightingLights& lights, CTextureImages& images, int first,
+                   int count);
 
-  /// Whether `Compute` has been called.
-  bool IsComputed() const { return !m_afKd.empty(); }
-  /// Red, green, blue per texel, row order; empty until computed.
+  /// Whether all of it has been computed.
+  bool IsComputed() const { return m_bComputed; }
+  /// Red, green, blue per texel, row order; as long as it is not computed, of the first rows only.
   std::span<const double> Kd() const { return m_afKd; }
 
  private:
   std::vector<double> m_afKd;
+  bool m_bComputed = false;
 };

@@ -38,6 +38,10 @@ struct CLightSet {
   bool operator==(const CLightSet&) const = default;
 };
 
+/// How a new illumination becomes bytes: what is brighter than white is cut off, or all that is bright runs into white
+/// (see `Shouldered`).
+enum class Tone { Clipped, Soft };
+
 /// The two sets by their number.
 enum LightType { kRemovedLights = 1, kAddedLights = 2 };
 

@@ -45,19 +45,25 @@ void CTexelMap::Reserve() {
 void CTexelMap::InitializeCoords(const CInterpolation& surface) {
   Reserve();
   m_aRecords.clear();
+  m_aNormals.clear();
   WriteCoords();
   m_uTreeOfRecords.reset();
   m_uTreeOfNormals = surface.Tree().Revision();
   ++m_uRevision;
 }
 
+// Goes on where pieces have ended.
 void CTexelMap::WriteCoords() {
-  if (!m_aRecords.empty()) return;
+  if (m_aNormals.size() == TexelCount()) return;
   Reserve();
-  for (int row = 0; row < m_iHeight; ++row) {
-    for (int column = 0; column < m_iWidth; ++column) m_aRecords.emplace_back(column, row);
-  }
-  m_aNormals.assign(m_aRecords.size(), {0, 0, 1});
+  for (int row = 0; row < m_iHeight; ++row) WriteCoordsOfRow(row);
+}
+
+void CTexelMap::WriteCoordsOfRow(int row) {
+  const std::size_t end = (static_cast<std::size_t>(row) + 1) * static_cast<std::size_t>(m_iWidth);
+  if (m_aNormals.size() >= end) return;
+  for (int column = 0; column < m_iWidth; ++column) m_aRecords.emplace_back(column, row);
+  m_aNormals.resize(end, {0, 0, 1});
 }
 
 // A texel belongs to the leaf that `CQuadT::IsPointInsideDiscontinuity` descends to, which owns its lower and left
@@ -104,21 +110,28 @@ void CTexelMap::UpdateRecords(const CInterpolation& surface) {
 void CTexelMap::ComputeCoefs(const CInterpolation& surface) {
   UpdateMask(surface);
   WriteCoords();
-  const bool outOfDate = !HasRecordsOf(surface);
+  m_bRecordsDue = !HasRecordsOf(surface);
+  const CLattice& lattice = surface.Lattice();
+  for (int row = 0; row < m_iHeight; ++row)
+    ComputeCoefsOfRow(surface, row, lattice.PointNormals(), lattice.CellNormals());
+  m_uTreeOfRecords = m_uTreeOfNormals = surface.Tree().Revision();
+  ++m_uRevision;
+}
+
+void CTexelMap::ComputeCoefsOfRow(const CInterpolation& surface, int row, std::span<const Vector3> points,
+                                  std::span<const Vector3> cells) {
   const CQuadT* leaf = nullptr;
-  for (std::size_t i = 0; i < m_aRecords.size(); ++i) {
+  const std::size_t first = static_cast<std::size_t>(row) * static_cast<std::size_t>(m_iWidth);
+  for (std::size_t i = first; i < first + static_cast<std::size_t>(m_iWidth); ++i) {
     CInterpCoefs& record = m_aRecords[i];
-    if (outOfDate) record = CInterpCoefs(record.Column(), record.Row());
-    Vector3 normal;
+    if (m_bRecordsDue) record = CInterpCoefs(record.Column(), record.Row());
     if (!IsMasked(i)) {
-      if (record.GetNormalTexPoint(&surface, m_iWidth, m_iHeight, leaf, normal) != nullptr) m_aNormals[i] = normal;
-    } else if (outOfDate) {
+      if (record.Locate(surface, m_iWidth, m_iHeight, leaf)) m_aNormals[i] = record.NormalOn(points, cells);
+    } else if (m_bRecordsDue) {
       // Its normal stays, but the normals-only pass will read its coefficients.
       record.Locate(surface, m_iWidth, m_iHeight, leaf);
     }
   }
-  m_uTreeOfRecords = m_uTreeOfNormals = surface.Tree().Revision();
-  ++m_uRevision;
 }
 
 void CTexelMap::ComputeNormals(const CInterpolation& surface) {
@@ -136,4 +149,38 @@ void CTexelMap::ComputeNormals(const CInterpolation& surface) {
 void CTexelMap::UpdateNormals(const CInterpolation& surface) {
   WriteCoords();
   if (m_uTreeOfNormals != surface.Tree().Revision()) ComputeCoefs(surface);
+}
+
+bool CTexelMap::HasNormalsOf(const CInterpolation& surface) const {
+  return m_aNormals.size() == TexelCount() && m_uTreeOfNormals == surface.Tree().Revision();
+}
+
+// What the pieces have only half done is as good as never done.
+void CTexelMap::BeginNormals(const CInterpolation& surface) {
+  Reserve();
+  m_bNormalsDue = m_uTreeOfNormals != surface.Tree().Revision();
+  if (!m_bNormalsDue) return;
+  UpdateMask(surface);
+  m_bRecordsDue = !HasRecordsOf(surface);
+  if (m_bRecordsDue) m_uTreeOfRecords.reset();
+  m_uTreeOfNormals.reset();
+}
+
+void CTexelMap::UpdateNormalsOfRow(const CInterpolation& surface, int row, std::span<const Vector3> points,
+                                   std::span<const Vector3> cells) {
+  WriteCoordsOfRow(row);
+  if (!m_bNormalsDue) return;
+  ComputeCoefsOfRow(surface, row, points, cells);
+  if (row + 1 < m_iHeight) return;
+  m_uTreeOfRecords = m_uTreeOfNormals = surface.Tree().Revision();
+  ++m_uRevision;
+}
+
+Vector3 CTexelMap::NextNormalAt(int column, int row, const CInterpolation& surface, const CQuadT*& leaf) const {
+  const std::size_t texel = IndexOf(column, row);
+  const Vector3 present = texel < m_aNormals.size() ? m_aNormals[texel] : Vector3{0, 0, 1};
+  if (IsMasked(texel) || m_uTreeOfNormals == surface.Tree().Revision()) return present;
+  Vector3 normal;
+  CInterpCoefs record(column, row);
+  return record.GetNormalTexPoint(&surface, m_iWidth, m_iHeight, leaf, normal) != nullptr ? normal : present;
 }

@@ -49,6 +49,15 @@ class CTexelMap {
   void ComputeNormals(const CInterpolation& surface);
   /// `ComputeCoefs` if the normals are of an earlier subdivision.
   void UpdateNormals(const CInterpolation& surface);
+  /// Whether `UpdateNormals` has nothing to do.
+  bool HasNormalsOf(const CInterpolation& surface) const;
+  /// `UpdateNormals` in pieces, for those who must not stop for all of it: the beginning, and then rows one after the
+  /// other, row 0 first, with the normals of points and cells given. After the last row all is as after
+  /// `UpdateNormals`. The pieces must be of one subdivision; if they end before the last row any other pass begins
+  /// afresh.
+  void BeginNormals(const CInterpolation& surface);
+  void UpdateNormalsOfRow(const CInterpolation& surface, int row, std::span<const Vector3> points,
+                          std::span<const Vector3> cells);
   /// Finds every texel again if the records are of an earlier subdivision. The normals stay.
   void UpdateRecords(const CInterpolation& surface);
 
@@ -58,6 +67,10 @@ class CTexelMap {
   std::span<const CInterpCoefs> Records() const { return m_aRecords; }
   /// Unit normals; not a number where the surface has none.
   std::span<const Vector3> Normals() const { return m_aNormals; }
+  /// The normal of one texel, whose normals must be there.
+  const Vector3& NormalAt(int column, int row) const { return m_aNormals[IndexOf(column, row)]; }
+  /// The normal that `UpdateNormals` would give it. The search begins at `leaf`, which becomes the leaf found.
+  Vector3 NextNormalAt(int column, int row, const CInterpolation& surface, const CQuadT*& leaf) const;
   /// 1 for texels in a cell with a triangle in a discontinuity, else 0; empty as long as there has been none.
   std::span<const std::uint8_t> Mask() const { return m_auMask; }
   /// Grows with every change of the normals.
@@ -67,8 +80,14 @@ class CTexelMap {
 
  private:
   void WriteCoords();
+  void WriteCoordsOfRow(int row);
+  void ComputeCoefsOfRow(const CInterpolation& surface, int row, std::span<const Vector3> points,
+                         std::span<const Vector3> cells);
   void UpdateMask(const CInterpolation& surface);
   bool IsMasked(std::size_t texel) const { return !m_auMask.empty() && m_auMask[texel] != 0; }
+  std::size_t IndexOf(int column, int row) const {
+    return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_iWidth) + static_cast<std::size_t>(column);
+  }
   std::size_t TexelCount() const { return static_cast<std::size_t>(m_iWidth) * static_cast<std::size_t>(m_iHeight); }
   bool HasRecordsOf(const CInterpolation& surface) const;
 
@@ -83,4 +102,6 @@ class CTexelMap {
   std::optional<std::uint64_t> m_uTreeOfRecords;
   std::optional<std::uint64_t> m_uTreeOfNormals;
   std::optional<std::uint64_t> m_uTreeOfMask;
+  bool m_bRecordsDue = false;  ///< in the pieces under way each texel is to be found again
+  bool m_bNormalsDue = false;  ///< and is to have another normal
 };

@@ -29,6 +29,13 @@ void CTextureImages::SetPicture(const CPicture& picture) {
   m_iTextureHeight = textureHeight;
   m_aaImages = {std::move(photograph), std::move(kd), std::move(illumination)};
   for (unsigned& revision : m_auRevisions) ++revision;
+  m_pPreview.reset();
+}
+
+void CTextureImages::ShowPreview(std::shared_ptr<const CTextureImages> images, const CHalvings& halvings) {
+  m_pPreview = std::move(images);
+  m_PreviewHalvings = halvings;
+  for (const Which which : {kKd, kIllumination}) ++m_auRevisions[which];
 }
 
 CPicture CTextureImages::Photograph() const {

@@ -18,6 +18,7 @@ class CLitTexels {
   // Of so many rows, the first of which is that one of the photograph.
   CLitTexels(LitPicture which, const CLitScene& scene, int first, int count)
       : m_bRelit(which == LitPicture::Relit),
+        m_bSoft(m_bRelit && scene.m_Tone == Tone::Soft),
         m_Photograph(scene.m_Photograph),
         m_Removed(scene.m_Removed),
         m_Added(scene.m_Added),
@@ -42,9 +43,9 @@ class CLitTexels {
     std::uint8_t* to = &m_Picture.m_aPixels[3 * texel - m_uFirst];
     const Vector3 before = m_Removed.Of(normal);
     const Vector3 after = m_bRelit ? m_Added.Of(normal) : Vector3{1, 1, 1};
-    to[0] = ClampedByte(AlbedoOf(m_afIntensities[from[0]], before.x) * after.x * 255);
-    to[1] = ClampedByte(AlbedoOf(m_afIntensities[from[1]], before.y) * after.y * 255);
-    to[2] = ClampedByte(AlbedoOf(m_afIntensities[from[2]], before.z) * after.z * 255);
+    to[0] = ByteOf(AlbedoOf(m_afIntensities[from[0]], before.x) * after.x);
+    to[1] = ByteOf(AlbedoOf(m_afIntensities[from[1]], before.y) * after.y);
+    to[2] = ByteOf(AlbedoOf(m_afIntensities[from[2]], before.z) * after.z);
   }
 
   /// The texels without a normal.
@@ -52,6 +53,8 @@ class CLitTexels {
   CPicture Take() { return std::move(m_Picture); }
 
  private:
+  std::uint8_t ByteOf(double value) const { return ClampedByte((m_bSoft ? Shouldered(value) : value) * 255); }
+
   // Beside the surface, which no texel should be, it looks up.
   Vector3 NormalAt(int column, int row) {
     CInterpCoefs texel(column, row);
@@ -60,6 +63,7 @@ class CLitTexels {
   }
 
   bool m_bRelit;
+  bool m_bSoft;
   const CPicture& m_Photograph;
   CShading m_Removed;
   CShading m_Added;

@@ -7,9 +7,8 @@
 
 #include "base/CPicture.h"
 #include "base/Vector3.h"
+#include "lighting/CLight.h"
 #include "quadtree/Interpolation.h"
-
-struct CLightSet;
 
 /// What the lights make of a photograph.
 enum class LitPicture {
@@ -26,6 +25,7 @@ struct CLitScene {
   /// Unit normals for the texels that have none there, beside tears; their numbers are row * width + column and rise.
   /// Without it they are black.
   std::function<std::vector<Vector3>(std::span<const std::size_t> texels)> m_NormalsOf;
+  Tone m_Tone = Tone::Clipped;  ///< of what is relit
 };
 
 /// Rows `first` to `first + count` - 1 of such a picture, row 0 at the bottom, for those who want to see some of it.

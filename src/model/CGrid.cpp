@@ -36,6 +36,11 @@ void CGrid::SetLight(int index, int type, const CLight& light) {
   m_Gate.Do(Edit::SetLight, [&] { m_Relighting.SetLight(index, type, light); });
 }
 
+void CGrid::SetTone(Tone tone) {
+  if (tone == m_Relighting.RelitTone()) return;
+  m_Gate.Do(Edit::SetTone, [&] { m_Relighting.SetTone(tone); });
+}
+
 void CGrid::AddTracedCurve(std::span<const CPtCstr> points, CurveType type, bool closed) {
   m_Curves.AddTraced(points, type, closed);
 }

@@ -114,6 +114,8 @@ class CGrid {
   const CLight* GetLightSource(int index, int type) const { return m_Relighting.GetLightSource(index, type); }
   /// Nothing where there is no such light, or where it is already like that.
   void SetLight(int index, int type, const CLight& light);
+  /// How bright places of the new illumination become bytes.
+  void SetTone(Tone tone);
   bool InitializeCoordsTexels() { return m_Relighting.InitializeCoordsTexels(); }
   void TestTexelsInDiscontinuity() { m_Relighting.TestTexelsInDiscontinuity(); }
   bool ComputeCoefsTexels() { return m_Relighting.ComputeCoefsTexels(); }

@@ -18,12 +18,13 @@ struct CDocument {
   CSketch m_Sketch;
   CLightSet m_RemovedLights;
   CLightSet m_AddedLights;
+  Tone m_Tone = Tone::Clipped;
   std::vector<std::uint32_t> m_auSelectedCells;  ///< of the current resolution, as CSubdivisionRecord numbers them
 
   /// See above.
   bool operator==(const CDocument& other) const {
     return m_Sketch == other.m_Sketch && m_RemovedLights == other.m_RemovedLights &&
-           m_AddedLights == other.m_AddedLights;
+           m_AddedLights == other.m_AddedLights && m_Tone == other.m_Tone;
   }
 };
 

@@ -46,6 +46,8 @@ bool CRelighting::SetPicture(const CPicture& picture, double memory) {
   }
   m_Texels = CTexelMap(picture.m_iWidth, picture.m_iHeight, m_Surface.Interpolation());
   m_Albedo = CAlbedoMap();
+  m_KdPass.Drop();
+  m_KdPreview.Clear();
   return true;
 }
 
@@ -54,7 +56,7 @@ bool CRelighting::Reserve(bool albedo) {
   const int width = m_Texels.Width();
   const int height = m_Texels.Height();
   double missing = m_Texels.Missing();
-  if (albedo && !m_Albedo.IsComputed()) missing += CAlbedoMap::kBytesPerTexel * (1.0 * width * height);
+  if (albedo) missing += m_Albedo.Missing(width, height);
   if (missing == 0) return true;
   try {
     if (missing > m_Memory()) return false;
@@ -174,15 +176,49 @@ bool CRelighting::GetKd() {
     Console() << "CGrid::GetKd\t\tNo lights to be removed\n";
     return true;
   }
+  LogKd(added);
+  return WithMemory(true, "GetKd", [&] {
+    m_KdPass.Drop();
+    m_Texels.UpdateNormals(m_Surface.Interpolation());
+    m_Albedo.Compute(m_Texels.Normals(), {removed, added, m_Tone}, m_Textures);
+    Console() << "CGrid::GetKd\t\t\t\t...GetKd\tdone\n";
+  });
+}
+
+void CRelighting::LogKd(const CShading& added) const {
   if (!added.IsAnyActive()) {
     Console() << "CGrid::GetKd\t\tNo light to be added ; the system will only show the Kd map\n";
   }
   Console() << "CGrid::GetKd\t\twidth : " << m_Textures.PictureWidth() << "; height : " << m_Textures.PictureHeight()
             << "\nCGrid::GetKd\t\tnew_width : " << m_Textures.TextureWidth()
             << "; new_height : " << m_Textures.TextureHeight() << '\n';
-  return WithMemory(true, "GetKd", [&] {
-    m_Texels.UpdateNormals(m_Surface.Interpolation());
-    m_Albedo.Compute(m_Texels.Normals(), removed, added, m_Textures);
-    Console() << "CGrid::GetKd\t\t\t\t...GetKd\tdone\n";
-  });
+}
+
+bool CRelighting::PreviewKd() {
+  if (!HasTexels() || !CKdPreview::IsWorthWhile(m_Textures)) return false;
+  const CShading removed(m_RemovedLights);
+  if (!removed.IsAnyActive()) return false;
+  try {
+    m_KdPreview.Show(m_Texels, m_Surface.Interpolation(), {removed, CShading(m_AddedLights), m_Tone}, m_Textures);
+    return true;
+  } catch (const std::bad_alloc&) {
+    m_KdPreview.Clear();
+    return false;
+  }
+}
+
+CRelighting::KdProgress CRelighting::ContinueKd(const std::function<bool()>& goes) {
+  const bool lit = CShading(m_RemovedLights).IsAnyActive();
+  if (!HasTexels() || (!lit && !m_KdPass.IsUnderWay())) return KdProgress::None;
+  // Without a light to remove the images stay; what has been begun is finished first.
+  const CKdPass::CLights lights = lit ? CKdPass::CLights{m_RemovedLights, m_AddedLights, m_Tone} : m_KdPass.Lights();
+  const CInterpolation surface = m_Surface.Interpolation();
+  bool done = false;
+  const auto pieces = [&] { done = m_KdPass.Advance(lights, {surface, m_Texels, m_Albedo, m_Textures}, goes); };
+  if (!WithMemory(true, "GetKd", pieces)) return KdProgress::NoMemory;
+  if (!done) return KdProgress::Going;
+  Console() << "CGrid::GetKd\t\t\t\tGetKd...\n";
+  LogKd(CShading(lights.m_Added));
+  Console() << "CGrid::GetKd\t\t\t\t...GetKd\tdone\n";
+  return KdProgress::Done;
 }

@@ -5,10 +5,13 @@
 
 #include "base/Memory.h"
 #include "lighting/CAlbedoMap.h"
+#include "lighting/CKdPass.h"
+#include "lighting/CKdPreview.h"
 #include "lighting/CLight.h"
 #include "lighting/CTexelMap.h"
 #include "lighting/CTextureImages.h"
 
+class CShading;
 class CSurface;
 
 /// The picture on the surface, and its light: the lights taken out of it and put into it, where its texels lie, and the
@@ -46,6 +49,10 @@ class CRelighting {
     m_AddedLights = added;
   }
 
+  /// How the new illumination becomes bytes; clipped at the start. Nothing is computed.
+  Tone RelitTone() const { return m_Tone; }
+  void SetTone(Tone tone) { m_Tone = tone; }
+
   /// Takes this for the bytes that the first passes can have; AvailableMemory() at the start.
   void SetMemory(std::function<double()> memory) { m_Memory = std::move(memory); }
 
@@ -67,6 +74,17 @@ class CRelighting {
   /// Albedo, Kd image and new illumination (see CAlbedoMap), from normals of the present subdivision.
   bool GetKd();
 
+  // The same for lights that move, without a wait. While there is no picture, or no removed light is active, nothing
+  // happens.
+  /// What has become of it.
+  enum class KdProgress { None, Going, Done, NoMemory };
+  /// Has a large picture's images shown by smaller ones with the present lights at once (see CKdPreview); false where
+  /// that is not worth while or there is no memory.
+  bool PreviewKd();
+  /// What `GetKd` does, in pieces (see CKdPass): goes on for as long as `goes` is true. Its lines come all at the end,
+  /// or those of missing memory.
+  KdProgress ContinueKd(const std::function<bool()>& goes);
+
   /// What the lights made: images, places and normals of texels, albedo.
   const CTextureImages& Textures() const { return m_Textures; }
   const CTexelMap& Texels() const { return m_Texels; }
@@ -79,6 +97,7 @@ class CRelighting {
   template <typename Pass>
   bool WithMemory(bool albedo, const char* name, Pass&& pass);
   bool Reserve(bool albedo);
+  void LogKd(const CShading& added) const;
 
   const CSurface& m_Surface;
   CLightSet m_RemovedLights = CLightSet::Removed();
@@ -86,5 +105,8 @@ class CRelighting {
   CTextureImages m_Textures;
   CTexelMap m_Texels;
   CAlbedoMap m_Albedo;
+  Tone m_Tone = Tone::Clipped;
+  CKdPass m_KdPass;
+  CKdPreview m_KdPreview;
   std::function<double()> m_Memory = AvailableMemory;
 };

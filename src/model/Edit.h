@@ -25,6 +25,7 @@ enum class Edit {
   SplitCells,
   MergeCells,
   SetLight,
+  SetTone,
   LoadReference,
   RemoveReference,
   SetReferenceStrength,

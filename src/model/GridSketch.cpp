@@ -56,7 +56,8 @@ void CGrid::TakeOver(CSketch sketch) {
 
 CDocument DocumentOf(const CGrid& grid) {
   const CRelighting& relighting = grid.Relighting();
-  return {grid.Sketch(), relighting.RemovedLights(), relighting.AddedLights(), grid.Wanted().SelectedCells()};
+  return {grid.Sketch(), relighting.RemovedLights(), relighting.AddedLights(), relighting.RelitTone(),
+          grid.Wanted().SelectedCells()};
 }
 
 CModelState StateOf(const CGrid& grid) {
@@ -81,6 +82,7 @@ void CRestoration::RestoreDocument(CGrid& grid, const CDocument& document) {
   grid.m_Constraints.Restore(sketch);
   if (reference) grid.m_Reference.Set(sketch.m_Reference);
   grid.m_Relighting.SetLights(document.m_RemovedLights, document.m_AddedLights);
+  grid.m_Relighting.SetTone(document.m_Tone);
   if (cells) {
     sketch.m_aSubdivisions.front().ApplyTo(grid.m_Wanted.Current());
     sketch.m_aSubdivisions.back().ApplyTo(grid.m_Wanted.Other());
@@ -109,6 +111,7 @@ void CRestoration::RestoreState(CGrid& grid, const CModelState& state) {
   g_iMaxLevel = state.m_iNewMaxLevel;
   g_fPickTolerance = state.m_fPickTolerance;
   grid.m_Relighting.SetLights(document.m_RemovedLights, document.m_AddedLights);
+  grid.m_Relighting.SetTone(document.m_Tone);
   grid.m_Wanted.Current().SelectNodes(document.m_auSelectedCells);
   if (state.m_pSurface != nullptr) grid.m_Surface.Restore(*state.m_pSurface);
   grid.SetDiscMap();

@@ -1,5 +1,6 @@
 // Another light on the photograph, by mouse and keyboard: one is taken out on the left and one put in on the right.
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <optional>
@@ -128,6 +129,52 @@ TEST_F(RelightingRunTest, ImagesFollowALightThatIsTurned) {
   EXPECT_GT(m_User.Times(kRelit), times + 1) << "during the drag and at its end";
   const CPicture after = Shoot(1, "after.bmp");
   EXPECT_GT(Brightness(after, kLeftSlope), 1.1 * Brightness(before, kLeftSlope)) << "lit now";
+}
+
+TEST_F(RelightingRunTest, LiveImagesFollowTheSlidersAsUpdateKdWouldHaveThem) {
+  m_Panel->SetLights(CLightPanelUser::kRemoved, 55, 135, 0.6);
+  m_Panel->SetLights(CLightPanelUser::kAdded, 55, 0, 0.6);
+  EXPECT_EQ(m_User.Times(kRelit), 0U) << "it is off at the start";
+  m_Panel->ClickOn(CLightPanelUser::kUpdateInterpolation);
+  m_Panel->ClickOn(CLightPanelUser::kLive);
+  ASSERT_TRUE(m_User.Reads(kRelit));
+  m_Panel->ClickOn(CLightPanelUser::kNewIllumination);
+  const CPicture before = Shoot(1, "before.bmp");
+  m_Panel->ClickOn(CLightPanelUser::kLight1);
+  const std::size_t times = m_User.Times(kRelit);
+  m_Panel->DragTheta(55, 20);
+  EXPECT_GT(m_User.Times(kRelit), times + 1) << "during the drag and at its end";
+  const CPicture live = Shoot(1, "live.bmp");
+  EXPECT_NE(live.m_aPixels, before.m_aPixels);
+  const std::size_t liveTimes = m_User.Times(kRelit);
+  m_Panel->ClickOn(CLightPanelUser::kUpdateKd);
+  EXPECT_EQ(m_User.Times(kRelit), liveTimes + 1);
+  EXPECT_EQ(Shoot(1, "updated.bmp").m_aPixels, live.m_aPixels);
+  m_User.Type("ctrl+z");
+  ASSERT_TRUE(m_User.Reads(kRelit, liveTimes + 1));
+  EXPECT_NE(Shoot(1, "undone.bmp").m_aPixels, live.m_aPixels);
+  m_Panel->ClickOn(CLightPanelUser::kLive);
+  const std::size_t offTimes = m_User.Times(kRelit);
+  m_Panel->DragTheta(55, 20);
+  EXPECT_EQ(m_User.Times(kRelit), offTimes);
+}
+
+TEST_F(RelightingRunTest, SoftLightKeepsWhatIsBrightApartAndIsUndone) {
+  m_Panel->SetLights(CLightPanelUser::kRemoved, 55, 135, 0.3);
+  m_Panel->SetLights(CLightPanelUser::kAdded, 10, 0, 1);
+  m_Panel->ClickOn(CLightPanelUser::kUpdateKd);
+  ASSERT_TRUE(m_User.Reads(kRelit));
+  m_Panel->ClickOn(CLightPanelUser::kNewIllumination);
+  const CPicture clipped = Shoot(1, "clipped.bmp");
+  m_Panel->ClickOn(CLightPanelUser::kSoft);
+  ASSERT_TRUE(m_User.Reads(kRelit, 1)) << "computed images follow at once";
+  const CPicture soft = Shoot(1, "soft.bmp");
+  const auto white = [](const CPicture& picture) { return std::ranges::count(picture.m_aPixels, 255); };
+  EXPECT_GT(white(clipped), 1000);
+  EXPECT_LT(white(soft), white(clipped) / 2);
+  m_User.Type("ctrl+z");
+  ASSERT_TRUE(m_User.Reads(kRelit, 2));
+  EXPECT_EQ(Shoot(1, "undone.bmp").m_aPixels, clipped.m_aPixels);
 }
 
 // Where a menu's title has the same digit.

@@ -51,6 +51,13 @@ class ToolSetTest : public WindowTest {
     return Panel("Light sources");
   }
   void Push(const char* label) { Press(Find<Fl_Button>(Panel("Light sources"), label)); }
+  // Of the removed "Light 1", which is switched on.
+  void SetRed(double red) {
+    Find<Fl_Button>(Panel("Light sources"), "Set the light active").value(1);
+    auto& slider = Find<Fl_Value_Slider>(Panel("Light sources"), "Red");
+    slider.value(red);
+    slider.do_callback();
+  }
   double Value(const char* slider) { return Find<Fl_Value_Slider>(Panel("Light sources"), slider).value(); }
   // The command may wait for the solver's tick.
   void Choose(MenuEntry entry) {
@@ -288,6 +295,46 @@ TEST_F(ToolSetTest, ImagesFollowALightTurnedInTheModelOnceTheyExist) {
     m_Window.LightsMoved();
     EXPECT_TRUE(RunToolkitUntil([&] { return revision() == before + 1; }));
   }
+}
+
+TEST_F(ToolSetTest, LiveLightShowsALargePictureSmallerFirstAndComputesItBetweenEvents) {
+  LoadPicture();
+  Grid().Relighting().SetPicture(RandomPicture(1700, 1500));
+  OpenLights();
+  SwitchOn(CStaging::RemovedLights(Grid()), 0, {1, 1, 1});
+  const CTextureImages& images = Grid().Relighting().Textures();
+  Push("Live");
+  EXPECT_TRUE(RunToolkitUntil([&] { return images.PreviewOf(CTextureImages::kIllumination) != nullptr; }));
+  EXPECT_FALSE(Grid().Relighting().Albedo().IsComputed());
+  EXPECT_TRUE(RunToolkitUntil([&] { return Grid().Relighting().Albedo().IsComputed(); }));
+  EXPECT_EQ(images.PreviewOf(CTextureImages::kIllumination), nullptr);
+  EXPECT_TRUE(Find<Fl_Group>(Panel("Light sources"), "Texture Option").active());
+  // The next change drops what is under way.
+  for (const double red : {0.75, 0.5}) {
+    SetRed(red);
+    EXPECT_TRUE(RunToolkitUntil([&] { return images.PreviewOf(CTextureImages::kKd) != nullptr; })) << red;
+  }
+  EXPECT_TRUE(RunToolkitUntil([&] { return images.PreviewOf(CTextureImages::kKd) == nullptr; }));
+  const std::vector<std::uint8_t> live(images.Image(CTextureImages::kKd).begin(),
+                                       images.Image(CTextureImages::kKd).end());
+  Grid().GetKd();
+  EXPECT_TRUE(std::ranges::equal(live, images.Image(CTextureImages::kKd)));
+}
+
+TEST_F(ToolSetTest, LiveLightStopsWithThePictureAndTellsWhereThereIsNoMemory) {
+  LoadPicture();
+  OpenLights();
+  SwitchOn(CStaging::RemovedLights(Grid()), 0, {1, 1, 1});
+  Push("Live");
+  LoadPicture();
+  ASSERT_TRUE(IsDrawn());
+  EXPECT_FALSE(Grid().Relighting().Albedo().IsComputed());
+  Grid().Relighting().SetMemory([] { return 0.0; });
+  m_Dialogs.m_asNotices.clear();
+  SetRed(0.5);
+  EXPECT_TRUE(RunToolkitUntil([&] { return m_Dialogs.m_asNotices.size() == 1; }));
+  EXPECT_FALSE(Grid().Relighting().Albedo().IsComputed());
+  EXPECT_EQ(Find<Fl_Button>(Panel("Light sources"), "Live").value(), 0) << "it is not told with every change";
 }
 
 TEST_F(ToolSetTest, LightTurnedInTheModelIsThatOfThePanelAndItFollows) {

@@ -19,10 +19,12 @@ constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 // The three images and the albedo of a picture under two sets of lights.
 struct CRelit {
-  CRelit(const CPicture& picture, const std::vector<Vector3>& normals, const CLightSet& removed,
-         const CLightSet& added) {
+  CRelit(const CPicture& picture, const std::vector<Vector3>& normals, const CLightSet& removed, const CLightSet& added,
+         Tone tone = Tone::Clipped) {
     m_Images.SetPicture(picture);
-    m_Albedo.Compute(normals, CShading(removed), CShading(added), m_Images);
+    const CShading before(removed);
+    const CShading after(added);
+    m_Albedo.Compute(normals, {before, after, tone}, m_Images);
   }
 
   std::uint8_t KdByte(std::size_t k = 0) const { return m_Images.Image(CTextureImages::kKd)[k]; }
@@ -81,6 +83,26 @@ TEST_P(AlbedoByteTest, FollowsTheRule) {
   }
 }
 
+TEST(AlbedoMap, SoftToneRunsIntoWhite) {
+  for (int percent = 0; percent <= 300; ++percent) {
+    const double x = percent / 100.0;
+    const CRelit relit(PlainPicture(1, 1, 255), {{0, 0, 1}}, AmbientLight(1, 1, 1), AmbientLight(x, x, x), Tone::Soft);
+    const double soft = x <= 0.8 ? x : 0.8 + 0.2 * (1 - std::exp(-(x - 0.8) / 0.2));
+    EXPECT_NEAR(relit.NewByte(), std::floor(255 * soft + 1e-9), x <= 0.8 ? 1 : 0) << x;
+    EXPECT_EQ(relit.KdByte(), 255);
+    if (x > 0.8) continue;
+    EXPECT_EQ(relit.NewByte(), RelitTexel(255, 1, x).NewByte()) << x;
+  }
+}
+
+TEST(AlbedoMap, WhatIsNotFiniteIsBlackUnderTheShoulderToo) {
+  for (const double light : {kInfinity, kNone, -kInfinity}) {
+    const CRelit relit(PlainPicture(1, 1, 255), {{0, 0, 1}}, AmbientLight(1, 1, 1), AmbientLight(light, light, light),
+                       Tone::Soft);
+    EXPECT_EQ(relit.NewByte(), 0);
+  }
+}
+
 TEST(AlbedoMap, UnderAmbientLightAloneTheNormalDoesNotMatter) {
   const std::vector<Vector3> normals{{0, 0, 1}, {0, 0, -1}, {1, 0, 0}, {kNone, kNone, kNone}};
   const CRelit relit(PlainPicture(2, 2, 51), normals, AmbientLight(0.25, 0.5, 1), AmbientLight(1, 1, 1));
@@ -134,8 +156,9 @@ TEST(AlbedoMap, ThePhotographStaysAndTheOthersAreMarkedAsChanged) {
   const auto photograph = images.Image(CTextureImages::kPhotograph);
   const std::vector<std::uint8_t> before(photograph.begin(), photograph.end());
   const unsigned revision = images.Revision(CTextureImages::kPhotograph);
-  CAlbedoMap().Compute(std::vector<Vector3>(4, {0, 0, 1}), CShading(AmbientLight(0.5, 0.5, 0.5)), CShading(CLightSet{}),
-                       images);
+  const CShading removed(AmbientLight(0.5, 0.5, 0.5));
+  const CShading added{CLightSet{}};
+  CAlbedoMap().Compute(std::vector<Vector3>(4, {0, 0, 1}), {removed, added}, images);
   EXPECT_TRUE(std::ranges::equal(images.Image(CTextureImages::kPhotograph), before));
   EXPECT_EQ(images.Revision(CTextureImages::kPhotograph), revision);
   EXPECT_GT(images.Revision(CTextureImages::kKd), revision);

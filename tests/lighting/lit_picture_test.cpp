@@ -32,9 +32,10 @@ struct CLitGrid : CPictureGrid {
   CPicture Computed(LitPicture which, const std::function<bool(double)>& goes = {}) {
     const CInterpolation surface = m_Grid.Surface().Interpolation();
     const CPicture photograph = RandomPicture(kWidth, kHeight);
-    return LitPictureOf(
-        which, {photograph, CStaging::RemovedLights(m_Grid), CStaging::AddedLights(m_Grid), surface, m_NormalsOf},
-        goes);
+    return LitPictureOf(which,
+                        {photograph, CStaging::RemovedLights(m_Grid), CStaging::AddedLights(m_Grid), surface,
+                         m_NormalsOf, m_Grid.Relighting().RelitTone()},
+                        goes);
   }
   void Tear() {
     AddCurveThrough(m_Grid, CurveType::kPosition, {{-1.5, 21}, {4.25, 23}, {9, 23.5}});
@@ -74,6 +75,20 @@ TEST(LitPictureTest, IsWhatTheModelMakesButForAlbedosAboveOne) {
     ++kinds[kd >= 1 ? 0 : kd > 0 ? 1 : 2];
   }
   EXPECT_GT(*std::ranges::min_element(kinds), 10) << "above 1, below, and none at all";
+}
+
+TEST(LitPictureTest, SoftToneIsThatOfTheModel) {
+  CLitGrid lit;
+  const CPicture albedo = lit.Computed(LitPicture::Albedo);
+  const CPicture clipped = lit.Computed(LitPicture::Relit);
+  lit.m_Grid.SetTone(Tone::Soft);
+  const CPicture relit = lit.Computed(LitPicture::Relit);
+  EXPECT_NE(relit.m_aPixels, clipped.m_aPixels);
+  EXPECT_EQ(lit.Computed(LitPicture::Albedo).m_aPixels, albedo.m_aPixels);
+  lit.m_Grid.ComputeNormalsOnly();
+  lit.m_Grid.ComputeCoefsTexels();
+  lit.m_Grid.GetKd();
+  EXPECT_EQ(relit.m_aPixels, lit.Image(CTextureImages::kIllumination));
 }
 
 // The model shows gaps there.

@@ -132,6 +132,7 @@ inline CModelState AnyModel() {
   CSketch& sketch = model.m_Document.m_Sketch = *AnySketch();
   model.m_Document.m_RemovedLights = AnyLights();
   model.m_Document.m_AddedLights = AnyLights();
+  model.m_Document.m_Tone = *rc::gen::arbitrary<bool>() ? Tone::Soft : Tone::Clipped;
   model.m_iNewMaxLevel = *rc::gen::inRange(1, 11);
   model.m_fPickTolerance = *rc::gen::inRange(1, 10000) / 99.0;
   const std::size_t side = (std::size_t{1} << sketch.m_iMaxLevel) + 1;

@@ -110,6 +110,10 @@ void CLightUI::BuildRecord() {
   m_pActive = new Fl_Check_Button(164, 130, 164, 26, "Set the light active");
   m_pDrawn = new Fl_Check_Button(164, 158, 240, 26, "Draw the light in the 3D scene");
   for (Fl_Check_Button* button : {m_pActive, m_pDrawn}) button->callback(cb_Apply, this);
+  m_pLive = new Fl_Check_Button(404, 158, 50, 26, "Live");
+  m_pLive->callback(cb_Live, this);
+  m_pSoft = new Fl_Check_Button(456, 158, 50, 26, "Soft");
+  m_pSoft->callback(cb_Soft, this);
 }
 
 void CLightUI::BuildPosition() {
@@ -228,6 +232,10 @@ void CLightUI::TakeChoice() {
 void CLightUI::Refresh() {
   RefreshChoice();
   RefreshTextures();
+  if (m_pGrid != nullptr) {
+    m_pLive->value(m_pGrid->IsLive() ? 1 : 0);
+    m_pSoft->value(m_pGrid->RelitTone() == Tone::Soft ? 1 : 0);
+  }
   const CLight* light = CurrentRecord();
   if (light != nullptr) RefreshRecord(ControlsOf(*light));
 }
@@ -288,6 +296,16 @@ void CLightUI::Update(void (LightingCommands::*update)()) {
 void CLightUI::cb_Choice(Fl_Widget* /*widget*/, void* panel) { static_cast<CLightUI*>(panel)->TakeChoice(); }
 
 void CLightUI::cb_Apply(Fl_Widget* /*widget*/, void* panel) { static_cast<CLightUI*>(panel)->Apply(); }
+
+void CLightUI::cb_Live(Fl_Widget* /*widget*/, void* panel) {
+  auto& self = *static_cast<CLightUI*>(panel);
+  if (self.m_pGrid != nullptr) self.m_pGrid->SetLive(self.m_pLive->value() != 0);
+}
+
+void CLightUI::cb_Soft(Fl_Widget* /*widget*/, void* panel) {
+  auto& self = *static_cast<CLightUI*>(panel);
+  if (self.m_pGrid != nullptr) self.m_pGrid->SetTone(self.m_pSoft->value() != 0 ? Tone::Soft : Tone::Clipped);
+}
 
 // Phi stays where it is, so that a light dragged over the top comes down on the same side.
 void CLightUI::cb_Theta(Fl_Widget* /*widget*/, void* panel) {

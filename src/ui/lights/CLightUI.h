@@ -36,6 +36,8 @@ class CLightUI : public Fl_Double_Window {
 
   /// Brings the panel up to date. For everything that changes lights, pictures or textures from outside.
   void Refresh();
+  /// The same for the textures alone.
+  void RefreshTextures();
 
   /// 0-3 for "Light 1" to "Light 4", 4 for "Ambient light"; 0 and a line on the console when none is chosen.
   int current_light() const;
@@ -65,11 +67,12 @@ class CLightUI : public Fl_Double_Window {
   void RefreshPhi();
   void RefreshColour(const std::array<double, 3>& colour);
   void RefreshTubeColour(const std::array<int, 3>& bytes);
-  void RefreshTextures();
   void Update(void (LightingCommands::*update)());
 
   static void cb_Choice(Fl_Widget* widget, void* panel);
   static void cb_Apply(Fl_Widget* widget, void* panel);
+  static void cb_Live(Fl_Widget* widget, void* panel);
+  static void cb_Soft(Fl_Widget* widget, void* panel);
   static void cb_Theta(Fl_Widget* widget, void* panel);
   static void cb_Colour(Fl_Widget* widget, void* panel);
   static void cb_FixRatios(Fl_Widget* widget, void* panel);
@@ -93,6 +96,8 @@ class CLightUI : public Fl_Double_Window {
   std::array<Fl_Round_Button*, 2> m_apCategories{};
   Fl_Check_Button* m_pActive = nullptr;
   Fl_Check_Button* m_pDrawn = nullptr;
+  Fl_Check_Button* m_pLive = nullptr;
+  Fl_Check_Button* m_pSoft = nullptr;
   Fl_Button* m_pTubeColour = nullptr;
   Fl_Group* m_pPosition = nullptr;
   Fl_Value_Slider* m_pTheta = nullptr;

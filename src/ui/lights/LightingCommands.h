@@ -1,8 +1,7 @@
 #pragma once
 
+#include "lighting/CLight.h"
 #include "lighting/CTextureImages.h"
-
-struct CLight;
 
 /// What the light panel asks of the model and of the model view.
 class LightingCommands {
@@ -22,6 +21,13 @@ class LightingCommands {
   virtual void UpdateKd() = 0;
   /// Whether `UpdateKd` has produced the images for the present picture.
   virtual bool HasKd() const = 0;
+
+  /// Whether albedo and new illumination follow every change of a light; for the run.
+  virtual bool IsLive() const = 0;
+  virtual void SetLive(bool live) = 0;
+  /// How bright places of the new illumination become bytes.
+  virtual Tone RelitTone() const = 0;
+  virtual void SetTone(Tone tone) = 0;
 
   /// The image that the model view shows.
   virtual CTextureImages::Which ShownTexture() const = 0;

@@ -8,13 +8,22 @@ constexpr CPixel kTheta{14, 224};
 constexpr CPixel kPhi{14, 269};
 constexpr CPixel kRed{269, 227};
 
+constexpr int kBeforeTrack = 35;
+constexpr int kKnob = 16;
+constexpr int kTrack = 229 - kBeforeTrack;
+
 }  // namespace
+
+void CLightPanelUser::DragTheta(double from, double to) const {
+  const auto place = [this](double degrees) {
+    const double along = kBeforeTrack + kKnob / 2.0 + degrees / 180 * (kTrack - kKnob);
+    return m_Panel.At({kTheta.m_iX + static_cast<int>(std::lround(along)), kTheta.m_iY});
+  };
+  m_User.DragSlowly(place(from), place(to), 1, "", 6);
+}
 
 // A click to the right of the knob brings its right edge under the mouse, so the value can only grow.
 void CLightPanelUser::SetSlider(CPixel slider, double fraction) const {
-  constexpr int kBeforeTrack = 35;
-  constexpr int kKnob = 16;
-  constexpr int kTrack = 229 - kBeforeTrack;
   const double along = kBeforeTrack + kKnob + fraction * (kTrack - kKnob);
   ClickOn({slider.m_iX + static_cast<int>(std::lround(along)), slider.m_iY});
 }

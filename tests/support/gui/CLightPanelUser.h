@@ -11,6 +11,8 @@ class CLightPanelUser {
   static constexpr CPixel kRemoved{185, 43};
   static constexpr CPixel kAdded{185, 71};
   static constexpr CPixel kActive{174, 143};
+  static constexpr CPixel kLive{414, 171};
+  static constexpr CPixel kSoft{466, 171};
   static constexpr CPixel kFixRatios{320, 403};
   static constexpr CPixel kNewIllumination{350, 129};
   static constexpr CPixel kUpdateInterpolation{131, 381};
@@ -19,6 +21,8 @@ class CLightPanelUser {
   CLightPanelUser(const CUser& user, const CArea& panel) : m_User(user), m_Panel(panel) {}
 
   void ClickOn(CPixel place) const { m_User.ClickAt(m_Panel.At(place)); }
+  /// Moves the knob of the theta slider of the light being edited from the angle where it is to another, degrees.
+  void DragTheta(double from, double to) const;
   /// Switches on "Light 1" and the ambient light of a category (kRemoved or kAdded). Angles are in degrees, the ambient
   /// light is grey of the given strength, from 0 to 1; all as near as a slider comes.
   void SetLights(CPixel category, double theta, double phi, double ambient) const;

@@ -48,6 +48,10 @@ class RecordingLighting : public LightingCommands {
     m_bHasKd = m_bKdSucceeds;
   }
   bool HasKd() const override { return m_bHasKd; }
+  bool IsLive() const override { return m_bLive; }
+  void SetLive(bool live) override { m_bLive = live; }
+  Tone RelitTone() const override { return m_Tone; }
+  void SetTone(Tone tone) override { m_Tone = tone; }
   CTextureImages::Which ShownTexture() const override { return m_Shown; }
   void ShowTexture(CTextureImages::Which mode) override { m_Shown = mode; }
 
@@ -57,6 +61,8 @@ class RecordingLighting : public LightingCommands {
   int m_iBusy = 0;  ///< commands that the mouse showed to be under way
   bool m_bKdSucceeds = true;
   bool m_bHasKd = false;
+  bool m_bLive = false;
+  Tone m_Tone = Tone::Clipped;
   CTextureImages::Which m_Shown = CTextureImages::kPhotograph;
 
  private:
