@@ -3,10 +3,12 @@
 #include <cmath>
 #include <iterator>
 #include <memory>
+#include <string>
 
 #include "drawing/DisplayFlags.h"
 #include "formats/ProjectFile.h"
 #include "support/ConsoleCapture.h"
+#include "support/FileBuilders.h"
 #include "support/ProjectBuilders.h"
 #include "support/gui/Input.h"
 #include "support/gui/RunTest.h"
@@ -200,4 +202,31 @@ TEST_F(RememberedRunTest, TheNextStartHasTheSameWindowAndOneByDefaultsHasNot) {
   Quit(program);
   CRelievo again({}, m_State.Path());
   EXPECT_TRUE(WaitUntil([&] { return again.MainArea() == area; })) << "it is still remembered";
+}
+
+TEST_F(RememberedRunTest, TheMarksOfAProjectWinWhileItIsOpenAndAreNotRemembered) {
+  const std::string file = m_State.File("wide.relievo");
+  const std::string settings = m_State.Path() / "config" / "relievo" / "settings.json";
+  const auto remembers = [&] {
+    return BytesOf(settings).find("\"switch_keep_proportions\": true") != std::string::npos;
+  };
+  ASSERT_TRUE(SaveProject(WideProject(), file));
+  {
+    CRelievo program({}, m_State.Path());
+    const CUser user(program);
+    user.ChooseEntry(MenuTitle::Edit, "m");
+    user.ChooseEntry(MenuTitle::Inspect, "k");
+    Quit(program);
+  }
+  ASSERT_TRUE(remembers());
+  {
+    CRelievo program({file}, m_State.Path());
+    const CUser user(program);
+    user.ClickAt(user.AreaOf(Control::ImageView).At({300, 200}));
+    PressKey("ctrl+s");
+    ASSERT_TRUE(user.Reads(file + " is saved"));
+    EXPECT_EQ(ReadProject(file).m_Project.value().m_Views.m_uImageFlags, ImageFlag::kAtStart);
+    Quit(program);
+  }
+  EXPECT_TRUE(remembers());
 }
