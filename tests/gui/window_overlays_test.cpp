@@ -7,6 +7,7 @@
 #include <string>
 
 #include "drawing/COverlay.h"
+#include "support/CStaging.h"
 #include "support/UpdateBuilders.h"
 #include "support/gui/WindowTest.h"
 #include "ui/seams/OverlaySource.h"
@@ -166,6 +167,22 @@ TEST_F(WindowOverlaysTest, CurveWithoutAutoBumpHasNoInfluence) {
   ASSERT_TRUE(RunToolkitUntil([this] { return Shown() != nullptr; }));
   EXPECT_EQ(Shown()->m_Title, "Influence: none, the curve has no auto bump");
   EXPECT_STREQ(HelpLine().value(), HelpTextOf(HelpText::kNoInfluence));
+}
+
+TEST_F(WindowOverlaysTest, CurveWithAutoBumpHasThatOfADegree) {
+  m_Window.ImageView().SetMode(EditingMode::Curve);
+  Grid().AddCurve(std::vector{HeightCstr(2, 22.3, 0), HeightCstr(9, 22.3, 0)}, CurveType::kNormal, false);
+  CCntrCtrl& curve = CStaging::Constraints(Grid()).Curves().back();
+  curve.SetOption(CurveOption::kLeftAutoBump, true);
+  curve.SetDistance(CurveSide::Left, 10);
+  curve.SetOrientation(CurveSide::Left, 20);
+  Grid().Run().Post(Operation::kRebuildMaps);
+  Tick();
+  Grid().PickCurve(2, 22.3, CurveType::kNormal);
+  Menu().Choose(MenuEntry::InfluenceMap);
+  ASSERT_TRUE(RunToolkitUntil([this] { return Shown() != nullptr && Shown()->m_bHasBar; }));
+  EXPECT_EQ(Shown()->m_Title, "Influence of a degree of the curve's orientation");
+  EXPECT_GT(Shown()->m_fHigh, 1e-4);
 }
 
 TEST_F(WindowOverlaysTest, SavesTheOverlayAsPng) {
