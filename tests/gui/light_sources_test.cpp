@@ -5,6 +5,20 @@
 
 #include "support/gui/LightPanelTest.h"
 
+TEST_F(LightSourcesTest, LiveAndSoftAreOffAtTheStartAndShowWhatIs) {
+  m_Panel.Open();
+  EXPECT_FALSE(IsOn("Live") || IsOn("Soft"));
+  Push("Live");
+  EXPECT_TRUE(m_Lighting.IsLive());
+  Push("Soft");
+  EXPECT_EQ(m_Lighting.RelitTone(), Tone::Soft);
+  EXPECT_TRUE(m_Lighting.m_asCommands.empty()) << "what follows is the model's matter";
+  m_Lighting.SetLive(false);
+  m_Lighting.SetTone(Tone::Clipped);
+  m_Panel.Refresh();
+  EXPECT_FALSE(IsOn("Live") || IsOn("Soft"));
+}
+
 TEST_F(LightSourcesTest, HasItsSizeAndStartsHidden) {
   EXPECT_EQ(m_Panel.w(), 512);
   EXPECT_EQ(m_Panel.h(), 439);
