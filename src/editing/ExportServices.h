@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "formats/ExportProgress.h"
+#include "base/ExportProgress.h"
 #include "formats/ExportSurvey.h"
 #include "formats/FilmFile.h"
 #include "formats/SurfaceExport.h"

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "base/CPicture.h"
+#include "base/ExportProgress.h"
 #include "formats/CFileMesh.h"
-#include "formats/ExportProgress.h"
 
 class CGrid;
 struct CReadPicture;

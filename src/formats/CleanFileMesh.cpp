@@ -16,10 +16,10 @@ namespace {
 using CTriangle = std::array<std::uint32_t, 3>;
 using CPoint = std::array<float, 3>;
 
-CCleanMesh CleanMeshOf(const CGrid& grid, const CCleanMeshOptions& options) {
+CCleanMesh CleanMeshOf(const CGrid& grid, const CCleanMeshOptions& options, const CExportSteps& steps) {
   CSurfaceMesh mesh;
   mesh.Build(grid.Surface().Tree());
-  return {grid.Surface().Tree(), mesh, grid.Constraints().Curves(), options};
+  return {grid.Surface().Tree(), std::move(mesh), grid.Constraints().Curves(), options, steps};
 }
 
 std::vector<CTriangle> TrianglesOf(std::span<const std::uint32_t> corners) {
@@ -180,17 +180,18 @@ class CSolidCloser {
 
 CFileMesh CleanFileMesh(const CGrid& grid, const CCleanMeshOptions& options, const CExportSteps& steps) {
   constexpr double kCleanShare = 0.6;
-  const CCleanMesh clean = CleanMeshOf(grid, options);
+  CCleanMesh clean = CleanMeshOf(grid, options, steps.Part(0, kCleanShare));
   CFileMesh mesh = EmptyMesh(grid, options);
   if (!steps.Goes(kCleanShare)) return mesh;
-  ReserveLarge(mesh.m_aPositions, clean.Vertices().size());
-  ReserveLarge(mesh.m_aPicturePlaces, clean.Vertices().size());
-  for (std::size_t v = 0; v < clean.Vertices().size(); ++v) {
-    const auto& [u, w] = clean.Vertices()[v].m_Picture;
+  const std::size_t vertices = clean.VertexCount();
+  ReserveLarge(mesh.m_aPositions, vertices);
+  ReserveLarge(mesh.m_aPicturePlaces, vertices);
+  for (std::size_t v = 0; v < vertices; ++v) {
+    const auto [u, w] = clean.Picture(v);
     mesh.m_aPositions.push_back(clean.Written(v));
     mesh.m_aPicturePlaces.push_back({static_cast<float>(u), static_cast<float>(w)});
   }
-  mesh.m_aTriangles = TrianglesOf(clean.Triangles());
+  mesh.m_aTriangles = clean.TakeTriangles();
   const std::vector<CTriangle> strips = TrianglesOf(clean.Strips());
   mesh.m_aTriangles.insert(mesh.m_aTriangles.end(), strips.begin(), strips.end());
   AddSmoothNormals(mesh, steps.Part(kCleanShare, 1));
@@ -204,12 +205,12 @@ CFileMesh CleanSolid(const CGrid& grid, const CCleanMeshOptions& options, double
   CCleanMeshOptions closed = options;
   closed.m_Gap = TearGap::Wall;
   closed.m_bOpenEdges = true;
-  const CCleanMesh clean = CleanMeshOf(grid, closed);
+  CCleanMesh clean = CleanMeshOf(grid, closed, steps.Part(0, kCleanShare));
   CFileMesh mesh = EmptyMesh(grid, options);
   if (!steps.Goes(kCleanShare)) return mesh;
-  ReserveLarge(mesh.m_aPositions, clean.Vertices().size());
-  for (std::size_t v = 0; v < clean.Vertices().size(); ++v) mesh.m_aPositions.push_back(clean.Written(v));
-  mesh.m_aTriangles = TrianglesOf(clean.Triangles());
+  ReserveLarge(mesh.m_aPositions, clean.VertexCount());
+  for (std::size_t v = 0; v < clean.VertexCount(); ++v) mesh.m_aPositions.push_back(clean.Written(v));
+  mesh.m_aTriangles = clean.TakeTriangles();
   const std::size_t surface = mesh.m_aTriangles.size();
   const std::vector<CTriangle> walls = TrianglesOf(clean.Walls());
   mesh.m_aTriangles.insert(mesh.m_aTriangles.end(), walls.begin(), walls.end());

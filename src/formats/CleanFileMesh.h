@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/ExportProgress.h"
 #include "formats/CFileMesh.h"
-#include "formats/ExportProgress.h"
 #include "mesh/CCleanMesh.h"
 
 class CGrid;

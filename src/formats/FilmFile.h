@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/CPicture.h"
-#include "formats/ExportProgress.h"
+#include "base/ExportProgress.h"
 #include "model/CSaveOutcome.h"
 
 /// Frames in a second of every film.

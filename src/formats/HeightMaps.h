@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "formats/ExportProgress.h"
+#include "base/ExportProgress.h"
 #include "formats/SurfaceSamples.h"
 
 /// What the numbers of a height map stand for: height = offset + scale * number.

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "base/ExportProgress.h"
 #include "formats/CFileMesh.h"
-#include "formats/ExportProgress.h"
 
 /// What a page is made of.
 struct CPageContents {

@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "base/ExportProgress.h"
 #include "formats/CFileMesh.h"
-#include "formats/ExportProgress.h"
 
 /// The two texts of a Wavefront model.
 struct CObjTexts {

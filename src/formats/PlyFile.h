@@ -3,8 +3,8 @@
 #include <string>
 
 #include "base/CPicture.h"
+#include "base/ExportProgress.h"
 #include "formats/CFileMesh.h"
-#include "formats/ExportProgress.h"
 
 /// The bytes of a binary PLY file, least significant byte first: normals, places in the picture and, where there is a
 /// picture, its colours at the vertices. Not whole where it has been cancelled. Throws std::bad_alloc.

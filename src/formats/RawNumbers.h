@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include "formats/ExportProgress.h"
+#include "base/ExportProgress.h"
 
 static_assert(std::endian::native == std::endian::little, "numbers go into files as they are in memory");
 

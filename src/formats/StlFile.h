@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "base/ExportProgress.h"
 #include "formats/CFileMesh.h"
-#include "formats/ExportProgress.h"
 
 /// The bytes of a binary STL file of the triangles, each with its normal. Not whole where it has been cancelled. Throws
 /// std::bad_alloc.

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "base/ExportProgress.h"
 #include "formats/CExportPictures.h"
 #include "formats/CFileMesh.h"
-#include "formats/ExportProgress.h"
 #include "formats/PictureFormats.h"
 #include "formats/SurfaceSamples.h"
 #include "mesh/CCleanMesh.h"

@@ -7,9 +7,9 @@
 #include <span>
 #include <vector>
 
+#include "base/ExportProgress.h"
 #include "base/Vector3.h"
 #include "formats/CFileMesh.h"
-#include "formats/ExportProgress.h"
 
 /// A regular grid of places over the whole rectangle, its border included: column 0 lies on the left side, the last one
 /// on the right, row 0 on the lower one.

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/Memory.h"
+#include "lattice/CLattice.h"
 #include "mesh/CSideHeights.h"
 #include "mesh/CTearCutter.h"
 #include "mesh/CTearPatch.h"
@@ -15,64 +16,72 @@
 
 double UnderWidthOf(const CExtent& extent) { return std::max(extent.x1 - extent.x0, extent.y1 - extent.y0) / 8.0; }
 
-CCleanMesh::CCleanMesh(const CQuadTree& tree, const CSurfaceMesh& mesh, const CCntrCtrlList& curves,
-                       const CCleanMeshOptions& options)
+CCleanMesh::CCleanMesh(const CQuadTree& tree, CSurfaceMesh mesh, const CCntrCtrlList& curves,
+                       const CCleanMeshOptions& options, const CExportSteps& steps)
     : m_Extent(tree.Lattice().Extent()),
       m_iCells(tree.Lattice().PointsPerSide() - 1),
       m_afCell{(m_Extent.x1 - m_Extent.x0) / m_iCells, (m_Extent.y1 - m_Extent.y0) / m_iCells},
       m_Options(options),
       m_Plane(m_iCells, options.m_fScale * (m_Extent.x1 - m_Extent.x0),
               options.m_fScale * (m_Extent.y1 - m_Extent.y0)) {
+  constexpr double kPlain = 0.2;
   if (m_Options.m_fUnderWidth <= 0.0) m_Options.m_fUnderWidth = UnderWidthOf(m_Extent);
   AddVertices(tree, mesh);
+  if (!steps.Goes(kPlain / 2)) return;
   const double width = options.m_Gap == TearGap::Under ? m_Options.m_fUnderWidth : 0.0;
   CTearPatch patch(tree, mesh, m_Plane, ReachOf(width, m_afCell, m_iCells));
-  AddPlainTriangles(mesh, patch);
-  if (patch.Triangles().Triangles().empty()) return;
-  CTearCutter cutter(patch.Triangles(), m_Plane);
-  CutAlongCurves(patch, cutter, curves, tree.Lattice());
-  std::vector<double> meshHeights;
-  meshHeights.reserve(m_aVertices.size());
-  for (const CVertex& vertex : m_aVertices) meshHeights.push_back(vertex.m_fZ);
-  const CTearSides sides(patch);
-  const CSideHeights side(patch, sides, options.m_Gap == TearGap::Under);
-  const std::vector<double> known = side.KnownOf(meshHeights);
-  CTornSurface torn(patch, sides, side.Raised(known), options.m_fHeightScale);
-  if (options.m_Gap == TearGap::Wall) torn.SplitAtChanges(cutter);
-  if (options.m_bOpenEdges) torn.OpenEdges();
-  const std::vector<std::uint32_t> numbers = AddTorn(torn, patch);
-  if (options.m_Gap == TearGap::Under) AddStrips(patch, sides, side, known, numbers);
-}
-
-CCleanMesh::CVertex CCleanMesh::VertexAt(const CMeshPlace& place, double z) const {
-  return {place, z, {m_Plane.ColumnOf(place) / m_iCells, m_Plane.RowOf(place) / m_iCells}};
+  TakePlainTriangles(std::move(mesh), patch);
+  if (!patch.Triangles().Triangles().empty()) AddPatch(patch, tree.Lattice(), curves, steps.Part(kPlain, 1));
 }
 
 void CCleanMesh::AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh) {
-  std::vector<double> positions;
-  ReserveLarge(positions, 3 * mesh.VertexCount());
-  positions.resize(3 * mesh.VertexCount());
-  mesh.Raise(tree, std::span(positions));
-  const int side = m_iCells + 1;
-  ReserveLarge(m_aVertices, mesh.VertexCount());
-  const auto add = [&](double column, double row) {
-    m_aVertices.push_back(VertexAt(m_Plane.At(column, row), positions[3 * m_aVertices.size() + 2]));
+  // The room behind them is for what cuts add; it costs nothing unused.
+  ReserveLarge(m_aRaised, mesh.VertexCount() + mesh.VertexCount() / 8);
+  const std::span<const double> heights = tree.Lattice().Heights();
+  const auto side = static_cast<std::uint32_t>(m_iCells) + 1;
+  const auto add = [&](std::uint32_t point, double offset, double z) {
+    const std::uint32_t row = point / side;
+    m_aRaised.push_back({m_Plane.At(point % side + offset, row + offset), z});
   };
-  for (const std::uint32_t point : mesh.Points()) {
-    const int row = static_cast<int>(point) / side;
-    add(static_cast<int>(point) % side, row);
-  }
-  for (const CLeaf& leaf : tree.Leaves()) {
-    add(leaf.m_pCell->X0() + 0.5 * leaf.m_uSize, leaf.m_pCell->Y0() + 0.5 * leaf.m_uSize);
-  }
+  for (const std::uint32_t point : mesh.Points()) add(point, 0.0, heights[point]);
+  for (const CLeaf& leaf : tree.Leaves())
+    add(leaf.m_uPoint, 0.5 * leaf.m_uSize, CSurfaceMesh::CentreHeight(tree, leaf, heights));
 }
 
-void CCleanMesh::AddPlainTriangles(const CSurfaceMesh& mesh, const CTearPatch& patch) {
-  ReserveLarge(m_auTriangles, mesh.Triangles().size());
-  mesh.ForEachTriangle([&](std::uint32_t a, std::uint32_t b, std::uint32_t centre, bool /*torn*/) {
-    if (patch.HoldsLeaf(centre - mesh.CornerCount())) return;
-    for (const std::uint32_t corner : {a, b, centre}) m_auTriangles.push_back(corner);
-  });
+// Leaves of the patch are few, and what is behind them moves up.
+void CCleanMesh::TakePlainTriangles(CSurfaceMesh&& mesh, const CTearPatch& patch) {
+  const auto corners = static_cast<std::uint32_t>(mesh.CornerCount());
+  m_aTriangles = std::move(mesh).TakeTriangles();
+  if (patch.Triangles().Triangles().empty()) return;
+  std::erase_if(m_aTriangles, [&](const CSurfaceMesh::CTriangle& t) { return patch.HoldsLeaf(t[2] - corners); });
+}
+
+void CCleanMesh::AddPatch(CTearPatch& patch, const CLattice& lattice, const CCntrCtrlList& curves,
+                          const CExportSteps& steps) {
+  constexpr double kCut = 0.3;
+  constexpr double kRaised = 0.9;
+  CTearCutter cutter(patch.Triangles(), m_Plane);
+  if (!CutAlongCurves(patch, cutter, curves, lattice, steps.Part(0, kCut))) return;
+  const CTearSides sides(patch);
+  const CExportSteps raising = steps.Part(kCut, kRaised);
+  const auto heightOf = [this](std::uint32_t vertex) { return m_aRaised[vertex].m_fZ; };
+  if (m_Options.m_Gap != TearGap::Under) {
+    CTornSurface torn(patch, sides, CSideHeights::RaisedOnce(patch, sides, heightOf, raising),
+                      m_Options.m_fHeightScale);
+    if (!steps.Goes(kRaised)) return;
+    if (m_Options.m_Gap == TearGap::Wall) torn.SplitAtChanges(cutter);
+    if (m_Options.m_bOpenEdges) torn.OpenEdges();
+    AddTorn(torn, patch);
+    return;
+  }
+  const CSideHeights side(patch, sides, true, raising);
+  if (!steps.Goes(kRaised)) return;
+  std::vector<double> known;
+  for (const std::uint32_t vertex : side.KnownVertices()) known.push_back(heightOf(vertex));
+  CTornSurface torn(patch, sides, side.Raised(known), m_Options.m_fHeightScale);
+  if (m_Options.m_bOpenEdges) torn.OpenEdges();
+  const std::vector<std::uint32_t> numbers = AddTorn(torn, patch);
+  AddStrips(patch, sides, side, known, numbers);
 }
 
 // A vertex of the mesh keeps its number for its first copy.
@@ -86,18 +95,15 @@ std::vector<std::uint32_t> CCleanMesh::AddTorn(const CTornSurface& torn, const C
     if (number == CTearPatch::kNone || taken[vertex]) return;
     taken[vertex] = true;
     numbers[copy] = number;
-    m_aVertices[number].m_Place = torn.PlaceOf(copy);
-    m_aVertices[number].m_fZ = torn.Heights()[copy];
+    m_aRaised[number] = {torn.PlaceOf(copy), torn.Heights()[copy]};
   };
   for (std::uint32_t copy = 0; copy < vertices.size(); ++copy) keep(copy);
   for (std::uint32_t copy = 0; copy < vertices.size(); ++copy) {
     if (numbers[copy] != CTearPatch::kNone) continue;
-    numbers[copy] = static_cast<std::uint32_t>(m_aVertices.size());
-    m_aVertices.push_back(VertexAt(torn.PlaceOf(copy), torn.Heights()[copy]));
+    numbers[copy] = static_cast<std::uint32_t>(m_aRaised.size());
+    m_aRaised.push_back({torn.PlaceOf(copy), torn.Heights()[copy]});
   }
-  for (const auto& corners : torn.Corners()) {
-    for (const std::uint32_t copy : corners) m_auTriangles.push_back(numbers[copy]);
-  }
+  for (const auto& [a, b, c] : torn.Corners()) m_aTriangles.push_back({numbers[a], numbers[b], numbers[c]});
   if (m_Options.m_Gap != TearGap::Wall) return numbers;
   for (const std::uint32_t copy : torn.Walls()) m_auWalls.push_back(numbers[copy]);
   return numbers;
@@ -115,12 +121,13 @@ void CCleanMesh::AddStrips(const CTearPatch& patch, const CTearSides& sides, con
   for (std::size_t v = 0; v < z.size(); ++v) {
     const CTearStrips::CVertex& vertex = strips.Vertices()[v];
     const std::uint32_t joined = strips.JoinedTo(vertex);
-    stripNumbers.push_back(joined == CTearStrips::kNone ? static_cast<std::uint32_t>(m_aVertices.size())
+    stripNumbers.push_back(joined == CTearStrips::kNone ? static_cast<std::uint32_t>(m_aRaised.size())
                                                         : numbers[joined]);
     if (joined != CTearStrips::kNone) continue;
     const CCellPoint shown = strips.PictureOf(vertex, m_iCells);
     const CCellPoint& place = vertex.m_Above.m_Place;
-    m_aVertices.push_back({m_Plane.At(place.x, place.y), z[v], {shown.x / m_iCells, shown.y / m_iCells}});
+    m_aRaised.push_back({m_Plane.At(place.x, place.y), z[v]});
+    m_aShown.push_back({shown.x / m_iCells, shown.y / m_iCells});
   }
   for (const auto& corners : strips.Triangles()) {
     for (const std::uint32_t v : corners) m_auStrips.push_back(stripNumbers[v]);
@@ -128,15 +135,9 @@ void CCleanMesh::AddStrips(const CTearPatch& patch, const CTearSides& sides, con
 }
 
 Vector3 CCleanMesh::Position(std::size_t vertex) const {
-  const CVertex& v = m_aVertices[vertex];
+  const CRaised& v = m_aRaised[vertex];
   const double width = m_Extent.x1 - m_Extent.x0;
   const double height = m_Extent.y1 - m_Extent.y0;
   return {m_Extent.x0 + m_Plane.ColumnOf(v.m_Place) * width / m_iCells,
           m_Extent.y0 + m_Plane.RowOf(v.m_Place) * height / m_iCells, v.m_fZ};
-}
-
-std::array<float, 3> CCleanMesh::Written(std::size_t vertex) const {
-  const CVertex& v = m_aVertices[vertex];
-  return {m_Plane.WrittenX(v.m_Place), m_Plane.WrittenY(v.m_Place),
-          static_cast<float>(m_Options.m_fHeightScale * v.m_fZ)};
 }

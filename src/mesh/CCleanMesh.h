@@ -4,14 +4,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
+#include "base/ExportProgress.h"
 #include "base/Vector3.h"
 #include "lattice/CLattice.h"
 #include "mesh/CMeshPlane.h"
 #include "model/CSurfaceMesh.h"
 
 class CCntrCtrlList;
+class CLattice;
 class CQuadTree;
 class CSideHeights;
 class CTearPatch;
@@ -54,18 +57,38 @@ class CCleanMesh {
     CSurfaceMesh::CTexturePoint m_Picture;  ///< what it shows of the picture
   };
 
-  /// `mesh` must have been built from `tree`, whose leaves must be listed and marked for `curves`.
-  CCleanMesh(const CQuadTree& tree, const CSurfaceMesh& mesh, const CCntrCtrlList& curves,
-             const CCleanMeshOptions& options = {});
+  /// `mesh` must have been built from `tree`, whose leaves must be listed and marked for `curves`; it is faster to give
+  /// it away. Not whole where `steps` do not go on.
+  CCleanMesh(const CQuadTree& tree, CSurfaceMesh mesh, const CCntrCtrlList& curves,
+             const CCleanMeshOptions& options = {}, const CExportSteps& steps = {});
 
   /// Vertices, and where one lies in model units.
-  std::span<const CVertex> Vertices() const { return m_aVertices; }
+  std::size_t VertexCount() const { return m_aRaised.size(); }
+  CVertex Vertex(std::size_t vertex) const {
+    return {m_aRaised[vertex].m_Place, m_aRaised[vertex].m_fZ, Picture(vertex)};
+  }
   Vector3 Position(std::size_t vertex) const;
   /// The same as a file holds it: from the middle of the rectangle, scaled.
-  std::array<float, 3> Written(std::size_t vertex) const;
+  std::array<float, 3> Written(std::size_t vertex) const {
+    const CRaised& v = m_aRaised[vertex];
+    return {m_Plane.WrittenX(v.m_Place), m_Plane.WrittenY(v.m_Place),
+            static_cast<float>(m_Options.m_fHeightScale * v.m_fZ)};
+  }
+  /// What it shows of the picture.
+  CSurfaceMesh::CTexturePoint Picture(std::size_t vertex) const {
+    const std::size_t plain = m_aRaised.size() - m_aShown.size();
+    if (vertex >= plain) return m_aShown[vertex - plain];
+    const CMeshPlace& place = m_aRaised[vertex].m_Place;
+    return {m_Plane.ColumnOf(place) / m_iCells, m_Plane.RowOf(place) / m_iCells};
+  }
 
   /// The surface: three vertices per triangle, counter-clockwise as seen from +z.
-  std::span<const std::uint32_t> Triangles() const { return m_auTriangles; }
+  std::span<const std::uint32_t> Triangles() const {
+    return m_aTriangles.empty() ? std::span<const std::uint32_t>()
+                                : std::span(m_aTriangles.front().data(), 3 * m_aTriangles.size());
+  }
+  /// The same for those who go on with them; none is left.
+  std::vector<CSurfaceMesh::CTriangle> TakeTriangles() { return std::move(m_aTriangles); }
   /// The walls of the tears, empty unless they were asked for: vertical triangles between vertices of the surface.
   std::span<const std::uint32_t> Walls() const { return m_auWalls; }
   /// What runs on beneath the higher sides, empty unless it was asked for: triangles that face as the surface does, and
@@ -73,20 +96,26 @@ class CCleanMesh {
   std::span<const std::uint32_t> Strips() const { return m_auStrips; }
 
  private:
+  struct CRaised {
+    CMeshPlace m_Place;
+    double m_fZ = 0.0;  ///< model units
+  };
+
   void AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh);
-  void AddPlainTriangles(const CSurfaceMesh& mesh, const CTearPatch& patch);
+  void TakePlainTriangles(CSurfaceMesh&& mesh, const CTearPatch& patch);
+  void AddPatch(CTearPatch& patch, const CLattice& lattice, const CCntrCtrlList& curves, const CExportSteps& steps);
   std::vector<std::uint32_t> AddTorn(const CTornSurface& torn, const CTearPatch& patch);
   void AddStrips(const CTearPatch& patch, const CTearSides& sides, const CSideHeights& side,
                  std::span<const double> known, std::span<const std::uint32_t> numbers);
-  CVertex VertexAt(const CMeshPlace& place, double z) const;
 
   CExtent m_Extent;
   int m_iCells;
   std::array<double, 2> m_afCell;  ///< lengths of a cell, model units
   CCleanMeshOptions m_Options;
   CMeshPlane m_Plane;
-  std::vector<CVertex> m_aVertices;
-  std::vector<std::uint32_t> m_auTriangles;
+  std::vector<CRaised> m_aRaised;                     ///< by vertex
+  std::vector<CSurfaceMesh::CTexturePoint> m_aShown;  ///< by vertex of those of strips, which are the last
+  std::vector<CSurfaceMesh::CTriangle> m_aTriangles;
   std::vector<std::uint32_t> m_auWalls;
   std::vector<std::uint32_t> m_auStrips;
 };

@@ -1,6 +1,7 @@
 #include "mesh/CCutTriangulation.h"
 
 #include <algorithm>
+#include <utility>
 
 std::uint32_t CCutTriangulation::AddVertex(const CMeshPlace& place) {
   m_aPlaces.push_back(place);
@@ -14,29 +15,27 @@ void CCutTriangulation::AddTriangle(const std::array<std::uint32_t, 3>& vertices
   for (const std::uint32_t vertex : vertices) m_auTriangleAt[vertex] = t;
 }
 
+// Each side waits at the lower of its ends for the other triangle that has it: no more than a few wait at one vertex.
 void CCutTriangulation::Link() {
-  struct CSide {
-    std::uint32_t m_uLow;
-    std::uint32_t m_uHigh;
-    CCorner m_Corner;
-  };
-  std::vector<CSide> sides;
-  sides.reserve(3 * m_aTriangles.size());
-  for (std::uint32_t t = 0; t < m_aTriangles.size(); ++t) {
-    for (std::uint32_t k = 0; k < 3; ++k) {
-      const auto [low, high] = std::minmax({Vertex({t, k}, 0), Vertex({t, k}, 1)});
-      sides.push_back({low, high, {t, k}});
+  std::vector<std::uint32_t> first(m_aPlaces.size(), kNone);
+  std::vector<std::uint32_t> next(3 * m_aTriangles.size());
+  for (std::uint32_t slot = 0; slot < next.size(); ++slot) {
+    const CCorner side{slot / 3, slot % 3};
+    const auto [low, high] = std::minmax({Vertex(side, 0), Vertex(side, 1)});
+    std::uint32_t* waiting = &first[low];
+    while (*waiting != kNone) {
+      const CCorner other{*waiting / 3, *waiting % 3};
+      if (std::max(Vertex(other, 0), Vertex(other, 1)) == high) break;
+      waiting = &next[*waiting];
     }
-  }
-  std::ranges::sort(sides, [](const CSide& a, const CSide& b) {
-    return a.m_uLow != b.m_uLow ? a.m_uLow < b.m_uLow : a.m_uHigh < b.m_uHigh;
-  });
-  for (std::size_t s = 0; s + 1 < sides.size(); ++s) {
-    const CSide& a = sides[s];
-    const CSide& b = sides[s + 1];
-    if (a.m_uLow != b.m_uLow || a.m_uHigh != b.m_uHigh) continue;
-    m_aTriangles[a.m_Corner.m_uTriangle].m_auNeighbours[a.m_Corner.m_uPlace] = b.m_Corner.m_uTriangle;
-    m_aTriangles[b.m_Corner.m_uTriangle].m_auNeighbours[b.m_Corner.m_uPlace] = a.m_Corner.m_uTriangle;
+    if (*waiting == kNone) {
+      next[slot] = std::exchange(first[low], slot);
+      continue;
+    }
+    const CCorner other{*waiting / 3, *waiting % 3};
+    m_aTriangles[side.m_uTriangle].m_auNeighbours[side.m_uPlace] = other.m_uTriangle;
+    m_aTriangles[other.m_uTriangle].m_auNeighbours[other.m_uPlace] = side.m_uTriangle;
+    *waiting = next[*waiting];
   }
 }
 

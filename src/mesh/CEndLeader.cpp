@@ -19,34 +19,46 @@ bool Cross(const CMeshPlace& a, const CMeshPlace& b, const CMeshPlace& c, const 
 }  // namespace
 
 // Leading one end may close the way of another, or open one: as long as it gets them fewer.
-void CEndLeader::LeadAll() {
+bool CEndLeader::LeadAll(const CExportSteps& steps) {
   for (auto before = static_cast<std::size_t>(-1);;) {
-    const std::vector<CLine> parted = PartedEdges(CTearSides(m_Patch));
-    if (parted.empty() || parted.size() >= before) return;
+    if (!steps.Goes(0)) return false;
+    const std::vector<CLine> parted = PartedEdges();
+    if (parted.empty() || parted.size() >= before) break;
     before = parted.size();
     FindLines();
-    const bool led = std::ranges::count_if(parted, [this](const CLine& line) { return Lead(line); }) > 0;
-    if (!led) return;
+    bool led = false;
+    for (const CLine& line : parted) {
+      if (!steps.Goes(0)) return false;
+      led = Lead(line) || led;
+    }
+    if (!led) break;
   }
+  return steps.Goes(1);
 }
 
-// Leaf edges that are cut, as the triangles on both sides of them lie in a tear, but still whole.
-std::vector<CEndLeader::CLine> CEndLeader::PartedEdges(const CTearSides& sides) const {
+// Leaf edges that are cut, as the triangles on both sides of them lie in a tear, but still whole. Most tears leave
+// none, and which heights are known is then of no interest.
+std::vector<CEndLeader::CLine> CEndLeader::PartedEdges() const {
   const CCutTriangulation& triangles = m_Patch.Triangles();
-  std::vector<CLine> parted;
+  std::vector<CCutTriangulation::CCorner> whole;
   for (std::uint32_t t = 0; t < triangles.Triangles().size(); ++t) {
     const auto& triangle = triangles.Triangle(t);
     if (!m_Patch.OriginOf(t).m_bTorn) continue;
     for (std::uint32_t k = 0; k < 3; ++k) {
       const std::uint32_t beyond = triangle.m_auNeighbours[k];
-      const std::uint32_t a = triangle.m_auVertices[k];
-      const std::uint32_t b = triangle.m_auVertices[(k + 1) % 3];
       if (beyond == CTearPatch::kNone || beyond < t || triangle.m_abCut[k] || !m_Patch.OriginOf(beyond).m_bTorn ||
-          !m_Patch.IsCorner(a) || !m_Patch.IsCorner(b))
+          !m_Patch.IsCorner(triangle.m_auVertices[k]) || !m_Patch.IsCorner(triangle.m_auVertices[(k + 1) % 3]))
         continue;
-      if (sides.IsKnown(sides.CopyOf(t, k)) && sides.IsKnown(sides.CopyOf(t, (k + 1) % 3)))
-        parted.push_back({triangles.Place(a), triangles.Place(b)});
+      whole.push_back({t, k});
     }
+  }
+  std::vector<CLine> parted;
+  if (whole.empty()) return parted;
+  const CTearSides sides(m_Patch);
+  for (const CCutTriangulation::CCorner& side : whole) {
+    const auto& [t, k] = side;
+    if (sides.IsKnown(sides.CopyOf(t, k)) && sides.IsKnown(sides.CopyOf(t, (k + 1) % 3)))
+      parted.push_back({triangles.Place(triangles.Vertex(side, 0)), triangles.Place(triangles.Vertex(side, 1))});
   }
   return parted;
 }

@@ -5,12 +5,12 @@
 #include <optional>
 #include <vector>
 
+#include "base/ExportProgress.h"
 #include "mesh/CCutTriangulation.h"
 #include "mesh/CMeshPlane.h"
 
 class CTearCutter;
 class CTearPatch;
-class CTearSides;
 
 /// Leads open ends of tears on to the tear that they all but touch.
 ///
@@ -23,8 +23,8 @@ class CEndLeader {
   /// `cutter` must be at work on the triangles of `patch`.
   CEndLeader(CTearPatch& patch, CTearCutter& cutter) : m_Patch(patch), m_Cutter(cutter) {}
 
-  /// Linear in the patch for each end that is led on.
-  void LeadAll();
+  /// Linear in the patch for each end that is led on. False, and not all are, where `steps` do not go on.
+  bool LeadAll(const CExportSteps& steps = {});
 
  private:
   using CLine = std::array<CMeshPlace, 2>;
@@ -35,7 +35,7 @@ class CEndLeader {
   };
 
   void FindLines();
-  std::vector<CLine> PartedEdges(const CTearSides& sides) const;
+  std::vector<CLine> PartedEdges() const;
   bool Lead(const CLine& parted);
   std::optional<CWay> WayFrom(std::uint32_t end, const CLine& parted) const;
   bool IsOpen(const CMeshPlace& from, const CMeshPlace& to) const;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 namespace {
 
@@ -15,21 +16,15 @@ CMeshPlane::CAxis::CAxis(int cells, double length) : m_fHalf(cells / 2.0) {
   std::frexp(length / 2, &exponent);
   m_fStep = std::ldexp(1.0, exponent - kFloatBits);
   m_fUnits = length / m_fStep / cells;
+  m_aiHalves.reserve(2 * static_cast<std::size_t>(cells) + 1);
+  for (int half = 0; half <= 2 * cells; ++half) m_aiHalves.push_back(Rounded(half / 2.0));
 }
 
-std::int32_t CMeshPlane::CAxis::PlaceOf(double lattice) const {
+std::int32_t CMeshPlane::CAxis::Rounded(double lattice) const {
   return static_cast<std::int32_t>(std::lround((lattice - m_fHalf) * m_fUnits));
 }
 
-double CMeshPlane::CAxis::LatticeOf(std::int32_t place) const {
-  const double lattice = m_fHalf + place / m_fUnits;
-  const double half = std::round(2.0 * lattice) / 2.0;
-  return PlaceOf(half) == place ? half : lattice;
-}
-
 CMeshPlane::CMeshPlane(int cells, double width, double height) : m_X(cells, width), m_Y(cells, height) {}
-
-CMeshPlace CMeshPlane::At(double column, double row) const { return {m_X.PlaceOf(column), m_Y.PlaceOf(row)}; }
 
 bool CMeshPlane::AreOnOneBorder(const CMeshPlace& a, const CMeshPlace& b) const {
   const CMeshPlace far = At(2.0 * m_X.m_fHalf, 2.0 * m_Y.m_fHalf);

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <vector>
 
 /// A point of the plane in whole steps of the written coordinates, from the middle of the rectangle.
 struct CMeshPlace {
@@ -22,7 +25,7 @@ class CMeshPlane {
   CMeshPlane(int cells, double width, double height);
 
   /// The place nearest to a point in lattice coordinates.
-  CMeshPlace At(double column, double row) const;
+  CMeshPlace At(double column, double row) const { return {m_X.PlaceOf(column), m_Y.PlaceOf(row)}; }
   /// The way back. Places of lattice points and of the middles between two give their exact coordinates.
   double ColumnOf(const CMeshPlace& place) const { return m_X.LatticeOf(place.x); }
   double RowOf(const CMeshPlace& place) const { return m_Y.LatticeOf(place.y); }
@@ -45,12 +48,26 @@ class CMeshPlane {
  private:
   struct CAxis {
     CAxis(int cells, double length);
-    std::int32_t PlaceOf(double lattice) const;
-    double LatticeOf(std::int32_t place) const;
+    std::int32_t PlaceOf(double lattice) const {
+      // Turned round, so that what is no number is outside, too.
+      if (!(lattice >= 0.0 && lattice <= 2.0 * m_fHalf)) return Rounded(lattice);
+      const auto half = static_cast<std::size_t>(2.0 * lattice);
+      return static_cast<double>(half) == 2.0 * lattice ? m_aiHalves[half] : Rounded(lattice);
+    }
+    double LatticeOf(std::int32_t place) const {
+      const double lattice = m_fHalf + place / m_fUnits;
+      const double nearest = std::max(2.0 * lattice + 0.5, 0.0);
+      const auto half = std::min(static_cast<std::size_t>(nearest), m_aiHalves.size() - 1);
+      return m_aiHalves[half] == place ? static_cast<double>(half) / 2.0 : lattice;
+    }
+    std::int32_t Rounded(double lattice) const;
 
     double m_fHalf;         ///< of the cells
     double m_fStep = 1.0;   ///< a power of two, in the unit of the file
     double m_fUnits = 1.0;  ///< steps in a cell
+    // Of lattice points and of the middles between two, in halves of a cell from the first: nearly all that is asked
+    // for.
+    std::vector<std::int32_t> m_aiHalves;
   };
 
   CAxis m_X;

@@ -5,8 +5,15 @@
 
 #include "mesh/CSideSearch.h"
 
-CSideHeights::CSideHeights(const CTearPatch& patch, const CTearSides& sides, bool planes) {
-  CSideSearch(patch, sides, *this).FindAll(planes);
+CSideHeights::CSideHeights(const CTearPatch& patch, const CTearSides& sides, bool planes, const CExportSteps& steps) {
+  CSideSearch(patch, sides, *this).FindAll(planes, steps);
+}
+
+std::vector<double> CSideHeights::RaisedOnce(const CTearPatch& patch, const CTearSides& sides,
+                                             const std::function<double(std::uint32_t)>& meshHeights,
+                                             const CExportSteps& steps) {
+  CSideHeights found;
+  return CSideSearch(patch, sides, found).RaiseAll(meshHeights, steps);
 }
 
 std::span<const CSideHeights::CTerm> CSideHeights::Terms(std::size_t row) const {
@@ -14,17 +21,20 @@ std::span<const CSideHeights::CTerm> CSideHeights::Terms(std::size_t row) const 
   return std::span(m_aTerms).subspan(first, m_aRows[row].m_uEnd - first);
 }
 
-// Widened at both ends by half its length; 0 where nothing is known.
 CSideHeights::CRange CSideHeights::RangeOf(std::span<const CTerm> terms, std::span<const double> known) {
-  if (terms.empty()) return {};
-  double low = HUGE_VAL;
-  double high = -HUGE_VAL;
+  CRange range{HUGE_VAL, -HUGE_VAL};
   for (const CTerm& term : terms) {
-    low = std::min(low, known[term.m_uKnown]);
-    high = std::max(high, known[term.m_uKnown]);
+    range.m_fLow = std::min(range.m_fLow, known[term.m_uKnown]);
+    range.m_fHigh = std::max(range.m_fHigh, known[term.m_uKnown]);
   }
-  const double more = (high - low) / 2.0;
-  return {low - more, high + more};
+  return Widened(range);
+}
+
+// At both ends by half its length; 0 where nothing is known.
+CSideHeights::CRange CSideHeights::Widened(const CRange& range) {
+  if (range.m_fLow > range.m_fHigh) return {};
+  const double more = (range.m_fHigh - range.m_fLow) / 2.0;
+  return {range.m_fLow - more, range.m_fHigh + more};
 }
 
 void CSideHeights::Raise(std::span<const double> known, std::span<double> heights) const {
@@ -37,17 +47,8 @@ void CSideHeights::Raise(std::span<const double> known, std::span<double> height
     const std::span<const CTerm> terms = Terms(row);
     double z = 0.0;
     for (const CTerm& term : terms) z += term.m_fWeight * known[term.m_uKnown];
-    const auto [low, high] = RangeOf(terms, known);
-    // In this order, so that what is no number stays none.
-    heights[copy] = z < low ? low : z > high ? high : z;
+    heights[copy] = Within(RangeOf(terms, known), z);
   }
-}
-
-std::vector<double> CSideHeights::KnownOf(std::span<const double> meshHeights) const {
-  std::vector<double> known;
-  known.reserve(m_auKnown.size());
-  for (const std::uint32_t vertex : m_auKnown) known.push_back(meshHeights[vertex]);
-  return known;
 }
 
 std::vector<double> CSideHeights::Raised(std::span<const double> known) const {

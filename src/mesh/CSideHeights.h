@@ -2,8 +2,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
+
+#include "base/ExportProgress.h"
 
 class CTearPatch;
 class CTearSides;
@@ -33,15 +36,21 @@ class CSideHeights {
     double m_fHigh = 0.0;
   };
 
+  /// The heights of one surface, without finding out the weights: a fraction of the time. `meshHeights` gives the
+  /// height of a vertex of the mesh. Not all where `steps` do not go on.
+  static std::vector<double> RaisedOnce(const CTearPatch& patch, const CTearSides& sides,
+                                        const std::function<double(std::uint32_t)>& meshHeights,
+                                        const CExportSteps& steps);
+
   /// `sides` must have been found in `patch` as it is; neither is needed afterwards. Planes cost as much again.
-  CSideHeights(const CTearPatch& patch, const CTearSides& sides, bool planes = false);
+  /// Not all is found where `steps` do not go on.
+  CSideHeights(const CTearPatch& patch, const CTearSides& sides, bool planes = false, const CExportSteps& steps = {});
 
   /// The vertices of the mesh whose heights all others are found from.
   std::span<const std::uint32_t> KnownVertices() const { return m_auKnown; }
   /// Sets the heights of all copies; `known` are those of `KnownVertices`, in their order. Allocates nothing.
   void Raise(std::span<const double> known, std::span<double> heights) const;
-  /// What `Raise` is given, from the heights of all vertices of the mesh; and what it makes of that.
-  std::vector<double> KnownOf(std::span<const double> meshHeights) const;
+  /// The heights that it sets.
   std::vector<double> Raised(std::span<const double> known) const;
 
   /// The planes at cuts are the rows of what is continued there, in no order: how many there are, and which is that of
@@ -55,6 +64,8 @@ class CSideHeights {
 
  private:
   friend class CSideSearch;
+
+  CSideHeights() = default;
 
   // What a copy is continued from: its terms, and where its slopes begin.
   struct CRow {
@@ -76,6 +87,11 @@ class CSideHeights {
     double m_fLow = 0.0;
     double m_fHigh = 0.0;
   };
+  static CRange Widened(const CRange& range);
+  // In this order, so that what is no number stays none.
+  static double Within(const CRange& range, double z) {
+    return z < range.m_fLow ? range.m_fLow : z > range.m_fHigh ? range.m_fHigh : z;
+  }
   static CRange RangeOf(std::span<const CTerm> terms, std::span<const double> known);
   std::span<const CTerm> Terms(std::size_t row) const;
 

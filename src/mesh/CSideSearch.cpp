@@ -1,9 +1,11 @@
 #include "mesh/CSideSearch.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <utility>
 
+#include "base/ExportProgress.h"
 #include "mesh/CTearPatch.h"
 #include "mesh/CTearSides.h"
 
@@ -13,11 +15,29 @@ namespace {
 constexpr double kSoftening = 0.25;
 // Farther than any lattice is wide.
 constexpr double kEverywhere = 4096.0;
+// Some milliseconds' work.
+constexpr std::size_t kCopiesAtOnce = std::size_t{1} << 12;
+
+double WeightAt(double dx, double dy) {
+  const double near = dx * dx + dy * dy + kSoftening;
+  return 1.0 / (near * near);
+}
+
+// What a unit of weight counts on either side of an open end, which counts as much as the other one.
+std::array<double, 2> SharesOf(const std::array<double, 2>& weights) {
+  const bool both = weights[0] > 0.0 && weights[1] > 0.0;
+  std::array<double, 2> shares{};
+  for (std::size_t hand = 0; hand < shares.size(); ++hand) {
+    if (weights[hand] > 0.0) shares[hand] = (both ? 0.5 : 1.0) / weights[hand];
+  }
+  return shares;
+}
 
 }  // namespace
 
-void CSideSearch::FindAll(bool planes) {
+void CSideSearch::Prepare() {
   NumberKnown();
+  m_aPoints.reserve(m_Patch.Triangles().VertexCount());
   for (std::uint32_t v = 0; v < m_Patch.Triangles().VertexCount(); ++v)
     m_aPoints.push_back({m_Patch.ColumnOf(v), m_Patch.RowOf(v)});
   m_aNodes.resize(m_Patch.Triangles().Triangles().size());
@@ -25,12 +45,19 @@ void CSideSearch::FindAll(bool planes) {
   FindFosters();
   FindEnds();
   MakeNodes();
+}
+
+void CSideSearch::FindAll(bool planes, const CExportSteps& steps) {
+  Prepare();
   m_auTermAt.resize(m_Found.m_auKnown.size());
   const std::vector<bool> atCut = planes ? CopiesAtCuts() : std::vector<bool>(m_Sides.CopyCount());
   m_Found.m_auRows.assign(m_Sides.CopyCount(), kNone);
-  for (std::uint32_t copy = 0; copy < m_Sides.CopyCount(); ++copy) {
-    if (!m_Sides.IsKnown(copy) || atCut[copy]) Continue(copy, atCut[copy]);
-  }
+  const auto continueSome = [&](std::size_t begin, std::size_t end) {
+    for (auto copy = static_cast<std::uint32_t>(begin); copy < end; ++copy) {
+      if (!m_Sides.IsKnown(copy) || atCut[copy]) Continue(copy, atCut[copy]);
+    }
+  };
+  steps.ForBlocks(m_Sides.CopyCount(), continueSome, kCopiesAtOnce);
 }
 
 void CSideSearch::NumberKnown() {
@@ -163,10 +190,14 @@ void CSideSearch::MakeNodes() {
   }
 }
 
-void CSideSearch::Continue(std::uint32_t copy, bool slopes) {
+void CSideSearch::StartFrom(std::uint32_t copy) {
   const std::uint32_t vertex = m_Sides.VertexOf(copy);
   m_Point = m_aPoints[vertex];
   m_uBefore = m_auBefore[vertex];
+}
+
+void CSideSearch::Continue(std::uint32_t copy, bool slopes) {
+  StartFrom(copy);
   double reach = CSideHeights::kRing;
   LookAround(copy, reach);
   while (m_afWeights[0] + m_afWeights[1] == 0.0 && reach < kEverywhere) {
@@ -176,22 +207,15 @@ void CSideSearch::Continue(std::uint32_t copy, bool slopes) {
   AddRow(copy, slopes);
 }
 
-// Through all triangles of the side that come as near as that.
-void CSideSearch::LookAround(std::uint32_t copy, double reach) {
+// All triangles of the side that come as near as that, into the queue.
+void CSideSearch::FindNear(std::uint32_t copy, double reach) {
   const std::array least{static_cast<float>(m_Point.x - reach), static_cast<float>(m_Point.y - reach)};
   const std::array most{static_cast<float>(m_Point.x + reach), static_cast<float>(m_Point.y + reach)};
   ++m_uSearch;
-  m_aTerms.clear();
-  m_afWeights = {};
   m_auQueue.assign(1, m_Sides.TriangleAt(copy));
   m_aNodes[m_auQueue.front()].m_uSeen = m_uSearch;
   for (std::size_t at = 0; at < m_auQueue.size(); ++at) {
-    const CNode& node = m_aNodes[m_auQueue[at]];
-    for (const std::uint32_t known : node.m_auKnown) {
-      if (known != kNone) TermOf(known);
-    }
-    if (node.m_uPlane != kNone) Count(m_aPlanes[node.m_uPlane]);
-    for (const std::uint32_t beyond : node.m_auBeyond) {
+    for (const std::uint32_t beyond : m_aNodes[m_auQueue[at]].m_auBeyond) {
       if (beyond == kNone || m_aNodes[beyond].m_uSeen == m_uSearch) continue;
       CNode& next = m_aNodes[beyond];
       if (next.m_afLeast[0] >= most[0] || next.m_afMost[0] <= least[0] || next.m_afLeast[1] >= most[1] ||
@@ -200,6 +224,19 @@ void CSideSearch::LookAround(std::uint32_t copy, double reach) {
       next.m_uSeen = m_uSearch;
       m_auQueue.push_back(beyond);
     }
+  }
+}
+
+void CSideSearch::LookAround(std::uint32_t copy, double reach) {
+  FindNear(copy, reach);
+  m_aTerms.clear();
+  m_afWeights = {};
+  for (const std::uint32_t t : m_auQueue) {
+    const CNode& node = m_aNodes[t];
+    for (const std::uint32_t known : node.m_auKnown) {
+      if (known != kNone) TermOf(known);
+    }
+    if (node.m_uPlane != kNone) Count(m_aPlanes[node.m_uPlane]);
   }
 }
 
@@ -212,17 +249,19 @@ CSideSearch::CTerm& CSideSearch::TermOf(std::uint32_t known) {
   return m_aTerms[at];
 }
 
+// The side of an open end that a plane lies on; always the first where no cut ends.
+std::size_t CSideSearch::HandOf(double dx, double dy) const {
+  if (m_uBefore == kNone) return 0;
+  const CPoint& before = m_aPoints[m_uBefore];
+  return (m_Point.y - before.y) * dx - (m_Point.x - before.x) * dy > 0.0 ? 0 : 1;
+}
+
 // By its distance from the middle of the triangle, and on the side of an open end that this lies on.
 void CSideSearch::Count(const CPlane& plane) {
   const double dx = m_Point.x - plane.m_Middle.x;
   const double dy = m_Point.y - plane.m_Middle.y;
-  const double near = dx * dx + dy * dy + kSoftening;
-  const double weight = 1.0 / (near * near);
-  std::size_t hand = 0;
-  if (m_uBefore != kNone) {
-    const CPoint& before = m_aPoints[m_uBefore];
-    hand = (m_Point.y - before.y) * dx - (m_Point.x - before.x) * dy > 0.0 ? 0 : 1;
-  }
+  const double weight = WeightAt(dx, dy);
+  const std::size_t hand = HandOf(dx, dy);
   m_afWeights[hand] += weight;
   for (std::size_t k = 0; k < plane.m_auKnown.size(); ++k) {
     CTerm& term = TermOf(plane.m_auKnown[k]);
@@ -234,11 +273,7 @@ void CSideSearch::Count(const CPlane& plane) {
 
 // The mean of each side's planes, and of the two sides.
 void CSideSearch::AddRow(std::uint32_t copy, bool slopes) {
-  const bool both = m_afWeights[0] > 0.0 && m_afWeights[1] > 0.0;
-  std::array<double, 2> share{};
-  for (std::size_t hand = 0; hand < share.size(); ++hand) {
-    if (m_afWeights[hand] > 0.0) share[hand] = (both ? 0.5 : 1.0) / m_afWeights[hand];
-  }
+  const std::array<double, 2> share = SharesOf(m_afWeights);
   const auto mean = [&share](const std::array<double, 2>& sums) { return share[0] * sums[0] + share[1] * sums[1]; };
   m_Found.m_auRows[copy] = static_cast<std::uint32_t>(m_Found.m_aRows.size());
   const auto first = static_cast<std::uint32_t>(m_Found.m_aSlopes.size());
@@ -248,4 +283,79 @@ void CSideSearch::AddRow(std::uint32_t copy, bool slopes) {
   }
   m_Found.m_aRows.push_back(
       {copy, static_cast<std::uint32_t>(m_Found.m_aTerms.size()), slopes ? first : CSideHeights::kNone});
+}
+
+std::vector<double> CSideSearch::RaiseAll(const std::function<double(std::uint32_t)>& meshHeights,
+                                          const CExportSteps& steps) {
+  Prepare();
+  m_afKnown.reserve(m_Found.m_auKnown.size());
+  for (const std::uint32_t vertex : m_Found.m_auKnown) m_afKnown.push_back(meshHeights(vertex));
+  RaiseNodes();
+  std::vector<double> heights(m_Sides.CopyCount());
+  steps.ForBlocks(
+      heights.size(),
+      [&](std::size_t begin, std::size_t end) {
+        for (auto copy = static_cast<std::uint32_t>(begin); copy < end; ++copy) {
+          const std::uint32_t known = m_Found.m_auKnownAt[copy];
+          heights[copy] = known != kNone ? m_afKnown[known] : HeightAt(copy);
+        }
+      },
+      kCopiesAtOnce);
+  return heights;
+}
+
+void CSideSearch::RaiseNodes() {
+  const auto value = [this](std::uint32_t known) { return m_afKnown[known]; };
+  m_aRaised.reserve(m_aPlanes.size());
+  for (const CPlane& plane : m_aPlanes) {
+    CRaised raised{.m_Middle = plane.m_Middle};
+    for (std::size_t k = 0; k < plane.m_auKnown.size(); ++k) {
+      const double z = value(plane.m_auKnown[k]);
+      raised.m_fZ += z / 3.0;
+      raised.m_fSlopeX += plane.m_afSlopeX[k] * z;
+      raised.m_fSlopeY += plane.m_afSlopeY[k] * z;
+    }
+    m_aRaised.push_back(raised);
+  }
+  m_aRanges.reserve(m_aNodes.size());
+  for (const CNode& node : m_aNodes) {
+    CSideHeights::CRange range{HUGE_VAL, -HUGE_VAL};
+    const auto add = [&](std::uint32_t known) {
+      range = {std::min(range.m_fLow, value(known)), std::max(range.m_fHigh, value(known))};
+    };
+    for (const std::uint32_t known : node.m_auKnown) {
+      if (known != kNone) add(known);
+    }
+    if (node.m_uPlane != kNone) std::ranges::for_each(m_aPlanes[node.m_uPlane].m_auKnown, add);
+    m_aRanges.push_back(range);
+  }
+}
+
+double CSideSearch::HeightAt(std::uint32_t copy) {
+  StartFrom(copy);
+  std::array<double, 2> weights{};
+  std::array<double, 2> sums{};
+  double reach = CSideHeights::kRing;
+  for (FindNear(copy, reach); !SumPlanes(weights, sums) && reach < kEverywhere; FindNear(copy, reach)) reach *= 2.0;
+  const std::array<double, 2> share = SharesOf(weights);
+  CSideHeights::CRange range{HUGE_VAL, -HUGE_VAL};
+  for (const std::uint32_t t : m_auQueue)
+    range = {std::min(range.m_fLow, m_aRanges[t].m_fLow), std::max(range.m_fHigh, m_aRanges[t].m_fHigh)};
+  return CSideHeights::Within(CSideHeights::Widened(range), share[0] * sums[0] + share[1] * sums[1]);
+}
+
+// The planes of the triangles in the queue, at the point in hand; false where there is none.
+bool CSideSearch::SumPlanes(std::array<double, 2>& weights, std::array<double, 2>& sums) const {
+  for (const std::uint32_t t : m_auQueue) {
+    const std::uint32_t number = m_aNodes[t].m_uPlane;
+    if (number == kNone) continue;
+    const CRaised& plane = m_aRaised[number];
+    const double dx = m_Point.x - plane.m_Middle.x;
+    const double dy = m_Point.y - plane.m_Middle.y;
+    const double weight = WeightAt(dx, dy);
+    const std::size_t hand = HandOf(dx, dy);
+    weights[hand] += weight;
+    sums[hand] += weight * (plane.m_fZ + plane.m_fSlopeX * dx + plane.m_fSlopeY * dy);
+  }
+  return weights[0] + weights[1] > 0.0;
 }

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "mesh/CSideHeights.h"
@@ -19,8 +20,12 @@ class CSideSearch {
   CSideSearch(const CTearPatch& patch, const CTearSides& sides, CSideHeights& found)
       : m_Patch(patch), m_Sides(sides), m_Found(found) {}
 
-  /// Once; `planes` also for the copies at cuts, with slopes.
-  void FindAll(bool planes);
+  /// `FindAll` or `RaiseAll`, once. `planes` also for the copies at cuts, with slopes.
+  void FindAll(bool planes, const CExportSteps& steps);
+  /// The heights of all copies for one surface, as CSideHeights has them: sums of planes cost a fraction of what
+  /// finding the terms of each height does. `meshHeights` gives the height of a vertex of the mesh. Not all where
+  /// `steps` do not go on.
+  std::vector<double> RaiseAll(const std::function<double(std::uint32_t)>& meshHeights, const CExportSteps& steps);
 
  private:
   // A vertex, in lattice coordinates.
@@ -52,8 +57,20 @@ class CSideSearch {
     std::array<double, 2> m_afSlopeY{};
   };
 
+  // The height of a plane at its middle and what it grows by per cell, for one surface.
+  struct CRaised {
+    CPoint m_Middle;
+    double m_fZ = 0.0;
+    double m_fSlopeX = 0.0;
+    double m_fSlopeY = 0.0;
+  };
+
   static constexpr std::uint32_t kNone = CSideHeights::kNone;
 
+  void Prepare();
+  void RaiseNodes();
+  double HeightAt(std::uint32_t copy);
+  bool SumPlanes(std::array<double, 2>& weights, std::array<double, 2>& sums) const;
   void NumberKnown();
   void FindPlanes();
   std::uint32_t AddPlane(const std::array<std::uint32_t, 3>& copies);
@@ -62,6 +79,9 @@ class CSideSearch {
   void MakeNodes();
   std::vector<bool> CopiesAtCuts() const;
   void Continue(std::uint32_t copy, bool slopes);
+  void StartFrom(std::uint32_t copy);
+  std::size_t HandOf(double dx, double dy) const;
+  void FindNear(std::uint32_t copy, double reach);
   void LookAround(std::uint32_t copy, double reach);
   CTerm& TermOf(std::uint32_t known);
   void Count(const CPlane& plane);
@@ -75,6 +95,11 @@ class CSideSearch {
   std::vector<CNode> m_aNodes;             ///< by triangle
   std::vector<std::uint32_t> m_auFosters;  ///< by piece: that which lends it planes; kNone where it needs none
   std::vector<std::uint32_t> m_auBefore;   ///< by vertex: the vertex before an open end; kNone elsewhere
+
+  // For one surface.
+  std::vector<double> m_afKnown;
+  std::vector<CSideHeights::CRange> m_aRanges;  ///< by triangle, of the heights that it has or its plane goes through
+  std::vector<CRaised> m_aRaised;               ///< by plane
 
   // The search in hand.
   std::uint32_t m_uSearch = 0;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "mesh/CCutTriangulation.h"
@@ -39,7 +41,7 @@ class CTearPatch {
   const COrigin& Origin(std::uint32_t origin) const { return m_aOrigins[origin]; }
   /// What a triangle was cut from.
   const COrigin& OriginOf(std::uint32_t t) const { return m_aOrigins[m_Triangles.Triangle(t).m_uOrigin]; }
-  bool HoldsLeaf(std::size_t leaf) const { return m_abLeaves[leaf]; }
+  bool HoldsLeaf(std::size_t leaf) const { return !m_abLeaves.empty() && m_abLeaves[leaf] != 0; }
 
   /// The vertex of the mesh that a vertex is; kNone for a point of a cut. Its place in lattice coordinates.
   std::uint32_t MeshVertex(std::uint32_t vertex) const {
@@ -52,13 +54,21 @@ class CTearPatch {
   const CMeshPlane& Plane() const { return m_Plane; }
 
  private:
+  // A triangle of the mesh.
+  struct CChosen {
+    std::array<std::uint32_t, 3> m_auVertices{};
+    std::uint32_t m_uLeaf = 0;
+    bool m_bTorn = false;
+  };
+
   void ChooseLeaves(const CQuadTree& tree, int reach);
   void AddTriangles(const CQuadTree& tree, const CSurfaceMesh& mesh);
-  void AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh, std::vector<std::uint32_t>& numbers);
+  std::vector<std::uint32_t> AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh,
+                                         std::span<const CChosen> chosen);
 
   const CMeshPlane& m_Plane;
   std::size_t m_uCorners;
-  std::vector<bool> m_abLeaves;
+  std::vector<std::uint8_t> m_abLeaves;         ///< by number, 1 for those that belong to it; none where no leaf does
   std::vector<std::uint32_t> m_auMeshVertices;  ///< by vertex
   std::vector<COrigin> m_aOrigins;
   CCutTriangulation m_Triangles;

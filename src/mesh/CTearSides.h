@@ -41,8 +41,9 @@ class CTearSides {
     std::vector<std::uint32_t> m_auParents;
   };
 
-  static void JoinCorners(const CTearPatch& patch, CGroups& groups);
-  void FindCopies(const CTearPatch& patch, CGroups& groups);
+  static std::vector<bool> VerticesAtCuts(const CTearPatch& patch);
+  static void JoinCorners(const CTearPatch& patch, const std::vector<bool>& atCut, CGroups& groups);
+  void FindCopies(const CTearPatch& patch, const std::vector<bool>& atCut, CGroups& groups);
   void FindPieces(const CTearPatch& patch);
 
   std::vector<std::uint32_t> m_auCopies;     ///< by triangle and corner

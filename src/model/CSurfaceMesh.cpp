@@ -20,15 +20,26 @@ std::array<std::size_t, 4> CornersOf(const CLeaf& leaf, const CLattice& lattice)
 void CSurfaceMesh::Build(const CQuadTree& tree) {
   NumberCorners(tree);
   m_uCentres = tree.Leaves().size();
-  m_auTriangles.clear();
-  ReserveLarge(m_auTriangles, 12 * m_uCentres);  // four a leaf, unless it has smaller neighbours
+  m_aTriangles.clear();
+  // Four a leaf, unless it has smaller neighbours. The room behind them is for what cuts add; it costs nothing unused.
+  ReserveLarge(m_aTriangles, 4 * m_uCentres + m_uCentres / 2);
   m_aTorn.clear();
   auto centre = static_cast<std::uint32_t>(CornerCount());
   for (const CLeaf& leaf : tree.Leaves()) {
-    for (int k = 0; k < 4; ++k) {
-      // Edges run right and up, so the top and the left side are met from their second end.
-      const bool backwards = k == kTop || k == kLeft;
-      AddSide(leaf.m_pCell->Edge(k), backwards, (leaf.m_uMarked >> k & 1U) != 0, centre, tree.Lattice());
+    const auto isTorn = [&leaf](int k) { return (leaf.m_uMarked >> k & 1U) != 0; };
+    if (leaf.m_uSize == 1) {
+      // Nothing is smaller, and its edges need not be looked at.
+      const std::array<std::size_t, 4> points = CornersOf(leaf, tree.Lattice());
+      for (int k = 0; k < 4; ++k) {
+        const auto side = static_cast<std::size_t>(k);
+        AddTriangle({m_auVertexAt[points[side]], m_auVertexAt[points[(side + 1) % 4]], centre}, isTorn(k));
+      }
+    } else {
+      for (int k = 0; k < 4; ++k) {
+        // Edges run right and up, so the top and the left side are met from their second end.
+        const bool backwards = k == kTop || k == kLeft;
+        AddSide(leaf.m_pCell->Edge(k), backwards, isTorn(k), centre, tree.Lattice());
+      }
     }
     ++centre;
   }
@@ -56,12 +67,14 @@ void CSurfaceMesh::AddSide(const CEdge& edge, bool backwards, bool torn, std::ui
   }
   const std::uint32_t first = m_auVertexAt[lattice.Index(edge.Xa(), edge.Ya())];
   const std::uint32_t second = m_auVertexAt[lattice.Index(edge.Xb(), edge.Yb())];
-  const std::uint32_t a = backwards ? second : first;
-  const std::uint32_t b = backwards ? first : second;
+  AddTriangle({backwards ? second : first, backwards ? first : second, centre}, torn);
+}
+
+void CSurfaceMesh::AddTriangle(const CTriangle& triangle, bool torn) {
   if (torn) {
-    m_aTorn.push_back({m_auTriangles.size(), a, b, centre});
+    m_aTorn.push_back({m_aTriangles.size(), triangle[0], triangle[1], triangle[2]});
   } else {
-    for (const std::uint32_t corner : {a, b, centre}) m_auTriangles.push_back(corner);
+    m_aTriangles.push_back(triangle);
   }
 }
 
@@ -98,14 +111,14 @@ template <typename Number>
 void CSurfaceMesh::Raise(const CQuadTree& tree, std::span<Number> positions, std::span<const double> heights) const {
   for (std::size_t v = 0; v < CornerCount(); ++v) positions[3 * v + 2] = static_cast<Number>(heights[m_auPoints[v]]);
   std::size_t v = CornerCount();
-  for (const CLeaf& leaf : tree.Leaves()) {
-    const auto [a, b, c, d] = CornersOf(leaf, tree.Lattice());
-    // A sum begun with 0, like that of the weights, is never -0, which a file would show.
-    const double z = leaf.m_uCentre == CLeaf::kMeanOfCorners
-                         ? 0.25 * (0.0 + heights[a] + heights[b] + heights[c] + heights[d])
-                         : tree.CentreOf(leaf).Of(heights);
-    positions[3 * v++ + 2] = static_cast<Number>(z);
-  }
+  for (const CLeaf& leaf : tree.Leaves()) positions[3 * v++ + 2] = static_cast<Number>(CentreHeight(tree, leaf, heights));
+}
+
+double CSurfaceMesh::CentreHeight(const CQuadTree& tree, const CLeaf& leaf, std::span<const double> heights) {
+  if (leaf.m_uCentre != CLeaf::kMeanOfCorners) return tree.CentreOf(leaf).Of(heights);
+  const auto [a, b, c, d] = CornersOf(leaf, tree.Lattice());
+  // A sum begun with 0, like that of the weights, is never -0, which a file would show.
+  return 0.25 * (0.0 + heights[a] + heights[b] + heights[c] + heights[d]);
 }
 
 template void CSurfaceMesh::Place(const CQuadTree&, std::vector<float>&) const;

@@ -80,7 +80,7 @@ TEST_F(ClosedArraysTest, ShowWhatTheCleanMeshShows) {
   const CClosedTears& tears = Refreshed(true);
   const CCleanMesh mesh = m_Grid.Mesh({.m_Gap = TearGap::Under});
   for (std::size_t k = 0; k < mesh.Strips().size(); ++k) {
-    const auto& [u, w] = mesh.Vertices()[mesh.Strips()[k]].m_Picture;
+    const auto [u, w] = mesh.Picture(mesh.Strips()[k]);
     const std::size_t at = 2 * std::size_t{tears.Strips()[k]};
     ASSERT_NEAR(tears.Shown()[at], kOblong.x0 + u * (kOblong.x1 - kOblong.x0), 1e-4);
     ASSERT_NEAR(tears.Shown()[at + 1], kOblong.y0 + w * (kOblong.y1 - kOblong.y0), 1e-4);

@@ -47,7 +47,7 @@ double FarthestFromCuts(CTornGrid& grid, const CMeshJudge& judge) {
 double LeastDistance(const CCleanMesh& mesh, const CMeshJudge& judge) {
   std::set<CMeshJudge::CPlaceKey> seen;
   std::vector<CMeshJudge::CPoint> points;
-  for (std::uint32_t v = 0; v < mesh.Vertices().size(); ++v) {
+  for (std::uint32_t v = 0; v < mesh.VertexCount(); ++v) {
     if (seen.insert(judge.KeyOf(v)).second) points.push_back(judge.At(v));
   }
   std::ranges::sort(points);
@@ -164,7 +164,8 @@ RC_GTEST_PROP(CleanMeshProperty, LowerSideRunsOnBeneathTheHigherOne, (std::uint3
   const CMeshJudge judge(grid, mesh);
   const CTriangleFinder surface(grid, mesh, mesh.Triangles());
   const CTriangleFinder strips(grid, mesh, mesh.Strips());
-  for (const CCleanMesh::CVertex& v : mesh.Vertices()) {
+  for (std::size_t at = 0; at < mesh.VertexCount(); ++at) {
+    const CCleanMesh::CVertex v = mesh.Vertex(at);
     RC_ASSERT(std::isfinite(v.m_fZ));
     RC_ASSERT(v.m_Picture.u >= 0 && v.m_Picture.u <= 1 && v.m_Picture.v >= 0 && v.m_Picture.v <= 1);
   }

@@ -117,11 +117,11 @@ TEST_F(CleanMeshTest, WithoutTearsItIsTheSurfaceMesh) {
       {}, [](double, double) { return -1.0; }, 4, 2);
   const std::span<const std::uint32_t> plain = m_pGrid->m_Plain.Triangles();
   EXPECT_TRUE(std::ranges::equal(m_pMesh->Triangles(), plain));
-  EXPECT_EQ(m_pMesh->Vertices().size(), m_pGrid->m_Plain.VertexCount());
+  EXPECT_EQ(m_pMesh->VertexCount(), m_pGrid->m_Plain.VertexCount());
   std::vector<double> positions;
   m_pGrid->m_Plain.Place(m_pGrid->Tree(), positions);
   m_pGrid->m_Plain.Raise(m_pGrid->Tree(), std::span(positions));
-  for (std::size_t v = 0; v < m_pMesh->Vertices().size(); ++v) {
+  for (std::size_t v = 0; v < m_pMesh->VertexCount(); ++v) {
     const Vector3 p = m_pMesh->Position(v);
     EXPECT_NEAR(p.x, positions[3 * v], 1e-12);
     EXPECT_NEAR(p.y, positions[3 * v + 1], 1e-12);
@@ -179,7 +179,7 @@ TEST_F(CleanMeshTest, EndInsideJoinsAtTheMeanOfBothSides) {
   const CCleanMesh mesh = m_pGrid->Mesh();
   const CMeshJudge judge(*m_pGrid, mesh);
   std::vector<double> ends;
-  for (std::uint32_t v = 0; v < mesh.Vertices().size(); ++v) {
+  for (std::uint32_t v = 0; v < mesh.VertexCount(); ++v) {
     const auto& [column, row] = judge.At(v);
     if (std::hypot(column - 8.4, row - 7.5) < 1e-5) ends.push_back(judge.ZAt(v));
   }
@@ -231,7 +231,7 @@ TEST_F(CleanMeshTest, CrossingTearsPartFourSides) {
   const CCleanMesh mesh = m_pGrid->Mesh();
   const CMeshJudge judge(*m_pGrid, mesh);
   std::vector<double> atCrossing;
-  for (std::uint32_t v = 0; v < mesh.Vertices().size(); ++v) {
+  for (std::uint32_t v = 0; v < mesh.VertexCount(); ++v) {
     const auto& [column, row] = judge.At(v);
     if (std::hypot(column - 8.3, row - 7.4) < 1e-5) atCrossing.push_back(judge.ZAt(v));
   }
@@ -269,7 +269,7 @@ TEST_F(CleanMeshTest, HeightsStayNearThoseOfTheirSide) {
   Build({{{{0.0, 7.4}, {16.0, 8.8}}}}, LeftOf(0.0, 7.4, 16.0, 8.8));
   SetRandomHeights(m_pGrid->Lattice(), 5);
   const CCleanMesh mesh = m_pGrid->Mesh();
-  for (const auto& vertex : mesh.Vertices()) EXPECT_LE(std::abs(vertex.m_fZ), 2.0);
+  for (std::size_t v = 0; v < mesh.VertexCount(); ++v) EXPECT_LE(std::abs(mesh.Vertex(v).m_fZ), 2.0);
 }
 
 TEST_F(CleanMeshTest, SamplesAreClean) {
@@ -286,7 +286,8 @@ TEST_F(CleanMeshTest, SamplesAreClean) {
     EXPECT_FALSE(judge.Cuts().empty()) << name;
     const CSurface& surface = grid.m_Grid.Surface();
     const double more = 0.1 * (surface.MaxHeight() - surface.MinHeight());
-    for (const auto& vertex : mesh.Vertices()) {
+    for (std::size_t v = 0; v < mesh.VertexCount(); ++v) {
+      const CCleanMesh::CVertex vertex = mesh.Vertex(v);
       ASSERT_GT(vertex.m_fZ, surface.MinHeight() - more) << name;
       ASSERT_LT(vertex.m_fZ, surface.MaxHeight() + more) << name;
     }

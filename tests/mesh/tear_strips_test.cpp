@@ -29,7 +29,7 @@ std::vector<CStripPoint> StripsOf(CTornGrid& grid, double width = kWidth) {
   std::vector<CStripPoint> points;
   for (const std::uint32_t v : mesh.Strips()) {
     const Vector3 p = mesh.Position(v);
-    const auto& [u, w] = mesh.Vertices()[v].m_Picture;
+    const auto [u, w] = mesh.Picture(v);
     points.push_back({grid.Lattice().ColumnOf(p.x), grid.Lattice().RowOf(p.y), p.z, 16 * u, 16 * w});
   }
   return points;

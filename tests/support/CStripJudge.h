@@ -19,7 +19,7 @@ class CTriangleFinder {
   CTriangleFinder(CTornGrid& grid, const CCleanMesh& mesh, std::span<const std::uint32_t> corners)
       : m_auCorners(corners), m_iCells(grid.Lattice().PointsPerSide() - 1) {
     const auto cells = static_cast<std::size_t>(m_iCells);
-    for (std::size_t v = 0; v < mesh.Vertices().size(); ++v) {
+    for (std::size_t v = 0; v < mesh.VertexCount(); ++v) {
       const Vector3 p = mesh.Position(v);
       m_aPoints.push_back({grid.Lattice().ColumnOf(p.x), grid.Lattice().RowOf(p.y)});
       m_afHeights.push_back(p.z);

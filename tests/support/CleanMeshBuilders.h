@@ -82,7 +82,10 @@ struct CTornGrid {
 class CMeshJudge {
  public:
   CMeshJudge(CTornGrid& grid, const CCleanMesh& mesh) : m_Mesh(mesh), m_iCells(grid.Lattice().PointsPerSide() - 1) {
-    for (const auto& v : mesh.Vertices()) m_aPoints.push_back({v.m_Picture.u * m_iCells, v.m_Picture.v * m_iCells});
+    for (std::size_t v = 0; v < mesh.VertexCount(); ++v) {
+      const auto [u, w] = mesh.Picture(v);
+      m_aPoints.push_back({u * m_iCells, w * m_iCells});
+    }
     FindRims();
   }
   using CPoint = std::array<double, 2>;
@@ -128,7 +131,7 @@ class CMeshJudge {
     return cuts;
   }
   const CPoint& At(std::uint32_t vertex) const { return m_aPoints[vertex]; }
-  double ZAt(std::uint32_t vertex) const { return m_Mesh.Vertices()[vertex].m_fZ; }
+  double ZAt(std::uint32_t vertex) const { return m_Mesh.Vertex(vertex).m_fZ; }
   bool IsBorder(const CSide& side) const {
     const auto on = [&](std::size_t axis) {
       const double a = At(side.m_uFrom)[axis];
@@ -137,7 +140,7 @@ class CMeshJudge {
     return on(0) || on(1);
   }
   CPlaceKey KeyOf(std::uint32_t vertex) const {
-    const CMeshPlace& place = m_Mesh.Vertices()[vertex].m_Place;
+    const CMeshPlace place = m_Mesh.Vertex(vertex).m_Place;
     return {place.x, place.y};
   }
   /// Distance of a point from the nearest cut or border, in cells.

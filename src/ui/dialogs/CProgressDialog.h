@@ -5,7 +5,7 @@
 
 #include <FL/Fl_Double_Window.H>
 
-#include "formats/ExportProgress.h"
+#include "base/ExportProgress.h"
 
 class Fl_Progress;
 

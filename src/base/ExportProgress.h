@@ -37,12 +37,12 @@ class CExportSteps {
 
   /// Does a count of like things in blocks, `work(begin, end)` for each, and asks before each; false where the export
   /// has been cancelled.
+  static constexpr std::size_t kBlock = std::size_t{1} << 16;
   template <typename Work>
-  bool ForBlocks(std::size_t count, const Work& work) const {
-    constexpr std::size_t kBlock = std::size_t{1} << 16;
-    for (std::size_t begin = 0; begin < count; begin += kBlock) {
+  bool ForBlocks(std::size_t count, const Work& work, std::size_t block = kBlock) const {
+    for (std::size_t begin = 0; begin < count; begin += block) {
       if (!Goes(static_cast<double>(begin) / static_cast<double>(count))) return false;
-      work(begin, std::min(count, begin + kBlock));
+      work(begin, std::min(count, begin + block));
     }
     return Goes(1);
   }
