@@ -38,18 +38,41 @@ CFileMesh EmptyMesh(const CGrid& grid, const CCleanMeshOptions& options) {
   return mesh;
 }
 
+Vector3 At(const CFileMesh& mesh, std::uint32_t v) {
+  const CPoint& p = mesh.m_aPositions[v];
+  return {p[0], p[1], p[2]};
+}
+
 // Twice the area of a triangle times its normal.
-Vector3 AreaOf(const CFileMesh& mesh, const CTriangle& triangle) {
-  const auto at = [&mesh](std::uint32_t v) {
-    const CPoint& p = mesh.m_aPositions[v];
-    return Vector3{p[0], p[1], p[2]};
-  };
-  const Vector3 first = at(triangle[0]);
-  return Cross(at(triangle[1]) - first, at(triangle[2]) - first);
+inline Vector3 AreaOf(const CFileMesh& mesh, const CTriangle& triangle) {
+  const Vector3 first = At(mesh, triangle[0]);
+  return Cross(At(mesh, triangle[1]) - first, At(mesh, triangle[2]) - first);
 }
 
 CPoint Written(const Vector3& normal) {
   return {static_cast<float>(normal.x), static_cast<float>(normal.y), static_cast<float>(normal.z)};
+}
+
+// Upwards where there is no area.
+CPoint DirectionOf(const Vector3& area) {
+  const double length = Length(area);
+  return length > 0 ? Written((1.0 / length) * area) : CPoint{0, 0, 1};
+}
+
+// The sum at the last corner of the triangles, which is the same for those of a leaf, is kept at hand.
+void AddAreas(const CFileMesh& mesh, std::size_t begin, std::size_t end, std::vector<Vector3>& sums) {
+  for (std::size_t t = begin; t < end;) {
+    const std::uint32_t last = mesh.m_aTriangles[t][2];
+    Vector3 sum = sums[last];
+    for (; t < end && mesh.m_aTriangles[t][2] == last; ++t) {
+      const CTriangle& triangle = mesh.m_aTriangles[t];
+      const Vector3 area = AreaOf(mesh, triangle);
+      sums[triangle[0]] += area;
+      sums[triangle[1]] += area;
+      sum += area;
+    }
+    sums[last] = sum;
+  }
 }
 
 // Those of the triangles around each vertex, the larger ones counting more. Upwards where there is no triangle.
@@ -57,23 +80,18 @@ void AddSmoothNormals(CFileMesh& mesh, const CExportSteps& steps) {
   std::vector<Vector3> sums;
   ReserveLarge(sums, mesh.m_aPositions.size());
   sums.resize(mesh.m_aPositions.size());
-  const bool goes = steps.ForBlocks(mesh.m_aTriangles.size(), [&](std::size_t begin, std::size_t end) {
-    for (const CTriangle& triangle : std::span(mesh.m_aTriangles).subspan(begin, end - begin)) {
-      const Vector3 area = AreaOf(mesh, triangle);
-      for (const std::uint32_t v : triangle) sums[v] += area;
-    }
-  });
+  const bool goes = steps.ForBlocks(mesh.m_aTriangles.size(),
+                                    [&](std::size_t begin, std::size_t end) { AddAreas(mesh, begin, end, sums); });
   if (!goes) return;
   ReserveLarge(mesh.m_aNormals, sums.size());
-  for (const Vector3& sum : sums)
-    mesh.m_aNormals.push_back(Length(sum) > 0 ? Written(Normalised(sum)) : CPoint{0, 0, 1});
+  for (const Vector3& sum : sums) mesh.m_aNormals.push_back(DirectionOf(sum));
 }
 
 // Each with corners of its own, so that the edge between surface and wall stays sharp.
 void AddWalls(std::span<const std::uint32_t> walls, CFileMesh& mesh) {
   for (const CTriangle& wall : TrianglesOf(walls)) {
     const Vector3 area = AreaOf(mesh, wall);
-    const CPoint normal = Length(area) > 0 ? Written(Normalised(area)) : CPoint{0, 0, 1};
+    const CPoint normal = DirectionOf(area);
     const auto first = static_cast<std::uint32_t>(mesh.m_aPositions.size());
     for (const std::uint32_t v : wall) {
       const CPoint position = mesh.m_aPositions[v];

@@ -13,9 +13,11 @@
 CCleanMeshOptions MeshOptions(const CExportSettings& settings);
 
 /// The parts of every export: making its mesh, making the bytes of its files, and writing them, which `SaveExport`
-/// does.
+/// does; or, where bytes are made while they are written, the picture and all that.
 CExportSteps MakingMesh(const CExportSettings& settings);
 CExportSteps Encoding(const CExportSettings& settings);
+CExportSteps EncodingPicture(const CExportSettings& settings);
+CExportSteps Writing(const CExportSettings& settings);
 
 /// The outcome of a surface that cannot be written.
 CSaveOutcome NotFinite(const std::string& filename);

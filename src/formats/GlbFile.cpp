@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <limits>
 #include <span>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 
@@ -65,15 +66,17 @@ void AddBounds(std::span<const std::array<float, 3>> positions, json& accessor) 
   constexpr float kFar = std::numeric_limits<float>::max();
   std::array<float, 3> low{kFar, kFar, kFar};
   std::array<float, 3> high{-kFar, -kFar, -kFar};
-  for (const std::array<float, 3>& position : positions) {
-    const std::array<float, 3> p = Turned(position, UpAxis::Y);
+  for (const std::array<float, 3>& p : positions) {
     for (std::size_t k = 0; k < p.size(); ++k) {
       low[k] = std::min(low[k], p[k]);
       high[k] = std::max(high[k], p[k]);
     }
   }
-  accessor["min"] = low;
-  accessor["max"] = high;
+  const std::array<float, 3> a = Turned(low, UpAxis::Y);
+  const std::array<float, 3> b = Turned(high, UpAxis::Y);
+  // One axis is turned round.
+  accessor["min"] = {std::min(a[0], b[0]), std::min(a[1], b[1]), std::min(a[2], b[2])};
+  accessor["max"] = {std::max(a[0], b[0]), std::max(a[1], b[1]), std::max(a[2], b[2])};
 }
 
 // The parts of the document that a picture adds, and the place of the picture in the material.
@@ -103,7 +106,7 @@ json Accessors(const CFileMesh& mesh, CChunkLayout& chunk) {
 }
 
 // The numbers themselves, in that order; false where the steps do not go on.
-bool AppendNumbers(const CFileMesh& mesh, const CExportSteps& steps, std::string& bytes) {
+bool PutNumbers(const CFileMesh& mesh, const CExportSteps& steps, const ByteSink& sink) {
   const std::size_t vertices = mesh.m_aPositions.size();
   const auto turned = [](const std::vector<std::array<float, 3>>& rows) {
     return [&rows](std::size_t v, char* out) { return PutRaw(Turned(rows[v], UpAxis::Y), out); };
@@ -113,10 +116,10 @@ bool AppendNumbers(const CFileMesh& mesh, const CExportSteps& steps, std::string
     return PutRaw(std::array{mesh.m_aPicturePlaces[v][0], 1 - mesh.m_aPicturePlaces[v][1]}, out);
   };
   const auto triangle = [&mesh](std::size_t t, char* out) { return PutRaw(mesh.m_aTriangles[t], out); };
-  return AppendRecords(vertices, kTriple, steps.Part(0, 0.2), turned(mesh.m_aPositions), bytes) &&
-         AppendRecords(vertices, kTriple, steps.Part(0.2, 0.4), turned(mesh.m_aNormals), bytes) &&
-         AppendRecords(vertices, kPair, steps.Part(0.4, 0.5), place, bytes) &&
-         AppendRecords(mesh.m_aTriangles.size(), kTriple, steps.Part(0.5, 0.9), triangle, bytes);
+  return PutRecords(vertices, kTriple, steps.Part(0, 0.2), turned(mesh.m_aPositions), sink) &&
+         PutRecords(vertices, kTriple, steps.Part(0.2, 0.4), turned(mesh.m_aNormals), sink) &&
+         PutRecords(vertices, kPair, steps.Part(0.4, 0.5), place, sink) &&
+         PutRecords(mesh.m_aTriangles.size(), kTriple, steps.Part(0.5, 0.9), triangle, sink);
 }
 
 json Document(const CFileMesh& mesh, const CEncodedPicture& picture, const std::string& name, CChunkLayout& chunk) {
@@ -141,8 +144,7 @@ json Document(const CFileMesh& mesh, const CEncodedPicture& picture, const std::
 
 }  // namespace
 
-std::optional<std::string> GlbOf(const CFileMesh& mesh, const CEncodedPicture& picture, const std::string& name,
-                                 const CExportSteps& steps) {
+std::optional<std::string> GlbHeadOf(const CFileMesh& mesh, const CEncodedPicture& picture, const std::string& name) {
   CChunkLayout chunk;
   // What is no UTF-8 in the name of a file is replaced: the format allows nothing else.
   std::string text = Document(mesh, picture, name, chunk).dump(-1, ' ', false, json::error_handler_t::replace);
@@ -154,16 +156,30 @@ std::optional<std::string> GlbOf(const CFileMesh& mesh, const CEncodedPicture& p
   for (const std::size_t number :
        {std::size_t{kMagic}, std::size_t{kVersion}, length, text.size(), std::size_t{kJsonChunk}})
     head.Put(static_cast<std::uint32_t>(number));
-  std::string bytes;
-  ReserveLarge(bytes, length);
-  bytes += head.Bytes();
-  bytes += text;
   CByteWriter binary;
   binary.Put(static_cast<std::uint32_t>(chunk.Size()));
   binary.Put(kBinaryChunk);
-  bytes += binary.Bytes();
-  if (!AppendNumbers(mesh, steps, bytes)) return {};
-  bytes += picture.m_Bytes;
-  bytes.resize(length);
+  return head.Take() + text + binary.Bytes();
+}
+
+bool PutGlbBody(const CFileMesh& mesh, const CEncodedPicture& picture, const ByteSink& sink,
+                const CExportSteps& steps) {
+  if (!PutNumbers(mesh, steps, sink)) return false;
+  sink(picture.m_Bytes);
+  sink(std::string(Aligned(picture.m_Bytes.size()) - picture.m_Bytes.size(), '\0'));
+  return true;
+}
+
+std::optional<std::string> GlbOf(const CFileMesh& mesh, const CEncodedPicture& picture, const std::string& name,
+                                 const CExportSteps& steps) {
+  const std::optional<std::string> head = GlbHeadOf(mesh, picture, name);
+  if (!head.has_value()) return {};
+  std::string bytes;
+  ReserveLarge(bytes, head->size() + mesh.m_aPositions.size() * (2 * kTriple + kPair) +
+                          mesh.m_aTriangles.size() * kTriple + Aligned(picture.m_Bytes.size()));
+  bytes = *head;
+  if (!PutGlbBody(
+          mesh, picture, [&bytes](std::string_view piece) { bytes += piece; }, steps))
+    return {};
   return bytes;
 }

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <string>
 
-#include "base/Memory.h"
 #include "base/NumberText.h"
 #include "formats/RawNumbers.h"
 
@@ -42,21 +42,17 @@ char* PutVertex(const CFileMesh& mesh, std::size_t v, const CPicture& picture, U
 
 }  // namespace
 
-std::string PlyOf(const CFileMesh& mesh, const CPicture& picture, UpAxis up, const CExportSteps& steps) {
+bool PutPly(const CFileMesh& mesh, const CPicture& picture, UpAxis up, const ByteSink& sink,
+            const CExportSteps& steps) {
   constexpr std::size_t kNumbers = 8 * sizeof(float);
   constexpr std::size_t kFace = 1 + 3 * sizeof(std::uint32_t);
   const bool colours = !picture.m_aPixels.empty();
-  const std::size_t vertex = kNumbers + (colours ? 3 : 0);
-  const std::string header = Header(mesh, colours);
-  std::string bytes;
-  ReserveLarge(bytes, header.size() + mesh.m_aPositions.size() * vertex + mesh.m_aTriangles.size() * kFace);
-  bytes = header;
+  sink(Header(mesh, colours));
   const auto putVertex = [&](std::size_t v, char* out) { return PutVertex(mesh, v, picture, up, out); };
   const auto putFace = [&](std::size_t t, char* out) {
     *out = 3;
     return PutRaw(mesh.m_aTriangles[t], out + 1);
   };
-  if (AppendRecords(mesh.m_aPositions.size(), vertex, steps.Part(0, 0.5), putVertex, bytes))
-    AppendRecords(mesh.m_aTriangles.size(), kFace, steps.Part(0.5, 1), putFace, bytes);
-  return bytes;
+  return PutRecords(mesh.m_aPositions.size(), kNumbers + (colours ? 3 : 0), steps.Part(0, 0.5), putVertex, sink) &&
+         PutRecords(mesh.m_aTriangles.size(), kFace, steps.Part(0.5, 1), putFace, sink);
 }

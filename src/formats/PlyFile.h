@@ -1,11 +1,11 @@
 #pragma once
 
-#include <string>
-
+#include "base/ByteSink.h"
 #include "base/CPicture.h"
 #include "base/ExportProgress.h"
 #include "formats/CFileMesh.h"
 
-/// The bytes of a binary PLY file, least significant byte first: normals, places in the picture and, where there is a
-/// picture, its colours at the vertices. Not whole where it has been cancelled. Throws std::bad_alloc.
-std::string PlyOf(const CFileMesh& mesh, const CPicture& picture, UpAxis up, const CExportSteps& steps = {});
+/// Gives the bytes of a binary PLY file, least significant byte first: normals, places in the picture and, where there
+/// is a picture, its colours at the vertices. False, and not all, where `steps` do not go on.
+bool PutPly(const CFileMesh& mesh, const CPicture& picture, UpAxis up, const ByteSink& sink,
+            const CExportSteps& steps = {});

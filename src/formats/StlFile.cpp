@@ -2,8 +2,9 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <string>
 
-#include "base/Memory.h"
 #include "base/Vector3.h"
 #include "formats/RawNumbers.h"
 
@@ -28,14 +29,13 @@ CPoint NormalOf(const CPoint& a, const CPoint& b, const CPoint& c) {
 
 }  // namespace
 
-std::string StlOf(const CFileMesh& mesh, UpAxis up, const CExportSteps& steps) {
+bool PutStl(const CFileMesh& mesh, UpAxis up, const ByteSink& sink, const CExportSteps& steps) {
   constexpr std::size_t kTriangle = 12 * sizeof(float) + sizeof(std::uint16_t);
   // It must not begin with "solid", which is the mark of the text form.
-  std::string bytes;
-  ReserveLarge(bytes, kHeader + sizeof(std::uint32_t) + mesh.m_aTriangles.size() * kTriangle);
-  bytes = "relievo";
-  bytes.resize(kHeader + sizeof(std::uint32_t));
-  PutRaw(static_cast<std::uint32_t>(mesh.m_aTriangles.size()), bytes.data() + kHeader);
+  std::string head = "relievo";
+  head.resize(kHeader + sizeof(std::uint32_t));
+  PutRaw(static_cast<std::uint32_t>(mesh.m_aTriangles.size()), head.data() + kHeader);
+  sink(head);
   const auto put = [&](std::size_t t, char* out) {
     const CPoint& a = mesh.m_aPositions[mesh.m_aTriangles[t][0]];
     const CPoint& b = mesh.m_aPositions[mesh.m_aTriangles[t][1]];
@@ -44,6 +44,5 @@ std::string StlOf(const CFileMesh& mesh, UpAxis up, const CExportSteps& steps) {
     for (const CPoint* corner : {&a, &b, &c}) out = PutRaw(Turned(*corner, up), out);
     return PutRaw(std::uint16_t{0}, out);
   };
-  AppendRecords(mesh.m_aTriangles.size(), kTriangle, steps, put, bytes);
-  return bytes;
+  return PutRecords(mesh.m_aTriangles.size(), kTriangle, steps, put, sink);
 }

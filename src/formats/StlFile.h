@@ -1,10 +1,9 @@
 #pragma once
 
-#include <string>
-
+#include "base/ByteSink.h"
 #include "base/ExportProgress.h"
 #include "formats/CFileMesh.h"
 
-/// The bytes of a binary STL file of the triangles, each with its normal. Not whole where it has been cancelled. Throws
-/// std::bad_alloc.
-std::string StlOf(const CFileMesh& mesh, UpAxis up, const CExportSteps& steps = {});
+/// Gives the bytes of a binary STL file of the triangles, each with its normal. False, and not all, where `steps` do
+/// not go on.
+bool PutStl(const CFileMesh& mesh, UpAxis up, const ByteSink& sink, const CExportSteps& steps = {});

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <functional>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -21,19 +22,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The picture's share of making the bytes of files, and the mesh's.
-CExportSteps EncodingPicture(const CExportSettings& settings) { return Encoding(settings).Part(0, 0.5); }
+// What the picture leaves of making the bytes of files.
 CExportSteps EncodingMesh(const CExportSettings& settings) { return Encoding(settings).Part(0.5, 1); }
+
+// A file whose bytes are made while they are written.
+CSaveOutcome SavePut(const std::string& filename, const CExportSettings& settings,
+                     std::function<bool(const ByteSink&)> put) {
+  return SaveExport(std::array{CNewFile{filename, {}, std::move(put)}}, settings);
+}
 
 CSaveOutcome WriteGlb(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
   if (const auto refused = Refused(settings.m_Texture, filename, settings)) return *refused;
   const CFileMesh mesh = MeshOf(grid, ExportContent::Surface, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
   const CEncodedPicture& picture = settings.m_pPictures->Encoded(settings.m_Texture, EncodingPicture(settings));
-  std::optional<std::string> bytes = GlbOf(mesh, picture, fs::path(filename).stem(), EncodingMesh(settings));
-  if (!Encoding(settings).Goes(1)) return Cancelled(filename);
-  if (!bytes.has_value()) return {"The model is too large for the format. The file " + filename + " is not written."};
-  return SaveExport(std::array{CNewFile{filename, std::move(*bytes)}}, settings);
+  if (!EncodingPicture(settings).Goes(1)) return Cancelled(filename);
+  const std::optional<std::string> head = GlbHeadOf(mesh, picture, fs::path(filename).stem());
+  if (!head.has_value()) return {"The model is too large for the format. The file " + filename + " is not written."};
+  return SavePut(filename, settings, [&](const ByteSink& sink) {
+    sink(*head);
+    return PutGlbBody(mesh, picture, sink, Writing(settings));
+  });
 }
 
 #ifdef RELIEVO_PAGE
@@ -108,14 +117,15 @@ CSaveOutcome WritePly(const CGrid& grid, const std::string& filename, const CExp
   const CFileMesh mesh = MeshOf(grid, ExportContent::Surface, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
   const CPicture& picture = settings.m_pPictures->Pixels(settings.m_Texture, EncodingPicture(settings));
-  return SaveExport(std::array{CNewFile{filename, PlyOf(mesh, picture, *settings.m_Up, EncodingMesh(settings))}},
-                    settings);
+  return SavePut(filename, settings,
+                 [&](const ByteSink& sink) { return PutPly(mesh, picture, *settings.m_Up, sink, Writing(settings)); });
 }
 
 CSaveOutcome WriteStl(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
   const CFileMesh mesh = MeshOf(grid, ExportContent::Solid, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
-  return SaveExport(std::array{CNewFile{filename, StlOf(mesh, *settings.m_Up, Encoding(settings))}}, settings);
+  return SavePut(filename, settings,
+                 [&](const ByteSink& sink) { return PutStl(mesh, *settings.m_Up, sink, Writing(settings)); });
 }
 
 bool EndsWith(std::string_view name, std::string_view suffix) {

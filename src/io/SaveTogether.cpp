@@ -79,17 +79,26 @@ class CWrittenShare {
   std::size_t m_uDone = 0;
 };
 
+void WritePiece(std::string_view piece, CFileReplacement& replacement) {
+  replacement.Write({reinterpret_cast<const unsigned char*>(piece.data()), piece.size()});
+}
+
 // False where it is not wanted any more.
 bool WriteInBlocks(std::string_view bytes, CFileReplacement& replacement, CWrittenShare& share) {
   constexpr std::size_t kBlock = std::size_t{1} << 22;
   while (!bytes.empty()) {
     if (!share.Goes()) return false;
     const std::string_view block = bytes.substr(0, kBlock);
-    replacement.Write({reinterpret_cast<const unsigned char*>(block.data()), block.size()});
+    WritePiece(block, replacement);
     share.Add(block.size());
     bytes.remove_prefix(block.size());
   }
   return share.Goes();
+}
+
+bool WriteContents(const CNewFile& file, CFileReplacement& replacement, CWrittenShare& share) {
+  if (!file.m_Put) return WriteInBlocks(file.m_Bytes, replacement, share);
+  return file.m_Put([&replacement](std::string_view piece) { WritePiece(piece, replacement); });
 }
 
 CSaveOutcome CommitAll(std::span<const CNewFile> files, std::list<CFileReplacement>& replacements) {
@@ -122,7 +131,7 @@ CSaveOutcome SaveTogether(std::span<const CNewFile> files, const std::function<b
   for (const CNewFile& file : files) {
     CFileReplacement& replacement = replacements.emplace_back(file.m_Name);
     if (!replacement.IsOpen()) return NotWritten(file);
-    if (!WriteInBlocks(file.m_Bytes, replacement, share)) return Cancelled(files.back().m_Name);
+    if (!WriteContents(file, replacement, share)) return Cancelled(files.back().m_Name);
     if (!replacement.Complete()) return NotWritten(file);
   }
   return CommitAll(files, replacements);

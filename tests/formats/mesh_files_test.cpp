@@ -9,6 +9,7 @@
 #include <cstring>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -256,6 +257,16 @@ TEST(ObjTest, KeepsEveryBitOfItsNumbers) {
 
 namespace {
 
+ByteSink AppendTo(std::string& bytes) {
+  return [&bytes](std::string_view piece) { bytes += piece; };
+}
+
+std::string StlBytes(const CFileMesh& mesh, UpAxis up) {
+  std::string bytes;
+  PutStl(mesh, up, AppendTo(bytes));
+  return bytes;
+}
+
 template <typename Value>
 Value Take(const std::string& bytes, std::size_t& at) {
   Value value{};
@@ -268,7 +279,8 @@ Value Take(const std::string& bytes, std::size_t& at) {
 
 TEST(PlyTest, HoldsTheMeshWithItsColours) {
   const CFileMesh mesh = Roof();
-  const std::string bytes = PlyOf(mesh, FourColours(), UpAxis::Z);
+  std::string bytes;
+  PutPly(mesh, FourColours(), UpAxis::Z, AppendTo(bytes));
   std::size_t at = bytes.find("end_header\n") + 11;
   EXPECT_EQ(
       bytes.substr(0, at),
@@ -294,7 +306,8 @@ TEST(PlyTest, HoldsTheMeshWithItsColours) {
 }
 
 TEST(PlyTest, WithoutAPictureHasNoColours) {
-  const std::string bytes = PlyOf(Roof(), {}, UpAxis::Y);
+  std::string bytes;
+  PutPly(Roof(), {}, UpAxis::Y, AppendTo(bytes));
   EXPECT_EQ(bytes.find("uchar red"), std::string::npos);
   std::size_t at = bytes.find("end_header\n") + 11;
   EXPECT_EQ(bytes.size() - at, 6 * 32U + 4 * 13U);
@@ -325,7 +338,7 @@ std::string WordsOf(const std::string& text) {
 TEST(StlTest, IsAClosedSolidForAnotherProgram) {
   const CTemporaryDirectory directory;
   for (const UpAxis up : {UpAxis::Y, UpAxis::Z}) {
-    WriteText(directory.File("house.stl"), StlOf(House(), up));
+    WriteText(directory.File("house.stl"), StlBytes(House(), up));
     ASSERT_EQ(RunIn(directory.Path(), "admesh house.stl"), 0);
     const std::string report = WordsOf(BytesOf(directory.File("out")));
     const auto says = [&report](const std::string& words) { return report.find(words) != std::string::npos; };
@@ -349,7 +362,7 @@ TEST(StlTest, IsASolidForAnotherProgramWhereHighAndLowQuartersMeetInOnePoint) {
       const bool upper = row > crossing;
       return right == upper ? (right ? 7.0 : 5.0) : (right ? 1.0 : 2.0);
     });
-    WriteText(directory.File("quarters.stl"), StlOf(CleanSolid(grid.m_Grid, {}, 2.0), UpAxis::Z));
+    WriteText(directory.File("quarters.stl"), StlBytes(CleanSolid(grid.m_Grid, {}, 2.0), UpAxis::Z));
     ASSERT_EQ(RunIn(directory.Path(), "admesh quarters.stl"), 0);
     const std::string report = WordsOf(BytesOf(directory.File("out")));
     const auto says = [&report](const std::string& words) { return report.find(words) != std::string::npos; };
@@ -363,7 +376,7 @@ TEST(StlTest, IsASolidForAnotherProgramWhereHighAndLowQuartersMeetInOnePoint) {
 TEST(StlTest, SaysNothingOfTheDirectionOfATriangleWithoutArea) {
   CFileMesh mesh = Roof();
   mesh.m_aTriangles = {{0, 0, 1}};
-  const std::string bytes = StlOf(mesh, UpAxis::Z);
+  const std::string bytes = StlBytes(mesh, UpAxis::Z);
   std::size_t at = 84;
   EXPECT_EQ(Take<CPoint>(bytes, at), (CPoint{0, 0, 0}));
   EXPECT_EQ(bytes.size(), 84U + 50U);
