@@ -35,7 +35,7 @@ CExportSteps MakingMesh(const CExportSettings& settings) { return Steps(settings
 
 CExportSteps Encoding(const CExportSettings& settings) { return Steps(settings).Part(0.4, 0.7); }
 
-CExportSteps EncodingPicture(const CExportSettings& settings) { return Encoding(settings).Part(0, 0.5); }
+CExportSteps EncodingPicture(const CExportSettings& settings) { return Steps(settings).Part(0.4, 0.55); }
 
 CExportSteps Writing(const CExportSettings& settings) { return Steps(settings).Part(0.55, 1); }
 

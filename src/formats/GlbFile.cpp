@@ -167,7 +167,7 @@ bool PutGlbBody(const CFileMesh& mesh, const CEncodedPicture& picture, const Byt
   if (!PutNumbers(mesh, steps, sink)) return false;
   sink(picture.m_Bytes);
   sink(std::string(Aligned(picture.m_Bytes.size()) - picture.m_Bytes.size(), '\0'));
-  return true;
+  return steps.Goes(1);
 }
 
 std::optional<std::string> GlbOf(const CFileMesh& mesh, const CEncodedPicture& picture, const std::string& name,

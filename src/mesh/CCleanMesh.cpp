@@ -20,6 +20,7 @@ CCleanMesh::CCleanMesh(const CQuadTree& tree, CSurfaceMesh mesh, const CCntrCtrl
                        const CCleanMeshOptions& options, const CExportSteps& steps)
     : m_Extent(tree.Lattice().Extent()),
       m_iCells(tree.Lattice().PointsPerSide() - 1),
+      m_fShare(1.0 / m_iCells),
       m_afCell{(m_Extent.x1 - m_Extent.x0) / m_iCells, (m_Extent.y1 - m_Extent.y0) / m_iCells},
       m_Options(options),
       m_Plane(m_iCells, options.m_fScale * (m_Extent.x1 - m_Extent.x0),

@@ -79,7 +79,8 @@ class CCleanMesh {
     const std::size_t plain = m_aRaised.size() - m_aShown.size();
     if (vertex >= plain) return m_aShown[vertex - plain];
     const CMeshPlace& place = m_aRaised[vertex].m_Place;
-    return {m_Plane.ColumnOf(place) / m_iCells, m_Plane.RowOf(place) / m_iCells};
+    // The cells of a side are a power of two.
+    return {m_Plane.ColumnOf(place) * m_fShare, m_Plane.RowOf(place) * m_fShare};
   }
 
   /// The surface: three vertices per triangle, counter-clockwise as seen from +z.
@@ -110,6 +111,7 @@ class CCleanMesh {
 
   CExtent m_Extent;
   int m_iCells;
+  double m_fShare;                 ///< of one of them in a side
   std::array<double, 2> m_afCell;  ///< lengths of a cell, model units
   CCleanMeshOptions m_Options;
   CMeshPlane m_Plane;

@@ -16,6 +16,7 @@ CMeshPlane::CAxis::CAxis(int cells, double length) : m_fHalf(cells / 2.0) {
   std::frexp(length / 2, &exponent);
   m_fStep = std::ldexp(1.0, exponent - kFloatBits);
   m_fUnits = length / m_fStep / cells;
+  m_fCells = 1.0 / m_fUnits;
   m_aiHalves.reserve(2 * static_cast<std::size_t>(cells) + 1);
   for (int half = 0; half <= 2 * cells; ++half) m_aiHalves.push_back(Rounded(half / 2.0));
 }

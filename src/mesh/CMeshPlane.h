@@ -55,16 +55,16 @@ class CMeshPlane {
       return static_cast<double>(half) == 2.0 * lattice ? m_aiHalves[half] : Rounded(lattice);
     }
     double LatticeOf(std::int32_t place) const {
-      const double lattice = m_fHalf + place / m_fUnits;
-      const double nearest = std::max(2.0 * lattice + 0.5, 0.0);
+      const double nearest = std::max(2.0 * (m_fHalf + place * m_fCells) + 0.5, 0.0);
       const auto half = std::min(static_cast<std::size_t>(nearest), m_aiHalves.size() - 1);
-      return m_aiHalves[half] == place ? static_cast<double>(half) / 2.0 : lattice;
+      return m_aiHalves[half] == place ? static_cast<double>(half) / 2.0 : m_fHalf + place / m_fUnits;
     }
     std::int32_t Rounded(double lattice) const;
 
     double m_fHalf;         ///< of the cells
     double m_fStep = 1.0;   ///< a power of two, in the unit of the file
     double m_fUnits = 1.0;  ///< steps in a cell
+    double m_fCells = 1.0;  ///< cells in a step
     // Of lattice points and of the middles between two, in halves of a cell from the first: nearly all that is asked
     // for.
     std::vector<std::int32_t> m_aiHalves;

@@ -1,7 +1,6 @@
 #include "mesh/CSideHeights.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "mesh/CSideSearch.h"
 
@@ -22,19 +21,9 @@ std::span<const CSideHeights::CTerm> CSideHeights::Terms(std::size_t row) const 
 }
 
 CSideHeights::CRange CSideHeights::RangeOf(std::span<const CTerm> terms, std::span<const double> known) {
-  CRange range{HUGE_VAL, -HUGE_VAL};
-  for (const CTerm& term : terms) {
-    range.m_fLow = std::min(range.m_fLow, known[term.m_uKnown]);
-    range.m_fHigh = std::max(range.m_fHigh, known[term.m_uKnown]);
-  }
-  return Widened(range);
-}
-
-// At both ends by half its length; 0 where nothing is known.
-CSideHeights::CRange CSideHeights::Widened(const CRange& range) {
-  if (range.m_fLow > range.m_fHigh) return {};
-  const double more = (range.m_fHigh - range.m_fLow) / 2.0;
-  return {range.m_fLow - more, range.m_fHigh + more};
+  CRange range;
+  for (const CTerm& term : terms) range.Add(known[term.m_uKnown]);
+  return range.Widened();
 }
 
 void CSideHeights::Raise(std::span<const double> known, std::span<double> heights) const {
@@ -47,7 +36,7 @@ void CSideHeights::Raise(std::span<const double> known, std::span<double> height
     const std::span<const CTerm> terms = Terms(row);
     double z = 0.0;
     for (const CTerm& term : terms) z += term.m_fWeight * known[term.m_uKnown];
-    heights[copy] = Within(RangeOf(terms, known), z);
+    heights[copy] = RangeOf(terms, known).Within(z);
   }
 }
 
@@ -76,9 +65,9 @@ void CSideHeights::RaisePlanes(std::span<const double> known, std::span<const do
       plane.m_fSlopeY += slope->m_fY * known[term.m_uKnown];
       ++slope;
     }
-    const auto [low, high] = RangeOf(terms, known);
-    plane.m_fLow = std::min(low, plane.m_fZ);
-    plane.m_fHigh = std::max(high, plane.m_fZ);
+    const CRange range = RangeOf(terms, known);
+    plane.m_fLow = std::min(range.m_fLow, plane.m_fZ);
+    plane.m_fHigh = std::max(range.m_fHigh, plane.m_fZ);
     planes[row] = plane;
   }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -84,14 +86,26 @@ class CSideHeights {
     double m_fY = 0.0;
   };
   struct CRange {
-    double m_fLow = 0.0;
-    double m_fHigh = 0.0;
+    double m_fLow = HUGE_VAL;
+    double m_fHigh = -HUGE_VAL;
+
+    void Add(double z) {
+      m_fLow = std::min(m_fLow, z);
+      m_fHigh = std::max(m_fHigh, z);
+    }
+    void Add(const CRange& range) {
+      m_fLow = std::min(m_fLow, range.m_fLow);
+      m_fHigh = std::max(m_fHigh, range.m_fHigh);
+    }
+    // At both ends by half its length; 0 where nothing is known.
+    CRange Widened() const {
+      if (m_fLow > m_fHigh) return {0.0, 0.0};
+      const double more = (m_fHigh - m_fLow) / 2.0;
+      return {m_fLow - more, m_fHigh + more};
+    }
+    // In this order, so that what is no number stays none.
+    double Within(double z) const { return z < m_fLow ? m_fLow : z > m_fHigh ? m_fHigh : z; }
   };
-  static CRange Widened(const CRange& range);
-  // In this order, so that what is no number stays none.
-  static double Within(const CRange& range, double z) {
-    return z < range.m_fLow ? range.m_fLow : z > range.m_fHigh ? range.m_fHigh : z;
-  }
   static CRange RangeOf(std::span<const CTerm> terms, std::span<const double> known);
   std::span<const CTerm> Terms(std::size_t row) const;
 

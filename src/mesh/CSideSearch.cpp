@@ -41,6 +41,7 @@ void CSideSearch::Prepare() {
   for (std::uint32_t v = 0; v < m_Patch.Triangles().VertexCount(); ++v)
     m_aPoints.push_back({m_Patch.ColumnOf(v), m_Patch.RowOf(v)});
   m_aNodes.resize(m_Patch.Triangles().Triangles().size());
+  m_aGifts.resize(m_aNodes.size());
   FindPlanes();
   FindFosters();
   FindEnds();
@@ -101,7 +102,7 @@ void CSideSearch::FindPlanes() {
   const auto triangles = m_Patch.Triangles().Triangles();
   for (std::uint32_t t = 0; t < triangles.size(); ++t) {
     const std::array<std::uint32_t, 3> copies{m_Sides.CopyOf(t, 0), m_Sides.CopyOf(t, 1), m_Sides.CopyOf(t, 2)};
-    m_aNodes[t].m_uPlane = AddPlane(copies);
+    m_aGifts[t].m_uPlane = AddPlane(copies);
     const auto& origin = m_Patch.OriginOf(t);
     if (origin.m_bTorn || origin.m_bWholeLeaf) continue;
     for (std::uint32_t k = 0; k < 3; ++k) {
@@ -112,7 +113,7 @@ void CSideSearch::FindPlanes() {
       const std::uint32_t far = m_Sides.CopyOf(beyond, (m_Patch.Triangles().SideInNeighbour(t, k) + 2) % 3);
       const bool centreFirst = m_Sides.IsKnown(copies[(k + 1) % 3]);
       const std::uint32_t plane = AddPlane({centreFirst ? copies[(k + 1) % 3] : copies[k], copies[(k + 2) % 3], far});
-      if (plane != kNone) m_aNodes[t].m_uPlane = plane;
+      if (plane != kNone) m_aGifts[t].m_uPlane = plane;
     }
   }
 }
@@ -122,7 +123,7 @@ void CSideSearch::FindFosters() {
   const auto triangles = m_Patch.Triangles().Triangles();
   std::vector<bool> provided(m_Sides.PieceCount());
   for (std::uint32_t t = 0; t < triangles.size(); ++t) {
-    if (m_aNodes[t].m_uPlane != kNone) provided[m_Sides.PieceOf(t)] = true;
+    if (m_aGifts[t].m_uPlane != kNone) provided[m_Sides.PieceOf(t)] = true;
   }
   m_auFosters.assign(m_Sides.PieceCount(), kNone);
   for (bool found = true; found;) {
@@ -181,7 +182,7 @@ void CSideSearch::MakeNodes() {
         node.m_afLeast[axis] = k == 0 ? place[axis] : std::min(node.m_afLeast[axis], place[axis]);
         node.m_afMost[axis] = k == 0 ? place[axis] : std::max(node.m_afMost[axis], place[axis]);
       }
-      node.m_auKnown[k] = m_Found.m_auKnownAt[m_Sides.CopyOf(t, k)];
+      m_aGifts[t].m_auKnown[k] = m_Found.m_auKnownAt[m_Sides.CopyOf(t, k)];
       const std::uint32_t beyond = triangle.m_auNeighbours[k];
       const bool isWay =
           beyond != kNone && (!triangle.m_abCut[k] || m_auFosters[m_Sides.PieceOf(t)] == m_Sides.PieceOf(beyond));
@@ -207,7 +208,8 @@ void CSideSearch::Continue(std::uint32_t copy, bool slopes) {
   AddRow(copy, slopes);
 }
 
-// All triangles of the side that come as near as that, into the queue.
+// All triangles of the side that come as near as that, into the queue. Each is looked at once, near or not, and without
+// a branch for each side of the rectangle.
 void CSideSearch::FindNear(std::uint32_t copy, double reach) {
   const std::array least{static_cast<float>(m_Point.x - reach), static_cast<float>(m_Point.y - reach)};
   const std::array most{static_cast<float>(m_Point.x + reach), static_cast<float>(m_Point.y + reach)};
@@ -216,13 +218,13 @@ void CSideSearch::FindNear(std::uint32_t copy, double reach) {
   m_aNodes[m_auQueue.front()].m_uSeen = m_uSearch;
   for (std::size_t at = 0; at < m_auQueue.size(); ++at) {
     for (const std::uint32_t beyond : m_aNodes[m_auQueue[at]].m_auBeyond) {
-      if (beyond == kNone || m_aNodes[beyond].m_uSeen == m_uSearch) continue;
+      if (beyond == kNone) continue;
       CNode& next = m_aNodes[beyond];
-      if (next.m_afLeast[0] >= most[0] || next.m_afMost[0] <= least[0] || next.m_afLeast[1] >= most[1] ||
-          next.m_afMost[1] <= least[1])
-        continue;
+      if (next.m_uSeen == m_uSearch) continue;
       next.m_uSeen = m_uSearch;
-      m_auQueue.push_back(beyond);
+      const int near = static_cast<int>(next.m_afLeast[0] < most[0]) & static_cast<int>(next.m_afMost[0] > least[0]) &
+                       static_cast<int>(next.m_afLeast[1] < most[1]) & static_cast<int>(next.m_afMost[1] > least[1]);
+      if (near != 0) m_auQueue.push_back(beyond);
     }
   }
 }
@@ -232,11 +234,11 @@ void CSideSearch::LookAround(std::uint32_t copy, double reach) {
   m_aTerms.clear();
   m_afWeights = {};
   for (const std::uint32_t t : m_auQueue) {
-    const CNode& node = m_aNodes[t];
-    for (const std::uint32_t known : node.m_auKnown) {
+    const CGift& gift = m_aGifts[t];
+    for (const std::uint32_t known : gift.m_auKnown) {
       if (known != kNone) TermOf(known);
     }
-    if (node.m_uPlane != kNone) Count(m_aPlanes[node.m_uPlane]);
+    if (gift.m_uPlane != kNone) Count(m_aPlanes[gift.m_uPlane]);
   }
 }
 
@@ -290,7 +292,7 @@ std::vector<double> CSideSearch::RaiseAll(const std::function<double(std::uint32
   Prepare();
   m_afKnown.reserve(m_Found.m_auKnown.size());
   for (const std::uint32_t vertex : m_Found.m_auKnown) m_afKnown.push_back(meshHeights(vertex));
-  RaiseNodes();
+  RaiseGifts();
   std::vector<double> heights(m_Sides.CopyCount());
   steps.ForBlocks(
       heights.size(),
@@ -304,58 +306,51 @@ std::vector<double> CSideSearch::RaiseAll(const std::function<double(std::uint32
   return heights;
 }
 
-void CSideSearch::RaiseNodes() {
-  const auto value = [this](std::uint32_t known) { return m_afKnown[known]; };
-  m_aRaised.reserve(m_aPlanes.size());
-  for (const CPlane& plane : m_aPlanes) {
-    CRaised raised{.m_Middle = plane.m_Middle};
-    for (std::size_t k = 0; k < plane.m_auKnown.size(); ++k) {
-      const double z = value(plane.m_auKnown[k]);
-      raised.m_fZ += z / 3.0;
-      raised.m_fSlopeX += plane.m_afSlopeX[k] * z;
-      raised.m_fSlopeY += plane.m_afSlopeY[k] * z;
-    }
-    m_aRaised.push_back(raised);
+void CSideSearch::RaisePlane(const CPlane& plane, CRaised& raised) const {
+  raised.m_Middle = plane.m_Middle;
+  raised.m_fCounts = 1.0;
+  for (std::size_t k = 0; k < plane.m_auKnown.size(); ++k) {
+    const double z = m_afKnown[plane.m_auKnown[k]];
+    raised.m_Range.Add(z);
+    raised.m_fZ += z / 3.0;
+    raised.m_fSlopeX += plane.m_afSlopeX[k] * z;
+    raised.m_fSlopeY += plane.m_afSlopeY[k] * z;
   }
-  m_aRanges.reserve(m_aNodes.size());
-  for (const CNode& node : m_aNodes) {
-    CSideHeights::CRange range{HUGE_VAL, -HUGE_VAL};
-    const auto add = [&](std::uint32_t known) {
-      range = {std::min(range.m_fLow, value(known)), std::max(range.m_fHigh, value(known))};
-    };
-    for (const std::uint32_t known : node.m_auKnown) {
-      if (known != kNone) add(known);
+}
+
+void CSideSearch::RaiseGifts() {
+  m_aRaised.resize(m_aGifts.size());
+  for (std::size_t t = 0; t < m_aGifts.size(); ++t) {
+    for (const std::uint32_t known : m_aGifts[t].m_auKnown) {
+      if (known != kNone) m_aRaised[t].m_Range.Add(m_afKnown[known]);
     }
-    if (node.m_uPlane != kNone) std::ranges::for_each(m_aPlanes[node.m_uPlane].m_auKnown, add);
-    m_aRanges.push_back(range);
+    if (m_aGifts[t].m_uPlane != kNone) RaisePlane(m_aPlanes[m_aGifts[t].m_uPlane], m_aRaised[t]);
   }
 }
 
 double CSideSearch::HeightAt(std::uint32_t copy) {
   StartFrom(copy);
-  std::array<double, 2> weights{};
-  std::array<double, 2> sums{};
-  double reach = CSideHeights::kRing;
-  for (FindNear(copy, reach); !SumPlanes(weights, sums) && reach < kEverywhere; FindNear(copy, reach)) reach *= 2.0;
-  const std::array<double, 2> share = SharesOf(weights);
-  CSideHeights::CRange range{HUGE_VAL, -HUGE_VAL};
-  for (const std::uint32_t t : m_auQueue)
-    range = {std::min(range.m_fLow, m_aRanges[t].m_fLow), std::max(range.m_fHigh, m_aRanges[t].m_fHigh)};
-  return CSideHeights::Within(CSideHeights::Widened(range), share[0] * sums[0] + share[1] * sums[1]);
+  CSum sum;
+  for (double reach = CSideHeights::kRing;; reach *= 2.0) {
+    FindNear(copy, reach);
+    SumPlanes(sum);
+    if (sum.m_afWeights[0] + sum.m_afWeights[1] > 0.0 || reach >= kEverywhere) break;
+  }
+  const std::array<double, 2> share = SharesOf(sum.m_afWeights);
+  return sum.m_Range.Widened().Within(share[0] * sum.m_afSums[0] + share[1] * sum.m_afSums[1]);
 }
 
-// The planes of the triangles in the queue, at the point in hand; false where there is none.
-bool CSideSearch::SumPlanes(std::array<double, 2>& weights, std::array<double, 2>& sums) const {
+// The planes of the triangles in the queue, at the point in hand.
+void CSideSearch::SumPlanes(CSum& sum) const {
+  sum = {};
   for (const std::uint32_t t : m_auQueue) {
-    const std::uint32_t number = m_aNodes[t].m_uPlane;
-    if (number == kNone) continue;
-    const CRaised& plane = m_aRaised[number];
+    const CRaised& plane = m_aRaised[t];
     const double dx = m_Point.x - plane.m_Middle.x;
     const double dy = m_Point.y - plane.m_Middle.y;
-    const double weight = WeightAt(dx, dy);
+    const double weight = plane.m_fCounts * WeightAt(dx, dy);
     const std::size_t hand = HandOf(dx, dy);
-    weights[hand] += weight;
-    sums[hand] += weight * (plane.m_fZ + plane.m_fSlopeX * dx + plane.m_fSlopeY * dy);
+    sum.m_afWeights[hand] += weight;
+    sum.m_afSums[hand] += weight * (plane.m_fZ + plane.m_fSlopeX * dx + plane.m_fSlopeY * dy);
+    sum.m_Range.Add(plane.m_Range);
   }
-  return weights[0] + weights[1] > 0.0;
 }

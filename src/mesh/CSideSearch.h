@@ -40,14 +40,18 @@ class CSideSearch {
     std::array<double, 3> m_afSlopeX{};
     std::array<double, 3> m_afSlopeY{};
   };
-  // All that a search reads of a triangle on its way: small, as it meets some hundred of them.
-  struct CNode {
+  // All that a search reads of a triangle on its way: small, as it meets some hundred of them, and never in two lines
+  // of the processor's memory.
+  struct alignas(32) CNode {
     std::array<std::uint32_t, 3> m_auBeyond{};  ///< the triangles that it leads on to; kNone for none
-    std::array<std::uint32_t, 3> m_auKnown{};   ///< its heights that the solver has; kNone for none
     std::array<float, 2> m_afLeast{};           ///< corners of the rectangle around it
     std::array<float, 2> m_afMost{};
-    std::uint32_t m_uPlane = 0;  ///< that it gives, itself or with a neighbour; kNone for none
-    std::uint32_t m_uSeen = 0;   ///< the last search that has seen it
+    std::uint32_t m_uSeen = 0;  ///< the last search that has seen it
+  };
+  // What a triangle gives to those that it is near.
+  struct CGift {
+    std::array<std::uint32_t, 3> m_auKnown{};  ///< its heights that the solver has; kNone for none
+    std::uint32_t m_uPlane = 0;                ///< that it gives, itself or with a neighbour; kNone for none
   };
   // What a height counts in the mean of the planes on either side of the line on which a cut ends at the point in hand.
   struct CTerm {
@@ -57,20 +61,30 @@ class CSideSearch {
     std::array<double, 2> m_afSlopeY{};
   };
 
-  // The height of a plane at its middle and what it grows by per cell, for one surface.
-  struct CRaised {
+  // The same for one surface.
+  struct alignas(64) CRaised {
     CPoint m_Middle;
-    double m_fZ = 0.0;
+    double m_fZ = 0.0;  ///< of the plane at its middle
     double m_fSlopeX = 0.0;
     double m_fSlopeY = 0.0;
+    CSideHeights::CRange m_Range;  ///< of the heights that it has or its plane goes through
+    double m_fCounts = 0.0;        ///< 0 where it gives no plane, else 1
+  };
+
+  // The planes near a point on either side of the line on which a cut ends there, and the range around it.
+  struct CSum {
+    std::array<double, 2> m_afWeights{};
+    std::array<double, 2> m_afSums{};
+    CSideHeights::CRange m_Range;
   };
 
   static constexpr std::uint32_t kNone = CSideHeights::kNone;
 
   void Prepare();
-  void RaiseNodes();
+  void RaiseGifts();
+  void RaisePlane(const CPlane& plane, CRaised& raised) const;
   double HeightAt(std::uint32_t copy);
-  bool SumPlanes(std::array<double, 2>& weights, std::array<double, 2>& sums) const;
+  void SumPlanes(CSum& sum) const;
   void NumberKnown();
   void FindPlanes();
   std::uint32_t AddPlane(const std::array<std::uint32_t, 3>& copies);
@@ -93,13 +107,13 @@ class CSideSearch {
   std::vector<CPoint> m_aPoints;  ///< by vertex
   std::vector<CPlane> m_aPlanes;
   std::vector<CNode> m_aNodes;             ///< by triangle
+  std::vector<CGift> m_aGifts;             ///< by triangle
   std::vector<std::uint32_t> m_auFosters;  ///< by piece: that which lends it planes; kNone where it needs none
   std::vector<std::uint32_t> m_auBefore;   ///< by vertex: the vertex before an open end; kNone elsewhere
 
   // For one surface.
   std::vector<double> m_afKnown;
-  std::vector<CSideHeights::CRange> m_aRanges;  ///< by triangle, of the heights that it has or its plane goes through
-  std::vector<CRaised> m_aRaised;               ///< by plane
+  std::vector<CRaised> m_aRaised;  ///< by triangle
 
   // The search in hand.
   std::uint32_t m_uSearch = 0;

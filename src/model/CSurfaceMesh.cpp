@@ -111,7 +111,8 @@ template <typename Number>
 void CSurfaceMesh::Raise(const CQuadTree& tree, std::span<Number> positions, std::span<const double> heights) const {
   for (std::size_t v = 0; v < CornerCount(); ++v) positions[3 * v + 2] = static_cast<Number>(heights[m_auPoints[v]]);
   std::size_t v = CornerCount();
-  for (const CLeaf& leaf : tree.Leaves()) positions[3 * v++ + 2] = static_cast<Number>(CentreHeight(tree, leaf, heights));
+  for (const CLeaf& leaf : tree.Leaves())
+    positions[3 * v++ + 2] = static_cast<Number>(CentreHeight(tree, leaf, heights));
 }
 
 double CSurfaceMesh::CentreHeight(const CQuadTree& tree, const CLeaf& leaf, std::span<const double> heights) {

@@ -293,3 +293,58 @@ TEST_F(CleanMeshTest, SamplesAreClean) {
     }
   }
 }
+
+namespace {
+
+// Cancels when it is asked for the so many-th time.
+class CStopAfter : public ExportProgress {
+ public:
+  explicit CStopAfter(int calls) : m_iMost(calls) {}
+  bool Goes(double share) override {
+    EXPECT_GE(share, m_fShare);
+    m_fShare = share;
+    return ++m_iCalls < m_iMost;
+  }
+  int Calls() const { return m_iCalls; }
+  int CallsWhenCancelled() const { return std::max(0, m_iCalls - m_iMost); }
+
+ private:
+  int m_iMost;
+  int m_iCalls = 0;
+  double m_fShare = 0.0;
+};
+
+// Waves across the whole width, two cells apart.
+std::vector<CTestTear> ManyTears(int cells) {
+  std::vector<CTestTear> tears;
+  for (int row = 2; row + 2 < cells; row += 2) {
+    CTestTear tear;
+    for (int column = 1; column < cells; ++column)
+      tear.m_aNodes.push_back({column + 0.3, row + 0.5 + 0.4 * std::sin(0.7 * column)});
+    tears.push_back(tear);
+  }
+  return tears;
+}
+
+}  // namespace
+
+TEST(CleanMeshStepsTest, AreAskedAgainAndAgainAndStopTheMesh) {
+  CTornGrid grid(ManyTears(128), 7, 7);
+  for (const TearGap gap : {TearGap::Open, TearGap::Wall}) {
+    const auto callsOf = [&](CStopAfter& progress) {
+      grid.m_Plain.Build(grid.Tree());
+      const CCleanMesh mesh(grid.Tree(), grid.m_Plain, grid.m_Grid.Constraints().Curves(), {.m_Gap = gap},
+                            CExportSteps(&progress));
+      return progress.Calls();
+    };
+    CStopAfter patient(1 << 20);
+    const int calls = callsOf(patient);
+    // With each pixel of the tears in a few blocks; the answer to a stop is one of these away.
+    ASSERT_GE(calls, 20);
+    for (int k = 1; k < calls; k += 3) {
+      CStopAfter progress(k);
+      callsOf(progress);
+      EXPECT_LE(progress.CallsWhenCancelled(), 3) << k;
+    }
+  }
+}
