@@ -112,7 +112,7 @@ RC_GTEST_PROP(CurvePlacesProperty, LieAtEqualLengthsOfTheCurveAndPerpendicularTo
   const double beside = *rc::gen::inRange(-20, 21) / 8.0;
   const auto places = PlacesAlong(curve.m_Curve, StepsAlong(walk.Length(), closed, Of(count)), beside);
   RC_ASSERT(places.size() == (walk.Length() > 0 ? count : 0));
-  const double parts = static_cast<double>(closed || count == 1 ? count : count - 1);
+  const auto parts = static_cast<double>(closed || count == 1 ? count : count - 1);
   for (std::size_t k = 0; k < places.size(); ++k) {
     const double share = count == 1 && !closed ? 0.5 : static_cast<double>(k) / parts;
     RC_ASSERT(std::abs(places[k].m_fShare - share) < 1e-12);
