@@ -4,7 +4,7 @@ add_library(relievo_codecs INTERFACE)
 
 # add_codec(<name> <header> <package> <library>...): one of them; without it the program is not built.
 function(add_codec name header package)
-  find_path(${name}_HEADERS ${header})
+  find_path(${name}_HEADERS ${header} PATH_SUFFIXES exempi-2.0)
   mark_as_advanced(${name}_HEADERS)
   if(NOT ${name}_HEADERS)
     message(FATAL_ERROR "${header} was not found. relievo needs it: install ${package}, or its like.")
@@ -26,6 +26,7 @@ add_codec(TIFF tiffio.h libtiff-dev tiff)
 add_codec(WEBP webp/demux.h libwebp-dev webp webpdemux webpmux)
 add_codec(LCMS lcms2.h liblcms2-dev lcms2)
 add_codec(ZIP zip.h libzip-dev zip)
+add_codec(EXEMPI exempi/xmp.h libexempi-dev exempi)
 
 # HEIC and AVIF are read where their library is installed (Options.cmake).
 if(RELIEVO_HEIF)

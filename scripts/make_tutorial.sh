@@ -24,6 +24,8 @@ for model in coffee cat; do
   build/release/tests/make_tutorial "$model" "$results"
   cp "$results/$model.grid" "samples/$model.grid"
 done
+say "making the cat of a depth map"
+build/release/tests/make_tutorial depth "$results"
 
 mkdir -p docs/tutorial
 for picture in "$results"/*.bmp; do

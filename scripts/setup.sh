@@ -4,7 +4,7 @@
 # packages_for run|test|ci: what the command needs beyond a bare Debian 12, one name per line.
 packages_for() {
   # To build; then to show a window: software rendering, a font, xdpyinfo.
-  printf '%s\n' cmake g++ ninja-build libcli11-dev libegl-dev libfltk1.3-dev libgl-dev libglu1-mesa-dev libheif-dev libjpeg62-turbo-dev libjs-three liblcms2-dev libpng-dev libtiff-dev libwebp-dev libzip-dev nlohmann-json3-dev
+  printf '%s\n' cmake g++ ninja-build libcli11-dev libegl-dev libexempi-dev libfltk1.3-dev libgl-dev libglu1-mesa-dev libheif-dev libjpeg62-turbo-dev libjs-three liblcms2-dev libpng-dev libtiff-dev libwebp-dev libzip-dev nlohmann-json3-dev
   printf '%s\n' libgl1-mesa-dri fonts-dejavu-core x11-utils
   if [[ $1 != run ]]; then
     printf '%s\n' clang-format-14 libbenchmark-dev libboost-dev libcoin-dev libeigen3-dev libgtest-dev librapidcheck-dev libtinygltf-dev libtinyobjloader-dev libx11-dev

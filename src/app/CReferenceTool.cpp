@@ -12,6 +12,7 @@
 #include "editing/CCommandPause.h"
 #include "formats/DepthMapFile.h"
 #include "model/CGrid.h"
+#include "ui/imageview/CImageView.h"
 #include "ui/window/CImageViewUI.h"
 
 namespace {
@@ -37,6 +38,7 @@ std::size_t StepsTo(const CPtCstrList& points, std::size_t number) {
 CReferenceTool::CReferenceTool(CImageViewUI& window, CGrid& grid)
     : m_Window(window),
       m_Grid(grid),
+      m_Embedded(window),
       m_Estimate(window, grid, [this](CReadDepthMap map, const std::string& file) { Take(std::move(map), file); }),
       m_Tears(window, grid),
       m_Overlay(window, grid),
@@ -66,6 +68,7 @@ void CReferenceTool::cb_Check(void* tool) { static_cast<CReferenceTool*>(tool)->
 void CReferenceTool::Follow() {
   m_Tears.Follow();
   m_Overlay.Follow();
+  m_Panel.ShowEmbedded(m_Embedded.IsThere());
   m_Panel.ShowMapShown(m_Overlay.IsShown());
   m_Panel.Estimate().Show(m_Estimate.State());
   m_Panel.Tears().Show(m_Tears.State());
@@ -83,8 +86,18 @@ void CReferenceTool::LoadReference() {
   if (file.has_value()) Load(*file);
 }
 
-void CReferenceTool::Load(const std::string& file) {
-  CReadDepthMap read = ReadDepthMap(file);
+void CReferenceTool::PictureLoaded() {
+  m_Estimate.Cancel();
+  m_Embedded.PictureLoaded();
+}
+
+void CReferenceTool::TakeEmbedded() {
+  if (m_Embedded.IsThere()) TakeRead(m_Embedded.Read(), m_Window.ImageView().TextureFileName());
+}
+
+void CReferenceTool::Load(const std::string& file) { TakeRead(ReadDepthMap(file), file); }
+
+void CReferenceTool::TakeRead(CReadDepthMap read, const std::string& file) {
   if (!read) {
     const std::string text = "The file " + file + " is not a depth map that can be read: " + read.m_Reason + '.';
     return m_Window.Notice(text.c_str());
@@ -103,6 +116,7 @@ void CReferenceTool::Take(CReadDepthMap read, const std::string& file) {
     if (!notice.empty()) m_Window.Tell(subject + notice + '.');
   }
   m_Grid.ReferenceEdits().Load(std::move(read.m_pMap), file);
+  m_Window.OfferDepth(false);
 }
 
 void CReferenceTool::SelectWorst() {

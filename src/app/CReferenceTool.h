@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/CDepthOverlay.h"
+#include "app/CEmbeddedMap.h"
 #include "app/CEstimateRun.h"
 #include "app/CTearSuggestions.h"
 #include "reference/CReference.h"
@@ -28,10 +29,11 @@ class CReferenceTool : public ToolWindow, private ReferenceCommands {
   void Close() override { m_Panel.hide(); }
   void GridReplaced() override { m_Panel.Refresh(m_Grid); }
   /// What is estimated belongs to the photograph before.
-  void PictureLoaded() override { m_Estimate.Cancel(); }
+  void PictureLoaded() override;
 
  private:
   void LoadReference() override;
+  void TakeEmbedded() override;
   void ShowMap(bool shown) override { m_Overlay.Show(shown); }
   void SelectWorst() override;
   void Estimate(const std::string& commandLine) override { m_Estimate.Begin(commandLine); }
@@ -42,6 +44,7 @@ class CReferenceTool : public ToolWindow, private ReferenceCommands {
 
   void Closed();
   void Load(const std::string& file);
+  void TakeRead(CReadDepthMap read, const std::string& file);
   void Take(CReadDepthMap read, const std::string& file);
   void Follow();
   static void cb_Check(void* tool);
@@ -50,6 +53,7 @@ class CReferenceTool : public ToolWindow, private ReferenceCommands {
   CGrid& m_Grid;
   CReference m_Shown;        ///< with
   CReferenceFit m_ShownFit;  ///< this fit, in the panel
+  CEmbeddedMap m_Embedded;
   CEstimateRun m_Estimate;
   CTearSuggestions m_Tears;
   CDepthOverlay m_Overlay;

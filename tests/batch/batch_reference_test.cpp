@@ -71,7 +71,12 @@ TEST_F(BatchReference, StrengthZeroIsAsNoMap) {
 TEST_F(BatchReference, AMapThatCannotBeReadIsAnInputThatIsMissing) {
   WriteText(Path("cut.pfm"), BowlPfm(160, 60).substr(0, 1000));
   WriteText(Path("colour.png"), TestPng(Squares(32, 12), {}));
-  for (const char* name : {"none.pfm", "cut.pfm", "colour.png", "plain.grid"}) {
+  WriteText(Path("single.pfm"), BowlPfm(1, 1));
+  WriteText(Path("nan.pfm"), "Pf\n2 2\n-1\n" + std::string("\0\0\xC0\x7F\0\0\xC0\x7F\0\0\xC0\x7F\0\0\xC0\x7F", 16));
+  WriteText(Path("immense.pfm"), "Pf\n20000 20000\n-1\n" + std::string(64, '\0'));
+  WriteText(Path("another.pfm"), BowlPfm(4, 4).replace(3, 3, "9 9"));
+  for (const char* name :
+       {"none.pfm", "cut.pfm", "colour.png", "plain.grid", "single.pfm", "nan.pfm", "immense.pfm", "another.pfm"}) {
     EXPECT_EQ(Run(std::string("plain.grid --save o.grid --reference-depth ") + name), 2) << name;
     EXPECT_NE(Bytes("err").find(std::string("The file ") + name + " is not a depth map that can be read: "),
               std::string::npos)

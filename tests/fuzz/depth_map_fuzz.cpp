@@ -8,6 +8,7 @@
 
 #include "base/Console.h"
 #include "formats/DepthMapFile.h"
+#include "formats/EmbeddedDepth.h"
 #include "formats/PfmReader.h"
 #include "formats/PictureDecoders.h"
 #include "fuzz/FuzzTarget.h"
@@ -50,6 +51,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::ostream nowhere(nullptr);
   const CConsoleRedirect redirect(nowhere);
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  EmbeddedDepthOf(bytes);
   if (IsLarge(bytes)) return 0;
   const CReadDepthMap read = ReadDepthMap(bytes, "input");
   Require(static_cast<bool>(read) == read.m_Reason.empty());

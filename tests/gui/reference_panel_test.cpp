@@ -14,7 +14,10 @@
 
 #include "app/CReferenceTool.h"
 #include "drawing/COverlay.h"
+#include "formats/JpegFile.h"
+#include "formats/PngBytes.h"
 #include "support/DepthBuilders.h"
+#include "support/DepthInJpeg.h"
 #include "support/FileBuilders.h"
 #include "support/gui/Widgets.h"
 #include "support/gui/WindowTest.h"
@@ -222,6 +225,56 @@ TEST_F(ReferencePanelTest, AnotherOverlayOrClosingThePanelEndsIt) {
   EXPECT_FALSE(Menu().IsChecked(MenuEntry::Misfit));
   Panel().hide();
   EXPECT_EQ(m_Window.ImageView().Overlay(), nullptr);
+}
+
+TEST_F(ReferencePanelTest, AMapThatThePhotographCarriesIsOfferedAndTaken) {
+  Open();
+  EXPECT_FALSE(IsActive("Take the photograph's own"));
+  const CPicture map{2, 2, {1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4}};
+  const std::string photograph = (m_Directory.Path() / "portrait.jpg").string();
+  WriteText(photograph, WithPacket(JpegOf({4, 4, std::vector<std::uint8_t>(48, 100)}), DepthPacket(PngOf(map))));
+  m_Dialogs.m_File = photograph;
+  Menu().Choose(MenuEntry::LoadImage);
+  ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Take the photograph's own"); }));
+  const std::string offer = "This photograph carries a depth map: Edit, Reference Depth, takes it";
+  // Whatever the pointer lies over now.
+  HelpLine().RestoreHelp();
+  EXPECT_EQ(HelpLine().value(), offer);
+  Push("Take the photograph's own");
+  ASSERT_TRUE(Grid().Reference().HasMap());
+  EXPECT_EQ(Grid().Reference().Reading().High(), 4);
+  EXPECT_EQ(Grid().Reference().Value().m_File, photograph);
+  HelpLine().RestoreHelp();
+  EXPECT_NE(HelpLine().value(), offer) << "it has been taken";
+  LoadPicture();
+  EXPECT_TRUE(RunToolkitUntil([this] { return !IsActive("Take the photograph's own"); }));
+}
+
+TEST_F(ReferencePanelTest, BadFilesAreRefusedWithANoticeAndNothingChanges) {
+  Open();
+  LoadStep();
+  const CReference before = Grid().Reference().Value();
+  const std::string notANumber("\0\0\xC0\x7F", 4);
+  const std::vector<std::pair<std::string, std::string>> bad{
+      {"cut.pfm", "Pf\n4 4\n-1\n" + std::string(40, '\0')},
+      {"another size.pfm", "Pf\n40 40\n-1\n" + std::string(64, '\0')},
+      {"cut.png", PngOf({4, 4, std::vector<std::uint8_t>(48, 100)}).substr(0, 60)},
+      {"single.pfm", "Pf\n1 1\n-1\n" + std::string(4, '\0')},
+      {"single.png", PngOf({1, 1, {1, 1, 1}})},
+      {"no numbers.pfm", "Pf\n2 2\n-1\n" + notANumber + notANumber + notANumber + notANumber},
+      {"immense.pfm", "Pf\n20000 20000\n-1\n" + std::string(64, '\0')},
+      {"empty.pfm", ""},
+  };
+  for (const auto& [name, bytes] : bad) {
+    m_Dialogs.m_asNotices.clear();
+    m_Dialogs.m_File = (m_Directory.Path() / name).string();
+    WriteText(*m_Dialogs.m_File, bytes);
+    Push("Load...");
+    ASSERT_EQ(m_Dialogs.m_asNotices.size(), 1U) << name;
+    EXPECT_TRUE(m_Dialogs.m_asNotices[0].starts_with("The file " + *m_Dialogs.m_File + " is not a depth map that can"))
+        << m_Dialogs.m_asNotices[0];
+    EXPECT_EQ(Grid().Reference().Value(), before) << name;
+  }
 }
 
 TEST_F(ReferencePanelTest, ANumberOfTearsIsTheMost) {

@@ -15,6 +15,7 @@ constexpr int kScreenWidth = 1280;
 constexpr int kScreenHeight = 1024;
 // What the window manager puts around a window.
 constexpr int kTitleBar = 21;
+const std::string kReferencePanel = "Reference depth";
 constexpr int kFrame = 1;
 
 void Expect(bool holds, const std::string& what) {
@@ -191,6 +192,38 @@ void CModeller::Relight(double removedPhi, double addedPhi, const std::string& s
   panel.ClickOn(CLightPanelUser::kNewIllumination);
   Shoot(shot);
   Close("Light sources");
+}
+
+void CModeller::LoadDepthMap(const std::string& map, const std::string& shot) const {
+  constexpr CPixel kLoad{195, 53};
+  constexpr CPixel kOverPhotograph{150, 114};
+  // Behind Undo: the grid was begun.
+  m_User.ChooseEntry(MenuTitle::Edit, 1);
+  const auto panel = m_Program.WaitForWindow(kReferencePanel);
+  Expect(panel.has_value() && m_Program.Rests(), kReferencePanel);
+  const CArea area = m_Program.Screen().AreaOf(*panel);
+  m_User.ClickAt(area.At(kLoad));
+  Expect(m_User.ChooseFile("please input depth map file name", std::filesystem::path(RELIEVO_SAMPLES) / map) &&
+             m_Program.Rests(),
+         map);
+  m_User.ClickAt(area.At(kOverPhotograph));
+  Shoot(shot);
+  m_User.ClickAt(area.At(kOverPhotograph));
+}
+
+void CModeller::TakeSuggestedTear(const std::string& shot) const {
+  constexpr CPixel kMost{160, 588};
+  constexpr CPixel kSuggest{255, 619};
+  const auto panel = m_Program.Screen().FindWindow(m_Program.Pid(), kReferencePanel);
+  Expect(panel.has_value(), kReferencePanel);
+  const CArea area = m_Program.Screen().AreaOf(*panel);
+  m_User.ClickAt(area.At(kMost));
+  m_User.Type("ctrl+a");
+  TypeText("1");
+  m_User.Type("Return");
+  m_User.ClickAt(area.At(kSuggest));
+  Shoot(shot);
+  Close(kReferencePanel);
 }
 
 void CModeller::Solve() const {

@@ -36,6 +36,12 @@ class CModeller {
   /// Takes one light out and puts another in, and shows the picture in the new light. Angles are in degrees.
   void Relight(double removedPhi, double addedPhi, const std::string& shot) const;
 
+  /// Opens the panel of the reference depth, loads a map of the samples and shows it over the photograph. `shot` names
+  /// the picture of that.
+  void LoadDepthMap(const std::string& map, const std::string& shot) const;
+  /// Has that panel suggest one tear, and takes it; the panel closes. `shot` names the picture of the suggestion.
+  void TakeSuggestedTear(const std::string& shot) const;
+
   /// Lets the solver run until it has converged.
   void Solve() const;
   void Save(const std::string& name, bool withLights) const;

@@ -263,3 +263,13 @@ CScene CatScene() {
                       {{440, 6}, -30}};
   return scene;
 }
+
+CScene CatWithDepthScene() {
+  CScene scene;
+  scene.m_Picture = "cat.jpg";
+  scene.m_iWidth = 451;
+  scene.m_iHeight = 300;
+  // The nose, the forehead, and the room behind.
+  scene.m_aHeights = {{{264, 236}, 44}, {{225, 40}, 15}, {{420, 150}, -30}};
+  return scene;
+}

@@ -39,3 +39,5 @@ struct CScene {
 CScene FirstScene();
 CScene CoffeeScene();
 CScene CatScene();
+/// The cat of a depth map: three heights, and no curves.
+CScene CatWithDepthScene();

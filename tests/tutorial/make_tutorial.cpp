@@ -1,4 +1,4 @@
-// make_tutorial first|coffee|along|cat directory: makes the cup of the README or one of the samples with the real
+// make_tutorial first|coffee|along|cat|depth directory: makes the cup of the README or one of the samples with the real
 // program on the display, step by step as README and tutorial tell it, and leaves the model and the pictures of the
 // steps in the directory. The cup's lip is made of single heights or of one stroke along a curve, and standard output
 // says how long that has taken.
@@ -135,6 +135,23 @@ void MakeCat(const std::string& results) {
   modeller.Save("cat.grid", true);
 }
 
+void MakeDepth(const std::string& results) {
+  const CScene scene = CatWithDepthScene();
+  CModeller modeller(results);
+  modeller.LoadPicture(scene);
+  modeller.FitPicture();
+  modeller.PressKey("ctrl+g");
+  modeller.PressKey("ctrl+alt+g");
+  modeller.LoadDepthMap("cat-depth.png", "11-depth-map");
+  modeller.TakeSuggestedTear("11-tear");
+  modeller.Raise(scene.m_aHeights);
+  modeller.PressKey("Escape");
+  modeller.Solve();
+  modeller.Drag(60, -60, 1);
+  modeller.Drag(0, 45, 2);
+  modeller.Shoot("11-cat");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -148,8 +165,10 @@ int main(int argc, char** argv) {
       MakeAlong(argv[2]);
     } else if (model == "cat") {
       MakeCat(argv[2]);
+    } else if (model == "depth") {
+      MakeDepth(argv[2]);
     } else {
-      std::cerr << "usage: make_tutorial first|coffee|along|cat directory\n";
+      std::cerr << "usage: make_tutorial first|coffee|along|cat|depth directory\n";
       return 2;
     }
   } catch (const std::exception& error) {

@@ -24,7 +24,7 @@
 
 namespace {
 
-constexpr int kEstimateTop = 104;
+constexpr int kEstimateTop = 134;
 constexpr int kSettingsTop = kEstimateTop + CEstimateFields::kHeight + 10;
 constexpr int kFitTop = kSettingsTop + 158;
 constexpr int kTearsTop = kFitTop + 158;
@@ -86,8 +86,10 @@ void CReferencePanel::BuildMap() {
   m_pRemove = new Fl_Button(PanelField::kLeft + PanelField::kWidth - PanelField::kHalfWidth, 40, PanelField::kHalfWidth,
                             26, "Remove");
   m_pRemove->callback(cb_Remove, this);
+  m_pEmbedded = new Fl_Button(PanelField::kLeft, 70, PanelField::kWidth, 26, "Take the photograph's own");
+  m_pEmbedded->callback(cb_Embedded, this);
   m_pShowMap =
-      new Fl_Check_Button(PanelField::kLeft, 72, PanelField::kWidth, PanelField::kHeight, "Show over the photograph");
+      new Fl_Check_Button(PanelField::kLeft, 102, PanelField::kWidth, PanelField::kHeight, "Show over the photograph");
   m_pShowMap->callback(cb_ShowMap, this);
 }
 
@@ -150,7 +152,12 @@ void CReferencePanel::Refresh(const CGrid& grid) {
   }
 }
 
-void CReferencePanel::ShowMapShown(bool shown) { m_pShowMap->value(shown ? 1 : 0); }
+// Only what has changed: under a button that is held the toolkit would take the press for none.
+void CReferencePanel::ShowMapShown(bool shown) {
+  if (std::exchange(m_bMapShown, shown) != shown) m_pShowMap->value(shown ? 1 : 0);
+}
+
+void CReferencePanel::ShowEmbedded(bool there) { SetActive(*m_pEmbedded, there); }
 
 void CReferencePanel::RefreshSettings(const CGrid& grid) {
   const CReferenceSettings& settings = grid.Reference().Value().m_Settings;
@@ -189,8 +196,12 @@ void CReferencePanel::ClearFit() {
 void CReferencePanel::cb_Load(Fl_Widget* /*widget*/, void* panel) { Panel(panel).m_Commands.LoadReference(); }
 
 void CReferencePanel::cb_ShowMap(Fl_Widget* /*widget*/, void* panel) {
-  Panel(panel).m_Commands.ShowMap(Panel(panel).m_pShowMap->value() != 0);
+  CReferencePanel& self = Panel(panel);
+  self.m_bMapShown = self.m_pShowMap->value() != 0;
+  self.m_Commands.ShowMap(self.m_bMapShown);
 }
+
+void CReferencePanel::cb_Embedded(Fl_Widget* /*widget*/, void* panel) { Panel(panel).m_Commands.TakeEmbedded(); }
 
 void CReferencePanel::cb_Remove(Fl_Widget* /*widget*/, void* panel) { Panel(panel).m_Grid.ReferenceEdits().Remove(); }
 

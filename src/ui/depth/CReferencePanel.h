@@ -32,6 +32,8 @@ class CReferencePanel : public Fl_Double_Window {
   void Refresh(const CGrid& grid);
   /// Whether the map lies over the photograph.
   void ShowMapShown(bool shown);
+  /// Whether the photograph carries a map.
+  void ShowEmbedded(bool there);
   /// Its parts that are about more than the model.
   CEstimateFields& Estimate() { return *m_pEstimate; }
   CTearFields& Tears() { return *m_pTears; }
@@ -47,6 +49,7 @@ class CReferencePanel : public Fl_Double_Window {
 
   static void cb_Load(Fl_Widget* widget, void* panel);
   static void cb_ShowMap(Fl_Widget* widget, void* panel);
+  static void cb_Embedded(Fl_Widget* widget, void* panel);
   static void cb_Remove(Fl_Widget* widget, void* panel);
   static void cb_Strength(Fl_Widget* widget, void* panel);
   static void cb_NearIsBright(Fl_Widget* widget, void* panel);
@@ -63,7 +66,9 @@ class CReferencePanel : public Fl_Double_Window {
 
   Fl_Output* m_pFile = nullptr;
   Fl_Button* m_pRemove = nullptr;
+  Fl_Button* m_pEmbedded = nullptr;
   Fl_Check_Button* m_pShowMap = nullptr;
+  bool m_bMapShown = false;  ///< as the check box says
   CEstimateFields* m_pEstimate = nullptr;
   Fl_Value_Slider* m_pStrength = nullptr;
   Fl_Check_Button* m_pNearIsBright = nullptr;

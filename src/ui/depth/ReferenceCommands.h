@@ -11,6 +11,8 @@ class ReferenceCommands {
 
   /// Has the user choose a depth map, and takes it.
   virtual void LoadReference() = 0;
+  /// Takes the depth map that the photograph carries. Nothing without one.
+  virtual void TakeEmbedded() = 0;
   /// Shows the map in colours over the photograph, or shows it no more.
   virtual void ShowMap(bool shown) = 0;
   /// Selects the height that the fitted map misses by most. Nothing without one.

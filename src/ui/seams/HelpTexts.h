@@ -57,6 +57,7 @@ inline constexpr std::array kHelpTexts{
     "%1 heights placed along the curve, %2 left out",
     "Open a photograph (Alt+Shift+O, or drop it here), choose Position constraint, and click",
     "This curve has no influence of its own: only heights, slopes and curves with auto bump have one",
+    "This photograph carries a depth map: Edit, Reference Depth, takes it",
 };
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
@@ -93,6 +94,7 @@ enum Index : int {
   kHeightsAlongBut = 39,  ///< and how many would have had no effect
   kFirstStep = 40,        ///< what to do at the start
   kNoInfluence = 41,
+  kDepthOffered = 42,  ///< after a photograph with one
 };
 }  // namespace HelpText
 

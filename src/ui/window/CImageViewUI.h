@@ -54,6 +54,8 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
 
   /// Opens a model, a picture or both, once no button is held down and no dialog or menu is open.
   void OpenFiles(const CWorkFiles& files);
+  /// Where the photograph has come from; empty without one.
+  const CProjectPicture& Picture() const { return m_Picture; }
   CFilesAtHand& Files() { return m_Commands.Files(); }
   /// Kept nowhere until it is told where. Trouble goes to the help line and the console.
   CSettings& Settings() { return m_Settings; }
@@ -65,6 +67,8 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   void KeepPlace() { m_Remembered.KeepPlace(); }
   /// Says in the help line what to do first, until something of it has been done.
   void ShowFirstStep();
+  /// The photograph carries a depth map that waits to be taken, or does not: the help line offers it.
+  void OfferDepth(bool offered);
 
   int handle(int event) override;
 
@@ -197,4 +201,5 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   CProjectPicture m_Picture;          ///< where the photograph has come from
   bool m_bFreezing = false;
   bool m_bFirstStep = false;  ///< is on offer
+  bool m_bDepthOffered = false;
 };

@@ -229,6 +229,7 @@ HelpText::Index CImageViewUI::CurrentHelp() const {
     case EditingMode::Curve:
       return m_pGrid->Constraints().PendingCurve().IsIdle() ? HelpText::kCurves : HelpText::kCurveInProgress;
     default:
+      if (m_bDepthOffered) return HelpText::kDepthOffered;
       if (m_Commands.OffersFit()) return HelpText::kFitOffered;
       return m_bFirstStep && !IsBegun() ? HelpText::kFirstStep : HelpText::kNone;
   }
@@ -335,11 +336,17 @@ void CImageViewUI::EndDrags() {
 bool CImageViewUI::LoadPicture(const std::string& file) {
   if (!ImageView().LoadImage(file)) return false;
   PictureTaken({file, {}, nullptr});
-  if (m_Commands.OffersFit()) {
+  if (m_bDepthOffered || m_Commands.OffersFit()) {
     HelpLine().SetCurrentHelp(CurrentHelp());
-    ShowMessage(FormatHelp(HelpText::kFitOffered));
+    ShowMessage(FormatHelp(m_bDepthOffered ? HelpText::kDepthOffered : HelpText::kFitOffered));
   }
   return true;
+}
+
+void CImageViewUI::OfferDepth(bool offered) {
+  const bool withdrawn = m_bDepthOffered && !offered && HelpLine().CurrentHelp() == HelpText::kDepthOffered;
+  m_bDepthOffered = offered;
+  if (withdrawn) HelpLine().SetCurrentHelp(CurrentHelp());
 }
 
 void CImageViewUI::WithdrawOffer() {
