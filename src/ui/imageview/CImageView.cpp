@@ -21,6 +21,7 @@
 #include "model/Globals.h"
 #include "ui/drawing/PrepareContext.h"
 #include "ui/seams/CBusyCursor.h"
+#include "ui/seams/FieldFocus.h"
 #include "ui/seams/UiScale.h"
 #include "ui/seams/ViewHost.h"
 
@@ -278,7 +279,7 @@ int CImageView::handle(int event) {
   if (event == FL_FOCUS || event == FL_UNFOCUS) return 1;
   if (!IsInput(event)) return Fl_Gl_Window::handle(event);
   UpdateMapping();
-  if (event == FL_ENTER || event == FL_PUSH) take_focus();
+  if (event == FL_PUSH || (event == FL_ENTER && !HasFieldFocusElsewhere(*this))) take_focus();
   ShowPointer();
   const bool used = HandleWheelZoom(event) || HandleUsed(event) || HandleViewMove(event);
   if (m_pHost->ShowsCoordinates()) ShowCoordinates(event);

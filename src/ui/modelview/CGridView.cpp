@@ -14,6 +14,7 @@
 #include "model/CGrid.h"
 #include "ui/drawing/PrepareContext.h"
 #include "ui/seams/CBusyCursor.h"
+#include "ui/seams/FieldFocus.h"
 #include "ui/seams/ViewHost.h"
 
 namespace {
@@ -140,12 +141,13 @@ int CGridView::HandleInput(int event) {
       return 1;
     case FL_MOVE:
       m_pHost->ShowHelp(HelpText::kModelView);
-      m_pHost->FocusImageView();
+      if (!HasFieldFocusElsewhere(*this)) m_pHost->FocusImageView();
       return 1;
     case FL_LEAVE:
       m_pHost->RestoreHelp();
       return 1;
     case FL_PUSH:
+      m_pHost->FocusImageView();
       BeginDrag();
       return 1;
     case FL_DRAG:
