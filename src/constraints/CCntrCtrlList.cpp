@@ -73,6 +73,34 @@ const CCntrCtrl* CCntrCtrlList::Find(CurveId id) const {
   return found == m_aCurves.end() ? nullptr : &*found;
 }
 
+CCntrCtrlList::CHit CCntrCtrlList::SelectedNode() const {
+  for (const CCntrCtrl& curve : m_aCurves) {
+    const auto node = std::ranges::find_if(curve.Nodes(), kIsSelected);
+    if (node != curve.Nodes().end()) return {&curve, &*node};
+  }
+  return {};
+}
+
+void CCntrCtrlList::SelectNumber(std::size_t curve, std::size_t node) {
+  std::size_t k = 0;
+  for (CCntrCtrl& c : m_aCurves) {
+    const bool wanted = k++ == curve;
+    c.SetState(PtCstrState::kSelected, wanted);
+    std::size_t j = 0;
+    for (CCntrNode& n : c.Nodes()) n.SetState(PtCstrState::kSelected, j++ == node && wanted);
+  }
+}
+
+void CCntrCtrlList::PlaceSelectedNode(double x, double y) {
+  for (CCntrCtrl& curve : m_aCurves) {
+    const auto node = std::ranges::find_if(curve.Nodes(), kIsSelected);
+    if (node == curve.Nodes().end()) continue;
+    node->m_fX = x;
+    node->m_fY = y;
+    return;
+  }
+}
+
 CCntrCtrl* CCntrCtrlList::FirstSelected() {
   const auto found = std::ranges::find_if(m_aCurves, kIsSelected);
   return found == m_aCurves.end() ? nullptr : &*found;

@@ -51,6 +51,13 @@ class CCntrCtrlList {
   /// The curve with that id; null if it is gone.
   CCntrCtrl* Find(CurveId id);
   const CCntrCtrl* Find(CurveId id) const;
+  /// The first selected node of the curves, and its curve.
+  CHit SelectedNode() const;
+  /// Selects a curve and its node, both by number, and nothing else; no node, or nothing, for a number that there is
+  /// none of.
+  void SelectNumber(std::size_t curve, std::size_t node);
+  /// Moves the node that SelectedNode finds to a place.
+  void PlaceSelectedNode(double x, double y);
   /// The first selected curve; null if there is none.
   CCntrCtrl* FirstSelected();
   /// Moves every selected node of every curve of the type.

@@ -16,6 +16,7 @@ inline constexpr std::uint32_t kDisabled = 4;  ///< lies in a discontinuity and 
 namespace PtCstrState {
 inline constexpr std::uint32_t kHighlighted = 1;  ///< the cursor is over it
 inline constexpr std::uint32_t kSelected = 2;
+inline constexpr std::uint32_t kChosen = 4;  ///< one of a group, whether selected or not
 }  // namespace PtCstrState
 
 /// A constraint that the surface must obey at one point of the picture.

@@ -1,6 +1,7 @@
 #include "constraints/CPtCstrList.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 #include "constraints/CSelectionStepper.h"
@@ -8,6 +9,8 @@
 namespace {
 
 bool IsSelected(const CPtCstr& c) { return c.HasState(PtCstrState::kSelected); }
+
+bool IsChosen(const CPtCstr& c) { return c.HasState(PtCstrState::kChosen); }
 
 // Null if there is none.
 template <typename Records, typename Predicate>
@@ -67,6 +70,52 @@ void CPtCstrList::SelectPrev(std::uint32_t mask) { MoveSelection(m_aRecords.rbeg
 void CPtCstrList::UnselectAll() {
   for (CPtCstr& c : m_aRecords) c.SetState(PtCstrState::kSelected, false);
 }
+
+void CPtCstrList::SelectNumber(std::size_t number) {
+  std::size_t k = 0;
+  for (CPtCstr& c : m_aRecords) c.SetState(PtCstrState::kSelected, k++ == number);
+}
+
+void CPtCstrList::ChooseIn(const CExtent& box) {
+  for (CPtCstr& c : m_aRecords) {
+    const bool inside = c.m_fX >= box.x0 && c.m_fX <= box.x1 && c.m_fY >= box.y0 && c.m_fY <= box.y1;
+    c.SetState(PtCstrState::kChosen, inside && c.HasKind(PtCstrKind::kPosition));
+  }
+}
+
+bool CPtCstrList::ToggleChosen(double x, double y, double reach) {
+  CPtCstr* nearest = nullptr;
+  double least = reach;
+  for (CPtCstr& c : m_aRecords) {
+    const double distance = std::abs(x - c.m_fX) + std::abs(y - c.m_fY);
+    if (distance > least || !c.HasKind(PtCstrKind::kPosition)) continue;
+    nearest = &c;
+    least = distance;
+  }
+  if (nearest != nullptr) nearest->SetState(PtCstrState::kChosen, !nearest->HasState(PtCstrState::kChosen));
+  return nearest != nullptr;
+}
+
+void CPtCstrList::ClearChosen() {
+  for (CPtCstr& c : m_aRecords) c.SetState(PtCstrState::kChosen, false);
+}
+
+std::size_t CPtCstrList::ChosenCount() const {
+  return static_cast<std::size_t>(std::ranges::count_if(m_aRecords, IsChosen));
+}
+
+double CPtCstrList::MeanChosenHeight() const {
+  double sum = 0.0;
+  std::size_t count = 0;
+  for (const CPtCstr& c : m_aRecords) {
+    if (!IsChosen(c)) continue;
+    sum += c.m_fZ;
+    ++count;
+  }
+  return count == 0 ? 0.0 : sum / static_cast<double>(count);
+}
+
+void CPtCstrList::DeleteChosen() { std::erase_if(m_aRecords, IsChosen); }
 
 CPtCstr* CPtCstrList::FirstSelected() { return FirstOf(m_aRecords, IsSelected); }
 

@@ -5,6 +5,7 @@
 #include <list>
 
 #include "constraints/CPtCstr.h"
+#include "lattice/CLattice.h"
 
 /// Point constraints in creation order, with the rules by which clicks and keys highlight and select them.
 ///
@@ -38,6 +39,8 @@ class CPtCstrList {
   void SelectNext(std::uint32_t mask);
   void SelectPrev(std::uint32_t mask);
   void UnselectAll();
+  /// Selects the constraint of that number and no other; without one of that number nothing is selected.
+  void SelectNumber(std::size_t number);
 
   /// The first selected constraint, of any kind or of the mask's; null if there is none.
   CPtCstr* FirstSelected();
@@ -47,6 +50,18 @@ class CPtCstrList {
   /// Deletes the first selected constraint and selects the next one, cyclically, whose position bit equals its own.
   /// Whether there was one to delete.
   bool DeleteSelected();
+
+  // A group of position constraints, which is chosen apart from what is selected.
+
+  /// Chooses those within the box, its border included, and no others.
+  void ChooseIn(const CExtent& box);
+  /// Takes the one within reach of (x, y) that lies nearest into the group, or out of it. Whether there was one.
+  bool ToggleChosen(double x, double y, double reach);
+  void ClearChosen();
+  std::size_t ChosenCount() const;
+  /// The mean of their heights, model units; 0 without any.
+  double MeanChosenHeight() const;
+  void DeleteChosen();
 
   /// The same records in the same order (see CPtCstr).
   bool operator==(const CPtCstrList&) const = default;

@@ -31,6 +31,10 @@ const char* NameOf(Edit edit) {
       return "turn slope";
     case Edit::DeletePoint:
       return "delete point";
+    case Edit::MoveHeights:
+      return "move heights";
+    case Edit::DeletePoints:
+      return "delete points";
     case Edit::DrawCurve:
       return "curve point";
     case Edit::GiveUpCurve:

@@ -81,6 +81,16 @@ void CCurveEdits::MoveSelected(double dx, double dy, CurveType mask) {
   m_Gate.Do(Edit::MoveNode, [&] { m_Constraints.Curves().MoveSelected(dx, dy, mask); });
 }
 
+void CCurveEdits::SelectNumber(std::size_t curve, std::size_t node) {
+  m_Constraints.UnselectAll();
+  m_Constraints.Curves().SelectNumber(curve, node);
+}
+
+void CCurveEdits::PlaceSelectedNode(double x, double y) {
+  if (m_Constraints.Curves().SelectedNode().m_pNode == nullptr) return;
+  m_Gate.Do(Edit::MoveNode, [&] { m_Constraints.Curves().PlaceSelectedNode(x, y); });
+}
+
 void CCurveEdits::Unselect(CurveType mask) { m_Constraints.Curves().Unselect(mask); }
 
 void CCurveEdits::DeleteSelectedNode() {

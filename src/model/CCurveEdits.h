@@ -52,6 +52,10 @@ class CCurveEdits {
   /// Gives the selected curve another type; nothing for kNone.
   void SetSelectedType(CurveType type);
   void MoveSelected(double dx, double dy, CurveType mask);
+  /// Selects a curve and its node by their numbers, and nothing else.
+  void SelectNumber(std::size_t curve, std::size_t node);
+  /// Moves the first selected node to a place; nothing without one.
+  void PlaceSelectedNode(double x, double y);
   /// Deletes the selected node of every curve, or the selected curve. Posts kRebuildMaps in any case.
   void DeleteSelectedNode();
   void DeleteSelected();

@@ -143,6 +143,7 @@ class CGrid {
   CRelighting& Relighting() { return m_Relighting; }
   const CRelighting& Relighting() const { return m_Relighting; }
   const CConstraints& Constraints() const { return m_Constraints; }
+  CPtCstrEdits& PointEdits() { return m_Points; }
   CCurveEdits& CurveEdits() { return m_Curves; }
   CCellEdits& CellEdits() { return m_Cells; }
   const CGridReference& Reference() const { return m_Reference; }

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 
 class CConstraints;
 class CEditGate;
+struct CExtent;
 struct CPtCstr;
 
 /// What a user does to the point constraints of a model: each edit changes the list, posts what it has made out of date
@@ -28,7 +31,11 @@ class CPtCstrEdits {
   void Select(double x, double y, std::uint32_t mask, double reach);
   void SelectNext(std::uint32_t mask);
   void SelectPrev(std::uint32_t mask);
+  /// Selects one of the list by its number, and none of the others.
+  void SelectNumber(std::size_t number);
   void MoveSelected(double dx, double dy);
+  /// Moves it to a place.
+  void PlaceSelected(double x, double y);
   /// 0 without a selected position constraint.
   double SelectedHeight() const;
   void SetSelectedHeight(double z);
@@ -37,7 +44,17 @@ class CPtCstrEdits {
   std::optional<double> LastHeight() const { return m_LastHeight; }
   /// Adds to the slopes of the selected normal constraint. Posts kRestart even without one.
   void ChangeSelectedNormal(double dp, double dq);
+  /// Gives it these slopes; nothing without a selected normal constraint.
+  void SetSelectedNormal(double p, double q);
   void DeleteSelected();
+
+  /// The group (see CPtCstrList). Choosing it is no edit.
+  void ChooseIn(const CExtent& box);
+  bool ToggleChosen(double x, double y, double reach);
+  void ClearChosen();
+  /// Gives each of the group the height that `height` makes of its own, as one edit; nothing without a group.
+  void ChangeChosenHeights(const std::function<double(double z)>& height);
+  void DeleteChosen();
 
  private:
   CConstraints& m_Constraints;

@@ -10,9 +10,11 @@ enum class Edit {
   MoveHeight,
   TurnSlope,
   DeletePoint,
-  DrawCurve,    ///< another point of the curve in progress
-  GiveUpCurve,  ///< the curve in progress
-  EndCurve,     ///< the curve in progress is one of the others now, or none
+  MoveHeights,   ///< of several points
+  DeletePoints,  ///< several
+  DrawCurve,     ///< another point of the curve in progress
+  GiveUpCurve,   ///< the curve in progress
+  EndCurve,      ///< the curve in progress is one of the others now, or none
   AddCurve,
   MoveNode,
   SetCurveType,
@@ -51,6 +53,7 @@ constexpr Operation PostedBy(Edit edit) {
   switch (edit) {
     case Edit::MovePoint:
     case Edit::MoveHeight:
+    case Edit::MoveHeights:
     case Edit::TurnSlope:
     case Edit::SetReferenceStrength:
     case Edit::SetReferenceOption:
@@ -58,6 +61,7 @@ constexpr Operation PostedBy(Edit edit) {
     case Edit::AddPoint:
     case Edit::AddAlongCurve:
     case Edit::DeletePoint:
+    case Edit::DeletePoints:
     case Edit::LoadReference:
     case Edit::RemoveReference:
     case Edit::SetReferenceValues:
@@ -79,5 +83,5 @@ constexpr Operation PostedBy(Edit edit) {
 /// Whether there may be another number of active point constraints after it.
 constexpr bool ChangesPointCount(Edit edit) {
   return edit == Edit::AddPoint || edit == Edit::AddAlongCurve || edit == Edit::MovePoint ||
-         edit == Edit::DeletePoint || edit == Edit::ExportConstraints;
+         edit == Edit::DeletePoint || edit == Edit::DeletePoints || edit == Edit::ExportConstraints;
 }
