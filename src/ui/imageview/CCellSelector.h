@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "ui/imageview/CPlaneHandler.h"
+#include "ui/imageview/CRubberBand.h"
 
 /// The manual subdivision: a click refines the grid at a point, a drag selects the cells in a rectangle, keys split and
 /// merge what is selected.
@@ -18,15 +19,9 @@ class CCellSelector final : public CPlaneHandler {
   /// The same, and ends the selection without splitting anything.
   void End();
   /// What the drag under way spans; nothing while the mouse is near where it was pressed.
-  std::optional<CExtent> Rectangle() const;
+  std::optional<CExtent> Rectangle() const { return m_Band.Rectangle(); }
 
  private:
-  struct CPress {
-    CPlanePoint m_Place;
-    int m_iX;
-    int m_iY;
-  };
-  static bool IsFarFrom(const CPress& press);
   void Press() override;
   void Drag() override;
   void Release() override;
@@ -34,6 +29,5 @@ class CCellSelector final : public CPlaneHandler {
   void RefineAt(const CPlanePoint& place);
   void ClearSelection();
 
-  std::optional<CPress> m_Press;
-  std::optional<CPlanePoint> m_Opposite;  ///< the corner of the rectangle under the mouse
+  CRubberBand m_Band;
 };

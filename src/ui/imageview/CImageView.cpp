@@ -69,6 +69,7 @@ void CImageView::AttachGrid(CGrid& grid, ViewHost& host) {
   m_NormalHandler.emplace(grid, m_Mapping, host, static_cast<HandlerView&>(*this));
   m_CurveHandler.emplace(grid, m_Mapping, host, static_cast<HandlerView&>(*this));
   m_Selector.emplace(grid, m_Mapping, host);
+  m_Group.emplace(grid, m_Mapping, host);
   UpdateMapping();
   redraw();
 }
@@ -104,6 +105,14 @@ void CImageView::SetMode(EditingMode mode) {
 void CImageView::SetCurveType(::CurveType type) {
   m_CurveType = type;
   Unselect();
+}
+
+void CImageView::SetChoosing(bool on) {
+  m_bChoosing = on;
+  if (m_pGrid == nullptr) return;
+  EndDrag();
+  m_Group->Clear();
+  redraw();
 }
 
 bool CImageView::ShowGrid() {
@@ -255,7 +264,10 @@ void CImageView::DrawScene() {
 void CImageView::DrawTools() const {
   if (HasProposals()) DrawProposals(*m_Proposals.Shown());
   if (m_Mode == EditingMode::Curve) DrawPendingCurve(*m_pGrid, m_CurveHandler->LooseEnd());
-  if (const std::optional<CExtent> rect = m_Selector->Rectangle()) {
+  const CExtent shown = m_Mapping.Visible();
+  if (m_bChoosing) m_Group->DrawMarks({(shown.x1 - shown.x0) / w(), (shown.y1 - shown.y0) / h()});
+  const bool selecting = (m_uDebugFlags & DebugFlag::kSelectCells) != 0;
+  if (const std::optional<CExtent> rect = selecting ? m_Selector->Rectangle() : m_Group->Rectangle()) {
     glColor3d(1, 1, 1);
     glLineWidth(1);
     glBegin(GL_LINE_LOOP);
@@ -310,7 +322,9 @@ void CImageView::ShowCoordinates(int event) const {
 }
 
 bool CImageView::HandleUsed(int event) {
+  if (m_PressTaker.Handle(event, m_Mapping)) return true;
   if ((m_uDebugFlags & DebugFlag::kSelectCells) != 0) return m_Selector->Handle(event) != 0;
+  if (m_bChoosing && m_Group->Takes(event)) return HandleViewDrag(event) || m_Group->Handle(event) != 0;
   if (HasProposals() && m_Proposals.Handle(event, m_Mapping)) {
     redraw();
     return true;
@@ -318,14 +332,24 @@ bool CImageView::HandleUsed(int event) {
   const bool freezing = (m_uDebugFlags & DebugFlag::kFreeze) != 0;
   const bool painted = freezing && m_Brush.Handle(event, *m_pGrid, m_Mapping);
   if (freezing) redraw();
-  if (HandleViewDrag(event) || painted) return true;
+  return HandleViewDrag(event) || painted || HandleEditing(event);
+}
+
+bool CImageView::HandleEditing(int event) {
+  const bool used = Handler().Handle(event) != 0;
+  m_DoubleClick.Look(event, Handler().HoldsExisting());
+  if (m_DoubleClick.Ends(event)) m_pHost->OpenConstraintValues();
+  return used;
+}
+
+CPlaneHandler& CImageView::Handler() {
   switch (m_Mode) {
     case EditingMode::Curve:
-      return HandleCurveCstr(event) != 0;
+      return *m_CurveHandler;
     case EditingMode::Position:
-      return HandlePtPosCstr(event) != 0;
+      return *m_PositionHandler;
     default:
-      return HandlePtNormCstr(event) != 0;
+      return *m_NormalHandler;
   }
 }
 
@@ -352,12 +376,6 @@ void CImageView::MoveView(ViewMove move) {
   m_Mapping.Pan(step.m_fAcross, step.m_fUpwards);
   redraw();
 }
-
-int CImageView::HandlePtPosCstr(int event) { return m_PositionHandler->Handle(event); }
-
-int CImageView::HandlePtNormCstr(int event) { return m_NormalHandler->Handle(event); }
-
-int CImageView::HandleCurveCstr(int event) { return m_CurveHandler->Handle(event); }
 
 bool CImageView::HandleViewDrag(int event) {
   switch (event) {
@@ -415,4 +433,5 @@ void CImageView::EndDrag() {
   m_NormalHandler->EndDrag();
   m_CurveHandler->EndDrag();
   m_Selector->EndDrag();
+  m_Group->EndDrag();
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include <FL/Fl_Gl_Window.H>
 
@@ -15,8 +16,11 @@
 #include "formats/PictureFormats.h"
 #include "ui/imageview/CCellSelector.h"
 #include "ui/imageview/CDebugOverlay.h"
+#include "ui/imageview/CDoubleClick.h"
 #include "ui/imageview/CFreezeBrush.h"
+#include "ui/imageview/CGroupSelector.h"
 #include "ui/imageview/CLegend.h"
+#include "ui/imageview/CPressTaker.h"
 #include "ui/imageview/CProposalPicker.h"
 #include "ui/imageview/CurveHandler.h"
 #include "ui/imageview/HandlerView.h"
@@ -53,6 +57,12 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   /// Of new curves; kNone until one is chosen. Setting it clears every selection.
   ::CurveType CurveType() const override { return m_CurveType; }
   void SetCurveType(::CurveType type);
+
+  /// While it is on, the left button chooses a group of position constraints. Switched, nobody is in the group.
+  bool IsChoosing() const { return m_bChoosing; }
+  void SetChoosing(bool on);
+  /// The next press of the left button is `taker`'s and does nothing else (see CPressTaker). Null: nobody waits.
+  void TakeNextPress(CPressTaker::Taker taker) { m_PressTaker.Wait(std::move(taker)); }
 
   /// Takes up the picture in a file. A file that is refused leaves picture and file name as they are, and the user is
   /// told, as of one that ends early or is damaged, which is taken up all the same. Whether there is a new picture.
@@ -111,6 +121,7 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   void ShowPointer();
   void ShowCoordinates(int event) const;
   bool HandleUsed(int event);
+  bool HandleEditing(int event);
   bool HandleWheelZoom(int event);
   bool HandleViewMove(int event);
   bool HandleViewDrag(int event);
@@ -119,9 +130,7 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   void EndViewDrag();
   void KeepCurveType(::CurveType type) override { m_CurveType = type; }
   bool ShowGrid() override;
-  int HandlePtPosCstr(int event);
-  int HandlePtNormCstr(int event);
-  int HandleCurveCstr(int event);
+  CPlaneHandler& Handler();
 
   CGrid* m_pGrid = nullptr;
   ViewHost* m_pHost = nullptr;
@@ -137,6 +146,10 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   std::optional<CPtNormCstrHandler> m_NormalHandler;
   std::optional<CCurveHandler> m_CurveHandler;
   std::optional<CCellSelector> m_Selector;
+  std::optional<CGroupSelector> m_Group;
+  bool m_bChoosing = false;
+  CPressTaker m_PressTaker;
+  CDoubleClick m_DoubleClick;
   CFreezeBrush m_Brush;
   CProposalPicker m_Proposals;
   CDebugOverlay m_Debug;

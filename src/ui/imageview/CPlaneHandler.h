@@ -17,6 +17,8 @@ class CPlaneHandler {
 
   /// 1 if the event was used, 0 if it is somebody else's.
   int Handle(int event);
+  /// Whether the left button holds a constraint or node that was there before its press.
+  virtual bool HoldsExisting() const { return false; }
 
  protected:
   CPlaneHandler(CGrid& grid, const CViewMapping& mapping, ViewHost& host)

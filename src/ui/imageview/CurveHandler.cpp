@@ -79,14 +79,9 @@ void CCurveHandler::Append() {
   m_LooseEnd = m_Cursor;
 }
 
-const CCntrNode* CCurveHandler::SelectedNode() const {
-  for (const CCntrCtrl& curve : m_Grid.Constraints().Curves()) {
-    const auto node = std::ranges::find_if(
-        curve.Nodes(), [](const CCntrNode& candidate) { return candidate.HasState(PtCstrState::kSelected); });
-    if (node != curve.Nodes().end()) return &*node;
-  }
-  return nullptr;
-}
+const CCntrNode* CCurveHandler::SelectedNode() const { return m_Grid.Constraints().Curves().SelectedNode().m_pNode; }
+
+bool CCurveHandler::HoldsExisting() const { return m_iButton == FL_LEFT_MOUSE; }
 
 // The node keeps its distance from the mouse, also after the border has held it back.
 void CCurveHandler::Drag() {

@@ -16,6 +16,7 @@ class CCurveHandler final : public CPlaneHandler {
 
   /// Ends the drag under way, if any; what it has changed takes effect. The release that follows does nothing.
   void EndDrag();
+  bool HoldsExisting() const override;
   /// The document has changed under a mouse that rests, over the view or elsewhere.
   void DocumentChanged();
   /// Where the line from the last point of the curve in progress leads: to the mouse, as far as it is over the view.

@@ -84,6 +84,8 @@ void CPtCstrHandler::Move(const CPlanePoint& cursor) {
   m_Last = {m_Last.x + step.x, m_Last.y + step.y};
 }
 
+bool CPtCstrHandler::HoldsExisting() const { return m_iButton == FL_LEFT_MOUSE && !m_bJustCreated; }
+
 // A drag does not go on with another constraint than the one it began with.
 int CPtCstrHandler::Key() {
   KeyTyped();

@@ -11,6 +11,7 @@ class CPtCstrHandler : public CPlaneHandler {
  public:
   /// Forgets the press: the drag that goes on has no further effect.
   void EndDrag();
+  bool HoldsExisting() const override;
 
  protected:
   /// `kind`: PtCstrKind::kPosition or kNormal.

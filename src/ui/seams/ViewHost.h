@@ -32,6 +32,11 @@ class ViewHost {
   /// Let the user edit the attributes of the curve at a place, as soon as no step of the solver is under way.
   virtual void EditCurveAttributes(const CPlanePoint& /*place*/) {}
 
+  /// Open the window with the numbers of what is selected.
+  virtual void OpenConstraintValues() {}
+  /// The user wants to choose no group any more.
+  virtual void EndChoosing() {}
+
   /// Draw the left view again, soon.
   virtual void RedrawImageView() = 0;
   /// The image view has switched its grid on by itself.

@@ -32,6 +32,8 @@ class CRecordingViewHost : public ViewHost {
   void RedrawImageView() override { ++m_iImageRedraws; }
   void RedrawModelView() override { ++m_iModelRedraws; }
   void FocusImageView() override {}
+  void OpenConstraintValues() override { ++m_iValuesOpened; }
+  void EndChoosing() override { ++m_iChoosingEnds; }
   bool ShowsDebugZone() const override { return m_bDebugZone; }
   void ShowPointerInside(bool inside) override { m_abInside.push_back(inside); }
   void ShowInfluence(double value) override { m_afInfluences.push_back(value); }
@@ -54,6 +56,8 @@ class CRecordingViewHost : public ViewHost {
   bool m_bDebugZone = false;
   std::vector<bool> m_abInside;
   std::vector<double> m_afInfluences;
+  int m_iValuesOpened = 0;
+  int m_iChoosingEnds = 0;
   int m_iNumber = -2;
   int m_iLevelCode = -2;
   std::vector<std::string> m_aNotices;
