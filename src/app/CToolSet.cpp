@@ -6,8 +6,11 @@
 #include "app/CHeightsTool.h"
 #include "app/CLightTool.h"
 #include "app/CReferenceTool.h"
+#include "app/HelpTool.h"
 #include "app/RecorderTool.h"
+#include "app/ReportTool.h"
 #include "app/ScissorsTool.h"
+#include "app/ValuesTool.h"
 #include "drawing/DrawingSettings.h"
 #include "editing/GridCommands.h"
 #include "formats/ProjectFile.h"
@@ -41,11 +44,16 @@ CToolSet::CToolSet(CImageViewUI& window, CGrid& grid)
     return m_ContourAttributes.Ask(present, fairness);
   };
   services.m_Model.m_Export = ExportServices(window);
+  services.m_OpenTutorial = [&window] { OpenTutorial(window); };
+  services.m_About = AboutText;
   window.SetServices(std::move(services));
   window.SetTool(CImageViewUI::Tool::LightSources, std::move(lights));
   window.SetTool(CImageViewUI::Tool::Recorder, MakeRecorderTool(window));
   window.SetTool(CImageViewUI::Tool::Scissors, MakeScissorsTool(window, grid));
   window.SetTool(CImageViewUI::Tool::ReferenceDepth, std::make_unique<CReferenceTool>(window, grid));
+  window.SetTool(CImageViewUI::Tool::ConstraintValues, MakeValuesTool(window, grid));
+  window.SetTool(CImageViewUI::Tool::ConstraintReport, MakeReportTool(window, grid));
+  window.SetTool(CImageViewUI::Tool::Keys, MakeKeysTool(window));
   window.SetTool(CImageViewUI::Tool::HeightsAlongCurve, std::make_unique<CHeightsTool>(window, grid));
 }
 

@@ -41,6 +41,14 @@ class ImageViewKeysTest : public ImageViewTest {
       Grid().AddPtCstr({place.x, place.y, kind, 3});
     Settle();
   }
+  // Two positions, of which one lies within the drags; in a mode that has nothing to do with them.
+  void SetUpGroup() {
+    Clear(EditingMode::Normal);
+    View().SetChoosing(true);
+    for (const CPlanePoint& place : {kSomething, CPlanePoint{30.5, 77.5}})
+      Grid().AddPtCstr({place.x, place.y, PtCstrKind::kPosition, 3});
+    Settle();
+  }
   // A torn curve, and the type of new ones is another.
   void SetUpCurve() {
     Clear(EditingMode::Curve);
@@ -60,11 +68,12 @@ class ImageViewKeysTest : public ImageViewTest {
         << View().Mapping().PanNow().x << ' ' << View().Mapping().PanNow().y << ' ' << m_Host.m_aAttributePlaces.size()
         << ' ' << static_cast<int>(View().CurveType()) << ' ' << Grid().Constraints().PendingCurve().Points().size()
         << ' ';
-    for (const CPtCstr& point : Grid().Constraints().Points()) out << point.HasState(PtCstrState::kSelected);
+    for (const CPtCstr& point : Grid().Constraints().Points())
+      out << point.HasState(PtCstrState::kSelected) << point.HasState(PtCstrState::kChosen);
     for (const CCntrCtrl& curve : Grid().Constraints().Curves()) {
       for (const CCntrNode& node : curve.Nodes()) out << node.HasState(PtCstrState::kSelected);
     }
-    out << ' ' << CountSelected(Grid().Wanted().Current().Root()) << ' '
+    out << ' ' << m_Host.m_iChoosingEnds << ' ' << CountSelected(Grid().Wanted().Current().Root()) << ' '
         << Grid().Surface().Lattice().Count(PointFlag::kFrozen);
     // A view that has been moved has a corner outside the picture.
     m_Host.m_abInside.clear();
@@ -182,6 +191,20 @@ TEST_F(ImageViewKeysTest, KeysForCellsAreThoseListed) {
 TEST_F(ImageViewKeysTest, ClicksAndDragsForCellsAreThoseListed) {
   ExpectGesturesAreThoseListed(InputsAt({"Select (resolution by hand)"}), [this](const CKeyInput& input) {
     Clear(EditingMode::Position, DebugFlag::kSelectCells);
+    return Perform(input);
+  });
+}
+
+TEST_F(ImageViewKeysTest, KeysForAGroupAreThoseListed) {
+  ExpectKeysAreThoseListed(InputsAt({"both views", "Select Several"}), [this](const CTypedKey& key) {
+    SetUpGroup();
+    return Type(key);
+  });
+}
+
+TEST_F(ImageViewKeysTest, ClicksAndDragsForAGroupAreThoseListed) {
+  ExpectGesturesAreThoseListed(InputsAt({"left view", "Select Several"}), [this](const CKeyInput& input) {
+    SetUpGroup();
     return Perform(input);
   });
 }

@@ -67,12 +67,15 @@ const auto kEntries = std::to_array<CExpectedEntry>({
   {"Edi&t/&Undo", MenuEntry::Undo, kCtrl | 'z', Command},
   {"Edi&t/&Redo", MenuEntry::Redo, kCtrl | kShift | 'z', Command},
   {"Edi&t/Reference &Depth...", MenuEntry::ReferenceDepth, 0, Command},
+  {"Edi&t/Constraint &Values...", MenuEntry::ConstraintValues, 0, Command},
+  {"Edi&t/Select &Several", MenuEntry::SelectSeveral, 0, Toggle},
   {"Edi&t/&Heights Along Curve...", MenuEntry::HeightsAlongCurve, 0, Command},
   {"Edi&t/&New Heights at the Last Value", MenuEntry::NewHeightsAtLast, 0, Toggle},
   {"Edi&t/Re&member Window and Switches", MenuEntry::Remember, 0, Toggle},
   {"&Inspect/Close the &gaps of tears", MenuEntry::ClosedTears, 0, Toggle},
   {"&Inspect/Continue &behind tears", MenuEntry::BehindTears, 0, Toggle},
   {"&Inspect/Show &coordinates", MenuEntry::Coordinates, 0, Toggle},
+  {"&Inspect/Constraint &Report", MenuEntry::ConstraintReport, 0, Command},
   {"&Inspect/Show &floating regions", MenuEntry::FloatingRegions, 0, Toggle},
   {"&Inspect/Se&ttle floating regions", MenuEntry::SettleFloating, 0, Toggle},
   {"&Inspect/Show &Influence", MenuEntry::InfluenceMap, 0, Toggle},
@@ -80,6 +83,9 @@ const auto kEntries = std::to_array<CExpectedEntry>({
   {"&Inspect/Show b&ending", MenuEntry::Bending, 0, Toggle},
   {"&Inspect/Save &Overlay as PNG...", MenuEntry::SaveOverlay, 0, Command},
   {"&Inspect/&Keep proportions", MenuEntry::KeepProportions, 0, Toggle},
+  {"&Help/&Keys and Mouse", MenuEntry::KeysAndMouse, FL_F + 1, Command},
+  {"&Help/&Tutorial", MenuEntry::Tutorial, 0, Command},
+  {"&Help/&About", MenuEntry::About, 0, Command},
 });
 
 struct CFlag {
@@ -166,9 +172,12 @@ TEST_F(WindowMenuTest, HasTheEntriesOfTheTable) {
 }
 
 TEST_F(WindowMenuTest, OnlyWhatHasNothingToWorkWithStartsInactive) {
-  constexpr std::array kInactive{MenuEntry::ImagePicture,     MenuEntry::ModelTexture,   MenuEntry::RecoverWork,
-                                 MenuEntry::FitPicture,       MenuEntry::ReferenceDepth, MenuEntry::SaveOverlay,
-                                 MenuEntry::HeightsAlongCurve};
+  constexpr std::array kInactive{MenuEntry::ImagePicture,     MenuEntry::ModelTexture,
+                                 MenuEntry::RecoverWork,      MenuEntry::FitPicture,
+                                 MenuEntry::ReferenceDepth,   MenuEntry::ConstraintValues,
+                                 MenuEntry::ConstraintReport, MenuEntry::KeysAndMouse,
+                                 MenuEntry::Tutorial,         MenuEntry::About,
+                                 MenuEntry::SaveOverlay,      MenuEntry::HeightsAlongCurve};
   for (const CExpectedEntry& row : kEntries) {
     const bool inactive = std::ranges::find(kInactive, row.m_Entry) != kInactive.end();
     EXPECT_EQ(Menu().IsActive(row.m_Entry), !inactive) << row.m_pPath;

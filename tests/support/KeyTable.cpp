@@ -146,14 +146,15 @@ CKeyInput ParseInput(std::string text) {
       if (TakeFront(text, name)) input.m_iModifiers |= modifier, taken = true;
     }
   }
-  input.m_aiButtons = TakeButtons(text);
+  const bool twice = TakeFront(text, "double ");
+  input.m_aiButtons = twice ? std::vector{FL_LEFT_MOUSE} : TakeButtons(text);
   if (input.m_aiButtons.empty()) {
     input.m_Kind = text == "wheel" ? Kind::Wheel : Kind::Key;
     if (input.m_Kind == Kind::Key) input.m_Key = text;
     if (text.size() == 1) input.m_Key[0] = static_cast<char>(std::tolower(text[0]));
     return input;
   }
-  input.m_Kind = text.starts_with("drag") ? Kind::Drag : Kind::Click;
+  input.m_Kind = text.starts_with("drag") ? Kind::Drag : twice ? Kind::DoubleClick : Kind::Click;
   input.m_bOnSomething = text.find(" on a ") != std::string::npos;
   return input;
 }

@@ -6,7 +6,7 @@
 
 /// What the user does: a key, the wheel, or a click or drag of the mouse, with keys held.
 struct CKeyInput {
-  enum class Kind { Key, Wheel, Click, Drag };
+  enum class Kind { Key, Wheel, Click, DoubleClick, Drag };
 
   Kind m_Kind = Kind::Key;
   int m_iModifiers = 0;          ///< of FL_SHIFT, FL_CTRL and FL_ALT
@@ -22,7 +22,8 @@ struct CKeyInput {
   bool operator==(const CKeyInput&) const = default;
 };
 
-/// What `text` means: "Ctrl+Enter", "p", "wheel", "Shift+left drag", "right click on a curve"; "any click" is one with
+/// What `text` means: "Ctrl+Enter", "p", "wheel", "Shift+left drag", "right click on a curve",
+/// "double click on a node"; "any click" is one with
 /// each of the three buttons.
 CKeyInput ParseInput(std::string text);
 

@@ -17,12 +17,13 @@ TEST(KeyTable, EveryPlaceIsCompared) {
   std::set<std::string> places;
   for (const CKeyRow& row : ListedKeyTable()) places.insert(row.m_Where);
   EXPECT_EQ(places, (std::set<std::string>{"both views", "left view", "positions and normals", "curves",
-                                           "Select (resolution by hand)", "Freeze (debugging)", "right view",
-                                           "scissors", "menus", "dialogs and tool windows", "dialogs"}));
+                                           "Select (resolution by hand)", "Select Several", "Freeze (debugging)",
+                                           "right view", "scissors", "menus", "dialogs and tool windows", "dialogs"}));
 }
 
 TEST(KeyTable, EveryInputIsUnderstood) {
-  const std::set<std::string> names{"Tab", "Enter", "Escape", "Delete", "BackSpace", "Left", "Right", "Up", "Down"};
+  const std::set<std::string> names{"Tab",  "Enter", "Escape", "Delete", "BackSpace",
+                                    "Left", "Right", "Up",     "Down",   "F1"};
   for (const CKeyRow& row : ListedKeyTable()) {
     EXPECT_FALSE(row.m_Effect.empty()) << row.m_Inputs;
     for (const CKeyInput& input : row.Inputs()) {

@@ -58,6 +58,8 @@ inline constexpr std::array kHelpTexts{
     "Open a photograph (Alt+Shift+O, or drop it here), choose Position constraint, and click",
     "This curve has no influence of its own: only heights, slopes and curves with auto bump have one",
     "This photograph carries a depth map: Edit, Reference Depth, takes it",
+    "Click on the position constraint whose height the selected one is to have, or press Escape",
+    "There is no other position constraint at that place: click on one, or press Escape",
 };
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
@@ -95,6 +97,8 @@ enum Index : int {
   kFirstStep = 40,        ///< what to do at the start
   kNoInfluence = 41,
   kDepthOffered = 42,  ///< after a photograph with one
+  kHeightWanted = 43,  ///< of the constraint that is clicked next
+  kNoHeightThere = 44,
 };
 }  // namespace HelpText
 

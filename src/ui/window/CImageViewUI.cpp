@@ -154,6 +154,11 @@ void CImageViewUI::RefreshEnabled() {
   Menu().Enable(MenuEntry::ReferenceDepth, m_Tools.Has(Tool::ReferenceDepth));
   Menu().Enable(MenuEntry::SaveOverlay, ImageView().Overlay() != nullptr);
   Menu().Enable(MenuEntry::HeightsAlongCurve, m_Tools.Has(Tool::HeightsAlongCurve));
+  Menu().Enable(MenuEntry::ConstraintValues, m_Tools.Has(Tool::ConstraintValues));
+  Menu().Enable(MenuEntry::ConstraintReport, m_Tools.Has(Tool::ConstraintReport));
+  Menu().Enable(MenuEntry::KeysAndMouse, m_Tools.Has(Tool::Keys));
+  Menu().Enable(MenuEntry::Tutorial, static_cast<bool>(m_Services.m_OpenTutorial));
+  Menu().Enable(MenuEntry::About, static_cast<bool>(m_Services.m_About));
   Menu().Enable(MenuEntry::DrawingParameters, static_cast<bool>(m_Services.m_ShowDrawingOptions));
   Menu().Enable(MenuEntry::ImagePicture, HasPicture());
   Menu().Enable(MenuEntry::ModelTexture, HasPicture());

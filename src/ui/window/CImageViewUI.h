@@ -84,6 +84,8 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   void PauseSolverForCommand() override { m_Solver.PauseSolverForCommand(); }
   void ResumeAfterCommand() override { m_Solver.ResumeAfterCommand(); }
   void EditCurveAttributes(const CPlanePoint& place) override;
+  void OpenConstraintValues() override { OpenTool(Tool::ConstraintValues); }
+  void EndChoosing() override;
   int CurrentLight() const override { return m_Services.m_CurrentLight ? m_Services.m_CurrentLight() : -1; }
   void LightsMoved() override;
   void ShowCoordinates(const CPlanePoint* place) override;
@@ -132,8 +134,9 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   void ToggleSelect();
   void ToggleFreeze();
   void ToggleTool(Tool tool);
-  /// One that the menu opens.
+  /// One that has no button; nothing where there is none.
   void OpenTool(Tool tool);
+  void ChooseSeveral(bool on);
   static void cb_m_pbtnSwitchHR_LR(Fl_Widget* widget, void* data);
 
   /// Shows what is in the window of a model that is another one: label, marks, read-outs, help.

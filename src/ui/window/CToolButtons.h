@@ -14,9 +14,19 @@ class CControlSet;
 class CToolButtons {
  public:
   /// In the order of their buttons, then those of the menu.
-  enum class Tool { LightSources, Recorder, Scissors, ReferenceDepth, HeightsAlongCurve };
-  static constexpr std::array kTools{Tool::LightSources, Tool::Recorder, Tool::Scissors, Tool::ReferenceDepth,
-                                     Tool::HeightsAlongCurve};
+  enum class Tool {
+    LightSources,
+    Recorder,
+    Scissors,
+    ReferenceDepth,
+    ConstraintValues,
+    ConstraintReport,
+    Keys,
+    HeightsAlongCurve
+  };
+  static constexpr std::array kTools{Tool::LightSources,   Tool::Recorder,         Tool::Scissors,
+                                     Tool::ReferenceDepth, Tool::ConstraintValues, Tool::ConstraintReport,
+                                     Tool::Keys,           Tool::HeightsAlongCurve};
 
   /// The controls must outlive the object.
   explicit CToolButtons(CControlSet& controls) : m_Controls(controls) {}

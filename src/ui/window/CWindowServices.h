@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "editing/GridCommands.h"
 
@@ -13,4 +14,7 @@ struct CWindowServices {
   /// The light that the light panel edits, 0 to 4, or -1; what follows when lights were turned in the model view.
   std::function<int()> m_CurrentLight;
   std::function<void()> m_LightsMoved;
+  /// Opens the tutorial; what the program says of itself.
+  std::function<void()> m_OpenTutorial;
+  std::function<std::string()> m_About;
 };

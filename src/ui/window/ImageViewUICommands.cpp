@@ -190,6 +190,18 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       return RequestStep(UserStep::Redo);
     case MenuEntry::ReferenceDepth:
       return OpenTool(Tool::ReferenceDepth);
+    case MenuEntry::ConstraintValues:
+      return OpenTool(Tool::ConstraintValues);
+    case MenuEntry::ConstraintReport:
+      return OpenTool(Tool::ConstraintReport);
+    case MenuEntry::KeysAndMouse:
+      return OpenTool(Tool::Keys);
+    case MenuEntry::Tutorial:
+      return m_Services.m_OpenTutorial();
+    case MenuEntry::About:
+      return Notice(m_Services.m_About().c_str());
+    case MenuEntry::SelectSeveral:
+      return ChooseSeveral(Menu().IsChecked(entry));
     case MenuEntry::HeightsAlongCurve:
       return OpenTool(Tool::HeightsAlongCurve);
     case MenuEntry::NewHeightsAtLast:
@@ -269,6 +281,7 @@ void CImageViewUI::CycleLevelTool() {
 
 void CImageViewUI::ToggleSelect() {
   const bool on = Controls().Button(Control::Select).value() != 0;
+  if (on) EndChoosing();
   SetDebugFlag(DebugFlag::kSelectCells, on);
   HelpLine().SetCurrentHelp(CurrentHelp());
   RequestRedraw();
@@ -284,6 +297,21 @@ void CImageViewUI::ToggleFreeze() {
     m_Solver.EndFreeze();
   }
   RefreshEnabled();
+}
+
+// One of the two has the left button.
+void CImageViewUI::ChooseSeveral(bool on) {
+  Fl_Button& select = Controls().Button(Control::Select);
+  if (on && select.value() != 0) {
+    select.value(0);
+    ToggleSelect();
+  }
+  ImageView().SetChoosing(on);
+}
+
+void CImageViewUI::EndChoosing() {
+  Menu().SetChecked(MenuEntry::SelectSeveral, false);
+  if (ImageView().IsChoosing()) ImageView().SetChoosing(false);
 }
 
 void CImageViewUI::OpenTool(Tool tool) {
