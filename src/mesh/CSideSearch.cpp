@@ -15,6 +15,8 @@ namespace {
 constexpr double kSoftening = 0.25;
 // Farther than any lattice is wide.
 constexpr double kEverywhere = 4096.0;
+// The share of finding out what there is.
+constexpr double kPrepared = 0.4;
 // Some milliseconds' work.
 constexpr std::size_t kCopiesAtOnce = std::size_t{1} << 12;
 
@@ -35,21 +37,26 @@ std::array<double, 2> SharesOf(const std::array<double, 2>& weights) {
 
 }  // namespace
 
-void CSideSearch::Prepare() {
+// False where the steps do not go on.
+bool CSideSearch::Prepare(const CExportSteps& steps) {
   NumberKnown();
   m_aPoints.reserve(m_Patch.Triangles().VertexCount());
   for (std::uint32_t v = 0; v < m_Patch.Triangles().VertexCount(); ++v)
     m_aPoints.push_back({m_Patch.ColumnOf(v), m_Patch.RowOf(v)});
-  m_aNodes.resize(m_Patch.Triangles().Triangles().size());
-  m_aGifts.resize(m_aNodes.size());
-  FindPlanes();
+  const std::size_t triangles = m_Patch.Triangles().Triangles().size();
+  const auto findPlanes = [this](std::size_t begin, std::size_t end) { FindPlanes(begin, end); };
+  const auto makeNodes = [this](std::size_t begin, std::size_t end) { MakeNodes(begin, end); };
+  m_aGifts.resize(triangles);
+  m_aPlanes.reserve(triangles);
+  if (!steps.Part(0, 0.5).ForBlocks(triangles, findPlanes)) return false;
   FindFosters();
   FindEnds();
-  MakeNodes();
+  m_aNodes.resize(triangles);
+  return steps.Part(0.5, 1).ForBlocks(triangles, makeNodes);
 }
 
 void CSideSearch::FindAll(bool planes, const CExportSteps& steps) {
-  Prepare();
+  if (!Prepare(steps.Part(0, kPrepared))) return;
   m_auTermAt.resize(m_Found.m_auKnown.size());
   const std::vector<bool> atCut = planes ? CopiesAtCuts() : std::vector<bool>(m_Sides.CopyCount());
   m_Found.m_auRows.assign(m_Sides.CopyCount(), kNone);
@@ -58,7 +65,7 @@ void CSideSearch::FindAll(bool planes, const CExportSteps& steps) {
       if (!m_Sides.IsKnown(copy) || atCut[copy]) Continue(copy, atCut[copy]);
     }
   };
-  steps.ForBlocks(m_Sides.CopyCount(), continueSome, kCopiesAtOnce);
+  steps.Part(kPrepared, 1).ForBlocks(m_Sides.CopyCount(), continueSome, kCopiesAtOnce);
 }
 
 void CSideSearch::NumberKnown() {
@@ -98,9 +105,9 @@ std::uint32_t CSideSearch::AddPlane(const std::array<std::uint32_t, 3>& copies) 
 }
 
 // Two neighbouring triangles of a torn leaf that are in no tear lack the centre, but have three corners between them.
-void CSideSearch::FindPlanes() {
+void CSideSearch::FindPlanes(std::size_t begin, std::size_t end) {
   const auto triangles = m_Patch.Triangles().Triangles();
-  for (std::uint32_t t = 0; t < triangles.size(); ++t) {
+  for (auto t = static_cast<std::uint32_t>(begin); t < end; ++t) {
     const std::array<std::uint32_t, 3> copies{m_Sides.CopyOf(t, 0), m_Sides.CopyOf(t, 1), m_Sides.CopyOf(t, 2)};
     m_aGifts[t].m_uPlane = AddPlane(copies);
     const auto& origin = m_Patch.OriginOf(t);
@@ -170,9 +177,9 @@ void CSideSearch::FindEnds() {
   }
 }
 
-void CSideSearch::MakeNodes() {
+void CSideSearch::MakeNodes(std::size_t begin, std::size_t end) {
   const CCutTriangulation& triangles = m_Patch.Triangles();
-  for (std::uint32_t t = 0; t < m_aNodes.size(); ++t) {
+  for (auto t = static_cast<std::uint32_t>(begin); t < end; ++t) {
     const auto& triangle = triangles.Triangle(t);
     CNode& node = m_aNodes[t];
     for (std::uint32_t k = 0; k < 3; ++k) {
@@ -289,20 +296,23 @@ void CSideSearch::AddRow(std::uint32_t copy, bool slopes) {
 
 std::vector<double> CSideSearch::RaiseAll(const std::function<double(std::uint32_t)>& meshHeights,
                                           const CExportSteps& steps) {
-  Prepare();
+  std::vector<double> heights(m_Sides.CopyCount());
+  if (!Prepare(steps.Part(0, kPrepared / 2))) return heights;
   m_afKnown.reserve(m_Found.m_auKnown.size());
   for (const std::uint32_t vertex : m_Found.m_auKnown) m_afKnown.push_back(meshHeights(vertex));
-  RaiseGifts();
-  std::vector<double> heights(m_Sides.CopyCount());
-  steps.ForBlocks(
-      heights.size(),
-      [&](std::size_t begin, std::size_t end) {
-        for (auto copy = static_cast<std::uint32_t>(begin); copy < end; ++copy) {
-          const std::uint32_t known = m_Found.m_auKnownAt[copy];
-          heights[copy] = known != kNone ? m_afKnown[known] : HeightAt(copy);
-        }
-      },
-      kCopiesAtOnce);
+  m_aRaised.resize(m_aGifts.size());
+  const auto raiseGifts = [this](std::size_t begin, std::size_t end) { RaiseGifts(begin, end); };
+  if (!steps.Part(kPrepared / 2, kPrepared).ForBlocks(m_aGifts.size(), raiseGifts)) return heights;
+  steps.Part(kPrepared, 1)
+      .ForBlocks(
+          heights.size(),
+          [&](std::size_t begin, std::size_t end) {
+            for (auto copy = static_cast<std::uint32_t>(begin); copy < end; ++copy) {
+              const std::uint32_t known = m_Found.m_auKnownAt[copy];
+              heights[copy] = known != kNone ? m_afKnown[known] : HeightAt(copy);
+            }
+          },
+          kCopiesAtOnce);
   return heights;
 }
 
@@ -318,9 +328,8 @@ void CSideSearch::RaisePlane(const CPlane& plane, CRaised& raised) const {
   }
 }
 
-void CSideSearch::RaiseGifts() {
-  m_aRaised.resize(m_aGifts.size());
-  for (std::size_t t = 0; t < m_aGifts.size(); ++t) {
+void CSideSearch::RaiseGifts(std::size_t begin, std::size_t end) {
+  for (std::size_t t = begin; t < end; ++t) {
     for (const std::uint32_t known : m_aGifts[t].m_auKnown) {
       if (known != kNone) m_aRaised[t].m_Range.Add(m_afKnown[known]);
     }

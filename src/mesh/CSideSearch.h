@@ -80,17 +80,17 @@ class CSideSearch {
 
   static constexpr std::uint32_t kNone = CSideHeights::kNone;
 
-  void Prepare();
-  void RaiseGifts();
+  bool Prepare(const CExportSteps& steps);
+  void RaiseGifts(std::size_t begin, std::size_t end);
   void RaisePlane(const CPlane& plane, CRaised& raised) const;
   double HeightAt(std::uint32_t copy);
   void SumPlanes(CSum& sum) const;
   void NumberKnown();
-  void FindPlanes();
+  void FindPlanes(std::size_t begin, std::size_t end);
   std::uint32_t AddPlane(const std::array<std::uint32_t, 3>& copies);
   void FindFosters();
   void FindEnds();
-  void MakeNodes();
+  void MakeNodes(std::size_t begin, std::size_t end);
   std::vector<bool> CopiesAtCuts() const;
   void Continue(std::uint32_t copy, bool slopes);
   void StartFrom(std::uint32_t copy);
