@@ -98,7 +98,7 @@ void CPtCstrEdits::ChangeChosenHeights(const std::function<double(double z)>& he
   if (m_Constraints.Points().ChosenCount() == 0) return;
   m_Gate.Do(Edit::MoveHeights, [&] {
     for (CPtCstr& c : m_Constraints.Points()) {
-      if (c.HasState(PtCstrState::kChosen)) c.m_fZ = height(c.m_fZ);
+      if (c.HasState(PtCstrState::kChosen)) m_LastHeight = c.m_fZ = height(c.m_fZ);
     }
   });
 }

@@ -136,6 +136,8 @@ std::optional<Vector3> FirstSeen(const CInterpolation& surface, const CSightLine
   if (span.IsEmpty()) return std::nullopt;
   // Counted from where it comes over the surface, as it may begin far away.
   inLattice.m_Point = At(inLattice, span.m_fFrom);
+  // A camera that is zoomed to nothing looks nowhere, and a surface without a bound ends no line.
+  if (!std::isfinite(inLattice.m_Point.x + inLattice.m_Point.y + span.m_fTo)) return std::nullopt;
   const double t = FirstMultiple(surface, inLattice, span.m_fTo - span.m_fFrom);
   if (t == kInfinity) return std::nullopt;
   const Vector3 met = At(inLattice, t);

@@ -13,7 +13,8 @@ struct CSightLine {
 };
 
 /// The first point of the whole line at which it meets a triangle of the surface that lies in no tear, from whichever
-/// side; nothing where it meets none. All heights lie within lowest..highest.
+/// side; nothing where it meets none, and along a line of numbers that are none. All heights lie within
+/// lowest..highest.
 ///
 /// Follows the leaves under the line, so the time is linear in their number: those between the two heights, which are
 /// few where one looks from above. Allocates nothing.

@@ -236,6 +236,7 @@ TEST_F(SelectedValuesTest, GroupIsChangedAndDeletedInOneStepEach) {
   EXPECT_EQ(RecordAt(points, 0).m_fZ, 11);
   EXPECT_EQ(RecordAt(points, 1).m_fZ, 13);
   EXPECT_EQ(RecordAt(points, 2).m_fZ, 9);
+  EXPECT_EQ(edits.LastHeight(), 13) << "what a new height may start at";
   EXPECT_EQ(StepsOf([&] { edits.DeleteChosen(); }), 1U);
   EXPECT_EQ(PlacesOf(points), (CPlaces{{80, 80}}));
   m_Test.Undo();

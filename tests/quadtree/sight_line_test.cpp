@@ -101,6 +101,18 @@ TEST(FirstSeen, HasNothingBesideTheSurfaceAndInTears) {
   EXPECT_TRUE(down(0, 8)) << "the corner belongs to it";
 }
 
+// A camera zoomed to nothing has no direction, and a surface that ran away no bounds.
+TEST(FirstSeen, HasNothingWhereNumbersAreNone) {
+  CTestTree test(3, 2);
+  constexpr double none = std::numeric_limits<double>::quiet_NaN();
+  for (const CSightLine& line :
+       {CSightLine{{0, 0, 0}, {none, none, none}}, CSightLine{{none, 0, 0}, {0, 0, -1}},
+        CSightLine{{0, none, 1}, {0, 1, -1}}, CSightLine{{kNever, 0, 0}, {0, 0, -1}}, CSightLine{{0, 0, 0}, {0, 0, 0}}})
+    EXPECT_FALSE(FirstSeen(test.m_Surface, line, -1, 1).has_value());
+  for (const Vector3& direction : {Vector3{0, 0, -1}, Vector3{0, 0, none}, Vector3{0, 0, 1}})
+    EXPECT_FALSE(FirstSeen(test.m_Surface, {{0, 0, 0}, direction}, -kNever, kNever).has_value());
+}
+
 TEST(FirstSeen, OfAFoldIsTheSideThatOneLooksAt) {
   CTestTree test(5, 5);
   SetHeights(test.m_Lattice, CBump{});
