@@ -12,7 +12,7 @@
 namespace {
 
 // Seconds: between two answers, and what a piece may take. A few rows more than that are finished.
-constexpr double kInterval = 1.0 / 60;
+constexpr double kBetweenAnswers = 1.0 / 60;
 constexpr double kPiece = 0.015;
 
 }  // namespace
@@ -51,7 +51,7 @@ void CLiveRelighting::Continue() {
   Stop();
   if (progress == CRelighting::KdProgress::NoMemory) return m_Ended(false);
   if (progress == CRelighting::KdProgress::None) return;
-  m_fNext = CRedrawPacer::SteadySeconds() + kInterval;
+  m_fNext = CRedrawPacer::SteadySeconds() + kBetweenAnswers;
   m_Window.RequestRedraw();
   m_Ended(true);
 }
@@ -62,6 +62,6 @@ void CLiveRelighting::Preview() {
   const double begin = CRedrawPacer::SteadySeconds();
   if (!m_Grid.Relighting().PreviewKd()) return;
   const double end = CRedrawPacer::SteadySeconds();
-  m_fNext = end + std::max(end - begin, kInterval);
+  m_fNext = end + std::max(end - begin, kBetweenAnswers);
   m_Window.RequestRedraw();
 }

@@ -136,6 +136,10 @@ void COverlayPainter::DrawTriangles() const {
     const double place = static_cast<double>(k) / (kMapTexels - 1.0);
     std::ranges::copy(ColourAt(m_pOverlay->m_Map, place), map.begin() + static_cast<std::ptrdiff_t>(3 * k));
   }
+  // Its own texture: the driver keeps what contexts that have gone had made of the nameless one.
+  unsigned texture = 0;
+  glGenTextures(1, &texture);
+  glBindTexture(GL_TEXTURE_1D, texture);
   glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
   glTexImage1D(GL_TEXTURE_1D, 0, GL_RGB, kMapTexels, 0, GL_RGB, GL_UNSIGNED_BYTE, map.data());
   SetSmoothTexture(GL_TEXTURE_1D);
@@ -156,6 +160,7 @@ void COverlayPainter::DrawTriangles() const {
   glDisableClientState(GL_TEXTURE_COORD_ARRAY);
   glDisableClientState(GL_VERTEX_ARRAY);
   glDisable(GL_TEXTURE_1D);
+  glDeleteTextures(1, &texture);
   glPopMatrix();
   glMatrixMode(GL_MODELVIEW);
 }

@@ -79,7 +79,7 @@ void CAlbedoMap::ComputeRows(std::span<const Vector3> normals, const CRelighting
                              int first, int count) {
   const std::array<double, 256> intensities = PhotographIntensities();
   const auto width = static_cast<std::size_t>(images.PictureWidth());
-  const auto end = static_cast<std::size_t>(first + count);
+  const std::size_t end = static_cast<std::size_t>(first) + static_cast<std::size_t>(count);
   const std::size_t imageRow = 3 * static_cast<std::size_t>(images.TextureWidth());
   // Copies that no byte written to an image can alias, so that the lights stay in registers.
   const CShading before = lights.m_Removed;

@@ -108,11 +108,11 @@ void CSurfaceMesh::Raise(const CQuadTree& tree, std::span<Number> positions) con
 }
 
 template <typename Number>
-void CSurfaceMesh::Raise(const CQuadTree& tree, std::span<Number> positions, std::span<const double> heights) const {
-  for (std::size_t v = 0; v < CornerCount(); ++v) positions[3 * v + 2] = static_cast<Number>(heights[m_auPoints[v]]);
+void CSurfaceMesh::Raise(const CQuadTree& tree, std::span<Number> positions, std::span<const double> values) const {
+  for (std::size_t v = 0; v < CornerCount(); ++v) positions[3 * v + 2] = static_cast<Number>(values[m_auPoints[v]]);
   std::size_t v = CornerCount();
   for (const CLeaf& leaf : tree.Leaves())
-    positions[3 * v++ + 2] = static_cast<Number>(CentreHeight(tree, leaf, heights));
+    positions[3 * v++ + 2] = static_cast<Number>(CentreHeight(tree, leaf, values));
 }
 
 double CSurfaceMesh::CentreHeight(const CQuadTree& tree, const CLeaf& leaf, std::span<const double> heights) {

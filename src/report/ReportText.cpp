@@ -13,13 +13,13 @@ namespace {
 constexpr std::size_t kMostNamed = 6;
 
 std::string Number(double value, double unit) {
-  constexpr double kNoise = 1e-9;
-  constexpr int kDigits = 6;
+  constexpr double kNothing = 1e-9;
+  constexpr int kShownDigits = 6;
   constexpr std::size_t kLongest = 32;
-  if (std::abs(value) < kNoise * unit) value = 0.0;
+  if (std::abs(value) < kNothing * unit) value = 0.0;
   std::array<char, kLongest> text{};
   return {text.data(),
-          std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, kDigits).ptr};
+          std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, kShownDigits).ptr};
 }
 
 std::string Pair(double a, double b, double unit) { return '(' + Number(a, unit) + ", " + Number(b, unit) + ')'; }

@@ -31,7 +31,7 @@ TEST(CommandWords, NothingElseHasAMeaning) {
 }
 
 TEST(CommandWords, WhatStaysOpenIsNothing) {
-  for (const char* line : {"'a", "\"a", "a 'b\" c", "a\\", "\"a\\\""})
+  for (const char* line : {"'a", "\"a", "a 'b\" c", "a\\", R"("a\")"})
     EXPECT_EQ(CommandWords(line), std::nullopt) << line;
 }
 

@@ -79,7 +79,7 @@ class FilmRunTest : public ::testing::Test {
     project.m_Views.m_fR = project.m_Views.m_fR0 = 80;
     for (int k = 0; k < frames; ++k)
       project.m_aRecording.push_back({{50, 50, 0}, {50.0 + k, 50, 80}, {0, 80, 0}, 80, 0});
-    project.m_Picture = {"/photos/cup.bmp", {}, std::make_shared<const std::string>(BytesOf(kPhotograph))};
+    project.m_Picture = {"/photos/cup.bmp", {}, std::make_shared<const std::string>(BytesOf(kSamplePhotograph))};
     ASSERT_TRUE(SaveProject(project, m_File));
   }
 

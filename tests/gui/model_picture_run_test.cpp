@@ -31,9 +31,10 @@ class ModelPictureRunTest : public RunTest {
     ASSERT_TRUE(SaveModel("model.grid"));
   }
   CPicture Drawn(const std::string& turn) const {
-    EXPECT_EQ(RunIn(m_Program.Directory(), "'" RELIEVO_PICTURE "' model.grid --image '" + std::string(kPhotograph) +
-                                               "' --size 430x430 -o drawn.png --turn " + turn),
-              0);
+    EXPECT_EQ(
+        RunIn(m_Program.Directory(), "'" RELIEVO_PICTURE "' model.grid --image '" + std::string(kSamplePhotograph) +
+                                         "' --size 430x430 -o drawn.png --turn " + turn),
+        0);
     return ReadPicture(File("drawn.png").string()).m_Picture;
   }
 };

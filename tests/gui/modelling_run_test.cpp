@@ -117,7 +117,7 @@ TEST_F(ModellingRunTest, PhotographShowsInTheImageView) {
   const CPicture shot = Shoot(0, "image.bmp");
   ASSERT_EQ(shot.m_iWidth, 430);
   ASSERT_EQ(shot.m_iHeight, 430);
-  const CPicture photograph = Global::LoadBMP(kPhotograph, 1)->m_Picture;
+  const CPicture photograph = Global::LoadBMP(kSamplePhotograph, 1)->m_Picture;
   for (const CPixel pixel : {kLeftRim, kLeftSaucer, kRightSaucer, kCoffee, kTable}) {
     const int x = pixel.m_iX * 430 / kPhotographWidth;
     const int y = 429 - pixel.m_iY * 430 / kPhotographHeight;

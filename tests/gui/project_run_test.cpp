@@ -27,7 +27,7 @@ class ProjectRunTest : public ::testing::Test {
     project.m_Views.m_uImageFlags = ImageFlag::kPointConstraints | ImageFlag::kImage;
     project.m_Views.m_uModelFlags = ModelFlag::kTexturedModel;
     project.m_Views.m_fR = project.m_Views.m_fR0 = 70;
-    project.m_Picture = {"/photos/cup.bmp", {}, std::make_shared<const std::string>(BytesOf(kPhotograph))};
+    project.m_Picture = {"/photos/cup.bmp", {}, std::make_shared<const std::string>(BytesOf(kSamplePhotograph))};
     ASSERT_TRUE(SaveProject(project, m_File));
   }
   CProject Read() const { return ReadProject(m_File).m_Project.value(); }
@@ -54,7 +54,7 @@ TEST_F(ProjectRunTest, AnotherRunGoesOnWhereOneHasStopped) {
   }
   const CProject saved = Read();
   EXPECT_EQ(saved.m_Model.m_Document.m_Sketch.m_Points.size(), 2U);
-  EXPECT_EQ(*saved.m_Picture.m_pBytes, BytesOf(kPhotograph)) << "the bytes that were loaded";
+  EXPECT_EQ(*saved.m_Picture.m_pBytes, BytesOf(kSamplePhotograph)) << "the bytes that were loaded";
   EXPECT_EQ(saved.m_Picture.m_File, "/photos/cup.bmp");
   EXPECT_EQ(saved.m_Views.m_uImageFlags, ImageFlag::kPointConstraints | ImageFlag::kImage);
   EXPECT_EQ(saved.m_Views.m_Eye, (Vector3{50, 50, 200}));

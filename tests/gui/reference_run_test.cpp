@@ -56,7 +56,7 @@ class ReferenceRunTest : public ::testing::Test {
     project.m_Views.m_uImageFlags = ImageFlag::kPointConstraints | ImageFlag::kImage;
     project.m_Views.m_uModelFlags = ModelFlag::kTexturedModel;
     project.m_Views.m_fR = project.m_Views.m_fR0 = 70;
-    project.m_Picture = {"/photos/cup.bmp", {}, std::make_shared<const std::string>(BytesOf(kPhotograph))};
+    project.m_Picture = {"/photos/cup.bmp", {}, std::make_shared<const std::string>(BytesOf(kSamplePhotograph))};
     EXPECT_TRUE(SaveProject(project, m_File));
     WriteText(m_Map, DiscPfm());
     return m_File;

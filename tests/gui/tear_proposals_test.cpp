@@ -40,7 +40,7 @@ class TearProposalsTest : public EditingTest {
     int drawn = 0;
     for (int y = 0; y < kSize; ++y) {
       const std::size_t pixel = 3 * (static_cast<std::size_t>(y) * kSize + static_cast<std::size_t>(x));
-      if (!std::equal(&frame.m_aPixels[pixel], &frame.m_aPixels[pixel] + 3, &frame.m_aPixels[0])) ++drawn;
+      if (!std::equal(&frame.m_aPixels[pixel], &frame.m_aPixels[pixel] + 3, frame.m_aPixels.data())) ++drawn;
     }
     return drawn;
   }

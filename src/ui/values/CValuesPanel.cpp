@@ -160,7 +160,7 @@ CValueField* CValuesPanel::AddGroupField(Group action, int y, const char* label)
                        return number.has_value() ? set(*number) : std::string("That is no number");
                      },
                      [this, action, set](double steps) {
-                       const double step = action == Scale ? 0.1 : m_Values.Step(ConstraintValue::Z);
+                       const double step = action == kScale ? 0.1 : m_Values.Step(ConstraintValue::Z);
                        return set(m_afGroupNumbers[action] + steps * step);
                      },
                      [this](const std::string& refusal) { Tell(refusal); }});
@@ -170,10 +170,11 @@ CValueField* CValuesPanel::AddGroupField(Group action, int y, const char* label)
 void CValuesPanel::BuildGroup() {
   m_pGroup = AddText(8, 386, kWidth - 16, "");
   m_pGroup->labelfont(FL_HELVETICA_BOLD);
-  m_apGroupFields = {AddGroupField(Raise, 412, "by"), AddGroupField(Scale, 442, "by"), AddGroupField(Set, 472, "to")};
-  m_apGroupButtons = {AddButton(kRightColumn - 58, 412, 152, "Raise", cb_Group<Raise>, this),
-                      AddButton(kRightColumn - 58, 442, 152, "Scale about the mean", cb_Group<Scale>, this),
-                      AddButton(kRightColumn - 58, 472, 152, "Set to one height", cb_Group<Set>, this),
+  m_apGroupFields = {AddGroupField(kRaise, 412, "by"), AddGroupField(kScale, 442, "by"),
+                     AddGroupField(kSet, 472, "to")};
+  m_apGroupButtons = {AddButton(kRightColumn - 58, 412, 152, "Raise", cb_Group<kRaise>, this),
+                      AddButton(kRightColumn - 58, 442, 152, "Scale about the mean", cb_Group<kScale>, this),
+                      AddButton(kRightColumn - 58, 472, 152, "Set to one height", cb_Group<kSet>, this),
                       AddButton(kRightColumn - 58, 502, 152, "Delete the chosen", cb_DeleteGroup, this)};
 }
 
@@ -239,7 +240,7 @@ void CValuesPanel::RefreshGroup() {
                                    : "Chosen: " + std::to_string(count) + (count == 1 ? " height" : " heights"));
   const double side = m_Values.Unit(ConstraintValue::Z);
   for (std::size_t k = 0; k < m_apGroupFields.size(); ++k) {
-    m_apGroupFields[k]->Show(ShownNumber(m_afGroupNumbers[k], k == Scale ? 1.0 : side));
+    m_apGroupFields[k]->Show(ShownNumber(m_afGroupNumbers[k], k == kScale ? 1.0 : side));
     SetActive(*m_apGroupFields[k], count > 0);
   }
   for (Fl_Button* button : m_apGroupButtons) SetActive(*button, count > 0);
@@ -252,8 +253,8 @@ void CValuesPanel::ChangeGroup(Group action) {
   const double mean = m_Grid.Constraints().Points().MeanChosenHeight();
   m_Grid.Gate().BeginGesture(CEditGate::Hold::Other);
   m_Grid.PointEdits().ChangeChosenHeights([action, number, mean](double z) {
-    if (action == Raise) return z + number;
-    return action == Scale ? mean + number * (z - mean) : number;
+    if (action == kRaise) return z + number;
+    return action == kScale ? mean + number * (z - mean) : number;
   });
   m_Grid.Gate().EndGesture(CEditGate::GestureEnd::Released);
   Tell({});

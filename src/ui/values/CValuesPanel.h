@@ -33,7 +33,7 @@ class CValuesPanel : public Fl_Double_Window {
   void Refresh();
 
  private:
-  enum Group : std::size_t { Raise, Scale, Set };
+  enum Group : std::size_t { kRaise, kScale, kSet };
 
   void BuildPoint();
   void BuildCurve();

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include <FL/Fl.H>
@@ -52,6 +53,58 @@ void Shoot(CImageViewUI& window, View& view, Fl_Gl_Window& other) {
     if (!saved) window.Notice(("Unable to save the frame in " + *file).c_str());
   }
   window.ResumeAfterCommand();
+}
+
+// Of the menu File, what a command does by itself.
+bool FileChosen(CGridCommands& commands, MenuEntry entry) {
+  switch (entry) {
+    case MenuEntry::NewGrid:
+      commands.Request(Operation::kNewGrid);
+      return true;
+    case MenuEntry::LoadGrid:
+      commands.Request(Operation::kLoadGrid);
+      return true;
+    case MenuEntry::LoadImage:
+      commands.Request(Operation::kLoadImage);
+      return true;
+    case MenuEntry::SaveAgain:
+      commands.SaveAgain();
+      return true;
+    case MenuEntry::OpenProject:
+      commands.OpenProject();
+      return true;
+    case MenuEntry::SaveProject:
+      commands.SaveProject();
+      return true;
+    case MenuEntry::RecoverWork:
+      commands.RecoverWork();
+      return true;
+    case MenuEntry::ExportModel:
+      commands.ExportModel();
+      return true;
+    case MenuEntry::ExportFilm:
+      commands.ExportFilm();
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::optional<CToolButtons::Tool> ToolOf(MenuEntry entry) {
+  switch (entry) {
+    case MenuEntry::ReferenceDepth:
+      return CToolButtons::Tool::ReferenceDepth;
+    case MenuEntry::ConstraintValues:
+      return CToolButtons::Tool::ConstraintValues;
+    case MenuEntry::ConstraintReport:
+      return CToolButtons::Tool::ConstraintReport;
+    case MenuEntry::KeysAndMouse:
+      return CToolButtons::Tool::Keys;
+    case MenuEntry::HeightsAlongCurve:
+      return CToolButtons::Tool::HeightsAlongCurve;
+    default:
+      return std::nullopt;
+  }
 }
 
 }  // namespace
@@ -136,6 +189,8 @@ void CImageViewUI::Chosen(MenuEntry entry) {
     return;
   }
   if (m_OverlayEntries && m_OverlayEntries->Chosen(entry)) return;
+  if (FileChosen(m_Commands, entry)) return;
+  if (const auto tool = ToolOf(entry)) return OpenTool(*tool);
   if (entry >= MenuEntry::Recent && entry < MenuEntry::ClearRecent)
     return OpenRecent(static_cast<std::size_t>(entry) - static_cast<std::size_t>(MenuEntry::Recent));
   if (entry >= MenuEntry::Write) {
@@ -143,28 +198,10 @@ void CImageViewUI::Chosen(MenuEntry entry) {
     return m_Commands.Write(ModelFormats()[format]);
   }
   switch (entry) {
-    case MenuEntry::NewGrid:
-      return m_Commands.Request(Operation::kNewGrid);
-    case MenuEntry::LoadGrid:
-      return m_Commands.Request(Operation::kLoadGrid);
-    case MenuEntry::LoadImage:
-      return m_Commands.Request(Operation::kLoadImage);
-    case MenuEntry::SaveAgain:
-      return m_Commands.SaveAgain();
     case MenuEntry::ClearRecent:
       return Files().Recent().Clear();
     case MenuEntry::Quit:
       return do_callback();
-    case MenuEntry::OpenProject:
-      return m_Commands.OpenProject();
-    case MenuEntry::SaveProject:
-      return m_Commands.SaveProject();
-    case MenuEntry::RecoverWork:
-      return m_Commands.RecoverWork();
-    case MenuEntry::ExportModel:
-      return m_Commands.ExportModel();
-    case MenuEntry::ExportFilm:
-      return m_Commands.ExportFilm();
     case MenuEntry::FitPicture:
       return RequestFit();
     case MenuEntry::ShootImage:
@@ -188,22 +225,12 @@ void CImageViewUI::Chosen(MenuEntry entry) {
       return RequestStep(UserStep::Undo);
     case MenuEntry::Redo:
       return RequestStep(UserStep::Redo);
-    case MenuEntry::ReferenceDepth:
-      return OpenTool(Tool::ReferenceDepth);
-    case MenuEntry::ConstraintValues:
-      return OpenTool(Tool::ConstraintValues);
-    case MenuEntry::ConstraintReport:
-      return OpenTool(Tool::ConstraintReport);
-    case MenuEntry::KeysAndMouse:
-      return OpenTool(Tool::Keys);
     case MenuEntry::Tutorial:
       return m_Services.m_OpenTutorial();
     case MenuEntry::About:
       return Notice(m_Services.m_About().c_str());
     case MenuEntry::SelectSeveral:
       return ChooseSeveral(Menu().IsChecked(entry));
-    case MenuEntry::HeightsAlongCurve:
-      return OpenTool(Tool::HeightsAlongCurve);
     case MenuEntry::NewHeightsAtLast:
       return ImageView().StartHeightsAtLast(Menu().IsChecked(entry));
     case MenuEntry::Coordinates:

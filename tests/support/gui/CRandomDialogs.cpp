@@ -21,7 +21,7 @@ constexpr int kSmallHeight = 40;
 CRandomDialogs::CRandomDialogs(CMonkey& monkey, std::filesystem::path directory)
     : m_Monkey(monkey), m_Directory(std::move(directory)) {
   // A copy, since frames are saved under the names of pictures, too.
-  std::filesystem::copy_file(kPhotograph, m_Directory / "cup.bmp");
+  std::filesystem::copy_file(kSamplePhotograph, m_Directory / "cup.bmp");
   WriteBytes(InDirectory("small.bmp"), BmpFile(SomePicture(kSmallWidth, kSmallHeight)));
   WriteText(m_Directory / "rubbish.bmp", "BM rubbish");
   WriteText(m_Directory / "rubbish.grid", "0 0 1 nan\n0 3\n");

@@ -159,7 +159,7 @@ bool CUser::LoadPicture(const std::filesystem::path& file, int width, int height
   return m_bPicture;
 }
 
-bool CUser::LoadPhotograph() { return LoadPicture(kPhotograph, kPhotographWidth, kPhotographHeight); }
+bool CUser::LoadPhotograph() { return LoadPicture(kSamplePhotograph, kPhotographWidth, kPhotographHeight); }
 
 std::size_t CUser::Times(std::string_view line) const {
   const std::vector<std::string> lines = m_Program.ConsoleLines();
