@@ -31,13 +31,18 @@ diff <(sort <<<"$expected") <(cd "$prefix" && find . -type f -printf '%P\n' | so
 "$prefix/bin/relievo-batch" --version
 "$prefix/bin/relievo-batch" "$prefix/share/relievo/samples/coffee.grid" --iterations 0 --quiet
 
-# What its entry says for a size, an output and an input.
+# What its entry says for a size, an output and an input. The colours of the project are those of its photograph.
 thumbnailer=$(sed -n 's/^Exec=//p' "$prefix/share/thumbnailers/relievo.thumbnailer")
 thumbnailer=${thumbnailer//%s/128}
-thumbnailer=${thumbnailer/\%i/samples\/cat.grid}
 thumbnailer=${thumbnailer/\%o/$prefix\/small.png}
-env -u DISPLAY sh -c "$prefix/bin/$thumbnailer"
-[[ $(identify -format "%m %wx%h" "$prefix/small.png") == "PNG 128x128" ]]
+draw_small() { # model, the fewest colours
+  rm -f "$prefix/small.png"
+  env -u DISPLAY sh -c "$prefix/bin/${thumbnailer/\%i/$1}"
+  [[ $(identify -format "%m %wx%h" "$prefix/small.png") == "PNG 128x128" ]]
+  [[ $(identify -format %k "$prefix/small.png") -ge $2 ]]
+}
+draw_small samples/cat.grid 2
+draw_small tests/packaging/photographed.relievo 1000
 
 export XDG_DATA_HOME=$prefix/home XDG_DATA_DIRS=$prefix/share:/usr/share
 update-mime-database "$prefix/share/mime"

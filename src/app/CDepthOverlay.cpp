@@ -16,12 +16,17 @@ constexpr double kHalf = 0.5;
 bool CDepthOverlay::IsShown() const { return m_Window.Overlays().Shown() == this; }
 
 void CDepthOverlay::Show(bool shown) {
-  if (!shown) return m_Window.Overlays().Hide(*this);
+  if (!shown) {
+    m_pShown.reset();
+    return m_Window.Overlays().Hide(*this);
+  }
   if (m_Grid.Reference().HasMap()) m_Window.Overlays().Show(this);
 }
 
 void CDepthOverlay::Follow() {
   if (!m_Grid.Reference().HasMap()) Show(false);
+  // Or a map that the model has no more would live on.
+  if (!IsShown()) m_pShown.reset();
 }
 
 std::shared_ptr<const COverlay> CDepthOverlay::Update() {

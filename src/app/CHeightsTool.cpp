@@ -40,12 +40,11 @@ void CHeightsTool::Open() {
   CHeightsAlong start;
   if (!IsOpen()) {
     start.m_fFirst = start.m_fLast = m_Grid.LastHeight().value_or(MeanHeight(m_Grid.Surface()));
-    m_Shown = {};
+    m_Shown.reset();
     Fl::add_check(cb_Check, this);
   }
   m_Panel.Open(start);
-  ShowCurve();
-  Plan();
+  Follow();
 }
 
 void CHeightsTool::Closed() {
@@ -66,7 +65,10 @@ const CCntrCtrl* CHeightsTool::Curve() const {
 
 CHeightsTool::CBasis CHeightsTool::Basis() const {
   CBasis basis;
-  if (const CCntrCtrl* curve = Curve()) basis.m_Curve = curve->Id();
+  if (const CCntrCtrl* curve = Curve()) {
+    basis.m_Curve = curve->Id();
+    basis.m_Type = curve->Type();
+  }
   basis.m_Wanted = m_Panel.Wanted();
   basis.m_uEdits = m_Grid.Gate().Edits();
   basis.m_uTree = m_Grid.Surface().Tree().Revision();
@@ -78,25 +80,19 @@ CHeightsTool::CBasis CHeightsTool::Basis() const {
 void CHeightsTool::Follow() {
   const CBasis now = Basis();
   if (now == m_Shown) return;
-  if (now.m_Curve != m_Shown.m_Curve) ShowCurve();
+  const CCntrCtrl* curve = Curve();
+  m_Panel.ShowCurve(curve == nullptr ? "none yet" : Describe(*curve));
+  if (!m_Shown || now.m_Curve != m_Shown->m_Curve || now.m_Type != m_Shown->m_Type)
+    m_Panel.PresetBeside(curve == nullptr ? 0 : DefaultBeside(*curve, m_Grid.Surface()));
   Plan();
 }
 
-void CHeightsTool::ShowCurve() {
-  const CCntrCtrl* curve = Curve();
-  if (curve == nullptr) {
-    m_Panel.ShowCurve("none yet", 0);
-  } else {
-    m_Panel.ShowCurve(Describe(*curve), DefaultBeside(*curve, m_Grid.Surface()));
-  }
-}
-
 void CHeightsTool::Plan() {
-  m_Shown = Basis();
+  const CBasis& shown = m_Shown.emplace(Basis());
   const CCntrCtrl* curve = Curve();
   m_Plan = {};
-  if (curve != nullptr && m_Shown.m_Wanted)
-    m_Plan = PlanHeightsAlong(*curve, *m_Shown.m_Wanted, m_Grid.Surface(), m_Grid.Constraints());
+  if (curve != nullptr && shown.m_Wanted)
+    m_Plan = PlanHeightsAlong(*curve, *shown.m_Wanted, m_Grid.Surface(), m_Grid.Constraints());
   const std::string trouble = m_Panel.Trouble();
   m_Panel.ShowPlan(trouble.empty() ? Counted(m_Plan) : trouble, !m_Plan.m_aHeights.empty());
   CPlacePreview preview;
@@ -111,8 +107,8 @@ void CHeightsTool::Place() {
   m_Grid.PerformPendingWork();
   Plan();
   if (m_Plan.m_aHeights.empty()) return;
-  const bool asked = !m_Shown.m_Wanted->m_bFollow;
-  m_Grid.AddHeightsAlongCurve(m_Plan.m_aHeights, asked ? std::optional(m_Shown.m_Wanted->m_fLast) : std::nullopt);
+  const bool asked = !m_Shown->m_Wanted->m_bFollow;
+  m_Grid.AddHeightsAlongCurve(m_Plan.m_aHeights, asked ? std::optional(m_Shown->m_Wanted->m_fLast) : std::nullopt);
   const std::string placed = std::to_string(m_Plan.m_aHeights.size());
   const std::string leftOut = std::to_string(m_Plan.m_aLeftOut.size());
   m_Window.Tell(m_Plan.m_aLeftOut.empty() ? FormatHelp(HelpText::kHeightsAlong, {placed})

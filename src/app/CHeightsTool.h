@@ -29,6 +29,7 @@ class CHeightsTool : public ToolWindow {
   /// What a plan follows from.
   struct CBasis {
     CurveId m_Curve = CurveId::kNone;
+    CurveType m_Type = CurveType::kNone;
     std::optional<CHeightsAlong> m_Wanted;
     std::uint64_t m_uEdits = 0;
     std::uint64_t m_uTree = 0;
@@ -40,7 +41,6 @@ class CHeightsTool : public ToolWindow {
   const CCntrCtrl* Curve() const;
   CBasis Basis() const;
   void Follow();
-  void ShowCurve();
   void Plan();
   void Place();
   void Closed();
@@ -49,6 +49,6 @@ class CHeightsTool : public ToolWindow {
   CImageViewUI& m_Window;
   CGrid& m_Grid;
   CHeightsPanel m_Panel;
-  CBasis m_Shown;
+  std::optional<CBasis> m_Shown;  ///< nothing while the panel has just opened
   CPlannedHeights m_Plan;
 };

@@ -59,6 +59,9 @@ void CReferenceTool::Closed() {
   Fl::remove_check(cb_Check, this);
   m_Tears.Take();
   m_Overlay.Show(false);
+  // Or a map that has been removed would live on.
+  m_Shown = {};
+  m_ShownFit = {};
   ReportClosed();
 }
 
@@ -88,7 +91,13 @@ void CReferenceTool::LoadReference() {
 
 void CReferenceTool::PictureLoaded() {
   m_Estimate.Cancel();
+  m_Tears.PictureLoaded();
   m_Embedded.PictureLoaded();
+}
+
+void CReferenceTool::GridReplaced() {
+  m_Estimate.Cancel();
+  m_Panel.Refresh(m_Grid);
 }
 
 void CReferenceTool::TakeEmbedded() {

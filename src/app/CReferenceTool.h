@@ -27,9 +27,10 @@ class CReferenceTool : public ToolWindow, private ReferenceCommands {
   bool IsOpen() const override { return m_Panel.visible() != 0; }
   void Open() override;
   void Close() override { m_Panel.hide(); }
-  void GridReplaced() override { m_Panel.Refresh(m_Grid); }
   /// What is estimated belongs to the photograph before.
   void PictureLoaded() override;
+  /// And what is estimated to the model before.
+  void GridReplaced() override;
 
  private:
   void LoadReference() override;

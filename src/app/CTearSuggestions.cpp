@@ -1,13 +1,11 @@
 #include "app/CTearSuggestions.h"
 
 #include <new>
-#include <optional>
 #include <utility>
 #include <vector>
 
 #include "constraints/CCntrCtrlList.h"
 #include "model/CGrid.h"
-#include "scissors/CLinkCosts.h"
 #include "scissors/CTopDownImage.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/seams/CBusyCursor.h"
@@ -28,20 +26,26 @@ CTearProposal Simplified(const CTearProposal& tear, const CLattice& lattice) {
 
 }  // namespace
 
+// They take longer than all the rest, and each move of the slider asks for tears.
+const CLinkCosts* CTearSuggestions::Costs() {
+  const CTextureImages& textures = m_Grid.Relighting().Textures();
+  if (!textures.HasPicture()) return nullptr;
+  if (!m_Costs.has_value()) m_Costs = ComputeLinkCosts(CopyPhotograph(textures));
+  return &*m_Costs;
+}
+
 void CTearSuggestions::Suggest(const CTearWishes& wishes) {
   const CGridReference& reference = m_Grid.Reference();
   if (!reference.HasMap()) return;
   const CExtent& extent = m_Grid.Surface().Lattice().Extent();
-  const CTextureImages& textures = m_Grid.Relighting().Textures();
   try {
     const CBusyCursor busy;
-    std::optional<CLinkCosts> costs;
-    if (textures.HasPicture()) costs = ComputeLinkCosts(CopyPhotograph(textures));
-    std::vector<CTearProposal> tears =
-        SuggestTears(reference.Reading(), wishes, extent, costs.has_value() ? &*costs : nullptr);
+    std::vector<CTearProposal> tears = SuggestTears(reference.Reading(), wishes, extent, Costs());
     for (CTearProposal& tear : tears) tear = Simplified(tear, m_Grid.Surface().Lattice());
     m_Proposals.Set(std::move(tears));
   } catch (const std::bad_alloc&) {
+    Drop();
+    m_Costs.reset();
     return m_Window.Notice("There is not enough memory to look for tears.");
   }
   m_bShown = true;
@@ -67,6 +71,7 @@ void CTearSuggestions::Drop() {
   m_bShown = false;
   m_Window.ImageView().ShowProposals(nullptr);
   m_Proposals.Clear();
+  m_Costs.reset();
   m_pMap.reset();
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "lattice/CLattice.h"
 #include "reference/CTearProposals.h"
+#include "scissors/CLinkCosts.h"
 #include "ui/depth/CTearFields.h"
 
 class CDepthMap;
@@ -20,15 +22,20 @@ class CTearSuggestions {
   void Suggest(const CTearWishes& wishes);
   void Take();
   void Drop();
+  /// Another photograph is on show.
+  void PictureLoaded() { m_Costs.reset(); }
   /// To be called after whatever may have changed the model: tears of a map that it has no more are dropped.
   void Follow();
   CTearFields::CState State() const;
 
  private:
+  const CLinkCosts* Costs();
+
   CImageViewUI& m_Window;
   CGrid& m_Grid;
   CTearProposals m_Proposals;
   bool m_bShown = false;
+  std::optional<CLinkCosts> m_Costs;        ///< of the photograph, while tears are shown
   std::shared_ptr<const CDepthMap> m_pMap;  ///< that they are of
   CExtent m_Extent{};                       ///< of the model that they lie on
 };

@@ -1,7 +1,5 @@
 #include "app/HelpTool.h"
 
-#include <filesystem>
-#include <optional>
 #include <string>
 #include <system_error>
 
@@ -34,32 +32,36 @@ class CKeysTool : public ToolWindow {
   CKeysWindow m_Keys;
 };
 
+}  // namespace
+
+std::unique_ptr<ToolWindow> MakeKeysTool(CImageViewUI& window) { return std::make_unique<CKeysTool>(window); }
+
 // Among the documents installed beside the program; one that was only built lies within its sources.
-std::optional<std::filesystem::path> FindTutorial() {
+std::optional<std::filesystem::path> TutorialOf(const std::filesystem::path& program) {
   std::error_code error;
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
   constexpr int kFoldersUp = 4;
   std::filesystem::path folder = program;
   for (int k = 0; k < kFoldersUp && folder.has_relative_path(); ++k) {
     folder = folder.parent_path();
     for (const char* documents : {"share/doc/relievo/docs", "docs"}) {
-      const std::filesystem::path tutorial = folder / documents / "tutorial.md";
+      std::filesystem::path tutorial = folder / documents / "tutorial.md";
       if (std::filesystem::is_regular_file(tutorial, error)) return tutorial;
     }
   }
   return std::nullopt;
 }
 
-}  // namespace
-
-std::unique_ptr<ToolWindow> MakeKeysTool(CImageViewUI& window) { return std::make_unique<CKeysTool>(window); }
-
-void OpenTutorial(CImageViewUI& window) {
-  const std::optional<std::filesystem::path> tutorial = FindTutorial();
+void OpenTutorial(CImageViewUI& window, const std::filesystem::path& program) {
+  const std::optional<std::filesystem::path> tutorial = TutorialOf(program);
   if (!tutorial.has_value())
     return window.Notice("The tutorial is not installed: it is the file docs/tutorial.md of the program's sources.");
   if (fl_open_uri(UriOf(tutorial->string()).c_str()) != 0) return;
   window.Notice(("The desktop opens no such file. The tutorial is " + tutorial->string()).c_str());
+}
+
+void OpenTutorial(CImageViewUI& window) {
+  std::error_code error;
+  OpenTutorial(window, std::filesystem::read_symlink("/proc/self/exe", error));
 }
 
 std::string AboutText() {

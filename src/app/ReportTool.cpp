@@ -17,6 +17,7 @@
 #include "ui/report/CReportWindow.h"
 #include "ui/report/ReportCommands.h"
 #include "ui/window/CImageViewUI.h"
+#include "ui/window/CMenuOverlay.h"
 
 namespace {
 
@@ -55,6 +56,7 @@ class CReportTool : public ToolWindow, private ReportCommands {
 
   CImageViewUI& m_Window;
   CGrid& m_Grid;
+  CConstraintReporter m_Reporter;
   std::optional<CSeen> m_Seen;
   std::optional<std::uint64_t> m_SettledEdits;  ///< of which the regions know
   CReportWindow m_Report;
@@ -75,14 +77,14 @@ void CReportTool::cb_Look(void* tool) {
   Fl::repeat_timeout(kSecondsBetweenLooks, cb_Look, tool);
 }
 
-// What floats is known once the system has been built again.
 void CReportTool::Look() {
+  if (!MayBeShown(m_Grid)) return;
   const CSeen present{m_Grid.Gate().Edits(), m_Grid.Surface().Revision(), m_Grid.Run().IsRunning()};
   if (m_Seen != present) {
     m_Seen = present;
-    m_Report.ShowReport(ReportOnConstraints(m_Grid));
+    m_Report.ShowReport(m_Reporter.Report(m_Grid));
   }
-  if (m_SettledEdits == present.m_uEdits || m_Grid.Run().HasPending()) return;
+  if (m_SettledEdits == present.m_uEdits) return;
   m_SettledEdits = present.m_uEdits;
   m_Report.ShowRegions(FloatingRegions(FreedomOf(m_Grid)));
 }

@@ -10,6 +10,7 @@
 #include "editing/CSelectedValues.h"
 #include "model/CGrid.h"
 #include "ui/imageview/CImageView.h"
+#include "ui/seams/CValueMessages.h"
 #include "ui/values/CValuesPanel.h"
 #include "ui/values/ValuesCommands.h"
 #include "ui/window/CImageViewUI.h"
@@ -19,7 +20,7 @@ namespace {
 class CValuesTool : public ToolWindow, private ValuesCommands {
  public:
   CValuesTool(CImageViewUI& window, CGrid& grid)
-      : m_Window(window), m_Values(grid), m_Panel(grid, *this, window, [this] {
+      : m_Window(window), m_Grid(grid), m_Values(grid), m_Panel(grid, *this, window, [this] {
           Fl::remove_check(cb_Check, this);
           ReportClosed();
         }) {}
@@ -37,11 +38,13 @@ class CValuesTool : public ToolWindow, private ValuesCommands {
  private:
   void TakeNextHeight(std::function<void()> ended) override;
   void DropNextHeight() override;
+  void ValueChanged() override;
   bool IsChoosing() const override { return m_Window.ImageView().IsChoosing(); }
   bool TakeHeight(const std::optional<CPlanePoint>& place);
   static void cb_Check(void* tool);
 
   CImageViewUI& m_Window;
+  CGrid& m_Grid;
   CSelectedValues m_Values;
   std::function<void()> m_Ended;  ///< to be called once no click is waited for
   CValuesPanel m_Panel;
@@ -65,12 +68,21 @@ void CValuesTool::DropNextHeight() {
   if (const auto ended = std::exchange(m_Ended, nullptr)) ended();
 }
 
+// As the help line follows a drag, so it does a number: what it said before would be wrong.
+void CValuesTool::ValueChanged() {
+  const CPtCstr* selected = m_Grid.Constraints().Points().FirstSelected();
+  if (selected == nullptr) return;
+  const bool height = m_Values.Value(ConstraintValue::Z).has_value();
+  CValueMessages(m_Grid, m_Window, height ? PtCstrKind::kPosition : PtCstrKind::kNormal).SelectionChanged();
+}
+
 bool CValuesTool::TakeHeight(const std::optional<CPlanePoint>& place) {
   if (place.has_value() && !m_Values.TakeHeightOf(place->x, place->y, PickReach())) {
     m_Window.Tell(FormatHelp(HelpText::kNoHeightThere));
     return false;
   }
   m_Window.RestoreHelp();
+  if (place.has_value()) ValueChanged();
   m_Window.RequestRedraw();
   if (const auto ended = std::exchange(m_Ended, nullptr)) ended();
   return true;

@@ -5,7 +5,7 @@
 namespace {
 
 std::ostream*& Sink() {
-  static std::ostream* sink = &std::cout;
+  thread_local std::ostream* sink = &std::cout;
   return sink;
 }
 

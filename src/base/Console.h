@@ -4,8 +4,8 @@
 
 /// The one sink of all progress and error lines of the model.
 ///
-/// Standard output unless a `CConsoleRedirect` is alive. Numbers are written in the stream's default format (six
-/// significant digits).
+/// Standard output unless a `CConsoleRedirect` of the same thread is alive. Numbers are written in the stream's default
+/// format (six significant digits).
 std::ostream& Console();
 
 /// Sends `Console()` to another stream for as long as the object lives; redirects nest.

@@ -13,6 +13,7 @@
 
 #include "batch/CFindings.h"
 #include "model/CGrid.h"
+#include "reference/StraightFit.h"
 #include "report/SurfaceHeights.h"
 
 namespace {
@@ -24,7 +25,8 @@ constexpr const char* kFloating = "floating_regions";
 // What the surface minimises where it follows a depth map.
 double ReferenceEnergy(const CGrid& grid) { return grid.Solver().RestEnergy(HeightsByScan(grid)); }
 
-nlohmann::ordered_json ReferenceOf(const CGridReference& reference) {
+nlohmann::ordered_json ReferenceOf(const CGrid& grid) {
+  const CGridReference& reference = grid.Reference();
   const CReferenceFit& fit = reference.Fitted();
   const CDepthReading& reading = reference.Reading();
   nlohmann::ordered_json json;
@@ -32,8 +34,10 @@ nlohmann::ordered_json ReferenceOf(const CGridReference& reference) {
   json["response"] = fit.m_bBent ? "bent" : "straight";
   json["fitted"] = fit.m_bFitted;
   json["near_is_bright"] = fit.m_bNearIsBright;
-  json["scale"] = fit.Scale(reading);
-  json["offset"] = fit.OffsetAtZero(reading);
+  const CReferenceFit straight = StraightFit(grid.Constraints().Points(), grid.Surface().Lattice().Extent(), reading,
+                                             reference.Value().m_Settings);
+  json["scale"] = straight.Scale(reading);
+  json["offset"] = straight.OffsetAtZero(reading);
   json["heights"] = fit.m_iHeights;
   json["misfit_rms"] = fit.m_fRms;
   json["misfit_worst"] = fit.m_fWorst;
@@ -97,10 +101,11 @@ nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result, c
   report["converged"] = result.m_Stopped == StopReason::Converged;
   report["stopped"] = NameOf(result.m_Stopped);
   report["damaged"] = result.m_bDamaged;
-  if (follows) report["reference"] = ReferenceOf(grid.Reference());
+  if (follows) report["reference"] = ReferenceOf(grid);
   if (result.m_iSuggestedTears > 0) report["suggested_tears"] = result.m_iSuggestedTears;
   report[kInactive] = InactiveConstraints(grid);
   report[kContradictions] = ContradictionsOf(findings);
+  if (!findings.m_Constraints.m_bSearchedAll) report["contradictions_complete"] = false;
   report[kFloating] = FloatingRegionsOf(findings);
   return report;
 }

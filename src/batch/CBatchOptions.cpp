@@ -184,7 +184,7 @@ std::string UnknownFormat(const std::string& filename) {
 // What pictures are made for an export, and of how many samples.
 void AddPictures(CLI::App& app, CExportSettings& settings, CLI::Option& output) {
   AddChoice(app, "--texture", settings.m_Texture, kTextures,
-            "Picture on the surface in .glb, .obj and .ply: photograph (default), albedo, relit or none")
+            "Picture on the surface in .glb, .html, .obj and .ply: photograph (default), albedo, relit or none")
       ->needs(&output);
   const auto readResolution = [&settings](const std::string& text) {
     CSampleGrid grid;
@@ -220,6 +220,7 @@ void AddExports(CLI::App& app, CBatchOptions& options) {
                             ->type_name("FILE")
                             ->check(UnknownFormat)
                             ->expected(1)
+                            ->allow_extra_args(false)
                             ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   AddChoice(app, "--tears", settings.m_Gap, kGaps,
             "What lies between the sides of a tear: open (default), wall or under")

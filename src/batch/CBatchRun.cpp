@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <iostream>
+#include <new>
 #include <optional>
 #include <sstream>
 #include <utility>
@@ -14,6 +15,7 @@
 #include "batch/CFindings.h"
 #include "batch/CProgress.h"
 #include "batch/ExitStatus.h"
+#include "batch/OutputConflict.h"
 #include "formats/DepthMapFile.h"
 #include "formats/JpegFile.h"
 #include "formats/ModelFormats.h"
@@ -80,6 +82,10 @@ void CBatchRun::CurvesRefused(int count) { Complain(RefusedCurvesText(count)); }
 
 int CBatchRun::Run() {
   if (!ReadInputs()) return ExitStatus::kInput;
+  if (const std::string conflict = PhotographConflict(m_Options, m_PhotographFile); !conflict.empty()) {
+    Complain(conflict);
+    return ExitStatus::kUsage;
+  }
   Solve();
   const bool written = WriteOutputs();
   const CFindings findings(m_Grid);
@@ -111,8 +117,14 @@ bool CBatchRun::ReadInputs() {
     return false;
   }
   m_Photograph = std::move(input.m_Photograph);
+  m_PhotographFile = std::move(input.m_PhotographFile);
   if (!input.m_bRead || !ReadReference()) return false;
-  TakeSuggestedTears();
+  try {
+    TakeSuggestedTears();
+  } catch (const std::bad_alloc&) {
+    Complain("There is not enough memory to look for tears.");
+    return false;
+  }
   return true;
 }
 
@@ -125,17 +137,26 @@ bool CBatchRun::ReadReference() {
       Complain(file + " is not a depth map that can be read: " + read.m_Reason + '.');
       return false;
     }
-    if (!read.m_Notice.empty()) Complain(file + ' ' + read.m_Notice + '.');
+    const std::string notice = std::move(read.m_Notice);
     const CPicture& photograph = m_Photograph.m_Picture;
     const CExtent& e = m_Grid.Surface().Lattice().Extent();
     const std::string proportions = photograph.m_aPixels.empty()
                                         ? ProportionsNotice(*read.m_pMap, e.x1 - e.x0, e.y1 - e.y0)
                                         : ProportionsNotice(*read.m_pMap, photograph.m_iWidth, photograph.m_iHeight);
-    if (!proportions.empty()) Complain(file + ' ' + proportions + '.');
+    // One that counts for nothing must not even have the system assembled again.
+    const bool counts = m_Options.m_ReferenceStrength.value_or(m_Grid.Reference().Value().m_Settings.m_fStrength) > 0;
+    if (!counts && m_Options.m_iSuggestedTears == 0 && !m_Grid.Reference().HasMap()) return true;
     edits.Load(std::move(read.m_pMap), std::filesystem::absolute(m_Options.m_Reference).string());
-  }
-  if (m_Grid.Reference().HasMap() && m_Options.m_ReferenceStrength.has_value())
+    if (m_Options.m_ReferenceStrength.has_value()) edits.SetStrength(*m_Options.m_ReferenceStrength);
+    const auto complainOf = [&](const std::string& text) {
+      const bool isUsed = m_Grid.Reference().Value().IsActive() || m_Options.m_iSuggestedTears > 0;
+      if (isUsed && !text.empty()) Complain(file + ' ' + text + '.');
+    };
+    complainOf(notice);
+    complainOf(proportions);
+  } else if (m_Grid.Reference().HasMap() && m_Options.m_ReferenceStrength.has_value()) {
     edits.SetStrength(*m_Options.m_ReferenceStrength);
+  }
   return true;
 }
 
@@ -202,7 +223,13 @@ bool CBatchRun::WriteOutputs() {
     if (!m_Options.m_asOutputs[k].empty()) written = WriteOutput(k) && written;
     EndIfAsked();
   }
+  return WriteExports() && written;
+}
+
+bool CBatchRun::WriteExports() {
+  bool written = true;
   CExportSettings exporting = m_Options.m_Exporting;
+  exporting.m_Name = std::filesystem::path(m_Options.m_Model).stem();
   exporting.m_pPhotograph = &m_Photograph;
   CExportPictures pictures(m_Grid, &m_Photograph);
   exporting.m_pPictures = &pictures;
@@ -213,6 +240,9 @@ bool CBatchRun::WriteOutputs() {
     const CSaveOutcome outcome = ExportSurface(m_Grid, file, exporting);
     progress.End();
     written = IsSaved(outcome) && written;
+    // Of a solver that has given up the user knows.
+    if (outcome && (m_Result.m_Stopped == StopReason::Bound || m_Result.m_Stopped == StopReason::Time))
+      Complain(NotConvergedText(file));
     EndIfAsked();
   }
   return written;

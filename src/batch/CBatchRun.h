@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "batch/BatchReport.h"
 #include "batch/CBatchOptions.h"
@@ -35,6 +36,7 @@ class CBatchRun : private GridHost {
   bool IsAtBound(double seconds);
   void Tick();
   bool WriteOutputs();
+  bool WriteExports();
   bool WriteOutput(std::size_t format);
   void EndIfAsked();
   int StatusOfStop() const;
@@ -43,5 +45,6 @@ class CBatchRun : private GridHost {
   CTerminationSignals& m_Signals;
   CGrid m_Grid;
   CReadPicture m_Photograph;
+  std::string m_PhotographFile;  ///< that a project names; empty for none
   CBatchResult m_Result;
 };

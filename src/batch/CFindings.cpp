@@ -105,6 +105,8 @@ std::vector<std::string> SummariesOf(const CFindings& findings) {
     if (contradictions.size() > kMostNamed) names += ", ...";
     summaries.push_back("Constraints that contradict each other: " + names + ".");
   }
+  if (!findings.m_Constraints.m_bSearchedAll)
+    summaries.emplace_back("The search for contradictions was cut short: constraints lie too close together.");
   if (findings.m_aFloating.empty()) return summaries;
   std::map<std::string, int> missing;
   for (const CFloatingRegion& region : findings.m_aFloating) ++missing[region.m_Missing];

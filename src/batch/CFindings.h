@@ -17,8 +17,10 @@ struct CFindings {
   /// As the system was built last, on the surface as it is.
   explicit CFindings(const CGrid& grid);
 
-  /// Whether nothing is wrong.
-  bool IsEmpty() const { return m_Constraints.m_aContradictions.empty() && m_aFloating.empty(); }
+  /// Whether nothing is wrong, as far as all of it has been looked at.
+  bool IsEmpty() const {
+    return m_Constraints.m_aContradictions.empty() && m_Constraints.m_bSearchedAll && m_aFloating.empty();
+  }
 
   CConstraintReport m_Constraints;
   std::vector<CFloatingRegion> m_aFloating;
@@ -32,5 +34,5 @@ nlohmann::ordered_json FloatingRegionsOf(const CFindings& findings);
 void PrintContradictions(std::ostream& out, const nlohmann::ordered_json& contradictions);
 void PrintFloatingRegions(std::ostream& out, const nlohmann::ordered_json& regions);
 
-/// A sentence for each of the two, where there are any.
+/// A sentence for each of the two, where there are any, and one where not all contradictions may be known.
 std::vector<std::string> SummariesOf(const CFindings& findings);

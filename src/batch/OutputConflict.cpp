@@ -31,6 +31,18 @@ bool IsOneFile(const std::string& a, const std::string& b) {
   return Target(a) == Target(b) || fs::equivalent(a, b, missing);
 }
 
+std::vector<CNamedFile> ExportsOf(const CBatchOptions& options) {
+  std::vector<CNamedFile> exports;
+  for (const std::string& file : options.m_asExports) {
+    exports.push_back({"--export", file});
+    const CExportFormat* format = ExportFormatOf(file);
+    if (format->m_pCompanions == nullptr) continue;
+    for (const std::string& companion : format->m_pCompanions(file, options.m_Exporting))
+      exports.push_back({"a file beside --export " + file, companion});
+  }
+  return exports;
+}
+
 std::vector<CNamedFile> OutputsOf(const CBatchOptions& options) {
   std::vector<CNamedFile> outputs;
   const auto add = [&outputs](const std::string& option, const std::string& path) {
@@ -41,13 +53,8 @@ std::vector<CNamedFile> OutputsOf(const CBatchOptions& options) {
     add(option, options.m_asOutputs[k]);
     add("the picture of " + option, options.PictureOf(k));
   }
-  for (const std::string& file : options.m_asExports) {
-    add("--export", file);
-    const CExportFormat* format = ExportFormatOf(file);
-    if (format->m_pCompanions == nullptr) continue;
-    for (const std::string& companion : format->m_pCompanions(file, options.m_Exporting))
-      add("a file beside --export " + file, companion);
-  }
+  const std::vector<CNamedFile> exports = ExportsOf(options);
+  outputs.insert(outputs.end(), exports.begin(), exports.end());
   return outputs;
 }
 
@@ -69,6 +76,15 @@ std::string OutputConflict(const CBatchOptions& options) {
     if (!options.m_Reference.empty() && IsOneFile(a->m_Path, options.m_Reference))
       return Conflict(*a, {"--reference-depth", options.m_Reference});
     if (a->m_Option != own && IsOneFile(a->m_Path, options.m_Model)) return Conflict(*a, {"MODEL", options.m_Model});
+  }
+  return {};
+}
+
+std::string PhotographConflict(const CBatchOptions& options, const std::string& photograph) {
+  for (const CNamedFile& file : ExportsOf(options)) {
+    std::error_code missing;
+    if (fs::equivalent(file.m_Path, photograph, missing))
+      return Conflict(file, {"the photograph of " + options.m_Model, photograph});
   }
   return {};
 }

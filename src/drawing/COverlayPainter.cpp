@@ -25,8 +25,7 @@ constexpr int kMostTexels = 1024;
 // The value of every vertex of a mesh from those by lattice point, as the heights of the surface are made.
 std::vector<double> ValuesOfVertices(const CQuadTree& tree, const CSurfaceMesh& mesh, std::span<const double> values) {
   // Their third number is the value.
-  std::vector<double> positions;
-  mesh.Place(tree, positions);
+  std::vector<double> positions(3 * mesh.VertexCount());
   mesh.Raise(tree, std::span(positions), values);
   std::vector<double> ofVertices(mesh.VertexCount());
   for (std::size_t v = 0; v < ofVertices.size(); ++v) ofVertices[v] = positions[3 * v + 2];
@@ -93,6 +92,10 @@ void COverlayPainter::MakeTriangles(const CQuadTree& tree, const CPointOrder& or
   for (std::size_t v = 0; v < ofVertices.size(); ++v)
     m_afPlaces[v] = static_cast<float>(std::clamp(m_pOverlay->PlaceOf(ofVertices[v]), 0.0, 1.0));
   const std::span<const std::uint32_t> triangles = mesh.Triangles();
+  if (std::ranges::none_of(ofVertices, [](double value) { return std::isnan(value); })) {
+    m_auTriangles.assign(triangles.begin(), triangles.end());
+    return;
+  }
   for (std::size_t t = 0; t + 2 < triangles.size(); t += 3) {
     const auto corners = triangles.subspan(t, 3);
     if (std::ranges::any_of(corners, [&](std::uint32_t v) { return std::isnan(ofVertices[v]); })) continue;
@@ -166,7 +169,7 @@ void COverlayPainter::DrawTriangles() const {
 }
 
 void COverlayPainter::DrawRaster(const CExtent& extent) {
-  if (m_uTexture == 0 || glIsTexture(m_uTexture) == GL_FALSE) {
+  if (m_uTexture == 0) {
     glGenTextures(1, &m_uTexture);
     m_bTexelsDue = true;
   }

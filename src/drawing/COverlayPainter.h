@@ -27,6 +27,8 @@ class COverlayPainter {
   void Set(std::shared_ptr<const COverlay> overlay, const CQuadTree& tree, const CPointOrder& order);
   /// The overlay that is shown, or null.
   const COverlay* Shown() const { return m_pOverlay.get(); }
+  /// The context is another one than before: what it was given is made anew. Names may mean other textures by now.
+  void ForgetContext() { m_uTexture = 0; }
   /// Into the current context, in model units, over the rectangle `extent`.
   void Draw(const CExtent& extent);
 

@@ -8,6 +8,7 @@
 #include "editing/HistoryHost.h"
 #include "editing/StepNames.h"
 #include "model/CGrid.h"
+#include "reference/CDepthMap.h"
 
 namespace {
 
@@ -59,6 +60,11 @@ void CEditHistory::Clear() {
   m_Steps.Clear();
   m_Series.reset();
   m_bUnsettled = false;
+}
+
+CSharedMemory CStepState::Shared() const {
+  const CDepthMap* map = m_Model.m_Document.m_Sketch.m_Reference.m_pMap.get();
+  return map == nullptr ? CSharedMemory{} : CSharedMemory{map, sizeof(*map) + map->Values().size_bytes()};
 }
 
 bool CEditHistory::CanUndo() const {
@@ -121,6 +127,7 @@ void CEditHistory::Close(bool typed) {
   if (Continues(*step, series)) {
     m_Steps.ForgetRedo();
   } else {
+    m_Steps.SetHeld(after.m_Sketch.m_Reference.m_pMap.get());
     m_Steps.Add(StepName(step->m_First, before.m_Sketch, after.m_Sketch), step->m_Before);
   }
   m_Series = series;
@@ -203,6 +210,7 @@ void CEditHistory::Take(UserStep step) {
                              !(before.m_AddedLights == reached.m_AddedLights) || before.m_Tone != reached.m_Tone,
                          !(before.m_Sketch.m_Extent == reached.m_Sketch.m_Extent),
                          target.ReplacesSurface() ? &*target.m_Surroundings : nullptr};
+  m_Steps.SetHeld(reached.m_Sketch.m_Reference.m_pMap.get());
   if (undo) {
     m_Steps.Undo(std::move(present));
   } else {

@@ -26,6 +26,8 @@ struct CStepState {
   /// Whether it holds a surface; and its memory.
   bool ReplacesSurface() const { return m_Surroundings.has_value(); }
   std::size_t Bytes() const { return sizeof(*this) + BytesOf(m_Model); }
+  /// The depth map.
+  CSharedMemory Shared() const;
 };
 
 /// What a person has done to the document, step by step, and the way back and forward.

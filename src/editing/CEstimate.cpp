@@ -1,12 +1,19 @@
 #include "editing/CEstimate.h"
 
-#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <map>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "editing/CommandWords.h"
 #include "formats/PngBytes.h"
@@ -21,11 +28,44 @@ constexpr const char* kDepth = "{depth}";
 fs::path ImageIn(const fs::path& folder) { return folder / "image.png"; }
 fs::path DepthIn(const fs::path& folder) { return folder / "depth.png"; }
 
-// Empty where none can be made.
+constexpr const char* kFolder = "relievo-estimate-";
+
+// Of the process that has made a folder of that name; nothing where it is none of these.
+std::optional<pid_t> OwnerIn(std::string_view name) {
+  if (!name.starts_with(kFolder)) return {};
+  name.remove_prefix(std::strlen(kFolder));
+  pid_t owner = 0;
+  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), owner);
+  const bool whole = error == std::errc() && owner > 0 && end != name.data() + name.size() && *end == '-';
+  return whole ? std::optional(owner) : std::nullopt;
+}
+
+bool IsLeftOver(const fs::path& folder) {
+  const std::optional<pid_t> owner = OwnerIn(folder.filename().native());
+  struct stat status {};
+  if (!owner.has_value() || lstat(folder.c_str(), &status) != 0) return false;
+  return S_ISDIR(status.st_mode) && status.st_uid == geteuid() && kill(*owner, 0) != 0 && errno == ESRCH;
+}
+
+// Of processes that were killed before they could remove theirs.
+void RemoveLeftOver(const fs::path& temporary) {
+  std::error_code error;
+  std::vector<fs::path> folders;
+  for (fs::directory_iterator entry(temporary, error); !error && entry != fs::directory_iterator();
+       entry.increment(error)) {
+    if (IsLeftOver(entry->path())) folders.push_back(entry->path());
+  }
+  for (const fs::path& folder : folders) fs::remove_all(folder, error);
+}
+
+// Empty where none can be made. The name says whose it is.
 fs::path MakeFolder() {
   std::error_code error;
-  std::string name = fs::temp_directory_path(error) / "relievo-XXXXXX";
-  return error || mkdtemp(name.data()) == nullptr ? fs::path() : fs::path(name);
+  const fs::path temporary = fs::temp_directory_path(error);
+  if (error) return {};
+  RemoveLeftOver(temporary);
+  std::string name = temporary / (kFolder + std::to_string(getpid()) + "-XXXXXX");
+  return mkdtemp(name.data()) == nullptr ? fs::path() : fs::path(name);
 }
 
 // What is wrong with a command line, or nothing.

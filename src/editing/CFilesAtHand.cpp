@@ -1,9 +1,12 @@
 #include "editing/CFilesAtHand.h"
 
 #include <algorithm>
-#include <optional>
+#include <cstddef>
 #include <system_error>
+#include <utility>
 #include <vector>
+
+#include <sys/stat.h>
 
 #include "formats/ProjectFile.h"
 #include "io/CKeepOldFile.h"
@@ -17,6 +20,14 @@ fs::path Target(const std::string& file) {
   std::error_code error;
   const fs::path target = fs::weakly_canonical(file, error);
   return error ? fs::path(file) : target;
+}
+
+// What a name leads to at the moment; zeros for nothing. A new file in the place of another differs from it.
+using CIdentity = std::pair<dev_t, ino_t>;
+
+CIdentity IdentityOf(const std::string& file) {
+  struct stat status {};
+  return stat(file.c_str(), &status) == 0 ? CIdentity{status.st_dev, status.st_ino} : CIdentity{};
 }
 
 }  // namespace
@@ -74,10 +85,18 @@ std::string CFilesAtHand::Proposal(const std::string& suffix) const {
   return another ? file.replace_extension(suffix) : file;
 }
 
-bool CFilesAtHand::Write(const std::string& file, const std::function<bool()>& write) {
-  std::optional<CKeepOldFile> keep;
-  if (!m_Known.contains(Target(file))) keep.emplace(file);
-  const bool written = write();
-  if (written) m_Known.insert(Target(file));
-  return written;
+bool CFilesAtHand::Write(const std::vector<std::string>& files, const std::function<bool()>& write) {
+  std::vector<std::string> strange;
+  std::vector<CIdentity> before;
+  for (const std::string& file : files) {
+    if (m_Known.contains(Target(file))) continue;
+    strange.push_back(file);
+    before.push_back(IdentityOf(file));
+  }
+  const CKeepOldFile keep(strange);
+  if (!write()) return false;
+  for (std::size_t k = 0; k < strange.size(); ++k) {
+    if (IdentityOf(strange[k]) != before[k]) m_Known.insert(Target(strange[k]));
+  }
+  return true;
 }

@@ -4,6 +4,7 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "editing/CLastFolders.h"
 #include "editing/CModelName.h"
@@ -37,9 +38,10 @@ class CFilesAtHand {
   /// Empty without either.
   std::string Proposal(const std::string& suffix) const;
 
-  /// Has `write` write a file and answers as it does. The first time in the run that a file is replaced which is not
-  /// the one a model was read from, the old one is kept as NAME~.
-  bool Write(const std::string& file, const std::function<bool()>& write);
+  /// Has `write` write files, or some of them, and answers as it does. The first time in the run that a file is
+  /// replaced which is not the one a model was read from, the old one is kept as NAME~.
+  bool Write(const std::vector<std::string>& files, const std::function<bool()>& write);
+  bool Write(const std::string& file, const std::function<bool()>& write) { return Write(std::vector{file}, write); }
 
  private:
   void NotePair();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <numbers>
 
 #include "editing/TypedNumber.h"
@@ -75,8 +76,48 @@ CSelectedValues::Selection CSelectedValues::What() const {
   return m_Grid.Constraints().Curves().SelectedNode().m_pNode != nullptr ? Selection::Node : Selection::Nothing;
 }
 
+CSelectedValues::CSubject CSelectedValues::Subject() const {
+  CSubject subject;
+  std::size_t number = 0;
+  for (const CPtCstr& c : m_Grid.Constraints().Points()) {
+    if (&c == Point()) return {Selection::Point, number, CurveId::kNone, {c.m_fX, c.m_fY}};
+    ++number;
+  }
+  const CCntrCtrlList::CHit hit = m_Grid.Constraints().Curves().SelectedNode();
+  if (hit.m_pNode != nullptr)
+    return {Selection::Node,
+            hit.m_pCurve->NumberOf(*hit.m_pNode),
+            hit.m_pCurve->Id(),
+            {hit.m_pNode->m_fX, hit.m_pNode->m_fY}};
+  for (const CCntrCtrl& curve : m_Grid.Constraints().Curves()) {
+    if (curve.HasState(PtCstrState::kSelected)) subject.m_Curve = curve.Id();
+  }
+  return subject;
+}
+
+bool CSelectedValues::IsThere(const CSubject& subject) const {
+  const auto is = [&](const auto& records) {
+    if (subject.m_uNumber >= records.size()) return false;
+    const CPtCstr& c = *std::next(records.begin(), static_cast<std::ptrdiff_t>(subject.m_uNumber));
+    return CPlanePoint{c.m_fX, c.m_fY} == subject.m_Place;
+  };
+  const CConstraints& constraints = m_Grid.Constraints();
+  if (subject.m_What == Selection::Point) return is(constraints.Points());
+  const CCntrCtrl* curve = constraints.Curves().Find(subject.m_Curve);
+  return curve != nullptr && is(curve->Nodes());
+}
+
+void CSelectedValues::Select(const CSubject& subject) {
+  if (subject.m_What == Selection::Point) return m_Grid.PointEdits().SelectNumber(subject.m_uNumber);
+  const CCntrCtrlList& curves = m_Grid.Constraints().Curves();
+  const auto curve = std::ranges::find(curves, subject.m_Curve, &CCntrCtrl::Id);
+  if (curve == curves.end()) return m_Grid.UnselectAll();
+  m_Grid.CurveEdits().SelectNumber(static_cast<std::size_t>(std::distance(curves.begin(), curve)), subject.m_uNumber);
+}
+
 double CSelectedValues::DirectionOf(const CPtCstr& constraint) const {
-  if (constraint.m_fP == 0.0 && constraint.m_fQ == 0.0) return m_pLevel == &constraint ? m_fDirection : 0.0;
+  if (constraint.m_fP == 0.0 && constraint.m_fQ == 0.0)
+    return m_pLevel == &constraint && m_uLevelEdits == m_Grid.Gate().Edits() ? m_fDirection : 0.0;
   const double degrees = std::atan2(constraint.m_fQ, constraint.m_fP) * kDegrees;
   return degrees < 0.0 ? degrees + 360.0 : degrees;
 }
@@ -121,6 +162,16 @@ std::string CSelectedValues::Set(ConstraintValue which, double number) {
   return refusal;
 }
 
+std::string CSelectedValues::SetOf(const CSubject& subject, ConstraintValue which, double number) {
+  const CSubject present = Subject();
+  if (subject == present) return Set(which, number);
+  if (!IsThere(subject)) return {};
+  Select(subject);
+  std::string refusal = Set(which, number);
+  Select(present);
+  return refusal;
+}
+
 // Steps of a direction go round.
 std::string CSelectedValues::StepBy(ConstraintValue which, double steps) {
   const std::optional<double> present = Value(which);
@@ -130,6 +181,13 @@ std::string CSelectedValues::StepBy(ConstraintValue which, double steps) {
 std::string CSelectedValues::Change(ConstraintValue which, double number) {
   const std::optional<double> present = Value(which);
   if (!present.has_value() || *present == number) return {};
+  if (m_uLevelEdits != m_Grid.Gate().Edits()) m_pLevel = nullptr;
+  std::string refusal = ChangeSelected(which, number);
+  m_uLevelEdits = m_Grid.Gate().Edits();
+  return refusal;
+}
+
+std::string CSelectedValues::ChangeSelected(ConstraintValue which, double number) {
   if (which == ConstraintValue::X) return Place(number, *Value(ConstraintValue::Y));
   if (which == ConstraintValue::Y) return Place(*Value(ConstraintValue::X), number);
   if (IsSlope(which)) return SetSlope(which, number);

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "base/CPlanePoint.h"
 #include "constraints/CCntrCtrl.h"
 #include "constraints/CContourAttributes.h"
 
@@ -38,12 +39,24 @@ class CSelectedValues {
  public:
   /// What there may be.
   enum class Selection : std::uint8_t { Nothing, Point, Node };
+  /// What is selected, so that it is found again when something else is: until it is moved, or others before it come or
+  /// go.
+  struct CSubject {
+    Selection m_What = Selection::Nothing;
+    std::size_t m_uNumber = kNone;     ///< of the constraint, or of the node on its curve
+    CurveId m_Curve = CurveId::kNone;  ///< that is selected, with or without a node
+    CPlanePoint m_Place{};
+    bool operator==(const CSubject&) const = default;
+
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  };
 
   /// The grid must outlive the object.
   explicit CSelectedValues(CGrid& grid) : m_Grid(grid) {}
 
   /// What is selected now.
   Selection What() const;
+  CSubject Subject() const;
   /// Nothing where what is selected has no such number.
   std::optional<double> Value(ConstraintValue which) const;
   /// The size that matters for a number: the larger side of the model, 1 for slopes, a degree.
@@ -53,7 +66,9 @@ class CSelectedValues {
   /// Changes it, as one step of its own. Why not, in words that begin as a sentence does, where it cannot be that;
   /// empty where it can, and where what is selected has no such number.
   std::string Set(ConstraintValue which, double number);
-  /// The same by so many steps; one right after another makes one step to the user, as keys in the views do.
+  /// The same for what was selected, whatever is now and stays so; nothing where it is not found any more.
+  std::string SetOf(const CSubject& subject, ConstraintValue which, double number);
+  /// As `Set` by so many steps; one right after another makes one step to the user, as keys in the views do.
   std::string StepBy(ConstraintValue which, double steps);
 
   /// What the selected node's curve has, and giving it others; nothing without a node.
@@ -68,12 +83,18 @@ class CSelectedValues {
  private:
   const CPtCstr* Point() const;
   double DirectionOf(const CPtCstr& constraint) const;
+  bool IsThere(const CSubject& subject) const;
+  void Select(const CSubject& subject);
   std::string Change(ConstraintValue which, double number);
+  std::string ChangeSelected(ConstraintValue which, double number);
   std::string Place(double x, double y);
   std::string SetSlope(ConstraintValue which, double number);
   std::string SetOfCurve(ConstraintValue which, double number);
 
   CGrid& m_Grid;
-  const CPtCstr* m_pLevel = nullptr;  ///< a level constraint, never looked into, for which
-  double m_fDirection = 0.0;          ///< this direction has been chosen
+  // A level constraint, never looked into, the direction that has been chosen for it, and the number of edits up to
+  // which both hold: another record may come to lie where that one was.
+  const CPtCstr* m_pLevel = nullptr;
+  double m_fDirection = 0.0;
+  std::uint64_t m_uLevelEdits = 0;
 };

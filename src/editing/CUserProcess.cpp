@@ -12,11 +12,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "editing/ProcessTree.h"
+
 namespace {
 
 constexpr std::size_t kMostLine = 300;
 // In one go, so that a program that never stops writing does not hold the window.
 constexpr std::size_t kMostRead = std::size_t{1} << 18;
+// Once it has ended: more than a pipe holds, unless an administrator has given it more.
+constexpr std::size_t kMostLeft = std::size_t{1} << 21;
 constexpr int kNotStarted = 127;
 constexpr int kKilledBy = 128;
 
@@ -59,6 +63,8 @@ void SetAllSignals(int how) {
   setpgid(0, 0);
   std::signal(SIGHUP, [](int) { kill(0, SIGKILL); });
   prctl(PR_SET_PDEATHSIG, SIGHUP);
+  // What leaves the group and loses its parent stays below this process, where it is found.
+  prctl(PR_SET_CHILD_SUBREAPER, 1);
   if (getppid() != launch.m_iParent) _exit(kNotStarted);
   dup2(launch.m_iInput, STDIN_FILENO);
   dup2(launch.m_iOutput, STDOUT_FILENO);
@@ -114,16 +120,21 @@ std::optional<int> CUserProcess::Attend() {
   siginfo_t information{};
   const bool ended = waitid(P_PID, static_cast<id_t>(m_iPid), &information, WEXITED | WNOHANG | WNOWAIT) == 0 &&
                      information.si_pid != 0;
-  ReadOutput();
-  if (!ended) return {};
+  if (!ended) {
+    ReadOutput(kMostRead);
+    return {};
+  }
+  // Others of the group would go on writing behind the last line.
+  kill(-m_iPid, SIGKILL);
+  ReadOutput(kMostLeft);
   const int status = information.si_code == CLD_EXITED ? information.si_status : kKilledBy + information.si_status;
   Kill();
   return status;
 }
 
-void CUserProcess::ReadOutput() {
+void CUserProcess::ReadOutput(std::size_t most) {
   std::array<char, 4096> text{};
-  for (std::size_t length = 0; length < kMostRead;) {
+  for (std::size_t length = 0; length < most;) {
     const ssize_t more = read(m_iOutput, text.data(), text.size());
     if (more <= 0) return;
     TakeOutput({text.data(), static_cast<std::size_t>(more)});
@@ -147,6 +158,9 @@ void CUserProcess::TakeOutput(std::string_view text) {
 // The first process is a zombie at least, so that its number is still that of the group.
 void CUserProcess::Kill() {
   if (!IsRunning()) return;
+  // Stopped, it goes on being the parent of those that lose theirs.
+  kill(m_iPid, SIGSTOP);
+  KillDescendants(m_iPid);
   kill(-m_iPid, SIGKILL);
   while (waitpid(m_iPid, nullptr, 0) < 0 && errno == EINTR) continue;
   End();

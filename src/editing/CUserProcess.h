@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,8 +11,10 @@
 /// A program of the user's own, run beside this one without a shell.
 ///
 /// It and all that it starts are a process group, which ends with the object, with the call of `Kill`, and with this
-/// process, however that ends; its first process only when that has ended do the others. It gets no input; output and
-/// errors are read together. All functions belong to one thread, which must live as long as the program runs.
+/// process, however that ends; its first process only when that has ended do the others. Processes that have left the
+/// group end with `Kill` and with the object, but not with a program that ends or a crash of this process. It gets no
+/// input; output and errors are read together. All functions belong to one thread, which must live as long as the
+/// program runs.
 class CUserProcess {
  public:
   CUserProcess() = default;
@@ -32,7 +35,7 @@ class CUserProcess {
   void Kill();
 
  private:
-  void ReadOutput();
+  void ReadOutput(std::size_t most);
   void TakeOutput(std::string_view text);
   void End();
 

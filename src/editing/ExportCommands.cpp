@@ -87,27 +87,28 @@ std::optional<std::string> CGridCommands::ChooseExport(const char* title, const 
 }
 
 void CGridCommands::ExportTo(const std::string& file, const CExportChoice& choice) {
-  for (const std::string& written : FilesOf(file, choice)) {
+  const std::vector<std::string> files = FilesOf(file, choice);
+  for (const std::string& written : files) {
     if (IsPhotograph(written))
       return Tell("The export would overwrite the photograph " + written + ". Choose another name.");
   }
   CSaveOutcome outcome;
-  m_Files.Write(file, [&] {
+  m_Files.Write(files, [&] {
     outcome = m_Services.m_Export.m_ShowProgress("Writing " + fs::path(file).filename().string(),
                                                  [&](ExportProgress& progress) {
                                                    CExportSettings settings = choice.m_Settings;
+                                                   settings.m_Name = fs::path(m_Files.Model().m_File).stem();
                                                    settings.m_pProgress = &progress;
                                                    return ExportSurface(*m_pGrid, file, settings);
                                                  });
     return static_cast<bool>(outcome);
   });
   TellExported(file, outcome);
-  if (outcome && !m_pGrid->Solver().HasConverged())
-    Tell("The solver has not converged yet: " + file + " holds the surface as it is shown.");
 }
 
 void CGridCommands::TellExported(const std::string& file, const CSaveOutcome& outcome) {
-  if (outcome) return m_Host.TellSaved(file);
   if (outcome.m_bCancelled) return m_Host.TellCancelled(file);
-  Tell(outcome.m_Trouble);
+  if (!outcome) return Tell(outcome.m_Trouble);
+  m_Host.TellSaved(file);
+  if (!m_pGrid->Solver().HasConverged()) Tell(NotConvergedText(file));
 }

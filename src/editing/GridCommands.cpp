@@ -205,7 +205,8 @@ void CGridCommands::AskFileAndWrite(const CModelFormat& format, const CWriteSett
 }
 
 void CGridCommands::TellWhatIsNotKept(const std::string& file, const CModelFormat& format) {
-  if (format.m_Operation == Operation::kSaveGrid && m_pGrid->Reference().HasMap()) m_Host.TellNoReference(file);
+  if (format.m_Operation == Operation::kSaveGrid && m_pGrid->Reference().Value().IsActive())
+    m_Host.TellNoReference(file);
 }
 
 std::optional<std::string> CGridCommands::ChooseTarget(const CModelFormat& format) {

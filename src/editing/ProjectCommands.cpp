@@ -38,7 +38,7 @@ void CGridCommands::SaveProjectAs() {
   if (!m_Services.m_SaveProject) return;
   const CCommandPause pause(m_Solver);
   const std::optional<std::string> file = ChooseProject(true);
-  if (file.has_value()) WriteProject(*file);
+  if (file.has_value() && WriteProject(*file)) m_Host.TellSaved(*file);
 }
 
 CSaveOutcome CGridCommands::WriteProject(const std::string& file) {

@@ -1,8 +1,9 @@
 #include "editing/TypedNumber.h"
 
-#include <array>
 #include <charconv>
 #include <cmath>
+
+#include "base/NumberText.h"
 
 std::optional<double> TypedNumber(std::string_view text) {
   constexpr std::string_view kBlanks = " \t";
@@ -17,11 +18,6 @@ std::optional<double> TypedNumber(std::string_view text) {
 }
 
 std::string ShownNumber(double value, double unit) {
-  constexpr double kNoise = 1e-9;
   constexpr int kDigits = 9;
-  constexpr std::size_t kLongest = 32;
-  if (std::abs(value) < kNoise * unit) value = 0.0;
-  std::array<char, kLongest> text{};
-  return {text.data(),
-          std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, kDigits).ptr};
+  return RoundedText(value, kDigits, unit);
 }

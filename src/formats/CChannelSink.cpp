@@ -7,6 +7,7 @@
 
 #include "base/Memory.h"
 #include "formats/Orientation.h"
+#include "formats/SameSample.h"
 
 void CChannelSink::Refuse(PictureTrouble trouble, std::string reason) {
   m_Trouble = trouble;
@@ -19,6 +20,9 @@ bool CChannelSink::Begin(const CRaster& raster) {
   const double bytes = static_cast<double>(sizeof(float)) * raster.m_iWidth * raster.m_iHeight;
   if (raster.m_Colour == SampleColour::Cmyk) {
     Refuse(PictureTrouble::NotOneChannel, "it holds colours; one channel is needed");
+  } else if (raster.m_bConverted) {
+    Refuse(PictureTrouble::Damaged,
+           "its numbers are of a kind that is not read; 8 or 16 bits without a sign, or floats of 32 bits, are");
   } else if (std::max(raster.m_iWidth, raster.m_iHeight) > kMostPictureSide || bytes > kMostPictureBytes) {
     Refuse(PictureTrouble::TooLarge, "its " + size + " are too many: a side may have " +
                                          std::to_string(kMostPictureSide) + ", and all of them 1 GiB");
@@ -36,7 +40,7 @@ void CChannelSink::Append(const void* samples) {
   const std::size_t channels = m_Raster.Channels();
   const std::size_t colours = m_Raster.Colours();
   for (int k = 0; k < m_Raster.m_iWidth; ++k, in += channels) {
-    for (std::size_t c = 1; c < colours; ++c) m_bOneChannel = m_bOneChannel && in[c] == in[0];
+    for (std::size_t c = 1; c < colours; ++c) m_bOneChannel = m_bOneChannel && IsSameSample(in[c], in[0]);
     m_afValues.push_back(static_cast<float>(in[0]));
   }
 }

@@ -54,9 +54,12 @@ CBandParts CTiffBands::Read(std::uint32_t row) {
 tmsize_t CTiffBands::ReadBlock(std::uint32_t column, std::uint32_t row, std::uint16_t plane) {
   TIFF* const tiff = m_File.Handle();
   const auto most = static_cast<tmsize_t>(m_uBlock);
-  if (m_Layout.m_bTiled)
-    return TIFFReadEncodedTile(tiff, TIFFComputeTile(tiff, column, row, 0, plane), m_pBlock.get(), most);
-  return TIFFReadEncodedStrip(tiff, TIFFComputeStrip(tiff, row, plane), m_pBlock.get(), most);
+  const std::uint32_t number =
+      m_Layout.m_bTiled ? TIFFComputeTile(tiff, column, row, 0, plane) : TIFFComputeStrip(tiff, row, plane);
+  // Of one that the file does not list the library would take whatever stands at the beginning of the file.
+  if (TIFFGetStrileByteCount(tiff, number) == 0) return -1;
+  return m_Layout.m_bTiled ? TIFFReadEncodedTile(tiff, number, m_pBlock.get(), most)
+                           : TIFFReadEncodedStrip(tiff, number, m_pBlock.get(), most);
 }
 
 void CTiffBands::Unpack(std::uint32_t column, std::uint16_t plane, std::size_t rows) {

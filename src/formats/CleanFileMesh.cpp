@@ -59,33 +59,109 @@ CPoint DirectionOf(const Vector3& area) {
   return length > 0 ? Written((1.0 / length) * area) : CPoint{0, 0, 1};
 }
 
-// The sum at the last corner of the triangles, which is the same for those of a leaf, is kept at hand.
-void AddAreas(const CFileMesh& mesh, std::size_t begin, std::size_t end, std::vector<Vector3>& sums) {
-  for (std::size_t t = begin; t < end;) {
-    const std::uint32_t last = mesh.m_aTriangles[t][2];
-    Vector3 sum = sums[last];
-    for (; t < end && mesh.m_aTriangles[t][2] == last; ++t) {
-      const CTriangle& triangle = mesh.m_aTriangles[t];
-      const Vector3 area = AreaOf(mesh, triangle);
-      sums[triangle[0]] += area;
-      sums[triangle[1]] += area;
-      sum += area;
-    }
-    sums[last] = sum;
-  }
+void AddArea(const CFileMesh& mesh, const CTriangle& triangle, std::span<Vector3> sums) {
+  const Vector3 area = AreaOf(mesh, triangle);
+  for (const std::uint32_t v : triangle) sums[v] += area;
 }
 
-// Those of the triangles around each vertex, the larger ones counting more. Upwards where there is no triangle.
-void AddSmoothNormals(CFileMesh& mesh, const CExportSteps& steps) {
-  std::vector<Vector3> sums;
-  ReserveLarge(sums, mesh.m_aPositions.size());
-  sums.resize(mesh.m_aPositions.size());
-  const bool goes = steps.ForBlocks(mesh.m_aTriangles.size(),
-                                    [&](std::size_t begin, std::size_t end) { AddAreas(mesh, begin, end, sums); });
-  if (!goes) return;
-  ReserveLarge(mesh.m_aNormals, sums.size());
-  for (const Vector3& sum : sums) mesh.m_aNormals.push_back(DirectionOf(sum));
+// Whether the four triangles from there on go once around what they have in common.
+bool IsSquare(std::span<const CTriangle> fan) {
+  return fan.size() == 4 && fan[0][1] == fan[1][0] && fan[1][1] == fan[2][0] && fan[2][1] == fan[3][0] &&
+         fan[3][1] == fan[0][0];
 }
+
+// The same for those of a leaf: nearly all have four triangles, whose corners then are looked up once. The sum at the
+// centre is whole. Without a loop, so that all of it stays in the processor.
+Vector3 AddSquare(const CFileMesh& mesh, std::span<const CTriangle> fan, std::span<Vector3> sums) {
+  const Vector3 a = At(mesh, fan[0][0]);
+  const Vector3 b = At(mesh, fan[1][0]);
+  const Vector3 c = At(mesh, fan[2][0]);
+  const Vector3 d = At(mesh, fan[3][0]);
+  const Vector3 centre = At(mesh, fan[0][2]);
+  const Vector3 bottom = Cross(b - a, centre - a);
+  const Vector3 right = Cross(c - b, centre - b);
+  const Vector3 top = Cross(d - c, centre - c);
+  const Vector3 left = Cross(a - d, centre - d);
+  // In the order of the triangles.
+  const auto add = [&sums](std::uint32_t v, const Vector3& first, const Vector3& second) {
+    Vector3& sum = sums[v];
+    sum = {sum.x + first.x + second.x, sum.y + first.y + second.y, sum.z + first.z + second.z};
+  };
+  add(fan[0][0], bottom, left);
+  add(fan[1][0], bottom, right);
+  add(fan[2][0], right, top);
+  add(fan[3][0], top, left);
+  return Vector3{} + bottom + right + top + left;
+}
+
+Vector3 AddFan(const CFileMesh& mesh, std::span<const CTriangle> fan, std::span<Vector3> sums) {
+  if (IsSquare(fan)) return AddSquare(mesh, fan, sums);
+  Vector3 whole;
+  for (const CTriangle& triangle : fan) {
+    const Vector3 area = AreaOf(mesh, triangle);
+    sums[triangle[0]] += area;
+    sums[triangle[1]] += area;
+    whole += area;
+  }
+  return whole;
+}
+
+/// Normals at the vertices of a mesh: those of the triangles around each, the larger ones counting more. Upwards where
+/// there is no triangle.
+class CSmoothNormals {
+ public:
+  /// The first triangles are those of `fans`, and the first vertices `corners`, as CCleanMesh has them.
+  CSmoothNormals(CFileMesh& mesh, std::size_t corners, std::size_t fans)
+      : m_Mesh(mesh), m_uCorners(corners), m_uFans(fans) {
+    ReserveLarge(m_aSums, mesh.m_aPositions.size());
+    m_aSums.resize(mesh.m_aPositions.size());
+  }
+
+  /// False, and not all, where `steps` do not go on.
+  bool Add(const CExportSteps& steps) {
+    constexpr double kSummed = 0.8;
+    std::vector<CPoint>& normals = m_Mesh.m_aNormals;
+    ReserveLarge(normals, m_Mesh.m_aPositions.size() + m_Mesh.m_aPositions.size() / 8);
+    normals.resize(m_uCorners);
+    const auto add = [this](std::size_t begin, std::size_t end) { AddTriangles(begin, end); };
+    if (!steps.Part(0, kSummed).ForBlocks(m_Mesh.m_aTriangles.size(), add)) return false;
+    normals.resize(m_Mesh.m_aPositions.size());
+    const auto finish = [&](std::size_t begin, std::size_t end) {
+      for (std::size_t v = begin; v < end; ++v) {
+        if (v < m_uCorners || normals[v] == kNotYet) normals[v] = DirectionOf(m_aSums[v]);
+      }
+    };
+    return steps.Part(kSummed, 1).ForBlocks(normals.size(), finish);
+  }
+
+ private:
+  // A block may end within a fan.
+  void AddTriangles(std::size_t begin, std::size_t end) {
+    const std::span<const CTriangle> triangles = m_Mesh.m_aTriangles;
+    const std::span<Vector3> sums = m_aSums;
+    std::size_t t = std::max(begin, m_uNext);
+    for (; t < std::min(end, m_uFans);) {
+      const std::uint32_t centre = triangles[t][2];
+      std::size_t behind = t + 1;
+      while (behind < m_uFans && triangles[behind][2] == centre) ++behind;
+      const Vector3 whole = AddFan(m_Mesh, triangles.subspan(t, behind - t), sums);
+      m_Mesh.m_aNormals.resize(std::max<std::size_t>(m_Mesh.m_aNormals.size(), centre));
+      m_Mesh.m_aNormals.push_back(DirectionOf(whole));
+      t = behind;
+    }
+    m_uNext = t;
+    for (; t < end; ++t) AddArea(m_Mesh, triangles[t], sums);
+    m_uNext = t;
+  }
+
+  static constexpr CPoint kNotYet{};
+
+  CFileMesh& m_Mesh;
+  std::size_t m_uCorners;
+  std::size_t m_uFans;
+  std::size_t m_uNext = 0;  ///< triangle
+  std::vector<Vector3> m_aSums;
+};
 
 // Each with corners of its own, so that the edge between surface and wall stays sharp.
 void AddWalls(std::span<const std::uint32_t> walls, CFileMesh& mesh) {
@@ -201,19 +277,13 @@ CFileMesh CleanFileMesh(const CGrid& grid, const CCleanMeshOptions& options, con
   CCleanMesh clean = CleanMeshOf(grid, options, steps.Part(0, kCleanShare));
   CFileMesh mesh = EmptyMesh(grid, options);
   if (!steps.Goes(kCleanShare)) return mesh;
-  const std::size_t vertices = clean.VertexCount();
-  ReserveLarge(mesh.m_aPositions, vertices);
-  ReserveLarge(mesh.m_aPicturePlaces, vertices);
-  for (std::size_t v = 0; v < vertices; ++v) {
-    const auto [u, w] = clean.Picture(v);
-    mesh.m_aPositions.push_back(clean.Written(v));
-    mesh.m_aPicturePlaces.push_back({static_cast<float>(u), static_cast<float>(w)});
-  }
+  mesh.m_aPositions = clean.TakeWritten();
+  mesh.m_aPicturePlaces = clean.TakePictures();
   mesh.m_aTriangles = clean.TakeTriangles();
   const std::vector<CTriangle> strips = TrianglesOf(clean.Strips());
   mesh.m_aTriangles.insert(mesh.m_aTriangles.end(), strips.begin(), strips.end());
-  AddSmoothNormals(mesh, steps.Part(kCleanShare, 1));
-  if (!steps.Goes(1)) return mesh;
+  const CExportSteps normals = steps.Part(kCleanShare, 1);
+  if (!CSmoothNormals(mesh, clean.CornerCount(), clean.FanTriangleCount()).Add(normals)) return mesh;
   AddWalls(clean.Walls(), mesh);
   return mesh;
 }
@@ -223,11 +293,11 @@ CFileMesh CleanSolid(const CGrid& grid, const CCleanMeshOptions& options, double
   CCleanMeshOptions closed = options;
   closed.m_Gap = TearGap::Wall;
   closed.m_bOpenEdges = true;
+  closed.m_bPictures = false;
   CCleanMesh clean = CleanMeshOf(grid, closed, steps.Part(0, kCleanShare));
   CFileMesh mesh = EmptyMesh(grid, options);
   if (!steps.Goes(kCleanShare)) return mesh;
-  ReserveLarge(mesh.m_aPositions, clean.VertexCount());
-  for (std::size_t v = 0; v < clean.VertexCount(); ++v) mesh.m_aPositions.push_back(clean.Written(v));
+  mesh.m_aPositions = clean.TakeWritten();
   mesh.m_aTriangles = clean.TakeTriangles();
   const std::size_t surface = mesh.m_aTriangles.size();
   const std::vector<CTriangle> walls = TrianglesOf(clean.Walls());

@@ -11,13 +11,24 @@ namespace {
 
 CExportSteps Steps(const CExportSettings& settings) { return CExportSteps(settings.m_pProgress); }
 
-// Of what is no finite number, nothing is left but what is no number; without a branch for each of millions.
+// Of what is no finite number, nothing is left but what is no number; without a branch for each of millions, and four
+// positions at a time, which the processor takes together.
 bool IsFinite(const CFileMesh& mesh) {
-  std::array<float, 3> sums{};
-  for (const std::array<float, 3>& p : mesh.m_aPositions) {
-    for (std::size_t k = 0; k < p.size(); ++k) sums[k] += 0.0F * p[k];
+  constexpr std::size_t kAtOnce = 4;
+  std::array<std::array<float, 3>, kAtOnce> sums{};
+  const std::size_t count = mesh.m_aPositions.size();
+  const std::size_t whole = count / kAtOnce * kAtOnce;
+  for (std::size_t v = 0; v < whole; v += kAtOnce) {
+    for (std::size_t lane = 0; lane < kAtOnce; ++lane) {
+      for (std::size_t k = 0; k < 3; ++k) sums[lane][k] += 0.0F * mesh.m_aPositions[v + lane][k];
+    }
   }
-  return std::ranges::none_of(sums, [](float sum) { return std::isnan(sum); });
+  for (std::size_t v = whole; v < count; ++v) {
+    for (std::size_t k = 0; k < 3; ++k) sums[0][k] += 0.0F * mesh.m_aPositions[v][k];
+  }
+  return std::ranges::none_of(sums, [](const std::array<float, 3>& lane) {
+    return std::ranges::any_of(lane, [](float sum) { return std::isnan(sum); });
+  });
 }
 
 }  // namespace

@@ -115,11 +115,14 @@ bool PutNumbers(const CFileMesh& mesh, const CExportSteps& steps, const ByteSink
   const auto place = [&mesh](std::size_t v, char* out) {
     return PutRaw(std::array{mesh.m_aPicturePlaces[v][0], 1 - mesh.m_aPicturePlaces[v][1]}, out);
   };
-  const auto triangle = [&mesh](std::size_t t, char* out) { return PutRaw(mesh.m_aTriangles[t], out); };
+  // These are in memory as they are in the file.
+  const auto triangles = [&](std::size_t begin, std::size_t end) {
+    sink({reinterpret_cast<const char*>(mesh.m_aTriangles.data() + begin), (end - begin) * kTriple});
+  };
   return PutRecords(vertices, kTriple, steps.Part(0, 0.2), turned(mesh.m_aPositions), sink) &&
          PutRecords(vertices, kTriple, steps.Part(0.2, 0.4), turned(mesh.m_aNormals), sink) &&
          PutRecords(vertices, kPair, steps.Part(0.4, 0.5), place, sink) &&
-         PutRecords(mesh.m_aTriangles.size(), kTriple, steps.Part(0.5, 0.9), triangle, sink);
+         steps.Part(0.5, 0.9).ForBlocks(mesh.m_aTriangles.size(), triangles);
 }
 
 json Document(const CFileMesh& mesh, const CEncodedPicture& picture, const std::string& name, CChunkLayout& chunk) {

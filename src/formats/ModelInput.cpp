@@ -31,6 +31,7 @@ bool ReadProjectInput(CGrid& grid, const std::string& model, bool photograph, CM
   }
   TellOfRefusedCurves(grid, input);
   const CProjectPicture& picture = read.m_Project->m_Picture;
+  input.m_PhotographFile = picture.m_File;
   if (!photograph || picture.m_pBytes == nullptr) return true;
   input.m_Photograph = PixelsOf(picture);
   if (!input.m_Photograph) input.m_asNotices.push_back("The photograph in " + model + " cannot be read.");

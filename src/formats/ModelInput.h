@@ -12,6 +12,7 @@ struct CModelInput {
   bool m_bRead = false;                  ///< the grid holds the model; nothing but the notices means anything else
   bool m_bDamaged = false;               ///< the model could be read in part only
   CReadPicture m_Photograph;             ///< without pixels for none
+  std::string m_PhotographFile;          ///< where a project had its photograph from; empty for none
   std::vector<std::string> m_asNotices;  ///< what the user is to be told, sentences
 };
 

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "base/Memory.h"
+#include "formats/SameSample.h"
 
 namespace {
 
@@ -62,8 +63,6 @@ float FloatAt(const char* bytes, bool littleEndian) {
   return std::bit_cast<float>(value);
 }
 
-bool IsSame(float a, float b) { return a == b || (std::isnan(a) && std::isnan(b)); }
-
 }  // namespace
 
 bool IsPfm(std::string_view bytes) {
@@ -92,7 +91,7 @@ CReadChannel ReadPfm(std::string_view bytes) {
   for (const char* at = bytes.data(); at != bytes.data() + bytes.size(); at += channels * sizeof(float)) {
     const float value = FloatAt(at, header.m_bLittleEndian);
     for (std::size_t c = 1; c < channels; ++c) {
-      if (!IsSame(value, FloatAt(at + c * sizeof(float), header.m_bLittleEndian)))
+      if (!IsSameSample(value, FloatAt(at + c * sizeof(float), header.m_bLittleEndian)))
         return Refused(PictureTrouble::NotOneChannel, kColoursInsteadOfOne);
     }
     read.m_afValues.push_back(value);

@@ -15,8 +15,9 @@ struct CRaster {
   int m_iHeight = 0;
   SampleColour m_Colour = SampleColour::Rgb;
   SampleAlpha m_Alpha = SampleAlpha::None;
-  int m_iBits = 8;        ///< of a sample: 8, 16, or 32 for a float
-  std::string m_Profile;  ///< bytes of the embedded ICC profile; empty for sRGB
+  int m_iBits = 8;            ///< of a sample: 8, 16, or 32 for a float
+  bool m_bConverted = false;  ///< the file's own samples are of another kind, and these are made to be looked at
+  std::string m_Profile;      ///< bytes of the embedded ICC profile; empty for sRGB
 
   /// Samples of a pixel, but for its opacity.
   std::size_t Colours() const { return m_Colour == SampleColour::Grey ? 1 : m_Colour == SampleColour::Rgb ? 3 : 4; }

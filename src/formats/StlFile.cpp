@@ -1,5 +1,7 @@
 #include "formats/StlFile.h"
 
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -27,12 +29,29 @@ CPoint NormalOf(const CPoint& a, const CPoint& b, const CPoint& c) {
           static_cast<float>(normal.z * scale)};
 }
 
+// With so many digits even the longest of three numbers leave room.
+std::string NumberOf(double value) {
+  constexpr int kDigits = 9;
+  std::array<char, kHeader> text{};
+  char* const end =
+      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, kDigits).ptr;
+  return {text.data(), end};
+}
+
+// It must not begin with "solid", which is the mark of the text form.
+std::string HeaderOf(const CFileMesh& mesh) {
+  std::string header = "relievo middle ";
+  header += NumberOf(mesh.m_afMiddle[0]) + ' ';
+  header += NumberOf(mesh.m_afMiddle[1]) + " scale ";
+  header += NumberOf(mesh.m_fScale);
+  return header;
+}
+
 }  // namespace
 
 bool PutStl(const CFileMesh& mesh, UpAxis up, const ByteSink& sink, const CExportSteps& steps) {
   constexpr std::size_t kTriangle = 12 * sizeof(float) + sizeof(std::uint16_t);
-  // It must not begin with "solid", which is the mark of the text form.
-  std::string head = "relievo";
+  std::string head = HeaderOf(mesh);
   head.resize(kHeader + sizeof(std::uint32_t));
   PutRaw(static_cast<std::uint32_t>(mesh.m_aTriangles.size()), head.data() + kHeader);
   sink(head);

@@ -31,13 +31,17 @@ CSaveOutcome SavePut(const std::string& filename, const CExportSettings& setting
   return SaveExport(std::array{CNewFile{filename, {}, std::move(put)}}, settings);
 }
 
+std::string NameOf(const std::string& filename, const CExportSettings& settings) {
+  return settings.m_Name.empty() ? fs::path(filename).stem().string() : settings.m_Name;
+}
+
 CSaveOutcome WriteGlb(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
   if (const auto refused = Refused(settings.m_Texture, filename, settings)) return *refused;
   const CFileMesh mesh = MeshOf(grid, ExportContent::Surface, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
   const CEncodedPicture& picture = settings.m_pPictures->Encoded(settings.m_Texture, EncodingPicture(settings));
   if (!EncodingPicture(settings).Goes(1)) return Cancelled(filename);
-  const std::optional<std::string> head = GlbHeadOf(mesh, picture, fs::path(filename).stem());
+  const std::optional<std::string> head = GlbHeadOf(mesh, picture, NameOf(filename, settings));
   if (!head.has_value()) return {"The model is too large for the format. The file " + filename + " is not written."};
   return SavePut(filename, settings, [&](const ByteSink& sink) {
     sink(*head);
@@ -61,7 +65,7 @@ CSaveOutcome WriteHtml(const CGrid& grid, const std::string& filename, const CEx
   CEncodedPicture relit;
   if (IsRelitBeside(settings.m_Texture))
     relit = settings.m_pPictures->Encoded(ExportTexture::Relit, EncodingPicture(settings).Part(0.5, 1));
-  const std::string title = fs::path(filename).stem();
+  const std::string title = NameOf(filename, settings);
   std::optional<std::string> glb = GlbOf(mesh, picture, title, EncodingMesh(settings).Part(0, 0.5));
   std::optional<std::string> page;
   if (glb.has_value()) {
@@ -75,11 +79,13 @@ CSaveOutcome WriteHtml(const CGrid& grid, const std::string& filename, const CEx
 }
 #endif
 
-// Other programs take a blank for the end of a name.
+// Other programs take a blank for the end of a name, a break for that of a line, and a dash in front for an option.
 std::string CompanionOf(const std::string& filename, const char* suffix) {
+  const auto ends = [](char c) { return (c >= '\0' && c <= ' ') || c == '\x7F'; };
   fs::path path(filename);
   std::string stem = path.stem();
-  std::ranges::replace(stem, ' ', '_');
+  std::ranges::replace_if(stem, ends, '_');
+  if (stem.starts_with('-')) stem.front() = '_';
   return path.replace_filename(stem + suffix);
 }
 
@@ -128,7 +134,9 @@ CSaveOutcome WriteStl(const CGrid& grid, const std::string& filename, const CExp
                  [&](const ByteSink& sink) { return PutStl(mesh, *settings.m_Up, sink, Writing(settings)); });
 }
 
-bool EndsWith(std::string_view name, std::string_view suffix) {
+// Of the last part of a path; a file whose whole name is a suffix has none.
+bool EndsWith(std::string_view path, std::string_view suffix) {
+  const std::string_view name = path.substr(path.find_last_of('/') + 1);
   const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
   return name.size() > suffix.size() &&
          std::ranges::equal(name.substr(name.size() - suffix.size()), suffix, {}, lower, lower);
@@ -225,11 +233,15 @@ CFileMesh MeshOf(const CGrid& grid, ExportContent content, const CExportSettings
                                          : CleanFileMesh(grid, MeshOptions(settings), steps);
 }
 
+std::string NotConvergedText(const std::string& filename) {
+  return "The solver has not converged yet: " + filename + " holds the surface as it is shown.";
+}
+
 std::span<const CExportFormat> ExportFormats() { return kFormats; }
 
-const CExportFormat* ExportFormatOf(const std::string& filename) {
+const CExportFormat* ExportFormatOf(const std::string& filename, std::span<const CExportFormat> formats) {
   const CExportFormat* found = nullptr;
-  for (const CExportFormat& format : ExportFormats()) {
+  for (const CExportFormat& format : formats) {
     const std::string_view suffix = format.m_pSuffix;
     if (EndsWith(filename, suffix) && (found == nullptr || suffix.size() > std::string_view(found->m_pSuffix).size()))
       found = &format;

@@ -17,6 +17,7 @@ class CGrid;
 
 /// What the user may say of a surface that goes to another program; each format looks at its own part of it.
 struct CExportSettings {
+  std::string m_Name;                           ///< what a file calls the model; empty: as the file without its suffix
   TearGap m_Gap = TearGap::Open;                ///< what lies between the sides of a tear; a solid always has walls
   std::optional<double> m_fUnderWidth;          ///< with TearGap::Under: how far, model units; none: UnderWidthOf
   std::optional<double> m_fScale;               ///< units of the file in a model unit, instead of those of the format
@@ -82,11 +83,15 @@ struct CExportFormat {
 CFileMesh MeshOf(const CGrid& grid, ExportContent content, const CExportSettings& settings,
                  const CExportSteps& steps = {});
 
+/// What the user is told of a file with a surface, or with pictures of one, that the solver has not brought to its end.
+std::string NotConvergedText(const std::string& filename);
+
 /// The formats.
 std::span<const CExportFormat> ExportFormats();
 
-/// That of the longest suffix that fits a file's name, in capitals or not; null for none.
-const CExportFormat* ExportFormatOf(const std::string& filename);
+/// That of the longest suffix that fits the last part of a path, in capitals or not; null for none.
+const CExportFormat* ExportFormatOf(const std::string& filename,
+                                    std::span<const CExportFormat> formats = ExportFormats());
 
 /// Writes the surface as it is. Nothing may be pending in the grid. Old files stay until the new ones are complete, and
 /// of several files all are written or none. Refused, with a word, where a height is not finite. An export that its

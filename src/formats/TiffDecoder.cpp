@@ -169,6 +169,7 @@ Decoding Convert(const CTiffFile& file, const CTiffLayout& layout, std::size_t l
   raster.m_iWidth = static_cast<int>(layout.m_uWidth);
   raster.m_iHeight = static_cast<int>(layout.m_uHeight);
   raster.m_Alpha = SampleAlpha::Premultiplied;
+  raster.m_bConverted = true;
   if (!sink.Begin(raster)) return Decoding::Refused;
   const double bytes = static_cast<double>(raster.Stride()) * raster.m_iHeight;
   if (bytes > std::max(kHarmless, kMostPerFileByte * static_cast<double>(length))) return Decoding::CutShort;
@@ -216,6 +217,9 @@ Decoding DecodeTiff(std::string_view bytes, RasterSink& sink) {
   if (file.Handle() == nullptr) return file.HasEnded() ? Decoding::CutShort : Decoding::Unusable;
   const CTiffLayout layout = LayoutOf(file);
   constexpr std::uint32_t kMostSide = std::numeric_limits<int>::max();
+  // No photograph or map has more; a damaged number of them would have a band of a small picture take a gigabyte.
+  constexpr std::uint16_t kMostSamples = 64;
+  if (layout.m_uSamples > kMostSamples) return Decoding::Unusable;
   if (layout.m_uWidth == 0 || layout.m_uHeight == 0 || layout.m_uSamples == 0 || layout.m_uWidth > kMostSide ||
       layout.m_uHeight > kMostSide)
     return Decoding::Unusable;

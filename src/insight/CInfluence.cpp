@@ -2,13 +2,18 @@
 
 #include <algorithm>
 #include <ostream>
+#include <utility>
 
 #include "base/Console.h"
 
-CInfluence::CInfluence(const CGridSolver& solver, const CHierarchicalBasis& basis, std::span<const double> change)
-    : m_Basis(basis), m_Solver(solver, m_Basis, m_Random, change), m_afX(basis.Size(), 0.0) {
+CInfluence::CInfluence(const CGridSolver& solver, const CHierarchicalBasis& basis, std::span<const double> change,
+                       std::optional<CSettler> settler)
+    : m_Basis(basis),
+      m_Solver(solver, m_Basis, m_Random, change),
+      m_Settler(std::move(settler)),
+      m_afX(basis.Size(), 0.0) {
   // Nothing is asked for that could differ from 0.
-  m_bDone = std::ranges::all_of(change, [](double value) { return value == 0.0; });
+  m_bDone = m_bExact = std::ranges::all_of(change, [](double value) { return value == 0.0; });
 }
 
 bool CInfluence::Continue(int iterations) {
@@ -17,7 +22,9 @@ bool CInfluence::Continue(int iterations) {
   std::ostream nowhere(nullptr);
   const CConsoleRedirect redirect(nowhere);
   const CGridSolver::Outcome outcome = m_Solver.Tick(m_afX, iterations, nullptr);
-  m_bDone = outcome == CGridSolver::Outcome::Converged || outcome == CGridSolver::Outcome::GaveUp;
+  m_bExact = outcome == CGridSolver::Outcome::Converged;
+  m_bDone = m_bExact || outcome == CGridSolver::Outcome::GaveUp;
+  if (m_bDone && m_Settler.has_value()) m_Settler->Settle(m_Basis, m_afX);
   return m_bDone;
 }
 

@@ -49,6 +49,21 @@ void AddSquare(double weight, const Form& form, CSmallMatrix& square) {
   }
 }
 
+CSmallMatrix Identity(std::size_t n) {
+  CSmallMatrix identity(n, n);
+  for (std::size_t k = 0; k < n; ++k) identity.At(k, k) = 1.0;
+  return identity;
+}
+
+// Makes a form the next thing to be made least in what is open, a projection, and takes from that what it decides
+// about: directions of which it makes less than `least` stay open.
+CSmallMatrix Choose(const CSmallMatrix& form, double least, CSmallMatrix& open) {
+  const CSmallMatrix within = Product(open, Product(form, open));
+  CSmallMatrix choose = PseudoInverse(within, least);
+  AddScaled(-1.0, Product(choose, within), open);
+  return choose;
+}
+
 }  // namespace
 
 bool CSettler::IsPrepared(const CQuadTree& tree, const CGridSolver& solver) const {
@@ -68,7 +83,7 @@ void CSettler::Prepare(const CQuadTree& tree, const CPointOrder& order, const CG
   }
   AddSteps(RanksOfPieces(m_Freedom));
   AddSlopes(tree, order);
-  for (CStep& step : m_aSteps) FormMatrices(step);
+  for (CStep& step : m_aSteps) FormOwn(step);
   m_bFollowingStale = true;
   for (std::vector<double>* values : {&m_afHeights, &m_afMoves, &m_afCoefs}) values->assign(order.Count(), 0.0);
 }
@@ -79,8 +94,9 @@ void CSettler::AddSteps(std::span<const std::uint32_t> ranks) {
   for (std::size_t g = 0; g < m_Freedom.Groups().size(); ++g) {
     const std::size_t directions = m_Freedom.Groups()[g].DirectionCount();
     m_aSteps.emplace_back().m_uGroup = g;
+    CStep& step = m_aSteps.back();
     for (std::vector<double>* values :
-         {&m_aSteps.back().m_afGradient, &m_aSteps.back().m_afOfEdges, &m_aSteps.back().m_afStep})
+         {&step.m_afOfSlopes, &step.m_afOfEdges, &step.m_afOfReference, &step.m_afGradient, &step.m_afStep})
       values->assign(directions, 0.0);
   }
   const auto rankOf = [&](const CStep& step) {
@@ -129,41 +145,74 @@ double CSettler::SlopeOf(const CStep& step, std::size_t direction, const CPieces
   return slope.m_bAlongX ? plane.m_fP : plane.m_fQ;
 }
 
-void CSettler::FormMatrices(CStep& step) const {
+CSmallMatrix CSettler::FormOfSlopes(const CStep& step) const {
   const CFreeGroup& group = m_Freedom.Groups()[step.m_uGroup];
-  const std::size_t n = group.DirectionCount();
-  CSmallMatrix level(n, n);
+  CSmallMatrix form(group.DirectionCount(), group.DirectionCount());
   for (const std::uint32_t piece : group.m_auPieces) {
     const CPieces::CPiece& of = m_Freedom.Pieces()[piece];
     const std::size_t k = m_auPlaceInGroup[piece];
     AddSquare(
-        of.m_fAlongX / step.m_fArea, [&](std::size_t d) { return group.PlaneOf(d, k).m_fP; }, level);
+        of.m_fAlongX / step.m_fArea, [&](std::size_t d) { return group.PlaneOf(d, k).m_fP; }, form);
     AddSquare(
-        of.m_fAlongY / step.m_fArea, [&](std::size_t d) { return group.PlaneOf(d, k).m_fQ; }, level);
+        of.m_fAlongY / step.m_fArea, [&](std::size_t d) { return group.PlaneOf(d, k).m_fQ; }, form);
   }
-  step.m_Near = CSmallMatrix(n, n);
+  return form;
+}
+
+CSmallMatrix CSettler::FormOfEdges(const CStep& step) const {
+  CSmallMatrix form(step.m_afStep.size(), step.m_afStep.size());
   const double share = 1.0 / static_cast<double>(std::max<std::size_t>(step.m_aEdges.size(), 1));
   for (const CPieces::CJoint& edge : step.m_aEdges) {
     const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(edge.m_uA);
     AddSquare(
-        share, [&](std::size_t d) { return PlaneOf(step, d, edge.m_uA).At(place); }, step.m_Near);
+        share, [&](std::size_t d) { return PlaneOf(step, d, edge.m_uA).At(place); }, form);
   }
-  const CExtent box = BoxAround(m_Freedom, group);
-  const double diagonal = std::hypot(box.x1 - box.x0, box.y1 - box.y0);
-  step.m_fSteepness = group.m_bFollowsAnyPlane ? kSteepness * diagonal * diagonal : 0.0;
-  step.m_Refine = CSmallMatrix(n, n);
-  if (group.m_bFollowsAnyPlane) {
-    CSmallMatrix both = step.m_Near;
-    AddScaled(step.m_fSteepness, level, both);
-    // Without an edge to go by it stays.
-    step.m_Choose = step.m_aEdges.empty() ? CSmallMatrix(n, n) : PseudoInverse(both, kOpen);
-  } else {
-    step.m_Choose = PseudoInverse(level, kOpen / (diagonal * diagonal));
-    CSmallMatrix open(n, n);
-    for (std::size_t k = 0; k < n; ++k) open.At(k, k) = 1.0;
-    AddScaled(-1.0, Product(step.m_Choose, level), open);
-    step.m_Refine = PseudoInverse(Product(open, Product(step.m_Near, open)), kOpen);
+  return form;
+}
+
+CSmallMatrix CSettler::FormOfReference(const CStep& step, std::size_t& points) const {
+  CSmallMatrix form(step.m_afStep.size(), step.m_afStep.size());
+  for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) {
+    for (const std::uint32_t point : m_Freedom.Pieces().PointsOf(piece)) {
+      if (std::isnan(m_afReference[point])) continue;
+      const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(point);
+      AddSquare(
+          1.0, [&](std::size_t d) { return PlaneOf(step, d, point).At(place); }, form);
+      ++points;
+    }
   }
+  return form;
+}
+
+double CSettler::SquaredDiagonal(const CStep& step) const {
+  const CExtent box = BoxAround(m_Freedom, m_Freedom.Groups()[step.m_uGroup]);
+  return (box.x1 - box.x0) * (box.x1 - box.x0) + (box.y1 - box.y0) * (box.y1 - box.y0);
+}
+
+// Of what can follow any plane, edges and slopes decide together; otherwise slopes come first.
+void CSettler::AddOwnStages(const CStep& step, CSmallMatrix& open, bool anyPlane, std::vector<CStage>& stages) const {
+  const double square = SquaredDiagonal(step);
+  CSmallMatrix slopes = FormOfSlopes(step);
+  CSmallMatrix edges = FormOfEdges(step);
+  if (anyPlane) {
+    AddScaled(kSteepness * square, slopes, edges);
+    CSmallMatrix choose = Choose(edges, kOpen, open);
+    stages.push_back({kSteepness * square, 1.0, 0.0, std::move(edges), std::move(choose)});
+    return;
+  }
+  CSmallMatrix level = Choose(slopes, kOpen / square, open);
+  stages.push_back({1.0, 0.0, 0.0, std::move(slopes), std::move(level)});
+  CSmallMatrix near = Choose(edges, kOpen, open);
+  stages.push_back({0.0, 1.0, 0.0, std::move(edges), std::move(near)});
+}
+
+void CSettler::FormOwn(CStep& step) const {
+  const bool anyPlane = m_Freedom.Groups()[step.m_uGroup].m_bFollowsAnyPlane;
+  step.m_aOwn.clear();
+  // Without an edge to go by it stays.
+  if (anyPlane && step.m_aEdges.empty()) return;
+  CSmallMatrix open = Identity(step.m_afStep.size());
+  AddOwnStages(step, open, anyPlane, step.m_aOwn);
 }
 
 void CSettler::Follow(std::span<const double> values, double offset, double linear, double square) {
@@ -183,31 +232,37 @@ void CSettler::Follow(std::span<const double> values, double offset, double line
   m_bFollowingStale = false;
 }
 
-void CSettler::FormFollowing(CStep& step) const {
-  const CFreeGroup& group = m_Freedom.Groups()[step.m_uGroup];
-  const std::size_t n = group.DirectionCount();
-  CSmallMatrix squares(n, n);
-  std::size_t points = 0;
-  for (const std::uint32_t piece : group.m_auPieces) {
-    for (const std::uint32_t point : m_Freedom.Pieces().PointsOf(piece)) {
-      if (std::isnan(m_afReference[point])) continue;
-      const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(point);
-      AddSquare(
-          1.0, [&](std::size_t d) { return PlaneOf(step, d, point).At(place); }, squares);
-      ++points;
-    }
+void CSettler::FollowInChanges(std::span<const double> values) {
+  Follow(values, 1.0, 0.0, 0.0);
+  for (double& height : m_afReference) {
+    if (!std::isnan(height)) height = 0.0;
   }
-  step.m_Follow = PseudoInverse(squares, kOpen * static_cast<double>(points));
 }
 
-void CSettler::FindStep(CStep& step) const {
+// A region that can follow any plane is held in part by what the reference says of it, if that is all there is.
+void CSettler::FormFollowing(CStep& step) const {
+  std::size_t points = 0;
+  CSmallMatrix squares = FormOfReference(step, points);
+  if (points == 0) {
+    step.m_aFollowing = step.m_aOwn;
+    return;
+  }
+  CSmallMatrix open = Identity(step.m_afStep.size());
+  CSmallMatrix choose = Choose(squares, kOpen * static_cast<double>(points), open);
+  step.m_aFollowing.clear();
+  step.m_aFollowing.push_back({0.0, 0.0, 1.0, std::move(squares), std::move(choose)});
+  const bool anyPlane = m_Freedom.Groups()[step.m_uGroup].m_bFollowsAnyPlane && !step.m_aEdges.empty();
+  AddOwnStages(step, open, anyPlane, step.m_aFollowing);
+}
+
+void CSettler::FindGradients(CStep& step) const {
   const std::size_t n = step.m_afStep.size();
-  std::ranges::fill(step.m_afGradient, 0.0);
+  std::ranges::fill(step.m_afOfSlopes, 0.0);
   std::ranges::fill(step.m_afOfEdges, 0.0);
   for (const CPieces::CSlope& slope : step.m_aSlopes) {
     const double rise = m_afHeights[slope.m_Ends.m_uB] - m_afHeights[slope.m_Ends.m_uA];
     const double weighted = slope.m_fArea / step.m_fArea * rise / slope.m_fLength;
-    for (std::size_t d = 0; d < n; ++d) step.m_afGradient[d] += weighted * SlopeOf(step, d, slope);
+    for (std::size_t d = 0; d < n; ++d) step.m_afOfSlopes[d] += weighted * SlopeOf(step, d, slope);
   }
   const double share = 1.0 / static_cast<double>(std::max<std::size_t>(step.m_aEdges.size(), 1));
   for (const CPieces::CJoint& edge : step.m_aEdges) {
@@ -215,31 +270,32 @@ void CSettler::FindStep(CStep& step) const {
     const double difference = share * (m_afHeights[edge.m_uA] - m_afHeights[edge.m_uB]);
     for (std::size_t d = 0; d < n; ++d) step.m_afOfEdges[d] += difference * PlaneOf(step, d, edge.m_uA).At(place);
   }
-  if (step.m_fSteepness > 0.0) {
-    for (std::size_t d = 0; d < n; ++d)
-      step.m_afGradient[d] = step.m_fSteepness * step.m_afGradient[d] + step.m_afOfEdges[d];
-    step.m_Choose.Times(step.m_afGradient, step.m_afStep);
-    return;
-  }
-  // The step is subtracted, and so is what it does to the edges.
-  step.m_Choose.Times(step.m_afGradient, step.m_afStep);
-  step.m_Near.Times(step.m_afStep, step.m_afGradient);
-  for (std::size_t d = 0; d < n; ++d) step.m_afOfEdges[d] -= step.m_afGradient[d];
-  step.m_Refine.AddTimes(step.m_afOfEdges, step.m_afStep);
 }
 
-void CSettler::FindStepToReference(CStep& step) const {
-  std::ranges::fill(step.m_afGradient, 0.0);
+void CSettler::FindReferenceGradient(CStep& step) const {
+  std::ranges::fill(step.m_afOfReference, 0.0);
   for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) {
     for (const std::uint32_t point : m_Freedom.Pieces().PointsOf(piece)) {
       if (std::isnan(m_afReference[point])) continue;
       const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(point);
       const double difference = m_afHeights[point] - m_afReference[point];
       for (std::size_t d = 0; d < step.m_afStep.size(); ++d)
-        step.m_afGradient[d] += difference * PlaneOf(step, d, point).At(place);
+        step.m_afOfReference[d] += difference * PlaneOf(step, d, point).At(place);
     }
   }
-  step.m_Follow.Times(step.m_afGradient, step.m_afStep);
+}
+
+// The step is subtracted, and so is what those taken before do to what is left of each gradient.
+void CSettler::FindStep(CStep& step, std::span<const CStage> stages) {
+  std::ranges::fill(step.m_afStep, 0.0);
+  for (const CStage& stage : stages) {
+    stage.m_Form.Times(step.m_afStep, step.m_afGradient);
+    for (std::size_t d = 0; d < step.m_afStep.size(); ++d) {
+      step.m_afGradient[d] = stage.m_fSlopes * step.m_afOfSlopes[d] + stage.m_fEdges * step.m_afOfEdges[d] +
+                             stage.m_fReference * step.m_afOfReference[d] - step.m_afGradient[d];
+    }
+    stage.m_Choose.AddTimes(step.m_afGradient, step.m_afStep);
+  }
 }
 
 void CSettler::Take(const CStep& step) {
@@ -261,11 +317,9 @@ void CSettler::Settle(const CHierarchicalBasis& basis, std::span<double> x) {
   std::ranges::fill(m_afMoves, 0.0);
   const bool follows = !m_afReference.empty();
   for (CStep& step : m_aSteps) {
-    if (follows) {
-      FindStepToReference(step);
-    } else {
-      FindStep(step);
-    }
+    FindGradients(step);
+    if (follows) FindReferenceGradient(step);
+    FindStep(step, follows ? step.m_aFollowing : step.m_aOwn);
     const bool finite = std::ranges::all_of(step.m_afStep, [](double value) { return std::isfinite(value); });
     if (finite) Take(step);
   }

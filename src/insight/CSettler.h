@@ -20,8 +20,9 @@ class CHierarchicalBasis;
 /// diagonal of its box; it stays where there is no such edge. Placed are the regions that are settled, or, where none
 /// is, the one with most points; the others follow in the order of the number of tears between, the larger first. A
 /// region that something holds in part takes the plane with the least mean of |grad z|^2; where that leaves its offset
-/// open, the edges choose it, too. With a reference all of them take the plane nearest to that. What curves join is
-/// placed as one.
+/// open, the edges choose it, too. With a reference all of them take the plane nearest to that; where its values leave
+/// directions open, as along a single line of them, what else it would do without decides about these. What curves join
+/// is placed as one.
 class CSettler {
  public:
   /// Finds out what can move in the system that the solver has built last, unless it knows already. Its numbering is
@@ -31,6 +32,9 @@ class CSettler {
   /// point, not a number for none) is offset + linear * v + square * v * v. None where the values are empty or all
   /// heights are 0. To be called after `Prepare`; allocates only where other points have values than before.
   void Follow(std::span<const double> values, double offset, double linear, double square);
+  /// From now on what it moves is the difference of two surfaces that follow the same reference. `values` as for
+  /// `Follow`; empty where they follow none.
+  void FollowInChanges(std::span<const double> values);
   /// Moves the coefficients `x`, which belong to `basis`. Allocates nothing. Those of regions that are settled keep
   /// every bit unless the basis predicts across tears.
   void Settle(const CHierarchicalBasis& basis, std::span<double> x);
@@ -40,33 +44,47 @@ class CSettler {
   const CFreedom& Freedom() const { return m_Freedom; }
 
  private:
+  /// Something that is made least within the directions that the stages before it leave open.
+  struct CStage {
+    double m_fSlopes = 0.0;  ///< how much of each of three forms there is in it
+    double m_fEdges = 0.0;   ///< see CStep
+    double m_fReference = 0.0;
+    CSmallMatrix m_Form{};    ///< what a step makes of it
+    CSmallMatrix m_Choose{};  ///< from half its gradient to the step that is taken against it
+  };
   /// One group of pieces that is placed, after those it refers to. Matrices are over its directions.
   struct CStep {
     std::size_t m_uGroup = 0;
     std::vector<CPieces::CJoint> m_aEdges;  ///< from the group to what is placed before it
     std::vector<CPieces::CSlope> m_aSlopes;
     double m_fArea = 0.0;
-    double m_fSteepness = 0.0;  ///< factor of the mean of |grad z|^2; 0 where that is minimised first
-    CSmallMatrix m_Near;        ///< what a step makes of the mean squared difference across the edges
-    // From half the gradient of what is minimised to the step that is taken against it:
-    CSmallMatrix m_Choose;  ///< of edges and slopes together or, where slopes come first, of slopes...
-    CSmallMatrix m_Refine;  ///< ...and then of edges, within what slopes leave open
-    CSmallMatrix m_Follow;  ///< of the squared distance from the reference
-    // Work space of a tick.
-    std::vector<double> m_afGradient;
+    std::vector<CStage> m_aOwn;        ///< how its place is chosen...
+    std::vector<CStage> m_aFollowing;  ///< ...and how with a reference
+    // Work space of a tick: half the gradients of the mean squared slope, of the mean squared difference across the
+    // edges and of the squared distance from the reference, where the step begins, and the step to be taken against
+    // them.
+    std::vector<double> m_afOfSlopes;
     std::vector<double> m_afOfEdges;
+    std::vector<double> m_afOfReference;
+    std::vector<double> m_afGradient;
     std::vector<double> m_afStep;
   };
 
   bool IsPrepared(const CQuadTree& tree, const CGridSolver& solver) const;
   void AddSteps(std::span<const std::uint32_t> ranks);
   void AddSlopes(const CQuadTree& tree, const CPointOrder& order);
-  void FormMatrices(CStep& step) const;
+  CSmallMatrix FormOfSlopes(const CStep& step) const;
+  CSmallMatrix FormOfEdges(const CStep& step) const;
+  CSmallMatrix FormOfReference(const CStep& step, std::size_t& points) const;
+  double SquaredDiagonal(const CStep& step) const;
+  void AddOwnStages(const CStep& step, CSmallMatrix& open, bool anyPlane, std::vector<CStage>& stages) const;
+  void FormOwn(CStep& step) const;
   void FormFollowing(CStep& step) const;
   const CPlane& PlaneOf(const CStep& step, std::size_t direction, std::uint32_t point) const;
   double SlopeOf(const CStep& step, std::size_t direction, const CPieces::CSlope& slope) const;
-  void FindStep(CStep& step) const;
-  void FindStepToReference(CStep& step) const;
+  void FindGradients(CStep& step) const;
+  void FindReferenceGradient(CStep& step) const;
+  static void FindStep(CStep& step, std::span<const CStage> stages);
   void Take(const CStep& step);
 
   CFreedom m_Freedom;

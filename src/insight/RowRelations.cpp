@@ -17,9 +17,6 @@ constexpr double kVanishes = 1e-8;
 constexpr double kSuspicious = 1e-4;
 // Rows with less than this share of the largest factor have no say in a relation.
 constexpr double kNamed = 0.01;
-// Some tenths of a second.
-constexpr std::size_t kMostProducts = 100'000'000;
-
 constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
 // From a row as the solver has it to heights.
@@ -48,9 +45,9 @@ class CQueue {
 
 class CElimination {
  public:
-  explicit CElimination(const CConstraintRows& rows);
+  CElimination(const CConstraintRows& rows, std::size_t mostProducts);
 
-  std::vector<CRowRelation> Run();
+  CRowRelations Run();
 
  private:
   // A row without what those before it make up of it.
@@ -61,14 +58,11 @@ class CElimination {
     double m_fPivot = 0.0;
   };
 
-  void Load(std::uint32_t row);
   void Reduce(std::uint32_t row);
   void AddTo(std::uint32_t column, double value, CQueue<std::greater<>>& open);
-  CEntries CombinationOf(std::uint32_t row);
-  bool Vanishes(const CEntries& factors);
-  CRowRelation RelationOf(const CEntries& factors) const;
+  CRowRelation CombinationOf(std::uint32_t row);
+  bool LooksDependent(std::uint32_t row) const;
   void KeepPivot(std::uint32_t row);
-  double LargestLeft() const;
 
   const CConstraintRows& m_Rows;
   std::vector<CReduced> m_aReduced;        ///< by row
@@ -77,10 +71,11 @@ class CElimination {
   std::vector<std::uint32_t> m_auTouched;  ///< columns with something in the work
   std::vector<double> m_afFactors;         ///< by row; 0 between two combinations
   std::size_t m_uProducts = 0;
+  std::size_t m_uMostProducts;
 };
 
-CElimination::CElimination(const CConstraintRows& rows)
-    : m_Rows(rows), m_aReduced(rows.Count()), m_afFactors(rows.Count(), 0.0) {
+CElimination::CElimination(const CConstraintRows& rows, std::size_t mostProducts)
+    : m_Rows(rows), m_aReduced(rows.Count()), m_afFactors(rows.Count(), 0.0), m_uMostProducts(mostProducts) {
   std::uint32_t columns = 0;
   for (std::size_t j = 0; j < rows.Count(); ++j) {
     for (const std::uint32_t column : rows.Rows().Columns(j)) columns = std::max(columns, column + 1);
@@ -114,10 +109,12 @@ void CElimination::Reduce(std::uint32_t row) {
   }
 }
 
-double CElimination::LargestLeft() const {
-  double largest = 0.0;
-  for (const std::uint32_t column : m_auTouched) largest = std::max(largest, std::abs(m_afWork[column]));
-  return largest;
+bool CElimination::LooksDependent(std::uint32_t row) const {
+  double entry = 0.0;
+  for (const double value : m_Rows.Rows().Values(row)) entry = std::max(entry, std::abs(UnitOf(m_Rows, row) * value));
+  double left = 0.0;
+  for (const std::uint32_t column : m_auTouched) left = std::max(left, std::abs(m_afWork[column]));
+  return left <= kSuspicious * entry;
 }
 
 void CElimination::KeepPivot(std::uint32_t row) {
@@ -135,81 +132,90 @@ void CElimination::KeepPivot(std::uint32_t row) {
 }
 
 // The row as it is, and with what factors those before it, as they are, make it up: in a combination that is next to 0.
-CEntries CElimination::CombinationOf(std::uint32_t row) {
+CRowRelation CElimination::CombinationOf(std::uint32_t row) {
   CQueue<std::less<>> open;
   m_afFactors[row] = 1.0;
   open.Push(row);
-  CEntries factors;
+  CRowRelation relation;
   for (std::uint32_t of = 0; open.Pop(of);) {
     const double weight = std::exchange(m_afFactors[of], 0.0);
-    factors.emplace_back(of, weight);
+    if (weight == 0.0) continue;
+    relation.m_aFactors.emplace_back(of, weight);
     for (const auto& [earlier, factor] : m_aReduced[of].m_aEarlier) {
       if (m_afFactors[earlier] == 0.0) open.Push(earlier);
       m_afFactors[earlier] -= weight * factor;
     }
     m_uProducts += m_aReduced[of].m_aEarlier.size();
   }
-  std::ranges::sort(factors);
+  std::ranges::sort(relation.m_aFactors);
   double largest = 0.0;
-  for (const auto& [of, factor] : factors) largest = std::max(largest, std::abs(factor));
-  for (auto& [of, factor] : factors) factor /= largest;
-  return factors;
-}
-
-bool CElimination::Vanishes(const CEntries& factors) {
-  double largest = 0.0;
-  std::vector<std::uint32_t> columns;
-  for (const auto& [row, factor] : factors) {
-    const std::span<const double> values = m_Rows.Rows().Values(row);
-    for (std::size_t e = 0; e < values.size(); ++e) {
-      const double value = UnitOf(m_Rows, row) * values[e];
-      columns.push_back(m_Rows.Rows().Columns(row)[e]);
-      m_afWork[columns.back()] += factor * value;
-      largest = std::max(largest, std::abs(value));
-    }
-  }
-  double left = 0.0;
-  for (const std::uint32_t column : columns) left = std::max(left, std::abs(std::exchange(m_afWork[column], 0.0)));
-  return left <= kVanishes * largest;
-}
-
-CRowRelation CElimination::RelationOf(const CEntries& factors) const {
-  CRowRelation relation;
-  for (const auto& [row, factor] : factors) {
-    relation.m_fGap += factor * UnitOf(m_Rows, row) * m_Rows.Targets()[row];
-    if (!(std::abs(factor) > kNamed)) continue;
-    relation.m_auRows.push_back(row);
-    relation.m_afFactors.push_back(factor);
-  }
+  for (const auto& [of, factor] : relation.m_aFactors) largest = std::max(largest, std::abs(factor));
+  for (auto& [of, factor] : relation.m_aFactors) factor /= largest;
   return relation;
 }
 
-std::vector<CRowRelation> CElimination::Run() {
-  std::vector<CRowRelation> relations;
-  for (std::uint32_t row = 0; row < m_Rows.Count() && m_uProducts < kMostProducts; ++row) {
-    double entry = 0.0;
-    for (const double value : m_Rows.Rows().Values(row)) entry = std::max(entry, std::abs(UnitOf(m_Rows, row) * value));
+CRowRelations CElimination::Run() {
+  CRowRelations found;
+  for (std::uint32_t row = 0; row < m_Rows.Count(); ++row) {
+    if (m_uProducts >= m_uMostProducts) {
+      found.m_bWhole = false;
+      break;
+    }
     Reduce(row);
-    // The work holds what is left of the row; a combination is looked at in the same place.
-    CEntries left;
-    if (LargestLeft() <= kSuspicious * entry) {
-      for (const std::uint32_t column : m_auTouched) left.emplace_back(column, std::exchange(m_afWork[column], 0.0));
-      const CEntries factors = CombinationOf(row);
-      if (Vanishes(factors)) {
-        relations.push_back(RelationOf(factors));
-        left.clear();
+    if (LooksDependent(row)) {
+      CRowRelation relation = CombinationOf(row);
+      if (relation.Vanishes(m_Rows)) {
+        found.m_aRelations.push_back(std::move(relation));
+        // What rounding has left of it must take nothing out of other rows.
+        for (const std::uint32_t column : m_auTouched) m_afWork[column] = 0.0;
       }
-      for (const auto& [column, value] : left) m_afWork[column] += value;
     }
     KeepPivot(row);
     m_auTouched.clear();
   }
-  return relations;
+  return found;
 }
 
 }  // namespace
 
-std::vector<CRowRelation> FindRowRelations(const CConstraintRows& rows) { return CElimination(rows).Run(); }
+std::vector<std::uint32_t> CRowRelation::NamedRows() const {
+  std::vector<std::uint32_t> named;
+  for (const auto& [row, factor] : m_aFactors) {
+    if (std::abs(factor) > kNamed) named.push_back(row);
+  }
+  return named;
+}
+
+double CRowRelation::GapOf(const CConstraintRows& rows) const {
+  double gap = 0.0;
+  for (const auto& [row, factor] : m_aFactors) gap += factor * UnitOf(rows, row) * rows.Targets()[row];
+  return gap;
+}
+
+bool CRowRelation::Vanishes(const CConstraintRows& rows) const {
+  double largest = 0.0;
+  CEntries entries;
+  for (const auto& [row, factor] : m_aFactors) {
+    const std::span<const double> values = rows.Rows().Values(row);
+    for (std::size_t e = 0; e < values.size(); ++e) {
+      const double value = UnitOf(rows, row) * values[e];
+      entries.emplace_back(rows.Rows().Columns(row)[e], factor * value);
+      largest = std::max(largest, std::abs(value));
+    }
+  }
+  std::ranges::sort(entries, {}, &CEntry::first);
+  for (std::size_t e = 0; e < entries.size();) {
+    const std::uint32_t column = entries[e].first;
+    double sum = 0.0;
+    for (; e < entries.size() && entries[e].first == column; ++e) sum += entries[e].second;
+    if (!(std::abs(sum) <= kVanishes * largest)) return false;
+  }
+  return true;
+}
+
+CRowRelations FindRowRelations(const CConstraintRows& rows, std::size_t mostProducts) {
+  return CElimination(rows, mostProducts).Run();
+}
 
 double MissedHeight(const CConstraintRows& rows, std::size_t j, double value) {
   return UnitOf(rows, j) * (value - rows.Targets()[j]);

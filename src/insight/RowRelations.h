@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 class CConstraintRows;
@@ -10,21 +11,35 @@ class CConstraintRows;
 ///
 /// Rows count in heights: those of slopes as the difference of heights across their cell.
 struct CRowRelation {
-  /// Rows with their factors, of which the largest has magnitude 1; by row number. Those below 1e-2 are left out.
-  std::vector<std::uint32_t> m_auRows;
-  std::vector<double> m_afFactors;
+  /// By row number, ascending; the largest factor has magnitude 1.
+  std::vector<std::pair<std::uint32_t, double>> m_aFactors;
+
+  /// The rows that have a say in it: those whose factor is above 0.01.
+  std::vector<std::uint32_t> NamedRows() const;
   /// What the same combination makes of their targets, model units: 0 unless they contradict each other.
-  double m_fGap = 0.0;
+  double GapOf(const CConstraintRows& rows) const;
+  /// Whether it is 0 indeed: no entry is above 1e-8 of the largest entry in its rows, as stencils are exact to some
+  /// 1e-10.
+  bool Vanishes(const CConstraintRows& rows) const;
 };
 
-/// All relations between rows, one for each row that the rows before it make up, with that row as the last. A
-/// combination counts as 0 when no entry is above 1e-8 of the largest entry in the rows, as stencils are exact to some
-/// 1e-10.
+/// What a search for relations has found.
+struct CRowRelations {
+  /// One for each row that the rows before it make up, with that row as the last, which is in no other.
+  std::vector<CRowRelation> m_aRelations;
+  /// False where the search was cut short, so that there may be more.
+  bool m_bWhole = true;
+};
+
+/// As many as take seconds at most, where rows share most of their points.
+inline constexpr std::size_t kMostRelationProducts = 100'000'000;
+
+/// All relations between rows.
 ///
 /// Rows are eliminated one after the other, each by those before it that share points with it, with the largest entry
-/// as the pivot. Where thousands lie so close together that this would take longer than some tenths of a second,
-/// relations of the last are not found.
-std::vector<CRowRelation> FindRowRelations(const CConstraintRows& rows);
+/// as the pivot. Where thousands lie so close together that this would take more than `mostProducts` products, the last
+/// rows are not looked at.
+CRowRelations FindRowRelations(const CConstraintRows& rows, std::size_t mostProducts = kMostRelationProducts);
 
 /// What row `j` asks for and what `value`, the row's product with the surface, has of it, as a height that is missed:
 /// for a slope that across its cell. Model units, positive where the surface is above or steeper.

@@ -1,11 +1,22 @@
 #include "io/CSketchReader.h"
 
+#include <cstdint>
 #include <istream>
 
 #include "base/Console.h"
+#include "constraints/CPtCstr.h"
 #include "constraints/PtCstrText.h"
 #include "io/LoadLog.h"
 #include "io/TextNumbers.h"
+
+namespace {
+
+bool IsKnownKind(std::uint32_t kind) {
+  constexpr std::uint32_t kWanted = PtCstrKind::kPosition | PtCstrKind::kNormal;
+  return (kind & kWanted) != 0 && (kind & ~(kWanted | PtCstrKind::kDisabled)) == 0;
+}
+
+}  // namespace
 
 CSketchReader::CSketchReader(std::istream& in) : m_In(in) {
   m_Sketch.m_iBaseLevel = kStartLevel;
@@ -67,6 +78,9 @@ bool CSketchReader::ReadPoint() {
   if (!m_In) return false;
   if (IsRefused(m_In, "point constraint")) {
     m_bDamaged = true;
+  } else if (!IsKnownKind(record.m_uKind)) {
+    m_bDamaged = true;
+    LoadLog() << "A point constraint of an unknown kind is left out\n";
   } else {
     m_Sketch.m_Points.Add(record);
   }

@@ -16,8 +16,9 @@ class CTexelMap;
 /// its block has, or will have. Copy and normals are kept for the next answer.
 class CKdPreview {
  public:
-  /// Pictures with more texels than the one have a preview, which has at most as many as the other.
-  static constexpr double kLargePicture = 1 << 20;
+  /// Pictures with more texels than the one have a preview, which has at most as many as the other. What a pass over
+  /// fewer takes is over before the next movement of the hand, which would have it begin again.
+  static constexpr double kLargePicture = 1 << 18;
   static constexpr double kMostTexels = 1 << 19;
   static bool IsWorthWhile(const CTextureImages& images);
 

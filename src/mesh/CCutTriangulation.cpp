@@ -16,27 +16,32 @@ void CCutTriangulation::AddTriangle(const std::array<std::uint32_t, 3>& vertices
 }
 
 // Each side waits at the lower of its ends for the other triangle that has it: no more than a few wait at one vertex.
-void CCutTriangulation::Link() {
+bool CCutTriangulation::Link(const CExportSteps& steps) {
   std::vector<std::uint32_t> first(m_aPlaces.size(), kNone);
   std::vector<std::uint32_t> next(3 * m_aTriangles.size());
-  for (std::uint32_t slot = 0; slot < next.size(); ++slot) {
-    const CCorner side{slot / 3, slot % 3};
-    const auto [low, high] = std::minmax({Vertex(side, 0), Vertex(side, 1)});
-    std::uint32_t* waiting = &first[low];
-    while (*waiting != kNone) {
-      const CCorner other{*waiting / 3, *waiting % 3};
-      if (std::max(Vertex(other, 0), Vertex(other, 1)) == high) break;
-      waiting = &next[*waiting];
-    }
-    if (*waiting == kNone) {
-      next[slot] = std::exchange(first[low], slot);
-      continue;
-    }
+  return steps.ForBlocks(next.size(), [&](std::size_t begin, std::size_t end) {
+    for (auto slot = static_cast<std::uint32_t>(begin); slot < end; ++slot) LinkSide(slot, first, next);
+  });
+}
+
+void CCutTriangulation::LinkSide(std::uint32_t slot, std::vector<std::uint32_t>& first,
+                                 std::vector<std::uint32_t>& next) {
+  const CCorner side{slot / 3, slot % 3};
+  const auto [low, high] = std::minmax({Vertex(side, 0), Vertex(side, 1)});
+  std::uint32_t* waiting = &first[low];
+  while (*waiting != kNone) {
     const CCorner other{*waiting / 3, *waiting % 3};
-    m_aTriangles[side.m_uTriangle].m_auNeighbours[side.m_uPlace] = other.m_uTriangle;
-    m_aTriangles[other.m_uTriangle].m_auNeighbours[other.m_uPlace] = side.m_uTriangle;
-    *waiting = next[*waiting];
+    if (std::max(Vertex(other, 0), Vertex(other, 1)) == high) break;
+    waiting = &next[*waiting];
   }
+  if (*waiting == kNone) {
+    next[slot] = std::exchange(first[low], slot);
+    return;
+  }
+  const CCorner other{*waiting / 3, *waiting % 3};
+  m_aTriangles[side.m_uTriangle].m_auNeighbours[side.m_uPlace] = other.m_uTriangle;
+  m_aTriangles[other.m_uTriangle].m_auNeighbours[other.m_uPlace] = side.m_uTriangle;
+  *waiting = next[*waiting];
 }
 
 std::uint32_t CCutTriangulation::SideInNeighbour(std::uint32_t t, std::uint32_t k) const {

@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "base/ExportProgress.h"
 #include "mesh/CMeshPlane.h"
 
 /// Triangles of the plane, counter-clockwise, in which every side is shared by two or lies on the rim; any side may be
@@ -37,8 +38,8 @@ class CCutTriangulation {
   std::uint32_t AddVertex(const CMeshPlace& place);
   /// Adds a triangle with positive area.
   void AddTriangle(const std::array<std::uint32_t, 3>& vertices, std::uint32_t origin);
-  /// Finds who is whose neighbour.
-  void Link();
+  /// Finds who is whose neighbour. False, and not all, where `steps` do not go on.
+  bool Link(const CExportSteps& steps = {});
 
   /// What there is.
   std::size_t VertexCount() const { return m_aPlaces.size(); }
@@ -78,6 +79,7 @@ class CCutTriangulation {
   bool Cut(std::uint32_t from, std::uint32_t to);
 
  private:
+  void LinkSide(std::uint32_t slot, std::vector<std::uint32_t>& first, std::vector<std::uint32_t>& next);
   bool HasArea(std::uint32_t a, std::uint32_t b, const CMeshPlace& c) const {
     return Turn(m_aPlaces[a], m_aPlaces[b], c) > 0;
   }

@@ -22,7 +22,8 @@ bool Cross(const CMeshPlace& a, const CMeshPlace& b, const CMeshPlace& c, const 
 bool CEndLeader::LeadAll(const CExportSteps& steps) {
   for (auto before = static_cast<std::size_t>(-1);;) {
     if (!steps.Goes(0)) return false;
-    const std::vector<CLine> parted = PartedEdges();
+    const std::vector<CLine> parted = PartedEdges(steps.Part(0, 0));
+    if (!steps.Goes(0)) return false;
     if (parted.empty() || parted.size() >= before) break;
     before = parted.size();
     FindLines();
@@ -38,7 +39,7 @@ bool CEndLeader::LeadAll(const CExportSteps& steps) {
 
 // Leaf edges that are cut, as the triangles on both sides of them lie in a tear, but still whole. Most tears leave
 // none, and which heights are known is then of no interest.
-std::vector<CEndLeader::CLine> CEndLeader::PartedEdges() const {
+std::vector<CEndLeader::CLine> CEndLeader::PartedEdges(const CExportSteps& steps) const {
   const CCutTriangulation& triangles = m_Patch.Triangles();
   std::vector<CCutTriangulation::CCorner> whole;
   for (std::uint32_t t = 0; t < triangles.Triangles().size(); ++t) {
@@ -54,7 +55,8 @@ std::vector<CEndLeader::CLine> CEndLeader::PartedEdges() const {
   }
   std::vector<CLine> parted;
   if (whole.empty()) return parted;
-  const CTearSides sides(m_Patch);
+  const CTearSides sides(m_Patch, steps);
+  if (!steps.Goes(1)) return parted;
   for (const CCutTriangulation::CCorner& side : whole) {
     const auto& [t, k] = side;
     if (sides.IsKnown(sides.CopyOf(t, k)) && sides.IsKnown(sides.CopyOf(t, (k + 1) % 3)))

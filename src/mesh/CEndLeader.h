@@ -35,7 +35,7 @@ class CEndLeader {
   };
 
   void FindLines();
-  std::vector<CLine> PartedEdges() const;
+  std::vector<CLine> PartedEdges(const CExportSteps& steps) const;
   bool Lead(const CLine& parted);
   std::optional<CWay> WayFrom(std::uint32_t end, const CLine& parted) const;
   bool IsOpen(const CMeshPlace& from, const CMeshPlace& to) const;

@@ -25,6 +25,13 @@ std::int32_t CMeshPlane::CAxis::Rounded(double lattice) const {
   return static_cast<std::int32_t>(std::lround((lattice - m_fHalf) * m_fUnits));
 }
 
+std::vector<float> CMeshPlane::CAxis::WrittenHalves() const {
+  std::vector<float> written;
+  written.reserve(m_aiHalves.size());
+  for (const std::int32_t place : m_aiHalves) written.push_back(static_cast<float>(place * m_fStep));
+  return written;
+}
+
 CMeshPlane::CMeshPlane(int cells, double width, double height) : m_X(cells, width), m_Y(cells, height) {}
 
 bool CMeshPlane::AreOnOneBorder(const CMeshPlace& a, const CMeshPlace& b) const {

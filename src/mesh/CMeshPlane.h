@@ -32,6 +32,13 @@ class CMeshPlane {
   /// Coordinates as written.
   float WrittenX(const CMeshPlace& place) const { return static_cast<float>(place.x * m_X.m_fStep); }
   float WrittenY(const CMeshPlace& place) const { return static_cast<float>(place.y * m_Y.m_fStep); }
+  /// The place that is written so.
+  CMeshPlace PlaceWrittenAs(float x, float y) const {
+    return {static_cast<std::int32_t>(x / m_X.m_fStep), static_cast<std::int32_t>(y / m_Y.m_fStep)};
+  }
+  /// Coordinates, as written, of all lattice points of a row or column and of the middles between them, in that order.
+  std::vector<float> WrittenColumns() const { return m_X.WrittenHalves(); }
+  std::vector<float> WrittenRows() const { return m_Y.WrittenHalves(); }
 
   /// Whether both lie on the same side of the rectangle.
   bool AreOnOneBorder(const CMeshPlace& a, const CMeshPlace& b) const;
@@ -60,6 +67,7 @@ class CMeshPlane {
       return m_aiHalves[half] == place ? static_cast<double>(half) / 2.0 : m_fHalf + place / m_fUnits;
     }
     std::int32_t Rounded(double lattice) const;
+    std::vector<float> WrittenHalves() const;
 
     double m_fHalf;         ///< of the cells
     double m_fStep = 1.0;   ///< a power of two, in the unit of the file

@@ -39,7 +39,12 @@ std::array<double, 2> SharesOf(const std::array<double, 2>& weights) {
 
 // False where the steps do not go on.
 bool CSideSearch::Prepare(const CExportSteps& steps) {
+  constexpr double kPlanes = 0.1;
+  constexpr double kFosters = 0.5;
+  constexpr double kEnds = 0.6;
+  constexpr double kNodes = 0.7;
   NumberKnown();
+  if (!steps.Goes(kPlanes / 2)) return false;
   m_aPoints.reserve(m_Patch.Triangles().VertexCount());
   for (std::uint32_t v = 0; v < m_Patch.Triangles().VertexCount(); ++v)
     m_aPoints.push_back({m_Patch.ColumnOf(v), m_Patch.RowOf(v)});
@@ -48,11 +53,16 @@ bool CSideSearch::Prepare(const CExportSteps& steps) {
   const auto makeNodes = [this](std::size_t begin, std::size_t end) { MakeNodes(begin, end); };
   m_aGifts.resize(triangles);
   m_aPlanes.reserve(triangles);
-  if (!steps.Part(0, 0.5).ForBlocks(triangles, findPlanes)) return false;
+  if (!steps.Part(kPlanes, kFosters).ForBlocks(triangles, findPlanes)) return false;
   FindFosters();
+  if (!steps.Goes(kEnds)) return false;
   FindEnds();
-  m_aNodes.resize(triangles);
-  return steps.Part(0.5, 1).ForBlocks(triangles, makeNodes);
+  if (!steps.Goes(kNodes)) return false;
+  // Behind them one that is never near, in place of all that there is not.
+  m_aNodes.resize(triangles + 1);
+  m_aNodes.back() = {.m_auBeyond = {NoNode(), NoNode(), NoNode()}, .m_afLeast = {HUGE_VALF, HUGE_VALF}};
+  m_auQueue.resize(triangles + 1);
+  return steps.Part(kNodes, 1).ForBlocks(triangles, makeNodes);
 }
 
 void CSideSearch::FindAll(bool planes, const CExportSteps& steps) {
@@ -193,7 +203,7 @@ void CSideSearch::MakeNodes(std::size_t begin, std::size_t end) {
       const std::uint32_t beyond = triangle.m_auNeighbours[k];
       const bool isWay =
           beyond != kNone && (!triangle.m_abCut[k] || m_auFosters[m_Sides.PieceOf(t)] == m_Sides.PieceOf(beyond));
-      node.m_auBeyond[k] = isWay ? beyond : kNone;
+      node.m_auBeyond[k] = isWay ? beyond : NoNode();
     }
   }
 }
@@ -215,32 +225,36 @@ void CSideSearch::Continue(std::uint32_t copy, bool slopes) {
   AddRow(copy, slopes);
 }
 
-// All triangles of the side that come as near as that, into the queue. Each is looked at once, near or not, and without
-// a branch for each side of the rectangle.
+// All triangles of the side that come as near as that, into the queue. Each is looked at from all its neighbours, and
+// without a branch: what has been seen, or is not near, is put where the next one comes.
 void CSideSearch::FindNear(std::uint32_t copy, double reach) {
   const std::array least{static_cast<float>(m_Point.x - reach), static_cast<float>(m_Point.y - reach)};
   const std::array most{static_cast<float>(m_Point.x + reach), static_cast<float>(m_Point.y + reach)};
-  ++m_uSearch;
-  m_auQueue.assign(1, m_Sides.TriangleAt(copy));
-  m_aNodes[m_auQueue.front()].m_uSeen = m_uSearch;
-  for (std::size_t at = 0; at < m_auQueue.size(); ++at) {
-    for (const std::uint32_t beyond : m_aNodes[m_auQueue[at]].m_auBeyond) {
-      if (beyond == kNone) continue;
-      CNode& next = m_aNodes[beyond];
-      if (next.m_uSeen == m_uSearch) continue;
-      next.m_uSeen = m_uSearch;
+  const std::uint32_t search = ++m_uSearch;
+  CNode* nodes = m_aNodes.data();
+  std::uint32_t* queue = m_auQueue.data();
+  queue[0] = m_Sides.TriangleAt(copy);
+  nodes[queue[0]].m_uSeen = search;
+  std::size_t count = 1;
+  for (std::size_t at = 0; at < count; ++at) {
+    for (const std::uint32_t beyond : nodes[queue[at]].m_auBeyond) {
+      CNode& next = nodes[beyond];
+      const int fresh = static_cast<int>(next.m_uSeen != search);
       const int near = static_cast<int>(next.m_afLeast[0] < most[0]) & static_cast<int>(next.m_afMost[0] > least[0]) &
                        static_cast<int>(next.m_afLeast[1] < most[1]) & static_cast<int>(next.m_afMost[1] > least[1]);
-      if (near != 0) m_auQueue.push_back(beyond);
+      next.m_uSeen = search;
+      queue[count] = beyond;
+      count += static_cast<std::size_t>(fresh & near);
     }
   }
+  m_auNear = {queue, count};
 }
 
 void CSideSearch::LookAround(std::uint32_t copy, double reach) {
   FindNear(copy, reach);
   m_aTerms.clear();
   m_afWeights = {};
-  for (const std::uint32_t t : m_auQueue) {
+  for (const std::uint32_t t : m_auNear) {
     const CGift& gift = m_aGifts[t];
     for (const std::uint32_t known : gift.m_auKnown) {
       if (known != kNone) TermOf(known);
@@ -342,17 +356,17 @@ double CSideSearch::HeightAt(std::uint32_t copy) {
   CSum sum;
   for (double reach = CSideHeights::kRing;; reach *= 2.0) {
     FindNear(copy, reach);
-    SumPlanes(sum);
+    sum = m_uBefore == kNone ? SumOfOneSide() : SumOfTwoSides();
     if (sum.m_afWeights[0] + sum.m_afWeights[1] > 0.0 || reach >= kEverywhere) break;
   }
   const std::array<double, 2> share = SharesOf(sum.m_afWeights);
   return sum.m_Range.Widened().Within(share[0] * sum.m_afSums[0] + share[1] * sum.m_afSums[1]);
 }
 
-// The planes of the triangles in the queue, at the point in hand.
-void CSideSearch::SumPlanes(CSum& sum) const {
-  sum = {};
-  for (const std::uint32_t t : m_auQueue) {
+// The planes of the triangles that are near, at the point in hand.
+CSideSearch::CSum CSideSearch::SumOfTwoSides() const {
+  CSum sum;
+  for (const std::uint32_t t : m_auNear) {
     const CRaised& plane = m_aRaised[t];
     const double dx = m_Point.x - plane.m_Middle.x;
     const double dy = m_Point.y - plane.m_Middle.y;
@@ -362,4 +376,22 @@ void CSideSearch::SumPlanes(CSum& sum) const {
     sum.m_afSums[hand] += weight * (plane.m_fZ + plane.m_fSlopeX * dx + plane.m_fSlopeY * dy);
     sum.m_Range.Add(plane.m_Range);
   }
+  return sum;
+}
+
+// The same where no cut ends, which is nearly everywhere: sums that are not looked up stay in the processor.
+CSideSearch::CSum CSideSearch::SumOfOneSide() const {
+  double weights = 0.0;
+  double heights = 0.0;
+  CSideHeights::CRange range;
+  for (const std::uint32_t t : m_auNear) {
+    const CRaised& plane = m_aRaised[t];
+    const double dx = m_Point.x - plane.m_Middle.x;
+    const double dy = m_Point.y - plane.m_Middle.y;
+    const double weight = plane.m_fCounts * WeightAt(dx, dy);
+    weights += weight;
+    heights += weight * (plane.m_fZ + plane.m_fSlopeX * dx + plane.m_fSlopeY * dy);
+    range.Add(plane.m_Range);
+  }
+  return {{weights, 0.0}, {heights, 0.0}, range};
 }

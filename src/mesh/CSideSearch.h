@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <vector>
 
 #include "mesh/CSideHeights.h"
@@ -43,7 +44,7 @@ class CSideSearch {
   // All that a search reads of a triangle on its way: small, as it meets some hundred of them, and never in two lines
   // of the processor's memory.
   struct alignas(32) CNode {
-    std::array<std::uint32_t, 3> m_auBeyond{};  ///< the triangles that it leads on to; kNone for none
+    std::array<std::uint32_t, 3> m_auBeyond{};  ///< the triangles that it leads on to; NoNode() for none
     std::array<float, 2> m_afLeast{};           ///< corners of the rectangle around it
     std::array<float, 2> m_afMost{};
     std::uint32_t m_uSeen = 0;  ///< the last search that has seen it
@@ -84,7 +85,9 @@ class CSideSearch {
   void RaiseGifts(std::size_t begin, std::size_t end);
   void RaisePlane(const CPlane& plane, CRaised& raised) const;
   double HeightAt(std::uint32_t copy);
-  void SumPlanes(CSum& sum) const;
+  CSum SumOfOneSide() const;
+  CSum SumOfTwoSides() const;
+  std::uint32_t NoNode() const { return static_cast<std::uint32_t>(m_aNodes.size() - 1); }
   void NumberKnown();
   void FindPlanes(std::size_t begin, std::size_t end);
   std::uint32_t AddPlane(const std::array<std::uint32_t, 3>& copies);
@@ -106,7 +109,7 @@ class CSideSearch {
   CSideHeights& m_Found;
   std::vector<CPoint> m_aPoints;  ///< by vertex
   std::vector<CPlane> m_aPlanes;
-  std::vector<CNode> m_aNodes;             ///< by triangle
+  std::vector<CNode> m_aNodes;             ///< by triangle, and one for none
   std::vector<CGift> m_aGifts;             ///< by triangle
   std::vector<std::uint32_t> m_auFosters;  ///< by piece: that which lends it planes; kNone where it needs none
   std::vector<std::uint32_t> m_auBefore;   ///< by vertex: the vertex before an open end; kNone elsewhere
@@ -118,6 +121,7 @@ class CSideSearch {
   // The search in hand.
   std::uint32_t m_uSearch = 0;
   std::vector<std::uint32_t> m_auQueue;
+  std::span<const std::uint32_t> m_auNear;  ///< what it has found, in m_auQueue
   CPoint m_Point;
   std::uint32_t m_uBefore = kNone;      ///< the vertex before an open end
   std::array<double, 2> m_afWeights{};  ///< of the planes on either side

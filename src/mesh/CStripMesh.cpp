@@ -16,18 +16,21 @@ constexpr double kFinest = 1.0 / 16.0;
 }  // namespace
 
 CStripMesh::CStripMesh(const CTearPatch& patch, const CTearSides& sides, std::span<const CFarSide> cuts, double width,
-                       const std::array<double, 2>& cell)
+                       const std::array<double, 2>& cell, const CExportSteps& steps)
     : m_fWidth(width), m_afCell(cell) {
+  constexpr double kMarked = 0.3;
+  constexpr double kSplit = 0.9;
   AddCopies(patch, sides);
+  if (!steps.Goes(kMarked / 2)) return;
   MarkNear(patch, sides, cuts);
+  if (!steps.Goes(kMarked)) return;
   for (const CFarSide& cut : cuts) {
     const auto& [a, b] = cut.m_auNear;
     for (const double share : cut.m_afRange) {
       if (share > 0.0 && share < 1.0) m_Splits[KeyOf(a, b)] = AddBetween(a, b, share);
     }
   }
-  SplitLong(patch, sides);
-  FindAround();
+  if (SplitLong(patch, sides, steps.Part(kMarked, kSplit))) FindAround();
 }
 
 std::uint64_t CStripMesh::KeyOf(std::uint32_t a, std::uint32_t b) {
@@ -124,22 +127,31 @@ std::uint32_t CStripMesh::SplitToMake(std::uint32_t a, std::uint32_t b) {
 }
 
 // Whether a side is split is a matter of its ends alone, so that the triangles on both sides of it agree.
-void CStripMesh::SplitLong(const CTearPatch& patch, const CTearSides& sides) {
-  std::vector<CCorners> left;
-  for (std::uint32_t t = 0; t < patch.Triangles().Triangles().size(); ++t) {
-    left.push_back({sides.CopyOf(t, 0), sides.CopyOf(t, 1), sides.CopyOf(t, 2)});
-    while (!left.empty()) {
-      const CCorners corners = left.back();
-      left.pop_back();
-      const std::size_t k = LongestToSplit(corners);
-      if (k == 3) {
-        m_aTriangles.push_back(corners);
-        continue;
-      }
-      const std::uint32_t between = SplitToMake(corners[k], corners[(k + 1) % 3]);
-      left.push_back({corners[k], between, corners[(k + 2) % 3]});
-      left.push_back({between, corners[(k + 1) % 3], corners[(k + 2) % 3]});
+bool CStripMesh::SplitLong(const CTearPatch& patch, const CTearSides& sides, const CExportSteps& steps) {
+  return steps.ForBlocks(patch.Triangles().Triangles().size(), [&](std::size_t begin, std::size_t end) {
+    for (auto t = static_cast<std::uint32_t>(begin); t < end; ++t)
+      AddSplit({sides.CopyOf(t, 0), sides.CopyOf(t, 1), sides.CopyOf(t, 2)});
+  });
+}
+
+void CStripMesh::AddSplit(const CCorners& whole) {
+  // Nearly all of them.
+  if (LongestToSplit(whole) == 3) {
+    m_aTriangles.push_back(whole);
+    return;
+  }
+  std::vector<CCorners> left{whole};
+  while (!left.empty()) {
+    const CCorners corners = left.back();
+    left.pop_back();
+    const std::size_t k = LongestToSplit(corners);
+    if (k == 3) {
+      m_aTriangles.push_back(corners);
+      continue;
     }
+    const std::uint32_t between = SplitToMake(corners[k], corners[(k + 1) % 3]);
+    left.push_back({corners[k], between, corners[(k + 2) % 3]});
+    left.push_back({between, corners[(k + 1) % 3], corners[(k + 2) % 3]});
   }
 }
 

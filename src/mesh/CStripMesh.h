@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/ExportProgress.h"
 #include "mesh/CFarSides.h"
 
 class CTearPatch;
@@ -29,9 +30,9 @@ class CStripMesh {
   };
 
   /// Width and lengths of a cell along both axes in model units. Linear in the patch and in the number of cells that it
-  /// covers.
+  /// covers. Not whole where `steps` do not go on.
   CStripMesh(const CTearPatch& patch, const CTearSides& sides, std::span<const CFarSide> cuts, double width,
-             const std::array<double, 2>& cell);
+             const std::array<double, 2>& cell, const CExportSteps& steps = {});
 
   /// Vertices, and three of them per triangle, counter-clockwise.
   const CVertex& Vertex(std::uint32_t v) const { return m_aVertices[v]; }
@@ -55,7 +56,8 @@ class CStripMesh {
   static std::uint64_t KeyOf(std::uint32_t a, std::uint32_t b);
   void AddCopies(const CTearPatch& patch, const CTearSides& sides);
   void MarkNear(const CTearPatch& patch, const CTearSides& sides, std::span<const CFarSide> cuts);
-  void SplitLong(const CTearPatch& patch, const CTearSides& sides);
+  bool SplitLong(const CTearPatch& patch, const CTearSides& sides, const CExportSteps& steps);
+  void AddSplit(const CCorners& whole);
   double LengthOf(std::uint32_t a, std::uint32_t b) const;
   std::size_t LongestToSplit(const CCorners& corners) const;
   bool IsLong(std::uint32_t a, std::uint32_t b) const;

@@ -35,58 +35,76 @@ void WidenColumns(std::vector<std::uint8_t>& marked, std::size_t side, int reach
 
 }  // namespace
 
-CTearPatch::CTearPatch(const CQuadTree& tree, const CSurfaceMesh& mesh, const CMeshPlane& plane, int reach)
+CTearPatch::CTearPatch(const CQuadTree& tree, const CSurfaceMesh& mesh, const CMeshPlane& plane, int reach,
+                       const CExportSteps& steps)
     : m_Plane(plane), m_uCorners(mesh.CornerCount()) {
+  constexpr double kChosen = 0.3;
+  constexpr double kAdded = 0.7;
   const auto isMarked = [](const CLeaf& leaf) { return leaf.m_uMarked != 0; };
   if (std::ranges::none_of(tree.Leaves(), isMarked)) return;
-  ChooseLeaves(tree, reach);
-  AddTriangles(tree, mesh);
-  m_Triangles.Link();
+  if (ChooseLeaves(tree, reach, steps.Part(0, kChosen)) && AddTriangles(tree, mesh, steps.Part(kChosen, kAdded)))
+    m_Triangles.Link(steps.Part(kAdded, 1));
 }
 
-void CTearPatch::ChooseLeaves(const CQuadTree& tree, int reach) {
+bool CTearPatch::ChooseLeaves(const CQuadTree& tree, int reach, const CExportSteps& steps) {
+  constexpr double kMarked = 0.4;
+  constexpr double kWidened = 0.6;
   const auto side = static_cast<std::size_t>(tree.Lattice().PointsPerSide() - 1);
   std::vector<std::uint8_t> marked(side * side);
   const std::span<const CLeaf> leaves = tree.Leaves();
-  for (const CLeaf& leaf : leaves) {
-    if (leaf.m_uMarked == 0) continue;
-    const std::size_t column = leaf.m_uCell % side;
-    const std::size_t before = std::min(column, static_cast<std::size_t>(reach));
-    const std::size_t end = std::min(side, column + leaf.m_uSize + static_cast<std::size_t>(reach));
-    ForEachRow(leaf, side, marked, [&](std::uint8_t* row) { std::fill(row - before, row + (end - column), 1); });
-  }
+  const auto mark = [&](std::size_t begin, std::size_t end) {
+    for (const CLeaf& leaf : leaves.subspan(begin, end - begin)) {
+      if (leaf.m_uMarked == 0) continue;
+      const std::size_t column = leaf.m_uCell % side;
+      const std::size_t first = column - std::min(column, static_cast<std::size_t>(reach));
+      const std::size_t behind = std::min(side, column + leaf.m_uSize + static_cast<std::size_t>(reach));
+      ForEachRow(leaf, side, marked,
+                 [&](std::uint8_t* row) { std::fill(row - (column - first), row + (behind - column), 1); });
+    }
+  };
+  if (!steps.Part(0, kMarked).ForBlocks(leaves.size(), mark)) return false;
   WidenColumns(marked, side, reach);
   m_abLeaves.assign(leaves.size(), 0);
-  for (std::size_t number = 0; number < leaves.size(); ++number) {
-    const std::size_t size = leaves[number].m_uSize;
-    ForEachRow(leaves[number], side, marked, [&](const std::uint8_t* row) {
-      if (std::find(row, row + size, 1) != row + size) m_abLeaves[number] = 1;
-    });
-  }
+  const auto choose = [&](std::size_t begin, std::size_t end) {
+    for (std::size_t number = begin; number < end; ++number) {
+      const std::size_t size = leaves[number].m_uSize;
+      ForEachRow(leaves[number], side, marked, [&](const std::uint8_t* row) {
+        if (std::find(row, row + size, 1) != row + size) m_abLeaves[number] = 1;
+      });
+    }
+  };
+  return steps.Part(kWidened, 1).ForBlocks(leaves.size(), choose);
 }
 
-void CTearPatch::AddTriangles(const CQuadTree& tree, const CSurfaceMesh& mesh) {
+bool CTearPatch::AddTriangles(const CQuadTree& tree, const CSurfaceMesh& mesh, const CExportSteps& steps) {
+  constexpr double kChosen = 0.2;
+  constexpr double kVertices = 0.6;
   std::vector<CChosen> chosen;
   mesh.ForEachTriangle([&](std::uint32_t a, std::uint32_t b, std::uint32_t centre, bool torn) {
     const auto leaf = static_cast<std::uint32_t>(centre - m_uCorners);
     if (m_abLeaves[leaf] != 0) chosen.push_back({{a, b, centre}, leaf, torn});
   });
-  const std::vector<std::uint32_t> numbers = AddVertices(tree, mesh, chosen);
+  std::vector<std::uint32_t> numbers(mesh.VertexCount(), kNone);
+  if (!AddVertices(tree, mesh, chosen, numbers, steps.Part(kChosen, kVertices))) return false;
   std::uint32_t last = kNone;
   std::uint8_t place = 0;
-  for (const auto& [vertices, leaf, torn] : chosen) {
-    place = leaf == last ? static_cast<std::uint8_t>(place + 1) : std::uint8_t{0};
-    last = leaf;
-    m_Triangles.AddTriangle({numbers[vertices[0]], numbers[vertices[1]], numbers[vertices[2]]},
-                            static_cast<std::uint32_t>(m_aOrigins.size()));
-    m_aOrigins.push_back({leaf, place, torn, tree.Leaves()[leaf].m_uMarked == 0});
-  }
+  m_aOrigins.reserve(chosen.size());
+  const auto add = [&](std::size_t begin, std::size_t end) {
+    for (std::size_t k = begin; k < end; ++k) {
+      const auto& [vertices, leaf, torn] = chosen[k];
+      place = leaf == last ? static_cast<std::uint8_t>(place + 1) : std::uint8_t{0};
+      last = leaf;
+      m_Triangles.AddTriangle({numbers[vertices[0]], numbers[vertices[1]], numbers[vertices[2]]},
+                              static_cast<std::uint32_t>(m_aOrigins.size()));
+      m_aOrigins.push_back({leaf, place, torn, tree.Leaves()[leaf].m_uMarked == 0});
+    }
+  };
+  return steps.Part(kVertices, 1).ForBlocks(chosen.size(), add);
 }
 
 // In the order of the mesh, so that what is near in it stays near in memory. Numbers by vertex of the mesh.
-std::vector<std::uint32_t> CTearPatch::AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh,
-                                                   std::span<const CChosen> chosen) {
-  std::vector<std::uint32_t> numbers(mesh.VertexCount(), kNone);
+bool CTearPatch::AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh, std::span<const CChosen> chosen,
+                             std::vector<std::uint32_t>& numbers, const CExportSteps& steps) {
   const auto side = static_cast<std::uint32_t>(tree.Lattice().PointsPerSide());
   const auto add = [&](std::uint32_t vertex, std::uint32_t point, double offset) {
     if (numbers[vertex] != kNone) return;
@@ -94,10 +112,11 @@ std::vector<std::uint32_t> CTearPatch::AddVertices(const CQuadTree& tree, const 
     numbers[vertex] = m_Triangles.AddVertex(m_Plane.At(point % side + offset, row + offset));
     m_auMeshVertices.push_back(vertex);
   };
-  for (const auto& [vertices, number, torn] : chosen) {
-    for (const std::uint32_t corner : {vertices[0], vertices[1]}) add(corner, mesh.Points()[corner], 0.0);
-    const CLeaf& leaf = tree.Leaves()[number];
-    add(vertices[2], leaf.m_uPoint, 0.5 * leaf.m_uSize);
-  }
-  return numbers;
+  return steps.ForBlocks(chosen.size(), [&](std::size_t begin, std::size_t end) {
+    for (const auto& [vertices, number, torn] : chosen.subspan(begin, end - begin)) {
+      for (const std::uint32_t corner : {vertices[0], vertices[1]}) add(corner, mesh.Points()[corner], 0.0);
+      const CLeaf& leaf = tree.Leaves()[number];
+      add(vertices[2], leaf.m_uPoint, 0.5 * leaf.m_uSize);
+    }
+  });
 }

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "base/ExportProgress.h"
 #include "mesh/CCutTriangulation.h"
 #include "mesh/CMeshPlane.h"
 
@@ -32,8 +33,9 @@ class CTearPatch {
     bool m_bWholeLeaf = false;  ///< no triangle of the leaf does
   };
 
-  /// `mesh` must have been built from `tree`; `reach` is at least kReach.
-  CTearPatch(const CQuadTree& tree, const CSurfaceMesh& mesh, const CMeshPlane& plane, int reach = kReach);
+  /// `mesh` must have been built from `tree`; `reach` is at least kReach. Not whole where `steps` do not go on.
+  CTearPatch(const CQuadTree& tree, const CSurfaceMesh& mesh, const CMeshPlane& plane, int reach = kReach,
+             const CExportSteps& steps = {});
 
   /// The triangles, whose origins are numbers in `Origin`.
   CCutTriangulation& Triangles() { return m_Triangles; }
@@ -61,10 +63,10 @@ class CTearPatch {
     bool m_bTorn = false;
   };
 
-  void ChooseLeaves(const CQuadTree& tree, int reach);
-  void AddTriangles(const CQuadTree& tree, const CSurfaceMesh& mesh);
-  std::vector<std::uint32_t> AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh,
-                                         std::span<const CChosen> chosen);
+  bool ChooseLeaves(const CQuadTree& tree, int reach, const CExportSteps& steps);
+  bool AddTriangles(const CQuadTree& tree, const CSurfaceMesh& mesh, const CExportSteps& steps);
+  bool AddVertices(const CQuadTree& tree, const CSurfaceMesh& mesh, std::span<const CChosen> chosen,
+                   std::vector<std::uint32_t>& numbers, const CExportSteps& steps);
 
   const CMeshPlane& m_Plane;
   std::size_t m_uCorners;

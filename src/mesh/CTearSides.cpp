@@ -16,12 +16,14 @@ CTearSides::CGroups::CGroups(std::size_t count) : m_auParents(count) {
   std::iota(m_auParents.begin(), m_auParents.end(), std::uint32_t{0});
 }
 
-CTearSides::CTearSides(const CTearPatch& patch) {
+CTearSides::CTearSides(const CTearPatch& patch, const CExportSteps& steps) {
+  constexpr double kJoined = 0.4;
+  constexpr double kCopied = 0.8;
   const std::vector<bool> atCut = VerticesAtCuts(patch);
   CGroups groups(3 * patch.Triangles().Triangles().size());
-  JoinCorners(patch, atCut, groups);
-  FindCopies(patch, atCut, groups);
-  FindPieces(patch);
+  if (JoinCorners(patch, atCut, groups, steps.Part(0, kJoined)) &&
+      FindCopies(patch, atCut, groups, steps.Part(kJoined, kCopied)))
+    FindPieces(patch, steps.Part(kCopied, 1));
 }
 
 std::vector<bool> CTearSides::VerticesAtCuts(const CTearPatch& patch) {
@@ -35,9 +37,10 @@ std::vector<bool> CTearSides::VerticesAtCuts(const CTearPatch& patch) {
 }
 
 // Only a cut parts the corners at a vertex, so that those of all others need not be joined.
-void CTearSides::JoinCorners(const CTearPatch& patch, const std::vector<bool>& atCut, CGroups& groups) {
+bool CTearSides::JoinCorners(const CTearPatch& patch, const std::vector<bool>& atCut, CGroups& groups,
+                             const CExportSteps& steps) {
   const CCutTriangulation& triangles = patch.Triangles();
-  for (std::uint32_t t = 0; t < triangles.Triangles().size(); ++t) {
+  const auto join = [&](std::uint32_t t) {
     const auto& triangle = triangles.Triangle(t);
     for (std::uint32_t k = 0; k < 3; ++k) {
       const std::uint32_t beyond = triangle.m_auNeighbours[k];
@@ -48,17 +51,21 @@ void CTearSides::JoinCorners(const CTearPatch& patch, const std::vector<bool>& a
       groups.Join(3 * t + k, 3 * beyond + (side + 1) % 3);
       groups.Join(3 * t + next, 3 * beyond + side);
     }
-  }
+  };
+  return steps.ForBlocks(triangles.Triangles().size(), [&](std::size_t begin, std::size_t end) {
+    for (auto t = static_cast<std::uint32_t>(begin); t < end; ++t) join(t);
+  });
 }
 
 // Where the region of the patch ends, triangles may meet in a vertex alone: away from cuts it has one copy all the
 // same.
-void CTearSides::FindCopies(const CTearPatch& patch, const std::vector<bool>& atCut, CGroups& groups) {
+bool CTearSides::FindCopies(const CTearPatch& patch, const std::vector<bool>& atCut, CGroups& groups,
+                            const CExportSteps& steps) {
   const auto slots = static_cast<std::uint32_t>(3 * patch.Triangles().Triangles().size());
   std::vector<std::uint32_t> copyOf(slots, CTearPatch::kNone);
   std::vector<std::uint32_t> onlyCopyOf(patch.Triangles().VertexCount(), CTearPatch::kNone);
   m_auCopies.reserve(slots);
-  for (std::uint32_t slot = 0; slot < slots; ++slot) {
+  const auto find = [&](std::uint32_t slot) {
     const std::uint32_t vertex = patch.Triangles().Triangle(slot / 3).m_auVertices[slot % 3];
     std::uint32_t& copy = atCut[vertex] ? copyOf[groups.Find(slot)] : onlyCopyOf[vertex];
     if (copy == CTearPatch::kNone) {
@@ -71,27 +78,35 @@ void CTearSides::FindCopies(const CTearPatch& patch, const std::vector<bool>& at
     const CTearPatch::COrigin& origin = patch.OriginOf(slot / 3);
     const bool isCentre = !patch.IsCorner(vertex) && patch.MeshVertex(vertex) != CTearPatch::kNone;
     if ((patch.IsCorner(vertex) && !origin.m_bTorn) || (isCentre && origin.m_bWholeLeaf)) m_abKnown[copy] = true;
-  }
+  };
+  return steps.ForBlocks(slots, [&](std::size_t begin, std::size_t end) {
+    for (auto slot = static_cast<std::uint32_t>(begin); slot < end; ++slot) find(slot);
+  });
 }
 
-void CTearSides::FindPieces(const CTearPatch& patch) {
+void CTearSides::FindPieces(const CTearPatch& patch, const CExportSteps& steps) {
+  const std::size_t triangles = patch.Triangles().Triangles().size();
+  m_auPieces.assign(triangles, CTearPatch::kNone);
+  steps.ForBlocks(triangles, [&](std::size_t begin, std::size_t end) {
+    for (auto first = static_cast<std::uint32_t>(begin); first < end; ++first) {
+      if (m_auPieces[first] == CTearPatch::kNone) SpreadPiece(patch, first);
+    }
+  });
+}
+
+void CTearSides::SpreadPiece(const CTearPatch& patch, std::uint32_t first) {
   const std::span<const CCutTriangulation::CTriangle> triangles = patch.Triangles().Triangles();
-  m_auPieces.assign(triangles.size(), CTearPatch::kNone);
-  std::vector<std::uint32_t> left;
-  for (std::uint32_t first = 0; first < triangles.size(); ++first) {
-    if (m_auPieces[first] != CTearPatch::kNone) continue;
-    const auto piece = static_cast<std::uint32_t>(m_uPieces++);
-    m_auPieces[first] = piece;
-    left.push_back(first);
-    while (!left.empty()) {
-      const CCutTriangulation::CTriangle& triangle = triangles[left.back()];
-      left.pop_back();
-      for (std::size_t k = 0; k < 3; ++k) {
-        const std::uint32_t beyond = triangle.m_auNeighbours[k];
-        if (beyond == CTearPatch::kNone || triangle.m_abCut[k] || m_auPieces[beyond] != CTearPatch::kNone) continue;
-        m_auPieces[beyond] = piece;
-        left.push_back(beyond);
-      }
+  const auto piece = static_cast<std::uint32_t>(m_uPieces++);
+  m_auPieces[first] = piece;
+  m_auLeft.push_back(first);
+  while (!m_auLeft.empty()) {
+    const CCutTriangulation::CTriangle& triangle = triangles[m_auLeft.back()];
+    m_auLeft.pop_back();
+    for (std::size_t k = 0; k < 3; ++k) {
+      const std::uint32_t beyond = triangle.m_auNeighbours[k];
+      if (beyond == CTearPatch::kNone || triangle.m_abCut[k] || m_auPieces[beyond] != CTearPatch::kNone) continue;
+      m_auPieces[beyond] = piece;
+      m_auLeft.push_back(beyond);
     }
   }
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "base/ExportProgress.h"
 #include "mesh/CCutTriangulation.h"
 
 class CTearPatch;
@@ -14,8 +15,8 @@ class CTearPatch;
 /// Two triangles belong to one piece where a way leads from one to the other through sides that are not cut.
 class CTearSides {
  public:
-  /// As the patch is now.
-  explicit CTearSides(const CTearPatch& patch);
+  /// As the patch is now. Not whole where `steps` do not go on.
+  explicit CTearSides(const CTearPatch& patch, const CExportSteps& steps = {});
 
   /// Copies, numbered from 0: that of a triangle's corner, its vertex, and whether the solver has its height: it is a
   /// lattice point with a leaf edge that is not cut, on that side of the tear, or the centre of a leaf that is in none.
@@ -42,9 +43,11 @@ class CTearSides {
   };
 
   static std::vector<bool> VerticesAtCuts(const CTearPatch& patch);
-  static void JoinCorners(const CTearPatch& patch, const std::vector<bool>& atCut, CGroups& groups);
-  void FindCopies(const CTearPatch& patch, const std::vector<bool>& atCut, CGroups& groups);
-  void FindPieces(const CTearPatch& patch);
+  static bool JoinCorners(const CTearPatch& patch, const std::vector<bool>& atCut, CGroups& groups,
+                          const CExportSteps& steps);
+  bool FindCopies(const CTearPatch& patch, const std::vector<bool>& atCut, CGroups& groups, const CExportSteps& steps);
+  void FindPieces(const CTearPatch& patch, const CExportSteps& steps);
+  void SpreadPiece(const CTearPatch& patch, std::uint32_t first);
 
   std::vector<std::uint32_t> m_auCopies;     ///< by triangle and corner
   std::vector<std::uint32_t> m_auVertices;   ///< by copy
@@ -52,4 +55,5 @@ class CTearSides {
   std::vector<bool> m_abKnown;               ///< by copy
   std::vector<std::uint32_t> m_auPieces;     ///< by triangle
   std::size_t m_uPieces = 0;
+  std::vector<std::uint32_t> m_auLeft;  ///< triangles of the piece in hand that lead on
 };

@@ -10,13 +10,17 @@
 
 namespace {
 
-// Of the step at the tear: how far a strip that would rise above the surface over it stays below. Two surfaces in one
+// How far a strip that would rise above the surface over it stays below, of the step at the tear, and, as that may be
+// next to nothing, as far as the width from the tear of the range of all heights beside tears. Two surfaces in one
 // place would flicker.
 constexpr double kClear = 1.0 / 64.0;
 // Of a cell squared over the width: what a strip is wider, as its outer edge is straight within a triangle. What lies
 // as far as the width from a point bends by one over that, so that from corners at most h apart it is seen at most h *
 // h / (6 * width) farther than it is; no side of a triangle is longer than one and a half cells.
 constexpr double kRim = 1.5 * 1.5 / 6.0;
+
+// Some milliseconds' work.
+constexpr std::size_t kPointsAtOnce = std::size_t{1} << 12;
 
 double Between(const std::array<double, 2>& ends, double share) { return ends[0] + share * (ends[1] - ends[0]); }
 
@@ -34,13 +38,15 @@ bool CTearStrips::CNearest::IsBetterThan(const CNearest& other) const {
 }
 
 CTearStrips::CTearStrips(const CTearPatch& patch, const CTearSides& sides, std::vector<CFarSide> cuts, double width,
-                         const std::array<double, 2>& cell)
+                         const std::array<double, 2>& cell, const CExportSteps& steps)
     : m_aSides(std::move(cuts)), m_fWidth(width), m_afCell(cell) {
   if (m_aSides.empty()) return;
-  CStripMesh mesh(patch, sides, m_aSides, width, cell);
+  constexpr double kMade = 0.5;
+  constexpr double kSpread = 0.8;
+  CStripMesh mesh(patch, sides, m_aSides, width, cell, steps.Part(0, kMade));
+  if (!steps.Goes(kMade)) return;
   LinkSides(mesh.VertexCount());
-  Spread(mesh);
-  Cover(mesh);
+  if (Spread(mesh, steps.Part(kMade, kSpread))) Cover(mesh, steps.Part(kSpread, 1));
 }
 
 // Along a piece the side behind another begins at the copy where that ends.
@@ -99,7 +105,7 @@ double CTearStrips::Outside(const CNearest& nearest) const {
 
 // From the tears on through their pieces, from a vertex to those with which it shares a triangle. A strip that narrows
 // towards an end may be the nearer one where another reaches farther.
-void CTearStrips::Spread(const CStripMesh& mesh) {
+bool CTearStrips::Spread(const CStripMesh& mesh, const CExportSteps& steps) {
   m_aNearest.assign(mesh.VertexCount(), {});
   m_afOutside.assign(mesh.VertexCount(), HUGE_VAL);
   std::vector<std::uint32_t> deepest(mesh.VertexCount(), kNone);
@@ -122,7 +128,9 @@ void CTearStrips::Spread(const CStripMesh& mesh) {
     const std::uint32_t split = mesh.SplitOf(m_aSides[s].m_auNear[0], m_aSides[s].m_auNear[1]);
     if (split != CStripMesh::kNone) reach(split, s);
   }
-  while (!queue.empty()) {
+  // How far it will go is not known.
+  for (std::size_t taken = 0; !queue.empty(); ++taken) {
+    if (taken % kPointsAtOnce == 0 && !steps.Goes(0)) return false;
     const auto [distance, v, side] = queue.top();
     queue.pop();
     if (side != m_aNearest[v].m_uSide && side != deepest[v]) continue;
@@ -130,16 +138,20 @@ void CTearStrips::Spread(const CStripMesh& mesh) {
       for (const std::uint32_t corner : mesh.Triangles()[t]) reach(corner, side);
     }
   }
+  return steps.Goes(1);
 }
 
-void CTearStrips::Cover(CStripMesh& mesh) {
-  const std::size_t count = mesh.Triangles().size();
-  for (std::size_t t = 0; t < count; ++t) {
-    const CStripMesh::CCorners corners = mesh.Triangles()[t];
-    const auto isInside = [this](std::uint32_t v) { return m_afOutside[v] < 0.0; };
-    if (std::ranges::any_of(corners, isInside)) AddClipped(mesh, corners);
-  }
+bool CTearStrips::Cover(CStripMesh& mesh, const CExportSteps& steps) {
+  const auto isInside = [this](std::uint32_t v) { return m_afOutside[v] < 0.0; };
+  const auto cover = [&](std::size_t begin, std::size_t end) {
+    for (std::size_t t = begin; t < end; ++t) {
+      const CStripMesh::CCorners corners = mesh.Triangles()[t];
+      if (std::ranges::any_of(corners, isInside)) AddClipped(mesh, corners);
+    }
+  };
+  if (!steps.ForBlocks(mesh.Triangles().size(), cover)) return false;
   Number(mesh);
+  return true;
 }
 
 // What of a triangle lies inside: all of it, or a corner, or what a corner is cut from.
@@ -171,7 +183,8 @@ void CTearStrips::Number(const CStripMesh& mesh) {
       std::uint32_t& number = numbers[v];
       if (number == kNone) {
         number = static_cast<std::uint32_t>(m_aVertices.size());
-        m_aVertices.push_back({mesh.Vertex(v), m_aNearest[v].m_uSide, m_aNearest[v].m_fShare});
+        const CNearest& nearest = m_aNearest[v];
+        m_aVertices.push_back({mesh.Vertex(v), nearest.m_uSide, nearest.m_fShare, nearest.m_fDistance / m_fWidth});
       }
       v = number;
     }
@@ -182,6 +195,8 @@ void CTearStrips::Number(const CStripMesh& mesh) {
 
 void CTearStrips::Raise(const CSideHeights& side, std::span<const double> heights,
                         std::span<const CSideHeights::CPlane> planes, std::span<double> strips) const {
+  const auto [lowest, highest] = std::ranges::minmax(heights);
+  const double range = highest - lowest;
   for (std::size_t v = 0; v < m_aVertices.size(); ++v) {
     const CVertex& vertex = m_aVertices[v];
     const CFarSide& cut = m_aSides[vertex.m_uSide];
@@ -202,7 +217,7 @@ void CTearStrips::Raise(const CSideHeights& side, std::span<const double> height
       above += vertex.m_Above.m_afShares[k] * heights[vertex.m_Above.m_auCopies[k]];
     const double s = vertex.m_fShare;
     const double continued = std::min(std::max(Between(z, s), Between(low, s)), Between(high, s));
-    strips[v] = std::min(continued, above - kClear * std::max(Between(step, s), 0.0));
+    strips[v] = std::min(continued, above - kClear * std::max(Between(step, s), range * vertex.m_fAway));
   }
 }
 

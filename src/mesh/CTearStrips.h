@@ -14,21 +14,23 @@
 ///
 /// A strip covers what lies behind the tear, at most a given width from it, as far as the piece of the surface above it
 /// goes without another tear. It continues the plane that its own side has at the nearest place of the tear, and keeps
-/// clear of the surface above; it shows what lies as far on the other side of that place.
+/// clear of the surface above, more so farther from the tear; it shows what lies as far on the other side of that
+/// place.
 class CTearStrips {
  public:
   /// A vertex.
   struct CVertex {
     CStripMesh::CVertex m_Above;  ///< where it is, and which heights of the surface above make that above it
     std::uint32_t m_uSide = 0;    ///< cut side with the nearest place, ...
-    double m_fShare = 0.0;        ///< ... which is that much of the way along
+    double m_fShare = 0.0;        ///< ... which is that much of the way along, ...
+    double m_fAway = 0.0;         ///< ... and that far away, in widths
   };
 
   /// Lengths of a cell along both axes and the width, model units. `sides` are those beyond which the surface is lower,
   /// `heights` and planes of `heights` are asked for later. Linear in the patch; and in the area of the strips times a
-  /// logarithm.
+  /// logarithm. Not whole where `steps` do not go on.
   CTearStrips(const CTearPatch& patch, const CTearSides& sides, std::vector<CFarSide> cuts, double width,
-              const std::array<double, 2>& cell);
+              const std::array<double, 2>& cell, const CExportSteps& steps = {});
 
   /// Vertices, and three of them per triangle, counter-clockwise as seen from +z.
   std::span<const CVertex> Vertices() const { return m_aVertices; }
@@ -57,8 +59,8 @@ class CTearStrips {
   void LinkSides(std::size_t copies);
   CNearest NearestOn(std::uint32_t side, const CCellPoint& p) const;
   CNearest NearestAlong(std::uint32_t side, const CCellPoint& p) const;
-  void Spread(const CStripMesh& mesh);
-  void Cover(CStripMesh& mesh);
+  bool Spread(const CStripMesh& mesh, const CExportSteps& steps);
+  bool Cover(CStripMesh& mesh, const CExportSteps& steps);
   double Outside(const CNearest& nearest) const;
   void AddClipped(CStripMesh& mesh, const CStripMesh::CCorners& corners);
   void Number(const CStripMesh& mesh);

@@ -15,12 +15,27 @@ bool Holds(const CTornSurface::CCorners& corners, const std::array<std::uint32_t
                              [&](std::uint32_t copy) { return std::ranges::find(corners, copy) != corners.end(); });
 }
 
+// Up both chains together, the one that has come less far first.
+void AddWall(std::span<const std::uint32_t> from, std::span<const std::uint32_t> to,
+             std::vector<std::uint32_t>& walls) {
+  std::size_t i = 0;
+  std::size_t j = 0;
+  while (i + 1 < from.size() || j + 1 < to.size()) {
+    const bool second = j + 1 < to.size() && (i + 1 == from.size() || j * from.size() <= i * to.size());
+    const std::uint32_t next = second ? to[j + 1] : from[i + 1];
+    walls.insert(walls.end(), {from[i], to[j], next});
+    ++(second ? j : i);
+  }
+}
+
 }  // namespace
 
 CTornSurface::CTornSurface(CTearPatch& patch, const CTearSides& sides, std::vector<double> heights, double scale)
     : m_Patch(patch), m_afHeights(std::move(heights)), m_fScale(scale) {
+  m_aCorners.reserve(patch.Triangles().Triangles().size());
   for (std::uint32_t t = 0; t < patch.Triangles().Triangles().size(); ++t)
     m_aCorners.push_back({sides.CopyOf(t, 0), sides.CopyOf(t, 1), sides.CopyOf(t, 2)});
+  m_auVertices.reserve(sides.CopyCount());
   for (std::uint32_t copy = 0; copy < sides.CopyCount(); ++copy) m_auVertices.push_back(sides.VertexOf(copy));
 }
 
@@ -42,13 +57,20 @@ std::vector<CTornSurface::CCutSide> CTornSurface::CutSides() const {
 
 // Where a side is too short to be split the heights become one at its end, which may bring about another change next
 // to it: each round leaves fewer.
-void CTornSurface::SplitAtChanges(CTearCutter& cutter) {
+bool CTornSurface::SplitAtChanges(CTearCutter& cutter, const CExportSteps& steps) {
   constexpr int kRounds = 16;
   bool changed = true;
   for (int round = 0; round < kRounds && changed; ++round) {
+    const CExportSteps part = steps.Part(1.0 * round / kRounds, (round + 1.0) / kRounds);
+    if (!part.Goes(0)) return false;
     changed = false;
-    for (const CCutSide& side : CutSides()) changed = SplitAtChange(side, cutter) || changed;
+    const std::vector<CCutSide> sides = CutSides();
+    const auto split = [&](std::size_t begin, std::size_t end) {
+      for (std::size_t s = begin; s < end; ++s) changed = SplitAtChange(sides[s], cutter) || changed;
+    };
+    if (!part.ForBlocks(sides.size(), split)) return false;
   }
+  return steps.Goes(1);
 }
 
 bool CTornSurface::SplitAtChange(const CCutSide& side, CTearCutter& cutter) {
@@ -200,22 +222,25 @@ std::vector<std::uint32_t> CTornSurface::Chain(std::uint32_t low, std::uint32_t 
   return chain;
 }
 
-std::vector<std::uint32_t> CTornSurface::Walls() const {
-  std::vector<std::vector<std::uint32_t>> copies(m_Patch.Triangles().VertexCount());
-  for (std::uint32_t copy = 0; copy < m_auVertices.size(); ++copy) copies[m_auVertices[copy]].push_back(copy);
+std::vector<std::uint32_t> CTornSurface::Walls(const CExportSteps& steps) const {
+  constexpr double kListed = 0.3;
+  // The copies of each vertex, one vertex behind the other.
+  std::vector<std::uint32_t> first(m_Patch.Triangles().VertexCount() + 1);
+  for (const std::uint32_t vertex : m_auVertices) ++first[vertex + 1];
+  for (std::size_t v = 1; v < first.size(); ++v) first[v] += first[v - 1];
+  std::vector<std::uint32_t> copies(m_auVertices.size());
+  std::vector<std::uint32_t> next(first);
+  for (std::uint32_t copy = 0; copy < m_auVertices.size(); ++copy) copies[next[m_auVertices[copy]]++] = copy;
   std::vector<std::uint32_t> walls;
-  for (const CCutSide& side : CutSides()) {
-    const auto from = Chain(side.m_auRight[0], side.m_auLeft[0], copies[side.m_uFrom]);
-    const auto to = Chain(side.m_auRight[1], side.m_auLeft[1], copies[side.m_uTo]);
-    // Up both chains together, the one that has come less far first.
-    std::size_t i = 0;
-    std::size_t j = 0;
-    while (i + 1 < from.size() || j + 1 < to.size()) {
-      const bool second = j + 1 < to.size() && (i + 1 == from.size() || j * from.size() <= i * to.size());
-      const std::uint32_t next = second ? to[j + 1] : from[i + 1];
-      walls.insert(walls.end(), {from[i], to[j], next});
-      ++(second ? j : i);
+  if (!steps.Goes(kListed / 2)) return walls;
+  const auto copiesOf = [&](std::uint32_t v) { return std::span(copies).subspan(first[v], first[v + 1] - first[v]); };
+  const std::vector<CCutSide> sides = CutSides();
+  const auto add = [&](std::size_t begin, std::size_t end) {
+    for (const CCutSide& side : std::span(sides).subspan(begin, end - begin)) {
+      AddWall(Chain(side.m_auRight[0], side.m_auLeft[0], copiesOf(side.m_uFrom)),
+              Chain(side.m_auRight[1], side.m_auLeft[1], copiesOf(side.m_uTo)), walls);
     }
-  }
+  };
+  steps.Part(kListed, 1).ForBlocks(sides.size(), add);
   return walls;
 }

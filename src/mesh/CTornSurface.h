@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "base/ExportProgress.h"
 #include "mesh/CCutTriangulation.h"
 #include "mesh/CMeshPlane.h"
 
@@ -34,15 +35,15 @@ class CTornSurface {
   CTornSurface(CTearPatch& patch, const CTearSides& sides, std::vector<double> heights, double scale);
 
   /// Splits cut sides at the places where the two heights change places, so that neither surface crosses the other
-  /// between two vertices.
-  void SplitAtChanges(CTearCutter& cutter);
+  /// between two vertices. False, and not all, where `steps` do not go on.
+  bool SplitAtChanges(CTearCutter& cutter, const CExportSteps& steps = {});
   /// Moves the corners of the higher surfaces in, by a thousandth of a cell, where two of them meet in a vertex across
   /// two lower ones: four walls would share their edge. Before `Walls`, after all splits.
   void OpenEdges();
   /// The vertical strips between the two edges of each cut, three copies per triangle, facing as the surface does: a
   /// side of the surface and that of its strip run in opposite directions. Nothing where both heights are the same when
-  /// written; vertical edges are split at all heights that their vertex has.
-  std::vector<std::uint32_t> Walls() const;
+  /// written; vertical edges are split at all heights that their vertex has. Not all where `steps` do not go on.
+  std::vector<std::uint32_t> Walls(const CExportSteps& steps = {}) const;
 
   /// Copies by triangle, and vertices and heights by copy.
   std::span<const CCorners> Corners() const { return m_aCorners; }

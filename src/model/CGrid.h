@@ -71,6 +71,9 @@ class CGrid {
   /// Switched on, they are moved there at once, if the system has been built.
   void SetSettling(bool on);
   bool IsSettling() const { return m_bSettling; }
+  /// What would move the difference of two surfaces of the present system, settled both, from that of the same two
+  /// unsettled; nothing while that is off, or where no region floats. The system must have been built.
+  std::optional<CSettler> SettlerOfChanges();
 
   /// Surface and system (see CGridBuilder and CSurface; CGrid.cpp).
   void SetDiscMap();

@@ -30,9 +30,16 @@ void CSurfaceMesh::Build(const CQuadTree& tree) {
     if (leaf.m_uSize == 1) {
       // Nothing is smaller, and its edges need not be looked at.
       const std::array<std::size_t, 4> points = CornersOf(leaf, tree.Lattice());
-      for (int k = 0; k < 4; ++k) {
-        const auto side = static_cast<std::size_t>(k);
-        AddTriangle({m_auVertexAt[points[side]], m_auVertexAt[points[(side + 1) % 4]], centre}, isTorn(k));
+      const std::array corners{m_auVertexAt[points[0]], m_auVertexAt[points[1]], m_auVertexAt[points[2]],
+                               m_auVertexAt[points[3]]};
+      const std::array<CTriangle, 4> fan{{{corners[0], corners[1], centre},
+                                          {corners[1], corners[2], centre},
+                                          {corners[2], corners[3], centre},
+                                          {corners[3], corners[0], centre}}};
+      if (leaf.m_uMarked == 0) {
+        m_aTriangles.insert(m_aTriangles.end(), fan.begin(), fan.end());
+      } else {
+        for (int k = 0; k < 4; ++k) AddTriangle(fan[static_cast<std::size_t>(k)], isTorn(k));
       }
     } else {
       for (int k = 0; k < 4; ++k) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <functional>
+#include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -132,6 +134,15 @@ void CGrid::Settle() {
   const double strength = m_Reference.HasMap() ? m_Reference.Value().m_Settings.m_fStrength : 0.0;
   m_Settler.Follow(m_Reference.Sample(), strength * fit.m_fOffset, strength * fit.m_fLinear, strength * fit.m_fSquare);
   m_Settler.Settle(m_Surface.Basis(), m_Surface.Coefficients());
+}
+
+std::optional<CSettler> CGrid::SettlerOfChanges() {
+  if (!m_bSettling) return std::nullopt;
+  m_Settler.Prepare(m_Surface.Tree(), m_Surface.Order(), m_Solver);
+  if (!m_Settler.IsNeeded()) return std::nullopt;
+  std::optional<CSettler> settler = m_Settler;
+  settler->FollowInChanges(m_Reference.Value().IsActive() ? m_Reference.Sample() : std::span<const double>());
+  return settler;
 }
 
 void CGrid::SetSettling(bool on) {

@@ -125,22 +125,24 @@ void CValueSampler::Sample(std::vector<double>& values) {
 }
 
 // The mean of what lies between the pixels over `half` to either side of the centre. Such a mean keeps planes, which
-// one of whole pixels would not.
+// one of whole pixels would not. Beyond the outermost pixels nothing lies between: the window is moved, and wide enough
+// for the slope.
 void CValueSampler::Place(double centre, double half, int count, CWindow& window) const {
-  const double inside = std::clamp(half, 0.0, std::max(0.0, std::min(centre, count - 1 - centre)));
-  const int first = std::clamp(static_cast<int>(std::floor(centre - inside)), 0, count - 2);
-  const int last = std::clamp(static_cast<int>(std::floor(centre + inside)) + 1, first + 1, count - 1);
-  window.m_iFirst = first;
-  window.m_afWeights.assign(static_cast<std::size_t>(last - first) + 1, 0.0);
-  constexpr double kPoint = 1e-6;
-  if (inside < kPoint) {
-    window.m_afWeights[1] = centre - first;
-    window.m_afWeights[0] = 1 - window.m_afWeights[1];
-    return;
+  window.m_bMoved = centre - half < 0 || centre + half > count - 1;
+  double low = centre - half;
+  double width = 2 * half;
+  if (window.m_bMoved) {
+    width = std::clamp(width, kMostPixels, static_cast<double>(count));
+    low = std::clamp(centre - width / 2, -0.5, count - 0.5 - width);
   }
+  const double high = low + width;
+  const int first = std::clamp(static_cast<int>(std::floor(low)), 0, count - 2);
+  const int last = std::clamp(static_cast<int>(std::floor(high)) + 1, first + 1, count - 1);
+  window.m_iFirst = first;
+  window.m_fUnit = std::max(width, kMostPixels);
+  window.m_afWeights.assign(static_cast<std::size_t>(last - first) + 1, 0.0);
   for (int k = first; k <= last; ++k)
-    window.m_afWeights[static_cast<std::size_t>(k - first)] =
-        (TentBelow(centre + inside - k) - TentBelow(centre - inside - k)) / (2 * inside);
+    window.m_afWeights[static_cast<std::size_t>(k - first)] = (TentBelow(high - k) - TentBelow(low - k)) / width;
 }
 
 CPlanePoint CValueSampler::LatticePlace(double column, double row) const {
@@ -178,8 +180,8 @@ bool CValueSampler::IsInSight(const CPlanePoint& eye, int column, int row) const
   return m_aNear.empty() || !IsParted(eye, LatticePlace(column, row), m_aNear);
 }
 
-// Where a tear hides pixels on one side, the others lie to the other side: their plane is taken at the point, or the
-// mean would be as far off as it slopes. Infinite where no pixel is in sight.
+// Where a tear or the border leaves pixels on one side alone, their plane is taken at the point, or the mean would be
+// as far off as it slopes. Infinite where no pixel is in sight.
 double CValueSampler::MeanInSight(const CPlanePoint& eye, const CPlanePoint& place) {
   double known = 0.0;
   double seen = 0.0;
@@ -194,12 +196,13 @@ double CValueSampler::MeanInSight(const CPlanePoint& eye, const CPlanePoint& pla
       const double value = m_Reading.At(column, row);
       if (std::isnan(value)) continue;
       known += weight;
-      plane.Add(weight, column - place.x, row - place.y, value);
+      plane.Add(weight, (column - place.x) / m_Columns.m_fUnit, (row - place.y) / m_Rows.m_fUnit, value);
     }
   }
   if (!(seen > 0.0)) return HUGE_VAL;
   if (known < kEnough * seen) return kNoValue;
-  return m_aNear.empty() ? plane.Mean() : plane.AtOrigin();
+  const bool around = m_aNear.empty() && !m_Columns.m_bMoved && !m_Rows.m_bMoved;
+  return around ? plane.Mean() : plane.AtOrigin();
 }
 
 // In growing squares; a pixel at the corner of one may be farther than one in the next.

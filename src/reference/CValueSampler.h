@@ -18,7 +18,8 @@ class CQuadTree;
 /// A point whose spacing, the longest leaf edge that ends there, spans at most two pixels takes the map's value at its
 /// place. Any other takes the mean over a rectangle as wide as its spacing around it, for second differences would
 /// amplify the noise of single pixels: of those pixels that no tear parts from it, or the nearest such pixel where
-/// there is none. At the border the rectangle is as much narrower as keeps it around the point.
+/// there is none. Where it would reach beyond the map it is moved inside, and the plane of its pixels is taken at the
+/// point: as many pixels as elsewhere, and planes stay planes.
 class CValueSampler {
  public:
   /// All of them must outlive the sampler; the leaves of the tree must be listed. `tears` are lines as of TearLines.
@@ -41,6 +42,8 @@ class CValueSampler {
   struct CWindow {
     int m_iFirst = 0;
     std::vector<double> m_afWeights;
+    bool m_bMoved = false;  ///< it does not lie around the point
+    double m_fUnit = 1.0;   ///< its width or more, in pixels
   };
 
   void SurveyEdges();

@@ -6,7 +6,7 @@
 #include <span>
 #include <utility>
 
-#include "insight/RowRelations.h"
+#include "insight/Contradictions.h"
 #include "model/CGrid.h"
 #include "report/SurfaceHeights.h"
 #include "solver/CConstraintRows.h"
@@ -33,11 +33,13 @@ double RangeOf(const CGrid& grid) {
   return wanted > 0.0 && std::isfinite(wanted) ? wanted : 1.0;
 }
 
-class CReporter {
+// Makes one report.
+class CReportMaker {
  public:
-  explicit CReporter(const CGrid& grid) : m_Grid(grid) {}
+  explicit CReportMaker(const CGrid& grid);
 
-  CConstraintReport Report();
+  const CConstraintRows& Rows() const { return m_Rows; }
+  CConstraintReport Report(const CRowRelations& relations);
 
  private:
   void AddLine(const CPtCstr& constraint, std::uint32_t kind, std::size_t number, std::optional<std::size_t> curve);
@@ -45,7 +47,8 @@ class CReporter {
   void AssignRows();
   void TakeRow(std::size_t line, std::size_t slot, std::size_t row);
   void Judge(CConstraintLine& line) const;
-  void TakeRelations();
+  void TakeRelations(const CRowRelations& relations);
+  void TakeContradictions(std::span<const CRowContradiction> contradictions);
   std::vector<std::size_t> LinesOf(const CRowRelation& relation) const;
   void Contradict(const std::vector<std::size_t>& lines, double gap);
 
@@ -57,8 +60,8 @@ class CReporter {
   CConstraintReport m_Report;
 };
 
-void CReporter::AddLine(const CPtCstr& constraint, std::uint32_t kind, std::size_t number,
-                        std::optional<std::size_t> curve) {
+void CReportMaker::AddLine(const CPtCstr& constraint, std::uint32_t kind, std::size_t number,
+                           std::optional<std::size_t> curve) {
   if (!constraint.HasKind(kind)) return;
   CConstraintLine& line = m_Report.m_aLines.emplace_back();
   line.m_Curve = curve;
@@ -77,7 +80,7 @@ void CReporter::AddLine(const CPtCstr& constraint, std::uint32_t kind, std::size
   line.m_Why = m_Grid.Constraints().WhyInactive(constraint);
 }
 
-void CReporter::AddLines() {
+void CReportMaker::AddLines() {
   const CConstraints& constraints = m_Grid.Constraints();
   for (const bool generated : {false, true}) {
     std::size_t number = 0;
@@ -92,7 +95,7 @@ void CReporter::AddLines() {
   m_auRowsOfLine.assign(m_Report.m_aLines.size(), 0);
 }
 
-void CReporter::TakeRow(std::size_t line, std::size_t slot, std::size_t row) {
+void CReportMaker::TakeRow(std::size_t line, std::size_t slot, std::size_t row) {
   CConstraintLine& of = m_Report.m_aLines[line];
   m_auLineOfRow[row] = line;
   ++m_auRowsOfLine[line];
@@ -103,7 +106,7 @@ void CReporter::TakeRow(std::size_t line, std::size_t slot, std::size_t row) {
 }
 
 // Rows are those of all heights, then two of each orientation, q before p.
-void CReporter::AssignRows() {
+void CReportMaker::AssignRows() {
   const CConstraints& constraints = m_Grid.Constraints();
   m_Rows.Add(std::array<const CPtCstrList*, 2>{&constraints.Points(), &constraints.Generated()},
              m_Grid.Surface().Tree(), m_Grid.Surface().Interpolation());
@@ -129,15 +132,15 @@ void CReporter::AssignRows() {
   }
 }
 
-void CReporter::Judge(CConstraintLine& line) const {
+void CReportMaker::Judge(CConstraintLine& line) const {
   line.m_fShare = line.m_fMissed / m_Report.m_fRange;
   if (line.m_State == ConstraintState::Inactive || line.m_fShare <= kKept) return;
   line.m_State = m_Grid.Run().IsRunning() ? ConstraintState::NotYet : ConstraintState::Missed;
 }
 
-std::vector<std::size_t> CReporter::LinesOf(const CRowRelation& relation) const {
+std::vector<std::size_t> CReportMaker::LinesOf(const CRowRelation& relation) const {
   std::vector<std::size_t> lines;
-  for (const std::uint32_t row : relation.m_auRows) lines.push_back(m_auLineOfRow[row]);
+  for (const std::uint32_t row : relation.NamedRows()) lines.push_back(m_auLineOfRow[row]);
   std::ranges::sort(lines);
   lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
   return lines;
@@ -158,7 +161,7 @@ void SortOthers(std::vector<CConstraintLine>& lines) {
 }
 
 // Both slopes of an orientation may contradict the same lines.
-void CReporter::Contradict(const std::vector<std::size_t>& lines, double gap) {
+void CReportMaker::Contradict(const std::vector<std::size_t>& lines, double gap) {
   const auto known = std::ranges::find(m_Report.m_aContradictions, lines, &CContradiction::m_auLines);
   if (known != m_Report.m_aContradictions.end()) {
     known->m_fGap = std::max(known->m_fGap, gap);
@@ -167,25 +170,31 @@ void CReporter::Contradict(const std::vector<std::size_t>& lines, double gap) {
   m_Report.m_aContradictions.push_back({lines, gap});
 }
 
-void CReporter::TakeRelations() {
-  // A line repeats others where each of its rows does.
-  std::vector<std::size_t> repeated(m_Report.m_aLines.size(), 0);
-  std::vector<std::pair<std::size_t, std::vector<std::size_t>>> repetitions;
-  for (const CRowRelation& relation : FindRowRelations(m_Rows)) {
-    const std::vector<std::size_t> lines = LinesOf(relation);
-    if (std::abs(relation.m_fGap) > kAgrees * m_Report.m_fRange) {
-      Contradict(lines, std::abs(relation.m_fGap));
-    } else if (!relation.m_auRows.empty()) {
-      const std::size_t last = m_auLineOfRow[relation.m_auRows.back()];
-      ++repeated[last];
-      repetitions.emplace_back(last, lines);
-    }
-  }
+void CReportMaker::TakeContradictions(std::span<const CRowContradiction> contradictions) {
+  for (const CRowContradiction& of : contradictions) Contradict(LinesOf(of.m_Relation), std::abs(of.m_fGap));
   for (const CContradiction& contradiction : m_Report.m_aContradictions) {
     for (const std::size_t line : contradiction.m_auLines) {
       m_Report.m_aLines[line].m_State = ConstraintState::Contradicts;
       AddOthers(m_Report.m_aLines[line], contradiction.m_auLines);
     }
+  }
+}
+
+// A line repeats others where each of its rows does, and none contradicts.
+void CReportMaker::TakeRelations(const CRowRelations& relations) {
+  m_Report.m_bSearchedAll = relations.m_bWhole;
+  const CJudgedRelations judged = JudgeRelations(relations.m_aRelations, m_Rows, kAgrees * m_Report.m_fRange);
+  TakeContradictions(judged.m_aContradictions);
+  std::vector<std::size_t> repeated(m_Report.m_aLines.size(), 0);
+  std::vector<std::pair<std::size_t, std::vector<std::size_t>>> repetitions;
+  for (const std::size_t k : judged.m_auAgreeing) {
+    const CRowRelation& relation = relations.m_aRelations[k];
+    const std::size_t last = m_auLineOfRow[relation.m_aFactors.back().first];
+    std::vector<std::size_t> lines = LinesOf(relation);
+    // A row that has no say follows from the others only as far as rounding is believed.
+    if (!std::ranges::binary_search(lines, last)) continue;
+    ++repeated[last];
+    repetitions.emplace_back(last, std::move(lines));
   }
   for (const auto& [line, lines] : repetitions) {
     CConstraintLine& of = m_Report.m_aLines[line];
@@ -196,12 +205,15 @@ void CReporter::TakeRelations() {
   SortOthers(m_Report.m_aLines);
 }
 
-CConstraintReport CReporter::Report() {
-  m_Report.m_fRange = RangeOf(m_Grid);
+CReportMaker::CReportMaker(const CGrid& grid) : m_Grid(grid) {
+  m_Report.m_fRange = RangeOf(grid);
   AddLines();
   AssignRows();
   for (CConstraintLine& line : m_Report.m_aLines) Judge(line);
-  TakeRelations();
+}
+
+CConstraintReport CReportMaker::Report(const CRowRelations& relations) {
+  TakeRelations(relations);
   return std::move(m_Report);
 }
 
@@ -215,7 +227,23 @@ std::vector<std::size_t> CConstraintReport::ByMissed() const {
   return order;
 }
 
-CConstraintReport ReportOnConstraints(const CGrid& grid) { return CReporter(grid).Report(); }
+void CConstraintReporter::SearchIn(const CConstraintRows& rows) {
+  std::vector<double> spans(rows.Count());
+  for (std::size_t j = 0; j < spans.size(); ++j) spans[j] = rows.Span(j);
+  if (m_iSearches > 0 && spans == m_afSpans && rows.Rows() == m_Rows) return;
+  m_Relations = FindRowRelations(rows, m_uMostProducts);
+  m_Rows = rows.Rows();
+  m_afSpans = std::move(spans);
+  ++m_iSearches;
+}
+
+CConstraintReport CConstraintReporter::Report(const CGrid& grid) {
+  CReportMaker maker(grid);
+  SearchIn(maker.Rows());
+  return maker.Report(m_Relations);
+}
+
+CConstraintReport ReportOnConstraints(const CGrid& grid) { return CConstraintReporter().Report(grid); }
 
 std::string StateText(const CConstraintLine& line) {
   switch (line.m_State) {

@@ -8,7 +8,10 @@
 #include <vector>
 
 #include "constraints/Inactivity.h"
+#include "insight/RowRelations.h"
+#include "solver/CCompressedRows.h"
 
+class CConstraintRows;
 class CGrid;
 
 /// What has become of a constraint.
@@ -50,13 +53,37 @@ struct CConstraintReport {
   double m_fRange = 0.0;                  ///< the height range that shares are of, model units, above 0
   std::vector<CConstraintLine> m_aLines;  ///< those of the user's list, then the generated ones
   std::vector<CContradiction> m_aContradictions;
+  bool m_bSearchedAll = true;  ///< otherwise there may be more contradictions and repetitions than it knows of
 
   /// The numbers of the lines, those that miss most first.
   std::vector<std::size_t> ByMissed() const;
 };
 
-/// The report on the constraints as they are now, on the surface as it is now. Changes nothing and may be asked for
-/// between two ticks; milliseconds for thousands of constraints.
+/// Makes reports on the constraints of a grid, one after the other. How rows depend on each other, which takes most of
+/// the time, is found anew only where they are other rows than those of the report before.
+class CConstraintReporter {
+ public:
+  /// See `FindRowRelations`.
+  explicit CConstraintReporter(std::size_t mostProducts = kMostRelationProducts) : m_uMostProducts(mostProducts) {}
+
+  /// The report on the constraints as they are now, on the surface as it is now. Changes nothing of the grid and may be
+  /// asked for between two ticks.
+  CConstraintReport Report(const CGrid& grid);
+  /// How often it has searched for relations.
+  int SearchCount() const { return m_iSearches; }
+
+ private:
+  void SearchIn(const CConstraintRows& rows);
+
+  std::size_t m_uMostProducts;
+  int m_iSearches = 0;
+  // What the relations are those of.
+  CCompressedRows m_Rows;
+  std::vector<double> m_afSpans;
+  CRowRelations m_Relations;
+};
+
+/// A single one.
 CConstraintReport ReportOnConstraints(const CGrid& grid);
 
 /// The state as users read it, with the reason where it is inactive ("in a tear").

@@ -11,6 +11,7 @@
 
 #include "constraints/CPtCstr.h"
 #include "model/CGrid.h"
+#include "solver/CConstraintRows.h"
 
 namespace {
 
@@ -105,9 +106,9 @@ class CPlaceWriter {
   }
 
   void AddConstraint(const CPtCstr& c) {
-    const std::optional<CSurfaceSite> site = SiteAt({c.m_fX, c.m_fY});
-    if (!site) return;
     if (c.HasKind(PtCstrKind::kPosition)) {
+      const std::optional<CSurfaceSite> site = SiteAt({c.m_fX, c.m_fY});
+      if (!site) return;
       Add("   height wanted ", c.m_fZ, m_fSide);
       Add(", kept ", site->m_fZ, m_fSide);
     }
@@ -115,9 +116,12 @@ class CPlaceWriter {
     Add("   slope wanted (", c.m_fP, 1.0);
     Add(", ", c.m_fQ, 1.0);
     m_Text += ')';
-    if (!site->m_Slope) return;
-    Add(", kept (", site->m_Slope->x, 1.0);
-    Add(", ", site->m_Slope->y, 1.0);
+    // As the solver takes it: the slope that is shown of the surface there is blended from corner to corner.
+    const std::optional<CPlanePoint> kept =
+        CConstraintRows::SlopesUnder(c, m_Grid.Surface().Tree(), m_Grid.Surface().Interpolation());
+    if (!kept) return;
+    Add(", kept (", kept->x, 1.0);
+    Add(", ", kept->y, 1.0);
     m_Text += ')';
   }
 

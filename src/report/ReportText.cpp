@@ -1,10 +1,9 @@
 #include "report/ReportText.h"
 
 #include <array>
-#include <charconv>
-#include <cmath>
 #include <utility>
 
+#include "base/NumberText.h"
 #include "constraints/CPtCstr.h"
 
 namespace {
@@ -13,13 +12,8 @@ namespace {
 constexpr std::size_t kMostNamed = 6;
 
 std::string Number(double value, double unit) {
-  constexpr double kNothing = 1e-9;
   constexpr int kShownDigits = 6;
-  constexpr std::size_t kLongest = 32;
-  if (std::abs(value) < kNothing * unit) value = 0.0;
-  std::array<char, kLongest> text{};
-  return {text.data(),
-          std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, kShownDigits).ptr};
+  return RoundedText(value, kShownDigits, unit);
 }
 
 std::string Pair(double a, double b, double unit) { return '(' + Number(a, unit) + ", " + Number(b, unit) + ')'; }
@@ -91,5 +85,6 @@ std::string SummaryOf(const CConstraintReport& report) {
     for (const CConstraintLine& line : report.m_aLines) with += line.m_State == state ? 1 : 0;
     if (with > 0) text += std::exchange(separator, ", ") + std::to_string(with) + name;
   }
+  if (!report.m_bSearchedAll) text += "; the search for contradictions was cut short";
   return text;
 }

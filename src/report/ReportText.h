@@ -25,5 +25,5 @@ std::string NameOf(const CConstraintLine& line);
 /// "Region of 1240 points from (30, 20) to (70, 60): needs 1 height"
 std::string TextOf(const CFloatingRegion& region);
 
-/// "12 constraints: 9 kept, 2 contradict others, 1 inactive"
+/// "12 constraints: 9 kept, 2 contradicting, 1 inactive", with a word where not all contradictions may be known
 std::string SummaryOf(const CConstraintReport& report);

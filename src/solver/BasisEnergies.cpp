@@ -21,7 +21,7 @@ namespace {
 // An energy below this share of the magnitudes that have cancelled in it is rounding.
 constexpr double kRoundingShare = 1e-12;
 
-constexpr std::uint32_t kCorners = 4;
+constexpr std::uint32_t kCornerPoints = 4;
 
 // Of each of so many parents.
 constexpr std::array<double, 5> kShares{0.0, 1.0, 1.0 / 2, 1.0 / 3, 1.0 / 4};
@@ -215,7 +215,7 @@ std::uint32_t CReduction::AddKind(const CCompressedRows& smoothness, std::size_t
 
 std::vector<double> CReduction::Energies() {
   auto end = static_cast<std::uint32_t>(m_afEnergies.size());
-  while (end > kCorners && m_pBasis->Mode() != WaveletMode::None) {
+  while (end > kCornerPoints && m_pBasis->Mode() != WaveletMode::None) {
     const CPointBatch batch(*m_pOrder, m_Sites, end);
     LeaveOut(batch);
     end = batch.First();

@@ -19,7 +19,17 @@ double OntoBorder(double value, double low, double high) {
   return value > low - slack && value < high + slack ? std::clamp(value, low, high) : value;
 }
 
-// The probes that the slopes at a point are the differences of, and the size of the cell between them.
+// Where the probes lie that the slopes at a point are the differences of, and the size of the cell between them.
+struct CProbePlaces {
+  CPlanePoint m_Above{};
+  CPlanePoint m_Below{};
+  CPlanePoint m_Left{};
+  CPlanePoint m_Right{};
+  double m_fWidth = 0.0;
+  double m_fHeight = 0.0;
+};
+
+// The same as stencils.
 struct CProbes {
   CStencil m_Above;
   CStencil m_Below;
@@ -29,6 +39,19 @@ struct CProbes {
   double m_fHeight = 0.0;
 };
 
+std::optional<CProbePlaces> ProbePlacesAround(double x, double y, const CQuadTree& tree, const CLattice& lattice) {
+  const CQuadT* cell = tree.PointInCell_g(lattice.ColumnOf(x), lattice.RowOf(y));
+  if (cell == nullptr) return std::nullopt;
+  const double width = cell->Size() * lattice.StepX();
+  const double height = cell->Size() * lattice.StepY();
+  const CExtent& e = lattice.Extent();
+  const auto place = [&](double dx, double dy) {
+    return CPlanePoint{OntoBorder(x + dx, e.x0, e.x1), OntoBorder(y + dy, e.y0, e.y1)};
+  };
+  return CProbePlaces{
+      place(0, height / 2), place(0, -height / 2), place(-width / 2, 0), place(width / 2, 0), width, height};
+}
+
 bool FindPlace(const CPtCstr& constraint, const CInterpolation& surface, CStencil& stencil) {
   return constraint.IsEnabled(PtCstrKind::kPosition) &&
          surface.GetBilinearInterpolation(constraint.m_fX, constraint.m_fY, stencil);
@@ -36,19 +59,15 @@ bool FindPlace(const CPtCstr& constraint, const CInterpolation& surface, CStenci
 
 bool FindProbes(const CPtCstr& constraint, const CQuadTree& tree, const CInterpolation& surface, CProbes& probes) {
   if (!constraint.IsEnabled(PtCstrKind::kNormal)) return false;
-  const CLattice& lattice = surface.Lattice();
-  const double x = constraint.m_fX;
-  const double y = constraint.m_fY;
-  const CQuadT* cell = tree.PointInCell_g(lattice.ColumnOf(x), lattice.RowOf(y));
-  if (cell == nullptr) return false;
-  probes.m_fWidth = cell->Size() * lattice.StepX();
-  probes.m_fHeight = cell->Size() * lattice.StepY();
-  const CExtent& e = lattice.Extent();
-  const auto probe = [&](double dx, double dy, CStencil& stencil) {
-    return surface.GetBilinearInterpolation(OntoBorder(x + dx, e.x0, e.x1), OntoBorder(y + dy, e.y0, e.y1), stencil);
+  const auto places = ProbePlacesAround(constraint.m_fX, constraint.m_fY, tree, surface.Lattice());
+  if (!places) return false;
+  probes.m_fWidth = places->m_fWidth;
+  probes.m_fHeight = places->m_fHeight;
+  const auto probe = [&](const CPlanePoint& place, CStencil& stencil) {
+    return surface.GetBilinearInterpolation(place.x, place.y, stencil);
   };
-  return probe(0, probes.m_fHeight / 2, probes.m_Above) && probe(0, -probes.m_fHeight / 2, probes.m_Below) &&
-         probe(-probes.m_fWidth / 2, 0, probes.m_Left) && probe(probes.m_fWidth / 2, 0, probes.m_Right);
+  return probe(places->m_Above, probes.m_Above) && probe(places->m_Below, probes.m_Below) &&
+         probe(places->m_Left, probes.m_Left) && probe(places->m_Right, probes.m_Right);
 }
 
 }  // namespace
@@ -79,6 +98,18 @@ std::uint32_t CConstraintRows::KindsWithRows(const CPtCstr& constraint, const CQ
   CProbes probes;
   return (FindPlace(constraint, surface, place) ? PtCstrKind::kPosition : 0) |
          (FindProbes(constraint, tree, surface, probes) ? PtCstrKind::kNormal : 0);
+}
+
+std::optional<CPlanePoint> CConstraintRows::SlopesUnder(const CPtCstr& constraint, const CQuadTree& tree,
+                                                        const CInterpolation& surface) {
+  if ((KindsWithRows(constraint, tree, surface) & PtCstrKind::kNormal) == 0) return std::nullopt;
+  const CLattice& lattice = surface.Lattice();
+  const auto places = ProbePlacesAround(constraint.m_fX, constraint.m_fY, tree, lattice);
+  const auto heightAt = [&](const CPlanePoint& place) {
+    return surface.HeightAt(lattice.ColumnOf(place.x), lattice.RowOf(place.y));
+  };
+  return CPlanePoint{(heightAt(places->m_Right) - heightAt(places->m_Left)) / places->m_fWidth,
+                     (heightAt(places->m_Above) - heightAt(places->m_Below)) / places->m_fHeight};
 }
 
 bool CConstraintRows::AddPosition(const CPtCstr& constraint, const CInterpolation& surface) {

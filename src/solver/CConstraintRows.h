@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
+#include "base/CPlanePoint.h"
 #include "constraints/CPtCstrList.h"
 #include "solver/CCompressedRows.h"
 
@@ -29,7 +31,11 @@ class CConstraintRows {
   /// The kinds (PtCstrKind) of one constraint that `Add` makes rows for.
   static std::uint32_t KindsWithRows(const CPtCstr& constraint, const CQuadTree& tree, const CInterpolation& surface);
 
-  /// The same for every constraint added so far, in the order of the lists.
+  /// The slopes dz/dx and dz/dy that the surface has in the rows of a normal; nothing where `Add` makes none.
+  static std::optional<CPlanePoint> SlopesUnder(const CPtCstr& constraint, const CQuadTree& tree,
+                                                const CInterpolation& surface);
+
+  /// The kinds with rows of every constraint added so far, in the order of the lists.
   std::span<const std::uint32_t> BuiltKinds() const { return m_auBuiltKinds; }
   std::size_t Count() const { return m_afTargets.size(); }
   /// One row per constraint, one column per scan position (see CPointOrder).

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::size_t kCorners = 4;
+constexpr std::size_t kCornerUnknowns = 4;
 
 // One block may hold this many rows, whose factor is then as good as the constraints allow...
 constexpr std::size_t kLargestBlock = 256;
@@ -60,7 +60,7 @@ void CScaledSystem::ScaleBasis(const CPointOrder& order) {
   m_afBasisScale = BasisEnergies(m_pSystem->Smoothness(), m_pSystem->Basis(), order);
   for (double& value : m_afBasisScale) value = value > 0 && std::isfinite(value) ? 1.0 / std::sqrt(value) : 0.0;
   const bool predicts = m_pSystem->Basis().Mode() != WaveletMode::None;
-  const std::span<double> corners = std::span(m_afBasisScale).first(std::min(kCorners, m_afBasisScale.size()));
+  const std::span<double> corners = std::span(m_afBasisScale).first(std::min(kCornerUnknowns, m_afBasisScale.size()));
   if (predicts) std::ranges::fill(corners, 0.0);
   const double largest = m_afBasisScale.empty() ? 0.0 : std::ranges::max(m_afBasisScale);
   for (double& value : m_afBasisScale) {

@@ -4,11 +4,14 @@
 #include <cstddef>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "batch/BatchTest.h"
+#include "formats/ProjectFile.h"
 #include "formats/SurfaceExport.h"
 #include "support/ExportBuilders.h"
+#include "support/ProjectBuilders.h"
 
 namespace {
 
@@ -128,7 +131,7 @@ TEST_F(BatchExport, ClosesTearsWithWallsWhereItIsAskedTo) {
 }
 
 TEST_F(BatchExport, RefusesNamesOfNoFormatAndOptionsWithoutOne) {
-  for (const char* name : {"m", "m.grid", ".glb", "m.glb.bak", "''"})
+  for (const char* name : {"m", "m.grid", ".glb", "d/.glb", "m.glb.bak", "''"})
     ExpectRefused(std::string("model.grid --export ") + name,
                   "the name of a file is expected that ends with .glb, .obj, .ply, .stl");
   for (const char* option : {"--tears wall", "--under-width 2", "--up y", "--scale 2", "--height-scale 2", "--base 2",
@@ -165,6 +168,62 @@ TEST_F(BatchExport, OverwritesNeitherAnInputNorAnotherOutput) {
   ExpectRefused("model.grid --image a.png.json --export a.png", "are one file: a.png.json");
   ExpectRefused("model.grid --export a.obj --texture relit --export a-texture.png", "are one file");
   EXPECT_EQ(Bytes("model.obj"), Bytes("model.grid"));
+}
+
+TEST_F(BatchExport, SaysOfEachFileThatTheSurfaceIsNotTheLast) {
+  const auto sentence = [](const std::string& file) {
+    return "relievo-batch: The solver has not converged yet: " + file + " holds the surface as it is shown.\n";
+  };
+  for (const std::string quiet : {"", " --quiet"}) {
+    EXPECT_EQ(Run("model.grid --max-iterations 10 --export a.glb --export b.ply" + quiet), 3);
+    EXPECT_NE(Bytes("err").find(sentence("a.glb") + sentence("b.ply")), std::string::npos) << Bytes("err");
+    EXPECT_EQ(Run("model.grid --iterations 10 --export a.glb" + quiet), 0);
+    EXPECT_NE(Bytes("err").find(sentence("a.glb")), std::string::npos) << Bytes("err");
+  }
+  EXPECT_EQ(Run("model.grid --quiet --iterations 10 --export a.glb"), 0);
+  EXPECT_EQ(Bytes("err"), sentence("a.glb"));
+  EXPECT_EQ(Run("model.grid --quiet --export a.glb"), 0);
+  EXPECT_EQ(Bytes("err"), "") << "it has converged";
+  EXPECT_EQ(Run("model.grid --quiet --max-iterations 10 --save o.grid"), 3);
+  EXPECT_EQ(Bytes("err"), "") << "there is no export";
+  EXPECT_EQ(Run("model.grid --quiet --iterations 10 --export nowhere/a.glb"), 4);
+  EXPECT_EQ(Bytes("err").find("converged"), std::string::npos) << Bytes("err");
+}
+
+TEST_F(BatchExport, IsCalledAsTheModelWhateverTheFileIs) {
+  ASSERT_EQ(Run("model.grid --iterations 0 --export c-open.glb"), 0) << Bytes("err");
+  EXPECT_NE(Bytes("c-open.glb").find("\"name\":\"model\""), std::string::npos);
+  if (ExportFormatOf("a.html") == nullptr) return;
+  ASSERT_EQ(Run("model.grid --iterations 0 --export c-open.html"), 0) << Bytes("err");
+  EXPECT_NE(Bytes("c-open.html").find("<title>model</title>"), std::string::npos);
+}
+
+TEST_F(BatchExport, TakesOneFileForEachOption) {
+  EXPECT_EQ(Run("model.grid --iterations 0 --export b.ply c.ply"), 1);
+  EXPECT_EQ(Run("--iterations 0 --export b.ply c.ply model.grid"), 1);
+  for (const char* name : {"b.ply", "c.ply"}) EXPECT_FALSE(std::filesystem::exists(Path(name))) << name;
+  EXPECT_EQ(Run("--iterations 0 --export b.ply model.grid --export=c.ply"), 0) << Bytes("err");
+  for (const char* name : {"b.ply", "c.ply"}) EXPECT_TRUE(std::filesystem::exists(Path(name))) << name;
+}
+
+TEST_F(BatchExport, NeverOverwritesThePhotographThatAProjectRemembers) {
+  CProject project = ProjectOfOneHeight();
+  const std::string photograph = SmallBitmap();
+  project.m_Picture = {Path("cup.jpg"), "", std::make_shared<const std::string>(photograph)};
+  ASSERT_TRUE(SaveProject(project, Path("cup.relievo")));
+  ASSERT_EQ(Run("cup.relievo --iterations 0 --quiet --export cup.obj"), 0) << "there is no such file";
+  std::filesystem::remove(Path("cup.mtl"));
+  WriteText(Path("cup.jpg"), photograph);
+  for (const char* image : {"", " --image photo.bmp"}) {
+    EXPECT_EQ(Run(std::string("cup.relievo --iterations 0 --quiet --export m.ply --export cup.obj") + image), 1);
+    EXPECT_EQ(
+        Bytes("err"),
+        "relievo-batch: a file beside --export cup.obj and the photograph of cup.relievo are one file: cup.jpg\n");
+  }
+  EXPECT_TRUE(Bytes("cup.jpg") == photograph);
+  for (const char* name : {"cup.mtl", "m.ply"}) EXPECT_FALSE(std::filesystem::exists(Path(name))) << name;
+  EXPECT_EQ(Run("cup.relievo --iterations 0 --export cup.obj --texture none"), 0) << Bytes("err");
+  EXPECT_EQ(Run("cup.relievo --iterations 0 --vrml out.wrl --export cup-export.obj"), 0) << Bytes("err");
 }
 
 TEST_F(BatchExport, TellsWhatCouldNotBeWrittenAndWritesTheOthers) {

@@ -1,10 +1,12 @@
 // What the report, standard error and the exit status say of constraints that contradict each other and regions that
 // float.
 
+#include <cstddef>
 #include <sstream>
 #include <string>
 
 #include "batch/BatchTest.h"
+#include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 
 namespace {
@@ -64,6 +66,70 @@ TEST_F(WrongBatch, NamesFloatingRegions) {
   EXPECT_LE(regions[0]["box"]["x"][1], 8);
   EXPECT_GE(regions[0]["box"]["y"][0], 21.5);
   EXPECT_LE(regions[0]["box"]["y"][1], 24.5);
+}
+
+// One height less each: two heights leave a tilt about their line, one leaves that and another.
+TEST_F(WrongBatch, CountsTheFreeDirectionsOfEachRegion) {
+  CTestGrid test(4, 4);
+  AddAll(test.m_Grid, {HeightCstr(-3, 20.5, 1), HeightCstr(12, 20.5, 2), HeightCstr(-3, 25.5, 3)});
+  test.m_Grid.AddCurve(PointsAt({{1, 21.5}, {8, 21.5}, {8, 24.5}, {1, 24.5}}), kTear, true);
+  test.m_Grid.AddPtCstr(HeightCstr(4, 23, 1));
+  Write(test, "two.grid");
+  Run("two.grid --report json");
+  ASSERT_EQ(Report()["floating_regions"].size(), 1U);
+  EXPECT_EQ(Report()["floating_regions"][0]["free"], 2);
+  EXPECT_EQ(Report()["floating_regions"][0]["missing"], "needs 2 heights, can tilt about the point (4, 23)");
+  test.m_Grid.AddPtCstr(HeightCstr(6, 23, 1));
+  Write(test, "one.grid");
+  EXPECT_EQ(Run("one.grid --strict --report json"), 6);
+  ASSERT_EQ(Report()["floating_regions"].size(), 1U);
+  EXPECT_EQ(Report()["floating_regions"][0]["free"], 1);
+  const std::string tilt = Report()["floating_regions"][0]["missing"];
+  EXPECT_EQ(tilt.substr(0, 28), "can tilt about the line from") << tilt;
+  test.m_Grid.AddPtCstr(HeightCstr(5, 23.5, 1));
+  Write(test, "none.grid");
+  EXPECT_EQ(Run("none.grid --strict --report json"), 0);
+  EXPECT_EQ(Report()["floating_regions"], json::array());
+}
+
+// Two curves on one line want slopes of 0 and of 1 across it, at the same places beside it.
+TEST_F(WrongBatch, NamesTheCurvesThatContradict) {
+  CTestGrid test(4, 4);
+  AddAll(test.m_Grid, {HeightCstr(-3, 20.5, 1), HeightCstr(12, 20.5, 2), HeightCstr(-3, 25.5, 3)});
+  for (const double y : {22.0, 24.0, 24.0}) test.m_Grid.AddCurve(PointsAt({{0, y}, {9, y}}), kCrease, false);
+  for (const int curve : {1, 2}) {
+    CCntrCtrl& of = CurveAt(CStaging::Constraints(test.m_Grid).Curves(), curve);
+    of.SetOption(CurveOption::kLeftAutoBump, true);
+    of.SetOrientation(CurveSide::Left, curve == 1 ? 0 : 45);
+  }
+  Write(test, "curve.grid");
+  EXPECT_EQ(Run("curve.grid --strict --iterations 100 --report json"), 6);
+  const json contradictions = Report()["contradictions"];
+  ASSERT_GE(contradictions.size(), 1U);
+  // Across a cell of 6 / 16.
+  EXPECT_NEAR(contradictions[0]["gap"].get<double>(), 6.0 / 16, 1e-5);
+  const json constraints = contradictions[0]["constraints"];
+  ASSERT_EQ(constraints.size(), 2U);
+  for (const std::size_t k : {0U, 1U}) {
+    EXPECT_EQ(constraints[k]["curve"], k + 1);
+    EXPECT_EQ(constraints[k]["kind"], "normal");
+    EXPECT_FALSE(constraints[k].contains("index"));
+  }
+  EXPECT_NE(Bytes("err").find("Constraints that contradict each other: one of curve 1 and one of curve 2"),
+            std::string::npos)
+      << Bytes("err");
+}
+
+// The third height repeats the first.
+TEST_F(WrongBatch, NamesEveryMemberOfAContradiction) {
+  CTestGrid test(4, 4);
+  AddAll(test.m_Grid, {HeightCstr(-3, 20.5, 1), HeightCstr(12, 20.5, 2), HeightCstr(-3, 25.5, 3)});
+  AddAll(test.m_Grid, {HeightCstr(11, 25.5, 4), HeightCstr(11, 25.5, 6), HeightCstr(11, 25.5, 4)});
+  Write(test, "third.grid");
+  Run("third.grid --iterations 100 --report json");
+  EXPECT_EQ(Report()["contradictions"].size(), 2U);
+  EXPECT_NE(Bytes("err").find("Constraints that contradict each other: 3 and 4, 4 and 5."), std::string::npos)
+      << Bytes("err");
 }
 
 TEST_F(WrongBatch, TellsBothInTextAndOnStandardError) {

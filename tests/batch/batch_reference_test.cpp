@@ -2,11 +2,13 @@
 
 #include <bit>
 #include <cstdint>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "batch/BatchTest.h"
 #include "formats/ProjectFile.h"
+#include "support/BadDepthMaps.h"
 #include "support/PictureBuilders.h"
 #include "support/PictureEncoders.h"
 
@@ -25,6 +27,18 @@ std::string BowlPfm(int width, int height) {
     }
   }
   return bytes;
+}
+
+// The lines of a report that no clock has written.
+std::string WithoutSeconds(const std::string& report) {
+  std::istringstream lines(report);
+  std::string kept;
+  for (std::string line; std::getline(lines, line);) {
+    const bool timed = line.find("seconds") != std::string::npos || line.find("load") != std::string::npos ||
+                       line.find("solve") != std::string::npos || line.find("write") != std::string::npos;
+    if (!timed) kept += line + '\n';
+  }
+  return kept;
 }
 
 class BatchReference : public Batch {
@@ -61,27 +75,37 @@ TEST_F(BatchReference, ShapesTheSurface) {
 TEST_F(BatchReference, StrengthZeroIsAsNoMap) {
   ASSERT_EQ(Run("plain.grid --save a.grid --vrml a.wrl"), 0);
   const std::string lines = Bytes("err");
-  ASSERT_EQ(Run("plain.grid --save b.grid --vrml b.wrl --reference-depth map.pfm --reference-strength 0"), 0);
+  // One whose proportions are others.
+  WriteText(Path("square.pfm"), BowlPfm(60, 60));
+  ASSERT_EQ(Run("plain.grid --save b.grid --vrml b.wrl --reference-depth square.pfm --reference-strength 0"), 0);
+  EXPECT_EQ(Bytes("err"), lines);
   EXPECT_EQ(Bytes("a.grid"), Bytes("b.grid"));
   EXPECT_EQ(Bytes("a.wrl"), Bytes("b.wrl"));
   ASSERT_EQ(Run("plain.grid --save a.grid --reference-depth map.pfm"), 0);
   EXPECT_NE(Bytes("a.grid"), Bytes("b.grid"));
+  for (const char* form : {"json", "text"}) {
+    const std::string report = std::string("plain.grid --report ") + form;
+    ASSERT_EQ(Run(report), 0);
+    const std::string without = WithoutSeconds(Bytes("out"));
+    ASSERT_EQ(Run(report + " --reference-depth map.pfm --reference-strength 0"), 0);
+    EXPECT_EQ(WithoutSeconds(Bytes("out")), without);
+    EXPECT_FALSE(without.empty());
+  }
 }
 
 TEST_F(BatchReference, AMapThatCannotBeReadIsAnInputThatIsMissing) {
-  WriteText(Path("cut.pfm"), BowlPfm(160, 60).substr(0, 1000));
   WriteText(Path("colour.png"), TestPng(Squares(32, 12), {}));
-  WriteText(Path("single.pfm"), BowlPfm(1, 1));
-  WriteText(Path("nan.pfm"), "Pf\n2 2\n-1\n" + std::string("\0\0\xC0\x7F\0\0\xC0\x7F\0\0\xC0\x7F\0\0\xC0\x7F", 16));
-  WriteText(Path("immense.pfm"), "Pf\n20000 20000\n-1\n" + std::string(64, '\0'));
-  WriteText(Path("another.pfm"), BowlPfm(4, 4).replace(3, 3, "9 9"));
-  for (const char* name :
-       {"none.pfm", "cut.pfm", "colour.png", "plain.grid", "single.pfm", "nan.pfm", "immense.pfm", "another.pfm"}) {
-    EXPECT_EQ(Run(std::string("plain.grid --save o.grid --reference-depth ") + name), 2) << name;
-    EXPECT_NE(Bytes("err").find(std::string("The file ") + name + " is not a depth map that can be read: "),
-              std::string::npos)
-        << Bytes("err");
-    EXPECT_FALSE(std::filesystem::exists(Path("o.grid")));
+  std::vector<std::string> names{"none.pfm", "colour.png", "plain.grid"};
+  for (const CBadDepthMap& bad : BadDepthMaps()) {
+    names.push_back(bad.m_Name);
+    WriteText(Path(bad.m_Name), bad.m_Bytes);
+  }
+  WriteText(Path("o.grid"), "as before");
+  for (const std::string& name : names) {
+    EXPECT_EQ(Run("plain.grid --save o.grid --reference-depth '" + name + "'"), 2) << name;
+    EXPECT_NE(Bytes("err").find("The file " + name + " is not a depth map that can be read: "), std::string::npos)
+        << name << ' ' << Bytes("err");
+    EXPECT_EQ(Bytes("o.grid"), "as before") << name;
   }
 }
 
@@ -94,6 +118,11 @@ TEST_F(BatchReference, ProportionsAreTold) {
       Bytes("err").find("The file square.pfm has other proportions (60 x 60) than what it is stretched over (16 x 6)."),
       std::string::npos)
       << Bytes("err");
+  const std::string alone = "plain.grid --iterations 0 --reference-depth square.pfm --reference-strength 0";
+  ASSERT_EQ(Run(alone), 0);
+  EXPECT_EQ(Bytes("err").find("proportions"), std::string::npos) << "it counts for nothing";
+  ASSERT_EQ(Run(alone + " --suggest-tears 2"), 0);
+  EXPECT_NE(Bytes("err").find("has other proportions"), std::string::npos) << "its tears do";
 }
 
 TEST_F(BatchReference, OptionsWantAMap) {

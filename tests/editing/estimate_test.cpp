@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -140,6 +141,60 @@ TEST_F(EstimateTest, CancellingEndsAllThatItHasStarted) {
   EXPECT_FALSE(m_Estimate.IsRunning());
   EXPECT_TRUE(WaitUntil([&] { return !Lives(child) && !Lives(self); }));
   EXPECT_TRUE(fs::is_empty(m_Temporary.Path()));
+}
+
+TEST_F(EstimateTest, CancellingEndsWhatHasLeftTheGroup) {
+  const std::string text = "setsid sh -c 'echo $$ > " + m_Scratch.File("child") + R"(; setsid sh -c "echo \$\$ > )" +
+                           m_Scratch.File("orphan") + R"(; exec sleep 1000" & exec sleep 1000' & sleep 1000)";
+  ASSERT_EQ(m_Estimate.Begin(Script(text), GreyPicture()), "");
+  const pid_t child = ProcessIn("child");
+  const pid_t orphan = ProcessIn("orphan");
+  kill(child, SIGKILL);
+  EXPECT_TRUE(WaitUntil([&] { return !Lives(child); }));
+  EXPECT_TRUE(Lives(orphan));
+  m_Estimate.Cancel();
+  EXPECT_TRUE(WaitUntil([&] { return !Lives(orphan); }));
+}
+
+// Its pipe holds a megabyte, and nobody has read any of it when it has ended.
+TEST_F(EstimateTest, TheLastLineIsReadHoweverMuchIsBeforeIt) {
+  const std::string text = "echo $$ > " + m_Scratch.File("self") + "; while [ ! -e " + m_Scratch.File("wide") +
+                           " ]; do sleep 0.02; done; head -c 900000 /dev/zero | tr '\\0' '\\n'; echo the last; " +
+                           kRamp;
+  ASSERT_EQ(m_Estimate.Begin(Script(text), GreyPicture()), "");
+  const pid_t self = ProcessIn("self");
+  const int pipe = open(("/proc/" + std::to_string(self) + "/fd/1").c_str(), O_WRONLY | O_NONBLOCK);
+  ASSERT_GE(pipe, 0);
+  const int size = fcntl(pipe, F_SETPIPE_SZ, 1 << 20);
+  close(pipe);
+  ASSERT_EQ(size, 1 << 20);
+  WriteText(m_Scratch.File("wide"), "");
+  EXPECT_TRUE(WaitUntil([&] { return !Lives(self); }));
+  std::optional<CEstimate::CResult> result;
+  EXPECT_TRUE(WaitUntil([&] { return (result = m_Estimate.Attend()).has_value(); }));
+  EXPECT_EQ(m_Estimate.LastLine(), "the last");
+}
+
+TEST_F(EstimateTest, FoldersOfProcessesThatWereKilledAreSwept) {
+  const pid_t gone = fork();
+  if (gone == 0) _exit(0);
+  waitpid(gone, nullptr, 0);
+  const fs::path temporary = m_Temporary.Path();
+  const fs::path left = temporary / ("relievo-estimate-" + std::to_string(gone) + "-Ab12Cd");
+  const fs::path living = temporary / ("relievo-estimate-" + std::to_string(getppid()) + "-Ab12Cd");
+  const fs::path other = temporary / ("relievo-" + std::to_string(gone) + "-Ab12Cd");
+  const fs::path elsewhere = m_Scratch.Path() / "elsewhere";
+  const fs::path link = temporary / ("relievo-estimate-" + std::to_string(gone) + "-Linked");
+  for (const fs::path& folder : {left, living, other, elsewhere}) {
+    fs::create_directory(folder);
+    WriteText((folder / "image.png").string(), "old");
+  }
+  fs::create_directory_symlink(elsewhere, link);
+  Run(Script(kRamp));
+  EXPECT_FALSE(fs::exists(left));
+  EXPECT_TRUE(fs::exists(living));
+  EXPECT_TRUE(fs::exists(other));
+  EXPECT_TRUE(fs::exists(elsewhere / "image.png"));
 }
 
 TEST_F(EstimateTest, WhatItLeavesRunningEndsWithIt) {

@@ -27,6 +27,10 @@ class ExportCommandsTest : public GridCommandsTest {
     services.m_Export.m_AskModel = [this](CExportSurvey& survey, const CExportSettings& given) {
       Note("ask model");
       m_bPhotograph = given.m_pPhotograph != nullptr;
+      if (m_Model.has_value()) {
+        m_Model->m_Settings.m_pPhotograph = given.m_pPhotograph;
+        m_Model->m_Settings.m_pPictures = given.m_pPictures;
+      }
       if (m_Model.has_value()) m_Described = survey.DescribeExport(*m_Model->m_pFormat, m_Model->m_Settings);
       return m_Model;
     };
@@ -156,6 +160,34 @@ TEST_F(ExportCommandsTest, KeepsTheOldFileOnce) {
   EXPECT_EQ(BytesOf(m_Scratch.File("a.stl~")), "old");
 }
 
+TEST_F(ExportCommandsTest, KeepsTheOldOnesOfAllFilesOfAModel) {
+  Grid().Relighting().SetPicture(PlainPicture(3, 2, 10, 200, 30));
+  const Done names{"a.jpg", "a.mtl", "a.obj", "a-texture.png"};
+  for (const std::string& name : names) WriteText(m_Scratch.File(name), "old");
+  Export(".obj", m_Scratch.File("a.obj"));
+  Export(".obj", m_Scratch.File("a.obj"));
+  for (const char* name : {"a.jpg", "a.mtl", "a.obj"}) {
+    EXPECT_NE(BytesOf(m_Scratch.File(name)), "old") << name;
+    EXPECT_EQ(BytesOf(m_Scratch.File(name + std::string("~"))), "old") << name;
+  }
+  EXPECT_EQ(BytesOf(m_Scratch.File("a-texture.png")), "old");
+  EXPECT_FALSE(fs::exists(m_Scratch.File("a-texture.png~")));
+  WriteText(m_Scratch.File("b.png.json"), "old");
+  Export(".png", m_Scratch.File("b.png"));
+  EXPECT_EQ(BytesOf(m_Scratch.File("b.png.json~")), "old");
+}
+
+TEST_F(ExportCommandsTest, TheModelIsCalledAsItsOwnFile) {
+  const auto isNamed = [](const std::string& file, const std::string& name) {
+    return BytesOf(file).find(R"("name":")" + name + '"') != std::string::npos;
+  };
+  Export(".glb", m_Scratch.File("c-open.glb"));
+  EXPECT_TRUE(isNamed(m_Scratch.File("c-open.glb"), "c-open")) << "the model has none";
+  m_Commands.Files().SetModel({.m_File = "/models/coffee.grid"});
+  Export(".glb", m_Scratch.File("c-open.glb"));
+  EXPECT_TRUE(isNamed(m_Scratch.File("c-open.glb"), "coffee"));
+}
+
 TEST_F(ExportCommandsTest, TellsOfASurfaceThatIsNotTheLast) {
   Export(".stl", m_Scratch.File("a.stl"));
   ASSERT_EQ(m_Host.m_asNotices.size(), 1U);
@@ -163,6 +195,15 @@ TEST_F(ExportCommandsTest, TellsOfASurfaceThatIsNotTheLast) {
             "The solver has not converged yet: " + m_Scratch.File("a.stl") + " holds the surface as it is shown.");
   for (int tick = 0; tick < 1000 && !Grid().Solver().HasConverged(); ++tick) Grid().UpdateGrid();
   Export(".stl", m_Scratch.File("a.stl"));
+  EXPECT_EQ(m_Host.m_asNotices.size(), 1U);
+}
+
+TEST_F(ExportCommandsTest, TellsOfAFilmOfASurfaceThatIsNotTheLast) {
+  ExportFilm(ShortTurn(), m_Scratch.File("a.webp"));
+  EXPECT_EQ(m_Host.m_asNotices, Done{"The solver has not converged yet: " + m_Scratch.File("a.webp") +
+                                     " holds the surface as it is shown."});
+  for (int tick = 0; tick < 1000 && !Grid().Solver().HasConverged(); ++tick) Grid().UpdateGrid();
+  ExportFilm(ShortTurn(), m_Scratch.File("a.webp"));
   EXPECT_EQ(m_Host.m_asNotices.size(), 1U);
 }
 

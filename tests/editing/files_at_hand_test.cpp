@@ -170,6 +170,26 @@ TEST_F(FilesAtHandTest, AFileIsKnownByAllOfItsNames) {
   EXPECT_FALSE(std::filesystem::exists(file + "~"));
 }
 
+TEST_F(FilesAtHandTest, OfFilesWrittenTogetherEachStrangeOneIsKept) {
+  const std::vector<std::string> files{m_Scratch.File("a.obj"), m_Scratch.File("a.mtl"), m_Scratch.File("a.jpg")};
+  for (const std::string& file : files) WriteText(file, "theirs");
+  const auto put = [](const std::string& file) {
+    CSafeFile safe(file);
+    safe.Text() << "new";
+    return safe.Commit();
+  };
+  EXPECT_TRUE(m_Files.Write(files, [&] { return put(files[0]) && put(files[1]); }));
+  for (const std::size_t k : {0U, 1U}) {
+    EXPECT_EQ(BytesOf(files[k]), "new");
+    EXPECT_EQ(BytesOf(files[k] + "~"), "theirs");
+  }
+  EXPECT_EQ(BytesOf(files[2]), "theirs");
+  EXPECT_FALSE(std::filesystem::exists(files[2] + "~"));
+  EXPECT_TRUE(m_Files.Write(files, [&] { return put(files[0]) && put(files[2]); }));
+  EXPECT_EQ(BytesOf(files[0] + "~"), "theirs") << "its second time";
+  EXPECT_EQ(BytesOf(files[2] + "~"), "theirs") << "its first time";
+}
+
 TEST_F(FilesAtHandTest, AFileThatCouldNotBeWrittenStaysStrange) {
   const std::string file = m_Scratch.File("a.grid");
   WriteText(file, "theirs");

@@ -113,11 +113,11 @@ TEST_F(NamedFilesTest, SavingAgainWithoutANameAsksForOne) {
   EXPECT_EQ(m_asDone, Done{"project /a.relievo"});
   ASSERT_EQ(m_Host.m_aChoosers.size(), 1U);
   EXPECT_EQ(m_Host.m_aChoosers.front().first, "please input project file name");
-  EXPECT_TRUE(m_Host.m_asSaved.empty());
+  EXPECT_EQ(m_Host.m_asSaved, Done{"/a.relievo"});
   m_Commands.SaveAgain();
   EXPECT_EQ(m_asDone, (Done{"project /a.relievo", "project /a.relievo"}));
   EXPECT_EQ(m_Host.m_aChoosers.size(), 1U);
-  EXPECT_EQ(m_Host.m_asSaved, Done{"/a.relievo"});
+  EXPECT_EQ(m_Host.m_asSaved, (Done{"/a.relievo", "/a.relievo"}));
 }
 
 TEST_F(NamedFilesTest, SavingAgainThatFailsIsTold) {

@@ -57,6 +57,7 @@ TEST_F(ProjectCommandsTest, SavingAsksForAFileAndGivesTheModelItsName) {
             (std::pair<std::string, std::string>("please input project file name", "*.relievo")));
   EXPECT_EQ(m_Commands.Files().Model().m_File, "/cup.relievo");
   EXPECT_EQ(m_iSaved, 1);
+  EXPECT_EQ(m_Host.m_asSaved, Done{"/cup.relievo"});
   EXPECT_TRUE(Grid().Run().IsRunning());
 }
 

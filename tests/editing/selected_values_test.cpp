@@ -244,3 +244,21 @@ TEST_F(SelectedValuesTest, GroupIsChangedAndDeletedInOneStepEach) {
   EXPECT_EQ(RecordAt(points, 1).m_fZ, 3);
   EXPECT_EQ(m_Test.Taken(), (StepTexts{"undone delete points", "undone move heights"}));
 }
+
+// Without a history, whose copies would take the place of the record that is deleted.
+TEST(SelectedValuesAloneTest, DirectionOfALevelSlopeIsNobodyElses) {
+  CTestGrid test;
+  CGrid& grid = test.m_Grid;
+  CSelectedValues values(grid);
+  const auto direction = [&] { return values.Value(ConstraintValue::Direction).value_or(NAN); };
+  for (int k = 0; k < 20; ++k) {
+    grid.AddPtCstr({6, 22, PtCstrKind::kNormal});
+    grid.PointEdits().SelectNumber(0);
+    EXPECT_EQ(direction(), 0);
+    EXPECT_EQ(values.Set(ConstraintValue::Direction, 30), "");
+    EXPECT_EQ(direction(), 30);
+    EXPECT_EQ(values.Set(ConstraintValue::X, 7), "");
+    EXPECT_EQ(direction(), 30) << "it has only been moved";
+    grid.PointEdits().DeleteSelected();
+  }
+}

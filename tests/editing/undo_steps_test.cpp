@@ -16,6 +16,13 @@ struct CSizedState {
 
 using CSteps = CUndoSteps<CSizedState>;
 
+// With something of 500 bytes that others may hold, too.
+struct CSharingState {
+  const int* m_pThing = nullptr;
+  static std::size_t Bytes() { return 1; }
+  CSharedMemory Shared() const { return {m_pThing, 500}; }
+};
+
 CSteps Done(int count, std::size_t bytes = 1, std::size_t most = 1000) {
   CSteps steps(most);
   for (int k = 0; k < count; ++k) steps.Add("step " + std::to_string(k), {k, bytes});
@@ -81,6 +88,37 @@ TEST(UndoStepsTest, TheLatestIsKeptHoweverLarge) {
   CSteps steps = Done(3, 5000);
   EXPECT_EQ(steps.UndoCount(), 1U);
   EXPECT_EQ(steps.UndoState().m_iNumber, 2);
+}
+
+TEST(UndoStepsTest, WhatTheyShareCountsOnce) {
+  const int first = 0;
+  const int second = 0;
+  CUndoSteps<CSharingState> steps(1100);
+  for (const int* thing : {&first, &first, &first}) steps.Add("step", {thing});
+  EXPECT_EQ(steps.Bytes(), 503U);
+  steps.Add("step", {&second});
+  EXPECT_EQ(steps.Bytes(), 1004U);
+  steps.Undo({nullptr});
+  EXPECT_EQ(steps.Bytes(), 504U);
+  steps.ForgetRedo();
+  steps.DropUndo();
+  EXPECT_EQ(steps.Bytes(), 502U);
+  steps.Clear();
+  EXPECT_EQ(steps.Bytes(), 0U);
+}
+
+TEST(UndoStepsTest, WhatThePresentHoldsWouldNotBeFreed) {
+  const int kept = 0;
+  const int removed = 0;
+  CUndoSteps<CSharingState> steps(600);
+  steps.SetHeld(&kept);
+  for (int k = 0; k < 50; ++k) steps.Add("step", {&kept});
+  EXPECT_EQ(steps.UndoCount(), 50U);
+  steps.Add("step", {&removed});
+  EXPECT_EQ(steps.UndoCount(), 51U);
+  steps.SetHeld(nullptr);
+  steps.Add("step", {});
+  EXPECT_EQ(steps.UndoCount(), 2U) << "the oldest go";
 }
 
 TEST(UndoStepsTest, CountTheirMemoryWhereverTheyAre) {

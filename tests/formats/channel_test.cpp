@@ -1,5 +1,6 @@
 // Heights and depths: one channel of numbers as they are stored.
 
+#include <array>
 #include <fstream>
 #include <limits>
 #include <string>
@@ -7,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "formats/CChannelSink.h"
 #include "formats/ChannelFormats.h"
 #include "support/BmpBuilders.h"
 #include "support/CTemporaryDirectory.h"
@@ -94,6 +96,35 @@ TEST_F(ChannelTest, OnlyTheOrientationIsApplied) {
   EXPECT_EQ(turned.m_iWidth, 24);
   EXPECT_EQ(turned.m_afValues.back(), static_cast<float>(PixelAt(m_Source, 0, 0)[1]))
       << "its top left corner goes right";
+}
+
+// Made to be looked at, sixteen bits become eight, and what is negative comes above the rest.
+TEST_F(ChannelTest, NumbersWithASignAreRefusedRatherThanConverted) {
+  CTiffSettings settings;
+  settings.m_Kind = TiffKind::Grey;
+  settings.m_bSigned = true;
+  for (const int bits : {8, 16}) {
+    settings.m_iBits = bits;
+    const CReadChannel read = Read(TestTiff(m_Source, settings));
+    EXPECT_EQ(read.m_Trouble, PictureTrouble::Damaged) << bits;
+    EXPECT_EQ(read.m_Reason,
+              "its numbers are of a kind that is not read; 8 or 16 bits without a sign, or floats of 32 bits, are");
+    EXPECT_TRUE(read.m_afValues.empty());
+  }
+}
+
+TEST(ChannelSinkTest, ThreeChannelsWithoutANumberAreOne) {
+  CChannelSink sink;
+  CRaster raster;
+  raster.m_iWidth = 2;
+  raster.m_iHeight = 1;
+  raster.m_iBits = 32;
+  ASSERT_TRUE(sink.Begin(raster));
+  const float none = std::numeric_limits<float>::quiet_NaN();
+  sink.Row(std::array{none, none, none, 2.0F, 2.0F, 2.0F}.data());
+  EXPECT_TRUE(sink.IsOneChannel());
+  sink.Row(std::array{2.0F, none, 2.0F, 2.0F, 2.0F, 2.0F}.data());
+  EXPECT_FALSE(sink.IsOneChannel());
 }
 
 TEST_F(ChannelTest, WhatIsCutOrNoPictureIsRefused) {

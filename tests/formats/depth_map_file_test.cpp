@@ -11,6 +11,7 @@
 
 #include "formats/DepthMapFile.h"
 #include "formats/SurfaceExport.h"
+#include "support/BadDepthMaps.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
 #include "support/GridBuilders.h"
@@ -123,6 +124,27 @@ TEST(DepthMapFileTest, CutPicturesAreRefused) {
   EXPECT_EQ(ReadMap(whole.substr(0, whole.size() * 3 / 4)).m_Reason, "it is damaged, or ends early");
   EXPECT_FALSE(ReadMap("rubbish"));
   EXPECT_FALSE(ReadMap(""));
+}
+
+// The library takes a list of strips that is too short for complete.
+TEST(DepthMapFileTest, RowsThatATiffOnlyAnnouncesAreMissed) {
+  CTiffSettings tiff;
+  tiff.m_Kind = TiffKind::Grey;
+  for (const int bits : {8, 16}) {
+    tiff.m_iBits = bits;
+    const std::string whole = TestTiff(GreySquares(), tiff);
+    ASSERT_TRUE(ReadMap(whole));
+    EXPECT_EQ(ReadMap(WithTiffSize(whole, 32, 400)).m_Reason, "it is damaged, or ends early") << bits;
+  }
+}
+
+// A small file could ask for a gigabyte so. Here the rows are as long as they must be.
+TEST(DepthMapFileTest, ATiffOfAHundredSamplesIsRefused) {
+  CTiffSettings tiff;
+  tiff.m_Kind = TiffKind::Grey;
+  std::string many = TestTiff(GreySquare(200), tiff);
+  many[PlaceOfTag(many, 277)] = 100;
+  EXPECT_FALSE(ReadMap(WithTiffSize(many, 2, 200)));
 }
 
 TEST(DepthMapFileTest, ASingleValueAndNoneAtAllAreRefused) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -22,34 +23,22 @@
 #include "formats/PlyFile.h"
 #include "formats/PngBytes.h"
 #include "formats/StlFile.h"
+#include "formats/SurfaceExport.h"
 #include "support/BmpBuilders.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/CleanMeshBuilders.h"
+#include "support/ExportBuilders.h"
 #include "support/FileBuilders.h"
+#include "support/MeshFileBuilders.h"
 #include "support/ProgramRun.h"
 
 namespace {
-
-using CPoint = std::array<float, 3>;
-
-// A roof over a rectangle of 4 by 2: its ridge runs up the picture.
-CFileMesh Roof() {
-  const float s = std::sqrt(0.5F);
-  CFileMesh mesh;
-  mesh.m_aPositions = {{-2, -1, 0}, {0, -1, 2}, {2, -1, 0}, {-2, 1, 0}, {0, 1, 2}, {2, 1, 0}};
-  mesh.m_aNormals = {{-s, 0, s}, {0, 0, 1}, {s, 0, s}, {-s, 0, s}, {0, 0, 1}, {s, 0, s}};
-  mesh.m_aPicturePlaces = {{0, 0}, {0.5, 0}, {1, 0}, {0, 1}, {0.5, 1}, {1, 1}};
-  mesh.m_aTriangles = {{0, 1, 3}, {1, 4, 3}, {1, 2, 4}, {2, 5, 4}};
-  mesh.m_afMiddle = {10.5, -3};
-  mesh.m_fScale = 0.25;
-  return mesh;
-}
 
 // Red, green, blue, white from the lower left corner on, in rows.
 CPicture FourColours() { return {2, 2, {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255}}; }
 
 // With the third coordinate upwards; a format that has the second one upwards mirrors the third.
-CPoint Upright(const CPoint& p) { return {p[0], p[2], -p[1]}; }
+CFilePoint Upright(const CFilePoint& p) { return {p[0], p[2], -p[1]}; }
 
 }  // namespace
 
@@ -96,8 +85,9 @@ TEST(GlbTest, HoldsTheMeshWithTheHeightUpwards) {
   const auto places = NumbersOf<float>(read.m_Model, surface.attributes.at("TEXCOORD_0"), 2);
   ASSERT_EQ(positions.size(), 3 * mesh.m_aPositions.size());
   for (std::size_t v = 0; v < mesh.m_aPositions.size(); ++v) {
-    EXPECT_EQ((CPoint{positions[3 * v], positions[3 * v + 1], positions[3 * v + 2]}), Upright(mesh.m_aPositions[v]));
-    EXPECT_EQ((CPoint{normals[3 * v], normals[3 * v + 1], normals[3 * v + 2]}), Upright(mesh.m_aNormals[v]));
+    EXPECT_EQ((CFilePoint{positions[3 * v], positions[3 * v + 1], positions[3 * v + 2]}),
+              Upright(mesh.m_aPositions[v]));
+    EXPECT_EQ((CFilePoint{normals[3 * v], normals[3 * v + 1], normals[3 * v + 2]}), Upright(mesh.m_aNormals[v]));
     EXPECT_EQ(places[2 * v], mesh.m_aPicturePlaces[v][0]);
     EXPECT_EQ(places[2 * v + 1], 1 - mesh.m_aPicturePlaces[v][1]) << "rows of pictures run from the top";
   }
@@ -215,9 +205,9 @@ TEST(ObjTest, HoldsTheMeshInEitherDirection) {
       const std::vector<float>& p = read.m_Attributes.vertices;
       const std::vector<float>& n = read.m_Attributes.normals;
       const bool turned = up == UpAxis::Y;
-      EXPECT_EQ((CPoint{p[3 * v], p[3 * v + 1], p[3 * v + 2]}),
+      EXPECT_EQ((CFilePoint{p[3 * v], p[3 * v + 1], p[3 * v + 2]}),
                 turned ? Upright(mesh.m_aPositions[v]) : mesh.m_aPositions[v]);
-      EXPECT_EQ((CPoint{n[3 * v], n[3 * v + 1], n[3 * v + 2]}),
+      EXPECT_EQ((CFilePoint{n[3 * v], n[3 * v + 1], n[3 * v + 2]}),
                 turned ? Upright(mesh.m_aNormals[v]) : mesh.m_aNormals[v]);
       EXPECT_EQ(read.m_Attributes.texcoords[2 * v], mesh.m_aPicturePlaces[v][0]);
       EXPECT_EQ(read.m_Attributes.texcoords[2 * v + 1], mesh.m_aPicturePlaces[v][1]);
@@ -253,29 +243,26 @@ TEST(ObjTest, KeepsEveryBitOfItsNumbers) {
   for (std::size_t k = 0; k < 3; ++k) EXPECT_FLOAT_EQ(read.m_Attributes.vertices[k], mesh.m_aPositions[0][k]);
 }
 
+// The other program finds the files beside the model by what the model says.
+TEST(ObjTest, IsReadFromAFolderWithItsTexture) {
+  const CTornGrid grid({});
+  const CReadPicture photograph = PhotographOf(FourColours());
+  CExportSettings settings;
+  settings.m_pPhotograph = &photograph;
+  for (const char* name : {"my c\xC3\xBCp.obj", "-dash.obj", "two\tlines\n.obj"}) {
+    const CTemporaryDirectory directory;
+    ASSERT_TRUE(ExportSurface(grid.m_Grid, directory.File(name), settings));
+    tinyobj::ObjReader reader;
+    ASSERT_TRUE(reader.ParseFromFile(directory.File(name))) << reader.Error();
+    EXPECT_EQ(reader.Warning(), "");
+    ASSERT_EQ(reader.GetMaterials().size(), 1U) << name;
+    const std::string texture = reader.GetMaterials().front().diffuse_texname;
+    EXPECT_TRUE(std::filesystem::is_regular_file(directory.File(texture))) << texture;
+    EXPECT_EQ(reader.GetShapes().front().mesh.material_ids.front(), 0);
+  }
+}
+
 // PLY, read by a dozen lines.
-
-namespace {
-
-ByteSink AppendTo(std::string& bytes) {
-  return [&bytes](std::string_view piece) { bytes += piece; };
-}
-
-std::string StlBytes(const CFileMesh& mesh, UpAxis up) {
-  std::string bytes;
-  PutStl(mesh, up, AppendTo(bytes));
-  return bytes;
-}
-
-template <typename Value>
-Value Take(const std::string& bytes, std::size_t& at) {
-  Value value{};
-  std::memcpy(&value, bytes.data() + at, sizeof(value));
-  at += sizeof(value);
-  return value;
-}
-
-}  // namespace
 
 TEST(PlyTest, HoldsTheMeshWithItsColours) {
   const CFileMesh mesh = Roof();
@@ -293,8 +280,8 @@ TEST(PlyTest, HoldsTheMeshWithItsColours) {
   const std::array<Bytes, 6> colours{Bytes{255, 0, 0}, {0, 255, 0},     {0, 255, 0},
                                      {0, 0, 255},      {255, 255, 255}, {255, 255, 255}};
   for (std::size_t v = 0; v < mesh.m_aPositions.size(); ++v) {
-    EXPECT_EQ(Take<CPoint>(bytes, at), mesh.m_aPositions[v]);
-    EXPECT_EQ(Take<CPoint>(bytes, at), mesh.m_aNormals[v]);
+    EXPECT_EQ(Take<CFilePoint>(bytes, at), mesh.m_aPositions[v]);
+    EXPECT_EQ(Take<CFilePoint>(bytes, at), mesh.m_aNormals[v]);
     EXPECT_EQ((Take<std::array<float, 2>>(bytes, at)), mesh.m_aPicturePlaces[v]);
     EXPECT_EQ(Take<Bytes>(bytes, at), colours[v]);
   }
@@ -311,73 +298,7 @@ TEST(PlyTest, WithoutAPictureHasNoColours) {
   EXPECT_EQ(bytes.find("uchar red"), std::string::npos);
   std::size_t at = bytes.find("end_header\n") + 11;
   EXPECT_EQ(bytes.size() - at, 6 * 32U + 4 * 13U);
-  EXPECT_EQ(Take<CPoint>(bytes, at), Upright(Roof().m_aPositions[0]));
+  EXPECT_EQ(Take<CFilePoint>(bytes, at), Upright(Roof().m_aPositions[0]));
 }
 
 // STL.
-
-namespace {
-
-// The roof closed to a solid.
-CFileMesh House() {
-  CFileMesh mesh = Roof();
-  mesh.m_aTriangles = {{0, 1, 3}, {1, 4, 3}, {1, 2, 4}, {2, 5, 4}, {0, 2, 1}, {3, 4, 5}, {0, 3, 2}, {2, 3, 5}};
-  return mesh;
-}
-
-// A text with one blank behind each word.
-std::string WordsOf(const std::string& text) {
-  std::istringstream in(text);
-  std::string words;
-  for (std::string word; in >> word;) words += word + ' ';
-  return words;
-}
-
-}  // namespace
-
-TEST(StlTest, IsAClosedSolidForAnotherProgram) {
-  const CTemporaryDirectory directory;
-  for (const UpAxis up : {UpAxis::Y, UpAxis::Z}) {
-    WriteText(directory.File("house.stl"), StlBytes(House(), up));
-    ASSERT_EQ(RunIn(directory.Path(), "admesh house.stl"), 0);
-    const std::string report = WordsOf(BytesOf(directory.File("out")));
-    const auto says = [&report](const std::string& words) { return report.find(words) != std::string::npos; };
-    EXPECT_TRUE(says("Number of facets : 8 8 ")) << report;
-    EXPECT_TRUE(says("Total disconnected facets : 0 0 ")) << report;
-    EXPECT_TRUE(says("Number of parts : 1 Volume : 8.000000 ")) << report;
-    EXPECT_TRUE(
-        says("Degenerate facets : 0 Edges fixed : 0 Facets removed : 0 Facets added : 0 Facets reversed : 0 "
-             "Backwards edges : 0 Normals fixed : 0 "))
-        << report;
-    EXPECT_TRUE(says(up == UpAxis::Z ? "Max Z = 2.000000" : "Max Y = 2.000000")) << report;
-  }
-}
-
-TEST(StlTest, IsASolidForAnotherProgramWhereHighAndLowQuartersMeetInOnePoint) {
-  const CTemporaryDirectory directory;
-  for (const double crossing : {7.4, 8.0, 7.75}) {
-    CTornGrid grid({{{{0.0, crossing}, {16.0, crossing}}}, {{{8.3, 0.0}, {8.3, 16.0}}}});
-    grid.Raise([&](int column, int row) {
-      const bool right = column > 8.3;
-      const bool upper = row > crossing;
-      return right == upper ? (right ? 7.0 : 5.0) : (right ? 1.0 : 2.0);
-    });
-    WriteText(directory.File("quarters.stl"), StlBytes(CleanSolid(grid.m_Grid, {}, 2.0), UpAxis::Z));
-    ASSERT_EQ(RunIn(directory.Path(), "admesh quarters.stl"), 0);
-    const std::string report = WordsOf(BytesOf(directory.File("out")));
-    const auto says = [&report](const std::string& words) { return report.find(words) != std::string::npos; };
-    EXPECT_TRUE(says("Total disconnected facets : 0 0 ")) << report;
-    EXPECT_TRUE(says("Facets removed : 0 Facets added : 0 Facets reversed : 0 Backwards edges : 0 ")) << report;
-    EXPECT_TRUE(says("Number of parts : 1 Volume : ")) << report;
-    EXPECT_FALSE(says("Volume : -")) << report;
-  }
-}
-
-TEST(StlTest, SaysNothingOfTheDirectionOfATriangleWithoutArea) {
-  CFileMesh mesh = Roof();
-  mesh.m_aTriangles = {{0, 0, 1}};
-  const std::string bytes = StlBytes(mesh, UpAxis::Z);
-  std::size_t at = 84;
-  EXPECT_EQ(Take<CPoint>(bytes, at), (CPoint{0, 0, 0}));
-  EXPECT_EQ(bytes.size(), 84U + 50U);
-}

@@ -90,6 +90,18 @@ TEST(PageTest, KeepsTheLicenceOfItsScripts) {
     EXPECT_NE(page.find(part), std::string::npos) << part;
 }
 
+TEST(PageTest, HasTheModelsNameOrElseItsOwn) {
+  const CTemporaryDirectory directory;
+  const CTornGrid grid({});
+  CExportSettings settings;
+  const std::string file = directory.File("c-open.html");
+  for (const std::string title : {"c-open", "coffee"}) {
+    ASSERT_TRUE(ExportSurface(grid.m_Grid, file, settings));
+    EXPECT_EQ(Between(BytesOf(file), "<title>", "</title>"), title);
+    settings.m_Name = "coffee";
+  }
+}
+
 TEST(PageTest, HoldsThreeHundredMegabytesAtMost) {
   CPageContents contents{"cup", "", "Photograph", {}};
   contents.m_Glb.resize(300'000'001);

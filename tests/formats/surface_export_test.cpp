@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <limits>
 #include <map>
 #include <memory>
@@ -125,6 +126,26 @@ TEST(CleanFileMeshTest, GivesWallsNormalsOfTheirOwn) {
     EXPECT_EQ(walled.m_aNormals[v], (CPoint{-1, 0, 0})) << "towards the lower side";
 }
 
+// A wall shows what the higher side, which hides the other, has at the curve.
+TEST(CleanFileMeshTest, GivesWallsThePictureOfTheNearSide) {
+  CTornGrid grid({{{{8.3, -1}, {8.3, 17}}}});
+  grid.Raise([](int column, int row) { return column > 8 ? 5.0 + 0.1 * row : 0.0; });
+  const CFileMesh open = CleanFileMesh(grid.m_Grid, {});
+  const CFileMesh walled = CleanFileMesh(grid.m_Grid, {TearGap::Wall});
+  std::map<std::pair<float, float>, std::array<float, 2>> near;
+  for (std::size_t v = 0; v < open.m_aPositions.size(); ++v) {
+    const CPoint& p = open.m_aPositions[v];
+    if (p[2] >= 5) near[{p[0], p[1]}] = open.m_aPicturePlaces[v];
+  }
+  ASSERT_GT(walled.m_aPositions.size(), open.m_aPositions.size() + 3 * 16);
+  for (std::size_t v = open.m_aPositions.size(); v < walled.m_aPositions.size(); ++v) {
+    const auto found = near.find({walled.m_aPositions[v][0], walled.m_aPositions[v][1]});
+    ASSERT_NE(found, near.end());
+    EXPECT_EQ(walled.m_aPicturePlaces[v], found->second);
+    EXPECT_NEAR(found->second[0], 8.3 / 16, 1e-6);
+  }
+}
+
 TEST(CleanFileMeshTest, LetsTheLowerSideRunOnBeneathTheHigherOne) {
   CTornGrid grid({{{{8.5, -1}, {8.5, 17}}}});
   grid.Raise([](int column, int /*row*/) { return column > 8 ? 5.0 : 0.0; });
@@ -180,8 +201,22 @@ TEST(SurfaceExportTest, ChoosesTheFormatByTheSuffix) {
   for (const CExportFormat& format : ExportFormats())
     EXPECT_EQ(ExportFormatOf(std::string("a b.grid") + format.m_pSuffix), &format);
   EXPECT_EQ(ExportFormatOf("MODEL.GLB"), ExportFormats().data());
-  for (const char* name : {"", ".glb", "model", "model.grid", "model.glb.txt", "glb"})
+  for (const char* name : {"", ".glb", "d/.glb", "d.glb/", "/d.glb/a", "model", "model.grid", "model.glb.txt", "glb"})
     EXPECT_EQ(ExportFormatOf(name), nullptr) << name;
+  EXPECT_EQ(ExportFormatOf("d.ply/a.glb"), ExportFormats().data());
+}
+
+TEST(SurfaceExportTest, ChoosesTheLongestSuffixWhateverTheirOrder) {
+  std::vector<CExportFormat> table(ExportFormats().begin(), ExportFormats().end());
+  std::mt19937 random(1);
+  for (int k = 0; k < 30; ++k) {
+    for (const CExportFormat& format : table)
+      EXPECT_EQ(ExportFormatOf(std::string("a b.grid") + format.m_pSuffix, table), &format);
+    std::ranges::shuffle(table, random);
+  }
+  std::ranges::sort(table, std::greater<>(), [](const CExportFormat& f) { return std::string(f.m_pSuffix).size(); });
+  EXPECT_STREQ(ExportFormatOf("a-normal.png", table)->m_pSuffix, "-normal.png");
+  EXPECT_STREQ(ExportFormatOf("a.png", table)->m_pSuffix, ".png");
 }
 
 TEST(SurfaceExportTest, TakesThePhotographsOwnBytes) {
@@ -210,6 +245,37 @@ TEST(SurfaceExportTest, WritesThreeFilesWhoseNamesHaveNoBlank) {
   EXPECT_NE(BytesOf(directory.File("my c\xC3\xBCp.obj")).find("\nmtllib my_c\xC3\xBCp.mtl\n"), std::string::npos);
   EXPECT_NE(BytesOf(directory.File("my_c\xC3\xBCp.mtl")).find("\nmap_Kd my_c\xC3\xBCp.jpg\n"), std::string::npos);
   EXPECT_EQ(BytesOf(directory.File("my_c\xC3\xBCp.jpg")), JpegOf(photograph.m_Picture));
+}
+
+TEST(SurfaceExportTest, NamesFilesBesideAModelSoThatAnotherProgramFindsThem) {
+  CTornGrid grid({});
+  const CReadPicture photograph = Photograph();
+  CExportSettings settings;
+  settings.m_pPhotograph = &photograph;
+  for (const auto& [name, stem] : std::map<std::string, std::string>{{"a\tb\nc\x7F"
+                                                                      "d",
+                                                                      "a_b_c_d"},
+                                                                     {"-dash", "_dash"},
+                                                                     {" \x1F", "__"},
+                                                                     {"c\xC3\xBCp-1", "c\xC3\xBCp-1"}}) {
+    const CTemporaryDirectory directory;
+    ASSERT_TRUE(ExportSurface(grid.m_Grid, directory.File(name + ".obj"), settings));
+    EXPECT_NE(BytesOf(directory.File(name + ".obj")).find("\nmtllib " + stem + ".mtl\n"), std::string::npos) << stem;
+    EXPECT_NE(BytesOf(directory.File(stem + ".mtl")).find("\nmap_Kd " + stem + ".jpg\n"), std::string::npos) << stem;
+    EXPECT_TRUE(std::filesystem::exists(directory.File(stem + ".jpg"))) << stem;
+  }
+}
+
+TEST(SurfaceExportTest, CallsTheModelAsItIsAskedTo) {
+  const CTemporaryDirectory directory;
+  CTornGrid grid({});
+  CExportSettings settings;
+  ASSERT_TRUE(ExportSurface(grid.m_Grid, directory.File("c-open.glb"), settings));
+  EXPECT_NE(BytesOf(directory.File("c-open.glb")).find("\"name\":\"c-open\""), std::string::npos);
+  settings.m_Name = "coffee";
+  ASSERT_TRUE(ExportSurface(grid.m_Grid, directory.File("c-open.glb"), settings));
+  EXPECT_EQ(BytesOf(directory.File("c-open.glb")).find("c-open"), std::string::npos);
+  EXPECT_NE(BytesOf(directory.File("c-open.glb")).find("\"name\":\"coffee\""), std::string::npos);
 }
 
 TEST(SurfaceExportTest, WritesAllFilesOfAModelOrNone) {

@@ -1,8 +1,10 @@
-// Whatever a depth map holds, it is refused with a reason or has as many values as it says, one of them at least.
+// Whatever a depth map holds, it is refused with a reason or has as many values as it says, one of them at least; and
+// so is the one in a photograph.
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 #include <ostream>
 #include <string_view>
 
@@ -45,22 +47,25 @@ bool IsLarge(std::string_view bytes) {
   return count.Count() > kMostValues;
 }
 
-}  // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::ostream nowhere(nullptr);
-  const CConsoleRedirect redirect(nowhere);
-  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-  EmbeddedDepthOf(bytes);
-  if (IsLarge(bytes)) return 0;
-  const CReadDepthMap read = ReadDepthMap(bytes, "input");
+void CheckMap(const CReadDepthMap& read) {
   Require(static_cast<bool>(read) == read.m_Reason.empty());
-  if (!read) return 0;
+  if (!read) return;
   const CDepthMap& map = *read.m_pMap;
   Require(map.Width() >= 2 && map.Height() >= 2);
   Require(map.Values().size() == static_cast<std::size_t>(map.Width()) * static_cast<std::size_t>(map.Height()));
   const CDepthReading reading(map, false);
   Require(reading.KnownCount() > 0 && std::isfinite(reading.Mean()));
   Require(std::ranges::all_of(reading.Filled(), [](float value) { return std::isfinite(value); }));
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::ostream nowhere(nullptr);
+  const CConsoleRedirect redirect(nowhere);
+  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  const std::optional<CEmbeddedDepth> embedded = EmbeddedDepthOf(bytes);
+  if (embedded.has_value() && !IsLarge(embedded->m_Bytes)) CheckMap(ReadEmbeddedDepth(*embedded));
+  if (!IsLarge(bytes)) CheckMap(ReadDepthMap(bytes, "input"));
   return 0;
 }

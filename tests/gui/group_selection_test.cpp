@@ -156,6 +156,16 @@ TEST_F(DoubleClickTest, WithADragInItOpensNothing) {
   EXPECT_EQ(Opened(), 0);
 }
 
+TEST_F(DoubleClickTest, WithAPressThatTheViewTakesBetweenOpensNothing) {
+  ClickAt(20.5, 20.5);
+  Push(FL_LEFT_MOUSE, 20.5, 20.5, FL_SHIFT);
+  Release();
+  ClickAt(20.5, 20.5, 2);
+  EXPECT_EQ(Opened(), 0);
+  ClickAt(20.5, 20.5, 3);
+  EXPECT_EQ(Opened(), 1);
+}
+
 TEST_F(DoubleClickTest, TwoSlowClicksOpenNothing) {
   ClickAt(20.5, 20.5);
   ClickAt(20.5, 20.5);

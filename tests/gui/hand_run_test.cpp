@@ -4,6 +4,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "drawing/DisplayFlags.h"
 #include "formats/ProjectFile.h"
@@ -101,6 +102,27 @@ TEST_F(HeightsAlongRunTest, ThePictureShowsWhereTheyWouldLie) {
   EXPECT_TRUE(WaitUntil([&] { return m_User.See(view).Count({255, 0, 0}) == before; }));
 }
 
+// When the menu has gone, the mouse is over the right view, which takes the keyboard from what is no text field. None
+// of these panels begins with one.
+TEST_F(HeightsAlongRunTest, PanelsWhoseEntryLiesOverTheModelGetTheKeyboard) {
+  const CArea model = m_User.AreaOf(Control::ModelView);
+  for (const auto& [row, title] : {std::pair(2, "Reference depth"), {3, "Constraint values"}}) {
+    // Below the bar stand the rows of the menu, some pixels to the right of where the view begins.
+    const CPixel overModel{model.m_iX + 40, model.m_iY + 6 + 21 * row};
+    Click(m_User.PlaceOf(MenuTitle::Edit));
+    m_Program.Rests();
+    MovePointer(overModel);
+    m_Program.Rests();
+    Click(overModel);
+    const auto panel = m_Program.WaitForWindow(title);
+    ASSERT_TRUE(panel.has_value());
+    EXPECT_TRUE(WaitUntil([&] { return m_Program.Screen().HasFocus(*panel); })) << title;
+    m_Program.Rests();
+    PressKey("Escape");
+    EXPECT_TRUE(m_User.IsGone(*panel)) << title;
+  }
+}
+
 TEST_F(HeightsAlongRunTest, NewHeightsStartAtTheLastValueWhereThatIsWanted) {
   m_User.ClickOn(Control::PositionConstraint);
   PlaceHeight({100, 100}, 86);
@@ -116,6 +138,64 @@ TEST_F(HeightsAlongRunTest, NewHeightsStartAtTheLastValueWhereThatIsWanted) {
   ASSERT_EQ(heights.size(), 5U);
   for (const auto& [place, z] : {std::pair(0, 20.0), {1, 0.0}, {2, 20.0}, {3, 30.0}, {4, 30.0}})
     EXPECT_NEAR(heights[static_cast<std::size_t>(place)], z, 1e-3) << place;
+}
+
+namespace {
+
+class ViewMovesRunTest : public RunTest {
+ protected:
+  // Away from the user, over a place on the screen.
+  void TurnWheelWithCtrl(CPixel place, int notches) const {
+    constexpr int kAway = 4;
+    MovePointer(place);
+    m_Program.Rests();
+    HoldKeys("ctrl");
+    for (int notch = 0; notch < notches; ++notch) {
+      Click(place, kAway);
+      m_Program.Rests();
+    }
+    LetGoOfKeys("ctrl");
+    m_Program.Rests();
+  }
+};
+
+}  // namespace
+
+// Clicks place heights and so tell what lies where.
+TEST_F(ViewMovesRunTest, WheelAndKeysWithCtrlMoveTheViewUnderThePointer) {
+  constexpr CPixel kAbout{180, 120};
+  constexpr double kZoom = 1.25 * 1.25;
+  m_User.ClickOn(Control::PositionConstraint);
+  TurnWheelWithCtrl(m_User.OnPhotograph(kAbout), 2);
+  m_User.ClickAt(m_User.OnPhotograph(kAbout));
+  m_User.ClickAt(m_User.OnPhotograph({380, 120}));
+  TurnWheelWithCtrl(m_User.AreaOf(Control::ModelView).Centre(), 2);
+  m_User.Type("ctrl+Up");
+  m_User.ClickAt(m_User.OnPhotograph({380, 320}));
+  m_User.Type("ctrl+0");
+  m_User.ClickAt(m_User.OnPhotograph({480, 60}));
+  m_User.Type("ctrl+Right");
+  m_User.ClickAt(m_User.OnPhotograph({60, 60}));
+  CTestGrid saved;
+  ASSERT_TRUE(ReadModel(saved.m_Grid));
+  const CPlanePoint about = InModel(kAbout);
+  const auto zoomed = [&](CPixel pixel) {
+    const CPlanePoint place = InModel(pixel);
+    return CPlanePoint{about.x + (place.x - about.x) / kZoom, about.y + (place.y - about.y) / kZoom};
+  };
+  const double tenth = (InModel({600, 0}).x - InModel({0, 0}).x) / 10;
+  const std::vector<CPlanePoint> places{about,
+                                        zoomed({380, 120}),
+                                        zoomed({380, 320}),
+                                        InModel({480, 60}),
+                                        {InModel({60, 60}).x + tenth, InModel({60, 60}).y}};
+  ASSERT_EQ(saved.m_Grid.Constraints().Points().size(), places.size());
+  std::size_t k = 0;
+  for (const CPtCstr& height : saved.m_Grid.Constraints().Points()) {
+    EXPECT_NEAR(height.m_fX, places[k].x, 0.2) << k;
+    EXPECT_NEAR(height.m_fY, places[k].y, 0.2) << k;
+    ++k;
+  }
 }
 
 namespace {

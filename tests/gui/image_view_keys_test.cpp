@@ -140,6 +140,18 @@ TEST_P(PointKeysTest, WheelIsListed) {
   EXPECT_NE(Outcome([this] { Wheel(1); }), "");
 }
 
+// The toolkit offers the wheel to this view, too, where nothing under the pointer uses it.
+TEST_P(PointKeysTest, WheelWithCtrlOutsideDoesNothing) {
+  SetUpPoints(GetParam());
+  EXPECT_EQ(Outcome([this] {
+              Move(30, 40, FL_CTRL);
+              Fl::e_x = View().w() + 20;
+              Wheel(1);
+            }),
+            "");
+  EXPECT_EQ(g_fZoom, 1);
+}
+
 // Some keys need a curve in progress, some a selected one.
 TEST_F(ImageViewKeysTest, KeysForCurvesAreThoseListed) {
   ExpectKeysAreThoseListed(InputsAt({"both views", "curves"}), [this](const CTypedKey& key) {

@@ -19,6 +19,17 @@ TEST_F(LightSourcesTest, LiveAndSoftAreOffAtTheStartAndShowWhatIs) {
   EXPECT_FALSE(IsOn("Live") || IsOn("Soft"));
 }
 
+TEST_F(LightSourcesTest, LiveSaysHowItIsSeenWhereThePhotographIsShown) {
+  m_Panel.Open();
+  Push("Live");
+  EXPECT_EQ(m_Views.m_asMessages, std::vector{FormatHelp(HelpText::kLiveUnseen)});
+  Push("Live");
+  m_Lighting.m_Shown = CTextureImages::kIllumination;
+  Push("Live");
+  EXPECT_TRUE(m_Lighting.IsLive());
+  EXPECT_EQ(m_Views.m_asMessages.size(), 1U);
+}
+
 TEST_F(LightSourcesTest, HasItsSizeAndStartsHidden) {
   EXPECT_EQ(m_Panel.w(), 512);
   EXPECT_EQ(m_Panel.h(), 439);

@@ -159,7 +159,17 @@ TEST_F(ModelViewEventsTest, WheelWithCtrlZoomsAboutThePointOfTheSurface) {
   const double r = View().Camera().m_fR;
   EXPECT_EQ(View().handle(FL_MOUSEWHEEL), 1);
   EXPECT_EQ(View().Camera().m_fR, r) << "not with a button held";
+  // Over a point at another depth, what turning keeps in view would move.
+  Fl::e_x = 180;
+  Fl::e_y = 230;
+  const Vector3 centre = View().Camera().m_Centre;
+  EXPECT_EQ(View().handle(FL_MOUSEWHEEL), 1);
+  EXPECT_EQ(View().Camera().m_Centre, centre);
   Fl::e_state = FL_CTRL;
+  Fl::e_dy = 0;
+  EXPECT_EQ(View().handle(FL_MOUSEWHEEL), 1);
+  EXPECT_EQ(View().Camera().m_Centre, centre) << "sideways";
+  Fl::e_dy = -1;
   Fl::e_x = kSize;
   EXPECT_EQ(View().handle(FL_MOUSEWHEEL), 0) << "outside";
   Fl::e_state = 0;

@@ -1,10 +1,14 @@
 // Overlays in the image view, as pixels.
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <memory>
+#include <utility>
+
+#include <GL/gl.h>
 
 #include "drawing/COverlay.h"
 #include "support/gui/ImageViewTest.h"
@@ -71,6 +75,36 @@ TEST_F(OverlayTest, RasterCoversTheModelFromTheLowerLeft) {
   ExpectColour(At(picture, 10, 90), {0, 0, 0}, 1.0);
 }
 
+// The names that a lost texture had are given out again.
+TEST_F(OverlayTest, RasterIsItsOwnTextureAfterAllContextsHaveGone) {
+  COverlay overlay;
+  overlay.m_bHasBar = false;
+  overlay.m_fOpacity = 1.0;
+  overlay.m_Raster = {2, 2, {0.0F, 1.0F, 0.0F, 1.0F}};
+  Show(overlay);
+  const CPicture before = Look();
+  m_Window.hide();
+  m_Window.show();
+  ASSERT_TRUE(RunToolkitUntil([this] { return View().shown() != 0; }));
+  View().make_current();
+  std::array<unsigned, 8> others{};
+  glGenTextures(static_cast<GLsizei>(others.size()), others.data());
+  constexpr std::array<std::uint8_t, 4> kGreen{0, 255, 0, 255};
+  for (const unsigned other : others) {
+    glBindTexture(GL_TEXTURE_2D, other);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, kGreen.data());
+  }
+  const CPicture after = Look();
+  ExpectColour(At(after, 10, 80), ColourAt(ColourMap::Perceptual, 0.0), 1.0);
+  EXPECT_EQ(after.m_aPixels, before.m_aPixels);
+  for (const unsigned other : others) {
+    int width = 0;
+    glBindTexture(GL_TEXTURE_2D, other);
+    glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width);
+    EXPECT_EQ(width, 1) << "somebody else's";
+  }
+}
+
 TEST_F(OverlayTest, LegendHasTheColoursOfTheMapOnADarkPlate) {
   COverlay overlay = Ramp();
   overlay.m_Map = ColourMap::BlueWhiteRed;
@@ -99,6 +133,32 @@ TEST_F(OverlayTest, WithoutAnOverlayAllIsAsBefore) {
   EXPECT_NE(Look().m_aPixels, before.m_aPixels);
   View().ShowOverlay(nullptr);
   EXPECT_EQ(Look().m_aPixels, before.m_aPixels);
+}
+
+TEST_F(OverlayTest, LongNumbersOfTheLegendDoNotTouch) {
+  constexpr int kWidth = 500;
+  m_Window.size(kWidth, kSize);
+  View().size(kWidth, kSize);
+  for (const double most : {12345.678, 1e-7, 1e-300}) {
+    COverlay overlay = Ramp();
+    overlay.m_fLow = -most;
+    overlay.m_fHigh = most;
+    Show(overlay);
+    const CPicture picture = Look();
+    ASSERT_EQ(picture.m_iWidth, kWidth);
+    // Columns without a letter between the first and the last one, where the numbers stand.
+    int gaps = 0;
+    int dark = kWidth;
+    for (int x = 0; x < kWidth; ++x) {
+      int brightest = 0;
+      for (int y = 15; y < 25; ++y)
+        brightest = std::max<int>(brightest, picture.m_aPixels[3 * static_cast<std::size_t>(y * kWidth + x)]);
+      // Digits leave some room between them, too.
+      if (brightest > 150 && std::exchange(dark, 0) > 9) ++gaps;
+      if (brightest <= 150 && dark < kWidth) ++dark;
+    }
+    EXPECT_EQ(gaps, 1 + 2) << most << ", the one before the first number is one";
+  }
 }
 
 TEST_F(OverlayTest, LegendSaysTheRangeInFourDigits) {

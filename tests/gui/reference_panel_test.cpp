@@ -5,6 +5,8 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <FL/Fl_Check_Button.H>
 #include <FL/Fl_Input.H>
@@ -12,69 +14,19 @@
 #include <FL/Fl_Spinner.H>
 #include <FL/Fl_Value_Slider.H>
 
-#include "app/CReferenceTool.h"
 #include "drawing/COverlay.h"
 #include "formats/JpegFile.h"
 #include "formats/PngBytes.h"
+#include "support/BadDepthMaps.h"
 #include "support/DepthBuilders.h"
 #include "support/DepthInJpeg.h"
 #include "support/FileBuilders.h"
-#include "support/gui/Widgets.h"
-#include "support/gui/WindowTest.h"
+#include "support/gui/ReferencePanelTest.h"
 
 namespace {
 
 constexpr const char* kRampScript =
     R"(printf 'Pf\n2 2\n-1.0\n\000\000\000\000\000\000\200\077\000\000\000\100\000\000\100\100' > "$2")";
-
-class ReferencePanelTest : public WindowTest {
- protected:
-  void SetUp() override {
-    ASSERT_NO_FATAL_FAILURE(ShowWindow());
-    m_Window.Settings().KeepIn(SettingsFile());
-    m_Window.SetTool(CImageViewUI::Tool::ReferenceDepth, std::make_unique<CReferenceTool>(m_Window, Grid()));
-  }
-  void TearDown() override {
-    for (Fl_Window* window = Fl::first_window(); window != nullptr; window = Fl::next_window(window)) {
-      if (window != &m_Window) return window->hide();
-    }
-  }
-  std::string SettingsFile() const { return (m_Directory.Path() / "config/settings.json").string(); }
-  Fl_Window& Panel() {
-    for (Fl_Window* window = Fl::first_window(); window != nullptr; window = Fl::next_window(window)) {
-      if (window->label() != nullptr && std::string(window->label()) == "Reference depth") return *window;
-    }
-    throw std::runtime_error("no panel");
-  }
-  void Open() { Menu().Choose(MenuEntry::ReferenceDepth); }
-  bool IsActive(const char* button) { return Find<Fl_Button>(Panel(), button).active() != 0; }
-  void Push(const char* button) { Press(Find<Fl_Button>(Panel(), button)); }
-  std::string Says() { return Find<Fl_Output>(Panel(), "It says").value(); }
-
-  /// Starts a script that gets the two files.
-  void Estimate(const std::string& script) {
-    WriteText(m_Directory.Path() / "an estimator.sh", script + "\n");
-    Open();
-    LoadPicture();
-    Find<Fl_Input>(Panel(), "Estimator").value(CommandLine().c_str());
-    ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Estimate..."); }));
-    Push("Estimate...");
-  }
-  std::string CommandLine() const {
-    return "sh '" + (m_Directory.Path() / "an estimator.sh").string() + "' {image} {depth}";
-  }
-  bool HasEnded() {
-    return RunToolkitUntil([this] { return IsActive("Estimate...") && !IsActive("Cancel"); });
-  }
-
-  /// A step along the middle, with a rounded edge.
-  void LoadStep() {
-    const auto step = [](double x, double y) { return x + 0.03 * std::sin(6 * y) > 0.5 ? 1.0 : 0.0; };
-    Grid().ReferenceEdits().Load(SharedDepthMap(64, 64, step), "/maps/step.pfm");
-    Grid().PerformPendingWork();
-  }
-  std::size_t Curves() { return Grid().Constraints().Curves().size(); }
-};
 
 }  // namespace
 
@@ -134,53 +86,35 @@ TEST_F(ReferencePanelTest, AnotherPhotographEndsTheEstimate) {
   EXPECT_TRUE(HasEnded());
 }
 
-TEST_F(ReferencePanelTest, SuggestedTearsAreTakenInOneStep) {
+TEST_F(ReferencePanelTest, AnotherModelEndsTheEstimate) {
+  Estimate("sleep 1000");
+  ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Cancel"); }));
+  static_cast<CommandHost&>(m_Window).GridReplaced();
+  EXPECT_TRUE(HasEnded());
+  EXPECT_TRUE(RunToolkitUntil([this] { return Says() == "The estimator was cancelled."; }));
+  EXPECT_FALSE(Grid().Reference().HasMap());
+}
+
+TEST_F(ReferencePanelTest, HeightsThatSaySoSwitchNearIsBright) {
   Open();
   LoadStep();
-  ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Suggest Tears"); }));
-  EXPECT_DOUBLE_EQ(Find<Fl_Value_Slider>(Panel(), "Gaps from (%)").value(), 7);
-  Push("Suggest Tears");
-  ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Take"); }));
-  EXPECT_EQ(Curves(), 0U) << "nothing is made yet";
-  Push("Take");
-  EXPECT_GE(Curves(), 1U);
-  EXPECT_TRUE(RunToolkitUntil([this] { return !IsActive("Take") && !IsActive("Drop"); }));
-  m_Window.History().Take(UserStep::Undo);
+  auto& bright = Find<Fl_Check_Button>(Panel(), "Near is bright");
+  const auto fitted = [this] { return std::string(Find<Fl_Output>(Panel(), "Fitted").value()); };
+  ASSERT_TRUE(RunToolkitUntil([&] { return bright.active() != 0; }));
+  EXPECT_EQ(bright.value(), 1);
+  const CExtent extent = Grid().Surface().Lattice().Extent();
+  const double middle = 0.5 * (extent.y0 + extent.y1);
+  for (const double share : {0.1, 0.2, 0.9}) {
+    const double x = extent.x0 + share * (extent.x1 - extent.x0);
+    Grid().AddPtCstr({x, middle, PtCstrKind::kPosition, share < 0.5 ? 10.0 : -10.0});
+  }
   Grid().PerformPendingWork();
-  EXPECT_EQ(Curves(), 0U);
-  EXPECT_TRUE(Grid().Reference().HasMap());
-}
-
-TEST_F(ReferencePanelTest, ClosingThePanelTakesThem) {
-  Open();
-  LoadStep();
-  ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Suggest Tears"); }));
-  Push("Suggest Tears");
-  Panel().hide();
-  EXPECT_GE(Curves(), 1U);
-}
-
-TEST_F(ReferencePanelTest, DroppedOnesMakeNoCurve) {
-  Open();
-  LoadStep();
-  ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Suggest Tears"); }));
-  Push("Suggest Tears");
-  ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Drop"); }));
-  Push("Drop");
-  Panel().hide();
-  EXPECT_EQ(Curves(), 0U);
-}
-
-TEST_F(ReferencePanelTest, AnotherMapDropsThoseOfTheFormer) {
-  Open();
-  LoadStep();
-  ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Suggest Tears"); }));
-  Push("Suggest Tears");
-  ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Take"); }));
-  Push("Remove");
-  EXPECT_TRUE(RunToolkitUntil([this] { return !IsActive("Take"); }));
-  Panel().hide();
-  EXPECT_EQ(Curves(), 0U);
+  EXPECT_TRUE(RunToolkitUntil([&] { return bright.value() == 0; })) << fitted();
+  EXPECT_EQ(bright.active(), 0) << "the heights tell";
+  EXPECT_EQ(fitted(), "to 3 heights, straight, near is dark");
+  for (int k = 0; k < 3; ++k) m_Window.History().Take(UserStep::Undo);
+  Grid().PerformPendingWork();
+  EXPECT_TRUE(RunToolkitUntil([&] { return bright.value() == 1 && bright.active() != 0; })) << fitted();
 }
 
 TEST_F(ReferencePanelTest, TheMapIsShownOverThePhotograph) {
@@ -253,42 +187,93 @@ TEST_F(ReferencePanelTest, AMapThatThePhotographCarriesIsOfferedAndTaken) {
 TEST_F(ReferencePanelTest, BadFilesAreRefusedWithANoticeAndNothingChanges) {
   Open();
   LoadStep();
-  const CReference before = Grid().Reference().Value();
-  const std::string notANumber("\0\0\xC0\x7F", 4);
-  const std::vector<std::pair<std::string, std::string>> bad{
-      {"cut.pfm", "Pf\n4 4\n-1\n" + std::string(40, '\0')},
-      {"another size.pfm", "Pf\n40 40\n-1\n" + std::string(64, '\0')},
-      {"cut.png", PngOf({4, 4, std::vector<std::uint8_t>(48, 100)}).substr(0, 60)},
-      {"single.pfm", "Pf\n1 1\n-1\n" + std::string(4, '\0')},
-      {"single.png", PngOf({1, 1, {1, 1, 1}})},
-      {"no numbers.pfm", "Pf\n2 2\n-1\n" + notANumber + notANumber + notANumber + notANumber},
-      {"immense.pfm", "Pf\n20000 20000\n-1\n" + std::string(64, '\0')},
-      {"empty.pfm", ""},
-  };
-  for (const auto& [name, bytes] : bad) {
+  Grid().AddPtCstr({30, 40, PtCstrKind::kPosition, 7});
+  Grid().PerformPendingWork();
+  const CDocument before = DocumentOf(Grid());
+  for (const CBadDepthMap& bad : BadDepthMaps()) {
     m_Dialogs.m_asNotices.clear();
-    m_Dialogs.m_File = (m_Directory.Path() / name).string();
-    WriteText(*m_Dialogs.m_File, bytes);
+    m_Dialogs.m_File = (m_Directory.Path() / bad.m_Name).string();
+    WriteText(*m_Dialogs.m_File, bad.m_Bytes);
     Push("Load...");
-    ASSERT_EQ(m_Dialogs.m_asNotices.size(), 1U) << name;
+    ASSERT_EQ(m_Dialogs.m_asNotices.size(), 1U) << bad.m_Name;
     EXPECT_TRUE(m_Dialogs.m_asNotices[0].starts_with("The file " + *m_Dialogs.m_File + " is not a depth map that can"))
         << m_Dialogs.m_asNotices[0];
-    EXPECT_EQ(Grid().Reference().Value(), before) << name;
+    EXPECT_TRUE(DocumentOf(Grid()) == before) << bad.m_Name;
+    EXPECT_EQ(Grid().Run().NextOperation(), Operation::kNone) << bad.m_Name;
   }
 }
 
-TEST_F(ReferencePanelTest, ANumberOfTearsIsTheMost) {
+TEST_F(ReferencePanelTest, ABadMapInAPhotographIsRefusedAndNothingChanges) {
   Open();
-  const auto steps = [](double x, double /*y*/) { return std::floor(4 * x); };
-  Grid().ReferenceEdits().Load(SharedDepthMap(64, 64, steps), "/maps/steps.pfm");
+  CPngSettings grey;
+  grey.m_Kind = PngKind::Grey;
+  const std::string whole = TestPng(GreySquare(16), grey);
+  const std::vector<std::string> maps{whole.substr(0, whole.size() / 2), WithPngSize(whole, 16, 40),
+                                      TestPng(GreySquare(1), grey), WithPngSize(whole, kImmenseSide, kImmenseSide)};
+  for (std::size_t k = 0; k < maps.size(); ++k) {
+    const std::string photograph = (m_Directory.Path() / ("portrait" + std::to_string(k) + ".jpg")).string();
+    WriteText(photograph, WithPacket(JpegOf({4, 4, std::vector<std::uint8_t>(48, 100)}), DepthPacket(maps[k])));
+    m_Dialogs.m_File = photograph;
+    Menu().Choose(MenuEntry::LoadImage);
+    ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Take the photograph's own"); })) << k;
+    const CDocument before = DocumentOf(Grid());
+    m_Dialogs.m_asNotices.clear();
+    Push("Take the photograph's own");
+    ASSERT_EQ(m_Dialogs.m_asNotices.size(), 1U) << k;
+    EXPECT_TRUE(m_Dialogs.m_asNotices[0].starts_with("The file " + photograph + " is not a depth map that can"));
+    EXPECT_TRUE(DocumentOf(Grid()) == before) << k;
+    LoadPicture();
+    ASSERT_TRUE(RunToolkitUntil([this] { return !IsActive("Take the photograph's own"); })) << k;
+  }
+}
+
+// Over a ramp of 10 to 50 along the model, by sums of least squares written out.
+TEST_F(ReferencePanelTest, ReadOutsAreThoseOfTheFit) {
+  Open();
+  const CExtent extent = Grid().Surface().Lattice().Extent();
+  const double width = extent.x1 - extent.x0;
+  Grid().ReferenceEdits().Load(SharedDepthMap(50, 50, [](double u, double) { return 10 + 40 * u; }), "/maps/ramp.pfm");
+  // Shares of the width and heights; the slope over the middle takes no part.
+  const std::vector<std::pair<double, double>> heights{{0.1, 3}, {0.3, 9}, {0.5, 8}, {0.75, 14}, {0.9, 24}};
+  double n = 0.0;
+  double v = 0.0;
+  double vv = 0.0;
+  double z = 0.0;
+  double vz = 0.0;
+  for (const auto& [share, height] : heights) {
+    const double value = 10 + 40 * share;
+    Grid().AddPtCstr({extent.x0 + share * width, 0.5 * (extent.y0 + extent.y1), PtCstrKind::kPosition, height});
+    n += 1;
+    v += value;
+    vv += value * value;
+    z += height;
+    vz += value * height;
+  }
+  Grid().AddPtCstr({extent.x0 + 0.4 * width, extent.y0 + 1, PtCstrKind::kNormal, 0, 1, 1});
   Grid().PerformPendingWork();
-  auto& count = Find<Fl_Spinner>(Panel(), "Tears at most");
-  EXPECT_EQ(count.value(), 15);
-  ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Suggest Tears"); }));
-  Push("Suggest Tears");
-  ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Take"); }));
-  count.value(2);
-  count.do_callback();
-  Push("Take");
-  EXPECT_EQ(Curves(), 2U);
+  const double scale = (n * vz - v * z) / (n * vv - v * v);
+  const double offset = (z - scale * v) / n;
+  double squares = 0.0;
+  double worst = 0.0;
+  for (const auto& [share, height] : heights) {
+    const double missed = height - offset - scale * (10 + 40 * share);
+    squares += missed * missed;
+    if (std::abs(missed) > std::abs(worst)) worst = missed;
+  }
+  const auto says = [this](const char* label) { return std::string(Find<Fl_Output>(Panel(), label).value()); };
+  ASSERT_TRUE(RunToolkitUntil([&] { return says("Fitted") == "to 5 heights, straight"; })) << says("Fitted");
+  EXPECT_NEAR(std::stod(says("Scale")), scale, 1e-5);
+  EXPECT_NEAR(std::stod(says("Offset")), offset, 1e-4);
+  EXPECT_NEAR(std::stod(says("Misfit (RMS)")), std::sqrt(squares / n), 1e-4);
+  EXPECT_NEAR(std::stod(says("Worst misfit")), worst, 1e-4);
+  Push("Select worst");
+  int selected = 0;
+  for (const CPtCstr& point : Grid().Constraints().Points()) {
+    if (!point.HasState(PtCstrState::kSelected)) continue;
+    ++selected;
+    EXPECT_EQ(point.m_fZ, 24);
+  }
+  EXPECT_EQ(selected, 1);
+  Push("Remove");
+  EXPECT_TRUE(RunToolkitUntil([&] { return says("Fitted").empty() && says("Scale").empty(); }));
 }

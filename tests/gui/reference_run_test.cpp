@@ -1,11 +1,14 @@
 // The panel of the reference depth with mouse and keyboard, in the whole program.
 
+#include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "drawing/DisplayFlags.h"
+#include "formats/PngBytes.h"
 #include "formats/ProjectFile.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
@@ -24,10 +27,21 @@ constexpr CPixel kRemove{315, 53};
 constexpr CPixel kOverPhotograph{150, 114};
 constexpr CPixel kStrengthKnob{326, 242};
 constexpr CPixel kStrengthMiddle{272, 242};
+constexpr CPixel kNearIsBright{150, 272};
+constexpr CPixel kZero{255, 302};
+constexpr CPixel kResponse{255, 332};
 constexpr CPixel kSceneDepth{195, 362};
 constexpr CPixel kSelectWorst{315, 520};
 constexpr CPixel kSuggest{255, 619};
 constexpr CPixel kTake{195, 649};
+
+// Grey, three columns of 0, 100 and 200, as a PNG of the proportions of the photograph.
+std::string ColumnsPng() {
+  CPicture picture{96, 64, {}};
+  for (int k = 0; k < 96 * 64; ++k)
+    picture.m_aPixels.insert(picture.m_aPixels.end(), 3, static_cast<std::uint8_t>(k % 96 / 32 * 100));
+  return PngOf(picture);
+}
 
 // A disc before a slope, 64 x 64, as a PFM.
 std::string DiscPfm() {
@@ -69,10 +83,17 @@ class ReferenceRunTest : public ::testing::Test {
     return panel.has_value() && m_Program.Rests() ? m_Program.Screen().AreaOf(*panel) : CArea{};
   }
   void ClickOn(CPixel place) const { m_User.ClickAt(m_Panel.At(place)); }
-  void LoadMap() const {
+  void LoadMap() const { LoadMap(m_Map); }
+  void LoadMap(const std::string& file) const {
     ClickOn(kLoad);
-    ASSERT_TRUE(m_User.ChooseFile("please input depth map file name", m_Map));
+    ASSERT_TRUE(m_User.ChooseFile("please input depth map file name", file));
     ASSERT_TRUE(m_Program.Rests());
+  }
+  /// With the mouse, the entry so many places below the one that is chosen.
+  void Choose(CPixel choice, int below) const {
+    ClickOn(choice);
+    for (int k = 0; k < below; ++k) m_User.Type("Down");
+    m_User.Type("Return");
   }
   /// What the program has by now.
   CReference Reference() const { return Sketch().m_Reference; }
@@ -124,6 +145,53 @@ TEST_F(ReferenceRunTest, TheDepthOfTheSceneIsTyped) {
   TypeText("50");
   m_User.Type("Return");
   EXPECT_EQ(Reference().m_Settings.m_SceneDepth, 50);
+}
+
+TEST_F(ReferenceRunTest, ASavedGridKeepsNoReferenceAndItIsTold) {
+  const auto save = [this](const std::string& file) {
+    m_User.ChooseEntry(MenuTitle::File, "s");
+    return m_User.ChooseFile("please input grid file name", file) && m_User.Answer(false) && m_Program.Rests();
+  };
+  const std::string bare = m_Scratch.File("bare.grid");
+  const std::string followed = m_Scratch.File("followed.grid");
+  const std::string told = " is saved without the reference depth, which a project keeps";
+  ASSERT_TRUE(save(bare));
+  LoadMap();
+  ASSERT_TRUE(save(followed));
+  EXPECT_TRUE(m_User.Reads(followed + told));
+  EXPECT_EQ(m_User.Times(bare + told), 0U);
+  // Heights are at random where nothing settles them; what comes before them is the same, and nothing is added behind.
+  const auto beforeHeights = [](const std::string& text) { return text.substr(0, text.find("\nZ\n")); };
+  const auto lines = [](const std::string& text) { return std::ranges::count(text, '\n'); };
+  EXPECT_TRUE(beforeHeights(BytesOf(followed)) == beforeHeights(BytesOf(bare)));
+  EXPECT_EQ(lines(BytesOf(followed)), lines(BytesOf(bare)));
+}
+
+TEST_F(ReferenceRunTest, NearAndTheResponseAreChosenByMouse) {
+  LoadMap();
+  EXPECT_TRUE(Reference().m_Settings.m_bNearIsBright);
+  ClickOn(kNearIsBright);
+  EXPECT_FALSE(Reference().m_Settings.m_bNearIsBright);
+  ClickOn(kNearIsBright);
+  EXPECT_TRUE(Reference().m_Settings.m_bNearIsBright);
+  Choose(kResponse, 2);
+  EXPECT_EQ(Reference().m_Settings.m_Response, ReferenceResponse::Bent);
+  // A map of floats has no 0 that could mean anything else.
+  Choose(kZero, 1);
+  EXPECT_FALSE(Reference().m_Settings.m_bZeroIsUnknown);
+}
+
+TEST_F(ReferenceRunTest, WhatZeroMeansIsChosenAndOtherProportionsAreTold) {
+  const std::string map = m_Scratch.File("columns.png");
+  WriteText(map, ColumnsPng());
+  LoadMap(map);
+  EXPECT_FALSE(Reference().m_Settings.m_bZeroIsUnknown);
+  Choose(kZero, 1);
+  EXPECT_TRUE(Reference().m_Settings.m_bZeroIsUnknown);
+  const std::string told = " has other proportions (64 x 64) than what it is stretched over (600 x 400).";
+  EXPECT_EQ(m_User.Times("The file " + map), 0U);
+  LoadMap();
+  EXPECT_TRUE(m_User.Reads("The file " + m_Map + told));
 }
 
 TEST_F(ReferenceRunTest, TheWorstHeightIsSelected) {

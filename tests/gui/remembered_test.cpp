@@ -120,6 +120,16 @@ TEST_F(RememberedTest, SwitchesHoldInTheNextRun) {
   EXPECT_NE(next.m_Window.GridView().DisplayFlags() & ModelFlag::kProportions, 0U);
 }
 
+TEST_F(RememberedTest, WhatTakesTheMouseOverBeginsSwitchedOff) {
+  Menu().Choose(MenuEntry::Remember);
+  Menu().Choose(MenuEntry::SelectSeveral);
+  ASSERT_TRUE(m_Window.ImageView().IsChoosing());
+  CNextRun next(m_File, m_Dialogs);
+  EXPECT_TRUE(next.Has(MenuEntry::Remember));
+  EXPECT_FALSE(next.Has(MenuEntry::SelectSeveral));
+  EXPECT_FALSE(next.m_Window.ImageView().IsChoosing());
+}
+
 TEST_F(RememberedTest, OtherMarksBeginAsEver) {
   Menu().Choose(MenuEntry::Remember);
   Menu().Choose(MenuEntry::ImageGrid);
@@ -183,7 +193,8 @@ TEST(RememberedSwitchesTest, AreThoseOfEditAndInspectAndOfTheWindowItself) {
   for (const MenuEntry entry : {MenuEntry::DebugInterface, MenuEntry::StatusBar, MenuEntry::NewHeightsAtLast,
                                 MenuEntry::ClosedTears, MenuEntry::BehindTears, MenuEntry::KeepProportions})
     EXPECT_TRUE(has(entry)) << CMainMenu::TextOf(entry);
-  for (const MenuEntry entry : {MenuEntry::Remember, MenuEntry::ImageGrid, MenuEntry::SubdivisionColours})
+  for (const MenuEntry entry :
+       {MenuEntry::Remember, MenuEntry::SelectSeveral, MenuEntry::ImageGrid, MenuEntry::SubdivisionColours})
     EXPECT_FALSE(has(entry)) << CMainMenu::TextOf(entry);
   EXPECT_EQ(CMainMenu::TextOf(MenuEntry::Remember), "Remember Window and Switches");
 }

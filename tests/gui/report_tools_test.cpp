@@ -12,6 +12,7 @@
 #include "app/CToolSet.h"
 #include "support/CurveBuilders.h"
 #include "support/KeyTable.h"
+#include "support/gui/ClickUntil.h"
 #include "support/gui/Input.h"
 #include "support/gui/Widgets.h"
 #include "support/gui/WindowTest.h"
@@ -142,6 +143,59 @@ TEST_F(ReportToolsTest, FloatingRegionsAreNamedWithWhatIsMissing) {
   EXPECT_TRUE(RunToolkitUntil([&] { return std::string(regions.text(1)) == "none"; }));
 }
 
+// The dialog opens within a tick that has taken up the edit before it, but has not built the system for it.
+TEST_F(ReportToolsTest, RegionsAreThoseOfTheEditBeforeADialogThatWasCancelled) {
+  for (const auto& [x, y] : std::vector<CPlanePoint>{{20, 20}, {50, 50}, {80, 20}}) Add({x, y, PtCstrKind::kPosition});
+  const auto& regions = Only<Fl_Hold_Browser>(static_cast<Fl_Group&>(*Report().parent()));
+  ASSERT_TRUE(RunToolkitUntil([&] { return std::string(regions.text(1)) == "none"; }));
+  bool asked = false;
+  CWindowServices services = Services();
+  services.m_Model.m_AskNewGrid = [&asked](const CGrid&) {
+    Fl_Window dialog(200, 100, "Some dialog");
+    dialog.end();
+    dialog.set_modal();
+    dialog.show();
+    // Longer than the report rests.
+    Fl::add_timeout(
+        0.5, [](void* done) { *static_cast<bool*>(done) = true; }, &asked);
+    EXPECT_TRUE(RunToolkitUntil([&asked] { return asked; }));
+    return std::optional<CGridParameters>();
+  };
+  m_Window.SetServices(std::move(services));
+  // All three in one line.
+  Grid().PointEdits().SelectNumber(1);
+  Grid().PointEdits().PlaceSelected(50, 20);
+  Grid().Run().Post(Operation::kNewGrid);
+  EXPECT_TRUE(RunToolkitUntil([&] { return asked && !Grid().Run().HasPending(); }));
+  EXPECT_TRUE(RunToolkitUntil(
+      [&] { return std::string(regions.text(1)).find("can tilt about the line") != std::string::npos; }));
+}
+
+TEST_F(ReportToolsTest, TypedNumberIsThatOfTheConstraintItWasTypedFor) {
+  ClickOn(Control::PositionConstraint);
+  Add({20, 20, PtCstrKind::kPosition, 5});
+  Add({60, 70, PtCstrKind::kPosition, 5});
+  Grid().PointEdits().SelectNumber(0);
+  Fl_Window& values = Opened(MenuEntry::ConstraintValues, "Constraint values");
+  auto& field = ::Find<CValueField>(values, "z");
+  ASSERT_TRUE(RunToolkitUntil([&] { return std::string(field.value()) == "5"; }));
+  const auto middle = [](const Fl_Widget& widget) {
+    const Fl_Window& window = *widget.top_window();
+    return CPixel{window.x_root() + widget.x() + widget.w() / 2, window.y_root() + widget.y() + widget.h() / 2};
+  };
+  ASSERT_TRUE(ClickUntil([&] { return middle(field); }, [&] { return Fl::focus() == &field; }));
+  PressKey("ctrl+a");
+  TypeText("12");
+  ASSERT_TRUE(RunToolkitUntil([&] { return std::string(field.value()) == "12"; }));
+  const CPtCstrList& points = Grid().Constraints().Points();
+  const CPtCstr& second = *std::next(points.begin());
+  const Fl_Window& view = m_Window.ImageView();
+  Click({view.x_root() + static_cast<int>(0.6 * view.w()), view.y_root() + static_cast<int>(0.3 * view.h())});
+  EXPECT_TRUE(RunToolkitUntil([&] { return points.FirstSelected() == &second && std::string(field.value()) == "5"; }));
+  EXPECT_EQ(points.begin()->m_fZ, 12);
+  EXPECT_EQ(second.m_fZ, 5);
+}
+
 TEST_F(ReportToolsTest, HeightIsTakenFromTheConstraintThatIsClicked) {
   ClickOn(Control::PositionConstraint);
   Add({20, 20, PtCstrKind::kPosition, 5});
@@ -156,8 +210,22 @@ TEST_F(ReportToolsTest, HeightIsTakenFromTheConstraintThatIsClicked) {
   const CPtCstrList& points = Grid().Constraints().Points();
   EXPECT_TRUE(RunToolkitUntil([&] { return points.begin()->m_fZ == 50; }));
   EXPECT_TRUE(RunToolkitUntil([&] { return button.value() == 0; }));
+  EXPECT_TRUE(RunToolkitUntil([&] { return std::string(HelpLine().value()) == "height 50"; }));
   EXPECT_EQ(points.FirstSelected(), &*points.begin());
   EXPECT_EQ(points.size(), 2U);
+}
+
+TEST_F(ReportToolsTest, HelpLineFollowsTypedNumbers) {
+  Add({20, 20, PtCstrKind::kPosition, 5});
+  Grid().PointEdits().SelectNumber(0);
+  Fl_Window& values = Opened(MenuEntry::ConstraintValues, "Constraint values");
+  EXPECT_TRUE(RunToolkitUntil([&] { return std::string(::Find<CValueField>(values, "z").value()) == "5"; }));
+  auto& height = ::Find<CValueField>(values, "z");
+  height.replace(0, height.size(), "28");
+  height.set_changed();
+  values.hide();
+  EXPECT_EQ(Grid().Constraints().Points().begin()->m_fZ, 28);
+  EXPECT_STREQ(HelpLine().value(), "height 28");
 }
 
 TEST_F(ReportToolsTest, DoubleClickOpensTheValues) {

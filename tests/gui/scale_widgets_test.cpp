@@ -13,6 +13,7 @@
 #include "ui/dialogs/CDrawingOptionsDialog.h"
 #include "ui/dialogs/CFileChooser.h"
 #include "ui/dialogs/CGridParametersDialog.h"
+#include "ui/drawing/CValueSlider.h"
 #include "ui/lights/CLightUI.h"
 
 namespace {
@@ -81,4 +82,27 @@ TEST_F(ScaleWidgetsTest, PanelsWithSliders) {
 
 TEST_F(ScaleWidgetsTest, FileChooser) {
   ExpectTwiceAsLarge([] { return std::make_unique<CFileChooser>(); });
+}
+
+// Where a press sets the knob tells where the knob runs: here behind the number, over as many pixels in all.
+TEST_F(ScaleWidgetsTest, NumbersOfSlidersHaveMoreRoomWhereTheirTextIsLarger) {
+  constexpr int kTrack = 265;
+  const auto pressed = [](Fl_Value_Slider& slider, int place) {
+    slider.type(FL_HOR_SLIDER);
+    slider.box(FL_FLAT_BOX);
+    Fl::e_x = slider.x() + slider.w() - kTrack + place;
+    Fl::e_y = slider.y() + 10;
+    slider.handle(FL_PUSH);
+    return slider.value();
+  };
+  for (const int place : {100, 132, 200}) {
+    Fl_Value_Slider toolkits(40, 10, 35 + kTrack, 22);
+    const double value = pressed(toolkits, place);
+    EXPECT_GT(value, 0.3);
+    for (const int textSize : {10, 15, 20}) {
+      CValueSlider slider(40, 10, 35 * textSize / 10 + kTrack, 22);
+      slider.textsize(textSize);
+      EXPECT_EQ(pressed(slider, place), value) << textSize;
+    }
+  }
 }

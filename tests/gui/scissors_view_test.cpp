@@ -1,111 +1,10 @@
-#include <functional>
-#include <optional>
+// The window of the scissors: what it shows, and its mouse and keys.
+
 #include <sstream>
 #include <string>
-#include <vector>
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include "scissors/CScissorsTool.h"
-#include "support/CStaging.h"
-#include "support/ConsoleCapture.h"
 #include "support/KeyTable.h"
-#include "support/ScissorsBuilders.h"
-#include "support/gui/Input.h"
-#include "support/gui/ToolkitTest.h"
-#include "ui/scissors/CScissorsView.h"
-#include "ui/scissors/ScissorsHost.h"
-
-namespace {
-
-constexpr CRgb kBackground{212, 208, 200};
-constexpr CRgb kTraced{0, 128, 255};
-constexpr CRgb kSelected{255, 128, 0};
-constexpr CRgb kInProgress{0, 255, 0};
-constexpr CRgb kLiveWire{255, 255, 0};
-constexpr CRgb kKeyPoint{255, 0, 255};
-constexpr CRgb kSeed{255, 0, 0};
-
-class RecordingScissorsHost : public ScissorsHost {
- public:
-  bool AddTracedCurve(const std::vector<CPlanePoint>& points) override {
-    if (m_bTakes) m_aaCurves.push_back(points);
-    return m_bTakes;
-  }
-  void RefreshDisplays() override { ++m_iRefreshes; }
-
-  bool m_bTakes = true;
-  std::vector<std::vector<CPlanePoint>> m_aaCurves;
-  int m_iRefreshes = 0;
-};
-
-// The window on the screen with a picture, and the user's hands on mouse and keyboard.
-class ScissorsViewTest : public ToolkitTest {
- protected:
-  void SetUp() override { OpenWith(GreyPicture(200, 150)); }
-  void TearDown() override { m_View.Close(); }
-
-  void OpenWith(const CTopDownImage& picture) {
-    m_View.Close();
-    CPicture stored{picture.m_iWidth, picture.m_iHeight, {}};
-    const std::size_t row = 3 * static_cast<std::size_t>(picture.m_iWidth);
-    for (auto y = static_cast<std::size_t>(picture.m_iHeight); y-- > 0;) {
-      const auto first = picture.m_aPixels.begin() + static_cast<std::ptrdiff_t>(y * row);
-      stored.m_aPixels.insert(stored.m_aPixels.end(), first, first + static_cast<std::ptrdiff_t>(row));
-    }
-    CStaging::Textures(Grid()).SetPicture(stored);
-    m_View.Open();
-    ASSERT_TRUE(RunToolkitUntil([&] { return Window().has_value() && m_Screen.HasFocus(*Window()); }));
-    ASSERT_TRUE(RunToolkitUntil([&] { return m_View.damage() == 0; }));
-    m_Console.Take();
-  }
-
-  CScissorsTool& Tool() { return *m_View.Tool(); }
-  const CScissorsContours& Contours() { return Tool().Contours(); }
-  std::optional<WindowId> Window() { return m_Screen.FindWindow(getpid(), m_View.label()); }
-  CPixel OnScreen(CPixelPosition place) { return m_Screen.AreaOf(*Window()).At({place.m_iColumn, place.m_iRow}); }
-  bool SeesAt(CPixelPosition place, CRgb colour) {
-    const CPixel p = OnScreen(place);
-    return RunToolkitUntil([&] { return m_Screen.Capture({p.m_iX, p.m_iY, 1, 1}).IsAll(colour); });
-  }
-
-  void Point(CPixelPosition place) {
-    MovePointer(OnScreen(place));
-    const std::string wanted = "x = " + std::to_string(place.m_iColumn) + " y = " + std::to_string(place.m_iRow) + " ";
-    ASSERT_TRUE(RunToolkitUntil([&] { return std::string(m_View.StatusText()).find(wanted) == 0; }))
-        << m_View.StatusText();
-  }
-  // A click that makes `place` the seed.
-  void ClickAt(CPixelPosition place) {
-    Point(place);
-    Click(OnScreen(place));
-    ASSERT_TRUE(RunToolkitUntil([&] {
-      return Contours().IsInProgress() &&
-             Contours().Seed() == *m_View.Viewport().PixelAt(place.m_iColumn, place.m_iRow);
-    }));
-  }
-  void Build() {
-    ASSERT_TRUE(RunToolkitUntil([&] { return !Tool().IsBuilding(); }));
-  }
-  bool TypeUntil(const std::string& keys, const std::function<bool()>& condition) {
-    PressKey(keys);
-    return RunToolkitUntil(condition);
-  }
-  // A contour of a row of pixels, on which the model does not want to be torn.
-  void TraceAndKeep(int row) {
-    m_Host.m_bTakes = false;
-    ClickAt({20, row});
-    Point({60, row});
-    ASSERT_TRUE(TypeUntil("Return", [&] { return !Contours().IsInProgress(); }));
-  }
-
-  ConsoleCapture m_Console;
-  RecordingScissorsHost m_Host;
-  CScissorsView m_View{Grid(), m_Host};
-};
-
-}  // namespace
+#include "support/gui/ScissorsViewTest.h"
 
 TEST_F(ScissorsViewTest, HasItsTitleAndSize) {
   EXPECT_EQ(m_Screen.TitleOf(*Window()), "Click to set key points - Press Enter set the last point and finish");
@@ -127,19 +26,6 @@ TEST_F(ScissorsViewTest, DoesNotOpenWithoutAPicture) {
   view.Open();
   EXPECT_FALSE(view.IsOpen());
   EXPECT_FALSE(view.shown());
-}
-
-TEST_F(ScissorsViewTest, OpensUpToTheLongestSideThatPlacesAreKeptFor) {
-  for (const int side : {CScissorsTool::kMostSide, CScissorsTool::kMostSide + 1}) {
-    const auto bytes = 3 * static_cast<std::size_t>(side);
-    for (const CPicture& picture :
-         {CPicture{side, 1, std::vector<std::uint8_t>(bytes)}, CPicture{1, side, std::vector<std::uint8_t>(bytes)}}) {
-      m_View.Close();
-      CStaging::Textures(Grid()).SetPicture(picture);
-      m_View.Open();
-      EXPECT_EQ(m_View.IsOpen(), side == CScissorsTool::kMostSide) << picture.m_iWidth << " x " << picture.m_iHeight;
-    }
-  }
 }
 
 TEST_F(ScissorsViewTest, ShowsThePictureUprightAndTheBackgroundBesideIt) {
@@ -271,73 +157,6 @@ TEST_F(ScissorsViewTest, BackSpaceKeepsTheContoursWhileOneIsInProgress) {
   EXPECT_EQ(Contours().Traced().size(), 1U);
 }
 
-TEST_F(ScissorsViewTest, KeysZoomAroundTheMouse) {
-  OpenWith(RandomTopDownImage(900, 800, 3));
-  Point({200, 160});
-  for (int zoom = 2; zoom <= 17; ++zoom) {
-    ASSERT_TRUE(TypeUntil("ctrl+equal", [&] { return m_View.Viewport().Zoom() == std::min(zoom, 16); }));
-  }
-  EXPECT_EQ(m_View.Viewport().PixelAt(200, 160), (CPixelPosition{200, 160}));
-  for (int zoom = 15; zoom >= 0; --zoom) {
-    ASSERT_TRUE(TypeUntil("ctrl+minus", [&] { return m_View.Viewport().Zoom() == std::max(zoom, 1); }));
-  }
-  EXPECT_EQ(m_View.Viewport().PixelAt(200, 160), (CPixelPosition{200, 160}));
-}
-
-TEST_F(ScissorsViewTest, SignsOfTheNumberPadZoomToo) {
-  OpenWith(RandomTopDownImage(900, 800, 3));
-  Point({200, 160});
-  EXPECT_TRUE(TypeUntil("ctrl+KP_Add", [&] { return m_View.Viewport().Zoom() == 2; }));
-  EXPECT_TRUE(TypeUntil("ctrl+KP_Subtract", [&] { return m_View.Viewport().Zoom() == 1; }));
-}
-
-TEST_F(ScissorsViewTest, WholeLargePictureIsShownReducedAndTracedAsItIs) {
-  OpenWith(TopDownImageOf(1780, 1000, [](int x, int /*y*/) { return std::array{x % 4 == 0 ? 200 : 0, 80, 99}; }));
-  Point({100, 50});
-  ASSERT_TRUE(TypeUntil("ctrl+0", [&] { return m_View.Viewport().Reduction() == 4; }));
-  EXPECT_TRUE(SeesAt({300, 200}, {50, 80, 99}));
-  EXPECT_TRUE(SeesAt({300, 251}, kBackground));
-  ClickAt({100, 50});
-  EXPECT_EQ(Contours().Seed(), (CPixelPosition{402, 202}));
-  ClickAt({110, 50});
-  EXPECT_EQ(Contours().Seed(), (CPixelPosition{442, 202}));
-  EXPECT_GT(Contours().InProgress().m_aPixels.size(), 40U);
-  EXPECT_TRUE(SeesAt({105, 50}, kInProgress));
-  Point({100, 60});
-  ASSERT_TRUE(TypeUntil("ctrl+0", [&] { return m_View.Viewport().Reduction() == 1; }));
-  EXPECT_EQ(m_View.Viewport().PixelAt(100, 60), (CPixelPosition{402, 242}));
-}
-
-TEST_F(ScissorsViewTest, FromTheReducedPictureKeysLeadToZoomOneOnly) {
-  OpenWith(RandomTopDownImage(900, 800, 3));
-  Point({100, 50});
-  ASSERT_TRUE(TypeUntil("ctrl+0", [&] { return m_View.Viewport().Reduction() == 3; }));
-  PressKey("ctrl+minus");
-  ASSERT_TRUE(TypeUntil("ctrl+equal", [&] { return m_View.Viewport().Reduction() == 1; }));
-  EXPECT_EQ(m_View.Viewport().Zoom(), 1);
-  EXPECT_EQ(m_View.Viewport().PixelAt(100, 50), (CPixelPosition{301, 151}));
-}
-
-TEST_F(ScissorsViewTest, WheelWithCtrlZoomsAroundTheMouse) {
-  OpenWith(RandomTopDownImage(900, 800, 3));
-  Point({200, 160});
-  const auto turn = [this](int button, const char* keys) {
-    HoldKeys(keys);
-    Click(OnScreen({200, 160}), button);
-    LetGoOfKeys(keys);
-  };
-  turn(4, "ctrl");
-  EXPECT_TRUE(RunToolkitUntil([&] { return m_View.Viewport().Zoom() == 2; }));
-  turn(4, "ctrl");
-  EXPECT_TRUE(RunToolkitUntil([&] { return m_View.Viewport().Zoom() == 3; }));
-  EXPECT_EQ(m_View.Viewport().PixelAt(200, 160), (CPixelPosition{200, 160}));
-  turn(5, "ctrl");
-  EXPECT_TRUE(RunToolkitUntil([&] { return m_View.Viewport().Zoom() == 2; }));
-  turn(4, "shift");
-  turn(5, "ctrl");
-  EXPECT_TRUE(RunToolkitUntil([&] { return m_View.Viewport().Zoom() == 1; }));
-}
-
 TEST_F(ScissorsViewTest, CurvesOfTheModelAreShownAndHiddenBelowTheContours) {
   const CExtent& extent = Grid().Surface().Lattice().Extent();
   const auto place = [&](double column, double row) {
@@ -366,46 +185,6 @@ TEST_F(ScissorsViewTest, CurvesOfTheModelAreShownAndHiddenBelowTheContours) {
   m_View.Close();
   m_View.Open();
   EXPECT_FALSE(m_View.ShowsCurves());
-}
-
-TEST_F(ScissorsViewTest, SizeIsKeptForTheNextOpening) {
-  m_Screen.AskForSize(*Window(), 700, 600);
-  ASSERT_TRUE(RunToolkitUntil([&] { return m_View.w() == 700; }));
-  OpenWith(GreyPicture(900, 800, 50));
-  EXPECT_EQ(m_Screen.AreaOf(*Window()).m_iWidth, 700);
-  EXPECT_EQ(m_Screen.AreaOf(*Window()).m_iHeight, 600);
-  EXPECT_EQ(m_View.Viewport().VisibleSize(), (CPixelPosition{700, 578}));
-}
-
-TEST_F(ScissorsViewTest, RightDragMovesThePicture) {
-  const CTopDownImage picture = RandomTopDownImage(900, 800, 3);
-  OpenWith(picture);
-  Drag(OnScreen({200, 160}), OnScreen({150, 140}), 3);
-  EXPECT_TRUE(RunToolkitUntil([&] { return m_View.Viewport().First() == CPixelPosition{50, 20}; }));
-  const auto colour = picture.ColourAt({60, 40});
-  EXPECT_TRUE(SeesAt({10, 20}, {colour[0], colour[1], colour[2]}));
-  EXPECT_FALSE(Contours().IsInProgress());
-}
-
-TEST_F(ScissorsViewTest, LargeTreeGrowsInSlicesAndShowsItsProgress) {
-  OpenWith(RandomTopDownImage(1600, 1200, 3));
-  ClickAt({20, 30});
-  EXPECT_TRUE(Tool().IsBuilding());
-  bool showedProgress = false;
-  EXPECT_TRUE(RunToolkitUntil([&] {
-    showedProgress = showedProgress || std::string(m_View.StatusText()).find("paths: ") != std::string::npos;
-    return !Tool().IsBuilding();
-  }));
-  EXPECT_TRUE(showedProgress);
-  EXPECT_EQ(std::string(m_View.StatusText()).find("paths: "), std::string::npos);
-}
-
-TEST_F(ScissorsViewTest, NextClickNeedNotWaitForTheTree) {
-  OpenWith(RandomTopDownImage(1600, 1200, 3));
-  ClickAt({20, 30});
-  ClickAt({400, 380});
-  EXPECT_TRUE(Tool().IsBuilding());
-  EXPECT_GT(Contours().InProgress().m_aPixels.size(), 300U);
 }
 
 TEST_F(ScissorsViewTest, EveryWayOfClosingIsReported) {
@@ -438,14 +217,6 @@ TEST_F(ScissorsViewTest, ReopenedWindowStartsAfresh) {
   m_View.Open();
   EXPECT_TRUE(Contours().Traced().empty());
   EXPECT_EQ(m_View.Viewport().Zoom(), 1);
-}
-
-TEST_F(ScissorsViewTest, LargerWindowShowsMore) {
-  OpenWith(GreyPicture(900, 800, 50));
-  m_Screen.AskForSize(*Window(), 700, 600);
-  EXPECT_TRUE(RunToolkitUntil([&] { return m_View.w() == 700; }));
-  EXPECT_EQ(m_View.Viewport().VisibleSize(), (CPixelPosition{700, 578}));
-  EXPECT_TRUE(SeesAt({690, 570}, {50, 50, 50}));
 }
 
 namespace {

@@ -321,6 +321,34 @@ TEST_F(ToolSetTest, LiveLightShowsALargePictureSmallerFirstAndComputesItBetweenE
   EXPECT_TRUE(std::ranges::equal(live, images.Image(CTextureImages::kKd)));
 }
 
+// A hand that drags briskly lets no pass over all of such a picture come to its end.
+TEST_F(ToolSetTest, LiveLightAnswersWhileItChangesInEveryRoundOfTheToolkit) {
+  LoadPicture();
+  Grid().Relighting().SetPicture(RandomPicture(1000, 1000));
+  OpenLights();
+  for (CLightSet* lights : {&CStaging::RemovedLights(Grid()), &CStaging::AddedLights(Grid())}) {
+    for (std::size_t light = 0; light < 4; ++light) {
+      SwitchOn(*lights, light, {0.9, 0.8, 0.7}, {1.0 + static_cast<double>(light), -1, 2});
+    }
+  }
+  const CTextureImages& images = Grid().Relighting().Textures();
+  const unsigned first = images.Revision(CTextureImages::kIllumination);
+  Push("Live");
+  double red = 0;
+  EXPECT_TRUE(RunToolkitUntil([&] {
+    red = red < 0.9 ? red + 0.01 : 0.1;
+    SetRed(red);
+    return images.Revision(CTextureImages::kIllumination) >= first + 3;
+  }));
+  EXPECT_TRUE(RunToolkitUntil([&] {
+    return Grid().Relighting().Albedo().IsComputed() && images.PreviewOf(CTextureImages::kIllumination) == nullptr;
+  }));
+  const std::vector<std::uint8_t> live(images.Image(CTextureImages::kIllumination).begin(),
+                                       images.Image(CTextureImages::kIllumination).end());
+  Grid().GetKd();
+  EXPECT_TRUE(std::ranges::equal(live, images.Image(CTextureImages::kIllumination)));
+}
+
 TEST_F(ToolSetTest, LiveLightStopsWithThePictureAndTellsWhereThereIsNoMemory) {
   LoadPicture();
   OpenLights();

@@ -21,10 +21,12 @@ class CTestCommands : public ValuesCommands {
   void DropNextHeight() override {
     if (const auto ended = std::exchange(m_Ended, nullptr)) ended();
   }
+  void ValueChanged() override { ++m_iChanges; }
   bool IsChoosing() const override { return m_bChoosing; }
 
   std::function<void()> m_Ended;
   bool m_bChoosing = false;
+  int m_iChanges = 0;
 };
 
 class ValuesPanelTest : public PanelTest {
@@ -114,6 +116,63 @@ TEST_F(ValuesPanelTest, TypedNumbersActAtReturnOrWhenTheFieldIsLeft) {
   EXPECT_EQ(m_iClosed, 1);
 }
 
+// The wheel over the image view selects another constraint and leaves the field where it is.
+TEST_F(ValuesPanelTest, TypedNumberIsThatOfWhatWasSelectedWhenItWasTyped) {
+  for (const CPtCstr& c : {CPtCstr{20, 30, PtCstrKind::kPosition, 5}, CPtCstr{40, 30, PtCstrKind::kPosition, 5}})
+    Add(c);
+  const CPtCstrList& points = Grid().Constraints().Points();
+  const CPtCstr& first = *points.begin();
+  const CPtCstr& second = *std::next(points.begin());
+  m_Panel.Open();
+  ASSERT_TRUE(Appears("Constraint values"));
+  TypeOver("z", "12");
+  Grid().PointEdits().SelectNumber(0);
+  Key("z", FL_Enter);
+  EXPECT_EQ(second.m_fZ, 12);
+  EXPECT_EQ(first.m_fZ, 5);
+  EXPECT_EQ(points.FirstSelected(), &first);
+  m_Panel.Refresh();
+  TypeOver("z", "7");
+  Grid().PointEdits().SelectNumber(1);
+  m_Panel.Refresh();
+  EXPECT_EQ(first.m_fZ, 7) << "as if the field had been left";
+  EXPECT_EQ(Text("z"), "12");
+  TypeOver("z", "high");
+  Grid().PointEdits().SelectNumber(0);
+  m_Panel.Refresh();
+  EXPECT_TRUE(Says("That is no number"));
+  EXPECT_EQ(Text("z"), "7");
+  TypeOver("z", "99");
+  Grid().UnselectAll();
+  m_Panel.Refresh();
+  EXPECT_EQ(first.m_fZ, 99);
+  EXPECT_EQ(points.FirstSelected(), nullptr);
+  m_Panel.hide();
+}
+
+TEST_F(ValuesPanelTest, TypedNumberOfANodeIsItsOwn) {
+  Grid().AddCurve(std::vector<CPtCstr>{{20, 20}, {60, 20}, {60, 60}}, CurveType::kNormal, false);
+  Grid().CurveEdits().SelectNumber(0, 1);
+  m_Panel.Refresh();
+  TypeOver("x", "50");
+  Grid().CurveEdits().SelectNumber(0, 2);
+  Key("x", FL_Enter);
+  const CCntrCtrl& curve = *Grid().Constraints().Curves().begin();
+  EXPECT_EQ(std::next(curve.Nodes().begin())->m_fX, 50);
+  EXPECT_EQ(curve.Nodes().back().m_fX, 60);
+  EXPECT_EQ(Grid().Constraints().Curves().SelectedNode().m_pNode, &curve.Nodes().back());
+}
+
+TEST_F(ValuesPanelTest, WhatWasTypedGoesWithItsConstraint) {
+  for (const CPtCstr& c : {CPtCstr{20, 30, PtCstrKind::kPosition, 5}, CPtCstr{40, 30, PtCstrKind::kPosition, 5}})
+    Add(c);
+  TypeOver("z", "12");
+  Grid().PointEdits().DeleteSelected();
+  Key("z", FL_Enter);
+  ASSERT_EQ(Grid().Constraints().Points().size(), 1U);
+  EXPECT_EQ(Point().m_fZ, 5);
+}
+
 TEST_F(ValuesPanelTest, RubbishIsRefusedWithAWord) {
   Add({20, 30, PtCstrKind::kPosition, 5});
   Enter("z", "high");
@@ -126,6 +185,7 @@ TEST_F(ValuesPanelTest, RubbishIsRefusedWithAWord) {
   EXPECT_FALSE(Says("x goes from 0.1 to 99.9"));
   EXPECT_EQ(Point().m_fX, 40);
   EXPECT_EQ(Point().m_fZ, 5);
+  EXPECT_EQ(m_Commands.m_iChanges, 1) << "the refused ones have changed nothing";
 }
 
 TEST_F(ValuesPanelTest, EscapeBringsTheOldNumberBack) {

@@ -69,6 +69,26 @@ TEST_F(WindowCoordinatesTest, SaysWhatTheSurfaceHasUnderTheMouseInTheModelView) 
   EXPECT_EQ(Text(), "") << "beside the surface";
 }
 
+TEST_F(WindowCoordinatesTest, SaysTheSlopesOfAPlaneInBothViews) {
+  const auto numberAfter = [this](const std::string& name) {
+    const std::size_t at = Text().find(name);
+    EXPECT_NE(at, std::string::npos) << Text();
+    return at == std::string::npos ? 0 : std::stod(Text().substr(at + name.size()));
+  };
+  SetSurface(Grid(), CRamp{0.75, -0.25, 9});
+  Grid().ComputeNormalsOnly();
+  Menu().Choose(MenuEntry::Coordinates);
+  CImageView& image = m_Window.ImageView();
+  Send(FL_MOVE, image, image.w() / 2, image.h() / 2);
+  EXPECT_NEAR(numberAfter("dz/dx "), 0.75, 1e-3);
+  EXPECT_NEAR(numberAfter("dz/dy "), -0.25, 1e-3);
+  Send(FL_LEAVE, image, -1, image.h() / 2);
+  CGridView& model = m_Window.GridView();
+  Send(FL_MOVE, model, model.w() / 2, model.h() / 2);
+  EXPECT_NEAR(numberAfter("dz/dx "), 0.75, 1e-3);
+  EXPECT_NEAR(numberAfter("dz/dy "), -0.25, 1e-3);
+}
+
 TEST_F(WindowCoordinatesTest, TicksLeaveItAlone) {
   Menu().Choose(MenuEntry::Coordinates);
   CImageView& view = m_Window.ImageView();

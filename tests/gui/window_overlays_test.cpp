@@ -158,6 +158,40 @@ TEST_F(WindowOverlaysTest, InfluenceOfASlopeIsThatOfEitherPart) {
   EXPECT_EQ(Shown(), nullptr);
 }
 
+TEST_F(WindowOverlaysTest, InfluenceThatIsNotExactSaysSo) {
+  m_Window.ImageView().SetMode(EditingMode::Position);
+  Grid().AddCurve(std::vector{HeightCstr(1, 23, 0), HeightCstr(8, 23, 0)}, CurveType::kFairness, false);
+  CStaging::Constraints(Grid()).Curves().back().SetAllWeights(1e18, 1e18, 1e18, 1e18);
+  Grid().Run().Post(Operation::kRebuildMaps);
+  Tick();
+  Grid().SelectPtCstr(10, 22, PtCstrKind::kPosition);
+  Menu().Choose(MenuEntry::InfluenceMap);
+  ASSERT_TRUE(RunToolkitUntil([this] { return Shown() != nullptr && Shown()->m_bHasBar; }));
+  EXPECT_EQ(Shown()->m_asNotes, std::vector<std::string>{"Not exact: the solver gave up"});
+}
+
+TEST_F(WindowOverlaysTest, InfluenceSaysThatRegionsAreSettled) {
+  m_Window.ImageView().SetMode(EditingMode::Position);
+  Grid().AddCurve(
+      std::vector{HeightCstr(3, 22, 0), HeightCstr(9, 22, 0), HeightCstr(9, 24.5, 0), HeightCstr(3, 24.5, 0)},
+      CurveType::kPosition, true);
+  Tick();
+  Grid().SelectPtCstr(10, 22, PtCstrKind::kPosition);
+  Menu().Choose(MenuEntry::InfluenceMap);
+  ASSERT_TRUE(RunToolkitUntil([this] { return Shown() != nullptr && Shown()->m_bHasBar; }));
+  EXPECT_TRUE(Shown()->m_asNotes.empty());
+  const auto* source = m_Window.Overlays().Shown();
+  ASSERT_NE(source, nullptr);
+  EXPECT_FALSE(source->IsBusy()) << "the toolkit may rest";
+  const std::vector<double> unsettled = Shown()->m_afAtPoints;
+  Grid().SetSettling(true);
+  ASSERT_TRUE(RunToolkitUntil([this] { return Shown()->m_bHasBar && !Shown()->m_asNotes.empty(); }));
+  EXPECT_EQ(Shown()->m_asNotes, std::vector<std::string>{"With the floating regions settled"});
+  EXPECT_NE(Shown()->m_afAtPoints, unsettled);
+  Grid().UnselectAll();
+  EXPECT_TRUE(RunToolkitUntil([this] { return Shown()->m_Title == "Influence: select a constraint to see it"; }));
+}
+
 TEST_F(WindowOverlaysTest, CurveWithoutAutoBumpHasNoInfluence) {
   m_Window.ImageView().SetMode(EditingMode::Curve);
   Grid().AddCurve(std::vector{HeightCstr(3, 22, 0), HeightCstr(9, 22, 0)}, CurveType::kNormal, false);

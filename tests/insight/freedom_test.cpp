@@ -180,6 +180,21 @@ Matrix Directions(const CRandomModel& model) {
   return directions;
 }
 
+// Nothing in them is settled, and those that follow any plane are those of which no equation makes anything of one.
+void ExpectGroupsOf(const CRandomModel& model, const Matrix& equations, const Matrix& free) {
+  for (const CFreeGroup& group : model.m_Freedom.Groups()) {
+    std::vector<std::vector<std::size_t>> whole(1);
+    for (const std::uint32_t piece : group.m_auPieces) {
+      const std::vector<std::size_t> points = PointsOf(model.m_Freedom, piece);
+      RC_ASSERT(Restricted(free, points).norm() > kMoves);
+      whole.front().insert(whole.front().end(), points.begin(), points.end());
+    }
+    const Matrix image = equations * PlanesOf(model, whole);
+    const double most = image.size() > 0 ? image.cwiseAbs().maxCoeff() : 0;
+    RC_ASSERT(group.m_bFollowsAnyPlane == (most < kFree));
+  }
+}
+
 RC_GTEST_PROP(Freedom, AgreesWithADenseDecomposition, ()) {
   const CRandomModel model(*GenTreeOps(), *rc::gen::arbitrary<std::uint32_t>());
   const std::vector<std::vector<std::size_t>> pieces = FloodedPieces(model);
@@ -203,6 +218,7 @@ RC_GTEST_PROP(Freedom, AgreesWithADenseDecomposition, ()) {
     }
     RC_ASSERT(RankOf(with, kMoves) == At(region.m_aFree.size()));
   }
+  ExpectGroupsOf(model, equations, free);
   const Matrix directions = Directions(model);
   RC_ASSERT(RankOf(Restricted(directions, drawn), kMoves) == RankOf(Restricted(free, drawn), kMoves));
   const Matrix missed = equations * directions;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -110,6 +112,54 @@ TEST(Influence, IsNoneOfWhatHasNoRow) {
   test.Solved(Operation::kRebuildMaps);
   const std::vector<double> ofCurve = ChangeOfTargets(test.m_Grid, test.Curve().Id());
   EXPECT_EQ(std::ranges::count(ofCurve, 0.0), static_cast<long>(ofCurve.size()));
+}
+
+// A tear parts the model, whose right half nothing holds: while regions are settled it follows the left one.
+TEST(Influence, TakesRegionsThatAreSettledAlong) {
+  CInfluenceGrid test;
+  test.m_Grid.AddCurve(PointsAt({{51, 1}, {51, 99}}), kTear, false);
+  RecordAt(CStaging::Constraints(test.m_Grid).Points(), 1).m_fX = 40;
+  RecordAt(CStaging::Constraints(test.m_Grid).Points(), 3).m_fX = 45;
+  test.m_Grid.SetSettling(true);
+  const std::vector<double> before = test.Solved(Operation::kRebuildMaps);
+  std::optional<CSettler> settler = test.m_Grid.SettlerOfChanges();
+  ASSERT_TRUE(settler.has_value());
+  const std::vector<double> change = ChangeOfTargets(test.m_Grid, test.Point(1), ConstraintPart::Height);
+  CInfluence influence(test.m_Grid.Solver(), test.m_Grid.Surface().Basis(), change, std::move(settler));
+  while (!influence.Continue(10)) {
+  }
+  EXPECT_TRUE(influence.IsExact());
+  test.Point(1).m_fZ += 1;
+  const std::vector<double> after = test.Solved();
+  ExpectDifference(before, after, influence.Heights());
+  // Without settling the right half would stay.
+  const std::vector<double> alone = test.Influence(change);
+  EXPECT_GT(LargestDifference(alone, influence.Heights()), 0.01);
+  test.m_Grid.SetSettling(false);
+  EXPECT_FALSE(test.m_Grid.SettlerOfChanges().has_value());
+}
+
+TEST(Influence, IsNoneOfASettlerWhereNothingFloats) {
+  CInfluenceGrid test;
+  test.m_Grid.SetSettling(true);
+  test.Solved();
+  EXPECT_FALSE(test.m_Grid.SettlerOfChanges().has_value());
+}
+
+// Weights so large that all else is rounding.
+TEST(Influence, IsNotExactWhereTheIterationGetsNoNearer) {
+  CInfluenceGrid test;
+  test.m_Grid.AddCurve(PointsAt({{10, 30}, {90, 30}}), kFair, false);
+  CurveAt(CStaging::Constraints(test.m_Grid).Curves(), 1).SetAllWeights(1e18, 1e18, 1e18, 1e18);
+  test.m_Grid.Run().Post(Operation::kRebuildMaps);
+  test.m_Grid.Run().SetRunning(true);
+  ASSERT_TRUE(RunUntilPaused(test.m_Grid, 20000));
+  ASSERT_FALSE(test.m_Grid.Solver().HasConverged());
+  const std::vector<double> change = ChangeOfTargets(test.m_Grid, test.Point(1), ConstraintPart::Height);
+  CInfluence influence(test.m_Grid.Solver(), test.m_Grid.Surface().Basis(), change);
+  while (!influence.Continue(10)) {
+  }
+  EXPECT_FALSE(influence.IsExact());
 }
 
 // The grid is rebuilt between two slices.

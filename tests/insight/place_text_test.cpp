@@ -28,6 +28,38 @@ TEST(PlaceText, SaysHeightAndSlopesOfTheSurface) {
   EXPECT_NEAR(std::stod(z), SurfaceHeight(test.m_Grid, 3.5, 23), 1e-3);
 }
 
+// What stands behind a name.
+double NumberAfter(const std::string& text, const std::string& name) {
+  const std::size_t at = text.find(name);
+  EXPECT_NE(at, std::string::npos) << text;
+  return at == std::string::npos ? 0 : std::stod(text.substr(at + name.size()));
+}
+
+TEST(PlaceText, SaysTheSlopesOfAPlane) {
+  CTestGrid test(4, 4);
+  test.m_Grid.PerformPendingWork();
+  SetSurface(test.m_Grid, CRamp{1.5, -0.25, 3});
+  test.m_Grid.Surface().Reconstruct();
+  test.m_Grid.ComputeNormalsOnly();
+  const std::string text = TextAt(test.m_Grid, {3.7, 23.2});
+  EXPECT_NEAR(NumberAfter(text, "   z "), 1.5 * 3.7 - 0.25 * 23.2 + 3, 1e-4);
+  EXPECT_NEAR(NumberAfter(text, "dz/dx "), 1.5, 1e-4);
+  EXPECT_NEAR(NumberAfter(text, "dz/dy "), -0.25, 1e-4);
+}
+
+TEST(PlaceText, SaysTheSlopesOfAParaboloid) {
+  CTestGrid test(4, 4);
+  test.m_Grid.PerformPendingWork();
+  SetSurface(test.m_Grid, [](double x, double y) { return 0.2 * (x - 4) * (x - 4) - 0.5 * (y - 22) * (y - 22); });
+  test.m_Grid.Surface().Reconstruct();
+  test.m_Grid.ComputeNormalsOnly();
+  for (const CPlanePoint place : {CPlanePoint{6.1, 23.2}, {1.3, 24.3}, {8.8, 21.1}}) {
+    const std::string text = TextAt(test.m_Grid, place);
+    EXPECT_NEAR(NumberAfter(text, "dz/dx "), 0.4 * (place.x - 4), 0.1) << text;
+    EXPECT_NEAR(NumberAfter(text, "dz/dy "), -(place.y - 22), 0.1) << text;
+  }
+}
+
 TEST(PlaceText, OutsideThereIsNothingButThePlace) {
   CTestGrid test;
   test.m_Grid.PerformPendingWork();
@@ -59,7 +91,7 @@ TEST(PlaceText, SaysWhatAConstraintWantsAndWhatTheSurfaceHas) {
   const std::string height = TextAt(test.m_Grid, {10.05, 22});
   EXPECT_NE(height.find("   height wanted -2, kept -2"), std::string::npos) << height;
   const std::string slope = TextAt(test.m_Grid, {6, 23.5});
-  EXPECT_NE(slope.find("   slope wanted (0.25, -0.5), kept (0.2"), std::string::npos) << slope;
+  EXPECT_NE(slope.find("   slope wanted (0.25, -0.5), kept (0.25, -0.5)"), std::string::npos) << slope;
   EXPECT_EQ(TextAt(test.m_Grid, {10.2, 22}).find("wanted"), std::string::npos);
 }
 

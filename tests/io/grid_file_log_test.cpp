@@ -104,6 +104,8 @@ const std::vector<CBadFile> kBadFiles{
     {"0\t0\n0\t0\n0\t0\n", "0\t99999999999999999999\n0\t0\n0\t0\n", "as many point constraints as announced"},
     {"0\t0\n0\t0\n0\t0\n", "0\t2000000000\n1\t2\t3\t4\t5\t1\n0\t0\n0\t0\n", "as many point constraints as announced"},
     {"0\t0\n0\t0\n0\t0\n", "0\t1\n1\t2\t3\tfour\t5\t1\n0\t0\n0\t0\n", "as many point constraints as announced"},
+    {"0\t0\n0\t0\n0\t0\n", "0\t2\n1\t2\t3\t4\t5\t\n6.5\t7\t8\t9\t10\t1\n0\t0\n0\t0\n",
+     "as many point constraints as announced"},
     {"0\t0\n0\t0\n0\t0\n", "0\t0\n0\t1\n0\t0\n", "as many curve constraints as announced"},
     {"0\t0\n0\t0\n0\t0\n", "0\t0\n0\t1\n0\t4000000000\n1\t1\t0\t0\t0\t0\t0\t0\t0\t0\n",
      "as many curve constraints as announced"},
@@ -177,6 +179,18 @@ TEST(DamagedGridFile, LeavesOutRecordsWithNumbersThatAreNotFinite) {
   const std::string log = test.m_Console.Take();
   EXPECT_EQ(Occurrences(log, "CGrid::Load\t\tA point constraint with a number that is not finite is left out\n"), 3);
   EXPECT_EQ(Occurrences(log, "CGrid::Load\t\tA curve constraint with a number that is not finite is left out\n"), 1);
+}
+
+TEST(DamagedGridFile, LeavesOutPointsOfUnknownKinds) {
+  CTestGrid test;
+  const std::string text = Replaced(kShort, "0\t0\n0\t0\n0\t0\n",
+                                    "0\t5\n1\t2\t3\t4\t5\t0\n1\t2\t3\t4\t5\t-1\n1\t2\t3\t4\t5\t8\n"
+                                    "1\t2\t3\t4\t5\t4\n6\t7\t8\t9\t10\t3\n0\t0\n0\t0\n");
+  EXPECT_EQ(ReadText(test.m_Grid, text), GridFileState::Damaged);
+  ASSERT_EQ(test.m_Grid.Constraints().Points().size(), 1U);
+  EXPECT_EQ(RecordAt(test.m_Grid.Constraints().Points(), 0).m_fX, 6);
+  EXPECT_EQ(Occurrences(test.m_Console.Take(), "CGrid::Load\t\tA point constraint of an unknown kind is left out\n"),
+            4);
 }
 
 TEST(DamagedGridFile, HasZerosWhereItEndsInsideTheHeights) {

@@ -186,13 +186,13 @@ TEST(KdPass, WithoutAPictureNothingHappens) {
 }
 
 TEST(KdPreview, SmallPicturesHaveNone) {
-  CKdGrid test(1024, 1024);
+  CKdGrid test(512, 512);
   EXPECT_FALSE(test.Light().PreviewKd());
   EXPECT_EQ(test.Images().PreviewOf(CTextureImages::kKd), nullptr);
 }
 
 TEST(KdPreview, IsAboutTheAreaFilteredResultAndGoesWithIt) {
-  for (const auto& [width, height] : {std::pair{2000, 1001}, {3, 700000}, {2100000, 1}}) {
+  for (const auto& [width, height] : {std::pair{2000, 1001}, {1000, 1000}, {600, 500}, {3, 700000}, {2100000, 1}}) {
     CKdGrid test(width, height);
     // Light that falls alike everywhere makes of a mean the mean of what it makes.
     CStaging::RemovedLights(test.m_Grid) = AmbientLight(1, 1, 1);

@@ -272,6 +272,25 @@ TEST_F(CleanMeshTest, HeightsStayNearThoseOfTheirSide) {
   for (std::size_t v = 0; v < mesh.VertexCount(); ++v) EXPECT_LE(std::abs(mesh.Vertex(v).m_fZ), 2.0);
 }
 
+// The side rises steeply before the tear, and goes on to no more than half of that beyond it: heights that are farther
+// away, however high, lend it no room.
+TEST_F(CleanMeshTest, HeightsFarFromATearDoNotWidenWhatIsContinuedThere) {
+  const auto highestOnTear = [](int peakRow) {
+    CTornGrid grid({{{{0.0, 7.9}, {16.0, 7.9}}}});
+    grid.Raise([peakRow](int /*column*/, int row) { return row == peakRow ? 100.0 : row == 7 ? 10.0 : 0.0; });
+    const CCleanMesh mesh = grid.Mesh();
+    double highest = 0.0;
+    for (std::size_t v = 0; v < mesh.VertexCount(); ++v) {
+      const Vector3 p = mesh.Position(v);
+      const double row = grid.Lattice().RowOf(p.y);
+      if (row > 7.5 && row < 8.0) highest = std::max(highest, p.z);
+    }
+    return highest;
+  };
+  EXPECT_NEAR(highestOnTear(-1), 15.0, 1e-6);
+  EXPECT_NEAR(highestOnTear(3), 15.0, 1e-6);
+}
+
 TEST_F(CleanMeshTest, SamplesAreClean) {
   for (const char* name : {"coffee.grid", "cat.grid"}) {
     CTornGrid grid({});
@@ -302,16 +321,21 @@ class CStopAfter : public ExportProgress {
   explicit CStopAfter(int calls) : m_iMost(calls) {}
   bool Goes(double share) override {
     EXPECT_GE(share, m_fShare);
+    m_fLongest = std::max(m_fLongest, share - m_fShare);
     m_fShare = share;
     return ++m_iCalls < m_iMost;
   }
   int Calls() const { return m_iCalls; }
+  double Last() const { return m_fShare; }
+  // The largest share of the work between two questions, or behind the last one.
+  double Longest() const { return std::max(m_fLongest, 1.0 - m_fShare); }
   int CallsWhenCancelled() const { return std::max(0, m_iCalls - m_iMost); }
 
  private:
   int m_iMost;
   int m_iCalls = 0;
   double m_fShare = 0.0;
+  double m_fLongest = 0.0;
 };
 
 // Waves across the whole width, two cells apart.
@@ -341,10 +365,32 @@ TEST(CleanMeshStepsTest, AreAskedAgainAndAgainAndStopTheMesh) {
     const int calls = callsOf(patient);
     // With each pixel of the tears in a few blocks; the answer to a stop is one of these away.
     ASSERT_GE(calls, 20);
+    // Gathering, telling sides apart, searching and walls each ask on their own.
+    EXPECT_LE(patient.Longest(), 0.11);
     for (int k = 1; k < calls; k += 3) {
       CStopAfter progress(k);
       callsOf(progress);
       EXPECT_LE(progress.CallsWhenCancelled(), 3) << k;
     }
+  }
+}
+
+TEST(CleanMeshStepsTest, AreAskedWhileStripsAreMade) {
+  CTornGrid grid(ManyTears(32), 5, 5);
+  grid.Raise([](int column, int row) { return row * std::cos(0.1 * column); });
+  const auto make = [&](CStopAfter& progress) {
+    grid.m_Plain.Build(grid.Tree());
+    const CCleanMesh mesh(grid.Tree(), grid.m_Plain, grid.m_Grid.Constraints().Curves(),
+                          {.m_Gap = TearGap::Under, .m_fUnderWidth = 2.0}, CExportSteps(&progress));
+    return mesh.Strips().size();
+  };
+  CStopAfter patient(1 << 20);
+  ASSERT_GT(make(patient), 0U);
+  // The strips are the last part.
+  EXPECT_GE(patient.Last(), 0.97);
+  for (int k = 1; k < patient.Calls(); k += 3) {
+    CStopAfter progress(k);
+    EXPECT_EQ(make(progress), 0U) << k;
+    EXPECT_LE(progress.CallsWhenCancelled(), 3) << k;
   }
 }

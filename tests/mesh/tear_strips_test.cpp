@@ -35,6 +35,9 @@ std::vector<CStripPoint> StripsOf(CTornGrid& grid, double width = kWidth) {
   return points;
 }
 
+// From the tear, in widths.
+double AwayOf(const CStripPoint& p) { return std::abs(p.m_fRow - kRow) * 0.375 / kWidth; }
+
 double LeastRow(const std::vector<CStripPoint>& points) {
   return std::ranges::min_element(points, {}, &CStripPoint::m_fRow)->m_fRow;
 }
@@ -94,9 +97,20 @@ TEST(TearStripsTest, StaysBelowTheHigherSideWhereItWouldRiseAboveIt) {
   grid.Raise([](int /*column*/, int row) { return row < kRow ? 1.0 * row : 8.0; });
   const std::vector<CStripPoint> strips = StripsOf(grid);
   const double step = 8.0 - kRow;
-  const auto highest = std::ranges::max_element(strips, {}, &CStripPoint::m_fZ);
-  EXPECT_NEAR(highest->m_fZ, 8.0 - step / 64, 1e-5);
-  for (const CStripPoint& p : strips) EXPECT_NEAR(p.m_fZ, std::min(p.m_fRow, 8.0 - step / 64), 1e-5);
+  for (const CStripPoint& p : strips) {
+    EXPECT_LE(p.m_fZ, std::min(p.m_fRow, 8.0 - step / 64) + 1e-5);
+    // No farther below than all heights range, less where the tear is near.
+    EXPECT_GE(p.m_fZ, std::min(p.m_fRow, 8.0 - std::max(step, 8.0 * AwayOf(p)) / 64) - 1e-5);
+  }
+}
+
+// Where both sides are nearly one height the strip would else lie in the surface, and either would be seen in spots.
+TEST(TearStripsTest, StaysClearOfTheHigherSideWhereTheStepIsNextToNothing) {
+  CTornGrid grid({{{{0.0, kRow}, {16.0, kRow}}}});
+  grid.Raise([](int column, int row) { return column + (row < kRow ? 0.0 : 1e-3); });
+  const std::vector<CStripPoint> strips = StripsOf(grid);
+  ASSERT_FALSE(strips.empty());
+  for (const CStripPoint& p : strips) EXPECT_NEAR(p.m_fZ, p.m_fColumn - 16.0 * AwayOf(p) / 64, 2e-3);
 }
 
 TEST(TearStripsTest, NarrowsTowardsAnEndInsideTheSurface) {

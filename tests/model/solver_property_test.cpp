@@ -60,6 +60,8 @@ class CEditedModel : public CSolverGrid {
   }
   std::vector<double> ExactHeights() {
     m_Direct.SetConstraints(std::array<const CPtCstrList*, 1>{&m_Grid.Constraints().Points()});
+    const std::vector<double> shape = ShapeHeights(m_Grid);
+    if (!shape.empty()) m_Direct.SetShape(shape);
     return m_Direct.Solve();
   }
 
@@ -100,14 +102,38 @@ INSTANTIATE_TEST_SUITE_P(EveryOtherPoint, SolverEditTest,
 INSTANTIATE_TEST_SUITE_P(LargeGrid, SolverEditTest,
                          testing::Combine(testing::Values(7), testing::Values(7), testing::Values(1U)));
 
-TEST_P(SolverEditTest, EveryEditReachesTheExactSurface) {
-  CEditedModel model(std::get<0>(GetParam()), std::get<1>(GetParam()), std::get<2>(GetParam()));
+void ExpectExactEdits(CEditedModel& model) {
   ASSERT_TRUE(model.Converge());
   for (int edit = 0; edit < kEdits; ++edit) {
     model.EditAtRandom();
     ASSERT_TRUE(model.m_Grid.Run().IsRunning()) << edit;
     ASSERT_TRUE(model.Converge()) << edit;
     ASSERT_LT(model.ErrorAgainst(model.ExactHeights()), kTolerance) << edit;
+  }
+}
+
+TEST_P(SolverEditTest, EveryEditReachesTheExactSurface) {
+  CEditedModel model(std::get<0>(GetParam()), std::get<1>(GetParam()), std::get<2>(GetParam()));
+  ExpectExactEdits(model);
+}
+
+// Over a random map, which every edit of a height scales anew; and the strength changes, too.
+class SolverEditOverMapTest : public SolverEditTest {};
+
+INSTANTIATE_TEST_SUITE_P(AllPoints, SolverEditOverMapTest,
+                         testing::Combine(testing::Values(5), testing::Values(5), testing::Range(1U, 4U)));
+INSTANTIATE_TEST_SUITE_P(EveryOtherPoint, SolverEditOverMapTest,
+                         testing::Combine(testing::Values(5), testing::Values(4), testing::Range(2U, 5U)));
+
+TEST_P(SolverEditOverMapTest, EveryEditReachesTheExactSurface) {
+  const std::uint32_t seed = std::get<2>(GetParam());
+  CEditedModel model(std::get<0>(GetParam()), std::get<1>(GetParam()), seed);
+  FollowRandomMap(model.m_Grid, seed);
+  ExpectExactEdits(model);
+  for (const double strength : {0.3, 0.0, 0.8}) {
+    model.m_Grid.ReferenceEdits().SetStrength(strength);
+    ASSERT_TRUE(model.Converge()) << strength;
+    EXPECT_LT(model.ErrorAgainst(model.ExactHeights()), kTolerance) << strength;
   }
 }
 
@@ -259,6 +285,11 @@ class SolverLimitsTest : public testing::TestWithParam<WaveletMode> {
     const Eigen::MatrixXd matrix(direct.Bordered());
     Eigen::VectorXd right = Eigen::VectorXd::Zero(matrix.rows());
     right.tail(direct.Targets().size()) = direct.Targets();
+    const std::vector<double> shape = ShapeHeights(Grid());
+    if (!shape.empty()) {
+      direct.SetShape(shape);
+      right.head(direct.Load().size()) = direct.Load();
+    }
     Eigen::CompleteOrthogonalDecomposition<Eigen::MatrixXd> factors;
     factors.setThreshold(1e-11);
     const Eigen::VectorXd solution = factors.compute(matrix).solve(right);
@@ -326,6 +357,29 @@ TEST_P(SolverLimitsTest, ManyContradictionsEndNearestToAllOfThem) {
   }
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_LT(m_Solver.ErrorAgainst(LeastSquaresHeights()), kContradicted);
+}
+
+TEST_P(SolverLimitsTest, ContradictionsOverAMapEndNearestToAllOfThem) {
+  AddSurroundings();
+  FollowRandomMap(Grid(), 5);
+  for (int k = 0; k < 5; ++k) {
+    const double x = 15 + 14 * k;
+    Add({HeightCstr(x, 60 - 3 * k, 5), HeightCstr(x, 60 - 3 * k, -k)});
+  }
+  ASSERT_TRUE(m_Solver.Converge());
+  EXPECT_LT(m_Solver.ErrorAgainst(LeastSquaresHeights()), kContradicted);
+}
+
+// Nothing is asked for but the map's own bends: the surface has them, and is soon there.
+TEST_P(SolverLimitsTest, AMapAloneIsTakenAsItIs) {
+  FollowRandomMap(Grid(), 6);
+  ASSERT_TRUE(m_Solver.Converge());
+  const std::vector<double> shape = ShapeHeights(Grid());
+  const CDirectSystem direct(Grid().Surface().Tree());
+  const std::vector<double> heights = Heights();
+  const Eigen::VectorXd z = Eigen::Map<const Eigen::VectorXd>(heights.data(), 81);
+  const Eigen::VectorXd missed = z - Eigen::Map<const Eigen::VectorXd>(shape.data(), 81);
+  EXPECT_LT(missed.dot(direct.H() * missed), 1e-12 * z.dot(direct.H() * z));
 }
 
 TEST_P(SolverLimitsTest, SurfaceIsExactAgainOnceAContradictionIsGone) {

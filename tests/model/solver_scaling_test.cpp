@@ -94,6 +94,7 @@ RC_GTEST_PROP(SolverScalingProperty, SurfaceIsExactInAllUnitsWithinABound, ()) {
   if (*rc::gen::arbitrary<bool>()) model.Refine();
   if (*rc::gen::arbitrary<bool>()) model.Tear();
   model.AddConstraints();
+  if (*rc::gen::arbitrary<bool>()) FollowRandomMap(model.m_Grid, *rc::gen::arbitrary<std::uint32_t>());
   RC_ASSERT(model.Converge());
   RC_ASSERT(model.m_Grid.Solver().HasConverged());
   RC_ASSERT(model.ErrorAgainst(model.DirectHeights()) < kSmallShare);
@@ -105,7 +106,8 @@ RC_GTEST_PROP(SolverScalingProperty, SurfaceIsExactInAllUnitsWithinABound, ()) {
 double MissedButForWhatIsFree(const CGrid& grid) {
   const std::size_t points = grid.Surface().Order().Count();
   const Eigen::MatrixXd smoothness = Dense(grid.Solver().System().Smoothness(), points);
-  const Eigen::MatrixXd h = smoothness / smoothness.cwiseAbs().maxCoeff();
+  const double unitOfH = smoothness.cwiseAbs().maxCoeff();
+  const Eigen::MatrixXd h = smoothness / unitOfH;
   const CConstraintRows& constraints = grid.Solver().System().Constraints();
   const Eigen::Index n = h.rows();
   const auto m = static_cast<Eigen::Index>(constraints.Count());
@@ -120,6 +122,8 @@ double MissedButForWhatIsFree(const CGrid& grid) {
   bordered << h, c.transpose(), c, Eigen::MatrixXd::Zero(m, m);
   Eigen::VectorXd right = Eigen::VectorXd::Zero(n + m);
   right.tail(m) = targets;
+  const std::vector<double>& load = grid.Solver().System().Load();
+  if (!load.empty()) right.head(n) = Eigen::Map<const Eigen::VectorXd>(load.data(), n) / unitOfH;
   Eigen::CompleteOrthogonalDecomposition<Eigen::MatrixXd> factors;
   factors.setThreshold(1e-11);
   const Eigen::VectorXd exact = factors.compute(bordered).solve(right).head(n);
@@ -137,6 +141,7 @@ RC_GTEST_PROP(SolverScalingProperty, WhatConstraintsAndCurvesLeaveFreeIsAllThatD
   CModelInUnits model(*rc::gen::inRange(2, 4), size, mode, *rc::gen::arbitrary<std::uint32_t>());
   model.AddConstraints(*rc::gen::inRange(0, 7));
   if (*rc::gen::arbitrary<bool>()) model.AddFairness(std::pow(10.0, *rc::gen::inRange(-1, 3)));
+  if (*rc::gen::arbitrary<bool>()) FollowRandomMap(model.m_Grid, *rc::gen::arbitrary<std::uint32_t>());
   model.StartAtRandom();
   RC_ASSERT(model.Converge());
   RC_ASSERT(model.m_Grid.Solver().HasConverged());
@@ -265,6 +270,14 @@ INSTANTIATE_TEST_SUITE_P(Modes, ManyConstraintsTest, testing::Values(WaveletMode
 TEST_P(ManyConstraintsTest, SurfaceIsExact) {
   AddHeights(2);
   ASSERT_EQ(m_Solver.m_Grid.Constraints().Points().size(), 256U);
+  ASSERT_TRUE(m_Solver.Converge());
+  EXPECT_TRUE(m_Solver.m_Grid.Solver().HasConverged());
+  EXPECT_LT(m_Solver.ErrorAgainst(m_Solver.DirectHeights()), kSmallShare);
+}
+
+TEST_P(ManyConstraintsTest, SurfaceOverAMapIsExact) {
+  AddHeights(2);
+  FollowRandomMap(m_Solver.m_Grid, 4);
   ASSERT_TRUE(m_Solver.Converge());
   EXPECT_TRUE(m_Solver.m_Grid.Solver().HasConverged());
   EXPECT_LT(m_Solver.ErrorAgainst(m_Solver.DirectHeights()), kSmallShare);

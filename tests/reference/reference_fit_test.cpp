@@ -5,12 +5,13 @@
 #include <random>
 #include <vector>
 
+#include <Eigen/QR>
 #include <gtest/gtest.h>
 
 #include "constraints/CPtCstrList.h"
 #include "lattice/CLattice.h"
 #include "reference/CDepthMap.h"
-#include "reference/CReferenceFit.h"
+#include "reference/StraightFit.h"
 #include "support/AllocationCount.h"
 #include "support/ConstraintBuilders.h"
 #include "support/DepthBuilders.h"
@@ -34,6 +35,27 @@ class ReferenceFitTest : public testing::Test {
       const double x = anywhere(random);
       m_Points.Add(HeightCstr(100 * x, 100 * anywhere(random), field(ShareAt(x)) + noise * normal(random)));
     }
+  }
+  // RMS of what each height is missed by where a polynomial of that degree is fitted to all others.
+  double ForetoldBy(int degree) const {
+    const auto count = static_cast<Eigen::Index>(m_aHeights.size());
+    double sum = 0.0;
+    for (Eigen::Index out = 0; out < count; ++out) {
+      Eigen::MatrixXd powers(count, degree + 1);
+      Eigen::VectorXd z(count);
+      for (Eigen::Index k = 0; k < count; ++k) {
+        const CHeightOverMap& height = m_aHeights[static_cast<std::size_t>(k)];
+        for (int power = 0; power <= degree; ++power) powers(k, power) = std::pow(height.m_fValue, power);
+        z[k] = height.m_fZ;
+      }
+      const Eigen::VectorXd left = powers.row(out);
+      const double height = z[out];
+      powers.row(out).setZero();
+      z[out] = 0;
+      const double missed = height - left.dot(powers.colPivHouseholderQr().solve(z));
+      sum += missed * missed;
+    }
+    return std::sqrt(sum / static_cast<double>(count));
   }
   double ShareAt(double x) const { return (m_Reading.Bilinear(m_Reading.ColumnOf(x), 3) + 1) / 2; }
   double HeightAt(const CReferenceFit& fit, double share) const { return fit.HeightOver(2 * share - 1); }
@@ -116,6 +138,18 @@ TEST_F(ReferenceFitTest, AGammaTakesTheBentResponse) {
   EXPECT_LT(fit.m_fRms, 0.5 * Fit().m_fRms);
 }
 
+TEST_F(ReferenceFitTest, BesideABentResponseThereIsTheStraightOne) {
+  AddHeights(25, [](double share) { return 200 + 40 * std::pow(share, 1 / 1.5); });
+  ASSERT_TRUE(Fit().m_bBent);
+  const CReferenceFit beside = StraightFit(m_Points, m_Extent, m_Reading, m_Settings);
+  EXPECT_FALSE(beside.m_bBent);
+  EXPECT_EQ(m_Settings.m_Response, ReferenceResponse::Automatic);
+  EXPECT_NEAR(beside.OffsetAtZero(m_Reading) + beside.Scale(m_Reading) * m_Reading.Low(),
+              beside.HeightOver(m_Reading.Normalised(m_Reading.Low())), 1e-9);
+  m_Settings.m_Response = ReferenceResponse::Straight;
+  EXPECT_EQ(beside.OffsetAtZero(m_Reading), Fit().OffsetAtZero(m_Reading));
+}
+
 TEST_F(ReferenceFitTest, AStraightMapDoesNot) {
   AddHeights(
       25, [](double share) { return 40 * share; }, 1.5);
@@ -136,10 +170,61 @@ TEST_F(ReferenceFitTest, BentNeedsTwelveHeightsOnSixValues) {
   EXPECT_FALSE(Fit().m_bBent) << "five values";
 }
 
-// Less than a thousandth of the range is not worth a bend.
-TEST_F(ReferenceFitTest, BentMustBeWorthwhile) {
-  AddHeights(25, [](double share) { return 40 * share + 0.1 * share * share; });
+// Values that differ by rounding are one.
+TEST_F(ReferenceFitTest, SixValuesAreSixThatDiffer) {
+  const auto square = [](double v) { return 20 * v * v + 30 * v; };
+  const auto fit = [&](int values, double apart) {
+    m_aHeights.clear();
+    for (int k = 0; k < 18; ++k) {
+      const double v = 0.3 * (k % values) - 0.8 + apart * k;
+      m_aHeights.push_back({v, square(v), k});
+    }
+    return FitReference(m_aHeights, m_Settings, m_Reading, m_Extent, ResponseChoice::Anew);
+  };
+  EXPECT_FALSE(fit(5, 0).m_bBent);
+  EXPECT_FALSE(fit(5, 1e-12).m_bBent);
+  EXPECT_TRUE(fit(6, 0).m_bBent);
+  m_Settings.m_Response = ReferenceResponse::Bent;
+  EXPECT_FALSE(fit(5, 0).m_bBent) << "whatever is asked for";
+  EXPECT_TRUE(fit(6, 0).m_bBent);
+}
+
+// From a bend that is not worth it to one that is, and from noise that hides one to noise that does not: the choice is
+// what the rule says of errors that are computed here from its words.
+TEST_F(ReferenceFitTest, BothThresholdsAreThoseOfTheForetellingErrors) {
+  int taken = 0;
+  int tooSmall = 0;
+  int notBetter = 0;
+  for (const double noise : {0.0, 0.001, 0.1, 1.0, 3.0}) {
+    for (double bend = 0.02; bend < 40; bend *= 1.3) {
+      m_Points.clear();
+      AddHeights(
+          25, [&](double share) { return 40 * share + bend * share * share; }, noise);
+      const CReferenceFit fit = Fit();
+      const double straight = ForetoldBy(1);
+      const double bent = ForetoldBy(2);
+      const auto [low, high] = std::ranges::minmax(m_aHeights, {}, &CHeightOverMap::m_fZ);
+      const bool worthwhile = straight > 0.001 * (high.m_fZ - low.m_fZ);
+      const bool better = bent <= 0.9 * straight;
+      ASSERT_EQ(fit.m_bBent, worthwhile && better) << noise << ' ' << bend << ' ' << bent / straight;
+      taken += worthwhile && better ? 1 : 0;
+      tooSmall += better && !worthwhile ? 1 : 0;
+      notBetter += worthwhile && !better ? 1 : 0;
+    }
+  }
+  EXPECT_GT(taken, 10);
+  EXPECT_GT(tooSmall, 3);
+  EXPECT_GT(notBetter, 10);
+}
+
+// 12 heights are left out one by one, so that each of the parabolas there has 11.
+TEST_F(ReferenceFitTest, ElevenHeightsAreTooFewWhateverIsAskedFor) {
+  m_Settings.m_Response = ReferenceResponse::Bent;
+  AddHeights(11, [](double share) { return 40 * share * share; });
   EXPECT_FALSE(Fit().m_bBent);
+  EXPECT_FALSE(Fit(ResponseChoice::KeepBent).m_bBent);
+  m_Points.Add(HeightCstr(5, 5, 40 * ShareAt(0.05) * ShareAt(0.05)));
+  EXPECT_TRUE(Fit().m_bBent);
 }
 
 TEST_F(ReferenceFitTest, ABentResponseNeverTurnsBack) {
@@ -152,6 +237,48 @@ TEST_F(ReferenceFitTest, ABentResponseNeverTurnsBack) {
   m_Points.clear();
   AddHeights(30, [](double share) { return -20 * std::max(share, 0.45); });
   EXPECT_NEAR(Fit().m_fLinear - 2 * Fit().m_fSquare, 0, 1e-9) << "nor at the lower one";
+}
+
+// The parabola with no slope at an end is fitted to all heights again: no other one of that kind misses them by less.
+// With either sign of the scale.
+TEST_F(ReferenceFitTest, AtAnEndWithoutSlopeItIsFittedAgain) {
+  m_Settings.m_Response = ReferenceResponse::Bent;
+  for (const double sign : {1.0, -1.0}) {
+    for (const bool upper : {true, false}) {
+      m_Points.clear();
+      AddHeights(
+          30, [&](double share) { return sign * 20 * (upper ? std::min(share, 0.55) : std::max(share, 0.45)); }, 0.3);
+      const CReferenceFit fit = Fit();
+      ASSERT_TRUE(fit.m_bBent);
+      const double end = upper ? 1.0 : -1.0;
+      EXPECT_NEAR(fit.m_fLinear + 2 * end * fit.m_fSquare, 0, 1e-9);
+      EXPECT_GT(sign * (fit.m_fLinear - 2 * end * fit.m_fSquare), 0);
+      // In (v - end)^2: a straight line by least squares.
+      const auto count = static_cast<Eigen::Index>(m_aHeights.size());
+      Eigen::MatrixXd forms(count, 2);
+      Eigen::VectorXd z(count);
+      for (Eigen::Index k = 0; k < count; ++k) {
+        const CHeightOverMap& height = m_aHeights[static_cast<std::size_t>(k)];
+        forms(k, 0) = 1;
+        forms(k, 1) = (height.m_fValue - end) * (height.m_fValue - end);
+        z[k] = height.m_fZ;
+      }
+      const Eigen::VectorXd best = forms.colPivHouseholderQr().solve(z);
+      EXPECT_NEAR(fit.m_fSquare, best[1], 1e-9);
+      EXPECT_NEAR(fit.m_fOffset, best[0] + best[1], 1e-9);
+    }
+  }
+}
+
+// With the sign kept inside, ends are not touched.
+TEST_F(ReferenceFitTest, ASlopeThatKeepsItsSignIsFree) {
+  m_Settings.m_Response = ReferenceResponse::Bent;
+  AddHeights(30, [](double share) { return 10 + 7 * share - 3 * share * share; });
+  const CReferenceFit fit = Fit();
+  ASSERT_TRUE(fit.m_bBent);
+  EXPECT_NEAR(HeightAt(fit, 0), 10, 1e-9);
+  EXPECT_NEAR(HeightAt(fit, 1), 14, 1e-9);
+  EXPECT_NEAR(HeightAt(fit, 0.5), 12.75, 1e-9);
 }
 
 TEST_F(ReferenceFitTest, WhileItIsKeptTheResponseOnlySaysWhatItWouldBe) {

@@ -10,12 +10,14 @@
 
 #include <gtest/gtest.h>
 
+#include "constraints/CCntrCtrlList.h"
 #include "lattice/CLattice.h"
 #include "reference/CDepthMap.h"
 #include "reference/SuggestTears.h"
 #include "scissors/CLinkCosts.h"
 #include "scissors/CTopDownImage.h"
 #include "support/DepthBuilders.h"
+#include "support/GridBuilders.h"
 
 namespace {
 
@@ -76,12 +78,75 @@ std::vector<CTearProposal> Suggest(const CDepthMap& map, int count, const CLinkC
   return SuggestTears(CDepthReading(map, false), {.m_iCount = count}, CExtent{}, photograph);
 }
 
+// As the curves that are made of them in a grid with so many levels.
+std::vector<CTearProposal> AsCurves(const std::vector<CTearProposal>& proposals, int level) {
+  const CResolutionScope scope(level, 3);
+  const ConsoleCapture console;
+  CGrid grid;
+  for (const CTearProposal& proposal : proposals)
+    grid.AddTracedCurve(NodesOf(proposal), CurveType::kPosition, proposal.m_bClosed);
+  std::vector<CTearProposal> made;
+  for (const CCntrCtrl& curve : grid.Constraints().Curves()) {
+    CTearProposal& tear = made.emplace_back();
+    tear.m_bClosed = curve.IsClosed();
+    for (const CCntrNode& node : curve.Nodes()) tear.m_aPoints.push_back({node.m_fX, node.m_fY});
+  }
+  return made;
+}
+
+std::size_t PointCount(const std::vector<CTearProposal>& tears) {
+  std::size_t count = 0;
+  for (const CTearProposal& tear : tears) count += tear.m_aPoints.size();
+  return count;
+}
+
 TEST(SuggestTearsTest, CoversTheGapsOfAMadeScene) {
   for (const double blur : {0.5, 1.5}) {
     const std::vector<CTearProposal> proposals = Suggest(Blurred(DepthMapOf(kSize, kSize, SceneAt), blur), 15);
     EXPECT_GE(ShareNear(TrueGaps(), Traced(proposals)), 0.8) << blur;
     EXPECT_GE(ShareNear(Traced(proposals), TrueGaps()), 0.8) << blur;
+    // With fewer nodes, too.
+    const std::vector<CTearProposal> curves = AsCurves(proposals, 7);
+    ASSERT_EQ(curves.size(), proposals.size()) << blur;
+    EXPECT_LT(PointCount(curves), PointCount(proposals) / 3) << blur;
+    EXPECT_GE(ShareNear(TrueGaps(), Traced(curves)), 0.8) << blur;
+    EXPECT_GE(ShareNear(Traced(curves), TrueGaps()), 0.8) << blur;
   }
+}
+
+// Two steps that part at the lower border; the slanted one is a bit longer, and goes before the upright one at 50.
+double ForkAt(double u, double v) { return (u > 0.5 ? 1.0 : 0.0) + (u > 0.5 + 0.05 * v ? 1.0 : 0.0); }
+
+double LowestEnd(const CTearProposal& tear) { return std::ranges::min(tear.m_aPoints, {}, &CPlanePoint::y).y; }
+
+// Where the upright step is nearer than 1.2 to the slanted one, it is cut off: below 24. Within the step between two
+// pixels, lines lie anywhere, so that the fine map knows this to one pixel's worth of the fork.
+constexpr int kFine = 900;
+constexpr double kForkPixel = 100.0 / kFine / 0.05;
+TEST(SuggestTearsTest, WhatIsNearAPathThatIsTakenIsCutOff) {
+  const std::vector<CTearProposal> tears = Suggest(DepthMapOf(kFine, kFine, ForkAt), 10);
+  ASSERT_EQ(tears.size(), 2U);
+  EXPECT_DOUBLE_EQ(LowestEnd(tears[0]), 0);
+  EXPECT_NEAR(tears[0].m_aPoints.front().x + tears[0].m_aPoints.back().x, 105, 1);
+  EXPECT_NEAR(LowestEnd(tears[1]), 24, 1.5 * kForkPixel);
+  EXPECT_DOUBLE_EQ(std::ranges::max(tears[1].m_aPoints, {}, &CPlanePoint::y).y, 100);
+  for (const CPlanePoint& p : tears[1].m_aPoints) EXPECT_NEAR(p.x, 50, 2 * kPixel);
+}
+
+// Around a disc that is shorter than the upright step and longer than the 76 that are left of it.
+TEST(SuggestTearsTest, WhatIsLeftCompetesByItsLength) {
+  const auto forkAndDisc = [](double u, double v) {
+    return ForkAt(u, v) + (std::hypot(u - 0.25, v - 0.5) < 0.14 ? 1.0 : 0.0);
+  };
+  const CDepthMap map = DepthMapOf(kFine, kFine, forkAndDisc);
+  const std::vector<CTearProposal> tears = Suggest(map, 10);
+  ASSERT_EQ(tears.size(), 3U);
+  EXPECT_FALSE(tears[0].m_bClosed);
+  EXPECT_TRUE(tears[1].m_bClosed);
+  EXPECT_NEAR(LowestEnd(tears[2]), 24, 1.5 * kForkPixel);
+  const std::vector<CTearProposal> two = Suggest(map, 2);
+  ASSERT_EQ(two.size(), 2U);
+  EXPECT_TRUE(two[1].m_bClosed);
 }
 
 TEST(SuggestTearsTest, ASmoothMapHasNone) {

@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -36,6 +38,32 @@ struct CSampledTree : CTestTree {
   }
 };
 
+// Whether the ways from a to b and along the line cross.
+bool Crosses(const CPlanePoint& a, const CPlanePoint& b, const CGridSegment& line) {
+  const auto turn = [](double ax, double ay, double bx, double by, double cx, double cy) {
+    return (bx - ax) * (cy - ay) - (by - ay) * (cx - ax) > 0;
+  };
+  return turn(a.x, a.y, b.x, b.y, line.x0, line.y0) != turn(a.x, a.y, b.x, b.y, line.x1, line.y1) &&
+         turn(line.x0, line.y0, line.x1, line.y1, a.x, a.y) != turn(line.x0, line.y0, line.x1, line.y1, b.x, b.y);
+}
+
+// The value of the nearest pixel, in pixels, that no tear parts from a place on a lattice of 32 steps, by trying all.
+double NearestSeen(const CDepthReading& reading, const CPlanePoint& place, const Lines& tears) {
+  double nearest = HUGE_VAL;
+  double value = 0.0;
+  for (int row = 0; row < reading.Height(); ++row) {
+    for (int column = 0; column < reading.Width(); ++column) {
+      const CPlanePoint pixel{(column + 0.5) / reading.Width() * 32, (row + 0.5) / reading.Height() * 32};
+      const auto parts = [&](const CGridSegment& line) { return Crosses(place, pixel, line); };
+      const double distance = std::hypot((pixel.x - place.x) * reading.Width(), (pixel.y - place.y) * reading.Height());
+      if (distance >= nearest || std::ranges::any_of(tears, parts)) continue;
+      nearest = distance;
+      value = reading.At(column, row);
+    }
+  }
+  return value;
+}
+
 TEST(ValueSamplerTest, PlanesStayPlanesAtAnySpacing) {
   for (const int startLevel : {2, 4}) {
     const CSampledTree tree(4, startLevel);
@@ -58,6 +86,46 @@ TEST(ValueSamplerTest, NoiseOfSinglePixelsIsFilteredWhereThePointsAreApart) {
     const bool inside = tree.ColumnOf(i) > 0 && tree.ColumnOf(i) < 16 && tree.RowOf(i) > 0 && tree.RowOf(i) < 16;
     EXPECT_TRUE(!inside || std::abs(value) < 0.02) << i;
     ++i;
+  }
+}
+
+// Noise of one to either side, by a hash of the pixel; root mean squares over the inner points and those of the border.
+TEST(ValueSamplerTest, NoiseIsFilteredOnTheBorderAsWell) {
+  const CSampledTree tree(4, 4);
+  const CDepthMap map = DepthMapOf(320, 320, [](double u, double v) {
+    auto hash = static_cast<std::uint32_t>(u * 320) * 2654435761U ^ static_cast<std::uint32_t>(v * 320) * 2246822519U;
+    hash = (hash ^ hash >> 15U) * 3266489917U;
+    return ((hash ^ hash >> 13U) & 1U) == 0 ? -1.0 : 1.0;
+  });
+  double inside = 0.0;
+  double border = 0.0;
+  int count = 0;
+  for (std::size_t i = 0; const double value : tree.Sample(map)) {
+    const double column = tree.ColumnOf(i);
+    const double row = tree.RowOf(i);
+    ++i;
+    if (column > 0 && column < 16 && row > 0 && row < 16) {
+      inside += value * value / (15 * 15);
+      continue;
+    }
+    border += value * value / 64;
+    ++count;
+    EXPECT_LT(std::abs(value), 0.5) << column << ' ' << row;
+  }
+  EXPECT_EQ(count, 64);
+  EXPECT_LT(std::sqrt(inside), 0.08);
+  EXPECT_LT(std::sqrt(border), 3 * std::sqrt(inside));
+}
+
+TEST(ValueSamplerTest, PlanesStayPlanesOverMapsOfAnyProportions) {
+  const CSampledTree tree(4, 2);
+  for (const auto& [width, height] : {std::pair{640, 2}, {3, 500}, {900, 9}}) {
+    const CDepthMap map = DepthMapOf(width, height, [](double u, double v) { return 2 * v - 5 * u; });
+    const CDepthReading reading(map, false);
+    const std::vector<double> values = tree.Sample(map);
+    for (std::size_t i = 0; i < values.size(); ++i)
+      ASSERT_NEAR(values[i], reading.Normalised(2 * tree.RowOf(i) / 16 - 5 * tree.ColumnOf(i) / 16), 1e-5)
+          << width << ' ' << height << ' ' << i;
   }
 }
 
@@ -90,11 +158,22 @@ TEST(ValueSamplerTest, WithoutAPixelInSightThePointHasNoValue) {
 // A strip narrower than the distance of two points, with the nearest pixels of its own farther away than those beyond.
 TEST(ValueSamplerTest, TheNearestPixelInSightServesWhereThereIsNoneAround) {
   const CSampledTree tree(5, 5);
-  const CDepthMap map = DepthMapOf(80, 80, [](double u, double) { return u < 0.5 ? 0 : 1; });
-  // Between two points of a column, from the border to far beyond the filter.
-  const Lines strip{{15.9, 3.0, 16.1, 3.0}, {15.9, 3.0, 15.9, 12.0}, {16.1, 3.0, 16.1, 12.0}};
+  // No two pixels have one value.
+  const CDepthMap map = DepthMapOf(80, 80, [](double u, double v) { return u + 100 * v; });
+  const CDepthReading reading(map, false);
+  // Around points of a column, open far beyond their filter, and a bit nearer to the pixels on their left.
+  const Lines strip{{15.83, 3.0, 16.1, 3.0}, {15.83, 3.0, 15.83, 12.0}, {16.1, 3.0, 16.1, 12.0}};
   const std::vector<double> values = tree.Sample(map, strip);
-  for (std::size_t i = 0; i < values.size(); ++i) EXPECT_FALSE(std::isnan(values[i])) << i;
+  int inStrip = 0;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    EXPECT_FALSE(std::isnan(values[i])) << i;
+    const double row = tree.RowOf(i);
+    // Half a step below its end a filter sees pixels beyond it.
+    if (tree.ColumnOf(i) != 16 || row < 4 || row > 11) continue;
+    ++inStrip;
+    EXPECT_EQ(values[i], NearestSeen(reading, {16, row}, strip)) << row;
+  }
+  EXPECT_EQ(inStrip, 8);
 }
 
 TEST(ValueSamplerTest, HolesLeavePointsWithoutAValue) {

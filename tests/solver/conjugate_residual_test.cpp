@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <numeric>
 #include <vector>
 
 #include <Eigen/Core>
@@ -10,6 +11,7 @@
 #include "solver/CConjugateResidual.h"
 #include "solver/CConstraintSystem.h"
 #include "solver/CEnergyTerms.h"
+#include "solver/CRestForces.h"
 #include "solver/CScaledSystem.h"
 #include "solver/GridTerms.h"
 #include "support/ConstraintBuilders.h"
@@ -38,6 +40,15 @@ struct CIteration : CTestTree {
   void Randomise() {
     m_afX = RandomValues(1, m_afX.size());
     m_afMultipliers = RandomValues(2, m_afMultipliers.size());
+  }
+  // The energy counts from a shape at random.
+  void FollowRandomShape() {
+    CEnergyTerms terms;
+    AddGridTerms(m_Tree, m_Order, terms);
+    m_afShape = RandomValues(4, m_afX.size());
+    CRestForces forces;
+    forces.Collect(terms, m_afShape);
+    forces.MakeLoad({1.0, 0.0}, m_System.Load());
   }
   void Restart() {
     m_Scaled.Prepare();
@@ -69,7 +80,23 @@ struct CIteration : CTestTree {
     Vector right = Vector::Zero(static_cast<Eigen::Index>(state.size()));
     for (std::size_t j = 0; j < m_afMultipliers.size(); ++j)
       right[static_cast<Eigen::Index>(m_afX.size() + j)] = m_System.Constraints().Targets()[j];
+    if (!m_System.Load().empty()) right.head(static_cast<Eigen::Index>(m_afX.size())) = LoadInBasis();
     return right - Product(Eigen::Map<const Vector>(state.data(), right.size()));
+  }
+
+  // What the forces do to each function of the basis.
+  Vector LoadInBasis() const {
+    Vector forces(static_cast<Eigen::Index>(m_afX.size()));
+    Values unit(m_afX.size(), 0.0);
+    Values function(m_afX.size());
+    for (std::size_t k = 0; k < unit.size(); ++k) {
+      unit[k] = 1.0;
+      m_Basis.invW(unit, function);
+      unit[k] = 0.0;
+      forces[static_cast<Eigen::Index>(k)] =
+          std::inner_product(function.begin(), function.end(), m_System.Load().begin(), 0.0);
+    }
+    return forces;
   }
 
   CPtCstrList m_Points;
@@ -79,6 +106,7 @@ struct CIteration : CTestTree {
   CConjugateResidual m_Residual;
   Values m_afX;
   Values m_afMultipliers;
+  Values m_afShape;
 };
 
 std::vector<CPtCstr> FourHeightsAndASlope() {
@@ -90,9 +118,20 @@ Vector AsVector(const Values& values) {
   return Eigen::Map<const Vector>(values.data(), static_cast<Eigen::Index>(values.size()));
 }
 
-TEST(ConjugateResidualTest, RestartTakesTheResidualOfTheStartValues) {
-  CIteration iteration(FourHeightsAndASlope());
-  iteration.Randomise();
+// Whether the energy counts from a shape.
+class ConjugateResidualShapeTest : public testing::TestWithParam<bool> {
+ protected:
+  ConjugateResidualShapeTest() {
+    if (GetParam()) m_Iteration.FollowRandomShape();
+    m_Iteration.Randomise();
+  }
+  CIteration m_Iteration{FourHeightsAndASlope()};
+};
+
+INSTANTIATE_TEST_SUITE_P(Shapes, ConjugateResidualShapeTest, testing::Bool());
+
+TEST_P(ConjugateResidualShapeTest, RestartTakesTheResidualOfTheStartValues) {
+  CIteration& iteration = m_Iteration;
   iteration.Restart();
   const Vector r = iteration.Residual();
   EXPECT_NEAR(iteration.m_Residual.StartNorm(), r.norm(), 1e-12 * r.norm());
@@ -101,9 +140,8 @@ TEST(ConjugateResidualTest, RestartTakesTheResidualOfTheStartValues) {
   EXPECT_NEAR(iteration.m_Residual.Pi(), iteration.Product(r).squaredNorm(), 1e-11 * r.squaredNorm());
 }
 
-TEST(ConjugateResidualTest, StepsAreThoseOfTheMethod) {
-  CIteration iteration(FourHeightsAndASlope());
-  iteration.Randomise();
+TEST_P(ConjugateResidualShapeTest, StepsAreThoseOfTheMethod) {
+  CIteration& iteration = m_Iteration;
   iteration.Restart();
   Vector v = AsVector(iteration.State());
   Vector r = iteration.Residual();
@@ -126,9 +164,8 @@ TEST(ConjugateResidualTest, StepsAreThoseOfTheMethod) {
   }
 }
 
-TEST(ConjugateResidualTest, NoStepLengthensTheResidual) {
-  CIteration iteration(FourHeightsAndASlope());
-  iteration.Randomise();
+TEST_P(ConjugateResidualShapeTest, NoStepLengthensTheResidual) {
+  CIteration& iteration = m_Iteration;
   iteration.Restart();
   const double start = iteration.m_Residual.StartNorm();
   for (int step = 0; step < 150; ++step) {
@@ -140,13 +177,13 @@ TEST(ConjugateResidualTest, NoStepLengthensTheResidual) {
   EXPECT_EQ(iteration.m_Residual.StartNorm(), start);
 }
 
-TEST(ConjugateResidualTest, ComesToTheDirectSolution) {
-  CIteration iteration(FourHeightsAndASlope());
-  iteration.Randomise();
+TEST_P(ConjugateResidualShapeTest, ComesToTheDirectSolution) {
+  CIteration& iteration = m_Iteration;
   iteration.Restart();
   for (int step = 0; step < 500 && iteration.Step() == Outcome::Stepped; ++step) continue;
   CDirectSystem direct(iteration.m_Tree);
   direct.SetConstraints(iteration.Lists());
+  if (GetParam()) direct.SetShape(iteration.m_afShape);
   Values heights(iteration.m_afX.size());
   iteration.m_Basis.invW(iteration.m_afX, heights);
   EXPECT_LT(LargestDifference(heights, direct.Solve()), 1e-7);

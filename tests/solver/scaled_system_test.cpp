@@ -182,6 +182,35 @@ TEST(ScaledSystemTest, FactorGivesTheTargetsTheirLength) {
   EXPECT_NEAR(tree.m_Scaled.ResidualNorm(x, multipliers, tree.m_System.Constraints().Targets()), 1.0, 1e-12);
 }
 
+// As full matrices: with forces at random, what a state leaves of them, and the length of what is asked for.
+RC_GTEST_PROP(ScaledSystemProperty, ForcesOfAShapeCountInResidualAndRightSide, ()) {
+  CRandomScaledTree tree;
+  const auto n = static_cast<Eigen::Index>(tree.m_Basis.Size());
+  const auto seed = *rc::gen::arbitrary<std::uint32_t>();
+  tree.m_System.Load() = RandomValues(seed, tree.m_Basis.Size());
+  const Values x = RandomValues(seed + 1, tree.m_Basis.Size());
+  const Values multipliers(tree.m_System.ConstraintCount(), 0.0);
+  const Values targets(tree.m_System.ConstraintCount(), 0.0);
+  tree.m_Scaled.SetFactor(3.0);
+  const Matrix scaled = (tree.BasisMatrix() * tree.D().asDiagonal()).transpose();
+  const Vector load = Eigen::Map<const Vector>(tree.m_System.Load().data(), n);
+  const Matrix h = Dense(tree.m_System.Smoothness(), tree.m_Basis.Size());
+  const Vector z = tree.BasisMatrix() * Eigen::Map<const Vector>(x.data(), n);
+  const Vector forces = 3.0 * scaled * (load - h * z);
+  const double magnitude = 3.0 * (scaled.cwiseAbs() * (load.cwiseAbs() + h.cwiseAbs() * z.cwiseAbs())).norm();
+  Values r(tree.m_System.Size());
+  tree.m_Scaled.TakeResidual(x, multipliers, targets, r);
+  RC_ASSERT((Eigen::Map<const Vector>(r.data(), n) - forces).norm() <= 1e-12 * magnitude);
+  const double asked = 3.0 * (scaled * load).norm();
+  RC_ASSERT(std::abs(tree.m_Scaled.RightSideNorm(targets) - asked) <= 1e-12 * magnitude);
+  RC_ASSERT(tree.m_Scaled.TargetNorm(targets) == 0.0);
+  const CImbalance found = tree.m_Scaled.Measure(x, multipliers, targets);
+  RC_ASSERT(std::abs(found.m_fForces - forces.norm()) <= 1e-12 * magnitude);
+  RC_ASSERT(std::abs(found.m_fLoad - asked) <= 1e-12 * magnitude);
+  const Vector parts = 3.0 * scaled * (load.cwiseAbs() + h.cwiseAbs() * z.cwiseAbs());
+  RC_ASSERT(std::abs(found.m_fMagnitude - parts.norm()) <= 1e-12 * magnitude);
+}
+
 TEST(ScaledSystemTest, UnitsChangeNothingThatIsScaled) {
   CScaledTree one(4, WaveletMode::New, CExtent{0, 16, 0, 16});
   CScaledTree thousand(4, WaveletMode::New, CExtent{0, 16 * 1024, 0, 16 * 1024});

@@ -5,6 +5,8 @@
 
 #include <Eigen/SparseLU>
 
+#include "support/CStaging.h"
+#include "support/DepthBuilders.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -334,6 +336,22 @@ std::vector<double> InUse(const CLattice& lattice, std::span<const double> byPoi
   return values;
 }
 
+void FollowRandomMap(CGrid& grid, std::uint32_t seed, double strength) {
+  constexpr int kSide = 40;
+  const std::vector<double> values = RandomValues(seed, static_cast<std::size_t>(kSide) * kSide);
+  std::size_t next = 0;
+  grid.ReferenceEdits().Load(SharedDepthMap(kSide, kSide, [&](double, double) { return values[next++]; }), "/random");
+  grid.ReferenceEdits().SetStrength(strength);
+}
+
+std::vector<double> ShapeHeights(CGrid& grid) {
+  CGridReference& reference = CStaging::Reference(grid);
+  std::vector<double> heights = Copied(reference.Sample());
+  const CReferenceFit& fit = reference.Fitted();
+  for (double& height : heights) height = reference.Value().m_Settings.m_fStrength * fit.HeightOver(height);
+  return heights;
+}
+
 CSolverGrid::CSolverGrid(int maxLevel, int baseLevel, const CExtent& extent, WaveletMode mode)
     : m_Scope(maxLevel, baseLevel) {
   m_Grid.Initialize(baseLevel, false, extent.x0, extent.y0, extent.x1, extent.y1);
@@ -347,6 +365,9 @@ std::vector<double> CSolverGrid::DirectHeights() {
   CDirectSystem system(m_Grid.Surface().Tree());
   system.SetConstraints(
       std::array<const CPtCstrList*, 2>{&m_Grid.Constraints().Points(), &m_Grid.Constraints().Generated()});
+  m_Grid.PerformPendingWork();
+  const std::vector<double> shape = ShapeHeights(m_Grid);
+  if (!shape.empty()) system.SetShape(shape);
   return system.Solve();
 }
 

@@ -120,6 +120,11 @@ Eigen::MatrixXd Dense(const CCompressedRows& rows, std::size_t columns);
 /// The values at the points in use, row by row, of an array with one entry per lattice point.
 std::vector<double> InUse(const CLattice& lattice, std::span<const double> byPoint);
 
+/// Gives the grid a map of random values to follow, which bends the surface between any two points.
+void FollowRandomMap(CGrid& grid, std::uint32_t seed, double strength = 1.0);
+/// The heights, one per unknown, that the energy of the grid counts from by now; empty without a map.
+std::vector<double> ShapeHeights(CGrid& grid);
+
 /// A grid to be solved, over its own extent, whose console lines are collected.
 struct CSolverGrid {
   explicit CSolverGrid(int maxLevel, int baseLevel, const CExtent& extent = CExtent{},
@@ -127,7 +132,7 @@ struct CSolverGrid {
 
   /// Ticks until the solver clears the running flag; false where it has not done so after `ticks`, or has given up.
   bool Converge(int ticks = 20000);
-  /// The heights at the points in use, row by row, that the present constraints and subdivision ask for.
+  /// The heights at the points in use, row by row, that the present constraints, subdivision and map ask for.
   std::vector<double> DirectHeights();
   /// Largest distance of the surface from the given heights, as a share of their range.
   double ErrorAgainst(const std::vector<double>& heights) const;

@@ -42,6 +42,7 @@ enum class TiffKind { Colour, Grey, GreyInverted, Bilevel, BilevelInverted, Pale
 struct CTiffSettings : CFileExtras {
   TiffKind m_Kind = TiffKind::Colour;
   int m_iBits = 8;  ///< 8 or 16
+  bool m_bSigned = false;
   bool m_bTiled = false;
   bool m_bApart = false;
   int m_iCompression = 1;  ///< a COMPRESSION_ of the library: 1 none, 5 LZW, 7 JPEG, 8 deflate

@@ -107,6 +107,7 @@ void PutTags(TIFF* tiff, const CPicture& picture, const CTiffSettings& settings,
   TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, settings.m_bApart ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG);
   if (settings.m_Kind == TiffKind::Ycbcr) TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
   if (settings.m_Kind == TiffKind::Float) TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP);
+  if (settings.m_bSigned) TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_INT);
   if (settings.m_Kind == TiffKind::Palette)
     TIFFSetField(tiff, TIFFTAG_COLORMAP, samples.m_aPalette[0].data(), samples.m_aPalette[1].data(),
                  samples.m_aPalette[2].data());

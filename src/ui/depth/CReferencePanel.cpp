@@ -12,12 +12,12 @@
 #include <FL/Fl_Check_Button.H>
 #include <FL/Fl_Choice.H>
 #include <FL/Fl_Float_Input.H>
-#include <FL/Fl_Value_Slider.H>
 
 #include "model/CGrid.h"
-#include "reference/CReferenceFit.h"
+#include "reference/StraightFit.h"
 #include "ui/depth/PanelFields.h"
 #include "ui/depth/ReferenceCommands.h"
+#include "ui/drawing/CValueSlider.h"
 #include "ui/drawing/DialogPlacement.h"
 #include "ui/drawing/ScaleWidgets.h"
 #include "ui/seams/HelpTexts.h"
@@ -94,7 +94,7 @@ void CReferencePanel::BuildMap() {
 }
 
 void CReferencePanel::BuildSettings(int y) {
-  m_pStrength = AddField<Fl_Value_Slider>(y, PanelField::kWidth, "Strength");
+  m_pStrength = AddField<CValueSlider>(y, PanelField::kWidth, "Strength");
   m_pStrength->type(FL_HOR_NICE_SLIDER);
   m_pStrength->box(FL_FLAT_BOX);
   m_pStrength->bounds(0, 1);
@@ -139,7 +139,7 @@ void CReferencePanel::Refresh(const CGrid& grid) {
   const bool there = reference.HasMap();
   m_pFile->value(there ? std::filesystem::path(reference.Value().m_File).filename().c_str() : "");
   const bool whole = there && reference.Reading().Map().Bits() < kFloatBits;
-  for (Fl_Widget* widget : std::initializer_list<Fl_Widget*>{m_pRemove, m_pStrength, m_pNearIsBright, m_pResponse})
+  for (Fl_Widget* widget : std::initializer_list<Fl_Widget*>{m_pRemove, m_pStrength, m_pResponse})
     SetActive(*widget, there);
   SetActive(*m_pSceneDepth, there);
   SetActive(*m_pShowMap, there);
@@ -163,7 +163,6 @@ void CReferencePanel::RefreshSettings(const CGrid& grid) {
   const CReferenceSettings& settings = grid.Reference().Value().m_Settings;
   const double side = LargerSide(grid);
   m_pStrength->value(settings.m_fStrength);
-  m_pNearIsBright->value(settings.m_bNearIsBright ? 1 : 0);
   m_pZero->value(settings.m_bZeroIsUnknown ? 1 : 0);
   m_pResponse->value(static_cast<int>(settings.m_Response));
   ShowSceneDepth(HelpNumber(settings.m_SceneDepth.value_or(side / 3), side));
@@ -179,9 +178,16 @@ void CReferencePanel::RefreshFit(const CGrid& grid) {
   const CGridReference& reference = grid.Reference();
   const CReferenceFit& fit = reference.Fitted();
   const double side = LargerSide(grid);
+  // Heights that tell the sign have the last word.
+  const bool bright = fit.m_bFitted ? fit.m_bNearIsBright : reference.Value().m_Settings.m_bNearIsBright;
+  m_pNearIsBright->value(bright ? 1 : 0);
+  SetActive(*m_pNearIsBright, !fit.m_bFitted);
   m_pFitted->value(FittedText(fit, reference.Value().m_Settings.m_bNearIsBright).c_str());
-  m_pScale->value(HelpNumber(fit.Scale(reference.Reading()), 0).c_str());
-  m_pOffset->value(HelpNumber(fit.OffsetAtZero(reference.Reading()), side).c_str());
+  const CDepthReading& reading = reference.Reading();
+  const CReferenceFit straight = StraightFit(grid.Constraints().Points(), grid.Surface().Lattice().Extent(), reading,
+                                             reference.Value().m_Settings);
+  m_pScale->value(HelpNumber(straight.Scale(reading), 0).c_str());
+  m_pOffset->value(HelpNumber(straight.OffsetAtZero(reading), side).c_str());
   const bool heights = fit.m_iHeights > 0;
   m_pRms->value(heights ? HelpNumber(fit.m_fRms, side).c_str() : "");
   m_pWorst->value(heights ? HelpNumber(fit.m_fWorst, side).c_str() : "");
@@ -190,6 +196,8 @@ void CReferencePanel::RefreshFit(const CGrid& grid) {
 
 void CReferencePanel::ClearFit() {
   for (Fl_Output* output : {m_pFitted, m_pScale, m_pOffset, m_pRms, m_pWorst}) output->value("");
+  m_pNearIsBright->value(m_Grid.Reference().Value().m_Settings.m_bNearIsBright ? 1 : 0);
+  m_pNearIsBright->deactivate();
   m_pSelectWorst->deactivate();
 }
 

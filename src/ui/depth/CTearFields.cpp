@@ -4,11 +4,11 @@
 
 #include <FL/Fl_Button.H>
 #include <FL/Fl_Spinner.H>
-#include <FL/Fl_Value_Slider.H>
 
 #include "reference/SuggestTears.h"
 #include "ui/depth/PanelFields.h"
 #include "ui/depth/ReferenceCommands.h"
+#include "ui/drawing/CValueSlider.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ std::string NumberText(const CTearFields::CState& state) {
 
 CTearFields::CTearFields(int y, ReferenceCommands& commands)
     : Fl_Group(0, y, PanelField::kPanelWidth, kHeight), m_Commands(commands) {
-  m_pShare = AddField<Fl_Value_Slider>(y, PanelField::kWidth, "Gaps from (%)");
+  m_pShare = AddField<CValueSlider>(y, PanelField::kWidth, "Gaps from (%)");
   m_pShare->type(FL_HOR_NICE_SLIDER);
   m_pShare->box(FL_FLAT_BOX);
   m_pShare->bounds(kLeastShare, kMostShare);

@@ -5,8 +5,8 @@
 #include <FL/Fl_Button.H>
 #include <FL/Fl_Group.H>
 #include <FL/Fl_Return_Button.H>
-#include <FL/Fl_Value_Slider.H>
 
+#include "ui/drawing/CValueSlider.h"
 #include "ui/drawing/ColourChoice.h"
 #include "ui/drawing/DialogPlacement.h"
 #include "ui/drawing/ScaleWidgets.h"
@@ -142,7 +142,7 @@ void CDrawingOptionsDialog::BuildColumn(CViewDrawing& view, int left, int width)
   for (std::size_t k = 0; k < kSlidersPerView; ++k) {
     const CSliderRow& row = RowOf(modelView, k);
     auto* slider =
-        new Fl_Value_Slider(left + (width - kSliderWidth) / 2, row.m_iTop, kSliderWidth, kSliderHeight, row.m_pLabel);
+        new CValueSlider(left + (width - kSliderWidth) / 2, row.m_iTop, kSliderWidth, kSliderHeight, row.m_pLabel);
     slider->type(FL_HOR_NICE_SLIDER);
     slider->box(FL_FLAT_BOX);
     slider->labelsize(11);

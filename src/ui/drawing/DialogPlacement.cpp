@@ -5,6 +5,8 @@
 #include <FL/Fl.H>
 #include <FL/Fl_Window.H>
 
+#include "ui/seams/FieldFocus.h"
+
 namespace {
 
 // Room for the window manager's frame, whose size is unknown before a window is mapped.
@@ -66,6 +68,9 @@ void Place(Fl_Window& dialog, const Fl_Window& mainWindow) {
 }  // namespace
 
 void OpenBeside(Fl_Window& dialog, const Fl_Window& mainWindow) {
-  if (dialog.shown() == 0 || dialog.visible() == 0) Place(dialog, mainWindow);
+  if (dialog.shown() == 0 || dialog.visible() == 0) {
+    Place(dialog, mainWindow);
+    ExpectFocus(dialog);
+  }
   dialog.show();
 }

@@ -160,10 +160,9 @@ std::string CHeightsPanel::Trouble() const {
   return m_pBeside->Number().value_or(-1) < 0 ? "the distance beside must be 0 or more" : "";
 }
 
-void CHeightsPanel::ShowCurve(const std::string& curve, double beside) {
-  m_pCurve->value(curve.c_str());
-  m_pBeside->Preset(beside);
-}
+void CHeightsPanel::ShowCurve(const std::string& curve) { m_pCurve->value(curve.c_str()); }
+
+void CHeightsPanel::PresetBeside(double beside) { m_pBeside->Preset(beside); }
 
 void CHeightsPanel::ShowPlan(const std::string& plan, bool any) {
   m_pPlan->value(plan.c_str());

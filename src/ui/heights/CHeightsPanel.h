@@ -30,8 +30,10 @@ class CHeightsPanel : public Fl_Double_Window {
   std::optional<CHeightsAlong> Wanted() const;
   std::string Trouble() const;
 
-  /// The curve that they are for has become another one, so far beside which heights lie.
-  void ShowCurve(const std::string& curve, double beside);
+  /// The curve that they are for, as it is now.
+  void ShowCurve(const std::string& curve);
+  /// How far beside it heights lie, in place of what has been typed.
+  void PresetBeside(double beside);
   /// What would be placed, and whether anything.
   void ShowPlan(const std::string& plan, bool any);
 

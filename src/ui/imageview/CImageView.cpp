@@ -198,7 +198,7 @@ void CImageView::ShowOverlay(std::shared_ptr<const COverlay> made) {
 std::optional<CPicture> CImageView::DrawnPicture() {
   if (shown() == 0 || m_pGrid == nullptr) return std::nullopt;
   make_current();
-  PrepareContext(*this);
+  PrepareToDraw();
   CSampledBuffer buffer(w(), h());
   if (!buffer.IsComplete()) {
     DrawScene();
@@ -215,7 +215,7 @@ void CImageView::ShowProposals(CTearProposals* proposals) {
 }
 
 bool CImageView::HasProposals() const {
-  return m_Proposals.Shown() != nullptr && (m_uDebugFlags & DebugFlag::kSelectCells) == 0 &&
+  return m_Proposals.Shown() != nullptr && (m_uDebugFlags & DebugFlag::kSelectCells) == 0 && !m_bChoosing &&
          m_pGrid->Constraints().PendingCurve().IsIdle();
 }
 
@@ -232,8 +232,14 @@ void CImageView::UpdateMapping() {
   m_Mapping.KeepProportions((m_uDisplayFlags & ImageFlag::kProportions) != 0);
 }
 
-void CImageView::draw() {
+// A context that is new has none of what the last one was given.
+void CImageView::PrepareToDraw() {
+  if (context_valid() == 0) m_Overlay.ForgetContext();
   PrepareContext(*this);
+}
+
+void CImageView::draw() {
+  PrepareToDraw();
   if (m_pGrid != nullptr) DrawScene();
 }
 
@@ -294,6 +300,9 @@ int CImageView::handle(int event) {
   if (event == FL_PUSH || (event == FL_ENTER && !HasFieldFocusElsewhere(*this))) take_focus();
   ShowPointer();
   const bool used = HandleWheelZoom(event) || HandleUsed(event) || HandleViewMove(event);
+  // A press that the handler does not come to see counts as one beside everything.
+  m_DoubleClick.Look(event, Handler().HoldsExisting());
+  if (m_DoubleClick.Ends(event)) m_pHost->OpenConstraintValues();
   if (m_pHost->ShowsCoordinates()) ShowCoordinates(event);
   if (used) return 1;
   const bool kept =
@@ -332,14 +341,7 @@ bool CImageView::HandleUsed(int event) {
   const bool freezing = (m_uDebugFlags & DebugFlag::kFreeze) != 0;
   const bool painted = freezing && m_Brush.Handle(event, *m_pGrid, m_Mapping);
   if (freezing) redraw();
-  return HandleViewDrag(event) || painted || HandleEditing(event);
-}
-
-bool CImageView::HandleEditing(int event) {
-  const bool used = Handler().Handle(event) != 0;
-  m_DoubleClick.Look(event, Handler().HoldsExisting());
-  if (m_DoubleClick.Ends(event)) m_pHost->OpenConstraintValues();
-  return used;
+  return HandleViewDrag(event) || painted || Handler().Handle(event) != 0;
 }
 
 CPlaneHandler& CImageView::Handler() {
@@ -351,77 +353,6 @@ CPlaneHandler& CImageView::Handler() {
     default:
       return *m_NormalHandler;
   }
-}
-
-bool CImageView::HandleWheelZoom(int event) {
-  if (event != FL_MOUSEWHEEL || !IsWheelZoom(w(), h())) return false;
-  m_Mapping.ZoomAbout(WheelZoomFactor(), Fl::event_x(), Fl::event_y());
-  redraw();
-  return true;
-}
-
-// Keys come to this view wherever the pointer is.
-bool CImageView::HandleViewMove(int event) {
-  if (event != FL_KEYBOARD) return false;
-  const std::optional<ViewMove> move = TypedViewMove();
-  if (!move) return false;
-  if (!m_pHost->MoveModelView(*move)) MoveView(*move);
-  return true;
-}
-
-void CImageView::MoveView(ViewMove move) {
-  if (move == ViewMove::All) return ResetView();
-  const CExtent shown = m_Mapping.Visible();
-  const CViewStep step = StepOf(move, shown.x1 - shown.x0, shown.y1 - shown.y0);
-  m_Mapping.Pan(step.m_fAcross, step.m_fUpwards);
-  redraw();
-}
-
-bool CImageView::HandleViewDrag(int event) {
-  switch (event) {
-    case FL_PUSH:
-      EndViewDrag();
-      if (Fl::event_state(FL_SHIFT) == 0) return false;
-      BeginViewDrag();
-      return true;
-    case FL_DRAG:
-      if (m_iDragButton == 0) return false;
-      ContinueViewDrag();
-      return true;
-    case FL_RELEASE:
-      if (m_iDragButton == 0) return false;
-      EndViewDrag();
-      return true;
-    default:
-      return false;
-  }
-}
-
-void CImageView::BeginViewDrag() {
-  m_pHost->PauseSolverForCommand();
-  m_iDragButton = Fl::event_button();
-  m_iMouseX = Fl::event_x();
-  m_iMouseY = Fl::event_y();
-  m_DragPlace = m_Mapping.ToModelUnpanned(m_iMouseX, m_iMouseY);
-}
-
-void CImageView::ContinueViewDrag() {
-  if (m_iDragButton == FL_MIDDLE_MOUSE) {
-    CViewMapping::Zoom(Fl::event_x() - m_iMouseX, Fl::event_y() - m_iMouseY);
-  } else if (m_iDragButton == FL_LEFT_MOUSE) {
-    const CPlanePoint place = m_Mapping.ToModelUnpanned(Fl::event_x(), Fl::event_y());
-    m_Mapping.Pan(m_DragPlace.x - place.x, m_DragPlace.y - place.y);
-    m_DragPlace = place;
-  }
-  m_iMouseX = Fl::event_x();
-  m_iMouseY = Fl::event_y();
-  redraw();
-}
-
-void CImageView::EndViewDrag() {
-  if (m_iDragButton == 0) return;
-  m_iDragButton = 0;
-  m_pHost->ResumeAfterCommand();
 }
 
 void CImageView::EndDrag() {

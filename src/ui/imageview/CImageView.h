@@ -112,6 +112,7 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
 
  private:
   bool ShowPicture(const CPicture& picture);
+  void PrepareToDraw();
   void DrawScene();
   void DrawBrush() const;
   void DrawTools() const;
@@ -121,7 +122,6 @@ class CImageView : public Fl_Gl_Window, private HandlerView {
   void ShowPointer();
   void ShowCoordinates(int event) const;
   bool HandleUsed(int event);
-  bool HandleEditing(int event);
   bool HandleWheelZoom(int event);
   bool HandleViewMove(int event);
   bool HandleViewDrag(int event);

@@ -20,6 +20,7 @@ namespace {
 constexpr double kFontSize = 11;
 constexpr double kMargin = 8;   // around the plate
 constexpr double kPadding = 6;  // within it
+constexpr double kGap = 14;     // between two numbers, at least
 constexpr double kBarWidth = 160;
 constexpr double kBarHeight = 11;
 constexpr std::uint8_t kPlate = 24;  // nearly black
@@ -101,7 +102,7 @@ void CLegend::Make(Fl_Window& view) {
   for (const std::string& note : m_pOverlay->m_asNotes) inner = std::max(inner, WidthOf(note));
   const int text = line * static_cast<int>(1 + m_pOverlay->m_asNotes.size());
   if (m_pOverlay->m_bHasBar) {
-    int values = 2 * Scaled(kPadding);
+    int values = 2 * Scaled(kGap);
     for (const std::string& value : ValueTexts(*m_pOverlay)) values += WidthOf(value);
     inner = std::max({inner, values, Scaled(kBarWidth)});
   }

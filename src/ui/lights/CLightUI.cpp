@@ -7,10 +7,10 @@
 #include <FL/Fl_Group.H>
 #include <FL/Fl_Light_Button.H>
 #include <FL/Fl_Round_Button.H>
-#include <FL/Fl_Value_Slider.H>
 
 #include "base/Console.h"
 #include "lighting/CLight.h"
+#include "ui/drawing/CValueSlider.h"
 #include "ui/drawing/ColourChoice.h"
 #include "ui/drawing/DialogPlacement.h"
 #include "ui/drawing/ScaleWidgets.h"
@@ -42,7 +42,7 @@ Fl_Group* BeginFrame(int x, int y, int w, int h, const char* label) {
 }
 
 Fl_Value_Slider* AddSlider(int x, int y, const char* label, double maximum, double step) {
-  auto* slider = new Fl_Value_Slider(x, y, 229, 22, label);
+  auto* slider = new CValueSlider(x, y, 229, 22, label);
   slider->type(FL_HOR_NICE_SLIDER);
   slider->box(FL_FLAT_BOX);
   slider->labelsize(12);
@@ -299,7 +299,11 @@ void CLightUI::cb_Apply(Fl_Widget* /*widget*/, void* panel) { static_cast<CLight
 
 void CLightUI::cb_Live(Fl_Widget* /*widget*/, void* panel) {
   auto& self = *static_cast<CLightUI*>(panel);
-  if (self.m_pGrid != nullptr) self.m_pGrid->SetLive(self.m_pLive->value() != 0);
+  if (self.m_pGrid == nullptr) return;
+  const bool live = self.m_pLive->value() != 0;
+  self.m_pGrid->SetLive(live);
+  if (live && self.m_pGrid->ShownTexture() == CTextureImages::kPhotograph)
+    self.m_Views.ShowMessage(FormatHelp(HelpText::kLiveUnseen));
 }
 
 void CLightUI::cb_Soft(Fl_Widget* /*widget*/, void* panel) {

@@ -164,9 +164,10 @@ int CGridView::HandleInput(int event) {
 }
 
 bool CGridView::HandleWheelZoom() {
-  if (!IsWheelZoom(w(), h())) return false;
-  if (m_pGrid == nullptr) return true;
-  m_Camera.ZoomAbout(WheelZoomFactor(), PointUnderMouse());
+  if (!IsWheelZoom() || !IsPointerIn(w(), h())) return false;
+  const std::optional<double> factor = WheelZoomFactor();
+  if (m_pGrid == nullptr || !factor) return true;
+  m_Camera.ZoomAbout(*factor, PointUnderMouse());
   redraw();
   return true;
 }

@@ -1,8 +1,6 @@
 #include "ui/seams/HelpTexts.h"
 
-#include <array>
-#include <charconv>
-#include <cmath>
+#include "base/NumberText.h"
 
 void FormatHelp(std::string& text, HelpText::Index index, std::initializer_list<std::string_view> values) {
   const std::string_view pattern = HelpTextOf(index);
@@ -25,11 +23,6 @@ std::string FormatHelp(HelpText::Index index, std::initializer_list<std::string_
 }
 
 std::string HelpNumber(double value, double unit) {
-  constexpr double kNoise = 1e-9;
   constexpr int kDigits = 6;
-  if (std::abs(value) < kNoise * unit) value = 0;
-  std::array<char, 32> text{};
-  const auto [end, error] =
-      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, kDigits);
-  return {text.data(), end};
+  return RoundedText(value, kDigits, unit);
 }

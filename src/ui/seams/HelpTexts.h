@@ -60,6 +60,7 @@ inline constexpr std::array kHelpTexts{
     "This photograph carries a depth map: Edit, Reference Depth, takes it",
     "Click on the position constraint whose height the selected one is to have, or press Escape",
     "There is no other position constraint at that place: click on one, or press Escape",
+    "What Live computes is seen with Show New Illumination, or with Show Kd texture",
 };
 
 /// Indices of the texts that are not tied to a button. The table of controls has those of the buttons as numbers.
@@ -99,6 +100,7 @@ enum Index : int {
   kDepthOffered = 42,  ///< after a photograph with one
   kHeightWanted = 43,  ///< of the constraint that is clicked next
   kNoHeightThere = 44,
+  kLiveUnseen = 45,  ///< the light follows, but the model does not show it
 };
 }  // namespace HelpText
 

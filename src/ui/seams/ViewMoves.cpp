@@ -50,10 +50,15 @@ CViewStep StepOf(ViewMove move, double width, double height) {
   return {};
 }
 
-bool IsWheelZoom(int width, int height) {
+bool IsWheelZoom() { return Fl::event_state(FL_CTRL) != 0; }
+
+bool IsPointerIn(int width, int height) {
   const int x = Fl::event_x();
   const int y = Fl::event_y();
-  return Fl::event_state(FL_CTRL) != 0 && x >= 0 && x < width && y >= 0 && y < height;
+  return x >= 0 && x < width && y >= 0 && y < height;
 }
 
-double WheelZoomFactor() { return IsAnyButtonHeld() ? 1 : std::pow(kFactorOfANotch, Fl::event_dy()); }
+std::optional<double> WheelZoomFactor() {
+  if (IsAnyButtonHeld() || Fl::event_dy() == 0) return std::nullopt;
+  return std::pow(kFactorOfANotch, Fl::event_dy());
+}

@@ -17,8 +17,11 @@ struct CViewStep {
 /// Of a view that shows `width` x `height`, in the same units; 0 for all of it.
 CViewStep StepOf(ViewMove move, double width, double height);
 
-/// Whether the toolkit's current wheel event is for the view that it is given to, `width` x `height` pixels: with Ctrl,
-/// the pointer inside.
-bool IsWheelZoom(int width, int height);
-/// By how much more the view shows after it; 1 while a button of the mouse is held.
-double WheelZoomFactor();
+/// Whether the toolkit's current wheel event is to zoom a view: with Ctrl. It comes to views, too, that the pointer is
+/// not over.
+bool IsWheelZoom();
+/// Whether the pointer is over the view that the toolkit's current event is given to, `width` x `height` pixels.
+bool IsPointerIn(int width, int height);
+/// By how much more a view shows after the wheel's current event; nothing where it is to stay: while a button of the
+/// mouse is held, or where the wheel was moved sideways.
+std::optional<double> WheelZoomFactor();

@@ -29,13 +29,16 @@ void CValueField::Show(const std::string& text) {
 
 // A text that nobody has changed is the rounded number, and no other one.
 void CValueField::Commit() {
-  const std::string text = value();
-  if (text == m_Shown) return;
-  const std::string refusal = m_Actions.m_Typed(TypedNumber(text));
-  // Whoever shows the number does so now, even where it is still the same.
-  m_Actions.m_Tell(refusal);
+  const std::optional<std::string> text = TakeTyped();
+  if (text.has_value()) m_Actions.m_Tell(m_Actions.m_Typed(TypedNumber(*text)));
+}
+
+std::optional<std::string> CValueField::TakeTyped() {
+  std::string text = value();
+  if (text == m_Shown) return std::nullopt;
   value(m_Shown.c_str());
   clear_changed();
+  return text;
 }
 
 bool CValueField::StepBy(double steps) {

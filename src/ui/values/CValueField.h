@@ -27,6 +27,9 @@ class CValueField : public Fl_Input {
   /// Shows the number as `text`. A text that is being typed stays while the number has the same one.
   void Show(const std::string& text);
 
+  /// What has been typed and does not count yet, in whose place the old text comes back; nothing where nothing has.
+  std::optional<std::string> TakeTyped();
+
   int handle(int event) override;
 
  private:

@@ -117,12 +117,20 @@ CValuesPanel::CValuesPanel(CGrid& grid, ValuesCommands& commands, const Fl_Windo
 
 CValueField* CValuesPanel::AddValue(ConstraintValue which, int x, int y, const char* label) {
   auto* field = new CValueField(x, y, kFieldWidth, kFieldHeight, label);
-  field->SetActions({[this, which](const std::optional<double>& number) {
-                       return number.has_value() ? m_Values.Set(which, *number) : std::string("That is no number");
-                     },
-                     [this, which](double steps) { return m_Values.StepBy(which, steps); },
+  field->SetActions({[this, which](const std::optional<double>& number) { return Typed(which, number); },
+                     [this, which](double steps) { return NoteChange(m_Values.StepBy(which, steps)); },
                      [this](const std::string& refusal) { Tell(refusal); }});
   return field;
+}
+
+// For what the field shows the number of; something else may have been selected meanwhile.
+std::string CValuesPanel::Typed(ConstraintValue which, const std::optional<double>& number) {
+  return number.has_value() ? NoteChange(m_Values.SetOf(m_Subject, which, *number)) : std::string("That is no number");
+}
+
+std::string CValuesPanel::NoteChange(std::string refusal) {
+  if (refusal.empty()) m_Commands.ValueChanged();
+  return refusal;
 }
 
 void CValuesPanel::BuildPoint() {
@@ -196,7 +204,18 @@ void CValuesPanel::Tell(const std::string& text) {
   Refresh();
 }
 
+// Whatever has selected something else, a field with a text in it is left by that.
+void CValuesPanel::FollowSelection() {
+  if (m_Values.Subject() == m_Subject) return;
+  for (std::size_t k = 0; k < kConstraintValues; ++k) {
+    if (const std::optional<std::string> text = m_apFields[k]->TakeTyped())
+      SetText(*m_pTold, m_Told, Typed(static_cast<ConstraintValue>(k), TypedNumber(*text)));
+  }
+  m_Subject = m_Values.Subject();
+}
+
 void CValuesPanel::Refresh() {
+  FollowSelection();
   std::string what = "Nothing is selected";
   if (m_Values.What() == CSelectedValues::Selection::Point) {
     const bool height = m_Values.Value(ConstraintValue::Z).has_value();

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include <FL/Fl_Double_Window.H>
@@ -29,7 +30,7 @@ class CValuesPanel : public Fl_Double_Window {
   void hide() override;
 
   /// Brings all widgets up to date with the model; a number that is being typed stays while the model has the same
-  /// one. Cheap where nothing has changed.
+  /// one, and counts for what it was typed for when something else is selected. Cheap where nothing has changed.
   void Refresh();
 
  private:
@@ -39,10 +40,14 @@ class CValuesPanel : public Fl_Double_Window {
   void BuildCurve();
   void BuildGroup();
   CValueField* AddValue(ConstraintValue which, int x, int y, const char* label);
+  std::string Typed(ConstraintValue which, const std::optional<double>& number);
+  void FollowSelection();
   CValueField* AddGroupField(Group action, int y, const char* label);
   void RefreshCurve();
   void RefreshGroup();
   void Tell(const std::string& text);
+  /// Passes on why a number was refused, empty where it has been changed.
+  std::string NoteChange(std::string refusal);
   void EndTaking();
   /// Performs what the button beside a field of the group is for.
   void ChangeGroup(Group action);
@@ -59,6 +64,7 @@ class CValuesPanel : public Fl_Double_Window {
   const Fl_Window& m_MainWindow;
   std::function<void()> m_Closed;
   CSelectedValues m_Values;
+  CSelectedValues::CSubject m_Subject;  ///< whose numbers the fields show
   std::string m_Told;
   std::string m_What;
 

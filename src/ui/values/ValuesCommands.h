@@ -12,6 +12,8 @@ class ValuesCommands {
   virtual void TakeNextHeight(std::function<void()> ended) = 0;
   /// Nothing waits for a click any more.
   virtual void DropNextHeight() = 0;
+  /// A number of the selected constraint has been changed.
+  virtual void ValueChanged() = 0;
   /// Whether a group of constraints is being chosen.
   virtual bool IsChoosing() const = 0;
 };

@@ -106,7 +106,11 @@ void CImageViewUI::AttachGrid(CGrid& grid) {
 
 void CImageViewUI::RestoreSwitches() {
   m_Remembered.Look();
-  for (const MenuEntry entry : m_Remembered.ToBeSwitched()) {
+  SwitchOver(m_Remembered.ToBeSwitched());
+}
+
+void CImageViewUI::SwitchOver(const std::vector<MenuEntry>& entries) {
+  for (const MenuEntry entry : entries) {
     if (!Menu().IsActive(entry)) continue;
     Menu().SetChecked(entry, !Menu().IsChecked(entry));
     Chosen(entry);

@@ -111,6 +111,10 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   void ShowProject(const CProject& project) override;
   void ShowProjectPicture(const CProjectPicture& picture);
   void ShowProjectViews(const CProjectViews& views);
+  /// All of them, or only those that are the user's again without the project.
+  void ShowProjectMarks(const CViewMarks& marks, bool all);
+  void RestoreOwnMarks() { SwitchOver(m_Remembered.TakeBack()); }
+  CViewMarks Marks() const;
   /// Another picture is on show.
   void PictureTaken(const CProjectPicture& picture);
 
@@ -118,6 +122,8 @@ class CImageViewUI : public CWindowFrame, private SolverPanel, public CommandHos
   void ConnectCallbacks();
   void Chosen(MenuEntry entry) override;
   void ChosenByUser(MenuEntry entry) override { m_Remembered.Chosen(entry); }
+  /// Marks of the menu, not by the user.
+  void SwitchOver(const std::vector<MenuEntry>& entries);
   bool FlagChosen(MenuEntry entry);
   void RequireTexels();
   void SetEditingMode(EditingMode mode);

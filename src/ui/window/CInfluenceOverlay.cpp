@@ -1,8 +1,10 @@
 #include "ui/window/CInfluenceOverlay.h"
 
 #include <algorithm>
-#include <chrono>
+#include <new>
 #include <utility>
+
+#include <FL/Fl.H>
 
 #include "drawing/COverlay.h"
 #include "drawing/OverlayValues.h"
@@ -10,9 +12,6 @@
 #include "ui/seams/HelpTexts.h"
 
 namespace {
-
-// Between two events; a few of these are not noticed.
-constexpr std::chrono::milliseconds kSlice{8};
 
 // Changes smaller than this are no colour: what was asked for is 1, or a degree.
 constexpr double kNoise = 1e-6;
@@ -29,6 +28,26 @@ const CCntrCtrl* SelectedCurve(const CGrid& grid) {
 CInfluenceOverlay::CInfluenceOverlay(CMainMenu& menu, CGrid& grid, CWindow window)
     : CMenuOverlay(MenuEntry::InfluenceMap, menu), m_Grid(grid), m_Window(std::move(window)) {}
 
+CInfluenceOverlay::CWork::CWork(const CGrid& grid, std::span<const double> change, std::optional<CSettler> settler)
+    : m_bSettled(settler.has_value()), m_Influence(grid.Solver(), grid.Surface().Basis(), change, std::move(settler)) {}
+
+// The task waits for what is under way.
+CInfluenceOverlay::~CInfluenceOverlay() {
+  Forget();
+  if (m_Task.Descriptor() >= 0) Fl::remove_fd(m_Task.Descriptor());
+}
+
+// The end of a task is told by its descriptor.
+bool CInfluenceOverlay::IsBusy() const {
+  if (m_Step == Step::Done || !MayBeShown(m_Grid)) return false;
+  return m_Step == Step::Targets || !m_Task.IsBusy() || m_Task.Descriptor() < 0;
+}
+
+void CInfluenceOverlay::Forget() {
+  if (m_pWork != nullptr) m_pWork->m_bStop = true;
+  m_pWork.reset();
+}
+
 void CInfluenceOverlay::Begin() {
   m_Slope = ConstraintPart::SlopeX;
   CMenuOverlay::Begin();
@@ -36,7 +55,7 @@ void CInfluenceOverlay::Begin() {
 
 void CInfluenceOverlay::End() {
   m_Step = Step::Done;
-  m_pInfluence.reset();
+  Forget();
   CMenuOverlay::End();
 }
 
@@ -47,7 +66,9 @@ bool CInfluenceOverlay::ShowsMore() {
 }
 
 CInfluenceOverlay::CSubject CInfluenceOverlay::Selected() const {
-  CSubject subject{.m_uTree = m_Grid.Surface().Tree().Revision(), .m_uEdits = m_Grid.Gate().Edits()};
+  CSubject subject{.m_uTree = m_Grid.Surface().Tree().Revision(),
+                   .m_uEdits = m_Grid.Gate().Edits(),
+                   .m_bSettling = m_Grid.IsSettling()};
   const CPtCstr* point = m_Grid.Constraints().Points().FirstSelected(PtCstrKind::kPosition | PtCstrKind::kNormal);
   const CCntrCtrl* curve = SelectedCurve(m_Grid);
   if (point != nullptr) {
@@ -62,7 +83,7 @@ CInfluenceOverlay::CSubject CInfluenceOverlay::Selected() const {
 }
 
 std::shared_ptr<const COverlay> CInfluenceOverlay::Update() {
-  if (!IsWhole(m_Grid)) return nullptr;
+  if (!MayBeShown(m_Grid)) return nullptr;
   const CSubject subject = Selected();
   if (m_Shown != subject) {
     // Another constraint begins with dz/dx.
@@ -78,14 +99,11 @@ std::shared_ptr<const COverlay> CInfluenceOverlay::Update() {
       FindTargets();
       return nullptr;
     case Step::System:
-      m_pInfluence = std::make_unique<CInfluence>(m_Grid.Solver(), m_Grid.Surface().Basis(), m_afChange);
-      m_Step = Step::Solve;
+      if (!m_Task.IsBusy() || m_Task.Take().has_value()) TakeSystem();
       return nullptr;
     case Step::Solve:
-      for (const auto end = std::chrono::steady_clock::now() + kSlice; !m_pInfluence->Continue(1);) {
-        if (std::chrono::steady_clock::now() > end) return nullptr;
-      }
-      return Result();
+      if (const std::optional<bool> whole = m_Task.Take()) return *whole ? Result() : NoRoom();
+      return nullptr;
     default:
       return nullptr;
   }
@@ -94,7 +112,7 @@ std::shared_ptr<const COverlay> CInfluenceOverlay::Update() {
 // What was shown of another constraint goes at once.
 std::shared_ptr<const COverlay> CInfluenceOverlay::Start(const CSubject& subject) {
   m_Shown = subject;
-  m_pInfluence.reset();
+  Forget();
   m_Step = Step::Done;
   if (subject.m_Curve != CurveId::kNone && !HasAutoBump(subject.m_Curve)) {
     m_Window.m_Tell(FormatHelp(HelpText::kNoInfluence));
@@ -119,6 +137,29 @@ void CInfluenceOverlay::FindTargets() {
   if (m_afChange.empty()) MakeAnew();
 }
 
+void CInfluenceOverlay::TakeSystem() {
+  std::optional<CSettler> settler = m_Grid.SettlerOfChanges();
+  m_pWork = std::make_shared<CWork>(m_Grid, m_afChange, std::move(settler));
+  m_Step = Step::Solve;
+  m_Task.Begin([work = m_pWork] { return WorkOut(*work); });
+  if (m_Task.Descriptor() >= 0) Fl::add_fd(m_Task.Descriptor(), FL_READ, cb_Done);
+}
+
+// False where there is not enough memory.
+bool CInfluenceOverlay::WorkOut(CWork& work) {
+  try {
+    while (!work.m_bStop && !work.m_Influence.Continue(1)) {
+    }
+    work.m_afHeights = work.m_Influence.Heights();
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+// The round of the toolkit that this brings about is all that is needed; the answer may have to wait.
+void CInfluenceOverlay::cb_Done(int descriptor, void* /*overlay*/) { Fl::remove_fd(descriptor); }
+
 COverlay CInfluenceOverlay::Titled() const {
   COverlay overlay;
   overlay.m_bHasBar = false;
@@ -137,12 +178,22 @@ COverlay CInfluenceOverlay::Titled() const {
 std::shared_ptr<const COverlay> CInfluenceOverlay::Result() {
   m_Step = Step::Done;
   COverlay overlay = Titled();
-  overlay.m_afAtPoints = m_pInfluence->Heights();
+  overlay.m_afAtPoints = std::move(m_pWork->m_afHeights);
   overlay.m_uTree = m_Shown->m_uTree;
   overlay.m_bHasBar = true;
+  if (!m_pWork->m_Influence.IsExact()) overlay.m_asNotes.emplace_back("Not exact: the solver gave up");
+  if (m_pWork->m_bSettled) overlay.m_asNotes.emplace_back("With the floating regions settled");
+  if (m_Grid.Reference().Value().IsActive())
+    overlay.m_asNotes.emplace_back("With the reference depth as it is fitted now");
   SetEvenRange(overlay, kNoise);
-  m_pInfluence.reset();
+  m_pWork.reset();
   return std::make_shared<const COverlay>(std::move(overlay));
+}
+
+std::shared_ptr<const COverlay> CInfluenceOverlay::NoRoom() {
+  m_Step = Step::Done;
+  m_pWork.reset();
+  return Only("Influence: not enough memory");
 }
 
 std::shared_ptr<const COverlay> CInfluenceOverlay::Only(const char* title) {

@@ -252,7 +252,8 @@ std::vector<MenuEntry> CMainMenu::Switches() {
   for (const CMenuRow& row : kRows) {
     if (row.m_Kind == Menu) kept = row.m_pText == kEditTitle || row.m_pText == kInspectTitle;
     const bool ticked = row.m_Kind == Toggle || row.m_Kind == Checked;
-    if (kept && ticked && row.m_Entry != MenuEntry::Remember) switches.push_back(row.m_Entry);
+    if (kept && ticked && row.m_Entry != MenuEntry::Remember && row.m_Entry != MenuEntry::SelectSeveral)
+      switches.push_back(row.m_Entry);
   }
   return switches;
 }

@@ -107,7 +107,7 @@ class CMainMenu : public Fl_Menu_Bar {
   /// Its text in the table of the menu, without the mark of its letter.
   static std::string TextOf(MenuEntry entry);
   /// The entries with a tick that outlive a run where the user wants that: those of "Edit" and "Inspect" but for the
-  /// one that says so, and what else the window shows or hides of itself.
+  /// one that says so and the one that takes the mouse over, and what else the window shows or hides of itself.
   static std::vector<MenuEntry> Switches();
   /// As if the user had chosen the entry, even if it is inactive.
   void Choose(MenuEntry entry) { picked(&Item(entry)); }

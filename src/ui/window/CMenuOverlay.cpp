@@ -1,13 +1,17 @@
 #include "ui/window/CMenuOverlay.h"
 
+#include <FL/Fl.H>
+
 #include "drawing/COverlay.h"
 #include "model/CGrid.h"
 
 bool IsWhole(const CGrid& grid) { return grid.Solver().Counter() >= 0 && !grid.Run().HasPending(); }
 
+bool MayBeShown(const CGrid& grid) { return Fl::modal() == nullptr && IsWhole(grid); }
+
 std::shared_ptr<const COverlay> CPlainOverlay::Update() {
   const std::pair now{m_Grid.Surface().Tree().Revision(), m_Revision()};
-  if (m_Made == now || !IsWhole(m_Grid)) return nullptr;
+  if (m_Made == now || !MayBeShown(m_Grid)) return nullptr;
   m_Made = now;
   return std::make_shared<const COverlay>(m_Make());
 }

@@ -36,6 +36,8 @@ class CMenuOverlay : public OverlaySource {
 
 /// Whether tree, numbering and system of a grid belong to its constraints as they are.
 bool IsWhole(const CGrid& grid);
+/// Whether that may be shown now: a tick with a dialog open has taken edits up, and builds their system only after it.
+bool MayBeShown(const CGrid& grid);
 
 /// One that is made at once, whenever a number that stands for the model has changed: a surface is another, or an edit
 /// was made.

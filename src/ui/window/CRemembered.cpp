@@ -11,6 +11,7 @@
 #include "editing/CSettings.h"
 #include "ui/seams/UiScale.h"
 #include "ui/window/Controls.h"
+#include "ui/window/FlagEntries.h"
 
 namespace {
 
@@ -82,7 +83,9 @@ void CRemembered::Chosen(MenuEntry entry) {
   for (const MenuEntry row : m_Menu.Switches()) {
     const bool on = m_Menu.IsChecked(row);
     const auto seen = m_aSeen.find(row);
-    if (turned || seen == m_aSeen.end() || seen->second != on) values[NameOf(m_Menu.TextOf(row))] = on;
+    const bool changed = seen == m_aSeen.end() || seen->second != on;
+    if (changed && m_Own && IsOfProjects(row)) (*m_Own)[row] = on;
+    if (turned || changed) values[NameOf(m_Menu.TextOf(row))] = OwnValue(row);
   }
   Look();
   if (IsOn()) {
@@ -94,6 +97,37 @@ void CRemembered::Chosen(MenuEntry entry) {
 
 void CRemembered::Look() {
   for (const MenuEntry entry : m_Menu.Switches()) m_aSeen[entry] = m_Menu.IsChecked(entry);
+}
+
+// One project may follow another.
+void CRemembered::LendToProject() {
+  Look();
+  if (m_Own) return;
+  m_Own.emplace();
+  for (const MenuEntry entry : m_Menu.Switches()) {
+    if (IsOfProjects(entry)) (*m_Own)[entry] = m_Menu.IsChecked(entry);
+  }
+}
+
+std::vector<MenuEntry> CRemembered::TakeBack() {
+  std::vector<MenuEntry> entries;
+  if (!m_Own) return entries;
+  for (const auto& [entry, own] : *m_Own) {
+    if (own != m_Menu.IsChecked(entry)) entries.push_back(entry);
+  }
+  m_Own.reset();
+  return entries;
+}
+
+bool CRemembered::IsOfProjects(MenuEntry entry) {
+  const std::vector<MenuEntry> switches = CMainMenu::Switches();
+  return std::ranges::find(switches, entry) != switches.end() &&
+         std::ranges::find(kFlagEntries, entry, &CFlagEntry::m_Entry) != kFlagEntries.end();
+}
+
+bool CRemembered::OwnValue(MenuEntry entry) const {
+  if (!m_Own || !m_Own->contains(entry)) return m_Menu.IsChecked(entry);
+  return m_Own->at(entry);
 }
 
 // Not one that is hidden, or fills the screen for a while.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <vector>
 
 #include "ui/window/CMainMenu.h"
@@ -12,7 +13,7 @@ class Fl_Window;
 /// menu's switches are on.
 ///
 /// A switch is kept when the user changes it, together with those that it has changed. What a project switches is the
-/// project's.
+/// project's: while it is open the user's own are known, and what the user switches meanwhile becomes one of them.
 class CRemembered {
  public:
   /// All must outlive the object.
@@ -27,14 +28,25 @@ class CRemembered {
   void Chosen(MenuEntry entry);
   /// Switches may be others now, but not by the user.
   void Look();
+  /// A project is about to bring its own marks.
+  void LendToProject();
+  /// The project has gone: the entries that are to be switched over, so that they are the user's own again.
+  std::vector<MenuEntry> TakeBack();
+  /// Whether marks are a project's.
+  bool IsLent() const { return m_Own.has_value(); }
+  /// Whether it is a switch that projects hold, too.
+  static bool IsOfProjects(MenuEntry entry);
   /// The window closes.
   void KeepPlace();
 
  private:
+  /// Of the user, whatever a project has on.
+  bool OwnValue(MenuEntry entry) const;
   bool IsOn() const { return m_Menu.IsChecked(MenuEntry::Remember); }
 
   CMainMenu& m_Menu;
   CSettings& m_Settings;
   Fl_Window& m_Window;
-  std::map<MenuEntry, bool> m_aSeen;  ///< the switches as they were last
+  std::map<MenuEntry, bool> m_aSeen;               ///< the switches as they were last
+  std::optional<std::map<MenuEntry, bool>> m_Own;  ///< the user's while a project has its own
 };

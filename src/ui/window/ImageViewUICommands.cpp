@@ -274,6 +274,7 @@ void CImageViewUI::GridReplaced() {
   ShowModel();
   if (m_OverlayEntries) m_OverlayEntries->SurfaceReplaced();
   GridView().ResetCamera();
+  RestoreOwnMarks();
   RequestRedraw();
   m_Tools.GridReplaced();
 }

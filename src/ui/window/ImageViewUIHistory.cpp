@@ -1,5 +1,6 @@
 // Steps back and forward through what the user has done.
 
+#include <optional>
 #include <string>
 
 #include <FL/Fl.H>
@@ -49,7 +50,10 @@ bool CImageViewUI::IsTyping() const {
   return Fl::event() == FL_KEYBOARD || Fl::event() == FL_SHORTCUT || Fl::event() == FL_MOUSEWHEEL;
 }
 
-CSurroundings CImageViewUI::Surroundings() const { return {GridView().Camera(), m_Commands.Files().Model()}; }
+CSurroundings CImageViewUI::Surroundings() const {
+  return {GridView().Camera(), m_Commands.Files().Model(),
+          m_Remembered.IsLent() ? std::optional(Marks()) : std::nullopt};
+}
 
 CProject CImageViewUI::Work() const {
   CProject work;
@@ -66,6 +70,11 @@ void CImageViewUI::StepTaken(const CTakenStep& step) {
     if (step.m_pRestored->m_pWork != nullptr) {
       ShowProject(*step.m_pRestored->m_pWork);
       if (m_Commands.Recovery().m_SteppedOver) m_Commands.Recovery().m_SteppedOver();
+    }
+    if (step.m_pRestored->m_ProjectMarks) {
+      ShowProjectMarks(*step.m_pRestored->m_ProjectMarks, false);
+    } else {
+      RestoreOwnMarks();
     }
   }
   if (step.m_bLightsChanged) LightsMoved();

@@ -56,9 +56,9 @@ void CImageViewUI::AddTo(CProject& project) const {
   CProjectViews& views = project.m_Views;
   views.m_iEditingMode = static_cast<int>(ImageView().Mode());
   views.m_uCurveType = static_cast<std::uint32_t>(ImageView().CurveType());
-  for (const CFlagEntry& row : kFlagEntries) {
-    if (Menu().IsChecked(row.m_Entry)) (row.m_bModelView ? views.m_uModelFlags : views.m_uImageFlags) |= row.m_uFlag;
-  }
+  const CViewMarks marks = Marks();
+  views.m_uImageFlags = marks.m_uImageFlags;
+  views.m_uModelFlags = marks.m_uModelFlags;
   views.m_iTexture = GridView().DrawTexture();
   views.m_fZoom = g_fZoom;
   views.m_Pan = ImageView().Mapping().PanNow();
@@ -91,14 +91,25 @@ void CImageViewUI::ShowProjectPicture(const CProjectPicture& picture) {
   if (ImageView().TakePicture(pixels, picture.m_File)) PictureTaken(picture);
 }
 
-void CImageViewUI::ShowProjectViews(const CProjectViews& views) {
+CViewMarks CImageViewUI::Marks() const {
+  CViewMarks marks;
   for (const CFlagEntry& row : kFlagEntries) {
-    const bool on = ((row.m_bModelView ? views.m_uModelFlags : views.m_uImageFlags) & row.m_uFlag) != 0;
-    if (!Menu().IsActive(row.m_Entry) || Menu().IsChecked(row.m_Entry) == on) continue;
-    Menu().SetChecked(row.m_Entry, on);
-    Chosen(row.m_Entry);
+    if (Menu().IsChecked(row.m_Entry)) (row.m_bModelView ? marks.m_uModelFlags : marks.m_uImageFlags) |= row.m_uFlag;
   }
-  m_Remembered.Look();
+  return marks;
+}
+
+void CImageViewUI::ShowProjectMarks(const CViewMarks& marks, bool all) {
+  m_Remembered.LendToProject();
+  for (const CFlagEntry& row : kFlagEntries) {
+    if (!all && !CRemembered::IsOfProjects(row.m_Entry)) continue;
+    const bool on = ((row.m_bModelView ? marks.m_uModelFlags : marks.m_uImageFlags) & row.m_uFlag) != 0;
+    if (Menu().IsChecked(row.m_Entry) != on) SwitchOver({row.m_Entry});
+  }
+}
+
+void CImageViewUI::ShowProjectViews(const CProjectViews& views) {
+  ShowProjectMarks({views.m_uImageFlags, views.m_uModelFlags}, true);
   ImageView().SetZoomAndPan(views.m_fZoom, views.m_Pan);
   GridView().SetCamera(CameraOf(views, GridView().Camera()));
   for (const auto& [control, mode] : kModes) {

@@ -183,6 +183,14 @@ void CScreen::AskForSize(WindowId window, int width, int height) {
 
 void CScreen::AskToClose(WindowId window) { m_pConnection->Tell(window, "_NET_CLOSE_WINDOW"); }
 
+void CScreen::ParkPointer() {
+  Display* display = m_pConnection->Get();
+  const int screen = DefaultScreen(display);
+  XWarpPointer(display, None, m_pConnection->Root(), 0, 0, 0, 0, DisplayWidth(display, screen) - 1,
+               DisplayHeight(display, screen) - 1);
+  XSync(display, False);
+}
+
 CScreenshot CScreen::Capture(const CArea& area) const {
   struct CDestroy {
     void operator()(XImage* image) const { XDestroyImage(image); }

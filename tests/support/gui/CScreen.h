@@ -53,6 +53,8 @@ class CScreen {
   /// What a user does with a window's frame: the window manager gets the request and may refuse or change it.
   void AskForSize(WindowId window, int width, int height);
   void AskToClose(WindowId window);
+  /// Moves the pointer to the lower right corner, where it is over no view of a window that opens.
+  void ParkPointer();
 
   /// The pixels on the screen now. Throws std::runtime_error unless the area lies on the screen.
   CScreenshot Capture(const CArea& area) const;

@@ -70,14 +70,18 @@ void CUser::DragSlowly(CPixel from, CPixel to, int button, const std::string& he
   m_Program.Rests();
 }
 
+CPixel CUser::PlaceOf(MenuTitle title) const {
+  return m_Program.MainArea().At({kTitles[static_cast<std::size_t>(title)], kTitleHeight});
+}
+
 void CUser::ChooseEntry(MenuTitle title, int entry) const {
-  Click(m_Program.MainArea().At({kTitles[static_cast<std::size_t>(title)], kTitleHeight}));
+  Click(PlaceOf(title));
   for (int k = 0; k <= entry; ++k) PressKey("Down");
   PressKey("Return");
 }
 
 void CUser::ChooseEntry(MenuTitle title, const std::string& letter) const {
-  Click(m_Program.MainArea().At({kTitles[static_cast<std::size_t>(title)], kTitleHeight}));
+  Click(PlaceOf(title));
   Type(letter);
 }
 

@@ -30,6 +30,8 @@ class CUser {
   /// Where a pixel of the picture, counted from its upper left corner, lies in the image view at the first zoom.
   CPixel OnPhotograph(CPixel pixel) const;
 
+  /// The middle of a title of the menu bar.
+  CPixel PlaceOf(MenuTitle title) const;
   /// Chooses an entry of a menu, counted from 0 among the active ones.
   void ChooseEntry(MenuTitle title, int entry) const;
   /// The same by the letter that is underlined in it.

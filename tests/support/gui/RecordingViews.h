@@ -19,9 +19,11 @@ class RecordingViews : public ViewHost {
   void ShowPointerInside(bool /*inside*/) override {}
   void ShowInfluence(double /*value*/) override {}
   void ShowNumber(int /*number*/, int /*levelCode*/) override {}
+  void ShowMessage(const std::string& text) override { m_asMessages.push_back(text); }
   void Notice(const char* text) override { m_asNotices.emplace_back(text); }
 
   int m_iImageRedraws = 0;
   int m_iModelRedraws = 0;
+  std::vector<std::string> m_asMessages;
   std::vector<std::string> m_asNotices;
 };

@@ -19,9 +19,11 @@ bool RunToolkitUntil(Condition condition) {
 }
 
 /// Base of tests that use the program's windows within their own process: a small grid, and a display or else a failure
-/// that says so.
+/// that says so. The display's own pointer is out of the way of the events that they send.
 class ToolkitTest : public ::testing::Test {
  protected:
+  ToolkitTest() { m_Screen.ParkPointer(); }
+
   CGrid& Grid() { return m_Grid.m_Grid; }
   /// Leaves the next tick something to do.
   void GiveWork() { m_Grid.Initialize(2, true); }
