@@ -57,11 +57,27 @@ void SetAllSignals(int how) {
   _exit(kNotStarted);
 }
 
-// The first process of the group waits for the user's program and ends as it does. When the one that has made it ends,
-// even by a crash, the system sends it a signal, with which it ends the whole group.
+// The status of the program once it has ended; nothing where a signal asks for the end of all. What else ends meanwhile
+// has lost its parent.
+std::optional<int> Await(pid_t program) {
+  sigset_t awaited;
+  sigemptyset(&awaited);
+  for (const int signal : {SIGCHLD, SIGHUP, SIGINT, SIGTERM}) sigaddset(&awaited, signal);
+  for (;;) {
+    int status = 0;
+    for (pid_t ended = 0; (ended = waitpid(-1, &status, WNOHANG)) > 0;)
+      if (ended == program) return StatusOf(status);
+    const int signal = sigwaitinfo(&awaited, nullptr);
+    if (signal > 0 && signal != SIGCHLD) return {};
+  }
+}
+
+// The first process of the group waits for the user's program, ends what that has left behind, and ends as it did. When
+// the process that has made it ends, even by a crash, the system sends it a signal, with which it ends all of them.
+// Signals stay blocked here and are waited for.
 [[noreturn]] void WatchOver(const CLaunch& launch) {
   setpgid(0, 0);
-  std::signal(SIGHUP, [](int) { kill(0, SIGKILL); });
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGCHLD}) std::signal(signal, SIG_DFL);
   prctl(PR_SET_PDEATHSIG, SIGHUP);
   // What leaves the group and loses its parent stays below this process, where it is found.
   prctl(PR_SET_CHILD_SUBREAPER, 1);
@@ -72,12 +88,11 @@ void SetAllSignals(int how) {
   close_range(STDERR_FILENO + 1, ~0U, 0);
   const pid_t program = fork();
   if (program == 0) Execute(launch);
-  for (const int signal : {SIGINT, SIGTERM, SIGCHLD}) std::signal(signal, SIG_DFL);
-  SetAllSignals(SIG_UNBLOCK);
-  int status = 0;
   if (program < 0) TellAndEnd("fork");
-  while (waitpid(program, &status, 0) < 0 && errno == EINTR) continue;
-  _exit(StatusOf(status));
+  const std::optional<int> status = Await(program);
+  EndDescendants();
+  if (!status.has_value()) kill(0, SIGKILL);
+  _exit(status.value_or(kNotStarted));
 }
 
 }  // namespace
@@ -158,9 +173,10 @@ void CUserProcess::TakeOutput(std::string_view text) {
 // The first process is a zombie at least, so that its number is still that of the group.
 void CUserProcess::Kill() {
   if (!IsRunning()) return;
-  // Stopped, it goes on being the parent of those that lose theirs.
-  kill(m_iPid, SIGSTOP);
-  KillDescendants(m_iPid);
+  kill(m_iPid, SIGHUP);
+  kill(m_iPid, SIGCONT);
+  siginfo_t information{};
+  while (waitid(P_PID, static_cast<id_t>(m_iPid), &information, WEXITED | WNOWAIT) < 0 && errno == EINTR) continue;
   kill(-m_iPid, SIGKILL);
   while (waitpid(m_iPid, nullptr, 0) < 0 && errno == EINTR) continue;
   End();

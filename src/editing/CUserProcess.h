@@ -10,11 +10,10 @@
 
 /// A program of the user's own, run beside this one without a shell.
 ///
-/// It and all that it starts are a process group, which ends with the object, with the call of `Kill`, and with this
-/// process, however that ends; its first process only when that has ended do the others. Processes that have left the
-/// group end with `Kill` and with the object, but not with a program that ends or a crash of this process. It gets no
-/// input; output and errors are read together. All functions belong to one thread, which must live as long as the
-/// program runs.
+/// It and all that it starts end with the object, with the call of `Kill`, with the program itself, and with this
+/// process, however that ends. They are a process group; processes that have left it end with the others. Only where
+/// the first process of the group is ended by force do these live on. It gets no input; output and errors are read
+/// together. All functions belong to one thread, which must live as long as the program runs.
 class CUserProcess {
  public:
   CUserProcess() = default;
@@ -27,7 +26,7 @@ class CUserProcess {
   bool Start(const std::vector<std::string>& words);
   bool IsRunning() const { return m_iPid > 0; }
   /// Reads what has been written, without waiting. When the program has ended: its status as a shell counts it, 128
-  /// plus the signal for one that was killed; what is left of its group is ended, too.
+  /// plus the signal for one that was killed; what it has left running has ended by then, too.
   std::optional<int> Attend();
   /// The last line that is not blank, complete or not, at most some hundred bytes of it.
   const std::string& LastLine() const { return m_LastLine; }

@@ -1,79 +1,49 @@
 #include "editing/ProcessTree.h"
 
-#include <charconv>
+#include <array>
 #include <csignal>
 #include <cstddef>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <optional>
-#include <sstream>
-#include <string>
-#include <system_error>
-#include <vector>
+#include <ctime>
+#include <span>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
-namespace fs = std::filesystem;
+constexpr int kMostRounds = 500;
+constexpr timespec kPause{0, 2'000'000};  // nanoseconds
 
-// Processes that start others faster than they are ended keep nobody waiting.
-constexpr int kMostRounds = 50;
-
-struct CProcess {
-  pid_t m_iPid = -1;
-  pid_t m_iParent = -1;
-  bool m_bEnded = false;
-};
-
-std::optional<CProcess> ProcessAt(const fs::path& folder) {
-  CProcess process;
-  const std::string name = folder.filename();
-  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process.m_iPid);
-  if (error != std::errc() || end != name.data() + name.size()) return {};
-  std::ifstream file(folder / "stat");
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
-  // The name of the program, in brackets, may hold anything.
-  const std::size_t bracket = text.rfind(')');
-  if (bracket == std::string::npos) return {};
-  std::istringstream rest(text.substr(bracket + 1));
-  char state = ' ';
-  if (!(rest >> state >> process.m_iParent)) return {};
-  process.m_bEnded = state == 'Z' || state == 'X';
-  return process;
-}
-
-std::vector<CProcess> AllProcesses() {
-  std::vector<CProcess> processes;
-  std::error_code error;
-  for (fs::directory_iterator entry("/proc", error); !error && entry != fs::directory_iterator();
-       entry.increment(error)) {
-    if (const std::optional<CProcess> process = ProcessAt(entry->path())) processes.push_back(*process);
-  }
-  return processes;
-}
-
-// Those that have not ended yet.
-std::vector<pid_t> DescendantsOf(pid_t ancestor) {
-  const std::vector<CProcess> all = AllProcesses();
-  std::vector<pid_t> family{ancestor};
-  std::vector<pid_t> living;
-  for (std::size_t k = 0; k < family.size(); ++k) {
-    for (const CProcess& process : all) {
-      if (process.m_iParent != family[k]) continue;
-      family.push_back(process.m_iPid);
-      if (!process.m_bEnded) living.push_back(process.m_iPid);
+// The system lists the numbers of the children with a blank behind each. None of them can be another process by now, as
+// only this one waits for them.
+void KillChildren() {
+  const int list = open("/proc/thread-self/children", O_RDONLY | O_CLOEXEC);
+  if (list < 0) return;
+  std::array<char, 4096> text{};
+  pid_t child = 0;
+  for (ssize_t length = 0; (length = read(list, text.data(), text.size())) > 0;) {
+    for (const char c : std::span(text).first(static_cast<std::size_t>(length))) {
+      if (c >= '0' && c <= '9') {
+        child = 10 * child + (c - '0');
+      } else if (child > 0) {
+        kill(child, SIGKILL);
+        child = 0;
+      }
     }
   }
-  return living;
+  close(list);
 }
 
 }  // namespace
 
-// What is ended may have started something since it was listed.
-void KillDescendants(pid_t process) {
+// The children of those that have ended are children of this process in the next round.
+void EndDescendants() {
   for (int round = 0; round < kMostRounds; ++round) {
-    const std::vector<pid_t> living = DescendantsOf(process);
-    if (living.empty()) return;
-    for (const pid_t descendant : living) kill(descendant, SIGKILL);
+    KillChildren();
+    pid_t ended = 0;
+    while ((ended = waitpid(-1, nullptr, WNOHANG)) > 0) continue;
+    if (ended < 0) return;
+    nanosleep(&kPause, nullptr);
   }
 }

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <sys/types.h>
-
-/// Ends at once whatever a process has started, and what that has started, whatever groups and sessions they have made.
-/// The process itself stays; it should be stopped and a subreaper, so that nothing gets away from it meanwhile.
-void KillDescendants(pid_t process);
+/// Ends at once whatever this process has started, and what that has started, whatever groups and sessions they have
+/// made, and waits for it: a second at most, as others may not be allowed to end some of it.
+///
+/// The process must have one thread and be a subreaper, which those come to that lose their parents. Asks for no
+/// memory, so that a fork of a process with several threads may call it. Needs /proc.
+void EndDescendants();

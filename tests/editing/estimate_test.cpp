@@ -203,8 +203,35 @@ TEST_F(EstimateTest, WhatItLeavesRunningEndsWithIt) {
   EXPECT_TRUE(WaitUntil([&] { return !Lives(child); }));
 }
 
+// Each in a session of its own: one that the script has started, and one whose parent has ended before.
+TEST_F(EstimateTest, WhatHasLeftTheGroupEndsWithTheProgram) {
+  const std::string child = m_Scratch.File("child");
+  const std::string orphan = m_Scratch.File("orphan");
+  const std::string text = "setsid sh -c 'echo $$ > " + child +
+                           R"(; exec sleep 1000' & setsid sh -c 'setsid sh -c "echo \$\$ > )" + orphan +
+                           R"(; exec sleep 1000" &'; while [ ! -s )" + child + " ] || [ ! -s " + orphan +
+                           " ]; do sleep 0.02; done; " + kRamp + "; echo done; exit 0";
+  const CEstimate::CResult result = Run(Script(text));
+  EXPECT_EQ(result.m_Trouble, "");
+  EXPECT_TRUE(result.m_Map);
+  EXPECT_EQ(m_Estimate.LastLine(), "done");
+  EXPECT_FALSE(Lives(ProcessIn("child")));
+  EXPECT_FALSE(Lives(ProcessIn("orphan")));
+}
+
+// Its status is that of the program, not of what it leaves behind.
+TEST_F(EstimateTest, WhatHasLeftTheGroupEndsWithAProgramThatFails) {
+  const std::string child = m_Scratch.File("child");
+  EXPECT_EQ(Run(Script("setsid sh -c 'echo $$ > " + child + "; exec sleep 1000' & while [ ! -s " + child +
+                       " ]; do sleep 0.02; done; echo no weights; exit 3"))
+                .m_Trouble,
+            "The estimator has failed with status 3: no weights");
+  EXPECT_FALSE(Lives(ProcessIn("child")));
+}
+
 TEST_F(EstimateTest, ItEndsWithAProcessThatIsKilled) {
-  const std::string line = Script("sleep 1000 & echo $! > " + m_Scratch.File("child") + "; wait");
+  const std::string line = Script("sleep 1000 & echo $! > " + m_Scratch.File("child") + "; setsid sh -c 'echo $$ > " +
+                                  m_Scratch.File("away") + "; exec sleep 1000' & wait");
   const pid_t program = fork();
   if (program == 0) {
     CEstimate estimate;
@@ -212,7 +239,8 @@ TEST_F(EstimateTest, ItEndsWithAProcessThatIsKilled) {
     for (;;) pause();
   }
   const pid_t child = ProcessIn("child");
+  const pid_t away = ProcessIn("away");
   kill(program, SIGKILL);
   waitpid(program, nullptr, 0);
-  EXPECT_TRUE(WaitUntil([&] { return !Lives(child); }));
+  EXPECT_TRUE(WaitUntil([&] { return !Lives(child) && !Lives(away); }));
 }
