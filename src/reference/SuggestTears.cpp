@@ -170,9 +170,16 @@ CPlanePoint ToEdge(const CLinkCosts& photograph, const CDepthReading& reading, c
   const CPlanePoint along{direction.x * scaleX / length, -direction.y * scaleY / length};
   const int link = LinkAcross(along);
   const double plain = photograph.PlainCost(link);
+  // The outermost pixels have no edges of their own, and tears go on to the border.
+  const auto inside = [](int index, int size) {
+    constexpr int kMargin = CLinkCosts::kMargin;
+    return size > 2 * kMargin ? std::clamp(index, kMargin, size - 1 - kMargin) : index;
+  };
   const auto strength = [&](const CPlanePoint& p) {
     const CPixelPosition pixel{static_cast<int>(std::lround(p.x)), static_cast<int>(std::lround(p.y))};
-    return photograph.Contains(pixel) ? plain - photograph.Cost(pixel, link) : 0.0;
+    if (!photograph.Contains(pixel)) return 0.0;
+    const int column = inside(pixel.m_iColumn, photograph.m_iWidth);
+    return plain - photograph.Cost({column, inside(pixel.m_iRow, photograph.m_iHeight)}, link);
   };
   const double reach = kReach * std::max(photograph.m_iWidth, photograph.m_iHeight);
   const double way = WayToLargest(start, along, reach, strength) / length;

@@ -1,7 +1,5 @@
 // A depth map on the command line.
 
-#include <bit>
-#include <cstdint>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -9,6 +7,7 @@
 #include "batch/BatchTest.h"
 #include "formats/ProjectFile.h"
 #include "support/BadDepthMaps.h"
+#include "support/DepthBuilders.h"
 #include "support/PictureBuilders.h"
 #include "support/PictureEncoders.h"
 
@@ -16,17 +15,20 @@ namespace {
 
 // A bowl with a rim in it, for a model that is kOblong: twice as wide as high it is not, nor is the map.
 std::string BowlPfm(int width, int height) {
-  std::string bytes = "Pf\n" + std::to_string(width) + ' ' + std::to_string(height) + "\n-1\n";
-  for (int row = 0; row < height; ++row) {
-    for (int column = 0; column < width; ++column) {
-      const float u = (static_cast<float>(column) + 0.5F) / static_cast<float>(width) - 0.5F;
-      const float v = (static_cast<float>(row) + 0.5F) / static_cast<float>(height) - 0.5F;
-      const float depth = u * u + v * v < 0.06F ? 3 : u * u + v * v;
-      const auto number = std::bit_cast<std::uint32_t>(depth);
-      for (int k = 0; k < 4; ++k) bytes += static_cast<char>(number >> (8 * k) & 0xFF);
-    }
-  }
-  return bytes;
+  return PfmOf(DepthMapOf(width, height, [](double u, double v) {
+    const double depth = (u - 0.5) * (u - 0.5) + (v - 0.5) * (v - 0.5);
+    return depth < 0.06 ? 3 : depth;
+  }));
+}
+
+// A photograph that is dark to the left of a share of its width and light to the right.
+std::string EdgePng(double edge) {
+  constexpr int kWidth = 1280;
+  return TestPng(PictureOf(kWidth, 480,
+                           [&](int x, int) {
+                             return (x + 0.5) / kWidth < edge ? CRgb{40, 40, 40} : CRgb{90, 90, 90};
+                           }),
+                 {});
 }
 
 // The lines of a report that no clock has written.
@@ -146,6 +148,52 @@ TEST_F(BatchReference, SuggestedTearsBecomeCurves) {
   WriteText(Path("photo.png"), TestPng(Squares(320, 120), {}));
   ASSERT_EQ(Run("plain.grid --reference-depth map.pfm --suggest-tears 4 --image photo.png --report json"), 0);
   EXPECT_EQ(Report()["suggested_tears"], 1);
+}
+
+// The map's step is at half of the width. The photograph's edge is followed within 0.5 % of its larger side, and where
+// it is farther away, the map is.
+TEST_F(BatchReference, SuggestedTearsLieOnThePhotographsEdge) {
+  WriteText(Path("step.pfm"),
+            PfmOf(Blurred(DepthMapOf(320, 120, [](double u, double) { return u < 0.5 ? 0 : 1; }), 1)));
+  const auto nodes = [this](const std::string& options) {
+    EXPECT_EQ(Run("plain.grid --reference-depth step.pfm --suggest-tears 1 --iterations 0 --save o.grid" + options), 0)
+        << Bytes("err");
+    CTestGrid test(4, 4);
+    EXPECT_EQ(ReadText(test.m_Grid, Bytes("o.grid")), GridFileState::Whole);
+    std::vector<double> shares;
+    for (const CCntrCtrl& curve : test.m_Grid.Constraints().Curves())
+      for (const CCntrNode& node : curve.Nodes())
+        shares.push_back((node.m_fX - kOblong.x0) / (kOblong.x1 - kOblong.x0));
+    EXPECT_GE(shares.size(), 2U);
+    return shares;
+  };
+  constexpr double kPixel = 1.0 / 1280;
+  for (const double share : nodes("")) EXPECT_NEAR(share, 0.5, kPixel);
+  for (const auto& [edge, wanted] : {std::pair(0.504, 0.504), {0.496, 0.496}, {0.508, 0.5}}) {
+    WriteText(Path("photo.png"), EdgePng(edge));
+    for (const double share : nodes(" --image photo.png")) EXPECT_NEAR(share, wanted, 1.5 * kPixel) << edge;
+  }
+}
+
+// Heights that are squares of the map's values; scale and offset are those of a straight response.
+TEST_F(BatchReference, ABentResponseIsReported) {
+  WriteText(Path("ramp.pfm"), PfmOf(DepthMapOf(160, 60, [](double u, double) { return u; })));
+  CTestGrid test(4, 4);
+  for (int k = 0; k < 16; ++k) {
+    const double u = (k + 0.5) / 16;
+    test.m_Grid.AddPtCstr(HeightCstr(kOblong.x0 + 16 * u, 20.5 + 5.0 * (k % 4) / 3, 3 + 4 * u * u));
+  }
+  test.m_Grid.PerformPendingWork();
+  WriteText(Path("bent.grid"), GridText(test.m_Grid));
+  ASSERT_EQ(Run("bent.grid --reference-depth ramp.pfm --report json"), 0) << Bytes("err");
+  const nlohmann::json bent = Report()["reference"];
+  EXPECT_EQ(bent["response"], "bent");
+  EXPECT_EQ(bent["heights"], 16);
+  EXPECT_LT(bent["misfit_rms"], 1e-4);
+  // The line through u * u at places that lie evenly around 1/2 has the slope 1.
+  EXPECT_NEAR(bent["scale"].get<double>(), 4, 1e-4);
+  ASSERT_EQ(Run("bent.grid --reference-depth ramp.pfm --report text"), 0);
+  EXPECT_NE(Bytes("out").find("\nreference response: bent\n"), std::string::npos) << Bytes("out");
 }
 
 TEST_F(BatchReference, AProjectBringsItsOwnMap) {

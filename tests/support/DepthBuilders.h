@@ -1,9 +1,12 @@
 #pragma once
 
+#include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <random>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -23,6 +26,16 @@ CDepthMap DepthMapOf(int width, int height, const Field& field) {
 template <typename Field>
 std::shared_ptr<const CDepthMap> SharedDepthMap(int width, int height, const Field& field) {
   return std::make_shared<const CDepthMap>(DepthMapOf(width, height, field));
+}
+
+/// The map as a PFM.
+inline std::string PfmOf(const CDepthMap& map) {
+  std::string bytes = "Pf\n" + std::to_string(map.Width()) + ' ' + std::to_string(map.Height()) + "\n-1\n";
+  for (const float value : map.Values()) {
+    const auto number = std::bit_cast<std::uint32_t>(value);
+    for (int k = 0; k < 4; ++k) bytes += static_cast<char>(number >> (8 * k) & 0xFF);
+  }
+  return bytes;
 }
 
 /// Blurred by a Gaussian of so many pixels.
