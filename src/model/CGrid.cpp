@@ -48,6 +48,7 @@ void CGrid::AddTracedCurve(std::span<const CPtCstr> points, CurveType type, bool
 void CGrid::FreeAll() {
   m_Surface.Free();
   m_Constraints.Clear();
+  m_Points.SetLastHeight({});
   m_Reference.Set({});
 }
 

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "lighting/CLight.h"
@@ -35,6 +36,7 @@ struct CModelState {
   CDocument m_Document;
   int m_iNewMaxLevel = kDefaultMaxLevel;  ///< of new grids
   double m_fPickTolerance = 1.0;          ///< see g_fPickTolerance
+  std::optional<double> m_LastHeight;     ///< see CPtCstrEdits; no file holds it
   std::shared_ptr<const CSurfaceState> m_pSurface;
   std::shared_ptr<const CSolverState> m_pSolver;
 };

@@ -39,9 +39,11 @@ class CPtCstrEdits {
   /// 0 without a selected position constraint.
   double SelectedHeight() const;
   void SetSelectedHeight(double z);
-  /// The height that was asked for last, by whatever edit; none until there has been one. Where the surface gives it,
-  /// as for a new constraint, nobody has asked.
+  /// The height that was asked for last, by whatever edit; none until there has been one in this model. Where the
+  /// surface gives it, as for a new constraint, nobody has asked.
   std::optional<double> LastHeight() const { return m_LastHeight; }
+  /// The model is another one, with this height or none.
+  void SetLastHeight(std::optional<double> z) { m_LastHeight = z; }
   /// Adds to the slopes of the selected normal constraint. Posts kRestart even without one.
   void ChangeSelectedNormal(double dp, double dq);
   /// Gives it these slopes; nothing without a selected normal constraint.

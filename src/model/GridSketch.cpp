@@ -64,7 +64,10 @@ CModelState StateOf(const CGrid& grid) {
   CSolverState solver = grid.Solver().State();
   // Rows that an edit has put out of date are no longer what the iteration is to go on with.
   if (grid.Run().NextOperation() != Operation::kNone) solver.m_iCounter = std::min(solver.m_iCounter, 0);
-  return {DocumentOf(grid), g_iMaxLevel, g_fPickTolerance,
+  return {DocumentOf(grid),
+          g_iMaxLevel,
+          g_fPickTolerance,
+          grid.LastHeight(),
           std::make_shared<const CSurfaceState>(grid.Surface().State()),
           std::make_shared<const CSolverState>(std::move(solver))};
 }
@@ -110,6 +113,7 @@ void CRestoration::RestoreState(CGrid& grid, const CModelState& state) {
   for (const std::size_t point : frozen) lattice.Set(point, PointFlag::kFrozen);
   g_iMaxLevel = state.m_iNewMaxLevel;
   g_fPickTolerance = state.m_fPickTolerance;
+  grid.m_Points.SetLastHeight(state.m_LastHeight);
   grid.m_Relighting.SetLights(document.m_RemovedLights, document.m_AddedLights);
   grid.m_Relighting.SetTone(document.m_Tone);
   grid.m_Wanted.Current().SelectNodes(document.m_auSelectedCells);

@@ -5,11 +5,14 @@
 #include <cmath>
 #include <functional>
 #include <iterator>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "model/CModelState.h"
+#include "support/CTemporaryDirectory.h"
 #include "support/CurveGrid.h"
 
 namespace {
@@ -172,6 +175,38 @@ TEST(ModelStateTest, LeavesWhatTheBrushHasPainted) {
   ASSERT_GT(frozen, 0U);
   CRestoration::RestoreState(test.m_Grid, state);
   EXPECT_EQ(test.m_Grid.Surface().Lattice().Count(PointFlag::kFrozen), frozen);
+}
+
+// Another one may be a thousand times as tall.
+TEST(ModelStateTest, TheHeightAskedForLastIsOneOfTheModel) {
+  const CTemporaryDirectory scratch;
+  const std::string file = scratch.File("model.grid");
+  CRichGrid test;
+  CGrid& grid = test.m_Grid;
+  const auto ask = [&](double z) {
+    grid.PointEdits().SelectNumber(0);
+    grid.SetSelectedHeight(z);
+    grid.PerformPendingWork();
+  };
+  ask(6.5);
+  const CModelState state = StateOf(grid);
+  ASSERT_TRUE(grid.Save(file));
+  grid.Initialize(1, true, 0, 0, 5, 5);
+  EXPECT_EQ(grid.LastHeight(), 6.5) << "its constraints are kept";
+  grid.Initialize(1, false, 0, 0, 5, 5);
+  EXPECT_EQ(grid.LastHeight(), std::nullopt);
+  grid.AddPtCstr(HeightCstr(2, 2, 1));
+  ask(3000);
+  ASSERT_EQ(grid.Load(file), GridFileState::Whole);
+  EXPECT_EQ(grid.LastHeight(), std::nullopt);
+  ask(3000);
+  CRestoration::RestoreState(grid, state);
+  EXPECT_EQ(grid.LastHeight(), 6.5) << "one comes back to that model";
+  ask(3000);
+  CModelState opened = state;
+  opened.m_LastHeight.reset();
+  CRestoration::RestoreState(grid, opened);
+  EXPECT_EQ(grid.LastHeight(), std::nullopt);
 }
 
 TEST(ModelStateTest, CopiesShareTheSurface) {
