@@ -70,6 +70,7 @@ CHeightsTool::CBasis CHeightsTool::Basis() const {
     basis.m_Type = curve->Type();
   }
   basis.m_Wanted = m_Panel.Wanted();
+  basis.m_sTrouble = m_Panel.Trouble();
   basis.m_uEdits = m_Grid.Gate().Edits();
   basis.m_uTree = m_Grid.Surface().Tree().Revision();
   if (basis.m_Wanted && basis.m_Wanted->m_bFollow) basis.m_uSurface = m_Grid.Surface().Revision();
@@ -93,8 +94,7 @@ void CHeightsTool::Plan() {
   m_Plan = {};
   if (curve != nullptr && shown.m_Wanted)
     m_Plan = PlanHeightsAlong(*curve, *shown.m_Wanted, m_Grid.Surface(), m_Grid.Constraints());
-  const std::string trouble = m_Panel.Trouble();
-  m_Panel.ShowPlan(trouble.empty() ? Counted(m_Plan) : trouble, !m_Plan.m_aHeights.empty());
+  m_Panel.ShowPlan(shown.m_sTrouble.empty() ? Counted(m_Plan) : shown.m_sTrouble, !m_Plan.m_aHeights.empty());
   CPlacePreview preview;
   for (const CPtCstr& height : m_Plan.m_aHeights) preview.m_aPlaces.push_back({height.m_fX, height.m_fY});
   preview.m_aLeftOut = m_Plan.m_aLeftOut;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "constraints/CCntrCtrl.h"
 #include "model/HeightsAlong.h"
@@ -31,6 +32,7 @@ class CHeightsTool : public ToolWindow {
     CurveId m_Curve = CurveId::kNone;
     CurveType m_Type = CurveType::kNone;
     std::optional<CHeightsAlong> m_Wanted;
+    std::string m_sTrouble;  ///< why nothing is wanted
     std::uint64_t m_uEdits = 0;
     std::uint64_t m_uTree = 0;
     std::uint64_t m_uSurface = 0;  ///< 0 where its heights do not matter

@@ -1,6 +1,7 @@
 // Heights along a curve as a tool of the window: what its panel begins with, follows and places.
 
 #include <cmath>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -201,4 +202,76 @@ TEST_F(HeightsToolTest, AnotherTypeHasItsOwnDistance) {
   EXPECT_TRUE(Comes("Curve", "tear, open, 60 long"));
   EXPECT_DOUBLE_EQ(Number("Distance beside it"), BesideATear());
   EXPECT_TRUE(Comes("Would be placed", "3 heights"));
+}
+
+TEST_F(HeightsToolTest, AllOfThemAreOneStepOfUndo) {
+  AddCurve(kCrease);
+  Open();
+  Fill("Number", "6");
+  Fill("First height", "4");
+  Fill("Last height", "9");
+  ASSERT_TRUE(Comes("Would be placed", "6 heights"));
+  EXPECT_EQ(PlacedToTheLeft().size(), 6U);
+  EXPECT_EQ(std::string(HelpLine().value()), FormatHelp(HelpText::kHeightsAlong, {"6"}));
+  const auto become = [&](std::size_t count) {
+    return RunToolkitUntil([&] { return Grid().Constraints().Points().size() == count; });
+  };
+  Menu().Choose(MenuEntry::Undo);
+  EXPECT_TRUE(become(0));
+  EXPECT_EQ(std::string(HelpLine().value()), "Undone: heights along a curve");
+  EXPECT_EQ(Grid().Constraints().Curves().size(), 1U);
+  Menu().Choose(MenuEntry::Redo);
+  ASSERT_TRUE(become(6));
+  EXPECT_EQ(Grid().Constraints().Points().begin()->m_fZ, 4);
+  EXPECT_EQ(std::prev(Grid().Constraints().Points().end())->m_fZ, 9);
+  EXPECT_EQ(Grid().LastHeight(), 9);
+}
+
+TEST_F(HeightsToolTest, AClosedCurveGetsNoneTwice) {
+  Grid().AddCurve(std::vector<CPtCstr>{{20, 20}, {80, 20}, {80, 80}, {20, 80}}, kFair, true);
+  Grid().PerformPendingWork();
+  Open();
+  EXPECT_EQ(Text("Curve"), "fairness, closed, 240 long");
+  ASSERT_TRUE(Comes("Would be placed", "8 heights"));
+  Press(Find<Fl_Button>(Panel(), "Place"));
+  const std::vector<CPlanePoint> expected{{20, 20}, {50, 20}, {80, 20}, {80, 50},
+                                          {80, 80}, {50, 80}, {20, 80}, {20, 50}};
+  ASSERT_EQ(Grid().Constraints().Points().size(), expected.size());
+  std::size_t k = 0;
+  for (const CPtCstr& height : Grid().Constraints().Points()) {
+    EXPECT_NEAR(height.m_fX, expected[k].x, 1e-9) << k;
+    EXPECT_NEAR(height.m_fY, expected[k].y, 1e-9) << k;
+    ++k;
+  }
+}
+
+TEST_F(HeightsToolTest, SaysWhyNothingWouldBePlaced) {
+  Open();
+  EXPECT_EQ(Text("Curve"), "none yet");
+  EXPECT_EQ(Text("Would be placed"), "0 heights");
+  EXPECT_FALSE(Find<Fl_Button>(Panel(), "Place").active());
+  AddCurve(kCrease);
+  ASSERT_TRUE(Comes("Would be placed", "8 heights"));
+  EXPECT_TRUE(Find<Fl_Button>(Panel(), "Place").active());
+  struct CCase {
+    const char* m_pField;
+    const char* m_pWrong;
+    const char* m_pSound;
+    const char* m_pReason;
+  };
+  const auto refuses = [&](const CCase& c) {
+    Fill(c.m_pField, c.m_pWrong);
+    EXPECT_TRUE(Comes("Would be placed", c.m_pReason)) << c.m_pField << ' ' << c.m_pWrong;
+    EXPECT_FALSE(Find<Fl_Button>(Panel(), "Place").active());
+    Fill(c.m_pField, c.m_pSound);
+  };
+  for (const char* wrong : {"0", "2.5", "10001", "-3", "ten"})
+    refuses({"Number", wrong, "8", "1 to 10000 heights are possible"});
+  refuses({"First height", "x", "1", "a height is no number"});
+  refuses({"Last height", "", "1", "a height is no number"});
+  refuses({"Distance beside it", "-1", "0", "the distance beside must be 0 or more"});
+  ASSERT_TRUE(Comes("Would be placed", "8 heights"));
+  Choose("Divided by", 1);
+  for (const char* wrong : {"0", "-5", "x"}) refuses({"Distance", wrong, "20", "the distance must be above 0"});
+  EXPECT_TRUE(Comes("Would be placed", "4 heights"));
 }
