@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <FL/Fl_Check_Button.H>
+#include <FL/Fl_Choice.H>
 #include <FL/Fl_Input.H>
 #include <FL/Fl_Output.H>
 #include <FL/Fl_Spinner.H>
@@ -276,4 +277,96 @@ TEST_F(ReferencePanelTest, ReadOutsAreThoseOfTheFit) {
   EXPECT_EQ(selected, 1);
   Push("Remove");
   EXPECT_TRUE(RunToolkitUntil([&] { return says("Fitted").empty() && says("Scale").empty(); }));
+}
+
+// Heights that are squares of the map's values. Scale and offset are those of a straight response.
+TEST_F(ReferencePanelTest, ABentResponseIsToldAndIsTheUsersToRefuse) {
+  Open();
+  const CExtent extent = Grid().Surface().Lattice().Extent();
+  Grid().ReferenceEdits().Load(SharedDepthMap(64, 64, [](double u, double) { return u; }), "/maps/ramp.pfm");
+  for (int k = 0; k < 16; ++k) {
+    const double u = (k + 0.5) / 16;
+    const double x = extent.x0 + u * (extent.x1 - extent.x0);
+    Grid().AddPtCstr({x, 0.5 * (extent.y0 + extent.y1), PtCstrKind::kPosition, 3 + 4 * u * u});
+  }
+  Grid().PerformPendingWork();
+  const auto says = [this](const char* label) { return std::string(Find<Fl_Output>(Panel(), label).value()); };
+  ASSERT_TRUE(RunToolkitUntil([&] { return says("Fitted") == "to 16 heights, bent"; })) << says("Fitted");
+  EXPECT_LT(std::stod(says("Misfit (RMS)")), 1e-3);
+  EXPECT_NEAR(std::stod(says("Scale")), 4, 1e-4);
+  const double offset = std::stod(says("Offset"));
+  auto& response = Find<Fl_Choice>(Panel(), "Response");
+  const auto choose = [&](const char* text) {
+    response.value(response.find_item(text));
+    response.do_callback();
+    Grid().PerformPendingWork();
+  };
+  choose("straight");
+  EXPECT_TRUE(RunToolkitUntil([&] { return says("Fitted") == "to 16 heights, straight"; })) << says("Fitted");
+  EXPECT_GT(std::stod(says("Misfit (RMS)")), 0.1);
+  EXPECT_NEAR(std::stod(says("Scale")), 4, 1e-4);
+  EXPECT_EQ(std::stod(says("Offset")), offset);
+  choose("bent");
+  EXPECT_TRUE(RunToolkitUntil([&] { return says("Fitted") == "to 16 heights, bent"; })) << says("Fitted");
+}
+
+// With a map of another strength and response before it, and nothing in between.
+TEST_F(ReferencePanelTest, LoadingAMapIsUndoneAndDoneAgain) {
+  Open();
+  const auto load = [this](const char* name, double high) {
+    m_Dialogs.m_File = (m_Directory.Path() / name).string();
+    WriteText(*m_Dialogs.m_File, PfmOf(DepthMapOf(16, 6, [&](double u, double) { return high * u; })));
+    Push("Load...");
+    Grid().PerformPendingWork();
+  };
+  const auto undo = [this](const char* name) {
+    Menu().Choose(MenuEntry::Undo);
+    Grid().PerformPendingWork();
+    EXPECT_EQ(HelpLine().value(), std::string("Undone: ") + name);
+  };
+  const auto redo = [this](const char* name) {
+    Menu().Choose(MenuEntry::Redo);
+    Grid().PerformPendingWork();
+    EXPECT_EQ(HelpLine().value(), std::string("Done again: ") + name);
+  };
+  const auto& strength = Find<Fl_Value_Slider>(Panel(), "Strength");
+  const auto& response = Find<Fl_Choice>(Panel(), "Response");
+  const auto shows = [&](const char* file, double value, const char* text) {
+    const auto& name = Find<Fl_Output>(Panel(), "Depth map");
+    const bool shown = RunToolkitUntil([&] {
+      return name.value() == std::string(file) && strength.value() == value && response.text() == std::string(text);
+    });
+    EXPECT_EQ(Grid().Reference().Value().m_Settings.m_fStrength, value);
+    EXPECT_EQ(Grid().Solver().System().Load().empty(), !Grid().Reference().HasMap());
+    return shown;
+  };
+  load("first.pfm", 1);
+  Grid().ReferenceEdits().SetStrength(0.35);
+  Grid().ReferenceEdits().SetResponse(ReferenceResponse::Straight);
+  Fl::check();
+  const CReference first = Grid().Reference().Value();
+  EXPECT_TRUE(shows("first.pfm", 0.35, "straight"));
+  load("second.pfm", 2);
+  const CReference second = Grid().Reference().Value();
+  EXPECT_TRUE(shows("second.pfm", 0.35, "straight"));
+  undo("load reference depth");
+  EXPECT_EQ(Grid().Reference().Value(), first);
+  EXPECT_TRUE(shows("first.pfm", 0.35, "straight"));
+  redo("load reference depth");
+  EXPECT_EQ(Grid().Reference().Value(), second);
+  undo("load reference depth");
+  Push("Remove");
+  Grid().PerformPendingWork();
+  load("second.pfm", 2);
+  EXPECT_TRUE(shows("second.pfm", 0.8, "automatic"));
+  undo("load reference depth");
+  EXPECT_EQ(Grid().Reference().Value(), CReference());
+  EXPECT_TRUE(shows("", 0.8, "automatic"));
+  undo("remove reference depth");
+  EXPECT_EQ(Grid().Reference().Value(), first);
+  EXPECT_TRUE(shows("first.pfm", 0.35, "straight"));
+  redo("remove reference depth");
+  redo("load reference depth");
+  EXPECT_TRUE(shows("second.pfm", 0.8, "automatic"));
+  EXPECT_EQ(Grid().Reference().Reading().High(), second.m_pMap->Values().back());
 }

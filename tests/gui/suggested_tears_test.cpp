@@ -1,8 +1,11 @@
 // Tears that the panel "Reference depth" suggests, shown over the photograph until they are taken or dropped.
 
+#include <string>
+
 #include <FL/Fl_Spinner.H>
 #include <FL/Fl_Value_Slider.H>
 
+#include "formats/PngBytes.h"
 #include "support/gui/ReferencePanelTest.h"
 
 namespace {
@@ -49,6 +52,41 @@ TEST_F(SuggestedTearsTest, WithTheSamePhotographTearsAreSuggestedAlike) {
   LoadPicture();
   Push("Suggest Tears");
   EXPECT_EQ(taken(), once);
+}
+
+// Of the map's step at half of the width, and of a photograph's edge beside it.
+TEST_F(SuggestedTearsTest, TearsLieOnThePhotographsEdge) {
+  Open();
+  const auto step = [](double u, double) { return u < 0.5 ? 0 : 1; };
+  Grid().ReferenceEdits().Load(std::make_shared<const CDepthMap>(Blurred(DepthMapOf(320, 120, step), 1)),
+                               "/maps/step.pfm");
+  Grid().PerformPendingWork();
+  constexpr int kWidth = 1280;
+  constexpr double kPixel = 1.0 / kWidth;
+  const auto expectTearAt = [this](double wanted) {
+    ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Suggest Tears"); }));
+    Push("Suggest Tears");
+    ASSERT_TRUE(RunToolkitUntil([this] { return IsActive("Take"); }));
+    Push("Take");
+    const CExtent extent = Grid().Surface().Lattice().Extent();
+    const auto nodes = CurveNodes();
+    EXPECT_GE(nodes.size(), 2U);
+    for (const auto& [x, y] : nodes) EXPECT_NEAR((x - extent.x0) / (extent.x1 - extent.x0), wanted, 1.5 * kPixel) << y;
+    m_Window.History().Take(UserStep::Undo);
+    Grid().PerformPendingWork();
+    ASSERT_EQ(Curves(), 0U);
+  };
+  expectTearAt(0.5);
+  for (const double edge : {0.504, 0.496}) {
+    CPicture photograph{kWidth, 480, {}};
+    for (int k = 0; k < kWidth * 480; ++k)
+      photograph.m_aPixels.insert(photograph.m_aPixels.end(), 3, (k % kWidth + 0.5) / kWidth < edge ? 40 : 90);
+    m_Dialogs.m_File = (m_Directory.Path() / ("photo" + std::to_string(edge) + ".png")).string();
+    WriteText(*m_Dialogs.m_File, PngOf(photograph));
+    Menu().Choose(MenuEntry::LoadImage);
+    ASSERT_TRUE(RunToolkitUntil([this] { return Grid().Relighting().Textures().Photograph().m_iWidth == kWidth; }));
+    expectTearAt(edge);
+  }
 }
 
 TEST_F(SuggestedTearsTest, SuggestedTearsAreTakenInOneStep) {
