@@ -142,64 +142,6 @@ TEST_F(HeightsAlongRunTest, NewHeightsStartAtTheLastValueWhereThatIsWanted) {
 
 namespace {
 
-class ViewMovesRunTest : public RunTest {
- protected:
-  // Away from the user, over a place on the screen.
-  void TurnWheelWithCtrl(CPixel place, int notches) const {
-    constexpr int kAway = 4;
-    MovePointer(place);
-    m_Program.Rests();
-    HoldKeys("ctrl");
-    for (int notch = 0; notch < notches; ++notch) {
-      Click(place, kAway);
-      m_Program.Rests();
-    }
-    LetGoOfKeys("ctrl");
-    m_Program.Rests();
-  }
-};
-
-}  // namespace
-
-// Clicks place heights and so tell what lies where.
-TEST_F(ViewMovesRunTest, WheelAndKeysWithCtrlMoveTheViewUnderThePointer) {
-  constexpr CPixel kAbout{180, 120};
-  constexpr double kZoom = 1.25 * 1.25;
-  m_User.ClickOn(Control::PositionConstraint);
-  TurnWheelWithCtrl(m_User.OnPhotograph(kAbout), 2);
-  m_User.ClickAt(m_User.OnPhotograph(kAbout));
-  m_User.ClickAt(m_User.OnPhotograph({380, 120}));
-  TurnWheelWithCtrl(m_User.AreaOf(Control::ModelView).Centre(), 2);
-  m_User.Type("ctrl+Up");
-  m_User.ClickAt(m_User.OnPhotograph({380, 320}));
-  m_User.Type("ctrl+0");
-  m_User.ClickAt(m_User.OnPhotograph({480, 60}));
-  m_User.Type("ctrl+Right");
-  m_User.ClickAt(m_User.OnPhotograph({60, 60}));
-  CTestGrid saved;
-  ASSERT_TRUE(ReadModel(saved.m_Grid));
-  const CPlanePoint about = InModel(kAbout);
-  const auto zoomed = [&](CPixel pixel) {
-    const CPlanePoint place = InModel(pixel);
-    return CPlanePoint{about.x + (place.x - about.x) / kZoom, about.y + (place.y - about.y) / kZoom};
-  };
-  const double tenth = (InModel({600, 0}).x - InModel({0, 0}).x) / 10;
-  const std::vector<CPlanePoint> places{about,
-                                        zoomed({380, 120}),
-                                        zoomed({380, 320}),
-                                        InModel({480, 60}),
-                                        {InModel({60, 60}).x + tenth, InModel({60, 60}).y}};
-  ASSERT_EQ(saved.m_Grid.Constraints().Points().size(), places.size());
-  std::size_t k = 0;
-  for (const CPtCstr& height : saved.m_Grid.Constraints().Points()) {
-    EXPECT_NEAR(height.m_fX, places[k].x, 0.2) << k;
-    EXPECT_NEAR(height.m_fY, places[k].y, 0.2) << k;
-    ++k;
-  }
-}
-
-namespace {
-
 /// Of a model twice as wide as it is high, in which clicks place heights.
 CProject WideProject() {
   const ConsoleCapture console;
