@@ -357,7 +357,7 @@ namespace {
 
 // Where the view shows a point, in pixels from the top left, as the projection and the look-at matrix say; and how far
 // it lies before the centre.
-Vector3 OnScreen(const CCamera& camera, const CHalfSizes& sizes, int width, int height, const Vector3& point) {
+Vector3 PlaceOnScreen(const CCamera& camera, const CHalfSizes& sizes, int width, int height, const Vector3& point) {
   const Vector3 forward = Normalised(camera.m_Centre - camera.m_Eye);
   const Vector3 side = Normalised(Cross(forward, camera.m_Up));
   const Vector3 up = Cross(side, forward);
@@ -371,7 +371,7 @@ struct CRandomView {
     m_Camera.Zoom(*rc::gen::element(0, 300, -700, -1500), 0);
     m_Camera.Pan(*rc::gen::inRange(-9, 9), *rc::gen::inRange(-9, 9));
   }
-  Vector3 OnScreen(const Vector3& point) const { return ::OnScreen(m_Camera, Sizes(), m_iWidth, m_iHeight, point); }
+  Vector3 OnScreen(const Vector3& point) const { return PlaceOnScreen(m_Camera, Sizes(), m_iWidth, m_iHeight, point); }
   CHalfSizes Sizes() const { return m_Camera.HalfSizes(m_iWidth, m_iHeight, m_bProportional); }
 
   CCamera m_Camera = At(*rc::gen::inRange(1, 180), *rc::gen::inRange(0, 360), *rc::gen::inRange(0, 360));
