@@ -1,5 +1,6 @@
 // Fewer clicks and true shapes, by the mouse and the keys of the running program.
 
+#include <algorithm>
 #include <cmath>
 #include <iterator>
 #include <memory>
@@ -179,6 +180,62 @@ TEST(TrueProportionsRunTest, AreKeptWithTheProject) {
     constexpr double kPerPixel = 200.0 / 430;
     EXPECT_NEAR(made.m_fX, (press.m_iX + 0.5) * kPerPixel, 1e-3);
     EXPECT_NEAR(made.m_fY, 50 + (215 - press.m_iY - 0.5) * kPerPixel, 1e-3) << "a pixel is as high as it is wide";
+  }
+}
+
+namespace {
+
+// Width and height of all that is not black.
+std::pair<int, int> DrawnSize(const CScreenshot& picture) {
+  int left = picture.Width();
+  int right = -1;
+  int top = picture.Height();
+  int bottom = -1;
+  for (int y = 0; y < picture.Height(); ++y) {
+    for (int x = 0; x < picture.Width(); ++x) {
+      if (picture.At({x, y}) == kBlack) continue;
+      left = std::min(left, x);
+      right = std::max(right, x);
+      top = std::min(top, y);
+      bottom = std::max(bottom, y);
+    }
+  }
+  return {right - left + 1, bottom - top + 1};
+}
+
+}  // namespace
+
+// The grid of the start is a square seen from the front.
+TEST(TrueProportionsRunTest, ASquareIsASquareInBothViewsOfAnyWindow) {
+  CRelievo program;
+  const CUser user(program);
+  const auto sizeIn = [&](std::size_t view) {
+    const CArea area = program.ViewAreas().at(view);
+    const CPixel corner = program.MainArea().At({area.m_iX, area.m_iY});
+    return DrawnSize(user.See({corner.m_iX, corner.m_iY, area.m_iWidth, area.m_iHeight}));
+  };
+  const auto choose = [&] {
+    user.ChooseEntry(MenuTitle::Inspect, "k");
+    MovePointer(program.MainArea().At({5, program.MainArea().m_iHeight - 5}));
+    ASSERT_TRUE(program.Rests());
+  };
+  for (const auto& [width, height] : {std::pair(800, 900), {1240, 700}, {800, 560}}) {
+    program.Screen().AskForSize(program.MainWindow(), width, height);
+    const auto fits = [&, wanted = height] { return program.MainArea().m_iHeight == wanted; };
+    ASSERT_TRUE(WaitUntil(fits) && program.Rests());
+    for (const std::size_t view : {0U, 1U}) {
+      const auto [w, h] = sizeIn(view);
+      EXPECT_GT(std::abs(w - h), 20) << view << " of " << width << " x " << height << ": " << w << " x " << h;
+    }
+    choose();
+    const CArea image = program.ViewAreas().front();
+    EXPECT_NEAR(sizeIn(0).first, std::min(image.m_iWidth, image.m_iHeight), 2) << "as large as fits";
+    for (const std::size_t view : {0U, 1U}) {
+      const auto [w, h] = sizeIn(view);
+      EXPECT_GT(w, 100);
+      EXPECT_NEAR(w, h, 1) << view << " of " << width << " x " << height;
+    }
+    choose();
   }
 }
 
