@@ -19,6 +19,7 @@
 #include "support/CStaging.h"
 #include "support/FileBuilders.h"
 #include "support/LightingBuilders.h"
+#include "support/gui/ModelViewTest.h"
 #include "support/gui/Pictures.h"
 #include "support/gui/Widgets.h"
 #include "support/gui/WindowTest.h"
@@ -349,6 +350,52 @@ TEST_F(ToolSetTest, LiveLightAnswersWhileItChangesInEveryRoundOfTheToolkit) {
   EXPECT_TRUE(std::ranges::equal(live, images.Image(CTextureImages::kIllumination)));
 }
 
+TEST_F(ToolSetTest, LiveLightFollowsSwitchesColoursAndAnglesOfAllLights) {
+  LoadPicture();
+  Grid().Relighting().SetPicture(RandomPicture(40, 30));
+  OpenLights();
+  SwitchOn(CStaging::RemovedLights(Grid()), 1, {0.5, 0.5, 0.5});
+  const CTextureImages& images = Grid().Relighting().Textures();
+  const auto bytes = [&] {
+    const auto image = images.Image(CTextureImages::kIllumination);
+    return std::vector<std::uint8_t>(image.begin(), image.end());
+  };
+  unsigned seen = images.Revision(CTextureImages::kIllumination);
+  const auto follows = [&](const char* what) {
+    const bool done = RunToolkitUntil([&] { return images.Revision(CTextureImages::kIllumination) > seen; });
+    EXPECT_TRUE(done) << what;
+    const std::vector<std::uint8_t> live = bytes();
+    Grid().GetKd();
+    EXPECT_EQ(bytes(), live) << what << ": as Update Kd has it";
+    seen = images.Revision(CTextureImages::kIllumination);
+  };
+  const auto slide = [&](const char* slider, double value) {
+    auto& widget = Find<Fl_Value_Slider>(Panel("Light sources"), slider);
+    widget.value(value);
+    widget.do_callback();
+    follows(slider);
+  };
+  Push("Live");
+  follows("Live");
+  for (const char* category : {"Removed Lights", "Added lights"}) {
+    Push(category);
+    for (const char* light : {"Light 1", "Ambient light"}) {
+      Push(light);
+      Push("Set the light active");
+      follows("switched on");
+      for (const char* channel : {"Red", "Green", "Blue"}) slide(channel, 0.25);
+      if (light == std::string("Light 1")) {
+        slide("Theta angle", 40);
+        slide("Phi angle", 75);
+      }
+      Push("Set the light active");
+      follows("switched off");
+    }
+  }
+  Push("Soft");
+  follows("Soft");
+}
+
 TEST_F(ToolSetTest, LiveLightStopsWithThePictureAndTellsWhereThereIsNoMemory) {
   LoadPicture();
   OpenLights();
@@ -420,6 +467,45 @@ TEST_F(ToolSetTest, RecorderKeepsTheCameraOfEveryRedrawAndShowsIt) {
   EXPECT_EQ(shown.m_Centre, camera.m_Centre);
   EXPECT_EQ(shown.m_Up, camera.m_Up);
   EXPECT_EQ(shown.m_fR, camera.m_fR);
+}
+
+// What is looked at is the centre, which a pan has moved.
+TEST_F(ToolSetTest, RecorderPlaysAPannedAndZoomedViewAndProjectsKeepIt) {
+  CGridView& view = m_Window.GridView();
+  ClickOn(Control::Recorder);
+  const auto press = [this](int button) {
+    Press(dynamic_cast<Fl_Button&>(*Panel("Animation Record Interface").child(button)));
+  };
+  ASSERT_TRUE(IsDrawn());
+  CCamera turned = view.Camera();
+  turned.Rotate(30, 20);
+  view.SetCamera(turned);
+  ASSERT_TRUE(IsDrawn());
+  press(0);
+  press(1);
+  view.MoveView(ViewMove::Right);
+  view.MoveView(ViewMove::Up);
+  CCamera panned = view.Camera();
+  panned.ZoomAbout(0.64, panned.m_Centre + Vector3{3, -2, 1});
+  view.SetCamera(panned);
+  ASSERT_TRUE(IsDrawn());
+  press(3);
+  ASSERT_GT(Length(panned.m_Centre - turned.m_Centre), 1);
+
+  const CProject project = m_Window.Commands().Project();
+  ASSERT_FALSE(project.m_aRecording.empty());
+  const CProjectFrame& last = project.m_aRecording.back();
+  EXPECT_EQ(last.m_Target, panned.m_Centre);
+  EXPECT_EQ(last.m_Eye, panned.m_Eye);
+  EXPECT_EQ(last.m_Up, panned.m_Up);
+  EXPECT_EQ(last.m_fHalfSize, panned.m_fR);
+  const CPicture recorded = FrameOf(view);
+  view.ResetCamera();
+  EXPECT_NE(FrameOf(view).m_aPixels, recorded.m_aPixels);
+  press(2);
+  ASSERT_TRUE(RunToolkitUntil([&] { return view.Camera().m_Centre == panned.m_Centre; }));
+  ASSERT_TRUE(IsDrawn());
+  EXPECT_EQ(FrameOf(view).m_aPixels, recorded.m_aPixels);
 }
 
 TEST_F(ToolSetTest, RecorderAsksThroughTheWindowAndExportsWhatTheViewDraws) {
