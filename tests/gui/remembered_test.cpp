@@ -6,22 +6,24 @@
 #include <utility>
 #include <vector>
 
+#include "support/FileBuilders.h"
 #include "support/gui/WindowTest.h"
 
 namespace {
 
 const char* const kFirstStep = HelpTextOf(HelpText::kFirstStep);
 
+// The toolkit goes round once.
+void GoRound() {
+  bool round = false;
+  RunToolkitUntil([&round] { return std::exchange(round, true); });
+}
+
 class FirstStepTest : public WindowTest {
  protected:
   FirstStepTest() { m_Window.ShowFirstStep(); }
 
   std::string Shown() { return HelpLine().value(); }
-  // The toolkit goes round once.
-  void GoRound() {
-    bool round = false;
-    RunToolkitUntil([&round] { return std::exchange(round, true); });
-  }
 };
 
 }  // namespace
@@ -118,6 +120,47 @@ TEST_F(RememberedTest, SwitchesHoldInTheNextRun) {
   EXPECT_TRUE(next.Has(MenuEntry::DebugInterface));
   EXPECT_EQ(next.m_Window.HelpLine().visible(), 0) << "what they switch is switched";
   EXPECT_NE(next.m_Window.GridView().DisplayFlags() & ModelFlag::kProportions, 0U);
+}
+
+TEST_F(RememberedTest, EveryMarkIsKeptByItself) {
+  Menu().Choose(MenuEntry::Remember);
+  const std::vector<MenuEntry> switches = CMainMenu::Switches();
+  for (const MenuEntry entry : switches) {
+    Menu().Choose(entry);
+    CNextRun next(m_File, m_Dialogs);
+    for (const MenuEntry other : switches)
+      EXPECT_EQ(next.Has(other), Menu().IsChecked(other))
+          << CMainMenu::TextOf(entry) << ", " << CMainMenu::TextOf(other);
+    EXPECT_EQ(next.m_Window.ShowsCoordinates(), entry == MenuEntry::Coordinates);
+    EXPECT_EQ(next.m_Window.ShowsDebugZone(), entry != MenuEntry::DebugInterface);
+    EXPECT_EQ(next.m_Grid.m_Grid.IsSettling(), entry == MenuEntry::SettleFloating);
+    next.m_Window.ShowFirstStep();
+    GoRound();
+    EXPECT_STREQ(next.m_Window.HelpLine().value(), kFirstStep) << CMainMenu::TextOf(entry);
+    Menu().Choose(entry);
+  }
+}
+
+// As with --defaults.
+TEST_F(RememberedTest, ARunThatReadsNothingLeavesWhatIsKeptAlone) {
+  Menu().Choose(MenuEntry::Remember);
+  Menu().Choose(MenuEntry::KeepProportions);
+  m_Window.KeepPlace();
+  const std::string kept = BytesOf(m_File);
+  CTestGrid grid;
+  CImageViewUI window(RegisterSolverTimer, &m_Dialogs);
+  window.Settings().KeepIn(m_File);
+  window.AttachGrid(grid.m_Grid);
+  EXPECT_FALSE(window.Menu().IsChecked(MenuEntry::KeepProportions));
+  window.Menu().Choose(MenuEntry::StatusBar);
+  window.Menu().Choose(MenuEntry::ClosedTears);
+  window.KeepPlace();
+  EXPECT_EQ(BytesOf(m_File), kept);
+  window.Menu().Choose(MenuEntry::Remember);
+  const CNextRun next(m_File, m_Dialogs);
+  EXPECT_TRUE(next.Has(MenuEntry::ClosedTears)) << "what holds now is what is wanted";
+  EXPECT_FALSE(next.Has(MenuEntry::KeepProportions));
+  EXPECT_FALSE(next.Has(MenuEntry::StatusBar));
 }
 
 TEST_F(RememberedTest, WhatTakesTheMouseOverBeginsSwitchedOff) {
