@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <utility>
 
 #include "insight/CGroups.h"
@@ -19,6 +20,36 @@ constexpr double kCancelled = 1e-8;
 // A piece moves with a direction that gives it more than this share of the length, and a direction is 0 below it. The
 // vectors are exact to some 1e-13.
 constexpr double kMoves = 1e-6;
+// What moves two regions, or a region and a point that tears have left over, by less than this leaves them apart.
+constexpr double kJoins = 1e-9;
+
+// The rows of the given pieces, one below the other.
+CSmallMatrix RowsOf(const CSmallMatrix& matrix, std::span<const std::size_t> pieces, std::size_t each) {
+  CSmallMatrix rows(each * pieces.size(), matrix.Columns());
+  for (std::size_t j = 0; j < matrix.Columns(); ++j) {
+    for (std::size_t k = 0; k < pieces.size(); ++k)
+      std::ranges::copy(matrix.Column(j).subspan(each * pieces[k], each), rows.Column(j).subspan(each * k).begin());
+  }
+  return rows;
+}
+
+// A column for each of those vectors whose image is longer than `least`: what `matrix` makes of it, over that length.
+CSmallMatrix ImagesOf(const CRightSingular& vectors, double least, const CSmallMatrix& matrix) {
+  std::vector<std::size_t> chosen;
+  for (std::size_t k = 0; k < vectors.m_afLengths.size(); ++k) {
+    if (vectors.m_afLengths[k] > least) chosen.push_back(k);
+  }
+  CSmallMatrix images(matrix.Rows(), chosen.size());
+  for (std::size_t k = 0; k < chosen.size(); ++k) {
+    matrix.Times(vectors.m_Vectors.Column(chosen[k]), images.Column(k));
+    for (double& value : images.Column(k)) value /= vectors.m_afLengths[chosen[k]];
+  }
+  return images;
+}
+
+double LengthOf(std::span<const double> values) {
+  return std::sqrt(std::transform_reduce(values.begin(), values.end(), values.begin(), 0.0));
+}
 
 }  // namespace
 
@@ -149,45 +180,111 @@ void CFreedom::DropSettled() {
   m_abSettled = std::move(settled);
 }
 
-CFreeGroup CFreedom::GroupOf(const CSystem& system, const CSmallMatrix& directions) const {
+// The directions in which regions move, a column each as null vectors are: those are perpendicular and of length 1 over
+// the regions, and move what tears have left over as little as that allows. What moves only such points is none.
+CSmallMatrix CFreedom::VisibleDirections(const CSystem& system) const {
+  const CSmallMatrix all = NullVectors(system);
+  return ImagesOf(FindRightSingular(RowsOf(all, RegionsOf(system), kOfPlane)), kMoves, all);
+}
+
+// Places in the system.
+std::vector<std::size_t> CFreedom::RegionsOf(const CSystem& system) const {
+  std::vector<std::size_t> regions;
+  for (std::size_t k = 0; k < system.m_auPieces.size(); ++k) {
+    if (m_Pieces[system.m_auPieces[k]].IsDrawn()) regions.push_back(k);
+  }
+  return regions;
+}
+
+// Of the visible directions those that move the given regions of the system, which no direction joins to others.
+CFreeGroup CFreedom::GroupOf(const CSystem& system, std::span<const std::size_t> regions,
+                             const CSmallMatrix& visible) const {
+  // Their lengths over these regions are 1, and those of all others 0.
+  const CSmallMatrix own = ImagesOf(FindRightSingular(RowsOf(visible, regions, kOfPlane)), 0.5, visible);
+  std::vector<std::size_t> places(regions.begin(), regions.end());
+  for (std::size_t k = 0; k < system.m_auPieces.size(); ++k) {
+    const std::array piece{k};
+    const CSmallMatrix rows = RowsOf(own, piece, kOfPlane);
+    double most = 0.0;
+    for (std::size_t d = 0; d < rows.Columns(); ++d) most = std::max(most, LengthOf(rows.Column(d)));
+    if (!m_Pieces[system.m_auPieces[k]].IsDrawn() && most > kJoins) places.push_back(k);
+  }
   CFreeGroup group;
-  group.m_auPieces = system.m_auPieces;
-  for (std::size_t d = 0; d < directions.Columns(); ++d) {
-    for (std::size_t k = 0; k < group.m_auPieces.size(); ++k) {
-      const double scale = ScaleOf(group.m_auPieces[k]);
-      group.m_aPlanes.push_back({m_Pieces[group.m_auPieces[k]].Middle(), directions.At(kOfPlane * k, d),
-                                 directions.At(kOfPlane * k + 1, d) / scale,
-                                 directions.At(kOfPlane * k + 2, d) / scale});
+  group.m_uRegions = regions.size();
+  for (const std::size_t k : places) group.m_auPieces.push_back(system.m_auPieces[k]);
+  for (std::size_t d = 0; d < own.Columns(); ++d) {
+    for (const std::size_t k : places) {
+      const std::uint32_t piece = system.m_auPieces[k];
+      const double scale = ScaleOf(piece);
+      group.m_aPlanes.push_back({m_Pieces[piece].Middle(), own.At(kOfPlane * k, d), own.At(kOfPlane * k + 1, d) / scale,
+                                 own.At(kOfPlane * k + 2, d) / scale});
     }
   }
+  group.m_bFollowsAnyPlane = FollowsAnyPlane(group);
   return group;
 }
 
-// Whether it makes nothing of one plane over all that it joins, whichever, and knows of nothing that is settled.
-bool CFreedom::AllowsAnyPlane(std::size_t equation) const {
-  const CPlanePoint origin = m_Pieces[PartsOf(equation).front().m_uPiece].Middle();
-  const double unit = ScaleOf(PartsOf(equation).front().m_uPiece);
-  std::array<double, kOfPlane> sum{};
-  for (const CPart& part : PartsOf(equation)) {
-    if (m_abSettled[part.m_uPiece]) return false;
-    const CPlanePoint middle = m_Pieces[part.m_uPiece].Middle();
-    const double scale = ScaleOf(part.m_uPiece);
-    sum[0] += part.m_afOf[0];
-    sum[1] += (part.m_afOf[0] * (middle.x - origin.x) + part.m_afOf[1] * scale) / unit;
-    sum[2] += (part.m_afOf[0] * (middle.y - origin.y) + part.m_afOf[2] * scale) / unit;
+// Whether each plane over all of its regions is a sum of its directions.
+bool CFreedom::FollowsAnyPlane(const CFreeGroup& group) const {
+  const CPlanePoint origin = m_Pieces[group.m_auPieces.front()].Middle();
+  const double unit = ScaleOf(group.m_auPieces.front());
+  for (const CPlane& plane :
+       {CPlane{origin, 1, 0, 0}, CPlane{origin, 0, 1 / unit, 0}, CPlane{origin, 0, 0, 1 / unit}}) {
+    double square = 0.0;
+    double reached = 0.0;
+    for (std::size_t d = 0; d < group.DirectionCount(); ++d) {
+      double product = 0.0;
+      for (std::size_t k = 0; k < group.m_uRegions; ++k) {
+        const CPlane& own = group.PlaneOf(d, k);
+        const double scale = ScaleOf(group.m_auPieces[k]);
+        product += own.m_fZ * plane.At(own.m_Place) + scale * scale * (own.m_fP * plane.m_fP + own.m_fQ * plane.m_fQ);
+      }
+      reached += product * product;
+    }
+    for (const std::uint32_t piece : group.Regions()) {
+      const double scale = ScaleOf(piece);
+      square += std::pow(plane.At(m_Pieces[piece].Middle()), 2) +
+                scale * scale * (plane.m_fP * plane.m_fP + plane.m_fQ * plane.m_fQ);
+    }
+    if (reached < (1.0 - kMoves) * square) return false;
   }
-  return std::ranges::all_of(sum, [](double value) { return std::abs(value) < kMoves; });
+  return true;
+}
+
+// Regions that a direction moves together are one group. What tears have left over between them joins nothing by
+// itself: where it can give way, regions on either side of it move freely.
+void CFreedom::AddGroups(const CSystem& system) {
+  const std::vector<std::size_t> regions = RegionsOf(system);
+  const CSmallMatrix visible = VisibleDirections(system);
+  CGroups joined(regions.size());
+  for (std::uint32_t a = 0; a < regions.size(); ++a) {
+    for (std::uint32_t b = a + 1; b < regions.size(); ++b) {
+      // How the nearest to a plane of the one that can be reached moves the other.
+      double square = 0.0;
+      for (std::size_t i = 0; i < kOfPlane; ++i) {
+        for (std::size_t j = 0; j < kOfPlane; ++j) {
+          double product = 0.0;
+          for (std::size_t d = 0; d < visible.Columns(); ++d)
+            product += visible.At(kOfPlane * regions[a] + i, d) * visible.At(kOfPlane * regions[b] + j, d);
+          square += product * product;
+        }
+      }
+      if (std::sqrt(square) > kJoins) joined.Join(a, b);
+    }
+  }
+  std::vector<std::vector<std::size_t>> members(regions.size());
+  for (std::uint32_t k = 0; k < regions.size(); ++k) members[joined.Of(k)].push_back(regions[k]);
+  for (const std::vector<std::size_t>& together : members) {
+    if (together.empty()) continue;
+    CFreeGroup group = GroupOf(system, together, visible);
+    if (!group.m_aPlanes.empty()) m_aGroups.push_back(std::move(group));
+  }
 }
 
 void CFreedom::FindGroups() {
   m_aGroups.clear();
-  for (const CSystem& system : Systems()) {
-    const CSmallMatrix directions = NullVectors(system);
-    if (directions.Columns() == 0) continue;
-    m_aGroups.push_back(GroupOf(system, directions));
-    m_aGroups.back().m_bFollowsAnyPlane =
-        std::ranges::all_of(system.m_auEquations, [this](std::size_t k) { return AllowsAnyPlane(k); });
-  }
+  for (const CSystem& system : Systems()) AddGroups(system);
+  std::ranges::sort(m_aGroups, {}, [](const CFreeGroup& group) { return group.m_auPieces.front(); });
 }
 
 // What the directions of a group do to one of its pieces, as perpendicular ones.
@@ -216,11 +313,9 @@ void CFreedom::FindRegions() {
     if (m_Pieces[piece].IsDrawn()) m_aRegions.push_back({piece, {}});
   }
   for (const CFreeGroup& group : m_aGroups) {
-    for (std::size_t k = 0; k < group.m_auPieces.size(); ++k) {
-      const auto region = std::ranges::lower_bound(m_aRegions, group.m_auPieces[k], {}, &CRegion::m_uPiece);
-      if (region != m_aRegions.end() && region->m_uPiece == group.m_auPieces[k])
-        region->m_aFree = FreePlanesOf(group, k);
-    }
+    for (std::size_t k = 0; k < group.m_uRegions; ++k)
+      std::ranges::lower_bound(m_aRegions, group.m_auPieces[k], {}, &CRegion::m_uPiece)->m_aFree =
+          FreePlanesOf(group, k);
   }
 }
 

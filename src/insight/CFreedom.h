@@ -25,21 +25,22 @@ struct CPlane {
   }
 };
 
-/// Pieces that can move without that any constraint, or any fairness curve, would notice, each as a plane. Curves may
-/// join them, so that they can move only together.
+/// Regions that can move without that any constraint, or any fairness curve, would notice, each as a plane. Curves may
+/// join them, so that they can move only together, and may tie points to them that tears have left over.
 struct CFreeGroup {
-  std::vector<std::uint32_t> m_auPieces;  ///< ascending; one of them at least is a region
+  std::vector<std::uint32_t> m_auPieces;  ///< its regions, ascending, and then other pieces that go along, ascending
+  std::size_t m_uRegions = 0;             ///< how many of them are regions, above 0; these are in no other group
   /// By direction, and within one in step with the pieces. Directions are perpendicular and of length 1 in the heights
-  /// of the planes at the middles of the pieces, and over half their longer sides.
+  /// of the planes at the middles of the regions, and over half their longer sides.
   std::vector<CPlane> m_aPlanes;
-  /// Whether all of it can follow any plane: no row acts on it, and nothing joins it to what is settled.
-  bool m_bFollowsAnyPlane = false;
+  bool m_bFollowsAnyPlane = false;  ///< whether all its regions can follow any one plane
 
   /// How many directions there are, and what one of them does to a piece, counted within the group.
   std::size_t DirectionCount() const { return m_aPlanes.size() / m_auPieces.size(); }
   const CPlane& PlaneOf(std::size_t direction, std::size_t piece) const {
     return m_aPlanes[direction * m_auPieces.size() + piece];
   }
+  std::span<const std::uint32_t> Regions() const { return std::span(m_auPieces).first(m_uRegions); }
 };
 
 /// A connected piece of the grid with a triangle that is drawn, and the planes by which it may move.
@@ -66,7 +67,7 @@ class CFreedom {
   const CPieces& Pieces() const { return m_Pieces; }
   /// All regions, in the order of their pieces.
   std::span<const CRegion> Regions() const { return m_aRegions; }
-  /// The groups that can move, in the order of their first pieces.
+  /// The groups that can move, in the order of their first regions.
   std::span<const CFreeGroup> Groups() const { return m_aGroups; }
 
  private:
@@ -90,8 +91,11 @@ class CFreedom {
   std::vector<CSystem> Systems() const;
   CSmallMatrix TriangleOf(const CSystem& system) const;
   CSmallMatrix NullVectors(const CSystem& system) const;
-  bool AllowsAnyPlane(std::size_t equation) const;
-  CFreeGroup GroupOf(const CSystem& system, const CSmallMatrix& directions) const;
+  std::vector<std::size_t> RegionsOf(const CSystem& system) const;
+  CSmallMatrix VisibleDirections(const CSystem& system) const;
+  CFreeGroup GroupOf(const CSystem& system, std::span<const std::size_t> regions, const CSmallMatrix& visible) const;
+  bool FollowsAnyPlane(const CFreeGroup& group) const;
+  void AddGroups(const CSystem& system);
   void DropSettled();
   void FindGroups();
   std::vector<CPlane> FreePlanesOf(const CFreeGroup& group, std::size_t k) const;

@@ -21,7 +21,7 @@ constexpr double kOpen = 1e-10;
 
 CExtent BoxAround(const CFreedom& freedom, const CFreeGroup& group) {
   CExtent box = freedom.Pieces()[group.m_auPieces.front()].m_Box;
-  for (const std::uint32_t piece : group.m_auPieces) {
+  for (const std::uint32_t piece : group.Regions()) {
     const CExtent& other = freedom.Pieces()[piece].m_Box;
     box = {std::min(box.x0, other.x0), std::max(box.x1, other.x1), std::min(box.y0, other.y0),
            std::max(box.y1, other.y1)};
@@ -79,7 +79,7 @@ void CSettler::Prepare(const CQuadTree& tree, const CPointOrder& order, const CG
   m_Freedom.Build(tree, order, rows, solver.CurveTerms());
   m_auPlaceInGroup.assign(m_Freedom.Pieces().Count(), 0);
   for (const CFreeGroup& group : m_Freedom.Groups()) {
-    for (std::size_t k = 0; k < group.m_auPieces.size(); ++k) m_auPlaceInGroup[group.m_auPieces[k]] = k;
+    for (std::size_t k = 0; k < group.m_uRegions; ++k) m_auPlaceInGroup[group.m_auPieces[k]] = k;
   }
   AddSteps(RanksOfPieces(m_Freedom));
   AddSlopes(tree, order);
@@ -101,14 +101,14 @@ void CSettler::AddSteps(std::span<const std::uint32_t> ranks) {
   }
   const auto rankOf = [&](const CStep& step) {
     std::uint32_t rank = kNotPlaced;
-    for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) rank = std::min(rank, ranks[piece]);
+    for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].Regions()) rank = std::min(rank, ranks[piece]);
     return rank;
   };
   std::ranges::sort(m_aSteps, {}, rankOf);
   // Which step a piece belongs to, none for what is settled.
   std::vector<CStep*> stepOf(pieces.Count(), nullptr);
   for (CStep& step : m_aSteps) {
-    for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) stepOf[piece] = &step;
+    for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].Regions()) stepOf[piece] = &step;
   }
   for (const CPieces::CJoint& cut : pieces.Cuts()) {
     const std::uint32_t a = pieces.PieceAt(cut.m_uA);
@@ -124,7 +124,7 @@ void CSettler::AddSlopes(const CQuadTree& tree, const CPointOrder& order) {
   const CPieces& pieces = m_Freedom.Pieces();
   std::vector<CStep*> stepOf(pieces.Count(), nullptr);
   for (CStep& step : m_aSteps) {
-    for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) {
+    for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].Regions()) {
       stepOf[piece] = &step;
       step.m_fArea += pieces[piece].m_fArea;
     }
@@ -148,7 +148,7 @@ double CSettler::SlopeOf(const CStep& step, std::size_t direction, const CPieces
 CSmallMatrix CSettler::FormOfSlopes(const CStep& step) const {
   const CFreeGroup& group = m_Freedom.Groups()[step.m_uGroup];
   CSmallMatrix form(group.DirectionCount(), group.DirectionCount());
-  for (const std::uint32_t piece : group.m_auPieces) {
+  for (const std::uint32_t piece : group.Regions()) {
     const CPieces::CPiece& of = m_Freedom.Pieces()[piece];
     const std::size_t k = m_auPlaceInGroup[piece];
     AddSquare(
@@ -172,7 +172,7 @@ CSmallMatrix CSettler::FormOfEdges(const CStep& step) const {
 
 CSmallMatrix CSettler::FormOfReference(const CStep& step, std::size_t& points) const {
   CSmallMatrix form(step.m_afStep.size(), step.m_afStep.size());
-  for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) {
+  for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].Regions()) {
     for (const std::uint32_t point : m_Freedom.Pieces().PointsOf(piece)) {
       if (std::isnan(m_afReference[point])) continue;
       const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(point);
@@ -274,7 +274,7 @@ void CSettler::FindGradients(CStep& step) const {
 
 void CSettler::FindReferenceGradient(CStep& step) const {
   std::ranges::fill(step.m_afOfReference, 0.0);
-  for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) {
+  for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].Regions()) {
     for (const std::uint32_t point : m_Freedom.Pieces().PointsOf(piece)) {
       if (std::isnan(m_afReference[point])) continue;
       const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(point);
@@ -298,13 +298,14 @@ void CSettler::FindStep(CStep& step, std::span<const CStage> stages) {
   }
 }
 
+// Points that tears have left over go along, perhaps with several groups.
 void CSettler::Take(const CStep& step) {
-  for (const std::uint32_t piece : m_Freedom.Groups()[step.m_uGroup].m_auPieces) {
-    for (const std::uint32_t point : m_Freedom.Pieces().PointsOf(piece)) {
+  const CFreeGroup& group = m_Freedom.Groups()[step.m_uGroup];
+  for (std::size_t k = 0; k < group.m_auPieces.size(); ++k) {
+    for (const std::uint32_t point : m_Freedom.Pieces().PointsOf(group.m_auPieces[k])) {
       const CPlanePoint& place = m_Freedom.Pieces().PlaceOf(point);
       double move = 0.0;
-      for (std::size_t d = 0; d < step.m_afStep.size(); ++d)
-        move -= step.m_afStep[d] * PlaneOf(step, d, point).At(place);
+      for (std::size_t d = 0; d < step.m_afStep.size(); ++d) move -= step.m_afStep[d] * group.PlaneOf(d, k).At(place);
       m_afMoves[point] += move;
       m_afHeights[point] += move;
     }

@@ -89,7 +89,7 @@ class CSettler {
 
   CFreedom m_Freedom;
   std::vector<CStep> m_aSteps;
-  std::vector<std::size_t> m_auPlaceInGroup;  ///< by piece of a group
+  std::vector<std::size_t> m_auPlaceInGroup;  ///< by piece; of a region in its group
   std::vector<double> m_afReference;          ///< heights by point, not a number for none; empty without a reference
   bool m_bFollowingStale = true;              ///< the steps know nothing of the reference
   // What it was prepared for.

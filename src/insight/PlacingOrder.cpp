@@ -37,7 +37,7 @@ CTearGraph::CTearGraph(const CFreedom& freedom)
       m_auTears(freedom.Pieces().Count(), kNotPlaced) {
   const CPieces& pieces = freedom.Pieces();
   for (const CFreeGroup& group : freedom.Groups()) {
-    for (const std::uint32_t piece : group.m_auPieces) {
+    for (const std::uint32_t piece : group.Regions()) {
       m_abFree[piece] = true;
       m_Nodes.Join(group.m_auPieces.front(), piece);
     }

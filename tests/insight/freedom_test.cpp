@@ -180,19 +180,32 @@ Matrix Directions(const CRandomModel& model) {
   return directions;
 }
 
-// Nothing in them is settled, and those that follow any plane are those of which no equation makes anything of one.
-void ExpectGroupsOf(const CRandomModel& model, const Matrix& equations, const Matrix& free) {
+// Nothing in them is settled, none has a part that moves by itself, and those that follow any plane are those of which
+// every plane over all their regions is free.
+void ExpectGroupsOf(const CRandomModel& model, const Matrix& free) {
+  std::vector<std::size_t> drawn;
+  for (const CRegion& region : model.m_Freedom.Regions()) {
+    const std::vector<std::size_t> points = PointsOf(model.m_Freedom, region.m_uPiece);
+    drawn.insert(drawn.end(), points.begin(), points.end());
+  }
+  Eigen::Index rank = 0;
   for (const CFreeGroup& group : model.m_Freedom.Groups()) {
     std::vector<std::vector<std::size_t>> whole(1);
-    for (const std::uint32_t piece : group.m_auPieces) {
+    for (const std::uint32_t piece : group.m_auPieces)
+      RC_ASSERT(Restricted(free, PointsOf(model.m_Freedom, piece)).norm() > kMoves);
+    for (const std::uint32_t piece : group.Regions()) {
       const std::vector<std::size_t> points = PointsOf(model.m_Freedom, piece);
-      RC_ASSERT(Restricted(free, points).norm() > kMoves);
       whole.front().insert(whole.front().end(), points.begin(), points.end());
     }
-    const Matrix image = equations * PlanesOf(model, whole);
-    const double most = image.size() > 0 ? image.cwiseAbs().maxCoeff() : 0;
-    RC_ASSERT(group.m_bFollowsAnyPlane == (most < kFree));
+    const Matrix own = Restricted(free, whole.front());
+    RC_ASSERT(RankOf(own, kMoves) == At(group.DirectionCount()));
+    rank += At(group.DirectionCount());
+    const Matrix planes = Restricted(PlanesOf(model, whole), whole.front());
+    Matrix with(own.rows(), own.cols() + planes.cols());
+    with << own, planes;
+    RC_ASSERT(group.m_bFollowsAnyPlane == (RankOf(with, kMoves) == At(group.DirectionCount())));
   }
+  RC_ASSERT(rank == RankOf(Restricted(free, drawn), kMoves));
 }
 
 RC_GTEST_PROP(Freedom, AgreesWithADenseDecomposition, ()) {
@@ -218,7 +231,7 @@ RC_GTEST_PROP(Freedom, AgreesWithADenseDecomposition, ()) {
     }
     RC_ASSERT(RankOf(with, kMoves) == At(region.m_aFree.size()));
   }
-  ExpectGroupsOf(model, equations, free);
+  ExpectGroupsOf(model, free);
   const Matrix directions = Directions(model);
   RC_ASSERT(RankOf(Restricted(directions, drawn), kMoves) == RankOf(Restricted(free, drawn), kMoves));
   const Matrix missed = equations * directions;
