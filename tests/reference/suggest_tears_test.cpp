@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <limits>
 #include <numbers>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -198,6 +200,67 @@ TEST(SuggestTearsTest, APhotographSaysWhereTheEdgeIs) {
   for (const CPlanePoint& p : proposals[0].m_aPoints) EXPECT_NEAR(p.x, 100 * kEdge, 0.12) << p.y;
   const std::vector<CTearProposal> bare = Suggest(map, 1);
   for (const CPlanePoint& p : bare[0].m_aPoints) EXPECT_NEAR(p.x, 50, 0.12);
+}
+
+// A map whose values along its width are those of a profile over the columns. Its range is 0 to 1 whatever that says:
+// in a corner, which nothing borders on, are these two.
+template <typename Profile>
+CDepthMap ProfileMap(int width, int height, const Profile& profile) {
+  constexpr int kCorner = 3;
+  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+  return DepthMapOf(width, height, [&](double u, double v) -> double {
+    const double column = u * width - 0.5;
+    const double row = v * height - 0.5;
+    if (row >= height - kCorner && column < 2 * kCorner) return column < kCorner ? 0 : row > height - 2 ? 1 : kNone;
+    return row >= height - 2 * kCorner ? kNone : profile(column);
+  });
+}
+
+std::vector<CTearProposal> SuggestFrom(const CDepthMap& map, double share) {
+  return SuggestTears(CDepthReading(map, false), {.m_iCount = 100, .m_fShare = share}, CExtent{}, nullptr);
+}
+
+// Small steps over and between the levels.
+TEST(SuggestTearsTest, LevelsAreSixteenthsOfTheRange) {
+  for (int level = 0; level < 16; ++level) {
+    for (const auto& [low, high, count] : {std::tuple(-0.008, 0.008, level == 0 ? 0U : 1U), {0.003, 0.0595, 0U}}) {
+      const double below = std::max(level / 16.0 + low, 0.0);
+      const double above = level / 16.0 + high;
+      const CDepthMap map = ProfileMap(200, 60, [&](double column) { return column < 100 ? below : above; });
+      EXPECT_EQ(SuggestFrom(map, 0.005).size(), count) << level << ' ' << below << ' ' << above;
+    }
+  }
+}
+
+// A slope as wide as that many pixels, of which 20 are within a hundredth of the larger side, to either side.
+TEST(SuggestTearsTest, TheRangeIsThatWithinAHundredthOfTheLargerSide) {
+  for (const auto& [width, found] : {std::pair(278, true), {292, false}}) {
+    const auto slope = [&](double place) { return std::clamp((place - 300) / width, 0.0, 1.0); };
+    const auto alongX = [&](double u, double) { return slope(1000 * u - 0.5); };
+    const auto alongY = [&](double, double v) { return slope(1000 * v - 0.5); };
+    EXPECT_EQ(!Suggest(DepthMapOf(1000, 60, alongX), 10).empty(), found) << width;
+    EXPECT_EQ(!Suggest(DepthMapOf(60, 1000, alongY), 10).empty(), found) << width;
+  }
+}
+
+// A gentle slope crosses the level, and a step that crosses none is beside it: of 1000 columns 5 are within reach.
+TEST(SuggestTearsTest, PointsMoveByHalfAPercentOfTheLargerSide) {
+  for (const auto& [step, away, moved] :
+       {std::tuple(505.5, 4.5, 4.5), {494.5, -4.5, -4.5}, {505.5, 5.75, 5.0}, {494.5, -5.75, -5.0}}) {
+    const double crossing = step - away;
+    const double height = std::copysign(0.035, away);
+    const auto profile = [&, step = step, away = away](double column) {
+      const bool beyond = away > 0 ? column > step : column < step;
+      return 0.5 + 0.002 * std::clamp(column - crossing, -10.0, 10.0) + (beyond ? height : 0.0);
+    };
+    const std::vector<CTearProposal> tears = SuggestFrom(ProfileMap(1000, 60, profile), 0.03);
+    ASSERT_EQ(tears.size(), 1U) << away;
+    for (const CPlanePoint& p : tears[0].m_aPoints) {
+      // Beside pixels without a value there is no gradient.
+      if (p.y > 88) continue;
+      EXPECT_NEAR(10 * p.x - 0.5, crossing + moved, 0.2) << away;
+    }
+  }
 }
 
 TEST(SuggestTearsTest, HolesHaveNoGapsAroundThem) {
