@@ -38,16 +38,28 @@ double SceneAt(double u, double v) {
   return IsOnBoard(u, v) ? 8 - v : 1.5 * v;
 }
 
+// Calls `add` with the share of the way at its beginning and after each tenth of a pixel.
+template <typename Add>
+void ForTenths(double lengthInPixels, const Add& add) {
+  const int count = std::max(1, static_cast<int>(std::ceil(10 * lengthInPixels)));
+  for (int k = 0; k < count; ++k) add(static_cast<double>(k) / count);
+}
+
 // The places where the scene has its gaps, every tenth of a pixel, model units.
 Places TrueGaps() {
   Places gaps;
-  constexpr double kStep = 0.1 / kSize;
-  for (double angle = 0; angle < 2 * std::numbers::pi; angle += kStep / kRadius)
+  ForTenths(2 * std::numbers::pi * kRadius * kSize, [&](double share) {
+    const double angle = 2 * std::numbers::pi * share;
     gaps.push_back({100 * (kDisc.x + kRadius * std::cos(angle)), 100 * (kDisc.y + kRadius * std::sin(angle))});
-  for (double u = 0.62; u < 0.88; u += kStep)
+  });
+  ForTenths((0.88 - 0.62) * kSize, [&](double share) {
+    const double u = 0.62 + share * (0.88 - 0.62);
     for (const double low : {0.05, 0.6}) gaps.push_back({100 * u, 100 * (low + 0.3 * u)});
-  for (double v = 0.05; v < 0.6; v += kStep)
+  });
+  ForTenths((0.6 - 0.05) * kSize, [&](double share) {
+    const double v = 0.05 + share * (0.6 - 0.05);
     for (const double u : {0.62, 0.88}) gaps.push_back({100 * u, 100 * (v + 0.3 * u)});
+  });
   return gaps;
 }
 
@@ -58,9 +70,10 @@ Places Traced(const std::vector<CTearProposal>& proposals) {
     const Places& points = proposal.m_aPoints;
     for (std::size_t k = proposal.m_bClosed ? 0 : 1; k < points.size(); ++k) {
       const CPlanePoint& a = k == 0 ? points.back() : points[k - 1];
-      const double length = std::hypot(points[k].x - a.x, points[k].y - a.y);
-      for (double t = 0; t < length; t += 0.1 * kPixel)
-        places.push_back({a.x + t / length * (points[k].x - a.x), a.y + t / length * (points[k].y - a.y)});
+      const CPlanePoint& b = points[k];
+      ForTenths(std::hypot(b.x - a.x, b.y - a.y) / kPixel, [&](double share) {
+        places.push_back({a.x + share * (b.x - a.x), a.y + share * (b.y - a.y)});
+      });
     }
   }
   return places;
@@ -235,7 +248,7 @@ TEST(SuggestTearsTest, LevelsAreSixteenthsOfTheRange) {
 // A slope as wide as that many pixels, of which 20 are within a hundredth of the larger side, to either side.
 TEST(SuggestTearsTest, TheRangeIsThatWithinAHundredthOfTheLargerSide) {
   for (const auto& [width, found] : {std::pair(278, true), {292, false}}) {
-    const auto slope = [&](double place) { return std::clamp((place - 300) / width, 0.0, 1.0); };
+    const auto slope = [width = width](double place) { return std::clamp((place - 300) / width, 0.0, 1.0); };
     const auto alongX = [&](double u, double) { return slope(1000 * u - 0.5); };
     const auto alongY = [&](double, double v) { return slope(1000 * v - 0.5); };
     EXPECT_EQ(!Suggest(DepthMapOf(1000, 60, alongX), 10).empty(), found) << width;
