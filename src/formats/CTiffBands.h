@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/RawBytes.h"
 #include "formats/CTiffFile.h"
-#include "formats/RawBytes.h"
 
 /// How the samples of a TIFF are stored.
 struct CTiffLayout {

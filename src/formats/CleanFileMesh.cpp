@@ -1,6 +1,7 @@
 #include "formats/CleanFileMesh.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <functional>
 #include <limits>
@@ -59,6 +60,27 @@ CPoint DirectionOf(const Vector3& area) {
   return length > 0 ? Written((1.0 / length) * area) : CPoint{0, 0, 1};
 }
 
+/// The same of many, step by step, so that the processor takes more than one root or quotient at a time.
+class CDirections {
+ public:
+  static constexpr std::size_t kAtOnce = 64;
+  using CAreas = std::span<const Vector3, kAtOnce>;
+  using CNormals = std::span<CPoint, kAtOnce>;
+
+  void Find(CAreas areas, CNormals normals) {
+    for (std::size_t k = 0; k < kAtOnce; ++k)
+      m_afLength[k] = areas[k].x * areas[k].x + areas[k].y * areas[k].y + areas[k].z * areas[k].z;
+    for (std::size_t k = 0; k < kAtOnce; ++k) m_afLength[k] = std::sqrt(m_afLength[k]);
+    for (std::size_t k = 0; k < kAtOnce; ++k) m_afShare[k] = 1.0 / m_afLength[k];
+    for (std::size_t k = 0; k < kAtOnce; ++k)
+      normals[k] = m_afLength[k] > 0 ? Written(m_afShare[k] * areas[k]) : CPoint{0, 0, 1};
+  }
+
+ private:
+  std::array<double, kAtOnce> m_afLength{};
+  std::array<double, kAtOnce> m_afShare{};
+};
+
 void AddArea(const CFileMesh& mesh, const CTriangle& triangle, std::span<Vector3> sums) {
   const Vector3 area = AreaOf(mesh, triangle);
   for (const std::uint32_t v : triangle) sums[v] += area;
@@ -113,8 +135,10 @@ class CSmoothNormals {
   /// The first triangles are those of `fans`, and the first vertices `corners`, as CCleanMesh has them.
   CSmoothNormals(CFileMesh& mesh, std::size_t corners, std::size_t fans)
       : m_Mesh(mesh), m_uCorners(corners), m_uFans(fans) {
-    ReserveLarge(m_aSums, mesh.m_aPositions.size());
-    m_aSums.resize(mesh.m_aPositions.size());
+    // Only what is not whole leaves, if anything is, adds to sums at other vertices than corners.
+    const std::size_t sums = fans < mesh.m_aTriangles.size() ? mesh.m_aPositions.size() : corners;
+    ReserveLarge(m_aSums, sums);
+    m_aSums.resize(sums);
   }
 
   /// False, and not all, where `steps` do not go on.
@@ -125,13 +149,11 @@ class CSmoothNormals {
     normals.resize(m_uCorners);
     const auto add = [this](std::size_t begin, std::size_t end) { AddTriangles(begin, end); };
     if (!steps.Part(0, kSummed).ForBlocks(m_Mesh.m_aTriangles.size(), add)) return false;
+    FinishCentres();
     normals.resize(m_Mesh.m_aPositions.size());
-    const auto finish = [&](std::size_t begin, std::size_t end) {
-      for (std::size_t v = begin; v < end; ++v) {
-        if (v < m_uCorners || normals[v] == kNotYet) normals[v] = DirectionOf(m_aSums[v]);
-      }
-    };
-    return steps.Part(kSummed, 1).ForBlocks(normals.size(), finish);
+    return steps.Part(kSummed, 1).ForBlocks(m_aSums.size(), [this](std::size_t begin, std::size_t end) {
+      FinishSums(begin, end);
+    });
   }
 
  private:
@@ -144,14 +166,39 @@ class CSmoothNormals {
       const std::uint32_t centre = triangles[t][2];
       std::size_t behind = t + 1;
       while (behind < m_uFans && triangles[behind][2] == centre) ++behind;
-      const Vector3 whole = AddFan(m_Mesh, triangles.subspan(t, behind - t), sums);
-      m_Mesh.m_aNormals.resize(std::max<std::size_t>(m_Mesh.m_aNormals.size(), centre));
-      m_Mesh.m_aNormals.push_back(DirectionOf(whole));
+      // Centres between come later.
+      if (centre != m_Mesh.m_aNormals.size() + m_uWaiting) {
+        FinishCentres();
+        m_Mesh.m_aNormals.resize(centre);
+      }
+      m_aWaiting[m_uWaiting++] = AddFan(m_Mesh, triangles.subspan(t, behind - t), sums);
+      if (m_uWaiting == m_aWaiting.size()) FinishCentres();
       t = behind;
     }
     m_uNext = t;
     for (; t < end; ++t) AddArea(m_Mesh, triangles[t], sums);
     m_uNext = t;
+  }
+
+  // The normals of the centres that wait, which are the next ones.
+  void FinishCentres() {
+    std::array<CPoint, CDirections::kAtOnce> found{};
+    m_Directions.Find(m_aWaiting, found);
+    m_Mesh.m_aNormals.insert(m_Mesh.m_aNormals.end(), found.begin(),
+                             found.begin() + static_cast<std::ptrdiff_t>(m_uWaiting));
+    m_uWaiting = 0;
+  }
+
+  void FinishSums(std::size_t begin, std::size_t end) {
+    std::vector<CPoint>& normals = m_Mesh.m_aNormals;
+    const std::size_t corners = std::min(end, m_uCorners);
+    for (; begin + CDirections::kAtOnce <= corners; begin += CDirections::kAtOnce) {
+      m_Directions.Find(CDirections::CAreas(&m_aSums[begin], CDirections::kAtOnce),
+                        CDirections::CNormals(&normals[begin], CDirections::kAtOnce));
+    }
+    for (; begin < end; ++begin) {
+      if (begin < m_uCorners || normals[begin] == kNotYet) normals[begin] = DirectionOf(m_aSums[begin]);
+    }
   }
 
   static constexpr CPoint kNotYet{};
@@ -161,6 +208,9 @@ class CSmoothNormals {
   std::size_t m_uFans;
   std::size_t m_uNext = 0;  ///< triangle
   std::vector<Vector3> m_aSums;
+  std::array<Vector3, CDirections::kAtOnce> m_aWaiting{};  ///< sums at centres whose normals come next
+  std::size_t m_uWaiting = 0;
+  CDirections m_Directions;
 };
 
 // Each with corners of its own, so that the edge between surface and wall stays sharp.

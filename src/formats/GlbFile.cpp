@@ -61,17 +61,37 @@ json Accessor(std::size_t view, int component, std::size_t count, const char* ty
   return {{"bufferView", view}, {"componentType", component}, {"count", count}, {"type", type}};
 }
 
-// The least and the greatest of each coordinate, as the format wants them of positions.
-void AddBounds(std::span<const std::array<float, 3>> positions, json& accessor) {
+// Four positions at a time, which the processor takes together.
+std::array<std::array<float, 3>, 2> BoundsOf(std::span<const std::array<float, 3>> positions) {
   constexpr float kFar = std::numeric_limits<float>::max();
-  std::array<float, 3> low{kFar, kFar, kFar};
-  std::array<float, 3> high{-kFar, -kFar, -kFar};
-  for (const std::array<float, 3>& p : positions) {
-    for (std::size_t k = 0; k < p.size(); ++k) {
-      low[k] = std::min(low[k], p[k]);
-      high[k] = std::max(high[k], p[k]);
+  constexpr std::size_t kAtOnce = 12;
+  std::array<float, kAtOnce> low{};
+  std::array<float, kAtOnce> high{};
+  low.fill(kFar);
+  high.fill(-kFar);
+  const std::span numbers(positions.data()->data(), 3 * positions.size());
+  const std::size_t whole = numbers.size() / kAtOnce * kAtOnce;
+  for (std::size_t at = 0; at < whole; at += kAtOnce) {
+    for (std::size_t k = 0; k < kAtOnce; ++k) {
+      const float number = numbers[at + k];
+      low[k] = number < low[k] ? number : low[k];
+      high[k] = number > high[k] ? number : high[k];
     }
   }
+  for (std::size_t at = whole; at < numbers.size(); ++at) {
+    low[at - whole] = std::min(low[at - whole], numbers[at]);
+    high[at - whole] = std::max(high[at - whole], numbers[at]);
+  }
+  for (std::size_t k = 3; k < kAtOnce; ++k) {
+    low[k % 3] = std::min(low[k % 3], low[k]);
+    high[k % 3] = std::max(high[k % 3], high[k]);
+  }
+  return {{{low[0], low[1], low[2]}, {high[0], high[1], high[2]}}};
+}
+
+// The least and the greatest of each coordinate, as the format wants them of positions.
+void AddBounds(std::span<const std::array<float, 3>> positions, json& accessor) {
+  const auto [low, high] = BoundsOf(positions);
   const std::array<float, 3> a = Turned(low, UpAxis::Y);
   const std::array<float, 3> b = Turned(high, UpAxis::Y);
   // One axis is turned round.
@@ -106,7 +126,7 @@ json Accessors(const CFileMesh& mesh, CChunkLayout& chunk) {
 }
 
 // The numbers themselves, in that order; false where the steps do not go on.
-bool PutNumbers(const CFileMesh& mesh, const CExportSteps& steps, const ByteSink& sink) {
+bool PutNumbers(const CFileMesh& mesh, const CExportSteps& steps, CByteSink& sink) {
   const std::size_t vertices = mesh.m_aPositions.size();
   const auto turned = [](const std::vector<std::array<float, 3>>& rows) {
     return [&rows](std::size_t v, char* out) { return PutRaw(Turned(rows[v], UpAxis::Y), out); };
@@ -115,14 +135,15 @@ bool PutNumbers(const CFileMesh& mesh, const CExportSteps& steps, const ByteSink
   const auto place = [&mesh](std::size_t v, char* out) {
     return PutRaw(std::array{mesh.m_aPicturePlaces[v][0], 1 - mesh.m_aPicturePlaces[v][1]}, out);
   };
-  // These are in memory as they are in the file.
+  // These are in memory as they are in the file, from where many at once need no copying.
+  constexpr std::size_t kTrianglesAtOnce = std::size_t{1} << 19;
   const auto triangles = [&](std::size_t begin, std::size_t end) {
-    sink({reinterpret_cast<const char*>(mesh.m_aTriangles.data() + begin), (end - begin) * kTriple});
+    sink.Put({reinterpret_cast<const char*>(mesh.m_aTriangles.data() + begin), (end - begin) * kTriple});
   };
   return PutRecords(vertices, kTriple, steps.Part(0, 0.2), turned(mesh.m_aPositions), sink) &&
          PutRecords(vertices, kTriple, steps.Part(0.2, 0.4), turned(mesh.m_aNormals), sink) &&
          PutRecords(vertices, kPair, steps.Part(0.4, 0.5), place, sink) &&
-         steps.Part(0.5, 0.9).ForBlocks(mesh.m_aTriangles.size(), triangles);
+         steps.Part(0.5, 0.9).ForBlocks(mesh.m_aTriangles.size(), triangles, kTrianglesAtOnce);
 }
 
 json Document(const CFileMesh& mesh, const CEncodedPicture& picture, const std::string& name, CChunkLayout& chunk) {
@@ -165,11 +186,10 @@ std::optional<std::string> GlbHeadOf(const CFileMesh& mesh, const CEncodedPictur
   return head.Take() + text + binary.Bytes();
 }
 
-bool PutGlbBody(const CFileMesh& mesh, const CEncodedPicture& picture, const ByteSink& sink,
-                const CExportSteps& steps) {
+bool PutGlbBody(const CFileMesh& mesh, const CEncodedPicture& picture, CByteSink& sink, const CExportSteps& steps) {
   if (!PutNumbers(mesh, steps, sink)) return false;
-  sink(picture.m_Bytes);
-  sink(std::string(Aligned(picture.m_Bytes.size()) - picture.m_Bytes.size(), '\0'));
+  sink.Put(picture.m_Bytes);
+  sink.Put(std::string(Aligned(picture.m_Bytes.size()) - picture.m_Bytes.size(), '\0'));
   return steps.Goes(1);
 }
 
@@ -181,8 +201,8 @@ std::optional<std::string> GlbOf(const CFileMesh& mesh, const CEncodedPicture& p
   ReserveLarge(bytes, head->size() + mesh.m_aPositions.size() * (2 * kTriple + kPair) +
                           mesh.m_aTriangles.size() * kTriple + Aligned(picture.m_Bytes.size()));
   bytes = *head;
-  if (!PutGlbBody(
-          mesh, picture, [&bytes](std::string_view piece) { bytes += piece; }, steps))
-    return {};
+  CByteSink sink([&bytes](std::string_view block) { bytes += block; });
+  if (!PutGlbBody(mesh, picture, sink, steps)) return {};
+  sink.Flush();
   return bytes;
 }

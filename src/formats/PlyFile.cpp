@@ -42,12 +42,11 @@ char* PutVertex(const CFileMesh& mesh, std::size_t v, const CPicture& picture, U
 
 }  // namespace
 
-bool PutPly(const CFileMesh& mesh, const CPicture& picture, UpAxis up, const ByteSink& sink,
-            const CExportSteps& steps) {
+bool PutPly(const CFileMesh& mesh, const CPicture& picture, UpAxis up, CByteSink& sink, const CExportSteps& steps) {
   constexpr std::size_t kNumbers = 8 * sizeof(float);
   constexpr std::size_t kFace = 1 + 3 * sizeof(std::uint32_t);
   const bool colours = !picture.m_aPixels.empty();
-  sink(Header(mesh, colours));
+  sink.Put(Header(mesh, colours));
   const auto putVertex = [&](std::size_t v, char* out) { return PutVertex(mesh, v, picture, up, out); };
   const auto putFace = [&](std::size_t t, char* out) {
     *out = 3;

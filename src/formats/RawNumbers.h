@@ -4,9 +4,9 @@
 #include <bit>
 #include <cstddef>
 #include <cstring>
-#include <string>
+#include <span>
 
-#include "base/ByteSink.h"
+#include "base/CByteSink.h"
 #include "base/ExportProgress.h"
 
 static_assert(std::endian::native == std::endian::little, "numbers go into files as they are in memory");
@@ -19,18 +19,17 @@ char* PutRaw(const Value& value, char* out) {
   return out + sizeof(value);
 }
 
-/// Gives records of `size` bytes each, which `put(index, out)` writes; it gives the place behind them. A few at a time
-/// are written, which stay near the processor. False where the steps do not go on.
+/// Gives records of `size` bytes each, at most CByteSink::kLeastRoom, which `put(index, out)` writes; it gives the
+/// place behind them. False where the steps do not go on.
 template <typename Put>
-bool PutRecords(std::size_t count, std::size_t size, const CExportSteps& steps, const Put& put, const ByteSink& sink) {
-  // Whole pages, whatever the size.
-  constexpr std::size_t kAtOnce = 4096;
-  std::string few(std::min(count, kAtOnce) * size, '\0');
+bool PutRecords(std::size_t count, std::size_t size, const CExportSteps& steps, const Put& put, CByteSink& sink) {
   return steps.ForBlocks(count, [&](std::size_t begin, std::size_t end) {
-    for (std::size_t first = begin; first < end; first += kAtOnce) {
-      char* out = few.data();
-      for (std::size_t k = first; k < std::min(end, first + kAtOnce); ++k) out = put(k, out);
-      sink({few.data(), static_cast<std::size_t>(out - few.data())});
+    while (begin < end) {
+      const std::span<char> room = sink.Room();
+      const std::size_t behind = std::min(end, begin + room.size() / size);
+      char* out = room.data();
+      for (; begin < behind; ++begin) out = put(begin, out);
+      sink.Filled(static_cast<std::size_t>(out - room.data()));
     }
   });
 }

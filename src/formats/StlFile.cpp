@@ -49,12 +49,12 @@ std::string HeaderOf(const CFileMesh& mesh) {
 
 }  // namespace
 
-bool PutStl(const CFileMesh& mesh, UpAxis up, const ByteSink& sink, const CExportSteps& steps) {
+bool PutStl(const CFileMesh& mesh, UpAxis up, CByteSink& sink, const CExportSteps& steps) {
   constexpr std::size_t kTriangle = 12 * sizeof(float) + sizeof(std::uint16_t);
   std::string head = HeaderOf(mesh);
   head.resize(kHeader + sizeof(std::uint32_t));
   PutRaw(static_cast<std::uint32_t>(mesh.m_aTriangles.size()), head.data() + kHeader);
-  sink(head);
+  sink.Put(head);
   const auto put = [&](std::size_t t, char* out) {
     const CPoint& a = mesh.m_aPositions[mesh.m_aTriangles[t][0]];
     const CPoint& b = mesh.m_aPositions[mesh.m_aTriangles[t][1]];

@@ -27,7 +27,7 @@ CExportSteps EncodingMesh(const CExportSettings& settings) { return Encoding(set
 
 // A file whose bytes are made while they are written.
 CSaveOutcome SavePut(const std::string& filename, const CExportSettings& settings,
-                     std::function<bool(const ByteSink&)> put) {
+                     std::function<bool(CByteSink&)> put) {
   return SaveExport(std::array{CNewFile{filename, {}, std::move(put)}}, settings);
 }
 
@@ -43,8 +43,8 @@ CSaveOutcome WriteGlb(const CGrid& grid, const std::string& filename, const CExp
   if (!EncodingPicture(settings).Goes(1)) return Cancelled(filename);
   const std::optional<std::string> head = GlbHeadOf(mesh, picture, NameOf(filename, settings));
   if (!head.has_value()) return {"The model is too large for the format. The file " + filename + " is not written."};
-  return SavePut(filename, settings, [&](const ByteSink& sink) {
-    sink(*head);
+  return SavePut(filename, settings, [&](CByteSink& sink) {
+    sink.Put(*head);
     return PutGlbBody(mesh, picture, sink, Writing(settings));
   });
 }
@@ -124,14 +124,14 @@ CSaveOutcome WritePly(const CGrid& grid, const std::string& filename, const CExp
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
   const CPicture& picture = settings.m_pPictures->Pixels(settings.m_Texture, EncodingPicture(settings));
   return SavePut(filename, settings,
-                 [&](const ByteSink& sink) { return PutPly(mesh, picture, *settings.m_Up, sink, Writing(settings)); });
+                 [&](CByteSink& sink) { return PutPly(mesh, picture, *settings.m_Up, sink, Writing(settings)); });
 }
 
 CSaveOutcome WriteStl(const CGrid& grid, const std::string& filename, const CExportSettings& settings) {
   const CFileMesh mesh = MeshOf(grid, ExportContent::Solid, settings, MakingMesh(settings));
   if (const auto refused = Refused(mesh, filename, settings)) return *refused;
   return SavePut(filename, settings,
-                 [&](const ByteSink& sink) { return PutStl(mesh, *settings.m_Up, sink, Writing(settings)); });
+                 [&](CByteSink& sink) { return PutStl(mesh, *settings.m_Up, sink, Writing(settings)); });
 }
 
 // Of the last part of a path; a file whose whole name is a suffix has none.

@@ -8,8 +8,8 @@
 #include <webp/decode.h>
 #include <webp/demux.h>
 
+#include "base/RawBytes.h"
 #include "formats/Orientation.h"
-#include "formats/RawBytes.h"
 
 namespace {
 

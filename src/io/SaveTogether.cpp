@@ -98,7 +98,10 @@ bool WriteInBlocks(std::string_view bytes, CFileReplacement& replacement, CWritt
 
 bool WriteContents(const CNewFile& file, CFileReplacement& replacement, CWrittenShare& share) {
   if (!file.m_Put) return WriteInBlocks(file.m_Bytes, replacement, share);
-  return file.m_Put([&replacement](std::string_view piece) { WritePiece(piece, replacement); });
+  CByteSink sink([&replacement](std::string_view block) { WritePiece(block, replacement); });
+  if (!file.m_Put(sink)) return false;
+  sink.Flush();
+  return true;
 }
 
 CSaveOutcome CommitAll(std::span<const CNewFile> files, std::list<CFileReplacement>& replacements) {

@@ -4,7 +4,7 @@
 #include <span>
 #include <string>
 
-#include "base/ByteSink.h"
+#include "base/CByteSink.h"
 #include "model/CSaveOutcome.h"
 
 /// A file that is to be written.
@@ -12,7 +12,7 @@ struct CNewFile {
   std::string m_Name;
   std::string m_Bytes;
   /// Gives the bytes while they are written, in place of those; false where the rest is not wanted any more.
-  std::function<bool(const ByteSink&)> m_Put = {};
+  std::function<bool(CByteSink&)> m_Put = {};
 };
 
 /// The outcome of a file that is not wanted any more.

@@ -266,8 +266,7 @@ TEST(ObjTest, IsReadFromAFolderWithItsTexture) {
 
 TEST(PlyTest, HoldsTheMeshWithItsColours) {
   const CFileMesh mesh = Roof();
-  std::string bytes;
-  PutPly(mesh, FourColours(), UpAxis::Z, AppendTo(bytes));
+  const std::string bytes = BytesPut([&](CByteSink& sink) { PutPly(mesh, FourColours(), UpAxis::Z, sink); });
   std::size_t at = bytes.find("end_header\n") + 11;
   EXPECT_EQ(
       bytes.substr(0, at),
@@ -293,8 +292,7 @@ TEST(PlyTest, HoldsTheMeshWithItsColours) {
 }
 
 TEST(PlyTest, WithoutAPictureHasNoColours) {
-  std::string bytes;
-  PutPly(Roof(), {}, UpAxis::Y, AppendTo(bytes));
+  const std::string bytes = BytesPut([](CByteSink& sink) { PutPly(Roof(), {}, UpAxis::Y, sink); });
   EXPECT_EQ(bytes.find("uchar red"), std::string::npos);
   std::size_t at = bytes.find("end_header\n") + 11;
   EXPECT_EQ(bytes.size() - at, 6 * 32U + 4 * 13U);

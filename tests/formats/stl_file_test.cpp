@@ -22,9 +22,7 @@
 namespace {
 
 std::string StlBytes(const CFileMesh& mesh, UpAxis up) {
-  std::string bytes;
-  PutStl(mesh, up, AppendTo(bytes));
-  return bytes;
+  return BytesPut([&](CByteSink& sink) { PutStl(mesh, up, sink); });
 }
 
 // The roof closed to a solid.

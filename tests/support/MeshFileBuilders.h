@@ -27,9 +27,14 @@ inline CFileMesh Roof() {
   return mesh;
 }
 
-/// A sink that appends to `bytes`.
-inline ByteSink AppendTo(std::string& bytes) {
-  return [&bytes](std::string_view piece) { bytes += piece; };
+/// What `put(sink)` gives.
+template <typename Put>
+std::string BytesPut(const Put& put) {
+  std::string bytes;
+  CByteSink sink([&bytes](std::string_view block) { bytes += block; });
+  put(sink);
+  sink.Flush();
+  return bytes;
 }
 
 /// The number at a place, which goes on behind it.
