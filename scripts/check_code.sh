@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # scripts/check_code.sh
-# What machines say of the whole tree without running it: shellcheck, another compiler, clang-tidy.
+# What machines say of the whole tree without running it: shellcheck, and clang-tidy, which reports the warnings of another
+# compiler, too, as the preset clang asks for them. So nothing needs to be built.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/setup.sh
@@ -9,9 +10,5 @@ need_packages ci
 say "shellcheck"
 find run test .ci bench scripts tests packaging -type f -exec grep -lE '^(#!.*sh$|# shellcheck shell=)' {} + \
   | LC_ALL=C sort | xargs shellcheck -x
-configure clang
-for program in relievo relievo-batch relievo-picture; do
-  build clang "$program"
-done
 say "clang-tidy"
 exec scripts/tidy.sh
