@@ -154,14 +154,20 @@ bool CBatchRun::ReadReference() {
     };
     complainOf(notice);
     complainOf(proportions);
-  } else if (m_Grid.Reference().HasMap() && m_Options.m_ReferenceStrength.has_value()) {
-    edits.SetStrength(*m_Options.m_ReferenceStrength);
+    return true;
   }
+  // Of a grid file the options have been refused already.
+  if (!m_Options.m_ReferenceStrength.has_value() && m_Options.m_iSuggestedTears == 0) return true;
+  if (!m_Grid.Reference().HasMap()) {
+    Complain("The project " + m_Options.m_Model + " has no depth map; --reference-depth names one.");
+    return false;
+  }
+  if (m_Options.m_ReferenceStrength.has_value()) edits.SetStrength(*m_Options.m_ReferenceStrength);
   return true;
 }
 
 void CBatchRun::TakeSuggestedTears() {
-  if (m_Options.m_iSuggestedTears == 0 || !m_Grid.Reference().HasMap()) return;
+  if (m_Options.m_iSuggestedTears == 0) return;
   std::optional<CLinkCosts> costs;
   if (!m_Photograph.m_Picture.m_aPixels.empty()) costs = ComputeLinkCosts(TopDown(m_Photograph.m_Picture));
   const std::vector<CTearProposal> proposals =

@@ -206,12 +206,24 @@ TEST_F(BatchReference, AProjectBringsItsOwnMap) {
   project.m_Model = StateOf(test.m_Grid);
   project.m_Heights = SolvedHeights(test.m_Grid);
   ASSERT_TRUE(SaveProject(project, Path("cup.relievo")));
+  project.m_Model.m_Document.m_Sketch.m_Reference = {};
+  ASSERT_TRUE(SaveProject(project, Path("bare.relievo")));
   ASSERT_EQ(Run("cup.relievo --report json"), 0) << Bytes("err");
   EXPECT_EQ(Report()["reference"]["strength"], 0.8);
   ASSERT_EQ(Run("cup.relievo --reference-strength 0.25 --report json"), 0);
   EXPECT_EQ(Report()["reference"]["strength"], 0.25);
   ASSERT_EQ(Run("cup.relievo --reference-depth map.pfm --reference-strength 0 --report json"), 0);
   EXPECT_FALSE(Report().contains("reference"));
+  ASSERT_EQ(Run("bare.relievo"), 0) << Bytes("err");
+  for (const char* options : {"--reference-strength 0.25", "--suggest-tears 3"}) {
+    EXPECT_EQ(Run(std::string("bare.relievo --save bare.grid ") + options), 2) << options;
+    EXPECT_NE(Bytes("err").find("The project bare.relievo has no depth map; --reference-depth names one."),
+              std::string::npos)
+        << Bytes("err");
+    EXPECT_FALSE(std::filesystem::exists(Path("bare.grid")));
+  }
+  ASSERT_EQ(Run("bare.relievo --reference-depth map.pfm --reference-strength 0.25 --report json"), 0);
+  EXPECT_EQ(Report()["reference"]["strength"], 0.25);
 }
 
 }  // namespace

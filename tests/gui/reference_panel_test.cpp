@@ -131,6 +131,9 @@ TEST_F(ReferencePanelTest, TheMapIsShownOverThePhotograph) {
   EXPECT_EQ(overlay->m_fLow, 0);
   EXPECT_EQ(overlay->m_fHigh, 1);
   EXPECT_EQ(overlay->m_fOpacity, 0.5);
+  EXPECT_EQ(overlay->m_Map, ColourMap::Perceptual);
+  EXPECT_EQ(overlay->m_Title, "Depth map");
+  EXPECT_TRUE(overlay->m_bHasBar);
   Push("Show over the photograph");
   EXPECT_EQ(m_Window.ImageView().Overlay(), nullptr);
 }
