@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <Eigen/Core>
+#include <Eigen/SparseCore>
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
@@ -40,17 +41,17 @@ struct CEnergyGrid : CSolverGrid {
   }
 };
 
-// The diagonals of B^T H B and of B^T |H| B, from full matrices.
+// The diagonals of B^T H B and of B^T |H| B, from all functions in full.
 struct CFullEnergies {
   explicit CFullEnergies(const CEnergyGrid& grid) {
-    const Eigen::MatrixXd h = Dense(grid.Smoothness(), grid.Size());
+    const Eigen::SparseMatrix<double> h = Dense(grid.Smoothness(), grid.Size()).sparseView();
     Eigen::MatrixXd basis(h.rows(), h.cols());
     for (Eigen::Index k = 0; k < basis.cols(); ++k) {
       const std::vector<double> function = grid.Function(static_cast<std::size_t>(k));
       basis.col(k) = Eigen::Map<const Eigen::VectorXd>(function.data(), basis.rows());
     }
-    m_Energies = (basis.transpose() * h * basis).diagonal();
-    m_Magnitudes = (basis.transpose() * h.cwiseAbs() * basis).diagonal();
+    m_Energies = basis.cwiseProduct(h * basis).colwise().sum().transpose();
+    m_Magnitudes = basis.cwiseProduct(h.cwiseAbs() * basis).colwise().sum().transpose();
   }
 
   Eigen::VectorXd m_Energies;
