@@ -97,7 +97,8 @@ nlohmann::ordered_json ReportOf(const CGrid& grid, const CBatchResult& result, c
   const bool follows = grid.Reference().Value().IsActive();
   if (follows) report["reference_energy"] = ReferenceEnergy(grid);
   report["largest_constraint_residual"] = LargestResidual(grid);
-  report["z_range"] = {grid.Surface().MinHeight(), grid.Surface().MaxHeight()};
+  const CHeightRange heights = DrawnRange(grid);
+  report["z_range"] = {heights.m_fLow, heights.m_fHigh};
   report["converged"] = result.m_Stopped == StopReason::Converged;
   report["stopped"] = NameOf(result.m_Stopped);
   report["damaged"] = result.m_bDamaged;

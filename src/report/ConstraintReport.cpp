@@ -21,8 +21,7 @@ constexpr double kAgrees = 1e-6;
 constexpr double kLeastRange = 1e-6;
 
 double RangeOf(const CGrid& grid) {
-  const double low = grid.Surface().MinHeight();
-  const double high = grid.Surface().MaxHeight();
+  const auto [low, high] = DrawnRange(grid);
   const double range = std::max(high - low, kLeastRange * std::max(std::abs(low), std::abs(high)));
   if (range > 0.0 && std::isfinite(range)) return range;
   // At the very beginning there is nothing but what is asked for.

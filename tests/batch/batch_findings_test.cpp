@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "batch/BatchTest.h"
 #include "support/CStaging.h"
@@ -153,6 +154,42 @@ TEST_F(WrongBatch, EndsWithAStatusOfItsOwnWhereItIsStrict) {
   EXPECT_EQ(Run("wrong.grid --max-iterations 10 --strict"), 6);
   EXPECT_EQ(Run("wrong.grid --max-iterations 10"), 3);
   EXPECT_EQ(Run("wrong.grid --iterations 10 --strict --save none/o.grid"), 4);
+}
+
+// Heights on a plane, so many that all their points hang together.
+TEST_F(WrongBatch, TakesASearchThatWasCutShortForAContradiction) {
+  CTestGrid test(6, 6);
+  const std::vector<double> places = RandomValues(3, 16000);
+  for (std::size_t k = 0; k < places.size(); k += 2)
+    test.m_Grid.AddPtCstr(HeightCstr(4.5 + 7.9 * places[k], 23 + 2.9 * places[k + 1], 0));
+  Write(test, "crowded.grid");
+  ASSERT_EQ(Run("crowded.grid --iterations 0 --report json"), 0);
+  EXPECT_EQ(Report()["contradictions"], json::array());
+  EXPECT_EQ(Report()["contradictions_complete"], false);
+  const std::string told =
+      "relievo-batch: The search for contradictions was cut short: constraints lie too close together.\n";
+  EXPECT_NE(Bytes("err").find(told), std::string::npos) << Bytes("err");
+  EXPECT_EQ(Run("crowded.grid --iterations 0 --report text --strict --save o.grid"), 6);
+  EXPECT_NE(Bytes("out").find("contradictions: 0\n"), std::string::npos);
+  EXPECT_NE(Bytes("o.grid"), "");
+  ASSERT_EQ(Run("wrong.grid --iterations 0 --report json"), 0);
+  EXPECT_FALSE(Report().contains("contradictions_complete"));
+}
+
+// A tear around a single point, which has no height of its own.
+TEST_F(WrongBatch, ReportsTheRangeOfWhatIsDrawn) {
+  CTestGrid test(4, 4);
+  test.m_Grid.AddCurve(PointsAt({{4.2, 22.9}, {4.8, 22.9}, {4.8, 23.1}, {4.2, 23.1}}), kTear, true);
+  test.m_Grid.PerformPendingWork();
+  std::vector<double> heights(test.m_Grid.Surface().Order().Count(), 3);
+  const std::size_t middle = test.m_Grid.Surface().Lattice().Index(8, 8);
+  heights[static_cast<std::size_t>(test.m_Grid.Surface().Order().NumberOf(middle))] = 1000;
+  heights.front() = -2;
+  test.m_Grid.Surface().SetHeights(heights);
+  ASSERT_EQ(test.m_Grid.Surface().MaxHeight(), 1000);
+  Write(test, "torn.grid");
+  ASSERT_EQ(Run("torn.grid --iterations 0 --report json"), 0);
+  EXPECT_EQ(Report()["z_range"], json({-2.0, 3.0}));
 }
 
 // The surface in the file is at 0 everywhere; the inside of the tear follows what is around it.

@@ -152,6 +152,20 @@ TEST(ConstraintReport, NamesWhatLiesInATearOrOutside) {
   EXPECT_EQ(report.m_aLines[3].m_fMissed, 0);
 }
 
+// A tear around a single point, which has no height of its own.
+TEST(ConstraintReport, CountsTheRangeOfWhatIsDrawn) {
+  CReportGrid test(kAround);
+  test.m_Grid.AddCurve(PointsAt({{48.8, 48.8}, {51.2, 48.8}, {51.2, 51.2}, {48.8, 51.2}}), kTear, true);
+  const double range = test.Solved().m_fRange;
+  CSurface& surface = test.m_Grid.Surface();
+  std::vector<double> heights = NodalHeights(test.m_Grid);
+  heights[static_cast<std::size_t>(surface.Order().NumberOf(surface.Lattice().Index(16, 16)))] = 1000;
+  surface.SetHeights(heights);
+  ASSERT_EQ(surface.MaxHeight(), 1000);
+  EXPECT_NEAR(ReportOnConstraints(test.m_Grid).m_fRange, range, 1e-9);
+  EXPECT_NEAR(range, 33.3, 0.1);
+}
+
 TEST(ConstraintReport, NamesTheCurveOfWhatIsGenerated) {
   CReportGrid test(kAround);
   test.m_Grid.AddCurve(PointsAt({{20, 60}, {80, 60}}), kCrease, false);

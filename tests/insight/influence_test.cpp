@@ -14,6 +14,7 @@
 #include "report/TargetChanges.h"
 #include "support/CStaging.h"
 #include "support/CurveBuilders.h"
+#include "support/DirectSolution.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -137,6 +138,31 @@ TEST(Influence, TakesRegionsThatAreSettledAlong) {
   EXPECT_GT(LargestDifference(alone, influence.Heights()), 0.01);
   test.m_Grid.SetSettling(false);
   EXPECT_FALSE(test.m_Grid.SettlerOfChanges().has_value());
+}
+
+// The tilt of the right half is settled, and its offset what a reference depth makes it.
+TEST(Influence, TakesRegionsThatFollowAReferenceAlong) {
+  CInfluenceGrid test;
+  test.m_Grid.AddCurve(PointsAt({{51, 1}, {51, 99}}), kTear, false);
+  test.Curve().SetOption(CurveOption::kLeftAutoBump, false);
+  test.Point(1).m_fX = 40;
+  test.Point(3).m_fX = 70;
+  FollowRandomMap(test.m_Grid, 5, 0.5);
+  test.m_Grid.SetSettling(true);
+  const std::vector<double> before = test.Solved(Operation::kRebuildMaps);
+  const std::vector<double> change = ChangeOfTargets(test.m_Grid, test.Point(3), ConstraintPart::SlopeX);
+  std::optional<CSettler> settler = test.m_Grid.SettlerOfChanges();
+  ASSERT_TRUE(settler.has_value());
+  CInfluence influence(test.m_Grid.Solver(), test.m_Grid.Surface().Basis(), change, std::move(settler));
+  while (!influence.Continue(10)) {
+  }
+  EXPECT_TRUE(influence.IsExact());
+  test.Point(3).m_fP += 1;
+  ExpectDifference(before, test.Solved(), influence.Heights());
+  // It turns about its middle, where the surface comes to lie on the average of the reference.
+  const auto [least, most] = std::ranges::minmax(influence.Heights());
+  EXPECT_GT(most, 20);
+  EXPECT_LT(least, -20);
 }
 
 TEST(Influence, IsNoneOfASettlerWhereNothingFloats) {
