@@ -64,6 +64,25 @@ double Meet(const CLatticeLine& line, const Vector3& a, const Vector3& b, const 
   return Dot(from, normal) / slope;
 }
 
+// Whether the line passes a leaf with four plain sides above or below all of its triangles, so that none need be tried.
+bool PassesBy(const CInterpolation& surface, const CLatticeLine& line, const CQuadT& leaf, double from, double to) {
+  double low = surface.CentreHeight(leaf);
+  double high = low;
+  for (int k = 0; k < 4; ++k) {
+    if (!leaf.Edge(k).IsLeaf()) return false;
+    const auto [column, row] = leaf.Corner(k);
+    const double height = surface.Lattice().Heights()[surface.Lattice().Index(column, row)];
+    low = std::min(low, height);
+    high = std::max(high, height);
+  }
+  // As far as the triangles are met outside of themselves, and twice that for rounding.
+  const double beyond = 4 * kTolerance * (leaf.X1() - leaf.X0()) / std::hypot(line.m_Direction.x, line.m_Direction.y);
+  const auto [lower, upper] = std::minmax(
+      {line.m_Point.z + (from - beyond) * line.m_Direction.z, line.m_Point.z + (to + beyond) * line.m_Direction.z});
+  const double margin = 4 * kTolerance * (high - low) + 1e-12 * (std::abs(low) + std::abs(high));
+  return upper < low - margin || lower > high + margin;
+}
+
 // The leaf under one place of the line, which its triangles are tried against.
 class CLeafTriangles {
  public:
@@ -121,9 +140,12 @@ double FirstMultiple(const CInterpolation& surface, const CLatticeLine& line, do
   for (double t = 0; t <= length;) {
     const Vector3 place = At(line, t);
     const CQuadT* leaf = surface.Tree().PointInCell_g(std::clamp(place.x, 0.0, last), std::clamp(place.y, 0.0, last));
-    const double first = CLeafTriangles(surface, line, *leaf).First();
-    if (first < kInfinity) return first;
-    t = std::max(t, ExitOf(line, *leaf)) + stepOver;
+    const double exit = std::max(t, ExitOf(line, *leaf));
+    if (!PassesBy(surface, line, *leaf, t, exit)) {
+      const double first = CLeafTriangles(surface, line, *leaf).First();
+      if (first < kInfinity) return first;
+    }
+    t = exit + stepOver;
   }
   return kInfinity;
 }
