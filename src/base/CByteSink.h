@@ -18,6 +18,7 @@ class CByteSink {
   static constexpr std::size_t kBlock = std::size_t{1} << 20;
   static constexpr std::size_t kLeastRoom = std::size_t{1} << 12;
 
+  /// `drain` is given one block or several that follow each other, and never nothing.
   explicit CByteSink(Drain drain);
 
   /// Appends bytes.
