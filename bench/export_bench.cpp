@@ -23,8 +23,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "formats/JpegFile.h"
-#include "formats/SurfaceExport.h"
+#include "codecs/JpegFile.h"
+#include "exports/SurfaceExport.h"
 #include "support/BenchGrid.h"
 
 // In place of that of the system: what is compared is work, not disks.

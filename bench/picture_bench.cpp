@@ -16,8 +16,8 @@
 #include <sys/resource.h>
 
 #include "base/Console.h"
-#include "formats/JpegFile.h"
-#include "formats/PictureFormats.h"
+#include "codecs/JpegFile.h"
+#include "codecs/PictureFormats.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 # The page that a model is written into (RELIEVO_PAGE), put together of its parts and of three.js: the source ${page_source}.
-set(page_parts "${PROJECT_SOURCE_DIR}/src/formats/page")
+set(page_parts "${PROJECT_SOURCE_DIR}/src/exports/page")
 set(page_source "${PROJECT_BINARY_DIR}/generated/Page.cpp")
 
 if(NOT THREE_SCRIPTS)

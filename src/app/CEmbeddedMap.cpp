@@ -3,8 +3,8 @@
 #include <limits>
 #include <new>
 
-#include "formats/FileBytes.h"
-#include "formats/JpegDecoder.h"
+#include "codecs/FileBytes.h"
+#include "codecs/JpegDecoder.h"
 #include "ui/window/CImageViewUI.h"
 
 namespace {

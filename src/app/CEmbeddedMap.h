@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "formats/EmbeddedDepth.h"
+#include "codecs/EmbeddedDepth.h"
 
 class CImageViewUI;
 

@@ -8,9 +8,9 @@
 
 #include <FL/Fl.H>
 
+#include "codecs/DepthMapFile.h"
 #include "constraints/CPtCstrList.h"
 #include "editing/CCommandPause.h"
-#include "formats/DepthMapFile.h"
 #include "model/CGrid.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/window/CImageViewUI.h"

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "formats/CProject.h"
+#include "projects/CProject.h"
 #include "ui/modelview/CGridView.h"
 #include "ui/recorder/AnimationRecorder.h"
 #include "ui/recorder/RecorderHost.h"

@@ -13,8 +13,8 @@
 
 #include "batch/ExitStatus.h"
 #include "batch/OutputConflict.h"
-#include "formats/ProjectFile.h"
 #include "io/HeightFieldExport.h"
+#include "projects/ProjectFile.h"
 
 namespace {
 

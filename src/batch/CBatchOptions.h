@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "formats/ModelFormats.h"
-#include "formats/SurfaceExport.h"
+#include "exports/SurfaceExport.h"
+#include "io/ModelFormats.h"
 #include "lattice/WaveletMode.h"
 
 /// What a run without a window is asked to do.

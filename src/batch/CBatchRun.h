@@ -5,7 +5,7 @@
 
 #include "batch/BatchReport.h"
 #include "batch/CBatchOptions.h"
-#include "formats/PictureFormats.h"
+#include "codecs/PictureFormats.h"
 #include "model/CGrid.h"
 #include "model/GridHost.h"
 

@@ -15,8 +15,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "codecs/PngBytes.h"
 #include "editing/CommandWords.h"
-#include "formats/PngBytes.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "base/CPicture.h"
+#include "codecs/DepthMapFile.h"
 #include "editing/CUserProcess.h"
-#include "formats/DepthMapFile.h"
 
 /// A depth map made of a photograph by a program of the user's own.
 ///

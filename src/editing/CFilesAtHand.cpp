@@ -8,8 +8,8 @@
 
 #include <sys/stat.h>
 
-#include "formats/ProjectFile.h"
 #include "io/CKeepOldFile.h"
+#include "projects/ProjectFile.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <sys/timerfd.h>
 #include <unistd.h>
 
-#include "formats/ProjectFile.h"
+#include "projects/ProjectFile.h"
 
 namespace {
 

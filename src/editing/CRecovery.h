@@ -11,7 +11,7 @@
 
 #include "editing/CBackgroundTask.h"
 #include "editing/CRecoveryFolder.h"
-#include "formats/CProject.h"
+#include "projects/CProject.h"
 
 /// Work of an earlier run, or of another program, that no file holds.
 struct CUnsavedWork {

@@ -14,7 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "formats/ProjectFile.h"
+#include "projects/ProjectFile.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
 
-#include "formats/FileBytes.h"
+#include "codecs/FileBytes.h"
 #include "io/CKeepOldFile.h"
 #include "io/CSafeFile.h"
 

@@ -6,7 +6,7 @@
 
 #include "drawing/CCamera.h"
 #include "editing/CModelName.h"
-#include "formats/CProject.h"
+#include "projects/CProject.h"
 
 /// What the two views draw, in flags.
 struct CViewMarks {

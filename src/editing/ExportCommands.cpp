@@ -9,8 +9,8 @@
 
 #include "editing/CCommandPause.h"
 #include "editing/GridCommands.h"
-#include "formats/ProjectPicture.h"
 #include "model/CGrid.h"
+#include "projects/ProjectPicture.h"
 
 namespace {
 

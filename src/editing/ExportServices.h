@@ -6,9 +6,9 @@
 #include <string>
 
 #include "base/ExportProgress.h"
-#include "formats/ExportSurvey.h"
-#include "formats/FilmFile.h"
-#include "formats/SurfaceExport.h"
+#include "exports/ExportSurvey.h"
+#include "exports/FilmFile.h"
+#include "exports/SurfaceExport.h"
 #include "model/CSaveOutcome.h"
 
 struct CCamera;

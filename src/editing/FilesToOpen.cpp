@@ -7,12 +7,12 @@
 #include <optional>
 #include <system_error>
 
-#include "formats/ModelFormats.h"
-#include "formats/PictureFormats.h"
-#include "formats/ProjectFile.h"
+#include "codecs/PictureFormats.h"
 #include "io/FileKind.h"
 #include "io/FileUri.h"
+#include "io/ModelFormats.h"
 #include "io/RegularFile.h"
+#include "projects/ProjectFile.h"
 
 namespace {
 

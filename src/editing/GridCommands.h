@@ -14,12 +14,12 @@
 #include "editing/CWorkFiles.h"
 #include "editing/ExportServices.h"
 #include "editing/UserDialogs.h"
-#include "formats/CProject.h"
-#include "formats/ModelFormats.h"
-#include "formats/ProjectFile.h"
+#include "io/ModelFormats.h"
 #include "model/CPendingWork.h"
 #include "model/Edit.h"
 #include "model/GridFileState.h"
+#include "projects/CProject.h"
+#include "projects/ProjectFile.h"
 
 class CGrid;
 class CSolverControl;

@@ -5,10 +5,10 @@
 #include <optional>
 #include <string>
 
+#include "codecs/PictureFormats.h"
 #include "editing/CCommandPause.h"
 #include "editing/CSolverControl.h"
 #include "editing/GridCommands.h"
-#include "formats/PictureFormats.h"
 #include "model/CGrid.h"
 
 namespace {

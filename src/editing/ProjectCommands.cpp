@@ -8,8 +8,8 @@
 #include "editing/CCommandPause.h"
 #include "editing/CSolverControl.h"
 #include "editing/GridCommands.h"
-#include "formats/ProjectPicture.h"
 #include "model/CGrid.h"
+#include "projects/ProjectPicture.h"
 
 CProject CGridCommands::Project() const {
   CProject project;

@@ -4,16 +4,16 @@
 #include <string>
 
 #include "base/CTerminationSignals.h"
+#include "codecs/PngBytes.h"
 #include "drawing/CCamera.h"
 #include "drawing/CTextures.h"
 #include "drawing/ModelPainter.h"
 #include "drawing/OpenGLDefaults.h"
 #include "drawing/SurfaceFit.h"
-#include "formats/ModelInput.h"
-#include "formats/PngBytes.h"
 #include "io/CFileReplacement.h"
 #include "picture/COffscreenCanvas.h"
 #include "picture/PictureStatus.h"
+#include "projects/ModelInput.h"
 
 namespace {
 

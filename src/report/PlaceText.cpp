@@ -16,7 +16,7 @@
 namespace {
 
 constexpr int kDigits = 5;
-constexpr double kNoise = 1e-9;  // of the unit that matters
+constexpr double kNegligible = 1e-9;  // of the unit that matters
 
 // What the surface has at a place.
 struct CSurfaceSite {
@@ -49,7 +49,7 @@ class CPlaceWriter {
 
  private:
   void Add(const char* name, double value, double unit) {
-    if (std::abs(value) < kNoise * unit) value = 0.0;
+    if (std::abs(value) < kNegligible * unit) value = 0.0;
     std::array<char, 32> number{};
     const auto end =
         std::to_chars(number.data(), number.data() + number.size(), value, std::chars_format::general, kDigits);

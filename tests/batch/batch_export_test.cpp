@@ -8,8 +8,8 @@
 #include <string>
 
 #include "batch/BatchTest.h"
-#include "formats/ProjectFile.h"
-#include "formats/SurfaceExport.h"
+#include "exports/SurfaceExport.h"
+#include "projects/ProjectFile.h"
 #include "support/ExportBuilders.h"
 #include "support/ProjectBuilders.h"
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "batch/BatchTest.h"
-#include "formats/ProjectFile.h"
+#include "projects/ProjectFile.h"
 #include "support/BadDepthMaps.h"
 #include "support/DepthBuilders.h"
 #include "support/PictureBuilders.h"

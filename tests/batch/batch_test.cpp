@@ -7,8 +7,8 @@
 #include <sys/stat.h>
 
 #include "batch/BatchTest.h"
-#include "formats/PictureFormats.h"
-#include "formats/ProjectFile.h"
+#include "codecs/PictureFormats.h"
+#include "projects/ProjectFile.h"
 #include "support/PictureBuilders.h"
 #include "support/PictureEncoders.h"
 

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "codecs/PngBytes.h"
 #include "editing/FilesToOpen.h"
-#include "formats/PngBytes.h"
 #include "io/FileUri.h"
 #include "support/BmpBuilders.h"
 #include "support/CTemporaryDirectory.h"

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "formats/PictureFormats.h"
+#include "codecs/PictureFormats.h"
 #include "support/CStaging.h"
 #include "support/CurveBuilders.h"
 #include "support/GridCommandsTest.h"

@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 
 #include "editing/CRecovery.h"
-#include "formats/ProjectFile.h"
+#include "projects/ProjectFile.h"
 #include "support/BmpBuilders.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/ConsoleCapture.h"

@@ -9,10 +9,10 @@
 #include <string_view>
 
 #include "base/Console.h"
-#include "formats/DepthMapFile.h"
-#include "formats/EmbeddedDepth.h"
-#include "formats/PfmReader.h"
-#include "formats/PictureDecoders.h"
+#include "codecs/DepthMapFile.h"
+#include "codecs/EmbeddedDepth.h"
+#include "codecs/PfmReader.h"
+#include "codecs/PictureDecoders.h"
 #include "fuzz/FuzzTarget.h"
 
 namespace {

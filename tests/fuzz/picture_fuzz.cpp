@@ -5,9 +5,9 @@
 #include <string_view>
 
 #include "base/Console.h"
-#include "formats/CChannelSink.h"
-#include "formats/PictureDecoders.h"
-#include "formats/PictureFormats.h"
+#include "codecs/CChannelSink.h"
+#include "codecs/PictureDecoders.h"
+#include "codecs/PictureFormats.h"
 #include "fuzz/FuzzTarget.h"
 
 namespace {

@@ -11,10 +11,10 @@
 #include <unistd.h>
 
 #include "base/Console.h"
-#include "formats/ProjectFile.h"
 #include "fuzz/FuzzTarget.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
+#include "projects/ProjectFile.h"
 
 namespace {
 

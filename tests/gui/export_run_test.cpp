@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "drawing/DisplayFlags.h"
-#include "formats/ExportSurvey.h"
-#include "formats/ProjectFile.h"
+#include "exports/ExportSurvey.h"
+#include "projects/ProjectFile.h"
 #include "support/FileBuilders.h"
 #include "support/ProgramRun.h"
 #include "support/ProjectBuilders.h"

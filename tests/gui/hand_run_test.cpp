@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "drawing/DisplayFlags.h"
-#include "formats/ProjectFile.h"
+#include "projects/ProjectFile.h"
 #include "support/ConsoleCapture.h"
 #include "support/FileBuilders.h"
 #include "support/ProjectBuilders.h"

@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 
 #include "base/Console.h"
-#include "formats/PictureFormats.h"
+#include "codecs/PictureFormats.h"
 #include "model/PointProbe.h"
 #include "support/CStaging.h"
 #include "support/CTemporaryDirectory.h"

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "formats/PictureFormats.h"
+#include "codecs/PictureFormats.h"
 #include "support/ProgramRun.h"
 #include "support/SamplePhotograph.h"
 #include "support/gui/RunTest.h"

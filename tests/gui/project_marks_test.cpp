@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "formats/ProjectFile.h"
+#include "projects/ProjectFile.h"
 #include "support/FileBuilders.h"
 #include "support/gui/WindowTest.h"
 

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "drawing/DisplayFlags.h"
-#include "formats/ProjectFile.h"
+#include "projects/ProjectFile.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
 #include "support/ProjectBuilders.h"

@@ -13,7 +13,7 @@
 
 #include <gtest/gtest.h>
 
-#include "formats/ProjectFile.h"
+#include "projects/ProjectFile.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/gui/CRelievo.h"
 #include "support/gui/CUser.h"

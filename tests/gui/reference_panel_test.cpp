@@ -15,9 +15,9 @@
 #include <FL/Fl_Spinner.H>
 #include <FL/Fl_Value_Slider.H>
 
+#include "codecs/JpegFile.h"
+#include "codecs/PngBytes.h"
 #include "drawing/COverlay.h"
-#include "formats/JpegFile.h"
-#include "formats/PngBytes.h"
 #include "support/BadDepthMaps.h"
 #include "support/DepthBuilders.h"
 #include "support/DepthInJpeg.h"

@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include "codecs/PngBytes.h"
 #include "drawing/DisplayFlags.h"
-#include "formats/PngBytes.h"
-#include "formats/ProjectFile.h"
+#include "projects/ProjectFile.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/FileBuilders.h"
 #include "support/ProjectBuilders.h"

@@ -5,7 +5,7 @@
 #include <FL/Fl_Spinner.H>
 #include <FL/Fl_Value_Slider.H>
 
-#include "formats/PngBytes.h"
+#include "codecs/PngBytes.h"
 #include "support/gui/ReferencePanelTest.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "drawing/DisplayFlags.h"
-#include "formats/ProjectFile.h"
+#include "projects/ProjectFile.h"
 #include "support/BmpBuilders.h"
 #include "support/FileBuilders.h"
 #include "support/ProjectBuilders.h"

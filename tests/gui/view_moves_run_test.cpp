@@ -10,7 +10,7 @@
 #include "drawing/CCamera.h"
 #include "drawing/DisplayFlags.h"
 #include "drawing/SurfaceFit.h"
-#include "formats/ProjectFile.h"
+#include "projects/ProjectFile.h"
 #include "support/FileBuilders.h"
 #include "support/gui/Input.h"
 #include "support/gui/RunTest.h"

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "formats/PictureFormats.h"
+#include "codecs/PictureFormats.h"
 #include "io/Bmp.h"
 #include "support/AllocationCount.h"
 #include "support/BmpBuilders.h"

@@ -12,8 +12,8 @@
 
 #include <gtest/gtest.h>
 
-#include "formats/PictureFormats.h"
-#include "formats/ProjectFile.h"
+#include "codecs/PictureFormats.h"
+#include "projects/ProjectFile.h"
 #include "support/BmpBuilders.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/ConstraintBuilders.h"

@@ -15,7 +15,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "formats/PictureFormats.h"
+#include "codecs/PictureFormats.h"
 #include "support/FileBuilders.h"
 
 namespace {

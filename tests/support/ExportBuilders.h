@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "formats/PictureFormats.h"
+#include "codecs/PictureFormats.h"
 #include "support/CStaging.h"
 #include "support/LightingBuilders.h"
 

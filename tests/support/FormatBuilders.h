@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "formats/ModelFormats.h"
+#include "io/ModelFormats.h"
 
 /// The place in ModelFormats() of the format that an option of the program without a window writes.
 inline std::size_t FormatOf(std::string_view option) {

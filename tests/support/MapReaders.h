@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 #include <tiffio.h>
 
-#include "formats/ChannelFormats.h"
+#include "codecs/ChannelFormats.h"
 
 /// Numbers of a map, row by row from the top.
 struct CMap {

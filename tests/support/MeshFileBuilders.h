@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "formats/CleanFileMesh.h"
+#include "exports/CleanFileMesh.h"
 
 /// Small meshes for tests of files, and what takes the files' bytes apart.
 

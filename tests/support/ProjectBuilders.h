@@ -8,7 +8,7 @@
 
 #include <rapidcheck.h>
 
-#include "formats/CProject.h"
+#include "projects/CProject.h"
 #include "quadtree/CSaveQuadT.h"
 #include "support/ConsoleCapture.h"
 #include "support/GridBuilders.h"

@@ -9,11 +9,11 @@
 #include <FL/Fl_Gl_Window.H>
 
 #include "base/CPicture.h"
+#include "codecs/PictureFormats.h"
 #include "drawing/COverlayPainter.h"
 #include "drawing/CViewMapping.h"
 #include "drawing/DisplayFlags.h"
 #include "drawing/PicturePainter.h"
-#include "formats/PictureFormats.h"
 #include "ui/imageview/CCellSelector.h"
 #include "ui/imageview/CDebugOverlay.h"
 #include "ui/imageview/CDoubleClick.h"

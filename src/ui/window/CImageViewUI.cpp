@@ -9,7 +9,7 @@
 
 #include "base/Console.h"
 #include "editing/DebugTools.h"
-#include "formats/ModelFormats.h"
+#include "io/ModelFormats.h"
 #include "model/CGrid.h"
 #include "model/Globals.h"
 #include "ui/imageview/CImageView.h"

@@ -13,7 +13,7 @@
 #include "editing/CSettings.h"
 #include "editing/CSolverControl.h"
 #include "editing/HistoryHost.h"
-#include "formats/CProject.h"
+#include "projects/CProject.h"
 #include "ui/window/COverlayEntries.h"
 #include "ui/window/COverlays.h"
 #include "ui/window/CRedrawPacer.h"

@@ -9,7 +9,7 @@
 
 #include <FL/Fl.H>
 
-#include "formats/ModelFormats.h"
+#include "io/ModelFormats.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <FL/Fl.H>
 
 #include "drawing/DrawingSettings.h"
-#include "formats/ModelFormats.h"
+#include "io/ModelFormats.h"
 #include "model/CGrid.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/modelview/CGridView.h"

@@ -4,8 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "codecs/PngBytes.h"
 #include "editing/CCommandPause.h"
-#include "formats/PngBytes.h"
 #include "io/CFileReplacement.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/window/CImageViewUI.h"

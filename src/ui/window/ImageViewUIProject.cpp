@@ -8,9 +8,9 @@
 
 #include <FL/Fl_Button.H>
 
-#include "formats/CProject.h"
-#include "formats/ProjectPicture.h"
 #include "model/CGrid.h"
+#include "projects/CProject.h"
+#include "projects/ProjectPicture.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/modelview/CGridView.h"
 #include "ui/seams/CBusyCursor.h"
