@@ -233,7 +233,8 @@ void AddWalls(std::span<const std::uint32_t> walls, CFileMesh& mesh) {
 /// Adds the sides and the base of a solid to its upper surface.
 class CSolidCloser {
  public:
-  CSolidCloser(CFileMesh& mesh, double base) : m_Mesh(mesh) {
+  CSolidCloser(CFileMesh& mesh, std::span<const CCleanMesh::CFoot> feet, double base) : m_Mesh(mesh) {
+    for (const auto& [vertex, foot] : feet) m_Feet[vertex] = foot;
     float low = std::numeric_limits<float>::max();
     for (const CPoint& p : mesh.m_aPositions) {
       low = std::min(low, p[2]);
@@ -277,13 +278,17 @@ class CSolidCloser {
   }
 
   // From a vertex down to the base, by way of all heights that its place has below it: a tear that ends there has walls
-  // between them.
+  // between them. One that has been moved comes back to its place on the way.
   std::vector<std::uint32_t> Chain(std::uint32_t v) {
-    const CPoint top = m_Mesh.m_aPositions[v];
-    std::vector<float> heights = m_HeightsAt[PlaceOf(v)];
+    CPoint top = m_Mesh.m_aPositions[v];
+    std::vector<std::uint32_t> chain{v};
+    if (const auto foot = m_Feet.find(v); foot != m_Feet.end()) {
+      top = foot->second;
+      chain.push_back(AddVertex(top));
+    }
+    std::vector<float> heights = m_HeightsAt[{top[0], top[1]}];
     std::ranges::sort(heights, std::greater());
     heights.erase(std::unique(heights.begin(), heights.end()), heights.end());
-    std::vector<std::uint32_t> chain{v};
     for (const float z : heights) {
       if (z < top[2]) chain.push_back(AddVertex({top[0], top[1], z}));
     }
@@ -318,6 +323,7 @@ class CSolidCloser {
   float m_fBase = 0;
   std::vector<std::pair<std::uint32_t, std::uint32_t>> m_aBorder;  ///< sides, counter-clockwise
   std::map<CPlace, std::vector<float>> m_HeightsAt;                ///< of the vertices on the border
+  std::map<std::uint32_t, CPoint> m_Feet;                          ///< by vertex that has been moved along the border
 };
 
 }  // namespace
@@ -352,6 +358,6 @@ CFileMesh CleanSolid(const CGrid& grid, const CCleanMeshOptions& options, double
   const std::size_t surface = mesh.m_aTriangles.size();
   const std::vector<CTriangle> walls = TrianglesOf(clean.Walls());
   mesh.m_aTriangles.insert(mesh.m_aTriangles.end(), walls.begin(), walls.end());
-  CSolidCloser(mesh, base).Close(surface);
+  CSolidCloser(mesh, clean.Feet(), base).Close(surface);
   return mesh;
 }

@@ -158,6 +158,11 @@ std::vector<std::uint32_t> CCleanMesh::AddTorn(const CTornSurface& torn, const C
   if (!steps.Part(0, kKept).ForBlocks(vertices.size(), keep) ||
       !steps.Part(kKept, kAdded).ForBlocks(vertices.size(), add))
     return numbers;
+  for (const auto& [copy, moved] : torn.Moved()) {
+    const CMeshPlace& place = patch.Triangles().Place(vertices[copy]);
+    if (m_Plane.AreOnOneBorder(place, place))
+      m_aFeet.push_back({numbers[copy], {m_Plane.WrittenX(place), m_Plane.WrittenY(place), moved.m_fFoot}});
+  }
   for (const auto& [a, b, c] : torn.Corners()) m_aTriangles.push_back({numbers[a], numbers[b], numbers[c]});
   return numbers;
 }

@@ -94,6 +94,13 @@ class CCleanMesh {
   /// the centre of its leaf, which no other triangle has. Vertices at corners of leaves come before all others.
   std::size_t FanTriangleCount() const { return m_uFanTriangles; }
   std::size_t CornerCount() const { return m_uCorners; }
+  /// A corner of the surface on the border that has been moved along it, so that no edge has four walls: where the
+  /// slanted edge below it comes back to its place, as written.
+  struct CFoot {
+    std::uint32_t m_uVertex = 0;
+    CWritten m_Foot{};
+  };
+  std::span<const CFoot> Feet() const { return m_aFeet; }
   /// The walls of the tears, empty unless they were asked for: vertical triangles between vertices of the surface.
   std::span<const std::uint32_t> Walls() const { return m_auWalls; }
   /// What runs on beneath the higher sides, empty unless it was asked for: triangles that face as the surface does, and
@@ -132,6 +139,7 @@ class CCleanMesh {
   std::vector<CSurfaceMesh::CTriangle> m_aTriangles;
   std::size_t m_uFanTriangles = 0;
   std::size_t m_uCorners;
+  std::vector<CFoot> m_aFeet;
   std::vector<std::uint32_t> m_auWalls;
   std::vector<std::uint32_t> m_auStrips;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include "mesh/CTearCutter.h"
@@ -129,55 +130,79 @@ void CTornSurface::OpenEdges() {
     copies[vertex] = static_cast<std::uint8_t>(std::min(copies[vertex] + 1, 4));
   std::vector<CCutTriangulation::CCorner> ring;
   for (std::uint32_t vertex = 0; vertex < copies.size(); ++vertex) {
-    if (copies[vertex] < 4) continue;
+    if (copies[vertex] < 3) continue;
     m_Patch.Triangles().CornersAround(vertex, ring);
     const auto& [first, place] = ring.front();
-    if (m_Patch.Triangles().Triangle(first).m_auNeighbours[place] != CTearPatch::kNone) OpenEdge(ring);
+    const bool isOnce = m_Patch.Triangles().Triangle(first).m_auNeighbours[place] != CTearPatch::kNone;
+    const bool onBorder = BorderBeside(ring.front(), 0).has_value();
+    if (isOnce ? copies[vertex] == 4 : onBorder) OpenEdge(ring, onBorder);
   }
 }
 
-// `ring` are the corners once around a vertex.
-void CTornSurface::OpenEdge(std::span<const CCutTriangulation::CCorner> ring) {
+// The other end of a side of the corner, 0 or 2, that lies on the border of the rectangle.
+std::optional<CMeshPlace> CTornSurface::BorderBeside(const CCutTriangulation::CCorner& corner,
+                                                     std::uint32_t side) const {
+  const CCutTriangulation& triangles = m_Patch.Triangles();
+  const auto& neighbours = triangles.Triangle(corner.m_uTriangle).m_auNeighbours;
+  if (neighbours[(corner.m_uPlace + side) % 3] != CTearPatch::kNone) return std::nullopt;
+  const CMeshPlace& from = triangles.Place(triangles.Vertex(corner, 0));
+  const CMeshPlace& to = triangles.Place(triangles.Vertex(corner, side == 0 ? 1 : 2));
+  return m_Patch.Plane().AreOnOneBorder(from, to) ? std::optional(to) : std::nullopt;
+}
+
+// `ring` are the corners around a vertex, once or from border to border.
+void CTornSurface::OpenEdge(std::span<const CCutTriangulation::CCorner> ring, bool onBorder) {
   std::vector<std::uint32_t> around;
   for (const auto& [t, place] : ring) {
     const std::uint32_t copy = m_aCorners[t][place];
     if (around.empty() || around.back() != copy) around.push_back(copy);
   }
-  if (around.front() == around.back()) around.pop_back();
+  if (!onBorder && around.front() == around.back()) around.pop_back();
   const std::size_t count = around.size();
   std::map<std::uint32_t, CMoved> moved;
   for (std::size_t k = 0; k < count; ++k) {
-    const float foot = std::max(Written(around[(k + 1) % count]), Written(around[(k + count - 1) % count]));
+    float foot = -std::numeric_limits<float>::infinity();
+    if (!onBorder || k + 1 < count) foot = Written(around[(k + 1) % count]);
+    if (!onBorder || k > 0) foot = std::max(foot, Written(around[(k + count - 1) % count]));
     CMeshPlace place;
-    if (Written(around[k]) > foot && MoveIn(around[k], ring, place)) moved[around[k]] = {place, foot};
+    if (count > 1 && Written(around[k]) > foot && MoveIn(around[k], ring, place)) moved[around[k]] = {place, foot};
   }
   if (moved.size() > 1) m_Moved.merge(moved);
 }
 
-// A thousandth of a cell towards the middle of the corner's triangles, or as much less as they need to keep their area.
+// Towards the middle of the corner's triangles, where each side counts once for its length, however short the others
+// are; along the border where they have a side there.
+std::array<double, 2> CTornSurface::InwardsFrom(std::uint32_t copy,
+                                                std::span<const CCutTriangulation::CCorner> ring) const {
+  const CCutTriangulation& triangles = m_Patch.Triangles();
+  const CMeshPlace& from = triangles.Place(m_auVertices[copy]);
+  const auto step = [&from](const CMeshPlace& to) {
+    return std::array{static_cast<double>(to.x) - from.x, static_cast<double>(to.y) - from.y};
+  };
+  std::array<double, 2> inwards{};
+  for (const CCutTriangulation::CCorner& corner : ring) {
+    if (m_aCorners[corner.m_uTriangle][corner.m_uPlace] != copy) continue;
+    for (const std::uint32_t side : {0U, 2U}) {
+      if (const auto border = BorderBeside(corner, side)) return step(*border);
+      const CMeshPlace& to = triangles.Place(triangles.Vertex(corner, side == 0 ? 1 : 2));
+      const auto [x, y] = step(to);
+      const double length = m_Patch.Plane().Distance(from, to);
+      inwards[0] += x / length;
+      inwards[1] += y / length;
+    }
+  }
+  return inwards;
+}
+
+// A thousandth of a cell, or as much less as the corner's triangles need to keep their area.
 bool CTornSurface::MoveIn(std::uint32_t copy, std::span<const CCutTriangulation::CCorner> ring,
                           CMeshPlace& place) const {
   constexpr double kStep = 1e-3;
   constexpr int kHalvings = 4;
   const CCutTriangulation& triangles = m_Patch.Triangles();
   const CMeshPlace from = triangles.Place(m_auVertices[copy]);
-  double x = 0.0;
-  double y = 0.0;
-  const auto forEach = [&](const auto& visit) {
-    for (const CCutTriangulation::CCorner& corner : ring) {
-      if (m_aCorners[corner.m_uTriangle][corner.m_uPlace] == copy)
-        visit(triangles.Place(triangles.Vertex(corner, 1)), triangles.Place(triangles.Vertex(corner, 2)));
-    }
-  };
-  // Each side counts once for its length, however short the others are.
-  forEach([&](const CMeshPlace& a, const CMeshPlace& b) {
-    for (const CMeshPlace& p : {a, b}) {
-      const double length = m_Patch.Plane().Distance(from, p);
-      x += (static_cast<double>(p.x) - from.x) / length;
-      y += (static_cast<double>(p.y) - from.y) / length;
-    }
-  });
-  const auto towards = [&](double share) {
+  const auto [x, y] = InwardsFrom(copy, ring);
+  const auto towards = [&, x = x, y = y](double share) {
     return CMeshPlace{static_cast<std::int32_t>(std::lround(from.x + share * x)),
                       static_cast<std::int32_t>(std::lround(from.y + share * y))};
   };
@@ -185,7 +210,11 @@ bool CTornSurface::MoveIn(std::uint32_t copy, std::span<const CCutTriangulation:
   for (int halving = 0; halving <= kHalvings; ++halving, share /= 2.0) {
     place = towards(share);
     bool keeps = place != from;
-    forEach([&](const CMeshPlace& a, const CMeshPlace& b) { keeps = keeps && Turn(a, b, place) > 0; });
+    for (const CCutTriangulation::CCorner& corner : ring) {
+      if (m_aCorners[corner.m_uTriangle][corner.m_uPlace] != copy) continue;
+      const CMeshPlace& a = triangles.Place(triangles.Vertex(corner, 1));
+      keeps = keeps && Turn(a, triangles.Place(triangles.Vertex(corner, 2)), place) > 0;
+    }
     if (keeps) return true;
   }
   return false;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -31,6 +32,12 @@ class CTornSurface {
     std::array<std::uint32_t, 2> m_auRight{};  ///< copies at the beginning and at the end
   };
 
+  /// A corner that has been moved.
+  struct CMoved {
+    CMeshPlace m_Place;
+    float m_fFoot = 0.0F;  ///< where its slanted edge begins, as written: the higher one of its two neighbours
+  };
+
   /// `heights` by copy. `scale` is what heights are multiplied by when they are written as floats.
   CTornSurface(CTearPatch& patch, const CTearSides& sides, std::vector<double> heights, double scale);
 
@@ -38,8 +45,11 @@ class CTornSurface {
   /// between two vertices. False, and not all, where `steps` do not go on.
   bool SplitAtChanges(CTearCutter& cutter, const CExportSteps& steps = {});
   /// Moves the corners of the higher surfaces in, by a thousandth of a cell, where two of them meet in a vertex across
-  /// two lower ones: four walls would share their edge. Before `Walls`, after all splits.
+  /// two lower ones: four walls would share their edge. What is outside of the rectangle is lower than all; a corner
+  /// beside it stays on the border. Before `Walls`, after all splits.
   void OpenEdges();
+  /// Copies that have been moved, with the height at which the slanted edges below them leave their vertex.
+  const std::map<std::uint32_t, CMoved>& Moved() const { return m_Moved; }
   /// The vertical strips between the two edges of each cut, three copies per triangle, facing as the surface does: a
   /// side of the surface and that of its strip run in opposite directions. Nothing where both heights are the same when
   /// written; vertical edges are split at all heights that their vertex has. Not all where `steps` do not go on.
@@ -58,13 +68,10 @@ class CTornSurface {
  private:
   bool SplitAtChange(const CCutSide& side, CTearCutter& cutter);
   void TakeParts(const CCutSide& side, std::uint32_t vertex, double z, std::size_t before);
-  // A corner that has been moved.
-  struct CMoved {
-    CMeshPlace m_Place;
-    float m_fFoot = 0.0F;  ///< where its slanted edge begins: the higher one of its two neighbours
-  };
-  void OpenEdge(std::span<const CCutTriangulation::CCorner> ring);
+  void OpenEdge(std::span<const CCutTriangulation::CCorner> ring, bool onBorder);
   bool MoveIn(std::uint32_t copy, std::span<const CCutTriangulation::CCorner> ring, CMeshPlace& place) const;
+  std::array<double, 2> InwardsFrom(std::uint32_t copy, std::span<const CCutTriangulation::CCorner> ring) const;
+  std::optional<CMeshPlace> BorderBeside(const CCutTriangulation::CCorner& corner, std::uint32_t side) const;
   bool IsInChain(std::uint32_t copy, std::uint32_t low, std::uint32_t high) const;
   std::vector<std::uint32_t> Chain(std::uint32_t low, std::uint32_t high, std::span<const std::uint32_t> others) const;
 

@@ -1,9 +1,12 @@
 // Solids in .stl files, as a program that repairs such files judges them.
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <set>
 #include <sstream>
 #include <string>
 
@@ -77,6 +80,42 @@ TEST(StlTest, IsASolidForAnotherProgramWhereHighAndLowQuartersMeetInOnePoint) {
     EXPECT_TRUE(says("Facets removed : 0 Facets added : 0 Facets reversed : 0 Backwards edges : 0 ")) << report;
     EXPECT_TRUE(says("Number of parts : 1 Volume : ")) << report;
     EXPECT_FALSE(says("Volume : -")) << report;
+  }
+}
+
+namespace {
+
+// How many edges are not those of two facets.
+int EdgesNotOfTwoFacets(const CFileMesh& mesh) {
+  std::map<std::set<CFilePoint>, int> facets;
+  for (const auto& triangle : mesh.m_aTriangles) {
+    for (std::size_t k = 0; k < 3; ++k)
+      ++facets[{mesh.m_aPositions[triangle[k]], mesh.m_aPositions[triangle[(k + 1) % 3]]}];
+  }
+  return static_cast<int>(std::ranges::count_if(facets, [](const auto& edge) { return edge.second != 2; }));
+}
+
+}  // namespace
+
+TEST(StlTest, HasNoEdgeOfFourWallsWhereTwoTearsBeginAtOnePointOfTheBorder) {
+  const CTemporaryDirectory directory;
+  for (const double begin : {8.3, 8.0, 7.75, 0.0}) {
+    for (const std::array<double, 3>& heights : {std::array{7.0, 1.0, 5.0}, {5.0, 1.0, 5.0}, {1.0, 6.0, 2.0}}) {
+      CTornGrid grid({{{{begin, 0.0}, {4.0, 16.0}}}, {{{begin, 0.0}, {14.0, 16.0}}}});
+      grid.Raise([&](int column, int row) {
+        const auto isLeftOf = [&](double end) { return column < begin + (end - begin) * row / 16.0; };
+        return heights[isLeftOf(4.0) ? 0 : isLeftOf(14.0) ? 1 : 2];
+      });
+      const CFileMesh solid = CleanSolid(grid.m_Grid, {}, 2.0);
+      EXPECT_EQ(EdgesNotOfTwoFacets(solid), 0) << begin << ' ' << heights[0];
+      WriteText(directory.File("fan.stl"), StlBytes(solid, UpAxis::Z));
+      ASSERT_EQ(RunIn(directory.Path(), "admesh fan.stl"), 0);
+      const std::string report = WordsOf(BytesOf(directory.File("out")));
+      EXPECT_NE(report.find("Total disconnected facets : 0 0 "), std::string::npos) << report;
+      EXPECT_NE(report.find("Facets removed : 0 Facets added : 0 Facets reversed : 0 Backwards edges : 0 "),
+                std::string::npos)
+          << report;
+    }
   }
 }
 
