@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include <GL/gl.h>
@@ -203,11 +204,17 @@ TEST_F(ImageViewDrawingTest, FrameBufferIsSavedAsFarAsTheViewportReaches) {
 }
 
 TEST_F(ImageViewDrawingTest, DrawingIsTheSameOnTheScreen) {
+  std::optional<WindowId> window;
+  // Drawn into a window that is there: what is drawn while the window manager still places it may not stay.
+  ASSERT_TRUE(RunToolkitUntil([&] {
+    window = m_Screen.FindWindow(getpid(), m_Window.label());
+    return window.has_value();
+  }));
   LoadPicture(PlainPicture(2, 2, 255, 0, 0));
   View().SetMode(EditingMode::Position);  // the mouse may hover, and leave the flags alone
   View().SetDisplayFlags(ImageFlag::kImage);
-  EXPECT_TRUE(RunToolkitUntil([this] {
-    const auto window = m_Screen.FindWindow(getpid(), m_Window.label());
-    return window.has_value() && m_Screen.Capture(m_Screen.AreaOf(*window)).IsAll(kRed);
-  }));
+  const auto onScreen = [&] { return m_Screen.Capture(m_Screen.AreaOf(*window)); };
+  EXPECT_TRUE(RunToolkitUntil([&] { return onScreen().IsAll(kRed); }))
+      << onScreen().Count(kRed) << " pixels are red, the first is " << onScreen().At({0, 0}) << "; "
+      << m_Screen.AreaOf(*window) << ", flags " << View().DisplayFlags() << ", valid " << int{View().valid()};
 }
