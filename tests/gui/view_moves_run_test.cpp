@@ -10,6 +10,7 @@
 #include "drawing/CCamera.h"
 #include "drawing/DisplayFlags.h"
 #include "drawing/SurfaceFit.h"
+#include "editing/ProjectCamera.h"
 #include "projects/ProjectFile.h"
 #include "support/FileBuilders.h"
 #include "support/gui/Input.h"
@@ -100,13 +101,8 @@ class ModelViewMovesRunTest : public ::testing::Test {
     project.m_Views.m_iEditingMode = static_cast<int>(EditingMode::Position);
     project.m_Views.m_uImageFlags = ImageFlag::kAtStart;
     project.m_Views.m_uModelFlags = ModelFlag::kGrid;
-    project.m_Views.m_Centre = camera.m_Centre;
-    project.m_Views.m_Eye = camera.m_Eye;
-    project.m_Views.m_Up = camera.m_Up;
-    project.m_Views.m_fR = project.m_Views.m_fR0 = camera.m_fR;
-    project.m_Views.m_fTheta = camera.m_fTheta;
-    project.m_Views.m_fPhi = camera.m_fPhi;
-    project.m_Views.m_fZeta = camera.m_fZeta;
+    camera.m_fR0 = camera.m_fR;
+    KeepCamera(camera, project.m_Views);
     EXPECT_TRUE(SaveProject(project, m_File));
     m_Program.emplace(std::vector{m_File});
     m_User.emplace(*m_Program);
@@ -121,18 +117,6 @@ class ModelViewMovesRunTest : public ::testing::Test {
     return ReadProject(m_File).m_Project.value();
   }
   CProjectViews Views() { return Saved().m_Views; }
-  static CCamera CameraOf(const CProjectViews& views) {
-    CCamera camera;
-    camera.m_Centre = views.m_Centre;
-    camera.m_Eye = views.m_Eye;
-    camera.m_Up = views.m_Up;
-    camera.m_fR = views.m_fR;
-    camera.m_fR0 = views.m_fR0;
-    camera.m_fTheta = views.m_fTheta;
-    camera.m_fPhi = views.m_fPhi;
-    camera.m_fZeta = views.m_fZeta;
-    return camera;
-  }
   static void ExpectSame(const CProjectViews& views, const CCamera& camera, double tolerance = 1e-6) {
     EXPECT_LT(Length(views.m_Centre - camera.m_Centre), tolerance);
     EXPECT_LT(Length(views.m_Eye - camera.m_Eye), tolerance);

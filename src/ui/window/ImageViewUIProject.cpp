@@ -8,6 +8,7 @@
 
 #include <FL/Fl_Button.H>
 
+#include "editing/ProjectCamera.h"
 #include "model/CGrid.h"
 #include "projects/CProject.h"
 #include "projects/ProjectPicture.h"
@@ -30,18 +31,6 @@ std::string Absolute(const std::string& file) {
   return file.empty() || error ? file : path.string();
 }
 
-CCamera CameraOf(const CProjectViews& views, CCamera camera) {
-  camera.m_Centre = views.m_Centre;
-  camera.m_Eye = views.m_Eye;
-  camera.m_Up = views.m_Up;
-  camera.m_fR = views.m_fR;
-  camera.m_fR0 = views.m_fR0;
-  camera.m_fTheta = views.m_fTheta;
-  camera.m_fPhi = views.m_fPhi;
-  camera.m_fZeta = views.m_fZeta;
-  return camera;
-}
-
 CurveType CurveTypeOf(std::uint32_t bits) {
   for (const CurveType type : {CurveType::kPosition, CurveType::kNormal, CurveType::kFairness}) {
     if (static_cast<std::uint32_t>(type) == bits) return type;
@@ -52,7 +41,6 @@ CurveType CurveTypeOf(std::uint32_t bits) {
 }  // namespace
 
 void CImageViewUI::AddTo(CProject& project) const {
-  const CCamera& camera = GridView().Camera();
   CProjectViews& views = project.m_Views;
   views.m_iEditingMode = static_cast<int>(ImageView().Mode());
   views.m_uCurveType = static_cast<std::uint32_t>(ImageView().CurveType());
@@ -62,14 +50,7 @@ void CImageViewUI::AddTo(CProject& project) const {
   views.m_iTexture = GridView().DrawTexture();
   views.m_fZoom = g_fZoom;
   views.m_Pan = ImageView().Mapping().PanNow();
-  views.m_Centre = camera.m_Centre;
-  views.m_Eye = camera.m_Eye;
-  views.m_Up = camera.m_Up;
-  views.m_fR = camera.m_fR;
-  views.m_fR0 = camera.m_fR0;
-  views.m_fTheta = camera.m_fTheta;
-  views.m_fPhi = camera.m_fPhi;
-  views.m_fZeta = camera.m_fZeta;
+  KeepCamera(GridView().Camera(), views);
   project.m_Picture = m_Picture;
   project.m_Picture.m_File = Absolute(m_Picture.m_File);
   m_Tools.AddTo(project);
