@@ -240,7 +240,7 @@ TEST_F(GridCommandsTest, WhatIsWrongWithALoadedFileIsTold) {
 }
 
 TEST_F(GridCommandsTest, CurvesRefusedByALoadedFileAreToldAfterItsTrouble) {
-  for (int k = 0; k < 2; ++k) Grid().AddCurve(LineOf(14), CurveType::kFairness, false);
+  for (const int segments : {2, 24}) Grid().AddCurve(LineOf(segments), CurveType::kFairness, false);
   for (CCntrCtrl& curve : CStaging::Constraints(Grid()).Curves()) {
     curve.SetOption(CurveOption::kLeftAutoBump, true);
     curve.SetDistance(CurveSide::Left, kSmallDistance);
