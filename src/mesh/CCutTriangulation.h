@@ -34,6 +34,8 @@ class CCutTriangulation {
   };
 
   // Making it: vertices and triangles, then `Link`.
+  /// Makes room for so many triangles, and the vertices that they have.
+  void Reserve(std::size_t triangles);
   /// Adds a vertex; its number.
   std::uint32_t AddVertex(const CMeshPlace& place);
   /// Adds a triangle with positive area.

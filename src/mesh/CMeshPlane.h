@@ -24,6 +24,8 @@ class CMeshPlane {
   /// the unit of the file.
   CMeshPlane(int cells, double width, double height);
 
+  /// Lattice steps of a side.
+  int Cells() const { return static_cast<int>(2.0 * m_X.m_fHalf); }
   /// The place nearest to a point in lattice coordinates.
   CMeshPlace At(double column, double row) const { return {m_X.PlaceOf(column), m_Y.PlaceOf(row)}; }
   /// The way back. Places of lattice points and of the middles between two give their exact coordinates.

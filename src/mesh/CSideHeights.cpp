@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "mesh/CSideRaiser.h"
 #include "mesh/CSideSearch.h"
 
 CSideHeights::CSideHeights(const CTearPatch& patch, const CTearSides& sides, bool planes, const CExportSteps& steps) {
@@ -11,8 +12,7 @@ CSideHeights::CSideHeights(const CTearPatch& patch, const CTearSides& sides, boo
 std::vector<double> CSideHeights::RaisedOnce(const CTearPatch& patch, const CTearSides& sides,
                                              const std::function<double(std::uint32_t)>& meshHeights,
                                              const CExportSteps& steps) {
-  CSideHeights found;
-  return CSideSearch(patch, sides, found).RaiseAll(meshHeights, steps);
+  return CSideRaiser(patch, sides).Raise(meshHeights, steps);
 }
 
 std::span<const CSideHeights::CTerm> CSideHeights::Terms(std::size_t row) const {

@@ -65,6 +65,7 @@ class CSideHeights {
   std::vector<CPlane> RaisedPlanes(std::span<const double> known, std::span<const double> heights) const;
 
  private:
+  friend class CSideRaiser;
   friend class CSideSearch;
 
   CSideHeights() = default;

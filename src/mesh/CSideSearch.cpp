@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <optional>
 #include <utility>
 
 #include "base/ExportProgress.h"
@@ -11,29 +12,12 @@
 
 namespace {
 
-// In cells: keeps the weight of a triangle around the point itself finite.
-constexpr double kSoftening = 0.25;
 // Farther than any lattice is wide.
 constexpr double kEverywhere = 4096.0;
 // The share of finding out what there is.
 constexpr double kPrepared = 0.4;
 // Some milliseconds' work.
 constexpr std::size_t kCopiesAtOnce = std::size_t{1} << 12;
-
-double WeightAt(double dx, double dy) {
-  const double near = dx * dx + dy * dy + kSoftening;
-  return 1.0 / (near * near);
-}
-
-// What a unit of weight counts on either side of an open end, which counts as much as the other one.
-std::array<double, 2> SharesOf(const std::array<double, 2>& weights) {
-  const bool both = weights[0] > 0.0 && weights[1] > 0.0;
-  std::array<double, 2> shares{};
-  for (std::size_t hand = 0; hand < shares.size(); ++hand) {
-    if (weights[hand] > 0.0) shares[hand] = (both ? 0.5 : 1.0) / weights[hand];
-  }
-  return shares;
-}
 
 }  // namespace
 
@@ -56,7 +40,7 @@ bool CSideSearch::Prepare(const CExportSteps& steps) {
   if (!steps.Part(kPlanes, kFosters).ForBlocks(triangles, findPlanes)) return false;
   FindFosters();
   if (!steps.Goes(kEnds)) return false;
-  FindEnds();
+  m_auBefore = VerticesBeforeEnds(m_Patch.Triangles());
   if (!steps.Goes(kNodes)) return false;
   // Behind them one that is never near, in place of all that there is not.
   m_aNodes.resize(triangles + 1);
@@ -97,41 +81,11 @@ std::vector<bool> CSideSearch::CopiesAtCuts() const {
   return atCut;
 }
 
-// kNone where a height is not known, or all lie on one line.
-std::uint32_t CSideSearch::AddPlane(const std::array<std::uint32_t, 3>& copies) {
-  const auto unknown = [this](std::uint32_t copy) { return !m_Sides.IsKnown(copy); };
-  if (std::ranges::any_of(copies, unknown)) return kNone;
-  const CPoint& p = m_aPoints[m_Sides.VertexOf(copies[0])];
-  const CPoint& q = m_aPoints[m_Sides.VertexOf(copies[1])];
-  const CPoint& r = m_aPoints[m_Sides.VertexOf(copies[2])];
-  const double area = (q.x - p.x) * (r.y - p.y) - (q.y - p.y) * (r.x - p.x);
-  if (area == 0.0) return kNone;
-  CPlane plane{.m_Middle = {(p.x + q.x + r.x) / 3.0, (p.y + q.y + r.y) / 3.0},
-               .m_afSlopeX = {(q.y - r.y) / area, (r.y - p.y) / area, (p.y - q.y) / area},
-               .m_afSlopeY = {(r.x - q.x) / area, (p.x - r.x) / area, (q.x - p.x) / area}};
-  for (std::size_t k = 0; k < copies.size(); ++k) plane.m_auKnown[k] = m_Found.m_auKnownAt[copies[k]];
-  m_aPlanes.push_back(plane);
-  return static_cast<std::uint32_t>(m_aPlanes.size() - 1);
-}
-
-// Two neighbouring triangles of a torn leaf that are in no tear lack the centre, but have three corners between them.
 void CSideSearch::FindPlanes(std::size_t begin, std::size_t end) {
-  const auto triangles = m_Patch.Triangles().Triangles();
   for (auto t = static_cast<std::uint32_t>(begin); t < end; ++t) {
-    const std::array<std::uint32_t, 3> copies{m_Sides.CopyOf(t, 0), m_Sides.CopyOf(t, 1), m_Sides.CopyOf(t, 2)};
-    m_aGifts[t].m_uPlane = AddPlane(copies);
-    const auto& origin = m_Patch.OriginOf(t);
-    if (origin.m_bTorn || origin.m_bWholeLeaf) continue;
-    for (std::uint32_t k = 0; k < 3; ++k) {
-      const std::uint32_t beyond = triangles[t].m_auNeighbours[k];
-      if (beyond == kNone || triangles[t].m_abCut[k]) continue;
-      const auto& other = m_Patch.OriginOf(beyond);
-      if (other.m_uLeaf != origin.m_uLeaf || other.m_bTorn) continue;
-      const std::uint32_t far = m_Sides.CopyOf(beyond, (m_Patch.Triangles().SideInNeighbour(t, k) + 2) % 3);
-      const bool centreFirst = m_Sides.IsKnown(copies[(k + 1) % 3]);
-      const std::uint32_t plane = AddPlane({centreFirst ? copies[(k + 1) % 3] : copies[k], copies[(k + 2) % 3], far});
-      if (plane != kNone) m_aGifts[t].m_uPlane = plane;
-    }
+    const std::optional<CSidePlane> plane = SidePlaneOf(m_Patch, m_Sides, t);
+    m_aGifts[t].m_uPlane = plane ? static_cast<std::uint32_t>(m_aPlanes.size()) : kNone;
+    if (plane) m_aPlanes.push_back(*plane);
   }
 }
 
@@ -167,33 +121,13 @@ void CSideSearch::FindFosters() {
   }
 }
 
-// Where a single cut side begins or ends inside the surface.
-void CSideSearch::FindEnds() {
-  const CCutTriangulation& triangles = m_Patch.Triangles();
-  std::vector<std::uint8_t> cuts(triangles.VertexCount());
-  m_auBefore.assign(triangles.VertexCount(), kNone);
-  for (std::uint32_t t = 0; t < triangles.Triangles().size(); ++t) {
-    const auto& triangle = triangles.Triangle(t);
-    for (std::uint32_t k = 0; k < 3; ++k) {
-      const std::uint32_t beyond = triangle.m_auNeighbours[k];
-      if (!triangle.m_abCut[k] || (beyond != kNone && beyond < t)) continue;
-      const std::uint32_t a = triangle.m_auVertices[k];
-      const std::uint32_t b = triangle.m_auVertices[(k + 1) % 3];
-      for (const auto& [end, other] : {std::pair{a, b}, std::pair{b, a}}) {
-        cuts[end] = static_cast<std::uint8_t>(std::min(cuts[end] + 1, 2));
-        m_auBefore[end] = cuts[end] == 1 ? other : kNone;
-      }
-    }
-  }
-}
-
 void CSideSearch::MakeNodes(std::size_t begin, std::size_t end) {
   const CCutTriangulation& triangles = m_Patch.Triangles();
   for (auto t = static_cast<std::uint32_t>(begin); t < end; ++t) {
     const auto& triangle = triangles.Triangle(t);
     CNode& node = m_aNodes[t];
     for (std::uint32_t k = 0; k < 3; ++k) {
-      const CPoint& p = m_aPoints[triangle.m_auVertices[k]];
+      const CSidePoint& p = m_aPoints[triangle.m_auVertices[k]];
       const std::array place{static_cast<float>(p.x), static_cast<float>(p.y)};
       for (std::size_t axis = 0; axis < place.size(); ++axis) {
         node.m_afLeast[axis] = k == 0 ? place[axis] : std::min(node.m_afLeast[axis], place[axis]);
@@ -272,22 +206,22 @@ CSideSearch::CTerm& CSideSearch::TermOf(std::uint32_t known) {
   return m_aTerms[at];
 }
 
-// The side of an open end that a plane lies on; always the first where no cut ends.
+// Always the first where no cut ends.
 std::size_t CSideSearch::HandOf(double dx, double dy) const {
   if (m_uBefore == kNone) return 0;
-  const CPoint& before = m_aPoints[m_uBefore];
-  return (m_Point.y - before.y) * dx - (m_Point.x - before.x) * dy > 0.0 ? 0 : 1;
+  const CSidePoint& before = m_aPoints[m_uBefore];
+  return SideOfEnd({m_Point.x - before.x, m_Point.y - before.y}, dx, dy);
 }
 
 // By its distance from the middle of the triangle, and on the side of an open end that this lies on.
-void CSideSearch::Count(const CPlane& plane) {
+void CSideSearch::Count(const CSidePlane& plane) {
   const double dx = m_Point.x - plane.m_Middle.x;
   const double dy = m_Point.y - plane.m_Middle.y;
-  const double weight = WeightAt(dx, dy);
+  const double weight = SideWeightAt(dx, dy);
   const std::size_t hand = HandOf(dx, dy);
   m_afWeights[hand] += weight;
-  for (std::size_t k = 0; k < plane.m_auKnown.size(); ++k) {
-    CTerm& term = TermOf(plane.m_auKnown[k]);
+  for (std::size_t k = 0; k < plane.m_auCopies.size(); ++k) {
+    CTerm& term = TermOf(m_Found.m_auKnownAt[plane.m_auCopies[k]]);
     term.m_afWeight[hand] += weight * (1.0 / 3.0 + plane.m_afSlopeX[k] * dx + plane.m_afSlopeY[k] * dy);
     term.m_afSlopeX[hand] += weight * plane.m_afSlopeX[k];
     term.m_afSlopeY[hand] += weight * plane.m_afSlopeY[k];
@@ -296,7 +230,7 @@ void CSideSearch::Count(const CPlane& plane) {
 
 // The mean of each side's planes, and of the two sides.
 void CSideSearch::AddRow(std::uint32_t copy, bool slopes) {
-  const std::array<double, 2> share = SharesOf(m_afWeights);
+  const std::array<double, 2> share = SharesOfSides(m_afWeights);
   const auto mean = [&share](const std::array<double, 2>& sums) { return share[0] * sums[0] + share[1] * sums[1]; };
   m_Found.m_auRows[copy] = static_cast<std::uint32_t>(m_Found.m_aRows.size());
   const auto first = static_cast<std::uint32_t>(m_Found.m_aSlopes.size());
@@ -308,33 +242,22 @@ void CSideSearch::AddRow(std::uint32_t copy, bool slopes) {
       {copy, static_cast<std::uint32_t>(m_Found.m_aTerms.size()), slopes ? first : CSideHeights::kNone});
 }
 
-std::vector<double> CSideSearch::RaiseAll(const std::function<double(std::uint32_t)>& meshHeights,
-                                          const CExportSteps& steps) {
-  std::vector<double> heights(m_Sides.CopyCount());
-  if (!Prepare(steps.Part(0, kPrepared / 2))) return heights;
-  m_afKnown.reserve(m_Found.m_auKnown.size());
-  for (const std::uint32_t vertex : m_Found.m_auKnown) m_afKnown.push_back(meshHeights(vertex));
+void CSideSearch::Raise(std::span<const std::uint32_t> copies, std::span<double> heights, const CExportSteps& steps) {
+  if (!Prepare(steps.Part(0, kPrepared / 2))) return;
   m_aRaised.resize(m_aGifts.size());
-  const auto raiseGifts = [this](std::size_t begin, std::size_t end) { RaiseGifts(begin, end); };
-  if (!steps.Part(kPrepared / 2, kPrepared).ForBlocks(m_aGifts.size(), raiseGifts)) return heights;
-  steps.Part(kPrepared, 1)
-      .ForBlocks(
-          heights.size(),
-          [&](std::size_t begin, std::size_t end) {
-            for (auto copy = static_cast<std::uint32_t>(begin); copy < end; ++copy) {
-              const std::uint32_t known = m_Found.m_auKnownAt[copy];
-              heights[copy] = known != kNone ? m_afKnown[known] : HeightAt(copy);
-            }
-          },
-          kCopiesAtOnce);
-  return heights;
+  const auto raiseGifts = [&](std::size_t begin, std::size_t end) { RaiseGifts(begin, end, heights); };
+  if (!steps.Part(kPrepared / 2, kPrepared).ForBlocks(m_aGifts.size(), raiseGifts)) return;
+  const auto raise = [&](std::size_t begin, std::size_t end) {
+    for (const std::uint32_t copy : copies.subspan(begin, end - begin)) heights[copy] = HeightAt(copy);
+  };
+  steps.Part(kPrepared, 1).ForBlocks(copies.size(), raise, kCopiesAtOnce);
 }
 
-void CSideSearch::RaisePlane(const CPlane& plane, CRaised& raised) const {
+void CSideSearch::RaisePlane(const CSidePlane& plane, std::span<const double> heights, CRaised& raised) {
   raised.m_Middle = plane.m_Middle;
   raised.m_fCounts = 1.0;
-  for (std::size_t k = 0; k < plane.m_auKnown.size(); ++k) {
-    const double z = m_afKnown[plane.m_auKnown[k]];
+  for (std::size_t k = 0; k < plane.m_auCopies.size(); ++k) {
+    const double z = heights[plane.m_auCopies[k]];
     raised.m_Range.Add(z);
     raised.m_fZ += z / 3.0;
     raised.m_fSlopeX += plane.m_afSlopeX[k] * z;
@@ -342,12 +265,12 @@ void CSideSearch::RaisePlane(const CPlane& plane, CRaised& raised) const {
   }
 }
 
-void CSideSearch::RaiseGifts(std::size_t begin, std::size_t end) {
-  for (std::size_t t = begin; t < end; ++t) {
-    for (const std::uint32_t known : m_aGifts[t].m_auKnown) {
-      if (known != kNone) m_aRaised[t].m_Range.Add(m_afKnown[known]);
+void CSideSearch::RaiseGifts(std::size_t begin, std::size_t end, std::span<const double> heights) {
+  for (auto t = static_cast<std::uint32_t>(begin); t < end; ++t) {
+    for (std::uint32_t k = 0; k < 3; ++k) {
+      if (m_aGifts[t].m_auKnown[k] != kNone) m_aRaised[t].m_Range.Add(heights[m_Sides.CopyOf(t, k)]);
     }
-    if (m_aGifts[t].m_uPlane != kNone) RaisePlane(m_aPlanes[m_aGifts[t].m_uPlane], m_aRaised[t]);
+    if (m_aGifts[t].m_uPlane != kNone) RaisePlane(m_aPlanes[m_aGifts[t].m_uPlane], heights, m_aRaised[t]);
   }
 }
 
@@ -356,42 +279,25 @@ double CSideSearch::HeightAt(std::uint32_t copy) {
   CSum sum;
   for (double reach = CSideHeights::kRing;; reach *= 2.0) {
     FindNear(copy, reach);
-    sum = m_uBefore == kNone ? SumOfOneSide() : SumOfTwoSides();
+    sum = SumOfPlanes();
     if (sum.m_afWeights[0] + sum.m_afWeights[1] > 0.0 || reach >= kEverywhere) break;
   }
-  const std::array<double, 2> share = SharesOf(sum.m_afWeights);
+  const std::array<double, 2> share = SharesOfSides(sum.m_afWeights);
   return sum.m_Range.Widened().Within(share[0] * sum.m_afSums[0] + share[1] * sum.m_afSums[1]);
 }
 
-// The planes of the triangles that are near, at the point in hand.
-CSideSearch::CSum CSideSearch::SumOfTwoSides() const {
+// Those of the triangles that are near, at the point in hand.
+CSideSearch::CSum CSideSearch::SumOfPlanes() const {
   CSum sum;
   for (const std::uint32_t t : m_auNear) {
     const CRaised& plane = m_aRaised[t];
     const double dx = m_Point.x - plane.m_Middle.x;
     const double dy = m_Point.y - plane.m_Middle.y;
-    const double weight = plane.m_fCounts * WeightAt(dx, dy);
+    const double weight = plane.m_fCounts * SideWeightAt(dx, dy);
     const std::size_t hand = HandOf(dx, dy);
     sum.m_afWeights[hand] += weight;
     sum.m_afSums[hand] += weight * (plane.m_fZ + plane.m_fSlopeX * dx + plane.m_fSlopeY * dy);
     sum.m_Range.Add(plane.m_Range);
   }
   return sum;
-}
-
-// The same where no cut ends, which is nearly everywhere: sums that are not looked up stay in the processor.
-CSideSearch::CSum CSideSearch::SumOfOneSide() const {
-  double weights = 0.0;
-  double heights = 0.0;
-  CSideHeights::CRange range;
-  for (const std::uint32_t t : m_auNear) {
-    const CRaised& plane = m_aRaised[t];
-    const double dx = m_Point.x - plane.m_Middle.x;
-    const double dy = m_Point.y - plane.m_Middle.y;
-    const double weight = plane.m_fCounts * WeightAt(dx, dy);
-    weights += weight;
-    heights += weight * (plane.m_fZ + plane.m_fSlopeX * dx + plane.m_fSlopeY * dy);
-    range.Add(plane.m_Range);
-  }
-  return {{weights, 0.0}, {heights, 0.0}, range};
 }

@@ -3,11 +3,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <span>
 #include <vector>
 
 #include "mesh/CSideHeights.h"
+#include "mesh/SidePlanes.h"
 
 class CTearPatch;
 class CTearSides;
@@ -21,26 +21,13 @@ class CSideSearch {
   CSideSearch(const CTearPatch& patch, const CTearSides& sides, CSideHeights& found)
       : m_Patch(patch), m_Sides(sides), m_Found(found) {}
 
-  /// `FindAll` or `RaiseAll`, once. `planes` also for the copies at cuts, with slopes.
+  /// `FindAll` or `Raise`, once. `planes` also for the copies at cuts, with slopes.
   void FindAll(bool planes, const CExportSteps& steps);
-  /// The heights of all copies for one surface, as CSideHeights has them: sums of planes cost a fraction of what
-  /// finding the terms of each height does. `meshHeights` gives the height of a vertex of the mesh. Not all where
-  /// `steps` do not go on.
-  std::vector<double> RaiseAll(const std::function<double(std::uint32_t)>& meshHeights, const CExportSteps& steps);
+  /// Sets the heights of some copies to be continued for one surface, whose known heights are in place: both by copy.
+  /// What is found for one does not serve the next; CSideRaiser does that. Not all where `steps` do not go on.
+  void Raise(std::span<const std::uint32_t> copies, std::span<double> heights, const CExportSteps& steps);
 
  private:
-  // A vertex, in lattice coordinates.
-  struct CPoint {
-    double x = 0.0;
-    double y = 0.0;
-  };
-  // Through three heights of one side: the middle between them, and what the plane grows by per cell and unit of each.
-  struct CPlane {
-    std::array<std::uint32_t, 3> m_auKnown{};
-    CPoint m_Middle;
-    std::array<double, 3> m_afSlopeX{};
-    std::array<double, 3> m_afSlopeY{};
-  };
   // All that a search reads of a triangle on its way: small, as it meets some hundred of them, and never in two lines
   // of the processor's memory.
   struct alignas(32) CNode {
@@ -64,7 +51,7 @@ class CSideSearch {
 
   // The same for one surface.
   struct alignas(64) CRaised {
-    CPoint m_Middle;
+    CSidePoint m_Middle;
     double m_fZ = 0.0;  ///< of the plane at its middle
     double m_fSlopeX = 0.0;
     double m_fSlopeY = 0.0;
@@ -82,17 +69,14 @@ class CSideSearch {
   static constexpr std::uint32_t kNone = CSideHeights::kNone;
 
   bool Prepare(const CExportSteps& steps);
-  void RaiseGifts(std::size_t begin, std::size_t end);
-  void RaisePlane(const CPlane& plane, CRaised& raised) const;
+  void RaiseGifts(std::size_t begin, std::size_t end, std::span<const double> heights);
+  static void RaisePlane(const CSidePlane& plane, std::span<const double> heights, CRaised& raised);
   double HeightAt(std::uint32_t copy);
-  CSum SumOfOneSide() const;
-  CSum SumOfTwoSides() const;
+  CSum SumOfPlanes() const;
   std::uint32_t NoNode() const { return static_cast<std::uint32_t>(m_aNodes.size() - 1); }
   void NumberKnown();
   void FindPlanes(std::size_t begin, std::size_t end);
-  std::uint32_t AddPlane(const std::array<std::uint32_t, 3>& copies);
   void FindFosters();
-  void FindEnds();
   void MakeNodes(std::size_t begin, std::size_t end);
   std::vector<bool> CopiesAtCuts() const;
   void Continue(std::uint32_t copy, bool slopes);
@@ -101,28 +85,26 @@ class CSideSearch {
   void FindNear(std::uint32_t copy, double reach);
   void LookAround(std::uint32_t copy, double reach);
   CTerm& TermOf(std::uint32_t known);
-  void Count(const CPlane& plane);
+  void Count(const CSidePlane& plane);
   void AddRow(std::uint32_t copy, bool slopes);
 
   const CTearPatch& m_Patch;
   const CTearSides& m_Sides;
   CSideHeights& m_Found;
-  std::vector<CPoint> m_aPoints;  ///< by vertex
-  std::vector<CPlane> m_aPlanes;
+  std::vector<CSidePoint> m_aPoints;  ///< by vertex
+  std::vector<CSidePlane> m_aPlanes;
   std::vector<CNode> m_aNodes;             ///< by triangle, and one for none
   std::vector<CGift> m_aGifts;             ///< by triangle
   std::vector<std::uint32_t> m_auFosters;  ///< by piece: that which lends it planes; kNone where it needs none
   std::vector<std::uint32_t> m_auBefore;   ///< by vertex: the vertex before an open end; kNone elsewhere
 
-  // For one surface.
-  std::vector<double> m_afKnown;
-  std::vector<CRaised> m_aRaised;  ///< by triangle
+  std::vector<CRaised> m_aRaised;  ///< by triangle, for one surface
 
   // The search in hand.
   std::uint32_t m_uSearch = 0;
   std::vector<std::uint32_t> m_auQueue;
   std::span<const std::uint32_t> m_auNear;  ///< what it has found, in m_auQueue
-  CPoint m_Point;
+  CSidePoint m_Point;
   std::uint32_t m_uBefore = kNone;      ///< the vertex before an open end
   std::array<double, 2> m_afWeights{};  ///< of the planes on either side
   std::vector<CTerm> m_aTerms;

@@ -79,11 +79,15 @@ bool CTearPatch::ChooseLeaves(const CQuadTree& tree, int reach, const CExportSte
 bool CTearPatch::AddTriangles(const CQuadTree& tree, const CSurfaceMesh& mesh, const CExportSteps& steps) {
   constexpr double kChosen = 0.2;
   constexpr double kVertices = 0.6;
+  // Nearly all leaves have four.
   std::vector<CChosen> chosen;
+  chosen.reserve(static_cast<std::size_t>(std::ranges::count(m_abLeaves, 1)) * 4);
   mesh.ForEachTriangle([&](std::uint32_t a, std::uint32_t b, std::uint32_t centre, bool torn) {
     const auto leaf = static_cast<std::uint32_t>(centre - m_uCorners);
     if (m_abLeaves[leaf] != 0) chosen.push_back({{a, b, centre}, leaf, torn});
   });
+  // With room for those of the cuts.
+  m_Triangles.Reserve(chosen.size() + chosen.size() / 4);
   std::vector<std::uint32_t> numbers(mesh.VertexCount(), kNone);
   if (!AddVertices(tree, mesh, chosen, numbers, steps.Part(kChosen, kVertices))) return false;
   std::uint32_t last = kNone;
@@ -96,7 +100,7 @@ bool CTearPatch::AddTriangles(const CQuadTree& tree, const CSurfaceMesh& mesh, c
       last = leaf;
       m_Triangles.AddTriangle({numbers[vertices[0]], numbers[vertices[1]], numbers[vertices[2]]},
                               static_cast<std::uint32_t>(m_aOrigins.size()));
-      m_aOrigins.push_back({leaf, place, torn, tree.Leaves()[leaf].m_uMarked == 0});
+      m_aOrigins.push_back({leaf, place, torn, tree.Leaves()[leaf].m_uMarked == 0, tree.Leaves()[leaf].m_uSize == 1});
     }
   };
   return steps.Part(kVertices, 1).ForBlocks(chosen.size(), add);

@@ -31,6 +31,7 @@ class CTearPatch {
     std::uint8_t m_uPlace = 0;  ///< its number among those of the leaf
     bool m_bTorn = false;       ///< lies in a tear
     bool m_bWholeLeaf = false;  ///< no triangle of the leaf does
+    bool m_bUnit = false;       ///< the leaf is one lattice step wide, and has four triangles
   };
 
   /// `mesh` must have been built from `tree`; `reach` is at least kReach. Not whole where `steps` do not go on.
@@ -41,6 +42,7 @@ class CTearPatch {
   CCutTriangulation& Triangles() { return m_Triangles; }
   const CCutTriangulation& Triangles() const { return m_Triangles; }
   const COrigin& Origin(std::uint32_t origin) const { return m_aOrigins[origin]; }
+  std::size_t OriginCount() const { return m_aOrigins.size(); }
   /// What a triangle was cut from.
   const COrigin& OriginOf(std::uint32_t t) const { return m_aOrigins[m_Triangles.Triangle(t).m_uOrigin]; }
   bool HoldsLeaf(std::size_t leaf) const { return !m_abLeaves.empty() && m_abLeaves[leaf] != 0; }

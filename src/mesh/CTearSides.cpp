@@ -61,26 +61,31 @@ bool CTearSides::JoinCorners(const CTearPatch& patch, const std::vector<bool>& a
 // same.
 bool CTearSides::FindCopies(const CTearPatch& patch, const std::vector<bool>& atCut, CGroups& groups,
                             const CExportSteps& steps) {
-  const auto slots = static_cast<std::uint32_t>(3 * patch.Triangles().Triangles().size());
-  std::vector<std::uint32_t> copyOf(slots, CTearPatch::kNone);
+  const std::span<const CCutTriangulation::CTriangle> triangles = patch.Triangles().Triangles();
+  std::vector<std::uint32_t> copyOf(3 * triangles.size(), CTearPatch::kNone);
   std::vector<std::uint32_t> onlyCopyOf(patch.Triangles().VertexCount(), CTearPatch::kNone);
-  m_auCopies.reserve(slots);
-  const auto find = [&](std::uint32_t slot) {
-    const std::uint32_t vertex = patch.Triangles().Triangle(slot / 3).m_auVertices[slot % 3];
-    std::uint32_t& copy = atCut[vertex] ? copyOf[groups.Find(slot)] : onlyCopyOf[vertex];
-    if (copy == CTearPatch::kNone) {
-      copy = static_cast<std::uint32_t>(m_auVertices.size());
-      m_auVertices.push_back(vertex);
-      m_auTriangles.push_back(slot / 3);
-      m_abKnown.push_back(false);
+  m_auCopies.reserve(3 * triangles.size());
+  m_auVertices.reserve(onlyCopyOf.size());
+  m_auTriangles.reserve(onlyCopyOf.size());
+  const auto find = [&](std::uint32_t t) {
+    const CTearPatch::COrigin& origin = patch.OriginOf(t);
+    for (std::uint32_t k = 0; k < 3; ++k) {
+      const std::uint32_t vertex = triangles[t].m_auVertices[k];
+      std::uint32_t& copy = atCut[vertex] ? copyOf[groups.Find(3 * t + k)] : onlyCopyOf[vertex];
+      if (copy == CTearPatch::kNone) {
+        copy = static_cast<std::uint32_t>(m_auVertices.size());
+        m_auVertices.push_back(vertex);
+        m_auTriangles.push_back(t);
+        m_abKnown.push_back(false);
+      }
+      m_auCopies.push_back(copy);
+      const bool isCorner = patch.IsCorner(vertex);
+      const bool isCentre = !isCorner && patch.MeshVertex(vertex) != CTearPatch::kNone;
+      if ((isCorner && !origin.m_bTorn) || (isCentre && origin.m_bWholeLeaf)) m_abKnown[copy] = true;
     }
-    m_auCopies.push_back(copy);
-    const CTearPatch::COrigin& origin = patch.OriginOf(slot / 3);
-    const bool isCentre = !patch.IsCorner(vertex) && patch.MeshVertex(vertex) != CTearPatch::kNone;
-    if ((patch.IsCorner(vertex) && !origin.m_bTorn) || (isCentre && origin.m_bWholeLeaf)) m_abKnown[copy] = true;
   };
-  return steps.ForBlocks(slots, [&](std::size_t begin, std::size_t end) {
-    for (auto slot = static_cast<std::uint32_t>(begin); slot < end; ++slot) find(slot);
+  return steps.ForBlocks(triangles.size(), [&](std::size_t begin, std::size_t end) {
+    for (auto t = static_cast<std::uint32_t>(begin); t < end; ++t) find(t);
   });
 }
 
