@@ -10,7 +10,8 @@
 /// says what they are.
 ///
 /// The values are those at the points of a subdivision or those of a raster over the whole model; of the two at least
-/// one is empty. Where a value is not a number the photograph is as it was.
+/// one is empty, both where there is nothing to show but the legend, or nothing yet. Where a value is not a number the
+/// photograph is as it was.
 struct COverlay {
   /// Rows from the bottom; pixels are rectangles that cover the model evenly.
   struct CRaster {
@@ -30,7 +31,7 @@ struct COverlay {
   bool m_bHasBar = true;       ///< the legend shows map and range; without it, only the title and the unit
 
   std::vector<double> m_afAtPoints;  ///< by scan position (see CPointOrder)
-  std::uint64_t m_uTree = 0;         ///< the revision of the tree whose points they are
+  std::uint64_t m_uTree = 0;         ///< the revision of the tree whose points they are, or are going to be
   CRaster m_Raster;
 
   /// Where a value lies between the ends of the map, 0 to 1; in the middle of a range that is empty.

@@ -12,7 +12,7 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
-#include "model/CSurfaceMesh.h"
+#include "base/Memory.h"
 #include "quadtree/CPointOrder.h"
 #include "quadtree/CQuadTree.h"
 
@@ -21,16 +21,6 @@ namespace {
 constexpr int kMapTexels = 256;
 // More than a view has pixels is seen by nobody.
 constexpr int kMostTexels = 1024;
-
-// The value of every vertex of a mesh from those by lattice point, as the heights of the surface are made.
-std::vector<double> ValuesOfVertices(const CQuadTree& tree, const CSurfaceMesh& mesh, std::span<const double> values) {
-  // Their third number is the value.
-  std::vector<double> positions(3 * mesh.VertexCount());
-  mesh.Raise(tree, std::span(positions), values);
-  std::vector<double> ofVertices(mesh.VertexCount());
-  for (std::size_t v = 0; v < ofVertices.size(); ++v) ofVertices[v] = positions[3 * v + 2];
-  return ofVertices;
-}
 
 // The mean of the numbers in a rectangle of a raster; not a number where there are none.
 double MeanOf(const COverlay::CRaster& raster, int x0, int x1, int y0, int y1) {
@@ -67,40 +57,64 @@ void SetSmoothTexture(GLenum target) {
 void COverlayPainter::Set(std::shared_ptr<const COverlay> overlay, const CQuadTree& tree, const CPointOrder& order) {
   Clear();
   m_pOverlay = std::move(overlay);
-  if (m_pOverlay == nullptr) return;
+  if (m_pOverlay == nullptr) {
+    m_Mesh = {};
+    m_uMeshOf.reset();
+    for (std::vector<float>* floats : {&m_afPositions, &m_afPlaces}) Release(*floats);
+    Release(m_auWithValues);
+    return;
+  }
   if (!m_pOverlay->m_Raster.m_afValues.empty()) MakeTexels();
-  if (m_pOverlay->m_afAtPoints.size() == order.Count() && m_pOverlay->m_uTree == tree.Revision())
-    MakeTriangles(tree, order);
+  if (m_pOverlay->m_uTree != tree.Revision()) return;
+  const std::vector<double>& values = m_pOverlay->m_afAtPoints;
+  const bool due = values.empty() && m_pOverlay->m_Raster.m_afValues.empty();
+  const bool any =
+      values.size() == order.Count() && std::ranges::any_of(values, [](double value) { return !std::isnan(value); });
+  if (due || any) MakeMesh(tree);
+  if (!any) return;
+  MakePlaces(tree, order);
+  ChooseTriangles();
 }
 
 void COverlayPainter::Clear() {
-  m_afPositions.clear();
+  m_Triangles = {};
   m_afPlaces.clear();
-  m_auTriangles.clear();
+  m_auWithValues.clear();
   m_auTexels.clear();
   m_iTexelSide = 0;
 }
 
-void COverlayPainter::MakeTriangles(const CQuadTree& tree, const CPointOrder& order) {
+void COverlayPainter::MakeMesh(const CQuadTree& tree) {
+  const bool otherTree = m_uMeshOf != tree.Revision();
+  if (!otherTree && m_Extent == tree.Lattice().Extent()) return;
+  if (otherTree) m_Mesh.Build(tree);
+  m_Mesh.Place(tree, m_afPositions);
+  m_uMeshOf = tree.Revision();
+  m_Extent = tree.Lattice().Extent();
+}
+
+// The values of the vertices are made of those at the points as the heights of the surface are.
+void COverlayPainter::MakePlaces(const CQuadTree& tree, const CPointOrder& order) {
   std::vector<double> values(tree.Lattice().PointCount(), std::numeric_limits<double>::quiet_NaN());
   for (std::size_t k = 0; k < order.Count(); ++k) values[order.PointAtScan(k)] = m_pOverlay->m_afAtPoints[k];
-  CSurfaceMesh mesh;
-  mesh.Build(tree);
-  const std::vector<double> ofVertices = ValuesOfVertices(tree, mesh, values);
-  mesh.Place(tree, m_afPositions);
-  m_afPlaces.resize(ofVertices.size());
-  for (std::size_t v = 0; v < ofVertices.size(); ++v)
-    m_afPlaces[v] = static_cast<float>(std::clamp(m_pOverlay->PlaceOf(ofVertices[v]), 0.0, 1.0));
-  const std::span<const std::uint32_t> triangles = mesh.Triangles();
-  if (std::ranges::none_of(ofVertices, [](double value) { return std::isnan(value); })) {
-    m_auTriangles.assign(triangles.begin(), triangles.end());
-    return;
+  m_afPlaces.reserve(m_Mesh.VertexCount());
+  const auto add = [this](double value) {
+    m_afPlaces.push_back(static_cast<float>(std::clamp(m_pOverlay->PlaceOf(value), 0.0, 1.0)));
+  };
+  for (const std::uint32_t point : m_Mesh.Points()) add(values[point]);
+  for (const CLeaf& leaf : tree.Leaves()) add(CSurfaceMesh::CentreHeight(tree, leaf, values));
+}
+
+void COverlayPainter::ChooseTriangles() {
+  m_Triangles = m_Mesh.Triangles();
+  const auto hasValue = [this](std::uint32_t vertex) { return !std::isnan(m_afPlaces[vertex]); };
+  if (std::ranges::none_of(m_afPlaces, [](float place) { return std::isnan(place); })) return;
+  for (std::size_t t = 0; t + 2 < m_Triangles.size(); t += 3) {
+    const auto corners = m_Triangles.subspan(t, 3);
+    if (std::ranges::all_of(corners, hasValue))
+      m_auWithValues.insert(m_auWithValues.end(), corners.begin(), corners.end());
   }
-  for (std::size_t t = 0; t + 2 < triangles.size(); t += 3) {
-    const auto corners = triangles.subspan(t, 3);
-    if (std::ranges::any_of(corners, [&](std::uint32_t v) { return std::isnan(ofVertices[v]); })) continue;
-    m_auTriangles.insert(m_auTriangles.end(), corners.begin(), corners.end());
-  }
+  m_Triangles = m_auWithValues;
 }
 
 void COverlayPainter::MakeTexels() {
@@ -127,7 +141,7 @@ void COverlayPainter::Draw(const CExtent& extent) {
   if (m_pOverlay == nullptr) return;
   // The texture matrix and the mode of the context are those of others.
   glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-  if (!m_auTriangles.empty()) DrawTriangles();
+  if (!m_Triangles.empty()) DrawTriangles();
   if (!m_auTexels.empty()) DrawRaster(extent);
   glColor3d(1, 1, 1);
 }
@@ -159,7 +173,7 @@ void COverlayPainter::DrawTriangles() const {
   constexpr GLsizei kStride = 3 * sizeof(float);
   glVertexPointer(2, GL_FLOAT, kStride, m_afPositions.data());
   glTexCoordPointer(1, GL_FLOAT, 0, m_afPlaces.data());
-  glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(m_auTriangles.size()), GL_UNSIGNED_INT, m_auTriangles.data());
+  glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(m_Triangles.size()), GL_UNSIGNED_INT, m_Triangles.data());
   glDisableClientState(GL_TEXTURE_COORD_ARRAY);
   glDisableClientState(GL_VERTEX_ARRAY);
   glDisable(GL_TEXTURE_1D);

@@ -2,18 +2,20 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "drawing/COverlay.h"
 #include "lattice/CLattice.h"
+#include "model/CSurfaceMesh.h"
 
 class CQuadTree;
 class CPointOrder;
 
 /// Draws an overlay, without its legend. What is drawn is made when the overlay is taken up: values at points are
 /// interpolated over the triangles of the leaves, those in a tear left out, and a redraw neither walks the tree nor
-/// makes anything.
+/// makes anything. Other values over the same subdivision and tears cost no more than themselves.
 class COverlayPainter {
  public:
   COverlayPainter() = default;
@@ -22,8 +24,9 @@ class COverlayPainter {
   COverlayPainter(const COverlayPainter&) = delete;
   COverlayPainter& operator=(const COverlayPainter&) = delete;
 
-  /// Takes up an overlay; null for none. One over the points of another subdivision than `tree` shows nothing; leaves
-  /// must be listed. Linear in the number of leaves, or of the raster's pixels.
+  /// Takes up an overlay; null for none, which gives the memory back. One over the points of another subdivision than
+  /// `tree` shows nothing; one over those of `tree` that has no values yet gets all ready for them. Leaves must be
+  /// listed. Linear in the number of leaves, or of the raster's pixels.
   void Set(std::shared_ptr<const COverlay> overlay, const CQuadTree& tree, const CPointOrder& order);
   /// The overlay that is shown, or null.
   const COverlay* Shown() const { return m_pOverlay.get(); }
@@ -36,19 +39,26 @@ class COverlayPainter {
   /// triangles.
   std::span<const float> Positions() const { return m_afPositions; }
   std::span<const float> Places() const { return m_afPlaces; }
-  std::span<const std::uint32_t> Triangles() const { return m_auTriangles; }
+  std::span<const std::uint32_t> Triangles() const { return m_Triangles; }
 
  private:
   void Clear();
-  void MakeTriangles(const CQuadTree& tree, const CPointOrder& order);
+  void MakeMesh(const CQuadTree& tree);
+  void MakePlaces(const CQuadTree& tree, const CPointOrder& order);
+  void ChooseTriangles();
   void MakeTexels();
   void DrawTriangles() const;
   void DrawRaster(const CExtent& extent);
 
   std::shared_ptr<const COverlay> m_pOverlay;
+  /// What does not depend on the values, and the subdivision and the rectangle that it was made of.
+  CSurfaceMesh m_Mesh;
   std::vector<float> m_afPositions;
-  std::vector<float> m_afPlaces;
-  std::vector<std::uint32_t> m_auTriangles;
+  std::optional<std::uint64_t> m_uMeshOf;
+  CExtent m_Extent;
+  std::vector<float> m_afPlaces;               ///< not a number where there is no value
+  std::span<const std::uint32_t> m_Triangles;  ///< all of the mesh, or these:
+  std::vector<std::uint32_t> m_auWithValues;
   std::vector<std::uint8_t> m_auTexels;  ///< of the raster, red, green, blue and opacity
   int m_iTexelSide = 0;
   unsigned m_uTexture = 0;

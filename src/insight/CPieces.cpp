@@ -1,7 +1,7 @@
 #include "insight/CPieces.h"
 
 #include <algorithm>
-#include <array>
+#include <cstddef>
 #include <utility>
 
 #include "insight/CGroups.h"
@@ -10,65 +10,112 @@
 
 namespace {
 
+// One of the leaf edges along the sides of a leaf.
+struct CSideEdge {
+  CPieces::CJoint m_Ends;  // the left or lower one first
+  double m_fLength;        // lattice steps
+  bool m_bAlongX;
+  bool m_bCut;
+};
+
 // The leaf edges along the sides of leaves, and between which points each lies.
 class CLeafEdges {
  public:
-  CLeafEdges(const CQuadTree& tree, const CPointOrder& order) : m_Tree(tree), m_Order(order) {}
+  CLeafEdges(const CQuadTree& tree, const CPointOrder& order) : m_Tree(tree), m_auScanAt(tree.Lattice().PointCount()) {
+    for (std::uint32_t k = 0; k < order.Count(); ++k) m_auScanAt[order.PointAtScan(k)] = k;
+  }
 
-  // visit(leaf, side, edge, ends); an edge between two leaves comes twice.
+  // visit(leaf, side, edge); an edge between two leaves comes twice.
   template <typename Visit>
   void ForEach(const Visit& visit) const {
     for (const CLeaf& leaf : m_Tree.Leaves()) {
-      for (int side = 0; side < 4; ++side) {
-        VisitHalves(leaf.m_pCell->Edge(side),
-                    [&](const CEdge& edge) { visit(leaf, static_cast<unsigned>(side), edge, EndsOf(edge)); });
+      if (leaf.m_uSize == 1) {
+        VisitNarrow(leaf, visit);
+        continue;
+      }
+      for (unsigned side = 0; side < 4; ++side) {
+        VisitHalves(leaf.m_pCell->Edge(static_cast<int>(side)), [&](const CEdge& edge) {
+          visit(leaf, side, CSideEdge{EndsOf(edge), edge.Length(), edge.IsHorizontal(), edge.HasBothMarks()});
+        });
       }
     }
   }
 
  private:
+  // The sides of the narrowest leaves have no halves, and are cut only where their own triangle is in the tear: without
+  // a look at the edges, which memory is slow to give.
+  template <typename Visit>
+  void VisitNarrow(const CLeaf& leaf, const Visit& visit) const {
+    const std::size_t up = leaf.m_uPoint + static_cast<std::size_t>(m_Tree.Lattice().PointsPerSide());
+    const std::uint32_t lowerLeft = m_auScanAt[leaf.m_uPoint];
+    const std::uint32_t lowerRight = m_auScanAt[leaf.m_uPoint + 1];
+    const std::uint32_t upperLeft = m_auScanAt[up];
+    const std::uint32_t upperRight = m_auScanAt[up + 1];
+    const auto isCut = [&leaf](int side) {
+      return (leaf.m_uMarked >> side & 1U) != 0 && leaf.m_pCell->Edge(side).HasBothMarks();
+    };
+    visit(leaf, kBottom, CSideEdge{{lowerLeft, lowerRight}, 1.0, true, isCut(kBottom)});
+    visit(leaf, kRight, CSideEdge{{lowerRight, upperRight}, 1.0, false, isCut(kRight)});
+    visit(leaf, kTop, CSideEdge{{upperLeft, upperRight}, 1.0, true, isCut(kTop)});
+    visit(leaf, kLeft, CSideEdge{{lowerLeft, upperLeft}, 1.0, false, isCut(kLeft)});
+  }
   template <typename Visit>
   static void VisitHalves(const CEdge& edge, const Visit& visit) {
     if (edge.IsLeaf()) return visit(edge);
     VisitHalves(edge.Half(0), visit);
     VisitHalves(edge.Half(1), visit);
   }
-  std::uint32_t PointAt(int column, int row) const {
-    return m_Order.ScanOf(static_cast<std::size_t>(m_Order.NumberOf(m_Tree.Lattice().Index(column, row))));
-  }
   CPieces::CJoint EndsOf(const CEdge& edge) const {
-    return {PointAt(edge.Xa(), edge.Ya()), PointAt(edge.Xb(), edge.Yb())};
+    const CLattice& lattice = m_Tree.Lattice();
+    return {m_auScanAt[lattice.Index(edge.Xa(), edge.Ya())], m_auScanAt[lattice.Index(edge.Xb(), edge.Yb())]};
   }
 
   const CQuadTree& m_Tree;
-  const CPointOrder& m_Order;
+  std::vector<std::uint32_t> m_auScanAt;  // by lattice point, of those in use
 };
+
+// Every outer side of a triangle in no tear.
+template <typename Visit>
+void VisitSlopes(const CLattice& lattice, const CLeafEdges& edges, const Visit& visit) {
+  edges.ForEach([&](const CLeaf& leaf, unsigned side, const CSideEdge& edge) {
+    if ((leaf.m_uMarked >> side & 1U) != 0) return;
+    const double length = edge.m_fLength * (edge.m_bAlongX ? lattice.StepX() : lattice.StepY());
+    // Of a triangle whose tip is the centre of the leaf.
+    const double depth = leaf.m_uSize * (edge.m_bAlongX ? lattice.StepY() : lattice.StepX()) / 2;
+    visit(CPieces::CSlope{edge.m_Ends, length, length * depth, edge.m_bAlongX});
+  });
+}
 
 }  // namespace
 
 void CPieces::Build(const CQuadTree& tree, const CPointOrder& order) {
   const CLattice& lattice = tree.Lattice();
   const auto side = static_cast<std::uint32_t>(lattice.PointsPerSide());
-  m_aPlaces.clear();
+  m_aPlaces.resize(order.Count());
   for (std::size_t k = 0; k < order.Count(); ++k) {
     const std::uint32_t point = order.PointAtScan(k);
     const std::uint32_t row = point / side;
-    m_aPlaces.push_back({lattice.XOf(point % side), lattice.YOf(row)});
+    m_aPlaces[k] = {lattice.XOf(point % side), lattice.YOf(row)};
   }
+  const CLeafEdges edges(tree, order);
   CGroups groups(order.Count());
   m_aCuts.clear();
-  CLeafEdges(tree, order).ForEach([&](const CLeaf& /*leaf*/, unsigned /*side*/, const CEdge& edge, const CJoint& ends) {
-    if (edge.HasBothMarks()) {
-      m_aCuts.push_back(ends);
+  edges.ForEach([&](const CLeaf& /*leaf*/, unsigned /*side*/, const CSideEdge& edge) {
+    if (edge.m_bCut) {
+      m_aCuts.push_back(edge.m_Ends);
     } else {
-      groups.Join(ends.m_uA, ends.m_uB);
+      groups.Join(edge.m_Ends.m_uA, edge.m_Ends.m_uB);
     }
   });
   std::vector<std::uint32_t> roots(order.Count());
   for (std::uint32_t point = 0; point < roots.size(); ++point) roots[point] = groups.Of(point);
   Number(roots);
   MeasureBoxes();
-  MeasureAreas(tree, order);
+  VisitSlopes(lattice, edges, [this](const CSlope& slope) {
+    CPiece& piece = m_aPieces[m_auPiece[slope.m_Ends.m_uA]];
+    piece.m_fArea += slope.m_fArea / 2;
+    (slope.m_bAlongX ? piece.m_fAlongX : piece.m_fAlongY) += slope.m_fArea;
+  });
 }
 
 // Pieces are numbered by their first points. Cut edges within a piece, at the end of a tear, part nothing.
@@ -111,23 +158,7 @@ void CPieces::MeasureBoxes() {
   }
 }
 
-void CPieces::MeasureAreas(const CQuadTree& tree, const CPointOrder& order) {
-  ForEachSlope(tree, order, [this](const CSlope& slope) {
-    CPiece& piece = m_aPieces[m_auPiece[slope.m_Ends.m_uA]];
-    piece.m_fArea += slope.m_fArea / 2;
-    (slope.m_bAlongX ? piece.m_fAlongX : piece.m_fAlongY) += slope.m_fArea;
-  });
-}
-
 void CPieces::ForEachSlope(const CQuadTree& tree, const CPointOrder& order,
                            const std::function<void(const CSlope&)>& visit) {
-  const CLattice& lattice = tree.Lattice();
-  CLeafEdges(tree, order).ForEach([&](const CLeaf& leaf, unsigned side, const CEdge& edge, const CJoint& ends) {
-    if ((leaf.m_uMarked >> side & 1U) != 0) return;
-    const bool alongX = edge.IsHorizontal();
-    const double length = edge.Length() * (alongX ? lattice.StepX() : lattice.StepY());
-    // Of a triangle whose tip is the centre of the leaf.
-    const double depth = leaf.m_uSize * (alongX ? lattice.StepY() : lattice.StepX()) / 2;
-    visit({ends, length, length * depth, alongX});
-  });
+  VisitSlopes(tree.Lattice(), CLeafEdges(tree, order), visit);
 }

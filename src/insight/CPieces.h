@@ -73,7 +73,6 @@ class CPieces {
  private:
   void Number(std::span<const std::uint32_t> roots);
   void MeasureBoxes();
-  void MeasureAreas(const CQuadTree& tree, const CPointOrder& order);
 
   std::vector<CPlanePoint> m_aPlaces;     ///< by point
   std::vector<std::uint32_t> m_auPiece;   ///< by point

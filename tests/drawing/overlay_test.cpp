@@ -7,6 +7,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -18,6 +19,7 @@
 #include "report/SurfaceHeights.h"
 #include "support/ConstraintBuilders.h"
 #include "support/CurveBuilders.h"
+#include "support/TreeBuilders.h"
 #include "support/UpdateBuilders.h"
 
 namespace {
@@ -115,6 +117,75 @@ TEST_F(OverlayPainterTest, ValuesOfAnotherSubdivisionAreNotShown) {
   Show(overlay);
   EXPECT_TRUE(m_Painter.Triangles().empty());
   EXPECT_NE(m_Painter.Shown(), nullptr);
+}
+
+// The window is not to be held up by them when the values come.
+TEST_F(OverlayPainterTest, TrianglesAreMadeBeforeTheValuesAndKept) {
+  Prepare();
+  COverlay overlay = Columns();
+  std::vector<double> columns;
+  std::swap(columns, overlay.m_afAtPoints);
+  Show(overlay);
+  EXPECT_TRUE(m_Painter.Triangles().empty()) << "there is nothing to show yet";
+  const float* positions = m_Painter.Positions().data();
+  ASSERT_NE(positions, nullptr);
+  overlay.m_afAtPoints = columns;
+  Show(overlay);
+  const std::uint32_t* triangles = m_Painter.Triangles().data();
+  ASSERT_NE(triangles, nullptr);
+  for (double& value : overlay.m_afAtPoints) value = overlay.m_fHigh - value;
+  Show(overlay);
+  EXPECT_EQ(m_Painter.Positions().data(), positions);
+  EXPECT_EQ(m_Painter.Triangles().data(), triangles);
+  EXPECT_EQ(m_Painter.Triangles().size(), 12 * Grid().Surface().Tree().Leaves().size());
+  const CLattice& lattice = Grid().Surface().Lattice();
+  for (std::size_t v = 0; v < m_Painter.Places().size(); ++v)
+    EXPECT_NEAR(m_Painter.Places()[v], 1 - lattice.ColumnOf(m_Painter.Positions()[3 * v]) / 16, 1e-6);
+  m_Painter.Set(nullptr, Grid().Surface().Tree(), Grid().Surface().Order());
+  EXPECT_EQ(m_Painter.Positions().data(), nullptr) << "memory that nobody needs";
+}
+
+// The columns of the points, over the tree as it is.
+void ExpectColumns(COverlayPainter& painter, CTestTree& test) {
+  test.Settle();
+  test.m_Tree.ListLeaves();
+  COverlay overlay;
+  overlay.m_fHigh = test.m_Lattice.PointsPerSide() - 1;
+  overlay.m_uTree = test.m_Tree.Revision();
+  const auto side = static_cast<std::uint32_t>(test.m_Lattice.PointsPerSide());
+  for (std::size_t k = 0; k < test.m_Order.Count(); ++k)
+    overlay.m_afAtPoints.push_back(test.m_Order.PointAtScan(k) % side);
+  painter.Set(std::make_shared<const COverlay>(overlay), test.m_Tree, test.m_Order);
+  CSurfaceMesh mesh;
+  mesh.Build(test.m_Tree);
+  std::vector<float> positions;
+  mesh.Place(test.m_Tree, positions);
+  EXPECT_TRUE(std::ranges::equal(painter.Triangles(), mesh.Triangles()));
+  ASSERT_EQ(painter.Places().size(), mesh.VertexCount());
+  ASSERT_EQ(painter.Positions().size(), positions.size());
+  for (std::size_t v = 0; v < mesh.VertexCount(); ++v) {
+    EXPECT_EQ(painter.Positions()[3 * v], positions[3 * v]);
+    EXPECT_EQ(painter.Positions()[3 * v + 1], positions[3 * v + 1]);
+    EXPECT_NEAR(painter.Places()[v], test.m_Lattice.ColumnOf(positions[3 * v]) / overlay.m_fHigh, 1e-6);
+  }
+}
+
+TEST(OverlayPainter, MakesOtherTrianglesForEveryOtherTearSubdivisionAndRectangle) {
+  CTestTree test(4, 2);
+  COverlayPainter painter;
+  ExpectColumns(painter, test);
+  MakeLeaf(test.m_Tree, 0, 5, 9);
+  ExpectColumns(painter, test);
+  // A tear through leaves that stay, and gone again.
+  CQuadT& leaf = *test.m_Tree.PointInCell_g(14, 14);
+  leaf.SetFlags(1U << kTop);
+  ExpectColumns(painter, test);
+  const std::size_t torn = painter.Triangles().size();
+  leaf.ClearFlags(1U << kTop);
+  ExpectColumns(painter, test);
+  EXPECT_EQ(painter.Triangles().size(), torn + 3);
+  test.m_Lattice.SetExtent({0, 3, 0, 5});
+  ExpectColumns(painter, test);
 }
 
 TEST(OverlayValues, MisfitIsNoneRightAfterSavingAndThenWhatHasChanged) {

@@ -11,6 +11,7 @@
 #include "support/UpdateBuilders.h"
 #include "support/gui/WindowTest.h"
 #include "ui/seams/OverlaySource.h"
+#include "ui/window/COverlays.h"
 
 namespace {
 
@@ -26,6 +27,39 @@ class CTestSource : public OverlaySource {
   int m_iUpdates = 0;
   int m_iEnds = 0;
 };
+
+// Always another overlay, for which it takes a fifth of a second.
+class CSlowSource : public OverlaySource {
+ public:
+  CSlowSource(double& time, bool followsEdits) : m_fTime(time), m_bFollowsEdits(followsEdits) {}
+  std::shared_ptr<const COverlay> Update() override {
+    m_fTime += 0.2;
+    return std::make_shared<const COverlay>();
+  }
+  bool FollowsEditsAlone() const override { return m_bFollowsEdits; }
+  void Begin() override {}
+
+ private:
+  double& m_fTime;
+  bool m_bFollowsEdits;
+};
+
+// Seconds from the end of an answer until there is the next one.
+double PauseAfterAnswerOf(bool followsEdits) {
+  double time = 0.0;
+  int shown = 0;
+  COverlays overlays([&shown](const std::shared_ptr<const COverlay>& overlay) { shown += overlay != nullptr ? 1 : 0; },
+                     [&time] { return time; });
+  CSlowSource source(time, followsEdits);
+  overlays.Show(&source);
+  const double ended = time;
+  while (shown == 1) {
+    time += 0.01;
+    overlays.Follow();
+  }
+  overlays.Show(nullptr);
+  return time - ended;
+}
 
 class WindowOverlaysTest : public WindowTest {
  protected:
@@ -80,6 +114,21 @@ TEST_F(WindowOverlaysTest, OverlayOfATool) {
   EXPECT_EQ(m_Window.Overlays().Shown() == &source, false);
 }
 
+TEST(Overlays, QuickEditsAreFollowedWithinHalfASecondAndTheSolverAtAFifthOfTheTime) {
+  EXPECT_LT(PauseAfterAnswerOf(true), 0.45);
+  EXPECT_NEAR(PauseAfterAnswerOf(false), 4 * 0.2 + 0.2, 0.05);
+}
+
+TEST_F(WindowOverlaysTest, RegionsThatFloatFollowEditsAlone) {
+  const auto followsEditsAlone = [this](MenuEntry entry) {
+    Menu().Choose(entry);
+    return m_Window.Overlays().Shown()->FollowsEditsAlone();
+  };
+  EXPECT_TRUE(followsEditsAlone(MenuEntry::FloatingRegions));
+  EXPECT_FALSE(followsEditsAlone(MenuEntry::Misfit));
+  EXPECT_FALSE(followsEditsAlone(MenuEntry::Bending));
+}
+
 TEST_F(WindowOverlaysTest, FollowsTheSurfaceWithinHalfASecond) {
   Menu().Choose(MenuEntry::Bending);
   const std::vector<double> before = Shown()->m_afAtPoints;
@@ -132,8 +181,10 @@ TEST_F(WindowOverlaysTest, InfluenceIsThatOfTheSelectedConstraint) {
   Menu().Choose(MenuEntry::InfluenceMap);
   EXPECT_EQ(Shown()->m_Title, "Influence: select a constraint to see it");
   Grid().SelectPtCstr(10, 22, PtCstrKind::kPosition);
+  ASSERT_TRUE(RunToolkitUntil([this] { return Shown()->m_Title == "Influence of a height larger by 1"; }));
+  ASSERT_FALSE(Shown()->m_bHasBar);
+  EXPECT_EQ(Shown()->m_uTree, Grid().Surface().Tree().Revision()) << "the view gets its triangles ready";
   ASSERT_TRUE(RunToolkitUntil([this] { return Shown()->m_bHasBar; }));
-  EXPECT_EQ(Shown()->m_Title, "Influence of a height larger by 1");
   EXPECT_GE(Shown()->m_fHigh, 1.0 - 1e-6);
   const COverlay* shown = Shown();
   for (int k = 0; k < 20; ++k) Tick();

@@ -16,6 +16,8 @@ class OverlaySource {
   /// Whether the answer is still being worked out: it is then asked without a pause, and works for a few milliseconds
   /// each time.
   virtual bool IsBusy() const { return false; }
+  /// Whether edits alone make it another one, and no tick of the solver.
+  virtual bool FollowsEditsAlone() const { return false; }
   /// Its overlay is to be shown from now on: the next answer is not null.
   virtual void Begin() = 0;
   /// It is shown no more: another one is, or none.

@@ -160,8 +160,10 @@ bool CInfluenceOverlay::WorkOut(CWork& work) {
 // The round of the toolkit that this brings about is all that is needed; the answer may have to wait.
 void CInfluenceOverlay::cb_Done(int descriptor, void* /*overlay*/) { Fl::remove_fd(descriptor); }
 
+// All is got ready for the heights while these are worked out.
 COverlay CInfluenceOverlay::Titled() const {
   COverlay overlay;
+  overlay.m_uTree = m_Shown->m_uTree;
   overlay.m_bHasBar = false;
   if (m_Shown->m_Curve != CurveId::kNone) {
     overlay.m_Title = "Influence of a degree of the curve's orientation";
@@ -179,7 +181,6 @@ std::shared_ptr<const COverlay> CInfluenceOverlay::Result() {
   m_Step = Step::Done;
   COverlay overlay = Titled();
   overlay.m_afAtPoints = std::move(m_pWork->m_afHeights);
-  overlay.m_uTree = m_Shown->m_uTree;
   overlay.m_bHasBar = true;
   if (!m_pWork->m_Influence.IsExact()) overlay.m_asNotes.emplace_back("Not exact: the solver gave up");
   if (m_pWork->m_bSettled) overlay.m_asNotes.emplace_back("With the floating regions settled");

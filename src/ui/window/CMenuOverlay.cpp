@@ -10,7 +10,8 @@ bool IsWhole(const CGrid& grid) { return grid.Solver().Counter() >= 0 && !grid.R
 bool MayBeShown(const CGrid& grid) { return Fl::modal() == nullptr && IsWhole(grid); }
 
 std::shared_ptr<const COverlay> CPlainOverlay::Update() {
-  const std::pair now{m_Grid.Surface().Tree().Revision(), m_Revision()};
+  const CSurface& surface = m_Grid.Surface();
+  const std::pair now{surface.Tree().Revision(), FollowsEditsAlone() ? m_Grid.Gate().Edits() : surface.Revision()};
   if (m_Made == now || !MayBeShown(m_Grid)) return nullptr;
   m_Made = now;
   return std::make_shared<const COverlay>(m_Make());

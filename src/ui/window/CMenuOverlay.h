@@ -39,23 +39,24 @@ bool IsWhole(const CGrid& grid);
 /// Whether that may be shown now: a tick with a dialog open has taken edits up, and builds their system only after it.
 bool MayBeShown(const CGrid& grid);
 
-/// One that is made at once, whenever a number that stands for the model has changed: a surface is another, or an edit
-/// was made.
+/// One that is made at once, whenever what it is of has changed, or the tree.
 class CPlainOverlay : public CMenuOverlay {
  public:
+  /// The heights, which every tick moves, or what only edits change.
+  enum class Follows { Surface, Edits };
   using Make = std::function<COverlay()>;
-  using Revision = std::function<std::uint64_t()>;
 
-  /// `grid` must outlive the object; `revision` is looked at beside the revision of its tree.
-  CPlainOverlay(MenuEntry entry, CMainMenu& menu, const CGrid& grid, Revision revision, Make make)
-      : CMenuOverlay(entry, menu), m_Grid(grid), m_Revision(std::move(revision)), m_Make(std::move(make)) {}
+  /// `grid` must outlive the object.
+  CPlainOverlay(MenuEntry entry, CMainMenu& menu, CGrid& grid, Follows follows, Make make)
+      : CMenuOverlay(entry, menu), m_Grid(grid), m_Follows(follows), m_Make(std::move(make)) {}
 
   std::shared_ptr<const COverlay> Update() override;
+  bool FollowsEditsAlone() const override { return m_Follows == Follows::Edits; }
   void MakeAnew() override { m_Made.reset(); }
 
  private:
-  const CGrid& m_Grid;
-  Revision m_Revision;
+  CGrid& m_Grid;
+  Follows m_Follows;
   Make m_Make;
-  std::optional<std::pair<std::uint64_t, std::uint64_t>> m_Made;  ///< tree and revision of what was made last
+  std::optional<std::pair<std::uint64_t, std::uint64_t>> m_Made;  ///< the tree, and the other, of what was made last
 };

@@ -10,15 +10,14 @@
 
 COverlayEntries::COverlayEntries(CGrid& grid, CMainMenu& menu, COverlays& overlays, CInfluenceOverlay::CWindow window)
     : m_Grid(grid), m_Menu(menu), m_Overlays(overlays) {
-  const auto add = [this](MenuEntry entry, const CPlainOverlay::Revision& revision, const CPlainOverlay::Make& make) {
-    m_apEntries.push_back(std::make_unique<CPlainOverlay>(entry, m_Menu, m_Grid, revision, make));
+  using Follows = CPlainOverlay::Follows;
+  const auto add = [this](MenuEntry entry, Follows follows, const CPlainOverlay::Make& make) {
+    m_apEntries.push_back(std::make_unique<CPlainOverlay>(entry, m_Menu, m_Grid, follows, make));
   };
-  const auto surface = [this] { return m_Grid.Surface().Revision(); };
-  const auto edits = [this] { return m_Grid.Gate().Edits(); };
-  add(MenuEntry::FloatingRegions, edits, [this] { return FloatingOverlay(m_Grid); });
+  add(MenuEntry::FloatingRegions, Follows::Edits, [this] { return FloatingOverlay(m_Grid); });
   m_apEntries.push_back(std::make_unique<CInfluenceOverlay>(m_Menu, m_Grid, std::move(window)));
-  add(MenuEntry::Misfit, surface, [this] { return MisfitOverlay(m_Grid, m_Saved); });
-  add(MenuEntry::Bending, surface, [this] { return BendingOverlay(m_Grid); });
+  add(MenuEntry::Misfit, Follows::Surface, [this] { return MisfitOverlay(m_Grid, m_Saved); });
+  add(MenuEntry::Bending, Follows::Surface, [this] { return BendingOverlay(m_Grid); });
 }
 
 COverlayEntries::~COverlayEntries() {

@@ -63,7 +63,8 @@ void COverlays::Ask() {
   if (overlay == nullptr) return;
   m_Show(std::move(overlay));
   const double ended = m_Now();
-  m_fNext = ended + std::max(kLeastPause, kShare * (ended - began));
+  const double share = m_pSource->FollowsEditsAlone() ? 0.0 : kShare * (ended - began);
+  m_fNext = ended + std::max(kLeastPause, share);
 }
 
 // Going round is all that is needed.

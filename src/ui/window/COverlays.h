@@ -9,8 +9,9 @@ struct COverlay;
 /// The overlays of the image view, of which at most one is shown: beginning one ends the one before.
 ///
 /// The source of the one that is shown is asked once per round of the toolkit, but after an answer not before a fifth
-/// of a second has passed, and four times as long as the answer took: the solver must not wait for colours. One that
-/// is still at work is asked in every round.
+/// of a second has passed, and four times as long as the answer took: the solver must not wait for colours. For those
+/// that follow edits alone a fifth of a second is enough, as these come by hand. One that is still at work is asked in
+/// every round.
 class COverlays {
  public:
   /// `show` brings an overlay, or null for none, to the view; `now` is the time in seconds, from any start.
