@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -14,6 +16,10 @@ std::uint64_t KeyOf(const CMeshPlace& place) {
 constexpr int kMostTurns = 64;
 // In cells; more than a triangle beside a tear is wide.
 constexpr double kAhead = 2.0;
+// In cells. Points of a cut that are nearer to each other are one.
+constexpr double kLeast = 1.0 / 4096;
+// How far one gives way to another, with room for rounding: a vertex behind it must not be taken for one on its way.
+constexpr double kApart = CTearCutter::kOnePoint + 0.25 / 4096;
 
 }  // namespace
 
@@ -86,7 +92,7 @@ std::uint32_t CTearCutter::PlaceIn(std::uint32_t t, const CMeshPlace& place) {
     return m_Plane.Distance(place, m_Triangles.Place(v[k]), m_Triangles.Place(v[(k + 1) % 3]));
   };
   const std::uint32_t side = std::ranges::min(std::array{0U, 1U, 2U}, {}, distance);
-  if (distance(side) < kOnePoint) return SplitNear(t, side, place);
+  if (distance(side) < kOnePoint) return SplitNear(t, side, place, place);
   return m_Triangles.SplitTriangle(t, place).value_or(corner);
 }
 
@@ -98,8 +104,55 @@ std::vector<std::uint32_t> CTearCutter::CornersBeside(std::uint32_t t, std::uint
   return corners;
 }
 
+// A vertex nearer than that to a place at a side, through however many triangles; kNone for none.
+std::uint32_t CTearCutter::Nearer(double distance, std::uint32_t t, std::uint32_t side, const CMeshPlace& place) {
+  m_auAround.assign(1, t);
+  const auto look = [&](std::uint32_t beyond) {
+    if (beyond != kNone && std::ranges::find(m_auAround, beyond) == m_auAround.end()) m_auAround.push_back(beyond);
+  };
+  look(m_Triangles.Triangle(t).m_auNeighbours[side]);
+  std::size_t looked = 0;
+  while (looked < m_auAround.size()) {
+    const CCutTriangulation::CTriangle& triangle = m_Triangles.Triangle(m_auAround[looked++]);
+    for (std::uint32_t k = 0; k < 3; ++k) {
+      const std::uint32_t vertex = triangle.m_auVertices[k];
+      if (Between(vertex, place) < distance) return vertex;
+      const CMeshPlace& next = m_Triangles.Place(triangle.m_auVertices[(k + 1) % 3]);
+      if (m_Plane.Distance(place, m_Triangles.Place(vertex), next) < distance) look(triangle.m_auNeighbours[k]);
+    }
+  }
+  return kNone;
+}
+
+// The vertex at a side for a place there that is too near to a vertex: one beside that, or an end of the side,
+// whichever is nearer to where the cut leads.
+std::uint32_t CTearCutter::GiveWay(std::uint32_t near, std::uint32_t t, std::uint32_t side, const CMeshPlace& place,
+                                   const CMeshPlace& to) {
+  const auto& triangle = m_Triangles.Triangle(t);
+  const std::array<std::uint32_t, 2> ends{triangle.m_auVertices[side], triangle.m_auVertices[(side + 1) % 3]};
+  const CMeshPlace a = m_Triangles.Place(ends[0]);
+  const CMeshPlace b = m_Triangles.Place(ends[1]);
+  const CMeshPlace& vertex = m_Triangles.Place(near);
+  const double off = m_Plane.Distance(vertex, a, b);
+  const double along = std::sqrt(std::max(kApart * kApart - off * off, 0.0)) / m_Plane.Distance(a, b);
+  const double share = m_Plane.Nearest(vertex, a, b);
+  std::array places{CMeshPlane::Between(a, b, std::max(share - along, 0.0)),
+                    CMeshPlane::Between(a, b, std::min(share + along, 1.0))};
+  if (m_Plane.Distance(places[1], to) < m_Plane.Distance(places[0], to)) std::swap(places[0], places[1]);
+  for (const CMeshPlace& at : places) {
+    for (const std::uint32_t end : ends) {
+      if (Between(end, at) < kOnePoint) return end;
+    }
+    if (Nearer(kOnePoint, t, side, at) != kNone) continue;
+    if (const std::optional<std::uint32_t> split = m_Triangles.SplitSide(t, side, at)) return *split;
+  }
+  const std::uint32_t nearer = Between(ends[0], place) <= Between(ends[1], place) ? ends[0] : ends[1];
+  return m_Triangles.SplitSide(t, side, place).value_or(nearer);
+}
+
 // A side on the border of the rectangle is split on it, whatever the place; another part of the rim is not split.
-std::uint32_t CTearCutter::SplitNear(std::uint32_t t, std::uint32_t side, const CMeshPlace& place) {
+std::uint32_t CTearCutter::SplitNear(std::uint32_t t, std::uint32_t side, const CMeshPlace& place,
+                                     const CMeshPlace& to) {
   const auto& triangle = m_Triangles.Triangle(t);
   const std::array<std::uint32_t, 2> ends{triangle.m_auVertices[side], triangle.m_auVertices[(side + 1) % 3]};
   const std::uint32_t nearer = Between(ends[0], place) <= Between(ends[1], place) ? ends[0] : ends[1];
@@ -114,7 +167,8 @@ std::uint32_t CTearCutter::SplitNear(std::uint32_t t, std::uint32_t side, const 
   for (const std::uint32_t corner : CornersBeside(t, side)) {
     if (Between(corner, at) < kOnePoint && m_Triangles.Flip(t, side, corner)) return corner;
   }
-  return m_Triangles.SplitSide(t, side, at).value_or(nearer);
+  const std::uint32_t tooNear = Nearer(kLeast, t, side, at);
+  return tooNear == kNone ? m_Triangles.SplitSide(t, side, at).value_or(nearer) : GiveWay(tooNear, t, side, at, to);
 }
 
 // Where to go on from a vertex: a point of the line not far ahead, so that vertices that the cut has to pass through
@@ -171,7 +225,7 @@ std::uint32_t CTearCutter::CrossSide(const CCorner& corner, const CMeshPlace& to
   const auto behind = static_cast<double>(Turn(m_Triangles.Place(from), b, to));
   const double whole = before + behind;
   const double share = whole != 0.0 ? before / whole : 0.5;
-  return SplitNear(corner.m_uTriangle, (corner.m_uPlace + 1) % 3, CMeshPlane::Between(a, b, share));
+  return SplitNear(corner.m_uTriangle, (corner.m_uPlace + 1) % 3, CMeshPlane::Between(a, b, share), to);
 }
 
 std::uint32_t CTearCutter::SplitBetween(std::uint32_t a, std::uint32_t b, double share) {

@@ -12,7 +12,8 @@
 ///
 /// A line becomes a path of cut sides: where it crosses a side, that is split. Points of the cut nearer to a vertex
 /// than `kOnePoint`, or at a side nearer to it than that, are the vertex and split the side; so are those that rounding
-/// would bring to a place where no triangle could be split. Linear in the number of triangles passed.
+/// would bring to a place where no triangle could be split. A vertex so near behind triangles without room cannot be
+/// reached: the point gives way to it along the side. Linear in the number of triangles passed.
 class CTearCutter {
  public:
   /// In cells one lattice step wide. Points of a cut nearer to each other than 2^-12 of a cell, which is four steps of
@@ -44,8 +45,11 @@ class CTearCutter {
   std::uint32_t Step(std::uint32_t from, const CLine& line, bool& arrived);
   CCorner CornerTowards(std::uint32_t from, const CMeshPlace& to);
   std::uint32_t CrossSide(const CCorner& corner, const CMeshPlace& to);
-  std::uint32_t SplitNear(std::uint32_t t, std::uint32_t side, const CMeshPlace& place);
+  std::uint32_t SplitNear(std::uint32_t t, std::uint32_t side, const CMeshPlace& place, const CMeshPlace& to);
   std::vector<std::uint32_t> CornersBeside(std::uint32_t t, std::uint32_t side) const;
+  std::uint32_t Nearer(double distance, std::uint32_t t, std::uint32_t side, const CMeshPlace& place);
+  std::uint32_t GiveWay(std::uint32_t near, std::uint32_t t, std::uint32_t side, const CMeshPlace& place,
+                        const CMeshPlace& to);
   double Between(std::uint32_t vertex, const CMeshPlace& place) const {
     return m_Plane.Distance(m_Triangles.Place(vertex), place);
   }
@@ -54,5 +58,6 @@ class CTearCutter {
   const CMeshPlane& m_Plane;
   std::unordered_map<std::uint64_t, std::uint32_t> m_Vertices;  ///< what the places given before have become
   std::vector<CCorner> m_aCorners;                              ///< around the vertex in hand
+  std::vector<std::uint32_t> m_auAround;                        ///< triangles near the place in hand
   std::uint32_t m_uLast = 0;                                    ///< a triangle near the place looked for last
 };

@@ -147,6 +147,17 @@ RC_GTEST_PROP(CleanMeshProperty, SurfaceCoversTheRectangleOnceAndIsCutAlongTheCu
   RC_ASSERT(LeastDistance(mesh, judge) >= kOnePoint);
 }
 
+// Where cuts once had points nearer to each other: with two triangles without room between them, or more.
+TEST(CleanMeshProperty, PointsOfCutsKeepTheirDistanceThroughTrianglesWithoutRoom) {
+  for (const std::uint32_t seed : {3308U, 5308U, 7653U, 7897U, 7953U, 10350U, 10905U, 13771U, 17140U, 18710U}) {
+    CRandomGrid grid(seed);
+    const CCleanMesh mesh = grid.Mesh();
+    const CMeshJudge judge(grid, mesh);
+    EXPECT_GE(LeastDistance(mesh, judge), kOnePoint) << seed;
+    EXPECT_LT(FarthestFromCuts(grid, judge), 8 * kOnePoint) << seed;
+  }
+}
+
 RC_GTEST_PROP(CleanMeshProperty, WallsCloseTheTears, (std::uint32_t seed)) {
   CRandomGrid grid(seed);
   const CCleanMesh mesh = grid.Mesh({.m_Gap = TearGap::Wall, .m_fScale = 3.7, .m_fHeightScale = 0.3});
