@@ -18,7 +18,7 @@ enum Facing : std::size_t { kFacesDown, kFacesRight, kFacesUp, kFacesLeft, kFaci
 // from coming round.
 constexpr int kRowBits = 8;
 
-std::uint64_t SpreadBits(std::uint64_t from, std::uint64_t squares) {
+std::uint64_t SpreadIn(std::uint64_t from, std::uint64_t squares) {
   for (std::uint64_t before = 0; before != from;) {
     before = from;
     from |= (from << 1U | from >> 1U | from << kRowBits | from >> kRowBits) & squares;
@@ -301,7 +301,7 @@ void CSideRaiser::SpreadFrom(std::uint32_t start) {
         }
       }
     }
-    m_uFound = SpreadBits(m_uFound, m_uSquares);
+    m_uFound = SpreadIn(m_uFound, m_uSquares);
     if (m_uFound == entered) break;
     EnterFrom(m_uFound & ~entered);
     entered = m_uFound;
