@@ -150,38 +150,58 @@ std::optional<CMeshPlace> CTornSurface::BorderBeside(const CCutTriangulation::CC
   return m_Patch.Plane().AreOnOneBorder(from, to) ? std::optional(to) : std::nullopt;
 }
 
-// `ring` are the corners around a vertex, once or from border to border.
-void CTornSurface::OpenEdge(std::span<const CCutTriangulation::CCorner> ring, bool onBorder) {
-  std::vector<std::uint32_t> around;
+// The copies of a vertex in the order of `ring`, the corners around it, once or from border to border; those that
+// follow each other at one height are a corner of the surface together.
+std::vector<CTornSurface::CCopies> CTornSurface::CornersIn(std::span<const CCutTriangulation::CCorner> ring,
+                                                           bool onBorder) const {
+  std::vector<CCopies> corners;
   for (const auto& [t, place] : ring) {
     const std::uint32_t copy = m_aCorners[t][place];
-    if (around.empty() || around.back() != copy) around.push_back(copy);
+    if (corners.empty() || Written(corners.back().back()) != Written(copy)) {
+      corners.push_back({copy});
+    } else if (corners.back().back() != copy) {
+      corners.back().push_back(copy);
+    }
   }
-  if (!onBorder && around.front() == around.back()) around.pop_back();
+  if (onBorder || corners.size() == 1 || Written(corners.front().front()) != Written(corners.back().back()))
+    return corners;
+  for (const std::uint32_t copy : corners.back()) {
+    if (std::ranges::find(corners.front(), copy) == corners.front().end()) corners.front().push_back(copy);
+  }
+  corners.pop_back();
+  return corners;
+}
+
+void CTornSurface::OpenEdge(std::span<const CCutTriangulation::CCorner> ring, bool onBorder) {
+  const std::vector<CCopies> around = CornersIn(ring, onBorder);
   const std::size_t count = around.size();
+  const auto heightOf = [&](std::size_t k) { return Written(around[k % count].front()); };
   std::map<std::uint32_t, CMoved> moved;
+  std::size_t corners = 0;
   for (std::size_t k = 0; k < count; ++k) {
     float foot = -std::numeric_limits<float>::infinity();
-    if (!onBorder || k + 1 < count) foot = Written(around[(k + 1) % count]);
-    if (!onBorder || k > 0) foot = std::max(foot, Written(around[(k + count - 1) % count]));
+    if (!onBorder || k + 1 < count) foot = heightOf(k + 1);
+    if (!onBorder || k > 0) foot = std::max(foot, heightOf(k + count - 1));
     CMeshPlace place;
-    if (count > 1 && Written(around[k]) > foot && MoveIn(around[k], ring, place)) moved[around[k]] = {place, foot};
+    if (count == 1 || heightOf(k) <= foot || !MoveIn(around[k], ring, place)) continue;
+    ++corners;
+    for (const std::uint32_t copy : around[k]) moved[copy] = {place, foot};
   }
-  if (moved.size() > 1) m_Moved.merge(moved);
+  if (corners > 1) m_Moved.merge(moved);
 }
 
 // Towards the middle of the corner's triangles, where each side counts once for its length, however short the others
 // are; along the border where they have a side there.
-std::array<double, 2> CTornSurface::InwardsFrom(std::uint32_t copy,
+std::array<double, 2> CTornSurface::InwardsFrom(const CCopies& copies,
                                                 std::span<const CCutTriangulation::CCorner> ring) const {
   const CCutTriangulation& triangles = m_Patch.Triangles();
-  const CMeshPlace& from = triangles.Place(m_auVertices[copy]);
+  const CMeshPlace& from = triangles.Place(m_auVertices[copies.front()]);
   const auto step = [&from](const CMeshPlace& to) {
     return std::array{static_cast<double>(to.x) - from.x, static_cast<double>(to.y) - from.y};
   };
   std::array<double, 2> inwards{};
   for (const CCutTriangulation::CCorner& corner : ring) {
-    if (m_aCorners[corner.m_uTriangle][corner.m_uPlace] != copy) continue;
+    if (!Has(copies, corner)) continue;
     for (const std::uint32_t side : {0U, 2U}) {
       if (const auto border = BorderBeside(corner, side)) return step(*border);
       const CMeshPlace& to = triangles.Place(triangles.Vertex(corner, side == 0 ? 1 : 2));
@@ -195,13 +215,13 @@ std::array<double, 2> CTornSurface::InwardsFrom(std::uint32_t copy,
 }
 
 // A thousandth of a cell, or as much less as the corner's triangles need to keep their area.
-bool CTornSurface::MoveIn(std::uint32_t copy, std::span<const CCutTriangulation::CCorner> ring,
+bool CTornSurface::MoveIn(const CCopies& copies, std::span<const CCutTriangulation::CCorner> ring,
                           CMeshPlace& place) const {
   constexpr double kStep = 1e-3;
   constexpr int kHalvings = 4;
   const CCutTriangulation& triangles = m_Patch.Triangles();
-  const CMeshPlace from = triangles.Place(m_auVertices[copy]);
-  const auto [x, y] = InwardsFrom(copy, ring);
+  const CMeshPlace from = triangles.Place(m_auVertices[copies.front()]);
+  const auto [x, y] = InwardsFrom(copies, ring);
   const auto towards = [&, x = x, y = y](double share) {
     return CMeshPlace{static_cast<std::int32_t>(std::lround(from.x + share * x)),
                       static_cast<std::int32_t>(std::lround(from.y + share * y))};
@@ -211,7 +231,7 @@ bool CTornSurface::MoveIn(std::uint32_t copy, std::span<const CCutTriangulation:
     place = towards(share);
     bool keeps = place != from;
     for (const CCutTriangulation::CCorner& corner : ring) {
-      if (m_aCorners[corner.m_uTriangle][corner.m_uPlace] != copy) continue;
+      if (!Has(copies, corner)) continue;
       const CMeshPlace& a = triangles.Place(triangles.Vertex(corner, 1));
       keeps = keeps && Turn(a, triangles.Place(triangles.Vertex(corner, 2)), place) > 0;
     }

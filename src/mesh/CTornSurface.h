@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -68,9 +69,14 @@ class CTornSurface {
  private:
   bool SplitAtChange(const CCutSide& side, CTearCutter& cutter);
   void TakeParts(const CCutSide& side, std::uint32_t vertex, double z, std::size_t before);
+  using CCopies = std::vector<std::uint32_t>;
+  bool Has(const CCopies& copies, const CCutTriangulation::CCorner& corner) const {
+    return std::ranges::find(copies, m_aCorners[corner.m_uTriangle][corner.m_uPlace]) != copies.end();
+  }
+  std::vector<CCopies> CornersIn(std::span<const CCutTriangulation::CCorner> ring, bool onBorder) const;
   void OpenEdge(std::span<const CCutTriangulation::CCorner> ring, bool onBorder);
-  bool MoveIn(std::uint32_t copy, std::span<const CCutTriangulation::CCorner> ring, CMeshPlace& place) const;
-  std::array<double, 2> InwardsFrom(std::uint32_t copy, std::span<const CCutTriangulation::CCorner> ring) const;
+  bool MoveIn(const CCopies& copies, std::span<const CCutTriangulation::CCorner> ring, CMeshPlace& place) const;
+  std::array<double, 2> InwardsFrom(const CCopies& copies, std::span<const CCutTriangulation::CCorner> ring) const;
   std::optional<CMeshPlace> BorderBeside(const CCutTriangulation::CCorner& corner, std::uint32_t side) const;
   bool IsInChain(std::uint32_t copy, std::uint32_t low, std::uint32_t high) const;
   std::vector<std::uint32_t> Chain(std::uint32_t low, std::uint32_t high, std::span<const std::uint32_t> others) const;

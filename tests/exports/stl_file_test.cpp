@@ -119,6 +119,16 @@ TEST(StlTest, HasNoEdgeOfFourWallsWhereTwoTearsBeginAtOnePointOfTheBorder) {
   }
 }
 
+// Both of them are on top of all else that meets there.
+TEST(StlTest, HasNoEdgeOfFourWallsWhereTwoSidesOfATearComeToOneHeightOnTheBorder) {
+  for (const std::uint32_t seed : {918U, 960U}) {
+    constexpr int kLevel = 3;
+    CTornGrid grid(RandomTears(seed, 1 << kLevel), kLevel, kLevel - static_cast<int>(seed / 3 % 3), seed);
+    SetRandomHeights(grid.Lattice(), seed);
+    EXPECT_EQ(EdgesNotOfTwoFacets(CleanSolid(grid.m_Grid, {}, 2.0)), 0) << seed;
+  }
+}
+
 TEST(StlTest, TellsItsPlaceAndScaleInTheHeader) {
   CFileMesh mesh = Roof();
   const auto header = [&mesh] { return StlBytes(mesh, UpAxis::Z).substr(0, 80); };
