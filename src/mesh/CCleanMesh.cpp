@@ -170,16 +170,26 @@ std::vector<std::uint32_t> CCleanMesh::AddTorn(const CTornSurface& torn, const C
 void CCleanMesh::AddStrips(const CTearPatch& patch, const CTearSides& sides, const CSideHeights& side,
                            std::span<const double> known, std::span<const std::uint32_t> numbers,
                            const CExportSteps& steps) {
+  constexpr double kHeights = 0.05;
   constexpr double kFar = 0.1;
-  constexpr double kMade = 0.9;
+  constexpr double kLower = 0.15;
+  constexpr double kMade = 0.8;
+  constexpr double kPlanes = 0.85;
+  constexpr double kRaised = 0.9;
   const std::vector<double> heights = side.Raised(known);
+  if (!steps.Goes(kHeights)) return;
   const CFarSides farSides(patch, sides, m_Options.m_fUnderWidth, m_afCell);
   if (!steps.Goes(kFar)) return;
-  const CTearStrips strips(patch, sides, farSides.Lower(heights, m_Options.m_fHeightScale), m_Options.m_fUnderWidth,
-                           m_afCell, steps.Part(kFar, kMade));
+  std::vector<CFarSide> lower = farSides.Lower(heights, m_Options.m_fHeightScale);
+  if (!steps.Goes(kLower)) return;
+  const CTearStrips strips(patch, sides, std::move(lower), m_Options.m_fUnderWidth, m_afCell,
+                           steps.Part(kLower, kMade));
   if (!steps.Goes(kMade)) return;
+  const std::vector<CSideHeights::CPlane> planes = side.RaisedPlanes(known, heights);
+  if (!steps.Goes(kPlanes)) return;
   std::vector<double> z(strips.Vertices().size());
-  strips.Raise(side, heights, side.RaisedPlanes(known, heights), z);
+  strips.Raise(side, heights, planes, z);
+  if (!steps.Goes(kRaised)) return;
   std::vector<std::uint32_t> stripNumbers;
   for (std::size_t v = 0; v < z.size(); ++v) {
     const CTearStrips::CVertex& vertex = strips.Vertices()[v];

@@ -142,6 +142,7 @@ bool CTearStrips::Spread(const CStripMesh& mesh, const CExportSteps& steps) {
 }
 
 bool CTearStrips::Cover(CStripMesh& mesh, const CExportSteps& steps) {
+  constexpr double kCovered = 0.7;
   const auto isInside = [this](std::uint32_t v) { return m_afOutside[v] < 0.0; };
   const auto cover = [&](std::size_t begin, std::size_t end) {
     for (std::size_t t = begin; t < end; ++t) {
@@ -149,9 +150,7 @@ bool CTearStrips::Cover(CStripMesh& mesh, const CExportSteps& steps) {
       if (std::ranges::any_of(corners, isInside)) AddClipped(mesh, corners);
     }
   };
-  if (!steps.ForBlocks(mesh.Triangles().size(), cover)) return false;
-  Number(mesh);
-  return true;
+  return steps.Part(0, kCovered).ForBlocks(mesh.Triangles().size(), cover) && Number(mesh, steps.Part(kCovered, 1));
 }
 
 // What of a triangle lies inside: all of it, or a corner, or what a corner is cut from.
@@ -176,21 +175,24 @@ void CTearStrips::AddClipped(CStripMesh& mesh, const CStripMesh::CCorners& corne
 }
 
 // Leaves out the vertices in no triangle.
-void CTearStrips::Number(const CStripMesh& mesh) {
+bool CTearStrips::Number(const CStripMesh& mesh, const CExportSteps& steps) {
   std::vector<std::uint32_t> numbers(mesh.VertexCount(), kNone);
-  for (CStripMesh::CCorners& corners : m_aTriangles) {
-    for (std::uint32_t& v : corners) {
-      std::uint32_t& number = numbers[v];
-      if (number == kNone) {
-        number = static_cast<std::uint32_t>(m_aVertices.size());
-        const CNearest& nearest = m_aNearest[v];
-        m_aVertices.push_back({mesh.Vertex(v), nearest.m_uSide, nearest.m_fShare, nearest.m_fDistance / m_fWidth});
-      }
-      v = number;
+  const auto take = [&](std::uint32_t& v) {
+    std::uint32_t& number = numbers[v];
+    if (number == kNone) {
+      number = static_cast<std::uint32_t>(m_aVertices.size());
+      const CNearest& nearest = m_aNearest[v];
+      m_aVertices.push_back({mesh.Vertex(v), nearest.m_uSide, nearest.m_fShare, nearest.m_fDistance / m_fWidth});
     }
-  }
+    v = number;
+  };
+  const auto number = [&](std::size_t begin, std::size_t end) {
+    for (std::size_t t = begin; t < end; ++t) std::ranges::for_each(m_aTriangles[t], take);
+  };
+  const bool whole = steps.ForBlocks(m_aTriangles.size(), number);
   m_aNearest = {};
   m_afOutside = {};
+  return whole;
 }
 
 void CTearStrips::Raise(const CSideHeights& side, std::span<const double> heights,

@@ -63,7 +63,7 @@ class CTearStrips {
   bool Cover(CStripMesh& mesh, const CExportSteps& steps);
   double Outside(const CNearest& nearest) const;
   void AddClipped(CStripMesh& mesh, const CStripMesh::CCorners& corners);
-  void Number(const CStripMesh& mesh);
+  bool Number(const CStripMesh& mesh, const CExportSteps& steps);
 
   std::vector<CFarSide> m_aSides;
   double m_fWidth;
