@@ -14,6 +14,7 @@
 #include "app/SolverTimer.h"
 #include "support/CTemporaryDirectory.h"
 #include "support/FormatBuilders.h"
+#include "support/UpdateBuilders.h"
 #include "support/gui/ToolkitTest.h"
 #include "ui/imageview/CImageView.h"
 #include "ui/modelview/CGridView.h"
@@ -197,6 +198,7 @@ class WindowTest : public ToolkitTest {
   std::vector<std::string> m_asDone;
   CContourAttributes m_Attributes;  ///< that were shown last
   std::optional<CContourAnswer> m_ContourAnswer;
+  CGlobalScope<double> m_PickTolerance{g_fPickTolerance, 1.0};
   CTemporaryDirectory m_Directory;
   CImageViewUI m_Window{RegisterSolverTimer, &m_Dialogs};
 
