@@ -77,7 +77,7 @@ void COverlayPainter::Set(std::shared_ptr<const COverlay> overlay, const CQuadTr
 }
 
 void COverlayPainter::Clear() {
-  m_Triangles = {};
+  m_auTriangles = {};
   m_afPlaces.clear();
   m_auWithValues.clear();
   m_auTexels.clear();
@@ -106,15 +106,15 @@ void COverlayPainter::MakePlaces(const CQuadTree& tree, const CPointOrder& order
 }
 
 void COverlayPainter::ChooseTriangles() {
-  m_Triangles = m_Mesh.Triangles();
+  m_auTriangles = m_Mesh.Triangles();
   const auto hasValue = [this](std::uint32_t vertex) { return !std::isnan(m_afPlaces[vertex]); };
   if (std::ranges::none_of(m_afPlaces, [](float place) { return std::isnan(place); })) return;
-  for (std::size_t t = 0; t + 2 < m_Triangles.size(); t += 3) {
-    const auto corners = m_Triangles.subspan(t, 3);
+  for (std::size_t t = 0; t + 2 < m_auTriangles.size(); t += 3) {
+    const auto corners = m_auTriangles.subspan(t, 3);
     if (std::ranges::all_of(corners, hasValue))
       m_auWithValues.insert(m_auWithValues.end(), corners.begin(), corners.end());
   }
-  m_Triangles = m_auWithValues;
+  m_auTriangles = m_auWithValues;
 }
 
 void COverlayPainter::MakeTexels() {
@@ -141,7 +141,7 @@ void COverlayPainter::Draw(const CExtent& extent) {
   if (m_pOverlay == nullptr) return;
   // The texture matrix and the mode of the context are those of others.
   glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-  if (!m_Triangles.empty()) DrawTriangles();
+  if (!m_auTriangles.empty()) DrawTriangles();
   if (!m_auTexels.empty()) DrawRaster(extent);
   glColor3d(1, 1, 1);
 }
@@ -173,7 +173,7 @@ void COverlayPainter::DrawTriangles() const {
   constexpr GLsizei kStride = 3 * sizeof(float);
   glVertexPointer(2, GL_FLOAT, kStride, m_afPositions.data());
   glTexCoordPointer(1, GL_FLOAT, 0, m_afPlaces.data());
-  glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(m_Triangles.size()), GL_UNSIGNED_INT, m_Triangles.data());
+  glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(m_auTriangles.size()), GL_UNSIGNED_INT, m_auTriangles.data());
   glDisableClientState(GL_TEXTURE_COORD_ARRAY);
   glDisableClientState(GL_VERTEX_ARRAY);
   glDisable(GL_TEXTURE_1D);

@@ -39,7 +39,7 @@ class COverlayPainter {
   /// triangles.
   std::span<const float> Positions() const { return m_afPositions; }
   std::span<const float> Places() const { return m_afPlaces; }
-  std::span<const std::uint32_t> Triangles() const { return m_Triangles; }
+  std::span<const std::uint32_t> Triangles() const { return m_auTriangles; }
 
  private:
   void Clear();
@@ -57,7 +57,7 @@ class COverlayPainter {
   std::optional<std::uint64_t> m_uMeshOf;
   CExtent m_Extent;
   std::vector<float> m_afPlaces;               ///< not a number where there is no value
-  std::span<const std::uint32_t> m_Triangles;  ///< all of the mesh, or these:
+  std::span<const std::uint32_t> m_auTriangles;  ///< all of the mesh, or these:
   std::vector<std::uint32_t> m_auWithValues;
   std::vector<std::uint8_t> m_auTexels;  ///< of the raster, red, green, blue and opacity
   int m_iTexelSide = 0;
