@@ -56,7 +56,7 @@ class COverlayPainter {
   std::vector<float> m_afPositions;
   std::optional<std::uint64_t> m_uMeshOf;
   CExtent m_Extent;
-  std::vector<float> m_afPlaces;               ///< not a number where there is no value
+  std::vector<float> m_afPlaces;                 ///< not a number where there is no value
   std::span<const std::uint32_t> m_auTriangles;  ///< all of the mesh, or these:
   std::vector<std::uint32_t> m_auWithValues;
   std::vector<std::uint8_t> m_auTexels;  ///< of the raster, red, green, blue and opacity
