@@ -353,13 +353,28 @@ class CPatience : public ExportProgress {
 };
 
 // An export to such a file that is cancelled at the given question.
-CSaveOutcome ExportCancelledAt(int question, const CGrid& grid, const std::string& file) {
+CSaveOutcome ExportCancelledAt(int question, const CGrid& grid, const std::string& file, TearGap gap) {
   const CReadPicture photograph = Photograph();
   CPatience patience(question);
   CExportSettings settings;
   settings.m_pPhotograph = &photograph;
   settings.m_pProgress = &patience;
+  settings.m_Gap = gap;
   return ExportSurface(grid, file, settings);
+}
+
+// How often it asks, cancelled at each question in turn.
+int QuestionsThatLeaveNothing(const CGrid& grid, const char* suffix, TearGap gap = TearGap::Open) {
+  const CTemporaryDirectory directory;
+  const std::string file = directory.File(std::string("a") + suffix);
+  int question = 0;
+  CSaveOutcome outcome = ExportCancelledAt(question, grid, file, gap);
+  for (; !outcome; outcome = ExportCancelledAt(++question, grid, file, gap)) {
+    EXPECT_EQ(outcome.m_Trouble, "Cancelled. The file " + file + " is not written.");
+    EXPECT_TRUE(outcome.m_bCancelled);
+    EXPECT_TRUE(std::filesystem::is_empty(directory.Path())) << suffix << " at " << question;
+  }
+  return question;
 }
 
 }  // namespace
@@ -384,16 +399,17 @@ TEST(SurfaceExportTest, TellsItsSharesInOrder) {
 TEST(SurfaceExportTest, LeavesNothingBehindWhereverItIsCancelled) {
   CTornGrid grid({});
   SwitchOnLights(grid.m_Grid);
-  for (const CExportFormat& format : ExportFormats()) {
-    const CTemporaryDirectory directory;
-    const std::string file = directory.File(std::string("a") + format.m_pSuffix);
-    int question = 0;
-    CSaveOutcome outcome = ExportCancelledAt(question, grid.m_Grid, file);
-    for (; !outcome; outcome = ExportCancelledAt(++question, grid.m_Grid, file)) {
-      EXPECT_EQ(outcome.m_Trouble, "Cancelled. The file " + file + " is not written.");
-      EXPECT_TRUE(outcome.m_bCancelled);
-      EXPECT_TRUE(std::filesystem::is_empty(directory.Path())) << format.m_pSuffix << " at " << question;
-    }
-    EXPECT_GT(question, 3) << format.m_pSuffix;
+  for (const CExportFormat& format : ExportFormats())
+    EXPECT_GT(QuestionsThatLeaveNothing(grid.m_Grid, format.m_pSuffix), 3) << format.m_pSuffix;
+}
+
+TEST(SurfaceExportTest, LeavesNothingBehindWhereverItIsCancelledBesideATear) {
+  CTornGrid plain({});
+  CTornGrid torn({{{{3.3, 3.2}, {12.1, 3.7}, {8.4, 12.2}}, true}});
+  SetRandomHeights(torn.Lattice(), 3);
+  for (const char* suffix : {".glb", ".ply", ".stl"}) {
+    const int questions = QuestionsThatLeaveNothing(plain.m_Grid, suffix);
+    for (const TearGap gap : {TearGap::Open, TearGap::Wall, TearGap::Under})
+      EXPECT_GT(QuestionsThatLeaveNothing(torn.m_Grid, suffix, gap), questions + 3) << suffix;
   }
 }
