@@ -67,6 +67,7 @@ class CSideHeights {
  private:
   friend class CSideRaiser;
   friend class CSideSearch;
+  friend class CSideSquares;
 
   CSideHeights() = default;
 

@@ -11,9 +11,6 @@
 
 namespace {
 
-// The outer sides of a square's triangles, in their order.
-enum Facing : std::size_t { kFacesDown, kFacesRight, kFacesUp, kFacesLeft, kFacings };
-
 // A window has at most 7 rows and columns: the last bits of each row, and of the word, stay clear and keep what spreads
 // from coming round.
 constexpr int kRowBits = 8;
@@ -29,32 +26,10 @@ std::uint64_t SpreadIn(std::uint64_t from, std::uint64_t squares) {
 // Behind all planes, where nothing counts.
 constexpr double kBehindAll = 1e300;
 
-struct CLaneSums {
-  std::array<double, 4> m_afWeights{};
-  std::array<double, 4> m_afSums{};
-};
-
-// Four at a time, which the processor takes together.
-template <typename Block>
-inline void AddFourPlanes(const Block& block, const CSidePoint& point, CLaneSums& sums) {
-  for (std::size_t k = 0; k < 4; ++k) {
-    const double dx = point.x - block.m_afX[k];
-    const double dy = point.y - block.m_afY[k];
-    const double weight = SideWeightAt(dx, dy);
-    sums.m_afWeights[k] += weight;
-    sums.m_afSums[k] += weight * (block.m_afZ[k] + block.m_afSlopeX[k] * dx + block.m_afSlopeY[k] * dy);
-  }
-}
-
-double SumOfLanes(const std::array<double, 4>& lanes) { return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]); }
-
 }  // namespace
 
 CSideRaiser::CSideRaiser(const CTearPatch& patch, const CTearSides& sides)
-    : m_Patch(patch),
-      m_Sides(sides),
-      m_iCells(patch.Plane().Cells()),
-      m_uTiles((static_cast<std::size_t>(m_iCells) + kTile - 1) / kTile) {}
+    : m_Patch(patch), m_Sides(sides), m_iCells(patch.Plane().Cells()) {}
 
 void CSideRaiser::CPlanes::Begin() {
   if (m_uCount / kLanes == m_aBlocks.size()) m_aBlocks.emplace_back();
@@ -96,85 +71,18 @@ bool CSideRaiser::Prepare(const CExportSteps& steps) {
   return steps.Goes(1);
 }
 
-// Whether the triangles of a leaf begin there, once around it and as they were.
-bool CSideRaiser::IsSquare(std::uint32_t t) const {
-  const std::span<const CCutTriangulation::CTriangle> triangles = m_Patch.Triangles().Triangles();
-  const auto& origin = m_Patch.Origin(t);
-  if (!origin.m_bUnit || !origin.m_bWholeLeaf || origin.m_uPlace != 0) return false;
-  const auto fan = triangles.subspan(t, kFacings);
-  for (std::size_t k = 0; k < fan.size(); ++k) {
-    if (fan[k].m_uOrigin != t + k || fan[k].m_auVertices[2] != fan[0].m_auVertices[2] ||
-        fan[k].m_auVertices[1] != fan[(k + 1) % kFacings].m_auVertices[0] ||
-        std::ranges::find(fan[k].m_abCut, true) != fan[k].m_abCut.end())
-      return false;
-  }
-  return true;
-}
-
 void CSideRaiser::FindSquares() {
+  m_Squares = CSideSquares(m_Patch, m_Sides, m_afHeights);
   m_auPlaceOf.assign(m_Patch.Triangles().Triangles().size(), kNone);
-  m_auTileAt.assign(m_uTiles * m_uTiles, kNone);
   m_abProvided.assign(m_Sides.PieceCount(), 0);
-  m_aSquares.reserve(m_Patch.OriginCount() / kFacings);
-  for (std::uint32_t t = 0; t < m_Patch.OriginCount(); ++t) {
-    if (!IsSquare(t)) continue;
-    const auto number = static_cast<std::uint32_t>(m_aSquares.size());
-    const std::uint32_t corner = m_Patch.Triangles().Triangle(t).m_auVertices[0];
-    CSquare& square = m_aSquares.emplace_back();
-    square.m_uFirst = t;
-    square.m_iColumn = static_cast<int>(m_Patch.ColumnOf(corner));
-    square.m_iRow = static_cast<int>(m_Patch.RowOf(corner));
-    RaiseSquare(square);
-    PutSquare(number);
-    for (std::uint32_t k = 0; k < kFacings; ++k) m_auPlaceOf[t + k] = kSquare | number;
-    m_abProvided[m_Sides.PieceOf(t)] = 1;
+  for (std::uint32_t number = 0; number < m_Squares.All().size(); ++number) {
+    const std::uint32_t first = m_Squares[number].m_uFirst;
+    for (std::uint32_t k = 0; k < SideFacing::kCount; ++k) m_auPlaceOf[first + k] = kSquare | number;
+    m_abProvided[m_Sides.PieceOf(first)] = 1;
   }
-}
-
-void CSideRaiser::PutSquare(std::uint32_t number) {
-  const auto column = static_cast<std::size_t>(m_aSquares[number].m_iColumn);
-  const auto row = static_cast<std::size_t>(m_aSquares[number].m_iRow);
-  std::uint32_t& tile = m_auTileAt[row / kTile * m_uTiles + column / kTile];
-  if (tile == kNone) {
-    tile = static_cast<std::uint32_t>(m_aTiles.size());
-    m_aTiles.emplace_back().fill(kNone);
-  }
-  m_aTiles[tile][row % kTile * kTile + column % kTile] = number;
-}
-
-// kNone where there is none.
-std::uint32_t CSideRaiser::SquareAt(int column, int row) const {
-  const auto x = static_cast<std::size_t>(column);
-  const auto y = static_cast<std::size_t>(row);
-  const std::uint32_t tile = m_auTileAt[y / kTile * m_uTiles + x / kTile];
-  return tile == kNone ? kNone : m_aTiles[tile][y % kTile * kTile + x % kTile];
 }
 
 double CSideRaiser::HeightAtCorner(std::uint32_t t, std::uint32_t k) const { return m_afHeights[m_Sides.CopyOf(t, k)]; }
-
-// What the sums of SidePlaneOf come to for triangles of half a square: steps along its side, and inwards.
-void CSideRaiser::RaiseSquare(CSquare& square) const {
-  const std::uint32_t t = square.m_uFirst;
-  const double centre = HeightAtCorner(t, 2);
-  const std::array corners{HeightAtCorner(t, 0), HeightAtCorner(t + 1, 0), HeightAtCorner(t + 2, 0),
-                           HeightAtCorner(t + 3, 0)};
-  square.m_Range.Add(centre);
-  for (const double z : corners) square.m_Range.Add(z);
-  const double x = square.m_iColumn;
-  const double y = square.m_iRow;
-  CBlock& planes = square.m_Planes;
-  planes.m_afX = {x + 0.5, (3.0 * x + 2.5) / 3.0, x + 0.5, (3.0 * x + 0.5) / 3.0};
-  planes.m_afY = {(3.0 * y + 0.5) / 3.0, y + 0.5, (3.0 * y + 2.5) / 3.0, y + 0.5};
-  for (std::size_t k = 0; k < kFacings; ++k) {
-    const double from = corners[k];
-    const double to = corners[(k + 1) % kFacings];
-    const double along = to - from;
-    const double inwards = 2.0 * centre - (from + to);
-    planes.m_afZ[k] = from / 3.0 + to / 3.0 + centre / 3.0;
-    planes.m_afSlopeX[k] = k == kFacesDown ? along : k == kFacesUp ? -along : k == kFacesLeft ? inwards : -inwards;
-    planes.m_afSlopeY[k] = k == kFacesRight ? along : k == kFacesLeft ? -along : k == kFacesDown ? inwards : -inwards;
-  }
-}
 
 void CSideRaiser::MakePieces() {
   const CCutTriangulation& triangles = m_Patch.Triangles();
@@ -297,7 +205,7 @@ void CSideRaiser::SpreadFrom(std::uint32_t start) {
         if ((beyond & kSquare) == 0) {
           SeePiece(beyond);
         } else {
-          m_uFound |= BitOf(m_aSquares[beyond & ~kSquare]);
+          m_uFound |= BitOf(m_Squares[beyond & ~kSquare]);
         }
       }
     }
@@ -325,7 +233,7 @@ void CSideRaiser::FindWindow() {
   const auto& [left, low] = m_Window.m_aiFirst;
   for (int row = std::max(low, 0); row <= std::min(m_Window.m_aiLast[1], m_iCells - 1); ++row) {
     for (int column = std::max(left, 0); column <= std::min(m_Window.m_aiLast[0], m_iCells - 1); ++column) {
-      const std::uint32_t square = SquareAt(column, row);
+      const std::uint32_t square = m_Squares.At(column, row);
       if (square == kNone) continue;
       const auto bit = static_cast<std::size_t>((row - low) * kRowBits + column - left);
       m_auWindow[bit] = square;
@@ -345,11 +253,11 @@ std::uint64_t CSideRaiser::BitOf(const CSquare& square) const {
 
 // The pieces next to squares, but for those outside of the window.
 void CSideRaiser::EnterFrom(std::uint64_t squares) {
-  const std::array<std::uint64_t, kFacings> beside{m_uSquares << kRowBits, m_uSquares >> 1U, m_uSquares >> kRowBits,
-                                                   m_uSquares << 1U};
-  for (std::uint32_t k = 0; k < kFacings; ++k) {
+  const std::array<std::uint64_t, SideFacing::kCount> beside{m_uSquares << kRowBits, m_uSquares >> 1U,
+                                                             m_uSquares >> kRowBits, m_uSquares << 1U};
+  for (std::uint32_t k = 0; k < SideFacing::kCount; ++k) {
     for (std::uint64_t left = squares & ~beside[k] & ~OutermostBits(k); left != 0; left &= left - 1) {
-      const std::uint32_t t = m_aSquares[m_auWindow[static_cast<std::size_t>(std::countr_zero(left))]].m_uFirst + k;
+      const std::uint32_t t = m_Squares[m_auWindow[static_cast<std::size_t>(std::countr_zero(left))]].m_uFirst + k;
       const std::uint32_t beyond = m_Patch.Triangles().Triangle(t).m_auNeighbours[0];
       if (beyond != kNone) SeePiece(m_auPlaceOf[beyond]);
     }
@@ -362,11 +270,11 @@ std::uint64_t CSideRaiser::OutermostBits(std::size_t hand) const {
   const int across = m_Window.m_aiLast[0] - m_Window.m_aiFirst[0];
   const int up = m_Window.m_aiLast[1] - m_Window.m_aiFirst[1];
   switch (hand) {
-    case kFacesDown:
+    case SideFacing::kDown:
       return kRow;
-    case kFacesRight:
+    case SideFacing::kRight:
       return kColumn << static_cast<unsigned>(across);
-    case kFacesUp:
+    case SideFacing::kUp:
       return kRow << static_cast<unsigned>(up * kRowBits);
     default:
       return kColumn;
@@ -392,23 +300,23 @@ void CSideRaiser::TakeSquares() {
   m_Range = {};
   m_afCorners = {};
   for (CPlanes& outer : m_aOuter) outer.Clear();
-  std::array<std::uint64_t, kFacings> outermost{};
-  for (std::size_t k = 0; k < kFacings; ++k) outermost[k] = OutermostBits(k);
-  const std::uint64_t rim =
-      outermost[kFacesDown] | outermost[kFacesRight] | outermost[kFacesUp] | outermost[kFacesLeft];
+  std::array<std::uint64_t, SideFacing::kCount> outermost{};
+  for (std::size_t k = 0; k < SideFacing::kCount; ++k) outermost[k] = OutermostBits(k);
+  const std::uint64_t rim = outermost[SideFacing::kDown] | outermost[SideFacing::kRight] | outermost[SideFacing::kUp] |
+                            outermost[SideFacing::kLeft];
   for (std::uint64_t left = m_uFound & ~rim; left != 0; left &= left - 1) {
-    const CSquare& square = m_aSquares[m_auWindow[static_cast<std::size_t>(std::countr_zero(left))]];
+    const CSquare& square = m_Squares[m_auWindow[static_cast<std::size_t>(std::countr_zero(left))]];
     m_apWhole.push_back(&square.m_Planes);
     m_Range.Add(square.m_Range);
   }
   for (std::uint64_t left = m_uFound & rim; left != 0; left &= left - 1) {
     const auto bit = static_cast<unsigned>(std::countr_zero(left));
-    const CSquare& square = m_aSquares[m_auWindow[bit]];
+    const CSquare& square = m_Squares[m_auWindow[bit]];
     const CBlock& planes = square.m_Planes;
     m_Range.Add(HeightAtCorner(square.m_uFirst, 2));
-    for (std::uint32_t k = 0; k < kFacings; ++k) {
+    for (std::uint32_t k = 0; k < SideFacing::kCount; ++k) {
       const bool isOuter = (outermost[k] >> bit & 1U) != 0;
-      const bool isCorner = isOuter && (outermost[(k + 3) % kFacings] >> bit & 1U) != 0;
+      const bool isCorner = isOuter && (outermost[(k + 3) % SideFacing::kCount] >> bit & 1U) != 0;
       CPlanes& to = isOuter ? m_aOuter[k] : m_Planes;
       to.Add(planes.m_afX[k], planes.m_afY[k], planes.m_afZ[k], planes.m_afSlopeX[k], planes.m_afSlopeY[k]);
       const double z = HeightAtCorner(square.m_uFirst + k, 0);
@@ -429,8 +337,8 @@ std::optional<double> CSideRaiser::HeightAt(std::uint32_t copy, const CReach& re
   if (!(sum.m_afWeights[0] + sum.m_afWeights[1] > 0.0)) return {};
   CRange range = m_Range;
   const auto keeps = OuterNear(reach);
-  for (std::size_t k = 0; k < kFacings; ++k) {
-    if (m_afCorners[k] && (keeps[k] || keeps[(k + 3) % kFacings])) range.Add(*m_afCorners[k]);
+  for (std::size_t k = 0; k < SideFacing::kCount; ++k) {
+    if (m_afCorners[k] && (keeps[k] || keeps[(k + 3) % SideFacing::kCount])) range.Add(*m_afCorners[k]);
   }
   for (const std::uint32_t piece : m_auNear) range.Add(m_aRaised[piece].m_Range);
   const std::array<double, 2> share = SharesOfSides(sum.m_afWeights);
@@ -452,7 +360,7 @@ bool CSideRaiser::EnterDoors(const CReach& reach) {
     for (const std::uint32_t beyond : m_aPieces[m_auNear[done++]].m_auBeyond) {
       if (beyond == kNone) continue;
       if ((beyond & kSquare) != 0) {
-        if ((BitOf(m_aSquares[beyond & ~kSquare]) & ~m_uFound) != 0) return false;
+        if ((BitOf(m_Squares[beyond & ~kSquare]) & ~m_uFound) != 0) return false;
         continue;
       }
       const CPiece& next = m_aPieces[beyond];
@@ -478,16 +386,16 @@ std::array<bool, 4> CSideRaiser::OuterNear(const CReach& reach) const {
 // Nearly everywhere.
 CSideRaiser::CSum CSideRaiser::SumOfOneSide(const CReach& reach) const {
   const CSidePoint point = reach.m_Point;
-  CLaneSums sums;
-  for (const CBlock* block : m_apWhole) AddFourPlanes(*block, point, sums);
-  for (const CBlock& block : m_Planes.Blocks()) AddFourPlanes(block, point, sums);
+  CSideSquares::CLaneSums sums;
+  for (const CBlock* block : m_apWhole) sums.Add(*block, point);
+  for (const CBlock& block : m_Planes.Blocks()) sums.Add(block, point);
   const auto keeps = OuterNear(reach);
-  for (std::size_t k = 0; k < kFacings; ++k) {
+  for (std::size_t k = 0; k < SideFacing::kCount; ++k) {
     if (!keeps[k]) continue;
-    for (const CBlock& block : m_aOuter[k].Blocks()) AddFourPlanes(block, point, sums);
+    for (const CBlock& block : m_aOuter[k].Blocks()) sums.Add(block, point);
   }
-  double weights = SumOfLanes(sums.m_afWeights);
-  double heights = SumOfLanes(sums.m_afSums);
+  double weights = sums.Weights();
+  double heights = sums.Heights();
   for (const std::uint32_t piece : m_auNear) {
     const CRaised& plane = m_aRaised[piece];
     if (!plane.m_bCounts) continue;
@@ -519,7 +427,7 @@ CSideRaiser::CSum CSideRaiser::SumOfTwoSides(const CReach& reach, std::uint32_t 
   for (const CBlock* block : m_apWhole) addBlock(*block);
   std::ranges::for_each(m_Planes.Blocks(), addBlock);
   const auto keeps = OuterNear(reach);
-  for (std::size_t k = 0; k < kFacings; ++k) {
+  for (std::size_t k = 0; k < SideFacing::kCount; ++k) {
     if (keeps[k]) std::ranges::for_each(m_aOuter[k].Blocks(), addBlock);
   }
   for (const std::uint32_t piece : m_auNear) {

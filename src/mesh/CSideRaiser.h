@@ -10,6 +10,7 @@
 
 #include "base/ExportProgress.h"
 #include "mesh/CSideHeights.h"
+#include "mesh/CSideSquares.h"
 #include "mesh/SidePlanes.h"
 
 class CTearPatch;
@@ -17,11 +18,10 @@ class CTearSides;
 
 /// The heights of one surface beside the cuts of a patch, as CSideHeights has them.
 ///
-/// What CSideSearch does triangle by triangle from each copy is done here for many at once. Leaves one step wide that
-/// no cut and no other leaf has changed are squares of the lattice: all points of a cell see the same of them, but for
-/// the outer triangles of the outermost, and which of them belong to the side is found out once per cell by spreading
-/// in a word of bits. Only the triangles between the squares are looked at one by one. The few copies that this does
-/// not do for are left to CSideSearch.
+/// What CSideSearch does triangle by triangle from each copy is done here for many at once. All points of a cell see
+/// the same squares, but for the outer triangles of the outermost, and which of them belong to the side is found out
+/// once per cell by spreading in a word of bits. Only the triangles between the squares are looked at one by one. The
+/// few copies that this does not do for are left to CSideSearch.
 class CSideRaiser {
  public:
   /// `sides` must have been found in `patch` as it is; both must outlive it.
@@ -34,26 +34,10 @@ class CSideRaiser {
   using CRange = CSideHeights::CRange;
   static constexpr std::uint32_t kNone = CSideHeights::kNone;
   static constexpr std::uint32_t kSquare = 0x80000000;  ///< of a square, where it may be that of a piece
-  static constexpr std::size_t kTile = 8;               ///< cells of a side: squares are few, and lie together
-  static constexpr std::size_t kLanes = 4;
-  using CLanes = std::array<double, kLanes>;
+  static constexpr std::size_t kLanes = CSideSquares::kLanes;
+  using CBlock = CSideSquares::CBlock;
+  using CSquare = CSideSquares::CSquare;
 
-  // Four planes: where their middles are, their heights there, and what they grow by per cell.
-  struct alignas(32) CBlock {
-    CLanes m_afX{};
-    CLanes m_afY{};
-    CLanes m_afZ{};
-    CLanes m_afSlopeX{};
-    CLanes m_afSlopeY{};
-  };
-  // The lowest triangle, that on the right, the highest, that on the left.
-  struct CSquare {
-    CBlock m_Planes;
-    CRange m_Range;
-    std::uint32_t m_uFirst = 0;  ///< of its triangles
-    int m_iColumn = 0;
-    int m_iRow = 0;
-  };
   // A triangle of no square.
   struct alignas(32) CPiece {
     std::array<std::uint32_t, 3> m_auBeyond{};  ///< pieces or squares that it leads on to; kNone for none
@@ -117,11 +101,7 @@ class CSideRaiser {
   };
 
   bool Prepare(const CExportSteps& steps);
-  bool IsSquare(std::uint32_t t) const;
   void FindSquares();
-  void PutSquare(std::uint32_t number);
-  std::uint32_t SquareAt(int column, int row) const;
-  void RaiseSquare(CSquare& square) const;
   void MakePieces();
   CRaised RaisedOf(std::uint32_t t) const;
   double HeightAtCorner(std::uint32_t t, std::uint32_t k) const;
@@ -162,11 +142,8 @@ class CSideRaiser {
   const CTearPatch& m_Patch;
   const CTearSides& m_Sides;
   int m_iCells;                     ///< of a side
-  std::size_t m_uTiles;             ///< of a side
   std::vector<double> m_afHeights;  ///< by copy
-  std::vector<CSquare> m_aSquares;
-  std::vector<std::uint32_t> m_auTileAt;  ///< where the squares of so many cells by as many are; kNone where none is
-  std::vector<std::array<std::uint32_t, kTile * kTile>> m_aTiles;  ///< squares by cell; kNone for none
+  CSideSquares m_Squares;
   std::vector<CPiece> m_aPieces;
   std::vector<CRaised> m_aRaised;             ///< by piece
   std::vector<std::uint32_t> m_auTriangles;   ///< by piece
